@@ -1,0 +1,4 @@
+#pragma once
+#include "PrecompiledGui.h"
+
+#include <QtWidgets>

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QtGlobal>
+
+// Keeps the resident size flat: without it the allocator moves its threshold for large blocks with
+// every freed picture, keeps them, and the process grows by luck. Call first in main().
+void settleAllocator();
+
+// The largest resident size of this process so far, in bytes; 0 where the system does not tell.
+qint64 peakMemory();
