@@ -1,0 +1,62 @@
+#include "model/PublicationItem.h"
+
+#include <QFileInfo>
+
+namespace {
+
+struct DefaultLayer {
+    CopySlot slot;
+    bool visible;
+    double x, y, width, height;
+};
+
+// The tagline waits hidden, so that a template or the user can show it without making it.
+constexpr std::array defaultLayerTable{
+    DefaultLayer{CopySlot::title, true, 0.11, 0.30, 0.78, 0.16},
+    DefaultLayer{CopySlot::subtitle, true, 0.16, 0.47, 0.68, 0.13},
+    DefaultLayer{CopySlot::tagline, false, 0.21, 0.61, 0.58, 0.10},
+    DefaultLayer{CopySlot::callToAction, true, 0.31, 0.72, 0.38, 0.08},
+};
+
+}    // namespace
+
+PublicationItem PublicationItem::make(const QUrl& url, const PhotoHandle& image)
+{
+    PublicationItem item;
+    item.id = QUuid::createUuid();
+    item.url = url;
+    item.image = image;
+    item.analysis = GeneratedCopy::placeholder();
+    item.layers = defaultLayers(item.analysis);
+    return item;
+}
+
+QList<TextLayer> PublicationItem::defaultLayers(const GeneratedCopy& copy)
+{
+    QList<TextLayer> layers;
+    for (const DefaultLayer& row : defaultLayerTable) {
+        const CodableRect frame(row.x, row.y, row.width, row.height);
+        layers.append(
+            TextLayer(QUuid::createUuid(), row.slot, copy.text(row.slot), row.visible, frame));
+    }
+    return layers;
+}
+
+QString PublicationItem::filename() const
+{
+    const QString name = url.fileName();
+    const auto dot = name.lastIndexOf(u'.');
+    return dot > 0 ? name.left(dot) : name;
+}
+
+TextLayer* PublicationItem::layer(CopySlot slot)
+{
+    const auto found = std::ranges::find(layers, slot, &TextLayer::slot);
+    return found == layers.end() ? nullptr : &*found;
+}
+
+bool PublicationItem::hasLayer(QUuid layerId) const
+{
+    const auto isIt = [layerId](const auto& candidate) { return candidate.id == layerId; };
+    return std::ranges::any_of(layers, isIt) || std::ranges::any_of(shapeLayers, isIt);
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "model/Vocabulary.h"
+
+#include <QSizeF>
+
+// The post format of the whole batch.
+enum class SocialFormat { storyReel, horizontal, carouselPortrait, square };
+
+struct SocialFormatRow {
+    SocialFormat value;
+    QStringView rawValue;       // the Spanish title
+    QStringView templateKey;    // template files, the service and the command line
+    QStringView icon;
+    QStringView ratioLabel;
+    double aspectRatio;    // width / height
+    QSizeF exportSize;     // pixels
+};
+
+template <>
+struct Vocabulary<SocialFormat> {
+    static constexpr std::array rows{
+        SocialFormatRow{SocialFormat::storyReel, u"Story / Reel", u"story-reel", u"format-story",
+                        u"9:16", 9.0 / 16.0, QSizeF(1080, 1920)},
+        SocialFormatRow{SocialFormat::horizontal, u"Horizontal", u"horizontal",
+                        u"format-horizontal", u"16:9", 16.0 / 9.0, QSizeF(1920, 1080)},
+        SocialFormatRow{SocialFormat::carouselPortrait, u"Carrusel / Post vertical",
+                        u"carousel-portrait", u"format-carousel", u"4:5", 0.8, QSizeF(1080, 1350)},
+        SocialFormatRow{SocialFormat::square, u"Post cuadrado", u"square", u"format-square", u"1:1",
+                        1.0, QSizeF(1080, 1080)},
+    };
+};
+static_assert(rowsAreInOrder<SocialFormat>());
+
+constexpr QSizeF exportSize(SocialFormat format)
+{
+    return row(format).exportSize;
+}
+
+// The canvas size that type sizes, padding, radii and shadows refer to: half the export size,
+// whatever the window.
+inline QSizeF designSize(SocialFormat format)
+{
+    return exportSize(format) / 2;
+}
+
+// Exact and case-sensitive.
+inline std::optional<SocialFormat> fromTemplateKey(QStringView key)
+{
+    for (const auto& r : Vocabulary<SocialFormat>::rows) {
+        if (r.templateKey == key)
+            return r.value;
+    }
+    return std::nullopt;
+}

@@ -1,0 +1,100 @@
+#include "model/Json.h"
+#include "model/GeneratedCopy.h"
+#include "model/ImagePlacement.h"
+#include "model/ShapeLayer.h"
+#include "model/TextLayer.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+TextLayer someLayer()
+{
+    TextLayer layer(QUuid::createUuid(), CopySlot::tagline, u"Ñandú 🦤 \"cita\"\n\u2028fin"_s,
+                    false, {0.1, 1.0 / 3.0, 0.7, 1e-9});
+    layer.alignment = LayerTextAlignment::justified;
+    layer.fontName = u"Inter Display Black"_s;
+    layer.fontScale = 1.15;
+    layer.shadowColor = CodableColor(0.1, 0.2, 0.3, 0.4);
+    return layer;
+}
+
+}    // namespace
+
+TEST(Json, layersComeBackExactly)
+{
+    const TextLayer layer = someLayer();
+    EXPECT_EQ(fromJson<TextLayer>(toJson(layer)), layer);
+
+    ShapeLayer shape(QUuid::createUuid(), ShapeKind::line, {-0.1, 0.2, 1.7, 0});
+    shape.strokeOpacity = 0.1 + 0.2;
+    EXPECT_EQ(fromJson<ShapeLayer>(toJson(shape)), shape);
+    const QList<ShapeLayer> shapes{shape, ShapeLayer(QUuid::createUuid(), ShapeKind::circle, {})};
+    EXPECT_EQ(fromJson<QList<ShapeLayer>>(toJson(shapes)), shapes);
+}
+
+TEST(Json, keysAndWordsAreThoseOfTheFiles)
+{
+    ImagePlacement placement{ImageFitMode::fit, 1.5, {0.25, -0.5}};
+    EXPECT_EQ(toJson(placement),
+              QByteArray(R"({"mode":"Encajar","zoom":1.5,"offsetX":0.25,"offsetY":-0.5})"));
+    TextLayer layer = someLayer();
+    layer.id = QUuid(u"a3bb189e-8bf9-3888-9912-ace4e6543002"_s);
+    const QByteArray text = toJson(layer);
+    EXPECT_TRUE(text.contains(R"("id":"A3BB189E-8BF9-3888-9912-ACE4E6543002")"))
+        << text.constData();
+    EXPECT_TRUE(text.contains(R"("slot":"Tagline")")) << text.constData();
+}
+
+TEST(Json, unknownWordsFallBackWhereTheFieldSaysSo)
+{
+    QByteArray layer = toJson(someLayer());
+    EXPECT_EQ(fromJson<TextLayer>(QByteArray(layer).replace("justified", "diagonal"))->alignment,
+              LayerTextAlignment::center);
+    EXPECT_EQ(fromJson<TextLayer>(QByteArray(layer).replace("Tagline", "Párrafo"))->slot,
+              CopySlot::tagline);
+    EXPECT_EQ(fromJson<TextLayer>(QByteArray(layer).replace("Tagline", "Pie")), std::nullopt);
+    EXPECT_EQ(fromJson<ImagePlacement>(R"({"mode":"?","zoom":2,"offsetX":0,"offsetY":0})")->mode,
+              ImageFitMode::fill);
+    const ShapeLayer circle(QUuid::createUuid(), ShapeKind::circle, {});
+    EXPECT_EQ(fromJson<ShapeLayer>(toJson(circle).replace("Círculo", "Estrella"))->kind,
+              ShapeKind::rectangle);
+}
+
+TEST(Json, missingOptionalKeysTakeTheirDefaultAndMissingRequiredOnesDropTheRecord)
+{
+    const QByteArray layer = toJson(someLayer());
+    const auto scaled = fromJson<TextLayer>(QByteArray(layer).replace(R"("fontScale":1.15,)", ""));
+    ASSERT_TRUE(scaled);
+    EXPECT_EQ(scaled->fontScale, 1.0);
+    EXPECT_FALSE(fromJson<TextLayer>(QByteArray(layer).replace(R"("hasBox":true,)", "")));
+    EXPECT_EQ(fromJson<GeneratedCopy>(
+                  toJson(GeneratedCopy::placeholder()).replace("Ver más", "\\\"Ven.\\\""))
+                  ->callToAction,
+              u"Ven"_s);
+}
+
+TEST(Json, oneBadEntryIsDroppedAlone)
+{
+    const QByteArray good = toJson(someLayer());
+    const QByteArray bad = QByteArray(good).replace("\"x\":0.1", "\"x\":\"0.1\"");
+    const QByteArray list = "[" + good + ",null,7," + bad + ",[]," + good + "]";
+    const auto layers = fromJson<QList<TextLayer>>(list);
+    ASSERT_TRUE(layers);
+    EXPECT_EQ(layers->size(), 2);
+}
+
+TEST(Json, hostileBytesGiveNothing)
+{
+    const QByteArray deep = QByteArray(200000, '[');
+    for (const QByteArray& bytes :
+         {QByteArray(), QByteArray("{"), QByteArray("nul"), QByteArray("[]"), deep,
+          deep + QByteArray(200000, ']'),
+          QByteArray("{\"red\":1e999,\"green\":0,\"blue\":0,\"alpha\":1}"),
+          QByteArray("{\"red\":true,\"green\":0,\"blue\":0,\"alpha\":1}"),
+          QByteArray("\xff\xfe{}")}) {
+        EXPECT_EQ(fromJson<CodableColor>(bytes), std::nullopt) << bytes.left(60).constData();
+    }
+}
