@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+
+// The main picture of a HEIC file in sRGB, turned as the container says; null when it cannot be
+// read or holds more than 64 megapixels. Its EXIF orientation repeats the container's and is
+// ignored.
+QImage readHeicPhoto(const QByteArray& bytes);

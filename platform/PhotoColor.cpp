@@ -1,0 +1,73 @@
+#include "platform/PhotoColor.h"
+
+#include <QColorSpace>
+
+#include <lcms2.h>
+
+#include <memory>
+
+namespace {
+
+// Sixteen bits a channel are converted as such: linear light in eight would break into bands.
+QImage inConvertibleFormat(QImage picture)
+{
+    const bool deep = picture.depth() > 32 || picture.format() == QImage::Format_Grayscale16 ||
+                      picture.pixelFormat().redSize() > 8;
+    const bool alpha = picture.hasAlphaChannel();
+    const auto format = deep ? (alpha ? QImage::Format_RGBA64 : QImage::Format_RGBX64)
+                             : (alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    if (picture.format() != format)
+        picture.convertTo(format);
+    return picture;
+}
+
+struct LcmsDeleter {
+    void operator()(void* profile) const { cmsCloseProfile(profile); }
+};
+using LcmsProfile = std::unique_ptr<void, LcmsDeleter>;
+
+// Table-based profiles, which QColorSpace refuses.
+void convertByTables(QImage& picture, const QByteArray& rawProfile)
+{
+    const LcmsProfile from(
+        cmsOpenProfileFromMem(rawProfile.constData(), cmsUInt32Number(rawProfile.size())));
+    const LcmsProfile to(cmsCreate_sRGBProfile());
+    if (!from || !to || cmsGetColorSpace(from.get()) != cmsSigRgbData)
+        return;
+    const cmsUInt32Number layout = picture.depth() == 64 ? TYPE_RGBA_16 : TYPE_BGRA_8;
+    cmsHTRANSFORM transform = cmsCreateTransform(from.get(), layout, to.get(), layout,
+                                                 INTENT_PERCEPTUAL, cmsFLAGS_COPY_ALPHA);
+    if (!transform)
+        return;
+    const auto stride = cmsUInt32Number(picture.bytesPerLine());
+    uchar* const bits = picture.bits();
+    cmsDoTransformLineStride(transform, bits, bits, cmsUInt32Number(picture.width()),
+                             cmsUInt32Number(picture.height()), stride, stride, 0, 0);
+    cmsDeleteTransform(transform);
+}
+
+}    // namespace
+
+QImage inSrgb(QImage picture, const QByteArray& rawProfile)
+{
+    if (picture.isNull())
+        return picture;
+    const QColorSpace space = picture.colorSpace();
+    const QColorSpace srgb(QColorSpace::SRgb);
+    if (space.isValid()) {
+        if (space != srgb) {
+            picture = inConvertibleFormat(std::move(picture));
+            picture.convertToColorSpace(srgb);
+        }
+    } else if (const QByteArray raw = rawProfile.isEmpty() ? space.iccProfile() : rawProfile;
+               !raw.isEmpty()) {
+        picture = inConvertibleFormat(std::move(picture));
+        convertByTables(picture, raw);
+    }
+    const auto format =
+        picture.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
+    if (picture.format() != format)
+        picture.convertTo(format);
+    picture.setColorSpace(srgb);
+    return picture;
+}

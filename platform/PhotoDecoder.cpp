@@ -1,0 +1,270 @@
+#include "platform/PhotoDecoder.h"
+
+#include "platform/DecodeGate.h"
+#include "platform/HeicPhoto.h"
+#include "platform/PhotoColor.h"
+#include "platform/PhotoHeader.h"
+
+#include <QBuffer>
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QLibrary>
+#include <QTransform>
+
+#include <libexif/exif-data.h>
+#include <webp/demux.h>
+
+#include <algorithm>
+#include <mutex>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 sharedBytes = 200'000'000;     // of all decodings together
+constexpr qint64 largestAlone = 600'000'000;    // of one that runs alone
+
+DecodeGate& gate()
+{
+    static DecodeGate shared(sharedBytes);
+    return shared;
+}
+
+struct Decoded {
+    PhotoInfo info;
+    QImage image;
+};
+
+const char* readerName(PhotoFormat format)
+{
+    switch (format) {
+    case PhotoFormat::jpeg:
+        return "jpeg";
+    case PhotoFormat::png:
+        return "png";
+    case PhotoFormat::tiff:
+        return "tiff";
+    case PhotoFormat::webp:
+        return "webp";
+    case PhotoFormat::bmp:
+        return "bmp";
+    case PhotoFormat::gif:
+        return "gif";
+    case PhotoFormat::heic:
+        break;
+    }
+    return "";
+}
+
+// libtiff writes its opinions to standard error. The plugin loads it, so there is no header of it
+// here: only the two functions that take its handlers away.
+void silenceTiff()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        using Setter = void* (*)(void*);
+        QLibrary tiff(u"tiff"_qs, 6);
+        for (const char* name : {"TIFFSetWarningHandler", "TIFFSetErrorHandler"}) {
+            if (const auto set = reinterpret_cast<Setter>(tiff.resolve(name)))
+                set(nullptr);
+        }
+    });
+}
+
+// EXIF numbers: 1 is upright, 2 to 8 the mirrored and turned ones.
+int exifOrientation(const uchar* exif, unsigned length)
+{
+    ExifData* const data = exif_data_new_from_data(exif, length);
+    if (!data)
+        return 1;
+    int orientation = 1;
+    const ExifEntry* const entry =
+        exif_content_get_entry(data->ifd[EXIF_IFD_0], EXIF_TAG_ORIENTATION);
+    if (entry && entry->format == EXIF_FORMAT_SHORT && entry->components == 1 && entry->size >= 2)
+        orientation = exif_get_short(entry->data, exif_data_get_byte_order(data));
+    exif_data_unref(data);
+    return orientation;
+}
+
+// The reader of WebP knows no orientation.
+int webpOrientation(const QByteArray& bytes)
+{
+    const WebPData data{reinterpret_cast<const uint8_t*>(bytes.constData()),
+                        std::size_t(bytes.size())};
+    WebPDemuxer* const demuxer = WebPDemux(&data);
+    if (!demuxer)
+        return 1;
+    int orientation = 1;
+    WebPChunkIterator chunk;
+    if (WebPDemuxGetChunk(demuxer, "EXIF", 1, &chunk)) {
+        constexpr std::size_t longest = 1 << 20;
+        if (chunk.chunk.size <= longest) {
+            // libexif wants the name JPEG puts before the data, which WebP leaves out as a rule.
+            QByteArray exif(reinterpret_cast<const char*>(chunk.chunk.bytes),
+                            qsizetype(chunk.chunk.size));
+            if (!exif.startsWith("Exif"))
+                exif.prepend("Exif\0\0", 6);
+            orientation = exifOrientation(reinterpret_cast<const uchar*>(exif.constData()),
+                                          unsigned(exif.size()));
+        }
+        WebPDemuxReleaseChunkIterator(&chunk);
+    }
+    WebPDemuxDelete(demuxer);
+    return orientation;
+}
+
+QImage uprightFrom(QImage image, int orientation)
+{
+    const bool mirrored =
+        orientation == 2 || orientation == 4 || orientation == 5 || orientation == 7;
+    const int degrees = orientation == 3 || orientation == 4   ? 180
+                        : orientation == 5 || orientation == 8 ? 270
+                        : orientation == 6 || orientation == 7 ? 90
+                                                               : 0;
+    if (mirrored)
+        image = image.mirrored(true, false);
+    return degrees ? image.transformed(QTransform().rotate(degrees)) : image;
+}
+
+std::optional<Decoded> readWithQt(const PhotoHeader& header, QByteArray bytes, PhotoLevel level)
+{
+    // Qt refuses pictures above a limit of its own, lower than what the gate lets pass.
+    static std::once_flag once;
+    std::call_once(once, [] { QImageReader::setAllocationLimit(int(largestAlone >> 20)); });
+    if (header.format == PhotoFormat::tiff)
+        silenceTiff();
+    if (header.format == PhotoFormat::png && !hasSoundChunks(bytes))
+        return {};
+    const bool reducible = header.format == PhotoFormat::jpeg;
+    if (reducible)
+        bytes = paddedToLevel(header, std::move(bytes), level);
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer, readerName(header.format));
+    reader.setAutoDetectImageFormat(false);
+    reader.setAutoTransform(true);
+    const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+    if (reducible && level != PhotoLevel::full) {
+        const QSize announced = reader.size();
+        reader.setScaledSize({std::max(1, announced.width() / int(level)),
+                              std::max(1, announced.height() / int(level))});
+    }
+    QImage image = reader.read();
+    if (image.isNull())
+        return {};
+    PhotoInfo info{turned ? header.size.transposed() : header.size, reducible};
+    if (header.format == PhotoFormat::webp) {
+        const int orientation = webpOrientation(bytes);
+        image = uprightFrom(std::move(image), orientation);
+        if (orientation >= 5 && orientation <= 8)
+            info.size.transpose();
+    }
+    if (!reducible)
+        info.size = image.size();
+    return Decoded{info, inSrgb(std::move(image))};
+}
+
+// A photo whose bytes are read and whose share of memory is taken.
+struct OpenPhoto {
+    PhotoHeader header;
+    PhotoLevel level;
+    DecodeGate::Pass pass;
+    QByteArray bytes;
+};
+
+// `wantedLevel` is asked with the size in the file, which may lie on its side.
+template <typename WantedLevel>
+std::optional<OpenPhoto> openPhoto(const QString& path, WantedLevel wantedLevel)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return {};
+    const auto header = readPhotoHeader(file);
+    if (!header)
+        return {};
+    const PhotoLevel level = affordableLevel(*header, wantedLevel(header->size));
+    const qint64 fileBytes = file.size();
+    const qint64 needed = fileBytes + decodingBytes(*header, level);
+    if (needed > largestAlone || !file.seek(0))
+        return {};
+    OpenPhoto photo{*header, level, gate().enter(needed), file.read(fileBytes)};
+    if (header->format == PhotoFormat::jpeg) {
+        constexpr qint64 mostWork = 5'000'000'000;    // pixels, each scan counted
+        const QSize size = header->size;
+        if (qint64(size.width()) * size.height() * scanCount(photo.bytes) > mostWork)
+            return {};
+    }
+    return photo;
+}
+
+std::optional<Decoded> decode(OpenPhoto& photo)
+{
+    if (photo.header.format != PhotoFormat::heic)
+        return readWithQt(photo.header, std::move(photo.bytes), photo.level);
+    QImage image = readHeicPhoto(photo.bytes);
+    if (image.isNull())
+        return {};
+    return Decoded{{image.size(), false}, image};
+}
+
+}    // namespace
+
+QSize sizeAtLevel(QSize photo, PhotoLevel level)
+{
+    const int step = int(level);
+    return {(photo.width() + step - 1) / step, (photo.height() + step - 1) / step};
+}
+
+PhotoLevel coveringLevel(QSize photo, QSize needed)
+{
+    for (const PhotoLevel level : {PhotoLevel::eighth, PhotoLevel::quarter, PhotoLevel::half}) {
+        const QSize picture = sizeAtLevel(photo, level);
+        if (picture.width() >= needed.width() && picture.height() >= needed.height())
+            return level;
+    }
+    return PhotoLevel::full;
+}
+
+QSize thumbnailSize(QSize photo)
+{
+    constexpr double shortSide = 320, longSide = 4 * shortSide;
+    const int shorter = std::min(photo.width(), photo.height());
+    const int longer = std::max(photo.width(), photo.height());
+    if (shorter <= 0)
+        return {};
+    const double scale = std::min({1.0, shortSide / shorter, longSide / longer});
+    return {std::max(1, qRound(photo.width() * scale)),
+            std::max(1, qRound(photo.height() * scale))};
+}
+
+std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level)
+{
+    auto photo = openPhoto(path, [&](QSize) { return level; });
+    if (!photo)
+        return {};
+    auto decoded = decode(*photo);
+    if (!decoded)
+        return {};
+    return std::move(decoded->image);
+}
+
+std::optional<AcceptedPhoto> acceptPhoto(const QString& path)
+{
+    auto photo =
+        openPhoto(path, [](QSize size) { return coveringLevel(size, thumbnailSize(size)); });
+    if (!photo)
+        return {};
+    const QByteArray digest =
+        QCryptographicHash::hash(photo->bytes, QCryptographicHash::Blake2b_256);
+    auto decoded = decode(*photo);
+    if (!decoded)
+        return {};
+    const QSize size = thumbnailSize(decoded->info.size);
+    QImage thumbnail =
+        decoded->image.size() == size
+            ? std::move(decoded->image)
+            : decoded->image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return AcceptedPhoto{decoded->info, digest, std::move(thumbnail)};
+}

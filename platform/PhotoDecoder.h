@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+#include <optional>
+
+// File pixels per decoded pixel, each way.
+enum class PhotoLevel { full = 1, half = 2, quarter = 4, eighth = 8 };
+
+struct PhotoInfo {
+    QSize size;                // upright, in file pixels
+    bool reducible = false;    // a JPEG: decodes at a level for less
+    bool operator==(const PhotoInfo&) const = default;
+};
+
+// The picture of a photo at a level: what does not divide evenly is rounded up.
+QSize sizeAtLevel(QSize photo, PhotoLevel level);
+
+// The coarsest level whose picture still covers `needed` pixels both ways; full when none does.
+PhotoLevel coveringLevel(QSize photo, QSize needed);
+
+// Short side 320 pixels, long side at most 1280; never larger than the photo.
+QSize thumbnailSize(QSize photo);
+
+// Pixels upright, in sRGB, RGB32 or ARGB32_Premultiplied; nothing when the file is no photo or
+// would need too much memory. What cannot be decoded reduced comes at full size whatever the level,
+// and a JPEG too large for the level comes at the next one that fits. Any thread but the
+// interface's: it waits for the disk, for its share of memory and for the codec.
+std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level);
+
+// What accepting a photo into a batch yields, from one reading and one reduced decoding.
+struct AcceptedPhoto {
+    PhotoInfo info;
+    QByteArray digest;    // BLAKE2b-256 of the file's bytes
+    QImage thumbnail;     // as decodePhoto, area-averaged to thumbnailSize()
+};
+std::optional<AcceptedPhoto> acceptPhoto(const QString& path);
