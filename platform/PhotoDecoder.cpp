@@ -32,11 +32,6 @@ DecodeGate& gate()
     return shared;
 }
 
-struct Decoded {
-    PhotoInfo info;
-    QImage image;
-};
-
 const char* readerName(PhotoFormat format)
 {
     switch (format) {
@@ -128,7 +123,8 @@ QImage uprightFrom(QImage image, int orientation)
     return degrees ? image.transformed(QTransform().rotate(degrees)) : image;
 }
 
-std::optional<Decoded> readWithQt(const PhotoHeader& header, QByteArray bytes, PhotoLevel level)
+std::optional<DecodedPhoto> readWithQt(const PhotoHeader& header, QByteArray bytes,
+                                       PhotoLevel level)
 {
     // Qt refuses pictures above a limit of its own, lower than what the gate lets pass.
     static std::once_flag once;
@@ -163,7 +159,7 @@ std::optional<Decoded> readWithQt(const PhotoHeader& header, QByteArray bytes, P
     }
     if (!reducible)
         info.size = image.size();
-    return Decoded{info, inSrgb(std::move(image))};
+    return DecodedPhoto{info, inSrgb(std::move(image))};
 }
 
 // A photo whose bytes are read and whose share of memory is taken.
@@ -174,9 +170,19 @@ struct OpenPhoto {
     QByteArray bytes;
 };
 
-// `wantedLevel` is asked with the size in the file, which may lie on its side.
-template <typename WantedLevel>
-std::optional<OpenPhoto> openPhoto(const QString& path, WantedLevel wantedLevel)
+// What is known of a JPEG before its pixels: the size as it will stand. Other formats are decoded
+// whole, and the level chosen for them changes nothing.
+PhotoInfo infoBeforeDecoding(const PhotoHeader& header, QFile& file)
+{
+    if (header.format != PhotoFormat::jpeg || !file.seek(0))
+        return {header.size, false};
+    QImageReader reader(&file, "jpeg");
+    reader.setAutoDetectImageFormat(false);
+    const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+    return {turned ? header.size.transposed() : header.size, true};
+}
+
+std::optional<OpenPhoto> openPhoto(const QString& path, const LevelChoice& wantedLevel)
 {
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
@@ -184,7 +190,8 @@ std::optional<OpenPhoto> openPhoto(const QString& path, WantedLevel wantedLevel)
     const auto header = readPhotoHeader(file);
     if (!header)
         return {};
-    const PhotoLevel level = affordableLevel(*header, wantedLevel(header->size));
+    const PhotoLevel level =
+        affordableLevel(*header, wantedLevel(infoBeforeDecoding(*header, file)));
     const qint64 fileBytes = file.size();
     const qint64 needed = fileBytes + decodingBytes(*header, level);
     if (needed > largestAlone || !file.seek(0))
@@ -199,14 +206,14 @@ std::optional<OpenPhoto> openPhoto(const QString& path, WantedLevel wantedLevel)
     return photo;
 }
 
-std::optional<Decoded> decode(OpenPhoto& photo)
+std::optional<DecodedPhoto> decode(OpenPhoto& photo)
 {
     if (photo.header.format != PhotoFormat::heic)
         return readWithQt(photo.header, std::move(photo.bytes), photo.level);
     QImage image = readHeicPhoto(photo.bytes);
     if (image.isNull())
         return {};
-    return Decoded{{image.size(), false}, image};
+    return DecodedPhoto{{image.size(), false}, image};
 }
 
 }    // namespace
@@ -241,19 +248,23 @@ QSize thumbnailSize(QSize photo)
 
 std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level)
 {
-    auto photo = openPhoto(path, [&](QSize) { return level; });
-    if (!photo)
-        return {};
-    auto decoded = decode(*photo);
+    auto decoded = decodePhoto(path, [level](const PhotoInfo&) { return level; });
     if (!decoded)
         return {};
     return std::move(decoded->image);
 }
 
+std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level)
+{
+    auto photo = openPhoto(path, level);
+    return photo ? decode(*photo) : std::nullopt;
+}
+
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path)
 {
-    auto photo =
-        openPhoto(path, [](QSize size) { return coveringLevel(size, thumbnailSize(size)); });
+    auto photo = openPhoto(path, [](const PhotoInfo& info) {
+        return coveringLevel(info.size, thumbnailSize(info.size));
+    });
     if (!photo)
         return {};
     const QByteArray digest =

@@ -5,6 +5,7 @@
 #include <QSize>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 // File pixels per decoded pixel, each way.
@@ -30,6 +31,14 @@ QSize thumbnailSize(QSize photo);
 // and a JPEG too large for the level comes at the next one that fits. Any thread but the
 // interface's: it waits for the disk, for its share of memory and for the codec.
 std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level);
+
+// The same for who knows the level only from the photo: one reading serves both.
+struct DecodedPhoto {
+    PhotoInfo info;
+    QImage image;
+};
+using LevelChoice = std::function<PhotoLevel(const PhotoInfo&)>;
+std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level);
 
 // What accepting a photo into a batch yields, from one reading and one reduced decoding.
 struct AcceptedPhoto {

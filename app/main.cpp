@@ -1,0 +1,69 @@
+#include "cli/CommandLine.h"
+#include "platform/Memory.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
+
+#include <cstdio>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The toolkit and its codecs remark on broken files; a command's output and its progress line stay
+// clean of it.
+void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    static const bool wanted = qEnvironmentVariableIsSet("MOLTIVA_DEBUG");
+    if (wanted || type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+}
+
+void prepare(QCoreApplication& application)
+{
+    QCoreApplication::setApplicationName(u"moltiva"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(MOLTIVA_VERSION));
+    // The toolkit's own dialogs, menus and errors.
+    auto* translator = new QTranslator(&application);
+    if (translator->load(u"qtbase_es"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(translator);
+    QLocale::setDefault(QLocale(u"es"_s));
+}
+
+bool hasDisplay()
+{
+#if defined(Q_OS_LINUX)
+    return !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+#else
+    return true;
+#endif
+}
+
+}    // namespace
+
+int main(int argc, char** argv)
+{
+    settleAllocator();
+    qInstallMessageHandler(quietMessages);
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+
+    if (isCommandLine(arguments)) {
+        // The toolkit ends a process that asks for a display and finds none.
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        QGuiApplication application(argc, argv);
+        prepare(application);
+        return runCommandLine(arguments);
+    }
+    if (!hasDisplay()) {
+        std::fputs("moltiva: no hay pantalla para abrir la ventana. Prueba «moltiva --help».\n",
+                   stderr);
+        return exitWrongUse;
+    }
+    return exitDone;
+}

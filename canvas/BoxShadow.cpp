@@ -1,0 +1,171 @@
+#include "canvas/BoxShadow.h"
+
+#include <QCache>
+#include <QMutex>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <tuple>
+#include <vector>
+
+namespace {
+
+constexpr int blurPasses = 3;
+constexpr double reach = 3.2;    // standard deviations beyond which the blur is below 1/255
+constexpr qsizetype cacheBytes = 24 << 20;
+
+// A box of 2·radius + 1 full samples and two ends of weight `end`; the passes' variances add up to
+// sigma².
+struct FractionalBox {
+    int radius;
+    float full, end;
+
+    explicit FractionalBox(double sigma)
+    {
+        const double variance = sigma * sigma / blurPasses;
+        radius = int((std::sqrt(12 * variance + 1) - 1) / 2);
+        const double r = radius;
+        // From P. Gwosdek et al., "Theoretical foundations of Gaussian convolution by extended box
+        // filtering".
+        const double ends =
+            (2 * r + 1) * (r * (r + 1) - 3 * variance) / (6 * (variance - (r + 1) * (r + 1)));
+        const double length = 2 * r + 1 + 2 * ends;
+        full = float(1 / length);
+        end = float(ends / length);
+    }
+};
+
+void blurLine(const float* in, float* out, int count, const FractionalBox& box)
+{
+    const auto at = [&](int i) { return i >= 0 && i < count ? in[i] : 0.0f; };
+    double sum = 0;
+    for (int i = -box.radius; i <= box.radius; ++i)
+        sum += at(i);
+    for (int i = 0; i < count; ++i) {
+        out[i] =
+            float(sum) * box.full + (at(i - box.radius - 1) + at(i + box.radius + 1)) * box.end;
+        sum += at(i + box.radius + 1) - at(i - box.radius);
+    }
+}
+
+// Blurs the rows of `in` and leaves them as columns, so that two calls do both directions.
+std::vector<float> blurRowsTransposed(const std::vector<float>& in, int width, int height,
+                                      const FractionalBox& box)
+{
+    std::vector<float> out(in.size());
+    std::vector<float> line(static_cast<std::size_t>(width)), other(line.size());
+    for (int y = 0; y < height; ++y) {
+        std::copy_n(in.begin() + qptrdiff(y) * width, width, line.begin());
+        for (int pass = 0; pass < blurPasses; ++pass) {
+            blurLine(line.data(), other.data(), width, box);
+            line.swap(other);
+        }
+        for (int x = 0; x < width; ++x)
+            out[std::size_t(x) * std::size_t(height) + std::size_t(y)] = line[std::size_t(x)];
+    }
+    return out;
+}
+
+QImage tinted(const QImage& alpha, const QRect& part, const QColor& color)
+{
+    std::array<QRgb, 256> shades;
+    for (int a = 0; a < 256; ++a)
+        shades[std::size_t(a)] = qPremultiply(
+            qRgba(color.red(), color.green(), color.blue(), qRound(a * color.alphaF())));
+    QImage image(part.size(), QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < part.height(); ++y) {
+        const uchar* from = alpha.constScanLine(part.y() + y) + part.x();
+        auto* to = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < part.width(); ++x)
+            to[x] = shades[from[x]];
+    }
+    return image;
+}
+
+ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, const QColor& color,
+                         const QRect& visible)
+{
+    const int margin = int(std::ceil(sigma * reach)) + 1;
+    const QRect blurred = box.toAlignedRect().adjusted(-margin, -margin, margin, margin);
+    const QRect shown = blurred.intersected(visible);
+    if (shown.isEmpty())
+        return {};
+    // What lies beyond the margin of the shown part cannot reach it.
+    const QRect drawn = shown.adjusted(-margin, -margin, margin, margin).intersected(blurred);
+    QImage alpha(drawn.size(), QImage::Format_Alpha8);
+    if (alpha.isNull())
+        return {};
+    alpha.fill(0);
+    {
+        QPainter painter(&alpha);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.translate(-drawn.topLeft());
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Qt::black);
+        painter.drawRoundedRect(box, cornerRadius, cornerRadius);
+    }
+    gaussianBlur(alpha, sigma);
+    return {shown.topLeft(), tinted(alpha, shown.translated(-drawn.topLeft()), color)};
+}
+
+struct ShadowKey {
+    double x, y, width, height, cornerRadius, sigma;
+    QRgb color;
+    float opacity;
+    QRect visible;
+    bool operator==(const ShadowKey&) const = default;
+};
+
+size_t qHash(const ShadowKey& key, size_t seed = 0)
+{
+    return qHashMulti(seed, key.x, key.y, key.width, key.height, key.cornerRadius, key.sigma,
+                      key.color, key.opacity, key.visible.x(), key.visible.y(), key.visible.width(),
+                      key.visible.height());
+}
+
+}    // namespace
+
+void gaussianBlur(QImage& alpha, double sigma)
+{
+    Q_ASSERT(alpha.format() == QImage::Format_Alpha8);
+    if (!(sigma > 0.01))
+        return;
+    const int width = alpha.width(), height = alpha.height();
+    const FractionalBox box(sigma);
+    std::vector<float> samples(std::size_t(width) * std::size_t(height));
+    for (int y = 0; y < height; ++y) {
+        const uchar* row = alpha.constScanLine(y);
+        std::copy_n(row, width, samples.begin() + qptrdiff(y) * width);
+    }
+    samples = blurRowsTransposed(samples, width, height, box);
+    samples = blurRowsTransposed(samples, height, width, box);
+    for (int y = 0; y < height; ++y) {
+        const float* from = samples.data() + std::size_t(y) * std::size_t(width);
+        std::transform(from, from + width, alpha.scanLine(y), [](float sample) {
+            return uchar(std::clamp(int(std::lround(sample)), 0, 255));
+        });
+    }
+}
+
+ShadowPicture boxShadow(const QRectF& box, double cornerRadius, double sigma, const QColor& color,
+                        const QRect& visible)
+{
+    static QMutex mutex;
+    static QCache<ShadowKey, ShadowPicture> known(cacheBytes);
+    const ShadowKey key{box.x(), box.y(),     box.width(),    box.height(), cornerRadius,
+                        sigma,   color.rgb(), color.alphaF(), visible};
+    {
+        const QMutexLocker lock(&mutex);
+        if (const ShadowPicture* found = known.object(key))
+            return *found;
+    }
+    // Drawn outside the lock: two threads may draw the same one once, and get the same pixels.
+    const ShadowPicture picture = drawShadow(box, cornerRadius, sigma, color, visible);
+    const QMutexLocker lock(&mutex);
+    known.insert(key, new ShadowPicture(picture),
+                 std::max<qsizetype>(picture.image.sizeInBytes(), 256));
+    return picture;
+}

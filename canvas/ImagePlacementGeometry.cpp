@@ -1,0 +1,54 @@
+#include "canvas/ImagePlacementGeometry.h"
+
+#include <algorithm>
+
+namespace {
+
+// Canvas pixels per photo pixel may not fall below this, whatever the zoom.
+constexpr double smallestScale = 0.1;
+
+double clampedOrigin(double origin, double length, double canvasOrigin, double canvasLength)
+{
+    if (canvasLength < length)
+        return std::min(std::max(origin, canvasOrigin + canvasLength - length), canvasOrigin);
+    return canvasOrigin + canvasLength / 2 - length / 2;
+}
+
+}    // namespace
+
+QRectF ImagePlacementGeometry::imageRect(QSizeF imageSize, QSizeF canvas,
+                                         const ImagePlacement& placement)
+{
+    if (imageSize.width() <= 0 || imageSize.height() <= 0 || canvas.width() <= 0 ||
+        canvas.height() <= 0)
+        return {};
+    const double sx = canvas.width() / imageSize.width();
+    const double sy = canvas.height() / imageSize.height();
+    const double base = placement.mode == ImageFitMode::fill ? std::max(sx, sy) : std::min(sx, sy);
+    const double scale = std::max(base * placement.zoom, smallestScale);
+    const QSizeF size = imageSize * scale;
+    const QRectF rect(
+        QPointF(canvas.width() / 2 - size.width() / 2 + placement.offset.x * canvas.width(),
+                canvas.height() / 2 - size.height() / 2 + placement.offset.y * canvas.height()),
+        size);
+    return clamped(rect, QRectF(QPointF(), canvas), placement.mode);
+}
+
+// The mode needs no rule of its own: a photo that fits is smaller than the canvas on the axes where
+// it is centred.
+QRectF ImagePlacementGeometry::clamped(const QRectF& rect, const QRectF& canvas, ImageFitMode)
+{
+    return {clampedOrigin(rect.x(), rect.width(), canvas.x(), canvas.width()),
+            clampedOrigin(rect.y(), rect.height(), canvas.y(), canvas.height()), rect.width(),
+            rect.height()};
+}
+
+ImagePlacement ImagePlacementGeometry::clamped(const ImagePlacement& placement, QSizeF imageSize,
+                                               QSizeF canvas)
+{
+    const QRectF rect = imageRect(imageSize, canvas, placement);
+    ImagePlacement result = placement;
+    result.offset.x = (rect.center().x() - canvas.width() / 2) / std::max(canvas.width(), 1.0);
+    result.offset.y = (rect.center().y() - canvas.height() / 2) / std::max(canvas.height(), 1.0);
+    return result;
+}

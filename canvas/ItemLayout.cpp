@@ -1,0 +1,127 @@
+#include "canvas/ItemLayout.h"
+
+#include "canvas/ImagePlacementGeometry.h"
+#include "canvas/TextFitting.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+// Design units by which a text keeps off the edge of its box, whether the box is drawn or not.
+constexpr double textInset = 10;
+// Below these nothing would be seen.
+constexpr double leastShadow = 0.001, leastStroke = 0.1;
+// A frame from a file may hold any number; beyond this many pixels nothing on a canvas changes.
+constexpr double farAway = 100000;
+
+double bounded(double value)
+{
+    return value > -farAway ? std::min(value, farAway) : -farAway;
+}
+
+QRectF toPixels(const CodableRect& frame, QSizeF canvas)
+{
+    return {bounded(frame.x * canvas.width()), bounded(frame.y * canvas.height()),
+            bounded(frame.width * canvas.width()), bounded(frame.height * canvas.height())};
+}
+
+QPainterPath outlineOf(const ShapeLayer& shape, const QRectF& rect, double scale)
+{
+    QPainterPath path;
+    switch (shape.kind) {
+    case ShapeKind::rectangle: {
+        const double radius = std::max(bounded(shape.cornerRadius * scale), 0.0);
+        path.addRoundedRect(rect, radius, radius);
+        break;
+    }
+    case ShapeKind::circle:
+        path.addEllipse(rect);
+        break;
+    case ShapeKind::triangle:
+        path.moveTo(rect.center().x(), rect.top());
+        path.lineTo(rect.bottomRight());
+        path.lineTo(rect.bottomLeft());
+        path.closeSubpath();
+        break;
+    case ShapeKind::line:
+        path.moveTo(rect.left(), rect.center().y());
+        path.lineTo(rect.right(), rect.center().y());
+        break;
+    }
+    return path;
+}
+
+LaidOutShape layOutShape(const ShapeLayer& shape, QSizeF canvas, double scale)
+{
+    LaidOutShape result;
+    result.outline = outlineOf(shape, toPixels(shape.frame, canvas), scale);
+    result.fill = shape.fill.withAlpha(shape.fillOpacity);
+    result.stroke = shape.stroke.withAlpha(shape.strokeOpacity);
+    if (shape.strokeWidth > leastStroke)
+        result.strokeWidth = bounded(shape.strokeWidth * scale);
+    return result;
+}
+
+std::optional<LaidOutShadow> layOutShadow(const TextLayer& layer, double scale)
+{
+    if (!layer.hasBox || !(layer.shadowOpacity > leastShadow) ||
+        !(layer.shadowRadius > leastShadow))
+        return std::nullopt;
+    const double angle = layer.shadowAngle * std::numbers::pi / 180;
+    const double distance = bounded(layer.shadowDistance * scale);
+    LaidOutShadow shadow;
+    // Angles count with y upwards.
+    shadow.offset = QPointF(std::cos(angle) * distance, -std::sin(angle) * distance);
+    shadow.sigma = std::min(bounded(layer.shadowRadius * scale), 2000.0) / 2;
+    // The box that casts it lets light through.
+    const double opacity = ExportCanvasRenderer::clamp(layer.shadowOpacity, 0, 1) *
+                           ExportCanvasRenderer::clamp(layer.backgroundOpacity, 0, 1);
+    shadow.color = layer.shadowColor.withAlpha(opacity);
+    return shadow;
+}
+
+LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double scale)
+{
+    const QRectF box = toPixels(layer.frame, canvas);
+    const double inset = textInset * scale;
+    const QRectF area = box.adjusted(inset, inset, -inset, -inset);
+    const double size = ExportCanvasRenderer::fittedFontSize(layer, area.size(), scale);
+    const LaidOutText text(ExportCanvasRenderer::styledText(layer, size), area.width());
+
+    LaidOutTextLayer result{.id = layer.id,
+                            .box = box,
+                            .cornerRadius = std::max(bounded(layer.cornerRadius * scale), 0.0),
+                            .fill = std::nullopt,
+                            .shadow = layOutShadow(layer, scale),
+                            .text = text,
+                            .textPosition = {},
+                            .foreground = layer.foreground.color(),
+                            .fontSize = size};
+    if (layer.hasBox)
+        result.fill = layer.background.withAlpha(layer.backgroundOpacity);
+    result.textPosition =
+        TextLayoutMetrics::verticallyCenteredRect(text.usedRect(), area).topLeft();
+    return result;
+}
+
+}    // namespace
+
+ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF reference)
+{
+    ItemLayout layout;
+    layout.canvas =
+        QSize(int(std::lround(ExportCanvasRenderer::clamp(outputSize.width(), 0, 30000))),
+              int(std::lround(ExportCanvasRenderer::clamp(outputSize.height(), 0, 30000))));
+    layout.photo = item.image;
+    layout.photoRect =
+        ImagePlacementGeometry::imageRect(item.image.size, outputSize, item.placement);
+    const double scale = ExportCanvasRenderer::designScale(outputSize, reference);
+    for (const ShapeLayer& shape : item.shapeLayers)
+        layout.shapes.append(layOutShape(shape, outputSize, scale));
+    for (const TextLayer& layer : item.layers) {
+        if (layer.isVisible)
+            layout.texts.append(layOutTextLayer(layer, outputSize, scale));
+    }
+    return layout;
+}

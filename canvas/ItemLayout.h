@@ -1,0 +1,53 @@
+#pragma once
+
+#include "canvas/TextLayoutMetrics.h"
+#include "model/PublicationItem.h"
+
+#include <QColor>
+#include <QList>
+#include <QPainterPath>
+#include <QRectF>
+#include <QSize>
+
+// A shape ready to paint, in canvas pixels.
+struct LaidOutShape {
+    QPainterPath outline;
+    QColor fill;
+    QColor stroke;
+    double strokeWidth = 0;    // 0: no stroke
+};
+
+// A shadow under a rounded box, in canvas pixels.
+struct LaidOutShadow {
+    QPointF offset;      // y downwards
+    double sigma = 0;    // standard deviation of the blur
+    QColor color;
+};
+
+// A visible text layer ready to paint, in canvas pixels.
+struct LaidOutTextLayer {
+    QUuid id;
+    QRectF box;
+    double cornerRadius = 0;
+    std::optional<QColor> fill;    // of the box, where there is one
+    std::optional<LaidOutShadow> shadow;
+    LaidOutText text;
+    QPointF textPosition;
+    QColor foreground;
+    double fontSize = 0;
+};
+
+// An item laid out once for one output size: every size fitted, every line broken. Whatever shows
+// the item paints this, through a transform of its own, and never fits again. Painted on the thread
+// that made it.
+struct ItemLayout {
+    QSize canvas;    // whole pixels
+    PhotoHandle photo;
+    QRectF photoRect;    // empty: no photo
+    QList<LaidOutShape> shapes;
+    QList<LaidOutTextLayer> texts;
+};
+
+// `outputSize` in pixels, each side rounded to the nearest; `reference` is the canvas size in
+// design units.
+ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF reference);

@@ -1,0 +1,161 @@
+#include "canvas/TextFitting.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QHash>
+#include <QMutex>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr double smallestType = 8, largestType = 128;    // design units
+constexpr double fitTolerance = 0.5;                     // canvas pixels on each side
+
+// The size a slot starts from, as a share of the text area's height and width, and its weight in
+// the system font.
+struct SlotType {
+    CopySlot slot;
+    double heightShare, widthShare;
+    QFont::Weight weight;
+};
+constexpr std::array slotTypes{
+    SlotType{CopySlot::title, 0.42, 0.13, QFont::Black},
+    SlotType{CopySlot::subtitle, 0.34, 0.075, QFont::DemiBold},
+    SlotType{CopySlot::tagline, 0.42, 0.08, QFont::DemiBold},
+    SlotType{CopySlot::callToAction, 0.42, 0.085, QFont::Bold},
+};
+static_assert(std::ranges::all_of(slotTypes, [](const SlotType& type) {
+    return &slotTypes[std::size_t(type.slot)] == &type;
+}));
+
+const SlotType& typeOf(CopySlot slot)
+{
+    return slotTypes[std::size_t(slot)];
+}
+
+QFont atDesignSize(QFont font)
+{
+    font.setPixelSize(DesignFont::designPixelSize);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    return font;
+}
+
+QString withoutSpaces(QStringView text)
+{
+    return text.toString().remove(u' ').toCaseFolded();
+}
+
+std::optional<QFont> lookUpNamedFont(const QString& name)
+{
+    // A full name is a family followed by one of its styles; nothing tells where the style begins.
+    for (auto space = name.indexOf(u' '); space != -1; space = name.indexOf(u' ', space + 1)) {
+        const QString family = name.left(space);
+        if (!QFontDatabase::hasFamily(family))
+            continue;
+        const QString wanted = withoutSpaces(QStringView(name).mid(space));
+        for (const QString& style : QFontDatabase::styles(family)) {
+            if (withoutSpaces(style) == wanted)
+                return atDesignSize(QFontDatabase::font(family, style, 12));
+        }
+    }
+    if (name.isEmpty() || !QFontDatabase::hasFamily(name))
+        return std::nullopt;
+    return atDesignSize(QFont(name));
+}
+
+// Looking a name up walks the font list; a batch asks for the same few again and again.
+std::optional<QFont> namedFont(const QString& name)
+{
+    static QMutex mutex;
+    static QHash<QString, std::optional<QFont>> known;
+    const QMutexLocker lock(&mutex);
+    if (known.size() > 1000)
+        known.clear();
+    const auto found = known.constFind(name);
+    return found != known.cend() ? *found : *known.insert(name, lookUpNamedFont(name));
+}
+
+// Tells sizes at which a text cannot fit, from one measurement, so that only the likely ones are
+// laid out. Never wrong about a size that fits: it bounds the lines from below.
+class ImpossibleSizes {
+public:
+    ImpossibleSizes(const TextLayer& layer, QSizeF area) : m_area(area)
+    {
+        StyledText unit = ExportCanvasRenderer::styledText(layer, DesignFont::designPixelSize);
+        const LaidOutText oneLine(unit, 1e9);
+        const QFontMetricsF metrics(unit.font.face);
+        m_widest = oneLine.narrowestWidth();
+        m_lineHeight = metrics.ascent() + metrics.descent();
+        // A line may swallow the blank it breaks at.
+        m_ink = oneLine.naturalWidth() -
+                double(layer.text.count(u' ')) * metrics.horizontalAdvance(u' ');
+    }
+
+    bool contains(double size) const
+    {
+        constexpr double surely = 0.98;    // room for what rounding may do
+        const double scale = surely * size / DesignFont::designPixelSize;
+        const double width = m_area.width() + 1, height = m_area.height() + 1;
+        const double lines = std::max(1.0, std::ceil(m_ink * scale / width));
+        return m_widest * scale > width || lines * m_lineHeight * scale > height;
+    }
+
+private:
+    QSizeF m_area;
+    double m_widest = 0, m_ink = 0, m_lineHeight = 0;
+};
+
+}    // namespace
+
+double ExportCanvasRenderer::designScale(QSizeF exportSize, QSizeF reference)
+{
+    if (reference.width() <= 1 || reference.height() <= 1)
+        return 1;
+    return std::min(exportSize.width() / reference.width(),
+                    exportSize.height() / reference.height());
+}
+
+DesignFont ExportCanvasRenderer::nsFont(const TextLayer& layer, double size)
+{
+    if (layer.fontName != "System"_L1) {
+        if (const auto font = namedFont(layer.fontName))
+            return {*font, size};
+    }
+    return {atDesignSize(QFont(u"Inter"_s, -1, typeOf(layer.slot).weight)), size};
+}
+
+StyledText ExportCanvasRenderer::styledText(const TextLayer& layer, double size)
+{
+    return {layer.text, nsFont(layer, size), layer.alignment};
+}
+
+double ExportCanvasRenderer::fittedFontSize(const TextLayer& layer, QSizeF area, double designScale)
+{
+    const double lower = smallestType * designScale, upper = largestType * designScale;
+    if (!(area.width() > 8) || !(area.height() > 8))
+        return lower;
+    const SlotType& type = typeOf(layer.slot);
+    const double base = std::min(area.height() * type.heightShare, area.width() * type.widthShare);
+    const double start = clamp(base * layer.fontScale, lower, upper);
+    const double step = std::max(1.0, designScale);
+    const ImpossibleSizes impossible(layer, area);
+
+    StyledText text = styledText(layer, start);
+    for (int k = 0;; ++k) {
+        const double size = start - k * step;
+        if (!(size > lower))
+            return lower;
+        if (impossible.contains(size))
+            continue;
+        text.font.size = size;
+        const QSizeF measured = TextLayoutMetrics::measuredSize(text, area.width());
+        if (measured.width() <= area.width() + fitTolerance &&
+            measured.height() <= area.height() + fitTolerance)
+            return size;
+    }
+}

@@ -1,0 +1,127 @@
+#include "canvas/TextLayoutMetrics.h"
+
+#include <QFontDatabase>
+#include <QPainter>
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QChar emojiPresentation = QChar(0xFE0F);
+
+// The layout does not leave the text's own font for an emoji that asks for colour by U+FE0F; naming
+// the emoji font for these clusters does.
+QList<QTextLayout::FormatRange> colourEmojiFormats(const QString& text)
+{
+    if (!text.contains(emojiPresentation))
+        return {};
+    QTextCharFormat format;
+    format.setFontFamilies({u"Noto Color Emoji"_s});
+    QList<QTextLayout::FormatRange> ranges;
+    QTextBoundaryFinder clusters(QTextBoundaryFinder::Grapheme, text);
+    qsizetype start = 0;
+    while (clusters.toNextBoundary() != -1) {
+        const qsizetype end = clusters.position();
+        if (QStringView(text).mid(start, end - start).contains(emojiPresentation))
+            ranges.append({int(start), int(end - start), format});
+        start = end;
+    }
+    return ranges;
+}
+
+// Line breaks as the layout knows them.
+QString withLineSeparators(QString text)
+{
+    text.replace("\r\n"_L1, "\n"_L1);
+    std::ranges::replace_if(
+        text, [](QChar c) { return c == u'\n' || c == u'\r' || c == QChar::ParagraphSeparator; },
+        QChar::LineSeparator);
+    return text;
+}
+
+// Sides as written: a right-to-left paragraph does not mirror them.
+Qt::Alignment qtAlignment(LayerTextAlignment alignment)
+{
+    switch (alignment) {
+    case LayerTextAlignment::leading:
+        return Qt::AlignLeft | Qt::AlignAbsolute;
+    case LayerTextAlignment::center:
+        return Qt::AlignHCenter;
+    case LayerTextAlignment::trailing:
+        return Qt::AlignRight | Qt::AlignAbsolute;
+    case LayerTextAlignment::justified:
+        return Qt::AlignJustify;
+    }
+    Q_UNREACHABLE();
+}
+
+}    // namespace
+
+LaidOutText::LaidOutText(const StyledText& text, double width) : m_scale(text.font.scale())
+{
+    if (!(width > 1) || text.text.isEmpty() || !(m_scale > 0))
+        return;
+    const QString lines = withLineSeparators(text.text);
+    m_layout = std::make_shared<QTextLayout>(lines, text.font.face);
+    QTextOption option(qtAlignment(text.alignment));
+    option.setWrapMode(QTextOption::WordWrap);
+    option.setUseDesignMetrics(true);
+    m_layout->setTextOption(option);
+    m_layout->setFormats(colourEmojiFormats(lines));
+    m_layout->setCacheEnabled(true);
+
+    // The layout counts in 1/64 of a pixel in 32 bits.
+    const double designWidth = std::min(width / m_scale, 1e7);
+    double y = 0;
+    QRectF used;
+    m_layout->beginLayout();
+    for (QTextLine line = m_layout->createLine(); line.isValid(); line = m_layout->createLine()) {
+        line.setLeadingIncluded(true);
+        line.setLineWidth(designWidth);
+        line.setPosition({0, y});
+        y += line.height();
+        QRectF natural = line.naturalTextRect();
+        natural.setHeight(line.height());
+        used = used.isNull() ? natural : used.united(natural);
+    }
+    m_layout->endLayout();
+    m_used = QRectF(used.topLeft() * m_scale, used.size() * m_scale);
+}
+
+void LaidOutText::draw(QPainter& painter, QPointF topLeft) const
+{
+    if (!m_layout)
+        return;
+    painter.save();
+    painter.translate(topLeft);
+    painter.scale(m_scale, m_scale);
+    m_layout->draw(&painter, QPointF());
+    painter.restore();
+}
+
+QRectF TextLayoutMetrics::measuredRect(const StyledText& text, double width)
+{
+    return LaidOutText(text, width).usedRect();
+}
+
+QSizeF TextLayoutMetrics::measuredSize(const StyledText& text, double width)
+{
+    const QRectF rect = measuredRect(text, width);
+    return {std::ceil(rect.width()), std::ceil(rect.height())};
+}
+
+QRectF TextLayoutMetrics::verticallyCenteredRect(const StyledText& text, const QRectF& box)
+{
+    return verticallyCenteredRect(measuredRect(text, box.width()), box);
+}
+
+QRectF TextLayoutMetrics::verticallyCenteredRect(const QRectF& measured, const QRectF& box)
+{
+    const double height = std::min(std::ceil(measured.height()), box.height());
+    const double y = box.y() + (box.height() - height) / 2 - measured.y();
+    return {box.x(), y, box.width(), std::max(height, 1.0)};
+}

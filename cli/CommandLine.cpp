@@ -1,0 +1,71 @@
+#include "cli/CommandLine.h"
+
+#include "cli/ExportCommand.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Command {
+    QStringView name, summary;
+    int (*run)(const QStringList& arguments);
+};
+
+constexpr std::array commands{
+    Command{u"export", u"exporta fotos como publicaciones PNG", &runExport},
+};
+
+const Command* commandNamed(const QString& name)
+{
+    const auto found = std::ranges::find(commands, name, &Command::name);
+    return found == commands.end() ? nullptr : &*found;
+}
+
+void printHelp()
+{
+    QString text = u"Moltiva, el estudio para preparar publicaciones por lotes.\n\n"
+                   "Uso:\n"
+                   "  moltiva                      abre la ventana\n"
+                   "  moltiva FOTO|CARPETA…        abre la ventana con esas fotos\n"
+                   "  moltiva ORDEN [opciones]     trabaja sin ventana\n\n"
+                   "Órdenes:\n"_s;
+    for (const Command& command : commands)
+        text += u"  %1  %2\n"_s.arg(command.name, -27).arg(command.summary);
+    text += u"\nOpciones:\n"
+            "  -h, --help                   muestra esta ayuda; con una orden, la suya\n"
+            "  -v, --version                muestra la versión\n"_s;
+    std::fputs(text.toUtf8().constData(), stdout);
+}
+
+const QStringList helpOptions{u"-h"_s, u"--help"_s}, versionOptions{u"-v"_s, u"--version"_s};
+
+}    // namespace
+
+bool isCommandLine(const QStringList& arguments)
+{
+    if (arguments.isEmpty())
+        return false;
+    return commandNamed(arguments.first()) || arguments.first().startsWith(u'-');
+}
+
+int runCommandLine(const QStringList& arguments)
+{
+    const QString first = arguments.value(0);
+    if (const Command* command = commandNamed(first))
+        return command->run(arguments.mid(1));
+    if (helpOptions.contains(first)) {
+        printHelp();
+        return exitDone;
+    }
+    if (versionOptions.contains(first)) {
+        std::printf("moltiva %s\n", qPrintable(QCoreApplication::applicationVersion()));
+        return exitDone;
+    }
+    std::fprintf(stderr, "moltiva: no conozco «%s». Prueba «moltiva --help».\n",
+                 first.toUtf8().constData());
+    return exitWrongUse;
+}

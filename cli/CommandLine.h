@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QStringList>
+
+enum ExitStatus { exitDone = 0, exitSomeFailed = 1, exitWrongUse = 2, exitInterrupted = 130 };
+
+// Whether these arguments (without the program's name) are for the command line and not for the
+// window.
+bool isCommandLine(const QStringList& arguments);
+
+// Runs the command they name and gives the exit status. Needs a QGuiApplication, but no display.
+int runCommandLine(const QStringList& arguments);

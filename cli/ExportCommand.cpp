@@ -1,0 +1,152 @@
+#include "cli/ExportCommand.h"
+
+#include "cli/CommandLine.h"
+#include "cli/ExportReport.h"
+#include "cli/Interrupt.h"
+#include "cli/SampleBatch.h"
+#include "model/SocialFormat.h"
+#include "platform/Memory.h"
+#include "studio/BatchExport.h"
+#include "studio/PhotoFolder.h"
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <cstdio>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct ExportRequest {
+    SocialFormat format = SocialFormat::carouselPortrait;
+    QString folder = u"."_s;
+    int jobs = 1;
+    bool json = false;
+    bool sample = false;
+    QStringList photos;
+};
+
+constexpr int mostJobs = 256;
+
+QString formatKeys()
+{
+    QStringList keys;
+    for (const auto& format : Vocabulary<SocialFormat>::rows)
+        keys.append(format.templateKey.toString());
+    return keys.join(u", "_s);
+}
+
+int wrongUse(const QString& sentence)
+{
+    std::fprintf(stderr, "moltiva export: %s\n", sentence.toUtf8().constData());
+    return exitWrongUse;
+}
+
+// The file's name in an item and in its output.
+QString stemOf(const QUrl& url)
+{
+    PublicationItem item;
+    item.url = url;
+    return item.filename();
+}
+
+int exportPhotos(const ExportRequest& request, const QList<QUrl>& photos)
+{
+    QStringList names;
+    for (const QUrl& photo : photos)
+        names.append(stemOf(photo));
+    const QStringList paths = exportPaths(names, request.folder);
+
+    ExportReport report(request.json, photos.size());
+    for (qsizetype i = 0; i < photos.size(); ++i) {
+        if (!paths[i].endsWith(u'/' + names[i] + u"-publicacion.png"_s))
+            report.renamed(photos[i].toLocalFile(), paths[i]);
+    }
+    const Interrupt interrupt;
+    QElapsedTimer watch;
+    watch.start();
+    runBatch(
+        photos.size(), request.jobs, interrupt.flag(),
+        [&](qsizetype i) { return exportPhoto(photos[i], request.format, paths[i]); },
+        [&](qsizetype i, const ExportedFile& file) {
+            report.finished(photos[i].toLocalFile(), file);
+        });
+    const bool stopped = interrupt.flag();
+    report.end(double(watch.elapsed()) / 1000, peakMemory(), stopped);
+    if (stopped)
+        return exitInterrupted;
+    return report.skipped() == 0 ? exitDone : exitSomeFailed;
+}
+
+}    // namespace
+
+int runExport(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        u"Exporta cada foto con sus textos de partida como «<nombre>-publicacion.png»."_s);
+    const QCommandLineOption help({u"h"_s, u"help"_s}, u"muestra esta ayuda"_s);
+    const QCommandLineOption format(u"format"_s, u"formato: %1"_s.arg(formatKeys()), u"formato"_s,
+                                    row(SocialFormat::carouselPortrait).templateKey.toString());
+    const QCommandLineOption out(u"out"_s, u"carpeta de destino; se crea si no existe"_s,
+                                 u"carpeta"_s, u"."_s);
+    const QCommandLineOption jobs(u"jobs"_s, u"fotos a la vez; si no se dice, una por núcleo"_s,
+                                  u"n"_s);
+    const QCommandLineOption json(u"json"_s, u"un objeto JSON por archivo y un resumen"_s);
+    const QCommandLineOption sample(u"sample"_s, u"exporta un lote de muestra en vez de fotos"_s);
+    parser.addOptions({help, format, out, jobs, json, sample});
+    parser.addPositionalArgument(u"foto|carpeta…"_s, u"fotos, o carpetas de fotos"_s);
+
+    if (!parser.parse(QStringList{u"moltiva export"_s} + arguments))
+        return wrongUse(parser.errorText());
+    if (parser.isSet(help)) {
+        std::fputs(parser.helpText().toUtf8().constData(), stdout);
+        return exitDone;
+    }
+
+    ExportRequest request;
+    const auto chosen = fromTemplateKey(parser.value(format));
+    if (!chosen) {
+        return wrongUse(u"no conozco el formato «%1»; los formatos son %2."_s.arg(
+            parser.value(format), formatKeys()));
+    }
+    request.format = *chosen;
+    request.folder = parser.value(out);
+    request.jobs = int(std::max(1u, std::thread::hardware_concurrency()));
+    if (parser.isSet(jobs)) {
+        bool isNumber = false;
+        request.jobs = parser.value(jobs).toInt(&isNumber);
+        if (!isNumber || request.jobs < 1 || request.jobs > mostJobs)
+            return wrongUse(u"--jobs pide un número de 1 a %1."_s.arg(mostJobs));
+    }
+    request.json = parser.isSet(json);
+
+    const QTemporaryDir sampleFolder;
+    QList<QUrl> given;
+    if (parser.isSet(sample)) {
+        if (!paintSampleBatch(sampleFolder.path()))
+            return wrongUse(u"no se pudo preparar el lote de muestra."_s);
+        given.append(QUrl::fromLocalFile(sampleFolder.path()));
+    }
+    for (const QString& path : parser.positionalArguments()) {
+        if (!QFileInfo::exists(path))
+            return wrongUse(u"no existe «%1»."_s.arg(path));
+        given.append(QUrl::fromLocalFile(path));
+    }
+    if (given.isEmpty())
+        return wrongUse(u"falta decir qué fotos. Prueba «moltiva export --help»."_s);
+
+    const QList<QUrl> photos = photosIn(given);
+    if (photos.isEmpty()) {
+        std::fprintf(stderr, "moltiva export: No he encontrado imágenes compatibles.\n");
+        return exitSomeFailed;
+    }
+    if (!QDir().mkpath(request.folder))
+        return wrongUse(u"no se puede crear la carpeta «%1»."_s.arg(request.folder));
+    return exportPhotos(request, photos);
+}

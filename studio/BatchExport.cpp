@@ -1,0 +1,136 @@
+#include "studio/BatchExport.h"
+
+#include "canvas/ImagePlacementGeometry.h"
+#include "canvas/PngEncoder.h"
+#include "platform/AtomicFile.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QSet>
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class Stopwatch {
+public:
+    Stopwatch() { m_timer.start(); }
+    double lap()
+    {
+        const double seconds = double(m_timer.nsecsElapsed()) / 1e9;
+        m_timer.start();
+        return seconds;
+    }
+
+private:
+    QElapsedTimer m_timer;
+};
+
+const QString unreadablePhoto = u"No se pudo leer la foto."_s;
+
+}    // namespace
+
+ExportedFile exportItem(const PublicationItem& item, SocialFormat format, const QString& path,
+                        const ExportCanvasRenderer::PhotoSource& source)
+{
+    ExportedFile file{.path = path, .bytes = 0, .error = {}, .times = {}};
+    const auto timedSource = [&](const PhotoHandle& photo, PhotoLevel level) {
+        Stopwatch decoding;
+        const QImage image = source(photo, level);
+        file.times.decode += decoding.lap();
+        return image;
+    };
+    Stopwatch watch;
+    const auto image =
+        ExportCanvasRenderer::bitmap(item, exportSize(format), designSize(format), timedSource);
+    file.times.draw = watch.lap() - file.times.decode;
+    if (!image) {
+        file.error = unreadablePhoto;
+        return file;
+    }
+    const QByteArray png = encodePng(*image);
+    file.times.encode = watch.lap();
+    file.error =
+        png.isEmpty() ? u"No hay memoria para crear la imagen."_s : writeAtomically(path, png);
+    file.times.write = watch.lap();
+    file.bytes = file.isWritten() ? png.size() : 0;
+    return file;
+}
+
+ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& path)
+{
+    const QString photoPath = url.toLocalFile();
+    Stopwatch decoding;
+    const auto decoded = decodePhoto(photoPath, [format](const PhotoInfo& info) {
+        const PhotoHandle handle{
+            .path = {}, .size = info.size, .reducible = info.reducible, .digest = {}};
+        const QRectF drawn = ImagePlacementGeometry::imageRect(info.size, exportSize(format), {});
+        return ExportCanvasRenderer::photoLevel(handle, drawn.size());
+    });
+    const double seconds = decoding.lap();
+    if (!decoded)
+        return {.path = path, .bytes = 0, .error = unreadablePhoto, .times = {.decode = seconds}};
+    const PhotoHandle handle{photoPath, decoded->info.size, decoded->info.reducible, {}};
+    const PublicationItem item = PublicationItem::make(url, handle);
+    ExportedFile file = exportItem(item, format, path,
+                                   [&](const PhotoHandle&, PhotoLevel) { return decoded->image; });
+    file.times.decode = seconds;
+    return file;
+}
+
+QStringList exportPaths(const QStringList& names, const QString& folder)
+{
+    QStringList paths;
+    QSet<QString> taken;
+    for (const QString& name : names) {
+        QString file = name + u"-publicacion.png"_s;
+        for (int number = 2; taken.contains(file.toCaseFolded()); ++number)
+            file = u"%1-publicacion-%2.png"_s.arg(name).arg(number);
+        taken.insert(file.toCaseFolded());
+        paths.append(QDir(folder).filePath(file));
+    }
+    return paths;
+}
+
+void runBatch(qsizetype count, int jobs, const std::atomic_bool& stop,
+              const std::function<ExportedFile(qsizetype)>& work,
+              const std::function<void(qsizetype, const ExportedFile&)>& finished)
+{
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<std::pair<qsizetype, ExportedFile>> results;
+    std::atomic<qsizetype> next = 0;
+    int running = int(std::min<qsizetype>(jobs, count));
+
+    std::vector<std::jthread> threads;
+    for (int t = running; t > 0; --t) {
+        threads.emplace_back([&] {
+            for (qsizetype index = next++; index < count && !stop; index = next++) {
+                ExportedFile file = work(index);
+                const std::lock_guard lock(mutex);
+                results.emplace_back(index, std::move(file));
+                changed.notify_one();
+            }
+            const std::lock_guard lock(mutex);
+            --running;
+            changed.notify_one();
+        });
+    }
+    std::unique_lock lock(mutex);
+    while (running > 0 || !results.empty()) {
+        changed.wait(lock, [&] { return running == 0 || !results.empty(); });
+        while (!results.empty()) {
+            const auto [index, file] = std::move(results.front());
+            results.pop_front();
+            lock.unlock();
+            finished(index, file);
+            lock.lock();
+        }
+    }
+}

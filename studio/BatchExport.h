@@ -1,0 +1,44 @@
+#pragma once
+
+#include "canvas/ExportCanvasRenderer.h"
+
+#include <QList>
+#include <QStringList>
+#include <QUrl>
+
+#include <atomic>
+#include <functional>
+
+// Seconds that one export spent.
+struct ExportTimes {
+    double decode = 0, draw = 0, encode = 0, write = 0;
+};
+
+struct ExportedFile {
+    QString path;
+    qint64 bytes = 0;
+    QString error;    // a Spanish sentence; empty when the file was written
+    ExportTimes times;
+
+    bool isWritten() const { return error.isEmpty(); }
+};
+
+// One item to its file, on the calling thread.
+ExportedFile
+exportItem(const PublicationItem& item, SocialFormat format, const QString& path,
+           const ExportCanvasRenderer::PhotoSource& source = ExportCanvasRenderer::decodedFromFile);
+
+// A photo with its default texts, straight to its file: it is decoded once, at the level the file
+// needs.
+ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& path);
+
+// "<name>-publicacion.png" in `folder`, for each name; where two would be the same file, also by
+// their case, the later one gets "-publicacion-2.png" and so on.
+QStringList exportPaths(const QStringList& names, const QString& folder);
+
+// Runs `work(index)` for each index below `count` on `jobs` threads, and hands each
+// result to `finished` on the calling thread, as they come. Once `stop` is set nothing new is
+// begun. Returns when all that began has ended.
+void runBatch(qsizetype count, int jobs, const std::atomic_bool& stop,
+              const std::function<ExportedFile(qsizetype)>& work,
+              const std::function<void(qsizetype, const ExportedFile&)>& finished);
