@@ -23,7 +23,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 sharedBytes = 200'000'000;     // of all decodings together
+constexpr qint64 sharedBytes = 280'000'000;     // of all decodings together
 constexpr qint64 largestAlone = 600'000'000;    // of one that runs alone
 
 DecodeGate& gate()
