@@ -1,9 +1,11 @@
 #include "platform/PhotoColor.h"
 
 #include <QColorSpace>
+#include <QColorTransform>
 
 #include <lcms2.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -19,6 +21,21 @@ QImage inConvertibleFormat(QImage picture)
     if (picture.format() != format)
         picture.convertTo(format);
     return picture;
+}
+
+// In strips too small for Qt to share out among the threads of its own pool: they run at the
+// interface's priority, and the other cores have photos of their own.
+void convertByMatrix(QImage& picture, const QColorTransform& transform)
+{
+    constexpr int stripPixels = 1 << 16;
+    const int rows = std::max(1, stripPixels / picture.width());
+    const auto stride = picture.bytesPerLine();
+    uchar* const bits = picture.bits();
+    for (int y = 0; y < picture.height(); y += rows) {
+        QImage strip(bits + y * stride, picture.width(), std::min(rows, picture.height() - y),
+                     stride, picture.format());
+        strip.applyColorTransform(transform);
+    }
 }
 
 struct LcmsDeleter {
@@ -57,7 +74,7 @@ QImage inSrgb(QImage picture, const QByteArray& rawProfile)
     if (space.isValid()) {
         if (space != srgb) {
             picture = inConvertibleFormat(std::move(picture));
-            picture.convertToColorSpace(srgb);
+            convertByMatrix(picture, space.transformationToColorSpace(srgb));
         }
     } else if (const QByteArray raw = rawProfile.isEmpty() ? space.iccProfile() : rawProfile;
                !raw.isEmpty()) {

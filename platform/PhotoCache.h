@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/PhotoDecoder.h"
+#include "platform/ThumbnailStore.h"
+
+#include <QCache>
+#include <QSet>
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+
+// A photo as the cache knows it: where it lies and what was in it when it was accepted.
+struct PhotoId {
+    QString path;
+    QByteArray digest;
+    bool operator==(const PhotoId&) const = default;
+};
+
+// The one place pixels of photos come from. Proxies and thumbnails each have a budget in memory,
+// and what was used longest ago goes first. Safe from any thread; what waits is not for the
+// interface's.
+class PhotoCache {
+public:
+    explicit PhotoCache(QString thumbnailFolder, qint64 proxyBudget = qint64(128) << 20,
+                        qint64 thumbnailBudget = qint64(64) << 20);
+
+    // As acceptPhoto(); a thumbnail on disk of the very same file answers without decoding. Waits.
+    std::optional<AcceptedPhoto> accept(const QString& path);
+
+    QImage cachedThumbnail(const PhotoId& photo) const;    // null when not in memory; never waits
+    QImage
+    thumbnail(const PhotoId& photo);    // memory, disk or decoding; null when unreadable; waits
+
+    QImage cachedProxy(const PhotoId& photo, PhotoLevel level) const;    // that level or null
+    QImage anyProxy(const PhotoId& photo) const;    // the finest in memory, else the thumbnail
+    QImage proxy(const PhotoId& photo, PhotoLevel level);    // memory or decoding; waits
+
+private:
+    struct Key {
+        QString path;
+        QByteArray digest;
+        int level;    // of a proxy; 0 for the thumbnail
+        bool operator==(const Key&) const = default;
+    };
+    friend size_t qHash(const Key& key, size_t seed) noexcept
+    {
+        return qHashMulti(seed, key.path, key.digest, key.level);
+    }
+    static Key keyOf(const PhotoId& photo, int level) { return {photo.path, photo.digest, level}; }
+    QCache<Key, QImage>& shelf(const Key& key) const;
+    QImage find(const Key& key) const;
+    void keep(const Key& key, const QImage& image);
+    QImage findOrMake(const Key& key, const std::function<QImage()>& make);
+
+    ThumbnailStore m_disk;
+    mutable std::mutex m_mutex;                             // what follows
+    mutable QCache<Key, QImage> m_proxies, m_thumbnails;    // costs in kilobytes
+    QSet<Key> m_inWork;
+    std::condition_variable m_workDone;
+};

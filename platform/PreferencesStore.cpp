@@ -1,0 +1,131 @@
+#include "platform/PreferencesStore.h"
+
+#include "platform/Workers.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QUuid>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Copying the log into the file takes up to 30 ms, so a worker does it, with a connection of its
+// own.
+constexpr qint64 checkpointStep = 8 << 20;    // bytes
+
+QSqlDatabase opened(const QString& connection, const QString& file)
+{
+    QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_qs, connection);
+    database.setDatabaseName(file);
+    database.open();
+    return database;
+}
+
+QString newConnectionName()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces);
+}
+
+bool run(const QSqlDatabase& database, const QString& statement)
+{
+    return QSqlQuery(database).exec(statement);
+}
+
+void checkpoint(const QString& file)
+{
+    const QString connection = newConnectionName();
+    {
+        const QSqlDatabase database = opened(connection, file);
+        run(database, u"PRAGMA wal_checkpoint(PASSIVE)"_qs);
+    }
+    QSqlDatabase::removeDatabase(connection);
+}
+
+// SQLite gives its side files the permissions of the database.
+bool createPrivately(const QString& name)
+{
+    constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
+    QDir().mkpath(QFileInfo(name).path());
+    QFile file(name);
+    if (!file.exists())
+        return file.open(QIODevice::WriteOnly | QIODevice::NewOnly, owner);
+    return file.setPermissions(owner);
+}
+
+bool prepare(const QSqlDatabase& database)
+{
+    // Values of megabytes: with small pages each write walks long chains of them.
+    return database.isOpen() && run(database, u"PRAGMA page_size=65536"_qs) &&
+           run(database, u"PRAGMA journal_mode=WAL"_qs) &&
+           run(database, u"PRAGMA synchronous=NORMAL"_qs) &&
+           run(database, u"PRAGMA wal_autocheckpoint=0"_qs) &&
+           run(database, u"CREATE TABLE IF NOT EXISTS preference "
+                         "(key TEXT PRIMARY KEY NOT NULL, value BLOB NOT NULL)"_qs);
+}
+
+}    // namespace
+
+PreferencesStore::PreferencesStore(const QString& file)
+    : m_file(file), m_connection(newConnectionName())
+{
+    m_open = createPrivately(file) && prepare(opened(m_connection, file));
+}
+
+PreferencesStore::~PreferencesStore()
+{
+    m_checkpoint.waitForFinished();
+    QSqlDatabase::removeDatabase(m_connection);
+}
+
+std::optional<QByteArray> PreferencesStore::value(const QString& key) const
+{
+    if (!m_open)
+        return {};
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    query.prepare(u"SELECT value FROM preference WHERE key = ?"_qs);
+    query.addBindValue(key);
+    if (!query.exec() || !query.next())
+        return {};
+    return query.value(0).toByteArray();
+}
+
+bool PreferencesStore::setValue(const QString& key, const QByteArray& value)
+{
+    if (!m_open)
+        return false;
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    query.prepare(u"INSERT INTO preference (key, value) VALUES (?, ?) "
+                  "ON CONFLICT (key) DO UPDATE SET value = excluded.value"_qs);
+    query.addBindValue(key);
+    // A null value would be stored as NULL.
+    query.addBindValue(value.isNull() ? QByteArray("") : value);
+    if (!query.exec())
+        return false;
+    written(value.size());
+    return true;
+}
+
+bool PreferencesStore::remove(const QString& key)
+{
+    if (!m_open)
+        return false;
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    query.prepare(u"DELETE FROM preference WHERE key = ?"_qs);
+    query.addBindValue(key);
+    return query.exec();
+}
+
+void PreferencesStore::written(qint64 bytes)
+{
+    constexpr qint64 page = 65536;
+    m_sinceCheckpoint += bytes + page;
+    if (m_sinceCheckpoint < checkpointStep ||
+        (m_checkpoint.isValid() && !m_checkpoint.isFinished()))
+        return;
+    m_sinceCheckpoint = 0;
+    m_checkpoint = runOnWorker([file = m_file] { checkpoint(file); });
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QByteArray>
+#include <QFuture>
+#include <QString>
+
+#include <optional>
+
+// Values by key in one SQLite file that only its user may read. Each value is replaced as a whole:
+// after a crash there is the old one or the new one. Used from the thread that made it.
+class PreferencesStore {
+public:
+    explicit PreferencesStore(const QString& file);
+    ~PreferencesStore();
+    PreferencesStore(const PreferencesStore&) = delete;
+    PreferencesStore& operator=(const PreferencesStore&) = delete;
+
+    bool isOpen() const { return m_open; }
+    std::optional<QByteArray> value(const QString& key) const;
+    bool setValue(const QString& key, const QByteArray& value);
+    bool remove(const QString& key);
+
+private:
+    void written(qint64 bytes);
+
+    QString m_file, m_connection;
+    bool m_open = false;
+    qint64 m_sinceCheckpoint = 0;    // bytes
+    QFuture<void> m_checkpoint;
+};

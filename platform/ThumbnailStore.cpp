@@ -1,0 +1,174 @@
+#include "platform/ThumbnailStore.h"
+
+#include "platform/Workers.h"
+
+#include <QBuffer>
+#include <QColorSpace>
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QImageWriter>
+#include <QTemporaryFile>
+#include <QtEndian>
+
+#include <libdeflate.h>
+
+#include <cstdio>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 pruningStep = 20'000'000;    // bytes written between two prunings
+constexpr qint64 largestFile = 8 << 20;
+constexpr int digestLength = 32;
+
+QString suffix()
+{
+    return u".thumbnail"_qs;
+}
+
+// "1 6016 4016 jpeg <digest in hexadecimal>": format of this line, upright size, kind, content.
+QString describe(const AcceptedPhoto& photo)
+{
+    return u"1 %1 %2 %3 %4"_qs.arg(photo.info.size.width())
+        .arg(photo.info.size.height())
+        .arg(photo.info.reducible ? u"reducible"_qs : u"whole"_qs,
+             QString::fromLatin1(photo.digest.toHex()));
+}
+
+std::optional<AcceptedPhoto> described(const QString& text)
+{
+    const QStringList words = text.split(u' ');
+    if (words.size() != 5 || words[0] != u"1"_qs)
+        return {};
+    AcceptedPhoto photo;
+    photo.info.size = QSize(words[1].toInt(), words[2].toInt());
+    photo.info.reducible = words[3] == u"reducible"_qs;
+    photo.digest = QByteArray::fromHex(words[4].toLatin1());
+    if (photo.info.size.isEmpty() || photo.digest.size() != digestLength)
+        return {};
+    return photo;
+}
+
+// Readers make a grey picture of a JPEG that was cut short, so each file ends with a checksum.
+quint32 checksum(const QByteArray& bytes, qsizetype length)
+{
+    return libdeflate_crc32(0, bytes.constData(), std::size_t(length));
+}
+
+void appendChecksum(QByteArray& bytes)
+{
+    const quint32 sum = qToLittleEndian(checksum(bytes, bytes.size()));
+    bytes.append(reinterpret_cast<const char*>(&sum), sizeof sum);
+}
+
+bool takeChecksum(QByteArray& bytes)
+{
+    const qsizetype length = bytes.size() - qsizetype(sizeof(quint32));
+    if (length < 0 ||
+        qFromLittleEndian<quint32>(bytes.constData() + length) != checksum(bytes, length))
+        return false;
+    bytes.truncate(length);
+    return true;
+}
+
+}    // namespace
+
+ThumbnailStore::ThumbnailStore(QString folder, qint64 budget)
+    : m_folder(std::move(folder)), m_budget(budget)
+{
+    QDir().mkpath(m_folder);
+}
+
+QString ThumbnailStore::fileFor(const QString& photo) const
+{
+    struct stat status;
+    if (stat(QFile::encodeName(photo).constData(), &status) != 0)
+        return {};
+    QCryptographicHash hash(QCryptographicHash::Blake2b_160);
+    hash.addData(QFileInfo(photo).absoluteFilePath().toUtf8());
+    for (const qint64 fact : {qint64(status.st_size), qint64(status.st_mtim.tv_sec),
+                              qint64(status.st_mtim.tv_nsec), qint64(status.st_ino)})
+        hash.addData(QByteArrayView(reinterpret_cast<const char*>(&fact), sizeof fact));
+    return m_folder + u'/' + QString::fromLatin1(hash.result().toHex()) + suffix();
+}
+
+std::optional<AcceptedPhoto> ThumbnailStore::load(const QString& file) const
+{
+    QFile source(file);
+    if (file.isEmpty() || !source.open(QIODevice::ReadOnly) || source.size() > largestFile)
+        return {};
+    QByteArray bytes = source.readAll();
+    if (!takeChecksum(bytes))
+        return {};
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer, bytes.startsWith("\x89PNG") ? "png" : "jpeg");
+    reader.setAutoDetectImageFormat(false);
+    auto photo = described(reader.text(u"photo"_qs));
+    if (!photo || reader.size() != thumbnailSize(photo->info.size))
+        return {};
+    photo->thumbnail = reader.read();
+    if (photo->thumbnail.isNull())
+        return {};
+    photo->thumbnail.convertTo(photo->thumbnail.hasAlphaChannel()
+                                   ? QImage::Format_ARGB32_Premultiplied
+                                   : QImage::Format_RGB32);
+    photo->thumbnail.setColorSpace(QColorSpace(QColorSpace::SRgb));
+    return photo;
+}
+
+// Not flushed to the disk: what a crash damages is made again.
+void ThumbnailStore::save(const QString& file, const AcceptedPhoto& photo)
+{
+    if (file.isEmpty())
+        return;
+    QTemporaryFile target(m_folder + u"/XXXXXX.new"_qs);
+    if (!target.open())
+        return;
+    QImage picture = photo.thumbnail;
+    picture.setColorSpace({});    // always sRGB: a profile in each file would double its size
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, picture.hasAlphaChannel() ? "png" : "jpeg");
+    writer.setQuality(picture.hasAlphaChannel() ? -1 : 90);
+    writer.setText(u"photo"_qs, describe(photo));
+    if (!writer.write(picture))
+        return;
+    appendChecksum(bytes);
+    const qint64 written = bytes.size();
+    if (target.write(bytes) != written || !target.flush())
+        return;
+    target.setAutoRemove(false);
+    // QTemporaryFile::rename() refuses to replace a file.
+    if (std::rename(QFile::encodeName(target.fileName()).constData(),
+                    QFile::encodeName(file).constData()) != 0)
+        target.remove();
+    if (m_writtenSincePruning.fetch_add(written) + written >= pruningStep) {
+        m_writtenSincePruning = 0;
+        runOnWorker([folder = m_folder, budget = m_budget] { pruneThumbnails(folder, budget); });
+    }
+}
+
+void pruneThumbnails(const QString& folder, qint64 budget)
+{
+    const QDateTime abandoned = QDateTime::currentDateTime().addSecs(-3600);
+    qint64 total = 0;
+    // Newest first.
+    for (const QFileInfo& info : QDir(folder).entryInfoList(QDir::Files, QDir::Time)) {
+        if (!info.fileName().endsWith(suffix())) {
+            if (info.fileName().endsWith(u".new"_qs) && info.lastModified() < abandoned)
+                QFile::remove(info.filePath());
+            continue;
+        }
+        total += info.size();
+        if (total > budget)
+            QFile::remove(info.filePath());
+    }
+}
