@@ -72,7 +72,8 @@ std::optional<LaidOutShadow> layOutShadow(const TextLayer& layer, double scale)
     const double distance = bounded(layer.shadowDistance * scale);
     LaidOutShadow shadow;
     // Angles count with y upwards.
-    shadow.offset = QPointF(std::cos(angle) * distance, -std::sin(angle) * distance);
+    shadow.offset =
+        QPointF(bounded(std::cos(angle) * distance), bounded(-std::sin(angle) * distance));
     shadow.sigma = std::min(bounded(layer.shadowRadius * scale), 2000.0) / 2;
     // The box that casts it lets light through.
     const double opacity = ExportCanvasRenderer::clamp(layer.shadowOpacity, 0, 1) *

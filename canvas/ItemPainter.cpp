@@ -10,14 +10,15 @@
 
 namespace {
 
-// A photo stretched beyond this many pixels shows one colour at most.
+// A photo that reaches further, in pixels, shows one colour at most.
 constexpr double largestPlace = 1e8;
 
 // Rounded by its edges, so that neighbours meet; nothing of an extent keeps one pixel.
 std::optional<QRect> wholePixels(const QRectF& rect)
 {
-    if (!(rect.width() > 0) || !(rect.height() > 0) || rect.width() > largestPlace ||
-        rect.height() > largestPlace)
+    const auto isUsable = [](double edge) { return std::abs(edge) <= largestPlace; };
+    if (!(rect.width() > 0) || !(rect.height() > 0) || !isUsable(rect.left()) ||
+        !isUsable(rect.top()) || !isUsable(rect.right()) || !isUsable(rect.bottom()))
         return std::nullopt;
     const auto x = std::lround(rect.left()), y = std::lround(rect.top());
     return QRect(int(x), int(y), int(std::max(std::lround(rect.right()) - x, 1L)),

@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QTextBoundaryFinder>
 
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -11,13 +13,27 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QChar emojiPresentation = QChar(0xFE0F);
+constexpr QChar asText = QChar(0xFE0E), asEmoji = QChar(0xFE0F);
+// The first character beyond Latin letters and signs that may be an emoji.
+constexpr QChar firstEmoji = QChar(0x203C);
 
-// The layout does not leave the text's own font for an emoji that asks for colour by U+FE0F; naming
-// the emoji font for these clusters does.
+bool isColourEmoji(QStringView cluster)
+{
+    if (cluster.contains(asEmoji))
+        return true;
+    const char32_t first = cluster.size() > 1 && cluster.front().isHighSurrogate()
+                               ? QChar::surrogateToUcs4(cluster[0], cluster[1])
+                               : cluster.front().unicode();
+    return u_hasBinaryProperty(UChar32(first), UCHAR_EMOJI_PRESENTATION) &&
+           !cluster.contains(asText);
+}
+
+// Left to itself the layout takes an emoji from any font that has it, which is often a plain black
+// one, and stays in the text's own font for one that asks for colour by U+FE0F. Naming the emoji
+// font for these clusters gives colour.
 QList<QTextLayout::FormatRange> colourEmojiFormats(const QString& text)
 {
-    if (!text.contains(emojiPresentation))
+    if (std::ranges::none_of(text, [](QChar c) { return c >= firstEmoji; }))
         return {};
     QTextCharFormat format;
     format.setFontFamilies({u"Noto Color Emoji"_s});
@@ -26,7 +42,7 @@ QList<QTextLayout::FormatRange> colourEmojiFormats(const QString& text)
     qsizetype start = 0;
     while (clusters.toNextBoundary() != -1) {
         const qsizetype end = clusters.position();
-        if (QStringView(text).mid(start, end - start).contains(emojiPresentation))
+        if (isColourEmoji(QStringView(text).mid(start, end - start)))
             ranges.append({int(start), int(end - start), format});
         start = end;
     }

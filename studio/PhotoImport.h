@@ -1,0 +1,37 @@
+#pragma once
+
+#include "model/PublicationItem.h"
+#include "platform/PhotoCache.h"
+
+#include <QCoroTask>
+
+#include <QList>
+#include <QUrl>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+// Photos becoming items. A photo is accepted when a reduced decoding of it succeeds, on the
+// workers; what is no photo is passed over in silence.
+namespace PhotoImport {
+
+struct Progress {
+    qsizetype looked = 0, total = 0;    // files
+    QList<PublicationItem> accepted;    // so far, in order
+};
+
+// Shared by who runs an import and who may end it.
+struct Control {
+    std::atomic_bool stop = false;
+    std::function<void(const Progress&)> progressed;    // on the caller's thread; may be empty
+};
+
+// The items of these files and folders, in order; nothing when it was stopped. At most a few
+// decodings wait in the workers' queue at any time, so that what the screen needs meanwhile gets
+// its turn.
+QCoro::Task<std::optional<QList<PublicationItem>>> importPhotos(QList<QUrl> filesAndFolders,
+                                                                std::shared_ptr<PhotoCache> cache,
+                                                                std::shared_ptr<Control> control);
+
+}    // namespace PhotoImport

@@ -1,0 +1,43 @@
+#include "canvas/BoxShadow.h"
+
+#include <gtest/gtest.h>
+
+TEST(BoxShadow, blurIsAGaussianOfTheGivenDeviation)
+{
+    for (const double sigma : {2.0, 3.3, 14.0}) {
+        // A step edge under a Gaussian is its error function.
+        QImage step(400, 3, QImage::Format_Alpha8);
+        for (int y = 0; y < 3; ++y)
+            std::fill_n(step.scanLine(y) + 200, 200, uchar(255)),
+                std::fill_n(step.scanLine(y), 200, uchar(0));
+        QImage column =
+            step.scaled(400, 400);    // tall enough for the other direction to change nothing
+        gaussianBlur(column, sigma);
+        for (int x = 200 - int(3 * sigma); x < 200 + int(3 * sigma); ++x) {
+            const double expected =
+                127.5 * (1 + std::erf((x + 0.5 - 200) / (sigma * std::sqrt(2.0))));
+            EXPECT_NEAR(column.constScanLine(200)[x], expected, 5)
+                << "sigma " << sigma << " at " << x;
+        }
+    }
+}
+
+TEST(BoxShadow, theBoxItselfIsNotCutOutAndTheColourKeepsItsOpacity)
+{
+    const ShadowPicture shadow =
+        boxShadow({40, 40, 120, 80}, 8, 5, QColor(255, 0, 0, 128), {0, 0, 200, 200});
+    const QRgb middle = shadow.image.pixel(QPoint(100, 80) - shadow.position);
+    EXPECT_NEAR(qAlpha(middle), 128, 1);
+    EXPECT_EQ(qGreen(middle), 0);
+    const QRgb edge = shadow.image.pixel(QPoint(40, 80) - shadow.position);
+    EXPECT_NEAR(qAlpha(edge), 64, 8) << "half of it at the edge of the box";
+}
+
+TEST(BoxShadow, aBoxBeyondAnySizeCostsOnlyWhatShows)
+{
+    const QRect visible(0, 0, 300, 300);
+    const ShadowPicture vast = boxShadow({-1e5, -1e5, 2e5, 2e5}, 10, 20, Qt::black, visible);
+    EXPECT_EQ(vast.image.size(), visible.size());
+    EXPECT_EQ(qAlpha(vast.image.pixel(150, 150)), 255);
+    EXPECT_TRUE(boxShadow({1000, 1000, 50, 50}, 10, 5, Qt::black, visible).image.isNull());
+}
