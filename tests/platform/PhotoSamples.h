@@ -66,7 +66,8 @@ inline QByteArray turnedWebp(const QByteArray& webp, QSize size, int orientation
 // The size a JPEG announces, overwritten.
 inline QByteArray announcing(QByteArray jpeg, QSize size)
 {
-    const qsizetype frame = jpeg.indexOf(QByteArray("\xFF\xC0\0\x11", 4));
+    const qsizetype frame = std::max(jpeg.indexOf(QByteArray("\xFF\xC0\0\x11", 4)),
+                                     jpeg.indexOf(QByteArray("\xFF\xC2\0\x11", 4)));
     qToBigEndian(quint16(size.height()), jpeg.data() + frame + 5);
     qToBigEndian(quint16(size.width()), jpeg.data() + frame + 7);
     return jpeg;
