@@ -9,6 +9,8 @@
 #include <QSqlQuery>
 #include <QUuid>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -35,12 +37,19 @@ bool run(const QSqlDatabase& database, const QString& statement)
     return QSqlQuery(database).exec(statement);
 }
 
+// Copies the log into the file, which takes up to 30 ms: the worker's business, with a connection
+// of its own. Passive: what a reader hinders is left for the next time.
+QString passiveCheckpoint()
+{
+    return u"PRAGMA wal_checkpoint(PASSIVE)"_qs;
+}
+
 void checkpoint(const QString& file)
 {
     const QString connection = newConnectionName();
     {
         const QSqlDatabase database = opened(connection, file);
-        run(database, u"PRAGMA wal_checkpoint(PASSIVE)"_qs);
+        run(database, passiveCheckpoint());
     }
     QSqlDatabase::removeDatabase(connection);
 }
@@ -119,13 +128,25 @@ bool PreferencesStore::remove(const QString& key)
     return query.exec();
 }
 
+// SQLite starts its log anew when a write finds all of it copied. Between edits the worker is done
+// long before the next one; writes without a pause keep ahead of it, and then we copy ourselves.
 void PreferencesStore::written(qint64 bytes)
 {
+    constexpr qint64 checkpointStep = 8 << 20;
+    constexpr qint64 longestLog = 32 << 20;
     constexpr qint64 page = 65536;
+    const bool working = m_checkpoint.isValid() && !m_checkpoint.isFinished();
+    if (std::exchange(m_checkpointIsLatest, false) && !working)
+        m_logBytes = 0;
+    m_logBytes += bytes + page;
     m_sinceCheckpoint += bytes + page;
-    if (m_sinceCheckpoint < checkpointStep ||
-        (m_checkpoint.isValid() && !m_checkpoint.isFinished()))
-        return;
-    m_sinceCheckpoint = 0;
-    m_checkpoint = runOnWorker([file = m_file] { checkpoint(file); });
+    if (m_logBytes >= longestLog) {
+        m_checkpoint.waitForFinished();
+        run(QSqlDatabase::database(m_connection, false), passiveCheckpoint());
+        m_logBytes = m_sinceCheckpoint = 0;
+    } else if (m_sinceCheckpoint >= checkpointStep && !working) {
+        m_checkpoint = runOnWorker([file = m_file] { checkpoint(file); });
+        m_checkpointIsLatest = true;
+        m_sinceCheckpoint = 0;
+    }
 }

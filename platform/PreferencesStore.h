@@ -25,6 +25,7 @@ private:
 
     QString m_file, m_connection;
     bool m_open = false;
-    qint64 m_sinceCheckpoint = 0;    // bytes
+    qint64 m_sinceCheckpoint = 0, m_logBytes = 0;
+    bool m_checkpointIsLatest = false;    // nothing was written since it began
     QFuture<void> m_checkpoint;
 };

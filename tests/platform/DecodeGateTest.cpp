@@ -1,0 +1,55 @@
+#include "platform/DecodeGate.h"
+
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+TEST(DecodeGate, neverLetsMoreThanTheBudgetInAtOnce)
+{
+    DecodeGate gate(100);
+    std::atomic<int> inside = 0, most = 0;
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 6; ++i) {
+        threads.emplace_back([&] {
+            for (int turn = 0; turn < 50; ++turn) {
+                const auto pass = gate.enter(40);
+                const int now = ++inside;
+                int seen = most;
+                while (now > seen && !most.compare_exchange_weak(seen, now))
+                    ;
+                std::this_thread::yield();
+                --inside;
+            }
+        });
+    }
+    threads.clear();
+    EXPECT_LE(most, 2);
+}
+
+TEST(DecodeGate, aGiantRunsAloneAndSmallOnesDoNotOvertakeIt)
+{
+    DecodeGate gate(100);
+    std::optional small(gate.enter(10));
+    std::atomic<bool> giantIn = false, secondIn = false, secondSawGiant = false;
+    std::jthread giant([&] {
+        const auto pass = gate.enter(500);
+        giantIn = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    std::jthread second([&] {
+        const auto pass = gate.enter(10);
+        secondSawGiant = giantIn.load();
+        secondIn = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_FALSE(giantIn);
+    EXPECT_FALSE(secondIn) << "the giant would starve behind a stream of small photos";
+    small.reset();
+    giant.join();
+    second.join();
+    EXPECT_TRUE(secondSawGiant);
+}

@@ -1,0 +1,134 @@
+#include "platform/PhotoCache.h"
+#include "platform/Workers.h"
+#include "tests/platform/PhotoSamples.h"
+
+#include <QDateTime>
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+class PhotoCacheTest : public testing::Test {
+protected:
+    QString photo(const QString& name, QSize size = {640, 480}, const char* format = "jpeg")
+    {
+        return written(m_folder, name, encoded(quarters(size), format));
+    }
+    QFileInfoList stored() const { return QDir(m_disk).entryInfoList(QDir::Files); }
+
+    QTemporaryDir m_folder;
+    QString m_disk = m_folder.filePath(u"thumbnails"_qs);
+};
+
+TEST_F(PhotoCacheTest, theSecondRunAnswersFromDiskWithoutTheCodec)
+{
+    const QString file = photo(u"a.jpg"_qs);
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(1'700'000'000);
+    // Other bytes of the same size, time and inode: only the disk can know what was there.
+    const auto rewrite = [&](const QByteArray& start, const QDateTime& modified) {
+        QFile changed(file);
+        return changed.open(QIODevice::ReadWrite) && changed.write(start) == start.size() &&
+               changed.flush() && changed.setFileTime(modified, QFile::FileModificationTime);
+    };
+    ASSERT_TRUE(rewrite("\xFF\xD8", time));
+    const auto first = PhotoCache(m_disk).accept(file);
+    ASSERT_TRUE(first);
+
+    ASSERT_TRUE(rewrite("garbage", time));
+    PhotoCache cache(m_disk);
+    const auto second = cache.accept(file);
+    ASSERT_TRUE(second);
+    EXPECT_EQ(second->info, first->info);
+    EXPECT_EQ(second->digest, first->digest);
+    EXPECT_LT(meanDifference(second->thumbnail, first->thumbnail), 3);
+    EXPECT_FALSE(cache.cachedThumbnail({file, first->digest}).isNull());
+
+    ASSERT_TRUE(rewrite("garbage", time.addSecs(1)));
+    EXPECT_FALSE(cache.accept(file)) << "a photo changed on disk is another photo";
+}
+
+TEST_F(PhotoCacheTest, aDamagedThumbnailIsMadeAgain)
+{
+    const QString file = photo(u"a.jpg"_qs);
+    ASSERT_TRUE(PhotoCache(m_disk).accept(file));
+    QFile thumbnail(stored().first().filePath());
+    const qint64 size = thumbnail.size();
+    ASSERT_TRUE(thumbnail.resize(size / 2));
+    const auto again = PhotoCache(m_disk).accept(file);
+    ASSERT_TRUE(again);
+    EXPECT_LT(meanDifference(again->thumbnail, quarters({427, 320})), 6);
+    ASSERT_EQ(stored().size(), 1);
+    EXPECT_EQ(stored().first().size(), size);
+}
+
+TEST_F(PhotoCacheTest, transparencyOutlivesTheDisk)
+{
+    QImage clear(50, 40, QImage::Format_ARGB32);
+    clear.fill(QColor(255, 0, 0, 100));
+    const QString file = written(m_folder, u"a.png"_qs, encoded(clear, "png"));
+    ASSERT_TRUE(PhotoCache(m_disk).accept(file));
+    const auto again = PhotoCache(m_disk).accept(file);
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->thumbnail.pixelColor(9, 9).alpha(), 100);
+}
+
+TEST_F(PhotoCacheTest, whatWasUsedLongestAgoGoesFirst)
+{
+    const qint64 oneProxy = 640 * 480 * 4;
+    PhotoCache cache(m_disk, 2 * oneProxy + 10'000);
+    const PhotoId a{photo(u"a.jpg"_qs), "a"}, b{photo(u"b.jpg"_qs), "b"},
+        c{photo(u"c.jpg"_qs), "c"};
+    EXPECT_TRUE(cache.cachedProxy(a, PhotoLevel::full).isNull());
+    cache.proxy(a, PhotoLevel::full);
+    cache.proxy(b, PhotoLevel::full);
+    EXPECT_FALSE(cache.cachedProxy(a, PhotoLevel::full).isNull());    // used: b is the older now
+    cache.proxy(c, PhotoLevel::full);
+    EXPECT_FALSE(cache.cachedProxy(a, PhotoLevel::full).isNull());
+    EXPECT_TRUE(cache.cachedProxy(b, PhotoLevel::full).isNull());
+    EXPECT_FALSE(cache.cachedProxy(c, PhotoLevel::full).isNull());
+}
+
+TEST_F(PhotoCacheTest, anyProxyIsTheFinestAtHand)
+{
+    PhotoCache cache(m_disk);
+    const QString file = photo(u"a.jpg"_qs);
+    const PhotoId id{file, cache.accept(file)->digest};
+    EXPECT_EQ(cache.anyProxy(id).size(), QSize(427, 320));
+    cache.proxy(id, PhotoLevel::eighth);
+    cache.proxy(id, PhotoLevel::half);
+    EXPECT_EQ(cache.anyProxy(id).size(), QSize(320, 240));
+    EXPECT_TRUE(cache.cachedProxy(id, PhotoLevel::quarter).isNull());
+    EXPECT_TRUE(cache.anyProxy({file, "another content"}).isNull());
+}
+
+TEST_F(PhotoCacheTest, twoCallersOfOnePhotoShareOneDecoding)
+{
+    PhotoCache cache(m_disk);
+    const PhotoId id{photo(u"a.jpg"_qs, {3000, 2000}), "a"};
+    QList<QFuture<QImage>> callers;
+    for (int i = 0; i < 2; ++i)
+        callers.append(runOnWorker([&] { return cache.proxy(id, PhotoLevel::full); }));
+    EXPECT_EQ(callers[0].result().cacheKey(), callers[1].result().cacheKey());
+    const PhotoId missing{m_folder.filePath(u"none.jpg"_qs), "x"};
+    EXPECT_TRUE(cache.proxy(missing, PhotoLevel::full).isNull());
+    EXPECT_TRUE(cache.thumbnail(missing).isNull());
+}
+
+TEST_F(PhotoCacheTest, theDiskKeepsTheNewestWithinItsBudget)
+{
+    QDir().mkpath(m_disk);
+    const QDateTime now = QDateTime::currentDateTime();
+    for (int i = 0; i < 4; ++i) {
+        QFile file(m_disk + u"/%1.thumbnail"_qs.arg(i));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(1000, 'x'));
+        file.flush();
+        file.setFileTime(now.addSecs(-100 * i), QFile::FileModificationTime);
+    }
+    pruneThumbnails(m_disk, 2500);
+    QStringList left;
+    for (const QFileInfo& info : stored())
+        left.append(info.completeBaseName());
+    EXPECT_EQ(left.join(u' '), u"0 1"_qs);
+}

@@ -1,0 +1,69 @@
+#include "platform/PreferencesStore.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+TEST(PreferencesStore, valuesOutliveTheProgram)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"deep/preferences.sqlite"_qs);
+    const QByteArray zeros("a\0b", 3);
+    {
+        PreferencesStore store(file);
+        ASSERT_TRUE(store.isOpen());
+        EXPECT_FALSE(store.value(u"batch"_qs));
+        EXPECT_TRUE(store.setValue(u"batch"_qs, "old"));
+        EXPECT_TRUE(store.setValue(u"batch"_qs, zeros));
+        EXPECT_TRUE(store.setValue(u"empty"_qs, QByteArray()));
+        EXPECT_TRUE(store.setValue(u"gone"_qs, "x"));
+        EXPECT_TRUE(store.remove(u"gone"_qs));
+    }
+    const PreferencesStore store(file);
+    EXPECT_EQ(store.value(u"batch"_qs), zeros);
+    EXPECT_EQ(store.value(u"empty"_qs), QByteArray(""));
+    EXPECT_FALSE(store.value(u"gone"_qs));
+}
+
+TEST(PreferencesStore, isReadableByItsUserOnlyAndSoIsItsLog)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"preferences.sqlite"_qs);
+    PreferencesStore store(file);
+    store.setValue(u"key"_qs, "secret");
+    constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther;
+    EXPECT_FALSE(QFile::permissions(file) & others);
+    ASSERT_TRUE(QFile::exists(file + u"-wal"_qs));
+    EXPECT_FALSE(QFile::permissions(file + u"-wal"_qs) & others);
+}
+
+TEST(PreferencesStore, theLogDoesNotGrowWithoutEnd)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"preferences.sqlite"_qs);
+    PreferencesStore store(file);
+    for (int i = 0; i < 150; ++i)
+        ASSERT_TRUE(store.setValue(u"batch"_qs, QByteArray(1'000'000 + i, 'x')));
+    EXPECT_LT(QFile(file + u"-wal"_qs).size(), 100'000'000);
+    EXPECT_EQ(store.value(u"batch"_qs)->size(), 1'000'149);
+}
+
+TEST(PreferencesStore, aFileThatIsNoDatabaseIsRefusedNotOverwritten)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"preferences.sqlite"_qs));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    const QByteArray text("these are somebody's notes, not a database; longer than a header\n");
+    file.write(text.repeated(20));
+    file.close();
+    {
+        PreferencesStore store(file.fileName());
+        EXPECT_FALSE(store.isOpen());
+        EXPECT_FALSE(store.setValue(u"key"_qs, "value"));
+    }
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().startsWith(text));
+}
