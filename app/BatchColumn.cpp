@@ -71,7 +71,7 @@ void BatchColumn::place()
     m_grid->setGeometry(0, headerHeight, width(), height() - headerHeight - footerHeight);
     const QSize badge = m_count->sizeHint();
     const int title = qCeil(textWidth(Type::heading, u"Lote"_qs));
-    m_count->setGeometry(side + title + 7, 12, badge.width(), badge.height());
+    m_count->setGeometry(side + title + 6, 12, badge.width(), badge.height());
     const int top = height() - footerHeight + 7;
     const int pair = 2 * 32 + 2;
     const int left = narrow() ? (width() - pair) / 2 : width() - 8 - pair;

@@ -46,7 +46,6 @@ void DropVeil::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(rect(), withOpacity(theme.accentSoft, 0.9));
-    painter.setPen(QPen(theme.accentLine, 2, Qt::CustomDashLine));
     QPen dashes(theme.accentLine, 2);
     dashes.setDashPattern({4, 3});
     painter.setPen(dashes);

@@ -9,8 +9,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // The block is centred in the frame; these are from its top.
-constexpr int cardsMiddle = 104, titleTop = 250, sentenceTop = 288, buttonsTop = 333,
-              hintsTop = 398, blockHeight = 418;
+constexpr int cardsMiddle = 104, titleTop = 250, sentenceTop = 290, buttonsTop = 333,
+              hintsTop = 398, blockHeight = 414;
 constexpr int frameSide = 24, frameTop = 14, frameBottom = 12;
 
 }    // namespace

@@ -84,8 +84,9 @@ void paintCloud(QPainter& painter, const QPointF& middle, double size)
                            QPointF(1.1, 0.15), QPointF(0, 0.25)};
     for (const QPointF& puff : puffs) {
         QRadialGradient soft(middle + puff * size, size);
-        soft.setColorAt(0, QColor(255, 255, 255, 175));
-        soft.setColorAt(0.5, QColor(255, 255, 255, 85));
+        soft.setColorAt(0, QColor(255, 255, 255, 150));
+        soft.setColorAt(0.35, QColor(255, 255, 255, 80));
+        soft.setColorAt(0.7, QColor(255, 255, 255, 18));
         soft.setColorAt(1, QColor(255, 255, 255, 0));
         painter.setBrush(soft);
         painter.drawEllipse(middle + puff * size, size, size * 0.7);
@@ -99,6 +100,7 @@ void paintWords(QPainter& painter, const QRectF& rect, double pixels, QFont::Wei
     font.setPixelSize(64);
     font.setWeight(weight);
     font.setHintingPreference(QFont::PreferNoHinting);
+    font.setLetterSpacing(QFont::PercentageSpacing, 98.5);
     const SavedPainter saved(painter);
     const double scale = pixels / 64;
     painter.translate(rect.topLeft());
@@ -164,9 +166,11 @@ void paintMountain(QPainter& painter, const QSizeF& card)
     painter.fillPath(
         path, downwards(card.height() * 0.64, card.height(), {{0, 0x9A7F62}, {1, 0x5D4634}}));
 
-    paintWords(painter, {11, 11, card.width() - 16, 50}, 17.5, QFont::Bold, Qt::white,
-               u"Respira otoño en\nlos Picos"_qs);
-    fillRounded(painter, {11, 60, 22, 1.5}, 0.75, QColor(0xF7EBDD));
+    const std::array headline{u"Respira otoño en"_qs, u"los Picos"_qs};
+    for (std::size_t line = 0; line < headline.size(); ++line)
+        paintWords(painter, {11, 10.0 + 18.5 * double(line), card.width(), 24}, 17, QFont::Bold,
+                   Qt::white, headline[line]);
+    fillRounded(painter, {11, 57, 22, 1.5}, 0.75, QColor(0xF7EBDD));
     const QRectF box(11.5, card.height() - 64, card.width() - 23, 51);
     fillRounded(painter, box, 4.5, QColor(16, 34, 26, 224));
     paintWords(painter, box.adjusted(6.5, 4.5, 0, 0), 7.2, QFont::DemiBold, QColor(0xF3EADF),

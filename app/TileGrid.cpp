@@ -132,7 +132,8 @@ void TileGrid::pictureOutdated(QUuid id)
 QSize TileGrid::tileSize() const
 {
     const int inner = std::max(1, viewport()->width() - leftPadding - rightPadding);
-    const int width = std::max(1, (inner - (columns() - 1) * gap) / columns());
+    // Rounded up: rather a gap of nine than one of eleven.
+    const int width = std::max(1, (inner - (columns() - 1) * gap + columns() - 1) / columns());
     return {width, std::max(1, qRound(width / m_ratio))};
 }
 

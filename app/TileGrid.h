@@ -10,8 +10,8 @@
 enum class TileState { normal, generating, queued, generated, paid };
 
 struct Tile {
-    QUuid id;
-    QString name;
+    QUuid id = {};
+    QString name = {};
     bool current = false, selected = false;
     TileState state = TileState::normal;
     bool operator==(const Tile&) const = default;

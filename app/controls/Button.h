@@ -37,7 +37,7 @@ struct ButtonSizeRow {
 inline constexpr std::array buttonSizes{
     ButtonSizeRow{ButtonSize::small, 32, 10, 8, Radius::field, Type::bodyMedium, Type::heading},
     ButtonSizeRow{ButtonSize::regular, 36, 12, 8, Radius::button, Type::bodyMedium, Type::heading},
-    ButtonSizeRow{ButtonSize::large, 44, 18, 8, 11, Type::largeSemibold, Type::largeSemibold},
+    ButtonSizeRow{ButtonSize::large, 44, 19, 8, 11, Type::largeSemibold, Type::largeSemibold},
 };
 constexpr const ButtonSizeRow& row(ButtonSize size)
 {

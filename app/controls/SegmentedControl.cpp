@@ -8,7 +8,8 @@
 #include <QToolTip>
 
 namespace {
-constexpr int trackHeight = 36, trackMargin = 2, segmentPadding = 14, iconGap = 8;
+constexpr int trackHeight = 36, trackMargin = 2, segmentPadding = 12, iconGap = 8, iconSide = 20,
+              iconAir = 2;
 }
 
 SegmentedControl::SegmentedControl(const QList<Segment>& segments, QWidget* parent)
@@ -38,8 +39,9 @@ void SegmentedControl::setCurrent(int index)
 int SegmentedControl::widthOf(const Segment& segment) const
 {
     const int text = segment.text.isEmpty() ? 0 : qCeil(textWidth(Type::bodyMedium, segment.text));
-    const int icon = segment.icon == Icon::none ? 0 : 20;
-    return 2 * segmentPadding + text + icon + (text && icon ? iconGap : 0);
+    if (segment.icon == Icon::none)
+        return 2 * segmentPadding + text;
+    return 2 * segmentPadding + iconSide + (text ? text + iconGap - iconAir : 0);
 }
 
 QRect SegmentedControl::segmentRect(int index) const
@@ -129,10 +131,15 @@ void SegmentedControl::paintEvent(QPaintEvent*)
         if (!isEnabled())
             ink = theme.dis;
         double left = box.left() + segmentPadding;
+        if (segment.text.isEmpty()) {
+            paintIcon(painter, segment.icon, box, iconSide, ink);
+            continue;
+        }
         if (segment.icon != Icon::none) {
-            paintIcon(painter, segment.icon, QRectF(left - 2, box.top(), 20, box.height()), 20,
-                      ink);
-            left += 20 + iconGap - 2;
+            left -= iconAir;    // the drawing keeps clear of its own edge
+            paintIcon(painter, segment.icon, QRectF(left, box.top(), iconSide, box.height()),
+                      iconSide, ink);
+            left += iconSide + iconGap;
         }
         paintText(painter, QRectF(left, box.top(), box.right() - left, box.height()), Qt::AlignLeft,
                   Type::bodyMedium, ink, segment.text, Qt::ElideNone);

@@ -7,9 +7,9 @@
 
 struct Segment {
     Icon icon = Icon::none;
-    QString text;    // may be empty
-    QString toolTip;
-    QString name;    // for screen readers
+    QString text = {};    // may be empty
+    QString toolTip = {};
+    QString name = {};    // for screen readers
 };
 
 // One of several. A single stop for Tab, inside which the arrows choose.

@@ -12,9 +12,9 @@ class ProgressBar;
 enum class StatusKind { info, ok, warning, error, busy };
 struct Status {
     StatusKind kind = StatusKind::info;
-    QString sentence;
-    std::optional<double> progress;    // 0 to 1; only while busy
-    bool stoppable = false;            // may the user end what is going on?
+    QString sentence = {};
+    std::optional<double> progress = {};    // 0 to 1; only while busy
+    bool stoppable = false;                 // may the user end what is going on?
     bool operator==(const Status&) const = default;
 };
 
