@@ -1,0 +1,23 @@
+#pragma once
+#include <QWidget>
+
+class TextField;
+
+// What the campaign is for. It hangs under the top bar, centred on the stage.
+class ComposeBar : public QWidget {
+    Q_OBJECT
+public:
+    explicit ComposeBar(QWidget* parent = nullptr);
+    void setObjective(const QString& objective);    // shows; emits nothing
+    QWidget* objectiveEdit() const;
+    QSize sizeHint() const override { return {1120, 52}; }
+
+Q_SIGNALS:
+    void objectiveEdited(const QString& objective);    // when the edit ends
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    TextField* m_objective;
+};

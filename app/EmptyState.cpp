@@ -1,0 +1,103 @@
+#include "app/EmptyState.h"
+
+#include "app/SampleCards.h"
+#include "app/controls/Button.h"
+#include "app/controls/KeyHint.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The block is centred in the frame; these are from its top.
+constexpr int cardsMiddle = 104, titleTop = 250, sentenceTop = 290, buttonsTop = 333,
+              hintsTop = 398, blockHeight = 414;
+constexpr int frameSide = 24, frameTop = 14, frameBottom = 12;
+
+}    // namespace
+
+EmptyState::EmptyState(QWidget* parent)
+    : QWidget(parent), m_images(new PushButton(Icon::importImages, u"Importar imágenes"_qs,
+                                               ButtonKind::primary, ButtonSize::large, this)),
+      m_folder(new PushButton(Icon::importFolder, u"Importar carpeta"_qs, ButtonKind::neutral,
+                              ButtonSize::large, this)),
+      m_hints(new KeyHints({{{u"Ctrl"_qs, u"O"_qs}, u"imágenes"_qs},
+                            {{u"Ctrl"_qs, u"Mayús"_qs, u"O"_qs}, u"carpeta"_qs}},
+                           this))
+{
+    setAccessibleName(u"Suelta aquí tus fotos"_qs);
+    setAccessibleDescription(
+        u"También puedes soltar una carpeta entera. JPG, PNG, HEIC o TIFF."_qs);
+    connect(m_images, &PushButton::clicked, this, &EmptyState::importImagesRequested);
+    connect(m_folder, &PushButton::clicked, this, &EmptyState::importFolderRequested);
+}
+
+QList<QWidget*> EmptyState::focusOrder() const
+{
+    return {m_images, m_folder};
+}
+
+int EmptyState::blockTop() const
+{
+    return frameTop + (height() - frameTop - frameBottom - blockHeight) / 2;
+}
+
+void EmptyState::resizeEvent(QResizeEvent*)
+{
+    const int top = blockTop();
+    const QSize images = m_images->sizeHint();
+    const QSize folder = m_folder->sizeHint();
+    const int gap = 10;
+    const int left = (width() - images.width() - gap - folder.width()) / 2;
+    m_images->setGeometry(QRect(QPoint(left, top + buttonsTop), images));
+    m_folder->setGeometry(QRect(QPoint(left + images.width() + gap, top + buttonsTop), folder));
+    const QSize hints = m_hints->sizeHint();
+    m_hints->setGeometry(QRect(QPoint((width() - hints.width()) / 2, top + hintsTop), hints));
+}
+
+void EmptyState::paintEvent(QPaintEvent*)
+{
+    const Theme& theme = themeOf(this);
+    QPainter painter(this);
+    painter.fillRect(rect(), theme.bg);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPen dashes(theme.line2, 1);
+    dashes.setDashPattern({3, 3});
+    painter.setPen(dashes);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(frameSide + 0.5, frameTop + 0.5,
+                                                    -frameSide - 0.5, -frameBottom - 0.5),
+                            Radius::sheet, Radius::sheet);
+
+    const int top = blockTop();
+    paintCards(painter, QPointF(width() / 2.0, top + cardsMiddle));
+    paintText(painter, QRectF(0, top + titleTop, width(), 30), Qt::AlignHCenter, Type::emptyTitle,
+              theme.text, u"Suelta aquí tus fotos"_qs);
+    paintText(painter, QRectF(0, top + sentenceTop, width(), 20), Qt::AlignHCenter, Type::large,
+              theme.text2, accessibleDescription());
+}
+
+void EmptyState::paintCards(QPainter& painter, const QPointF& middle)
+{
+    const Theme& theme = themeOf(this);
+    const double ratio = painter.device()->devicePixelRatioF();
+    struct Placing {
+        SampleCard card;
+        QPointF offset;
+        double turn;    // degrees
+    };
+    const std::array placings{
+        Placing{SampleCard::valley, {-114, 14}, -6.5},
+        Placing{SampleCard::sunset, {114, 14}, 6.5},
+        Placing{SampleCard::mountain, {0, 0}, 0},
+    };
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    for (const Placing& placing : placings) {
+        const SavedPainter saved(painter);
+        painter.translate(middle + placing.offset);
+        painter.rotate(placing.turn);
+        const QSizeF size = sampleCardSize(placing.card);
+        const QRectF box(QPointF(-size.width() / 2, -size.height() / 2), size);
+        paintShadow(painter, box, {.offset = 12, .blur = 40, .color = theme.shadow});
+        painter.drawPixmap(box.topLeft(), sampleCard(placing.card, ratio));
+    }
+}

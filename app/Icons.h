@@ -1,0 +1,72 @@
+#pragma once
+#include <QColor>
+#include <QIcon>
+#include <QPixmap>
+#include <QStringView>
+
+#include <algorithm>
+#include <array>
+
+class QPainter;
+class QRectF;
+
+enum class Icon {
+    none,
+    importImages,
+    importFolder,
+    undo,
+    redo,
+    ratio916,
+    ratio169,
+    ratio45,
+    ratio11,
+    objective,
+    selectAll,
+    discard,
+    check,
+    done,
+    queued,
+    info,
+    alert,
+    previous,
+    next,
+    close
+};
+struct IconRow {
+    Icon icon;
+    QStringView file;    // in resources/icons, without its suffix
+};
+inline constexpr std::array icons{
+    IconRow{Icon::none, u""},
+    IconRow{Icon::importImages, u"import-images"},
+    IconRow{Icon::importFolder, u"import-folder"},
+    IconRow{Icon::undo, u"undo"},
+    IconRow{Icon::redo, u"redo"},
+    IconRow{Icon::ratio916, u"ratio-9-16"},
+    IconRow{Icon::ratio169, u"ratio-16-9"},
+    IconRow{Icon::ratio45, u"ratio-4-5"},
+    IconRow{Icon::ratio11, u"ratio-1-1"},
+    IconRow{Icon::objective, u"objective"},
+    IconRow{Icon::selectAll, u"select-all"},
+    IconRow{Icon::discard, u"discard"},
+    IconRow{Icon::check, u"check"},
+    IconRow{Icon::done, u"done"},
+    IconRow{Icon::queued, u"queued"},
+    IconRow{Icon::info, u"info"},
+    IconRow{Icon::alert, u"alert"},
+    IconRow{Icon::previous, u"previous"},
+    IconRow{Icon::next, u"next"},
+    IconRow{Icon::close, u"close"},
+};
+constexpr const IconRow& row(Icon icon)
+{
+    return icons[std::size_t(icon)];
+}
+static_assert(std::ranges::all_of(icons, [](const auto& r) { return &row(r.icon) == &r; }));
+
+// `size` in logical pixels. Small sizes keep the line width of the 20 pixel drawing.
+QPixmap iconPixmap(Icon icon, int size, const QColor& color, qreal ratio);
+// Centred in `box`, on whole device pixels.
+void paintIcon(QPainter& painter, Icon icon, const QRectF& box, int size, const QColor& color);
+// For menus: the style paints it in the colour of its row.
+QIcon menuIcon(Icon icon);

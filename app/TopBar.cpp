@@ -1,0 +1,159 @@
+#include "app/TopBar.h"
+
+#include "app/controls/Button.h"
+#include "app/controls/SegmentedControl.h"
+
+#include <QMenu>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int barHeight = 56, side = 14, gap = 12, fullLabelsFrom = 1400;
+
+void paintMark(QPainter& painter, const Theme& theme)
+{
+    fillRounded(painter, QRectF(0, 0, 28, 28), 8, theme.accent);
+    fillRounded(painter, QRectF(6, 6.4, 8.8, 12.2), 2.4, QColor(255, 255, 255, 133));
+    fillRounded(painter, QRectF(11, 8, 11, 13.6), 2.4, Qt::white);
+    fillRounded(painter, QRectF(13.2, 17.1, 6.4, 1.7), 0.85, theme.accent);
+}
+
+class MarkButton : public Control {
+public:
+    explicit MarkButton(QWidget* parent) : Control(parent)
+    {
+        setAccessibleName(u"Menú"_qs);
+        setToolTip(u"Menú"_qs);
+        setFixedSize(28, 28);
+        setProperty("focusRadius", 8);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setOpacity(isDown() ? 0.86 : 1 - 0.08 * hovered());
+        paintMark(painter, themeOf(this));
+    }
+};
+
+constexpr std::array ratioIcons{Icon::ratio916, Icon::ratio169, Icon::ratio45, Icon::ratio11};
+
+QList<Segment> segmentsOf(const QList<FormatChoice>& formats)
+{
+    QList<Segment> segments;
+    for (const FormatChoice& format : formats) {
+        const auto at = std::min(std::size_t(segments.size()), ratioIcons.size() - 1);
+        segments.append({
+            .icon = ratioIcons[at],
+            .text = format.ratio,
+            .toolTip = u"%1 · %2 × %3 px"_qs.arg(format.title)
+                           .arg(format.pixels.width())
+                           .arg(format.pixels.height()),
+            .name = u"Formato %1, %2"_qs.arg(format.title, format.spoken),
+        });
+    }
+    return segments;
+}
+
+}    // namespace
+
+TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
+    : QWidget(parent), m_mark(new MarkButton(this)),
+      m_images(new PushButton(Icon::importImages, u"Imágenes"_qs)),
+      m_folder(new PushButton(Icon::importFolder, u"Carpeta"_qs)),
+      m_import(new JoinedButtons(m_images, m_folder, this)),
+      m_undo(new IconButton(Icon::undo, u"Deshacer"_qs, 36, this)),
+      m_redo(new IconButton(Icon::redo, u"Rehacer"_qs, 36, this)),
+      m_formats(new SegmentedControl(segmentsOf(formats), this))
+{
+    setFixedHeight(barHeight);
+    setUndo(false);
+    setRedo(false);
+    connect(m_mark, &Control::clicked, this, [this] {
+        if (m_menu)
+            m_menu->popup(m_mark->mapToGlobal(QPoint(0, m_mark->height() + 8)));
+    });
+    connect(m_images, &PushButton::clicked, this, &TopBar::importImagesRequested);
+    connect(m_folder, &PushButton::clicked, this, &TopBar::importFolderRequested);
+    connect(m_undo, &IconButton::clicked, this, &TopBar::undoRequested);
+    connect(m_redo, &IconButton::clicked, this, &TopBar::redoRequested);
+    connect(m_formats, &SegmentedControl::chosen, this, &TopBar::formatChosen);
+}
+
+void TopBar::setMenu(QMenu* menu)
+{
+    m_menu = menu;
+}
+
+void TopBar::setFormat(int index)
+{
+    m_formats->setCurrent(index);
+}
+
+void TopBar::setUndo(bool possible)
+{
+    m_undo->setEnabled(possible);
+    m_undo->setToolTip(possible ? u"Deshacer"_qs : u"Nada que deshacer"_qs);
+}
+
+void TopBar::setRedo(bool possible)
+{
+    m_redo->setEnabled(possible);
+    m_redo->setToolTip(possible ? u"Rehacer"_qs : u"Nada que rehacer"_qs);
+}
+
+void TopBar::addTrailing(QWidget* widget)
+{
+    widget->setParent(this);
+    m_trailing.append(widget);
+    place();
+}
+
+QList<QWidget*> TopBar::focusOrder() const
+{
+    return QList<QWidget*>{m_mark, m_images, m_folder, m_undo, m_redo, m_formats} + m_trailing;
+}
+
+void TopBar::resizeEvent(QResizeEvent*)
+{
+    place();
+}
+
+void TopBar::place()
+{
+    const auto put = [](QWidget* widget, int left) {
+        const QSize size = widget->sizeHint();
+        widget->setGeometry(QRect(QPoint(left, (barHeight - size.height()) / 2), size));
+        return left + size.width();
+    };
+    m_import->setLabels(width() < fullLabelsFrom ? Labels::hidden : Labels::shown);
+    m_mark->move(side, (barHeight - m_mark->height()) / 2);
+    int left = put(m_import, side + m_mark->width() + gap);
+    m_divider = left + gap + 1;
+    left = put(m_undo, m_divider + gap + 3);
+    left = put(m_redo, left);
+
+    int right = width() - side;
+    for (auto widget = m_trailing.crbegin(); widget != m_trailing.crend(); ++widget) {
+        right -= (*widget)->sizeHint().width();
+        put(*widget, right);
+        right -= Space::small;
+    }
+    // Centred in the bar as long as that is free, else between its neighbours.
+    const int formats = m_formats->sizeHint().width();
+    const bool alone = m_trailing.isEmpty() && (width() - formats) / 2 > left + gap;
+    put(m_formats, alone ? (width() - formats) / 2 : left + (right - left - formats) / 2);
+    update();
+}
+
+void TopBar::paintEvent(QPaintEvent*)
+{
+    const Theme& theme = themeOf(this);
+    QPainter painter(this);
+    painter.fillRect(rect(), theme.panel);
+    painter.fillRect(0, height() - 1, width(), 1, theme.line);
+    painter.fillRect(m_divider, 16, 1, 24, theme.line2);
+}

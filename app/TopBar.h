@@ -1,0 +1,61 @@
+#pragma once
+#include <QList>
+#include <QSize>
+#include <QWidget>
+
+class Control;
+class IconButton;
+class JoinedButtons;
+class PushButton;
+class QMenu;
+class SegmentedControl;
+
+// The four formats in the order of the segments.
+struct FormatChoice {
+    QString ratio;     // "4:5"
+    QString title;     // "Carrusel / Post vertical"
+    QString spoken;    // "4 a 5"
+    QSize pixels;      // of the exported picture
+};
+
+class TopBar : public QWidget {
+    Q_OBJECT
+public:
+    explicit TopBar(const QList<FormatChoice>& formats, QWidget* parent = nullptr);
+
+    void setMenu(QMenu* menu);    // not owned
+    void setFormat(int index);    // shows; emits nothing
+    // What the next step back or forth would undo or redo; nothing disables the button.
+    void setUndo(bool possible);
+    void setRedo(bool possible);
+    // Placed at the right end, in the order in which they are added.
+    void addTrailing(QWidget* widget);
+
+    QList<QWidget*> focusOrder() const;
+    QSize sizeHint() const override { return {1200, 56}; }
+
+Q_SIGNALS:
+    void importImagesRequested();
+    void importFolderRequested();
+    void undoRequested();
+    void redoRequested();
+    void formatChosen(int index);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void place();
+
+    Control* m_mark;
+    PushButton* m_images;
+    PushButton* m_folder;
+    JoinedButtons* m_import;
+    IconButton* m_undo;
+    IconButton* m_redo;
+    SegmentedControl* m_formats;
+    QList<QWidget*> m_trailing;
+    QMenu* m_menu = nullptr;
+    int m_divider = 0;
+};

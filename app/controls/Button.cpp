@@ -1,0 +1,192 @@
+#include "app/controls/Button.h"
+
+#include "app/controls/KeyboardFocus.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QStyle>
+
+Control::Control(QWidget* parent) : QAbstractButton(parent)
+{
+    setFocusPolicy(Qt::TabFocus);
+    setAttribute(Qt::WA_Hover);
+    m_glide.setEasingCurve(QEasingCurve::OutCubic);
+    connect(&m_glide, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
+        m_hovered = value.toDouble();
+        update();
+    });
+}
+
+Control::~Control()
+{
+    KeyboardFocus::left(this);
+}
+
+bool Control::event(QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::HoverEnter:
+        glideTo(isEnabled() ? 1 : 0);
+        break;
+    case QEvent::HoverLeave:
+        glideTo(0);
+        break;
+    case QEvent::EnabledChange:
+        glideTo(isEnabled() && underMouse() ? 1 : 0);
+        break;
+    default:
+        break;
+    }
+    return QAbstractButton::event(event);
+}
+
+void Control::focusInEvent(QFocusEvent* event)
+{
+    QAbstractButton::focusInEvent(event);
+    KeyboardFocus::entered(this, event);
+}
+
+void Control::focusOutEvent(QFocusEvent* event)
+{
+    QAbstractButton::focusOutEvent(event);
+    KeyboardFocus::left(this);
+}
+
+void Control::hideEvent(QHideEvent* event)
+{
+    QAbstractButton::hideEvent(event);
+    m_glide.stop();
+    m_hovered = 0;
+}
+
+void Control::glideTo(double hovered)
+{
+    m_glide.stop();
+    const int time = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this);
+    if (time == 0 || !isVisible()) {
+        m_hovered = hovered;
+        return update();
+    }
+    m_glide.setDuration(time);
+    m_glide.setStartValue(m_hovered);
+    m_glide.setEndValue(hovered);
+    m_glide.start();
+}
+
+PushButton::PushButton(Icon icon, const QString& text, ButtonKind kind, ButtonSize size,
+                       QWidget* parent)
+    : Control(parent), m_icon(icon), m_kind(kind), m_size(size)
+{
+    setText(text);
+    setAccessibleName(text);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setProperty("focusRadius", row(size).radius);
+}
+
+void PushButton::setJoined(Joined joined)
+{
+    m_joined = joined;
+    update();
+}
+
+void PushButton::setLabels(Labels labels)
+{
+    m_labels = labels;
+    setToolTip(labels == Labels::hidden ? text() : QString());
+    updateGeometry();
+    update();
+}
+
+QSize PushButton::sizeHint() const
+{
+    const ButtonSizeRow& size = row(m_size);
+    if (m_labels == Labels::hidden)
+        return {42, size.height};
+    const Type type = m_kind == ButtonKind::neutral ? size.type : size.primaryType;
+    const int icon = m_icon == Icon::none ? 0 : 20 + size.gap - 2;
+    return {2 * size.padding + icon + qCeil(textWidth(type, text())), size.height};
+}
+
+void PushButton::paintEvent(QPaintEvent*)
+{
+    const Theme& theme = themeOf(this);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor fill = mixed(theme.control, theme.hover, hovered());
+    QColor ink = theme.text;
+    if (m_kind == ButtonKind::primary) {
+        fill = mixed(theme.accent, theme.accentHover, hovered());
+        ink = Qt::white;
+    } else if (m_kind == ButtonKind::soft) {
+        fill = mixed(theme.accentSoft, mixed(theme.accentSoft, theme.accent, 0.14), hovered());
+        ink = theme.accentText;
+    }
+    if (!isEnabled()) {
+        fill = mixed(theme.panel, theme.control, 0.65);
+        ink = theme.dis;
+    } else if (isDown()) {
+        painter.setOpacity(0.86);
+    }
+    const ButtonSizeRow& size = row(m_size);
+    const double inner = 2;
+    fillRounded(painter, rect(),
+                Corners{m_joined == Joined::right ? inner : size.radius,
+                        m_joined == Joined::left ? inner : size.radius},
+                fill);
+    if (m_labels == Labels::hidden)
+        return paintIcon(painter, m_icon, rect(), 20, ink);
+    int left = size.padding;
+    if (m_icon != Icon::none) {
+        paintIcon(painter, m_icon, QRectF(left - 2, 0, 20, height()), 20, ink);
+        left += 20 + size.gap - 2;
+    }
+    paintText(painter, QRectF(left, 0, width() - left - size.padding + 1, height()), Qt::AlignLeft,
+              m_kind == ButtonKind::neutral ? size.type : size.primaryType, ink, text());
+}
+
+IconButton::IconButton(Icon icon, const QString& name, int side, QWidget* parent)
+    : Control(parent), m_icon(icon), m_side(side)
+{
+    setAccessibleName(name);
+    setToolTip(name);
+    setFixedSize(side, side);
+    setProperty("focusRadius", Radius::button);
+}
+
+void IconButton::setIconSize(int size)
+{
+    m_iconSize = size;
+    update();
+}
+
+void IconButton::paintEvent(QPaintEvent*)
+{
+    const Theme& theme = themeOf(this);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isEnabled() && (isDown() || hovered() > 0)) {
+        fillRounded(painter, rect(), Radius::button,
+                    isDown() ? theme.seg : withOpacity(theme.hover, hovered()));
+    }
+    const QColor ink = isEnabled() ? mixed(theme.text2, theme.text, hovered()) : theme.dis;
+    paintIcon(painter, m_icon, rect(), m_iconSize, ink);
+}
+
+JoinedButtons::JoinedButtons(PushButton* left, PushButton* right, QWidget* parent)
+    : QWidget(parent), m_left(left), m_right(right)
+{
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(1);
+    layout->addWidget(left);
+    layout->addWidget(right);
+    left->setJoined(Joined::left);
+    right->setJoined(Joined::right);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void JoinedButtons::setLabels(Labels labels)
+{
+    m_left->setLabels(labels);
+    m_right->setLabels(labels);
+}

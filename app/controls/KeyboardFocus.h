@@ -1,0 +1,11 @@
+#pragma once
+
+class QFocusEvent;
+class QWidget;
+
+// The focus ring outside of a control, for focus that the keyboard gave. A control calls these from
+// its focus events and from its destructor; its dynamic property "focusRadius" rounds the ring.
+namespace KeyboardFocus {
+void entered(QWidget* control, const QFocusEvent* event);
+void left(QWidget* control);
+}    // namespace KeyboardFocus

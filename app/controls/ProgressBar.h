@@ -1,0 +1,29 @@
+#pragma once
+#include <QTimer>
+#include <QVariantAnimation>
+#include <QWidget>
+
+#include <optional>
+
+// Four pixels high. Without a value it shows that something goes on, not how far it is.
+class ProgressBar : public QWidget {
+    Q_OBJECT
+public:
+    explicit ProgressBar(QWidget* parent = nullptr);
+    void setValue(std::optional<double> value);    // 0 to 1
+    QSize sizeHint() const override { return {180, 4}; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void animate();
+
+    std::optional<double> m_value;
+    double m_shown = 0;
+    double m_phase = 0;    // of the wait without a value, 0 to 1
+    QVariantAnimation m_glide;
+    QTimer m_cycle;
+};

@@ -1,0 +1,48 @@
+#pragma once
+#include "app/Icons.h"
+#include "app/controls/Painting.h"
+
+#include <QList>
+#include <QWidget>
+
+struct Segment {
+    Icon icon = Icon::none;
+    QString text = {};    // may be empty
+    QString toolTip = {};
+    QString name = {};    // for screen readers
+};
+
+// One of several. A single stop for Tab, inside which the arrows choose.
+class SegmentedControl : public QWidget {
+    Q_OBJECT
+public:
+    explicit SegmentedControl(const QList<Segment>& segments, QWidget* parent = nullptr);
+    ~SegmentedControl() override;
+
+    void setCurrent(int index);    // shows; emits nothing
+    int current() const { return m_current; }
+    QRect segmentRect(int index) const;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+Q_SIGNALS:
+    void chosen(int index);    // by the user; never the current one
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    int widthOf(const Segment& segment) const;
+    int segmentAt(QPoint position) const;
+    void choose(int index);
+    void setHovered(int index);
+
+    QList<Segment> m_segments;
+    int m_current = 0;
+    int m_hovered = -1;
+};

@@ -1,0 +1,215 @@
+#include "app/controls/StatusLine.h"
+
+#include "app/controls/Button.h"
+#include "app/controls/ProgressBar.h"
+
+#include <QMouseEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int lineHeight = 28, side = 16, historyLength = 10;
+constexpr int announcePause = 3000, turnTime = 1000, frameTime = 33;    // ms
+
+struct KindRow {
+    StatusKind kind;
+    Icon icon;
+    QColor Theme::*color;
+};
+constexpr std::array kinds{
+    KindRow{StatusKind::info, Icon::info, &Theme::text2},
+    KindRow{StatusKind::ok, Icon::done, &Theme::ok},
+    KindRow{StatusKind::warning, Icon::alert, &Theme::warn},
+    KindRow{StatusKind::error, Icon::alert, &Theme::err},
+    KindRow{StatusKind::busy, Icon::none, &Theme::accentLine},
+};
+constexpr const KindRow& row(StatusKind kind)
+{
+    return kinds[std::size_t(kind)];
+}
+static_assert(std::ranges::all_of(kinds, [](const auto& r) { return &row(r.kind) == &r; }));
+
+void paintState(QPainter& painter, const QRectF& box, StatusKind kind, const Theme& theme,
+                double turn)
+{
+    if (kind == StatusKind::busy)
+        paintSpinner(painter, box.adjusted(2, 2, -2, -2), theme.line2, theme.accentLine, turn, 1.8);
+    else
+        paintIcon(painter, row(kind).icon, box, 16, theme.*row(kind).color);
+}
+
+// The last sentences, the newest at the bottom, above the line that they came from.
+class HistoryPopover : public QWidget {
+public:
+    HistoryPopover(const QList<Status>& history, QWidget* parent)
+        : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint),
+          m_history(history)
+    {
+        setAttribute(Qt::WA_TranslucentBackground);
+        setAttribute(Qt::WA_DeleteOnClose);
+        double widest = 200;
+        QStringList sentences;
+        for (const Status& status : history) {
+            widest = std::max(widest, textWidth(Type::small, status.sentence));
+            sentences.append(status.sentence);
+        }
+        setAccessibleName(sentences.join(u'\n'));
+        const int limit = std::max(240, parent->width() - 2 * side);
+        resize(std::min(limit, qCeil(widest) + 28 + 2 * 14), int(history.size()) * 26 + 16);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        const Theme& theme = themeOf(this);
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        fillRounded(painter, rect(), Radius::popover, theme.elev);
+        strokeRounded(painter, rect(), Radius::popover, theme.line2);
+        int top = 8;
+        for (const Status& status : m_history) {
+            paintState(painter, QRectF(12, top + 5, 16, 16), status.kind, theme, 0);
+            const bool newest = &status == &m_history.last();
+            paintText(painter, QRectF(36, top, width() - 36 - 12, 26), Qt::AlignLeft, Type::small,
+                      newest ? theme.text : theme.text2, status.sentence);
+            top += 26;
+        }
+    }
+
+private:
+    QList<Status> m_history;
+};
+
+}    // namespace
+
+StatusLine::StatusLine(QWidget* parent)
+    : QWidget(parent), m_bar(new ProgressBar(this)),
+      m_stop(new IconButton(Icon::close, u"Cancelar"_qs, 24, this)), m_hints(new KeyHints({}, this))
+{
+    setFixedHeight(lineHeight);
+    m_stop->setIconSize(16);
+    m_stop->hide();
+    m_bar->hide();
+    m_spin.setInterval(frameTime);
+    m_announceLater.setSingleShot(true);
+    connect(&m_announceLater, &QTimer::timeout, this, &StatusLine::announce);
+    connect(m_stop, &IconButton::clicked, this, &StatusLine::stopRequested);
+    connect(&m_spin, &QTimer::timeout, this, [this] {
+        m_turn = std::fmod(m_turn + double(frameTime) / turnTime, 1.0);
+        update(0, 0, side + 20, height());
+    });
+}
+
+void StatusLine::setStatus(const Status& status)
+{
+    if (status == m_status)
+        return;
+    const bool sameSentence = status.sentence == m_status.sentence && status.kind == m_status.kind;
+    m_status = status;
+    const bool busy = status.kind == StatusKind::busy;
+    m_bar->setValue(status.progress);
+    m_bar->setVisible(busy);
+    m_stop->setVisible(busy && status.stoppable);
+    m_hints->setVisible(!busy);
+    if (busy)
+        m_spin.start();
+    else
+        m_spin.stop();
+    if (!sameSentence) {
+        remember(status);
+        setToolTip(status.sentence);
+        // Fast work would talk without end: while busy, one name in three seconds.
+        const qint64 since = m_announced.isValid() ? m_announced.elapsed() : announcePause;
+        if (busy && since < announcePause)
+            m_announceLater.start(int(announcePause - since));
+        else
+            announce();
+    }
+    place();
+    update();
+}
+
+void StatusLine::remember(const Status& status)
+{
+    if (status.sentence.isEmpty())
+        return;
+    const bool nextStep = !m_history.isEmpty() && m_history.last().kind == StatusKind::busy &&
+                          status.kind == StatusKind::busy;
+    if (nextStep)
+        m_history.removeLast();
+    m_history.append(status);
+    if (m_history.size() > historyLength)
+        m_history.removeFirst();
+}
+
+void StatusLine::announce()
+{
+    m_announceLater.stop();
+    m_announced.start();
+    setAccessibleName(m_status.sentence);
+}
+
+void StatusLine::setKeyHints(const QList<KeyHint>& hints)
+{
+    m_hints->setHints(hints);
+    place();
+}
+
+void StatusLine::resizeEvent(QResizeEvent*)
+{
+    place();
+}
+
+void StatusLine::place()
+{
+    int right = width() - side;
+    if (!m_stop->isHidden()) {
+        m_stop->move(right - m_stop->width() + 6, (height() - m_stop->height()) / 2 + 1);
+        right -= m_stop->width();
+    }
+    const int percentage = 38;
+    m_bar->setGeometry(right - percentage - 180, (height() - 4) / 2 + 1, 180, 4);
+    const int hints = std::min(m_hints->sizeHint().width(), width() / 2);
+    m_hints->setGeometry(width() - side - hints, (height() - 20) / 2 + 1, hints, 20);
+}
+
+QRect StatusLine::sentenceRect() const
+{
+    const int left = side + 24;
+    const int right = (m_bar->isHidden() ? m_hints->x() : m_bar->x()) - Space::large;
+    return {left, 1, right - left, height() - 1};
+}
+
+void StatusLine::paintEvent(QPaintEvent*)
+{
+    const Theme& theme = themeOf(this);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(rect(), theme.panel);
+    painter.fillRect(0, 0, width(), 1, theme.line);
+    if (!m_status.sentence.isEmpty())
+        paintState(painter, QRectF(side, (height() - 16) / 2 + 1, 16, 16), m_status.kind, theme,
+                   m_turn);
+    paintText(painter, sentenceRect(), Qt::AlignLeft, Type::small, theme.text2, m_status.sentence);
+    if (!m_bar->isHidden() && m_status.progress) {
+        const int percent = qRound(std::clamp(*m_status.progress, 0.0, 1.0) * 100);
+        paintText(painter, QRectF(m_bar->geometry().right() + 1, 1, 38, height() - 1),
+                  Qt::AlignRight, Type::small, theme.text2, u"%1 %"_qs.arg(percent), Qt::ElideNone);
+    }
+}
+
+void StatusLine::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton && sentenceRect().contains(event->position().toPoint()))
+        showHistory();
+}
+
+void StatusLine::showHistory()
+{
+    if (m_history.isEmpty())
+        return;
+    auto* popover = new HistoryPopover(m_history, this);
+    popover->move(mapToGlobal(QPoint(8, -popover->height() - 4)));
+    popover->show();
+}

@@ -1,0 +1,56 @@
+#pragma once
+#include "app/controls/KeyHint.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include <optional>
+
+class IconButton;
+class ProgressBar;
+
+enum class StatusKind { info, ok, warning, error, busy };
+struct Status {
+    StatusKind kind = StatusKind::info;
+    QString sentence = {};
+    std::optional<double> progress = {};    // 0 to 1; only while busy
+    bool stoppable = false;                 // may the user end what is going on?
+    bool operator==(const Status&) const = default;
+};
+
+// What happened last, and at the right how far the work is or which keys help.
+class StatusLine : public QWidget {
+    Q_OBJECT
+public:
+    explicit StatusLine(QWidget* parent = nullptr);
+    void setStatus(const Status& status);
+    void setKeyHints(const QList<KeyHint>& hints);
+    // The last ten, oldest first. The steps of one piece of work count as one.
+    const QList<Status>& history() const { return m_history; }
+    QSize sizeHint() const override { return {600, 28}; }
+
+Q_SIGNALS:
+    void stopRequested();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    void remember(const Status& status);
+    void announce();
+    void place();
+    void showHistory();
+    QRect sentenceRect() const;
+
+    Status m_status;
+    QList<Status> m_history;
+    QTimer m_spin;
+    double m_turn = 0;
+    QTimer m_announceLater;
+    QElapsedTimer m_announced;
+    ProgressBar* m_bar;
+    IconButton* m_stop;
+    KeyHints* m_hints;
+};

@@ -1,0 +1,15 @@
+#include "app/Theme.h"
+
+#include <QApplication>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv)
+{
+    // The list of the cases is asked for without the environment of the tests.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    dress(application, darkTheme(), Motion::reduced);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

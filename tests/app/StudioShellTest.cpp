@@ -1,0 +1,199 @@
+#include "app/StudioShell.h"
+#include "app/BatchColumn.h"
+#include "app/ComposeBar.h"
+#include "app/DropVeil.h"
+#include "app/EmptyState.h"
+#include "app/StagePanel.h"
+#include "app/Theme.h"
+#include "app/ViewBar.h"
+#include "app/controls/Button.h"
+#include "app/controls/SegmentedControl.h"
+#include "app/controls/StatusLine.h"
+#include "tests/app/Events.h"
+
+#include <QRandomGenerator>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QList<FormatChoice> formats()
+{
+    return {{u"9:16"_qs, u"Story / Reel"_qs, u"9 a 16"_qs, {1080, 1920}},
+            {u"4:5"_qs, u"Carrusel / Post vertical"_qs, u"4 a 5"_qs, {1080, 1350}}};
+}
+
+struct Shell : StudioShell {
+    explicit Shell(QSize size) : StudioShell(formats())
+    {
+        resize(size);
+        show();
+        setStage(Stage::picture);
+        stage()->setFormat(u"Carrusel / Post vertical"_qs, u"4:5"_qs, {1080, 1350});
+        settle();
+    }
+};
+
+QImage noise(QSize size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    QRandomGenerator random(7);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, random.generate() | 0xff000000);
+    }
+    return image;
+}
+
+}    // namespace
+
+TEST(StudioShell, columnsFollowTheWidthOfTheWindow)
+{
+    struct Case {
+        int window, column, tiles;
+    };
+    for (const Case& c :
+         {Case{1280, 124, 1}, Case{1440, 208, 2}, Case{1920, 304, 3}, Case{2560, 400, 4}}) {
+        Shell shell({c.window, 800});
+        EXPECT_EQ(shell.batchColumn()->width() + 1, c.column) << c.window;
+        EXPECT_EQ(shell.batchColumn()->grid()->columns(), c.tiles) << c.window;
+    }
+}
+
+TEST(StudioShell, aDraggedColumnKeepsItsWidth)
+{
+    Shell shell({1280, 800});
+    shell.setBatchWidth(300);
+    shell.resize(1920, 1000);
+    settle();
+    EXPECT_EQ(shell.batchColumn()->width() + 1, 300);
+    shell.setBatchWidth(std::nullopt);
+    EXPECT_EQ(shell.batchColumn()->width() + 1, 304);
+}
+
+TEST(StudioShell, looksDifferentInEachThemeWithoutAnyLeftovers)
+{
+    Shell shell({1280, 800});
+    const QPoint bar(20, 4), stage(140, 400), column(4, 300);
+    for (const Theme* theme : {&lightTheme(), &darkTheme()}) {
+        applyTheme(*theme);
+        settle();
+        const QImage image = shell.grab().toImage();
+        ASSERT_EQ(image.size(), QSize(1280, 800));
+        EXPECT_EQ(image.pixelColor(bar), theme->panel);
+        EXPECT_EQ(image.pixelColor(stage), theme->bg);
+        EXPECT_EQ(image.pixelColor(column), theme->panel);
+    }
+}
+
+TEST(StudioShell, everyStopOfTheTabKeyHasAName)
+{
+    Shell shell({1280, 800});
+    int stops = 0;
+    for (const QWidget* widget : shell.findChildren<QWidget*>()) {
+        if (!(widget->focusPolicy() & Qt::TabFocus) || widget->focusProxy())
+            continue;
+        ++stops;
+        EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+    }
+    EXPECT_GT(stops, 10);
+}
+
+TEST(StagePanel, thePictureIsShownPixelByPixel)
+{
+    Shell shell({1280, 800});
+    StagePanel* stage = shell.stage();
+    const QImage picture = noise(stage->pictureSize());
+    stage->setPicture(picture);
+    const QImage shown = stage->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    EXPECT_EQ(shown.copy(stage->canvasRect()), picture);
+}
+
+TEST(StagePanel, thePictureFitsInItsRatioWithRoomAtTheSides)
+{
+    StagePanel stage;
+    QList<QSize> sizes;
+    QObject::connect(&stage, &StagePanel::pictureSizeChanged,
+                     [&](QSize size) { sizes.append(size); });
+    stage.resize(448, 2000);
+    stage.setFormat(u"Post cuadrado"_qs, u"1:1"_qs, {1080, 1080});
+    stage.setFormat(u"Horizontal"_qs, u"16:9"_qs, {1920, 1080});
+    stage.setFormat(u"Horizontal"_qs, u"16:9"_qs, {1920, 1080});
+    EXPECT_EQ(sizes, (QList<QSize>{{400, 400}, {400, 225}}));
+    EXPECT_EQ(stage.canvasRect().left(), 24);
+}
+
+TEST(StagePanel, theOldPictureStaysUntilTheNewOneComes)
+{
+    StagePanel stage;
+    stage.resize(448, 454);
+    stage.setFormat(u"Post cuadrado"_qs, u"1:1"_qs, {1080, 1080});
+    QImage red(stage.pictureSize(), QImage::Format_RGB32);
+    red.fill(Qt::red);
+    stage.setPicture(red);
+    stage.resize(348, 354);
+    EXPECT_EQ(stage.grab().toImage().pixelColor(stage.canvasRect().center()), QColor(Qt::red));
+}
+
+TEST(TopBar, formatsAreNamedInFull)
+{
+    TopBar bar(formats());
+    auto* segments = bar.findChild<SegmentedControl*>();
+    bar.setFormat(1);
+    EXPECT_EQ(segments->accessibleName(), u"Formato Carrusel / Post vertical, 4 a 5"_qs);
+}
+
+TEST(TopBar, importLabelsFoldBelow1400AndStayReadableByName)
+{
+    TopBar bar(formats());
+    const auto images = [&] {
+        for (auto* button : bar.findChildren<PushButton*>()) {
+            if (button->accessibleName() == u"Imágenes"_qs)
+                return button;
+        }
+        return static_cast<PushButton*>(nullptr);
+    }();
+    ASSERT_NE(images, nullptr);
+    bar.resize(1399, 56);
+    bar.show();
+    settle();
+    EXPECT_EQ(images->width(), 42);
+    EXPECT_EQ(images->toolTip(), u"Imágenes"_qs);
+    bar.resize(1400, 56);
+    settle();
+    EXPECT_GT(images->width(), 100);
+}
+
+TEST(ViewBar, endsAreDisabledWithoutAWrap)
+{
+    ViewBar bar;
+    const auto buttons = bar.findChildren<IconButton*>();
+    ASSERT_EQ(buttons.size(), 2);
+    const auto states = [&] { return std::pair(buttons[0]->isEnabled(), buttons[1]->isEnabled()); };
+    EXPECT_EQ(states(), std::pair(false, false));
+    bar.setPosition(0, 24);
+    EXPECT_EQ(states(), std::pair(false, true));
+    const int next = buttons[1]->x();
+    bar.setPosition(23, 24);
+    EXPECT_EQ(states(), std::pair(true, false));
+    EXPECT_EQ(buttons[1]->x(), next) << "numbers of another width moved the button";
+}
+
+TEST(DropVeil, saysWhatADropBringsAndLetsTheDragThrough)
+{
+    QWidget window;
+    window.resize(400, 300);
+    QWidget below(&window);
+    below.resize(400, 300);
+    DropVeil veil(&window);
+    window.show();
+    veil.offer({1, false, false});
+    EXPECT_EQ(veil.sentence(), u"Suelta para importar 1 imagen"_qs);
+    veil.offer({24, false, true});
+    EXPECT_EQ(veil.sentence(), u"Suelta para importar 24 imágenes"_qs);
+    veil.offer({0, true, true});
+    EXPECT_EQ(veil.sentence(), u"Suelta para importar la carpeta"_qs);
+    EXPECT_EQ(window.childAt(200, 150), &below);
+}
