@@ -1,8 +1,15 @@
+#include "app/MainWindow.h"
+#include "app/Theme.h"
 #include "cli/CommandLine.h"
 #include "platform/Memory.h"
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "studio/StudioSession.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QLibraryInfo>
+#include <QStandardPaths>
 #include <QTranslator>
 
 #include <cstdio>
@@ -43,6 +50,29 @@ bool hasDisplay()
 #endif
 }
 
+// Opens the window, with the photos and folders named on the command line if there are any.
+int runWindow(int& argc, char** argv, const QStringList& arguments)
+{
+    QApplication application(argc, argv);
+    prepare(application);
+    dress(application, darkTheme());
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    QDir().mkpath(data);
+    PreferencesStore preferences(data + u"/moltiva.sqlite"_s);
+    const auto photos = std::make_shared<PhotoCache>(cache + u"/thumbnails"_s);
+    StudioSession session(photos);
+    MainWindow window(session, photos, preferences);
+    window.show();
+
+    QList<QUrl> given;
+    for (const QString& path : arguments)
+        given.append(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()));
+    if (!given.isEmpty())
+        session.load(given);
+    return QApplication::exec();
+}
+
 }    // namespace
 
 int main(int argc, char** argv)
@@ -65,5 +95,5 @@ int main(int argc, char** argv)
                    stderr);
         return exitWrongUse;
     }
-    return exitDone;
+    return runWindow(argc, argv, arguments);
 }

@@ -80,14 +80,18 @@ void BatchSelection::replaceItems(Batch& batch, const QList<PublicationItem>& it
     selectSingleIndex(batch, 0);
 }
 
-void BatchSelection::removeCurrentItem(Batch& batch)
+void BatchSelection::removeItem(Batch& batch, QUuid id)
 {
-    if (!batch.currentItem())
+    const auto found = std::ranges::find(batch.items, id, &PublicationItem::id);
+    if (found == batch.items.end())
         return;
-    batch.selectedItemIDs.remove(batch.items.takeAt(batch.selectedIndex).id);
+    const int index = int(found - batch.items.begin());
+    batch.items.erase(found);
+    batch.selectedItemIDs.remove(id);
     const int last = std::max(0, int(batch.items.size()) - 1);
-    batch.selectedIndex = std::min(batch.selectedIndex, last);
-    batch.selectionAnchorIndex = std::min(batch.selectionAnchorIndex, last);
+    const auto moved = [&](int kept) { return std::min(kept > index ? kept - 1 : kept, last); };
+    batch.selectedIndex = moved(batch.selectedIndex);
+    batch.selectionAnchorIndex = moved(batch.selectionAnchorIndex);
     if (batch.selectedItemIDs.isEmpty() && batch.currentItem())
         batch.selectedItemIDs.insert(batch.currentItem()->id);
     settleSelectedLayer(batch);

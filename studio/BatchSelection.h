@@ -22,7 +22,9 @@ QList<int> otherSelectedIndices(const Batch& batch);
 
 // New items replace the old; the first is current, alone in the selection.
 void replaceItems(Batch& batch, const QList<PublicationItem>& items);
-void removeCurrentItem(Batch& batch);
+// Whatever else is current stays so; after the current one comes the item that took its place, or
+// the new last one.
+void removeItem(Batch& batch, QUuid id);
 
 // Keeps the selected layer where the current item has it, else takes its first text layer.
 void settleSelectedLayer(Batch& batch);

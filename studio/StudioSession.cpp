@@ -28,10 +28,11 @@ void StudioSession::change(Change apply)
         Q_EMIT batchChanged();
 }
 
-void StudioSession::setStatus(const QString& status)
+void StudioSession::setStatus(const QString& status, StatusTone tone)
 {
     m_status = status;
-    Q_EMIT statusChanged(m_status);
+    m_statusTone = tone;
+    Q_EMIT statusChanged();
 }
 
 void StudioSession::load(const QList<QUrl>& filesAndFolders)
@@ -72,9 +73,10 @@ void StudioSession::finishImport(const std::optional<QList<PublicationItem>>& it
     m_importProgress = {};
     if (items && !items->isEmpty()) {
         change([&](Batch& batch) { BatchSelection::replaceItems(batch, *items); });
-        setStatus(u"%1 imagen(es) importada(s). Pulsa Generar con Gemma."_s.arg(items->size()));
+        setStatus(u"%1 imagen(es) importada(s). Pulsa Generar con Gemma."_s.arg(items->size()),
+                  StatusTone::done);
     } else if (items) {
-        setStatus(u"No he encontrado imágenes compatibles."_s);
+        setStatus(u"No he encontrado imágenes compatibles."_s, StatusTone::problem);
     }
     Q_EMIT importChanged();
 }
@@ -147,12 +149,20 @@ QList<int> StudioSession::selectedIndicesForBatch() const
 
 void StudioSession::removeCurrentItem()
 {
-    if (!m_batch.currentItem())
+    if (m_batch.currentItem())
+        removeItem(m_batch.currentItem()->id);
+}
+
+void StudioSession::removeItem(QUuid id)
+{
+    const auto item = std::ranges::find(m_batch.items, id, &PublicationItem::id);
+    if (item == m_batch.items.end())
         return;
-    const QString name = m_batch.currentItem()->filename();
-    change([](Batch& batch) { BatchSelection::removeCurrentItem(batch); });
+    const QString name = item->filename();
+    change([id](Batch& batch) { BatchSelection::removeItem(batch, id); });
     setStatus(
-        u"%1 descartada. Quedan %2 imagen(es)."_s.arg(name, QString::number(m_batch.items.size())));
+        u"%1 descartada. Quedan %2 imagen(es)."_s.arg(name, QString::number(m_batch.items.size())),
+        StatusTone::done);
 }
 
 void StudioSession::setCurrentItem(const PublicationItem& item)

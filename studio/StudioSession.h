@@ -10,6 +10,9 @@
 
 #include <memory>
 
+// What a sentence in the status line tells.
+enum class StatusTone { info, done, problem };
+
 // The state of the main window and its commands. Lives on the interface thread; whoever shows it
 // looks again after batchChanged(), and compares the items it knew: unchanged ones are equal and
 // share their data.
@@ -21,6 +24,7 @@ public:
 
     const Batch& batch() const { return m_batch; }
     QString status() const { return m_status; }
+    StatusTone statusTone() const { return m_statusTone; }
     CopyGenerationMode generationMode() const { return m_generationMode; }
     // What an import has accepted so far; empty when none runs.
     const PhotoImport::Progress& importProgress() const { return m_importProgress; }
@@ -43,6 +47,8 @@ public:
     void nextItem();
     QList<int> selectedIndicesForBatch() const;
     void removeCurrentItem();
+    // The same for any item; whatever else is current stays so.
+    void removeItem(QUuid id);
 
     // Replaces the current item; an item of another id is refused.
     void setCurrentItem(const PublicationItem& item);
@@ -54,14 +60,14 @@ public:
 
 Q_SIGNALS:
     void batchChanged();
-    void statusChanged(const QString& status);
+    void statusChanged();
     void generationModeChanged();
     void importChanged();    // began, went on or ended
 
 private:
     template <typename Change>
     void change(Change apply);
-    void setStatus(const QString& status);
+    void setStatus(const QString& status, StatusTone tone = StatusTone::info);
     static QCoro::Task<> runImport(QPointer<StudioSession> session, QList<QUrl> urls,
                                    std::shared_ptr<PhotoCache> photos,
                                    std::shared_ptr<PhotoImport::Control> control);
@@ -70,6 +76,7 @@ private:
     std::shared_ptr<PhotoCache> m_photos;
     Batch m_batch;
     QString m_status;
+    StatusTone m_statusTone = StatusTone::info;
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
     std::shared_ptr<PhotoImport::Control> m_import;    // of the import under way
     PhotoImport::Progress m_importProgress;

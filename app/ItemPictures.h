@@ -1,0 +1,68 @@
+#pragma once
+
+#include "model/PublicationItem.h"
+#include "model/SocialFormat.h"
+#include "platform/PhotoCache.h"
+
+#include <QCoroTask>
+#include <QImage>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+
+#include <atomic>
+#include <memory>
+
+// Pictures of items for the batch column, drawn on the workers from thumbnails. Only the last wish
+// counts: what it no longer names is not begun.
+class TilePictures : public QObject {
+    Q_OBJECT
+public:
+    explicit TilePictures(std::shared_ptr<PhotoCache> photos, QObject* parent = nullptr);
+
+    // Most urgent first. `pixels`: of each picture.
+    void want(const QList<PublicationItem>& items, SocialFormat format, QSize pixels);
+    bool isIdle() const { return m_running == 0; }
+
+Q_SIGNALS:
+    void ready(QUuid id, const QImage& picture);
+
+private:
+    void startNext();
+    static QCoro::Task<> draw(QPointer<TilePictures> self, PublicationItem item,
+                              SocialFormat format, QSize pixels,
+                              std::shared_ptr<PhotoCache> photos);
+
+    std::shared_ptr<PhotoCache> m_photos;
+    QList<PublicationItem> m_wanted;    // not begun yet
+    SocialFormat m_format = SocialFormat::carouselPortrait;
+    QSize m_pixels;
+    int m_running = 0;
+};
+
+// The picture of the current item for the stage: at once from what is in memory, then from the
+// photo at the level that its size needs.
+class StagePicture : public QObject {
+    Q_OBJECT
+public:
+    explicit StagePicture(std::shared_ptr<PhotoCache> photos, QObject* parent = nullptr);
+
+    void show(const PublicationItem& item, SocialFormat format, QSize pixels);
+    void clear();
+    bool isIdle() const { return m_running == 0; }
+
+Q_SIGNALS:
+    void ready(const QImage& picture);
+    void photoMissing(const QString& name);    // its pixels can no longer be read
+
+private:
+    // The number of the last request; a worker looks before it begins something long.
+    using Latest = std::shared_ptr<std::atomic<quint64>>;
+    static QCoro::Task<> draw(QPointer<StagePicture> self, quint64 request, PublicationItem item,
+                              SocialFormat format, QSize pixels, std::shared_ptr<PhotoCache> photos,
+                              Latest latest);
+
+    std::shared_ptr<PhotoCache> m_photos;
+    Latest m_latest = std::make_shared<std::atomic<quint64>>(0);
+    int m_running = 0;
+};

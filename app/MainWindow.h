@@ -1,0 +1,69 @@
+#pragma once
+
+#include "model/PublicationItem.h"
+#include "model/SocialFormat.h"
+
+#include <QList>
+#include <QUrl>
+#include <QWidget>
+
+#include <memory>
+#include <optional>
+
+class PhotoCache;
+class PreferencesStore;
+class QMenu;
+class StagePicture;
+class StudioSession;
+class StudioShell;
+class TilePictures;
+
+// Shows the session in the panels and turns what the user asks for into its commands.
+class MainWindow : public QWidget {
+    Q_OBJECT
+public:
+    // The session and the preferences outlive the window.
+    MainWindow(StudioSession& session, std::shared_ptr<PhotoCache> photos,
+               PreferencesStore& preferences);
+
+    StudioShell* shell() const { return m_shell; }
+    // No picture is being drawn and no photo looked at.
+    bool isSettled() const;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void connectPanels();
+    void connectSession();
+    void buildMenu();
+    void restorePreferences();
+    void importImages();
+    void importFolder();
+    void load(const QList<QUrl>& filesAndFolders);
+    void showTileMenu(int index, QPoint globalPosition);
+
+    void showBatch();
+    void showTiles();
+    void showStage();
+    void showStatus();
+    const QList<PublicationItem>& shownItems() const;
+
+    StudioSession& m_session;
+    PreferencesStore& m_preferences;
+    StudioShell* m_shell;
+    TilePictures* m_tiles;
+    StagePicture* m_stage;
+    QMenu* m_menu;
+    // What the panels show now, to tell what has changed.
+    QList<PublicationItem> m_known;
+    std::optional<SocialFormat> m_knownFormat;
+    std::optional<PublicationItem> m_staged;
+    std::optional<SocialFormat> m_stagedFormat;
+    QString m_lastFolder;
+};
