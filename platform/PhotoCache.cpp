@@ -49,7 +49,7 @@ QImage PhotoCache::cachedProxy(const PhotoId& photo, PhotoLevel level) const
 QImage PhotoCache::anyProxy(const PhotoId& photo) const
 {
     for (const int level : {1, 2, 4, 8, 0}) {
-        if (const QImage image = find(keyOf(photo, level)); !image.isNull())
+        if (QImage image = find(keyOf(photo, level)); !image.isNull())
             return image;
     }
     return {};
@@ -96,7 +96,7 @@ QImage PhotoCache::findOrMake(const Key& key, const std::function<QImage()>& mak
         m_inWork.remove(key);
         m_workDone.notify_all();
     });
-    const QImage image = make();
+    QImage image = make();
     if (!image.isNull())
         keep(key, image);
     return image;

@@ -132,7 +132,7 @@ std::optional<PhotoHeader> readPng(QIODevice& file)
     const QByteArray bytes = bytesAt(file, 0, 33);
     if (bytes.isEmpty() || bytes.mid(12, 4) != "IHDR")
         return {};
-    const int depth = bytes[24];
+    const int depth = uchar(bytes[24]);
     if (depth < 1 || depth > 16 || (depth & (depth - 1)))
         return {};
     return PhotoHeader{.format = PhotoFormat::png,

@@ -1,10 +1,10 @@
 #include "platform/DecodeGate.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <optional>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -12,9 +12,9 @@ TEST(DecodeGate, neverLetsMoreThanTheBudgetInAtOnce)
 {
     DecodeGate gate(100);
     std::atomic<int> inside = 0, most = 0;
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 6; ++i) {
-        threads.emplace_back([&] {
+    std::array<std::jthread, 6> threads;
+    for (std::jthread& thread : threads) {
+        thread = std::jthread([&] {
             for (int turn = 0; turn < 50; ++turn) {
                 const auto pass = gate.enter(40);
                 const int now = ++inside;
@@ -26,7 +26,8 @@ TEST(DecodeGate, neverLetsMoreThanTheBudgetInAtOnce)
             }
         });
     }
-    threads.clear();
+    for (std::jthread& thread : threads)
+        thread.join();
     EXPECT_LE(most, 2);
 }
 

@@ -75,7 +75,7 @@ TEST_F(PhotoCacheTest, transparencyOutlivesTheDisk)
 
 TEST_F(PhotoCacheTest, whatWasUsedLongestAgoGoesFirst)
 {
-    const qint64 oneProxy = 640 * 480 * 4;
+    const qint64 oneProxy = qint64(640) * 480 * 4;
     PhotoCache cache(m_disk, 2 * oneProxy + 10'000);
     const PhotoId a{photo(u"a.jpg"_qs), "a"}, b{photo(u"b.jpg"_qs), "b"},
         c{photo(u"c.jpg"_qs), "c"};
@@ -124,7 +124,7 @@ TEST_F(PhotoCacheTest, theDiskKeepsTheNewestWithinItsBudget)
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(QByteArray(1000, 'x'));
         file.flush();
-        file.setFileTime(now.addSecs(-100 * i), QFile::FileModificationTime);
+        file.setFileTime(now.addSecs(qint64(-100) * i), QFile::FileModificationTime);
     }
     pruneThumbnails(m_disk, 2500);
     QStringList left;
