@@ -1,0 +1,33 @@
+#include "studio/PhotoFolder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+TEST(PhotoFolder, givesPhotosInNaturalOrderWithoutHiddenFilesAndSubfolders)
+{
+    const QTemporaryDir folder;
+    for (const QString& name :
+         {u"foto10.jpg"_s, u"foto2.JPG"_s, u"Árbol.jpeg"_s, u"b.PNG"_s, u"c.heic"_s, u"d.TIFF"_s,
+          u".oculta.jpg"_s, u"e.tif"_s, u"f.webp"_s, u"notas.txt"_s, u"jpg"_s, u"g.jpg.zip"_s})
+        ASSERT_TRUE(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"dentro.jpg"_s));
+
+    QStringList names;
+    for (const QUrl& url : photosInFolder(folder.path()))
+        names.append(url.fileName());
+    EXPECT_EQ(names, (QStringList{u"Árbol.jpeg"_s, u"b.PNG"_s, u"c.heic"_s, u"d.TIFF"_s,
+                                  u"foto2.JPG"_s, u"foto10.jpg"_s}))
+        << qPrintable(names.join(u' '));
+
+    // A file named outright is taken whatever it is called.
+    const QUrl odd = QUrl::fromLocalFile(folder.filePath(u"f.webp"_s));
+    const QList<QUrl> mixed = photosIn({odd, QUrl::fromLocalFile(folder.path())});
+    EXPECT_EQ(mixed.size(), 7);
+    EXPECT_EQ(mixed.first(), odd);
+    EXPECT_TRUE(photosInFolder(u"/no/such/folder"_s).isEmpty());
+}
