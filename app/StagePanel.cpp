@@ -97,7 +97,7 @@ void StagePanel::paintEvent(QPaintEvent*)
                      header.height()),
               Qt::AlignLeft, Type::small, theme.text2, m_title);
     if (m_picture.isNull()) {
-        painter.fillRect(m_canvas, theme.card);
+        painter.fillRect(m_canvas, theme.empty);
     } else if (m_picture.size() == m_pictureSize) {
         const double ratio = painter.device()->devicePixelRatioF();
         QImage sharp = m_picture;

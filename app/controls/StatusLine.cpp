@@ -69,8 +69,11 @@ protected:
         strokeRounded(painter, rect(), Radius::popover, theme.line2);
         int top = 8;
         for (const Status& status : m_history) {
-            paintState(painter, QRectF(12, top + 5, 16, 16), status.kind, theme, 0);
             const bool newest = &status == &m_history.last();
+            // What was under way is over by the time another sentence follows.
+            const StatusKind kind =
+                status.kind == StatusKind::busy && !newest ? StatusKind::info : status.kind;
+            paintState(painter, QRectF(12, top + 5, 16, 16), kind, theme, 0);
             paintText(painter, QRectF(36, top, width() - 36 - 12, 26), Qt::AlignLeft, Type::small,
                       newest ? theme.text : theme.text2, status.sentence);
             top += 26;
