@@ -250,7 +250,7 @@ void TileGrid::forgetDistant()
     const QList<int> visible = visibleTiles();
     const int reach = int(visible.size());
     // Twice the view on each side may stay before anything is swept.
-    if (m_pictures.size() <= 5 * std::max(reach, 1))
+    if (m_pictures.size() <= qsizetype(5) * std::max(reach, 1))
         return;
     QSet<QUuid> near;
     const int first = visible.isEmpty() ? 0 : std::max(0, visible.first() - reach);
@@ -365,7 +365,7 @@ void TileGrid::keyPressEvent(QKeyEvent* event)
 {
     const int last = int(m_tiles.size()) - 1;
     const int current = currentIndex();
-    int target = current;
+    int target = -1;
     switch (event->key()) {
     case Qt::Key_Left:
         target = current - 1;

@@ -192,7 +192,7 @@ void StatusLine::paintEvent(QPaintEvent*)
     painter.fillRect(rect(), theme.panel);
     painter.fillRect(0, 0, width(), 1, theme.line);
     if (!m_status.sentence.isEmpty())
-        paintState(painter, QRectF(side, (height() - 16) / 2 + 1, 16, 16), m_status.kind, theme,
+        paintState(painter, QRectF(side, (height() - 16) / 2.0 + 1, 16, 16), m_status.kind, theme,
                    m_turn);
     paintText(painter, sentenceRect(), Qt::AlignLeft, Type::small, theme.text2, m_status.sentence);
     if (!m_bar->isHidden() && m_status.progress) {
