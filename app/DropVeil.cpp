@@ -50,8 +50,7 @@ void DropVeil::paintEvent(QPaintEvent*)
     dashes.setDashPattern({4, 3});
     painter.setPen(dashes);
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(17, 17, -17, -17), Radius::sheet,
-                            Radius::sheet);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(9, 9, -9, -9), Radius::sheet, Radius::sheet);
 
     const double middle = height() / 2.0;
     paintIcon(painter, m_offer.folder ? Icon::importFolder : Icon::importImages,

@@ -18,7 +18,7 @@ constexpr int frameSide = 24, frameTop = 14, frameBottom = 12;
 EmptyState::EmptyState(QWidget* parent)
     : QWidget(parent), m_images(new PushButton(Icon::importImages, u"Importar imágenes"_qs,
                                                ButtonKind::primary, ButtonSize::large, this)),
-      m_folder(new PushButton(Icon::importFolder, u"Importar carpeta"_qs, ButtonKind::neutral,
+      m_folder(new PushButton(Icon::importFolder, u"Importar carpeta"_qs, ButtonKind::raised,
                               ButtonSize::large, this)),
       m_hints(new KeyHints({{{u"Ctrl"_qs, u"O"_qs}, u"imágenes"_qs},
                             {{u"Ctrl"_qs, u"Mayús"_qs, u"O"_qs}, u"carpeta"_qs}},
@@ -60,7 +60,7 @@ void EmptyState::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.fillRect(rect(), theme.bg);
     painter.setRenderHint(QPainter::Antialiasing);
-    QPen dashes(theme.line2, 1);
+    QPen dashes(mixed(theme.line2, theme.dis, 0.35), 1);
     dashes.setDashPattern({3, 3});
     painter.setPen(dashes);
     painter.setBrush(Qt::NoBrush);

@@ -86,7 +86,7 @@ void paintCloud(QPainter& painter, const QPointF& middle, double size)
         QRadialGradient soft(middle + puff * size, size);
         soft.setColorAt(0, QColor(255, 255, 255, 150));
         soft.setColorAt(0.35, QColor(255, 255, 255, 80));
-        soft.setColorAt(0.7, QColor(255, 255, 255, 18));
+        soft.setColorAt(0.7, QColor(255, 255, 255, 0));
         soft.setColorAt(1, QColor(255, 255, 255, 0));
         painter.setBrush(soft);
         painter.drawEllipse(middle + puff * size, size, size * 0.7);

@@ -33,9 +33,22 @@ void StagePanel::setFormat(const QString& title, const QString& ratio, QSize exp
     m_exportPixels = exportPixels;
     m_ratio->setText(ratio);
     m_ratio->resize(m_ratio->sizeHint());
-    setAccessibleName(u"Lienzo, %1"_qs.arg(title));
+    nameCanvas();
     fit();
     update();
+}
+
+void StagePanel::setPosition(int current, int count)
+{
+    m_position = count > 0 ? u"imagen %1 de %2"_qs.arg(current + 1).arg(count) : QString();
+    nameCanvas();
+}
+
+void StagePanel::nameCanvas()
+{
+    QStringList parts{u"Lienzo"_qs, m_title, m_position};
+    parts.removeAll(QString());
+    setAccessibleName(parts.join(u", "_qs));
 }
 
 void StagePanel::setPicture(const QImage& picture)
@@ -97,7 +110,7 @@ void StagePanel::paintEvent(QPaintEvent*)
                      header.height()),
               Qt::AlignLeft, Type::small, theme.text2, m_title);
     if (m_picture.isNull()) {
-        painter.fillRect(m_canvas, theme.card);
+        painter.fillRect(m_canvas, theme.empty);
     } else if (m_picture.size() == m_pictureSize) {
         const double ratio = painter.device()->devicePixelRatioF();
         QImage sharp = m_picture;

@@ -12,6 +12,8 @@ public:
     explicit StagePanel(QWidget* parent = nullptr);
 
     void setFormat(const QString& title, const QString& ratio, QSize exportPixels);
+    // For screen readers; `current` counts from 0.
+    void setPosition(int current, int count);
     QSize pictureSize() const { return m_pictureSize; }    // in pixels of the screen
     // Until a picture of the wanted size comes, the last one is shown scaled.
     void setPicture(const QImage& picture);
@@ -28,8 +30,10 @@ protected:
 
 private:
     void fit();
+    void nameCanvas();
 
     QString m_title;
+    QString m_position;
     QSize m_exportPixels;
     QSize m_pictureSize;
     QRect m_canvas;    // logical pixels, all around the picture

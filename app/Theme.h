@@ -19,6 +19,8 @@ struct Theme {
     QColor hover;      // a control or menu row under the pointer
     QColor seg;        // the chosen segment; never with text3 on it
     QColor fill;       // the empty part of a value bar
+    QColor raised;     // a button on bg, where control would drown
+    QColor empty;      // where a picture will be
     QColor line;       // hairlines
     QColor line2;      // outlines, progress tracks
     QColor elev;       // popovers, menus, tooltips

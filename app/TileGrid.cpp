@@ -250,7 +250,7 @@ void TileGrid::forgetDistant()
     const QList<int> visible = visibleTiles();
     const int reach = int(visible.size());
     // Twice the view on each side may stay before anything is swept.
-    if (m_pictures.size() <= 5 * std::max(reach, 1))
+    if (m_pictures.size() <= qsizetype(5) * std::max(reach, 1))
         return;
     QSet<QUuid> near;
     const int first = visible.isEmpty() ? 0 : std::max(0, visible.first() - reach);
@@ -295,6 +295,9 @@ bool TileGrid::viewportEvent(QEvent* event)
         break;
     case QEvent::HoverLeave:
         setHovered(-1);
+        break;
+    case QEvent::ScreenChangeInternal:    // another pixel ratio wants other pictures
+        wishLater();
         break;
     case QEvent::ToolTip: {
         const auto* help = static_cast<QHelpEvent*>(event);
@@ -362,7 +365,7 @@ void TileGrid::keyPressEvent(QKeyEvent* event)
 {
     const int last = int(m_tiles.size()) - 1;
     const int current = currentIndex();
-    int target = current;
+    int target = -1;
     switch (event->key()) {
     case Qt::Key_Left:
         target = current - 1;
@@ -460,7 +463,7 @@ void TileGrid::paintTile(QPainter& painter, int index) const
     const QRect box = tileRect(index);
     const auto picture = m_pictures.constFind(tile.id);
     if (picture == m_pictures.constEnd()) {
-        fillRounded(painter, box, Radius::thumbnail, theme.card);
+        fillRounded(painter, box, Radius::thumbnail, theme.empty);
         strokeRounded(painter, box, Radius::thumbnail, theme.line);
     } else {
         painter.setRenderHint(QPainter::SmoothPixmapTransform,
@@ -521,11 +524,11 @@ void TileGrid::paintSkeleton(QPainter& painter) const
         painter.setOpacity(std::pow(0.68, row));
         for (int column = 0; column < columns(); ++column) {
             const QRectF box = tileRect(row * columns() + column);
-            fillRounded(painter, box, Radius::thumbnail, theme.card);
+            fillRounded(painter, box, Radius::thumbnail, theme.empty);
             strokeRounded(painter, box, Radius::thumbnail, theme.line);
             fillRounded(painter,
                         QRectF(box.left(), box.bottom() + 10, std::min(44.0, box.width()), 6), 3,
-                        theme.card);
+                        theme.empty);
         }
     }
     painter.setOpacity(1);

@@ -17,11 +17,6 @@ Control::Control(QWidget* parent) : QAbstractButton(parent)
     });
 }
 
-Control::~Control()
-{
-    KeyboardFocus::left(this);
-}
-
 bool Control::event(QEvent* event)
 {
     switch (event->type()) {
@@ -102,9 +97,14 @@ QSize PushButton::sizeHint() const
     const ButtonSizeRow& size = row(m_size);
     if (m_labels == Labels::hidden)
         return {42, size.height};
-    const Type type = m_kind == ButtonKind::neutral ? size.type : size.primaryType;
     const int icon = m_icon == Icon::none ? 0 : 20 + size.gap - 2;
-    return {2 * size.padding + icon + qCeil(textWidth(type, text())), size.height};
+    return {2 * size.padding + icon + qCeil(textWidth(textType(), text())), size.height};
+}
+
+Type PushButton::textType() const
+{
+    const bool strong = m_kind == ButtonKind::soft || m_kind == ButtonKind::primary;
+    return strong ? row(m_size).primaryType : row(m_size).type;
 }
 
 void PushButton::paintEvent(QPaintEvent*)
@@ -114,7 +114,9 @@ void PushButton::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     QColor fill = mixed(theme.control, theme.hover, hovered());
     QColor ink = theme.text;
-    if (m_kind == ButtonKind::primary) {
+    if (m_kind == ButtonKind::raised) {
+        fill = mixed(theme.raised, theme.hover, hovered() * 0.8);
+    } else if (m_kind == ButtonKind::primary) {
         fill = mixed(theme.accent, theme.accentHover, hovered());
         ink = Qt::white;
     } else if (m_kind == ButtonKind::soft) {
@@ -141,7 +143,7 @@ void PushButton::paintEvent(QPaintEvent*)
         left += 20 + size.gap - 2;
     }
     paintText(painter, QRectF(left, 0, width() - left - size.padding + 1, height()), Qt::AlignLeft,
-              m_kind == ButtonKind::neutral ? size.type : size.primaryType, ink, text());
+              textType(), ink, text());
 }
 
 IconButton::IconButton(Icon icon, const QString& name, int side, QWidget* parent)

@@ -11,7 +11,6 @@ class Control : public QAbstractButton {
     Q_OBJECT
 public:
     explicit Control(QWidget* parent);
-    ~Control() override;
 
 protected:
     double hovered() const { return m_hovered; }    // 0 to 1
@@ -27,7 +26,8 @@ private:
     double m_hovered = 0;
 };
 
-enum class ButtonKind { neutral, soft, primary };
+// `raised` is the neutral one on the ground of the stage.
+enum class ButtonKind { neutral, raised, soft, primary };
 enum class ButtonSize { small, regular, large };
 struct ButtonSizeRow {
     ButtonSize size;
@@ -64,6 +64,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    Type textType() const;
+
     Icon m_icon;
     ButtonKind m_kind;
     ButtonSize m_size;

@@ -55,7 +55,7 @@ void KeyHints::paintEvent(QPaintEvent*)
     double left = 0;
     for (const KeyHint& hint : m_hints) {
         for (const QString& key : hint.keys) {
-            const QRectF cap(left, (height() - capHeight) / 2, capWidth(key), capHeight);
+            const QRectF cap(left, (height() - capHeight) / 2.0, capWidth(key), capHeight);
             fillRounded(painter, cap, 5, theme.control);
             paintText(painter, cap, Qt::AlignHCenter, Type::caption, theme.text2, key,
                       Qt::ElideNone);

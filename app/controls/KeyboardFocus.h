@@ -4,7 +4,7 @@ class QFocusEvent;
 class QWidget;
 
 // The focus ring outside of a control, for focus that the keyboard gave. A control calls these from
-// its focus events and from its destructor; its dynamic property "focusRadius" rounds the ring.
+// its focus events; its dynamic property "focusRadius" rounds the ring.
 namespace KeyboardFocus {
 void entered(QWidget* control, const QFocusEvent* event);
 void left(QWidget* control);

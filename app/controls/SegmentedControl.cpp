@@ -22,11 +22,6 @@ SegmentedControl::SegmentedControl(const QList<Segment>& segments, QWidget* pare
     setCurrent(0);
 }
 
-SegmentedControl::~SegmentedControl()
-{
-    KeyboardFocus::left(this);
-}
-
 void SegmentedControl::setCurrent(int index)
 {
     if (index < 0 || index >= m_segments.size())

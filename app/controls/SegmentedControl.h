@@ -17,7 +17,6 @@ class SegmentedControl : public QWidget {
     Q_OBJECT
 public:
     explicit SegmentedControl(const QList<Segment>& segments, QWidget* parent = nullptr);
-    ~SegmentedControl() override;
 
     void setCurrent(int index);    // shows; emits nothing
     int current() const { return m_current; }

@@ -69,8 +69,11 @@ protected:
         strokeRounded(painter, rect(), Radius::popover, theme.line2);
         int top = 8;
         for (const Status& status : m_history) {
-            paintState(painter, QRectF(12, top + 5, 16, 16), status.kind, theme, 0);
             const bool newest = &status == &m_history.last();
+            // What was under way is over by the time another sentence follows.
+            const StatusKind kind =
+                status.kind == StatusKind::busy && !newest ? StatusKind::info : status.kind;
+            paintState(painter, QRectF(12, top + 5, 16, 16), kind, theme, 0);
             paintText(painter, QRectF(36, top, width() - 36 - 12, 26), Qt::AlignLeft, Type::small,
                       newest ? theme.text : theme.text2, status.sentence);
             top += 26;
@@ -189,7 +192,7 @@ void StatusLine::paintEvent(QPaintEvent*)
     painter.fillRect(rect(), theme.panel);
     painter.fillRect(0, 0, width(), 1, theme.line);
     if (!m_status.sentence.isEmpty())
-        paintState(painter, QRectF(side, (height() - 16) / 2 + 1, 16, 16), m_status.kind, theme,
+        paintState(painter, QRectF(side, (height() - 16) / 2.0 + 1, 16, 16), m_status.kind, theme,
                    m_turn);
     paintText(painter, sentenceRect(), Qt::AlignLeft, Type::small, theme.text2, m_status.sentence);
     if (!m_bar->isHidden() && m_status.progress) {

@@ -85,6 +85,7 @@ TEST(Controls, theRingIsForFocusFromTheKeyboardAndDiesWithItsControl)
     EXPECT_EQ(frame->widget(), button.get());
     button.reset();
     EXPECT_EQ(frame->widget(), nullptr);
+    EXPECT_TRUE(frame->isHidden());
 }
 
 TEST(TextField, tellsAnEditOnceWhenItEndsAndNothingWhenShown)

@@ -123,6 +123,8 @@ TEST(StagePanel, thePictureFitsInItsRatioWithRoomAtTheSides)
     stage.setFormat(u"Horizontal"_qs, u"16:9"_qs, {1920, 1080});
     EXPECT_EQ(sizes, (QList<QSize>{{400, 400}, {400, 225}}));
     EXPECT_EQ(stage.canvasRect().left(), 24);
+    stage.setPosition(0, 24);
+    EXPECT_EQ(stage.accessibleName(), u"Lienzo, Horizontal, imagen 1 de 24"_qs);
 }
 
 TEST(StagePanel, theOldPictureStaysUntilTheNewOneComes)
