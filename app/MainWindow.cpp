@@ -354,6 +354,7 @@ void MainWindow::showBatch()
     m_shell->setStage(batch.items.isEmpty() ? StudioShell::Stage::empty
                                             : StudioShell::Stage::picture);
     const auto& format = row(batch.format);
+    m_shell->stage()->setPosition(batch.selectedIndex, int(batch.items.size()));
     m_shell->stage()->setFormat(format.rawValue.toString(), format.ratioLabel.toString(),
                                 format.exportSize.toSize());
     m_shell->batchColumn()->setRatio(format.aspectRatio);
