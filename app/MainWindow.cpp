@@ -129,7 +129,11 @@ void MainWindow::connectPanels()
     connect(m_shell->viewBar(), &ViewBar::nextRequested, &m_session, &StudioSession::nextItem);
 
     const BatchColumn* column = m_shell->batchColumn();
-    connect(column, &BatchColumn::clicked, &m_session, &StudioSession::selectItem);
+    connect(column, &BatchColumn::clicked, this,
+            [this](int index, Qt::KeyboardModifiers modifiers) {
+                if (!showsIncoming())
+                    m_session.selectItem(index, modifiers);
+            });
     connect(column, &BatchColumn::selectAllRequested, &m_session, &StudioSession::selectAll);
     connect(column, &BatchColumn::discardRequested, &m_session, &StudioSession::removeCurrentItem);
     connect(column, &BatchColumn::contextMenuRequested, this, &MainWindow::showTileMenu);
@@ -277,7 +281,7 @@ void MainWindow::load(const QList<QUrl>& filesAndFolders)
 void MainWindow::showTileMenu(int index, QPoint globalPosition)
 {
     // The menu speaks of the tile it was opened on, without losing a selection the tile is part of.
-    if (index < 0 || index >= m_session.batch().items.size() || m_session.isImporting())
+    if (index < 0 || index >= m_session.batch().items.size() || showsIncoming())
         return;
     if (!m_session.batch().selectedItemIDs.contains(m_session.batch().items[index].id))
         m_session.selectSingleIndex(index);
@@ -337,12 +341,15 @@ void MainWindow::dropEvent(QDropEvent* event)
 }
 
 // While an import runs, the column shows what it has accepted so far; the batch is still the old
-// one.
+// one, and a click in the column would mean another image than the one under it.
+bool MainWindow::showsIncoming() const
+{
+    return m_session.isImporting() && !m_session.importProgress().accepted.isEmpty();
+}
+
 const QList<PublicationItem>& MainWindow::shownItems() const
 {
-    return m_session.isImporting() && !m_session.importProgress().accepted.isEmpty()
-               ? m_session.importProgress().accepted
-               : m_session.batch().items;
+    return showsIncoming() ? m_session.importProgress().accepted : m_session.batch().items;
 }
 
 void MainWindow::showBatch()
@@ -369,7 +376,7 @@ void MainWindow::showTiles()
 {
     const Batch& batch = m_session.batch();
     const QList<PublicationItem>& items = shownItems();
-    const bool incoming = &items != &batch.items;
+    const bool incoming = showsIncoming();
     QList<Tile> tiles;
     tiles.reserve(items.size());
     for (qsizetype i = 0; i < items.size(); ++i) {

@@ -52,6 +52,7 @@ private:
     void showTiles();
     void showStage();
     void showStatus();
+    bool showsIncoming() const;
     const QList<PublicationItem>& shownItems() const;
 
     StudioSession& m_session;

@@ -116,7 +116,9 @@ QImage paintedItem(const ItemLayout& layout, QSize pixels, const QImage& photo,
     image.fill(Qt::black);
     QPainter painter(&image);
     if (pixels != layout.canvas) {
-        const double scale = double(pixels.width()) / layout.canvas.width();
+        // The larger of the two, so that rounding leaves no black line at an edge.
+        const double scale = std::max(double(pixels.width()) / layout.canvas.width(),
+                                      double(pixels.height()) / layout.canvas.height());
         painter.scale(scale, scale);
     }
     paintItem(painter, layout, photo, remembered);

@@ -6,7 +6,7 @@
 
 #include <QCoroFuture>
 
-#include <deque>
+#include <vector>
 
 namespace {
 
@@ -24,6 +24,47 @@ Accepted acceptedItem(const QUrl& url, PhotoCache& cache, const PhotoImport::Con
     return PublicationItem::make(url, handle);
 }
 
+// What the lanes of one import share.
+struct Run {
+    QList<QUrl> photos;
+    std::shared_ptr<PhotoCache> cache;
+    std::shared_ptr<PhotoImport::Control> control;
+    std::vector<Accepted> results;    // in the order of the photos
+    std::vector<bool> isLooked;
+    qsizetype next = 0;    // the first photo no lane has taken
+    qsizetype told = 0;    // photos before this one are in the progress
+    PhotoImport::Progress progress;
+
+    // Photos finish in any order; they are told in theirs, so that no picture moves once it is
+    // shown.
+    void take(qsizetype index, const Accepted& item)
+    {
+        results[std::size_t(index)] = item;
+        isLooked[std::size_t(index)] = true;
+        ++progress.looked;
+        for (; told < photos.size() && isLooked[std::size_t(told)]; ++told) {
+            if (const Accepted& accepted = results[std::size_t(told)])
+                progress.accepted.append(*accepted);
+        }
+        if (control->progressed)
+            control->progressed(progress);
+    }
+};
+
+// One photo after the other, until none is left.
+QCoro::Task<> lane(std::shared_ptr<Run> run)
+{
+    while (run->next < run->photos.size() && !run->control->stop) {
+        const qsizetype index = run->next++;
+        const QUrl url = run->photos[index];
+        QFuture<Accepted> looking =
+            runOnWorker([url, run] { return acceptedItem(url, *run->cache, *run->control); });
+        const Accepted item = co_await looking;
+        if (!run->control->stop)
+            run->take(index, item);
+    }
+}
+
 }    // namespace
 
 QCoro::Task<std::optional<QList<PublicationItem>>>
@@ -34,28 +75,20 @@ PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCach
     // expression.
     QFuture<QList<QUrl>> listing =
         runOnWorker([filesAndFolders] { return photosIn(filesAndFolders); });
-    const QList<QUrl> photos = co_await listing;
+    auto run = std::make_shared<Run>();
+    run->photos = co_await listing;
+    run->cache = cache;
+    run->control = control;
+    run->results.resize(std::size_t(run->photos.size()));
+    run->isLooked.resize(std::size_t(run->photos.size()));
+    run->progress.total = run->photos.size();
 
-    Progress progress{.looked = 0, .total = photos.size(), .accepted = {}};
-    const auto atOnce = std::size_t(2 * workers().maxThreadCount());
-    std::deque<QFuture<Accepted>> waiting;
-    qsizetype next = 0;
-    while (progress.looked < photos.size()) {
-        while (next < photos.size() && waiting.size() < atOnce) {
-            const QUrl url = photos[next++];
-            waiting.push_back(
-                runOnWorker([url, cache, control] { return acceptedItem(url, *cache, *control); }));
-        }
-        QFuture<Accepted> first = waiting.front();
-        waiting.pop_front();
-        const Accepted item = co_await first;
-        if (control->stop)
-            co_return std::nullopt;
-        ++progress.looked;
-        if (item)
-            progress.accepted.append(*item);
-        if (control->progressed)
-            control->progressed(progress);
-    }
-    co_return progress.accepted;
+    std::vector<QCoro::Task<>> lanes;
+    for (int i = 0; i < 2 * workers().maxThreadCount(); ++i)
+        lanes.push_back(lane(run));
+    for (QCoro::Task<>& each : lanes)
+        co_await each;
+    if (control->stop)
+        co_return std::nullopt;
+    co_return run->progress.accepted;
 }

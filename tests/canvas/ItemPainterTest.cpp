@@ -231,6 +231,20 @@ TEST(ItemPainter, aTileShowsTheExportMadeSmaller)
     EXPECT_LT(double(difference) / (216 * 270), 2.0);
 }
 
+TEST(ItemPainter, noSizeLeavesABlackLineAtAnEdge)
+{
+    PublicationItem item = emptyItem();
+    item.image = PhotoHandle{.path = {}, .size = {160, 200}, .reducible = false, .digest = {}};
+    QImage photo(160, 200, QImage::Format_RGB32);
+    photo.fill(Qt::white);
+    const ItemLayout layout = layOut(item, {1080, 1350}, {540, 675});
+    for (int width = 400; width < 440; ++width) {
+        const QSize size(width, qRound(width * 1.25) + width % 2);
+        EXPECT_EQ(grey(paintedItem(layout, size, photo), size.width() - 1, size.height() - 1), 255)
+            << width;
+    }
+}
+
 TEST(ItemPainter, hostileNumbersNeitherCrashNorHang)
 {
     PublicationItem item = PublicationItem::make(QUrl(), {});

@@ -1,0 +1,166 @@
+// The main states of the program as PNG files, without a display: screens OUT [--photos DIR]
+//
+// Each state is reached as a user reaches it, through the session and the window, then taken in
+// both themes and at the window sizes of `windowSizes`. Without --photos a painted sample batch
+// stands in.
+
+#include "app/BatchColumn.h"
+#include "app/DropVeil.h"
+#include "app/MainWindow.h"
+#include "app/StudioShell.h"
+#include "app/Theme.h"
+#include "app/controls/StatusLine.h"
+#include "cli/SampleBatch.h"
+#include "platform/Memory.h"
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "studio/StudioSession.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize windowSizes[] = {{1280, 800}, {1440, 900}};
+constexpr int longestWait = 60000;    // ms, for photos and pictures
+
+class Screens {
+public:
+    Screens(const QDir& out, const QUrl& photos)
+        : m_out(out), m_photos(photos),
+          m_cache(std::make_shared<PhotoCache>(m_folder.filePath(u"cache"_s))),
+          m_preferences(m_folder.filePath(u"preferences.sqlite"_s)), m_session(m_cache),
+          m_window(m_session, m_cache, m_preferences)
+    {
+        m_window.show();
+    }
+
+    // False when a state was not reached.
+    bool takeAll()
+    {
+        bool reached = take(u"empty"_s);
+        m_window.shell()->dropVeil()->offer({.images = 24, .folder = false, .replaces = false});
+        reached &= take(u"drop"_s);
+        m_window.shell()->dropVeil()->hide();
+
+        m_session.load({QUrl::fromLocalFile(m_folder.path())});
+        reached &= take(u"nothing-found"_s);
+
+        m_session.load({m_photos});
+        reached &= waitFor([this] {
+            return m_session.importProgress().accepted.size() >= 2 &&
+                   m_window.shell()->batchColumn()->grid()->keptPictures() >= 2;
+        });
+        takeNow(u"importing"_s);
+        reached &= take(u"batch"_s);
+        const int last = int(m_session.batch().items.size()) - 1;
+        m_session.selectItem(std::min(3, last), Qt::ShiftModifier);
+        reached &= take(u"several-selected"_s);
+        for (const SocialFormat format : allCases<SocialFormat>()) {
+            m_session.setFormat(format);
+            m_session.selectSingleIndex(int(format) % (last + 1));
+            reached &= take(u"format-"_s + row(format).templateKey.toString());
+        }
+        m_session.setFormat(SocialFormat::carouselPortrait);
+        m_session.setObjective(u"Llenar octubre con parejas y familias con perro"_s);
+        m_session.selectSingleIndex(last);
+        m_session.removeCurrentItem();
+        reached &= take(u"discarded"_s);
+        return reached;
+    }
+
+private:
+    bool waitFor(const std::function<bool()>& reached)
+    {
+        QElapsedTimer watch;
+        for (watch.start(); !reached() && watch.elapsed() < longestWait;)
+            QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+        return reached();
+    }
+
+    bool settle()
+    {
+        // Panels ask for pictures a moment after they changed.
+        for (int turn = 0; turn < 3; ++turn) {
+            QElapsedTimer pause;
+            for (pause.start(); pause.elapsed() < 60;)
+                QApplication::processEvents(QEventLoop::AllEvents, 20);
+            if (!waitFor([this] { return m_window.isSettled(); }))
+                return false;
+        }
+        return true;
+    }
+
+    void grab(const QString& name, const QString& theme)
+    {
+        const QString file = u"%1-%2-%3.png"_s.arg(name, theme, QString::number(m_window.width()));
+        if (m_window.grab().save(m_out.filePath(file)))
+            std::printf("%s\n", qPrintable(file));
+    }
+
+    bool take(const QString& name)
+    {
+        bool settled = true;
+        for (const QSize size : windowSizes) {
+            m_window.resize(size);
+            for (const auto& [theme, label] :
+                 {std::pair(&darkTheme(), u"dark"_s), std::pair(&lightTheme(), u"light"_s)}) {
+                applyTheme(*theme);
+                settled &= settle();
+                grab(name, label);
+            }
+        }
+        if (!settled)
+            std::fprintf(stderr, "%s: not settled after %d s\n", qPrintable(name),
+                         longestWait / 1000);
+        return settled;
+    }
+
+    // A state that passes, in the theme that is on.
+    void takeNow(const QString& name) { grab(name, u"light"_s); }
+
+    QDir m_out;
+    QUrl m_photos;
+    QTemporaryDir m_folder;
+    std::shared_ptr<PhotoCache> m_cache;
+    PreferencesStore m_preferences;
+    StudioSession m_session;
+    MainWindow m_window;
+};
+
+}    // namespace
+
+int main(int argc, char** argv)
+{
+    settleAllocator();
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    dress(application, darkTheme(), Motion::reduced);
+    QCommandLineParser parser;
+    const QCommandLineOption photos(u"photos"_s, u"folder of photographs"_s, u"dir"_s);
+    parser.addOption(photos);
+    parser.addPositionalArgument(u"out"_s, u"folder for the pictures"_s);
+    parser.addHelpOption();
+    parser.process(application);
+    if (parser.positionalArguments().size() != 1 ||
+        !QDir().mkpath(parser.positionalArguments().first()))
+        parser.showHelp(2);
+
+    const QTemporaryDir sample;
+    QString folder = parser.value(photos);
+    if (folder.isEmpty()) {
+        folder = sample.path();
+        if (!paintSampleBatch(folder))
+            return 1;
+    }
+    Screens screens(QDir(parser.positionalArguments().first()),
+                    QUrl::fromLocalFile(QDir(folder).absolutePath()));
+    return screens.takeAll() ? 0 : 1;
+}
