@@ -22,8 +22,8 @@ struct Vocabulary<SocialFormat> {
     static constexpr std::array rows{
         SocialFormatRow{SocialFormat::storyReel, u"Story / Reel", u"story-reel", u"ratio-9-16",
                         u"9:16", 9.0 / 16.0, QSizeF(1080, 1920)},
-        SocialFormatRow{SocialFormat::horizontal, u"Horizontal", u"horizontal",
-                        u"ratio-16-9", u"16:9", 16.0 / 9.0, QSizeF(1920, 1080)},
+        SocialFormatRow{SocialFormat::horizontal, u"Horizontal", u"horizontal", u"ratio-16-9",
+                        u"16:9", 16.0 / 9.0, QSizeF(1920, 1080)},
         SocialFormatRow{SocialFormat::carouselPortrait, u"Carrusel / Post vertical",
                         u"carousel-portrait", u"ratio-4-5", u"4:5", 0.8, QSizeF(1080, 1350)},
         SocialFormatRow{SocialFormat::square, u"Post cuadrado", u"square", u"ratio-1-1", u"1:1",
