@@ -1,7 +1,6 @@
 #include "app/ItemPictures.h"
 
 #include "canvas/ExportCanvasRenderer.h"
-#include "canvas/ImagePlacementGeometry.h"
 #include "canvas/ItemPainter.h"
 #include "platform/Workers.h"
 
@@ -28,13 +27,15 @@ QImage drawn(const PublicationItem& item, SocialFormat format, QSize pixels, con
     return paintedItem(layOut(item, exportSize(format), designSize(format)), pixels, photo);
 }
 
-// The level at which the photo covers what a picture of this width shows of it.
-PhotoLevel levelFor(const PublicationItem& item, SocialFormat format, QSize pixels)
+// Nothing when memory is short: the panel goes on showing what it has.
+template <typename Result, typename Draw>
+Result orNothing(Draw draw)
 {
-    const QSizeF canvas = exportSize(format);
-    const QRectF place = ImagePlacementGeometry::imageRect(item.image.size, canvas, item.placement);
-    return ExportCanvasRenderer::photoLevel(item.image,
-                                            place.size() * (pixels.width() / canvas.width()));
+    try {
+        return draw();
+    } catch (const std::exception&) {
+        return Result();
+    }
 }
 
 }    // namespace
@@ -46,32 +47,38 @@ TilePictures::TilePictures(std::shared_ptr<PhotoCache> photos, QObject* parent)
 
 void TilePictures::want(const QList<PublicationItem>& items, SocialFormat format, QSize pixels)
 {
-    m_wanted = items;
-    m_format = format;
-    m_pixels = pixels;
+    m_wanted.clear();
+    for (const PublicationItem& item : items) {
+        const TileRequest request{item, format, pixels};
+        if (!m_running.contains(request))
+            m_wanted.append(request);
+    }
     startNext();
 }
 
 void TilePictures::startNext()
 {
-    while (m_running < tilesAtOnce && !m_wanted.isEmpty()) {
-        ++m_running;
-        draw(this, m_wanted.takeFirst(), m_format, m_pixels, m_photos);
+    while (m_running.size() < tilesAtOnce && !m_wanted.isEmpty()) {
+        const TileRequest request = m_wanted.takeFirst();
+        m_running.append(request);
+        draw(this, request, m_photos);
     }
 }
 
-QCoro::Task<> TilePictures::draw(QPointer<TilePictures> self, PublicationItem item,
-                                 SocialFormat format, QSize pixels,
+QCoro::Task<> TilePictures::draw(QPointer<TilePictures> self, TileRequest request,
                                  std::shared_ptr<PhotoCache> photos)
 {
-    QFuture<QImage> drawing = runOnWorker([item, format, pixels, photos] {
-        return drawn(item, format, pixels, photos->thumbnail(idOf(item.image)));
+    QFuture<QImage> drawing = runOnWorker([request, photos] {
+        return orNothing<QImage>([&] {
+            const QImage thumbnail = photos->thumbnail(idOf(request.item.image));
+            return drawn(request.item, request.format, request.pixels, thumbnail);
+        });
     });
     const QImage picture = co_await drawing;
     if (!self)
         co_return;
-    --self->m_running;
-    Q_EMIT self->ready(item.id, picture);
+    self->m_running.removeOne(request);
+    Q_EMIT self->ready(request, picture);
     if (self)
         self->startNext();
 }
@@ -100,24 +107,30 @@ QCoro::Task<> StagePicture::draw(QPointer<StagePicture> self, quint64 request, P
                                  std::shared_ptr<PhotoCache> photos, Latest latest)
 {
     const PhotoId photo = idOf(item.image);
-    const PhotoLevel level = levelFor(item, format, pixels);
+    const QSizeF canvas = exportSize(format);
+    const PhotoLevel level = ExportCanvasRenderer::photoLevel(item.image, item.placement, canvas,
+                                                              pixels.width() / canvas.width());
     if (photos->cachedProxy(photo, level).isNull()) {
         QFuture<QImage> coarse =
             runOnWorker([item, format, pixels, photos, photo, latest, request] {
-                return *latest == request ? drawn(item, format, pixels, photos->anyProxy(photo))
-                                          : QImage();
+                return orNothing<QImage>([&] {
+                    return *latest == request ? drawn(item, format, pixels, photos->anyProxy(photo))
+                                              : QImage();
+                });
             });
         const QImage picture = co_await coarse;
         if (self && *latest == request && !picture.isNull())
             Q_EMIT self->ready(picture);
     }
-    QFuture<StageDrawing> exact = runOnWorker([item, format, pixels, photos, photo, level, latest,
-                                               request] {
-        if (*latest != request)
-            return StageDrawing();
-        const QImage pixelsOfPhoto = photos->proxy(photo, level);
-        return StageDrawing{drawn(item, format, pixels, pixelsOfPhoto), !pixelsOfPhoto.isNull()};
-    });
+    QFuture<StageDrawing> exact =
+        runOnWorker([item, format, pixels, photos, photo, level, latest, request] {
+            return orNothing<StageDrawing>([&] {
+                if (*latest != request)
+                    return StageDrawing();
+                const QImage decoded = photos->proxy(photo, level);
+                return StageDrawing{drawn(item, format, pixels, decoded), !decoded.isNull()};
+            });
+        });
     const StageDrawing drawing = co_await exact;
     if (!self)
         co_return;

@@ -13,6 +13,14 @@
 #include <atomic>
 #include <memory>
 
+// One picture of one item, as it was when it was asked for.
+struct TileRequest {
+    PublicationItem item;
+    SocialFormat format = SocialFormat::carouselPortrait;
+    QSize pixels;
+    bool operator==(const TileRequest&) const = default;
+};
+
 // Pictures of items for the batch column, drawn on the workers from thumbnails. Only the last wish
 // counts: what it no longer names is not begun.
 class TilePictures : public QObject {
@@ -22,22 +30,20 @@ public:
 
     // Most urgent first. `pixels`: of each picture.
     void want(const QList<PublicationItem>& items, SocialFormat format, QSize pixels);
-    bool isIdle() const { return m_running == 0; }
+    bool isIdle() const { return m_running.isEmpty(); }
 
 Q_SIGNALS:
-    void ready(QUuid id, const QImage& picture);
+    // Of an item that may have changed since.
+    void ready(const TileRequest& request, const QImage& picture);
 
 private:
     void startNext();
-    static QCoro::Task<> draw(QPointer<TilePictures> self, PublicationItem item,
-                              SocialFormat format, QSize pixels,
+    static QCoro::Task<> draw(QPointer<TilePictures> self, TileRequest request,
                               std::shared_ptr<PhotoCache> photos);
 
     std::shared_ptr<PhotoCache> m_photos;
-    QList<PublicationItem> m_wanted;    // not begun yet
-    SocialFormat m_format = SocialFormat::carouselPortrait;
-    QSize m_pixels;
-    int m_running = 0;
+    QList<TileRequest> m_wanted;    // not begun yet
+    QList<TileRequest> m_running;
 };
 
 // The picture of the current item for the stage: at once from what is in memory, then from the

@@ -134,8 +134,8 @@ void MainWindow::connectPanels()
                 if (!showsIncoming())
                     m_session.selectItem(index, modifiers);
             });
-    connect(column, &BatchColumn::selectAllRequested, &m_session, &StudioSession::selectAll);
-    connect(column, &BatchColumn::discardRequested, &m_session, &StudioSession::removeCurrentItem);
+    connect(column, &BatchColumn::selectAllRequested, this, &MainWindow::selectAll);
+    connect(column, &BatchColumn::discardRequested, this, &MainWindow::discardCurrent);
     connect(column, &BatchColumn::contextMenuRequested, this, &MainWindow::showTileMenu);
     connect(column, &BatchColumn::picturesWanted, this,
             [this](const QList<QUuid>& ids, QSize pixels) {
@@ -148,7 +148,7 @@ void MainWindow::connectPanels()
                 }
                 m_tiles->want(items, m_session.batch().format, pixels);
             });
-    connect(m_tiles, &TilePictures::ready, column, &BatchColumn::setPicture);
+    connect(m_tiles, &TilePictures::ready, this, &MainWindow::showTile);
 
     connect(m_shell->stage(), &StagePanel::pictureSizeChanged, this, [this] {
         m_staged.reset();
@@ -204,10 +204,10 @@ void MainWindow::buildMenu()
     QMenu* edit = m_menu->addMenu(u"Edición"_s);
     add(
         edit, u"Seleccionar todas las imágenes"_s, QKeySequence(u"Ctrl+A"_s),
-        [this] { m_session.selectAll(); }, Icon::selectAll);
+        [this] { selectAll(); }, Icon::selectAll);
     add(
-        edit, u"Descartar imagen"_s, QKeySequence(u"Ctrl+Shift+D"_s),
-        [this] { m_session.removeCurrentItem(); }, Icon::discard);
+        edit, u"Descartar imagen"_s, QKeySequence(u"Ctrl+Shift+D"_s), [this] { discardCurrent(); },
+        Icon::discard);
 
     QMenu* view = m_menu->addMenu(u"Ver"_s);
     add(
@@ -246,6 +246,9 @@ void MainWindow::restorePreferences()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    // What is still being typed counts.
+    if (QWidget* focused = focusWidget())
+        focused->clearFocus();
     m_preferences.setValue(geometryKey, saveGeometry());
     QWidget::closeEvent(event);
 }
@@ -278,6 +281,19 @@ void MainWindow::load(const QList<QUrl>& filesAndFolders)
     m_session.load(filesAndFolders);
 }
 
+// A batch that the column does not show is not changed from it.
+void MainWindow::selectAll()
+{
+    if (!showsIncoming())
+        m_session.selectAll();
+}
+
+void MainWindow::discardCurrent()
+{
+    if (!showsIncoming())
+        m_session.removeCurrentItem();
+}
+
 void MainWindow::showTileMenu(int index, QPoint globalPosition)
 {
     // The menu speaks of the tile it was opened on, without losing a selection the tile is part of.
@@ -291,7 +307,7 @@ void MainWindow::showTileMenu(int index, QPoint globalPosition)
     connect(menu->addAction(menuIcon(Icon::discard), u"Descartar imagen"_s), &QAction::triggered,
             this, [this, id] { m_session.removeItem(id); });
     connect(menu->addAction(menuIcon(Icon::selectAll), u"Seleccionar todas las imágenes"_s),
-            &QAction::triggered, &m_session, &StudioSession::selectAll);
+            &QAction::triggered, this, &MainWindow::selectAll);
     menu->popup(globalPosition);
 }
 
@@ -350,6 +366,15 @@ bool MainWindow::showsIncoming() const
 const QList<PublicationItem>& MainWindow::shownItems() const
 {
     return showsIncoming() ? m_session.importProgress().accepted : m_session.batch().items;
+}
+
+void MainWindow::showTile(const TileRequest& request, const QImage& picture)
+{
+    // A picture begun before the last change comes too late: the newer one is on its way.
+    const auto& items = shownItems();
+    const auto item = std::ranges::find(items, request.item.id, &PublicationItem::id);
+    if (item != items.end() && *item == request.item && m_session.batch().format == request.format)
+        m_shell->batchColumn()->setPicture(request.item.id, picture);
 }
 
 void MainWindow::showBatch()

@@ -17,6 +17,7 @@ class StagePicture;
 class StudioSession;
 class StudioShell;
 class TilePictures;
+struct TileRequest;
 
 // Shows the session in the panels and turns what the user asks for into its commands.
 class MainWindow : public QWidget {
@@ -46,10 +47,13 @@ private:
     void importImages();
     void importFolder();
     void load(const QList<QUrl>& filesAndFolders);
+    void selectAll();
+    void discardCurrent();
     void showTileMenu(int index, QPoint globalPosition);
 
     void showBatch();
     void showTiles();
+    void showTile(const TileRequest& request, const QImage& picture);
     void showStage();
     void showStatus();
     bool showsIncoming() const;

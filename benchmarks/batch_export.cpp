@@ -35,10 +35,7 @@ int main(int argc, char** argv)
     const QString out = parser.positionalArguments().at(1);
     QDir().mkpath(out);
     const QList<QUrl> photos = photosInFolder(parser.positionalArguments().at(0));
-    QStringList names;
-    for (const QUrl& photo : photos)
-        names.append(photo.fileName());
-    const QStringList paths = exportPaths(names, out);
+    const QStringList paths = exportPaths(photos, out);
 
     ExportTimes sum;
     qint64 bytes = 0, written = 0;

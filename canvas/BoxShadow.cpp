@@ -1,5 +1,7 @@
 #include "canvas/BoxShadow.h"
 
+#include "canvas/PhotoResampler.h"
+
 #include <QCache>
 #include <QMutex>
 #include <QPainter>
@@ -14,7 +16,8 @@
 namespace {
 
 constexpr int blurPasses = 3;
-constexpr double reach = 3.2;    // standard deviations beyond which the blur is below 1/255
+constexpr double reach = 3.2;            // standard deviations beyond which the blur is below 1/255
+constexpr double widestFullBlur = 60;    // device pixels of deviation; twice what the sliders reach
 constexpr qsizetype cacheBytes = 24 << 20;
 
 // A box of 2·radius + 1 full samples and two ends of weight `end`; the passes' variances add up to
@@ -95,20 +98,29 @@ ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, c
         return {};
     // What lies beyond the margin of the shown part cannot reach it.
     const QRect drawn = shown.adjusted(-margin, -margin, margin, margin).intersected(blurred);
-    QImage alpha(drawn.size(), QImage::Format_Alpha8);
+    // A wide blur shows no detail: it is drawn smaller, so that its margin costs no more than its
+    // middle.
+    const int reduction = std::max(1, int(sigma / widestFullBlur));
+    QImage alpha((drawn.size() + QSize(reduction - 1, reduction - 1)) / reduction,
+                 QImage::Format_Alpha8);
     if (alpha.isNull())
         return {};
     alpha.fill(0);
     {
         QPainter painter(&alpha);
         painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(1.0 / reduction, 1.0 / reduction);
         painter.translate(-drawn.topLeft());
         painter.setPen(Qt::NoPen);
         painter.setBrush(Qt::black);
         painter.drawRoundedRect(box, cornerRadius, cornerRadius);
     }
-    gaussianBlur(alpha, sigma);
-    return {shown.topLeft(), tinted(alpha, shown.translated(-drawn.topLeft()), color)};
+    gaussianBlur(alpha, sigma / reduction);
+    const QRect part = shown.translated(-drawn.topLeft());
+    if (reduction == 1)
+        return {shown.topLeft(), tinted(alpha, part, color)};
+    return {shown.topLeft(),
+            resampled(tinted(alpha, alpha.rect(), color), alpha.size() * reduction, part)};
 }
 
 struct ShadowKey {
@@ -165,7 +177,7 @@ ShadowPicture boxShadow(const QRectF& box, double cornerRadius, double sigma, co
     // Drawn outside the lock: two threads may draw the same one once, and get the same pixels.
     const ShadowPicture picture = drawShadow(box, cornerRadius, sigma, color, visible);
     const QMutexLocker lock(&mutex);
-    known.insert(key, new ShadowPicture(picture),
+    known.insert(key, std::make_unique<ShadowPicture>(picture).release(),
                  std::max<qsizetype>(picture.image.sizeInBytes(), 256));
     return picture;
 }

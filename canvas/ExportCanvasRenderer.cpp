@@ -1,5 +1,6 @@
 #include "canvas/ExportCanvasRenderer.h"
 
+#include "canvas/ImagePlacementGeometry.h"
 #include "canvas/ItemLayout.h"
 #include "canvas/ItemPainter.h"
 #include "canvas/PngEncoder.h"
@@ -12,13 +13,15 @@ QImage ExportCanvasRenderer::decodedFromFile(const PhotoHandle& photo, PhotoLeve
     return decodePhoto(photo.path, level).value_or(QImage());
 }
 
-PhotoLevel ExportCanvasRenderer::photoLevel(const PhotoHandle& photo, QSizeF drawnSize)
+PhotoLevel ExportCanvasRenderer::photoLevel(const PhotoHandle& photo,
+                                            const ImagePlacement& placement, QSizeF canvas,
+                                            double shown)
 {
     if (!photo.reducible)
         return PhotoLevel::full;
-    // A photo drawn beyond any size is decoded whole; the conversion to whole numbers must not
-    // overflow first.
-    const QSizeF drawn = drawnSize.boundedTo(QSizeF(photo.size));
+    const QRectF place = ImagePlacementGeometry::imageRect(photo.size, canvas, placement);
+    // Beyond its own size a photo is decoded whole; the conversion must not overflow first.
+    const QSizeF drawn = (place.size() * shown).boundedTo(QSizeF(photo.size));
     return coveringLevel(photo.size,
                          QSize(int(std::lround(drawn.width())), int(std::lround(drawn.height()))));
 }
@@ -30,7 +33,7 @@ std::optional<QImage> ExportCanvasRenderer::bitmap(const PublicationItem& item, 
     const ItemLayout layout = layOut(item, outputSize, referenceCanvasSize);
     QImage photo;
     if (!layout.photoRect.isEmpty()) {
-        photo = source(item.image, photoLevel(item.image, layout.photoRect.size()));
+        photo = source(item.image, photoLevel(item.image, item.placement, outputSize));
         if (photo.isNull())
             return std::nullopt;
     }

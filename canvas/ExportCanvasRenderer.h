@@ -19,9 +19,11 @@ namespace ExportCanvasRenderer {
 using PhotoSource = std::function<QImage(const PhotoHandle&, PhotoLevel)>;
 QImage decodedFromFile(const PhotoHandle& photo, PhotoLevel level);
 
-// The level an output needs. Depends on the photo, its placement and the output size alone, never
-// on what happens to be decoded already: that is what makes two exports equal.
-PhotoLevel photoLevel(const PhotoHandle& photo, QSizeF drawnSize);
+// The level an output needs: the coarsest that covers what is drawn. Depends on the photo, its
+// placement and the output size alone, never on what happens to be decoded already: that is what
+// makes two exports equal. `shown`: screen pixels per canvas pixel, 1 for an export.
+PhotoLevel photoLevel(const PhotoHandle& photo, const ImagePlacement& placement, QSizeF canvas,
+                      double shown = 1);
 
 // `outputSize` in pixels, each side rounded to the nearest; `referenceCanvasSize` in design units.
 std::optional<QImage> bitmap(const PublicationItem& item, QSizeF outputSize,

@@ -88,7 +88,9 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
     const double inset = textInset * scale;
     const QRectF area = box.adjusted(inset, inset, -inset, -inset);
     const double size = ExportCanvasRenderer::fittedFontSize(layer, area.size(), scale);
-    const LaidOutText text(ExportCanvasRenderer::styledText(layer, size), area.width());
+    // Measuring knows no text in a width of 1 or less, but what does not fit is drawn all the same.
+    const LaidOutText text(ExportCanvasRenderer::styledText(layer, size),
+                           std::max(area.width(), 2.0));
 
     LaidOutTextLayer result{.id = layer.id,
                             .box = box,

@@ -90,7 +90,11 @@ public:
         const LaidOutText oneLine(unit, 1e9);
         const QFontMetricsF metrics(unit.font.face);
         m_widest = oneLine.narrowestWidth();
-        m_lineHeight = metrics.ascent() + metrics.descent();
+        // A line all in another font, as emoji are, may be lower than the text's own.
+        const bool isLatin =
+            std::ranges::all_of(layer.text, [](QChar c) { return c < QChar(0x250); });
+        m_lineHeight = (metrics.ascent() + metrics.descent()) * (isLatin ? 1.0 : 0.6);
+        m_isEmpty = layer.text.isEmpty();
         // A line may swallow the blank it breaks at.
         m_ink = oneLine.naturalWidth() -
                 double(layer.text.count(u' ')) * metrics.horizontalAdvance(u' ');
@@ -98,6 +102,8 @@ public:
 
     bool contains(double size) const
     {
+        if (m_isEmpty)
+            return false;
         constexpr double surely = 0.98;    // room for what rounding may do
         const double scale = surely * size / DesignFont::designPixelSize;
         const double width = m_area.width() + 1, height = m_area.height() + 1;
@@ -108,6 +114,7 @@ public:
 private:
     QSizeF m_area;
     double m_widest = 0, m_ink = 0, m_lineHeight = 0;
+    bool m_isEmpty = false;
 };
 
 }    // namespace

@@ -3,6 +3,7 @@
 #include "cli/ExportCommand.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 #include <cstdio>
 
@@ -47,9 +48,10 @@ const QStringList helpOptions{u"-h"_s, u"--help"_s}, versionOptions{u"-v"_s, u"-
 
 bool isCommandLine(const QStringList& arguments)
 {
-    if (arguments.isEmpty())
-        return false;
-    return commandNamed(arguments.first()) || arguments.first().startsWith(u'-');
+    // What is neither a file to open nor a link is a command, if only a misspelt one.
+    return !arguments.isEmpty() &&
+           (commandNamed(arguments.first()) ||
+            !(QFileInfo::exists(arguments.first()) || arguments.first().startsWith(u"moltiva:")));
 }
 
 int runCommandLine(const QStringList& arguments)

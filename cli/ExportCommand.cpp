@@ -47,24 +47,13 @@ int wrongUse(const QString& sentence)
     return exitWrongUse;
 }
 
-// The file's name in an item and in its output.
-QString stemOf(const QUrl& url)
-{
-    PublicationItem item;
-    item.url = url;
-    return item.filename();
-}
-
 int exportPhotos(const ExportRequest& request, const QList<QUrl>& photos)
 {
-    QStringList names;
-    for (const QUrl& photo : photos)
-        names.append(stemOf(photo));
-    const QStringList paths = exportPaths(names, request.folder);
+    const QStringList paths = exportPaths(photos, request.folder);
 
     ExportReport report(request.json, photos.size());
     for (qsizetype i = 0; i < photos.size(); ++i) {
-        if (!paths[i].endsWith(u'/' + names[i] + u"-publicacion.png"_s))
+        if (!paths[i].endsWith(filenameOf(photos[i]) + u"-publicacion.png"_s))
             report.renamed(photos[i].toLocalFile(), paths[i]);
     }
     const Interrupt interrupt;
@@ -80,7 +69,7 @@ int exportPhotos(const ExportRequest& request, const QList<QUrl>& photos)
     report.end(double(watch.elapsed()) / 1000, peakMemory(), stopped);
     if (stopped)
         return exitInterrupted;
-    return report.skipped() == 0 ? exitDone : exitSomeFailed;
+    return report.written() == photos.size() && !photos.isEmpty() ? exitDone : exitSomeFailed;
 }
 
 }    // namespace
@@ -126,26 +115,27 @@ int runExport(const QStringList& arguments)
     }
     request.json = parser.isSet(json);
 
-    const QTemporaryDir sampleFolder;
-    QList<QUrl> given;
+    std::optional<QTemporaryDir> sampleFolder;
+    QList<QUrl> photos;
     if (parser.isSet(sample)) {
-        if (!paintSampleBatch(sampleFolder.path()))
+        sampleFolder.emplace();
+        if (!paintSampleBatch(sampleFolder->path()))
             return wrongUse(u"no se pudo preparar el lote de muestra."_s);
-        given.append(QUrl::fromLocalFile(sampleFolder.path()));
+        photos.append(photosInFolder(sampleFolder->path()));
     }
     for (const QString& path : parser.positionalArguments()) {
-        if (!QFileInfo::exists(path))
+        const QFileInfo file(path);
+        if (!file.exists())
             return wrongUse(u"no existe «%1»."_s.arg(path));
-        given.append(QUrl::fromLocalFile(path));
+        if (file.isDir())
+            photos.append(withoutOwnOutputs(photosInFolder(path)));
+        else
+            photos.append(QUrl::fromLocalFile(file.absoluteFilePath()));
     }
-    if (given.isEmpty())
+    if (!parser.isSet(sample) && parser.positionalArguments().isEmpty())
         return wrongUse(u"falta decir qué fotos. Prueba «moltiva export --help»."_s);
-
-    const QList<QUrl> photos = photosIn(given);
-    if (photos.isEmpty()) {
+    if (photos.isEmpty())
         std::fprintf(stderr, "moltiva export: No he encontrado imágenes compatibles.\n");
-        return exitSomeFailed;
-    }
     if (!QDir().mkpath(request.folder))
         return wrongUse(u"no se puede crear la carpeta «%1»."_s.arg(request.folder));
     return exportPhotos(request, photos);

@@ -21,7 +21,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cmath>
 #include <concepts>
+#include <functional>
 #include <optional>
 #include <tuple>
 

@@ -42,7 +42,7 @@ QList<TextLayer> PublicationItem::defaultLayers(const GeneratedCopy& copy)
     return layers;
 }
 
-QString PublicationItem::filename() const
+QString filenameOf(const QUrl& url)
 {
     const QString name = url.fileName();
     const auto dot = name.lastIndexOf(u'.');

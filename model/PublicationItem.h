@@ -10,6 +10,9 @@
 #include <QSet>
 #include <QUrl>
 
+// The file's name without its last extension.
+QString filenameOf(const QUrl& url);
+
 // One photo of the batch with everything laid over it.
 struct PublicationItem {
     QUuid id;    // fixed for the item's life
@@ -26,8 +29,7 @@ struct PublicationItem {
     // The default text layers of a copy, with new ids; the same for every format.
     static QList<TextLayer> defaultLayers(const GeneratedCopy& copy);
 
-    // The file's name without its last extension.
-    QString filename() const;
+    QString filename() const { return filenameOf(url); }
 
     // The first layer of the slot; null when the item has none.
     TextLayer* layer(CopySlot slot);

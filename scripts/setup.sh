@@ -20,7 +20,12 @@ install_packages() {
             echo "These packages are missing, and only root can install them: ${missing[*]}" >&2
             return 1
         fi
-        as_root=(sudo)
+        if ! sudo -n true 2>/dev/null; then
+            echo "These packages are missing; this command asks nothing, so install them first:" >&2
+            echo "  sudo apt-get install --no-install-recommends ${missing[*]}" >&2
+            return 1
+        fi
+        as_root=(sudo -n)
     fi
     echo "Installing ${#missing[@]} packages: ${missing[*]}" >&2
     "${as_root[@]}" apt-get update -qq >&2 &&

@@ -1,11 +1,11 @@
 #include "studio/BatchExport.h"
 
-#include "canvas/ImagePlacementGeometry.h"
 #include "canvas/PngEncoder.h"
 #include "platform/AtomicFile.h"
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <condition_variable>
@@ -33,6 +33,17 @@ private:
 };
 
 const QString unreadablePhoto = u"No se pudo leer la foto."_s;
+const QString shortOfMemory = u"No hay memoria para crear la imagen."_s;
+
+// One file short of memory does not end the batch.
+ExportedFile guarded(const std::function<ExportedFile(qsizetype)>& work, qsizetype index)
+{
+    try {
+        return work(index);
+    } catch (const std::exception&) {
+        return {.path = {}, .bytes = 0, .error = shortOfMemory, .times = {}};
+    }
+}
 
 }    // namespace
 
@@ -56,8 +67,7 @@ ExportedFile exportItem(const PublicationItem& item, SocialFormat format, const 
     }
     const QByteArray png = encodePng(*image);
     file.times.encode = watch.lap();
-    file.error =
-        png.isEmpty() ? u"No hay memoria para crear la imagen."_s : writeAtomically(path, png);
+    file.error = png.isEmpty() ? shortOfMemory : writeAtomically(path, png);
     file.times.write = watch.lap();
     file.bytes = file.isWritten() ? png.size() : 0;
     return file;
@@ -70,8 +80,7 @@ ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& pa
     const auto decoded = decodePhoto(photoPath, [format](const PhotoInfo& info) {
         const PhotoHandle handle{
             .path = {}, .size = info.size, .reducible = info.reducible, .digest = {}};
-        const QRectF drawn = ImagePlacementGeometry::imageRect(info.size, exportSize(format), {});
-        return ExportCanvasRenderer::photoLevel(handle, drawn.size());
+        return ExportCanvasRenderer::photoLevel(handle, {}, exportSize(format));
     });
     const double seconds = decoding.lap();
     if (!decoded)
@@ -84,18 +93,37 @@ ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& pa
     return file;
 }
 
-QStringList exportPaths(const QStringList& names, const QString& folder)
+QStringList exportPaths(const QList<QUrl>& photos, const QString& folder)
 {
-    QStringList paths;
+    const QDir target(QDir(folder).absolutePath());
     QSet<QString> taken;
-    for (const QString& name : names) {
-        QString file = name + u"-publicacion.png"_s;
-        for (int number = 2; taken.contains(file.toCaseFolded()); ++number)
-            file = u"%1-publicacion-%2.png"_s.arg(name).arg(number);
-        taken.insert(file.toCaseFolded());
-        paths.append(QDir(folder).filePath(file));
+    for (const QUrl& photo : photos)
+        taken.insert(photo.toLocalFile().toCaseFolded());
+    QStringList paths;
+    for (const QUrl& photo : photos) {
+        const QString name = filenameOf(photo);
+        QString path = target.filePath(name + u"-publicacion.png"_s);
+        for (int number = 2; taken.contains(path.toCaseFolded()); ++number)
+            path = target.filePath(name + u"-publicacion-%1.png"_s.arg(number));
+        taken.insert(path.toCaseFolded());
+        paths.append(QDir(folder).filePath(QFileInfo(path).fileName()));
     }
     return paths;
+}
+
+QList<QUrl> withoutOwnOutputs(const QList<QUrl>& photos)
+{
+    static const QRegularExpression output(u"^(.+)-publicacion(-[0-9]+)?$"_s);
+    QSet<QString> names;
+    for (const QUrl& photo : photos)
+        names.insert(filenameOf(photo));
+    QList<QUrl> kept = photos;
+    kept.removeIf([&](const QUrl& photo) {
+        const auto match = output.match(filenameOf(photo));
+        return match.hasMatch() && photo.fileName().endsWith(u".png"_s) &&
+               names.contains(match.captured(1));
+    });
+    return kept;
 }
 
 void runBatch(qsizetype count, int jobs, const std::atomic_bool& stop,
@@ -112,7 +140,7 @@ void runBatch(qsizetype count, int jobs, const std::atomic_bool& stop,
     for (int t = running; t > 0; --t) {
         threads.emplace_back([&] {
             for (qsizetype index = next++; index < count && !stop; index = next++) {
-                ExportedFile file = work(index);
+                ExportedFile file = guarded(work, index);
                 const std::lock_guard lock(mutex);
                 results.emplace_back(index, std::move(file));
                 changed.notify_one();

@@ -32,9 +32,14 @@ exportItem(const PublicationItem& item, SocialFormat format, const QString& path
 // needs.
 ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& path);
 
-// "<name>-publicacion.png" in `folder`, for each name; where two would be the same file, also by
-// their case, the later one gets "-publicacion-2.png" and so on.
-QStringList exportPaths(const QStringList& names, const QString& folder);
+// "<name>-publicacion.png" in `folder` for each photo. Where that would be the file of another
+// photo of the batch, or its output, also by their case, the later one gets "-publicacion-2.png"
+// and so on.
+QStringList exportPaths(const QList<QUrl>& photos, const QString& folder);
+
+// The photos without those that carry the name of an output of another one of them, so that a
+// folder exported into itself can be exported again.
+QList<QUrl> withoutOwnOutputs(const QList<QUrl>& photos);
 
 // Runs `work(index)` for each index below `count` on `jobs` threads, and hands each
 // result to `finished` on the calling thread, as they come. Once `stop` is set nothing new is

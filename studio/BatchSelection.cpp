@@ -66,6 +66,8 @@ QList<int> BatchSelection::selectedIndicesForBatch(const Batch& batch)
 QList<int> BatchSelection::otherSelectedIndices(const Batch& batch)
 {
     QList<int> indices = selectedIndicesForBatch(batch);
+    if (indices.size() < 2)
+        return {};    // also where the one selected is not the current one
     indices.removeOne(batch.selectedIndex);
     return indices;
 }

@@ -17,7 +17,7 @@ void selectAll(Batch& batch);
 
 // The items that batch operations act on, in batch order; the current one when none is selected.
 QList<int> selectedIndicesForBatch(const Batch& batch);
-// The selected items without the current one.
+// The other items that an edit of the current one reaches: none unless several are selected.
 QList<int> otherSelectedIndices(const Batch& batch);
 
 // New items replace the old; the first is current, alone in the selection.

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 QList<QUrl> photosInFolder(const QString& folder)
 {
     static const QStringList extensions{u"jpg"_s, u"jpeg"_s, u"png"_s, u"heic"_s, u"tiff"_s};
-    QFileInfoList files = QDir(folder).entryInfoList(QDir::Files | QDir::Readable, QDir::Unsorted);
+    QFileInfoList files = QDir(folder).entryInfoList(QDir::Files, QDir::Unsorted);
     files.removeIf(
         [](const QFileInfo& file) { return !extensions.contains(file.suffix().toLower()); });
     // Numeric mode is ignored in the C locale of a fresh system.

@@ -12,16 +12,25 @@ namespace {
 
 using Accepted = std::optional<PublicationItem>;
 
-Accepted acceptedItem(const QUrl& url, PhotoCache& cache, const PhotoImport::Control& control)
+Accepted itemOf(const QUrl& url, PhotoCache& cache)
 {
-    if (control.stop)
-        return std::nullopt;
     const auto photo = ImageAccess::image(url, std::nullopt, cache);
     if (!photo)
         return std::nullopt;
     const PhotoHandle handle{url.toLocalFile(), photo->info.size, photo->info.reducible,
                              photo->digest};
     return PublicationItem::make(url, handle);
+}
+
+Accepted acceptedItem(const QUrl& url, PhotoCache& cache, const PhotoImport::Control& control)
+{
+    if (control.stop)
+        return std::nullopt;
+    try {
+        return itemOf(url, cache);
+    } catch (const std::exception&) {
+        return std::nullopt;    // short of memory: like a photo that cannot be read
+    }
 }
 
 // What the lanes of one import share.

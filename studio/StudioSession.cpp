@@ -61,10 +61,21 @@ QCoro::Task<> StudioSession::runImport(QPointer<StudioSession> session, QList<QU
                                        std::shared_ptr<PhotoImport::Control> control)
 {
     auto importing = PhotoImport::importPhotos(urls, photos, control);
-    const std::optional<QList<PublicationItem>> items = co_await importing;
+    std::optional<QList<PublicationItem>> items;
+    QString failure;
+    try {
+        items = co_await importing;
+    } catch (const std::exception& error) {
+        failure = QString::fromLocal8Bit(error.what());
+    }
     // It may have been replaced by another import, and the session may be gone by now.
-    if (session && session->m_import == control)
-        session->finishImport(items);
+    if (!session || session->m_import != control)
+        co_return;
+    session->finishImport(items);
+    if (!failure.isEmpty()) {
+        session->setStatus(u"No se pudieron importar las imágenes: %1."_s.arg(failure),
+                           StatusTone::problem);
+    }
 }
 
 void StudioSession::finishImport(const std::optional<QList<PublicationItem>>& items)

@@ -34,6 +34,9 @@ TextField::TextField(const QString& label, const QString& placeholder, QWidget* 
 
 void TextField::setText(const QString& text)
 {
+    // Shown already, or shown before the edit under way began: what the user has typed stays.
+    if (m_shown == text)
+        return;
     m_shown = text;
     if (m_edit->text() == text)
         return;
@@ -58,8 +61,6 @@ bool TextField::eventFilter(QObject* object, QEvent* event)
         break;
     case QEvent::KeyPress: {
         const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Escape)
-            m_edit->setText(m_shown);
         if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) {
             m_edit->clearFocus();    // which finishes the edit, and gives the arrows back
             m_edit->setCursorPosition(0);

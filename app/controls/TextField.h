@@ -13,7 +13,7 @@ public:
     QSize sizeHint() const override { return {320, 44}; }
 
 Q_SIGNALS:
-    void edited(const QString& text);    // Enter or the focus left, and the text is another
+    void edited(const QString& text);    // Enter, Esc or the focus left, and the text is another
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;

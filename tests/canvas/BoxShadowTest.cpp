@@ -22,6 +22,19 @@ TEST(BoxShadow, blurIsAGaussianOfTheGivenDeviation)
     }
 }
 
+TEST(BoxShadow, aVeryWideBlurLooksLikeAWideOne)
+{
+    const auto atEdge = [](double sigma) {
+        const ShadowPicture shadow =
+            boxShadow({300, -9000, 9000, 18000}, 0, sigma, Qt::black, {0, 0, 600, 200});
+        return qAlpha(shadow.image.pixel(QPoint(300 - int(sigma), 100) - shadow.position));
+    };
+    // One deviation outside a straight edge.
+    EXPECT_NEAR(atEdge(59), 255 * 0.1587, 3);
+    EXPECT_NEAR(atEdge(121), 255 * 0.1587, 3);
+    EXPECT_NEAR(atEdge(250), 255 * 0.1587, 3);
+}
+
 TEST(BoxShadow, theBoxItselfIsNotCutOutAndTheColourKeepsItsOpacity)
 {
     const ShadowPicture shadow =

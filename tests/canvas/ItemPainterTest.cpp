@@ -204,15 +204,18 @@ TEST(ExportCanvasRenderer, outputSizesAreRoundedAndRunsAreEqual)
 TEST(ExportCanvasRenderer, theLevelDependsOnWhatIsDrawn)
 {
     const PhotoHandle jpeg{.path = {}, .size = {6000, 4000}, .reducible = true, .digest = {}};
-    using ExportCanvasRenderer::photoLevel;
-    EXPECT_EQ(photoLevel(jpeg, {2025, 1350}), PhotoLevel::half);
-    EXPECT_EQ(photoLevel(jpeg, {1500, 1000}), PhotoLevel::quarter);
-    EXPECT_EQ(photoLevel(jpeg, {1501, 1000}), PhotoLevel::half);
-    EXPECT_EQ(photoLevel(jpeg, {90, 60}), PhotoLevel::eighth);
-    EXPECT_EQ(photoLevel(jpeg, {1e300, 1e300}), PhotoLevel::full);
+    const auto level = [](const PhotoHandle& photo, double zoom, QSizeF canvasSize, double shown) {
+        return ExportCanvasRenderer::photoLevel(photo, {ImageFitMode::fill, zoom, {}}, canvasSize,
+                                                shown);
+    };
+    EXPECT_EQ(level(jpeg, 1, {1080, 1350}, 1), PhotoLevel::half);
+    EXPECT_EQ(level(jpeg, 1, {1500, 1000}, 1), PhotoLevel::quarter);
+    EXPECT_EQ(level(jpeg, 1, {1501, 1000}, 1), PhotoLevel::half);
+    EXPECT_EQ(level(jpeg, 1, {1080, 1350}, 0.1), PhotoLevel::eighth);
+    EXPECT_EQ(level(jpeg, 1e300, {1080, 1350}, 1), PhotoLevel::full);
     PhotoHandle png = jpeg;
     png.reducible = false;
-    EXPECT_EQ(photoLevel(png, {90, 60}), PhotoLevel::full);
+    EXPECT_EQ(level(png, 1, {1080, 1350}, 0.1), PhotoLevel::full);
 }
 
 // The same layout at another scale: no text may break or shrink differently.
@@ -229,6 +232,22 @@ TEST(ItemPainter, aTileShowsTheExportMadeSmaller)
             difference += std::abs(grey(tile, x, y) - grey(reduced, x, y));
     }
     EXPECT_LT(double(difference) / (216 * 270), 2.0);
+}
+
+TEST(ItemPainter, aTextIsDrawnWholeInABoxTooNarrowForIt)
+{
+    PublicationItem item = emptyItem();
+    TextLayer layer = whiteBox({0.5, 0.2, 0.05, 0.4});
+    layer.hasBox = false;
+    layer.text = u"HOLA"_s;
+    item.layers = {layer};
+    const QImage image = rendered(item);
+    int ink = 0;
+    for (int y = 0; y < 200; ++y) {
+        for (int x = 0; x < 200; ++x)
+            ink += grey(image, x, y) > 100;
+    }
+    EXPECT_GT(ink, 20);
 }
 
 TEST(ItemPainter, noSizeLeavesABlackLineAtAnEdge)

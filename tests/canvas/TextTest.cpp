@@ -44,6 +44,7 @@ TEST(TextFitting, skipsOnlySizesThatCannotFit)
                             u"Línea una\nlínea dos\r\nlínea tres"_s,
                             u"مرحبا بالعالم هذا نص طويل"_s,
                             u"Sol ☀️ y playa 🏖️ todo el año"_s,
+                            u"😀 😀 😀 🏖️ ⭐"_s,
                             u"palabra "_s.repeated(60)};
     for (const QString& text : texts) {
         for (const CopySlot slot : allCases<CopySlot>()) {
@@ -64,6 +65,7 @@ TEST(TextFitting, boundsHoldWhateverTheText)
     TextLayer large = layerOf(CopySlot::title, {});
     large.fontScale = 100;
     EXPECT_EQ(fittedFontSize(large, {800, 800}, 2), 256) << "an empty text fits where it starts";
+    EXPECT_EQ(fittedFontSize(large, {800, 200}, 2), 256) << "also where no line would fit";
     large.fontScale = -3;
     EXPECT_EQ(fittedFontSize(large, {800, 800}, 2), 16);
     EXPECT_EQ(fittedFontSize(layerOf(CopySlot::title, u"palabra "_s.repeated(2000)), {400, 100}, 2),

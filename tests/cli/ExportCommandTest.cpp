@@ -121,6 +121,7 @@ TEST_F(ExportCommandTest, wrongUseIsSaidAndHasItsOwnStatus)
         EXPECT_TRUE(outcome.err.startsWith(u"moltiva export: "_s)) << qPrintable(outcome.err);
     }
     EXPECT_EQ(run({u"--unknown"_s}).status, 2);
+    EXPECT_TRUE(run({u"exprot"_s, one}).err.contains(u"exprot"_s));
     EXPECT_EQ(run({}).status, 2) << "no display for a window";
     EXPECT_TRUE(written().isEmpty());
 }
@@ -131,6 +132,15 @@ TEST_F(ExportCommandTest, helpAndVersionAnswerOnStandardOutput)
     EXPECT_TRUE(run({u"--help"_s}).out.contains(u"export"_s));
     EXPECT_TRUE(run({u"export"_s, u"--help"_s}).out.contains(u"carousel-portrait"_s));
     EXPECT_TRUE(run({u"--version"_s}).out.startsWith(u"moltiva "_s));
+}
+
+TEST_F(ExportCommandTest, aFolderWithoutPhotosIsSaidAlsoAsJson)
+{
+    QDir().mkpath(path(u"empty"_s));
+    const Outcome outcome = runExport({u"--json"_s, path(u"empty"_s)});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.err.contains(u"No he encontrado imágenes compatibles."_s));
+    EXPECT_EQ(QJsonDocument::fromJson(outcome.out.toUtf8()).object()[u"written"_s].toInt(-1), 0);
 }
 
 TEST_F(ExportCommandTest, theSampleBatchNeedsNoPhotos)

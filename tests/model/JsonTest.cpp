@@ -1,6 +1,7 @@
 #include "model/Json.h"
 #include "model/GeneratedCopy.h"
 #include "model/ImagePlacement.h"
+#include "model/JsonMapping.h"
 #include "model/ShapeLayer.h"
 #include "model/TextLayer.h"
 
@@ -97,4 +98,61 @@ TEST(Json, hostileBytesGiveNothing)
           QByteArray("\xff\xfe{}")}) {
         EXPECT_EQ(fromJson<CodableColor>(bytes), std::nullopt) << bytes.left(60).constData();
     }
+}
+
+// What later records need of the mapping: addresses, bytes, sets, absent values, whole numbers.
+namespace {
+
+struct Parcel {
+    QUrl url;
+    std::optional<QByteArray> bookmark;
+    QSet<QString> marks;
+    int count = 7;
+    QList<QUuid> ids;
+    bool operator==(const Parcel&) const = default;
+};
+
+}    // namespace
+
+template <>
+struct json::JsonFields<Parcel> {
+    static constexpr auto fields =
+        std::tuple{required("url", &Parcel::url), optional("bookmark", &Parcel::bookmark),
+                   optional("marks", &Parcel::marks), optional("count", &Parcel::count),
+                   optional("ids", &Parcel::ids)};
+};
+
+TEST(Json, addressesBytesAndSetsHaveTheirForms)
+{
+    const auto read = [](const char* text) {
+        Parcel parcel;
+        return json::read(json::Value::parse(text), parcel) ? std::optional(parcel) : std::nullopt;
+    };
+    const Parcel parcel{QUrl::fromLocalFile(u"/fotos/ñ 1%.jpg"_s),
+                        QByteArray("\x00\xff\x10", 3),
+                        {u"b"_s, u"a"_s},
+                        3,
+                        {QUuid(u"a3bb189e-8bf9-3888-9912-ace4e6543002"_s)}};
+    const std::string text = json::write(parcel).dump();
+    EXPECT_EQ(
+        text,
+        R"({"url":"file:///fotos/%C3%B1%201%25.jpg","bookmark":"AP8Q","marks":["a","b"],"count":3,)"
+        R"("ids":["A3BB189E-8BF9-3888-9912-ACE4E6543002"]})");
+    EXPECT_EQ(read(text.c_str()), parcel);
+    EXPECT_EQ(
+        json::write(Parcel{.url = parcel.url, .bookmark = {}, .marks = {}, .count = 0, .ids = {}})
+            .contains("bookmark"),
+        false);
+
+    EXPECT_EQ(read(R"({"url":"file:///a"})")->count, 7);
+    EXPECT_EQ(read(R"({"url":"file:///a","bookmark":null})")->bookmark, std::nullopt);
+    EXPECT_EQ(read(R"({"url":"file:///a","count":3.0})")->count, 3);
+    EXPECT_EQ(read(R"({"url":"file:///a","ids":["x",5,"A3BB189E-8BF9-3888-9912-ACE4E6543002"]})")
+                  ->ids.size(),
+              1);
+    for (const char* bad :
+         {R"({"url":"relative"})", R"({"url":7})", R"({"url":"file:///a","count":3.5})",
+          R"({"url":"file:///a","count":1e10})", R"({"url":"file:///a","bookmark":"?"})",
+          R"({"url":"file:///a","marks":{}})"})
+        EXPECT_EQ(read(bad), std::nullopt) << bad;
 }

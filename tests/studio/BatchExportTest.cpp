@@ -30,13 +30,48 @@ QByteArray contents(const QString& path)
 
 }    // namespace
 
-TEST(BatchExport, equalNamesNeverShareAFile)
+TEST(BatchExport, noOutputIsSharedOrFallsOnAPhotoOfTheBatch)
 {
-    const QStringList names{u"foto"_s, u"otra"_s, u"foto"_s, u"FOTO"_s, u"foto-publicacion-2"_s};
-    EXPECT_EQ(exportPaths(names, u"/s"_s),
-              (QStringList{u"/s/foto-publicacion.png"_s, u"/s/otra-publicacion.png"_s,
+    QList<QUrl> photos;
+    for (const QString& path :
+         {u"/a/foto.jpg"_s, u"/a/otra.jpg"_s, u"/b/foto.png"_s, u"/c/FOTO.jpg"_s, u"/a/50%1.jpg"_s,
+          u"/b/50%1.jpg"_s, u"/s/otra-publicacion.png"_s})
+        photos.append(QUrl::fromLocalFile(path));
+    EXPECT_EQ(exportPaths(photos, u"/s"_s),
+              (QStringList{u"/s/foto-publicacion.png"_s, u"/s/otra-publicacion-2.png"_s,
                            u"/s/foto-publicacion-2.png"_s, u"/s/FOTO-publicacion-3.png"_s,
-                           u"/s/foto-publicacion-2-publicacion.png"_s}));
+                           u"/s/50%1-publicacion.png"_s, u"/s/50%1-publicacion-2.png"_s,
+                           u"/s/otra-publicacion-publicacion.png"_s}));
+}
+
+TEST(BatchExport, aFolderExportedIntoItselfGivesTheSamePhotosAgain)
+{
+    QList<QUrl> photos;
+    for (const QString& name : {u"a.jpg"_s, u"a-publicacion.png"_s, u"a-publicacion-2.png"_s,
+                                u"b-publicacion.png"_s, u"a-publicacion.jpg"_s})
+        photos.append(QUrl::fromLocalFile(u"/f/"_s + name));
+    QStringList kept;
+    for (const QUrl& photo : withoutOwnOutputs(photos))
+        kept.append(photo.fileName());
+    EXPECT_EQ(kept, (QStringList{u"a.jpg"_s, u"b-publicacion.png"_s, u"a-publicacion.jpg"_s}));
+}
+
+TEST(BatchExport, anExceptionFailsItsOwnFileOnly)
+{
+    int written = 0, failed = 0;
+    runBatch(
+        5, 2, false,
+        [](qsizetype index) {
+            if (index == 2)
+                throw std::bad_alloc();
+            return ExportedFile();
+        },
+        [&](qsizetype index, const ExportedFile& file) {
+            ++(file.isWritten() ? written : failed);
+            EXPECT_EQ(file.isWritten(), index != 2);
+        });
+    EXPECT_EQ(written, 4);
+    EXPECT_EQ(failed, 1);
 }
 
 TEST(BatchExport, writesTheSameBytesEachTimeAndReplacesTheOldFile)

@@ -136,6 +136,19 @@ TEST(LayerEdits, aStyleReachesTheOtherSelectedImagesWithoutTheText)
     EXPECT_EQ(batch.items[0].layers[0], expected);
 }
 
+TEST(LayerEdits, aSingleSelectedImageIsNotReachedFromAnother)
+{
+    Batch batch = batchOf(2);
+    selectItem(batch, 1, Qt::ControlModifier);
+    selectItem(batch, 1, Qt::ControlModifier);
+    ASSERT_EQ(described(batch), u"0, at 1, from 1"_s);
+    TextLayer title = batch.items[1].layers[0];
+    title.fontScale = 2;
+    const Batch before = batch;
+    LayerEdits::applyLayerChangeToSelectedItems(batch, title);
+    EXPECT_EQ(batch, before);
+}
+
 TEST(LayerEdits, aGestureSendsTheLayerItMoved)
 {
     Batch batch = batchOf(2);
