@@ -18,11 +18,11 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
+#include <QScreen>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
@@ -97,11 +97,13 @@ MainWindow::MainWindow(StudioSession& session, std::shared_ptr<PhotoCache> photo
     setWindowTitle(u"Moltiva"_s);
     setAcceptDrops(true);
     setMinimumSize(1200, 720);
-    resize(1440, 900);
+    // Less than the screen where that is small, with room for the frame that the system adds.
+    resize(QSize(1440, 900).boundedTo(screen()->availableSize() - QSize(0, 40)));
     connectPanels();
     connectSession();
     buildMenu();
     restorePreferences();
+    setFocus();    // else the first button takes it, and with it the arrows
     showBatch();
     showStatus();
 }
@@ -247,28 +249,29 @@ void MainWindow::restorePreferences()
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     // What is still being typed counts.
-    if (QWidget* focused = focusWidget())
-        focused->clearFocus();
+    setFocus();
     m_preferences.setValue(geometryKey, saveGeometry());
     QWidget::closeEvent(event);
 }
 
+void MainWindow::choose(const QString& title, QFileDialog::FileMode mode)
+{
+    auto* dialog = new QFileDialog(this, title, m_lastFolder, imageFilter());
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(mode);
+    // The signals that carry the choice differ between the systems' dialogs and the toolkit's own.
+    connect(dialog, &QFileDialog::accepted, this, [this, dialog] { load(dialog->selectedUrls()); });
+    dialog->open();
+}
+
 void MainWindow::importImages()
 {
-    auto* dialog = new QFileDialog(this, u"Importar imágenes"_s, m_lastFolder, imageFilter());
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setFileMode(QFileDialog::ExistingFiles);
-    connect(dialog, &QFileDialog::urlsSelected, this, &MainWindow::load);
-    dialog->open();
+    choose(u"Importar imágenes"_s, QFileDialog::ExistingFiles);
 }
 
 void MainWindow::importFolder()
 {
-    auto* dialog = new QFileDialog(this, u"Importar carpeta"_s, m_lastFolder);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setFileMode(QFileDialog::Directory);
-    connect(dialog, &QFileDialog::urlsSelected, this, &MainWindow::load);
-    dialog->open();
+    choose(u"Importar carpeta"_s, QFileDialog::Directory);
 }
 
 void MainWindow::load(const QList<QUrl>& filesAndFolders)
@@ -327,8 +330,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
         m_session.nextItem();
         return;
     case Qt::Key_Escape:
-        if (QWidget* focused = focusWidget())
-            focused->clearFocus();
+        setFocus();
         return;
     default:
         QWidget::keyPressEvent(event);

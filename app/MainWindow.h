@@ -3,6 +3,7 @@
 #include "model/PublicationItem.h"
 #include "model/SocialFormat.h"
 
+#include <QFileDialog>
 #include <QList>
 #include <QUrl>
 #include <QWidget>
@@ -44,6 +45,7 @@ private:
     void connectSession();
     void buildMenu();
     void restorePreferences();
+    void choose(const QString& title, QFileDialog::FileMode mode);
     void importImages();
     void importFolder();
     void load(const QList<QUrl>& filesAndFolders);

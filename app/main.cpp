@@ -28,6 +28,22 @@ void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& tex
         std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 
+// Keys as Spanish keyboards print them; the toolkit's catalogue writes "Control+Mayúsculas".
+class KeyNames : public QTranslator {
+public:
+    using QTranslator::QTranslator;
+    bool isEmpty() const override { return false; }
+    QString translate(const char* context, const char* source, const char*, int) const override
+    {
+        static const QHash<QByteArray, QString> names{
+            {"Ctrl", u"Ctrl"_s},    {"Shift", u"Mayús"_s},   {"Alt", u"Alt"_s},
+            {"PgUp", u"Re Pág"_s},  {"PgDown", u"Av Pág"_s}, {"Del", u"Supr"_s},
+            {"Return", u"Intro"_s},
+        };
+        return qstrcmp(context, "QShortcut") == 0 ? names.value(source) : QString();
+    }
+};
+
 void prepare(QCoreApplication& application)
 {
     QCoreApplication::setApplicationName(u"moltiva"_s);
@@ -36,6 +52,7 @@ void prepare(QCoreApplication& application)
     auto* translator = new QTranslator(&application);
     if (translator->load(u"qtbase_es"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QCoreApplication::installTranslator(translator);
+    QCoreApplication::installTranslator(new KeyNames(&application));    // asked first
     QLocale::setDefault(QLocale(u"es"_s));
 }
 
