@@ -15,10 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Copying the log into the file takes up to 30 ms, so a worker does it, with a connection of its
-// own.
-constexpr qint64 checkpointStep = 8 << 20;    // bytes
-
 QSqlDatabase opened(const QString& connection, const QString& file)
 {
     QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_qs, connection);
