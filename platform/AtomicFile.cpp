@@ -1,7 +1,9 @@
 #include "platform/AtomicFile.h"
 
+#include <QFile>
 #include <QFileInfo>
-#include <QTemporaryFile>
+#include <QRandomGenerator>
+#include <QScopeGuard>
 
 #include <cstdio>
 
@@ -9,26 +11,25 @@ using namespace Qt::StringLiterals;
 
 QString writeAtomically(const QString& path, QByteArrayView bytes)
 {
-    const QFileInfo target(path);
-    // Hidden, and short: a target's name may already be as long as the file system allows.
-    QTemporaryFile file(target.dir().filePath(u".moltiva-XXXXXX"_s));
-    if (!file.open())
+    const QString number = QString::number(QRandomGenerator::system()->generate64(), 36);
+    // Not a QTemporaryFile, which only its user may read whatever the mask for new files says.
+    QFile file(QFileInfo(path).dir().filePath(unfinishedPrefix() + number));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return file.errorString();
+    auto discard = qScopeGuard([&] { file.remove(); });
     if (file.write(bytes.data(), bytes.size()) != bytes.size() || !file.flush())
         return file.errorString();
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
-    const QString temporary = file.fileName();
     file.close();
 #ifdef Q_OS_UNIX
     // QFile::rename never replaces.
-    if (std::rename(QFile::encodeName(temporary).constData(),
+    if (std::rename(QFile::encodeName(file.fileName()).constData(),
                     QFile::encodeName(path).constData()) != 0)
         return qt_error_string();
 #else
     QFile::remove(path);
-    if (!QFile::rename(temporary, path))
-        return qt_error_string();
+    if (!file.rename(path))
+        return file.errorString();
 #endif
-    file.setAutoRemove(false);
+    discard.dismiss();
     return {};
 }

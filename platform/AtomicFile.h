@@ -7,3 +7,10 @@
 // and one of that name is replaced only by a whole new one. Not flushed to the disk: over a batch
 // that costs more than the drawing. An empty string, or the system's reason in the user's language.
 QString writeAtomically(const QString& path, QByteArrayView bytes);
+
+// How the temporary names begin, which a crash leaves behind. Hidden, and short: a target's name
+// may already be as long as the file system allows.
+inline QString unfinishedPrefix()
+{
+    return QStringLiteral(".moltiva-");
+}

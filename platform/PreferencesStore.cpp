@@ -9,15 +9,13 @@
 #include <QSqlQuery>
 #include <QUuid>
 
+#include <atomic>
+#include <mutex>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Copying the log into the file takes up to 30 ms, so a worker does it, with a connection of its
-// own.
-constexpr qint64 checkpointStep = 8 << 20;    // bytes
 
 QSqlDatabase opened(const QString& connection, const QString& file)
 {
@@ -78,15 +76,26 @@ bool prepare(const QSqlDatabase& database)
 
 }    // namespace
 
+// The store never waits for a checkpoint that has not begun: when the program ends, the workers
+// drop it.
+struct PreferencesStore::Checkpoint {
+    std::atomic<bool> isAsked = false;    // until it is done
+    std::mutex running;
+    bool isUnwanted = false;
+};
+
 PreferencesStore::PreferencesStore(const QString& file)
-    : m_file(file), m_connection(newConnectionName())
+    : m_file(file), m_connection(newConnectionName()), m_checkpoint(std::make_shared<Checkpoint>())
 {
     m_open = createPrivately(file) && prepare(opened(m_connection, file));
 }
 
 PreferencesStore::~PreferencesStore()
 {
-    m_checkpoint.waitForFinished();
+    {
+        const std::scoped_lock lock(m_checkpoint->running);
+        m_checkpoint->isUnwanted = true;
+    }
     QSqlDatabase::removeDatabase(m_connection);
 }
 
@@ -135,17 +144,23 @@ void PreferencesStore::written(qint64 bytes)
     constexpr qint64 checkpointStep = 8 << 20;
     constexpr qint64 longestLog = 32 << 20;
     constexpr qint64 page = 65536;
-    const bool working = m_checkpoint.isValid() && !m_checkpoint.isFinished();
+    const bool working = m_checkpoint->isAsked;
     if (std::exchange(m_checkpointIsLatest, false) && !working)
         m_logBytes = 0;
     m_logBytes += bytes + page;
     m_sinceCheckpoint += bytes + page;
     if (m_logBytes >= longestLog) {
-        m_checkpoint.waitForFinished();
+        const std::scoped_lock lock(m_checkpoint->running);
         run(QSqlDatabase::database(m_connection, false), passiveCheckpoint());
         m_logBytes = m_sinceCheckpoint = 0;
     } else if (m_sinceCheckpoint >= checkpointStep && !working) {
-        m_checkpoint = runOnWorker([file = m_file] { checkpoint(file); });
+        m_checkpoint->isAsked = true;
+        runOnWorker([file = m_file, shared = m_checkpoint] {
+            const std::scoped_lock lock(shared->running);
+            if (!shared->isUnwanted)
+                checkpoint(file);
+            shared->isAsked = false;
+        });
         m_checkpointIsLatest = true;
         m_sinceCheckpoint = 0;
     }

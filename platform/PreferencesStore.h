@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QByteArray>
-#include <QFuture>
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 // Values by key in one SQLite file that only its user may read. Each value is replaced as a whole:
@@ -26,6 +26,7 @@ private:
     QString m_file, m_connection;
     bool m_open = false;
     qint64 m_sinceCheckpoint = 0, m_logBytes = 0;
-    bool m_checkpointIsLatest = false;    // nothing was written since it began
-    QFuture<void> m_checkpoint;
+    bool m_checkpointIsLatest = false;    // nothing was written since it was asked for
+    struct Checkpoint;
+    std::shared_ptr<Checkpoint> m_checkpoint;    // shared with the worker
 };

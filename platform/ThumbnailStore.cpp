@@ -1,5 +1,6 @@
 #include "platform/ThumbnailStore.h"
 
+#include "platform/AtomicFile.h"
 #include "platform/Workers.h"
 
 #include <QBuffer>
@@ -11,12 +12,10 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
-#include <QTemporaryFile>
 #include <QtEndian>
 
 #include <libdeflate.h>
 
-#include <cstdio>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -83,6 +82,8 @@ ThumbnailStore::ThumbnailStore(QString folder, qint64 budget)
     : m_folder(std::move(folder)), m_budget(budget)
 {
     QDir().mkpath(m_folder);
+    // What is in the photos of one user is not for the others.
+    QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
 QString ThumbnailStore::fileFor(const QString& photo) const
@@ -128,9 +129,6 @@ void ThumbnailStore::save(const QString& file, const AcceptedPhoto& photo)
 {
     if (file.isEmpty())
         return;
-    QTemporaryFile target(m_folder + u"/XXXXXX.new"_qs);
-    if (!target.open())
-        return;
     QImage picture = photo.thumbnail;
     picture.setColorSpace({});    // always sRGB: a profile in each file would double its size
     QByteArray bytes;
@@ -143,13 +141,8 @@ void ThumbnailStore::save(const QString& file, const AcceptedPhoto& photo)
         return;
     appendChecksum(bytes);
     const qint64 written = bytes.size();
-    if (target.write(bytes) != written || !target.flush())
+    if (!writeAtomically(file, bytes).isEmpty())
         return;
-    target.setAutoRemove(false);
-    // QTemporaryFile::rename() refuses to replace a file.
-    if (std::rename(QFile::encodeName(target.fileName()).constData(),
-                    QFile::encodeName(file).constData()) != 0)
-        target.remove();
     if (m_writtenSincePruning.fetch_add(written) + written >= pruningStep) {
         m_writtenSincePruning = 0;
         runOnWorker([folder = m_folder, budget = m_budget] { pruneThumbnails(folder, budget); });
@@ -160,10 +153,11 @@ void pruneThumbnails(const QString& folder, qint64 budget)
 {
     const QDateTime abandoned = QDateTime::currentDateTime().addSecs(-3600);
     qint64 total = 0;
+    constexpr auto filter = QDir::Files | QDir::Hidden;
     // Newest first.
-    for (const QFileInfo& info : QDir(folder).entryInfoList(QDir::Files, QDir::Time)) {
+    for (const QFileInfo& info : QDir(folder).entryInfoList(filter, QDir::Time)) {
         if (!info.fileName().endsWith(suffix())) {
-            if (info.fileName().endsWith(u".new"_qs) && info.lastModified() < abandoned)
+            if (info.fileName().startsWith(unfinishedPrefix()) && info.lastModified() < abandoned)
                 QFile::remove(info.filePath());
             continue;
         }

@@ -1,14 +1,52 @@
 #include "platform/Workers.h"
 
+#include <mutex>
+
 #ifdef Q_OS_LINUX
 #include <sys/resource.h>
 #include <unistd.h>
 #endif
 
+namespace {
+
+struct Entrance {
+    std::mutex mutex;
+    bool isClosed = false;
+};
+
+Entrance& entrance()
+{
+    static Entrance shared;
+    return shared;
+}
+
+}    // namespace
+
 QThreadPool& workers()
 {
     static QThreadPool pool;
     return pool;
+}
+
+void finishWorkers()
+{
+    {
+        const std::scoped_lock lock(entrance().mutex);
+        entrance().isClosed = true;
+    }
+    workers().clear();
+    workers().waitForDone();
+}
+
+void startOnWorker(std::function<void()> work)
+{
+    const std::scoped_lock lock(entrance().mutex);
+    if (entrance().isClosed)
+        return;
+    workers().start([work = std::move(work)] {
+        yieldToInterface();
+        work();
+    });
 }
 
 void yieldToInterface()

@@ -1,21 +1,30 @@
 #pragma once
 
 #include <QFuture>
-#include <QPromise>
+#include <QFutureInterface>
 #include <QThreadPool>
 
 #include <exception>
+#include <functional>
 #include <memory>
 #include <type_traits>
 #include <utility>
 
 // The pool for decoding, rendering and encoding: one thread a core. Not Qt's own pool: Qt splits
 // the scaling of a picture over that one and waits, which would hold the interface behind all of
-// this.
+// this. Work goes through runOnWorker().
 QThreadPool& workers();
+
+// Before the application object goes, since what works on pictures needs it: waits for the work
+// that has begun and drops the rest. What is dropped, or asked for afterwards, never finishes, and
+// its future is not cancelled either: a coroutine that awaits it would read a result that is not
+// there.
+void finishWorkers();
 
 // Gives the calling worker thread less of the processor than the interface.
 void yieldToInterface();
+
+void startOnWorker(std::function<void()> work);
 
 // Runs `work` on a worker. An exception arrives at the future.
 template <typename Work>
@@ -23,24 +32,23 @@ auto runOnWorker(Work&& work) -> QFuture<std::invoke_result_t<std::decay_t<Work>
 {
     using Result = std::invoke_result_t<std::decay_t<Work>>;
     struct Job {
-        QPromise<Result> promise;
+        QFutureInterface<Result> promise;    // a QPromise cancels when it is dropped
         std::decay_t<Work> work;
     };
     // Shared, because the pool copies what it runs.
-    auto job = std::shared_ptr<Job>(new Job{QPromise<Result>(), std::forward<Work>(work)});
-    job->promise.start();
+    auto job = std::shared_ptr<Job>(new Job{QFutureInterface<Result>(), std::forward<Work>(work)});
+    job->promise.reportStarted();
     auto future = job->promise.future();
-    workers().start([job = std::move(job)] {
-        yieldToInterface();
+    startOnWorker([job = std::move(job)] {
         try {
             if constexpr (std::is_void_v<Result>)
                 job->work();
             else
-                job->promise.addResult(job->work());
+                job->promise.reportResult(job->work());
         } catch (...) {
-            job->promise.setException(std::current_exception());
+            job->promise.reportException(std::current_exception());
         }
-        job->promise.finish();
+        job->promise.reportFinished();
     });
     return future;
 }

@@ -126,7 +126,11 @@ TEST_F(PhotoCacheTest, theDiskKeepsTheNewestWithinItsBudget)
         file.flush();
         file.setFileTime(now.addSecs(qint64(-100) * i), QFile::FileModificationTime);
     }
+    QFile unfinished(m_disk + u"/.moltiva-crashed"_qs);
+    ASSERT_TRUE(unfinished.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(unfinished.setFileTime(now.addDays(-1), QFile::FileModificationTime));
     pruneThumbnails(m_disk, 2500);
+    EXPECT_FALSE(unfinished.exists());
     QStringList left;
     for (const QFileInfo& info : stored())
         left.append(info.completeBaseName());
