@@ -4,11 +4,13 @@
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
 #include "studio/StudioSession.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QLibraryInfo>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTranslator>
 
@@ -71,6 +73,8 @@ bool hasDisplay()
 int runWindow(int& argc, char** argv, const QStringList& arguments)
 {
     QApplication application(argc, argv);
+    // Workers that still draw when the application is gone would crash.
+    const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
     dress(application, darkTheme());
     const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);

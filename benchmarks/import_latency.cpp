@@ -18,6 +18,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -77,6 +78,7 @@ int main(int argc, char** argv)
     settleAllocator();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     TimedApplication application(argc, argv);
+    const auto finish = qScopeGuard(&finishWorkers);
     dress(application, darkTheme());
     if (argc != 2) {
         std::fprintf(stderr, "import_latency PHOTOS\n");

@@ -1,3 +1,5 @@
+#include "tests/Settle.h"
+
 #include <QGuiApplication>
 
 #include <gtest/gtest.h>
@@ -5,9 +7,12 @@
 // Fonts and event loops need an application; no display is needed.
 int main(int argc, char** argv)
 {
+    // The list of the cases is asked for without the environment of the tests.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     ::testing::InitGoogleTest(&argc, argv);
     const QGuiApplication application(argc, argv);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    settleWorkers();
+    return result;
 }

@@ -14,12 +14,14 @@
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
 #include "studio/StudioSession.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -142,6 +144,7 @@ int main(int argc, char** argv)
     settleAllocator();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
+    const auto finish = qScopeGuard(&finishWorkers);
     dress(application, darkTheme(), Motion::reduced);
     QCommandLineParser parser;
     const QCommandLineOption photos(u"photos"_s, u"folder of photographs"_s, u"dir"_s);

@@ -1,4 +1,5 @@
 #include "app/Theme.h"
+#include "tests/Settle.h"
 
 #include <QApplication>
 
@@ -11,5 +12,7 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     dress(application, darkTheme(), Motion::reduced);
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    settleWorkers();
+    return result;
 }
