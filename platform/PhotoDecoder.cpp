@@ -1,5 +1,6 @@
 #include "platform/PhotoDecoder.h"
 
+#include "platform/AreaAverage.h"
 #include "platform/DecodeGate.h"
 #include "platform/HeicPhoto.h"
 #include "platform/PhotoColor.h"
@@ -273,9 +274,7 @@ std::optional<AcceptedPhoto> acceptPhoto(const QString& path)
     if (!decoded)
         return {};
     const QSize size = thumbnailSize(decoded->info.size);
-    QImage thumbnail =
-        decoded->image.size() == size
-            ? std::move(decoded->image)
-            : decoded->image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QImage thumbnail = decoded->image.size() == size ? std::move(decoded->image)
+                                                     : areaAveraged(decoded->image, size);
     return AcceptedPhoto{decoded->info, digest, std::move(thumbnail)};
 }
