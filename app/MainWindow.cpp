@@ -108,6 +108,13 @@ MainWindow::MainWindow(StudioSession& session, std::shared_ptr<PhotoCache> photo
     showStatus();
 }
 
+// A field that still has the focus ends its edit as it goes: that reaches the session, but must not
+// come back to a window whose members are gone.
+MainWindow::~MainWindow()
+{
+    disconnect(&m_session, nullptr, this, nullptr);
+}
+
 bool MainWindow::isSettled() const
 {
     return !m_session.isImporting() && m_tiles->isIdle() && m_stage->isIdle();

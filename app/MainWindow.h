@@ -27,6 +27,7 @@ public:
     // The session and the preferences outlive the window.
     MainWindow(StudioSession& session, std::shared_ptr<PhotoCache> photos,
                PreferencesStore& preferences);
+    ~MainWindow() override;
 
     StudioShell* shell() const { return m_shell; }
     // No picture is being drawn and no photo looked at.
