@@ -207,6 +207,11 @@ std::optional<OpenPhoto> openPhoto(const QString& path, const LevelChoice& wante
     return photo;
 }
 
+QByteArray digestOf(const QByteArray& bytes)
+{
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Blake2b_256);
+}
+
 std::optional<DecodedPhoto> decode(OpenPhoto& photo)
 {
     if (photo.header.format != PhotoFormat::heic)
@@ -247,18 +252,23 @@ QSize thumbnailSize(QSize photo)
             std::max(1, qRound(photo.height() * scale))};
 }
 
-std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level)
+std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level,
+                                  const QByteArray& expectedDigest)
 {
-    auto decoded = decodePhoto(path, [level](const PhotoInfo&) { return level; });
+    auto decoded = decodePhoto(
+        path, [level](const PhotoInfo&) { return level; }, expectedDigest);
     if (!decoded)
         return {};
     return std::move(decoded->image);
 }
 
-std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level)
+std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level,
+                                        const QByteArray& expectedDigest)
 {
     auto photo = openPhoto(path, level);
-    return photo ? decode(*photo) : std::nullopt;
+    if (!photo || (!expectedDigest.isEmpty() && digestOf(photo->bytes) != expectedDigest))
+        return {};
+    return decode(*photo);
 }
 
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path)
@@ -268,8 +278,7 @@ std::optional<AcceptedPhoto> acceptPhoto(const QString& path)
     });
     if (!photo)
         return {};
-    const QByteArray digest =
-        QCryptographicHash::hash(photo->bytes, QCryptographicHash::Blake2b_256);
+    const QByteArray digest = digestOf(photo->bytes);
     auto decoded = decode(*photo);
     if (!decoded)
         return {};
