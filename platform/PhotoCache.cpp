@@ -1,10 +1,18 @@
 #include "platform/PhotoCache.h"
 
+#include "platform/AreaAverage.h"
+
 #include <QScopeGuard>
 
 namespace {
 
 constexpr qint64 kilobyte = 1024;
+
+// In kilobytes, of pictures of 32 bits.
+qsizetype costOf(QSize size)
+{
+    return qsizetype(qint64(size.width()) * size.height() * 4 / kilobyte + 1);
+}
 
 }    // namespace
 
@@ -28,16 +36,13 @@ std::optional<AcceptedPhoto> PhotoCache::accept(const QString& path)
     return photo;
 }
 
-QImage PhotoCache::cachedThumbnail(const PhotoId& photo) const
-{
-    return find(keyOf(photo, 0));
-}
-
 QImage PhotoCache::thumbnail(const PhotoId& photo)
 {
     return findOrMake(keyOf(photo, 0), [&] {
         const auto accepted = accept(photo.path);
-        return accepted ? accepted->thumbnail : QImage();
+        const bool isSame =
+            accepted && (photo.digest.isEmpty() || accepted->digest == photo.digest);
+        return isSame ? accepted->thumbnail : QImage();
     });
 }
 
@@ -57,8 +62,21 @@ QImage PhotoCache::anyProxy(const PhotoId& photo) const
 
 QImage PhotoCache::proxy(const PhotoId& photo, PhotoLevel level)
 {
-    return findOrMake(keyOf(photo, int(level)),
-                      [&] { return decodePhoto(photo.path, level).value_or(QImage()); });
+    return findOrMake(keyOf(photo, int(level)), [&] { return decodedToKeep(photo, level); });
+}
+
+QImage PhotoCache::decodedToKeep(const PhotoId& photo, PhotoLevel level) const
+{
+    const auto decoded = decodePhoto(
+        photo.path, [level](const PhotoInfo&) { return level; }, photo.digest);
+    if (!decoded)
+        return {};
+    QSize kept = decoded->image.size();
+    if (costOf(kept) > m_proxies.maxCost() / 2)
+        kept = kept.boundedTo(sizeAtLevel(decoded->info.size, level));
+    while (costOf(kept) > m_proxies.maxCost() && kept != QSize(1, 1))
+        kept = sizeAtLevel(kept, PhotoLevel::half);
+    return kept == decoded->image.size() ? decoded->image : areaAveraged(decoded->image, kept);
 }
 
 QCache<PhotoCache::Key, QImage>& PhotoCache::shelf(const Key& key) const
@@ -76,12 +94,11 @@ QImage PhotoCache::find(const Key& key) const
 void PhotoCache::keep(const Key& key, const QImage& image)
 {
     const std::scoped_lock lock(m_mutex);
-    shelf(key).insert(key, std::make_unique<QImage>(image).release(),
-                      qsizetype(image.sizeInBytes() / kilobyte + 1));
+    shelf(key).insert(key, std::make_unique<QImage>(image).release(), costOf(image.size()));
 }
 
-// Who asks for what another thread is making waits for it; when that thread failed, or the picture
-// was too large to keep, the next one tries itself.
+// Who asks for what another thread is making waits for it; when that thread failed, the next one
+// tries itself.
 QImage PhotoCache::findOrMake(const Key& key, const std::function<QImage()>& make)
 {
     {

@@ -10,7 +10,8 @@
 #include <functional>
 #include <mutex>
 
-// A photo as the cache knows it: where it lies and what was in it when it was accepted.
+// A photo as the cache knows it: where it lies and what was in it when it was accepted; without a
+// digest, whatever lies there.
 struct PhotoId {
     QString path;
     QByteArray digest;
@@ -28,13 +29,16 @@ public:
     // As acceptPhoto(); a thumbnail on disk of the very same file answers without decoding. Waits.
     std::optional<AcceptedPhoto> accept(const QString& path);
 
-    QImage cachedThumbnail(const PhotoId& photo) const;    // null when not in memory; never waits
-    QImage
-    thumbnail(const PhotoId& photo);    // memory, disk or decoding; null when unreadable; waits
+    // Memory, disk or decoding; null when the photo is gone, unreadable or another one by now.
+    // Waits.
+    QImage thumbnail(const PhotoId& photo);
 
     QImage cachedProxy(const PhotoId& photo, PhotoLevel level) const;    // that level or null
     QImage anyProxy(const PhotoId& photo) const;    // the finest in memory, else the thumbnail
-    QImage proxy(const PhotoId& photo, PhotoLevel level);    // memory or decoding; waits
+    // Memory or decoding; null as the thumbnail. Waits. What would fill the memory comes smaller:
+    // averaged to the level where the codec cannot decode reduced, and beyond it when it would not
+    // fit at all.
+    QImage proxy(const PhotoId& photo, PhotoLevel level);
 
 private:
     struct Key {
@@ -51,6 +55,7 @@ private:
     QCache<Key, QImage>& shelf(const Key& key) const;
     QImage find(const Key& key) const;
     void keep(const Key& key, const QImage& image);
+    QImage decodedToKeep(const PhotoId& photo, PhotoLevel level) const;
     QImage findOrMake(const Key& key, const std::function<QImage()>& make);
 
     ThumbnailStore m_disk;

@@ -3,6 +3,7 @@
 #include "platform/AreaAverage.h"
 #include "platform/DecodeGate.h"
 #include "platform/HeicPhoto.h"
+#include "platform/PhotoBytes.h"
 #include "platform/PhotoColor.h"
 #include "platform/PhotoHeader.h"
 
@@ -14,7 +15,6 @@
 #include <QLibrary>
 #include <QTransform>
 
-#include <libexif/exif-data.h>
 #include <webp/demux.h>
 
 #include <algorithm>
@@ -69,22 +69,6 @@ void silenceTiff()
     });
 }
 
-// EXIF numbers: 1 is upright, 2 to 8 the mirrored and turned ones.
-int exifOrientation(const uchar* exif, unsigned length)
-{
-    ExifData* const data = exif_data_new_from_data(exif, length);
-    if (!data)
-        return 1;
-    int orientation = 1;
-    const ExifEntry* const entry =
-        exif_content_get_entry(data->ifd[EXIF_IFD_0], EXIF_TAG_ORIENTATION);
-    if (entry && entry->format == EXIF_FORMAT_SHORT && entry->components == 1 && entry->size >= 2)
-        orientation = exif_get_short(entry->data, exif_data_get_byte_order(data));
-    exif_data_unref(data);
-    return orientation;
-}
-
-// The reader of WebP knows no orientation.
 int webpOrientation(const QByteArray& bytes)
 {
     const WebPData data{reinterpret_cast<const uint8_t*>(bytes.constData()),
@@ -96,19 +80,24 @@ int webpOrientation(const QByteArray& bytes)
     WebPChunkIterator chunk;
     if (WebPDemuxGetChunk(demuxer, "EXIF", 1, &chunk)) {
         constexpr std::size_t longest = 1 << 20;
-        if (chunk.chunk.size <= longest) {
-            // libexif wants the name JPEG puts before the data, which WebP leaves out as a rule.
-            QByteArray exif(reinterpret_cast<const char*>(chunk.chunk.bytes),
-                            qsizetype(chunk.chunk.size));
-            if (!exif.startsWith("Exif"))
-                exif.prepend("Exif\0\0", 6);
-            orientation = exifOrientation(reinterpret_cast<const uchar*>(exif.constData()),
-                                          unsigned(exif.size()));
-        }
+        if (chunk.chunk.size <= longest)
+            orientation = exifOrientation(QByteArray(
+                reinterpret_cast<const char*>(chunk.chunk.bytes), qsizetype(chunk.chunk.size)));
         WebPDemuxReleaseChunkIterator(&chunk);
     }
     WebPDemuxDelete(demuxer);
     return orientation;
+}
+
+// Formats without an orientation, or whose reader turns the picture, count as upright.
+int orientationOf(const PhotoHeader& header, const QByteArray& bytes)
+{
+    return header.format == PhotoFormat::webp ? webpOrientation(bytes) : header.orientation;
+}
+
+bool isTurned(int orientation)
+{
+    return orientation >= 5;
 }
 
 QImage uprightFrom(QImage image, int orientation)
@@ -124,6 +113,14 @@ QImage uprightFrom(QImage image, int orientation)
     return degrees ? image.transformed(QTransform().rotate(degrees)) : image;
 }
 
+// What is known of a JPEG before its pixels: the size as it will stand. Other formats are decoded
+// whole, and the level chosen for them changes nothing.
+PhotoInfo infoBeforeDecoding(const PhotoHeader& header)
+{
+    return {isTurned(header.orientation) ? header.size.transposed() : header.size,
+            header.format == PhotoFormat::jpeg};
+}
+
 std::optional<DecodedPhoto> readWithQt(const PhotoHeader& header, QByteArray bytes,
                                        PhotoLevel level)
 {
@@ -132,17 +129,20 @@ std::optional<DecodedPhoto> readWithQt(const PhotoHeader& header, QByteArray byt
     std::call_once(once, [] { QImageReader::setAllocationLimit(int(largestAlone >> 20)); });
     if (header.format == PhotoFormat::tiff)
         silenceTiff();
-    if (header.format == PhotoFormat::png && !hasSoundChunks(bytes))
-        return {};
     const bool reducible = header.format == PhotoFormat::jpeg;
-    if (reducible)
-        bytes = paddedToLevel(header, std::move(bytes), level);
+    if (header.format == PhotoFormat::png) {
+        auto needed = neededChunks(std::move(bytes));
+        if (!needed)
+            return {};
+        bytes = std::move(*needed);
+    } else if (reducible) {
+        bytes = withoutMetadata(paddedToLevel(header, std::move(bytes), level));
+    }
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer, readerName(header.format));
     reader.setAutoDetectImageFormat(false);
-    reader.setAutoTransform(true);
-    const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+    reader.setAutoTransform(!reducible && header.format != PhotoFormat::webp);
     if (reducible && level != PhotoLevel::full) {
         const QSize announced = reader.size();
         reader.setScaledSize({std::max(1, announced.width() / int(level)),
@@ -151,15 +151,8 @@ std::optional<DecodedPhoto> readWithQt(const PhotoHeader& header, QByteArray byt
     QImage image = reader.read();
     if (image.isNull())
         return {};
-    PhotoInfo info{turned ? header.size.transposed() : header.size, reducible};
-    if (header.format == PhotoFormat::webp) {
-        const int orientation = webpOrientation(bytes);
-        image = uprightFrom(std::move(image), orientation);
-        if (orientation >= 5 && orientation <= 8)
-            info.size.transpose();
-    }
-    if (!reducible)
-        info.size = image.size();
+    image = uprightFrom(std::move(image), orientationOf(header, bytes));
+    const PhotoInfo info = reducible ? infoBeforeDecoding(header) : PhotoInfo{image.size(), false};
     return DecodedPhoto{info, inSrgb(std::move(image))};
 }
 
@@ -171,16 +164,11 @@ struct OpenPhoto {
     QByteArray bytes;
 };
 
-// What is known of a JPEG before its pixels: the size as it will stand. Other formats are decoded
-// whole, and the level chosen for them changes nothing.
-PhotoInfo infoBeforeDecoding(const PhotoHeader& header, QFile& file)
+// The readers of JPEG and PNG take the bytes as they come; others copy them, or what is compressed
+// in them.
+int copiesOfFile(PhotoFormat format)
 {
-    if (header.format != PhotoFormat::jpeg || !file.seek(0))
-        return {header.size, false};
-    QImageReader reader(&file, "jpeg");
-    reader.setAutoDetectImageFormat(false);
-    const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
-    return {turned ? header.size.transposed() : header.size, true};
+    return format == PhotoFormat::jpeg || format == PhotoFormat::png ? 1 : 2;
 }
 
 std::optional<OpenPhoto> openPhoto(const QString& path, const LevelChoice& wantedLevel)
@@ -191,10 +179,9 @@ std::optional<OpenPhoto> openPhoto(const QString& path, const LevelChoice& wante
     const auto header = readPhotoHeader(file);
     if (!header)
         return {};
-    const PhotoLevel level =
-        affordableLevel(*header, wantedLevel(infoBeforeDecoding(*header, file)));
+    const PhotoLevel level = affordableLevel(*header, wantedLevel(infoBeforeDecoding(*header)));
     const qint64 fileBytes = file.size();
-    const qint64 needed = fileBytes + decodingBytes(*header, level);
+    const qint64 needed = fileBytes * copiesOfFile(header->format) + decodingBytes(*header, level);
     if (needed > largestAlone || !file.seek(0))
         return {};
     OpenPhoto photo{*header, level, gate().enter(needed), file.read(fileBytes)};
@@ -205,6 +192,11 @@ std::optional<OpenPhoto> openPhoto(const QString& path, const LevelChoice& wante
             return {};
     }
     return photo;
+}
+
+QByteArray digestOf(const QByteArray& bytes)
+{
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Blake2b_256);
 }
 
 std::optional<DecodedPhoto> decode(OpenPhoto& photo)
@@ -247,18 +239,23 @@ QSize thumbnailSize(QSize photo)
             std::max(1, qRound(photo.height() * scale))};
 }
 
-std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level)
+std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level,
+                                  const QByteArray& expectedDigest)
 {
-    auto decoded = decodePhoto(path, [level](const PhotoInfo&) { return level; });
+    auto decoded = decodePhoto(
+        path, [level](const PhotoInfo&) { return level; }, expectedDigest);
     if (!decoded)
         return {};
     return std::move(decoded->image);
 }
 
-std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level)
+std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level,
+                                        const QByteArray& expectedDigest)
 {
     auto photo = openPhoto(path, level);
-    return photo ? decode(*photo) : std::nullopt;
+    if (!photo || (!expectedDigest.isEmpty() && digestOf(photo->bytes) != expectedDigest))
+        return {};
+    return decode(*photo);
 }
 
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path)
@@ -268,8 +265,7 @@ std::optional<AcceptedPhoto> acceptPhoto(const QString& path)
     });
     if (!photo)
         return {};
-    const QByteArray digest =
-        QCryptographicHash::hash(photo->bytes, QCryptographicHash::Blake2b_256);
+    const QByteArray digest = digestOf(photo->bytes);
     auto decoded = decode(*photo);
     if (!decoded)
         return {};

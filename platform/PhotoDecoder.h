@@ -28,9 +28,11 @@ QSize thumbnailSize(QSize photo);
 
 // Pixels upright, in sRGB, RGB32 or ARGB32_Premultiplied; nothing when the file is no photo or
 // would need too much memory. What cannot be decoded reduced comes at full size whatever the level,
-// and a JPEG too large for the level comes at the next one that fits. Any thread but the
-// interface's: it waits for the disk, for its share of memory and for the codec.
-std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level);
+// and a JPEG too large for the level comes at the next one that fits. Nothing as well when a digest
+// is expected and the bytes have another. Any thread but the interface's: it waits for the disk,
+// for its share of memory and for the codec.
+std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level,
+                                  const QByteArray& expectedDigest = {});
 
 // The same for who knows the level only from the photo: one reading serves both.
 struct DecodedPhoto {
@@ -38,7 +40,8 @@ struct DecodedPhoto {
     QImage image;
 };
 using LevelChoice = std::function<PhotoLevel(const PhotoInfo&)>;
-std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level);
+std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level,
+                                        const QByteArray& expectedDigest = {});
 
 // What accepting a photo into a batch yields, from one reading and one reduced decoding.
 struct AcceptedPhoto {

@@ -2,9 +2,8 @@
 
 #include <QtEndian>
 
-#include <libdeflate.h>
-
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -37,6 +36,12 @@ T little(const QByteArray& bytes, qsizetype offset)
     return qFromLittleEndian<T>(bytes.constData() + offset);
 }
 
+template <typename T>
+T number(const QByteArray& bytes, qsizetype offset, bool isBigEndian)
+{
+    return isBigEndian ? big<T>(bytes, offset) : little<T>(bytes, offset);
+}
+
 // From 32-bit fields of a file; what does not fit into an int is no size of ours.
 QSize sizeFrom(quint32 width, quint32 height)
 {
@@ -51,7 +56,7 @@ bool readJpegFrame(const QByteArray& frame, qint64 offset, PhotoHeader& header)
         return false;
     header.size = QSize(big<quint16>(frame, 3), big<quint16>(frame, 1));
     header.frameSizeOffset = offset + 1;
-    header.coefficientBytes = pixels(header.size) * 2 * components;
+    header.workingBytes = pixels(header.size) * 2 * components;
     header.bytesPerPixel = components == 1 ? 1 : 4;
 
     // Odd ratios of sampling (2 of 3) are the one case where a larger picture could have more
@@ -74,12 +79,14 @@ bool readJpegFrame(const QByteArray& frame, qint64 offset, PhotoHeader& header)
 std::optional<PhotoHeader> readJpeg(QIODevice& file)
 {
     constexpr int mostSegments = 10'000;
+    constexpr qint64 longestHead = 24'000'000;    // bytes before the first scan
     PhotoHeader header;
     qint64 at = 2;
     int frameComponents = 0;
+    bool hasExif = false;
     for (int segment = 0; segment < mostSegments; ++segment) {
         // Stray bytes before a marker are passed over, as libjpeg does.
-        if (!file.seek(at))
+        if (at > longestHead || !file.seek(at))
             return {};
         const QByteArray ahead = file.read(4096);
         qsizetype i = 0;
@@ -119,8 +126,13 @@ std::optional<PhotoHeader> readJpeg(QIODevice& file)
             if (body.isEmpty() || !frameComponents)
                 return {};
             if (uchar(body[0]) >= frameComponents)
-                header.coefficientBytes = 0;    // everything in one scan: nothing is held
+                header.workingBytes = 0;    // everything in one scan: nothing is held
             return header;
+        } else if (marker == 0xE1 && !hasExif) {
+            const QByteArray body = bytesAt(file, at + 2, length - 2);
+            hasExif = body.startsWith("Exif");
+            if (hasExif)
+                header.orientation = exifOrientation(body);
         }
         at += length;
     }
@@ -141,20 +153,17 @@ std::optional<PhotoHeader> readPng(QIODevice& file)
 }
 
 // One number of a TIFF directory entry; 0 for types that hold no count.
-quint64 tiffNumber(const QByteArray& entry, bool bigEndian, qsizetype valueOffset)
+quint64 tiffNumber(const QByteArray& entry, bool isBigEndian, qsizetype valueOffset)
 {
-    const auto number = [&]<typename T>(T) {
-        return quint64(bigEndian ? big<T>(entry, valueOffset) : little<T>(entry, valueOffset));
-    };
-    switch (bigEndian ? big<quint16>(entry, 2) : little<quint16>(entry, 2)) {
+    switch (number<quint16>(entry, 2, isBigEndian)) {
     case 1:
-        return number(quint8());
+        return number<quint8>(entry, valueOffset, isBigEndian);
     case 3:
-        return number(quint16());
+        return number<quint16>(entry, valueOffset, isBigEndian);
     case 4:
-        return number(quint32());
+        return number<quint32>(entry, valueOffset, isBigEndian);
     case 16:
-        return valueOffset == 12 ? number(quint64()) : 0;
+        return valueOffset == 12 ? number<quint64>(entry, valueOffset, isBigEndian) : 0;
     }
     return 0;
 }
@@ -164,29 +173,31 @@ std::optional<PhotoHeader> readTiff(QIODevice& file)
     const QByteArray start = bytesAt(file, 0, 16);
     if (start.isEmpty())
         return {};
-    const bool bigEndian = start[0] == 'M';
-    const auto number = [&]<typename T>(const QByteArray& bytes, qsizetype offset, T) {
-        return bigEndian ? big<T>(bytes, offset) : little<T>(bytes, offset);
-    };
-    const bool wide = number(start, 2, quint16()) == 43;    // BigTIFF: 64-bit offsets
+    const bool isBigEndian = start[0] == 'M';
+    const bool wide = number<quint16>(start, 2, isBigEndian) == 43;    // BigTIFF: 64-bit offsets
     const int countLength = wide ? 8 : 2, entryLength = wide ? 20 : 12;
-    const qint64 directory =
-        wide ? qint64(number(start, 8, quint64())) : qint64(number(start, 4, quint32()));
+    // An offset, or a count of values.
+    const auto longNumber = [&](const QByteArray& bytes, qsizetype offset) {
+        return wide ? number<quint64>(bytes, offset, isBigEndian)
+                    : quint64(number<quint32>(bytes, offset, isBigEndian));
+    };
+    const qint64 directory = qint64(longNumber(start, wide ? 8 : 4));
     const QByteArray countBytes = bytesAt(file, directory, countLength);
     if (countBytes.isEmpty())
         return {};
-    const quint64 entryCount =
-        wide ? number(countBytes, 0, quint64()) : quint64(number(countBytes, 0, quint16()));
+    const quint64 entryCount = wide ? number<quint64>(countBytes, 0, isBigEndian)
+                                    : quint64(number<quint16>(countBytes, 0, isBigEndian));
     if (entryCount > 4096)
         return {};
     const QByteArray entries =
         bytesAt(file, directory + countLength, qint64(entryCount) * entryLength);
-    quint64 width = 0, height = 0, tileWidth = 0, tileHeight = 0;
-    int bits = 1, samples = 1;
+    quint64 width = 0, height = 0, tileWidth = 0, tileHeight = 0, bits = 1, samples = 1;
+    quint64 rowsOfStrip = std::numeric_limits<quint64>::max();
+    const int valueOffset = wide ? 12 : 8;
     for (qsizetype at = 0; at < entries.size(); at += entryLength) {
         const QByteArray entry = entries.mid(at, entryLength);
-        const quint64 value = tiffNumber(entry, bigEndian, wide ? 12 : 8);
-        switch (number(entry, 0, quint16())) {
+        const quint64 value = tiffNumber(entry, isBigEndian, valueOffset);
+        switch (number<quint16>(entry, 0, isBigEndian)) {
         case 256:
             width = value;
             break;
@@ -194,15 +205,18 @@ std::optional<PhotoHeader> readTiff(QIODevice& file)
             height = value;
             break;
         case 258:
-            bits = int(std::min<quint64>(value, 64));
-            // Three depths and more lie elsewhere in the file; they are alike.
-            if (!wide && number(entry, 4, quint32()) > 2) {
-                const QByteArray first = bytesAt(file, number(entry, 8, quint32()), 2);
-                bits = first.isEmpty() ? 64 : number(first, 0, quint16());
+            bits = value;
+            // Depths that do not fit into the entry lie elsewhere in the file; they are alike.
+            if (longNumber(entry, 4) > (wide ? 4 : 2)) {
+                const QByteArray first = bytesAt(file, qint64(longNumber(entry, valueOffset)), 2);
+                bits = first.isEmpty() ? 64 : number<quint16>(first, 0, isBigEndian);
             }
             break;
         case 277:
-            samples = int(std::min<quint64>(value, 64));
+            samples = value;
+            break;
+        case 278:
+            rowsOfStrip = value;
             break;
         case 322:
             tileWidth = value;
@@ -212,16 +226,20 @@ std::optional<PhotoHeader> readTiff(QIODevice& file)
             break;
         }
     }
-    // A tile is one buffer, whatever the size of the photo.
-    constexpr quint64 longest = 1 << 24;
+    constexpr quint64 longest = 1 << 24, mostSamples = 8, mostBits = 64;
     if (width > longest || height > longest || tileWidth > longest || tileHeight > longest ||
-        qint64(tileWidth * tileHeight) > largestUnreduced)
+        tileWidth * tileHeight > quint64(largestUnreduced) || samples > mostSamples ||
+        bits > mostBits)
         return {};
+    // A strip or a tile is one buffer; a tile's size has nothing to do with the photo's.
+    const quint64 bufferPixels =
+        std::max(tileWidth * tileHeight, width * std::min(rowsOfStrip, height));
     return PhotoHeader{.format = PhotoFormat::tiff,
                        .size = QSize(int(width), int(height)),
                        .bytesPerPixel = bits > 16  ? 16
                                         : bits > 8 ? 8
-                                                   : std::max(4, samples)};
+                                                   : 4,
+                       .workingBytes = qint64(bufferPixels * samples * bits / 8)};
 }
 
 std::optional<PhotoHeader> readWebp(QIODevice& file)
@@ -329,6 +347,31 @@ std::optional<PhotoHeader> readPhotoHeader(QIODevice& file)
     return pixels(header->size) <= largestUnreduced ? header : std::nullopt;
 }
 
+int exifOrientation(QByteArray exif)
+{
+    constexpr qsizetype nameLength = 6;    // JPEG puts it before the data, WebP as a rule does not
+    if (exif.startsWith("Exif"))
+        exif.remove(0, nameLength);
+    const bool isBigEndian = exif.startsWith("MM");
+    if (exif.size() < 8 || (!isBigEndian && !exif.startsWith("II")))
+        return 1;
+    constexpr qsizetype entryLength = 12;
+    const qint64 directory = number<quint32>(exif, 4, isBigEndian);
+    if (directory + 2 > exif.size())
+        return 1;
+    const int entries = number<quint16>(exif, directory, isBigEndian);
+    for (int i = 0; i < entries; ++i) {
+        const QByteArray entry = exif.mid(directory + 2 + entryLength * i, entryLength);
+        if (entry.size() < entryLength)
+            break;
+        if (number<quint16>(entry, 0, isBigEndian) == 0x0112) {
+            const auto value = tiffNumber(entry, isBigEndian, 8);
+            return value >= 1 && value <= 8 ? int(value) : 1;
+        }
+    }
+    return 1;
+}
+
 PhotoLevel affordableLevel(const PhotoHeader& header, PhotoLevel wanted)
 {
     if (header.format != PhotoFormat::jpeg)
@@ -344,46 +387,5 @@ qint64 decodingBytes(const PhotoHeader& header, PhotoLevel level)
 {
     // The codec's picture and one more: of 32 bits, converted to sRGB, or turned.
     const qint64 decoded = pixels(sizeAtLevel(header.size, level));
-    return header.coefficientBytes + decoded * (header.bytesPerPixel + 4);
-}
-
-QByteArray paddedToLevel(const PhotoHeader& header, QByteArray jpeg, PhotoLevel level)
-{
-    const QSize padded = sizeAtLevel(header.size, level) * int(level);
-    constexpr int largest = 0xFFFF;
-    if (!header.paddable || padded == header.size || padded.width() > largest ||
-        padded.height() > largest || header.frameSizeOffset + 4 > jpeg.size())
-        return jpeg;
-    char* const field = jpeg.data() + header.frameSizeOffset;
-    qToBigEndian(quint16(padded.height()), field);
-    qToBigEndian(quint16(padded.width()), field + 2);
-    return jpeg;
-}
-
-bool hasSoundChunks(const QByteArray& png)
-{
-    constexpr qsizetype around = 12;    // length, name, checksum
-    qsizetype at = 8;
-    bool data = false;
-    while (png.size() - at >= around) {
-        const qint64 length = big<quint32>(png, at);
-        if (length > png.size() - at - around)
-            return false;
-        const QByteArrayView name(png.constData() + at + 4, 4);
-        const bool critical = !(name[0] & 0x20);
-        const auto sum = libdeflate_crc32(0, name.data(), std::size_t(length) + 4);
-        if (critical && sum != big<quint32>(png, at + 8 + length))
-            return false;
-        data |= name == "IDAT";
-        if (name == "IEND")
-            return data;
-        at += around + length;
-    }
-    return false;
-}
-
-int scanCount(const QByteArray& jpeg)
-{
-    // Compressed data never holds this pair of bytes.
-    return int(jpeg.count(QByteArrayView("\xFF\xDA", 2)));
+    return header.workingBytes + decoded * (header.bytesPerPixel + 4);
 }

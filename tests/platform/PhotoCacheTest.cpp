@@ -15,6 +15,11 @@ protected:
     {
         return written(m_folder, name, encoded(quarters(size), format));
     }
+    PhotoId id(const QString& name, QSize size = {640, 480})
+    {
+        const QString file = photo(name, size);
+        return {file, acceptPhoto(file)->digest};
+    }
     QFileInfoList stored() const { return QDir(m_disk).entryInfoList(QDir::Files); }
 
     QTemporaryDir m_folder;
@@ -42,7 +47,7 @@ TEST_F(PhotoCacheTest, theSecondRunAnswersFromDiskWithoutTheCodec)
     EXPECT_EQ(second->info, first->info);
     EXPECT_EQ(second->digest, first->digest);
     EXPECT_LT(meanDifference(second->thumbnail, first->thumbnail), 3);
-    EXPECT_FALSE(cache.cachedThumbnail({file, first->digest}).isNull());
+    EXPECT_FALSE(cache.anyProxy({file, first->digest}).isNull());
 
     ASSERT_TRUE(rewrite("garbage", time.addSecs(1)));
     EXPECT_FALSE(cache.accept(file)) << "a photo changed on disk is another photo";
@@ -77,8 +82,7 @@ TEST_F(PhotoCacheTest, whatWasUsedLongestAgoGoesFirst)
 {
     const qint64 oneProxy = qint64(640) * 480 * 4;
     PhotoCache cache(m_disk, 2 * oneProxy + 10'000);
-    const PhotoId a{photo(u"a.jpg"_qs), "a"}, b{photo(u"b.jpg"_qs), "b"},
-        c{photo(u"c.jpg"_qs), "c"};
+    const PhotoId a = id(u"a.jpg"_qs), b = id(u"b.jpg"_qs), c = id(u"c.jpg"_qs);
     EXPECT_TRUE(cache.cachedProxy(a, PhotoLevel::full).isNull());
     cache.proxy(a, PhotoLevel::full);
     cache.proxy(b, PhotoLevel::full);
@@ -93,22 +97,22 @@ TEST_F(PhotoCacheTest, anyProxyIsTheFinestAtHand)
 {
     PhotoCache cache(m_disk);
     const QString file = photo(u"a.jpg"_qs);
-    const PhotoId id{file, cache.accept(file)->digest};
-    EXPECT_EQ(cache.anyProxy(id).size(), QSize(427, 320));
-    cache.proxy(id, PhotoLevel::eighth);
-    cache.proxy(id, PhotoLevel::half);
-    EXPECT_EQ(cache.anyProxy(id).size(), QSize(320, 240));
-    EXPECT_TRUE(cache.cachedProxy(id, PhotoLevel::quarter).isNull());
+    const PhotoId known{file, cache.accept(file)->digest};
+    EXPECT_EQ(cache.anyProxy(known).size(), QSize(427, 320));
+    cache.proxy(known, PhotoLevel::eighth);
+    cache.proxy(known, PhotoLevel::half);
+    EXPECT_EQ(cache.anyProxy(known).size(), QSize(320, 240));
+    EXPECT_TRUE(cache.cachedProxy(known, PhotoLevel::quarter).isNull());
     EXPECT_TRUE(cache.anyProxy({file, "another content"}).isNull());
 }
 
 TEST_F(PhotoCacheTest, twoCallersOfOnePhotoShareOneDecoding)
 {
     PhotoCache cache(m_disk);
-    const PhotoId id{photo(u"a.jpg"_qs, {3000, 2000}), "a"};
+    const PhotoId large = id(u"a.jpg"_qs, {3000, 2000});
     QList<QFuture<QImage>> callers;
     for (int i = 0; i < 2; ++i)
-        callers.append(runOnWorker([&] { return cache.proxy(id, PhotoLevel::full); }));
+        callers.append(runOnWorker([&] { return cache.proxy(large, PhotoLevel::full); }));
     EXPECT_EQ(callers[0].result().cacheKey(), callers[1].result().cacheKey());
     const PhotoId missing{m_folder.filePath(u"none.jpg"_qs), "x"};
     EXPECT_TRUE(cache.proxy(missing, PhotoLevel::full).isNull());
@@ -135,4 +139,32 @@ TEST_F(PhotoCacheTest, theDiskKeepsTheNewestWithinItsBudget)
     for (const QFileInfo& info : stored())
         left.append(info.completeBaseName());
     EXPECT_EQ(left.join(u' '), u"0 1"_qs);
+}
+
+TEST_F(PhotoCacheTest, anotherPictureUnderTheSameNameIsAMissingPhoto)
+{
+    PhotoCache cache(m_disk);
+    const PhotoId accepted = id(u"a.jpg"_qs);
+    photo(u"a.jpg"_qs, {300, 900});
+    EXPECT_TRUE(cache.proxy(accepted, PhotoLevel::half).isNull());
+    EXPECT_TRUE(cache.thumbnail(accepted).isNull());
+    EXPECT_TRUE(cache.anyProxy(accepted).isNull()) << "kept under the digest of the former one";
+    EXPECT_FALSE(decodePhoto(accepted.path, PhotoLevel::full, accepted.digest));
+    EXPECT_TRUE(decodePhoto(accepted.path, PhotoLevel::full));
+}
+
+TEST_F(PhotoCacheTest, aPictureTooLargeToKeepIsKeptSmallerAndNotDecodedAnew)
+{
+    const qint64 whole = qint64(640) * 480 * 4;
+    const QString file = photo(u"a.png"_qs, {640, 480}, "png");
+    const PhotoId png{file, acceptPhoto(file)->digest};
+    PhotoCache cache(m_disk, whole);
+    EXPECT_EQ(cache.proxy(png, PhotoLevel::quarter).size(), QSize(160, 120));
+    EXPECT_EQ(cache.cachedProxy(png, PhotoLevel::quarter).size(), QSize(160, 120));
+    // Larger than the level when the level does not fit either.
+    EXPECT_LT(meanDifference(cache.proxy(png, PhotoLevel::full), quarters({320, 240})), 1);
+    EXPECT_FALSE(cache.cachedProxy(png, PhotoLevel::full).isNull());
+
+    PhotoCache roomy(m_disk, 2 * whole + 10'000);
+    EXPECT_EQ(roomy.proxy(png, PhotoLevel::quarter).size(), QSize(640, 480));
 }

@@ -15,17 +15,6 @@ std::optional<PhotoHeader> headerOf(QByteArray bytes)
     return readPhotoHeader(buffer);
 }
 
-QByteArray progressiveJpeg(QSize size)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, "jpeg");
-    writer.setProgressiveScanWrite(true);
-    writer.write(quarters(size));
-    return bytes;
-}
-
 }    // namespace
 
 TEST(PhotoHeader, readsEveryFormatFromItsBytes)
@@ -78,24 +67,30 @@ TEST(PhotoHeader, progressiveScansCountTheirCoefficients)
     const auto progressive = headerOf(bytes);
     const auto baseline = headerOf(encoded(quarters({640, 480}), "jpeg"));
     ASSERT_TRUE(progressive && baseline);
-    EXPECT_EQ(progressive->coefficientBytes, 640 * 480 * 2 * 3);
-    EXPECT_EQ(baseline->coefficientBytes, 0);
-    EXPECT_GT(scanCount(bytes), 5);
+    EXPECT_EQ(progressive->workingBytes, 640 * 480 * 2 * 3);
+    EXPECT_EQ(baseline->workingBytes, 0);
     // Two of 24 megapixels must not decode at once within 200 MB, whatever the level.
-    const PhotoHeader large{.size = {6000, 4000}, .coefficientBytes = qint64(6000) * 4000 * 2 * 3};
+    const PhotoHeader large{.size = {6000, 4000}, .workingBytes = qint64(6000) * 4000 * 2 * 3};
     EXPECT_GT(2 * decodingBytes(large, PhotoLevel::eighth), 200'000'000);
 }
 
-TEST(PhotoHeader, manyScansOverALargePictureAreRefused)
+TEST(PhotoHeader, aTiffOfManySamplesOrLongStripsCountsThem)
 {
-    const QByteArray jpeg = announcing(progressiveJpeg({64, 64}), {7000, 7000});
-    const qsizetype last = jpeg.lastIndexOf(QByteArray("\xFF\xDA", 2));
-    const QByteArray scan = jpeg.mid(last).chopped(2);
-    const QTemporaryDir folder;
-    const auto decoded = [&](int scans) {
-        const QByteArray bytes = jpeg.left(last) + scan.repeated(scans) + "\xFF\xD9";
-        return decodePhoto(written(folder, u"a.jpg"_qs, bytes), PhotoLevel::eighth);
+    const QByteArray tiff = encoded(quarters({600, 400}), "tiff");
+    // A number of the first directory: its tag, a type of two or four bytes, one value.
+    const auto changed = [&](char tag, quint32 value) {
+        QByteArray bytes = tiff;
+        for (const char type : {3, 4}) {
+            const char entry[]{tag, 1, type, 0, 1, 0, 0, 0};
+            if (const auto at = bytes.lastIndexOf(QByteArray(entry, sizeof entry)); at >= 0)
+                qToLittleEndian(value, bytes.data() + at + 8);
+        }
+        return headerOf(bytes);
     };
-    EXPECT_TRUE(decoded(1));
-    EXPECT_FALSE(decoded(110));
+    constexpr char samplesTag = 0x15, rowsTag = 0x16;
+    EXPECT_FALSE(changed(samplesTag, 100));
+    ASSERT_TRUE(changed(rowsTag, 8) && changed(rowsTag, 4'000'000));
+    EXPECT_EQ(decodingBytes(*changed(rowsTag, 4'000'000), PhotoLevel::full) -
+                  decodingBytes(*changed(rowsTag, 8), PhotoLevel::full),
+              600 * 392 * 3);
 }

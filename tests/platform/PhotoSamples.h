@@ -32,6 +32,17 @@ inline QByteArray encoded(const QImage& image, const char* format, int quality =
     return writer.write(image) ? bytes : QByteArray();
 }
 
+inline QByteArray progressiveJpeg(QSize size)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "jpeg");
+    writer.setProgressiveScanWrite(true);
+    writer.write(quarters(size));
+    return bytes;
+}
+
 // EXIF that says only the orientation.
 inline QByteArray orientationExif(int orientation)
 {
