@@ -13,7 +13,5 @@ mapfile -t changed < <(git diff --name-only --diff-filter=d HEAD -- '*.cpp' 2>/d
 if [ ${#changed[@]} -gt 0 ] && [ "${TIDY:-1}" = 1 ]; then
     # clang cannot read the precompiled headers of GCC: a configure of its own, without them.
     cmake --preset tidy >/dev/null
-    # The generated headers and resources the sources include must exist.
-    cmake --build build/tidy --target generated >/dev/null 2>&1 || true
     printf '%s\0' "${changed[@]}" | xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet -p build/tidy 2> >(grep -v 'warnings generated\|warnings treated' >&2)
 fi
