@@ -1,5 +1,6 @@
 #include "platform/HeicPhoto.h"
 
+#include "platform/HeicCodedSize.h"
 #include "platform/PhotoColor.h"
 
 #include <QColorSpace>
@@ -45,28 +46,28 @@ QColorSpace codedSpace(const heif_image_handle* handle)
     const CodedProfile profile(found);
     if (error.code != heif_error_Ok || !profile)
         return {};
-    const QColorSpace srgb(QColorSpace::SRgb);
-    const auto withPrimaries = [&](QColorSpace::Primaries primaries) {
-        if (profile->transfer_characteristics == heif_transfer_characteristic_linear)
-            return QColorSpace(primaries, QColorSpace::TransferFunction::Linear);
-        return QColorSpace(primaries, QColorSpace::TransferFunction::SRgb);
-    };
+    const auto curve = profile->transfer_characteristics == heif_transfer_characteristic_linear
+                           ? QColorSpace::TransferFunction::Linear
+                           : QColorSpace::TransferFunction::SRgb;
     switch (int(profile->color_primaries)) {
-    case 9: {    // ITU-R BT.2020
-        return QColorSpace({0.3127, 0.3290}, {0.708, 0.292}, {0.170, 0.797}, {0.131, 0.046},
-                           QColorSpace::TransferFunction::SRgb);
-    }
+    case 9:    // ITU-R BT.2020
+        return QColorSpace({0.3127, 0.3290}, {0.708, 0.292}, {0.170, 0.797}, {0.131, 0.046}, curve);
     case 12:    // Display P3
-        return withPrimaries(QColorSpace::Primaries::DciP3D65);
+        return QColorSpace(QColorSpace::Primaries::DciP3D65, curve);
     default:
-        return withPrimaries(QColorSpace::Primaries::SRgb);
+        return QColorSpace(QColorSpace::Primaries::SRgb, curve);
     }
 }
 
 }    // namespace
 
-QImage readHeicPhoto(const QByteArray& bytes)
+QImage readHeicPhoto(const QByteArray& bytes, QSize announced)
 {
+    // Coded pictures are whole blocks.
+    constexpr qint64 block = 64;
+    const qint64 mostPixels = (announced.width() + block) * (announced.height() + block);
+    if (largestCodedPicture(bytes) > mostPixels)
+        return {};
     constexpr int longestSide = 8000;    // of a square: the limit is its area
     const Context context(heif_context_alloc());
     heif_context_set_maximum_image_size_limit(context.get(), longestSide);
@@ -97,7 +98,8 @@ QImage readHeicPhoto(const QByteArray& bytes)
         heif_image_get_plane_readonly(picture.get(), heif_channel_interleaved, &stride);
     const int pictureWidth = heif_image_get_width(picture.get(), heif_channel_interleaved);
     const int pictureHeight = heif_image_get_height(picture.get(), heif_channel_interleaved);
-    if (!rows || pictureWidth <= 0 || pictureHeight <= 0 || stride < pictureWidth * 4)
+    if (!rows || pictureWidth <= 0 || pictureHeight <= 0 || stride < pictureWidth * 4 ||
+        qint64(pictureWidth) * pictureHeight > mostPixels)
         return {};
     const auto format = !alpha ? QImage::Format_RGBX8888
                         : heif_image_handle_is_premultiplied_alpha(handle.get())

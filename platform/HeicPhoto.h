@@ -4,6 +4,6 @@
 #include <QImage>
 
 // The main picture of a HEIC file in sRGB, turned as the container says; null when it cannot be
-// read or holds more than 64 megapixels. Its EXIF orientation repeats the container's and is
-// ignored.
-QImage readHeicPhoto(const QByteArray& bytes);
+// read, holds more than 64 megapixels, or is larger than `announced`, the largest size that its
+// container gives. Its EXIF orientation repeats the container's and is ignored.
+QImage readHeicPhoto(const QByteArray& bytes, QSize announced);

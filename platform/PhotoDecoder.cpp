@@ -203,7 +203,7 @@ std::optional<DecodedPhoto> decode(OpenPhoto& photo)
 {
     if (photo.header.format != PhotoFormat::heic)
         return readWithQt(photo.header, std::move(photo.bytes), photo.level);
-    QImage image = readHeicPhoto(photo.bytes);
+    QImage image = readHeicPhoto(photo.bytes, photo.header.size);
     if (image.isNull())
         return {};
     return DecodedPhoto{{image.size(), false}, image};
