@@ -88,7 +88,7 @@ StatusKind kindOf(StatusTone tone)
 
 }    // namespace
 
-MainWindow::MainWindow(StudioSession& session, std::shared_ptr<PhotoCache> photos,
+MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>& photos,
                        PreferencesStore& preferences)
     : m_session(session), m_preferences(preferences),
       m_shell(new StudioShell(formatChoices(), this)), m_tiles(new TilePictures(photos, this)),

@@ -25,7 +25,7 @@ class MainWindow : public QWidget {
     Q_OBJECT
 public:
     // The session and the preferences outlive the window.
-    MainWindow(StudioSession& session, std::shared_ptr<PhotoCache> photos,
+    MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>& photos,
                PreferencesStore& preferences);
     ~MainWindow() override;
 

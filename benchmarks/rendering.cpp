@@ -53,7 +53,7 @@ void placement(benchmark::State& state)
     ImagePlacement placed;
     placed.zoom = 1.3;
     placed.offset = {0.2, -0.1};
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(
             ImagePlacementGeometry::clamped(placed, QSizeF(6016, 4016), exportSize(format)));
 }
@@ -63,7 +63,7 @@ void fitting(benchmark::State& state)
 {
     TextLayer layer = defaultItem().layers[0];
     layer.text = u"Respira otoño en los Picos "_s.repeated(int(state.range(0)));
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(ExportCanvasRenderer::fittedFontSize(layer, {802, 176}, 2));
 }
 BENCHMARK(fitting)->Arg(1)->Arg(4)->Arg(400)->Unit(benchmark::kMicrosecond);
@@ -71,7 +71,7 @@ BENCHMARK(fitting)->Arg(1)->Arg(4)->Arg(400)->Unit(benchmark::kMicrosecond);
 void laying(benchmark::State& state)
 {
     const PublicationItem item = defaultItem();
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(layOut(item, exportSize(format), designSize(format)));
 }
 BENCHMARK(laying)->Unit(benchmark::kMicrosecond);
@@ -79,7 +79,7 @@ BENCHMARK(laying)->Unit(benchmark::kMicrosecond);
 void resampling(benchmark::State& state)
 {
     const QImage photo = noisyPhoto({3008, 2008});
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(resampled(photo, {2022, 1350}, {471, 0, 1080, 1350}));
 }
 BENCHMARK(resampling)->Unit(benchmark::kMillisecond);
@@ -89,7 +89,7 @@ void painting(benchmark::State& state)
     const ItemLayout layout = layOut(defaultItem(), exportSize(format), designSize(format));
     const QImage photo = noisyPhoto({3008, 2008});
     ResampledPhoto remembered;
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(paintedItem(layout, layout.canvas, photo, &remembered));
 }
 BENCHMARK(painting)->Unit(benchmark::kMillisecond);
@@ -97,7 +97,7 @@ BENCHMARK(painting)->Unit(benchmark::kMillisecond);
 void shadow(benchmark::State& state)
 {
     double sigma = 14;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         sigma += 1e-6;    // never the remembered one
         benchmark::DoNotOptimize(
             boxShadow({119, 389, 842, 216}, 32, sigma, Qt::black, {0, 0, 1080, 1350}));
@@ -108,7 +108,7 @@ BENCHMARK(shadow)->Unit(benchmark::kMillisecond);
 void encoding(benchmark::State& state)
 {
     const QImage image = noisyPhoto({1080, 1350});
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(encodePng(image));
 }
 BENCHMARK(encoding)->Unit(benchmark::kMillisecond);

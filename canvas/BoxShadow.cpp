@@ -175,7 +175,7 @@ ShadowPicture boxShadow(const QRectF& box, double cornerRadius, double sigma, co
             return *found;
     }
     // Drawn outside the lock: two threads may draw the same one once, and get the same pixels.
-    const ShadowPicture picture = drawShadow(box, cornerRadius, sigma, color, visible);
+    ShadowPicture picture = drawShadow(box, cornerRadius, sigma, color, visible);
     const QMutexLocker lock(&mutex);
     known.insert(key, std::make_unique<ShadowPicture>(picture).release(),
                  std::max<qsizetype>(picture.image.sizeInBytes(), 256));

@@ -50,7 +50,8 @@ Taps tapsFor(int source, int target, int begin, int end)
         const double centre = (i + 0.5) * ratio - 0.5;
         const int low = int(std::ceil(centre - support)), high = int(std::floor(centre + support));
         const int first = std::clamp(low, 0, source - 1), last = std::clamp(high, 0, source - 1);
-        share.assign(std::size_t(last - first + 1), 0.0);
+        const int length = last - first + 1;
+        share.assign(std::size_t(length), 0.0);
         double sum = 0;
         // Beyond the edge the outermost pixel repeats.
         for (int j = low; j <= high; ++j) {

@@ -1,5 +1,6 @@
 #include "model/GeneratedCopy.h"
 
+#include <QStringList>
 #include <QTextBoundaryFinder>
 
 using namespace Qt::StringLiterals;
