@@ -1,5 +1,7 @@
 #include "platform/AreaAverage.h"
 
+#include <QColorSpace>
+
 #include <algorithm>
 #include <vector>
 
@@ -49,7 +51,7 @@ QRgb meanAcross(const quint32* sums, const Span& columns, double perArea)
         add(columns.last, columns.lastWeight);
     QRgb pixel = 0;
     for (int channel = 0; channel < 4; ++channel)
-        pixel |= QRgb(int(mean[channel] * perArea + 0.5)) << (8 * channel);
+        pixel |= QRgb(qRound(mean[channel] * perArea)) << (8 * channel);
     return pixel;
 }
 
