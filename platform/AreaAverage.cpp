@@ -1,5 +1,7 @@
 #include "platform/AreaAverage.h"
 
+#include <QColorSpace>
+
 #include <algorithm>
 #include <vector>
 
@@ -33,16 +35,24 @@ void addRow(std::vector<quint32>& sums, const uchar* row, quint32 weight)
         first[i] += row[i] * weight;
 }
 
-qint64 sumAcross(const quint32* sums, const Span& columns)
+// Doubles hold these whole numbers exactly, and a division of whole numbers for each channel would
+// take longer than all else.
+QRgb meanAcross(const quint32* sums, const Span& columns, double perArea)
 {
-    qint64 inner = 0;
+    double mean[4]{};
+    const auto add = [&](int x, double weight) {
+        for (int channel = 0; channel < 4; ++channel)
+            mean[channel] += sums[4 * x + channel] * weight;
+    };
+    add(columns.first, columns.firstWeight);
     for (int x = columns.first + 1; x < columns.last; ++x)
-        inner += sums[4 * x];
-    qint64 sum =
-        qint64(sums[4 * columns.first]) * columns.firstWeight + inner * columns.innerWeight;
+        add(x, columns.innerWeight);
     if (columns.last > columns.first)
-        sum += qint64(sums[4 * columns.last]) * columns.lastWeight;
-    return sum;
+        add(columns.last, columns.lastWeight);
+    QRgb pixel = 0;
+    for (int channel = 0; channel < 4; ++channel)
+        pixel |= QRgb(qRound(mean[channel] * perArea)) << (8 * channel);
+    return pixel;
 }
 
 }    // namespace
@@ -56,7 +66,6 @@ QImage areaAveraged(const QImage& picture, QSize size)
     std::vector<Span> columns;
     for (int x = 0; x < size.width(); ++x)
         columns.emplace_back(x, picture.width(), size.width());
-    // Half a million divisions of whole numbers would take longer than all else.
     const double perArea = 1.0 / (double(picture.width()) * picture.height());
     std::vector<quint32> sums(std::size_t(picture.width()) * 4);
     for (int y = 0; y < size.height(); ++y) {
@@ -64,11 +73,9 @@ QImage areaAveraged(const QImage& picture, QSize size)
         std::ranges::fill(sums, 0);
         for (int row = rows.first; row <= rows.last; ++row)
             addRow(sums, picture.constScanLine(row), rows.weight(row));
-        uchar* const line = result.scanLine(y);
-        for (std::size_t i = 0; i < 4 * columns.size(); ++i) {
-            const qint64 sum = sumAcross(sums.data() + i % 4, columns[i / 4]);
-            line[i] = uchar(double(sum) * perArea + 0.5);
-        }
+        auto* const line = reinterpret_cast<QRgb*>(result.scanLine(y));
+        for (std::size_t x = 0; x < columns.size(); ++x)
+            line[x] = meanAcross(sums.data(), columns[x], perArea);
     }
     result.setColorSpace(picture.colorSpace());
     return result;
