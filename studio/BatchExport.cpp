@@ -53,7 +53,7 @@ ExportedFile exportItem(const PublicationItem& item, SocialFormat format, const 
     ExportedFile file{.path = path, .bytes = 0, .error = {}, .times = {}};
     const auto timedSource = [&](const PhotoHandle& photo, PhotoLevel level) {
         Stopwatch decoding;
-        const QImage image = source(photo, level);
+        QImage image = source(photo, level);
         file.times.decode += decoding.lap();
         return image;
     };

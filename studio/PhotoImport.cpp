@@ -92,8 +92,10 @@ PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCach
     run->isLooked.resize(std::size_t(run->photos.size()));
     run->progress.total = run->photos.size();
 
+    const int laneCount = 2 * workers().maxThreadCount();
     std::vector<QCoro::Task<>> lanes;
-    for (int i = 0; i < 2 * workers().maxThreadCount(); ++i)
+    lanes.reserve(std::size_t(laneCount));
+    for (int i = 0; i < laneCount; ++i)
         lanes.push_back(lane(run));
     for (QCoro::Task<>& each : lanes)
         co_await each;
