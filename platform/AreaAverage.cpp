@@ -64,6 +64,7 @@ QImage areaAveraged(const QImage& picture, QSize size)
     if (picture.isNull() || result.isNull())
         return {};
     std::vector<Span> columns;
+    columns.reserve(std::size_t(size.width()));
     for (int x = 0; x < size.width(); ++x)
         columns.emplace_back(x, picture.width(), size.width());
     const double perArea = 1.0 / (double(picture.width()) * picture.height());

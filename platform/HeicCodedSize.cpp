@@ -55,7 +55,7 @@ qint64 codedPixels(QByteArray unit)
             layerBits += levelLength;
     }
     if (layers > 0)
-        reader.skip(2 * (8 - layers) + layerBits);
+        reader.skip(qsizetype(2) * (8 - layers) + layerBits);
     reader.number();    // its own
     constexpr quint32 fullChroma = 3;
     if (reader.number() == fullChroma)
