@@ -10,7 +10,7 @@
 
 QImage ExportCanvasRenderer::decodedFromFile(const PhotoHandle& photo, PhotoLevel level)
 {
-    return decodePhoto(photo.path, level).value_or(QImage());
+    return decodePhoto(photo.path, level, photo.digest).value_or(QImage());
 }
 
 PhotoLevel ExportCanvasRenderer::photoLevel(const PhotoHandle& photo,
