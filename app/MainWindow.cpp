@@ -380,6 +380,8 @@ const QList<PublicationItem>& MainWindow::shownItems() const
 void MainWindow::showTile(const TileRequest& request, const QImage& picture)
 {
     // A picture begun before the last change comes too late: the newer one is on its way.
+    if (picture.isNull())
+        return;
     const auto& items = shownItems();
     const auto item = std::ranges::find(items, request.item.id, &PublicationItem::id);
     if (item != items.end() && *item == request.item && m_session.batch().format == request.format)
@@ -441,6 +443,7 @@ void MainWindow::showStage()
     if (!item) {
         m_staged.reset();
         m_stage->clear();
+        m_shell->stage()->setPicture({});
         return;
     }
     const bool sameFormat = m_stagedFormat == m_session.batch().format;

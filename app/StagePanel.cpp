@@ -92,6 +92,14 @@ void StagePanel::fit()
     }
 }
 
+// But for what rounding may do.
+static bool hasShapeOf(QSize picture, QSize other)
+{
+    return qAbs(qint64(picture.width()) * other.height() -
+                qint64(picture.height()) * other.width()) <=
+           2 * std::max(picture.width() + other.width(), picture.height() + other.height());
+}
+
 void StagePanel::paintEvent(QPaintEvent*)
 {
     const Theme& theme = themeOf(this);
@@ -116,8 +124,11 @@ void StagePanel::paintEvent(QPaintEvent*)
         QImage sharp = m_picture;
         sharp.setDevicePixelRatio(ratio);
         painter.drawImage(wholePixel(painter, m_canvas.topLeft()), sharp);
-    } else {
+    } else if (hasShapeOf(m_picture.size(), m_pictureSize)) {
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawImage(m_canvas, m_picture);
+    } else {
+        painter.fillRect(m_canvas,
+                         theme.empty);    // a picture in another format, out of shape here
     }
 }

@@ -15,7 +15,7 @@ public:
     // For screen readers; `current` counts from 0.
     void setPosition(int current, int count);
     QSize pictureSize() const { return m_pictureSize; }    // in pixels of the screen
-    // Until a picture of the wanted size comes, the last one is shown scaled.
+    // Until a picture of the wanted size comes, the last one of the same shape is shown scaled.
     void setPicture(const QImage& picture);
     QRect canvasRect() const { return m_canvas; }
     QSize sizeHint() const override { return {640, 640}; }

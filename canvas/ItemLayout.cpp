@@ -99,8 +99,7 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
                             .shadow = layOutShadow(layer, scale),
                             .text = text,
                             .textPosition = {},
-                            .foreground = layer.foreground.color(),
-                            .fontSize = size};
+                            .foreground = layer.foreground.color()};
     if (layer.hasBox)
         result.fill = layer.background.withAlpha(layer.backgroundOpacity);
     result.textPosition =

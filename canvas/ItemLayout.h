@@ -34,7 +34,6 @@ struct LaidOutTextLayer {
     LaidOutText text;
     QPointF textPosition;
     QColor foreground;
-    double fontSize = 0;
 };
 
 // An item laid out once for one output size: every size fitted, every line broken. Whatever shows

@@ -95,9 +95,13 @@ public:
             std::ranges::all_of(layer.text, [](QChar c) { return c < QChar(0x250); });
         m_lineHeight = (metrics.ascent() + metrics.descent()) * (isLatin ? 1.0 : 0.6);
         m_isEmpty = layer.text.isEmpty();
-        // A line may swallow the blank it breaks at.
-        m_ink = oneLine.naturalWidth() -
-                double(layer.text.count(u' ')) * metrics.horizontalAdvance(u' ');
+        // A line may swallow the blank it breaks at; of other blanks the width is not known.
+        const bool hasPlainBlanks = std::ranges::all_of(
+            layer.text, [](QChar c) { return c == u' ' || c == u'\n' || !c.isSpace(); });
+        if (hasPlainBlanks) {
+            const double blanks = double(layer.text.count(u' '));
+            m_ink = oneLine.naturalWidth() - blanks * metrics.horizontalAdvance(u' ');
+        }
     }
 
     bool contains(double size) const

@@ -48,10 +48,9 @@ const QStringList helpOptions{u"-h"_s, u"--help"_s}, versionOptions{u"-v"_s, u"-
 
 bool isCommandLine(const QStringList& arguments)
 {
-    // What is neither a file to open nor a link is a command, if only a misspelt one.
+    // What is no file to open is a command, if only a misspelt one.
     return !arguments.isEmpty() &&
-           (commandNamed(arguments.first()) ||
-            !(QFileInfo::exists(arguments.first()) || arguments.first().startsWith(u"moltiva:")));
+           (commandNamed(arguments.first()) || !QFileInfo::exists(arguments.first()));
 }
 
 int runCommandLine(const QStringList& arguments)

@@ -94,7 +94,10 @@ int runExport(const QStringList& arguments)
     if (!parser.parse(QStringList{u"moltiva export"_s} + arguments))
         return wrongUse(parser.errorText());
     if (parser.isSet(help)) {
-        std::fputs(parser.helpText().toUtf8().constData(), stdout);
+        // The parser names the program alone.
+        QString text = parser.helpText();
+        text.replace(0, text.indexOf(u'\n'), u"Uso: moltiva export [opciones] foto|carpeta…"_s);
+        std::fputs(text.toUtf8().constData(), stdout);
         return exitDone;
     }
 
@@ -127,9 +130,19 @@ int runExport(const QStringList& arguments)
         const QFileInfo file(path);
         if (!file.exists())
             return wrongUse(u"no existe «%1»."_s.arg(path));
-        if (file.isDir())
-            photos.append(withoutOwnOutputs(photosInFolder(path)));
-        else
+        if (file.isDir()) {
+            const QList<QUrl> found = photosInFolder(path);
+            const QList<QUrl> kept = withoutOwnOutputs(found);
+            if (kept.size() < found.size()) {
+                const QString sentence =
+                    u"%1: %2 publicación(es) de otra foto de la carpeta, no se exportan.\n"_s;
+                std::fputs(sentence.arg(path, QString::number(found.size() - kept.size()))
+                               .toUtf8()
+                               .constData(),
+                           stderr);
+            }
+            photos.append(kept);
+        } else
             photos.append(QUrl::fromLocalFile(file.absoluteFilePath()));
     }
     if (!parser.isSet(sample) && parser.positionalArguments().isEmpty())

@@ -14,7 +14,6 @@ public:
     void end(double seconds, qint64 peakBytes, bool interrupted);
 
     qsizetype written() const { return m_written; }
-    qsizetype skipped() const { return m_skipped; }
 
 private:
     void drawBar();

@@ -5,7 +5,7 @@
 
 // Writes the bytes beside `path` under a temporary name and renames: the file is whole or absent,
 // and one of that name is replaced only by a whole new one. Not flushed to the disk: over a batch
-// that costs more than the drawing. An empty string, or the system's reason in the user's language.
+// that costs more than the drawing. An empty string, or the system's reason in its own words.
 QString writeAtomically(const QString& path, QByteArrayView bytes);
 
 // How the temporary names begin, which a crash leaves behind. Hidden, and short: a target's name

@@ -1,5 +1,7 @@
 #include "platform/DecodeGate.h"
 
+#include <algorithm>
+
 DecodeGate::Pass DecodeGate::enter(qint64 bytes)
 {
     std::unique_lock lock(m_mutex);
@@ -18,5 +20,14 @@ DecodeGate::Pass::~Pass()
         return;
     const std::scoped_lock lock(m_gate->m_mutex);
     m_gate->m_used -= m_bytes;
+    m_gate->m_changed.notify_all();
+}
+
+void DecodeGate::Pass::shrinkTo(qint64 bytes)
+{
+    const std::scoped_lock lock(m_gate->m_mutex);
+    const qint64 kept = std::min(bytes, m_bytes);
+    m_gate->m_used -= m_bytes - kept;
+    m_bytes = kept;
     m_gate->m_changed.notify_all();
 }

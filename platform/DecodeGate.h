@@ -21,6 +21,7 @@ public:
         }
         Pass& operator=(Pass&&) = delete;
         ~Pass();
+        void shrinkTo(qint64 bytes);    // gives back what is above
 
     private:
         friend class DecodeGate;

@@ -153,7 +153,7 @@ std::optional<DecodedPhoto> readWithQt(const PhotoHeader& header, QByteArray byt
         return {};
     image = uprightFrom(std::move(image), orientationOf(header, bytes));
     const PhotoInfo info = reducible ? infoBeforeDecoding(header) : PhotoInfo{image.size(), false};
-    return DecodedPhoto{info, inSrgb(std::move(image))};
+    return DecodedPhoto{info, inSrgb(std::move(image)), nullptr};
 }
 
 // A photo whose bytes are read and whose share of memory is taken.
@@ -164,11 +164,10 @@ struct OpenPhoto {
     QByteArray bytes;
 };
 
-// The readers of JPEG and PNG take the bytes as they come; others copy them, or what is compressed
-// in them.
+// Most readers take the bytes as they come, a strip or a row at a time; these two copy them whole.
 int copiesOfFile(PhotoFormat format)
 {
-    return format == PhotoFormat::jpeg || format == PhotoFormat::png ? 1 : 2;
+    return format == PhotoFormat::webp || format == PhotoFormat::heic ? 2 : 1;
 }
 
 std::optional<OpenPhoto> openPhoto(const QString& path, const LevelChoice& wantedLevel)
@@ -199,14 +198,26 @@ QByteArray digestOf(const QByteArray& bytes)
     return QCryptographicHash::hash(bytes, QCryptographicHash::Blake2b_256);
 }
 
-std::optional<DecodedPhoto> decode(OpenPhoto& photo)
+std::optional<DecodedPhoto> decodeHeic(const PhotoHeader& header, const QByteArray& bytes)
 {
-    if (photo.header.format != PhotoFormat::heic)
-        return readWithQt(photo.header, std::move(photo.bytes), photo.level);
-    QImage image = readHeicPhoto(photo.bytes, photo.header.size);
+    QImage image = readHeicPhoto(bytes, header.size);
     if (image.isNull())
         return {};
-    return DecodedPhoto{{image.size(), false}, image};
+    return DecodedPhoto{{image.size(), false}, image, nullptr};
+}
+
+// The picture goes on holding its own share of the memory; that of the decoding is given back.
+std::optional<DecodedPhoto> decode(OpenPhoto photo)
+{
+    auto decoded = photo.header.format == PhotoFormat::heic
+                       ? decodeHeic(photo.header, photo.bytes)
+                       : readWithQt(photo.header, std::move(photo.bytes), photo.level);
+    if (decoded) {
+        auto share = std::make_shared<DecodeGate::Pass>(std::move(photo.pass));
+        share->shrinkTo(decoded->image.sizeInBytes());
+        decoded->share = std::move(share);
+    }
+    return decoded;
 }
 
 }    // namespace
@@ -255,7 +266,7 @@ std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& 
     auto photo = openPhoto(path, level);
     if (!photo || (!expectedDigest.isEmpty() && digestOf(photo->bytes) != expectedDigest))
         return {};
-    return decode(*photo);
+    return decode(std::move(*photo));
 }
 
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path)
@@ -266,7 +277,7 @@ std::optional<AcceptedPhoto> acceptPhoto(const QString& path)
     if (!photo)
         return {};
     const QByteArray digest = digestOf(photo->bytes);
-    auto decoded = decode(*photo);
+    auto decoded = decode(std::move(*photo));
     if (!decoded)
         return {};
     const QSize size = thumbnailSize(decoded->info.size);

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 // File pixels per decoded pixel, each way.
@@ -38,6 +39,9 @@ std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level,
 struct DecodedPhoto {
     PhotoInfo info;
     QImage image;
+    // Counts the picture's bytes against what all decodings may take together, until it goes: hold
+    // it as long as the picture, and no longer, for others may be waiting.
+    std::shared_ptr<const void> share;
 };
 using LevelChoice = std::function<PhotoLevel(const PhotoInfo&)>;
 std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level,

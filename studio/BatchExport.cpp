@@ -33,6 +33,12 @@ private:
 };
 
 const QString unreadablePhoto = u"No se pudo leer la foto."_s;
+// A Spanish sentence round the system's reason, which may be in English; nothing for no reason.
+QString notWritten(const QString& reason)
+{
+    return reason.isEmpty() ? QString() : u"No se pudo escribir el archivo (%1)."_s.arg(reason);
+}
+
 const QString shortOfMemory = u"No hay memoria para crear la imagen."_s;
 
 // One file short of memory does not end the batch.
@@ -67,7 +73,7 @@ ExportedFile exportItem(const PublicationItem& item, SocialFormat format, const 
     }
     const QByteArray png = encodePng(*image);
     file.times.encode = watch.lap();
-    file.error = png.isEmpty() ? shortOfMemory : writeAtomically(path, png);
+    file.error = png.isEmpty() ? shortOfMemory : notWritten(writeAtomically(path, png));
     file.times.write = watch.lap();
     file.bytes = file.isWritten() ? png.size() : 0;
     return file;
@@ -95,10 +101,14 @@ ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& pa
 
 QStringList exportPaths(const QList<QUrl>& photos, const QString& folder)
 {
-    const QDir target(QDir(folder).absolutePath());
+    // Where files really lie: a link must not make an output fall on a photo.
+    const QString real = QFileInfo(folder).canonicalFilePath();
+    const QDir target(real.isEmpty() ? QDir(folder).absolutePath() : real);
     QSet<QString> taken;
-    for (const QUrl& photo : photos)
+    for (const QUrl& photo : photos) {
         taken.insert(photo.toLocalFile().toCaseFolded());
+        taken.insert(QFileInfo(photo.toLocalFile()).canonicalFilePath().toCaseFolded());
+    }
     QStringList paths;
     for (const QUrl& photo : photos) {
         const QString name = filenameOf(photo);

@@ -6,6 +6,12 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr qint64 importStep = 30;    // ms between two reports of an import
+
+}    // namespace
+
 StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, QObject* parent)
     : QObject(parent), m_photos(std::move(photos)),
       m_status(u"Importa una imagen o una carpeta para empezar."_s)
@@ -42,11 +48,17 @@ void StudioSession::load(const QList<QUrl>& filesAndFolders)
     auto control = std::make_shared<PhotoImport::Control>();
     m_import = control;
     m_importProgress = {};
+    m_importTold.invalidate();
     control->progressed = [this,
                            weak = std::weak_ptr(control)](const PhotoImport::Progress& progress) {
         // A stopped import says nothing more; one that is not stopped has its session.
         if (m_import != weak.lock())
             return;
+        // Whoever shows the progress looks at every photo of it: with thousands, not at each step.
+        if (m_importTold.isValid() && m_importTold.elapsed() < importStep &&
+            progress.looked < progress.total)
+            return;
+        m_importTold.start();
         m_importProgress = progress;
         setStatus(u"Importando %1 de %2"_s.arg(progress.looked).arg(progress.total));
         Q_EMIT importChanged();
@@ -97,8 +109,10 @@ void StudioSession::stopImport()
     if (!m_import)
         return;
     m_import->stop = true;
+    m_import.reset();
+    m_importProgress = {};
     setStatus(u"Importación cancelada. El lote sigue como estaba."_s);
-    finishImport(std::nullopt);
+    Q_EMIT importChanged();
 }
 
 void StudioSession::setFormat(SocialFormat format)

@@ -5,6 +5,7 @@
 #include "studio/LayerEdits.h"
 #include "studio/PhotoImport.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 
@@ -80,4 +81,5 @@ private:
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
     std::shared_ptr<PhotoImport::Control> m_import;    // of the import under way
     PhotoImport::Progress m_importProgress;
+    QElapsedTimer m_importTold;    // since the last report of it
 };

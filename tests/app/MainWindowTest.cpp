@@ -110,7 +110,8 @@ TEST_F(MainWindowTest, aBatchThatTheColumnDoesNotShowIsNotChangedFromIt)
     session.load({photos(12)});
     settle();
     const Batch before = session.batch();
-    session.load({QUrl::fromLocalFile(m_folder.path())});
+    const QUrl more = photos(60);
+    session.load({more});
     ASSERT_TRUE(
         QTest::qWaitFor([this] { return !session.importProgress().accepted.isEmpty(); }, 30000));
     ASSERT_TRUE(session.isImporting());

@@ -44,6 +44,7 @@ TEST(TextFitting, skipsOnlySizesThatCannotFit)
                             u"Línea una\nlínea dos\r\nlínea tres"_s,
                             u"مرحبا بالعالم هذا نص طويل"_s,
                             u"Sol ☀️ y playa 🏖️ todo el año"_s,
+                            u"ancho\u3000y\u2003más\u3000ancho\u2003todavía\u3000sí"_s,
                             u"😀 😀 😀 🏖️ ⭐"_s,
                             u"palabra "_s.repeated(60)};
     for (const QString& text : texts) {

@@ -3,10 +3,22 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <optional>
 #include <thread>
 
 #include <gtest/gtest.h>
+
+TEST(DecodeGate, whatAPassGivesBackLetsTheNextOneIn)
+{
+    DecodeGate gate(100);
+    auto first = gate.enter(90);
+    auto second = std::async(std::launch::async, [&] { const auto pass = gate.enter(60); });
+    EXPECT_EQ(second.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    first.shrinkTo(80);
+    first.shrinkTo(40);
+    EXPECT_EQ(second.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+}
 
 TEST(DecodeGate, neverLetsMoreThanTheBudgetInAtOnce)
 {

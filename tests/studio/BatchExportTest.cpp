@@ -44,6 +44,19 @@ TEST(BatchExport, noOutputIsSharedOrFallsOnAPhotoOfTheBatch)
                            u"/s/otra-publicacion-publicacion.png"_s}));
 }
 
+TEST(BatchExport, anOutputReachedThroughALinkDoesNotFallOnAPhoto)
+{
+    const QTemporaryDir folder;
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"d"_s));
+    ASSERT_TRUE(QFile::link(folder.filePath(u"d"_s), folder.filePath(u"link"_s)));
+    const QList<QUrl> photos{QUrl::fromLocalFile(folder.filePath(u"d/x.jpg"_s)),
+                             QUrl::fromLocalFile(folder.filePath(u"d/x-publicacion.png"_s))};
+    for (const QUrl& photo : photos)
+        ASSERT_TRUE(QFile(photo.toLocalFile()).open(QIODevice::WriteOnly));
+    EXPECT_EQ(exportPaths(photos, folder.filePath(u"link"_s)).first(),
+              folder.filePath(u"link/x-publicacion-2.png"_s));
+}
+
 TEST(BatchExport, aFolderExportedIntoItselfGivesTheSamePhotosAgain)
 {
     QList<QUrl> photos;
