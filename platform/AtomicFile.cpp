@@ -6,6 +6,7 @@
 #include <QRandomGenerator>
 #include <QScopeGuard>
 
+#include <cerrno>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -18,8 +19,10 @@ QString writeAtomically(const QString& path, QByteArrayView bytes)
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return file.errorString();
     auto discard = qScopeGuard([&] { file.remove(); });
-    if (file.write(bytes.data(), bytes.size()) != bytes.size() || !file.flush())
-        return file.errorString();
+    if (file.write(bytes.data(), bytes.size()) != bytes.size() || !file.flush()) {
+        // A full disk takes a part and calls that no error.
+        return file.error() == QFile::NoError ? qt_error_string(ENOSPC) : file.errorString();
+    }
     file.close();
 #ifdef Q_OS_UNIX
     // QFile::rename never replaces.
