@@ -115,7 +115,6 @@ ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF referen
     layout.canvas =
         QSize(int(std::lround(ExportCanvasRenderer::clamp(outputSize.width(), 0, 30000))),
               int(std::lround(ExportCanvasRenderer::clamp(outputSize.height(), 0, 30000))));
-    layout.photo = item.image;
     layout.photoRect =
         ImagePlacementGeometry::imageRect(item.image.size, outputSize, item.placement);
     const double scale = ExportCanvasRenderer::designScale(outputSize, reference);

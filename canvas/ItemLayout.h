@@ -40,8 +40,7 @@ struct LaidOutTextLayer {
 // the item paints this, through a transform of its own, and never fits again. Painted on the thread
 // that made it.
 struct ItemLayout {
-    QSize canvas;    // whole pixels
-    PhotoHandle photo;
+    QSize canvas;        // whole pixels
     QRectF photoRect;    // empty: no photo
     QList<LaidOutShape> shapes;
     QList<LaidOutTextLayer> texts;
