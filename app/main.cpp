@@ -82,9 +82,10 @@ int runWindow(int& argc, char** argv, const QStringList& arguments)
     QDir().mkpath(data);
     PreferencesStore preferences(data + u"/moltiva.sqlite"_s);
     const auto photos = std::make_shared<PhotoCache>(cache + u"/thumbnails"_s);
-    StudioSession session(photos);
+    StudioSession session(photos, preferences);
     MainWindow window(session, photos, preferences);
     window.show();
+    session.restoreWorkspaceIfNeeded();
 
     QList<QUrl> given;
     for (const QString& path : arguments)

@@ -88,7 +88,7 @@ int main(int argc, char** argv)
     const QTemporaryDir own;
     const auto cache = std::make_shared<PhotoCache>(own.filePath(u"thumbnails"_s));
     PreferencesStore preferences(own.filePath(u"preferences.sqlite"_s));
-    StudioSession session(cache);
+    StudioSession session(cache, preferences);
     MainWindow window(session, cache, preferences);
     window.show();
     for (QElapsedTimer pause; !pause.isValid() || pause.elapsed() < 300;) {

@@ -65,8 +65,7 @@ namespace {
 template <typename Line>
 void printJson(const Line& line)
 {
-    print(stdout, QString::fromStdString(json::write(line).dump(
-                      -1, ' ', false, json::Value::error_handler_t::replace)));
+    print(stdout, QString::fromUtf8(json::written(line)));
 }
 
 }    // namespace

@@ -5,6 +5,7 @@
 #include "model/JsonMapping.h"
 #include "model/ShapeLayer.h"
 #include "model/TextLayer.h"
+#include "model/WorkspaceSnapshot.h"
 
 namespace json {
 
@@ -96,14 +97,44 @@ struct JsonFields<ShapeLayer> {
         JsonFields<ShapeLayerDesign>::fields;
 };
 
+template <>
+struct JsonFields<PublicationItemSnapshot> {
+    using Item = PublicationItemSnapshot;
+    static constexpr auto fields =
+        std::tuple{required("id", &Item::id),
+                   required("url", &Item::url),
+                   optional("bookmarkData", &Item::bookmarkData),
+                   required("analysis", &Item::analysis),
+                   required("layers", &Item::layers),
+                   optional("shapeLayers", &Item::shapeLayers),
+                   required("placement", &Item::placement),
+                   optional("paidRenderFingerprints", &Item::paidRenderFingerprints)};
+};
+
+template <>
+struct JsonFields<WorkspaceSnapshot> {
+    using Workspace = WorkspaceSnapshot;
+    static constexpr auto fields =
+        std::tuple{required("format", &Workspace::format, SocialFormat::storyReel),
+                   required("objective", &Workspace::objective),
+                   required("selectedIndex", &Workspace::selectedIndex),
+                   required("selectionAnchorIndex", &Workspace::selectionAnchorIndex),
+                   required("selectedItemIDs", &Workspace::selectedItemIDs),
+                   optional("selectedLayerID", &Workspace::selectedLayerID),
+                   required("items", &Workspace::items)};
+    static void settle(WorkspaceSnapshot& workspace, const Value& object)
+    {
+        if (const auto items = object.find("items"); items != object.end())
+            workspace.unreadableItems = qsizetype(items->size()) - workspace.items.size();
+    }
+};
+
 }    // namespace json
 
 template <typename Record>
 QByteArray toJson(const Record& record)
 {
-    const std::string text =
-        json::write(record).dump(-1, ' ', false, json::Value::error_handler_t::replace);
-    return QByteArray(text.data(), qsizetype(text.size()));
+    return json::written(record);
 }
 
 template <typename Record>
@@ -128,3 +159,10 @@ MOLTIVA_JSON_RECORD(ShapeLayer)
 MOLTIVA_JSON_RECORD(ShapeLayerDesign)
 MOLTIVA_JSON_RECORD(QList<TextLayer>)
 MOLTIVA_JSON_RECORD(QList<ShapeLayer>)
+MOLTIVA_JSON_RECORD(WorkspaceSnapshot)
+template QByteArray toJson(const QString&);
+template QByteArray toJson(const QUrl&);
+template QByteArray toJson(const QUuid&);
+template QByteArray toJson(const QByteArray&);
+template QByteArray toJson(const QSet<QUuid>&);
+template QByteArray toJson(const QSet<QString>&);

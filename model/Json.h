@@ -7,7 +7,8 @@
 
 // Records as JSON, and back. Defined for the records of model/ that files hold: CodableColor,
 // CodableRect, ImagePlacement, GeneratedCopy, TextLayer, TextLayerDesign, ShapeLayer,
-// ShapeLayerDesign and QLists of the two layers.
+// ShapeLayerDesign, QLists of the two layers and WorkspaceSnapshot. Also written, as parts of a
+// document: QString, QUrl, QUuid, QByteArray (as base-64), QSet<QUuid> and QSet<QString>.
 
 template <typename Record>
 QByteArray toJson(const Record& record);

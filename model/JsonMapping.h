@@ -22,6 +22,8 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <concepts>
 #include <functional>
@@ -139,60 +141,94 @@ bool read(const Value& value, QSet<T>& out)
     return isList;
 }
 
-inline Value write(bool value)
+// Writers append to the text at once: a batch is written at every change, and a tree of values in
+// between costs ten times as much.
+
+inline void append(QByteArray& text, bool value)
 {
-    return value;
+    text.append(value ? "true" : "false");
 }
-inline Value write(double value)
+
+template <typename Number>
+requires std::same_as<Number, double> || std::same_as<Number, int>
+void append(QByteArray& text, Number value)
 {
-    return value;
+    if (!std::isfinite(double(value)))
+        value = 0;    // JSON has no word for it, and a record without the key would not read
+    // The shortest that reads back as the same number, but no exponent for a count.
+    std::array<char, 32> digits{};
+    const bool isCount = value == std::trunc(value) && std::abs(value) < 1e15;
+    const auto begin = digits.data(), room = begin + digits.size();
+    const auto end = isCount ? std::to_chars(begin, room, qint64(value)).ptr
+                             : std::to_chars(begin, room, value).ptr;
+    text.append(digits.data(), qsizetype(end - digits.data()));
 }
-inline Value write(int value)
+
+// Characters of plain ASCII or UTF-8 that need no escape.
+inline void appendQuoted(QByteArray& text, const QByteArray& utf8)
 {
-    return value;
+    text.append('"').append(utf8).append('"');
 }
-inline Value write(const QString& value)
+
+inline void append(QByteArray& text, const QString& value)
 {
-    return value.toStdString();
+    const QByteArray utf8 = value.toUtf8();
+    const auto needsEscape = [](char c) { return (uchar(c) < 0x20) || c == '"' || c == '\\'; };
+    if (std::ranges::none_of(utf8, needsEscape))
+        appendQuoted(text, utf8);
+    else
+        text.append(QByteArray::fromStdString(Value(utf8.toStdString()).dump()));
 }
-inline Value write(const QUuid& value)
+
+inline void append(QByteArray& text, const QUuid& value)
 {
-    return write(value.toString(QUuid::WithoutBraces).toUpper());
+    appendQuoted(text, value.toByteArray(QUuid::WithoutBraces).toUpper());
 }
-inline Value write(const QUrl& value)
+
+inline void append(QByteArray& text, const QUrl& value)
 {
-    return write(value.toString(QUrl::FullyEncoded));
+    append(text, value.toString(QUrl::FullyEncoded));
 }
-inline Value write(const QByteArray& value)
+
+inline void append(QByteArray& text, const QByteArray& value)
 {
-    return value.toBase64().toStdString();
+    appendQuoted(text, value.toBase64());
 }
 
 template <ClosedVocabulary E>
-Value write(E value)
+void append(QByteArray& text, E value)
 {
-    return write(rawValue(value));
+    append(text, rawValue(value));
 }
 
 template <Mapped Record>
-Value write(const Record& record);
+void append(QByteArray& text, const Record& record);
 
 template <typename T>
-Value write(const QList<T>& values)
+void append(QByteArray& text, const std::optional<T>& value)
 {
-    Value list = Value::array();
-    for (const T& value : values)
-        list.push_back(write(value));
-    return list;
+    append(text, *value);
+}
+
+template <typename T>
+void append(QByteArray& text, const QList<T>& values)
+{
+    text.append('[');
+    for (qsizetype i = 0; i < values.size(); ++i) {
+        if (i > 0)
+            text.append(',');
+        append(text, values[i]);
+    }
+    text.append(']');
 }
 
 // In order, so that equal sets give equal bytes.
 template <typename T>
-Value write(const QSet<T>& values)
+void append(QByteArray& text, const QSet<T>& values)
 {
     QList<T> list = values.values();
     std::ranges::sort(list);
-    return write(list);
+    append(text, list);
 }
 
 enum class Presence { required, optional };
@@ -261,12 +297,6 @@ bool isAbsent(const std::optional<T>& value)
     return !value;
 }
 
-template <typename T>
-Value write(const std::optional<T>& value)
-{
-    return write(*value);
-}
-
 template <Mapped Record>
 bool read(const Value& value, Record& out)
 {
@@ -278,24 +308,37 @@ bool read(const Value& value, Record& out)
     // The place for an invariant that a file could break.
     if constexpr (requires { JsonFields<Record>::settle(out); })
         JsonFields<Record>::settle(out);
+    else if constexpr (requires { JsonFields<Record>::settle(out, value); })
+        JsonFields<Record>::settle(out, value);
     return complete;
 }
 
 template <Mapped Record>
-Value write(const Record& record)
+void append(QByteArray& text, const Record& record)
 {
-    Value object = Value::object();
+    char separator = '{';
     std::apply(
         [&](const auto&... field) {
             const auto add = [&](const auto& one) {
                 const auto& value = std::invoke(one.access, record);
-                if (!isAbsent(value))
-                    object.emplace(one.key, write(value));
+                if (isAbsent(value))
+                    return;
+                text.append(separator).append('"').append(one.key).append("\":");
+                append(text, value);
+                separator = ',';
             };
             (add(field), ...);
         },
         JsonFields<Record>::fields);
-    return object;
+    text.append(separator == '{' ? "{}" : "}");
+}
+
+template <typename T>
+QByteArray written(const T& value)
+{
+    QByteArray text;
+    append(text, value);
+    return text;
 }
 
 }    // namespace json

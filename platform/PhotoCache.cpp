@@ -36,6 +36,21 @@ std::optional<AcceptedPhoto> PhotoCache::accept(const QString& path)
     return photo;
 }
 
+std::optional<AcceptedPhoto> PhotoCache::reopen(const QString& path)
+{
+    const auto info = readPhotoInfo(path);
+    if (!info)
+        return {};
+    if (auto known = m_disk.loadFacts(m_disk.fileFor(path)))
+        return known;
+    if (!info->reducible) {
+        // Only its decoding tells how it will stand.
+        if (auto accepted = accept(path))
+            return accepted;
+    }
+    return AcceptedPhoto{*info, {}, {}};
+}
+
 QImage PhotoCache::thumbnail(const PhotoId& photo)
 {
     return findOrMake(keyOf(photo, 0), [&] {

@@ -29,6 +29,11 @@ public:
     // As acceptPhoto(); a thumbnail on disk of the very same file answers without decoding. Waits.
     std::optional<AcceptedPhoto> accept(const QString& path);
 
+    // A photo that was accepted in an earlier run: what is known of it, with the digest where that
+    // is to be had without reading all of the file. Nothing when it is gone or no photo any more.
+    // Waits, mostly for little.
+    std::optional<AcceptedPhoto> reopen(const QString& path);
+
     // Memory, disk or decoding; null when the photo is gone, unreadable or another one by now.
     // Waits.
     QImage thumbnail(const PhotoId& photo);

@@ -269,6 +269,15 @@ std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& 
     return decode(std::move(*photo));
 }
 
+std::optional<PhotoInfo> readPhotoInfo(const QString& path)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return {};
+    const auto header = readPhotoHeader(file);
+    return header ? std::optional(infoBeforeDecoding(*header)) : std::nullopt;
+}
+
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path)
 {
     auto photo = openPhoto(path, [](const PhotoInfo& info) {

@@ -47,6 +47,10 @@ using LevelChoice = std::function<PhotoLevel(const PhotoInfo&)>;
 std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level,
                                         const QByteArray& expectedDigest = {});
 
+// What the first bytes say of a photo, without decoding it: of a TIFF, a WebP or a HEIC the size
+// may be that before turning. Nothing when they are not those of a photo. Waits for the disk.
+std::optional<PhotoInfo> readPhotoInfo(const QString& path);
+
 // What accepting a photo into a batch yields, from one reading and one reduced decoding.
 struct AcceptedPhoto {
     PhotoInfo info;

@@ -76,6 +76,35 @@ bool takeChecksum(QByteArray& bytes)
     return true;
 }
 
+enum class Part { facts, withPicture };
+
+std::optional<AcceptedPhoto> read(const QString& file, Part part)
+{
+    QFile source(file);
+    if (file.isEmpty() || !source.open(QIODevice::ReadOnly) || source.size() > largestFile)
+        return {};
+    QByteArray bytes = source.readAll();
+    if (!takeChecksum(bytes))
+        return {};
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer, bytes.startsWith("\x89PNG") ? "png" : "jpeg");
+    reader.setAutoDetectImageFormat(false);
+    auto photo = described(reader.text(u"photo"_qs));
+    if (!photo || reader.size() != thumbnailSize(photo->info.size))
+        return {};
+    if (part == Part::facts)
+        return photo;
+    photo->thumbnail = reader.read();
+    if (photo->thumbnail.isNull())
+        return {};
+    photo->thumbnail.convertTo(photo->thumbnail.hasAlphaChannel()
+                                   ? QImage::Format_ARGB32_Premultiplied
+                                   : QImage::Format_RGB32);
+    photo->thumbnail.setColorSpace(QColorSpace(QColorSpace::SRgb));
+    return photo;
+}
+
 }    // namespace
 
 ThumbnailStore::ThumbnailStore(QString folder, qint64 budget)
@@ -101,27 +130,12 @@ QString ThumbnailStore::fileFor(const QString& photo) const
 
 std::optional<AcceptedPhoto> ThumbnailStore::load(const QString& file) const
 {
-    QFile source(file);
-    if (file.isEmpty() || !source.open(QIODevice::ReadOnly) || source.size() > largestFile)
-        return {};
-    QByteArray bytes = source.readAll();
-    if (!takeChecksum(bytes))
-        return {};
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer, bytes.startsWith("\x89PNG") ? "png" : "jpeg");
-    reader.setAutoDetectImageFormat(false);
-    auto photo = described(reader.text(u"photo"_qs));
-    if (!photo || reader.size() != thumbnailSize(photo->info.size))
-        return {};
-    photo->thumbnail = reader.read();
-    if (photo->thumbnail.isNull())
-        return {};
-    photo->thumbnail.convertTo(photo->thumbnail.hasAlphaChannel()
-                                   ? QImage::Format_ARGB32_Premultiplied
-                                   : QImage::Format_RGB32);
-    photo->thumbnail.setColorSpace(QColorSpace(QColorSpace::SRgb));
-    return photo;
+    return read(file, Part::withPicture);
+}
+
+std::optional<AcceptedPhoto> ThumbnailStore::loadFacts(const QString& file) const
+{
+    return read(file, Part::facts);
 }
 
 // Not flushed to the disk: what a crash damages is made again.

@@ -15,6 +15,8 @@ public:
     // Empty when the photo is gone.
     QString fileFor(const QString& photo) const;
     std::optional<AcceptedPhoto> load(const QString& file) const;
+    // The same without the picture, for a fraction of the time.
+    std::optional<AcceptedPhoto> loadFacts(const QString& file) const;
     void save(const QString& file, const AcceptedPhoto& photo);
 
 private:

@@ -28,6 +28,14 @@ CodableRect newShapeFrame(ShapeKind kind, SocialFormat format)
     return {(1 - width) / 2, (1 - height) / 2, width, height};
 }
 
+void hideSlotInSelectedItems(Batch& batch, CopySlot slot)
+{
+    for (const int index : BatchSelection::otherSelectedIndices(batch)) {
+        if (TextLayer* other = batch.items[index].layer(slot))
+            other->isVisible = false;
+    }
+}
+
 }    // namespace
 
 void LayerEdits::applyLayerChangeToSelectedItems(Batch& batch, const TextLayer& layer,
@@ -52,6 +60,52 @@ void LayerEdits::applyShapeChangeToSelectedItems(Batch& batch, const ShapeLayer&
         if (ShapeLayer* target = find(batch.items[index].shapeLayers, shape.id))
             *target = shape;
     }
+}
+
+void LayerEdits::editLayer(Batch& batch, const TextLayer& layer, AlongFlags along)
+{
+    if (!batch.currentItem())
+        return;
+    if (TextLayer* target = find(batch.items[batch.selectedIndex].layers, layer.id)) {
+        *target = layer;
+        applyLayerChangeToSelectedItems(batch, layer, along);
+    }
+}
+
+void LayerEdits::editShape(Batch& batch, const ShapeLayer& shape)
+{
+    if (!batch.currentItem())
+        return;
+    if (ShapeLayer* target = find(batch.items[batch.selectedIndex].shapeLayers, shape.id)) {
+        *target = shape;
+        applyShapeChangeToSelectedItems(batch, shape);
+    }
+}
+
+void LayerEdits::replaceCurrentItem(Batch& batch, const PublicationItem& item)
+{
+    if (!batch.currentItem() || batch.currentItem()->id != item.id)
+        return;
+    batch.items[batch.selectedIndex] = item;
+    if (!batch.selectedLayerID.isNull())
+        BatchSelection::settleSelectedLayer(batch);
+}
+
+void LayerEdits::commitCanvasItem(Batch& batch, const PublicationItem& item)
+{
+    if (!batch.currentItem() || batch.currentItem()->id != item.id)
+        return;
+    const PublicationItem before = *batch.currentItem();
+    for (const ShapeLayer& shape : before.shapeLayers) {
+        if (!item.hasLayer(shape.id))
+            deleteShape(batch, shape.id);
+    }
+    for (const TextLayer& layer : item.layers) {
+        const auto known = std::ranges::find(before.layers, layer.id, &TextLayer::id);
+        if (known != before.layers.end() && known->isVisible && !layer.isVisible)
+            hideSlotInSelectedItems(batch, layer.slot);
+    }
+    replaceCurrentItem(batch, item);
 }
 
 void LayerEdits::syncCurrentCanvasEditsToSelectedItems(Batch& batch, QUuid movedLayer)
@@ -81,21 +135,24 @@ void LayerEdits::deleteSelectedLayer(Batch& batch)
     if (!batch.currentItem())
         return;
     PublicationItem& current = batch.items[batch.selectedIndex];
-    const QUuid id = batch.selectedLayerID;
-    if (TextLayer* text = find(current.layers, id)) {
+    if (TextLayer* text = find(current.layers, batch.selectedLayerID)) {
         text->isVisible = false;
-        const CopySlot slot = text->slot;
-        for (const int index : BatchSelection::otherSelectedIndices(batch)) {
-            if (TextLayer* other = batch.items[index].layer(slot))
-                other->isVisible = false;
-        }
-        return;
+        hideSlotInSelectedItems(batch, text->slot);
+    } else {
+        deleteShape(batch, batch.selectedLayerID);
     }
-    const auto remove = [id](PublicationItem& item) {
-        item.shapeLayers.removeIf([id](const ShapeLayer& shape) { return shape.id == id; });
-    };
-    remove(current);
-    for (const int index : BatchSelection::otherSelectedIndices(batch))
-        remove(batch.items[index]);
-    BatchSelection::settleSelectedLayer(batch);
+}
+
+void LayerEdits::deleteShape(Batch& batch, QUuid shape)
+{
+    if (!batch.currentItem() || !find(batch.items[batch.selectedIndex].shapeLayers, shape))
+        return;
+    QList<int> indices = BatchSelection::otherSelectedIndices(batch);
+    indices.append(batch.selectedIndex);
+    for (const int index : std::as_const(indices)) {
+        batch.items[index].shapeLayers.removeIf(
+            [shape](const ShapeLayer& candidate) { return candidate.id == shape; });
+    }
+    if (batch.selectedLayerID == shape)
+        BatchSelection::settleSelectedLayer(batch);
 }

@@ -16,6 +16,16 @@ void applyLayerChangeToSelectedItems(Batch& batch, const TextLayer& layer, Along
 // Writes the shape into the shapes of its id in the other selected items.
 void applyShapeChangeToSelectedItems(Batch& batch, const ShapeLayer& shape);
 
+// Writes the layer into the current item, by its id, and on to the other selected ones.
+void editLayer(Batch& batch, const TextLayer& layer, AlongFlags along);
+void editShape(Batch& batch, const ShapeLayer& shape);
+
+// The current item by another state of it; an item of another id is refused.
+void replaceCurrentItem(Batch& batch, const PublicationItem& item);
+// The same for what the canvas hands back: a shape removed there, or a text hidden, goes from the
+// other selected items too.
+void commitCanvasItem(Batch& batch, const PublicationItem& item);
+
 // After a gesture on the canvas: sends the layer that it moved, frame included.
 void syncCurrentCanvasEditsToSelectedItems(Batch& batch, QUuid movedLayer);
 
@@ -25,6 +35,7 @@ void addShape(Batch& batch, ShapeKind kind);
 // A selected shape is removed, here and in the other selected items that hold its id; a selected
 // text is hidden, because every item keeps one layer per slot.
 void deleteSelectedLayer(Batch& batch);
+void deleteShape(Batch& batch, QUuid shape);
 
 }    // namespace LayerEdits
 

@@ -1,37 +1,244 @@
 #include "studio/StudioSession.h"
 
+#include "canvas/ImagePlacementGeometry.h"
+#include "platform/PreferencesStore.h"
 #include "studio/BatchSelection.h"
 
 #include <QPointer>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+using namespace std::chrono_literals;
+
+QElapsedTimer started()
+{
+    QElapsedTimer watch;
+    watch.start();
+    return watch;
+}
+
+template <typename Layer>
+const Layer* findLayer(const QList<Layer>& layers, QUuid id)
+{
+    const auto found = std::ranges::find(layers, id, &Layer::id);
+    return found == layers.end() ? nullptr : &*found;
+}
+
 constexpr qint64 importStep = 30;    // ms between two reports of an import
+constexpr std::chrono::milliseconds restBeforeSaving = 50ms, pauseBeforeRetry = 5s;
 
 }    // namespace
 
-StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, QObject* parent)
-    : QObject(parent), m_photos(std::move(photos)),
-      m_status(u"Importa una imagen o una carpeta para empezar."_s)
+StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
+                             Clock clock, QObject* parent)
+    : QObject(parent), m_photos(std::move(photos)), m_preferences(preferences),
+      m_clock(std::move(clock)), m_status(u"Importa una imagen o una carpeta para empezar."_s)
 {
+    m_saveLater.setSingleShot(true);
+    connect(&m_saveLater, &QTimer::timeout, this, &StudioSession::saveWorkspace);
 }
 
 StudioSession::~StudioSession()
 {
     if (m_import)
         m_import->stop = true;
+    if (m_saveLater.isActive())
+        saveWorkspace();
 }
 
 // Every command goes through here: listeners hear of it only when it changed something.
 template <typename Change>
-void StudioSession::change(Change apply)
+void StudioSession::change(Change apply, Pace pace)
 {
     const Batch before = m_batch;
     apply(m_batch);
-    if (!(m_batch == before))
-        Q_EMIT batchChanged();
+    const bool isSetting = m_batch.format != before.format || m_batch.objective != before.objective;
+    const bool isEdit = isSetting || !(m_batch.items == before.items);
+    if (!isEdit && m_batch == before)
+        return;
+    if (isEdit) {
+        registerUndo(before, isSetting ? StudioHistory::Changes::single
+                                       : StudioHistory::Changes::continuous);
+    }
+    // Going through the images with a key held is no reason to store each step.
+    saveAfter(isEdit ? pace : Pace::held);
+    Q_EMIT batchChanged();
+}
+
+void StudioSession::registerUndo(const Batch& before, StudioHistory::Changes changes)
+{
+    if (didRestoreWorkspace() && !m_isApplyingHistory)
+        m_history.registerUndo(before, m_batch, changes, m_clock());
+}
+
+void StudioSession::undo()
+{
+    if (auto snapshot = m_history.undo(m_batch))
+        applyHistorySnapshot(*std::move(snapshot));
+}
+
+void StudioSession::redo()
+{
+    if (auto snapshot = m_history.redo(m_batch))
+        applyHistorySnapshot(*std::move(snapshot));
+}
+
+void StudioSession::applyHistorySnapshot(StudioHistorySnapshot snapshot)
+{
+    m_isApplyingHistory = true;
+    // What has been paid stays paid.
+    QHash<QUuid, QSet<QString>> paid;
+    for (const PublicationItem& item : std::as_const(m_batch.items)) {
+        if (!item.paidRenderFingerprints.isEmpty())
+            paid.insert(item.id, item.paidRenderFingerprints);
+    }
+    QSet<QUuid> ids;
+    for (qsizetype i = 0; i < snapshot.items.size(); ++i) {
+        const QUuid id = snapshot.items.at(i).id;
+        ids.insert(id);
+        if (paid.contains(id))
+            snapshot.items[i].paidRenderFingerprints.unite(paid.value(id));
+    }
+    snapshot.selectedItemIDs.intersect(ids);
+    const int last = std::max(0, int(snapshot.items.size()) - 1);
+    snapshot.selectedIndex = std::clamp(snapshot.selectedIndex, 0, last);
+    snapshot.selectionAnchorIndex = std::clamp(snapshot.selectionAnchorIndex, 0, last);
+    m_batch = std::move(snapshot);
+    saveAfter(Pace::once);
+    Q_EMIT batchChanged();
+    // Only when whoever heard of the change is done: what they write back is no new step.
+    QMetaObject::invokeMethod(
+        this, [this] { m_isApplyingHistory = false; }, Qt::QueuedConnection);
+}
+
+void StudioSession::saveAfter(Pace pace)
+{
+    if (!didRestoreWorkspace() || m_history.isCanvasEditActive())
+        return;
+    if (pace == Pace::held)
+        m_saveLater.start(restBeforeSaving);
+    else
+        saveWorkspace();
+}
+
+void StudioSession::saveWorkspace()
+{
+    m_saveLater.stop();
+    if (!didRestoreWorkspace())
+        return;
+    const bool isAside = !m_notYetAside || WorkspaceStore::setAside(m_preferences, *m_notYetAside);
+    if (isAside)
+        m_notYetAside.reset();
+    if (!isAside || !WorkspaceStore::save(m_preferences, m_encoder, m_batch)) {
+        m_saveLater.start(pauseBeforeRetry);
+        if (!std::exchange(m_saveFailed, true)) {
+            setStatus(u"No se pudo guardar la sesión. ¿Queda espacio en el disco? Puedes seguir: "
+                      "se vuelve a intentar con cada cambio."_s,
+                      StatusTone::problem);
+        }
+    } else if (std::exchange(m_saveFailed, false)) {
+        setStatus(u"La sesión vuelve a guardarse."_s, StatusTone::done);
+    }
+}
+
+void StudioSession::restoreWorkspaceIfNeeded()
+{
+    if (m_restore != Restore::notYet)
+        return;
+    m_restore = Restore::running;
+    const auto document = WorkspaceStore::stored(m_preferences);
+    if (document && m_batch.items.isEmpty())
+        runRestore(this, *document, m_photos);
+    else
+        finishRestore({}, {});
+}
+
+QCoro::Task<> StudioSession::runRestore(QPointer<StudioSession> session, QByteArray document,
+                                        std::shared_ptr<PhotoCache> photos)
+{
+    const auto looked = [session, watch = started()](qsizetype count, qsizetype total) {
+        constexpr qint64 worthTelling = 300;    // ms
+        if (session && watch.elapsed() > worthTelling)
+            session->setStatus(u"Restaurando sesión: %1 de %2"_s.arg(count).arg(total));
+    };
+    auto restoring = WorkspaceStore::restore(document, photos, looked);
+    WorkspaceStore::Restored restored{std::nullopt, false, false};
+    try {
+        restored = co_await restoring;
+    } catch (const std::exception&) {
+        // Short of memory: kept aside, like what cannot be read.
+        restored.workspace.reset();
+    }
+    if (session)
+        session->finishRestore(restored, document);
+}
+
+void StudioSession::finishRestore(const WorkspaceStore::Restored& restored,
+                                  const QByteArray& document)
+{
+    m_restore = Restore::done;
+    if (!restored.isComplete && !WorkspaceStore::setAside(m_preferences, document))
+        m_notYetAside = document;
+    if (restored.workspace && m_batch.items.isEmpty()) {
+        m_batch = *restored.workspace;
+        m_history.clear();
+        setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(m_batch.items.size()),
+                  StatusTone::done);
+    } else if (!restored.workspace && restored.isDecoded && !document.isEmpty() && !m_notYetAside) {
+        WorkspaceStore::clear(m_preferences);
+    }
+    Q_EMIT batchChanged();
+    if (!m_loadAfterRestore.isEmpty())
+        load(std::exchange(m_loadAfterRestore, {}));
+}
+
+bool StudioSession::hasWorkspaceAside() const
+{
+    return WorkspaceStore::storedAside(m_preferences).has_value();
+}
+
+void StudioSession::restoreWorkspaceAside()
+{
+    const auto document = WorkspaceStore::storedAside(m_preferences);
+    if (!document || !didRestoreWorkspace()) {
+        setStatus(u"No hay ninguna sesión apartada."_s);
+        return;
+    }
+    setStatus(u"Recuperando la sesión apartada…"_s);
+    runRestoreAside(this, *document, m_photos);
+}
+
+QCoro::Task<> StudioSession::runRestoreAside(QPointer<StudioSession> session, QByteArray document,
+                                             std::shared_ptr<PhotoCache> photos)
+{
+    auto restoring = WorkspaceStore::restore(document, photos, {});
+    WorkspaceStore::Restored restored{std::nullopt, false, false};
+    try {
+        restored = co_await restoring;
+    } catch (const std::exception&) {
+        restored.workspace.reset();
+    }
+    if (session)
+        session->finishRestoreAside(restored);
+}
+
+void StudioSession::finishRestoreAside(const WorkspaceStore::Restored& restored)
+{
+    if (!restored.workspace) {
+        setStatus(u"La sesión apartada sigue sin poder leerse. ¿Falta conectar un disco?"_s,
+                  StatusTone::problem);
+        return;
+    }
+    setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(restored.workspace->items.size()),
+              StatusTone::done);
+    m_history.endContinuousChanges();
+    change([&](Batch& batch) { batch = *restored.workspace; });
+    if (restored.isComplete)
+        WorkspaceStore::clearAside(m_preferences);
 }
 
 void StudioSession::setStatus(const QString& status, StatusTone tone)
@@ -43,6 +250,10 @@ void StudioSession::setStatus(const QString& status, StatusTone tone)
 
 void StudioSession::load(const QList<QUrl>& filesAndFolders)
 {
+    if (m_restore == Restore::running) {
+        m_loadAfterRestore = filesAndFolders;
+        return;
+    }
     if (m_import)
         m_import->stop = true;
     auto control = std::make_shared<PhotoImport::Control>();
@@ -95,9 +306,11 @@ void StudioSession::finishImport(const std::optional<QList<PublicationItem>>& it
     m_import.reset();
     m_importProgress = {};
     if (items && !items->isEmpty()) {
-        change([&](Batch& batch) { BatchSelection::replaceItems(batch, *items); });
+        // Told first: should it not be stored, that is the last word.
         setStatus(u"%1 imagen(es) importada(s). Pulsa Generar con Gemma."_s.arg(items->size()),
                   StatusTone::done);
+        m_history.endContinuousChanges();    // an import is a step of its own
+        change([&](Batch& batch) { BatchSelection::replaceItems(batch, *items); });
     } else if (items) {
         setStatus(u"No he encontrado imágenes compatibles."_s, StatusTone::problem);
     }
@@ -151,7 +364,7 @@ void StudioSession::selectAll()
 void StudioSession::selectLayer(QUuid layer)
 {
     change([&](Batch& batch) {
-        if (batch.currentItem() && batch.currentItem()->hasLayer(layer))
+        if (batch.currentItem() && (layer.isNull() || batch.currentItem()->hasLayer(layer)))
             batch.selectedLayerID = layer;
     });
 }
@@ -183,38 +396,52 @@ void StudioSession::removeItem(QUuid id)
     const auto item = std::ranges::find(m_batch.items, id, &PublicationItem::id);
     if (item == m_batch.items.end())
         return;
-    const QString name = item->filename();
+    setStatus(u"%1 descartada. Quedan %2 imagen(es)."_s.arg(
+                  item->filename(), QString::number(m_batch.items.size() - 1)),
+              StatusTone::done);
     change([id](Batch& batch) { BatchSelection::removeItem(batch, id); });
-    setStatus(
-        u"%1 descartada. Quedan %2 imagen(es)."_s.arg(name, QString::number(m_batch.items.size())),
-        StatusTone::done);
 }
 
-void StudioSession::setCurrentItem(const PublicationItem& item)
+void StudioSession::setCurrentItem(const PublicationItem& item, Pace pace)
 {
-    change([&](Batch& batch) {
-        if (batch.currentItem() && batch.currentItem()->id == item.id)
-            batch.items[batch.selectedIndex] = item;
-        BatchSelection::settleSelectedLayer(batch);
-    });
+    change([&](Batch& batch) { LayerEdits::replaceCurrentItem(batch, item); }, pace);
 }
 
-void StudioSession::applyLayerChangeToSelectedItems(const TextLayer& layer,
-                                                    LayerEdits::AlongFlags along)
+void StudioSession::setText(CopySlot slot, const QString& text, Pace pace)
 {
-    change([&](Batch& batch) { LayerEdits::applyLayerChangeToSelectedItems(batch, layer, along); });
+    change(
+        [&](Batch& batch) {
+            TextLayer* layer =
+                batch.currentItem() ? batch.items[batch.selectedIndex].layer(slot) : nullptr;
+            if (!layer || layer->text == text)
+                return;
+            layer->text = text;
+            layer->isVisible = true;
+        },
+        pace);
 }
 
-void StudioSession::applyShapeChangeToSelectedItems(const ShapeLayer& shape)
+void StudioSession::editLayer(const TextLayer& layer, LayerEdits::AlongFlags along, Pace pace)
 {
-    change([&](Batch& batch) { LayerEdits::applyShapeChangeToSelectedItems(batch, shape); });
+    change([&](Batch& batch) { LayerEdits::editLayer(batch, layer, along); }, pace);
 }
 
-void StudioSession::syncCurrentCanvasEditsToSelectedItems(QUuid movedLayer)
+void StudioSession::editShape(const ShapeLayer& shape, Pace pace)
 {
-    change([&](Batch& batch) {
-        LayerEdits::syncCurrentCanvasEditsToSelectedItems(batch, movedLayer);
-    });
+    change([&](Batch& batch) { LayerEdits::editShape(batch, shape); }, pace);
+}
+
+void StudioSession::setPlacement(const ImagePlacement& placement, Pace pace)
+{
+    change(
+        [&](Batch& batch) {
+            if (!batch.currentItem())
+                return;
+            PublicationItem& item = batch.items[batch.selectedIndex];
+            item.placement = ImagePlacementGeometry::clamped(placement, item.image.size,
+                                                             designSize(batch.format));
+        },
+        pace);
 }
 
 void StudioSession::addShape(ShapeKind kind)
@@ -225,4 +452,112 @@ void StudioSession::addShape(ShapeKind kind)
 void StudioSession::deleteSelectedLayer()
 {
     change([](Batch& batch) { LayerEdits::deleteSelectedLayer(batch); });
+}
+
+void StudioSession::deleteShape(QUuid shape)
+{
+    change([&](Batch& batch) { LayerEdits::deleteShape(batch, shape); });
+}
+
+void StudioSession::beginCanvasHistoryEdit()
+{
+    if (!m_isApplyingHistory)
+        m_history.beginCanvasEdit(m_batch);
+}
+
+void StudioSession::commitCanvasItem(const PublicationItem& item)
+{
+    change([&](Batch& batch) { LayerEdits::commitCanvasItem(batch, item); });
+}
+
+void StudioSession::endCanvasHistoryEdit(QUuid movedLayer)
+{
+    if (!m_history.isCanvasEditActive())
+        return;
+    change([&](Batch& batch) {
+        LayerEdits::syncCurrentCanvasEditsToSelectedItems(batch, movedLayer);
+    });
+    const Batch before = *m_history.endCanvasEdit();
+    registerUndo(before, StudioHistory::Changes::single);
+    saveAfter(Pace::once);
+}
+
+const TextLayer* StudioSession::selectedText() const
+{
+    return m_batch.currentItem() ? findLayer(m_batch.currentItem()->layers, m_batch.selectedLayerID)
+                                 : nullptr;
+}
+
+const ShapeLayer* StudioSession::selectedShape() const
+{
+    return m_batch.currentItem()
+               ? findLayer(m_batch.currentItem()->shapeLayers, m_batch.selectedLayerID)
+               : nullptr;
+}
+
+void StudioSession::copyStyle()
+{
+    if (m_batch.currentItem())
+        copyStyleOf(m_batch.currentItem()->id);
+}
+
+void StudioSession::copyStyleOf(QUuid itemId)
+{
+    const auto item = std::ranges::find(m_batch.items, itemId, &PublicationItem::id);
+    if (item == m_batch.items.end())
+        return;
+    if (const TextLayer* selected = selectedText()) {
+        const auto same = std::ranges::find(item->layers, selected->slot, &TextLayer::slot);
+        if (same == item->layers.end())
+            return;
+        m_copiedStyle = *same;
+        setStatus(u"Estilo de %1 copiado."_s.arg(row(same->slot).displayName), StatusTone::done);
+    } else if (const ShapeLayer* shape = selectedShape();
+               shape && findLayer(item->shapeLayers, shape->id)) {
+        m_copiedStyle = *findLayer(item->shapeLayers, shape->id);
+        setStatus(u"Estilo de %1 copiado."_s.arg(rawValue(shape->kind)), StatusTone::done);
+    } else {
+        setStatus(u"Selecciona una capa para copiar su estilo."_s);
+        return;
+    }
+    Q_EMIT copiedStyleChanged();
+}
+
+bool StudioSession::canPasteStyle() const
+{
+    return (selectedText() && std::holds_alternative<TextLayer>(m_copiedStyle)) ||
+           (selectedShape() && std::holds_alternative<ShapeLayer>(m_copiedStyle));
+}
+
+void StudioSession::pasteStyle()
+{
+    if (!canPasteStyle()) {
+        setStatus(u"Copia antes un estilo."_s);
+        return;
+    }
+    if (const TextLayer* text = selectedText()) {
+        const auto& copied = std::get<TextLayer>(m_copiedStyle);
+        TextLayer changed = *text;
+        TextLayerDesign(copied).apply(changed);
+        changed.alignment = copied.alignment;
+        editLayer(changed);
+    } else {
+        ShapeLayer changed = *selectedShape();
+        const ShapeKind kind = changed.kind;
+        ShapeLayerDesign(std::get<ShapeLayer>(m_copiedStyle)).apply(changed);
+        changed.kind = kind;    // a style makes no circle of a line
+        editShape(changed);
+    }
+}
+
+void StudioSession::markPaid(QUuid itemId, const QString& fingerprint)
+{
+    const auto item = std::ranges::find(m_batch.items, itemId, &PublicationItem::id);
+    if (item == m_batch.items.end())
+        return;
+    item->paidRenderFingerprints.insert(fingerprint);
+    // Else a later change could join a step from before the payment.
+    m_history.endContinuousChanges();
+    saveAfter(Pace::once);
+    Q_EMIT batchChanged();
 }

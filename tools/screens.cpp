@@ -38,8 +38,8 @@ public:
     Screens(const QDir& out, const QUrl& photos)
         : m_out(out), m_photos(photos),
           m_cache(std::make_shared<PhotoCache>(m_folder.filePath(u"cache"_s))),
-          m_preferences(m_folder.filePath(u"preferences.sqlite"_s)), m_session(m_cache),
-          m_window(m_session, m_cache, m_preferences)
+          m_preferences(m_folder.filePath(u"preferences.sqlite"_s)),
+          m_session(m_cache, m_preferences), m_window(m_session, m_cache, m_preferences)
     {
         m_window.show();
     }

@@ -56,7 +56,7 @@ protected:
     std::shared_ptr<PhotoCache> m_photos =
         std::make_shared<PhotoCache>(m_data.filePath(u"cache"_s));
     PreferencesStore preferences{m_data.filePath(u"p.sqlite"_s)};
-    StudioSession session{m_photos};
+    StudioSession session{m_photos, preferences};
     MainWindow window{session, m_photos, preferences};
 };
 

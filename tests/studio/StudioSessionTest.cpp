@@ -1,4 +1,5 @@
 #include "studio/StudioSession.h"
+#include "platform/PreferencesStore.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -43,7 +44,8 @@ protected:
     }
 
     QTemporaryDir m_folder, m_cache;
-    StudioSession session{std::make_shared<PhotoCache>(m_cache.path())};
+    PreferencesStore preferences{m_cache.filePath(u"p.sqlite"_s)};
+    StudioSession session{std::make_shared<PhotoCache>(m_cache.path()), preferences};
 };
 
 }    // namespace
@@ -127,7 +129,8 @@ TEST_F(StudioSessionTest, aSessionMayGoInTheMiddleOfAnImport)
     QList<QUrl> photos;
     for (int i = 0; i < 10; ++i)
         photos.append(photo(u"%1.jpg"_s.arg(i)));
-    auto doomed = std::make_unique<StudioSession>(std::make_shared<PhotoCache>(m_cache.path()));
+    auto doomed =
+        std::make_unique<StudioSession>(std::make_shared<PhotoCache>(m_cache.path()), preferences);
     doomed->load(photos);
     doomed.reset();
     for (int i = 0; i < 20; ++i)

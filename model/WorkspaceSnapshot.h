@@ -1,0 +1,41 @@
+#pragma once
+
+#include "model/GeneratedCopy.h"
+#include "model/ImagePlacement.h"
+#include "model/ShapeLayer.h"
+#include "model/SocialFormat.h"
+#include "model/TextLayer.h"
+
+#include <QList>
+#include <QSet>
+#include <QUrl>
+
+#include <optional>
+
+// A batch as it is stored: photos by address, and nothing yet checked against them.
+
+struct PublicationItemSnapshot {
+    QUuid id;
+    QUrl url;
+    std::optional<QByteArray> bookmarkData;    // see ImageAccess
+    GeneratedCopy analysis;
+    QList<TextLayer> layers;    // any number of any slot
+    QList<ShapeLayer> shapeLayers;
+    ImagePlacement placement;
+    QSet<QString> paidRenderFingerprints;
+
+    bool operator==(const PublicationItemSnapshot&) const = default;
+};
+
+struct WorkspaceSnapshot {
+    SocialFormat format = SocialFormat::storyReel;    // also for an unknown word
+    QString objective;
+    int selectedIndex = 0;
+    int selectionAnchorIndex = 0;
+    QSet<QUuid> selectedItemIDs;
+    std::optional<QUuid> selectedLayerID;
+    QList<PublicationItemSnapshot> items;
+    qsizetype unreadableItems = 0;    // entries of the list that were no item
+
+    bool operator==(const WorkspaceSnapshot&) const = default;
+};

@@ -1,0 +1,173 @@
+#include "studio/WorkspaceStore.h"
+
+#include "model/Json.h"
+#include "model/WorkspaceSnapshot.h"
+#include "platform/ImageAccess.h"
+#include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
+#include "studio/WorkspaceEncoder.h"
+
+#include <QCoroFuture>
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString workspaceKey = u"moltiva.workspaceSnapshot"_s;
+const QString asideKey = u"moltiva.workspaceSnapshot.setAside"_s;
+
+// One layer a slot, in slot order; the default one of the item's copy where none is stored.
+QList<TextLayer> normalizedLayers(const QList<TextLayer>& stored, const GeneratedCopy& copy)
+{
+    QList<TextLayer> layers = PublicationItem::defaultLayers(copy);
+    for (TextLayer& layer : layers) {
+        const auto known = std::ranges::find(stored, layer.slot, &TextLayer::slot);
+        if (known != stored.end())
+            layer = *known;
+    }
+    return layers;
+}
+
+std::optional<PublicationItem> reopenedItem(const PublicationItemSnapshot& stored,
+                                            PhotoCache& photos)
+{
+    const auto photo = ImageAccess::reopened(stored.url, stored.bookmarkData, photos);
+    if (!photo)
+        return std::nullopt;
+    PublicationItem item;
+    item.id = stored.id;
+    item.url = stored.url;
+    const QUrl file = ImageAccess::resolvedURL(stored.url, stored.bookmarkData);
+    item.image = {file.toLocalFile(), photo->info.size, photo->info.reducible, photo->digest};
+    item.analysis = stored.analysis;
+    item.layers = normalizedLayers(stored.layers, stored.analysis);
+    item.shapeLayers = stored.shapeLayers;
+    item.placement = stored.placement;
+    item.paidRenderFingerprints = stored.paidRenderFingerprints;
+    return item;
+}
+
+using Reopened = QList<PublicationItem>;
+
+Reopened reopenedItems(const QList<PublicationItemSnapshot>& stored, PhotoCache& photos)
+{
+    Reopened items;
+    for (const PublicationItemSnapshot& snapshot : stored) {
+        try {
+            if (auto item = reopenedItem(snapshot, photos))
+                items.append(*std::move(item));
+        } catch (const std::exception&) {
+            continue;    // short of memory: like a photo that cannot be reached
+        }
+    }
+    return items;
+}
+
+Batch workspaceOf(const WorkspaceSnapshot& stored, const QList<PublicationItem>& items)
+{
+    const auto clamped = [&](int index) { return std::clamp(index, 0, int(items.size()) - 1); };
+    Batch batch;
+    batch.format = stored.format;
+    batch.objective = stored.objective;
+    batch.items = items;
+    batch.selectedIndex = clamped(stored.selectedIndex);
+    batch.selectionAnchorIndex = clamped(stored.selectionAnchorIndex);
+    const PublicationItem& current = batch.items[batch.selectedIndex];
+    for (const PublicationItem& item : items) {
+        if (stored.selectedItemIDs.contains(item.id))
+            batch.selectedItemIDs.insert(item.id);
+    }
+    batch.selectedItemIDs.insert(current.id);
+    const QUuid layer = stored.selectedLayerID.value_or(QUuid());
+    const bool isText =
+        std::ranges::find(current.layers, layer, &TextLayer::id) != current.layers.end();
+    batch.selectedLayerID = isText ? layer : current.layers.first().id;
+    return batch;
+}
+
+// Two items of one id would be one to every command.
+QList<PublicationItem> withoutRepeatedIds(const QList<PublicationItem>& items)
+{
+    QList<PublicationItem> kept;
+    QSet<QUuid> ids;
+    for (const PublicationItem& item : items) {
+        if (!ids.contains(item.id))
+            kept.append(item);
+        ids.insert(item.id);
+    }
+    return kept;
+}
+
+}    // namespace
+
+bool WorkspaceStore::save(PreferencesStore& preferences, WorkspaceEncoder& encoder,
+                          const Batch& batch)
+{
+    return batch.items.isEmpty() ? clear(preferences)
+                                 : preferences.setValue(workspaceKey, encoder.encode(batch));
+}
+
+bool WorkspaceStore::clear(PreferencesStore& preferences)
+{
+    return preferences.remove(workspaceKey);
+}
+
+std::optional<QByteArray> WorkspaceStore::stored(const PreferencesStore& preferences)
+{
+    return preferences.value(workspaceKey);
+}
+
+bool WorkspaceStore::setAside(PreferencesStore& preferences, const QByteArray& document)
+{
+    return preferences.setValue(asideKey, document);
+}
+
+std::optional<QByteArray> WorkspaceStore::storedAside(const PreferencesStore& preferences)
+{
+    return preferences.value(asideKey);
+}
+
+bool WorkspaceStore::clearAside(PreferencesStore& preferences)
+{
+    return preferences.remove(asideKey);
+}
+
+QCoro::Task<WorkspaceStore::Restored>
+WorkspaceStore::restore(QByteArray document, std::shared_ptr<PhotoCache> photos,
+                        std::function<void(qsizetype looked, qsizetype total)> looked)
+{
+    // Named before they are awaited: the compiler destroys twice what is made inside an awaiting
+    // expression.
+    QFuture<std::optional<WorkspaceSnapshot>> decoding =
+        runOnWorker([document] { return fromJson<WorkspaceSnapshot>(document); });
+    const std::optional<WorkspaceSnapshot> stored = co_await decoding;
+    if (!stored) {
+        const Restored nothing{std::nullopt, false, false};
+        co_return nothing;
+    }
+    // A few at a time, all asked for at once: the workers take them as they come.
+    constexpr qsizetype portion = 16;
+    const QList<PublicationItemSnapshot>& snapshots = stored->items;
+    std::vector<QFuture<Reopened>> portions;
+    for (qsizetype first = 0; first < snapshots.size(); first += portion) {
+        portions.push_back(runOnWorker([some = snapshots.mid(first, portion), photos] {
+            return reopenedItems(some, *photos);
+        }));
+    }
+    QList<PublicationItem> items;
+    qsizetype count = 0;
+    for (const QFuture<Reopened>& each : portions) {
+        items += co_await each;
+        count = std::min(count + portion, snapshots.size());
+        if (looked)
+            looked(count, snapshots.size());
+    }
+    items = withoutRepeatedIds(items);
+    Restored restored;
+    restored.isComplete = items.size() == snapshots.size() && stored->unreadableItems == 0;
+    if (!items.isEmpty())
+        restored.workspace = workspaceOf(*stored, items);
+    co_return restored;
+}

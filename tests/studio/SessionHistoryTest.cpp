@@ -1,0 +1,267 @@
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "studio/StudioSession.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+// The session as it works with its history and its stored workspace.
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString workspaceKey = u"moltiva.workspaceSnapshot"_s;
+const QString asideKey = u"moltiva.workspaceSnapshot.setAside"_s;
+
+class SessionHistoryTest : public ::testing::Test {
+protected:
+    SessionHistoryTest()
+    {
+        session = opened();
+        load(3);
+    }
+    std::unique_ptr<StudioSession> opened()
+    {
+        auto made = std::make_unique<StudioSession>(m_photos, preferences, [this] { return now; });
+        made->restoreWorkspaceIfNeeded();
+        EXPECT_TRUE(waitFor([&] { return made->didRestoreWorkspace(); }));
+        return made;
+    }
+    void load(int count)
+    {
+        QList<QUrl> urls;
+        for (int i = 0; i < count; ++i) {
+            QImage image(64, 48, QImage::Format_RGB32);
+            image.fill(QColor::fromHsv(40 * i, 200, 200));
+            EXPECT_TRUE(image.save(file(i)));
+            urls.append(QUrl::fromLocalFile(file(i)));
+        }
+        now += 10s;
+        session->load(urls);
+        EXPECT_TRUE(waitFor([&] { return !session->isImporting(); }));
+        now += 10s;
+    }
+    QString file(int index) const { return m_folder.filePath(u"%1.png"_s.arg(index)); }
+    template <typename Done>
+    bool waitFor(Done done)
+    {
+        QElapsedTimer watch;
+        for (watch.start(); !done() && watch.elapsed() < 20000;)
+            QGuiApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+        return done();
+    }
+    // What another start would find.
+    Batch stored() { return opened()->batch(); }
+    const Batch& batch() const { return session->batch(); }
+    TextLayer title() const { return batch().currentItem()->layers[0]; }
+    void restyle(double scale, Pace pace = Pace::once)
+    {
+        TextLayer layer = title();
+        layer.fontScale = scale;
+        session->editLayer(layer, {}, pace);
+    }
+    // An undo is over only when the loop has turned.
+    void undo()
+    {
+        session->undo();
+        QGuiApplication::processEvents();
+    }
+    void redo()
+    {
+        session->redo();
+        QGuiApplication::processEvents();
+    }
+
+    QTemporaryDir m_folder, m_data;
+    std::shared_ptr<PhotoCache> m_photos = std::make_shared<PhotoCache>(m_data.path());
+    PreferencesStore preferences{m_data.filePath(u"p.sqlite"_s)};
+    StudioHistory::Time now{};
+    std::unique_ptr<StudioSession> session;
+};
+
+}    // namespace
+
+TEST_F(SessionHistoryTest, eachKindOfChangeIsTakenBackWithItsSelection)
+{
+    const Batch imported = batch();
+    session->selectAll();    // no step, but part of the state before the next one
+    const Batch selected = batch();
+    restyle(1.5);
+    const Batch restyled = batch();
+    EXPECT_EQ(restyled.items[2].layers[0].fontScale, 1.5);
+    session->setObjective(u"Vender más"_s);
+    session->setFormat(SocialFormat::square);
+    now += 1s;
+    session->selectSingleIndex(1);
+    session->removeCurrentItem();
+
+    undo();
+    EXPECT_EQ(batch().items.size(), 3);
+    EXPECT_EQ(batch().selectedIndex, 1);
+    undo();
+    EXPECT_EQ(batch().format, imported.format);
+    undo();
+    EXPECT_EQ(batch(), restyled);
+    undo();
+    EXPECT_EQ(batch(), selected);
+    redo();
+    EXPECT_EQ(batch(), restyled);
+    undo();
+    undo();
+    EXPECT_TRUE(batch().items.isEmpty()) << "an import can be taken back";
+    EXPECT_FALSE(session->canUndo());
+    redo();
+    EXPECT_EQ(batch(), selected);
+}
+
+TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
+{
+    session->selectAll();
+    const Batch before = batch();
+    session->beginCanvasHistoryEdit();
+    PublicationItem moved = *batch().currentItem();
+    moved.layers[0].frame.x = 0.05;
+    session->commitCanvasItem(moved);
+    EXPECT_EQ(batch().items[1].layers[0].frame.x, before.items[1].layers[0].frame.x);
+    session->endCanvasHistoryEdit(moved.layers[0].id);
+    EXPECT_EQ(batch().items[1].layers[0].frame.x, 0.05);
+    EXPECT_EQ(stored().items[2].layers[0].frame.x, 0.05);
+
+    // What the canvas hides or removes goes everywhere as well.
+    now += 1s;
+    session->addShape(ShapeKind::circle);
+    PublicationItem hidden = *batch().currentItem();
+    hidden.layers[1].isVisible = false;
+    hidden.shapeLayers.clear();
+    session->selectLayer(QUuid());
+    session->commitCanvasItem(hidden);
+    EXPECT_TRUE(batch().selectedLayerID.isNull());
+    for (const PublicationItem& item : batch().items) {
+        EXPECT_FALSE(item.layers[1].isVisible);
+        EXPECT_TRUE(item.shapeLayers.isEmpty());
+    }
+    undo();
+    undo();
+    EXPECT_EQ(batch(), before);
+}
+
+TEST_F(SessionHistoryTest, whatIsPaidStaysPaidWhateverIsUndone)
+{
+    const QUuid id = batch().items[0].id;
+    restyle(1.2);
+    now += 100ms;
+    session->markPaid(id, u"huella"_s);
+    now += 100ms;
+    session->removeCurrentItem();
+    const auto isPaid = [&] { return batch().items[0].paidRenderFingerprints.size() == 1; };
+    undo();
+    EXPECT_TRUE(isPaid()) << "the discarding joined a step from before the payment";
+    undo();
+    EXPECT_EQ(title().fontScale, 1.0);
+    EXPECT_TRUE(isPaid());
+    redo();
+    EXPECT_TRUE(isPaid());
+    EXPECT_TRUE(stored().items[0].paidRenderFingerprints.contains(u"huella"_s));
+}
+
+TEST_F(SessionHistoryTest, everyChangeIsStoredAtOnceAndAHeldValueWhenItRests)
+{
+    EXPECT_EQ(stored(), batch());
+    session->setText(CopySlot::tagline, u"Dos noches"_s);
+    EXPECT_TRUE(batch().items[0].layers[2].isVisible);
+    EXPECT_EQ(stored(), batch());
+    restyle(1.1, Pace::held);
+    restyle(1.2, Pace::held);
+    EXPECT_EQ(stored().items[0].layers[0].fontScale, 1.0);
+    EXPECT_TRUE(waitFor([&] { return stored() == batch(); }));
+    restyle(1.3, Pace::held);
+    restyle(1.4);
+    EXPECT_EQ(stored(), batch());
+    session->selectAll();
+    session.reset();    // ends before the selection has rested
+    session = opened();
+    EXPECT_EQ(session->status(), u"Sesión restaurada con 3 imagen(es)."_s);
+    EXPECT_EQ(batch().selectedItemIDs.size(), 3);
+    EXPECT_FALSE(session->canUndo());
+
+    while (batch().currentItem())
+        session->removeCurrentItem();
+    EXPECT_EQ(preferences.value(workspaceKey), std::nullopt);
+}
+
+TEST_F(SessionHistoryTest, whatCannotBeBroughtBackIsSetAsideUntilItCan)
+{
+    session->setObjective(u"Otoño"_s);
+    const Batch whole = batch();
+    const auto document = preferences.value(workspaceKey);
+    session.reset();
+    ASSERT_TRUE(QFile::rename(file(1), file(9)));
+    session = opened();
+    EXPECT_EQ(session->status(), u"Sesión restaurada con 2 imagen(es)."_s);
+    session->setObjective(u"Invierno"_s);
+    EXPECT_EQ(preferences.value(asideKey), document);
+    ASSERT_TRUE(QFile::rename(file(9), file(1)));
+    session->restoreWorkspaceAside();
+    EXPECT_TRUE(waitFor([&] { return batch().items.size() == 3; }));
+    EXPECT_EQ(batch(), whole);
+    EXPECT_FALSE(session->hasWorkspaceAside());
+    undo();
+    EXPECT_EQ(batch().objective, u"Invierno"_s);
+
+    session.reset();
+    preferences.setValue(workspaceKey, "{\"items\":");
+    session = opened();
+    EXPECT_TRUE(batch().items.isEmpty());
+    EXPECT_EQ(preferences.value(asideKey), QByteArray("{\"items\":"));
+
+    for (int i = 0; i < 3; ++i)
+        QFile::remove(file(i));
+    session.reset();
+    preferences.setValue(workspaceKey, *document);
+    session = opened();
+    EXPECT_EQ(preferences.value(workspaceKey), std::nullopt);
+    EXPECT_EQ(preferences.value(asideKey), document);
+}
+
+TEST_F(SessionHistoryTest, aFailedSaveIsToldOnceAndTriedAgain)
+{
+    PreferencesStore nowhere(u"/proc/moltiva/p.sqlite"_s);
+    StudioSession lost(m_photos, nowhere, [this] { return now; });
+    lost.restoreWorkspaceIfNeeded();
+    lost.load({QUrl::fromLocalFile(file(0))});
+    int told = 0;
+    QObject::connect(&lost, &StudioSession::statusChanged, &lost,
+                     [&] { told += lost.status().startsWith(u"No se pudo guardar la sesión."_s); });
+    EXPECT_TRUE(waitFor([&] { return !lost.isImporting(); }));
+    EXPECT_TRUE(lost.status().startsWith(u"No se pudo guardar la sesión."_s));
+    lost.setFormat(SocialFormat::square);
+    lost.setObjective(u"Sigue"_s);
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(lost.batch().objective, u"Sigue"_s);
+    EXPECT_TRUE(lost.canUndo());
+}
+
+TEST_F(SessionHistoryTest, aStyleIsCopiedWithoutItsTextAndPlace)
+{
+    restyle(1.7);
+    session->copyStyle();
+    session->selectSingleIndex(1);
+    const TextLayer before = title();
+    EXPECT_TRUE(session->canPasteStyle());
+    session->pasteStyle();
+    TextLayer expected = before;
+    expected.fontScale = 1.7;
+    EXPECT_EQ(title(), expected);
+    session->addShape(ShapeKind::line);
+    EXPECT_FALSE(session->canPasteStyle());
+    const Batch untouched = batch();
+    session->pasteStyle();
+    EXPECT_EQ(batch(), untouched);
+}
