@@ -33,6 +33,7 @@ const QString themeKey = u"moltiva.theme"_s;
 const QString batchWidthKey = u"moltiva.batchColumnWidth"_s;
 const QString geometryKey = u"moltiva.windowGeometry"_s;
 const QString folderKey = u"moltiva.importFolder"_s;
+constexpr int moreMayCome = 1000;    // ms
 const QByteArray lightName = "light", darkName = "dark";
 
 QList<FormatChoice> formatChoices()
@@ -99,6 +100,13 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
     setMinimumSize(1200, 720);
     // Less than the screen where that is small, with room for the frame that the system adds.
     resize(QSize(1440, 900).boundedTo(screen()->availableSize() - QSize(0, 40)));
+    m_givenLately.setSingleShot(true);
+    connect(&m_givenLately, &QTimer::timeout, this, [this] {
+        if (m_session.isImporting())
+            m_givenLately.start(moreMayCome);
+        else
+            m_given.clear();
+    });
     connectPanels();
     connectSession();
     buildMenu();
@@ -281,10 +289,35 @@ void MainWindow::importFolder()
     choose(u"Importar carpeta"_s, QFileDialog::Directory);
 }
 
+void MainWindow::open(const QList<QUrl>& addresses)
+{
+    QList<QUrl> files = addresses;
+    files.removeIf([](const QUrl& url) { return !url.isLocalFile(); });
+    if (files.size() < addresses.size()) {
+        m_shell->statusLine()->setStatus(
+            {StatusKind::warning, u"Moltiva no reconoce el enlace que se ha abierto."_s});
+    }
+    if (files.isEmpty())
+        return;
+    const QList<QUrl> all = m_given + files;
+    load(all);
+    m_given = all;
+    m_givenLately.start(moreMayCome);
+}
+
+void MainWindow::comeForward()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
 void MainWindow::load(const QList<QUrl>& filesAndFolders)
 {
     if (filesAndFolders.isEmpty())
         return;
+    m_given.clear();
     const QFileInfo first(filesAndFolders.first().toLocalFile());
     m_lastFolder = first.isDir() ? first.absoluteFilePath() : first.absolutePath();
     m_preferences.setValue(folderKey, m_lastFolder.toUtf8());

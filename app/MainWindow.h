@@ -5,6 +5,7 @@
 
 #include <QFileDialog>
 #include <QList>
+#include <QTimer>
 #include <QUrl>
 #include <QWidget>
 
@@ -32,6 +33,11 @@ public:
     StudioShell* shell() const { return m_shell; }
     // No picture is being drawn and no photo looked at.
     bool isSettled() const;
+
+    // Files, folders and links from outside. Several calls in a row bring one batch: file managers
+    // start a program once for each file.
+    void open(const QList<QUrl>& addresses);
+    void comeForward();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -74,4 +80,6 @@ private:
     std::optional<PublicationItem> m_staged;
     std::optional<SocialFormat> m_stagedFormat;
     QString m_lastFolder;
+    QList<QUrl> m_given;    // from outside, of which more may come
+    QTimer m_givenLately;
 };

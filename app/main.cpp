@@ -1,4 +1,5 @@
 #include "app/MainWindow.h"
+#include "app/SingleInstance.h"
 #include "app/Theme.h"
 #include "cli/CommandLine.h"
 #include "platform/Memory.h"
@@ -69,13 +70,35 @@ bool hasDisplay()
 #endif
 }
 
-// Opens the window, with the photos and folders named on the command line if there are any.
+QString runtimeFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+}
+
+// Before anything of the window exists: a later start should end in no time.
+InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
+{
+    const QCoreApplication application(argc, argv);
+    return claimInstance(runtimeFolder(), toOpen);
+}
+
+// Opens the window, with the photos and folders named on the command line if there are any; of a
+// second start, in the window of the first.
 int runWindow(int& argc, char** argv, const QStringList& arguments)
 {
+    const QList<QUrl> toOpen = addressesOf(arguments);
+    InstanceClaim claimed = claim(argc, argv, toOpen);
+    if (claimed.outcome == InstanceClaim::Outcome::handedOver)
+        return exitDone;
+    if (claimed.outcome == InstanceClaim::Outcome::unanswered) {
+        std::fputs("moltiva: ya hay una ventana abierta, pero no responde.\n", stderr);
+        return exitSomeFailed;
+    }
     QApplication application(argc, argv);
     // Workers that still draw when the application is gone would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
+    SingleInstance instance(std::move(claimed), runtimeFolder());
     dress(application, darkTheme());
     const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
@@ -84,14 +107,13 @@ int runWindow(int& argc, char** argv, const QStringList& arguments)
     const auto photos = std::make_shared<PhotoCache>(cache + u"/thumbnails"_s);
     StudioSession session(photos, preferences);
     MainWindow window(session, photos, preferences);
+    QObject::connect(&instance, &SingleInstance::handedOver, &window, [&window](const auto& urls) {
+        window.comeForward();
+        window.open(urls);
+    });
     window.show();
     session.restoreWorkspaceIfNeeded();
-
-    QList<QUrl> given;
-    for (const QString& path : arguments)
-        given.append(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()));
-    if (!given.isEmpty())
-        session.load(given);
+    window.open(toOpen);
     return QApplication::exec();
 }
 

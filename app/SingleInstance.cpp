@@ -1,0 +1,131 @@
+#include "app/SingleInstance.h"
+
+#include <QDataStream>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QIODevice>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QThread>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int longestWait = 10000, retryPause = 40;    // ms
+constexpr qsizetype longestMessage = 16 << 20;         // a folder's worth of paths many times over
+const QByteArray answer = "1";
+
+QString lockPath(const QString& folder)
+{
+    return QDir(folder).filePath(u"moltiva.lock"_s);
+}
+
+QString socketPath(const QString& folder)
+{
+    return QDir(folder).filePath(u"moltiva.socket"_s);
+}
+
+enum class HandOver { done, unanswered, nobodyListens };
+
+HandOver handOver(const QString& folder, const QList<QUrl>& toOpen)
+{
+    QLocalSocket socket;
+    socket.connectToServer(socketPath(folder));
+    if (!socket.waitForConnected(retryPause))
+        return HandOver::nobodyListens;
+    QByteArray message;
+    QDataStream writer(&message, QIODevice::WriteOnly);
+    writer << toOpen;
+    QDataStream stream(&socket);
+    stream << message;
+    while (socket.bytesToWrite() > 0) {
+        if (!socket.waitForBytesWritten(longestWait))
+            return HandOver::unanswered;
+    }
+    const bool isAnswered = socket.waitForReadyRead(longestWait) && socket.readAll() == answer;
+    return isAnswered ? HandOver::done : HandOver::unanswered;
+}
+
+}    // namespace
+
+InstanceClaim claimInstance(const QString& folder, const QList<QUrl>& toOpen)
+{
+    auto lock = std::make_unique<QLockFile>(lockPath(folder));
+    lock->setStaleLockTime(0);    // held as long as its process lives
+    QElapsedTimer watch;
+    HandOver last = HandOver::unanswered;
+    for (watch.start(); watch.elapsed() < longestWait; QThread::msleep(retryPause)) {
+        if (lock->tryLock(0))
+            return {InstanceClaim::Outcome::first, std::move(lock)};
+        last = handOver(folder, toOpen);
+        if (last == HandOver::done)
+            return {InstanceClaim::Outcome::handedOver, nullptr};
+        // The folder cannot be written: better a second window than none.
+        if (lock->error() == QLockFile::PermissionError)
+            return {InstanceClaim::Outcome::first, nullptr};
+    }
+    // A lock that nobody stands behind, though it does not look so: the machine was renamed, say.
+    if (last == HandOver::nobodyListens && QFile::remove(lockPath(folder)) && lock->tryLock(0))
+        return {InstanceClaim::Outcome::first, std::move(lock)};
+    return {};
+}
+
+QList<QUrl> addressesOf(const QStringList& arguments)
+{
+    QList<QUrl> addresses;
+    for (const QString& argument : arguments) {
+        const QFileInfo file(argument);
+        const QUrl address(argument, QUrl::StrictMode);
+        const bool isAddress = !file.exists() && address.isValid() && address.scheme().size() > 1;
+        addresses.append(isAddress ? address : QUrl::fromLocalFile(file.absoluteFilePath()));
+    }
+    return addresses;
+}
+
+SingleInstance::SingleInstance(InstanceClaim claim, const QString& folder, QObject* parent)
+    : QObject(parent), m_claim(std::move(claim)), m_server(new QLocalServer(this))
+{
+    m_server->setSocketOptions(QLocalServer::UserAccessOption);
+    QLocalServer::removeServer(socketPath(folder));    // of one that was killed: we hold the lock
+    m_server->listen(socketPath(folder));
+    connect(m_server, &QLocalServer::newConnection, this, [this] {
+        while (QLocalSocket* socket = m_server->nextPendingConnection())
+            greet(socket);
+    });
+}
+
+void SingleInstance::greet(QLocalSocket* socket)
+{
+    connect(socket, &QLocalSocket::readyRead, this, [this, socket] { read(socket); });
+    connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    connect(socket, &QObject::destroyed, this, [this, socket] { m_received.remove(socket); });
+    QTimer::singleShot(longestWait, socket, [socket] { socket->abort(); });
+    read(socket);
+}
+
+void SingleInstance::read(QLocalSocket* socket)
+{
+    QByteArray& received = m_received[socket];
+    received += socket->read(longestMessage + 1 - received.size());
+    if (received.size() > longestMessage) {
+        socket->abort();
+        return;
+    }
+    QDataStream stream(received);
+    QByteArray message;
+    stream.startTransaction();
+    stream >> message;
+    if (!stream.commitTransaction())
+        return;    // more is to come
+    QList<QUrl> toOpen;
+    QDataStream reader(message);
+    reader >> toOpen;
+    received.clear();
+    socket->write(answer);
+    socket->disconnectFromServer();
+    Q_EMIT handedOver(toOpen);
+}
