@@ -1,0 +1,181 @@
+// Edits a stored batch without pause, is killed at random moments, and starts again: what a start
+// finds must be the state after the last edit that was reported done, or after the one under way.
+//
+//     edit_storm FOLDER KILLS     runs and judges it
+//     edit_storm FOLDER           edits until it is killed
+
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
+#include "studio/StudioSession.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QImage>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QScopeGuard>
+#include <QThread>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int itemCount = 40, editKinds = 5;
+
+// Edit number n leaves n in one of these places, in turn.
+struct Marks {
+    std::array<int, editKinds> numbers{};
+    bool areEverywhere = true;    // an edit of all items reached all
+
+    int last() const { return *std::ranges::max_element(numbers); }
+    // Each place holds the newest number of its own kind.
+    bool areWhole() const
+    {
+        for (int number = last(); number > std::max(0, last() - editKinds); --number) {
+            if (numbers[std::size_t(number % editKinds)] != number)
+                return false;
+        }
+        return areEverywhere;
+    }
+};
+
+constexpr double unit = 1e-6;
+
+Marks marksOf(const Batch& batch)
+{
+    Marks marks;
+    if (batch.items.isEmpty())
+        return marks;
+    const PublicationItem& item = batch.items.first();
+    marks.numbers = {qRound((item.layers[0].fontScale - 1) / unit), batch.objective.toInt(),
+                     item.layers[1].text.toInt(),
+                     qRound(std::max(0.0, item.layers[3].cornerRadius - 24) / unit),
+                     qRound((item.placement.zoom - 1) / unit)};
+    marks.areEverywhere = std::ranges::all_of(batch.items, [&](const PublicationItem& other) {
+        return other.layers[0].fontScale == item.layers[0].fontScale &&
+               other.layers[3].cornerRadius == item.layers[3].cornerRadius;
+    });
+    return marks;
+}
+
+void edit(StudioSession& session, int number)
+{
+    PublicationItem item = *session.batch().currentItem();
+    switch (number % editKinds) {
+    case 0:
+        item.layers[0].fontScale = 1 + number * unit;
+        session.editLayer(item.layers[0]);
+        break;
+    case 1:
+        session.setObjective(QString::number(number));
+        break;
+    case 2:
+        session.setText(CopySlot::subtitle, QString::number(number));
+        break;
+    case 3:
+        session.beginCanvasHistoryEdit();
+        item.layers[3].cornerRadius = 24 + number * unit;
+        session.commitCanvasItem(item);
+        session.endCanvasHistoryEdit(item.layers[3].id);
+        break;
+    default:
+        item.placement.zoom = 1 + number * unit;
+        session.setCurrentItem(item);
+    }
+}
+
+void say(const char* word, int number)
+{
+    std::printf("%s %d\n", word, number);
+    std::fflush(stdout);
+}
+
+int storm(const QDir& folder)
+{
+    PreferencesStore preferences(folder.filePath(u"moltiva.sqlite"_s));
+    const auto photos = std::make_shared<PhotoCache>(folder.filePath(u"thumbnails"_s));
+    StudioSession session(photos, preferences);
+    session.restoreWorkspaceIfNeeded();
+    while (!session.didRestoreWorkspace())
+        QGuiApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    const Marks found = marksOf(session.batch());
+    say(found.areWhole() ? "found" : "torn", found.last());
+    if (session.batch().items.isEmpty()) {
+        session.load({QUrl::fromLocalFile(folder.filePath(u"photos"_s))});
+        while (session.isImporting())
+            QGuiApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    session.selectAll();
+    for (int number = found.last() + 1;; ++number) {
+        edit(session, number);
+        say("done", number);
+        QGuiApplication::processEvents();
+    }
+}
+
+bool paintPhotos(const QDir& folder)
+{
+    folder.mkpath(u"photos"_s);
+    for (int i = 0; i < itemCount; ++i) {
+        QImage image(40, 30, QImage::Format_RGB32);
+        image.fill(QColor::fromHsv(9 * i, 200, 200));
+        if (!image.save(folder.filePath(u"photos/%1.png"_s.arg(i))))
+            return false;
+    }
+    return true;
+}
+
+int judge(const QDir& folder, int kills)
+{
+    if (!paintPhotos(folder))
+        return 2;
+    int done = 0, failures = 0, lost = 0, restarts = 0;
+    for (int kill = 0; kill <= kills; ++kill) {
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(), {folder.path()});
+        child.waitForReadyRead(20000);
+        // The first run has its import to do.
+        QThread::msleep(kill == 0 ? 500 : QRandomGenerator::global()->bounded(1, 120));
+        child.kill();
+        child.waitForFinished();
+        QList<QByteArray> lines = child.readAllStandardOutput().split('\n');
+        lines.removeLast();    // cut short, or empty
+        for (const QByteArray& line : std::as_const(lines)) {
+            const QList<QByteArray> words = line.split(' ');
+            const int number = words[1].toInt();
+            if (words[0] == "done") {
+                done = number;
+                continue;
+            }
+            ++restarts;
+            lost += number < done;
+            if (words[0] == "torn" || number < done - 1 || number > done + 1) {
+                std::printf("found %d after %d was done: %s\n", number, done, words[0].constData());
+                ++failures;
+            }
+            done = number;
+        }
+    }
+    std::printf("%d starts, %d edits: %d one edit behind, %d wrong\n", restarts, done, lost,
+                failures);
+    return failures == 0 && restarts > kills && done > kills ? 0 : 1;
+}
+
+}    // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication application(argc, argv);
+    const auto finish = qScopeGuard(&finishWorkers);
+    const QStringList arguments = QGuiApplication::arguments();
+    if (arguments.size() == 2)
+        return storm(QDir(arguments[1]));
+    if (arguments.size() == 3 && arguments[2].toInt() > 0)
+        return judge(QDir(arguments[1]), arguments[2].toInt());
+    std::fprintf(stderr, "edit_storm FOLDER [KILLS]\n");
+    return 2;
+}
