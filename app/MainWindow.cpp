@@ -405,7 +405,7 @@ bool MainWindow::showsIncoming() const
     return m_session.isImporting() && !m_session.importProgress().accepted.isEmpty();
 }
 
-const QList<PublicationItem>& MainWindow::shownItems() const
+const PublicationItems& MainWindow::shownItems() const
 {
     return showsIncoming() ? m_session.importProgress().accepted : m_session.batch().items;
 }
@@ -444,7 +444,7 @@ void MainWindow::showBatch()
 void MainWindow::showTiles()
 {
     const Batch& batch = m_session.batch();
-    const QList<PublicationItem>& items = shownItems();
+    const PublicationItems& items = shownItems();
     const bool incoming = showsIncoming();
     QList<Tile> tiles;
     tiles.reserve(items.size());
@@ -459,7 +459,7 @@ void MainWindow::showTiles()
 
     const bool otherFormat = m_knownFormat != batch.format;
     QHash<QUuid, const PublicationItem*> known;
-    for (const PublicationItem& item : std::as_const(m_known))
+    for (const PublicationItem& item : m_known)
         known.insert(item.id, &item);
     for (const PublicationItem& item : items) {
         const PublicationItem* before = known.value(item.id);

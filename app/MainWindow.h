@@ -66,7 +66,7 @@ private:
     void showStage();
     void showStatus();
     bool showsIncoming() const;
-    const QList<PublicationItem>& shownItems() const;
+    const PublicationItems& shownItems() const;
 
     StudioSession& m_session;
     PreferencesStore& m_preferences;
@@ -75,7 +75,7 @@ private:
     StagePicture* m_stage;
     QMenu* m_menu;
     // What the panels show now, to tell what has changed.
-    QList<PublicationItem> m_known;
+    PublicationItems m_known;
     std::optional<SocialFormat> m_knownFormat;
     std::optional<PublicationItem> m_staged;
     std::optional<SocialFormat> m_stagedFormat;

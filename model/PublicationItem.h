@@ -4,6 +4,7 @@
 #include "model/ImagePlacement.h"
 #include "model/PhotoHandle.h"
 #include "model/ShapeLayer.h"
+#include "model/SharedList.h"
 #include "model/TextLayer.h"
 
 #include <QList>
@@ -37,3 +38,5 @@ struct PublicationItem {
 
     bool operator==(const PublicationItem&) const = default;
 };
+
+using PublicationItems = SharedList<PublicationItem>;

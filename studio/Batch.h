@@ -11,7 +11,7 @@
 struct Batch {
     SocialFormat format = SocialFormat::carouselPortrait;
     QString objective;    // of the campaign, as the user typed it
-    QList<PublicationItem> items;
+    PublicationItems items;
     int selectedIndex = 0;    // the current item, the one on the canvas
     int selectionAnchorIndex = 0;
     QSet<QUuid> selectedItemIDs;

@@ -65,14 +65,14 @@ QList<int> BatchSelection::selectedIndicesForBatch(const Batch& batch)
 
 QList<int> BatchSelection::otherSelectedIndices(const Batch& batch)
 {
-    QList<int> indices = selectedIndicesForBatch(batch);
-    if (indices.size() < 2)
+    if (batch.selectedItemIDs.size() < 2)
         return {};    // also where the one selected is not the current one
+    QList<int> indices = selectedIndicesForBatch(batch);
     indices.removeOne(batch.selectedIndex);
     return indices;
 }
 
-void BatchSelection::replaceItems(Batch& batch, const QList<PublicationItem>& items)
+void BatchSelection::replaceItems(Batch& batch, const PublicationItems& items)
 {
     batch.items = items;
     batch.selectedIndex = 0;
@@ -88,7 +88,7 @@ void BatchSelection::removeItem(Batch& batch, QUuid id)
     if (found == batch.items.end())
         return;
     const int index = int(found - batch.items.begin());
-    batch.items.erase(found);
+    batch.items.removeAt(index);
     batch.selectedItemIDs.remove(id);
     const int last = std::max(0, int(batch.items.size()) - 1);
     const auto moved = [&](int kept) { return std::min(kept > index ? kept - 1 : kept, last); };

@@ -21,7 +21,7 @@ QList<int> selectedIndicesForBatch(const Batch& batch);
 QList<int> otherSelectedIndices(const Batch& batch);
 
 // New items replace the old; the first is current, alone in the selection.
-void replaceItems(Batch& batch, const QList<PublicationItem>& items);
+void replaceItems(Batch& batch, const PublicationItems& items);
 // Whatever else is current stays so; after the current one comes the item that took its place, or
 // the new last one.
 void removeItem(Batch& batch, QUuid id);

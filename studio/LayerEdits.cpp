@@ -31,7 +31,7 @@ CodableRect newShapeFrame(ShapeKind kind, SocialFormat format)
 void hideSlotInSelectedItems(Batch& batch, CopySlot slot)
 {
     for (const int index : BatchSelection::otherSelectedIndices(batch)) {
-        if (TextLayer* other = batch.items[index].layer(slot))
+        if (TextLayer* other = batch.items.edit(index).layer(slot))
             other->isVisible = false;
     }
 }
@@ -42,7 +42,7 @@ void LayerEdits::applyLayerChangeToSelectedItems(Batch& batch, const TextLayer& 
                                                  AlongFlags along)
 {
     for (const int index : BatchSelection::otherSelectedIndices(batch)) {
-        TextLayer* target = batch.items[index].layer(layer.slot);
+        TextLayer* target = batch.items.edit(index).layer(layer.slot);
         if (!target)
             continue;
         TextLayerDesign(layer).apply(*target);
@@ -57,7 +57,7 @@ void LayerEdits::applyLayerChangeToSelectedItems(Batch& batch, const TextLayer& 
 void LayerEdits::applyShapeChangeToSelectedItems(Batch& batch, const ShapeLayer& shape)
 {
     for (const int index : BatchSelection::otherSelectedIndices(batch)) {
-        if (ShapeLayer* target = find(batch.items[index].shapeLayers, shape.id))
+        if (ShapeLayer* target = find(batch.items.edit(index).shapeLayers, shape.id))
             *target = shape;
     }
 }
@@ -66,7 +66,7 @@ void LayerEdits::editLayer(Batch& batch, const TextLayer& layer, AlongFlags alon
 {
     if (!batch.currentItem())
         return;
-    if (TextLayer* target = find(batch.items[batch.selectedIndex].layers, layer.id)) {
+    if (TextLayer* target = find(batch.items.edit(batch.selectedIndex).layers, layer.id)) {
         *target = layer;
         applyLayerChangeToSelectedItems(batch, layer, along);
     }
@@ -76,7 +76,7 @@ void LayerEdits::editShape(Batch& batch, const ShapeLayer& shape)
 {
     if (!batch.currentItem())
         return;
-    if (ShapeLayer* target = find(batch.items[batch.selectedIndex].shapeLayers, shape.id)) {
+    if (ShapeLayer* target = find(batch.items.edit(batch.selectedIndex).shapeLayers, shape.id)) {
         *target = shape;
         applyShapeChangeToSelectedItems(batch, shape);
     }
@@ -86,7 +86,7 @@ void LayerEdits::replaceCurrentItem(Batch& batch, const PublicationItem& item)
 {
     if (!batch.currentItem() || batch.currentItem()->id != item.id)
         return;
-    batch.items[batch.selectedIndex] = item;
+    batch.items.edit(batch.selectedIndex) = item;
     if (!batch.selectedLayerID.isNull())
         BatchSelection::settleSelectedLayer(batch);
 }
@@ -124,9 +124,9 @@ void LayerEdits::addShape(Batch& batch, ShapeKind kind)
     if (!batch.currentItem())
         return;
     const ShapeLayer shape(QUuid::createUuid(), kind, newShapeFrame(kind, batch.format));
-    batch.items[batch.selectedIndex].shapeLayers.append(shape);
+    batch.items.edit(batch.selectedIndex).shapeLayers.append(shape);
     for (const int index : BatchSelection::otherSelectedIndices(batch))
-        batch.items[index].shapeLayers.append(shape);
+        batch.items.edit(index).shapeLayers.append(shape);
     batch.selectedLayerID = shape.id;
 }
 
@@ -134,7 +134,7 @@ void LayerEdits::deleteSelectedLayer(Batch& batch)
 {
     if (!batch.currentItem())
         return;
-    PublicationItem& current = batch.items[batch.selectedIndex];
+    PublicationItem& current = batch.items.edit(batch.selectedIndex);
     if (TextLayer* text = find(current.layers, batch.selectedLayerID)) {
         text->isVisible = false;
         hideSlotInSelectedItems(batch, text->slot);
@@ -145,12 +145,12 @@ void LayerEdits::deleteSelectedLayer(Batch& batch)
 
 void LayerEdits::deleteShape(Batch& batch, QUuid shape)
 {
-    if (!batch.currentItem() || !find(batch.items[batch.selectedIndex].shapeLayers, shape))
+    if (!batch.currentItem() || !batch.currentItem()->hasLayer(shape))
         return;
     QList<int> indices = BatchSelection::otherSelectedIndices(batch);
     indices.append(batch.selectedIndex);
     for (const int index : std::as_const(indices)) {
-        batch.items[index].shapeLayers.removeIf(
+        batch.items.edit(index).shapeLayers.removeIf(
             [shape](const ShapeLayer& candidate) { return candidate.id == shape; });
     }
     if (batch.selectedLayerID == shape)

@@ -76,7 +76,7 @@ QCoro::Task<> lane(std::shared_ptr<Run> run)
 
 }    // namespace
 
-QCoro::Task<std::optional<QList<PublicationItem>>>
+QCoro::Task<std::optional<PublicationItems>>
 PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCache> cache,
                           std::shared_ptr<Control> control)
 {

@@ -18,7 +18,7 @@ namespace PhotoImport {
 
 struct Progress {
     qsizetype looked = 0, total = 0;    // files
-    QList<PublicationItem> accepted;    // so far, in order
+    PublicationItems accepted;          // so far, in order
 };
 
 // Shared by who runs an import and who may end it.
@@ -30,8 +30,8 @@ struct Control {
 // The items of these files and folders, in order; nothing when it was stopped. At most a few
 // decodings wait in the workers' queue at any time, so that what the screen needs meanwhile gets
 // its turn.
-QCoro::Task<std::optional<QList<PublicationItem>>> importPhotos(QList<QUrl> filesAndFolders,
-                                                                std::shared_ptr<PhotoCache> cache,
-                                                                std::shared_ptr<Control> control);
+QCoro::Task<std::optional<PublicationItems>> importPhotos(QList<QUrl> filesAndFolders,
+                                                          std::shared_ptr<PhotoCache> cache,
+                                                          std::shared_ptr<Control> control);
 
 }    // namespace PhotoImport

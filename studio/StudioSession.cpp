@@ -92,16 +92,16 @@ void StudioSession::applyHistorySnapshot(StudioHistorySnapshot snapshot)
     m_isApplyingHistory = true;
     // What has been paid stays paid.
     QHash<QUuid, QSet<QString>> paid;
-    for (const PublicationItem& item : std::as_const(m_batch.items)) {
+    for (const PublicationItem& item : m_batch.items) {
         if (!item.paidRenderFingerprints.isEmpty())
             paid.insert(item.id, item.paidRenderFingerprints);
     }
     QSet<QUuid> ids;
     for (qsizetype i = 0; i < snapshot.items.size(); ++i) {
-        const QUuid id = snapshot.items.at(i).id;
+        const QUuid id = snapshot.items[i].id;
         ids.insert(id);
         if (paid.contains(id))
-            snapshot.items[i].paidRenderFingerprints.unite(paid.value(id));
+            snapshot.items.edit(i).paidRenderFingerprints.unite(paid.value(id));
     }
     snapshot.selectedItemIDs.intersect(ids);
     const int last = std::max(0, int(snapshot.items.size()) - 1);
@@ -284,7 +284,7 @@ QCoro::Task<> StudioSession::runImport(QPointer<StudioSession> session, QList<QU
                                        std::shared_ptr<PhotoImport::Control> control)
 {
     auto importing = PhotoImport::importPhotos(urls, photos, control);
-    std::optional<QList<PublicationItem>> items;
+    std::optional<PublicationItems> items;
     QString failure;
     try {
         items = co_await importing;
@@ -301,7 +301,7 @@ QCoro::Task<> StudioSession::runImport(QPointer<StudioSession> session, QList<QU
     }
 }
 
-void StudioSession::finishImport(const std::optional<QList<PublicationItem>>& items)
+void StudioSession::finishImport(const std::optional<PublicationItems>& items)
 {
     m_import.reset();
     m_importProgress = {};
@@ -412,7 +412,7 @@ void StudioSession::setText(CopySlot slot, const QString& text, Pace pace)
     change(
         [&](Batch& batch) {
             TextLayer* layer =
-                batch.currentItem() ? batch.items[batch.selectedIndex].layer(slot) : nullptr;
+                batch.currentItem() ? batch.items.edit(batch.selectedIndex).layer(slot) : nullptr;
             if (!layer || layer->text == text)
                 return;
             layer->text = text;
@@ -437,7 +437,7 @@ void StudioSession::setPlacement(const ImagePlacement& placement, Pace pace)
         [&](Batch& batch) {
             if (!batch.currentItem())
                 return;
-            PublicationItem& item = batch.items[batch.selectedIndex];
+            PublicationItem& item = batch.items.edit(batch.selectedIndex);
             item.placement = ImagePlacementGeometry::clamped(placement, item.image.size,
                                                              designSize(batch.format));
         },
@@ -555,7 +555,7 @@ void StudioSession::markPaid(QUuid itemId, const QString& fingerprint)
     const auto item = std::ranges::find(m_batch.items, itemId, &PublicationItem::id);
     if (item == m_batch.items.end())
         return;
-    item->paidRenderFingerprints.insert(fingerprint);
+    m_batch.items.edit(item - m_batch.items.begin()).paidRenderFingerprints.insert(fingerprint);
     // Else a later change could join a step from before the payment.
     m_history.endContinuousChanges();
     saveAfter(Pace::once);

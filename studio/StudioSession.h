@@ -138,7 +138,7 @@ private:
     static QCoro::Task<> runImport(QPointer<StudioSession> session, QList<QUrl> urls,
                                    std::shared_ptr<PhotoCache> photos,
                                    std::shared_ptr<PhotoImport::Control> control);
-    void finishImport(const std::optional<QList<PublicationItem>>& items);
+    void finishImport(const std::optional<PublicationItems>& items);
 
     std::shared_ptr<PhotoCache> m_photos;
     PreferencesStore& m_preferences;

@@ -29,29 +29,27 @@ QByteArray headOf(const PublicationItem& item)
 
 void WorkspaceEncoder::update(Pieces& pieces, const PublicationItem& item)
 {
-    const bool isNew = pieces.whole.isEmpty();
-    if (isNew || pieces.item.url != item.url)
+    const PublicationItem* known = pieces.item.isEmpty() ? nullptr : &pieces.item.first();
+    if (!known || known->url != item.url)
         pieces.head = headOf(item);
-    if (isNew || !(pieces.item.analysis == item.analysis))
+    if (!known || !(known->analysis == item.analysis))
         pieces.analysis = toJson(item.analysis);
-    if (isNew || !(pieces.item.placement == item.placement))
+    if (!known || !(known->placement == item.placement))
         pieces.placement = toJson(item.placement);
-    if (isNew || pieces.item.paidRenderFingerprints != item.paidRenderFingerprints)
+    if (!known || known->paidRenderFingerprints != item.paidRenderFingerprints)
         pieces.paid = toJson(item.paidRenderFingerprints);
-    updateLayers(pieces.layers, pieces.item.layers, item.layers);
-    updateLayers(pieces.shapes, pieces.item.shapeLayers, item.shapeLayers);
-    pieces.item = item;
-
+    updateLayers(pieces.layers, known ? known->layers : QList<TextLayer>(), item.layers);
+    updateLayers(pieces.shapes, known ? known->shapeLayers : QList<ShapeLayer>(), item.shapeLayers);
     pieces.whole = pieces.head + ",\"analysis\":" + pieces.analysis + ",\"layers\":[" +
                    pieces.layers.join(',') + "],\"shapeLayers\":[" + pieces.shapes.join(',') +
                    "],\"placement\":" + pieces.placement +
                    ",\"paidRenderFingerprints\":" + pieces.paid + '}';
 }
 
-QByteArray WorkspaceEncoder::encode(const Batch& batch)
+const QByteArray& WorkspaceEncoder::encode(const Batch& batch)
 {
-    QByteArray document;
-    document.reserve(m_lastSize + m_lastSize / 8);
+    QByteArray& document = m_document;
+    document.resize(0);
     document += "{\"format\":" + toJson(rawValue(batch.format)) +
                 ",\"objective\":" + toJson(batch.objective) +
                 ",\"selectedIndex\":" + QByteArray::number(batch.selectedIndex) +
@@ -63,14 +61,15 @@ QByteArray WorkspaceEncoder::encode(const Batch& batch)
     for (qsizetype i = 0; i < batch.items.size(); ++i) {
         const PublicationItem& item = batch.items[i];
         Pieces& pieces = m_items[item.id];
-        if (pieces.whole.isEmpty() || !(pieces.item == item))
+        if (pieces.item.isEmpty() || !pieces.item.shares(0, batch.items, i)) {
             update(pieces, item);
+            pieces.item = batch.items.mid(i, 1);
+        }
         if (i > 0)
             document += ',';
         document += pieces.whole;
     }
     document += "]}";
-    m_lastSize = document.size();
     if (m_items.size() > batch.items.size()) {
         QSet<QUuid> kept;
         for (const PublicationItem& item : batch.items)

@@ -9,11 +9,12 @@
 // from one time to the next, and writes anew only what changed.
 class WorkspaceEncoder {
 public:
-    QByteArray encode(const Batch& batch);
+    // Valid until the next call.
+    const QByteArray& encode(const Batch& batch);
 
 private:
     struct Pieces {
-        PublicationItem item;    // what they were made of
+        PublicationItems item;    // the one that they were made of, shared with the batch
         QByteArray head, analysis, placement, paid;
         QList<QByteArray> layers, shapes;
         QByteArray whole;
@@ -21,5 +22,5 @@ private:
     static void update(Pieces& pieces, const PublicationItem& item);
 
     QHash<QUuid, Pieces> m_items;
-    qsizetype m_lastSize = 0;
+    QByteArray m_document;    // keeps its room
 };

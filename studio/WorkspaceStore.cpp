@@ -49,15 +49,15 @@ std::optional<PublicationItem> reopenedItem(const PublicationItemSnapshot& store
     return item;
 }
 
-using Reopened = QList<PublicationItem>;
+using Reopened = PublicationItems;
 
 Reopened reopenedItems(const QList<PublicationItemSnapshot>& stored, PhotoCache& photos)
 {
     Reopened items;
     for (const PublicationItemSnapshot& snapshot : stored) {
         try {
-            if (auto item = reopenedItem(snapshot, photos))
-                items.append(*std::move(item));
+            if (const auto item = reopenedItem(snapshot, photos))
+                items.append(*item);
         } catch (const std::exception&) {
             continue;    // short of memory: like a photo that cannot be reached
         }
@@ -65,7 +65,7 @@ Reopened reopenedItems(const QList<PublicationItemSnapshot>& stored, PhotoCache&
     return items;
 }
 
-Batch workspaceOf(const WorkspaceSnapshot& stored, const QList<PublicationItem>& items)
+Batch workspaceOf(const WorkspaceSnapshot& stored, const PublicationItems& items)
 {
     const auto clamped = [&](int index) { return std::clamp(index, 0, int(items.size()) - 1); };
     Batch batch;
@@ -88,9 +88,9 @@ Batch workspaceOf(const WorkspaceSnapshot& stored, const QList<PublicationItem>&
 }
 
 // Two items of one id would be one to every command.
-QList<PublicationItem> withoutRepeatedIds(const QList<PublicationItem>& items)
+PublicationItems withoutRepeatedIds(const PublicationItems& items)
 {
-    QList<PublicationItem> kept;
+    PublicationItems kept;
     QSet<QUuid> ids;
     for (const PublicationItem& item : items) {
         if (!ids.contains(item.id))
@@ -156,10 +156,11 @@ WorkspaceStore::restore(QByteArray document, std::shared_ptr<PhotoCache> photos,
             return reopenedItems(some, *photos);
         }));
     }
-    QList<PublicationItem> items;
+    PublicationItems items;
     qsizetype count = 0;
     for (const QFuture<Reopened>& each : portions) {
-        items += co_await each;
+        const Reopened some = co_await each;
+        items.append(some);
         count = std::min(count + portion, snapshots.size());
         if (looked)
             looked(count, snapshots.size());

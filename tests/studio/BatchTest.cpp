@@ -10,7 +10,7 @@ namespace {
 
 Batch batchOf(int count)
 {
-    QList<PublicationItem> items;
+    PublicationItems items;
     for (int i = 0; i < count; ++i)
         items.append(PublicationItem::make(QUrl::fromLocalFile(u"/f/%1.jpg"_s.arg(i)), {}));
     Batch batch;
@@ -98,8 +98,8 @@ TEST(BatchSelection, theSelectedLayerIsKeptOnlyWhereTheImageHasIt)
     const QUuid shape = batch.selectedLayerID;
     selectItem(batch, 1, Qt::ControlModifier);
     EXPECT_EQ(batch.selectedLayerID, batch.items[1].layers[0].id);
-    batch.items[0].shapeLayers[0].id = shape;
-    batch.items[1].shapeLayers = batch.items[0].shapeLayers;
+    batch.items.edit(0).shapeLayers[0].id = shape;
+    batch.items.edit(1).shapeLayers = batch.items[0].shapeLayers;
     batch.selectedLayerID = shape;
     selectSingleIndex(batch, 0);
     EXPECT_EQ(batch.selectedLayerID, shape);
@@ -154,9 +154,9 @@ TEST(LayerEdits, aGestureSendsTheLayerItMoved)
     Batch batch = batchOf(2);
     selectAll(batch);
     LayerEdits::addShape(batch, ShapeKind::rectangle);
-    batch.items[0].shapeLayers[0].frame = {0.5, 0.5, 0.1, 0.1};
-    batch.items[0].layers[0].frame = {0, 0, 0.2, 0.2};
-    batch.items[0].layers[1].frame = {0.3, 0.3, 0.2, 0.2};
+    batch.items.edit(0).shapeLayers[0].frame = {0.5, 0.5, 0.1, 0.1};
+    batch.items.edit(0).layers[0].frame = {0, 0, 0.2, 0.2};
+    batch.items.edit(0).layers[1].frame = {0.3, 0.3, 0.2, 0.2};
     const CodableRect untouched = batch.items[1].layers[1].frame;
 
     LayerEdits::syncCurrentCanvasEditsToSelectedItems(batch, batch.items[0].layers[0].id);

@@ -59,10 +59,11 @@ TEST_F(WorkspaceStoreTest, aBatchComesBackAsItWas)
     batch.selectedIndex = batch.selectionAnchorIndex = 2;
     batch.selectedItemIDs = {batch.items[0].id, batch.items[2].id};
     batch.selectedLayerID = batch.items[2].layers[3].id;
-    batch.items[1].shapeLayers = {ShapeLayer(QUuid::createUuid(), ShapeKind::line, {0, 1, 2, 3})};
-    batch.items[1].placement = {ImageFitMode::fit, 1.7, {0.1, -0.2}};
-    batch.items[1].paidRenderFingerprints = {u"b"_s, u"a"_s};
-    batch.items[2].layers[0].text = u"Otra \u2028 \\ línea"_s;
+    batch.items.edit(1).shapeLayers = {
+        ShapeLayer(QUuid::createUuid(), ShapeKind::line, {0, 1, 2, 3})};
+    batch.items.edit(1).placement = {ImageFitMode::fit, 1.7, {0.1, -0.2}};
+    batch.items.edit(1).paidRenderFingerprints = {u"b"_s, u"a"_s};
+    batch.items.edit(2).layers[0].text = u"Otra \u2028 \\ línea"_s;
 
     const auto result = restored(encoded(batch));
     EXPECT_TRUE(result.isComplete);
@@ -75,16 +76,16 @@ TEST_F(WorkspaceStoreTest, whatIsKeptOfTheLastDocumentGivesTheSameTextAsABlankSt
     Batch batch = batchOf(4);
     encoder.encode(batch);
     const std::array<std::function<void()>, 9> edits{
-        [&] { batch.items[1].layers[2].fontScale = 1.15; },
-        [&] { batch.items[1].layers.removeAt(0); },
-        [&] { batch.items[1].layers.swapItemsAt(0, 1); },
+        [&] { batch.items.edit(1).layers[2].fontScale = 1.15; },
+        [&] { batch.items.edit(1).layers.removeAt(0); },
+        [&] { batch.items.edit(1).layers.swapItemsAt(0, 1); },
         [&] {
-            batch.items[2].shapeLayers.append(
+            batch.items.edit(2).shapeLayers.append(
                 ShapeLayer(QUuid::createUuid(), ShapeKind::circle, {}));
         },
-        [&] { batch.items[2].analysis.imageNotes = u"mar"_s; },
-        [&] { batch.items[2].paidRenderFingerprints.insert(u"x"_s); },
-        [&] { batch.items[3].placement.zoom = 2; },
+        [&] { batch.items.edit(2).analysis.imageNotes = u"mar"_s; },
+        [&] { batch.items.edit(2).paidRenderFingerprints.insert(u"x"_s); },
+        [&] { batch.items.edit(3).placement.zoom = 2; },
         [&] { batch.items.swapItemsAt(0, 3); },
         [&] { batch.items.removeAt(1); },
     };

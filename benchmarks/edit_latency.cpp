@@ -1,0 +1,160 @@
+// What an edit costs on the interface thread: through the session alone, and with a window that
+// shows it.
+//
+//     edit_latency PHOTOS     a folder; 500 photos for the figures that are compared
+
+#include "app/MainWindow.h"
+#include "app/Theme.h"
+#include "platform/Memory.h"
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
+#include "studio/StudioSession.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int edits = 60;
+
+void turnFor(int milliseconds)
+{
+    QElapsedTimer watch;
+    for (watch.start(); watch.elapsed() < milliseconds;)
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+}
+
+template <typename Done>
+void turnUntil(Done done)
+{
+    while (!done())
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+}
+
+double milliseconds(qint64 nanoseconds)
+{
+    return double(nanoseconds) / 1e6;
+}
+
+void report(const char* what, QList<qint64> times)
+{
+    std::ranges::sort(times);
+    const auto at = [&](double share) {
+        return milliseconds(
+            times[std::min(qsizetype(share * double(times.size())), times.size() - 1)]);
+    };
+    std::printf("%-44s median %6.2f ms   95th %6.2f ms   longest %6.2f ms\n", what, at(0.5),
+                at(0.95), at(1));
+    std::fflush(stdout);
+}
+
+// The same edit of the title again and again, each time of another length in the document.
+struct Restyle {
+    StudioSession& session;
+    int count = 0;
+
+    void operator()(Pace pace = Pace::once)
+    {
+        static constexpr std::array scales{1.0, 1.15, 1.125, 1.0625, 0.71234567};
+        TextLayer title = session.batch().currentItem()->layers.first();
+        title.fontScale = scales[std::size_t(++count) % scales.size()];
+        title.cornerRadius = 10 + count % 90;
+        session.editLayer(title, {}, pace);
+    }
+};
+
+QList<qint64> timed(const std::function<void()>& edit, int pauseBetween)
+{
+    QList<qint64> times;
+    for (int i = 0; i < edits; ++i) {
+        QElapsedTimer watch;
+        watch.start();
+        edit();
+        times.append(watch.nsecsElapsed());
+        turnFor(pauseBetween);
+    }
+    return times;
+}
+
+// A session without a window. A store that cannot be opened refuses at once: the edit without the
+// one write.
+struct Studio {
+    Studio(const std::shared_ptr<PhotoCache>& photos, const QString& file, const QList<QUrl>& urls)
+        : preferences(file), session(photos, preferences)
+    {
+        session.restoreWorkspaceIfNeeded();
+        session.load(urls);
+        turnUntil([this] { return !session.isImporting(); });
+    }
+    PreferencesStore preferences;
+    StudioSession session;
+};
+
+}    // namespace
+
+int main(int argc, char** argv)
+{
+    settleAllocator();
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    const auto finish = qScopeGuard(&finishWorkers);
+    dress(application, darkTheme());
+    if (argc != 2) {
+        std::fprintf(stderr, "edit_latency PHOTOS\n");
+        return 2;
+    }
+    const QUrl folder = QUrl::fromLocalFile(QDir(QString::fromLocal8Bit(argv[1])).absolutePath());
+    const QTemporaryDir own;
+    const auto photos = std::make_shared<PhotoCache>(own.filePath(u"thumbnails"_s));
+
+    {
+        Studio studio(photos, own.filePath(u"a.sqlite"_s), {folder});
+        std::printf("%lld photos\n", qlonglong(studio.session.batch().items.size()));
+        Restyle restyle{studio.session};
+        report("session, one selected", timed([&] { restyle(); }, 60));
+        studio.session.selectAll();
+        turnFor(200);
+        report("session, all selected", timed([&] { restyle(); }, 60));
+    }
+    {
+        Studio studio(photos, u"/proc/nowhere/b.sqlite"_s, {folder});
+        Restyle restyle{studio.session};
+        report("the same without the write, one selected", timed([&] { restyle(); }, 5));
+        QList<QUrl> few;
+        for (qsizetype i = 0; i < std::min(qsizetype(10), studio.session.batch().items.size()); ++i)
+            few.append(studio.session.batch().items[i].url);
+        Studio small(photos, u"/proc/nowhere/c.sqlite"_s, few);
+        Restyle restyleSmall{small.session};
+        report("the same, of 10", timed([&] { restyleSmall(); }, 5));
+    }
+    {
+        PreferencesStore preferences(own.filePath(u"d.sqlite"_s));
+        StudioSession session(photos, preferences);
+        MainWindow window(session, photos, preferences);
+        window.resize(1440, 900);
+        window.show();
+        session.restoreWorkspaceIfNeeded();
+        session.load({folder});
+        turnUntil([&] { return !session.isImporting() && window.isSettled(); });
+        session.selectAll();
+        turnFor(1000);
+        Restyle restyle{session};
+        // A tick of a slider: the edit, and every event that it sets off, the repaint included.
+        report("window, held slider, all selected", timed(
+                                                        [&] {
+                                                            restyle(Pace::held);
+                                                            QApplication::sendPostedEvents();
+                                                            QApplication::processEvents();
+                                                        },
+                                                        16));
+    }
+    std::printf("peak memory %.0f MB\n", double(peakMemory()) / 1e6);
+    return 0;
+}

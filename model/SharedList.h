@@ -1,0 +1,112 @@
+#pragma once
+
+#include <QList>
+#include <QSharedData>
+
+#include <compare>
+#include <iterator>
+
+// A list whose entries are shared one by one: copying it, or changing one entry of a copy, costs
+// nothing of the size of the others, and entries that are still shared compare at once. Reading
+// never detaches; edit() is the one way to an entry that may be written to.
+template <typename T>
+class SharedList {
+    struct Node : QSharedData {
+        explicit Node(const T& entry) : value(entry) {}
+        T value;
+    };
+    using Nodes = QList<QSharedDataPointer<Node>>;
+
+public:
+    using value_type = T;
+
+    class const_iterator {
+    public:
+        using iterator_category = std::random_access_iterator_tag;
+        using value_type = T;
+        using difference_type = qsizetype;
+        using pointer = const T*;
+        using reference = const T&;
+
+        const_iterator() = default;
+        explicit const_iterator(typename Nodes::const_iterator node) : m_node(node) {}
+        reference operator*() const { return m_node->constData()->value; }
+        pointer operator->() const { return &**this; }
+        reference operator[](difference_type n) const { return *(*this + n); }
+        const_iterator& operator++() { return *this += 1; }
+        const_iterator& operator--() { return *this += -1; }
+        const_iterator operator++(int) { return const_iterator(m_node++); }
+        const_iterator operator--(int) { return const_iterator(m_node--); }
+        const_iterator& operator+=(difference_type n)
+        {
+            m_node += n;
+            return *this;
+        }
+        const_iterator& operator-=(difference_type n) { return *this += -n; }
+        friend const_iterator operator+(const_iterator i, difference_type n) { return i += n; }
+        friend const_iterator operator+(difference_type n, const_iterator i) { return i += n; }
+        friend const_iterator operator-(const_iterator i, difference_type n) { return i -= n; }
+        friend difference_type operator-(const const_iterator& a, const const_iterator& b)
+        {
+            return a.m_node - b.m_node;
+        }
+        friend bool operator==(const const_iterator& a, const const_iterator& b)
+        {
+            return a.m_node == b.m_node;
+        }
+        friend std::strong_ordering operator<=>(const const_iterator& a, const const_iterator& b)
+        {
+            return a - b <=> 0;
+        }
+
+    private:
+        typename Nodes::const_iterator m_node;
+    };
+
+    SharedList() = default;
+    SharedList(std::initializer_list<T> entries)
+    {
+        for (const T& entry : entries)
+            append(entry);
+    }
+
+    qsizetype size() const { return m_nodes.size(); }
+    bool isEmpty() const { return m_nodes.isEmpty(); }
+    const T& operator[](qsizetype index) const { return m_nodes[index].constData()->value; }
+    const T& first() const { return (*this)[0]; }
+    const T& last() const { return (*this)[size() - 1]; }
+    const_iterator begin() const { return const_iterator(m_nodes.cbegin()); }
+    const_iterator end() const { return const_iterator(m_nodes.cend()); }
+
+    T& edit(qsizetype index) { return m_nodes[index]->value; }
+    void append(const T& entry) { m_nodes.append(QSharedDataPointer<Node>(new Node(entry))); }
+    void append(const SharedList& other) { m_nodes.append(other.m_nodes); }
+    SharedList mid(qsizetype from, qsizetype count) const
+    {
+        SharedList part;
+        part.m_nodes = m_nodes.mid(from, count);
+        return part;
+    }
+    void removeAt(qsizetype index) { m_nodes.removeAt(index); }
+    void swapItemsAt(qsizetype a, qsizetype b) { m_nodes.swapItemsAt(a, b); }
+
+    // Whether an entry of each is one and the same, not only equal.
+    bool shares(qsizetype index, const SharedList& other, qsizetype otherIndex) const
+    {
+        return m_nodes[index].constData() == other.m_nodes[otherIndex].constData();
+    }
+
+    bool operator==(const SharedList& other) const
+    {
+        if (size() != other.size())
+            return false;
+        for (qsizetype i = 0; i < size(); ++i) {
+            if (!shares(i, other, i) && !((*this)[i] == other[i]))
+                return false;
+        }
+        return true;
+    }
+
+private:
+    Nodes m_nodes;
+};
