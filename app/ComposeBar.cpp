@@ -27,6 +27,11 @@ void ComposeBar::setObjective(const QString& objective)
     m_objective->setText(objective);
 }
 
+void ComposeBar::finishEdit()
+{
+    m_objective->finish();
+}
+
 QWidget* ComposeBar::objectiveEdit() const
 {
     return m_objective->edit();

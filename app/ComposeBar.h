@@ -10,6 +10,7 @@ public:
     explicit ComposeBar(QWidget* parent = nullptr);
     void setObjective(const QString& objective);    // shows; emits nothing
     QWidget* objectiveEdit() const;
+    void finishEdit();    // what is typed reaches the session
     QSize sizeHint() const override { return {1120, 52}; }
 
 Q_SIGNALS:

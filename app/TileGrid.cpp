@@ -307,10 +307,11 @@ bool TileGrid::viewportEvent(QEvent* event)
             return true;
         }
         const Tile& tile = m_tiles[index];
-        const QString text =
-            tile.state == TileState::paid
-                ? tile.name + u"\nPagada: volver a exportarla no descuenta créditos."_qs
-                : tile.name;
+        QString text = tile.name;
+        if (tile.state == TileState::paid)
+            text += u"\nPagada: volver a exportarla no descuenta créditos."_qs;
+        else if (tile.state == TileState::missing)
+            text += u"\nNo se puede leer la foto. ¿Se ha movido o borrado?"_qs;
         QToolTip::showText(help->globalPos(), text, viewport(), tileRect(index));
         return true;
     }
@@ -424,6 +425,9 @@ QString TileGrid::accessibleText(int index) const
     case TileState::paid:
         parts.append(u"pagada"_qs);
         break;
+    case TileState::missing:
+        parts.append(u"no se puede leer la foto"_qs);
+        break;
     case TileState::normal:
     case TileState::generated:
         break;
@@ -506,6 +510,10 @@ void TileGrid::paintCaption(QPainter& painter, int index, const QRect& box) cons
     if (tile.state == TileState::paid || tile.state == TileState::generated) {
         paintIcon(painter, Icon::done, QRectF(line.right() - 14, line.top(), 14, captionHeight), 14,
                   theme.ok);
+        line.setRight(line.right() - 18);
+    } else if (tile.state == TileState::missing) {
+        paintIcon(painter, Icon::alert, QRectF(line.right() - 14, line.top(), 14, captionHeight),
+                  14, theme.err);
         line.setRight(line.right() - 18);
     }
     const QString number = QString::number(index + 1);

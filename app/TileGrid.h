@@ -7,7 +7,8 @@
 #include <QTimer>
 #include <QUuid>
 
-enum class TileState { normal, generating, queued, generated, paid };
+// Missing: its photo can no longer be read.
+enum class TileState { normal, generating, queued, generated, paid, missing };
 
 struct Tile {
     QUuid id = {};

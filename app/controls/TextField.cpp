@@ -59,6 +59,15 @@ bool TextField::eventFilter(QObject* object, QEvent* event)
     case QEvent::FocusOut:
         update();
         break;
+    case QEvent::ShortcutOverride: {
+        // Undoing is the window's, also in here.
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+            event->ignore();
+            return true;
+        }
+        break;
+    }
     case QEvent::KeyPress: {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) {

@@ -10,6 +10,7 @@ public:
     void setText(const QString& text);    // shows; emits nothing, and starts no edit anew
     QString text() const { return m_edit->text(); }
     QLineEdit* edit() const { return m_edit; }
+    void finish();    // the edit under way counts from now on
     QSize sizeHint() const override { return {320, 44}; }
 
 Q_SIGNALS:
@@ -21,8 +22,6 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
 
 private:
-    void finish();
-
     QString m_label;
     QString m_shown;    // what the owner last set or was told
     QLineEdit* m_edit;

@@ -1,0 +1,71 @@
+#pragma once
+#include <QHash>
+#include <QObject>
+
+class QAction;
+class QMenu;
+class QWidget;
+
+// What can be asked for with a menu entry or a key.
+enum class Command {
+    importImages,
+    importFolder,
+    stopImport,
+    restoreAside,
+    quit,
+    undo,
+    redo,
+    editText,
+    removeLayer,
+    copyStyle,
+    pasteStyle,
+    addRectangle,
+    addCircle,
+    addTriangle,
+    addLine,
+    selectAll,
+    discard,
+    previousImage,
+    nextImage,
+    storyReel,
+    horizontal,
+    carouselPortrait,
+    square,
+    textTab,
+    shapesTab,
+    templatesTab,
+    fill,
+    fit,
+    zoomWhole,
+    zoomIn,
+    zoomOut,
+    centrePhoto,
+    safeZone,
+    batchColumn,
+    sidePanel,
+    nextRegion,
+    previousRegion,
+    darkTheme,
+    lightTheme,
+    checkForUpdates
+};
+
+// The menu of the program: every command once, with its key, which acts with the menu closed.
+class StudioMenu : public QObject {
+    Q_OBJECT
+public:
+    // The keys act in `window`.
+    explicit StudioMenu(QWidget* window);
+
+    QMenu* menu() const { return m_menu; }
+    QAction* action(Command command) const { return m_actions.value(command); }
+    void setEnabled(std::initializer_list<Command> commands, bool enabled);
+
+Q_SIGNALS:
+    void chosen(Command command);
+    void aboutToShow();
+
+private:
+    QMenu* m_menu;
+    QHash<Command, QAction*> m_actions;
+};
