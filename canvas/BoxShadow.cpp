@@ -16,7 +16,6 @@
 namespace {
 
 constexpr int blurPasses = 3;
-constexpr double reach = 3.2;            // standard deviations beyond which the blur is below 1/255
 constexpr double widestFullBlur = 60;    // device pixels of deviation; twice what the sliders reach
 constexpr qsizetype cacheBytes = 24 << 20;
 
@@ -91,7 +90,7 @@ QImage tinted(const QImage& alpha, const QRect& part, const QColor& color)
 ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, const QColor& color,
                          const QRect& visible)
 {
-    const int margin = int(std::ceil(sigma * reach)) + 1;
+    const int margin = int(std::ceil(sigma * blurReach)) + 1;
     const QRect blurred = box.toAlignedRect().adjusted(-margin, -margin, margin, margin);
     const QRect shown = blurred.intersected(visible);
     if (shown.isEmpty())
