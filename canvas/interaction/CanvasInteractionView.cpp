@@ -253,6 +253,8 @@ void CanvasInteractionView::paintEvent(QPaintEvent*)
         overlay.drawResizeHandle(CanvasInteraction::resizeHandleRect(m_marks.selection));
     }
     overlay.drawSnapGuides(m_marks.guides, line);
+    if (m_ring)
+        overlay.drawFocusRing(line);
 }
 
 QColor CanvasInteractionView::lineColor() const
@@ -267,6 +269,21 @@ void CanvasInteractionView::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
 }
 
+void CanvasInteractionView::focusInEvent(QFocusEvent* event)
+{
+    const auto reason = event->reason();
+    m_ring = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+             reason == Qt::ShortcutFocusReason;
+    if (m_ring)
+        update();
+}
+
+void CanvasInteractionView::focusOutEvent(QFocusEvent*)
+{
+    if (std::exchange(m_ring, false))
+        update();
+}
+
 // The release of a drag does not reach what is hidden.
 void CanvasInteractionView::hideEvent(QHideEvent*)
 {
@@ -279,6 +296,8 @@ void CanvasInteractionView::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return event->ignore();
     setFocus(Qt::MouseFocusReason);
+    if (std::exchange(m_ring, false))
+        update();
     m_pointer = onCanvas(event->position());
     m_interaction.press(*m_pointer);
     refresh();

@@ -53,6 +53,8 @@ Q_SIGNALS:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void leaveEvent(QEvent* event) override;
@@ -93,6 +95,7 @@ private:
     QRect m_canvas;
     QColor m_lineColor;
     bool m_safeZone = false;
+    bool m_ring = false;                 // the keyboard gave the focus
     std::optional<QPointF> m_pointer;    // where it hovers or drags
     Marks m_marks;
     std::optional<PhotoPlace> m_wanted;

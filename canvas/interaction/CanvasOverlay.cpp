@@ -14,7 +14,8 @@ constexpr double lineWidth = 1.5, hairlineOpacity = 0.34, hoverOpacity = 0.6;
 constexpr double tagHeight = 20, tagPadding = 7, tagGap = 4, tagRadius = 5, widestTag = 120;
 constexpr double handleRadius = 7, handleOpacity = 0.88;
 constexpr double guideOpacity = 0.95, guideDash = 8, guideGap = 6;
-constexpr double hatchStep = 9, zoneDash = 4, zoneGap = 3;
+constexpr double hatchStep = 12, zoneDash = 4, zoneGap = 3;
+constexpr double ringGap = 2, ringWidth = 2;
 constexpr double labelLeft = 10, labelGap = 9, labelHeight = 18, labelPadding = 6;
 // Further out, in pixels, nothing can be seen; a frame from a file may hold any number.
 constexpr double farAway = 30000;
@@ -41,7 +42,7 @@ QPixmap hatch(int side, int width)
     tile.fill(withOpacity(Qt::black, 0.56));
     QPainter painter(&tile);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(withOpacity(Qt::white, 0.2), width));
+    painter.setPen(QPen(withOpacity(Qt::white, 0.16), width));
     for (const int shift : {-side, 0, side})
         painter.drawLine(QPointF(shift - side, 2 * side), QPointF(shift + 2 * side, -side));
     return tile;
@@ -186,6 +187,12 @@ void CanvasOverlay::drawSnapGuides(SnapGuides guides, const QColor& line)
         fillDashes(QRect(m_canvas.left(), m_canvas.top() + (m_canvas.height() - width) / 2,
                          m_canvas.width(), width),
                    guideDash, guideGap, color);
+}
+
+void CanvasOverlay::drawFocusRing(const QColor& line)
+{
+    const int gap = screenPixels(ringGap);
+    fillRing(m_canvas.adjusted(-gap, -gap, gap, gap), 0, screenPixels(ringWidth), line);
 }
 
 void CanvasOverlay::drawSafeZone(double top, double bottom)

@@ -26,6 +26,7 @@ public:
     void drawHover(const QRectF& layer, const QColor& line);
     void drawResizeHandle(const QRectF& handle);
     void drawSnapGuides(SnapGuides guides, const QColor& line);
+    void drawFocusRing(const QColor& line);
     // Bands in fractions of the height.
     void drawSafeZone(double top, double bottom);
 
