@@ -30,6 +30,12 @@ enum class Icon {
     alert,
     previous,
     next,
+    fitFill,
+    fitInside,
+    zoomOut,
+    zoomIn,
+    centerPhoto,
+    safeZone,
     close
 };
 struct IconRow {
@@ -56,6 +62,12 @@ inline constexpr std::array icons{
     IconRow{Icon::alert, u"alert"},
     IconRow{Icon::previous, u"previous"},
     IconRow{Icon::next, u"next"},
+    IconRow{Icon::fitFill, u"fit-fill"},
+    IconRow{Icon::fitInside, u"fit-inside"},
+    IconRow{Icon::zoomOut, u"zoom-out"},
+    IconRow{Icon::zoomIn, u"zoom-in"},
+    IconRow{Icon::centerPhoto, u"center-photo"},
+    IconRow{Icon::safeZone, u"safe-zone"},
     IconRow{Icon::close, u"close"},
 };
 constexpr const IconRow& row(Icon icon)

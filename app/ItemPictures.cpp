@@ -12,9 +12,9 @@ namespace {
 // soon.
 constexpr int tilesAtOnce = 3;
 
-struct StageDrawing {
+struct TileDrawing {
     QImage picture;
-    bool hasPhoto = false;
+    PhotoState photo = PhotoState::shown;
 };
 
 PhotoId idOf(const PhotoHandle& photo)
@@ -22,9 +22,13 @@ PhotoId idOf(const PhotoHandle& photo)
     return {photo.path, photo.digest};
 }
 
-QImage drawn(const PublicationItem& item, SocialFormat format, QSize pixels, const QImage& photo)
+TileDrawing drawn(const TileRequest& request, PhotoCache& photos)
 {
-    return paintedItem(layOut(item, exportSize(format), designSize(format)), pixels, photo);
+    const PublicationItem& item = request.item;
+    const QImage thumbnail = photos.thumbnail(idOf(item.image));
+    return {paintedItem(layOut(item, exportSize(request.format), designSize(request.format)),
+                        request.pixels, thumbnail),
+            thumbnail.isNull() ? PhotoState::missing : PhotoState::shown};
 }
 
 // Nothing when memory is short: the panel goes on showing what it has.
@@ -68,76 +72,76 @@ void TilePictures::startNext()
 QCoro::Task<> TilePictures::draw(QPointer<TilePictures> self, TileRequest request,
                                  std::shared_ptr<PhotoCache> photos)
 {
-    QFuture<QImage> drawing = runOnWorker([request, photos] {
-        return orNothing<QImage>([&] {
-            const QImage thumbnail = photos->thumbnail(idOf(request.item.image));
-            return drawn(request.item, request.format, request.pixels, thumbnail);
-        });
+    QFuture<TileDrawing> drawing = runOnWorker([request, photos] {
+        return orNothing<TileDrawing>([&] { return drawn(request, *photos); });
     });
-    const QImage picture = co_await drawing;
+    const TileDrawing tile = co_await drawing;
     if (!self)
         co_return;
     self->m_running.removeOne(request);
-    Q_EMIT self->ready(request, picture);
+    Q_EMIT self->ready(request, tile.picture, tile.photo);
     if (self)
         self->startNext();
 }
 
-StagePicture::StagePicture(std::shared_ptr<PhotoCache> photos, QObject* parent)
+StagePhoto::StagePhoto(std::shared_ptr<PhotoCache> photos, QObject* parent)
     : QObject(parent), m_photos(std::move(photos))
 {
 }
 
-void StagePicture::show(const PublicationItem& item, SocialFormat format, QSize pixels)
+void StagePhoto::show(const PublicationItem& item, SocialFormat format, QSize pixels)
 {
     if (pixels.isEmpty())
         return;
+    const QSizeF canvas = exportSize(format);
+    const Wish wish{item.image, ExportCanvasRenderer::photoLevel(item.image, item.placement, canvas,
+                                                                 pixels.width() / canvas.width())};
+    if (m_wish == wish)
+        return;
+    const bool other = !m_wish || m_wish->photo != wish.photo;
+    m_wish = wish;
     const quint64 request = ++*m_latest;
+    const PhotoId photo = idOf(item.image);
+    if (const QImage exact = m_photos->cachedProxy(photo, wish.level); !exact.isNull()) {
+        Q_EMIT ready(exact);
+        return;
+    }
+    if (const QImage coarse = other ? m_photos->anyProxy(photo) : QImage(); !coarse.isNull())
+        Q_EMIT ready(coarse);
     ++m_running;
-    draw(this, request, item, format, pixels, m_photos, m_latest);
+    load(this, request, wish, item.filename(), m_photos, m_latest);
 }
 
-void StagePicture::clear()
+void StagePhoto::clear()
 {
     ++*m_latest;
+    m_wish.reset();
 }
 
-QCoro::Task<> StagePicture::draw(QPointer<StagePicture> self, quint64 request, PublicationItem item,
-                                 SocialFormat format, QSize pixels,
-                                 std::shared_ptr<PhotoCache> photos, Latest latest)
+QCoro::Task<> StagePhoto::load(QPointer<StagePhoto> self, quint64 request, Wish wish, QString name,
+                               std::shared_ptr<PhotoCache> photos, Latest latest)
 {
-    const PhotoId photo = idOf(item.image);
-    const QSizeF canvas = exportSize(format);
-    const PhotoLevel level = ExportCanvasRenderer::photoLevel(item.image, item.placement, canvas,
-                                                              pixels.width() / canvas.width());
-    if (photos->cachedProxy(photo, level).isNull()) {
-        QFuture<QImage> coarse =
-            runOnWorker([item, format, pixels, photos, photo, latest, request] {
-                return orNothing<QImage>([&] {
-                    return *latest == request ? drawn(item, format, pixels, photos->anyProxy(photo))
-                                              : QImage();
-                });
-            });
-        const QImage picture = co_await coarse;
-        if (self && *latest == request && !picture.isNull())
-            Q_EMIT self->ready(picture);
-    }
-    QFuture<StageDrawing> exact =
-        runOnWorker([item, format, pixels, photos, photo, level, latest, request] {
-            return orNothing<StageDrawing>([&] {
-                if (*latest != request)
-                    return StageDrawing();
-                const QImage decoded = photos->proxy(photo, level);
-                return StageDrawing{drawn(item, format, pixels, decoded), !decoded.isNull()};
-            });
+    const PhotoId photo = idOf(wish.photo);
+    if (photos->anyProxy(photo).isNull()) {
+        QFuture<QImage> coarse = runOnWorker([photos, photo, latest, request] {
+            return orNothing<QImage>(
+                [&] { return *latest == request ? photos->thumbnail(photo) : QImage(); });
         });
-    const StageDrawing drawing = co_await exact;
+        const QImage thumbnail = co_await coarse;
+        if (self && *latest == request && !thumbnail.isNull())
+            Q_EMIT self->ready(thumbnail);
+    }
+    QFuture<QImage> exact = runOnWorker([photos, photo, wish, latest, request] {
+        return orNothing<QImage>(
+            [&] { return *latest == request ? photos->proxy(photo, wish.level) : QImage(); });
+    });
+    const QImage decoded = co_await exact;
     if (!self)
         co_return;
     --self->m_running;
-    if (*latest != request || drawing.picture.isNull())
+    if (*latest != request)
         co_return;
-    Q_EMIT self->ready(drawing.picture);
-    if (self && !drawing.hasPhoto)
-        Q_EMIT self->photoMissing(item.filename());
+    Q_EMIT self->ready(decoded);
+    if (self && decoded.isNull())
+        Q_EMIT self->photoMissing(name);
 }

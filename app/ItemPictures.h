@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 // One picture of one item, as it was when it was asked for.
 struct TileRequest {
@@ -20,6 +21,9 @@ struct TileRequest {
     QSize pixels;
     bool operator==(const TileRequest&) const = default;
 };
+
+// Whether a picture of an item shows its photo.
+enum class PhotoState { shown, missing };
 
 // Pictures of items for the batch column, drawn on the workers from thumbnails. Only the last wish
 // counts: what it no longer names is not begun.
@@ -34,7 +38,7 @@ public:
 
 Q_SIGNALS:
     // Of an item that may have changed since.
-    void ready(const TileRequest& request, const QImage& picture);
+    void ready(const TileRequest& request, const QImage& picture, PhotoState photo);
 
 private:
     void startNext();
@@ -46,29 +50,35 @@ private:
     QList<TileRequest> m_running;
 };
 
-// The picture of the current item for the stage: at once from what is in memory, then from the
-// photo at the level that its size needs.
-class StagePicture : public QObject {
+// The decoded photo of the item on the stage: at once what is in memory, then the level that its
+// size there needs. Only the last request counts.
+class StagePhoto : public QObject {
     Q_OBJECT
 public:
-    explicit StagePicture(std::shared_ptr<PhotoCache> photos, QObject* parent = nullptr);
+    explicit StagePhoto(std::shared_ptr<PhotoCache> photos, QObject* parent = nullptr);
 
+    // `pixels`: of the whole canvas on screen. Asks for nothing that it has told already.
     void show(const PublicationItem& item, SocialFormat format, QSize pixels);
     void clear();
     bool isIdle() const { return m_running == 0; }
 
 Q_SIGNALS:
-    void ready(const QImage& picture);
+    void ready(const QImage& photo);
     void photoMissing(const QString& name);    // its pixels can no longer be read
 
 private:
+    struct Wish {
+        PhotoHandle photo;
+        PhotoLevel level = PhotoLevel::full;
+        bool operator==(const Wish&) const = default;
+    };
     // The number of the last request; a worker looks before it begins something long.
     using Latest = std::shared_ptr<std::atomic<quint64>>;
-    static QCoro::Task<> draw(QPointer<StagePicture> self, quint64 request, PublicationItem item,
-                              SocialFormat format, QSize pixels, std::shared_ptr<PhotoCache> photos,
-                              Latest latest);
+    static QCoro::Task<> load(QPointer<StagePhoto> self, quint64 request, Wish wish, QString name,
+                              std::shared_ptr<PhotoCache> photos, Latest latest);
 
     std::shared_ptr<PhotoCache> m_photos;
     Latest m_latest = std::make_shared<std::atomic<quint64>>(0);
+    std::optional<Wish> m_wish;
     int m_running = 0;
 };

@@ -12,6 +12,7 @@
 #include "app/TopBar.h"
 #include "app/ViewBar.h"
 #include "app/controls/StatusLine.h"
+#include "canvas/interaction/CanvasInteractionView.h"
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 
@@ -34,6 +35,7 @@ const QString batchWidthKey = u"moltiva.batchColumnWidth"_s;
 const QString geometryKey = u"moltiva.windowGeometry"_s;
 const QString folderKey = u"moltiva.importFolder"_s;
 constexpr int moreMayCome = 1000;    // ms
+constexpr int narrowWindow = 1280;
 const QByteArray lightName = "light", darkName = "dark";
 
 QList<FormatChoice> formatChoices()
@@ -93,7 +95,7 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
                        PreferencesStore& preferences)
     : m_session(session), m_preferences(preferences),
       m_shell(new StudioShell(formatChoices(), this)), m_tiles(new TilePictures(photos, this)),
-      m_stage(new StagePicture(photos, this)), m_menu(new QMenu(this))
+      m_stage(new StagePhoto(photos, this)), m_menu(new QMenu(this))
 {
     setWindowTitle(u"Moltiva"_s);
     setAcceptDrops(true);
@@ -125,7 +127,8 @@ MainWindow::~MainWindow()
 
 bool MainWindow::isSettled() const
 {
-    return !m_session.isImporting() && m_tiles->isIdle() && m_stage->isIdle();
+    return !m_session.isImporting() && m_tiles->isIdle() && m_stage->isIdle() &&
+           m_shell->stage()->canvas()->isSettled();
 }
 
 void MainWindow::connectPanels()
@@ -167,12 +170,14 @@ void MainWindow::connectPanels()
             });
     connect(m_tiles, &TilePictures::ready, this, &MainWindow::showTile);
 
-    connect(m_shell->stage(), &StagePanel::pictureSizeChanged, this, [this] {
-        m_staged.reset();
-        showStage();
-    });
-    connect(m_stage, &StagePicture::ready, m_shell->stage(), &StagePanel::setPicture);
-    connect(m_stage, &StagePicture::photoMissing, this, [this](const QString& name) {
+    connect(m_shell->stage(), &StagePanel::pictureSizeChanged, this, &MainWindow::showStage);
+    CanvasInteractionView* canvas = m_shell->stage()->canvas();
+    canvas->interaction().onPrevious = [this] { m_session.previousItem(); };
+    canvas->interaction().onNext = [this] { m_session.nextItem(); };
+    connect(m_shell->viewBar(), &ViewBar::safeZoneToggled, canvas,
+            &CanvasInteractionView::setSafeZone);
+    connect(m_stage, &StagePhoto::ready, canvas, &CanvasInteractionView::setPhoto);
+    connect(m_stage, &StagePhoto::photoMissing, this, [this](const QString& name) {
         m_shell->statusLine()->setStatus(
             {StatusKind::error,
              u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(name)});
@@ -357,6 +362,7 @@ void MainWindow::showTileMenu(int index, QPoint globalPosition)
 void MainWindow::resizeEvent(QResizeEvent*)
 {
     m_shell->setGeometry(rect());
+    m_shell->viewBar()->setLabels(width() < narrowWindow ? Labels::hidden : Labels::shown);
 }
 
 // Reached only by keys that whatever has the focus did not take: a text field keeps its arrows.
@@ -473,18 +479,14 @@ void MainWindow::showTiles()
 void MainWindow::showStage()
 {
     const PublicationItem* item = m_session.batch().currentItem();
-    if (!item) {
-        m_staged.reset();
-        m_stage->clear();
-        m_shell->stage()->setPicture({});
-        return;
-    }
-    const bool sameFormat = m_stagedFormat == m_session.batch().format;
-    if (m_staged == *item && sameFormat)
-        return;
-    m_staged = *item;
-    m_stagedFormat = m_session.batch().format;
-    m_stage->show(*item, m_session.batch().format, m_shell->stage()->pictureSize());
+    const SocialFormat format = m_session.batch().format;
+    // The item first: the photo is taken for that of the item shown.
+    m_shell->stage()->canvas()->setItem(item ? std::optional(*item) : std::nullopt, format);
+    m_shell->viewBar()->setFormat(format);
+    if (!item)
+        return m_stage->clear();
+    m_shell->viewBar()->setPlacement(item->placement);
+    m_stage->show(*item, format, m_shell->stage()->pictureSize());
 }
 
 void MainWindow::showStatus()

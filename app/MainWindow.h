@@ -15,7 +15,7 @@
 class PhotoCache;
 class PreferencesStore;
 class QMenu;
-class StagePicture;
+class StagePhoto;
 class StudioSession;
 class StudioShell;
 class TilePictures;
@@ -72,13 +72,11 @@ private:
     PreferencesStore& m_preferences;
     StudioShell* m_shell;
     TilePictures* m_tiles;
-    StagePicture* m_stage;
+    StagePhoto* m_stage;
     QMenu* m_menu;
     // What the panels show now, to tell what has changed.
     PublicationItems m_known;
     std::optional<SocialFormat> m_knownFormat;
-    std::optional<PublicationItem> m_staged;
-    std::optional<SocialFormat> m_stagedFormat;
     QString m_lastFolder;
     QList<QUrl> m_given;    // from outside, of which more may come
     QTimer m_givenLately;

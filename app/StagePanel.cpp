@@ -2,8 +2,9 @@
 
 #include "app/controls/Badge.h"
 #include "app/controls/Painting.h"
+#include "canvas/interaction/CanvasInteractionView.h"
 
-#include <QEvent>
+#include <QPaintEvent>
 
 using namespace Qt::StringLiterals;
 
@@ -11,20 +12,13 @@ namespace {
 
 constexpr int canvasSide = 24, chipTop = 14, canvasTop = 42, canvasBottom = 12;
 
-// Where the picture begins, moved to the next whole pixel of the screen: with a ratio such as 1.25
-// a widget may begin inside one.
-QPointF wholePixel(const QPainter& painter, const QPointF& point)
-{
-    const QTransform toDevice = painter.deviceTransform();
-    const QPointF device = toDevice.map(point);
-    return toDevice.inverted().map(QPointF(std::round(device.x()), std::round(device.y())));
-}
-
 }    // namespace
 
-StagePanel::StagePanel(QWidget* parent) : QWidget(parent), m_ratio(new Badge(QString(), this))
+StagePanel::StagePanel(QWidget* parent)
+    : QWidget(parent), m_ratio(new Badge(QString(), this)), m_view(new CanvasInteractionView(this))
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    m_view->setLineColor(themeOf(this).accentLine);
 }
 
 void StagePanel::setFormat(const QString& title, const QString& ratio, QSize exportPixels)
@@ -48,13 +42,7 @@ void StagePanel::nameCanvas()
 {
     QStringList parts{u"Lienzo"_qs, m_title, m_position};
     parts.removeAll(QString());
-    setAccessibleName(parts.join(u", "_qs));
-}
-
-void StagePanel::setPicture(const QImage& picture)
-{
-    m_picture = picture;
-    update(m_canvas);
+    m_view->setAccessibleName(parts.join(u", "_qs));
 }
 
 bool StagePanel::event(QEvent* event)
@@ -62,11 +50,14 @@ bool StagePanel::event(QEvent* event)
     // A move to a screen of another pixel ratio arrives as one of these.
     if (event->type() == QEvent::ScreenChangeInternal || event->type() == QEvent::Show)
         fit();
+    if (event->type() == QEvent::PaletteChange)
+        m_view->setLineColor(themeOf(this).accentLine);
     return QWidget::event(event);
 }
 
 void StagePanel::resizeEvent(QResizeEvent*)
 {
+    m_view->setGeometry(rect());
     fit();
 }
 
@@ -85,6 +76,7 @@ void StagePanel::fit()
                             room.top() + (room.height() - logical.height()) / 2),
                      logical);
     m_ratio->move(m_canvas.left(), m_canvas.top() - canvasTop + chipTop);
+    m_view->setCanvasRect(m_canvas, wanted);
     update();
     if (wanted != m_pictureSize) {
         m_pictureSize = wanted;
@@ -92,16 +84,12 @@ void StagePanel::fit()
     }
 }
 
-// But for what rounding may do.
-static bool hasShapeOf(QSize picture, QSize other)
+void StagePanel::paintEvent(QPaintEvent* event)
 {
-    return qAbs(qint64(picture.width()) * other.height() -
-                qint64(picture.height()) * other.width()) <=
-           2 * std::max(picture.width() + other.width(), picture.height() + other.height());
-}
-
-void StagePanel::paintEvent(QPaintEvent*)
-{
+    // Under the picture there is nothing to see; it may leave a part of its outermost pixels free.
+    const bool hasPicture = !m_view->canvasBuffer().isNull();
+    if (hasPicture && m_canvas.adjusted(1, 1, -1, -1).contains(event->rect()))
+        return;
     const Theme& theme = themeOf(this);
     QPainter painter(this);
     painter.fillRect(rect(), theme.bg);
@@ -117,18 +105,6 @@ void StagePanel::paintEvent(QPaintEvent*)
                      header.right() - textWidth(Type::small, size) - Space::medium - title,
                      header.height()),
               Qt::AlignLeft, Type::small, theme.text2, m_title);
-    if (m_picture.isNull()) {
+    if (!hasPicture)
         painter.fillRect(m_canvas, theme.empty);
-    } else if (m_picture.size() == m_pictureSize) {
-        const double ratio = painter.device()->devicePixelRatioF();
-        QImage sharp = m_picture;
-        sharp.setDevicePixelRatio(ratio);
-        painter.drawImage(wholePixel(painter, m_canvas.topLeft()), sharp);
-    } else if (hasShapeOf(m_picture.size(), m_pictureSize)) {
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(m_canvas, m_picture);
-    } else {
-        painter.fillRect(m_canvas,
-                         theme.empty);    // a picture in another format, out of shape here
-    }
 }

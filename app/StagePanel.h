@@ -1,22 +1,22 @@
 #pragma once
-#include <QImage>
 #include <QWidget>
 
 class Badge;
+class CanvasInteractionView;
 
-// The photograph, as large as fits, with its format above. The picture is shown pixel by pixel of
-// the screen.
+// The canvas, as large as fits, with its format above.
 class StagePanel : public QWidget {
     Q_OBJECT
 public:
     explicit StagePanel(QWidget* parent = nullptr);
 
+    // What is seen and edited; it covers the whole panel.
+    CanvasInteractionView* canvas() const { return m_view; }
+
     void setFormat(const QString& title, const QString& ratio, QSize exportPixels);
     // For screen readers; `current` counts from 0.
     void setPosition(int current, int count);
     QSize pictureSize() const { return m_pictureSize; }    // in pixels of the screen
-    // Until a picture of the wanted size comes, the last one of the same shape is shown scaled.
-    void setPicture(const QImage& picture);
     QRect canvasRect() const { return m_canvas; }
     QSize sizeHint() const override { return {640, 640}; }
 
@@ -37,6 +37,6 @@ private:
     QSize m_exportPixels;
     QSize m_pictureSize;
     QRect m_canvas;    // logical pixels, all around the picture
-    QImage m_picture;
     Badge* m_ratio;
+    CanvasInteractionView* m_view;
 };

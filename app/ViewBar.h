@@ -1,21 +1,39 @@
 #pragma once
+#include "app/controls/Button.h"
+#include "model/ImagePlacement.h"
+#include "model/SocialFormat.h"
+
 #include <QWidget>
 
-class IconButton;
+class SegmentedControl;
+class ToggleButton;
+class ZoomSlider;
 
-// Which image of the batch, and the way to its neighbours.
+// Which image of the batch, with the way to its neighbours; how its photo lies in the canvas; the
+// safe zone of stories.
 class ViewBar : public QWidget {
     Q_OBJECT
 public:
     explicit ViewBar(QWidget* parent = nullptr);
     // `current` counts from 0; without images the bar is disabled.
     void setPosition(int current, int count);
+    // A zoom beyond what the bar offers is shown as the nearest it has.
+    void setPlacement(const ImagePlacement& placement);
+    void setFormat(SocialFormat format);
+    void setSafeZone(bool shown);
+    // Of the safe zone's button; hidden in a narrow window.
+    void setLabels(Labels labels);
     QList<QWidget*> focusOrder() const;
     QSize sizeHint() const override { return {400, 52}; }
 
 Q_SIGNALS:
     void previousRequested();
     void nextRequested();
+    void fitModeChosen(ImageFitMode mode);
+    // `held` while the slider is dragged or a key repeats; then a last one without.
+    void zoomRequested(double zoom, bool held);
+    void centreRequested();
+    void safeZoneToggled(bool shown);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -23,10 +41,21 @@ protected:
 
 private:
     void place();
+    void enable();
+    void requestZoom(int percent);
     double numberWidth() const;
 
     IconButton* m_previous;
     IconButton* m_next;
+    SegmentedControl* m_modes;
+    IconButton* m_zoomOut;
+    ZoomSlider* m_zoom;
+    IconButton* m_zoomIn;
+    IconButton* m_centre;
+    ToggleButton* m_safeZone;
+    QRect m_percentBox;    // empty when there is no room
     int m_current = 0;
     int m_count = 0;
+    int m_percent = 100;
+    SocialFormat m_format = SocialFormat::carouselPortrait;
 };

@@ -88,9 +88,12 @@ void painting(benchmark::State& state)
 {
     const ItemLayout layout = layOut(defaultItem(), exportSize(format), designSize(format));
     const QImage photo = noisyPhoto({3008, 2008});
-    ResampledPhoto remembered;
-    for ([[maybe_unused]] auto _ : state)
-        benchmark::DoNotOptimize(paintedItem(layout, layout.canvas, photo, &remembered));
+    const ResampledPhoto shown = resampledPhoto(photo, *photoPlace(layout, layout.canvas));
+    QImage picture(layout.canvas, QImage::Format_ARGB32_Premultiplied);
+    for ([[maybe_unused]] auto _ : state) {
+        paintItem(picture, layout, shown, picture.rect());
+        benchmark::DoNotOptimize(picture.constBits());
+    }
 }
 BENCHMARK(painting)->Unit(benchmark::kMillisecond);
 

@@ -16,8 +16,8 @@
 namespace {
 
 constexpr int blurPasses = 3;
-constexpr double reach = 3.2;            // standard deviations beyond which the blur is below 1/255
 constexpr double widestFullBlur = 60;    // device pixels of deviation; twice what the sliders reach
+constexpr double widestEnd = 1000;       // device pixels
 constexpr qsizetype cacheBytes = 24 << 20;
 
 // A box of 2·radius + 1 full samples and two ends of weight `end`; the passes' variances add up to
@@ -72,7 +72,24 @@ std::vector<float> blurRowsTransposed(const std::vector<float>& in, int width, i
     return out;
 }
 
-QImage tinted(const QImage& alpha, const QRect& part, const QColor& color)
+// Where a line of a blurred box may be cut short: between the reaches of its two ends all samples
+// are the same.
+struct Fold {
+    int at = 0;      // sample that stands for the ones left out
+    int left = 0;    // how many are left out after it
+
+    int folded(int i) const { return i <= at ? i : std::max(at, i - left); }
+};
+
+// `length`: of the box; `end`: samples at each end that it takes for the box to become even.
+Fold foldOf(double length, int margin, int end)
+{
+    const double even = length - 2.0 * end;
+    return even > 2 ? Fold{margin + end, int(even) - 1} : Fold{};
+}
+
+QImage tinted(const QImage& alpha, const QRect& part, const QColor& color, const Fold& across = {},
+              const Fold& down = {})
 {
     std::array<QRgb, 256> shades;
     for (int a = 0; a < 256; ++a)
@@ -80,29 +97,18 @@ QImage tinted(const QImage& alpha, const QRect& part, const QColor& color)
             qRgba(color.red(), color.green(), color.blue(), qRound(a * color.alphaF())));
     QImage image(part.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < part.height(); ++y) {
-        const uchar* from = alpha.constScanLine(part.y() + y) + part.x();
+        const uchar* from = alpha.constScanLine(down.folded(part.y() + y));
         auto* to = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < part.width(); ++x)
-            to[x] = shades[from[x]];
+            to[x] = shades[from[across.folded(part.x() + x)]];
     }
     return image;
 }
 
-ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, const QColor& color,
-                         const QRect& visible)
+// In a picture of `size`, made smaller by `reduction`.
+QImage blurredBox(const QRectF& box, double cornerRadius, double sigma, QSize size, int reduction)
 {
-    const int margin = int(std::ceil(sigma * reach)) + 1;
-    const QRect blurred = box.toAlignedRect().adjusted(-margin, -margin, margin, margin);
-    const QRect shown = blurred.intersected(visible);
-    if (shown.isEmpty())
-        return {};
-    // What lies beyond the margin of the shown part cannot reach it.
-    const QRect drawn = shown.adjusted(-margin, -margin, margin, margin).intersected(blurred);
-    // A wide blur shows no detail: it is drawn smaller, so that its margin costs no more than its
-    // middle.
-    const int reduction = std::max(1, int(sigma / widestFullBlur));
-    QImage alpha((drawn.size() + QSize(reduction - 1, reduction - 1)) / reduction,
-                 QImage::Format_Alpha8);
+    QImage alpha((size + QSize(reduction - 1, reduction - 1)) / reduction, QImage::Format_Alpha8);
     if (alpha.isNull())
         return {};
     alpha.fill(0);
@@ -110,12 +116,45 @@ ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, c
         QPainter painter(&alpha);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.scale(1.0 / reduction, 1.0 / reduction);
-        painter.translate(-drawn.topLeft());
         painter.setPen(Qt::NoPen);
         painter.setBrush(Qt::black);
         painter.drawRoundedRect(box, cornerRadius, cornerRadius);
     }
     gaussianBlur(alpha, sigma / reduction);
+    return alpha;
+}
+
+ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, const QColor& color,
+                         const QRect& visible)
+{
+    const int margin = int(std::ceil(sigma * blurReach)) + 1;
+    const QRect blurred = box.toAlignedRect().adjusted(-margin, -margin, margin, margin);
+    const QRect shown = blurred.intersected(visible);
+    if (shown.isEmpty())
+        return {};
+    // A wide box is the same all along its middle: a short one is blurred and drawn out.
+    const double corner = std::min(cornerRadius, std::min(box.width(), box.height()) / 2);
+    if (const double end = corner + margin + 2;
+        box.isValid() && sigma < widestFullBlur && end < widestEnd) {
+        const Fold across = foldOf(box.width(), margin, int(std::ceil(end)));
+        const Fold down = foldOf(box.height(), margin, int(std::ceil(end)));
+        const QRectF shorter(box.topLeft(), box.size() - QSizeF(across.left, down.left));
+        const QImage alpha = blurredBox(shorter.translated(-blurred.topLeft()), cornerRadius, sigma,
+                                        blurred.size() - QSize(across.left, down.left), 1);
+        if (alpha.isNull())
+            return {};
+        return {shown.topLeft(),
+                tinted(alpha, shown.translated(-blurred.topLeft()), color, across, down)};
+    }
+    // What lies beyond the margin of the shown part cannot reach it.
+    const QRect drawn = shown.adjusted(-margin, -margin, margin, margin).intersected(blurred);
+    // A wide blur shows no detail: it is drawn smaller, so that its margin costs no more than its
+    // middle.
+    const int reduction = std::max(1, int(sigma / widestFullBlur));
+    const QImage alpha =
+        blurredBox(box.translated(-drawn.topLeft()), cornerRadius, sigma, drawn.size(), reduction);
+    if (alpha.isNull())
+        return {};
     const QRect part = shown.translated(-drawn.topLeft());
     if (reduction == 1)
         return {shown.topLeft(), tinted(alpha, part, color)};

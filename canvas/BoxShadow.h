@@ -11,6 +11,9 @@ struct ShadowPicture {
     QImage image;       // ARGB32_Premultiplied; null where nothing shows
 };
 
+// Standard deviations beyond which a blur is below 1/255.
+inline constexpr double blurReach = 3.2;
+
 // All in device pixels. The picture depends on the numbers alone and is remembered, because the
 // boxes of a batch are the same again and again. Any thread.
 ShadowPicture boxShadow(const QRectF& box, double cornerRadius, double sigma, const QColor& color,

@@ -1,5 +1,6 @@
 #include "canvas/ItemLayout.h"
 
+#include "canvas/BoxShadow.h"
 #include "canvas/ImagePlacementGeometry.h"
 #include "canvas/TextFitting.h"
 
@@ -55,6 +56,7 @@ QPainterPath outlineOf(const ShapeLayer& shape, const QRectF& rect, double scale
 LaidOutShape layOutShape(const ShapeLayer& shape, QSizeF canvas, double scale)
 {
     LaidOutShape result;
+    result.source = shape;
     result.outline = outlineOf(shape, toPixels(shape.frame, canvas), scale);
     result.fill = shape.fill.withAlpha(shape.fillOpacity);
     result.stroke = shape.stroke.withAlpha(shape.strokeOpacity);
@@ -82,17 +84,33 @@ std::optional<LaidOutShadow> layOutShadow(const TextLayer& layer, double scale)
     return shadow;
 }
 
-LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double scale)
+// Whether both come out with the same lines at the same size, wherever they lie.
+bool breakAlike(const TextLayer& one, const TextLayer& other)
+{
+    return one.text == other.text && one.slot == other.slot && one.fontName == other.fontName &&
+           one.fontScale == other.fontScale && one.alignment == other.alignment &&
+           one.frame.width == other.frame.width && one.frame.height == other.frame.height;
+}
+
+LaidOutText fittedText(const TextLayer& layer, const QRectF& area, double scale)
+{
+    const double size = ExportCanvasRenderer::fittedFontSize(layer, area.size(), scale);
+    // Measuring knows no text in a width of 1 or less, but what does not fit is drawn all the same.
+    return {ExportCanvasRenderer::styledText(layer, size), std::max(area.width(), 2.0)};
+}
+
+// `known`: of the same scale.
+LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double scale,
+                                 const QList<LaidOutTextLayer>& known)
 {
     const QRectF box = toPixels(layer.frame, canvas);
     const double inset = textInset * scale;
     const QRectF area = box.adjusted(inset, inset, -inset, -inset);
-    const double size = ExportCanvasRenderer::fittedFontSize(layer, area.size(), scale);
-    // Measuring knows no text in a width of 1 or less, but what does not fit is drawn all the same.
-    const LaidOutText text(ExportCanvasRenderer::styledText(layer, size),
-                           std::max(area.width(), 2.0));
+    const auto same = std::ranges::find_if(
+        known, [&](const LaidOutTextLayer& other) { return breakAlike(other.source, layer); });
+    const LaidOutText text = same != known.end() ? same->text : fittedText(layer, area, scale);
 
-    LaidOutTextLayer result{.id = layer.id,
+    LaidOutTextLayer result{.source = layer,
                             .box = box,
                             .cornerRadius = std::max(bounded(layer.cornerRadius * scale), 0.0),
                             .fill = std::nullopt,
@@ -109,7 +127,8 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
 
 }    // namespace
 
-ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF reference)
+ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF reference,
+                  const ItemLayout& known)
 {
     ItemLayout layout;
     layout.canvas =
@@ -117,12 +136,37 @@ ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF referen
               int(std::lround(ExportCanvasRenderer::clamp(outputSize.height(), 0, 30000))));
     layout.photoRect =
         ImagePlacementGeometry::imageRect(item.image.size, outputSize, item.placement);
-    const double scale = ExportCanvasRenderer::designScale(outputSize, reference);
+    const double scale = layout.scale = ExportCanvasRenderer::designScale(outputSize, reference);
+    const bool comparable = known.canvas == layout.canvas && known.scale == scale;
     for (const ShapeLayer& shape : item.shapeLayers)
         layout.shapes.append(layOutShape(shape, outputSize, scale));
     for (const TextLayer& layer : item.layers) {
         if (layer.isVisible)
-            layout.texts.append(layOutTextLayer(layer, outputSize, scale));
+            layout.texts.append(layOutTextLayer(
+                layer, outputSize, scale, comparable ? known.texts : QList<LaidOutTextLayer>()));
     }
     return layout;
+}
+
+QRectF extentOf(const LaidOutShape& shape)
+{
+    // A pointed corner of a stroke reaches two widths out at most.
+    const double reach = 2.5 * shape.strokeWidth;
+    return shape.outline.controlPointRect().adjusted(-reach, -reach, reach, reach);
+}
+
+QRectF extentOf(const LaidOutTextLayer& layer)
+{
+    QRectF extent = layer.box.normalized();
+    if (layer.shadow) {
+        const double blur = layer.shadow->sigma * blurReach;
+        extent = extent.united(layer.box.normalized()
+                                   .translated(layer.shadow->offset)
+                                   .adjusted(-blur, -blur, blur, blur));
+    }
+    // Slanted and swash letters leave the box that the font gives them.
+    const double overhang = layer.text.fontSize();
+    return extent.united(layer.text.usedRect()
+                             .translated(layer.textPosition)
+                             .adjusted(-overhang, -overhang, overhang, overhang));
 }

@@ -11,6 +11,7 @@
 
 // A shape ready to paint, in canvas pixels.
 struct LaidOutShape {
+    ShapeLayer source;
     QPainterPath outline;
     QColor fill;
     QColor stroke;
@@ -26,7 +27,7 @@ struct LaidOutShadow {
 
 // A visible text layer ready to paint, in canvas pixels.
 struct LaidOutTextLayer {
-    QUuid id;
+    TextLayer source;
     QRectF box;
     double cornerRadius = 0;
     std::optional<QColor> fill;    // of the box, where there is one
@@ -41,6 +42,7 @@ struct LaidOutTextLayer {
 // that made it.
 struct ItemLayout {
     QSize canvas;        // whole pixels
+    double scale = 0;    // pixels per design unit
     QRectF photoRect;    // empty: no photo
     QList<LaidOutShape> shapes;
     QList<LaidOutTextLayer> texts;
@@ -48,4 +50,11 @@ struct ItemLayout {
 
 // `outputSize` in pixels, each side rounded to the nearest; `reference` is the canvas size in
 // design units.
-ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF reference);
+// `known`: a layout whose texts may be taken over where they would come out the same, as of the
+// item before an edit.
+ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF reference,
+                  const ItemLayout& known = {});
+
+// What painting them may touch at most, in canvas pixels.
+QRectF extentOf(const LaidOutShape& shape);
+QRectF extentOf(const LaidOutTextLayer& layer);

@@ -30,23 +30,6 @@ QRect devicePixels(const QPainter& painter)
     return {0, 0, painter.device()->width(), painter.device()->height()};
 }
 
-void paintPhoto(QPainter& painter, const QRectF& photoRect, const QImage& photo,
-                ResampledPhoto* remembered)
-{
-    const auto place = wholePixels(painter.deviceTransform().mapRect(photoRect));
-    if (photo.isNull() || !place)
-        return;
-    const QRect window = place->intersected(devicePixels(painter)).translated(-place->topLeft());
-    ResampledPhoto own;
-    ResampledPhoto& known = remembered ? *remembered : own;
-    if (known.source != photo.cacheKey() || known.place != *place || known.window != window)
-        known = {photo.cacheKey(), *place, window, resampled(photo, place->size(), window)};
-    painter.save();
-    painter.resetTransform();
-    painter.drawImage(place->topLeft() + window.topLeft(), known.image);
-    painter.restore();
-}
-
 void paintShape(QPainter& painter, const LaidOutShape& shape)
 {
     painter.fillPath(shape.outline, shape.fill);
@@ -90,37 +73,70 @@ void paintTextLayer(QPainter& painter, const LaidOutTextLayer& layer)
     layer.text.draw(painter, layer.textPosition);
 }
 
-}    // namespace
-
-void paintItem(QPainter& painter, const ItemLayout& layout, const QImage& photo,
-               ResampledPhoto* remembered)
+// The pixels that painting an extent of canvas pixels may touch.
+QRect touched(const QPainter& painter, const QRectF& extent)
 {
-    painter.save();
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
-                           QPainter::SmoothPixmapTransform);
-    painter.fillRect(QRect(QPoint(), layout.canvas), Qt::black);
-    paintPhoto(painter, layout.photoRect, photo, remembered);
-    for (const LaidOutShape& shape : layout.shapes)
-        paintShape(painter, shape);
-    for (const LaidOutTextLayer& layer : layout.texts)
-        paintTextLayer(painter, layer);
-    painter.restore();
+    return painter.deviceTransform().mapRect(extent).toAlignedRect().adjusted(-1, -1, 1, 1);
 }
 
-QImage paintedItem(const ItemLayout& layout, QSize pixels, const QImage& photo,
-                   ResampledPhoto* remembered)
+}    // namespace
+
+double pictureScale(const ItemLayout& layout, QSize pixels)
 {
-    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull() || layout.canvas.isEmpty())
-        return {};
-    image.fill(Qt::black);
-    QPainter painter(&image);
-    if (pixels != layout.canvas) {
-        // The larger of the two, so that rounding leaves no black line at an edge.
-        const double scale = std::max(double(pixels.width()) / layout.canvas.width(),
-                                      double(pixels.height()) / layout.canvas.height());
+    if (pixels == layout.canvas || layout.canvas.isEmpty())
+        return 1;
+    // The larger of the two, so that rounding leaves no black line at an edge.
+    return std::max(double(pixels.width()) / layout.canvas.width(),
+                    double(pixels.height()) / layout.canvas.height());
+}
+
+std::optional<PhotoPlace> photoPlace(const ItemLayout& layout, QSize pixels)
+{
+    const double scale = pictureScale(layout, pixels);
+    const auto whole = wholePixels(QTransform::fromScale(scale, scale).mapRect(layout.photoRect));
+    if (!whole)
+        return std::nullopt;
+    return PhotoPlace{*whole,
+                      whole->intersected(QRect(QPoint(), pixels)).translated(-whole->topLeft())};
+}
+
+ResampledPhoto resampledPhoto(const QImage& photo, const PhotoPlace& place)
+{
+    return {photo.cacheKey(), place, resampled(photo, place.whole.size(), place.shown)};
+}
+
+void paintItem(QImage& picture, const ItemLayout& layout, const ResampledPhoto& photo,
+               const QRect& part)
+{
+    QPainter painter(&picture);
+    painter.setClipRect(part);
+    painter.fillRect(part, Qt::black);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
+                           QPainter::SmoothPixmapTransform);
+    painter.drawImage(photo.place.whole.topLeft() + photo.place.shown.topLeft(), photo.image);
+    if (const double scale = pictureScale(layout, picture.size()); scale != 1)
         painter.scale(scale, scale);
+    const auto shows = [&](const auto& layer) {
+        return touched(painter, extentOf(layer)).intersects(part);
+    };
+    for (const LaidOutShape& shape : layout.shapes) {
+        if (shows(shape))
+            paintShape(painter, shape);
     }
-    paintItem(painter, layout, photo, remembered);
-    return image;
+    for (const LaidOutTextLayer& layer : layout.texts) {
+        if (shows(layer))
+            paintTextLayer(painter, layer);
+    }
+}
+
+QImage paintedItem(const ItemLayout& layout, QSize pixels, const QImage& photo)
+{
+    QImage picture(pixels, QImage::Format_ARGB32_Premultiplied);
+    if (picture.isNull() || layout.canvas.isEmpty())
+        return {};
+    ResampledPhoto shown;
+    if (const auto place = photoPlace(layout, pixels); place && !photo.isNull())
+        shown = resampledPhoto(photo, *place);
+    paintItem(picture, layout, shown, picture.rect());
+    return picture;
 }

@@ -5,23 +5,37 @@
 #include <QImage>
 #include <QRect>
 
-class QPainter;
+#include <optional>
 
-// The photo as it was last resampled, so that repainting with the layers elsewhere does not do it
-// again.
+// Where a photo falls on a picture, in device pixels.
+struct PhotoPlace {
+    QRect whole;    // reaches beyond the picture where the photo is enlarged
+    QRect shown;    // its part on the picture, from the corner of `whole`
+    bool operator==(const PhotoPlace&) const = default;
+};
+
+// Nothing when there is no photo. `pixels`: of the picture.
+std::optional<PhotoPlace> photoPlace(const ItemLayout& layout, QSize pixels);
+
+// The part of a photo that a picture shows, in the pixels of the picture.
 struct ResampledPhoto {
     qint64 source = 0;    // QImage::cacheKey of the decoded photo
-    QRect place, window;
+    PhotoPlace place;
     QImage image;
 };
 
-// The one painter of the program: export, canvas, tiles and previews all call it. Paints on an
-// image through the painter's transform, which may move and scale evenly. `photo` is the decoded
-// photo at any level, null for none; it is resampled once, to its rectangle rounded to whole device
-// pixels.
-void paintItem(QPainter& painter, const ItemLayout& layout, const QImage& photo,
-               ResampledPhoto* remembered = nullptr);
+// `photo`: decoded at any level. Takes longer than all the rest of a picture; any thread.
+ResampledPhoto resampledPhoto(const QImage& photo, const PhotoPlace& place);
 
-// The layout painted into a picture of `pixels`, which has the shape of its canvas.
-QImage paintedItem(const ItemLayout& layout, QSize pixels, const QImage& photo,
-                   ResampledPhoto* remembered = nullptr);
+// Device pixels per canvas pixel of a picture that has the shape of the layout's canvas.
+double pictureScale(const ItemLayout& layout, QSize pixels);
+
+// The one painter of the program: export, canvas, tiles and previews all call it. Paints the
+// `part` of the picture, in its pixels, and nothing beside it; painted part by part a picture comes
+// out as painted at once. `photo` is for the size of the picture, null for none.
+void paintItem(QImage& picture, const ItemLayout& layout, const ResampledPhoto& photo,
+               const QRect& part);
+
+// A picture of the whole item; `pixels` has the shape of its canvas. `photo` is the decoded photo
+// at any level, null for none.
+QImage paintedItem(const ItemLayout& layout, QSize pixels, const QImage& photo);

@@ -35,6 +35,7 @@ public:
     // The used rectangle, in canvas pixels, origin at the top left of the first line's box; empty
     // for an empty text or a width of 1 or less.
     QRectF usedRect() const { return m_used; }
+    double fontSize() const { return m_scale * DesignFont::designPixelSize; }    // canvas pixels
     int lineCount() const { return m_layout ? m_layout->lineCount() : 0; }
     // Paints with the painter's pen colour; `topLeft` is that of the box. On the thread that made
     // the layout.

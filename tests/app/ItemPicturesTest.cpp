@@ -1,6 +1,5 @@
 #include "app/ItemPictures.h"
 
-#include "canvas/ExportCanvasRenderer.h"
 #include "platform/PhotoCache.h"
 
 #include <QApplication>
@@ -47,56 +46,64 @@ protected:
 
 }    // namespace
 
-TEST_F(ItemPicturesTest, theStageAtTheSizeOfAnExportIsTheExport)
+TEST_F(ItemPicturesTest, theStageGetsThePhotoAtTheLevelOfTheExport)
 {
-    StagePicture stage(m_photos);
-    QImage shown;
-    QObject::connect(&stage, &StagePicture::ready, &stage,
-                     [&](const QImage& picture) { shown = picture; });
-    for (PublicationItem item :
-         {itemOf(u"large.jpg"_s, {2400, 1700}), itemOf(u"p.png"_s, {500, 900})}) {
-        for (const SocialFormat format : allCases<SocialFormat>()) {
-            item.placement.zoom = 1 + 0.3 * int(format);
-            item.shapeLayers = {
-                ShapeLayer(QUuid::createUuid(), ShapeKind::circle, {0.1, 0.1, 0.3, 0.2})};
-            stage.show(item, format, exportSize(format).toSize());
-            settle(stage);
-            EXPECT_EQ(shown,
-                      *ExportCanvasRenderer::bitmap(item, exportSize(format), designSize(format)))
-                << qPrintable(rawValue(format));
-        }
-    }
+    StagePhoto stage(m_photos);
+    QList<QSize> sizes;
+    QObject::connect(&stage, &StagePhoto::ready, &stage,
+                     [&](const QImage& photo) { sizes.append(photo.size()); });
+    PublicationItem item = itemOf(u"large.jpg"_s, {4800, 4400});
+    const auto show = [&](QSize pixels) {
+        sizes.clear();
+        stage.show(item, SocialFormat::square, pixels);
+        settle(stage);
+        return sizes;
+    };
+    EXPECT_EQ(show({1080, 1080}).last(), QSize(1200, 1100));
+    EXPECT_GT(sizes.size(), 1) << "the thumbnail comes first";
+    item.placement.offset.x = 0.1;
+    EXPECT_TRUE(show({1080, 1080}).isEmpty()) << "nothing new to tell";
+    item.placement.zoom = 2;
+    EXPECT_EQ(show({1080, 1080}), QList<QSize>{QSize(2400, 2200)});
+    stage.clear();
+    EXPECT_EQ(show({1080, 1080}), QList<QSize>{QSize(2400, 2200)}) << "at once from memory";
 }
 
 TEST_F(ItemPicturesTest, onlyTheLastRequestReachesTheStage)
 {
-    StagePicture stage(m_photos);
+    StagePhoto stage(m_photos);
     const PublicationItem first = itemOf(u"a.png"_s, {40, 40}), last = itemOf(u"b.png"_s, {60, 60});
     QList<QSize> sizes;
-    QObject::connect(&stage, &StagePicture::ready, &stage,
-                     [&](const QImage& picture) { sizes.append(picture.size()); });
     stage.show(first, SocialFormat::square, {100, 100});
-    stage.show(last, SocialFormat::square, {120, 120});
+    QObject::connect(&stage, &StagePhoto::ready, &stage,
+                     [&](const QImage& photo) { sizes.append(photo.size()); });
+    stage.show(last, SocialFormat::square, {100, 100});
     settle(stage);
     EXPECT_FALSE(sizes.isEmpty());
-    EXPECT_FALSE(sizes.contains(QSize(100, 100)));
+    EXPECT_FALSE(sizes.contains(QSize(40, 40)));
 }
 
-TEST_F(ItemPicturesTest, aMissingPhotoIsToldAndTheTextsAreStillShown)
+TEST_F(ItemPicturesTest, aMissingPhotoIsToldByStageAndTiles)
 {
-    StagePicture stage(m_photos);
+    StagePhoto stage(m_photos);
+    TilePictures tiles(std::make_shared<PhotoCache>(m_folder.filePath(u"other"_s)));
     PublicationItem item = itemOf(u"gone.png"_s, {40, 40});
     QFile::remove(item.image.path);
     QString missing;
-    QImage shown;
-    QObject::connect(&stage, &StagePicture::photoMissing, &stage,
+    std::optional<PhotoState> tile;
+    QObject::connect(&stage, &StagePhoto::photoMissing, &stage,
                      [&](const QString& name) { missing = name; });
-    QObject::connect(&stage, &StagePicture::ready, &stage,
-                     [&](const QImage& picture) { shown = picture; });
+    QObject::connect(&tiles, &TilePictures::ready, &tiles,
+                     [&](const TileRequest&, const QImage& picture, PhotoState photo) {
+                         EXPECT_EQ(picture.size(), QSize(120, 120)) << "with its texts";
+                         tile = photo;
+                     });
     stage.show(item, SocialFormat::square, {120, 120});
+    tiles.want({item}, SocialFormat::square, {120, 120});
     settle(stage);
+    settle(tiles);
     EXPECT_EQ(missing, u"gone"_s);
-    EXPECT_EQ(shown.size(), QSize(120, 120));
+    EXPECT_EQ(tile, PhotoState::missing);
 }
 
 TEST_F(ItemPicturesTest, tilesAreDrawnOnceEachAndAnOldWishIsDropped)

@@ -1,5 +1,7 @@
 #include "canvas/BoxShadow.h"
 
+#include <QPainter>
+
 #include <gtest/gtest.h>
 
 TEST(BoxShadow, blurIsAGaussianOfTheGivenDeviation)
@@ -44,6 +46,35 @@ TEST(BoxShadow, theBoxItselfIsNotCutOutAndTheColourKeepsItsOpacity)
     EXPECT_EQ(qGreen(middle), 0);
     const QRgb edge = shadow.image.pixel(QPoint(40, 80) - shadow.position);
     EXPECT_NEAR(qAlpha(edge), 64, 8) << "half of it at the edge of the box";
+}
+
+// A wide box is blurred short and drawn out: it must come out as one blurred whole.
+TEST(BoxShadow, aWideBoxIsAsBlurredWhole)
+{
+    for (const double sigma : {0.4, 3.0, 14.0}) {
+        for (const double radius : {0.0, 22.5}) {
+            const QRectF box(80.3, 90.7, 311.6, 203.1);
+            QImage whole(480, 400, QImage::Format_Alpha8);
+            whole.fill(0);
+            QPainter painter(&whole);
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(Qt::black);
+            painter.drawRoundedRect(box, radius, radius);
+            painter.end();
+            gaussianBlur(whole, sigma);
+            const ShadowPicture shadow = boxShadow(box, radius, sigma, Qt::black, whole.rect());
+            int worst = 0;
+            for (int y = 0; y < shadow.image.height(); ++y) {
+                for (int x = 0; x < shadow.image.width(); ++x)
+                    worst = std::max(
+                        worst, std::abs(qAlpha(shadow.image.pixel(x, y)) -
+                                        whole.constScanLine(
+                                            y + shadow.position.y())[x + shadow.position.x()]));
+            }
+            EXPECT_LE(worst, 1) << sigma << " " << radius;
+        }
+    }
 }
 
 TEST(BoxShadow, aBoxBeyondAnySizeCostsOnlyWhatShows)

@@ -1,0 +1,138 @@
+#include "canvas/interaction/CanvasPicture.h"
+
+#include <QPainter>
+
+namespace {
+
+template <typename Layer>
+QRectF differenceOf(const QList<Layer>& before, const QList<Layer>& now)
+{
+    QRectF changed;
+    for (qsizetype i = 0; i < std::max(before.size(), now.size()); ++i) {
+        if (i < before.size() && i < now.size() && before[i].source == now[i].source)
+            continue;
+        if (i < before.size())
+            changed |= extentOf(before[i]);
+        if (i < now.size())
+            changed |= extentOf(now[i]);
+    }
+    return changed;
+}
+
+}    // namespace
+
+QRect CanvasPicture::setItem(const std::optional<PublicationItem>& item, SocialFormat format)
+{
+    const ItemLayout before = m_layout;
+    m_layout = item ? layOut(*item, exportSize(format), designSize(format), before) : ItemLayout();
+    // Another photo's pixels are not shown under this item, not even for a moment.
+    if (const PhotoHandle handle = item ? item->image : PhotoHandle(); handle != m_handle) {
+        m_handle = handle;
+        m_photo = QImage();
+        m_exact = m_quick = {};
+        return markStale(all());
+    }
+    return markStale(difference(before));
+}
+
+QRect CanvasPicture::setPixels(QSize pixels)
+{
+    if (pixels == m_pixels)
+        return {};
+    m_pixels = pixels;
+    return markStale(all());
+}
+
+QRect CanvasPicture::setPhoto(const QImage& photo)
+{
+    if (photo.cacheKey() == m_photo.cacheKey())
+        return {};
+    m_photo = photo;
+    const bool showsTheSame = place() && m_exact.place == *place() && !m_exact.image.isNull();
+    return !photo.isNull() && showsTheSame ? QRect() : markStale(all());
+}
+
+std::optional<PhotoPlace> CanvasPicture::wantedPlace() const
+{
+    const auto wanted = place();
+    if (m_photo.isNull() || !wanted || wanted->shown.isEmpty() ||
+        (m_exact.source == m_photo.cacheKey() && m_exact.place == *wanted))
+        return std::nullopt;
+    return wanted;
+}
+
+QRect CanvasPicture::setResampled(const ResampledPhoto& photo)
+{
+    if (photo.source != m_photo.cacheKey() || photo.place != place())
+        return {};
+    m_exact = photo;
+    return markStale(all());
+}
+
+QRect CanvasPicture::markStale(const QRect& part)
+{
+    const QRect inside = part.intersected(all());
+    m_stale |= inside;
+    return inside;
+}
+
+QRect CanvasPicture::difference(const ItemLayout& before) const
+{
+    if (before.canvas != m_layout.canvas || before.scale != m_layout.scale ||
+        photoPlace(before, m_pixels) != place())
+        return all();
+    const QRectF changed =
+        differenceOf(before.shapes, m_layout.shapes) | differenceOf(before.texts, m_layout.texts);
+    if (changed.isEmpty())
+        return {};
+    const double scale = pictureScale(m_layout, m_pixels);
+    return QTransform::fromScale(scale, scale)
+        .mapRect(changed)
+        .toAlignedRect()
+        .adjusted(-1, -1, 1, 1);
+}
+
+const ResampledPhoto& CanvasPicture::shownPhoto()
+{
+    static const ResampledPhoto none;
+    const auto wanted = place();
+    if (m_photo.isNull() || !wanted)
+        return none;
+    if (m_exact.place == *wanted && !m_exact.image.isNull())
+        return m_exact;
+    if (m_quick.place != *wanted || m_quick.source != m_photo.cacheKey())
+        m_quick = quickPhoto(*wanted);
+    return m_quick;
+}
+
+// Kept as a picture of its own: stretched again for a part, its pixels would not meet the others.
+ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
+{
+    ResampledPhoto quick{m_photo.cacheKey(), place,
+                         QImage(place.shown.size(), QImage::Format_ARGB32_Premultiplied)};
+    if (quick.image.isNull())
+        return quick;
+    if (m_photo.hasAlphaChannel())
+        quick.image.fill(Qt::transparent);
+    QPainter painter(&quick.image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(QRectF(QPointF(-place.shown.topLeft()), QSizeF(place.whole.size())), m_photo);
+    return quick;
+}
+
+const QImage& CanvasPicture::image()
+{
+    if (m_layout.canvas.isEmpty() || m_pixels.isEmpty()) {
+        m_image = QImage();
+        return m_image;
+    }
+    if (m_image.size() != m_pixels) {
+        m_image = QImage(m_pixels, QImage::Format_ARGB32_Premultiplied);
+        m_stale = all();
+    }
+    if (!m_stale.isEmpty() && !m_image.isNull())
+        paintItem(m_image, m_layout, shownPhoto(), m_stale);
+    m_stale = {};
+    return m_image;
+}
