@@ -23,6 +23,29 @@ enum class Icon {
     objective,
     selectAll,
     discard,
+    slotTitle,
+    slotSubtitle,
+    slotTagline,
+    slotCallToAction,
+    visible,
+    hidden,
+    alignLeft,
+    alignCenter,
+    alignRight,
+    alignJustify,
+    copyStyle,
+    pasteStyle,
+    saveTemplate,
+    shapes,
+    shapeRectangle,
+    shapeCircle,
+    shapeTriangle,
+    shapeLine,
+    templates,
+    severalImages,
+    search,
+    unfold,
+    fold,
     check,
     done,
     queued,
@@ -55,6 +78,29 @@ inline constexpr std::array icons{
     IconRow{Icon::objective, u"objective"},
     IconRow{Icon::selectAll, u"select-all"},
     IconRow{Icon::discard, u"discard"},
+    IconRow{Icon::slotTitle, u"slot-title"},
+    IconRow{Icon::slotSubtitle, u"slot-subtitle"},
+    IconRow{Icon::slotTagline, u"slot-tagline"},
+    IconRow{Icon::slotCallToAction, u"slot-call-to-action"},
+    IconRow{Icon::visible, u"visible"},
+    IconRow{Icon::hidden, u"hidden"},
+    IconRow{Icon::alignLeft, u"align-left"},
+    IconRow{Icon::alignCenter, u"align-center"},
+    IconRow{Icon::alignRight, u"align-right"},
+    IconRow{Icon::alignJustify, u"align-justify"},
+    IconRow{Icon::copyStyle, u"copy-style"},
+    IconRow{Icon::pasteStyle, u"paste-style"},
+    IconRow{Icon::saveTemplate, u"save-template"},
+    IconRow{Icon::shapes, u"shapes"},
+    IconRow{Icon::shapeRectangle, u"shape-rectangle"},
+    IconRow{Icon::shapeCircle, u"shape-circle"},
+    IconRow{Icon::shapeTriangle, u"shape-triangle"},
+    IconRow{Icon::shapeLine, u"shape-line"},
+    IconRow{Icon::templates, u"templates"},
+    IconRow{Icon::severalImages, u"several-images"},
+    IconRow{Icon::search, u"search"},
+    IconRow{Icon::unfold, u"unfold"},
+    IconRow{Icon::fold, u"fold"},
     IconRow{Icon::check, u"check"},
     IconRow{Icon::done, u"done"},
     IconRow{Icon::queued, u"queued"},
@@ -75,6 +121,13 @@ constexpr const IconRow& row(Icon icon)
     return icons[std::size_t(icon)];
 }
 static_assert(std::ranges::all_of(icons, [](const auto& r) { return &row(r.icon) == &r; }));
+
+// Vocabularies of the model name their icons by the file.
+constexpr Icon iconNamed(QStringView file)
+{
+    const auto found = std::ranges::find(icons, file, &IconRow::file);
+    return found == icons.end() ? Icon::none : found->icon;
+}
 
 // `size` in logical pixels. Small sizes keep the line width of the 20 pixel drawing.
 QPixmap iconPixmap(Icon icon, int size, const QColor& color, qreal ratio);

@@ -4,6 +4,7 @@
 #include "app/ComposeBar.h"
 #include "app/DropVeil.h"
 #include "app/EmptyState.h"
+#include "app/SidePanel.h"
 #include "app/StagePanel.h"
 #include "app/ViewBar.h"
 #include "app/controls/Painting.h"
@@ -16,24 +17,24 @@
 namespace {
 
 struct WidthClass {
-    int from;     // width of the window
-    int batch;    // width of the column
+    int from;            // width of the window
+    int batch, panel;    // widths of the columns, each with its hairline
 };
 constexpr std::array widthClasses{
-    WidthClass{0, 124},
-    WidthClass{1400, 208},
-    WidthClass{1800, 304},
-    WidthClass{2560, 400},
+    WidthClass{0, 124, 320},
+    WidthClass{1400, 208, 344},
+    WidthClass{1800, 304, 376},
+    WidthClass{2560, 400, 376},
 };
-int usualBatchWidth(int window)
+const WidthClass& widthClassOf(int window)
 {
-    int width = widthClasses.front().batch;
-    for (const WidthClass& c : widthClasses) {
-        if (window >= c.from)
-            width = c.batch;
-    }
-    return width;
+    const auto next =
+        std::ranges::find_if(widthClasses, [window](const auto& c) { return window < c.from; });
+    return *std::prev(next);
 }
+
+// Columns that were dragged wide in a larger window leave this much.
+constexpr int narrowestStage = 520;
 
 // The ground of the stage, behind the compose bar as well.
 class Ground : public QWidget {
@@ -49,8 +50,9 @@ protected:
 StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
     : QWidget(parent), m_topBar(new TopBar(formats, this)), m_composeBar(new ComposeBar),
       m_batch(new BatchColumn), m_stage(new StagePanel), m_viewBar(new ViewBar),
-      m_empty(new EmptyState), m_status(new StatusLine(this)), m_veil(new DropVeil(this)),
-      m_splitter(new QSplitter(Qt::Horizontal, this)), m_stages(new QStackedWidget)
+      m_empty(new EmptyState), m_panel(new SidePanel), m_status(new StatusLine(this)),
+      m_veil(new DropVeil(this)), m_splitter(new QSplitter(Qt::Horizontal, this)),
+      m_stages(new QStackedWidget)
 {
     setMinimumSize(1200, 720);
     auto* picture = new QWidget;
@@ -76,12 +78,12 @@ StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
     m_splitter->setChildrenCollapsible(false);
     m_splitter->addWidget(m_batch);
     m_splitter->addWidget(ground);
+    m_splitter->addWidget(m_panel);
     m_splitter->setStretchFactor(0, 0);
     m_splitter->setStretchFactor(1, 1);
-    connect(m_splitter, &QSplitter::splitterMoved, this, [this](int width) {
-        m_batchWidth = width + m_splitter->handleWidth();
-        Q_EMIT batchWidthDragged(*m_batchWidth);
-    });
+    m_splitter->setStretchFactor(2, 0);
+    connect(m_splitter, &QSplitter::splitterMoved, this,
+            [this](int, int divider) { tellDragged(divider); });
 
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
@@ -103,6 +105,24 @@ void StudioShell::setBatchWidth(std::optional<int> width)
     fitColumns();
 }
 
+void StudioShell::setPanelWidth(std::optional<int> width)
+{
+    m_panelWidth = width;
+    fitColumns();
+}
+
+void StudioShell::setBatchVisible(bool visible)
+{
+    m_batch->setVisible(visible);
+    fitColumns();
+}
+
+void StudioShell::setPanelVisible(bool visible)
+{
+    m_panel->setVisible(visible);
+    fitColumns();
+}
+
 void StudioShell::resizeEvent(QResizeEvent*)
 {
     fitColumns();
@@ -110,10 +130,31 @@ void StudioShell::resizeEvent(QResizeEvent*)
 
 void StudioShell::fitColumns()
 {
-    // The hairline between column and stage counts as part of the column.
-    const int batch = m_batchWidth.value_or(usualBatchWidth(width()));
+    const WidthClass& usual = widthClassOf(width());
     const int line = m_splitter->handleWidth();
-    m_splitter->setSizes({batch - line, std::max(1, width() - batch)});
+    const auto wanted = [line](const QWidget* column, int width) {
+        if (column->isHidden())
+            return 0;
+        return std::clamp(width, column->minimumWidth() + line, column->maximumWidth() + line);
+    };
+    const int panel = wanted(m_panel, m_panelWidth.value_or(usual.panel));
+    const int room = width() - panel - narrowestStage;
+    const int batch = wanted(m_batch, std::min(m_batchWidth.value_or(usual.batch), room));
+    // The hairline between a column and the stage counts as part of the column.
+    m_splitter->setSizes({std::max(0, batch - line), std::max(1, width() - batch - panel),
+                          std::max(0, panel - line)});
+}
+
+void StudioShell::tellDragged(int divider)
+{
+    const int line = m_splitter->handleWidth();
+    if (divider == 1) {
+        m_batchWidth = m_batch->width() + line;
+        Q_EMIT batchWidthDragged(*m_batchWidth);
+    } else {
+        m_panelWidth = m_panel->width() + line;
+        Q_EMIT panelWidthDragged(*m_panelWidth);
+    }
 }
 
 void StudioShell::orderFocus()
@@ -123,6 +164,7 @@ void StudioShell::orderFocus()
     order.append(m_composeBar->objectiveEdit());
     order += m_empty->focusOrder();
     order += m_viewBar->focusOrder();
+    order += m_panel->focusOrder();
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
 }

@@ -9,6 +9,7 @@ class DropVeil;
 class EmptyState;
 class QSplitter;
 class QStackedWidget;
+class SidePanel;
 class StagePanel;
 class StatusLine;
 class ViewBar;
@@ -26,23 +27,29 @@ public:
     StagePanel* stage() const { return m_stage; }
     ViewBar* viewBar() const { return m_viewBar; }
     EmptyState* emptyState() const { return m_empty; }
+    SidePanel* sidePanel() const { return m_panel; }
     StatusLine* statusLine() const { return m_status; }
     DropVeil* dropVeil() const { return m_veil; }
 
     enum class Stage { empty, picture };
     void setStage(Stage stage);
 
-    // The width the user gave the column; nothing follows the size of the window.
+    // The widths the user gave the columns; nothing follows the size of the window.
     void setBatchWidth(std::optional<int> width);
+    void setPanelWidth(std::optional<int> width);
+    void setBatchVisible(bool visible);
+    void setPanelVisible(bool visible);
 
 Q_SIGNALS:
     void batchWidthDragged(int width);
+    void panelWidthDragged(int width);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
     void fitColumns();
+    void tellDragged(int divider);
     void orderFocus();
 
     TopBar* m_topBar;
@@ -51,9 +58,10 @@ private:
     StagePanel* m_stage;
     ViewBar* m_viewBar;
     EmptyState* m_empty;
+    SidePanel* m_panel;
     StatusLine* m_status;
     DropVeil* m_veil;
     QSplitter* m_splitter;
     QStackedWidget* m_stages;
-    std::optional<int> m_batchWidth;
+    std::optional<int> m_batchWidth, m_panelWidth;
 };

@@ -7,9 +7,16 @@
 #include "app/BatchColumn.h"
 #include "app/DropVeil.h"
 #include "app/MainWindow.h"
+#include "app/PhotoColors.h"
+#include "app/ShapesPanel.h"
+#include "app/SidePanel.h"
 #include "app/StudioShell.h"
+#include "app/TextPanel.h"
 #include "app/Theme.h"
+#include "app/controls/Button.h"
+#include "app/controls/FontField.h"
 #include "app/controls/StatusLine.h"
+#include "app/controls/Swatch.h"
 #include "cli/SampleBatch.h"
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
@@ -30,7 +37,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize windowSizes[] = {{1280, 800}, {1440, 900}};
+constexpr QSize windowSizes[] = {{1280, 800}, {1440, 900}, {2560, 1440}};
 constexpr int longestWait = 60000;    // ms, for photos and pictures
 
 class Screens {
@@ -70,6 +77,7 @@ public:
             m_session.selectSingleIndex(int(format) % (last + 1));
             reached &= take(u"format-"_s + row(format).templateKey.toString());
         }
+        reached &= takePanels();
         m_session.setFormat(SocialFormat::carouselPortrait);
         m_session.setObjective(u"Llenar octubre con parejas y familias con perro"_s);
         m_session.selectSingleIndex(last);
@@ -79,6 +87,67 @@ public:
     }
 
 private:
+    // The side panel in its states; the batch below stays as it is.
+    bool takePanels()
+    {
+        SidePanel* panel = m_window.shell()->sidePanel();
+        PublicationItem item = *m_session.batch().currentItem();
+        const QImage small = QImage(item.url.toLocalFile()).scaled(128, 128, Qt::KeepAspectRatio);
+        const ColorOffers colors{colorsOf(small), {0xF7EBDD, 0x10221A, 0xC9462F}};
+        item.layer(CopySlot::title)->hasBox = false;
+        TextPanelState texts{.filename = item.url.fileName(),
+                             .layers = item.layers,
+                             .selectedLayer = item.layer(CopySlot::title)->id,
+                             .reachedImages = 4,
+                             .canPaste = true,
+                             .colors = colors};
+        panel->setContent(SidePanel::Content::image);
+        panel->textPanel()->setState(texts);
+        bool reached = take(u"panel-text-without-box"_s);
+        texts.selectedLayer = item.layer(CopySlot::subtitle)->id;
+        texts.reachedImages = 1;
+        panel->textPanel()->setState(texts);
+        reached &= take(u"panel-text-with-box"_s);
+        for (auto* swatch : panel->textPanel()->findChildren<Swatch*>()) {
+            if (swatch->accessibleName() != u"Color de la caja"_s)
+                continue;
+            swatch->click();
+            takeNow(u"panel-color"_s);
+            swatch->click();
+        }
+        auto* font = panel->textPanel()->findChild<FontField*>();
+        font->click();
+        takeNow(u"panel-fonts"_s);
+        m_window.setFocus();
+        font->click();
+        texts.selectedLayer = {};
+        panel->textPanel()->setState(texts);
+        reached &= take(u"panel-text-nothing-selected"_s);
+
+        panel->setTab(SideTab::shapes);
+        ShapesPanelState shapes{.hasImage = true};
+        panel->shapesPanel()->setState(shapes);
+        reached &= take(u"panel-without-shapes"_s);
+        ShapeLayer line(QUuid::createUuid(), ShapeKind::line, {0.1, 0.3, 0.2, 0.02});
+        line.stroke = CodableColor(QColor(0xF7EBDD));
+        line.strokeOpacity = 1;
+        ShapeLayer box(QUuid::createUuid(), ShapeKind::rectangle, {0.1, 0.5, 0.8, 0.3});
+        box.fill = CodableColor(QColor(0x10221A));
+        box.fillOpacity = 0.84;
+        shapes = {.hasImage = true,
+                  .shapes = {line, box},
+                  .selectedLayer = box.id,
+                  .reachedImages = 4,
+                  .canPaste = true,
+                  .colors = colors};
+        panel->shapesPanel()->setState(shapes);
+        reached &= take(u"panel-shapes"_s);
+        panel->setTab(SideTab::templates);
+        reached &= take(u"panel-templates"_s);
+        panel->setTab(SideTab::text);
+        return reached;
+    }
+
     bool waitFor(const std::function<bool()>& reached)
     {
         QElapsedTimer watch;

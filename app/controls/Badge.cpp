@@ -2,10 +2,20 @@
 
 #include "app/controls/Painting.h"
 
+namespace {
+constexpr int padding = 6, iconSide = 14, iconGap = 5;
+}
+
 Badge::Badge(const QString& text, QWidget* parent) : QWidget(parent)
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setText(text);
+}
+
+Badge::Badge(BadgeKind kind, Icon icon, QWidget* parent) : Badge(QString(), parent)
+{
+    m_kind = kind;
+    m_icon = icon;
 }
 
 void Badge::setText(const QString& text)
@@ -18,7 +28,10 @@ void Badge::setText(const QString& text)
 
 QSize Badge::sizeHint() const
 {
-    return {m_text.isEmpty() ? 0 : qCeil(textWidth(Type::smallMedium, m_text)) + 12, 20};
+    if (m_text.isEmpty())
+        return {0, 20};
+    const int icon = m_icon == Icon::none ? 0 : iconSide + iconGap;
+    return {2 * padding + icon + qCeil(textWidth(Type::smallMedium, m_text)), 20};
 }
 
 void Badge::paintEvent(QPaintEvent*)
@@ -28,7 +41,13 @@ void Badge::paintEvent(QPaintEvent*)
     const Theme& theme = themeOf(this);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    fillRounded(painter, rect(), Radius::chip, theme.control);
-    paintText(painter, rect(), Qt::AlignHCenter, Type::smallMedium, theme.text2, m_text,
-              Qt::ElideNone);
+    const bool accent = m_kind == BadgeKind::accent;
+    const QColor ink = accent ? theme.accentText : theme.text2;
+    fillRounded(painter, rect(), Radius::chip, accent ? theme.accentSoft : theme.control);
+    QRectF line = QRectF(rect()).adjusted(padding, 0, -padding, 0);
+    if (m_icon != Icon::none) {
+        paintIcon(painter, m_icon, QRectF(padding, 0, iconSide, height()), iconSide, ink);
+        line.setLeft(padding + iconSide + iconGap);
+    }
+    paintText(painter, line, Qt::AlignHCenter, Type::smallMedium, ink, m_text, Qt::ElideNone);
 }

@@ -1,11 +1,17 @@
 #pragma once
+#include "app/Icons.h"
+
 #include <QWidget>
 
-// A short word or number on a quiet ground. Empty, it takes no room and paints nothing.
+// `accent` is for what must not be overlooked.
+enum class BadgeKind { quiet, accent };
+
+// A short word or number on a ground of its own. Empty, it takes no room and paints nothing.
 class Badge : public QWidget {
     Q_OBJECT
 public:
     explicit Badge(const QString& text = {}, QWidget* parent = nullptr);
+    Badge(BadgeKind kind, Icon icon, QWidget* parent = nullptr);
     void setText(const QString& text);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -15,4 +21,6 @@ protected:
 
 private:
     QString m_text;
+    BadgeKind m_kind = BadgeKind::quiet;
+    Icon m_icon = Icon::none;
 };

@@ -155,6 +155,14 @@ IconButton::IconButton(Icon icon, const QString& name, int side, QWidget* parent
     setProperty("focusRadius", Radius::button);
 }
 
+void IconButton::setMeaning(Icon icon, const QString& name)
+{
+    m_icon = icon;
+    setAccessibleName(name);
+    setToolTip(name);
+    update();
+}
+
 void IconButton::setIconSize(int size)
 {
     m_iconSize = size;

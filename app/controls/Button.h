@@ -79,6 +79,7 @@ public:
     // The name is what a screen reader says; it is the tooltip as well until another is set.
     IconButton(Icon icon, const QString& name, int side = 32, QWidget* parent = nullptr);
     void setIconSize(int size);
+    void setMeaning(Icon icon, const QString& name);
     QSize sizeHint() const override { return {m_side, m_side}; }
 
 protected:

@@ -8,8 +8,7 @@
 #include <QToolTip>
 
 namespace {
-constexpr int trackHeight = 36, trackMargin = 2, segmentPadding = 12, iconGap = 8, iconSide = 20,
-              iconAir = 2;
+constexpr int trackMargin = 2, segmentPadding = 12, iconGap = 8, iconSide = 20, iconAir = 2;
 }
 
 SegmentedControl::SegmentedControl(const QList<Segment>& segments, QWidget* parent)
@@ -20,6 +19,13 @@ SegmentedControl::SegmentedControl(const QList<Segment>& segments, QWidget* pare
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setProperty("focusRadius", Radius::button);
     setCurrent(0);
+}
+
+void SegmentedControl::setStretched()
+{
+    m_stretched = true;
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    updateGeometry();
 }
 
 void SegmentedControl::setCurrent(int index)
@@ -41,10 +47,17 @@ int SegmentedControl::widthOf(const Segment& segment) const
 
 QRect SegmentedControl::segmentRect(int index) const
 {
+    const int height = trackHeight() - 2 * trackMargin;
+    if (m_stretched) {
+        const auto edge = [&](int i) {
+            return trackMargin + (width() - 2 * trackMargin) * i / int(m_segments.size());
+        };
+        return {edge(index), trackMargin, edge(index + 1) - edge(index), height};
+    }
     int left = trackMargin;
     for (int i = 0; i < index; ++i)
         left += widthOf(m_segments[i]);
-    return {left, trackMargin, widthOf(m_segments[index]), trackHeight - 2 * trackMargin};
+    return {left, trackMargin, widthOf(m_segments[index]), height};
 }
 
 QSize SegmentedControl::sizeHint() const
@@ -52,7 +65,7 @@ QSize SegmentedControl::sizeHint() const
     int width = 2 * trackMargin;
     for (const Segment& segment : m_segments)
         width += widthOf(segment);
-    return {width, trackHeight};
+    return {width, trackHeight()};
 }
 
 int SegmentedControl::segmentAt(QPoint position) const
@@ -93,9 +106,12 @@ bool SegmentedControl::event(QEvent* event)
     case QEvent::ToolTip: {
         const auto* help = static_cast<QHelpEvent*>(event);
         const int index = segmentAt(help->pos());
-        if (index >= 0)
+        // A tooltip of the whole says why it is disabled.
+        if (index >= 0 && (isEnabled() || toolTip().isEmpty()))
             QToolTip::showText(help->globalPos(), m_segments[index].toolTip, this,
                                segmentRect(index));
+        else
+            break;
         return true;
     }
     default:
@@ -109,11 +125,12 @@ void SegmentedControl::paintEvent(QPaintEvent*)
     const Theme& theme = themeOf(this);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    fillRounded(painter, rect(), Radius::button, theme.control);
+    fillRounded(painter, rect(), Radius::button,
+                isEnabled() ? theme.control : mixed(theme.panel, theme.control, 0.65));
     for (int i = 0; i < m_segments.size(); ++i) {
         const Segment& segment = m_segments[i];
         const QRectF box = segmentRect(i);
-        const bool chosen = i == m_current;
+        const bool chosen = i == m_current && isEnabled();
         if (chosen) {
             if (theme.seg == Qt::white)    // on a light track only a shadow tells white apart
                 fillRounded(painter, box.translated(0, 0.5).adjusted(-0.5, 0, 0.5, 0.5), 7.5,

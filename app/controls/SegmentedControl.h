@@ -18,6 +18,8 @@ class SegmentedControl : public QWidget {
 public:
     explicit SegmentedControl(const QList<Segment>& segments, QWidget* parent = nullptr);
 
+    // As wide as its room and as high as a field, the segments alike.
+    void setStretched();
     void setCurrent(int index);    // shows; emits nothing
     int current() const { return m_current; }
     QRect segmentRect(int index) const;
@@ -36,6 +38,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    int trackHeight() const { return m_stretched ? 32 : 36; }
     int widthOf(const Segment& segment) const;
     int segmentAt(QPoint position) const;
     void choose(int index);
@@ -44,4 +47,5 @@ private:
     QList<Segment> m_segments;
     int m_current = 0;
     int m_hovered = -1;
+    bool m_stretched = false;
 };

@@ -3,6 +3,7 @@
 #include "app/ComposeBar.h"
 #include "app/DropVeil.h"
 #include "app/EmptyState.h"
+#include "app/SidePanel.h"
 #include "app/StagePanel.h"
 #include "app/Theme.h"
 #include "app/controls/Button.h"
@@ -11,6 +12,10 @@
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "tests/app/Events.h"
 
+#include <QRandomGenerator>
+#include <QSplitter>
+
+#include <QtTest/QTest>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -39,13 +44,15 @@ struct Shell : StudioShell {
 TEST(StudioShell, columnsFollowTheWidthOfTheWindow)
 {
     struct Case {
-        int window, column, tiles;
+        int window, column, tiles, panel;
     };
-    for (const Case& c :
-         {Case{1280, 124, 1}, Case{1440, 208, 2}, Case{1920, 304, 3}, Case{2560, 400, 4}}) {
+    for (const Case& c : {Case{1200, 124, 1, 320}, Case{1280, 124, 1, 320}, Case{1440, 208, 2, 344},
+                          Case{1920, 304, 3, 376}, Case{2560, 400, 4, 376}}) {
         Shell shell({c.window, 800});
         EXPECT_EQ(shell.batchColumn()->width() + 1, c.column) << c.window;
         EXPECT_EQ(shell.batchColumn()->grid()->columns(), c.tiles) << c.window;
+        EXPECT_EQ(shell.sidePanel()->width() + 1, c.panel) << c.window;
+        EXPECT_EQ(shell.width(), c.window) << "does not fit";
     }
 }
 
@@ -58,6 +65,48 @@ TEST(StudioShell, aDraggedColumnKeepsItsWidth)
     EXPECT_EQ(shell.batchColumn()->width() + 1, 300);
     shell.setBatchWidth(std::nullopt);
     EXPECT_EQ(shell.batchColumn()->width() + 1, 304);
+
+    shell.setBatchWidth(480);
+    shell.setPanelWidth(440);
+    shell.resize(1200, 720);
+    settle();
+    EXPECT_EQ(shell.sidePanel()->width() + 1, 440);
+    EXPECT_GE(shell.stage()->width(), 500) << "the columns left no room for the photograph";
+    shell.resize(1920, 1000);
+    settle();
+    EXPECT_EQ(shell.batchColumn()->width() + 1, 480) << "forgotten in the small window";
+}
+
+TEST(StudioShell, dividersAreDraggedEachForItsColumnAndColumnsCanBeHidden)
+{
+    Shell shell({1440, 900});
+    QList<int> batch, panel;
+    QObject::connect(&shell, &StudioShell::batchWidthDragged, [&](int width) { batch += width; });
+    QObject::connect(&shell, &StudioShell::panelWidthDragged, [&](int width) { panel += width; });
+    const auto drag = [&](int divider, int by) {
+        QWidget* handle = shell.findChild<QSplitter*>()->handle(divider);
+        QTest::mousePress(handle, Qt::LeftButton, {}, {0, 300});
+        QTest::mouseMove(handle, {by, 300});
+        QTest::mouseRelease(handle, Qt::LeftButton, {}, {by, 300});
+    };
+    drag(1, 40);
+    EXPECT_EQ(batch, QList<int>{shell.batchColumn()->width() + 1});
+    EXPECT_NEAR(batch.value(0), 248, 3) << "where the divider was gripped";
+    EXPECT_TRUE(panel.isEmpty());
+    drag(2, -50);
+    EXPECT_EQ(panel, QList<int>{shell.sidePanel()->width() + 1});
+    EXPECT_NEAR(panel.value(0), 394, 3);
+    drag(2, -500);
+    EXPECT_EQ(shell.sidePanel()->width() + 1, 440);
+    EXPECT_EQ(shell.batchColumn()->width() + 1, batch.value(0));
+
+    shell.setPanelVisible(false);
+    shell.setBatchVisible(false);
+    settle();
+    EXPECT_EQ(shell.stage()->width(), 1440);
+    shell.setPanelVisible(true);
+    settle();
+    EXPECT_EQ(shell.sidePanel()->width() + 1, 440);
 }
 
 TEST(StudioShell, looksDifferentInEachThemeWithoutAnyLeftovers)

@@ -1,0 +1,29 @@
+#include "app/AddShapeButton.h"
+
+namespace {
+constexpr int cardRadius = 10, iconSide = 20, iconMiddle = 24, labelMiddle = 47;
+}
+
+AddShapeButton::AddShapeButton(ShapeKind kind, QWidget* parent)
+    : Control(parent), m_icon(iconNamed(row(kind).icon))
+{
+    setText(rawValue(kind));
+    setAccessibleName(text());
+    setFixedHeight(sizeHint().height());
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setProperty("focusRadius", cardRadius);
+}
+
+void AddShapeButton::paintEvent(QPaintEvent*)
+{
+    const Theme& theme = themeOf(this);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    fillRounded(painter, rect(), cardRadius,
+                isDown() ? theme.hover : mixed(theme.card, theme.hover, hovered()));
+    strokeRounded(painter, rect(), cardRadius, theme.line);
+    const QColor ink = isEnabled() ? mixed(theme.text2, theme.text, hovered()) : theme.dis;
+    paintIcon(painter, m_icon, QRectF(0, iconMiddle - 10, width(), 20), iconSide, ink);
+    paintText(painter, QRectF(2, labelMiddle - 10, width() - 4, 20), Qt::AlignHCenter, Type::small,
+              ink, text());
+}

@@ -1,0 +1,18 @@
+#pragma once
+#include "app/controls/Button.h"
+#include "model/ShapeLayer.h"
+
+// A card with the shape's icon above its name.
+class AddShapeButton : public Control {
+    Q_OBJECT
+public:
+    explicit AddShapeButton(ShapeKind kind, QWidget* parent = nullptr);
+    QSize sizeHint() const override { return {72, 68}; }
+    QSize minimumSizeHint() const override { return {60, 68}; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Icon m_icon;
+};

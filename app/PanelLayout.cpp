@@ -1,0 +1,34 @@
+#include "app/PanelLayout.h"
+
+namespace {
+constexpr int side = 16, top = 10, bottom = 16, scrollBar = 12, overhang = 4, fieldGap = 8;
+}
+
+PanelLayout::PanelLayout(QWidget* page) : QVBoxLayout(page)
+{
+    setContentsMargins(side, top, side - scrollBar - overhang, bottom);
+    setSpacing(0);
+}
+
+void PanelLayout::addHeading(QWidget* heading, int gapAbove)
+{
+    addSpacing(gapAbove);
+    addWidget(heading);
+}
+
+void PanelLayout::addRow(QWidget* widget, int gapAbove)
+{
+    addRow(QList<QWidget*>{widget}, gapAbove);
+}
+
+void PanelLayout::addRow(const QList<QWidget*>& widgets, int gapAbove)
+{
+    addSpacing(gapAbove);
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, overhang, 0);
+    row->setSpacing(fieldGap);
+    for (QWidget* widget : widgets)
+        row->addWidget(widget,
+                       widget->sizePolicy().horizontalPolicy() == QSizePolicy::Fixed ? 0 : 1);
+    addLayout(row);
+}

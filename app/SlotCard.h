@@ -1,0 +1,48 @@
+#pragma once
+#include "app/Icons.h"
+#include "model/CopySlot.h"
+
+#include <QWidget>
+
+class IconButton;
+class SlotEditor;
+struct TextLayer;
+
+enum class CardMark { none, selected };
+
+// One text of the image, edited in place. Hidden, it folds to its header, and opens while it is
+// edited.
+class SlotCard : public QWidget {
+    Q_OBJECT
+public:
+    explicit SlotCard(CopySlot slot, QWidget* parent = nullptr);
+    void setLayer(const TextLayer& layer, CardMark mark);
+    void edit();    // takes the focus, all text selected
+    SlotEditor* editor() const { return m_editor; }
+    IconButton* eye() const { return m_eye; }
+
+Q_SIGNALS:
+    void edited(const QString& text);
+    void visibilityToggled();
+    void focused();
+    void grown();
+    void leaveRequested();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    void open();
+    void place();
+
+    CopySlot m_slot;
+    Icon m_icon;
+    QString m_name;
+    bool m_visible = true;
+    bool m_editing = false;
+    CardMark m_mark = CardMark::none;
+    IconButton* m_eye;
+    SlotEditor* m_editor;
+};

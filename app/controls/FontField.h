@@ -1,0 +1,28 @@
+#pragma once
+#include "app/controls/Button.h"
+
+#include <QPointer>
+
+class Popover;
+
+// The font of a text by the name that files hold; pressed, it lists the installed ones.
+class FontField : public Control {
+    Q_OBJECT
+public:
+    explicit FontField(QWidget* parent = nullptr);
+    void setFontName(const QString& storedName);    // shows; emits nothing
+    QSize sizeHint() const override { return {152, 32}; }
+
+Q_SIGNALS:
+    void chosen(const QString& storedName);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void toggle();
+
+    QString m_fontName;
+    bool m_missing = false;
+    QPointer<Popover> m_popover;
+};

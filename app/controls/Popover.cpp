@@ -1,0 +1,160 @@
+#include "app/controls/Popover.h"
+
+#include "app/controls/Painting.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+
+namespace {
+constexpr int shadowRoom = 28, gap = 6, windowMargin = 8;
+}
+
+Popover::Popover(QWidget* owner) : QWidget(owner->window()), m_owner(owner)
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    hide();
+    connect(owner, &QObject::destroyed, this, [this] {
+        disconnect();    // nothing is told to what is being destroyed
+        close();
+    });
+}
+
+void Popover::open(QSize content)
+{
+    const int room = 2 * (shadowRoom + padding);
+    resize(content + QSize(room, room));
+    place();
+    show();
+    raise();
+    qApp->installEventFilter(this);
+}
+
+void Popover::takeFocus(QWidget* target, Qt::FocusReason reason)
+{
+    m_before = window()->focusWidget();
+    m_reason = reason;
+    target->setFocus(reason);
+}
+
+QRect Popover::box() const
+{
+    return rect().adjusted(shadowRoom, shadowRoom, -shadowRoom, -shadowRoom);
+}
+
+QRect Popover::content() const
+{
+    return box().adjusted(padding, padding, -padding, -padding);
+}
+
+// Below the owner, above it where there is more room, and never over the window's edge.
+void Popover::place()
+{
+    const QSize size = box().size();
+    const QRect owner(m_owner->mapTo(window(), QPoint()), m_owner->size());
+    const QRect bounds =
+        window()->rect().adjusted(windowMargin, windowMargin, -windowMargin, -windowMargin);
+    const int below = bounds.bottom() - owner.bottom() - gap;
+    const int above = owner.top() - gap - bounds.top();
+    int top = below >= size.height() || below >= above ? owner.bottom() + 1 + gap
+                                                       : owner.top() - gap - size.height();
+    top = std::max(bounds.top(), std::min(top, bounds.bottom() + 1 - size.height()));
+    const int left =
+        std::max(bounds.left(), std::min(owner.left(), bounds.right() + 1 - size.width()));
+    move(left - shadowRoom, top - shadowRoom);
+}
+
+bool Popover::isOutside(const QObject* object) const
+{
+    const auto* widget = qobject_cast<const QWidget*>(object);
+    return widget && widget->window() == window() && widget != this && !isAncestorOf(widget);
+}
+
+bool Popover::eventFilter(QObject* object, QEvent* event)
+{
+    if (isHidden())
+        return false;
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::Wheel:
+        // The owner's own click closes it, else it would open again at once.
+        if (isOutside(object) && object != m_owner)
+            close();
+        break;
+    case QEvent::ShortcutOverride:
+    case QEvent::KeyPress:
+        if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape &&
+            (isOutside(object) || isAncestorOf(qobject_cast<QWidget*>(object)))) {
+            event->accept();
+            if (event->type() == QEvent::KeyPress)
+                close();
+            return true;
+        }
+        break;
+    case QEvent::Hide:
+    case QEvent::EnabledChange:
+        if (object == m_owner && (event->type() == QEvent::Hide || !m_owner->isEnabled()))
+            close();
+        break;
+    case QEvent::Resize:
+        if (object == window())
+            close();
+        break;
+    default:
+        break;
+    }
+    return false;
+}
+
+bool Popover::focusNextPrevChild(bool next)
+{
+    QList<QWidget*> stops;
+    for (QWidget* widget = nextInFocusChain(); widget != this;
+         widget = widget->nextInFocusChain()) {
+        if (isAncestorOf(widget) && widget->isVisibleTo(this) && widget->isEnabled() &&
+            widget->focusPolicy() & Qt::TabFocus)
+            stops.append(widget);
+    }
+    if (stops.isEmpty())
+        return false;
+    const auto at = stops.indexOf(window()->focusWidget());
+    const auto count = stops.size();
+    const auto target = at < 0 ? (next ? 0 : count - 1) : (at + (next ? 1 : count - 1)) % count;
+    stops[target]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
+}
+
+void Popover::paintEvent(QPaintEvent*)
+{
+    const Theme& theme = themeOf(this);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintShadow(painter, box(), {.offset = 8, .blur = shadowRoom - 8, .color = theme.shadow});
+    fillRounded(painter, box(), Radius::popover, theme.elev);
+    strokeRounded(painter, box(), Radius::popover, theme.line2);
+}
+
+// Taken, so that they do not reach the window below.
+void Popover::mousePressEvent(QMouseEvent* event)
+{
+    if (!box().contains(event->position().toPoint()))
+        close();
+}
+
+void Popover::wheelEvent(QWheelEvent* event)
+{
+    event->accept();
+}
+
+void Popover::closeEvent(QCloseEvent* event)
+{
+    qApp->removeEventFilter(this);
+    Q_EMIT closing();
+    QWidget* focus = window()->focusWidget();
+    if (focus && isAncestorOf(focus)) {
+        focus->clearFocus();
+        if (m_before)
+            m_before->setFocus(m_reason);
+    }
+    QWidget::closeEvent(event);
+}

@@ -1,0 +1,38 @@
+#pragma once
+#include <QPointer>
+#include <QWidget>
+
+// A box that floats above its window next to the control it belongs to, and leaves the rest of the
+// window usable. Esc, a press elsewhere and the end of its owner close it; closed, it is gone. Tab
+// goes round inside.
+class Popover : public QWidget {
+    Q_OBJECT
+public:
+    explicit Popover(QWidget* owner);
+    // `content` is the size inside the paddings.
+    void open(QSize content);
+    // The focus goes there now, and back when the popover closes.
+    void takeFocus(QWidget* target, Qt::FocusReason reason);
+
+Q_SIGNALS:
+    void closing();
+
+protected:
+    static constexpr int padding = 14;
+    QRect box() const;        // what is seen, without the room for the shadow
+    QRect content() const;    // the same without the paddings
+    bool eventFilter(QObject* object, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    bool isOutside(const QObject* object) const;
+    void place();
+
+    QPointer<QWidget> m_owner;
+    QPointer<QWidget> m_before;    // had the focus
+    Qt::FocusReason m_reason = Qt::OtherFocusReason;
+};

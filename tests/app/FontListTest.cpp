@@ -1,0 +1,90 @@
+#include "app/controls/FontList.h"
+#include "app/controls/FontField.h"
+#include "app/controls/FontPopover.h"
+#include "app/controls/LineField.h"
+#include "tests/app/Events.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringList namesIn(const FontList& fonts)
+{
+    QStringList names;
+    for (int i = 0; i < fonts.rowCount(); ++i)
+        names.append(fonts.rowAt(i).storedName);
+    return names;
+}
+
+}    // namespace
+
+TEST(FontCatalog, familiesThatAreAFaceOfAnotherAreFolded)
+{
+    const auto stylesOf = [](const QString& family) {
+        return family == "Inter"_L1 ? QStringList{u"Regular"_s, u"Semi Bold"_s, u"Black"_s}
+                                    : QStringList{u"Regular"_s, u"SemiBold"_s};
+    };
+    EXPECT_EQ(foldFamilies({u"Inter Display"_s, u"Inter SemiBold"_s, u"Inter"_s, u"Inter Black"_s,
+                            u"C059 [urw]"_s, u"C059 [UKWN]"_s, u"Inter Display Semi Bold"_s,
+                            u"Abril Black"_s},
+                           stylesOf),
+              (QStringList{u"Abril Black"_s, u"C059"_s, u"Inter"_s, u"Inter Display"_s}));
+}
+
+TEST(FontList, showsFacesUnderTheirFamilyAndFindsThem)
+{
+    FontList fonts(u"System"_s);
+    EXPECT_EQ(fonts.rowAt(0).name, u"Sistema"_s);
+    EXPECT_TRUE(namesIn(fonts).contains(u"Inter Display"_s));
+    EXPECT_FALSE(namesIn(fonts).contains(u"Inter Black"_s));
+    fonts.setUnfolded(u"Inter"_s, true);
+    const QStringList names = namesIn(fonts);
+    const auto family = names.indexOf(u"Inter"_s);
+    EXPECT_EQ(names[family + 1], u"Inter Thin"_s);
+    EXPECT_TRUE(names.contains(u"Inter Black Italic"_s));
+    for (const QString& name : names)
+        EXPECT_TRUE(isInstalled(name)) << qPrintable(name);
+
+    fonts.setUnfolded(u"Inter"_s, false);
+    fonts.setFilter(u" black INTER dis "_s);
+    EXPECT_EQ(namesIn(fonts), (QStringList{u"Inter Display"_s, u"Inter Display Black"_s,
+                                           u"Inter Display Black Italic"_s}));
+}
+
+TEST(FontList, aFontThatIsNotInstalledStandsOnTop)
+{
+    const FontList fonts(u"Futura Perdida"_s);
+    EXPECT_EQ(fonts.rowAt(0).kind, FontRowKind::missing);
+    EXPECT_EQ(fonts.rowAt(0).storedName, u"Futura Perdida"_s);
+    EXPECT_EQ(fonts.rowAt(1).kind, FontRowKind::system);
+    EXPECT_EQ(FontList(u"Inter Semi Bold"_s).rowAt(0).kind, FontRowKind::system);
+}
+
+TEST(FontField, typingAndEnterChooseAndTheFocusComesBack)
+{
+    QWidget window;
+    window.resize(500, 600);
+    LineField before(u"Antes"_s, {}, Icon::none, &window);
+    FontField field(&window);
+    field.move(20, 40);
+    QStringList chosen;
+    QObject::connect(&field, &FontField::chosen, [&](const QString& name) { chosen.append(name); });
+    window.show();
+    window.activateWindow();
+    settle();
+    before.setFocus();
+    field.click();
+    auto* search = window.findChild<FontPopover*>()->findChild<LineField*>();
+    ASSERT_TRUE(search->hasFocus());
+    search->setText(u"inter display semi"_s);
+    type(*search, Qt::Key_Down);
+    type(*search, Qt::Key_Return);
+    EXPECT_EQ(chosen, QStringList{u"Inter Display Semi Bold"_s});
+    EXPECT_TRUE(before.hasFocus());
+    settle();
+
+    field.setFontName(u"Futura Perdida"_s);
+    EXPECT_EQ(field.toolTip(), u"No está instalada; se dibuja con otra."_s);
+}
