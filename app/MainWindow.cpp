@@ -1,13 +1,18 @@
 #include "app/MainWindow.h"
 
+#include "app/BatchBinding.h"
 #include "app/BatchColumn.h"
 #include "app/ComposeBar.h"
 #include "app/DropVeil.h"
 #include "app/EmptyState.h"
 #include "app/Icons.h"
-#include "app/ItemPictures.h"
+#include "app/PanelBinding.h"
+#include "app/SidePanel.h"
+#include "app/StageBinding.h"
 #include "app/StagePanel.h"
+#include "app/StudioMenu.h"
 #include "app/StudioShell.h"
+#include "app/TextPanel.h"
 #include "app/Theme.h"
 #include "app/TopBar.h"
 #include "app/ViewBar.h"
@@ -17,6 +22,7 @@
 #include "studio/StudioSession.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QFileInfo>
@@ -36,7 +42,11 @@ const QString geometryKey = u"moltiva.windowGeometry"_s;
 const QString folderKey = u"moltiva.importFolder"_s;
 constexpr int moreMayCome = 1000;    // ms
 constexpr int narrowWindow = 1280;
-const QByteArray lightName = "light", darkName = "dark";
+const QString panelWidthKey = u"moltiva.sidePanelWidth"_s;
+const QString batchHiddenKey = u"moltiva.batchColumnHidden"_s;
+const QString panelHiddenKey = u"moltiva.sidePanelHidden"_s;
+constexpr double zoomStep = 0.1;
+const QByteArray lightName = "light", darkName = "dark", yes = "yes", no = "no";
 
 QList<FormatChoice> formatChoices()
 {
@@ -94,8 +104,11 @@ StatusKind kindOf(StatusTone tone)
 MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>& photos,
                        PreferencesStore& preferences)
     : m_session(session), m_preferences(preferences),
-      m_shell(new StudioShell(formatChoices(), this)), m_tiles(new TilePictures(photos, this)),
-      m_stage(new StagePhoto(photos, this)), m_menu(new QMenu(this))
+      m_shell(new StudioShell(formatChoices(), this)),
+      m_batch(new BatchBinding(session, m_shell->batchColumn(), photos, this)),
+      m_stage(new StageBinding(session, m_shell, photos, this)),
+      m_panel(new PanelBinding(session, m_shell->sidePanel(), photos, preferences, this)),
+      m_menu(new StudioMenu(this))
 {
     setWindowTitle(u"Moltiva"_s);
     setAcceptDrops(true);
@@ -111,9 +124,8 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
     });
     connectPanels();
     connectSession();
-    buildMenu();
     restorePreferences();
-    setFocus();    // else the first button takes it, and with it the arrows
+    focusCanvas();    // else the first button takes the focus, and with it the arrows
     showBatch();
     showStatus();
 }
@@ -123,70 +135,59 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
 MainWindow::~MainWindow()
 {
     disconnect(&m_session, nullptr, this, nullptr);
+    disconnect(qApp, nullptr, this, nullptr);
 }
 
 bool MainWindow::isSettled() const
 {
-    return !m_session.isImporting() && m_tiles->isIdle() && m_stage->isIdle() &&
-           m_shell->stage()->canvas()->isSettled();
+    return m_session.didRestoreWorkspace() && !m_session.isImporting() && m_batch->isIdle() &&
+           m_stage->isIdle();
 }
 
 void MainWindow::connectPanels()
 {
+    const auto runs = [this](Command command) { return [this, command] { run(command); }; };
     const TopBar* top = m_shell->topBar();
-    connect(top, &TopBar::importImagesRequested, this, &MainWindow::importImages);
-    connect(top, &TopBar::importFolderRequested, this, &MainWindow::importFolder);
-    connect(top, &TopBar::formatChosen, &m_session,
+    connect(top, &TopBar::importImagesRequested, this, runs(Command::importImages));
+    connect(top, &TopBar::importFolderRequested, this, runs(Command::importFolder));
+    connect(top, &TopBar::undoRequested, this, runs(Command::undo));
+    connect(top, &TopBar::redoRequested, this, runs(Command::redo));
+    connect(top, &TopBar::formatChosen, this,
             [this](int index) { m_session.setFormat(SocialFormat(index)); });
     connect(m_shell->emptyState(), &EmptyState::importImagesRequested, this,
-            &MainWindow::importImages);
+            runs(Command::importImages));
     connect(m_shell->emptyState(), &EmptyState::importFolderRequested, this,
-            &MainWindow::importFolder);
+            runs(Command::importFolder));
     connect(m_shell->composeBar(), &ComposeBar::objectiveEdited, &m_session,
             &StudioSession::setObjective);
-    connect(m_shell->viewBar(), &ViewBar::previousRequested, &m_session,
-            &StudioSession::previousItem);
-    connect(m_shell->viewBar(), &ViewBar::nextRequested, &m_session, &StudioSession::nextItem);
 
     const BatchColumn* column = m_shell->batchColumn();
-    connect(column, &BatchColumn::clicked, this,
-            [this](int index, Qt::KeyboardModifiers modifiers) {
-                if (!showsIncoming())
-                    m_session.selectItem(index, modifiers);
-            });
-    connect(column, &BatchColumn::selectAllRequested, this, &MainWindow::selectAll);
-    connect(column, &BatchColumn::discardRequested, this, &MainWindow::discardCurrent);
+    connect(column, &BatchColumn::selectAllRequested, this, runs(Command::selectAll));
+    connect(column, &BatchColumn::discardRequested, this, runs(Command::discard));
     connect(column, &BatchColumn::contextMenuRequested, this, &MainWindow::showTileMenu);
-    connect(column, &BatchColumn::picturesWanted, this,
-            [this](const QList<QUuid>& ids, QSize pixels) {
-                QList<PublicationItem> items;
-                for (const QUuid& id : ids) {
-                    const auto& shown = shownItems();
-                    const auto found = std::ranges::find(shown, id, &PublicationItem::id);
-                    if (found != shown.end())
-                        items.append(*found);
-                }
-                m_tiles->want(items, m_session.batch().format, pixels);
-            });
-    connect(m_tiles, &TilePictures::ready, this, &MainWindow::showTile);
 
-    connect(m_shell->stage(), &StagePanel::pictureSizeChanged, this, &MainWindow::showStage);
-    CanvasInteractionView* canvas = m_shell->stage()->canvas();
-    canvas->interaction().onPrevious = [this] { m_session.previousItem(); };
-    canvas->interaction().onNext = [this] { m_session.nextItem(); };
-    connect(m_shell->viewBar(), &ViewBar::safeZoneToggled, canvas,
-            &CanvasInteractionView::setSafeZone);
-    connect(m_stage, &StagePhoto::ready, canvas, &CanvasInteractionView::setPhoto);
-    connect(m_stage, &StagePhoto::photoMissing, this, [this](const QString& name) {
+    connect(m_stage, &StageBinding::layerChosen, m_panel, &PanelBinding::follow);
+    connect(m_stage, &StageBinding::editRequested, m_panel, &PanelBinding::edit);
+    connect(m_stage, &StageBinding::photoMissing, this, [this](QUuid item) {
+        m_batch->photoMissing(item);
         m_shell->statusLine()->setStatus(
-            {StatusKind::error,
-             u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(name)});
+            {StatusKind::error, u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
+                                    m_session.batch().currentItem()->filename())});
     });
+    connect(m_panel, &PanelBinding::leaveRequested, this, &MainWindow::focusCanvas);
+
     connect(m_shell->statusLine(), &StatusLine::stopRequested, &m_session,
             &StudioSession::stopImport);
     connect(m_shell, &StudioShell::batchWidthDragged, this, [this](int width) {
         m_preferences.setValue(batchWidthKey, QByteArray::number(width));
     });
+    connect(m_shell, &StudioShell::panelWidthDragged, this, [this](int width) {
+        m_preferences.setValue(panelWidthKey, QByteArray::number(width));
+    });
+    m_shell->topBar()->setMenu(m_menu->menu());
+    connect(m_menu, &StudioMenu::chosen, this, &MainWindow::run);
+    connect(m_menu, &StudioMenu::aboutToShow, this, &MainWindow::showMenu);
+    connect(qApp, &QApplication::focusChanged, this, &MainWindow::showHints);
 }
 
 void MainWindow::connectSession()
@@ -194,71 +195,23 @@ void MainWindow::connectSession()
     connect(&m_session, &StudioSession::batchChanged, this, &MainWindow::showBatch);
     connect(&m_session, &StudioSession::statusChanged, this, &MainWindow::showStatus);
     connect(&m_session, &StudioSession::importChanged, this, [this] {
-        showTiles();
+        m_batch->show();
         showStatus();
     });
 }
 
-void MainWindow::buildMenu()
-{
-    const auto add = [this](QMenu* menu, const QString& text, const QKeySequence& keys, auto run,
-                            Icon icon = Icon::none) {
-        QAction* action =
-            icon == Icon::none ? new QAction(text, menu) : new QAction(menuIcon(icon), text, menu);
-        action->setShortcut(keys);
-        connect(action, &QAction::triggered, this, run);
-        menu->addAction(action);
-        addAction(action);    // its key acts with the menu closed
-        return action;
-    };
-    QMenu* file = m_menu->addMenu(u"Archivo"_s);
-    add(
-        file, u"Importar imágenes…"_s, QKeySequence(u"Ctrl+O"_s), [this] { importImages(); },
-        Icon::importImages);
-    add(
-        file, u"Importar carpeta…"_s, QKeySequence(u"Ctrl+Shift+O"_s), [this] { importFolder(); },
-        Icon::importFolder);
-    add(file, u"Detener la importación"_s, QKeySequence(u"Ctrl+."_s),
-        [this] { m_session.stopImport(); });
-    file->addSeparator();
-    add(file, u"Salir"_s, QKeySequence(u"Ctrl+Q"_s), [this] { close(); });
-
-    QMenu* edit = m_menu->addMenu(u"Edición"_s);
-    add(
-        edit, u"Seleccionar todas las imágenes"_s, QKeySequence(u"Ctrl+A"_s),
-        [this] { selectAll(); }, Icon::selectAll);
-    add(
-        edit, u"Descartar imagen"_s, QKeySequence(u"Ctrl+Shift+D"_s), [this] { discardCurrent(); },
-        Icon::discard);
-
-    QMenu* view = m_menu->addMenu(u"Ver"_s);
-    add(
-        view, u"Imagen anterior"_s, QKeySequence(Qt::Key_PageUp),
-        [this] { m_session.previousItem(); }, Icon::previous);
-    add(
-        view, u"Imagen siguiente"_s, QKeySequence(Qt::Key_PageDown),
-        [this] { m_session.nextItem(); }, Icon::next);
-    view->addSeparator();
-    for (const SocialFormat format : allCases<SocialFormat>()) {
-        const QKeySequence keys(u"Ctrl+Alt+%1"_s.arg(int(format) + 1));
-        add(view, rawValue(format), keys, [this, format] { m_session.setFormat(format); });
-    }
-    view->addSeparator();
-    const auto chooseTheme = [this](const Theme& theme, const QByteArray& name) {
-        applyTheme(theme);
-        m_preferences.setValue(themeKey, name);
-    };
-    add(view, u"Tema oscuro"_s, {}, [chooseTheme] { chooseTheme(darkTheme(), darkName); });
-    add(view, u"Tema claro"_s, {}, [chooseTheme] { chooseTheme(lightTheme(), lightName); });
-    m_shell->topBar()->setMenu(m_menu);
-}
-
 void MainWindow::restorePreferences()
 {
-    if (m_preferences.value(themeKey) == lightName)
-        applyTheme(lightTheme());
-    if (const auto width = m_preferences.value(batchWidthKey); width && width->toInt() > 0)
-        m_shell->setBatchWidth(width->toInt());
+    chooseTheme(m_preferences.value(themeKey) == lightName ? Command::lightTheme
+                                                           : Command::darkTheme);
+    const auto number = [this](const QString& key) -> std::optional<int> {
+        const auto stored = m_preferences.value(key);
+        return stored && stored->toInt() > 0 ? std::optional(stored->toInt()) : std::nullopt;
+    };
+    m_shell->setBatchWidth(number(batchWidthKey));
+    m_shell->setPanelWidth(number(panelWidthKey));
+    showColumn(Command::batchColumn, m_preferences.value(batchHiddenKey) != yes);
+    showColumn(Command::sidePanel, m_preferences.value(panelHiddenKey) != yes);
     if (const auto geometry = m_preferences.value(geometryKey))
         restoreGeometry(*geometry);
     m_lastFolder = QString::fromUtf8(m_preferences.value(folderKey).value_or(QByteArray()));
@@ -269,7 +222,9 @@ void MainWindow::restorePreferences()
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     // What is still being typed counts.
-    setFocus();
+    m_shell->composeBar()->finishEdit();
+    focusCanvas();
+    m_session.saveWorkspace();
     m_preferences.setValue(geometryKey, saveGeometry());
     QWidget::closeEvent(event);
 }
@@ -282,16 +237,6 @@ void MainWindow::choose(const QString& title, QFileDialog::FileMode mode)
     // The signals that carry the choice differ between the systems' dialogs and the toolkit's own.
     connect(dialog, &QFileDialog::accepted, this, [this, dialog] { load(dialog->selectedUrls()); });
     dialog->open();
-}
-
-void MainWindow::importImages()
-{
-    choose(u"Importar imágenes"_s, QFileDialog::ExistingFiles);
-}
-
-void MainWindow::importFolder()
-{
-    choose(u"Importar carpeta"_s, QFileDialog::Directory);
 }
 
 void MainWindow::open(const QList<QUrl>& addresses)
@@ -329,33 +274,206 @@ void MainWindow::load(const QList<QUrl>& filesAndFolders)
     m_session.load(filesAndFolders);
 }
 
+void MainWindow::run(Command command)
+{
+    // An objective that is being typed is an edit like any other: undone it must be one first.
+    m_shell->composeBar()->finishEdit();
+    switch (command) {
+    case Command::importImages:
+        return choose(u"Importar imágenes"_s, QFileDialog::ExistingFiles);
+    case Command::importFolder:
+        return choose(u"Importar carpeta"_s, QFileDialog::Directory);
+    case Command::stopImport:
+        return m_session.stopImport();
+    case Command::restoreAside:
+        return m_session.restoreWorkspaceAside();
+    case Command::quit:
+        close();
+        return;
+    case Command::undo:
+        return m_session.undo();
+    case Command::redo:
+        return m_session.redo();
+    case Command::editText:
+        return m_panel->editSelected();
+    case Command::removeLayer:
+        return removeLayer();
+    case Command::copyStyle:
+        return m_session.copyStyle();
+    case Command::pasteStyle:
+        return m_session.pasteStyle();
+    case Command::addRectangle:
+        return addShape(ShapeKind::rectangle);
+    case Command::addCircle:
+        return addShape(ShapeKind::circle);
+    case Command::addTriangle:
+        return addShape(ShapeKind::triangle);
+    case Command::addLine:
+        return addShape(ShapeKind::line);
+    case Command::selectAll:
+        return selectAll();
+    case Command::discard:
+        return discardCurrent();
+    case Command::previousImage:
+        return step(-1);
+    case Command::nextImage:
+        return step(1);
+    case Command::storyReel:
+        return m_session.setFormat(SocialFormat::storyReel);
+    case Command::horizontal:
+        return m_session.setFormat(SocialFormat::horizontal);
+    case Command::carouselPortrait:
+        return m_session.setFormat(SocialFormat::carouselPortrait);
+    case Command::square:
+        return m_session.setFormat(SocialFormat::square);
+    case Command::textTab:
+        return m_shell->sidePanel()->setTab(SideTab::text);
+    case Command::shapesTab:
+        return m_shell->sidePanel()->setTab(SideTab::shapes);
+    case Command::templatesTab:
+        return m_shell->sidePanel()->setTab(SideTab::templates);
+    case Command::fill:
+        return m_stage->setFitMode(ImageFitMode::fill);
+    case Command::fit:
+        return m_stage->setFitMode(ImageFitMode::fit);
+    case Command::zoomWhole:
+        return m_stage->setZoom(1);
+    case Command::zoomIn:
+        return m_stage->zoomBy(zoomStep);
+    case Command::zoomOut:
+        return m_stage->zoomBy(-zoomStep);
+    case Command::centrePhoto:
+        return m_stage->centrePhoto();
+    case Command::safeZone:
+        return m_stage->setSafeZoneShown(!m_stage->isSafeZoneShown());
+    case Command::batchColumn:
+    case Command::sidePanel:
+        return showColumn(command, m_menu->action(command)->isChecked());
+    case Command::nextRegion:
+        return goToRegion(1);
+    case Command::previousRegion:
+        return goToRegion(-1);
+    case Command::darkTheme:
+    case Command::lightTheme:
+        return chooseTheme(command);
+    case Command::checkForUpdates:
+        return;
+    }
+}
+
+// In an editor the same text of the other image comes next, ready to be typed over.
+void MainWindow::step(int images)
+{
+    const std::optional<CopySlot> slot = m_shell->sidePanel()->textPanel()->editedSlot();
+    if (images < 0)
+        m_session.previousItem();
+    else
+        m_session.nextItem();
+    if (slot)
+        m_panel->edit(*slot);
+}
+
 // A batch that the column does not show is not changed from it.
 void MainWindow::selectAll()
 {
-    if (!showsIncoming())
+    if (!m_batch->showsIncoming())
         m_session.selectAll();
 }
 
 void MainWindow::discardCurrent()
 {
-    if (!showsIncoming())
+    if (!m_batch->showsIncoming())
         m_session.removeCurrentItem();
+}
+
+void MainWindow::removeLayer()
+{
+    m_stage->canvas()->interaction().hideSelectedLayer();
+}
+
+void MainWindow::addShape(ShapeKind kind)
+{
+    m_session.addShape(kind);
+    m_panel->follow(m_session.batch().selectedLayerID);
+}
+
+void MainWindow::chooseTheme(Command command)
+{
+    const bool isLight = command == Command::lightTheme;
+    applyTheme(isLight ? lightTheme() : darkTheme());
+    m_preferences.setValue(themeKey, isLight ? lightName : darkName);
+}
+
+void MainWindow::showColumn(Command command, bool visible)
+{
+    const bool isBatch = command == Command::batchColumn;
+    if (isBatch)
+        m_shell->setBatchVisible(visible);
+    else
+        m_shell->setPanelVisible(visible);
+    m_menu->action(command)->setChecked(visible);
+    m_preferences.setValue(isBatch ? batchHiddenKey : panelHiddenKey, visible ? no : yes);
+}
+
+// Each region with what takes the focus in it.
+void MainWindow::goToRegion(int step)
+{
+    struct Region {
+        QWidget* region;
+        QList<QWidget*> stops;
+    };
+    const QList<Region> regions{
+        {m_shell->topBar(), m_shell->topBar()->focusOrder()},
+        {m_shell->batchColumn(), m_shell->batchColumn()->focusOrder()},
+        {m_shell->composeBar(), {m_shell->composeBar()->objectiveEdit()}},
+        {m_shell->emptyState(), m_shell->emptyState()->focusOrder()},
+        {m_shell->stage(), {m_stage->canvas()}},
+        {m_shell->viewBar(), m_shell->viewBar()->focusOrder()},
+        {m_shell->sidePanel(), m_shell->sidePanel()->focusOrder()},
+    };
+    const QWidget* focused = focusWidget();
+    qsizetype at = step > 0 ? -1 : regions.size();
+    for (qsizetype i = 0; i < regions.size(); ++i) {
+        if (focused && (regions[i].region == focused || regions[i].region->isAncestorOf(focused)))
+            at = i;
+    }
+    for (qsizetype tried = 0; tried < regions.size(); ++tried) {
+        at = (at + step + regions.size()) % regions.size();
+        const auto usable = std::ranges::find_if(regions[at].stops, [](const QWidget* stop) {
+            return stop->isVisible() && stop->isEnabled();
+        });
+        if (usable != regions[at].stops.end())
+            return (*usable)->setFocus(Qt::TabFocusReason);
+    }
+}
+
+void MainWindow::focusCanvas()
+{
+    m_stage->canvas()->setFocus();
 }
 
 void MainWindow::showTileMenu(int index, QPoint globalPosition)
 {
     // The menu speaks of the tile it was opened on, without losing a selection the tile is part of.
-    if (index < 0 || index >= m_session.batch().items.size() || showsIncoming())
+    if (index < 0 || index >= m_session.batch().items.size() || m_batch->showsIncoming())
         return;
     if (!m_session.batch().selectedItemIDs.contains(m_session.batch().items[index].id))
         m_session.selectSingleIndex(index);
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const QUuid id = m_session.batch().items[index].id;
-    connect(menu->addAction(menuIcon(Icon::discard), u"Descartar imagen"_s), &QAction::triggered,
-            this, [this, id] { m_session.removeItem(id); });
-    connect(menu->addAction(menuIcon(Icon::selectAll), u"Seleccionar todas las imágenes"_s),
-            &QAction::triggered, this, &MainWindow::selectAll);
+    const auto add = [&](Icon icon, const QString& text, auto command) {
+        QAction* action = menu->addAction(menuIcon(icon), text);
+        connect(action, &QAction::triggered, this, command);
+        return action;
+    };
+    add(Icon::copyStyle, u"Copiar estilo"_s, [this, id] { m_session.copyStyleOf(id); });
+    add(Icon::pasteStyle, u"Pegar estilo"_s, [this] {
+        m_session.pasteStyle();
+    })->setEnabled(m_session.canPasteStyle());
+    menu->addSeparator();
+    add(Icon::selectAll, u"Seleccionar todas las imágenes"_s, [this] { selectAll(); });
+    add(Icon::discard, u"Descartar imagen"_s, [this, id] { m_session.removeItem(id); });
     menu->popup(globalPosition);
 }
 
@@ -370,14 +488,18 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
 {
     switch (event->key()) {
     case Qt::Key_Left:
-        m_session.previousItem();
-        return;
+        return m_session.previousItem();
     case Qt::Key_Right:
-        m_session.nextItem();
-        return;
+        return m_session.nextItem();
+    case Qt::Key_Backspace:
+    case Qt::Key_Delete:
+        return removeLayer();
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_F2:
+        return m_panel->editSelected();
     case Qt::Key_Escape:
-        setFocus();
-        return;
+        return focusCanvas();
     default:
         QWidget::keyPressEvent(event);
     }
@@ -404,89 +526,79 @@ void MainWindow::dropEvent(QDropEvent* event)
     load(localFiles(event->mimeData()));
 }
 
-// While an import runs, the column shows what it has accepted so far; the batch is still the old
-// one, and a click in the column would mean another image than the one under it.
-bool MainWindow::showsIncoming() const
-{
-    return m_session.isImporting() && !m_session.importProgress().accepted.isEmpty();
-}
-
-const PublicationItems& MainWindow::shownItems() const
-{
-    return showsIncoming() ? m_session.importProgress().accepted : m_session.batch().items;
-}
-
-void MainWindow::showTile(const TileRequest& request, const QImage& picture)
-{
-    // A picture begun before the last change comes too late: the newer one is on its way.
-    if (picture.isNull())
-        return;
-    const auto& items = shownItems();
-    const auto item = std::ranges::find(items, request.item.id, &PublicationItem::id);
-    if (item != items.end() && *item == request.item && m_session.batch().format == request.format)
-        m_shell->batchColumn()->setPicture(request.item.id, picture);
-}
-
 void MainWindow::showBatch()
 {
     const Batch& batch = m_session.batch();
-    m_shell->topBar()->setFormat(int(batch.format));
+    TopBar* top = m_shell->topBar();
+    top->setFormat(int(batch.format));
+    top->setUndo(m_session.canUndo());
+    top->setRedo(m_session.canRedo());
     m_shell->composeBar()->setObjective(batch.objective);
-    m_shell->viewBar()->setPosition(batch.selectedIndex, int(batch.items.size()));
     m_shell->setStage(batch.items.isEmpty() ? StudioShell::Stage::empty
                                             : StudioShell::Stage::picture);
-    const auto& format = row(batch.format);
-    m_shell->stage()->setPosition(batch.selectedIndex, int(batch.items.size()));
-    m_shell->stage()->setFormat(format.rawValue.toString(), format.ratioLabel.toString(),
-                                format.exportSize.toSize());
-    m_shell->batchColumn()->setRatio(format.aspectRatio);
-    m_shell->statusLine()->setKeyHints(batch.items.size() > 1
-                                           ? QList<KeyHint>{{{u"←"_s, u"→"_s}, u"Cambiar imagen"_s}}
-                                           : QList<KeyHint>{});
-    showTiles();
-    showStage();
+    m_shell->batchColumn()->setRatio(row(batch.format).aspectRatio);
+    m_batch->show();
+    m_stage->show();
+    m_panel->show();
+    showHints();
 }
 
-void MainWindow::showTiles()
+// What can be done now; looked at when the menu opens.
+void MainWindow::showMenu()
 {
     const Batch& batch = m_session.batch();
-    const PublicationItems& items = shownItems();
-    const bool incoming = showsIncoming();
-    QList<Tile> tiles;
-    tiles.reserve(items.size());
-    for (qsizetype i = 0; i < items.size(); ++i) {
-        tiles.append({.id = items[i].id,
-                      .name = items[i].filename(),
-                      .current = !incoming && i == batch.selectedIndex,
-                      .selected = !incoming && batch.selectedItemIDs.contains(items[i].id),
-                      .state = TileState::normal});
-    }
-    m_shell->batchColumn()->setTiles(tiles);
-
-    const bool otherFormat = m_knownFormat != batch.format;
-    QHash<QUuid, const PublicationItem*> known;
-    for (const PublicationItem& item : m_known)
-        known.insert(item.id, &item);
-    for (const PublicationItem& item : items) {
-        const PublicationItem* before = known.value(item.id);
-        if (before && (otherFormat || !(*before == item)))
-            m_shell->batchColumn()->pictureOutdated(item.id);
-    }
-    m_known = items;
-    m_knownFormat = batch.format;
+    const PublicationItem* item = batch.currentItem();
+    const bool isShape = item && std::ranges::find(item->shapeLayers, batch.selectedLayerID,
+                                                   &ShapeLayer::id) != item->shapeLayers.end();
+    const bool isText = item && !batch.selectedLayerID.isNull() && !isShape;
+    const auto check = [this](Command command, bool checked) {
+        m_menu->action(command)->setChecked(checked);
+    };
+    m_menu->setEnabled({Command::stopImport}, m_session.isImporting());
+    m_menu->setEnabled({Command::restoreAside}, m_session.hasWorkspaceAside());
+    m_menu->setEnabled({Command::undo}, m_session.canUndo());
+    m_menu->setEnabled({Command::redo}, m_session.canRedo());
+    m_menu->setEnabled({Command::editText}, isText);
+    m_menu->setEnabled({Command::removeLayer, Command::copyStyle}, isText || isShape);
+    m_menu->setEnabled({Command::pasteStyle}, m_session.canPasteStyle());
+    m_menu->setEnabled({Command::addRectangle, Command::addCircle, Command::addTriangle,
+                        Command::addLine, Command::selectAll, Command::discard, Command::fill,
+                        Command::fit, Command::zoomWhole, Command::zoomIn, Command::zoomOut,
+                        Command::centrePhoto},
+                       item != nullptr);
+    m_menu->setEnabled({Command::previousImage}, batch.selectedIndex > 0);
+    m_menu->setEnabled({Command::nextImage}, batch.selectedIndex + 1 < batch.items.size());
+    m_menu->setEnabled({Command::safeZone}, batch.format == SocialFormat::storyReel);
+    m_menu->setEnabled({Command::checkForUpdates}, false);
+    check(Command::storyReel, batch.format == SocialFormat::storyReel);
+    check(Command::horizontal, batch.format == SocialFormat::horizontal);
+    check(Command::carouselPortrait, batch.format == SocialFormat::carouselPortrait);
+    check(Command::square, batch.format == SocialFormat::square);
+    check(Command::fill, item && item->placement.mode == ImageFitMode::fill);
+    check(Command::fit, item && item->placement.mode == ImageFitMode::fit);
+    check(Command::safeZone, m_stage->isSafeZoneShown());
+    check(Command::lightTheme, m_preferences.value(themeKey) == lightName);
+    check(Command::darkTheme, m_preferences.value(themeKey) != lightName);
 }
 
-void MainWindow::showStage()
+void MainWindow::showHints()
 {
-    const PublicationItem* item = m_session.batch().currentItem();
-    const SocialFormat format = m_session.batch().format;
-    // The item first: the photo is taken for that of the item shown.
-    m_shell->stage()->canvas()->setItem(item ? std::optional(*item) : std::nullopt, format);
-    m_shell->viewBar()->setFormat(format);
-    if (!item)
-        return m_stage->clear();
-    m_shell->viewBar()->setPlacement(item->placement);
-    m_stage->show(*item, format, m_shell->stage()->pictureSize());
+    const Batch& batch = m_session.batch();
+    QList<KeyHint> hints;
+    if (m_shell->sidePanel()->textPanel()->editedSlot()) {
+        hints = {{{u"Av Pág"_s}, u"Imagen siguiente"_s}, {{u"Esc"_s}, u"Volver al lienzo"_s}};
+    } else if (const PublicationItem* item = batch.currentItem()) {
+        const bool isShape = std::ranges::find(item->shapeLayers, batch.selectedLayerID,
+                                               &ShapeLayer::id) != item->shapeLayers.end();
+        if (batch.selectedLayerID.isNull()) {
+            hints = {{{}, u"Arrastra para mover la foto"_s}, {{}, u"Rueda para ampliar"_s}};
+        } else {
+            if (batch.items.size() > 1)
+                hints.append({{u"←"_s, u"→"_s}, u"Cambiar imagen"_s});
+            hints.append({{u"Supr"_s}, isShape ? u"Eliminar forma"_s : u"Ocultar capa"_s});
+        }
+    }
+    m_shell->statusLine()->setKeyHints(hints);
 }
 
 void MainWindow::showStatus()

@@ -1,8 +1,5 @@
 #pragma once
 
-#include "model/PublicationItem.h"
-#include "model/SocialFormat.h"
-
 #include <QFileDialog>
 #include <QList>
 #include <QTimer>
@@ -10,18 +7,19 @@
 #include <QWidget>
 
 #include <memory>
-#include <optional>
 
+class BatchBinding;
+class PanelBinding;
 class PhotoCache;
 class PreferencesStore;
-class QMenu;
-class StagePhoto;
+class StageBinding;
+class StudioMenu;
 class StudioSession;
 class StudioShell;
-class TilePictures;
-struct TileRequest;
+enum class Command;
+enum class ShapeKind;
 
-// Shows the session in the panels and turns what the user asks for into its commands.
+// Places the panels, connects them with the session, and runs what the menu and the keys ask for.
 class MainWindow : public QWidget {
     Q_OBJECT
 public:
@@ -31,6 +29,7 @@ public:
     ~MainWindow() override;
 
     StudioShell* shell() const { return m_shell; }
+    StudioMenu* menu() const { return m_menu; }
     // No picture is being drawn and no photo looked at.
     bool isSettled() const;
 
@@ -50,33 +49,34 @@ protected:
 private:
     void connectPanels();
     void connectSession();
-    void buildMenu();
     void restorePreferences();
     void choose(const QString& title, QFileDialog::FileMode mode);
-    void importImages();
-    void importFolder();
     void load(const QList<QUrl>& filesAndFolders);
+
+    void run(Command command);
+    void step(int images);
     void selectAll();
     void discardCurrent();
+    void removeLayer();
+    void addShape(ShapeKind kind);
+    void chooseTheme(Command command);
+    void showColumn(Command command, bool visible);
+    void goToRegion(int step);
+    void focusCanvas();
     void showTileMenu(int index, QPoint globalPosition);
 
     void showBatch();
-    void showTiles();
-    void showTile(const TileRequest& request, const QImage& picture);
-    void showStage();
+    void showMenu();
     void showStatus();
-    bool showsIncoming() const;
-    const PublicationItems& shownItems() const;
+    void showHints();
 
     StudioSession& m_session;
     PreferencesStore& m_preferences;
     StudioShell* m_shell;
-    TilePictures* m_tiles;
-    StagePhoto* m_stage;
-    QMenu* m_menu;
-    // What the panels show now, to tell what has changed.
-    PublicationItems m_known;
-    std::optional<SocialFormat> m_knownFormat;
+    BatchBinding* m_batch;
+    StageBinding* m_stage;
+    PanelBinding* m_panel;
+    StudioMenu* m_menu;
     QString m_lastFolder;
     QList<QUrl> m_given;    // from outside, of which more may come
     QTimer m_givenLately;

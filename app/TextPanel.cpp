@@ -83,12 +83,8 @@ void TextPanel::buildCards()
         m_cards[std::size_t(slot)] = card;
         layout->addRow(card, gap);
         gap = 8;
-        connect(card, &SlotCard::edited, this, [this, slot](const QString& text) {
-            const TextLayer* layer = layerOf(slot);
-            if (layer && !layer->isVisible)
-                Q_EMIT visibilityToggled(slot);
-            Q_EMIT textEdited(slot, text);
-        });
+        connect(card, &SlotCard::edited, this,
+                [this, slot](const QString& text) { Q_EMIT textEdited(slot, text); });
         connect(card, &SlotCard::visibilityToggled, this,
                 [this, slot] { Q_EMIT visibilityToggled(slot); });
         connect(card, &SlotCard::focused, this, [this, slot] { Q_EMIT slotFocused(slot); });
@@ -98,6 +94,15 @@ void TextPanel::buildCards()
                 Q_EMIT visibleAreaWanted(card);
         });
     }
+}
+
+std::optional<CopySlot> TextPanel::editedSlot() const
+{
+    for (const CopySlot slot : allCases<CopySlot>()) {
+        if (m_cards[std::size_t(slot)]->editor()->hasFocus())
+            return slot;
+    }
+    return std::nullopt;
 }
 
 void TextPanel::buildStyle()

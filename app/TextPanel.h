@@ -32,12 +32,12 @@ public:
 
     // Shows; emits nothing, and leaves cursor and selection of an editor alone.
     void setState(const TextPanelState& state);
-    void editSlot(CopySlot slot);    // its editor takes the focus, all text selected
+    void editSlot(CopySlot slot);                  // its editor takes the focus, all text selected
+    std::optional<CopySlot> editedSlot() const;    // whose editor has the focus
     QList<QWidget*> focusOrder() const;
 
 Q_SIGNALS:
     void textEdited(CopySlot slot, const QString& text);
-    // By the eye, and before the first edit of a hidden text.
     void visibilityToggled(CopySlot slot);
     void slotFocused(CopySlot slot);
     void layerEdited(const TextLayer& changed, Pace pace);

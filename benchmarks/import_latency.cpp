@@ -91,6 +91,7 @@ int main(int argc, char** argv)
     StudioSession session(cache, preferences);
     MainWindow window(session, cache, preferences);
     window.show();
+    session.restoreWorkspaceIfNeeded();
     for (QElapsedTimer pause; !pause.isValid() || pause.elapsed() < 300;) {
         if (!pause.isValid())
             pause.start();

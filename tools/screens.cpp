@@ -49,6 +49,7 @@ public:
           m_session(m_cache, m_preferences), m_window(m_session, m_cache, m_preferences)
     {
         m_window.show();
+        m_session.restoreWorkspaceIfNeeded();
     }
 
     // False when a state was not reached.

@@ -2,18 +2,25 @@
 
 #include "app/BatchColumn.h"
 #include "app/ComposeBar.h"
+#include "app/SidePanel.h"
 #include "app/StagePanel.h"
+#include "app/StudioMenu.h"
 #include "app/StudioShell.h"
+#include "app/TextPanel.h"
 #include "app/ViewBar.h"
 #include "app/controls/StatusLine.h"
+#include "canvas/interaction/CanvasInteractionView.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 
+#include <QAccessible>
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QTemporaryDir>
 
 #include <QtTest/QTest>
@@ -27,6 +34,7 @@ class MainWindowTest : public ::testing::Test {
 protected:
     MainWindowTest()
     {
+        session.restoreWorkspaceIfNeeded();
         window.resize(1280, 800);
         window.show();
     }
@@ -51,6 +59,18 @@ protected:
     {
         return qobject_cast<QLineEdit*>(window.shell()->composeBar()->objectiveEdit());
     }
+
+    CanvasInteractionView* canvas() { return window.shell()->stage()->canvas(); }
+    SidePanel* panel() { return window.shell()->sidePanel(); }
+    // Opens the editor of the selected text as the keyboard does.
+    QPlainTextEdit* editSelected()
+    {
+        window.activateWindow();
+        canvas()->setFocus();
+        QTest::keyClick(&window, Qt::Key_F2);
+        return qobject_cast<QPlainTextEdit*>(QApplication::focusWidget());
+    }
+    const PublicationItem& current() { return *session.batch().currentItem(); }
 
     QTemporaryDir m_folder, m_data;
     std::shared_ptr<PhotoCache> m_photos =
@@ -167,4 +187,147 @@ TEST_F(MainWindowTest, droppedFilesAreImported)
     refused.ignore();
     QApplication::sendEvent(&window, &refused);
     EXPECT_FALSE(refused.isAccepted());
+}
+
+TEST_F(MainWindowTest, anEditorKeepsItsKeysAndFollowsTheImage)
+{
+    session.load({photos(3)});
+    settle();
+    QPlainTextEdit* editor = editSelected();
+    ASSERT_TRUE(editor);
+    EXPECT_EQ(editor->textCursor().selectedText(), current().layers[0].text);
+    QTest::keyClicks(editor, u"Hola"_s);
+    QTest::keyClick(editor, Qt::Key_Left);
+    QTest::keyClick(editor, Qt::Key_Delete);
+    QTest::keyClick(editor, Qt::Key_Return);
+    EXPECT_EQ(current().layers[0].text, u"Hol\n"_s);
+    EXPECT_TRUE(current().layers[0].isVisible);
+    EXPECT_EQ(session.batch().selectedIndex, 0);
+
+    QTest::keyClick(editor, Qt::Key_PageDown);
+    EXPECT_EQ(session.batch().selectedIndex, 1);
+    EXPECT_EQ(QApplication::focusWidget(), editor);
+    EXPECT_EQ(editor->textCursor().selectedText(), current().layers[0].text);
+    QTest::keyClick(editor, Qt::Key_Escape);
+    EXPECT_EQ(QApplication::focusWidget(), canvas());
+    QTest::keyClick(canvas(), Qt::Key_Delete);
+    EXPECT_FALSE(current().layers[0].isVisible);
+}
+
+TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
+{
+    session.load({photos(2)});
+    settle();
+    window.activateWindow();
+    objective()->setFocus();
+    QTest::keyClicks(objective(), u"Rebajas"_s);
+    QTest::keyClick(objective(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(session.batch().objective, QString());
+    EXPECT_EQ(objective()->text(), QString());
+    QTest::qWait(1);
+    QTest::keyClick(objective(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(session.batch().objective, u"Rebajas"_s);
+    QTest::qWait(1);
+
+    QPlainTextEdit* editor = editSelected();
+    ASSERT_TRUE(editor);
+    const QString before = current().layers[0].text;
+    QTest::keyClicks(editor, u"Hola"_s);
+    QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(current().layers[0].text, before);
+    EXPECT_EQ(editor->toPlainText(), before);
+}
+
+TEST_F(MainWindowTest, theTabFollowsWhatIsPressedButNotAChangeOfImage)
+{
+    session.load({photos(2)});
+    settle();
+    session.addShape(ShapeKind::rectangle);
+    EXPECT_EQ(panel()->tab(), SideTab::text);
+    const auto pressAt = [this](double x, double y) {
+        const QRect box = canvas()->canvasRect();
+        QTest::mouseClick(canvas(), Qt::LeftButton, Qt::NoModifier,
+                          box.topLeft() + QPoint(int(x * box.width()), int(y * box.height())));
+    };
+    pressAt(0.32, 0.6);    // inside the shape, below the texts
+    EXPECT_EQ(session.batch().selectedLayerID, current().shapeLayers[0].id);
+    EXPECT_EQ(panel()->tab(), SideTab::shapes);
+    QTest::keyClick(canvas(), Qt::Key_Right);
+    EXPECT_EQ(session.batch().selectedLayerID, current().layers[0].id);
+    EXPECT_EQ(panel()->tab(), SideTab::shapes);
+    pressAt(0.5, 0.38);
+    EXPECT_EQ(panel()->tab(), SideTab::text);
+    QTest::keyClick(&window, Qt::Key_3, Qt::ControlModifier);
+    pressAt(0.5, 0.38);
+    EXPECT_EQ(panel()->tab(), SideTab::templates);
+    pressAt(0.02, 0.02);
+    EXPECT_TRUE(session.batch().selectedLayerID.isNull());
+}
+
+TEST_F(MainWindowTest, filesFromOneAfterTheOtherStartMakeOneBatch)
+{
+    photos(3);
+    window.open({QUrl::fromLocalFile(m_folder.filePath(u"f2.png"_s))});
+    window.open({QUrl::fromLocalFile(m_folder.filePath(u"f0.png"_s)), QUrl(u"moltiva://x"_s)});
+    settle();
+    window.open({QUrl::fromLocalFile(m_folder.filePath(u"f1.png"_s))});
+    settle();
+    ASSERT_EQ(session.batch().items.size(), 3);
+    EXPECT_EQ(session.batch().items[2].filename(), u"f1"_s);
+}
+
+// By the tree that a screen reader walks: what can take the focus has a name, the canvas has its
+// layers, and each can be selected from there.
+TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
+{
+    session.load({photos(2)});
+    settle();
+    for (const SideTab tab : {SideTab::text, SideTab::shapes, SideTab::templates}) {
+        panel()->setTab(tab);
+        const QList<QWidget*> widgets = window.findChildren<QWidget*>();
+        for (const QWidget* widget : widgets) {
+            if (!widget->isVisible() || !(widget->focusPolicy() & Qt::TabFocus))
+                continue;
+            QAccessibleInterface* spoken =
+                QAccessible::queryAccessibleInterface(const_cast<QWidget*>(widget));
+            ASSERT_TRUE(spoken);
+            EXPECT_FALSE(spoken->text(QAccessible::Name).isEmpty())
+                << widget->metaObject()->className();
+        }
+    }
+    QAccessibleInterface* stage = QAccessible::queryAccessibleInterface(canvas());
+    ASSERT_EQ(stage->childCount(), 4);
+    EXPECT_EQ(stage->text(QAccessible::Name), u"Lienzo, Carrusel / Post vertical, imagen 1 de 2"_s);
+    QStringList names;
+    for (int i = 0; i < stage->childCount(); ++i)
+        names.append(stage->child(i)->text(QAccessible::Name));
+    ASSERT_TRUE(names.contains(u"Subtítulo: "_s + current().layers[1].text)) << names.size();
+    QAccessibleInterface* subtitle =
+        stage->child(int(names.indexOf(u"Subtítulo: "_s + current().layers[1].text)));
+    subtitle->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(session.batch().selectedLayerID, current().layers[1].id);
+}
+
+// No two commands share a key, and F6 reaches every region and comes back.
+TEST_F(MainWindowTest, theKeyboardReachesEverything)
+{
+    session.load({photos(2)});
+    settle();
+    QSet<QKeySequence> keys;
+    for (const QAction* action : window.actions()) {
+        for (const QKeySequence& sequence : action->shortcuts()) {
+            EXPECT_FALSE(keys.contains(sequence)) << qPrintable(sequence.toString());
+            keys.insert(sequence);
+        }
+    }
+    EXPECT_GT(keys.size(), 25);
+    window.activateWindow();
+    canvas()->setFocus();
+    QSet<QWidget*> stops;
+    for (int i = 0; i < 6; ++i) {
+        QTest::keyClick(&window, Qt::Key_F6);
+        stops.insert(QApplication::focusWidget());
+    }
+    EXPECT_EQ(stops.size(), 6);
+    EXPECT_EQ(QApplication::focusWidget(), canvas());
 }

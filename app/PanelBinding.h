@@ -1,0 +1,53 @@
+#pragma once
+#include "model/CopySlot.h"
+
+#include <QColor>
+#include <QCoroTask>
+#include <QHash>
+#include <QObject>
+#include <QPointer>
+#include <QUuid>
+
+#include <memory>
+
+class PhotoCache;
+class PreferencesStore;
+class SidePanel;
+class StudioSession;
+struct ColorOffers;
+struct PhotoHandle;
+
+// The side panel as a view of the session's current item.
+class PanelBinding : public QObject {
+    Q_OBJECT
+public:
+    // All outlive it.
+    PanelBinding(StudioSession& session, SidePanel* panel,
+                 const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences,
+                 QObject* parent);
+
+    void show();
+    // The tab for a layer that was chosen on the canvas; the templates stay open.
+    void follow(QUuid layer);
+    // Opens the tab and gives the editor the focus.
+    void edit(CopySlot slot);
+    void editSelected();
+
+Q_SIGNALS:
+    void leaveRequested();    // back to the canvas
+
+private:
+    void connectTexts();
+    void connectShapes();
+    ColorOffers colors();
+    void remember(const QColor& color);
+    static QCoro::Task<> lookAtPhoto(QPointer<PanelBinding> self, QString path, QByteArray digest,
+                                     std::shared_ptr<PhotoCache> photos);
+
+    StudioSession& m_session;
+    SidePanel* m_panel;
+    std::shared_ptr<PhotoCache> m_photos;
+    PreferencesStore& m_preferences;
+    QHash<QString, QList<QColor>> m_photoColors;    // by path; empty while they are looked for
+    QList<QColor> m_recentColors;
+};

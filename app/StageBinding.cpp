@@ -1,0 +1,145 @@
+#include "app/StageBinding.h"
+
+#include "app/ItemPictures.h"
+#include "app/StagePanel.h"
+#include "app/StudioShell.h"
+#include "app/ViewBar.h"
+#include "canvas/interaction/CanvasInteractionView.h"
+#include "studio/StudioSession.h"
+
+namespace {
+
+// What the bar offers; a file may hold more.
+constexpr double leastZoom = 1, mostZoom = 3;
+
+}    // namespace
+
+StageBinding::StageBinding(StudioSession& session, StudioShell* shell,
+                           const std::shared_ptr<PhotoCache>& photos, QObject* parent)
+    : QObject(parent), m_session(session), m_shell(shell), m_photo(new StagePhoto(photos, this))
+{
+    connectCanvas();
+    const ViewBar* bar = shell->viewBar();
+    connect(bar, &ViewBar::previousRequested, &session, &StudioSession::previousItem);
+    connect(bar, &ViewBar::nextRequested, &session, &StudioSession::nextItem);
+    connect(bar, &ViewBar::fitModeChosen, this, &StageBinding::setFitMode);
+    connect(bar, &ViewBar::zoomRequested, this,
+            [this](double zoom, bool held) { setZoom(zoom, held ? Pace::held : Pace::once); });
+    connect(bar, &ViewBar::centreRequested, this, &StageBinding::centrePhoto);
+    connect(bar, &ViewBar::safeZoneToggled, this, &StageBinding::setSafeZoneShown);
+    connect(shell->stage(), &StagePanel::pictureSizeChanged, this, &StageBinding::show);
+    connect(m_photo, &StagePhoto::ready, canvas(), &CanvasInteractionView::setPhoto);
+    connect(m_photo, &StagePhoto::photoMissing, this, [this] {
+        if (m_session.batch().currentItem())
+            Q_EMIT photoMissing(m_session.batch().currentItem()->id);
+    });
+}
+
+// The canvas may outlive it for a moment, and end a gesture as it goes.
+StageBinding::~StageBinding()
+{
+    CanvasInteraction& gestures = canvas()->interaction();
+    gestures.onCommit = {};
+    gestures.onSelect = {};
+    gestures.onPrevious = gestures.onNext = {};
+    gestures.onEditingBegan = gestures.onEditingEnded = {};
+}
+
+CanvasInteractionView* StageBinding::canvas() const
+{
+    return m_shell->stage()->canvas();
+}
+
+void StageBinding::connectCanvas()
+{
+    CanvasInteraction& gestures = canvas()->interaction();
+    gestures.onPrevious = [this] { m_session.previousItem(); };
+    gestures.onNext = [this] { m_session.nextItem(); };
+    gestures.onEditingBegan = [this] { m_session.beginCanvasHistoryEdit(); };
+    gestures.onEditingEnded = [this] {
+        m_session.endCanvasHistoryEdit(canvas()->interaction().movedLayer());
+    };
+    gestures.onCommit = [this](const PublicationItem& item) { m_session.commitCanvasItem(item); };
+    gestures.onSelect = [this](QUuid layer) {
+        m_session.selectLayer(layer);
+        Q_EMIT layerChosen(layer);
+    };
+    connect(canvas(), &CanvasInteractionView::editRequested, this, [this](QUuid id) {
+        const PublicationItem* item = m_session.batch().currentItem();
+        if (!item)
+            return;
+        const auto text = std::ranges::find(item->layers, id, &TextLayer::id);
+        if (text != item->layers.end())
+            Q_EMIT editRequested(text->slot);
+    });
+}
+
+void StageBinding::show()
+{
+    const Batch& batch = m_session.batch();
+    const PublicationItem* item = batch.currentItem();
+    ViewBar* bar = m_shell->viewBar();
+    bar->setPosition(batch.selectedIndex, int(batch.items.size()));
+    bar->setFormat(batch.format);
+    const auto& format = row(batch.format);
+    StagePanel* stage = m_shell->stage();
+    stage->setPosition(batch.selectedIndex, int(batch.items.size()));
+    stage->setFormat(format.rawValue.toString(), format.ratioLabel.toString(),
+                     format.exportSize.toSize());
+    // The item first: the photo is taken for that of the item shown.
+    canvas()->setItem(item ? std::optional(*item) : std::nullopt, batch.format);
+    canvas()->setSelectedLayerID(batch.selectedLayerID);
+    if (!item) {
+        m_photo->clear();
+        return;
+    }
+    bar->setPlacement(item->placement);
+    m_photo->show(*item, batch.format, stage->pictureSize());
+}
+
+bool StageBinding::isIdle() const
+{
+    return m_photo->isIdle() && canvas()->isSettled();
+}
+
+void StageBinding::place(const std::function<void(ImagePlacement&)>& change, Pace pace)
+{
+    if (!m_session.batch().currentItem())
+        return;
+    ImagePlacement placement = m_session.batch().currentItem()->placement;
+    change(placement);
+    m_session.setPlacement(placement, pace);
+}
+
+void StageBinding::setFitMode(ImageFitMode mode)
+{
+    place([mode](ImagePlacement& placement) { placement.mode = mode; });
+}
+
+void StageBinding::zoomBy(double step)
+{
+    place([step](ImagePlacement& placement) {
+        placement.zoom = std::clamp(placement.zoom + step, leastZoom, mostZoom);
+    });
+}
+
+void StageBinding::setZoom(double zoom, Pace pace)
+{
+    place(
+        [zoom](ImagePlacement& placement) {
+            placement.zoom = std::clamp(zoom, leastZoom, mostZoom);
+        },
+        pace);
+}
+
+void StageBinding::centrePhoto()
+{
+    place([](ImagePlacement& placement) { placement.offset = {}; });
+}
+
+void StageBinding::setSafeZoneShown(bool shown)
+{
+    m_safeZone = shown;
+    m_shell->viewBar()->setSafeZone(shown);
+    canvas()->setSafeZone(shown);
+}

@@ -1,0 +1,51 @@
+#pragma once
+#include "model/CopySlot.h"
+#include "model/ImagePlacement.h"
+#include "model/Pace.h"
+
+#include <QObject>
+#include <QUuid>
+
+#include <memory>
+
+class CanvasInteractionView;
+class PhotoCache;
+class StagePhoto;
+class StudioSession;
+class StudioShell;
+
+// The canvas and the bar below it as a view of the session's current item: gestures become edits,
+// and how the photo lies can be changed.
+class StageBinding : public QObject {
+    Q_OBJECT
+public:
+    // Both outlive it.
+    StageBinding(StudioSession& session, StudioShell* shell,
+                 const std::shared_ptr<PhotoCache>& photos, QObject* parent);
+    ~StageBinding() override;
+
+    void show();
+    bool isIdle() const;
+    CanvasInteractionView* canvas() const;
+
+    void setFitMode(ImageFitMode mode);
+    void zoomBy(double step);
+    void setZoom(double zoom, Pace pace = Pace::once);
+    void centrePhoto();
+    bool isSafeZoneShown() const { return m_safeZone; }
+    void setSafeZoneShown(bool shown);
+
+Q_SIGNALS:
+    void layerChosen(QUuid layer);    // by the user, on the canvas; null for none
+    void editRequested(CopySlot slot);
+    void photoMissing(QUuid item);
+
+private:
+    void connectCanvas();
+    void place(const std::function<void(ImagePlacement&)>& change, Pace pace = Pace::once);
+
+    StudioSession& m_session;
+    StudioShell* m_shell;
+    StagePhoto* m_photo;
+    bool m_safeZone = false;
+};
