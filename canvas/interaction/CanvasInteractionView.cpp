@@ -430,7 +430,7 @@ QString CanvasInteractionView::nameOf(QUuid layer) const
 
 QString CanvasInteractionView::accessibleText(QUuid layer) const
 {
-    const QString name = nameOf(layer);
+    QString name = nameOf(layer);
     if (!isText(layer))
         return name;
     const auto& texts = m_interaction.item()->layers;

@@ -66,30 +66,30 @@ TEST(CanvasInteraction, aLayerStopsAndSnapsWhereItShould)
         int layer;    // 0 the text, 1 the rectangle, 2 the line
         Grip grip;
         QPointF by;    // logical pixels
-        bool shift;
         CodableRect expected;
+        bool shift;
         SnapGuides guides = {};
     };
     const double ratio = 0.4 / 0.2;
     const Case cases[] = {
-        {"moved freely", 0, body, {40, 50}, false, {0.2, 0.2, 0.4, 0.2}},
-        {"far left", 0, body, {-4000, 0}, false, {-0.32, 0.1, 0.4, 0.2}},
-        {"far right and down", 0, body, {4000, 4000}, false, {0.92, 0.92, 0.4, 0.2}},
-        {"centre at 0.51", 0, body, {84, 0}, false, {0.3, 0.1, 0.4, 0.2}, {true, false}},
-        {"centre at 0.52", 0, body, {88, 0}, false, {0.32, 0.1, 0.4, 0.2}},
-        {"both centre lines", 0, body, {78, 152}, false, {0.3, 0.4, 0.4, 0.2}, {true, true}},
-        {"a text made tiny", 0, handle, {-900, -900}, false, {0.1, 0.1, 0.16, 0.06}},
-        {"a line made tiny", 2, handle, {-900, -900}, false, {0.1, 0.8, 0.08, 0.01}},
-        {"past the far edge", 0, handle, {9000, 9000}, false, {0.1, 0.1, 1.82, 1.82}},
-        {"in proportion", 0, handle, {80, 0}, true, {0.1, 0.1, 0.6, 0.6 / ratio}},
-        {"in proportion to the limit", 1, handle, {9000, 0}, true, {0.1, 0.1, 1.82, 1.82}},
-        {"a line never in proportion", 2, handle, {40, 0}, true, {0.1, 0.8, 0.5, 0.1}},
+        {"moved freely", 0, body, {40, 50}, {0.2, 0.2, 0.4, 0.2}, false},
+        {"far left", 0, body, {-4000, 0}, {-0.32, 0.1, 0.4, 0.2}, false},
+        {"far right and down", 0, body, {4000, 4000}, {0.92, 0.92, 0.4, 0.2}, false},
+        {"centre at 0.51", 0, body, {84, 0}, {0.3, 0.1, 0.4, 0.2}, false, {true, false}},
+        {"centre at 0.52", 0, body, {88, 0}, {0.32, 0.1, 0.4, 0.2}, false},
+        {"both centre lines", 0, body, {78, 152}, {0.3, 0.4, 0.4, 0.2}, false, {true, true}},
+        {"a text made tiny", 0, handle, {-900, -900}, {0.1, 0.1, 0.16, 0.06}, false},
+        {"a line made tiny", 2, handle, {-900, -900}, {0.1, 0.8, 0.08, 0.01}, false},
+        {"past the far edge", 0, handle, {9000, 9000}, {0.1, 0.1, 1.82, 1.82}, false},
+        {"in proportion", 0, handle, {80, 0}, {0.1, 0.1, 0.6, 0.6 / ratio}, true},
+        {"in proportion to the limit", 1, handle, {9000, 0}, {0.1, 0.1, 1.82, 1.82}, true},
+        {"a line never in proportion", 2, handle, {40, 0}, {0.1, 0.8, 0.5, 0.1}, true},
         {"resized to the centre",
          0,
          handle,
          {156, 0},
-         false,
          {0.105, 0.1, 0.79, 0.2},
+         false,
          {true, false}},
     };
     for (const Case& c : cases) {

@@ -150,7 +150,7 @@ TEST(CanvasInteractionView, theCanvasAtTheSizeOfAnExportIsTheExport)
     CanvasInteractionView view;
     for (int i = 0; i < 12; ++i) {
         const SocialFormat format = SocialFormat(i % 4);
-        const QImage photo = photoOf(i % 3 ? QSize(900, 700) : QSize(400, 1300));
+        QImage photo = photoOf(i % 3 ? QSize(900, 700) : QSize(400, 1300));
         const PublicationItem item = randomItem(dice, photo.size());
         view.setItem(item, format);
         view.setCanvasRect(QRect(QPoint(), exportSize(format).toSize()),
@@ -262,6 +262,10 @@ TEST_F(ViewTest, marksAreDrawnOverThePictureAndNeverInIt)
     EXPECT_EQ(shown().copy(40, 40, 400, 500), picture) << "a hidden text has no marks";
     m_view.setSafeZone(true);
     EXPECT_EQ(shown().copy(40, 40, 400, 500), picture) << "only stories lose something";
+    m_view.activateWindow();
+    m_view.clearFocus();
+    m_view.setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(shown().pixelColor(36, 300), m_view.palette().color(QPalette::Highlight)) << "ring";
     EXPECT_EQ(m_view.canvasBuffer(), picture);
 }
 
