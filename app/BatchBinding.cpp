@@ -4,9 +4,8 @@
 #include "studio/StudioSession.h"
 
 BatchBinding::BatchBinding(StudioSession& session, BatchColumn* column,
-                           const std::shared_ptr<PhotoCache>& photos, QObject* parent)
-    : QObject(parent), m_session(session), m_column(column),
-      m_pictures(new TilePictures(photos, this))
+                           const std::shared_ptr<PhotoCache>& photos)
+    : m_session(session), m_column(column), m_pictures(new TilePictures(photos, this))
 {
     connect(column, &BatchColumn::clicked, this,
             [this](int index, Qt::KeyboardModifiers modifiers) {

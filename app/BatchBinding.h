@@ -14,7 +14,7 @@ class BatchBinding : public QObject {
 public:
     // Both outlive it.
     BatchBinding(StudioSession& session, BatchColumn* column,
-                 const std::shared_ptr<PhotoCache>& photos, QObject* parent);
+                 const std::shared_ptr<PhotoCache>& photos);
 
     void show();    // the batch or the import went on
     void photoMissing(QUuid item);

@@ -105,9 +105,9 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
                        PreferencesStore& preferences)
     : m_session(session), m_preferences(preferences),
       m_shell(new StudioShell(formatChoices(), this)),
-      m_batch(new BatchBinding(session, m_shell->batchColumn(), photos, this)),
-      m_stage(new StageBinding(session, m_shell, photos, this)),
-      m_panel(new PanelBinding(session, m_shell->sidePanel(), photos, preferences, this)),
+      m_batch(std::make_unique<BatchBinding>(session, m_shell->batchColumn(), photos)),
+      m_stage(std::make_unique<StageBinding>(session, m_shell, photos)),
+      m_panel(std::make_unique<PanelBinding>(session, m_shell->sidePanel(), photos, preferences)),
       m_menu(new StudioMenu(this))
 {
     setWindowTitle(u"Moltiva"_s);
@@ -166,15 +166,15 @@ void MainWindow::connectPanels()
     connect(column, &BatchColumn::discardRequested, this, runs(Command::discard));
     connect(column, &BatchColumn::contextMenuRequested, this, &MainWindow::showTileMenu);
 
-    connect(m_stage, &StageBinding::layerChosen, m_panel, &PanelBinding::follow);
-    connect(m_stage, &StageBinding::editRequested, m_panel, &PanelBinding::edit);
-    connect(m_stage, &StageBinding::photoMissing, this, [this](QUuid item) {
+    connect(m_stage.get(), &StageBinding::layerChosen, m_panel.get(), &PanelBinding::follow);
+    connect(m_stage.get(), &StageBinding::editRequested, m_panel.get(), &PanelBinding::edit);
+    connect(m_stage.get(), &StageBinding::photoMissing, this, [this](QUuid item) {
         m_batch->photoMissing(item);
         m_shell->statusLine()->setStatus(
             {StatusKind::error, u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
                                     m_session.batch().currentItem()->filename())});
     });
-    connect(m_panel, &PanelBinding::leaveRequested, this, &MainWindow::focusCanvas);
+    connect(m_panel.get(), &PanelBinding::leaveRequested, this, &MainWindow::focusCanvas);
 
     connect(m_shell->statusLine(), &StatusLine::stopRequested, &m_session,
             &StudioSession::stopImport);

@@ -73,9 +73,10 @@ private:
     StudioSession& m_session;
     PreferencesStore& m_preferences;
     StudioShell* m_shell;
-    BatchBinding* m_batch;
-    StageBinding* m_stage;
-    PanelBinding* m_panel;
+    // Gone before the panels that they are bound to.
+    std::unique_ptr<BatchBinding> m_batch;
+    std::unique_ptr<StageBinding> m_stage;
+    std::unique_ptr<PanelBinding> m_panel;
     StudioMenu* m_menu;
     QString m_lastFolder;
     QList<QUrl> m_given;    // from outside, of which more may come

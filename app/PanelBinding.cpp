@@ -40,10 +40,8 @@ QByteArray storedFrom(const QList<QColor>& colors)
 }    // namespace
 
 PanelBinding::PanelBinding(StudioSession& session, SidePanel* panel,
-                           const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences,
-                           QObject* parent)
-    : QObject(parent), m_session(session), m_panel(panel), m_photos(photos),
-      m_preferences(preferences),
+                           const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences)
+    : m_session(session), m_panel(panel), m_photos(photos), m_preferences(preferences),
       m_recentColors(colorsFrom(preferences.value(recentKey).value_or(QByteArray())))
 {
     connectTexts();

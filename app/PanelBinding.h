@@ -23,8 +23,7 @@ class PanelBinding : public QObject {
 public:
     // All outlive it.
     PanelBinding(StudioSession& session, SidePanel* panel,
-                 const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences,
-                 QObject* parent);
+                 const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences);
 
     void show();
     // The tab for a layer that was chosen on the canvas; the templates stay open.

@@ -15,8 +15,8 @@ constexpr double leastZoom = 1, mostZoom = 3;
 }    // namespace
 
 StageBinding::StageBinding(StudioSession& session, StudioShell* shell,
-                           const std::shared_ptr<PhotoCache>& photos, QObject* parent)
-    : QObject(parent), m_session(session), m_shell(shell), m_photo(new StagePhoto(photos, this))
+                           const std::shared_ptr<PhotoCache>& photos)
+    : m_session(session), m_shell(shell), m_photo(new StagePhoto(photos, this))
 {
     connectCanvas();
     const ViewBar* bar = shell->viewBar();

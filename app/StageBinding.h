@@ -21,7 +21,7 @@ class StageBinding : public QObject {
 public:
     // Both outlive it.
     StageBinding(StudioSession& session, StudioShell* shell,
-                 const std::shared_ptr<PhotoCache>& photos, QObject* parent);
+                 const std::shared_ptr<PhotoCache>& photos);
     ~StageBinding() override;
 
     void show();

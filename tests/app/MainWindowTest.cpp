@@ -8,6 +8,7 @@
 #include "app/StudioShell.h"
 #include "app/TextPanel.h"
 #include "app/ViewBar.h"
+#include "app/controls/SlotEditor.h"
 #include "app/controls/StatusLine.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "platform/PhotoCache.h"
@@ -20,7 +21,6 @@
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QMimeData>
-#include <QPlainTextEdit>
 #include <QTemporaryDir>
 
 #include <QtTest/QTest>
@@ -63,12 +63,12 @@ protected:
     CanvasInteractionView* canvas() { return window.shell()->stage()->canvas(); }
     SidePanel* panel() { return window.shell()->sidePanel(); }
     // Opens the editor of the selected text as the keyboard does.
-    QPlainTextEdit* editSelected()
+    SlotEditor* editSelected()
     {
         window.activateWindow();
         canvas()->setFocus();
         QTest::keyClick(&window, Qt::Key_F2);
-        return qobject_cast<QPlainTextEdit*>(QApplication::focusWidget());
+        return qobject_cast<SlotEditor*>(QApplication::focusWidget());
     }
     const PublicationItem& current() { return *session.batch().currentItem(); }
 
@@ -193,7 +193,7 @@ TEST_F(MainWindowTest, anEditorKeepsItsKeysAndFollowsTheImage)
 {
     session.load({photos(3)});
     settle();
-    QPlainTextEdit* editor = editSelected();
+    SlotEditor* editor = editSelected();
     ASSERT_TRUE(editor);
     EXPECT_EQ(editor->textCursor().selectedText(), current().layers[0].text);
     QTest::keyClicks(editor, u"Hola"_s);
@@ -229,13 +229,13 @@ TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
     EXPECT_EQ(session.batch().objective, u"Rebajas"_s);
     QTest::qWait(1);
 
-    QPlainTextEdit* editor = editSelected();
+    SlotEditor* editor = editSelected();
     ASSERT_TRUE(editor);
     const QString before = current().layers[0].text;
     QTest::keyClicks(editor, u"Hola"_s);
     QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(current().layers[0].text, before);
-    EXPECT_EQ(editor->toPlainText(), before);
+    EXPECT_EQ(editor->text(), before);
 }
 
 TEST_F(MainWindowTest, theTabFollowsWhatIsPressedButNotAChangeOfImage)
@@ -243,14 +243,18 @@ TEST_F(MainWindowTest, theTabFollowsWhatIsPressedButNotAChangeOfImage)
     session.load({photos(2)});
     settle();
     session.addShape(ShapeKind::rectangle);
+    ShapeLayer shape = current().shapeLayers[0];
+    shape.frame = {0.1, 0.85, 0.2, 0.1};    // below the texts
+    session.editShape(shape);
+    session.selectLayer(current().layers[0].id);
     EXPECT_EQ(panel()->tab(), SideTab::text);
     const auto pressAt = [this](double x, double y) {
         const QRect box = canvas()->canvasRect();
         QTest::mouseClick(canvas(), Qt::LeftButton, Qt::NoModifier,
                           box.topLeft() + QPoint(int(x * box.width()), int(y * box.height())));
     };
-    pressAt(0.32, 0.6);    // inside the shape, below the texts
-    EXPECT_EQ(session.batch().selectedLayerID, current().shapeLayers[0].id);
+    pressAt(0.2, 0.9);
+    EXPECT_EQ(session.batch().selectedLayerID, shape.id);
     EXPECT_EQ(panel()->tab(), SideTab::shapes);
     QTest::keyClick(canvas(), Qt::Key_Right);
     EXPECT_EQ(session.batch().selectedLayerID, current().layers[0].id);
