@@ -9,7 +9,7 @@ AddShapeButton::AddShapeButton(ShapeKind kind, QWidget* parent)
 {
     setText(rawValue(kind));
     setAccessibleName(text());
-    setFixedHeight(sizeHint().height());
+    setFixedHeight(68);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setProperty("focusRadius", cardRadius);
 }

@@ -1,5 +1,7 @@
 #include "app/PanelLayout.h"
 
+#include <QWidget>
+
 namespace {
 constexpr int side = 16, top = 10, bottom = 16, scrollBar = 12, fieldGap = 8;
 }

@@ -91,17 +91,18 @@ TEST(Controls, theRingIsForFocusFromTheKeyboardAndDiesWithItsControl)
 
 TEST(Controls, thereIsOneRingInAScrollAreaToo)
 {
-    QScrollArea area;
+    QWidget window;
+    QScrollArea area(&window);
     auto* page = new QWidget;
     auto* first = new IconButton(Icon::undo, u"Uno"_qs, 32, page);
     auto* second = new IconButton(Icon::redo, u"Dos"_qs, 32, page);
     area.setWidget(page);
-    area.show();
-    area.activateWindow();
+    window.show();
+    window.activateWindow();
     settle();
     for (QWidget* button : {first, second, first})
         button->setFocus(Qt::TabFocusReason);
-    EXPECT_EQ(area.findChildren<QFocusFrame*>().size(), 1);
+    EXPECT_EQ(window.findChildren<QFocusFrame*>().size(), 1);
 }
 
 TEST(TextField, tellsAnEditOnceWhenItEndsAndNothingWhenShown)
