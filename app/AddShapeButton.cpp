@@ -9,7 +9,7 @@ AddShapeButton::AddShapeButton(ShapeKind kind, QWidget* parent)
 {
     setText(rawValue(kind));
     setAccessibleName(text());
-    setFixedHeight(sizeHint().height());
+    setFixedHeight(68);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setProperty("focusRadius", cardRadius);
 }
@@ -24,6 +24,7 @@ void AddShapeButton::paintEvent(QPaintEvent*)
     strokeRounded(painter, rect(), cardRadius, theme.line);
     const QColor ink = isEnabled() ? mixed(theme.text2, theme.text, hovered()) : theme.dis;
     paintIcon(painter, m_icon, QRectF(0, iconMiddle - 10, width(), 20), iconSide, ink);
-    paintText(painter, QRectF(2, labelMiddle - 10, width() - 4, 20), Qt::AlignHCenter, Type::small,
-              ink, text());
+    const QRectF label(2, labelMiddle - 10, width() - 4, 20);
+    const bool narrow = textWidth(Type::small, text()) > label.width();
+    paintText(painter, label, Qt::AlignHCenter, narrow ? Type::caption : Type::small, ink, text());
 }

@@ -2,9 +2,11 @@
 
 #include "app/controls/Painting.h"
 
+#include <QTextLayout>
+
 namespace {
-constexpr int iconSide = 24, titleGap = 12, titleHeight = 18, sentenceGap = 8, widest = 260,
-              sideMargin = 32;
+constexpr int lineHeight = 18, iconSide = 24, titleGap = 12, titleHeight = 18, sentenceGap = 8,
+              widest = 260, sideMargin = 32;
 }
 
 EmptyNote::EmptyNote(Icon icon, const QString& title, const QString& sentence, QWidget* parent)
@@ -19,18 +21,23 @@ void EmptyNote::paintEvent(QPaintEvent*)
     const Theme& theme = themeOf(this);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const int textWidth = std::min(widest, width() - 2 * sideMargin);
-    painter.setFont(fontOf(Type::small));
-    const int flags = int(Qt::AlignHCenter) | Qt::TextWordWrap;
-    const QRectF room((width() - textWidth) / 2.0, 0, textWidth, height());
-    const double sentence = painter.boundingRect(room, flags, m_sentence).height();
+    const int wrapWidth = std::min(widest, width() - 2 * sideMargin);
+    QTextLayout sentence(m_sentence, fontOf(Type::small));
+    QTextOption centred(Qt::AlignHCenter);
+    sentence.setTextOption(centred);
+    sentence.beginLayout();
+    int lines = 0;
+    for (QTextLine line = sentence.createLine(); line.isValid(); line = sentence.createLine()) {
+        line.setLineWidth(wrapWidth);
+        line.setPosition(QPointF(0, lines++ * lineHeight));
+    }
+    sentence.endLayout();
     const int title = m_title.isEmpty() ? 0 : titleHeight + sentenceGap;
-    double top = (height() - (iconSide + titleGap + title + sentence)) / 2;
+    double top = (height() - (iconSide + titleGap + title + lines * lineHeight)) / 2.0;
     paintIcon(painter, m_icon, QRectF(0, top, width(), iconSide), iconSide, theme.text3);
     top += iconSide + titleGap;
     paintText(painter, QRectF(0, top, width(), titleHeight), Qt::AlignHCenter, Type::heading,
               theme.text, m_title);
-    painter.setFont(fontOf(Type::small));
     painter.setPen(theme.text2);
-    painter.drawText(room.translated(0, top + title), flags, m_sentence);
+    sentence.draw(&painter, QPointF((width() - wrapWidth) / 2.0, top + title));
 }

@@ -1,19 +1,15 @@
 #include "app/PanelLayout.h"
 
+#include <QWidget>
+
 namespace {
-constexpr int side = 16, top = 10, bottom = 16, scrollBar = 12, overhang = 4, fieldGap = 8;
+constexpr int side = 16, top = 10, bottom = 16, scrollBar = 12, fieldGap = 8;
 }
 
 PanelLayout::PanelLayout(QWidget* page) : QVBoxLayout(page)
 {
-    setContentsMargins(side, top, side - scrollBar - overhang, bottom);
+    setContentsMargins(side, top, side - scrollBar, bottom);
     setSpacing(0);
-}
-
-void PanelLayout::addHeading(QWidget* heading, int gapAbove)
-{
-    addSpacing(gapAbove);
-    addWidget(heading);
 }
 
 void PanelLayout::addRow(QWidget* widget, int gapAbove)
@@ -25,7 +21,6 @@ void PanelLayout::addRow(const QList<QWidget*>& widgets, int gapAbove)
 {
     addSpacing(gapAbove);
     auto* row = new QHBoxLayout;
-    row->setContentsMargins(0, 0, overhang, 0);
     row->setSpacing(fieldGap);
     for (QWidget* widget : widgets)
         row->addWidget(widget,

@@ -80,7 +80,7 @@ void ShapesPanel::build()
     rows->addWidget(m_note);
     layout->addRow(m_list, 6);
 
-    layout->addHeading(m_header, 16);
+    layout->addRow(m_header, 16);
     layout->addRow(sectionTitle(u"Relleno"_s, this), 4);
     layout->addRow({m_fill, m_fillHex, m_fillOpacity}, 10);
     layout->addRow(sectionTitle(u"Trazo"_s, this), 12);

@@ -36,13 +36,34 @@ StyleHeader::StyleHeader(QWidget* parent)
 void StyleHeader::setTitle(const QString& title)
 {
     m_title->setText(title);
+    showReached();
 }
 
 void StyleHeader::setReached(int images, const QString& explanation)
 {
-    m_reached->setText(images > 1 ? u"%1 imágenes"_s.arg(images) : QString());
+    m_images = images;
     m_reached->setToolTip(explanation);
     m_reached->setVisible(images > 1);
+    showReached();
+}
+
+// Where title and chip do not both fit, the number is enough.
+void StyleHeader::showReached()
+{
+    if (m_images <= 1)
+        return m_reached->setText({});
+    m_reached->setText(u"%1 imágenes"_s.arg(m_images));
+    const int wanted = m_title->sizeHint().width() + m_reached->sizeHint().width() +
+                       m_copy->width() + m_paste->width() + 3 * layout()->spacing();
+    if (wanted > width()) {
+        m_reached->setText(QString::number(m_images));
+        m_reached->setAccessibleName(u"%1 imágenes"_s.arg(m_images));
+    }
+}
+
+void StyleHeader::resizeEvent(QResizeEvent*)
+{
+    showReached();
 }
 
 void StyleHeader::setCopyRefused(const QString& reason)

@@ -22,7 +22,13 @@ Q_SIGNALS:
     void copyRequested();
     void pasteRequested();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
+    void showReached();
+
+    int m_images = 1;
     Caption* m_title;
     Badge* m_reached;
     IconButton* m_copy;

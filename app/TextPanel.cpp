@@ -108,7 +108,7 @@ std::optional<CopySlot> TextPanel::editedSlot() const
 void TextPanel::buildStyle()
 {
     auto* layout = static_cast<PanelLayout*>(this->layout());
-    layout->addHeading(m_header, 12);
+    layout->addRow(m_header, 12);
     layout->addRow({m_font, m_size}, 6);
     layout->addRow({m_color, m_alignment}, 8);
     layout->addRow({sectionTitle(u"Caja"_s, this), m_box}, 10);

@@ -93,6 +93,7 @@ QPalette paletteOf(const Theme& theme)
     palette.setColor(QPalette::Link, theme.accentText);
     palette.setColor(QPalette::LinkVisited, theme.accentText);
     palette.setColor(QPalette::PlaceholderText, theme.text3);
+    palette.setColor(QPalette::Disabled, QPalette::PlaceholderText, theme.dis);
     for (const auto role :
          {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
         palette.setColor(role, theme.text);

@@ -5,10 +5,10 @@
 
 namespace {
 
-// One a window, a direct child of it.
+// One a window. Inside of a scroll area it moves there, to be clipped with its control.
 QFocusFrame* frameOf(const QWidget* control)
 {
-    return control->window()->findChild<QFocusFrame*>(QString(), Qt::FindDirectChildrenOnly);
+    return control->window()->findChild<QFocusFrame*>();
 }
 
 }    // namespace

@@ -12,7 +12,7 @@ Swatch::Swatch(const QString& name, QWidget* parent) : Control(parent)
 {
     setAccessibleName(name);
     setToolTip(name);
-    setFixedSize(sizeHint());
+    setFixedSize(32, 32);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setProperty("focusRadius", Radius::field);
     connect(this, &Swatch::clicked, this, &Swatch::toggle);

@@ -8,7 +8,7 @@ Switch::Switch(const QString& name, QWidget* parent) : Control(parent)
 {
     setCheckable(true);
     setAccessibleName(name);
-    setFixedSize(sizeHint());
+    setFixedSize(32, 24);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setProperty("focusRadius", 11);
 }

@@ -5,6 +5,7 @@
 #include "tests/app/Events.h"
 
 #include <QFocusFrame>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
@@ -86,6 +87,22 @@ TEST(Controls, theRingIsForFocusFromTheKeyboardAndDiesWithItsControl)
     button.reset();
     EXPECT_EQ(frame->widget(), nullptr);
     EXPECT_TRUE(frame->isHidden());
+}
+
+TEST(Controls, thereIsOneRingInAScrollAreaToo)
+{
+    QWidget window;
+    QScrollArea area(&window);
+    auto* page = new QWidget;
+    auto* first = new IconButton(Icon::undo, u"Uno"_qs, 32, page);
+    auto* second = new IconButton(Icon::redo, u"Dos"_qs, 32, page);
+    area.setWidget(page);
+    window.show();
+    window.activateWindow();
+    settle();
+    for (QWidget* button : {first, second, first})
+        button->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(window.findChildren<QFocusFrame*>().size(), 1);
 }
 
 TEST(TextField, tellsAnEditOnceWhenItEndsAndNothingWhenShown)
