@@ -27,11 +27,15 @@ BatchColumn::BatchColumn(QWidget* parent)
 
 void BatchColumn::setTiles(const QList<Tile>& tiles)
 {
+    const auto selected = std::ranges::count_if(tiles, &Tile::selected);
+    const bool isOther = tiles.size() != m_grid->tiles().size() || selected != m_selected;
     m_grid->setTiles(tiles);
+    if (!isOther)
+        return;
     m_count->setText(tiles.isEmpty() ? QString() : QString::number(tiles.size()));
     m_selectAll->setEnabled(!tiles.isEmpty());
     m_discard->setEnabled(!tiles.isEmpty());
-    m_selected = std::ranges::count_if(tiles, &Tile::selected);
+    m_selected = selected;
     place();
     update(0, height() - footerHeight, width(), footerHeight);
 }

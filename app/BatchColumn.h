@@ -36,5 +36,5 @@ private:
     Badge* m_count;
     IconButton* m_selectAll;
     IconButton* m_discard;
-    qsizetype m_selected = 0;
+    qsizetype m_selected = -1;    // none shown yet
 };

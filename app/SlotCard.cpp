@@ -44,6 +44,12 @@ SlotCard::SlotCard(CopySlot slot, QWidget* parent)
 
 void SlotCard::setLayer(const TextLayer& layer, CardMark mark)
 {
+    // A style changes at every tick of a slider, and none of it shows here.
+    const bool isShown =
+        m_visible == layer.isVisible && m_mark == mark && m_editor->text() == layer.text;
+    if (m_isShown && isShown)
+        return;
+    m_isShown = true;
     m_visible = layer.isVisible;
     m_mark = mark;
     m_eye->setMeaning(m_visible ? Icon::visible : Icon::hidden,

@@ -40,6 +40,7 @@ private:
     CopySlot m_slot;
     Icon m_icon;
     QString m_name;
+    bool m_isShown = false;    // anything yet
     bool m_visible = true;
     bool m_editing = false;
     CardMark m_mark = CardMark::none;

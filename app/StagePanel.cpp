@@ -23,12 +23,15 @@ StagePanel::StagePanel(QWidget* parent)
 
 void StagePanel::setFormat(const QString& title, const QString& ratio, QSize exportPixels)
 {
+    if (title == m_title && exportPixels == m_exportPixels)
+        return;
     m_title = title;
     m_exportPixels = exportPixels;
     m_ratio->setText(ratio);
     m_ratio->resize(m_ratio->sizeHint());
     nameCanvas();
     fit();
+    m_ground = {};
     update();
 }
 
@@ -52,6 +55,8 @@ bool StagePanel::event(QEvent* event)
         fit();
     if (event->type() == QEvent::PaletteChange)
         m_view->setLineColor(themeOf(this).accentLine);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ScreenChangeInternal)
+        m_ground = {};
     return QWidget::event(event);
 }
 
@@ -77,6 +82,7 @@ void StagePanel::fit()
                      logical);
     m_ratio->move(m_canvas.left(), m_canvas.top() - canvasTop + chipTop);
     m_view->setCanvasRect(m_canvas, wanted);
+    m_ground = {};
     update();
     if (wanted != m_pictureSize) {
         m_pictureSize = wanted;
@@ -84,14 +90,10 @@ void StagePanel::fit()
     }
 }
 
-void StagePanel::paintEvent(QPaintEvent* event)
+// The ground with its wide shadow is kept as a picture: a drag uncovers strips of it at each step.
+void StagePanel::paintGround(QPainter& painter) const
 {
-    // Under the picture there is nothing to see; it may leave a part of its outermost pixels free.
-    const bool hasPicture = !m_view->canvasBuffer().isNull();
-    if (hasPicture && m_canvas.adjusted(1, 1, -1, -1).contains(event->rect()))
-        return;
     const Theme& theme = themeOf(this);
-    QPainter painter(this);
     painter.fillRect(rect(), theme.bg);
     if (m_canvas.isEmpty())
         return;
@@ -105,6 +107,25 @@ void StagePanel::paintEvent(QPaintEvent* event)
                      header.right() - textWidth(Type::small, size) - Space::medium - title,
                      header.height()),
               Qt::AlignLeft, Type::small, theme.text2, m_title);
-    if (!hasPicture)
-        painter.fillRect(m_canvas, theme.empty);
+    painter.fillRect(m_canvas, theme.empty);
+}
+
+void StagePanel::paintEvent(QPaintEvent* event)
+{
+    // Under the picture there is nothing to see; it may leave a part of its outermost pixels free.
+    const bool hasPicture = !m_view->canvasBuffer().isNull();
+    if (hasPicture && m_canvas.adjusted(1, 1, -1, -1).contains(event->rect()))
+        return;
+    const double ratio = devicePixelRatioF();
+    const QSize pixels = (QSizeF(size()) * ratio).toSize();
+    if (m_ground.size() != pixels) {
+        m_ground = QPixmap(pixels);
+        m_ground.setDevicePixelRatio(ratio);
+        QPainter ground(&m_ground);
+        paintGround(ground);
+    }
+    QPainter painter(this);
+    painter.setClipRegion(hasPicture ? event->region() - m_canvas.adjusted(1, 1, -1, -1)
+                                     : event->region());
+    painter.drawPixmap(0, 0, m_ground);
 }

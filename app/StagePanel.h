@@ -1,4 +1,5 @@
 #pragma once
+#include <QPixmap>
 #include <QWidget>
 
 class Badge;
@@ -30,13 +31,15 @@ protected:
 
 private:
     void fit();
+    void paintGround(QPainter& painter) const;
     void nameCanvas();
 
     QString m_title;
     QString m_position;
     QSize m_exportPixels;
     QSize m_pictureSize;
-    QRect m_canvas;    // logical pixels, all around the picture
+    QRect m_canvas;      // logical pixels, all around the picture
+    QPixmap m_ground;    // all below the picture; null when it has to be painted anew
     Badge* m_ratio;
     CanvasInteractionView* m_view;
 };

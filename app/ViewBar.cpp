@@ -56,6 +56,9 @@ ViewBar::ViewBar(QWidget* parent)
 
 void ViewBar::setPosition(int current, int count)
 {
+    if (current == m_current && count == m_count && m_isPlaced)
+        return;
+    m_isPlaced = true;
     m_current = current;
     m_count = count;
     setAccessibleName(count > 0 ? u"Imagen %1 de %2"_qs.arg(current + 1).arg(count) : QString());
@@ -68,9 +71,13 @@ void ViewBar::setPlacement(const ImagePlacement& placement)
 {
     // False for what is no number.
     const bool enlarged = placement.zoom * 100 > smallestPercent;
-    m_percent = enlarged ? int(std::lround(std::min(placement.zoom * 100, double(largestPercent))))
-                         : smallestPercent;
+    const int percent =
+        enlarged ? int(std::lround(std::min(placement.zoom * 100, double(largestPercent))))
+                 : smallestPercent;
     m_modes->setCurrent(int(placement.mode));
+    if (percent == m_percent)
+        return;
+    m_percent = percent;
     m_zoom->setShownValue(m_percent);
     enable();
     update();
@@ -78,6 +85,8 @@ void ViewBar::setPlacement(const ImagePlacement& placement)
 
 void ViewBar::setFormat(SocialFormat format)
 {
+    if (format == m_format)
+        return;
     m_format = format;
     enable();
 }

@@ -13,8 +13,10 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QScopeGuard>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <cstdio>
 
@@ -26,16 +28,16 @@ constexpr int edits = 60;
 
 void turnFor(int milliseconds)
 {
-    QElapsedTimer watch;
-    for (watch.start(); watch.elapsed() < milliseconds;)
-        QApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 template <typename Done>
 void turnUntil(Done done)
 {
     while (!done())
-        QApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+        turnFor(20);
 }
 
 double milliseconds(qint64 nanoseconds)

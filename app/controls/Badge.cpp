@@ -20,6 +20,8 @@ Badge::Badge(BadgeKind kind, Icon icon, QWidget* parent) : Badge(QString(), pare
 
 void Badge::setText(const QString& text)
 {
+    if (text == m_text && accessibleName() == text)
+        return;
     m_text = text;
     setAccessibleName(text);
     updateGeometry();

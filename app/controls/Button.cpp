@@ -157,6 +157,8 @@ IconButton::IconButton(Icon icon, const QString& name, int side, QWidget* parent
 
 void IconButton::setMeaning(Icon icon, const QString& name)
 {
+    if (icon == m_icon && name == accessibleName())
+        return;
     m_icon = icon;
     setAccessibleName(name);
     setToolTip(name);

@@ -30,7 +30,8 @@ void SegmentedControl::setStretched()
 
 void SegmentedControl::setCurrent(int index)
 {
-    if (index < 0 || index >= m_segments.size())
+    if (index < 0 || index >= m_segments.size() ||
+        (index == m_current && accessibleName() == m_segments[index].name))
         return;
     m_current = index;
     setAccessibleName(m_segments[index].name);

@@ -117,7 +117,19 @@ ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
     QPainter painter(&quick.image);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(QRectF(QPointF(-place.shown.topLeft()), QSizeF(place.whole.size())), m_photo);
+    painter.translate(-place.shown.topLeft());
+    QRegion missing = place.shown;
+    // A photo that only moves keeps the pixels it has, and what comes into view is added; rounding
+    // may make it a pixel larger or smaller on its way.
+    const QSize grown = place.whole.size() - m_exact.place.whole.size();
+    if (m_exact.source == m_photo.cacheKey() && !m_exact.image.isNull() &&
+        std::abs(grown.width()) <= 1 && std::abs(grown.height()) <= 1) {
+        painter.drawImage(m_exact.place.shown.topLeft(), m_exact.image);
+        missing -= m_exact.place.shown;
+    }
+    painter.setClipRegion(missing);
+    if (!missing.isEmpty())
+        painter.drawImage(QRectF(QPointF(), QSizeF(place.whole.size())), m_photo);
     return quick;
 }
 
