@@ -534,8 +534,9 @@ void MainWindow::showBatch()
     top->setUndo(m_session.canUndo());
     top->setRedo(m_session.canRedo());
     m_shell->composeBar()->setObjective(batch.objective);
-    m_shell->setStage(batch.items.isEmpty() ? StudioShell::Stage::empty
-                                            : StudioShell::Stage::picture);
+    // The invitation to import waits until it is known that there is nothing to go on with.
+    const bool isEmpty = batch.items.isEmpty() && m_session.didRestoreWorkspace();
+    m_shell->setStage(isEmpty ? StudioShell::Stage::empty : StudioShell::Stage::picture);
     m_shell->batchColumn()->setRatio(row(batch.format).aspectRatio);
     m_batch->show();
     m_stage->show();

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <cstdio>
 
@@ -48,9 +49,12 @@ const QStringList helpOptions{u"-h"_s, u"--help"_s}, versionOptions{u"-v"_s, u"-
 
 bool isCommandLine(const QStringList& arguments)
 {
-    // What is no file to open is a command, if only a misspelt one.
-    return !arguments.isEmpty() &&
-           (commandNamed(arguments.first()) || !QFileInfo::exists(arguments.first()));
+    if (arguments.isEmpty())
+        return false;
+    // What is no file and no address to open is a command, if only a misspelt one.
+    static const QRegularExpression address(u"^[A-Za-z][A-Za-z0-9+.-]+:"_s);
+    const QString& first = arguments.first();
+    return commandNamed(first) || (!QFileInfo::exists(first) && !address.match(first).hasMatch());
 }
 
 int runCommandLine(const QStringList& arguments)

@@ -123,6 +123,7 @@ TEST_F(ExportCommandTest, wrongUseIsSaidAndHasItsOwnStatus)
     EXPECT_EQ(run({u"--unknown"_s}).status, 2);
     EXPECT_TRUE(run({u"exprot"_s, one}).err.contains(u"exprot"_s));
     EXPECT_EQ(run({}).status, 2) << "no display for a window";
+    EXPECT_EQ(run({u"moltiva://pago"_s}).err, run({}).err) << "a link is for the window";
     EXPECT_TRUE(written().isEmpty());
 }
 
