@@ -52,6 +52,14 @@ void BatchBinding::showPicture(const TileRequest& request, const QImage& picture
         m_column->setPicture(request.item.id, picture);
 }
 
+void BatchBinding::photoFound(QUuid item)
+{
+    if (!m_missing.contains(item))
+        return;
+    setMissing(item, false);
+    m_column->pictureOutdated(item);
+}
+
 void BatchBinding::photoMissing(QUuid item)
 {
     setMissing(item, true);

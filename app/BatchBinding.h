@@ -17,6 +17,7 @@ public:
                  const std::shared_ptr<PhotoCache>& photos);
 
     void show();    // the batch or the import went on
+    void photoFound(QUuid item);
     void photoMissing(QUuid item);
     bool isIdle() const { return m_pictures->isIdle(); }
     // A batch that the column does not show is not changed from it.

@@ -16,6 +16,7 @@
 #include "app/Theme.h"
 #include "app/TopBar.h"
 #include "app/ViewBar.h"
+#include "app/controls/LineField.h"
 #include "app/controls/StatusLine.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "platform/PreferencesStore.h"
@@ -168,6 +169,7 @@ void MainWindow::connectPanels()
 
     connect(m_stage.get(), &StageBinding::layerChosen, m_panel.get(), &PanelBinding::follow);
     connect(m_stage.get(), &StageBinding::editRequested, m_panel.get(), &PanelBinding::edit);
+    connect(m_stage.get(), &StageBinding::photoFound, m_batch.get(), &BatchBinding::photoFound);
     connect(m_stage.get(), &StageBinding::photoMissing, this, [this](QUuid item) {
         m_batch->photoMissing(item);
         m_shell->statusLine()->setStatus(
@@ -192,6 +194,10 @@ void MainWindow::connectPanels()
 
 void MainWindow::connectSession()
 {
+    connect(&m_session, &StudioSession::aboutToMove, this, [this] {
+        if (qobject_cast<LineField*>(focusWidget()))
+            focusCanvas();    // which ends the edit
+    });
     connect(&m_session, &StudioSession::batchChanged, this, &MainWindow::showBatch);
     connect(&m_session, &StudioSession::statusChanged, this, &MainWindow::showStatus);
     connect(&m_session, &StudioSession::importChanged, this, [this] {
@@ -276,7 +282,9 @@ void MainWindow::load(const QList<QUrl>& filesAndFolders)
 
 void MainWindow::run(Command command)
 {
-    // An objective that is being typed is an edit like any other: undone it must be one first.
+    // A drag that a command comes upon is given up, and an objective that is being typed is an edit
+    // like any other: to be undone it must be one first.
+    m_stage->canvas()->interaction().cancel();
     m_shell->composeBar()->finishEdit();
     switch (command) {
     case Command::importImages:
@@ -388,7 +396,7 @@ void MainWindow::discardCurrent()
 
 void MainWindow::removeLayer()
 {
-    m_stage->canvas()->interaction().hideSelectedLayer();
+    m_stage->canvas()->hideSelectedLayer();
 }
 
 void MainWindow::addShape(ShapeKind kind)

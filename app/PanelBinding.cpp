@@ -60,7 +60,9 @@ void PanelBinding::connectTexts()
         return found == item->layers.end() ? nullptr : &*found;
     };
     connect(texts, &TextPanel::textEdited, this,
-            [this](CopySlot slot, const QString& text) { m_session.setText(slot, text); });
+            [this](CopySlot slot, const QString& text, Pace pace) {
+                m_session.setText(slot, text, pace);
+            });
     connect(texts, &TextPanel::visibilityToggled, this, [this, layerOf](CopySlot slot) {
         if (const TextLayer* layer = layerOf(slot)) {
             TextLayer changed = *layer;
@@ -132,8 +134,12 @@ void PanelBinding::follow(QUuid layer)
 
 void PanelBinding::edit(CopySlot slot)
 {
-    if (!m_session.batch().currentItem())
+    const PublicationItem* item = m_session.batch().currentItem();
+    if (!item)
         return;
+    const auto text = std::ranges::find(item->layers, slot, &TextLayer::slot);
+    if (text != item->layers.end())
+        m_session.selectLayer(text->id);
     m_panel->setTab(SideTab::text);
     m_panel->textPanel()->editSlot(slot);
 }

@@ -11,6 +11,9 @@
 #include <QThread>
 #include <QTimer>
 
+#include <cerrno>
+#include <csignal>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -29,14 +32,38 @@ QString socketPath(const QString& folder)
     return QDir(folder).filePath(u"moltiva.socket"_s);
 }
 
-enum class HandOver { done, unanswered, nobodyListens };
+bool isHeld(const QLockFile& lock)
+{
+#ifdef Q_OS_UNIX
+    qint64 process = 0;
+    QString host, program;
+    if (!lock.getLockInfo(&process, &host, &program))
+        return true;    // just being written
+    return kill(pid_t(process), 0) == 0 || errno != ESRCH;
+#else
+    Q_UNUSED(lock);
+    return true;
+#endif
+}
 
-HandOver handOver(const QString& folder, const QList<QUrl>& toOpen)
+// The machine may have got another name since, and then the lock itself does not tell that its
+// process is gone. Several starts may find that out at once: one at a time looks again and drops
+// it.
+void dropAbandoned(const QLockFile& lock)
+{
+    if (isHeld(lock))
+        return;
+    QLockFile turn(lock.fileName() + u".turn"_s);
+    if (turn.tryLock(0) && !isHeld(lock))
+        QFile::remove(lock.fileName());
+}
+
+bool handOver(const QString& folder, const QList<QUrl>& toOpen)
 {
     QLocalSocket socket;
     socket.connectToServer(socketPath(folder));
     if (!socket.waitForConnected(retryPause))
-        return HandOver::nobodyListens;
+        return false;
     QByteArray message;
     QDataStream writer(&message, QIODevice::WriteOnly);
     writer << toOpen;
@@ -44,33 +71,28 @@ HandOver handOver(const QString& folder, const QList<QUrl>& toOpen)
     stream << message;
     while (socket.bytesToWrite() > 0) {
         if (!socket.waitForBytesWritten(longestWait))
-            return HandOver::unanswered;
+            return false;
     }
-    const bool isAnswered = socket.waitForReadyRead(longestWait) && socket.readAll() == answer;
-    return isAnswered ? HandOver::done : HandOver::unanswered;
+    return socket.waitForReadyRead(longestWait) && socket.readAll() == answer;
 }
 
 }    // namespace
 
-InstanceClaim claimInstance(const QString& folder, const QList<QUrl>& toOpen)
+InstanceClaim claimInstance(const InstanceFolders& folders, const QList<QUrl>& toOpen)
 {
-    auto lock = std::make_unique<QLockFile>(lockPath(folder));
+    auto lock = std::make_unique<QLockFile>(lockPath(folders.data));
     lock->setStaleLockTime(0);    // held as long as its process lives
     QElapsedTimer watch;
-    HandOver last = HandOver::unanswered;
     for (watch.start(); watch.elapsed() < longestWait; QThread::msleep(retryPause)) {
         if (lock->tryLock(0))
             return {InstanceClaim::Outcome::first, std::move(lock)};
-        last = handOver(folder, toOpen);
-        if (last == HandOver::done)
+        if (handOver(folders.runtime, toOpen))
             return {InstanceClaim::Outcome::handedOver, nullptr};
-        // The folder cannot be written: better a second window than none.
-        if (lock->error() == QLockFile::PermissionError)
+        // No lock can be written, on a full disk for instance: better a second window than none.
+        if (lock->error() != QLockFile::LockFailedError)
             return {InstanceClaim::Outcome::first, nullptr};
+        dropAbandoned(*lock);
     }
-    // A lock that nobody stands behind, though it does not look so: the machine was renamed, say.
-    if (last == HandOver::nobodyListens && QFile::remove(lockPath(folder)) && lock->tryLock(0))
-        return {InstanceClaim::Outcome::first, std::move(lock)};
     return {};
 }
 
@@ -86,12 +108,13 @@ QList<QUrl> addressesOf(const QStringList& arguments)
     return addresses;
 }
 
-SingleInstance::SingleInstance(InstanceClaim claim, const QString& folder, QObject* parent)
+SingleInstance::SingleInstance(InstanceClaim claim, const InstanceFolders& folders, QObject* parent)
     : QObject(parent), m_claim(std::move(claim)), m_server(new QLocalServer(this))
 {
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    QLocalServer::removeServer(socketPath(folder));    // of one that was killed: we hold the lock
-    m_server->listen(socketPath(folder));
+    QLocalServer::removeServer(
+        socketPath(folders.runtime));    // of one that was killed: we hold the lock
+    m_server->listen(socketPath(folders.runtime));
     connect(m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* socket = m_server->nextPendingConnection())
             greet(socket);

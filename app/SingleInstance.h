@@ -10,8 +10,8 @@
 class QLocalServer;
 class QLocalSocket;
 
-// One window per user. The first start keeps a lock; a later one hands what it was to open to the
-// first over a socket beside the lock, and ends.
+// One window per user. The first start keeps a lock beside the data that it works on; a later one
+// hands what it was to open to the first over a socket, and ends.
 struct InstanceClaim {
     enum class Outcome { first, handedOver, unanswered };
     Outcome outcome = Outcome::unanswered;
@@ -19,8 +19,11 @@ struct InstanceClaim {
 };
 
 // Waits for an answer for some seconds at most; starts at the same moment settle it between them.
-// Needs a core application, but no display. The folder is the user's own.
-InstanceClaim claimInstance(const QString& folder, const QList<QUrl>& toOpen);
+// Needs a core application, but no display.
+struct InstanceFolders {
+    QString data, runtime;    // of the lock, of the socket; both the user's own
+};
+InstanceClaim claimInstance(const InstanceFolders& folders, const QList<QUrl>& toOpen);
 
 // What the arguments of a start name: files and folders by path, other addresses as they are.
 QList<QUrl> addressesOf(const QStringList& arguments);
@@ -29,7 +32,7 @@ QList<QUrl> addressesOf(const QStringList& arguments);
 class SingleInstance : public QObject {
     Q_OBJECT
 public:
-    SingleInstance(InstanceClaim claim, const QString& folder, QObject* parent = nullptr);
+    SingleInstance(InstanceClaim claim, const InstanceFolders& folders, QObject* parent = nullptr);
 
 Q_SIGNALS:
     // A later start handed these over; none when it was started without any.

@@ -1,6 +1,7 @@
 #pragma once
 #include "app/Icons.h"
 #include "model/CopySlot.h"
+#include "model/Pace.h"
 
 #include <QWidget>
 
@@ -22,7 +23,7 @@ public:
     IconButton* eye() const { return m_eye; }
 
 Q_SIGNALS:
-    void edited(const QString& text);
+    void edited(const QString& text, Pace pace);
     void visibilityToggled();
     void focused();
     void grown();

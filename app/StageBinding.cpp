@@ -28,7 +28,11 @@ StageBinding::StageBinding(StudioSession& session, StudioShell* shell,
     connect(bar, &ViewBar::centreRequested, this, &StageBinding::centrePhoto);
     connect(bar, &ViewBar::safeZoneToggled, this, &StageBinding::setSafeZoneShown);
     connect(shell->stage(), &StagePanel::pictureSizeChanged, this, &StageBinding::show);
-    connect(m_photo, &StagePhoto::ready, canvas(), &CanvasInteractionView::setPhoto);
+    connect(m_photo, &StagePhoto::ready, this, [this](const QImage& photo) {
+        canvas()->setPhoto(photo);
+        if (m_session.batch().currentItem())
+            Q_EMIT photoFound(m_session.batch().currentItem()->id);
+    });
     connect(m_photo, &StagePhoto::photoMissing, this, [this] {
         if (m_session.batch().currentItem())
             Q_EMIT photoMissing(m_session.batch().currentItem()->id);
@@ -64,6 +68,10 @@ void StageBinding::connectCanvas()
         m_session.selectLayer(layer);
         Q_EMIT layerChosen(layer);
     };
+    connect(canvas(), &CanvasInteractionView::hidingBegan, &m_session,
+            &StudioSession::beginOperation);
+    connect(canvas(), &CanvasInteractionView::hidingEnded, &m_session,
+            &StudioSession::endOperation);
     connect(canvas(), &CanvasInteractionView::editRequested, this, [this](QUuid id) {
         const PublicationItem* item = m_session.batch().currentItem();
         if (!item)
@@ -118,9 +126,11 @@ void StageBinding::setFitMode(ImageFitMode mode)
 
 void StageBinding::zoomBy(double step)
 {
-    place([step](ImagePlacement& placement) {
-        placement.zoom = std::clamp(placement.zoom + step, leastZoom, mostZoom);
-    });
+    place(
+        [step](ImagePlacement& placement) {
+            placement.zoom = std::clamp(placement.zoom + step, leastZoom, mostZoom);
+        },
+        Pace::held);    // by a key that may repeat
 }
 
 void StageBinding::setZoom(double zoom, Pace pace)

@@ -38,6 +38,7 @@ public:
 Q_SIGNALS:
     void layerChosen(QUuid layer);    // by the user, on the canvas; null for none
     void editRequested(CopySlot slot);
+    void photoFound(QUuid item);
     void photoMissing(QUuid item);
 
 private:

@@ -166,6 +166,11 @@ StudioMenu::StudioMenu(QWidget* window) : QObject(window), m_menu(new QMenu(wind
         m_actions.insert(entry.command, action);
     }
     connect(m_menu, &QMenu::aboutToShow, this, &StudioMenu::aboutToShow);
+    // What is disabled is so for who looks at the menu; a key always asks anew.
+    connect(m_menu, &QMenu::aboutToHide, this, [this] {
+        for (QAction* action : std::as_const(m_actions))
+            action->setEnabled(true);
+    });
 }
 
 void StudioMenu::setEnabled(std::initializer_list<Command> commands, bool enabled)

@@ -83,8 +83,9 @@ void TextPanel::buildCards()
         m_cards[std::size_t(slot)] = card;
         layout->addRow(card, gap);
         gap = 8;
-        connect(card, &SlotCard::edited, this,
-                [this, slot](const QString& text) { Q_EMIT textEdited(slot, text); });
+        connect(card, &SlotCard::edited, this, [this, slot](const QString& text, Pace pace) {
+            Q_EMIT textEdited(slot, text, pace);
+        });
         connect(card, &SlotCard::visibilityToggled, this,
                 [this, slot] { Q_EMIT visibilityToggled(slot); });
         connect(card, &SlotCard::focused, this, [this, slot] { Q_EMIT slotFocused(slot); });

@@ -37,7 +37,7 @@ public:
     QList<QWidget*> focusOrder() const;
 
 Q_SIGNALS:
-    void textEdited(CopySlot slot, const QString& text);
+    void textEdited(CopySlot slot, const QString& text, Pace pace);
     void visibilityToggled(CopySlot slot);
     void slotFocused(CopySlot slot);
     void layerEdited(const TextLayer& changed, Pace pace);

@@ -47,9 +47,14 @@ public:
     }
 };
 
+QString programName()
+{
+    return u"moltiva"_s;
+}
+
 void prepare(QCoreApplication& application)
 {
-    QCoreApplication::setApplicationName(u"moltiva"_s);
+    QCoreApplication::setApplicationName(programName());
     QCoreApplication::setApplicationVersion(QStringLiteral(MOLTIVA_VERSION));
     // The toolkit's own dialogs, menus and errors.
     auto* translator = new QTranslator(&application);
@@ -70,16 +75,24 @@ bool hasDisplay()
 #endif
 }
 
-QString runtimeFolder()
+QString dataFolder()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    QDir().mkpath(folder);
+    return folder;
+}
+
+InstanceFolders instanceFolders()
+{
+    return {dataFolder(), QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation)};
 }
 
 // Before anything of the window exists: a later start should end in no time.
 InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 {
     const QCoreApplication application(argc, argv);
-    return claimInstance(runtimeFolder(), toOpen);
+    QCoreApplication::setApplicationName(programName());
+    return claimInstance(instanceFolders(), toOpen);
 }
 
 // Opens the window, with the photos and folders named on the command line if there are any; of a
@@ -98,12 +111,10 @@ int runWindow(int& argc, char** argv, const QStringList& arguments)
     // Workers that still draw when the application is gone would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
-    SingleInstance instance(std::move(claimed), runtimeFolder());
+    SingleInstance instance(std::move(claimed), instanceFolders());
     dress(application, darkTheme());
-    const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
-    QDir().mkpath(data);
-    PreferencesStore preferences(data + u"/moltiva.sqlite"_s);
+    PreferencesStore preferences(dataFolder() + u"/moltiva.sqlite"_s);
     const auto photos = std::make_shared<PhotoCache>(cache + u"/thumbnails"_s);
     StudioSession session(photos, preferences);
     MainWindow window(session, photos, preferences);

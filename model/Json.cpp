@@ -109,6 +109,31 @@ struct JsonFields<PublicationItemSnapshot> {
                    optional("shapeLayers", &Item::shapeLayers),
                    required("placement", &Item::placement),
                    optional("paidRenderFingerprints", &Item::paidRenderFingerprints)};
+    static void settle(Item& item, const Value& object)
+    {
+        item.unreadableLayers =
+            unreadableIn<TextLayer>(object, "layers", item.layers.size()) +
+            unreadableIn<ShapeLayer>(object, "shapeLayers", item.shapeLayers.size());
+    }
+    // Entries of a list that are no such layer, where not all `known` were read.
+    template <typename Layer>
+    static qsizetype unreadableIn(const Value& object, const char* key, qsizetype known)
+    {
+        const auto list = object.find(key);
+        if (list == object.end() || qsizetype(list->size()) == known)
+            return 0;
+        return std::ranges::count_if(*list, [](const Value& entry) {
+            Layer layer;
+            return !read(entry, layer) && !isOfUnknownSlot(entry);
+        });
+    }
+    static bool isOfUnknownSlot(const Value& entry)
+    {
+        if (!entry.is_object() || !entry.contains("slot"))
+            return false;
+        CopySlot slot{};
+        return entry["slot"].is_string() && !read(entry["slot"], slot);
+    }
 };
 
 template <>
@@ -125,7 +150,9 @@ struct JsonFields<WorkspaceSnapshot> {
     static void settle(WorkspaceSnapshot& workspace, const Value& object)
     {
         if (const auto items = object.find("items"); items != object.end())
-            workspace.unreadableItems = qsizetype(items->size()) - workspace.items.size();
+            workspace.unreadableParts = qsizetype(items->size()) - workspace.items.size();
+        for (const PublicationItemSnapshot& item : std::as_const(workspace.items))
+            workspace.unreadableParts += item.unreadableLayers;
     }
 };
 

@@ -23,6 +23,7 @@ struct PublicationItemSnapshot {
     QList<ShapeLayer> shapeLayers;
     ImagePlacement placement;
     QSet<QString> paidRenderFingerprints;
+    qsizetype unreadableLayers = 0;    // but for those of a slot that is not known here
 
     bool operator==(const PublicationItemSnapshot&) const = default;
 };
@@ -35,7 +36,7 @@ struct WorkspaceSnapshot {
     QSet<QUuid> selectedItemIDs;
     std::optional<QUuid> selectedLayerID;
     QList<PublicationItemSnapshot> items;
-    qsizetype unreadableItems = 0;    // entries of the list that were no item
+    qsizetype unreadableParts = 0;    // items, and layers of them
 
     bool operator==(const WorkspaceSnapshot&) const = default;
 };

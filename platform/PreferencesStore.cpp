@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QUrl>
 #include <QUuid>
 
 #include <atomic>
@@ -23,6 +24,19 @@ QSqlDatabase opened(const QString& connection, const QString& file)
     database.setDatabaseName(file);
     database.open();
     return database;
+}
+
+// SQLite needs room for its side files even to read, unless it is told that nobody writes. What it
+// would have to bring in from a log would then be missing.
+bool openedReadOnly(const QString& connection, const QString& file)
+{
+    if (!QFile::exists(file) || QFileInfo(file + u"-wal"_qs).size() > 0)
+        return false;
+    QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_qs, connection);
+    database.setConnectOptions(u"QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"_qs);
+    database.setDatabaseName(QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded) +
+                             u"?immutable=1"_qs);
+    return database.open() && QSqlQuery(database).exec(u"SELECT key FROM preference LIMIT 1"_qs);
 }
 
 QString newConnectionName()
@@ -87,7 +101,20 @@ struct PreferencesStore::Checkpoint {
 PreferencesStore::PreferencesStore(const QString& file)
     : m_file(file), m_connection(newConnectionName()), m_checkpoint(std::make_shared<Checkpoint>())
 {
-    m_open = createPrivately(file) && prepare(opened(m_connection, file));
+    open();
+}
+
+bool PreferencesStore::open()
+{
+    if (m_open)
+        return true;
+    QSqlDatabase::removeDatabase(m_connection);
+    m_open = createPrivately(m_file) && prepare(opened(m_connection, m_file));
+    if (!m_open) {
+        QSqlDatabase::removeDatabase(m_connection);
+        m_readOnly = openedReadOnly(m_connection, m_file);
+    }
+    return m_open;
 }
 
 PreferencesStore::~PreferencesStore()
@@ -101,7 +128,7 @@ PreferencesStore::~PreferencesStore()
 
 std::optional<QByteArray> PreferencesStore::value(const QString& key) const
 {
-    if (!m_open)
+    if (!isReadable())
         return {};
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
     query.prepare(u"SELECT value FROM preference WHERE key = ?"_qs);
@@ -113,7 +140,7 @@ std::optional<QByteArray> PreferencesStore::value(const QString& key) const
 
 bool PreferencesStore::setValue(const QString& key, const QByteArray& value)
 {
-    if (!m_open)
+    if (!open())
         return false;
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
     query.prepare(u"INSERT INTO preference (key, value) VALUES (?, ?) "
@@ -129,7 +156,7 @@ bool PreferencesStore::setValue(const QString& key, const QByteArray& value)
 
 bool PreferencesStore::remove(const QString& key)
 {
-    if (!m_open)
+    if (!open())
         return false;
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
     query.prepare(u"DELETE FROM preference WHERE key = ?"_qs);

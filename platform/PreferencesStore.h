@@ -16,6 +16,11 @@ public:
     PreferencesStore& operator=(const PreferencesStore&) = delete;
 
     bool isOpen() const { return m_open; }
+    // Values can be read: also of a file that cannot be opened for writing, on a full disk, as long
+    // as all of it is in the file itself.
+    bool isReadable() const { return m_open || m_readOnly; }
+    // Tries again where it failed before; every setValue() does.
+    bool open();
     std::optional<QByteArray> value(const QString& key) const;
     bool setValue(const QString& key, const QByteArray& value);
     bool remove(const QString& key);
@@ -24,7 +29,7 @@ private:
     void written(qint64 bytes);
 
     QString m_file, m_connection;
-    bool m_open = false;
+    bool m_open = false, m_readOnly = false;
     qint64 m_sinceCheckpoint = 0, m_logBytes = 0;
     bool m_checkpointIsLatest = false;    // nothing was written since it was asked for
     struct Checkpoint;

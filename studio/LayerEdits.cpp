@@ -86,7 +86,10 @@ void LayerEdits::replaceCurrentItem(Batch& batch, const PublicationItem& item)
 {
     if (!batch.currentItem() || batch.currentItem()->id != item.id)
         return;
-    batch.items.edit(batch.selectedIndex) = item;
+    PublicationItem& current = batch.items.edit(batch.selectedIndex);
+    const QSet<QString> paid = current.paidRenderFingerprints;
+    current = item;
+    current.paidRenderFingerprints.unite(paid);    // one may be newer than the state given
     if (!batch.selectedLayerID.isNull())
         BatchSelection::settleSelectedLayer(batch);
 }

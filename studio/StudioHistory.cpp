@@ -1,5 +1,6 @@
 #include "studio/StudioHistory.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -80,6 +81,21 @@ std::optional<StudioHistorySnapshot> StudioHistory::endCanvasEdit()
     if (m_activeCanvasEditSnapshot)
         endContinuousChanges();
     return std::exchange(m_activeCanvasEditSnapshot, std::nullopt);
+}
+
+void StudioHistory::recordPayment(QUuid item, const QString& fingerprint)
+{
+    const auto record = [&](StudioHistorySnapshot& snapshot) {
+        const auto found = std::ranges::find(snapshot.items, item, &PublicationItem::id);
+        if (found != snapshot.items.end()) {
+            snapshot.items.edit(found - snapshot.items.begin())
+                .paidRenderFingerprints.insert(fingerprint);
+        }
+    };
+    std::ranges::for_each(m_undoStack, record);
+    std::ranges::for_each(m_redoStack, record);
+    if (m_activeCanvasEditSnapshot)
+        record(*m_activeCanvasEditSnapshot);
 }
 
 void StudioHistory::clear()

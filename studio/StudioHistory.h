@@ -37,6 +37,9 @@ public:
     // Ends the gesture; nothing when none was under way.
     std::optional<StudioHistorySnapshot> endCanvasEdit();
 
+    // A render of the item is paid for, in every state it may come back in.
+    void recordPayment(QUuid item, const QString& fingerprint);
+
     void clear();
 
 private:

@@ -14,6 +14,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
+QString startStatus()
+{
+    return u"Importa una imagen o una carpeta para empezar."_s;
+}
+
 QElapsedTimer started()
 {
     QElapsedTimer watch;
@@ -36,7 +41,7 @@ constexpr std::chrono::milliseconds restBeforeSaving = 50ms, pauseBeforeRetry = 
 StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
                              Clock clock, QObject* parent)
     : QObject(parent), m_photos(std::move(photos)), m_preferences(preferences),
-      m_clock(std::move(clock)), m_status(u"Importa una imagen o una carpeta para empezar."_s)
+      m_clock(std::move(clock)), m_status(startStatus())
 {
     m_saveLater.setSingleShot(true);
     connect(&m_saveLater, &QTimer::timeout, this, &StudioSession::saveWorkspace);
@@ -58,11 +63,16 @@ void StudioSession::change(Change apply, Pace pace)
     apply(m_batch);
     const bool isSetting = m_batch.format != before.format || m_batch.objective != before.objective;
     const bool isEdit = isSetting || !(m_batch.items == before.items);
-    if (!isEdit && m_batch == before)
+    if (!isEdit && m_batch == before) {
+        // A value that was held is released where it is.
+        if (pace == Pace::once && m_saveLater.isActive())
+            saveWorkspace();
         return;
+    }
     if (isEdit) {
-        registerUndo(before, isSetting ? StudioHistory::Changes::single
-                                       : StudioHistory::Changes::continuous);
+        registerUndo(m_operationBefore.value_or(before), isSetting
+                                                             ? StudioHistory::Changes::single
+                                                             : StudioHistory::Changes::continuous);
     }
     // Going through the images with a key held is no reason to store each step.
     saveAfter(isEdit ? pace : Pace::held);
@@ -77,32 +87,40 @@ void StudioSession::registerUndo(const Batch& before, StudioHistory::Changes cha
 
 void StudioSession::undo()
 {
+    Q_EMIT aboutToMove();
     if (auto snapshot = m_history.undo(m_batch))
         applyHistorySnapshot(*std::move(snapshot));
 }
 
 void StudioSession::redo()
 {
+    Q_EMIT aboutToMove();
     if (auto snapshot = m_history.redo(m_batch))
         applyHistorySnapshot(*std::move(snapshot));
 }
 
-void StudioSession::applyHistorySnapshot(StudioHistorySnapshot snapshot)
+// What has been paid stays paid.
+Batch StudioSession::withPaymentsOfNow(Batch batch) const
 {
-    m_isApplyingHistory = true;
-    // What has been paid stays paid.
     QHash<QUuid, QSet<QString>> paid;
     for (const PublicationItem& item : m_batch.items) {
         if (!item.paidRenderFingerprints.isEmpty())
             paid.insert(item.id, item.paidRenderFingerprints);
     }
-    QSet<QUuid> ids;
-    for (qsizetype i = 0; i < snapshot.items.size(); ++i) {
-        const QUuid id = snapshot.items[i].id;
-        ids.insert(id);
-        if (paid.contains(id))
-            snapshot.items.edit(i).paidRenderFingerprints.unite(paid.value(id));
+    for (qsizetype i = 0; i < batch.items.size() && !paid.isEmpty(); ++i) {
+        if (paid.contains(batch.items[i].id))
+            batch.items.edit(i).paidRenderFingerprints.unite(paid.value(batch.items[i].id));
     }
+    return batch;
+}
+
+void StudioSession::applyHistorySnapshot(StudioHistorySnapshot snapshot)
+{
+    m_isApplyingHistory = true;
+    snapshot = withPaymentsOfNow(std::move(snapshot));
+    QSet<QUuid> ids;
+    for (const PublicationItem& item : snapshot.items)
+        ids.insert(item.id);
     snapshot.selectedItemIDs.intersect(ids);
     const int last = std::max(0, int(snapshot.items.size()) - 1);
     snapshot.selectedIndex = std::clamp(snapshot.selectedIndex, 0, last);
@@ -130,6 +148,7 @@ void StudioSession::saveWorkspace()
     m_saveLater.stop();
     if (!didRestoreWorkspace())
         return;
+    keepWhatIsStored();
     const bool isAside = !m_notYetAside || WorkspaceStore::setAside(m_preferences, *m_notYetAside);
     if (isAside)
         m_notYetAside.reset();
@@ -145,11 +164,22 @@ void StudioSession::saveWorkspace()
     }
 }
 
+// A store that opens only now may hold a batch that nobody has seen yet.
+void StudioSession::keepWhatIsStored()
+{
+    if (!m_isStoredUnseen || !m_preferences.open())
+        return;
+    m_isStoredUnseen = false;
+    if (const auto document = WorkspaceStore::stored(m_preferences))
+        m_notYetAside = *document;
+}
+
 void StudioSession::restoreWorkspaceIfNeeded()
 {
     if (m_restore != Restore::notYet)
         return;
     m_restore = Restore::running;
+    m_isStoredUnseen = !m_preferences.isReadable();
     const auto document = WorkspaceStore::stored(m_preferences);
     if (document && m_batch.items.isEmpty())
         runRestore(this, *document, m_photos);
@@ -191,6 +221,8 @@ void StudioSession::finishRestore(const WorkspaceStore::Restored& restored,
     } else if (!restored.workspace && restored.isDecoded && !document.isEmpty() && !m_notYetAside) {
         WorkspaceStore::clear(m_preferences);
     }
+    if (m_batch.items.isEmpty())
+        setStatus(startStatus());    // and not how far the restoring came
     Q_EMIT batchChanged();
     if (!m_loadAfterRestore.isEmpty())
         load(std::exchange(m_loadAfterRestore, {}));
@@ -235,9 +267,10 @@ void StudioSession::finishRestoreAside(const WorkspaceStore::Restored& restored)
     }
     setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(restored.workspace->items.size()),
               StatusTone::done);
+    m_history.endCanvasEdit();
     m_history.endContinuousChanges();
-    change([&](Batch& batch) { batch = *restored.workspace; });
-    if (restored.isComplete)
+    change([&](Batch& batch) { batch = withPaymentsOfNow(*restored.workspace); });
+    if (restored.isComplete && !m_saveFailed)
         WorkspaceStore::clearAside(m_preferences);
 }
 
@@ -309,7 +342,7 @@ void StudioSession::finishImport(const std::optional<PublicationItems>& items)
         // Told first: should it not be stored, that is the last word.
         setStatus(u"%1 imagen(es) importada(s). Pulsa Generar con Gemma."_s.arg(items->size()),
                   StatusTone::done);
-        m_history.endContinuousChanges();    // an import is a step of its own
+        m_history.endContinuousChanges();    // an import joins no step from before
         change([&](Batch& batch) { BatchSelection::replaceItems(batch, *items); });
     } else if (items) {
         setStatus(u"No he encontrado imágenes compatibles."_s, StatusTone::problem);
@@ -348,11 +381,13 @@ void StudioSession::setGenerationMode(CopyGenerationMode mode)
 
 void StudioSession::selectItem(int index, Qt::KeyboardModifiers modifiers)
 {
+    Q_EMIT aboutToMove();
     change([&](Batch& batch) { BatchSelection::selectItem(batch, index, modifiers); });
 }
 
 void StudioSession::selectSingleIndex(int index)
 {
+    Q_EMIT aboutToMove();
     change([&](Batch& batch) { BatchSelection::selectSingleIndex(batch, index); });
 }
 
@@ -363,6 +398,7 @@ void StudioSession::selectAll()
 
 void StudioSession::selectLayer(QUuid layer)
 {
+    Q_EMIT aboutToMove();
     change([&](Batch& batch) {
         if (batch.currentItem() && (layer.isNull() || batch.currentItem()->hasLayer(layer)))
             batch.selectedLayerID = layer;
@@ -393,6 +429,7 @@ void StudioSession::removeCurrentItem()
 
 void StudioSession::removeItem(QUuid id)
 {
+    Q_EMIT aboutToMove();
     const auto item = std::ranges::find(m_batch.items, id, &PublicationItem::id);
     if (item == m_batch.items.end())
         return;
@@ -552,12 +589,14 @@ void StudioSession::pasteStyle()
 
 void StudioSession::markPaid(QUuid itemId, const QString& fingerprint)
 {
+    // Also of an item that was discarded since: undoing brings it back.
+    m_history.recordPayment(itemId, fingerprint);
+    // Else a later change could join a step from before the payment.
+    m_history.endContinuousChanges();
     const auto item = std::ranges::find(m_batch.items, itemId, &PublicationItem::id);
     if (item == m_batch.items.end())
         return;
     m_batch.items.edit(item - m_batch.items.begin()).paidRenderFingerprints.insert(fingerprint);
-    // Else a later change could join a step from before the payment.
-    m_history.endContinuousChanges();
-    saveAfter(Pace::once);
+    saveWorkspace();
     Q_EMIT batchChanged();
 }

@@ -58,6 +58,10 @@ public:
     // Stores what waits for a held value to rest.
     void saveWorkspace();
 
+    // Changes between the two make one operation: a step of it goes back to before the first.
+    void beginOperation() { m_operationBefore = m_batch; }
+    void endOperation() { m_operationBefore.reset(); }
+
     bool canUndo() const { return m_history.canUndo(); }
     bool canRedo() const { return m_history.canRedo(); }
     void undo();
@@ -112,6 +116,8 @@ public:
     void markPaid(QUuid item, const QString& fingerprint);
 
 Q_SIGNALS:
+    // Another image, layer or state comes next: what is still being typed belongs to this one.
+    void aboutToMove();
     void batchChanged();
     void statusChanged();
     void generationModeChanged();
@@ -125,6 +131,8 @@ private:
     void change(Change apply, Pace pace = Pace::once);
     void registerUndo(const Batch& before, StudioHistory::Changes changes);
     void applyHistorySnapshot(StudioHistorySnapshot snapshot);
+    Batch withPaymentsOfNow(Batch batch) const;
+    void keepWhatIsStored();
     void saveAfter(Pace pace);
     static QCoro::Task<> runRestore(QPointer<StudioSession> session, QByteArray document,
                                     std::shared_ptr<PhotoCache> photos);
@@ -146,10 +154,12 @@ private:
     Batch m_batch;
     StudioHistory m_history;
     bool m_isApplyingHistory = false;
+    std::optional<Batch> m_operationBefore;
     Restore m_restore = Restore::notYet;
     QList<QUrl> m_loadAfterRestore;
     WorkspaceEncoder m_encoder;
     QTimer m_saveLater;                         // runs while a change waits to be stored
+    bool m_isStoredUnseen = false;              // the store could not be read when it was asked
     std::optional<QByteArray> m_notYetAside;    // to be set aside before anything is stored
     bool m_saveFailed = false;                  // and the user was told
     std::variant<std::monostate, TextLayer, ShapeLayer> m_copiedStyle;

@@ -16,7 +16,22 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString workspaceKey = u"moltiva.workspaceSnapshot"_s;
-const QString asideKey = u"moltiva.workspaceSnapshot.setAside"_s;
+constexpr int mostAside = 9;
+
+// Counted from 1.
+QString asideKey(int number)
+{
+    const QString key = u"moltiva.workspaceSnapshot.setAside"_s;
+    return number == 1 ? key : u"%1.%2"_s.arg(key).arg(number);
+}
+
+int asideCount(const PreferencesStore& preferences)
+{
+    int count = 0;
+    while (count < mostAside && preferences.value(asideKey(count + 1)))
+        ++count;
+    return count;
+}
 
 // One layer a slot, in slot order; the default one of the item's copy where none is stored.
 QList<TextLayer> normalizedLayers(const QList<TextLayer>& stored, const GeneratedCopy& copy)
@@ -28,6 +43,17 @@ QList<TextLayer> normalizedLayers(const QList<TextLayer>& stored, const Generate
             layer = *known;
     }
     return layers;
+}
+
+// Two layers of one id would be one to every command.
+template <typename Layer>
+void giveOwnIds(QList<Layer>& layers, QSet<QUuid>& taken)
+{
+    for (Layer& layer : layers) {
+        if (taken.contains(layer.id))
+            layer.id = QUuid::createUuid();
+        taken.insert(layer.id);
+    }
 }
 
 std::optional<PublicationItem> reopenedItem(const PublicationItemSnapshot& stored,
@@ -44,6 +70,9 @@ std::optional<PublicationItem> reopenedItem(const PublicationItemSnapshot& store
     item.analysis = stored.analysis;
     item.layers = normalizedLayers(stored.layers, stored.analysis);
     item.shapeLayers = stored.shapeLayers;
+    QSet<QUuid> ids;
+    giveOwnIds(item.layers, ids);
+    giveOwnIds(item.shapeLayers, ids);
     item.placement = stored.placement;
     item.paidRenderFingerprints = stored.paidRenderFingerprints;
     return item;
@@ -121,17 +150,20 @@ std::optional<QByteArray> WorkspaceStore::stored(const PreferencesStore& prefere
 
 bool WorkspaceStore::setAside(PreferencesStore& preferences, const QByteArray& document)
 {
-    return preferences.setValue(asideKey, document);
+    const int count = asideCount(preferences);
+    if (count > 0 && preferences.value(asideKey(count)) == document)
+        return true;
+    return preferences.setValue(asideKey(std::min(count + 1, mostAside)), document);
 }
 
 std::optional<QByteArray> WorkspaceStore::storedAside(const PreferencesStore& preferences)
 {
-    return preferences.value(asideKey);
+    return preferences.value(asideKey(asideCount(preferences)));
 }
 
 bool WorkspaceStore::clearAside(PreferencesStore& preferences)
 {
-    return preferences.remove(asideKey);
+    return preferences.remove(asideKey(asideCount(preferences)));
 }
 
 QCoro::Task<WorkspaceStore::Restored>
@@ -167,7 +199,7 @@ WorkspaceStore::restore(QByteArray document, std::shared_ptr<PhotoCache> photos,
     }
     items = withoutRepeatedIds(items);
     Restored restored;
-    restored.isComplete = items.size() == snapshots.size() && stored->unreadableItems == 0;
+    restored.isComplete = items.size() == snapshots.size() && stored->unreadableParts == 0;
     if (!items.isEmpty())
         restored.workspace = workspaceOf(*stored, items);
     co_return restored;

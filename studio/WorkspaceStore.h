@@ -24,8 +24,9 @@ bool save(PreferencesStore& preferences, WorkspaceEncoder& encoder, const Batch&
 bool clear(PreferencesStore& preferences);
 std::optional<QByteArray> stored(const PreferencesStore& preferences);
 
-// A second place for a document that could not be read, or only in part, before another takes its
-// place: a drive may only be unplugged. Holds the last one.
+// Another place for a document that could not be read, or only in part, before another takes its
+// place: a drive may only be unplugged. What lies there already stays; the last one is asked for
+// first.
 bool setAside(PreferencesStore& preferences, const QByteArray& document);
 std::optional<QByteArray> storedAside(const PreferencesStore& preferences);
 bool clearAside(PreferencesStore& preferences);

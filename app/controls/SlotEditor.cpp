@@ -33,7 +33,7 @@ SlotEditor::SlotEditor(const QString& name, QWidget* parent) : QTextEdit(parent)
         if (m_showing)
             return;
         m_shown = text();
-        Q_EMIT edited(m_shown);
+        Q_EMIT edited(m_shown, m_pace);
     });
     fit();
 }
@@ -101,7 +101,13 @@ void SlotEditor::keyPressEvent(QKeyEvent* event)
         Q_EMIT leaveRequested();
         return;
     }
+    m_pace = event->isAutoRepeat() ? Pace::held : Pace::once;
     QTextEdit::keyPressEvent(event);
+    m_pace = Pace::once;
+    // What it has no use for, because it may not be written in, is not the window's either: there
+    // the same keys hide layers.
+    if (isReadOnly() && event->modifiers() == Qt::NoModifier)
+        event->accept();
 }
 
 void SlotEditor::insertFromMimeData(const QMimeData* source)

@@ -1,4 +1,6 @@
 #pragma once
+#include "model/Pace.h"
+
 #include <QTextEdit>
 
 // A plain text that grows from one line to five and scrolls beyond. Tab leaves it; what belongs to
@@ -17,8 +19,8 @@ public:
     QSize minimumSizeHint() const override { return {80, height()}; }
 
 Q_SIGNALS:
-    void edited(const QString& text);
-    void grown();    // or shrunk
+    void edited(const QString& text, Pace pace);    // held by a key that repeats
+    void grown();                                   // or shrunk
     void focused();
     void blurred();
     void leaveRequested();    // by Esc
@@ -37,5 +39,6 @@ private:
     void setLineHeights();
 
     QString m_shown;    // what the owner last set or was told
+    Pace m_pace = Pace::once;
     bool m_showing = false;
 };

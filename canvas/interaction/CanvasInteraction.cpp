@@ -28,6 +28,13 @@ void tell(const Callback& callback, const Values&... values)
 
 }    // namespace
 
+// A payment may be recorded at any time, and shows nowhere on the canvas.
+static bool isSameButForPayments(PublicationItem item, const PublicationItem& other)
+{
+    item.paidRenderFingerprints = other.paidRenderFingerprints;
+    return item == other;
+}
+
 double CanvasInteraction::minimumVisibleOrigin(double size)
 {
     return -std::max(size - minimumVisibleLayerFraction, 0.0);
@@ -51,7 +58,7 @@ std::optional<DragMode> CanvasInteraction::dragMode() const
 
 void CanvasInteraction::setItem(const std::optional<PublicationItem>& item)
 {
-    if (m_gesture && item == m_gesture->startItem)
+    if (m_gesture && item && isSameButForPayments(*item, m_gesture->startItem))
         return;
     m_item = item;
     if (m_gesture) {
@@ -241,6 +248,7 @@ void CanvasInteraction::cancel()
     m_gesture.reset();
     m_activeSnapGuides = {};
     m_pendingSelection.reset();
+    m_movedLayer = QUuid();
     if (!hasStartedEditing)
         return;
     commit();
@@ -252,6 +260,7 @@ void CanvasInteraction::endGesture()
     const bool hasStartedEditing = m_gesture && m_gesture->hasStartedEditing;
     m_gesture.reset();
     m_activeSnapGuides = {};
+    m_movedLayer = QUuid();
     if (hasStartedEditing)
         tell(onEditingEnded);
 }

@@ -62,8 +62,8 @@ public:
     std::optional<DragMode> dragMode() const;
     bool isDraggingLayer() const { return m_gesture && m_gesture->target; }
     SnapGuides activeSnapGuides() const { return m_activeSnapGuides; }
-    // The layer that the last gesture acted on; null for the photo. Of use while onEditingEnded
-    // runs.
+    // The layer that the last gesture moved; null for the photo, and where nothing was left moved.
+    // Of use while onEditingEnded runs.
     QUuid movedLayer() const { return m_movedLayer; }
 
     // False when there is no item.

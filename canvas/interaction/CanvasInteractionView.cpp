@@ -63,9 +63,24 @@ void CanvasInteractionView::setItem(const std::optional<PublicationItem>& item, 
 
 void CanvasInteractionView::setSelectedLayerID(QUuid id)
 {
+    const bool isOther = id != m_interaction.selectedLayerID() || id != m_toldSelection;
     m_interaction.setSelectedLayerID(id);
+    m_toldSelection = id;
     updateMarks();
     updateCursor();
+    if (const qsizetype child = layers().indexOf(id);
+        isOther && child >= 0 && QAccessible::isActive()) {
+        QAccessibleEvent event(this, QAccessible::Focus);
+        event.setChild(int(child));
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+void CanvasInteractionView::hideSelectedLayer()
+{
+    Q_EMIT hidingBegan();
+    m_interaction.hideSelectedLayer();
+    Q_EMIT hidingEnded();
 }
 
 void CanvasInteractionView::setPhoto(const QImage& photo)
@@ -375,7 +390,7 @@ void CanvasInteractionView::keyPressEvent(QKeyEvent* event)
         break;
     case Qt::Key_Backspace:
     case Qt::Key_Delete:
-        m_interaction.hideSelectedLayer();
+        hideSelectedLayer();
         break;
     case Qt::Key_Return:
     case Qt::Key_Enter:

@@ -45,11 +45,16 @@ public:
     QString accessibleText(QUuid layer) const;
     QRect screenRect(QUuid layer) const;    // empty when hidden
     void selectLayer(QUuid layer);
+    // As the key does.
+    void hideSelectedLayer();
 
     QSize sizeHint() const override { return {640, 640}; }
 
 Q_SIGNALS:
     void editRequested(QUuid text);
+    // Around the callbacks of hiding or removing a layer, which are one operation.
+    void hidingBegan();
+    void hidingEnded();
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -98,6 +103,7 @@ private:
     bool m_ring = false;                 // the keyboard gave the focus
     std::optional<QPointF> m_pointer;    // where it hovers or drags
     Marks m_marks;
+    QUuid m_toldSelection;    // to a screen reader
     std::optional<PhotoPlace> m_wanted;
     QTimer m_rest;    // until the photo is resampled
     bool m_resampling = false;

@@ -8,18 +8,21 @@
 #include "app/StudioShell.h"
 #include "app/TextPanel.h"
 #include "app/ViewBar.h"
+#include "app/controls/SliderField.h"
 #include "app/controls/SlotEditor.h"
 #include "app/controls/StatusLine.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
+#include "tests/app/Events.h"
 
 #include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QTemporaryDir>
 
@@ -204,14 +207,18 @@ TEST_F(MainWindowTest, anEditorKeepsItsKeysAndFollowsTheImage)
     EXPECT_TRUE(current().layers[0].isVisible);
     EXPECT_EQ(session.batch().selectedIndex, 0);
 
+    QTest::keyClick(editor, Qt::Key_Tab);
+    editor = qobject_cast<SlotEditor*>(QApplication::focusWidget());
+    ASSERT_TRUE(editor);
     QTest::keyClick(editor, Qt::Key_PageDown);
     EXPECT_EQ(session.batch().selectedIndex, 1);
+    EXPECT_EQ(session.batch().selectedLayerID, current().layers[1].id);
     EXPECT_EQ(QApplication::focusWidget(), editor);
-    EXPECT_EQ(editor->textCursor().selectedText(), current().layers[0].text);
+    EXPECT_EQ(editor->textCursor().selectedText(), current().layers[1].text);
     QTest::keyClick(editor, Qt::Key_Escape);
     EXPECT_EQ(QApplication::focusWidget(), canvas());
     QTest::keyClick(canvas(), Qt::Key_Delete);
-    EXPECT_FALSE(current().layers[0].isVisible);
+    EXPECT_FALSE(current().layers[1].isVisible);
 }
 
 TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
@@ -310,6 +317,41 @@ TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
         stage->child(int(names.indexOf(u"Subtítulo: "_s + current().layers[1].text)));
     subtitle->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_EQ(session.batch().selectedLayerID, current().layers[1].id);
+}
+
+// What a look into the menu disables is so for that look only.
+TEST_F(MainWindowTest, keysActAfterALookIntoTheMenu)
+{
+    window.menu()->menu()->popup({});
+    EXPECT_FALSE(window.menu()->action(Command::selectAll)->isEnabled());
+    window.menu()->menu()->close();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    session.load({photos(3)});
+    settle();
+    window.activateWindow();
+    QTest::keyClick(&window, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(session.batch().selectedItemIDs.size(), 3);
+    QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(session.batch().items.isEmpty());
+}
+
+TEST_F(MainWindowTest, aNumberBeingTypedBelongsToTheImageItWasBegunOn)
+{
+    session.load({photos(2)});
+    settle();
+    window.activateWindow();
+    SliderField* size = nullptr;
+    for (SliderField* field : panel()->textPanel()->findChildren<SliderField*>())
+        size = field->accessibleName() == u"Tamaño"_s ? field : size;
+    ASSERT_TRUE(size);
+    QTest::mouseClick(size, Qt::LeftButton);
+    QTest::keyClicks(QApplication::focusWidget(), u"2"_s);
+    press(*grid()->viewport(), grid()->tileRect(1).center());
+    EXPECT_EQ(session.batch().selectedIndex, 1);
+    EXPECT_EQ(session.batch().items[0].layers[0].fontScale, 2.0);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(session.batch().items[1].layers[0].fontScale, 1.0);
 }
 
 // No two commands share a key, and F6 reaches every region and comes back.

@@ -19,12 +19,13 @@ TEST(SingleInstance, startsAtOnceEndAsOneWithEverythingHandedOver)
     const QTemporaryDir folder;
     // What a killed run leaves: a socket nobody listens on, and the lock of a process that is gone.
     QFile(folder.filePath(u"moltiva.socket"_s)).open(QIODevice::WriteOnly);
+    const InstanceFolders folders{folder.path(), folder.path()};
     QFile lock(folder.filePath(u"moltiva.lock"_s));
     ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
-    lock.write("4194305\nmoltiva\n\n");
+    lock.write("4194305\nmoltiva\nanother-host\n");
     lock.close();
 
-    auto claim = claimInstance(folder.path(), {});
+    auto claim = claimInstance(folders, {});
     ASSERT_EQ(claim.outcome, Outcome::first);
     std::atomic<int> handed = 0;
     std::vector<std::thread> starts;
@@ -32,11 +33,11 @@ TEST(SingleInstance, startsAtOnceEndAsOneWithEverythingHandedOver)
         starts.emplace_back([&, i] {
             const QList<QUrl> own{QUrl::fromLocalFile(u"/fotos/%1.jpg"_s.arg(i)),
                                   QUrl(u"moltiva://pago?n=%1"_s.arg(i))};
-            handed += claimInstance(folder.path(), own).outcome == Outcome::handedOver;
+            handed += claimInstance(folders, own).outcome == Outcome::handedOver;
         });
     }
     QTest::qSleep(100);    // they wait for the first to listen
-    SingleInstance first(std::move(claim), folder.path());
+    SingleInstance first(std::move(claim), folders);
     QSet<QUrl> opened;
     QObject::connect(&first, &SingleInstance::handedOver,
                      [&](const QList<QUrl>& urls) { opened += QSet(urls.begin(), urls.end()); });
@@ -52,7 +53,8 @@ TEST(SingleInstance, startsAtOnceEndAsOneWithEverythingHandedOver)
 TEST(SingleInstance, nonsenseOnTheSocketOpensNothing)
 {
     const QTemporaryDir folder;
-    SingleInstance first(claimInstance(folder.path(), {}), folder.path());
+    const InstanceFolders folders{folder.path(), folder.path()};
+    SingleInstance first(claimInstance(folders, {}), folders);
     QSignalSpy opened(&first, &SingleInstance::handedOver);
     QLocalSocket socket;
     socket.connectToServer(folder.filePath(u"moltiva.socket"_s));

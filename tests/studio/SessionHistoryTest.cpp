@@ -152,6 +152,20 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     EXPECT_EQ(batch(), before);
 }
 
+// The canvas clears the selection before it hands the item back.
+TEST_F(SessionHistoryTest, anOperationGoesBackToBeforeItsFirstChange)
+{
+    const Batch before = batch();
+    PublicationItem hidden = *batch().currentItem();
+    hidden.layers[0].isVisible = false;
+    session->beginOperation();
+    session->selectLayer(QUuid());
+    session->commitCanvasItem(hidden);
+    session->endOperation();
+    undo();
+    EXPECT_EQ(batch(), before);
+}
+
 TEST_F(SessionHistoryTest, whatIsPaidStaysPaidWhateverIsUndone)
 {
     const QUuid id = batch().items[0].id;
@@ -168,6 +182,10 @@ TEST_F(SessionHistoryTest, whatIsPaidStaysPaidWhateverIsUndone)
     EXPECT_TRUE(isPaid());
     redo();
     EXPECT_TRUE(isPaid());
+    redo();    // discarded again, and paid a second time while it is
+    session->markPaid(id, u"otra"_s);
+    undo();
+    EXPECT_EQ(batch().items[0].paidRenderFingerprints.size(), 2);
     EXPECT_TRUE(stored().items[0].paidRenderFingerprints.contains(u"huella"_s));
 }
 
@@ -182,7 +200,7 @@ TEST_F(SessionHistoryTest, everyChangeIsStoredAtOnceAndAHeldValueWhenItRests)
     EXPECT_EQ(stored().items[0].layers[0].fontScale, 1.0);
     EXPECT_TRUE(waitFor([&] { return stored() == batch(); }));
     restyle(1.3, Pace::held);
-    restyle(1.4);
+    restyle(1.3);    // released where it is
     EXPECT_EQ(stored(), batch());
     session->selectAll();
     session.reset();    // ends before the selection has rested
@@ -207,10 +225,21 @@ TEST_F(SessionHistoryTest, whatCannotBeBroughtBackIsSetAsideUntilItCan)
     EXPECT_EQ(session->status(), u"Sesión restaurada con 2 imagen(es)."_s);
     session->setObjective(u"Invierno"_s);
     EXPECT_EQ(preferences.value(asideKey), document);
+    session.reset();
+    ASSERT_TRUE(QFile::rename(file(2), file(8)));
+    session = opened();
+    session->markPaid(batch().items[0].id, u"huella"_s);
     ASSERT_TRUE(QFile::rename(file(9), file(1)));
+    ASSERT_TRUE(QFile::rename(file(8), file(2)));
+    // Two losses, one after the other: the newer comes back first.
+    session->restoreWorkspaceAside();
+    EXPECT_TRUE(waitFor([&] { return batch().items.size() == 2; }));
+    now += 1s;
     session->restoreWorkspaceAside();
     EXPECT_TRUE(waitFor([&] { return batch().items.size() == 3; }));
-    EXPECT_EQ(batch(), whole);
+    EXPECT_EQ(batch().objective, whole.objective);
+    EXPECT_EQ(batch().items[1], whole.items[1]);
+    EXPECT_EQ(batch().items[0].paidRenderFingerprints.size(), 1);
     EXPECT_FALSE(session->hasWorkspaceAside());
     undo();
     EXPECT_EQ(batch().objective, u"Invierno"_s);
@@ -227,7 +256,7 @@ TEST_F(SessionHistoryTest, whatCannotBeBroughtBackIsSetAsideUntilItCan)
     preferences.setValue(workspaceKey, *document);
     session = opened();
     EXPECT_EQ(preferences.value(workspaceKey), std::nullopt);
-    EXPECT_EQ(preferences.value(asideKey), document);
+    EXPECT_EQ(preferences.value(asideKey + u".2"_s), document);
 }
 
 TEST_F(SessionHistoryTest, aFailedSaveIsToldOnceAndTriedAgain)

@@ -9,6 +9,7 @@
 
 #include <QFile>
 #include <QImage>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -150,6 +151,18 @@ TEST_F(WorkspaceStoreTest, hostileDocumentsGiveNothingOrWhatReads)
           QByteArray("{\"items\":" + QByteArray(100000, '[')),
           QByteArray(good).replace("items", "x")})
         EXPECT_FALSE(restored(bad).isDecoded) << bad.left(40).constData();
+
+    // A layer that does not read is a loss, unlike one of a slot from elsewhere.
+    EXPECT_FALSE(
+        restored(QByteArray(good).replace("\"hasBox\":true", "\"hasBox\":\"sí\"")).isComplete);
+    QByteArray sameIds = good;
+    const QRegularExpression layerId(
+        u"\"layers\":\\[\\{\"id\":\"([^\"]+)\".*?\\{\"id\":\"([^\"]+)\""_s);
+    const auto ids = layerId.match(QString::fromUtf8(good));
+    ASSERT_TRUE(ids.hasMatch());
+    sameIds.replace(ids.captured(2).toUtf8(), ids.captured(1).toUtf8());
+    const auto layers = restored(sameIds).workspace->items[0].layers;
+    EXPECT_NE(layers[0].id, layers[1].id);
 
     // The same item twice, and entries that are none.
     QByteArray twice = good;

@@ -163,7 +163,7 @@ TEST(CanvasInteraction, aCancelledOrInterruptedDragLeavesNoEdit)
     it.dragBy({60, 60}, {30, 30});
     it.cancel();
     EXPECT_EQ(it.item(), before);
-    EXPECT_EQ(it.log, (QStringList{u"began"_s, u"commit"_s, u"ended layer"_s}));
+    EXPECT_EQ(it.log, (QStringList{u"began"_s, u"commit"_s, u"ended"_s}));
     it.release();
     EXPECT_EQ(it.log.size(), 3);
 
@@ -178,14 +178,14 @@ TEST(CanvasInteraction, aCancelledOrInterruptedDragLeavesNoEdit)
     it.drag({100, 100});
     it.release();
     EXPECT_EQ(it.item(), other);
-    EXPECT_EQ(it.log, (QStringList{u"began"_s, u"ended layer"_s}));
+    EXPECT_EQ(it.log, (QStringList{u"began"_s, u"ended"_s}));
 
     it.log.clear();
     it.setItem(before);
     it.onEditingBegan = [&] { it.setItem(std::nullopt); };
     it.dragBy({60, 60}, {30, 30});
     it.release();
-    EXPECT_EQ(it.log, QStringList{u"ended layer"_s});
+    EXPECT_EQ(it.log, QStringList{u"ended"_s});
     EXPECT_FALSE(it.press({60, 60})) << "without an item";
 }
 
