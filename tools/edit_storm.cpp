@@ -136,12 +136,16 @@ int judge(const QDir& folder, int kills)
     for (int kill = 0; kill <= kills; ++kill) {
         QProcess child;
         child.start(QCoreApplication::applicationFilePath(), {folder.path()});
-        child.waitForReadyRead(20000);
         // The first run has its import to do.
-        QThread::msleep(kill == 0 ? 500 : QRandomGenerator::global()->bounded(1, 120));
+        const QByteArray begun = kill == 0 ? "done" : "\n";
+        QByteArray output;
+        while (!output.contains(begun) && child.waitForReadyRead(60000))
+            output += child.readAllStandardOutput();
+        QThread::msleep(QRandomGenerator::global()->bounded(1, 120));
         child.kill();
         child.waitForFinished();
-        QList<QByteArray> lines = child.readAllStandardOutput().split('\n');
+        output += child.readAllStandardOutput();
+        QList<QByteArray> lines = output.split('\n');
         lines.removeLast();    // cut short, or empty
         for (const QByteArray& line : std::as_const(lines)) {
             const QList<QByteArray> words = line.split(' ');

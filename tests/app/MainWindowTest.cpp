@@ -280,7 +280,6 @@ TEST_F(MainWindowTest, filesFromOneAfterTheOtherStartMakeOneBatch)
     photos(3);
     window.open({QUrl::fromLocalFile(m_folder.filePath(u"f2.png"_s))});
     window.open({QUrl::fromLocalFile(m_folder.filePath(u"f0.png"_s)), QUrl(u"moltiva://x"_s)});
-    settle();
     window.open({QUrl::fromLocalFile(m_folder.filePath(u"f1.png"_s))});
     settle();
     ASSERT_EQ(session.batch().items.size(), 3);
