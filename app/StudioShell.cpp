@@ -9,6 +9,7 @@
 #include "app/ViewBar.h"
 #include "app/controls/Painting.h"
 #include "app/controls/StatusLine.h"
+#include "canvas/interaction/CanvasInteractionView.h"
 
 #include <QSplitter>
 #include <QStackedWidget>
@@ -163,6 +164,7 @@ void StudioShell::orderFocus()
     order += m_batch->focusOrder();
     order.append(m_composeBar->objectiveEdit());
     order += m_empty->focusOrder();
+    order.append(m_stage->canvas());
     order += m_viewBar->focusOrder();
     order += m_panel->focusOrder();
     for (int i = 1; i < order.size(); ++i)

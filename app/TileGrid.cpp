@@ -38,9 +38,27 @@ QImage rounded(const QImage& picture, double radius)
     return image;
 }
 
+// Above the tiles: the viewport ends before the ring does, where the scroll bar begins.
+class GridRing : public QWidget {
+public:
+    explicit GridRing(QWidget* parent) : QWidget(parent)
+    {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        hide();
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        strokeRounded(painter, rect(), Radius::button, themeOf(this).accentLine, 2);
+    }
+};
+
 }    // namespace
 
-TileGrid::TileGrid(QWidget* parent) : QAbstractScrollArea(parent)
+TileGrid::TileGrid(QWidget* parent) : QAbstractScrollArea(parent), m_ring(new GridRing(this))
 {
     QAccessible::installFactory(tileGridAccessible);
     setAccessibleName(u"Lote"_qs);
@@ -323,6 +341,7 @@ bool TileGrid::viewportEvent(QEvent* event)
 
 void TileGrid::resizeEvent(QResizeEvent*)
 {
+    m_ring->setGeometry(6, 0, viewport()->width() - 3, height());
     fitScrollBar();
     showCurrent();
     wishLater();
@@ -396,15 +415,15 @@ void TileGrid::keyPressEvent(QKeyEvent* event)
 
 void TileGrid::focusInEvent(QFocusEvent* event)
 {
-    m_ring = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
-             event->reason() == Qt::ShortcutFocusReason;
-    viewport()->update();
+    m_ring->setVisible(event->reason() == Qt::TabFocusReason ||
+                       event->reason() == Qt::BacktabFocusReason ||
+                       event->reason() == Qt::ShortcutFocusReason);
+    m_ring->raise();
 }
 
 void TileGrid::focusOutEvent(QFocusEvent*)
 {
-    m_ring = false;
-    viewport()->update();
+    m_ring->hide();
 }
 
 QString TileGrid::accessibleText(int index) const
@@ -455,9 +474,6 @@ void TileGrid::paintEvent(QPaintEvent* event)
                 .intersects(event->rect()))
             paintTile(painter, i);
     }
-    if (m_ring)
-        strokeRounded(painter, QRectF(viewport()->rect()).adjusted(6, 0, 8, 0), Radius::button,
-                      theme.accentLine, 2);
 }
 
 void TileGrid::paintTile(QPainter& painter, int index) const

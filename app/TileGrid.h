@@ -90,5 +90,5 @@ private:
     double m_turn = 0;
     int m_hovered = -1;
     bool m_severalSelected = false;
-    bool m_ring = false;    // the keyboard brought the focus
+    QWidget* m_ring;    // shown when the keyboard brought the focus
 };

@@ -39,6 +39,7 @@ ViewBar::ViewBar(QWidget* parent)
       m_safeZone(new ToggleButton(Icon::safeZone, u"Zona segura"_qs, this))
 {
     setFixedHeight(barHeight);
+    m_modes->setSize(SegmentSize::field);
     m_zoom->setAccessibleName(u"Zoom de la foto"_qs);
     connect(m_previous, &IconButton::clicked, this, &ViewBar::previousRequested);
     connect(m_next, &IconButton::clicked, this, &ViewBar::nextRequested);
@@ -98,7 +99,7 @@ void ViewBar::setSafeZone(bool shown)
 
 void ViewBar::setLabels(Labels labels)
 {
-    m_safeZone->setLabels(labels);
+    m_labels = labels;
     place();
 }
 
@@ -145,19 +146,24 @@ void ViewBar::place()
                          digitsWidth(Type::body, int(QString::number(m_count).size()));
     m_next->move(side + buttonSide + 2 * numberGap + qCeil(label), top(buttonSide));
 
-    m_safeZone->resize(m_safeZone->sizeHint());
-    m_safeZone->move(width() - side - m_safeZone->width(), top(m_safeZone->height()));
-
-    // The middle stays in the middle while there is room; where there is none it loses its slider,
-    // then its number.
-    const int left = m_next->geometry().right() + 1 + groupGap;
-    const int room = m_safeZone->x() - groupGap - left;
-    const int percent =
-        digitsWidth(Type::bodyMedium, 3) + qCeil(textWidth(Type::bodyMedium, u" %"_qs));
+    const int percent = digitsWidth(Type::body, 3) + qCeil(textWidth(Type::body, u" %"_qs));
     const QSize slider = m_zoom->sizeHint(), modes = m_modes->sizeHint();
     const int plain = modes.width() + modesGap + 3 * buttonSide;
     const int withNumber = plain + percent + 2 * percentGap;
     const int whole = withNumber + slider.width() + 2 * sliderGap;
+    const int left = m_next->geometry().right() + 1 + groupGap;
+    const auto roomBeside = [&](Labels labels) {
+        m_safeZone->setLabels(labels);
+        return width() - side - m_safeZone->sizeHint().width() - groupGap - left;
+    };
+    int room = roomBeside(m_labels);
+    if (whole > room)
+        room = roomBeside(Labels::hidden);
+    m_safeZone->resize(m_safeZone->sizeHint());
+    m_safeZone->move(width() - side - m_safeZone->width(), top(m_safeZone->height()));
+
+    // The middle stays in the middle while there is room; where there is none even without the
+    // words at its right it loses its slider, then its number.
     const bool showsSlider = whole <= room, showsNumber = withNumber <= room;
     const int needed = showsSlider ? whole : showsNumber ? withNumber : plain;
 
@@ -195,6 +201,6 @@ void ViewBar::paintEvent(QPaintEvent*)
     paintText(painter, QRectF(number.right(), 1, 200, height() - 1), Qt::AlignLeft, Type::body,
               theme.text2, u" de %1"_qs.arg(m_count), Qt::ElideNone);
     if (!m_percentBox.isEmpty())
-        paintText(painter, m_percentBox, Qt::AlignRight, Type::bodyMedium, theme.text,
+        paintText(painter, m_percentBox, Qt::AlignRight, Type::body, theme.text,
                   u"%1 %"_qs.arg(m_percent), Qt::ElideNone);
 }

@@ -54,6 +54,7 @@ private:
     IconButton* m_centre;
     ToggleButton* m_safeZone;
     QRect m_percentBox;    // empty when there is no room
+    Labels m_labels = Labels::shown;
     bool m_isPlaced = false;
     int m_current = 0;
     int m_count = 0;

@@ -5,6 +5,8 @@
 #include "app/controls/LineField.h"
 #include "model/CodableColor.h"
 
+#include <QKeyEvent>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -88,6 +90,21 @@ void ColorPopover::open(Qt::FocusReason reason)
         QRect(origin + QPoint(hexHeight + 8, hexTop), QSize(contentWidth - hexHeight - 8, 32)));
     if (reason != Qt::MouseFocusReason)
         takeFocus(m_shade, reason);
+}
+
+// Enter ends the edit, but what was reached in here is not left by it.
+bool ColorPopover::eventFilter(QObject* object, QEvent* event)
+{
+    if (object == m_hex && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            m_hex->clearFocus();
+            m_hex->setFocus(Qt::OtherFocusReason);
+            m_hex->selectAll();
+            return true;
+        }
+    }
+    return Popover::eventFilter(object, event);
 }
 
 void ColorPopover::addOffers(const QString& title, const QList<QColor>& colors)

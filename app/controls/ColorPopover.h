@@ -27,6 +27,7 @@ Q_SIGNALS:
     void colorUsed(const QColor& color);    // the popover closes, and this one was chosen in it
 
 protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

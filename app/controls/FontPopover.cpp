@@ -100,6 +100,7 @@ FontPopover::FontPopover(QWidget* owner, const QString& current)
     connect(m_search, &QLineEdit::textChanged, this, [this](const QString& text) {
         m_fonts->setFilter(text);
         m_view->setCurrentIndex(m_fonts->index(0));
+        update();
     });
     connect(m_view, &QListView::clicked, this, [this](const QModelIndex& index) {
         const FontRow& row = m_fonts->rowAt(index.row());
@@ -143,26 +144,28 @@ void FontPopover::choose(int index)
         Q_EMIT chosen(storedName);
 }
 
-void FontPopover::setUnfolded(int index, bool unfolded)
+bool FontPopover::setUnfolded(int index, bool unfolded)
 {
     if (index < 0 || index >= m_fonts->rowCount())
-        return;
+        return false;
     FontRow row = m_fonts->rowAt(index);
     if (row.kind == FontRowKind::face) {    // its family is the nearest above
         while (index > 0 && m_fonts->rowAt(index).kind == FontRowKind::face)
             --index;
         row = m_fonts->rowAt(index);
     }
-    if (row.kind != FontRowKind::family)
-        return;
+    if (row.kind != FontRowKind::family || !m_fonts->hasFaces(row.name) ||
+        m_fonts->isUnfolded(row.name) == unfolded)
+        return false;
     m_fonts->setUnfolded(row.name, unfolded);
     m_view->setCurrentIndex(m_fonts->index(m_fonts->indexOf(row.storedName)));
+    return true;
 }
 
 bool FontPopover::pressKey(int key)
 {
     const int page = std::max(1, m_view->height() / rowHeight - 1);
-    const bool searching = !m_search->text().isEmpty();
+    const bool atEnd = m_search->cursorPosition() == m_search->text().size();
     switch (key) {
     case Qt::Key_Up:
         moveCurrent(-1);
@@ -178,10 +181,8 @@ bool FontPopover::pressKey(int key)
         return true;
     case Qt::Key_Left:
     case Qt::Key_Right:
-        if (searching)
-            return false;    // they move the cursor in what is typed
-        setUnfolded(m_view->currentIndex().row(), key == Qt::Key_Right);
-        return true;
+        // Where there is nothing to fold they move the cursor in what is typed.
+        return atEnd && setUnfolded(m_view->currentIndex().row(), key == Qt::Key_Right);
     case Qt::Key_Return:
     case Qt::Key_Enter:
         choose(m_view->currentIndex().row());
@@ -189,6 +190,17 @@ bool FontPopover::pressKey(int key)
     default:
         return false;
     }
+}
+
+void FontPopover::paintEvent(QPaintEvent* event)
+{
+    Popover::paintEvent(event);
+    if (m_fonts->rowCount() > 0)
+        return;
+    QPainter painter(this);
+    paintText(painter, QRectF(m_view->x() + rowPadding, m_view->y(), contentWidth, rowHeight),
+              Qt::AlignLeft, Type::body, themeOf(this).text3, u"Ninguna fuente se llama así."_s,
+              Qt::ElideNone);
 }
 
 bool FontPopover::eventFilter(QObject* object, QEvent* event)

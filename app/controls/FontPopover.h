@@ -18,11 +18,12 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void moveCurrent(int rows);
     void choose(int index);
-    void setUnfolded(int index, bool unfolded);
+    bool setUnfolded(int index, bool unfolded);    // whether anything changed
     bool pressKey(int key);
 
     FontList* m_fonts;

@@ -23,6 +23,7 @@ Popover::Popover(QWidget* owner) : QWidget(owner->window()), m_owner(owner)
 void Popover::open(QSize content)
 {
     const int room = 2 * (shadowRoom + padding);
+    m_before = window()->focusWidget();
     resize(content + QSize(room, room));
     place();
     show();
@@ -32,7 +33,6 @@ void Popover::open(QSize content)
 
 void Popover::takeFocus(QWidget* target, Qt::FocusReason reason)
 {
-    m_before = window()->focusWidget();
     m_reason = reason;
     target->setFocus(reason);
 }

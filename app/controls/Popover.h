@@ -9,9 +9,10 @@ class Popover : public QWidget {
     Q_OBJECT
 public:
     explicit Popover(QWidget* owner);
-    // `content` is the size inside the paddings.
+    // `content` is the size inside the paddings. Closed, it gives the focus back to what has it
+    // now.
     void open(QSize content);
-    // The focus goes there now, and back when the popover closes.
+    // The focus goes there now, and back with the same reason.
     void takeFocus(QWidget* target, Qt::FocusReason reason);
 
 Q_SIGNALS:

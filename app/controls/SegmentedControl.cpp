@@ -8,7 +8,7 @@
 #include <QToolTip>
 
 namespace {
-constexpr int trackMargin = 2, segmentPadding = 12, iconGap = 8, iconSide = 20, iconAir = 2;
+constexpr int trackMargin = 2, iconAir = 2, aloneIconSide = 20;
 }
 
 SegmentedControl::SegmentedControl(const QList<Segment>& segments, QWidget* parent)
@@ -21,9 +21,17 @@ SegmentedControl::SegmentedControl(const QList<Segment>& segments, QWidget* pare
     setCurrent(0);
 }
 
+void SegmentedControl::setSize(SegmentSize size)
+{
+    m_size = size;
+    updateGeometry();
+    update();
+}
+
 void SegmentedControl::setStretched()
 {
     m_stretched = true;
+    setSize(SegmentSize::field);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     updateGeometry();
 }
@@ -42,8 +50,8 @@ int SegmentedControl::widthOf(const Segment& segment) const
 {
     const int text = segment.text.isEmpty() ? 0 : qCeil(textWidth(Type::bodyMedium, segment.text));
     if (segment.icon == Icon::none)
-        return 2 * segmentPadding + text;
-    return 2 * segmentPadding + iconSide + (text ? text + iconGap - iconAir : 0);
+        return 2 * segmentPadding() + text;
+    return 2 * segmentPadding() + iconSide() + (text ? text + iconGap() - iconAir : 0);
 }
 
 QRect SegmentedControl::segmentRect(int index) const
@@ -143,16 +151,16 @@ void SegmentedControl::paintEvent(QPaintEvent*)
         QColor ink = chosen || i == m_hovered ? theme.text : theme.text2;
         if (!isEnabled())
             ink = theme.dis;
-        double left = box.left() + segmentPadding;
+        double left = box.left() + segmentPadding();
         if (segment.text.isEmpty()) {
-            paintIcon(painter, segment.icon, box, iconSide, ink);
+            paintIcon(painter, segment.icon, box, aloneIconSide, ink);
             continue;
         }
         if (segment.icon != Icon::none) {
             left -= iconAir;    // the drawing keeps clear of its own edge
-            paintIcon(painter, segment.icon, QRectF(left, box.top(), iconSide, box.height()),
-                      iconSide, ink);
-            left += iconSide + iconGap;
+            paintIcon(painter, segment.icon, QRectF(left, box.top(), iconSide(), box.height()),
+                      iconSide(), ink);
+            left += iconSide() + iconGap();
         }
         paintText(painter, QRectF(left, box.top(), box.right() - left, box.height()), Qt::AlignLeft,
                   Type::bodyMedium, ink, segment.text, Qt::ElideNone);

@@ -12,12 +12,15 @@ struct Segment {
     QString name = {};    // for screen readers
 };
 
+enum class SegmentSize { bar, field };    // 36 high; 32 and tighter
+
 // One of several. A single stop for Tab, inside which the arrows choose.
 class SegmentedControl : public QWidget {
     Q_OBJECT
 public:
     explicit SegmentedControl(const QList<Segment>& segments, QWidget* parent = nullptr);
 
+    void setSize(SegmentSize size);
     // As wide as its room and as high as a field, the segments alike.
     void setStretched();
     void setCurrent(int index);    // shows; emits nothing
@@ -38,7 +41,11 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
-    int trackHeight() const { return m_stretched ? 32 : 36; }
+    bool isField() const { return m_size == SegmentSize::field; }
+    int trackHeight() const { return isField() ? 32 : 36; }
+    int segmentPadding() const { return isField() ? 10 : 12; }
+    int iconSide() const { return isField() ? 18 : 20; }
+    int iconGap() const { return isField() ? 6 : 8; }
     int widthOf(const Segment& segment) const;
     int segmentAt(QPoint position) const;
     void choose(int index);
@@ -47,5 +54,6 @@ private:
     QList<Segment> m_segments;
     int m_current = 0;
     int m_hovered = -1;
+    SegmentSize m_size = SegmentSize::bar;
     bool m_stretched = false;
 };

@@ -15,7 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int padding = 10, barHeight = 3, dragStart = 3;
+constexpr int barHeight = 3, dragStart = 3;
+constexpr double padding = 10, leastPadding = 6, labelGap = 3;
 constexpr double fineSpeed = 0.1;
 
 struct UnitRow {
@@ -264,10 +265,13 @@ void SliderField::paintEvent(QPaintEvent*)
 
     const QString value = valueText();
     const double valueWidth = textWidth(Type::bodyMedium, value);
-    const QRectF line(padding, 0, width() - 2 * padding, height() - 1);
+    // "Opacidad 100 %" in the narrowest panel: a closer edge is better than half a word.
+    const double spare = width() - textWidth(Type::body, m_label) - labelGap - valueWidth;
+    const double side = std::clamp(spare / 2, leastPadding, padding);
+    const QRectF line(side, 0, width() - 2 * side, height() - 1);
     paintText(painter, line, Qt::AlignRight, Type::bodyMedium, isEnabled() ? theme.text : theme.dis,
               value, Qt::ElideNone);
-    paintText(painter, line.adjusted(0, 0, -valueWidth - 3, 0), Qt::AlignLeft, Type::body,
+    paintText(painter, line.adjusted(0, 0, -valueWidth - labelGap, 0), Qt::AlignLeft, Type::body,
               isEnabled() ? theme.text2 : theme.dis, m_label);
 }
 

@@ -101,6 +101,11 @@ void SlotEditor::keyPressEvent(QKeyEvent* event)
         Q_EMIT leaveRequested();
         return;
     }
+    // One letter too many, and the text could not be edited when it is shown again.
+    const QString typed = event->text();
+    const bool adds = !typed.isEmpty() && (typed[0].isPrint() || typed[0] == u'\r');
+    if (adds && !textCursor().hasSelection() && text().size() >= longestText)
+        return;
     m_pace = event->isAutoRepeat() ? Pace::held : Pace::once;
     QTextEdit::keyPressEvent(event);
     m_pace = Pace::once;
@@ -121,6 +126,8 @@ void SlotEditor::insertFromMimeData(const QMimeData* source)
 void SlotEditor::focusInEvent(QFocusEvent* event)
 {
     QTextEdit::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        selectAll();
     Q_EMIT focused();
 }
 
@@ -128,8 +135,12 @@ void SlotEditor::focusOutEvent(QFocusEvent* event)
 {
     QTextEdit::focusOutEvent(event);
     // A menu or another window takes it for a while only.
-    if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
-        Q_EMIT blurred();
+    if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason)
+        return;
+    QTextCursor cursor = textCursor();
+    cursor.clearSelection();    // else it looks as if typing still went here
+    setTextCursor(cursor);
+    Q_EMIT blurred();
 }
 
 void SlotEditor::resizeEvent(QResizeEvent* event)

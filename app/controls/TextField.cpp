@@ -20,7 +20,6 @@ TextField::TextField(const QString& label, const QString& placeholder, QWidget* 
     m_edit->setAccessibleName(label);
     m_edit->setFixedHeight(row(Type::body).lineHeight);
     m_edit->installEventFilter(this);
-    setFocusProxy(m_edit);
     setFixedHeight(44);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(sidePadding, labelTop + row(Type::caption).lineHeight, sidePadding,

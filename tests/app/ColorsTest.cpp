@@ -89,13 +89,14 @@ TEST_F(SwatchTest, changesLiveAndTellsOnceWhatWasUsed)
     hex->setText(u"10221a"_s);
     type(*hex, Qt::Key_Return);
     EXPECT_EQ(changes.last(), std::pair(u"#10221a"_s, Pace::once));
+    EXPECT_TRUE(hex->hasFocus());
     hex->setText(u"#12"_s);
-    hex->setFocus();
     type(*hex, Qt::Key_Return);
     EXPECT_EQ(hex->text(), u"#10221A"_s) << "what is no colour is taken back";
     EXPECT_TRUE(used.isEmpty());
     type(other, Qt::Key_Escape);
     EXPECT_EQ(popover(), nullptr);
+    EXPECT_TRUE(other.hasFocus());
     EXPECT_EQ(used, QStringList{u"#10221a"_s});
 }
 

@@ -198,6 +198,9 @@ TEST(SlotEditor, leavesToTheWindowWhatIsTheWindows)
     EXPECT_TRUE(subtitle.hasFocus());
     QTest::keyClick(&subtitle, Qt::Key_Backtab);
     EXPECT_TRUE(title.hasFocus());
+    EXPECT_EQ(title.textCursor().selectedText().size(), 5);
+    QTest::keyClick(&title, Qt::Key_Tab);
+    EXPECT_FALSE(title.textCursor().hasSelection()) << "it looks as if it were being edited";
 }
 
 TEST(SlotEditor, takesPlainTextOfABoundedLengthAndGrowsToFiveLines)
@@ -219,6 +222,7 @@ TEST(SlotEditor, takesPlainTextOfABoundedLengthAndGrowsToFiveLines)
     QApplication::clipboard()->setMimeData(rich);
     editor.selectAll();
     editor.paste();
+    QTest::keyClicks(&editor, u"y"_s);
     EXPECT_EQ(editor.text(), QString(10000, u'x'));
     EXPECT_EQ(editor.height(), 5 * 18);
     editor.setText(u"a\nb"_s);

@@ -4,6 +4,9 @@
 #include "app/controls/LineField.h"
 #include "tests/app/Events.h"
 
+#include <QListView>
+
+#include <QtTest/QTest>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -78,6 +81,15 @@ TEST(FontField, typingAndEnterChooseAndTheFocusComesBack)
     field.click();
     auto* search = window.findChild<FontPopover*>()->findChild<LineField*>();
     ASSERT_TRUE(search->hasFocus());
+    QTest::keyClicks(search, u"inter display"_s);
+    auto* list = window.findChild<QListView*>();
+    const int folded = list->model()->rowCount();
+    type(*search, Qt::Key_Right);
+    EXPECT_GT(list->model()->rowCount(), folded) << "the faces of what was searched";
+    type(*search, Qt::Key_Left);
+    EXPECT_EQ(list->model()->rowCount(), folded);
+    type(*search, Qt::Key_Left);
+    EXPECT_EQ(search->cursorPosition(), search->text().size() - 1);
     search->setText(u"inter display semi"_s);
     type(*search, Qt::Key_Down);
     type(*search, Qt::Key_Return);

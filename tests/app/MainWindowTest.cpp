@@ -245,6 +245,26 @@ TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
     EXPECT_EQ(editor->text(), before);
 }
 
+TEST_F(MainWindowTest, tabGoesFromTheBarThroughTheColumnAndTheCanvasToThePanel)
+{
+    session.load({photos(2)});
+    settle();
+    window.activateWindow();
+    canvas()->setFocus();
+    QStringList stops;
+    do {
+        QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+        stops.append(window.focusWidget()->accessibleName());
+    } while (window.focusWidget() != canvas() && stops.size() < 100);
+    const auto first = [&stops](const QString& name) { return stops.indexOf(name); };
+    EXPECT_EQ(first(u"Imagen siguiente"_s), 0);
+    EXPECT_LT(first(u"CTA"_s), first(u"Ángulo"_s));
+    EXPECT_EQ(first(u"Menú"_s), first(u"Ángulo"_s) + 1);
+    EXPECT_LT(first(u"Menú"_s), first(u"Lote"_s));
+    EXPECT_LT(first(u"Lote"_s), first(u"Objetivo de la campaña"_s));
+    EXPECT_EQ(first(u"Objetivo de la campaña"_s), stops.size() - 2);
+}
+
 TEST_F(MainWindowTest, theTabFollowsWhatIsPressedButNotAChangeOfImage)
 {
     session.load({photos(2)});

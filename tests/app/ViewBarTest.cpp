@@ -22,6 +22,23 @@ TEST(ViewBar, endsAreDisabledWithoutAWrap)
     EXPECT_EQ(buttons[1]->x(), next) << "numbers of another width moved the button";
 }
 
+TEST(ViewBar, nothingCoversAnythingOnTheNarrowestStage)
+{
+    ViewBar bar;
+    bar.setPosition(0, 500);
+    bar.show();
+    for (const int width : {1600, 700, 600, 520}) {
+        bar.resize(width, 52);
+        const auto parts = bar.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+        for (const QWidget* one : parts) {
+            for (const QWidget* other : parts)
+                EXPECT_TRUE(one == other || !one->isVisible() || !other->isVisible() ||
+                            !one->geometry().intersects(other->geometry()))
+                    << width;
+        }
+    }
+}
+
 TEST(ViewBar, aZoomBeyondTheBarIsShownAsItsNearest)
 {
     ViewBar bar;
@@ -89,6 +106,7 @@ TEST(ViewBar, aDragOfTheSliderEndsWithOneThatRests)
 TEST(ViewBar, theSafeZoneIsForStories)
 {
     ViewBar bar;
+    bar.resize(888, 52);
     bar.setPosition(0, 1);
     auto* button = bar.findChild<ToggleButton*>();
     EXPECT_FALSE(button->isEnabled());
