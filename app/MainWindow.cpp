@@ -470,18 +470,23 @@ void MainWindow::showTileMenu(int index, QPoint globalPosition)
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const QUuid id = m_session.batch().items[index].id;
-    const auto add = [&](Icon icon, const QString& text, auto command) {
-        QAction* action = menu->addAction(menuIcon(icon), text);
-        connect(action, &QAction::triggered, this, command);
+    // With the key of the same command; the one in the program's menu is what reacts to it.
+    const auto add = [&](Icon icon, const QString& text, Command command, auto act) {
+        const QString key = m_menu->action(command)->shortcut().toString(QKeySequence::NativeText);
+        QAction* action = menu->addAction(menuIcon(icon), text + u'\t' + key);
+        connect(action, &QAction::triggered, this, act);
         return action;
     };
-    add(Icon::copyStyle, u"Copiar estilo"_s, [this, id] { m_session.copyStyleOf(id); });
-    add(Icon::pasteStyle, u"Pegar estilo"_s, [this] {
-        m_session.pasteStyle();
-    })->setEnabled(m_session.canPasteStyle());
+    add(Icon::copyStyle, u"Copiar estilo"_s, Command::copyStyle,
+        [this, id] { m_session.copyStyleOf(id); });
+    QAction* paste = add(Icon::pasteStyle, u"Pegar estilo"_s, Command::pasteStyle,
+                         [this] { m_session.pasteStyle(); });
+    paste->setEnabled(m_session.canPasteStyle());
     menu->addSeparator();
-    add(Icon::selectAll, u"Seleccionar todas las imágenes"_s, [this] { selectAll(); });
-    add(Icon::discard, u"Descartar imagen"_s, [this, id] { m_session.removeItem(id); });
+    add(Icon::selectAll, u"Seleccionar todas las imágenes"_s, Command::selectAll,
+        [this] { selectAll(); });
+    add(Icon::discard, u"Descartar imagen"_s, Command::discard,
+        [this, id] { m_session.removeItem(id); });
     menu->popup(globalPosition);
 }
 

@@ -3,6 +3,7 @@
 #include <mutex>
 
 #ifdef Q_OS_LINUX
+#include <pthread.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #endif
@@ -53,8 +54,10 @@ void yieldToInterface()
 {
 #ifdef Q_OS_LINUX
     // QThread::setPriority does nothing under the default scheduling of Linux.
-    static thread_local const int lowered =
-        setpriority(PRIO_PROCESS, id_t(gettid()), 10);    // of -20 to 19; 19 runs last
+    static thread_local const int lowered = [] {
+        pthread_setname_np(pthread_self(), workerThreadName);
+        return setpriority(PRIO_PROCESS, id_t(gettid()), 10);    // of -20 to 19; 19 runs last
+    }();
     Q_UNUSED(lowered);
 #endif
 }

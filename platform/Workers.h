@@ -21,8 +21,9 @@ QThreadPool& workers();
 // there.
 void finishWorkers();
 
-// Gives the calling worker thread less of the processor than the interface.
+// Gives the calling worker thread less of the processor than the interface, and its name.
 void yieldToInterface();
+inline constexpr const char* workerThreadName = "moltiva worker";
 
 void startOnWorker(std::function<void()> work);
 

@@ -88,15 +88,19 @@ void StudioSession::registerUndo(const Batch& before, StudioHistory::Changes cha
 void StudioSession::undo()
 {
     Q_EMIT aboutToMove();
-    if (auto snapshot = m_history.undo(m_batch))
+    if (auto snapshot = m_history.undo(m_batch)) {
+        setStatus(u"Cambio deshecho."_s);
         applyHistorySnapshot(*std::move(snapshot));
+    }
 }
 
 void StudioSession::redo()
 {
     Q_EMIT aboutToMove();
-    if (auto snapshot = m_history.redo(m_batch))
+    if (auto snapshot = m_history.redo(m_batch)) {
+        setStatus(u"Cambio rehecho."_s);
         applyHistorySnapshot(*std::move(snapshot));
+    }
 }
 
 // What has been paid stays paid.
@@ -493,6 +497,7 @@ void StudioSession::deleteSelectedLayer()
 
 void StudioSession::deleteShape(QUuid shape)
 {
+    setStatus(u"Forma eliminada."_s, StatusTone::done);
     change([&](Batch& batch) { LayerEdits::deleteShape(batch, shape); });
 }
 
@@ -504,6 +509,14 @@ void StudioSession::beginCanvasHistoryEdit()
 
 void StudioSession::commitCanvasItem(const PublicationItem& item)
 {
+    const PublicationItem* before = m_batch.currentItem();
+    const auto shown = [](const PublicationItem& of) {
+        return std::ranges::count_if(of.layers, &TextLayer::isVisible);
+    };
+    if (before && item.shapeLayers.size() < before->shapeLayers.size())
+        setStatus(u"Forma eliminada."_s, StatusTone::done);
+    else if (before && shown(item) < shown(*before))
+        setStatus(u"Texto oculto. Vuelve a mostrarlo con su ojo en el panel."_s, StatusTone::done);
     change([&](Batch& batch) { LayerEdits::commitCanvasItem(batch, item); });
 }
 
@@ -572,6 +585,9 @@ void StudioSession::pasteStyle()
         setStatus(u"Copia antes un estilo."_s);
         return;
     }
+    const qsizetype reached = selectedIndicesForBatch().size();
+    setStatus(reached > 1 ? u"Estilo pegado en %1 imágenes."_s.arg(reached) : u"Estilo pegado."_s,
+              StatusTone::done);
     if (const TextLayer* text = selectedText()) {
         const auto& copied = std::get<TextLayer>(m_copiedStyle);
         TextLayer changed = *text;

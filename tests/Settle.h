@@ -7,14 +7,14 @@
 #include <QFile>
 #include <QThread>
 
-inline int pooledThreads()
+inline bool hasWorkerThread()
 {
-    int count = 0;
     for (const QFileInfo& thread : QDir(QStringLiteral("/proc/self/task")).entryInfoList()) {
         QFile name(thread.filePath() + QStringLiteral("/comm"));
-        count += name.open(QIODevice::ReadOnly) && name.readAll().trimmed() == "Thread (pooled)";
+        if (name.open(QIODevice::ReadOnly) && name.readAll().trimmed() == workerThreadName)
+            return true;
     }
-    return count;
+    return false;
 }
 
 // Lets coroutines that a test left behind come to their end: what is still under way when the event
@@ -28,14 +28,7 @@ inline void settleWorkers()
     }
     finishWorkers();
     // A thread that is waited for may still be on its way out, and what only it holds would count
-    // as leaked too; others, of the toolkit's own pools, stay for a while.
-    constexpr int longEnough = 25;    // turns without one less
-    int count = pooledThreads();
-    for (int quiet = 0; count > 0 && quiet < longEnough; ++quiet) {
+    // as leaked too.
+    for (int turn = 0; turn < 5000 && hasWorkerThread(); ++turn)
         QThread::msleep(2);
-        if (const int now = pooledThreads(); now < count) {
-            count = now;
-            quiet = 0;
-        }
-    }
 }
