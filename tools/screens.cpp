@@ -7,7 +7,6 @@
 #include "app/BatchColumn.h"
 #include "app/DropVeil.h"
 #include "app/MainWindow.h"
-#include "app/PhotoColors.h"
 #include "app/ShapesPanel.h"
 #include "app/SidePanel.h"
 #include "app/StudioShell.h"
@@ -91,26 +90,68 @@ public:
     }
 
 private:
-    // The side panel in its states; the batch below stays as it is.
+    const PublicationItem& current() const { return *m_session.batch().currentItem(); }
+
+    void select(CopySlot slot)
+    {
+        m_session.selectLayer(std::ranges::find(current().layers, slot, &TextLayer::slot)->id);
+    }
+
+    // A design on four images: a headline without a box, a panel below with text and a button.
+    void design()
+    {
+        m_session.setFormat(SocialFormat::carouselPortrait);
+        m_session.selectSingleIndex(1);
+        m_session.selectItem(4, Qt::ShiftModifier);
+        m_session.setText(CopySlot::title, u"Respira otoño en los Picos"_s);
+        m_session.setText(CopySlot::subtitle,
+                          u"Casas rurales con chimenea, a un paso del sendero."_s);
+        m_session.setText(CopySlot::callToAction, u"Reserva ahora"_s);
+        m_session.addShape(ShapeKind::rectangle);
+        ShapeLayer box = current().shapeLayers.last();
+        box.frame = {0.07, 0.69, 0.86, 0.25};
+        box.fill = CodableColor(QColor(0x10221A));
+        box.fillOpacity = 0.84;
+        m_session.editShape(box);
+        m_session.addShape(ShapeKind::line);
+        ShapeLayer line = current().shapeLayers.last();
+        line.frame = {0.07, 0.3, 0.13, 0.02};
+        line.stroke = CodableColor(QColor(0xF7EBDD));
+        line.strokeOpacity = 1;
+        m_session.editShape(line);
+        const auto edit = [this](CopySlot slot, const CodableRect& frame, auto change) {
+            TextLayer layer = *std::ranges::find(current().layers, slot, &TextLayer::slot);
+            layer.frame = frame;
+            change(layer);
+            m_session.editLayer(layer, LayerEdits::Along::frame);
+        };
+        edit(CopySlot::title, {0.05, 0.05, 0.9, 0.23}, [](TextLayer& layer) {
+            layer.alignment = LayerTextAlignment::leading;
+            layer.hasBox = false;
+            layer.fontScale = 1.15;
+        });
+        edit(CopySlot::subtitle, {0.09, 0.71, 0.82, 0.12}, [](TextLayer& layer) {
+            layer.alignment = LayerTextAlignment::leading;
+            layer.hasBox = false;
+        });
+        edit(CopySlot::callToAction, {0.11, 0.84, 0.42, 0.075}, [](TextLayer& layer) {
+            layer.foreground = CodableColor(QColor(0x10221A));
+            layer.background = CodableColor(QColor(0xF7EBDD));
+            layer.backgroundOpacity = 1;
+            layer.shadowOpacity = 0;
+        });
+        select(CopySlot::title);
+    }
+
     bool takePanels()
     {
         SidePanel* panel = m_window.shell()->sidePanel();
-        PublicationItem item = *m_session.batch().currentItem();
-        const QImage small = QImage(item.url.toLocalFile()).scaled(128, 128, Qt::KeepAspectRatio);
-        const ColorOffers colors{colorsOf(small), {0xF7EBDD, 0x10221A, 0xC9462F}};
-        item.layer(CopySlot::title)->hasBox = false;
-        TextPanelState texts{.filename = item.url.fileName(),
-                             .layers = item.layers,
-                             .selectedLayer = item.layer(CopySlot::title)->id,
-                             .reachedImages = 4,
-                             .canPaste = true,
-                             .colors = colors};
-        panel->setContent(SidePanel::Content::image);
-        panel->textPanel()->setState(texts);
-        bool reached = take(u"panel-text-without-box"_s);
-        texts.selectedLayer = item.layer(CopySlot::subtitle)->id;
-        texts.reachedImages = 1;
-        panel->textPanel()->setState(texts);
+        panel->setTab(SideTab::shapes);
+        bool reached = take(u"panel-without-shapes"_s);
+        panel->setTab(SideTab::text);
+        design();
+        reached &= take(u"panel-text-without-box"_s);
+        select(CopySlot::callToAction);
         reached &= take(u"panel-text-with-box"_s);
         for (auto* swatch : panel->textPanel()->findChildren<Swatch*>()) {
             if (swatch->accessibleName() != u"Color de la caja"_s)
@@ -124,27 +165,10 @@ private:
         takeNow(u"panel-fonts"_s);
         m_window.setFocus();
         font->click();
-        texts.selectedLayer = {};
-        panel->textPanel()->setState(texts);
+        m_session.selectLayer(QUuid());
         reached &= take(u"panel-text-nothing-selected"_s);
-
+        m_session.selectLayer(current().shapeLayers.first().id);
         panel->setTab(SideTab::shapes);
-        ShapesPanelState shapes{.hasImage = true};
-        panel->shapesPanel()->setState(shapes);
-        reached &= take(u"panel-without-shapes"_s);
-        ShapeLayer line(QUuid::createUuid(), ShapeKind::line, {0.1, 0.3, 0.2, 0.02});
-        line.stroke = CodableColor(QColor(0xF7EBDD));
-        line.strokeOpacity = 1;
-        ShapeLayer box(QUuid::createUuid(), ShapeKind::rectangle, {0.1, 0.5, 0.8, 0.3});
-        box.fill = CodableColor(QColor(0x10221A));
-        box.fillOpacity = 0.84;
-        shapes = {.hasImage = true,
-                  .shapes = {line, box},
-                  .selectedLayer = box.id,
-                  .reachedImages = 4,
-                  .canPaste = true,
-                  .colors = colors};
-        panel->shapesPanel()->setState(shapes);
         reached &= take(u"panel-shapes"_s);
         panel->setTab(SideTab::templates);
         reached &= take(u"panel-templates"_s);
