@@ -11,8 +11,12 @@ int main(int argc, char** argv)
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     ::testing::InitGoogleTest(&argc, argv);
-    const QGuiApplication application(argc, argv);
-    const int result = RUN_ALL_TESTS();
-    settleWorkers();
+    int result = 0;
+    {
+        const QGuiApplication application(argc, argv);
+        result = RUN_ALL_TESTS();
+        settleWorkers();
+    }
+    letThreadsGo();
     return result;
 }

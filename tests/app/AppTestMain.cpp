@@ -9,10 +9,14 @@ int main(int argc, char** argv)
 {
     // The list of the cases is asked for without the environment of the tests.
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
-    dress(application, darkTheme(), Motion::reduced);
     testing::InitGoogleTest(&argc, argv);
-    const int result = RUN_ALL_TESTS();
-    settleWorkers();
+    int result = 0;
+    {
+        QApplication application(argc, argv);
+        dress(application, darkTheme(), Motion::reduced);
+        result = RUN_ALL_TESTS();
+        settleWorkers();
+    }
+    letThreadsGo();
     return result;
 }

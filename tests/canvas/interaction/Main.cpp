@@ -8,9 +8,13 @@ int main(int argc, char** argv)
 {
     // The list of the cases is asked for without the environment of the tests.
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
-    const int result = RUN_ALL_TESTS();
-    settleWorkers();
+    int result = 0;
+    {
+        QApplication application(argc, argv);
+        result = RUN_ALL_TESTS();
+        settleWorkers();
+    }
+    letThreadsGo();
     return result;
 }
