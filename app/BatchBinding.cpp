@@ -47,7 +47,9 @@ void BatchBinding::showPicture(const TileRequest& request, const QImage& picture
     const auto item = std::ranges::find(items, request.item.id, &PublicationItem::id);
     if (picture.isNull() || item == items.end())
         return;
-    setMissing(request.item.id, photo == PhotoState::missing);
+    // A thumbnail that is at hand says nothing of the file.
+    if (photo == PhotoState::missing)
+        setMissing(request.item.id, true);
     if (*item == request.item && m_session.batch().format == request.format)
         m_column->setPicture(request.item.id, picture);
 }

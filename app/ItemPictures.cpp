@@ -142,6 +142,10 @@ QCoro::Task<> StagePhoto::load(QPointer<StagePhoto> self, quint64 request, Wish 
     if (*latest != request)
         co_return;
     Q_EMIT self->ready(decoded);
-    if (self && decoded.isNull())
+    if (!self)
+        co_return;
+    if (decoded.isNull())
         Q_EMIT self->photoMissing(name);
+    else
+        Q_EMIT self->photoRead();
 }

@@ -64,6 +64,7 @@ public:
 
 Q_SIGNALS:
     void ready(const QImage& photo);
+    void photoRead();                          // from its file, just now or a while ago
     void photoMissing(const QString& name);    // its pixels can no longer be read
 
 private:

@@ -28,6 +28,7 @@
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
 #include <QScreen>
@@ -194,16 +195,22 @@ void MainWindow::connectPanels()
 
 void MainWindow::connectSession()
 {
-    connect(&m_session, &StudioSession::aboutToMove, this, [this] {
-        if (qobject_cast<LineField*>(focusWidget()))
-            focusCanvas();    // which ends the edit
-    });
+    connect(&m_session, &StudioSession::aboutToMove, this, &MainWindow::endEdits);
     connect(&m_session, &StudioSession::batchChanged, this, &MainWindow::showBatch);
     connect(&m_session, &StudioSession::statusChanged, this, &MainWindow::showStatus);
     connect(&m_session, &StudioSession::importChanged, this, [this] {
         m_batch->show();
         showStatus();
     });
+}
+
+// A number being typed or held, or a colour being chosen, belongs to the layer it was begun on.
+void MainWindow::endEdits()
+{
+    if (qobject_cast<LineField*>(focusWidget()))
+        focusCanvas();
+    m_shell->sidePanel()->endEdits();
+    m_shell->viewBar()->endEdits();
 }
 
 void MainWindow::restorePreferences()
@@ -286,6 +293,9 @@ void MainWindow::run(Command command)
     // like any other: to be undone it must be one first.
     m_stage->canvas()->interaction().cancel();
     m_shell->composeBar()->finishEdit();
+    if (command != Command::editText && command != Command::nextImage &&
+        command != Command::previousImage)
+        endEdits();
     switch (command) {
     case Command::importImages:
         return choose(u"Importar imágenes"_s, QFileDialog::ExistingFiles);
@@ -373,11 +383,12 @@ void MainWindow::run(Command command)
 void MainWindow::step(int images)
 {
     const std::optional<CopySlot> slot = m_shell->sidePanel()->textPanel()->editedSlot();
+    const int before = m_session.batch().selectedIndex;
     if (images < 0)
         m_session.previousItem();
     else
         m_session.nextItem();
-    if (slot)
+    if (slot && m_session.batch().selectedIndex != before)
         m_panel->edit(*slot);
 }
 
@@ -499,6 +510,9 @@ void MainWindow::resizeEvent(QResizeEvent*)
 // Reached only by keys that whatever has the focus did not take: a text field keeps its arrows.
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
+    // With others they mean something to fields that may happen to have no use for them now.
+    if (event->modifiers() & ~Qt::KeypadModifier)
+        return QWidget::keyPressEvent(event);
     switch (event->key()) {
     case Qt::Key_Left:
         return m_session.previousItem();
@@ -601,6 +615,8 @@ void MainWindow::showHints()
     QList<KeyHint> hints;
     if (m_shell->sidePanel()->textPanel()->editedSlot()) {
         hints = {{{u"Av Pág"_s}, u"Imagen siguiente"_s}, {{u"Esc"_s}, u"Volver al lienzo"_s}};
+    } else if (qobject_cast<QLineEdit*>(focusWidget())) {
+        hints = {{{u"Esc"_s}, u"Volver al lienzo"_s}};
     } else if (const PublicationItem* item = batch.currentItem()) {
         const bool isShape = std::ranges::find(item->shapeLayers, batch.selectedLayerID,
                                                &ShapeLayer::id) != item->shapeLayers.end();

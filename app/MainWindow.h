@@ -63,6 +63,7 @@ private:
     void showColumn(Command command, bool visible);
     void goToRegion(int step);
     void focusCanvas();
+    void endEdits();
     void showTileMenu(int index, QPoint globalPosition);
 
     void showBatch();

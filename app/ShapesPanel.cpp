@@ -191,6 +191,14 @@ void ShapesPanel::showRows()
         connect(shape, &ShapeRow::deleteRequested, this, &ShapesPanel::deleteRequested);
     }
     for (qsizetype i = 0; i < m_rows.size(); ++i) {
+        // The focus of a row that goes stays near it.
+        QWidget* focus = window()->focusWidget();
+        if (i >= shown && focus && m_rows[i]->isAncestorOf(focus)) {
+            QWidget* next = m_add.front();
+            if (shown > 0)
+                next = m_rows[shown - 1]->deleteButton();
+            next->setFocus(Qt::TabFocusReason);
+        }
         m_rows[i]->setVisible(i < shown);
         if (i >= shown)
             continue;

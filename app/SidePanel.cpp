@@ -4,7 +4,10 @@
 #include "app/ShapesPanel.h"
 #include "app/TemplatesPanel.h"
 #include "app/TextPanel.h"
+#include "app/controls/FontField.h"
 #include "app/controls/Painting.h"
+#include "app/controls/SliderField.h"
+#include "app/controls/Swatch.h"
 #include "app/controls/TabStrip.h"
 
 #include <QScrollArea>
@@ -75,6 +78,16 @@ void SidePanel::setTab(SideTab tab)
 {
     m_tabs->setCurrent(int(tab));
     m_pages->setCurrentIndex(int(tab));
+}
+
+void SidePanel::endEdits()
+{
+    for (auto* field : findChildren<SliderField*>())
+        field->letGo();
+    for (auto* swatch : findChildren<Swatch*>())
+        swatch->closePopover();
+    for (auto* font : findChildren<FontField*>())
+        font->closePopover();
 }
 
 SideTab SidePanel::tab() const

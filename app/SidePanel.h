@@ -20,6 +20,7 @@ public:
     TemplatesPanel* templatesPanel() const { return m_templates; }
 
     void setTab(SideTab tab);    // shows; emits nothing
+    void endEdits();             // lets go of held values and closes what is open over it
     SideTab tab() const;
     enum class Content { none, image };
     void setContent(Content content);

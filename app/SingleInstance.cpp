@@ -1,5 +1,6 @@
 #include "app/SingleInstance.h"
 
+#include <QCryptographicHash>
 #include <QDataStream>
 #include <QDir>
 #include <QElapsedTimer>
@@ -10,9 +11,6 @@
 #include <QLocalSocket>
 #include <QThread>
 #include <QTimer>
-
-#include <cerrno>
-#include <csignal>
 
 using namespace Qt::StringLiterals;
 
@@ -27,41 +25,19 @@ QString lockPath(const QString& folder)
     return QDir(folder).filePath(u"moltiva.lock"_s);
 }
 
-QString socketPath(const QString& folder)
+// Its own for each place of data: the socket belongs to who holds the lock there.
+QString socketPath(const InstanceFolders& folders)
 {
-    return QDir(folder).filePath(u"moltiva.socket"_s);
+    const QByteArray place = QCryptographicHash::hash(QDir(folders.data).canonicalPath().toUtf8(),
+                                                      QCryptographicHash::Sha1);
+    return QDir(folders.runtime)
+        .filePath(u"moltiva-%1.socket"_s.arg(QString::fromLatin1(place.toHex().left(8))));
 }
 
-bool isHeld(const QLockFile& lock)
-{
-#ifdef Q_OS_UNIX
-    qint64 process = 0;
-    QString host, program;
-    if (!lock.getLockInfo(&process, &host, &program))
-        return true;    // just being written
-    return kill(pid_t(process), 0) == 0 || errno != ESRCH;
-#else
-    Q_UNUSED(lock);
-    return true;
-#endif
-}
-
-// The machine may have got another name since, and then the lock itself does not tell that its
-// process is gone. Several starts may find that out at once: one at a time looks again and drops
-// it.
-void dropAbandoned(const QLockFile& lock)
-{
-    if (isHeld(lock))
-        return;
-    QLockFile turn(lock.fileName() + u".turn"_s);
-    if (turn.tryLock(0) && !isHeld(lock))
-        QFile::remove(lock.fileName());
-}
-
-bool handOver(const QString& folder, const QList<QUrl>& toOpen)
+bool handOver(const InstanceFolders& folders, const QList<QUrl>& toOpen)
 {
     QLocalSocket socket;
-    socket.connectToServer(socketPath(folder));
+    socket.connectToServer(socketPath(folders));
     if (!socket.waitForConnected(retryPause))
         return false;
     QByteArray message;
@@ -86,12 +62,11 @@ InstanceClaim claimInstance(const InstanceFolders& folders, const QList<QUrl>& t
     for (watch.start(); watch.elapsed() < longestWait; QThread::msleep(retryPause)) {
         if (lock->tryLock(0))
             return {InstanceClaim::Outcome::first, std::move(lock)};
-        if (handOver(folders.runtime, toOpen))
+        if (handOver(folders, toOpen))
             return {InstanceClaim::Outcome::handedOver, nullptr};
         // No lock can be written, on a full disk for instance: better a second window than none.
         if (lock->error() != QLockFile::LockFailedError)
             return {InstanceClaim::Outcome::first, nullptr};
-        dropAbandoned(*lock);
     }
     return {};
 }
@@ -112,9 +87,8 @@ SingleInstance::SingleInstance(InstanceClaim claim, const InstanceFolders& folde
     : QObject(parent), m_claim(std::move(claim)), m_server(new QLocalServer(this))
 {
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    QLocalServer::removeServer(
-        socketPath(folders.runtime));    // of one that was killed: we hold the lock
-    m_server->listen(socketPath(folders.runtime));
+    QLocalServer::removeServer(socketPath(folders));    // of one that was killed: we hold the lock
+    m_server->listen(socketPath(folders));
     connect(m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* socket = m_server->nextPendingConnection())
             greet(socket);

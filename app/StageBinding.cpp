@@ -28,8 +28,8 @@ StageBinding::StageBinding(StudioSession& session, StudioShell* shell,
     connect(bar, &ViewBar::centreRequested, this, &StageBinding::centrePhoto);
     connect(bar, &ViewBar::safeZoneToggled, this, &StageBinding::setSafeZoneShown);
     connect(shell->stage(), &StagePanel::pictureSizeChanged, this, &StageBinding::show);
-    connect(m_photo, &StagePhoto::ready, this, [this](const QImage& photo) {
-        canvas()->setPhoto(photo);
+    connect(m_photo, &StagePhoto::ready, canvas(), &CanvasInteractionView::setPhoto);
+    connect(m_photo, &StagePhoto::photoRead, this, [this] {
         if (m_session.batch().currentItem())
             Q_EMIT photoFound(m_session.batch().currentItem()->id);
     });

@@ -159,6 +159,7 @@ StudioMenu::StudioMenu(QWidget* window) : QObject(window), m_menu(new QMenu(wind
             action->setIcon(menuIcon(entry.icon));
         action->setCheckable(entry.mark == Mark::check);
         action->setShortcuts(sequencesOf(entry.keys));
+        action->setAutoRepeat(entry.command != Command::discard);
         connect(action, &QAction::triggered, this,
                 [this, command = entry.command] { Q_EMIT chosen(command); });
         menu->addAction(action);

@@ -97,6 +97,11 @@ void ViewBar::setSafeZone(bool shown)
     m_safeZone->setChecked(shown);
 }
 
+void ViewBar::endEdits()
+{
+    m_zoom->letGo();
+}
+
 void ViewBar::setLabels(Labels labels)
 {
     m_labels = labels;

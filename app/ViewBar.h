@@ -23,6 +23,7 @@ public:
     void setSafeZone(bool shown);
     // Of the safe zone's button; hidden in a narrow window.
     void setLabels(Labels labels);
+    void endEdits();    // lets go of a held zoom
     QList<QWidget*> focusOrder() const;
     QSize sizeHint() const override { return {400, 52}; }
 

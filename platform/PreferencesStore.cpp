@@ -77,6 +77,19 @@ bool createPrivately(const QString& name)
     return file.setPermissions(owner);
 }
 
+// A file that is no database any more would refuse every value for ever.
+void putAsideIfDamaged(const QString& name)
+{
+    constexpr QByteArrayView header = "SQLite format 3";
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly) || file.size() == 0 || file.peek(header.size()) == header)
+        return;
+    file.close();
+    const QString damaged = name + u".damaged"_qs;
+    QFile::remove(damaged);
+    QFile::rename(name, damaged);
+}
+
 bool prepare(const QSqlDatabase& database)
 {
     // Values of megabytes: with small pages each write walks long chains of them.
@@ -109,6 +122,7 @@ bool PreferencesStore::open()
     if (m_open)
         return true;
     QSqlDatabase::removeDatabase(m_connection);
+    putAsideIfDamaged(m_file);
     m_open = createPrivately(m_file) && prepare(opened(m_connection, m_file));
     if (!m_open) {
         QSqlDatabase::removeDatabase(m_connection);

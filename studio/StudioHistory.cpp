@@ -83,6 +83,24 @@ std::optional<StudioHistorySnapshot> StudioHistory::endCanvasEdit()
     return std::exchange(m_activeCanvasEditSnapshot, std::nullopt);
 }
 
+void StudioHistory::collectPayments(const Batch& batch, Payments& payments)
+{
+    for (const PublicationItem& item : batch.items) {
+        if (!item.paidRenderFingerprints.isEmpty())
+            payments[item.id].unite(item.paidRenderFingerprints);
+    }
+}
+
+StudioHistory::Payments StudioHistory::payments() const
+{
+    Payments payments;
+    for (const QList<StudioHistorySnapshot>* stack : {&m_undoStack, &m_redoStack}) {
+        for (const StudioHistorySnapshot& snapshot : *stack)
+            collectPayments(snapshot, payments);
+    }
+    return payments;
+}
+
 void StudioHistory::recordPayment(QUuid item, const QString& fingerprint)
 {
     const auto record = [&](StudioHistorySnapshot& snapshot) {

@@ -37,6 +37,10 @@ public:
     // Ends the gesture; nothing when none was under way.
     std::optional<StudioHistorySnapshot> endCanvasEdit();
 
+    // What was paid of which item, in any of the states.
+    using Payments = QHash<QUuid, QSet<QString>>;
+    Payments payments() const;
+    static void collectPayments(const Batch& batch, Payments& payments);
     // A render of the item is paid for, in every state it may come back in.
     void recordPayment(QUuid item, const QString& fingerprint);
 

@@ -106,11 +106,8 @@ void StudioSession::redo()
 // What has been paid stays paid.
 Batch StudioSession::withPaymentsOfNow(Batch batch) const
 {
-    QHash<QUuid, QSet<QString>> paid;
-    for (const PublicationItem& item : m_batch.items) {
-        if (!item.paidRenderFingerprints.isEmpty())
-            paid.insert(item.id, item.paidRenderFingerprints);
-    }
+    StudioHistory::Payments paid = m_history.payments();
+    StudioHistory::collectPayments(m_batch, paid);
     for (qsizetype i = 0; i < batch.items.size() && !paid.isEmpty(); ++i) {
         if (paid.contains(batch.items[i].id))
             batch.items.edit(i).paidRenderFingerprints.unite(paid.value(batch.items[i].id));
@@ -239,11 +236,14 @@ bool StudioSession::hasWorkspaceAside() const
 
 void StudioSession::restoreWorkspaceAside()
 {
+    if (m_isRestoringAside)
+        return;
     const auto document = WorkspaceStore::storedAside(m_preferences);
     if (!document || !didRestoreWorkspace()) {
         setStatus(u"No hay ninguna sesión apartada."_s);
         return;
     }
+    m_isRestoringAside = true;
     setStatus(u"Recuperando la sesión apartada…"_s);
     runRestoreAside(this, *document, m_photos);
 }
@@ -264,6 +264,8 @@ QCoro::Task<> StudioSession::runRestoreAside(QPointer<StudioSession> session, QB
 
 void StudioSession::finishRestoreAside(const WorkspaceStore::Restored& restored)
 {
+    m_isRestoringAside = false;
+    Q_EMIT aboutToMove();
     if (!restored.workspace) {
         setStatus(u"La sesión apartada sigue sin poder leerse. ¿Falta conectar un disco?"_s,
                   StatusTone::problem);
@@ -343,6 +345,7 @@ void StudioSession::finishImport(const std::optional<PublicationItems>& items)
     m_import.reset();
     m_importProgress = {};
     if (items && !items->isEmpty()) {
+        Q_EMIT aboutToMove();
         // Told first: should it not be stored, that is the last word.
         setStatus(u"%1 imagen(es) importada(s). Pulsa Generar con Gemma."_s.arg(items->size()),
                   StatusTone::done);
@@ -397,6 +400,7 @@ void StudioSession::selectSingleIndex(int index)
 
 void StudioSession::selectAll()
 {
+    Q_EMIT aboutToMove();
     change([](Batch& batch) { BatchSelection::selectAll(batch); });
 }
 
@@ -487,6 +491,7 @@ void StudioSession::setPlacement(const ImagePlacement& placement, Pace pace)
 
 void StudioSession::addShape(ShapeKind kind)
 {
+    Q_EMIT aboutToMove();
     change([&](Batch& batch) { LayerEdits::addShape(batch, kind); });
 }
 
@@ -497,6 +502,7 @@ void StudioSession::deleteSelectedLayer()
 
 void StudioSession::deleteShape(QUuid shape)
 {
+    Q_EMIT aboutToMove();
     setStatus(u"Forma eliminada."_s, StatusTone::done);
     change([&](Batch& batch) { LayerEdits::deleteShape(batch, shape); });
 }
@@ -553,6 +559,7 @@ void StudioSession::copyStyle()
 
 void StudioSession::copyStyleOf(QUuid itemId)
 {
+    Q_EMIT aboutToMove();
     const auto item = std::ranges::find(m_batch.items, itemId, &PublicationItem::id);
     if (item == m_batch.items.end())
         return;

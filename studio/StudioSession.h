@@ -155,6 +155,7 @@ private:
     StudioHistory m_history;
     bool m_isApplyingHistory = false;
     std::optional<Batch> m_operationBefore;
+    bool m_isRestoringAside = false;
     Restore m_restore = Restore::notYet;
     QList<QUrl> m_loadAfterRestore;
     WorkspaceEncoder m_encoder;

@@ -150,10 +150,15 @@ std::optional<QByteArray> WorkspaceStore::stored(const PreferencesStore& prefere
 
 bool WorkspaceStore::setAside(PreferencesStore& preferences, const QByteArray& document)
 {
-    const int count = asideCount(preferences);
+    int count = asideCount(preferences);
     if (count > 0 && preferences.value(asideKey(count)) == document)
         return true;
-    return preferences.setValue(asideKey(std::min(count + 1, mostAside)), document);
+    if (count == mostAside) {
+        for (int i = 1; i < mostAside; ++i)
+            preferences.setValue(asideKey(i), preferences.value(asideKey(i + 1)).value());
+        --count;
+    }
+    return preferences.setValue(asideKey(count + 1), document);
 }
 
 std::optional<QByteArray> WorkspaceStore::storedAside(const PreferencesStore& preferences)

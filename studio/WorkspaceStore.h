@@ -25,8 +25,8 @@ bool clear(PreferencesStore& preferences);
 std::optional<QByteArray> stored(const PreferencesStore& preferences);
 
 // Another place for a document that could not be read, or only in part, before another takes its
-// place: a drive may only be unplugged. What lies there already stays; the last one is asked for
-// first.
+// place: a drive may only be unplugged. What lies there already stays, the latest nine of it; the
+// last one is asked for first.
 bool setAside(PreferencesStore& preferences, const QByteArray& document);
 std::optional<QByteArray> storedAside(const PreferencesStore& preferences);
 bool clearAside(PreferencesStore& preferences);

@@ -97,6 +97,8 @@ bool ColorPopover::eventFilter(QObject* object, QEvent* event)
 {
     if (object == m_hex && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Escape)
+            m_hex->setText(CodableColor(color()).hexRGB());    // what was typed is dropped
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             m_hex->clearFocus();
             m_hex->setFocus(Qt::OtherFocusReason);

@@ -32,6 +32,12 @@ void FontField::setFontName(const QString& storedName)
     update();
 }
 
+void FontField::closePopover()
+{
+    if (m_popover)
+        m_popover->close();
+}
+
 void FontField::toggle()
 {
     if (m_popover) {

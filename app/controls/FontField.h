@@ -11,6 +11,7 @@ class FontField : public Control {
 public:
     explicit FontField(QWidget* parent = nullptr);
     void setFontName(const QString& storedName);    // shows; emits nothing
+    void closePopover();
     QSize sizeHint() const override { return {152, 32}; }
 
 Q_SIGNALS:

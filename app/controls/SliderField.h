@@ -27,6 +27,7 @@ public:
     // Shows; emits nothing. What is out of range is shown as the nearest bound.
     void setValue(double value);
     void setDefault(double value);
+    void letGo() { rest(); }    // as if the mouse or the key were released now
     double value() const { return m_value; }
     SliderRange range() const { return m_range; }
     QString valueText() const;

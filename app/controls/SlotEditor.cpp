@@ -115,6 +115,13 @@ void SlotEditor::keyPressEvent(QKeyEvent* event)
         event->accept();
 }
 
+void SlotEditor::inputMethodEvent(QInputMethodEvent* event)
+{
+    const auto kept = text().size() - textCursor().selectedText().size();
+    if (kept + event->commitString().size() <= longestText)
+        QTextEdit::inputMethodEvent(event);
+}
+
 void SlotEditor::insertFromMimeData(const QMimeData* source)
 {
     const auto room = longestText - (text().size() - textCursor().selectedText().size());

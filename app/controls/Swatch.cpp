@@ -33,12 +33,16 @@ void Swatch::setOffers(const ColorOffers& offers)
     m_offers = offers;
 }
 
+void Swatch::closePopover()
+{
+    if (m_popover)
+        m_popover->close();
+}
+
 void Swatch::toggle()
 {
-    if (m_popover) {
-        m_popover->close();
-        return;
-    }
+    if (m_popover)
+        return closePopover();
     m_popover = new ColorPopover(this, m_color, m_offers);
     connect(m_popover, &ColorPopover::colorUsed, this, &Swatch::colorUsed);
     connect(m_popover, &Popover::closing, this, [this] { m_popover = nullptr; });

@@ -9,6 +9,7 @@ public:
     explicit Swatch(const QString& name, QWidget* parent = nullptr);
     void setColor(const QColor& color);    // shows; emits nothing
     void setOffers(const ColorOffers& offers);
+    void closePopover();
     QSize sizeHint() const override { return {32, 32}; }
 
 Q_SIGNALS:

@@ -9,6 +9,7 @@ public:
     ZoomSlider(int lowest, int highest, QWidget* parent = nullptr);
 
     void setShownValue(int value);    // emits nothing
+    void letGo() { rest(); }          // as if the mouse or the key were released now
     QSize sizeHint() const override { return {112, 28}; }
 
 Q_SIGNALS:

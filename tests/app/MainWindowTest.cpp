@@ -215,8 +215,15 @@ TEST_F(MainWindowTest, anEditorKeepsItsKeysAndFollowsTheImage)
     EXPECT_EQ(session.batch().selectedLayerID, current().layers[1].id);
     EXPECT_EQ(QApplication::focusWidget(), editor);
     EXPECT_EQ(editor->textCursor().selectedText(), current().layers[1].text);
+    QTest::keyClick(editor, Qt::Key_Backspace, Qt::AltModifier);
+    EXPECT_TRUE(current().layers[1].isVisible);
+    session.nextItem();
+    QTest::keyClicks(editor, u"Otra cosa"_s);
+    QTest::keyClick(editor, Qt::Key_PageDown);    // there is no next one
+    EXPECT_EQ(editor->textCursor().selectedText(), QString());
     QTest::keyClick(editor, Qt::Key_Escape);
     EXPECT_EQ(QApplication::focusWidget(), canvas());
+    session.selectLayer(current().layers[1].id);
     QTest::keyClick(canvas(), Qt::Key_Delete);
     EXPECT_FALSE(current().layers[1].isVisible);
 }
@@ -371,6 +378,18 @@ TEST_F(MainWindowTest, aNumberBeingTypedBelongsToTheImageItWasBegunOn)
     EXPECT_EQ(session.batch().items[0].layers[0].fontScale, 2.0);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     EXPECT_EQ(session.batch().items[1].layers[0].fontScale, 1.0);
+
+    // The same of one that is dragged.
+    QTest::mousePress(size, Qt::LeftButton, Qt::NoModifier, {20, 16});
+    QTest::mouseMove(size, {30, 16});
+    QTest::mouseMove(size, {50, 16});
+    const double dragged = session.batch().items[1].layers[0].fontScale;
+    EXPECT_GT(dragged, 1.0);
+    QTest::keyClick(&window, Qt::Key_Left);
+    QTest::mouseMove(size, {90, 16});
+    QTest::mouseRelease(size, Qt::LeftButton, Qt::NoModifier, {90, 16});
+    EXPECT_EQ(session.batch().items[0].layers[0].fontScale, 2.0);
+    EXPECT_EQ(session.batch().items[1].layers[0].fontScale, dragged);
 }
 
 // No two commands share a key, and F6 reaches every region and comes back.

@@ -14,15 +14,25 @@
 using namespace Qt::StringLiterals;
 using Outcome = InstanceClaim::Outcome;
 
+namespace {
+
+QString socketIn(const QTemporaryDir& folder)
+{
+    const QDir runtime(folder.path());
+    return runtime.filePath(
+        runtime.entryList({u"moltiva-*.socket"_s}, QDir::AllEntries | QDir::System).value(0));
+}
+
+}    // namespace
+
 TEST(SingleInstance, startsAtOnceEndAsOneWithEverythingHandedOver)
 {
     const QTemporaryDir folder;
     // What a killed run leaves: a socket nobody listens on, and the lock of a process that is gone.
-    QFile(folder.filePath(u"moltiva.socket"_s)).open(QIODevice::WriteOnly);
     const InstanceFolders folders{folder.path(), folder.path()};
     QFile lock(folder.filePath(u"moltiva.lock"_s));
     ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
-    lock.write("4194305\nmoltiva\nanother-host\n");
+    lock.write("4194305\nmoltiva\n\n");
     lock.close();
 
     auto claim = claimInstance(folders, {});
@@ -45,7 +55,7 @@ TEST(SingleInstance, startsAtOnceEndAsOneWithEverythingHandedOver)
     for (std::thread& start : starts)
         start.join();
     EXPECT_EQ(opened.size(), 20);
-    EXPECT_EQ(QFile::permissions(folder.filePath(u"moltiva.socket"_s)) &
+    EXPECT_EQ(QFile::permissions(socketIn(folder)) &
                   (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
               QFile::Permissions());
 }
@@ -57,7 +67,7 @@ TEST(SingleInstance, nonsenseOnTheSocketOpensNothing)
     SingleInstance first(claimInstance(folders, {}), folders);
     QSignalSpy opened(&first, &SingleInstance::handedOver);
     QLocalSocket socket;
-    socket.connectToServer(folder.filePath(u"moltiva.socket"_s));
+    socket.connectToServer(socketIn(folder));
     ASSERT_TRUE(socket.waitForConnected());
     socket.write(QByteArray(4, '\x7f') + QByteArray(17 << 20, 'x'));
     EXPECT_TRUE(

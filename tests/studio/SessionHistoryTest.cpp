@@ -233,7 +233,9 @@ TEST_F(SessionHistoryTest, whatCannotBeBroughtBackIsSetAsideUntilItCan)
     ASSERT_TRUE(QFile::rename(file(8), file(2)));
     // Two losses, one after the other: the newer comes back first.
     session->restoreWorkspaceAside();
+    session->restoreWorkspaceAside();    // asked for twice, it is done once
     EXPECT_TRUE(waitFor([&] { return batch().items.size() == 2; }));
+    EXPECT_TRUE(session->hasWorkspaceAside());
     now += 1s;
     session->restoreWorkspaceAside();
     EXPECT_TRUE(waitFor([&] { return batch().items.size() == 3; }));
