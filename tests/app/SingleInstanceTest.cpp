@@ -39,6 +39,7 @@ TEST(SingleInstance, startsAtOnceEndAsOneWithEverythingHandedOver)
     ASSERT_EQ(claim.outcome, Outcome::first);
     std::atomic<int> handed = 0;
     std::vector<std::thread> starts;
+    starts.reserve(10);
     for (int i = 0; i < 10; ++i) {
         starts.emplace_back([&, i] {
             const QList<QUrl> own{QUrl::fromLocalFile(u"/fotos/%1.jpg"_s.arg(i)),
