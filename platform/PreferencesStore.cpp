@@ -152,6 +152,16 @@ std::optional<QByteArray> PreferencesStore::value(const QString& key) const
     return query.value(0).toByteArray();
 }
 
+bool PreferencesStore::contains(const QString& key) const
+{
+    if (!isReadable())
+        return false;
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    query.prepare(u"SELECT 1 FROM preference WHERE key = ?"_qs);
+    query.addBindValue(key);
+    return query.exec() && query.next();
+}
+
 bool PreferencesStore::setValue(const QString& key, const QByteArray& value)
 {
     if (!open())

@@ -22,6 +22,7 @@ public:
     // Tries again where it failed before; every setValue() does.
     bool open();
     std::optional<QByteArray> value(const QString& key) const;
+    bool contains(const QString& key) const;    // without reading the value
     bool setValue(const QString& key, const QByteArray& value);
     bool remove(const QString& key);
 

@@ -26,13 +26,6 @@ QElapsedTimer started()
     return watch;
 }
 
-template <typename Layer>
-const Layer* findLayer(const QList<Layer>& layers, QUuid id)
-{
-    const auto found = std::ranges::find(layers, id, &Layer::id);
-    return found == layers.end() ? nullptr : &*found;
-}
-
 constexpr qint64 importStep = 30;    // ms between two reports of an import
 constexpr std::chrono::milliseconds restBeforeSaving = 50ms, pauseBeforeRetry = 5s;
 
@@ -231,7 +224,7 @@ void StudioSession::finishRestore(const WorkspaceStore::Restored& restored,
 
 bool StudioSession::hasWorkspaceAside() const
 {
-    return WorkspaceStore::storedAside(m_preferences).has_value();
+    return WorkspaceStore::hasAside(m_preferences);
 }
 
 void StudioSession::restoreWorkspaceAside()
@@ -538,19 +531,6 @@ void StudioSession::endCanvasHistoryEdit(QUuid movedLayer)
     saveAfter(Pace::once);
 }
 
-const TextLayer* StudioSession::selectedText() const
-{
-    return m_batch.currentItem() ? findLayer(m_batch.currentItem()->layers, m_batch.selectedLayerID)
-                                 : nullptr;
-}
-
-const ShapeLayer* StudioSession::selectedShape() const
-{
-    return m_batch.currentItem()
-               ? findLayer(m_batch.currentItem()->shapeLayers, m_batch.selectedLayerID)
-               : nullptr;
-}
-
 void StudioSession::copyStyle()
 {
     if (m_batch.currentItem())
@@ -561,29 +541,19 @@ void StudioSession::copyStyleOf(QUuid itemId)
 {
     Q_EMIT aboutToMove();
     const auto item = std::ranges::find(m_batch.items, itemId, &PublicationItem::id);
-    if (item == m_batch.items.end())
-        return;
-    if (const TextLayer* selected = selectedText()) {
-        const auto same = std::ranges::find(item->layers, selected->slot, &TextLayer::slot);
-        if (same == item->layers.end())
-            return;
-        m_copiedStyle = *same;
-        setStatus(u"Estilo de %1 copiado."_s.arg(row(same->slot).displayName), StatusTone::done);
-    } else if (const ShapeLayer* shape = selectedShape();
-               shape && findLayer(item->shapeLayers, shape->id)) {
-        m_copiedStyle = *findLayer(item->shapeLayers, shape->id);
-        setStatus(u"Estilo de %1 copiado."_s.arg(rawValue(shape->kind)), StatusTone::done);
-    } else {
+    const QString copied =
+        item == m_batch.items.end() ? QString() : m_copiedStyle.copyFrom(*item, m_batch);
+    if (copied.isEmpty()) {
         setStatus(u"Selecciona una capa para copiar su estilo."_s);
         return;
     }
+    setStatus(u"Estilo de %1 copiado."_s.arg(copied), StatusTone::done);
     Q_EMIT copiedStyleChanged();
 }
 
 bool StudioSession::canPasteStyle() const
 {
-    return (selectedText() && std::holds_alternative<TextLayer>(m_copiedStyle)) ||
-           (selectedShape() && std::holds_alternative<ShapeLayer>(m_copiedStyle));
+    return m_copiedStyle.fits(m_batch);
 }
 
 void StudioSession::pasteStyle()
@@ -595,19 +565,7 @@ void StudioSession::pasteStyle()
     const qsizetype reached = selectedIndicesForBatch().size();
     setStatus(reached > 1 ? u"Estilo pegado en %1 imágenes."_s.arg(reached) : u"Estilo pegado."_s,
               StatusTone::done);
-    if (const TextLayer* text = selectedText()) {
-        const auto& copied = std::get<TextLayer>(m_copiedStyle);
-        TextLayer changed = *text;
-        TextLayerDesign(copied).apply(changed);
-        changed.alignment = copied.alignment;
-        editLayer(changed);
-    } else {
-        ShapeLayer changed = *selectedShape();
-        const ShapeKind kind = changed.kind;
-        ShapeLayerDesign(std::get<ShapeLayer>(m_copiedStyle)).apply(changed);
-        changed.kind = kind;    // a style makes no circle of a line
-        editShape(changed);
-    }
+    change([this](Batch& batch) { m_copiedStyle.pasteInto(batch); });
 }
 
 void StudioSession::markPaid(QUuid itemId, const QString& fingerprint)

@@ -6,6 +6,7 @@
 #include "studio/LayerEdits.h"
 #include "studio/PhotoImport.h"
 #include "studio/StudioHistory.h"
+#include "studio/StyleClipboard.h"
 #include "studio/WorkspaceEncoder.h"
 #include "studio/WorkspaceStore.h"
 
@@ -16,7 +17,6 @@
 
 #include <functional>
 #include <memory>
-#include <variant>
 
 class PreferencesStore;
 
@@ -140,8 +140,6 @@ private:
     static QCoro::Task<> runRestoreAside(QPointer<StudioSession> session, QByteArray document,
                                          std::shared_ptr<PhotoCache> photos);
     void finishRestoreAside(const WorkspaceStore::Restored& restored);
-    const TextLayer* selectedText() const;
-    const ShapeLayer* selectedShape() const;
     void setStatus(const QString& status, StatusTone tone = StatusTone::info);
     static QCoro::Task<> runImport(QPointer<StudioSession> session, QList<QUrl> urls,
                                    std::shared_ptr<PhotoCache> photos,
@@ -163,7 +161,7 @@ private:
     bool m_isStoredUnseen = false;              // the store could not be read when it was asked
     std::optional<QByteArray> m_notYetAside;    // to be set aside before anything is stored
     bool m_saveFailed = false;                  // and the user was told
-    std::variant<std::monostate, TextLayer, ShapeLayer> m_copiedStyle;
+    StyleClipboard m_copiedStyle;
     QString m_status;
     StatusTone m_statusTone = StatusTone::info;
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;

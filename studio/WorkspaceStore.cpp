@@ -28,7 +28,7 @@ QString asideKey(int number)
 int asideCount(const PreferencesStore& preferences)
 {
     int count = 0;
-    while (count < mostAside && preferences.value(asideKey(count + 1)))
+    while (count < mostAside && preferences.contains(asideKey(count + 1)))
         ++count;
     return count;
 }
@@ -159,6 +159,11 @@ bool WorkspaceStore::setAside(PreferencesStore& preferences, const QByteArray& d
         --count;
     }
     return preferences.setValue(asideKey(count + 1), document);
+}
+
+bool WorkspaceStore::hasAside(const PreferencesStore& preferences)
+{
+    return asideCount(preferences) > 0;
 }
 
 std::optional<QByteArray> WorkspaceStore::storedAside(const PreferencesStore& preferences)

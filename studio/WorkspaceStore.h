@@ -28,6 +28,7 @@ std::optional<QByteArray> stored(const PreferencesStore& preferences);
 // place: a drive may only be unplugged. What lies there already stays, the latest nine of it; the
 // last one is asked for first.
 bool setAside(PreferencesStore& preferences, const QByteArray& document);
+bool hasAside(const PreferencesStore& preferences);
 std::optional<QByteArray> storedAside(const PreferencesStore& preferences);
 bool clearAside(PreferencesStore& preferences);
 
