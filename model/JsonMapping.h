@@ -231,7 +231,7 @@ void append(QByteArray& text, const QSet<T>& values)
     append(text, list);
 }
 
-enum class Presence { required, optional };
+enum class Presence { required, optional, lenient };
 
 // One field: its key, how to reach it in a record, and what absence or an unknown word do.
 template <typename Access, typename Fallback>
@@ -246,8 +246,13 @@ struct Field {
     {
         const auto found = object.find(key);
         if (found == object.end() || found->is_null())
-            return presence == Presence::optional;
+            return presence != Presence::required;
         auto& target = std::invoke(access, record);
+        if (presence == Presence::lenient) {
+            if (auto value = target; read(*found, value))
+                target = std::move(value);
+            return true;
+        }
         if (read(*found, target))
             return true;
         if constexpr (!std::same_as<Fallback, std::nullopt_t>) {
@@ -269,6 +274,13 @@ template <typename Access>
 constexpr auto optional(const char* key, Access access)
 {
     return Field<Access, std::nullopt_t>{key, access, Presence::optional, std::nullopt};
+}
+
+// Keeps the record's default when absent or not readable.
+template <typename Access>
+constexpr auto lenient(const char* key, Access access)
+{
+    return Field<Access, std::nullopt_t>{key, access, Presence::lenient, std::nullopt};
 }
 
 // A required word of a vocabulary; an unknown one reads as `fallback`.

@@ -1,4 +1,6 @@
 // The main states of the program as PNG files, without a display: screens OUT [--photos DIR]
+// The designs of a folder of definition files instead, each on six photos:
+// screens OUT --photos DIR --designs DIR
 //
 // Each state is reached as a user reaches it, through the session and the window, then taken in
 // both themes and at the window sizes of `windowSizes`. Without --photos a painted sample batch
@@ -22,6 +24,7 @@
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
 #include "studio/StudioSession.h"
+#include "tools/ContactSheets.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -245,7 +248,8 @@ int main(int argc, char** argv)
     dress(application, darkTheme(), Motion::reduced);
     QCommandLineParser parser;
     const QCommandLineOption photos(u"photos"_s, u"folder of photographs"_s, u"dir"_s);
-    parser.addOption(photos);
+    const QCommandLineOption designs(u"designs"_s, u"folder of template definitions"_s, u"dir"_s);
+    parser.addOptions({photos, designs});
     parser.addPositionalArgument(u"out"_s, u"folder for the pictures"_s);
     parser.addHelpOption();
     parser.process(application);
@@ -259,6 +263,10 @@ int main(int argc, char** argv)
         folder = sample.path();
         if (!paintSampleBatch(folder))
             return 1;
+    }
+    if (parser.isSet(designs)) {
+        const QDir out(parser.positionalArguments().first());
+        return makeContactSheets(out, folder, parser.value(designs)) ? 0 : 1;
     }
     Screens screens(QDir(parser.positionalArguments().first()),
                     QUrl::fromLocalFile(QDir(folder).absolutePath()));

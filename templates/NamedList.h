@@ -1,0 +1,89 @@
+#pragma once
+
+#include "templates/TemplateName.h"
+
+#include <QList>
+#include <QUuid>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+// What the user keeps under names of his own, newest first. What he removes can be called back as
+// long as the program runs.
+template <typename Entry>
+class NamedList {
+public:
+    NamedList() = default;
+    explicit NamedList(QList<Entry> entries) : m_entries(std::move(entries)) {}
+
+    const QList<Entry>& entries() const { return m_entries; }
+    const Entry* find(QUuid id) const
+    {
+        const auto found = std::ranges::find(m_entries, id, &Entry::id);
+        return found == m_entries.cend() ? nullptr : &*found;
+    }
+
+    // "Plantilla 3": the first number that is not taken.
+    QString freeName(const QString& word) const
+    {
+        for (int number = 1;; ++number) {
+            const QString name = QStringLiteral("%1 %2").arg(word).arg(number);
+            if (std::ranges::find(m_entries, name, &Entry::name) == m_entries.cend())
+                return name;
+        }
+    }
+
+    void add(const Entry& entry) { m_entries.prepend(entry); }
+
+    // A name of nothing but blanks is no name. False: nothing changed.
+    bool rename(QUuid id, const QString& text)
+    {
+        const QString name = templateName(text);
+        return !name.isEmpty() && change(id, [&](Entry& entry) { entry.name = name; });
+    }
+
+    // False when there is no such entry, or it stays as it is.
+    template <typename Change>
+    bool change(QUuid id, Change apply)
+    {
+        const auto found = std::ranges::find(std::as_const(m_entries), id, &Entry::id);
+        if (found == m_entries.cend())
+            return false;
+        Entry changed = *found;
+        apply(changed);
+        if (changed == *found)
+            return false;
+        m_entries[found - m_entries.cbegin()] = changed;
+        return true;
+    }
+
+    bool remove(QUuid id)
+    {
+        const auto found = std::ranges::find(std::as_const(m_entries), id, &Entry::id);
+        if (found == m_entries.cend())
+            return false;
+        const qsizetype index = found - m_entries.cbegin();
+        m_removed.append({index, m_entries.takeAt(index)});
+        return true;
+    }
+
+    // Empty when nothing was removed.
+    QString lastRemoved() const
+    {
+        return m_removed.isEmpty() ? QString() : m_removed.last().second.name;
+    }
+
+    std::optional<Entry> callBack()
+    {
+        if (m_removed.isEmpty())
+            return std::nullopt;
+        const auto [index, entry] = m_removed.takeLast();
+        m_entries.insert(std::min(index, m_entries.size()), entry);
+        return entry;
+    }
+
+private:
+    QList<Entry> m_entries;
+    QList<std::pair<qsizetype, Entry>> m_removed;    // where they were
+};

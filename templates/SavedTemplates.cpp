@@ -1,0 +1,161 @@
+#include "templates/SavedTemplates.h"
+
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
+#include "templates/TemplatePreviewRenderer.h"
+#include "templates/TemplateStores.h"
+
+#include <QCoroFuture>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Whether two make the same of every item.
+bool areAlike(const VisualTemplate& one, const VisualTemplate& other)
+{
+    return one.name == other.name && one.textLayers == other.textLayers &&
+           one.shapeLayers == other.shapeLayers && one.aspectRatio == other.aspectRatio;
+}
+
+}    // namespace
+
+SavedTemplates::SavedTemplates(PreferencesStore& preferences, std::shared_ptr<PhotoCache> photos,
+                               QObject* parent)
+    : QObject(parent), m_preferences(preferences), m_photos(std::move(photos)),
+      m_templates(VisualTemplateStore::load(preferences)),
+      m_styles(DesignTemplateStore::load(preferences))
+{
+}
+
+QUuid SavedTemplates::saveTemplate(const PublicationItem& item, SocialFormat format)
+{
+    const VisualTemplate made =
+        VisualTemplate::of(item, m_templates.freeName(u"Plantilla"_s), format);
+    m_templates.add(made);
+    storeTemplates();
+    drawPreview(this, made.id, item, format, m_photos);
+    return made.id;
+}
+
+void SavedTemplates::updateTemplate(QUuid id, const PublicationItem& item, SocialFormat format)
+{
+    const bool changed = m_templates.change(id, [&](VisualTemplate& entry) {
+        VisualTemplate made = VisualTemplate::of(item, entry.name, format);
+        made.id = entry.id;
+        made.order = entry.order;
+        made.previewPNG = entry.previewPNG;
+        entry = made;
+    });
+    if (changed)
+        storeTemplates();
+    drawPreview(this, id, item, format, m_photos);
+}
+
+// One that was renamed or changed here stays, beside what the file brings.
+QUuid SavedTemplates::addTemplate(VisualTemplate added)
+{
+    const auto& known = m_templates.entries();
+    if (std::ranges::any_of(known, [&](const auto& entry) { return areAlike(entry, added); }))
+        return {};
+    if (m_templates.find(added.id))
+        added.id = QUuid::createUuid();
+    m_templates.add(added);
+    storeTemplates();
+    return added.id;
+}
+
+void SavedTemplates::renameTemplate(QUuid id, const QString& name)
+{
+    if (m_templates.rename(id, name))
+        storeTemplates();
+}
+
+void SavedTemplates::removeTemplate(QUuid id)
+{
+    if (m_templates.remove(id))
+        storeTemplates();
+}
+
+void SavedTemplates::callBackTemplate()
+{
+    if (m_templates.callBack())
+        storeTemplates();
+}
+
+QUuid SavedTemplates::saveStyle(const TextLayerDesign& style)
+{
+    const DesignTemplate made{QUuid::createUuid(), m_styles.freeName(u"Estilo"_s), style};
+    m_styles.add(made);
+    storeStyles();
+    return made.id;
+}
+
+void SavedTemplates::updateStyle(QUuid id, const TextLayerDesign& style)
+{
+    if (m_styles.change(id, [&](DesignTemplate& entry) { entry.style = style; }))
+        storeStyles();
+}
+
+void SavedTemplates::renameStyle(QUuid id, const QString& name)
+{
+    if (m_styles.rename(id, name))
+        storeStyles();
+}
+
+void SavedTemplates::removeStyle(QUuid id)
+{
+    if (m_styles.remove(id))
+        storeStyles();
+}
+
+void SavedTemplates::callBackStyle()
+{
+    if (m_styles.callBack())
+        storeStyles();
+}
+
+void SavedTemplates::storeTemplates()
+{
+    const bool isStored = VisualTemplateStore::save(m_preferences, m_templates.entries());
+    Q_EMIT templatesChanged();
+    if (!isStored)
+        Q_EMIT storingFailed();
+}
+
+void SavedTemplates::storeStyles()
+{
+    const bool isStored = DesignTemplateStore::save(m_preferences, m_styles.entries());
+    Q_EMIT stylesChanged();
+    if (!isStored)
+        Q_EMIT storingFailed();
+}
+
+QCoro::Task<> SavedTemplates::drawPreview(QPointer<SavedTemplates> self, QUuid id,
+                                          PublicationItem item, SocialFormat format,
+                                          std::shared_ptr<PhotoCache> photos)
+{
+    QFuture<std::optional<QByteArray>> drawing =
+        runOnWorker([item, format, photos]() -> std::optional<QByteArray> {
+            try {
+                const auto source = [&](const PhotoHandle& photo, PhotoLevel level) {
+                    return photos->proxy({photo.path, photo.digest}, level);
+                };
+                const auto preview = TemplatePreviewRenderer::compactData(item, format, source);
+                return preview ? std::optional(preview->data) : std::nullopt;
+            } catch (const std::exception&) {
+                return std::nullopt;    // short of memory: without a picture of its own
+            }
+        });
+    const std::optional<QByteArray> preview = co_await drawing;
+    if (!self || !preview)
+        co_return;
+    const auto keep = [&](VisualTemplate& entry) {
+        // It may have been updated with another arrangement since.
+        if (areAlike(entry, VisualTemplate::of(item, entry.name, format)))
+            entry.previewPNG = preview;
+    };
+    if (self->m_templates.change(id, keep))
+        self->storeTemplates();
+}
