@@ -59,7 +59,8 @@ enum class Icon {
     zoomIn,
     centerPhoto,
     safeZone,
-    close
+    close,
+    more
 };
 struct IconRow {
     Icon icon;
@@ -115,6 +116,7 @@ inline constexpr std::array icons{
     IconRow{Icon::centerPhoto, u"center-photo"},
     IconRow{Icon::safeZone, u"safe-zone"},
     IconRow{Icon::close, u"close"},
+    IconRow{Icon::more, u"more"},
 };
 constexpr const IconRow& row(Icon icon)
 {

@@ -12,6 +12,7 @@
 #include "app/StagePanel.h"
 #include "app/StudioMenu.h"
 #include "app/StudioShell.h"
+#include "app/TemplatesBinding.h"
 #include "app/TextPanel.h"
 #include "app/Theme.h"
 #include "app/TopBar.h"
@@ -110,6 +111,8 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
       m_batch(std::make_unique<BatchBinding>(session, m_shell->batchColumn(), photos)),
       m_stage(std::make_unique<StageBinding>(session, m_shell, photos)),
       m_panel(std::make_unique<PanelBinding>(session, m_shell->sidePanel(), photos, preferences)),
+      m_templates(
+          std::make_unique<TemplatesBinding>(session, m_shell->sidePanel(), photos, preferences)),
       m_menu(new StudioMenu(this))
 {
     setWindowTitle(u"Moltiva"_s);
@@ -143,7 +146,7 @@ MainWindow::~MainWindow()
 bool MainWindow::isSettled() const
 {
     return m_session.didRestoreWorkspace() && !m_session.isImporting() && m_batch->isIdle() &&
-           m_stage->isIdle();
+           m_stage->isIdle() && m_templates->isIdle();
 }
 
 void MainWindow::connectPanels()
@@ -177,6 +180,12 @@ void MainWindow::connectPanels()
             {StatusKind::error, u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
                                     m_session.batch().currentItem()->filename())});
     });
+    connect(m_templates.get(), &TemplatesBinding::previewChanged, m_stage.get(),
+            &StageBinding::preview);
+    connect(m_templates.get(), &TemplatesBinding::told, this,
+            [this](const QString& sentence, StatusTone tone) {
+                m_shell->statusLine()->setStatus({kindOf(tone), sentence});
+            });
     connect(m_panel.get(), &PanelBinding::leaveRequested, this, &MainWindow::focusCanvas);
 
     connect(m_shell->statusLine(), &StatusLine::stopRequested, &m_session,
@@ -305,6 +314,10 @@ void MainWindow::run(Command command)
         return m_session.stopImport();
     case Command::restoreAside:
         return m_session.restoreWorkspaceAside();
+    case Command::saveTemplate:
+        return m_templates->saveTemplate();
+    case Command::importTemplate:
+        return m_templates->chooseDefinition();
     case Command::quit:
         close();
         return;
@@ -566,6 +579,7 @@ void MainWindow::showBatch()
     m_shell->setStage(isEmpty ? StudioShell::Stage::empty : StudioShell::Stage::picture);
     m_shell->batchColumn()->setRatio(row(batch.format).aspectRatio);
     m_batch->show();
+    m_templates->show();    // which ends a preview on the stage
     m_stage->show();
     m_panel->show();
     showHints();
@@ -590,9 +604,9 @@ void MainWindow::showMenu()
     m_menu->setEnabled({Command::removeLayer, Command::copyStyle}, isText || isShape);
     m_menu->setEnabled({Command::pasteStyle}, m_session.canPasteStyle());
     m_menu->setEnabled({Command::addRectangle, Command::addCircle, Command::addTriangle,
-                        Command::addLine, Command::selectAll, Command::discard, Command::fill,
-                        Command::fit, Command::zoomWhole, Command::zoomIn, Command::zoomOut,
-                        Command::centrePhoto},
+                        Command::addLine, Command::saveTemplate, Command::selectAll,
+                        Command::discard, Command::fill, Command::fit, Command::zoomWhole,
+                        Command::zoomIn, Command::zoomOut, Command::centrePhoto},
                        item != nullptr);
     m_menu->setEnabled({Command::previousImage}, batch.selectedIndex > 0);
     m_menu->setEnabled({Command::nextImage}, batch.selectedIndex + 1 < batch.items.size());

@@ -16,6 +16,7 @@ class StageBinding;
 class StudioMenu;
 class StudioSession;
 class StudioShell;
+class TemplatesBinding;
 enum class Command;
 enum class ShapeKind;
 
@@ -30,6 +31,7 @@ public:
 
     StudioShell* shell() const { return m_shell; }
     StudioMenu* menu() const { return m_menu; }
+    TemplatesBinding& templates() const { return *m_templates; }
     // No picture is being drawn and no photo looked at.
     bool isSettled() const;
 
@@ -78,6 +80,7 @@ private:
     std::unique_ptr<BatchBinding> m_batch;
     std::unique_ptr<StageBinding> m_stage;
     std::unique_ptr<PanelBinding> m_panel;
+    std::unique_ptr<TemplatesBinding> m_templates;
     StudioMenu* m_menu;
     QString m_lastFolder;
     QList<QUrl> m_given;    // from outside, of which more may come

@@ -2,6 +2,7 @@
 
 #include "app/EmptyNote.h"
 #include "app/ShapesPanel.h"
+#include "app/StyleShelf.h"
 #include "app/TemplatesPanel.h"
 #include "app/TextPanel.h"
 #include "app/controls/FontField.h"
@@ -53,7 +54,8 @@ SidePanel::SidePanel(QWidget* parent)
     m_textPages->addWidget(texts);
     m_pages->addWidget(m_textPages);
     m_pages->addWidget(scrolled(m_shapes));
-    m_pages->addWidget(scrolled(m_templates));
+    QScrollArea* templates = scrolled(m_templates);
+    m_pages->addWidget(templates);
 
     auto* tabs = new QHBoxLayout;
     tabs->setContentsMargins(tabsSide, tabsTop, tabsSide, 0);
@@ -67,10 +69,17 @@ SidePanel::SidePanel(QWidget* parent)
         m_pages->setCurrentIndex(index);
         Q_EMIT tabChosen(SideTab(index));
     });
-    connect(
-        m_text, &TextPanel::visibleAreaWanted, texts,
-        [texts](QWidget* editor) { texts->ensureWidgetVisible(editor, 0, 8); },
-        Qt::QueuedConnection);
+    const auto showIn = [](QScrollArea* area) {
+        return [area](QWidget* wanted) {
+            if (wanted)
+                area->ensureWidgetVisible(wanted, 0, 8);
+        };
+    };
+    connect(m_text, &TextPanel::visibleAreaWanted, texts, showIn(texts), Qt::QueuedConnection);
+    connect(m_text->styles(), &StyleShelf::visibleAreaWanted, texts, showIn(texts),
+            Qt::QueuedConnection);
+    connect(m_templates, &TemplatesPanel::visibleAreaWanted, templates, showIn(templates),
+            Qt::QueuedConnection);
     setContent(Content::none);
 }
 

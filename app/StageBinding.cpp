@@ -95,14 +95,23 @@ void StageBinding::show()
     stage->setFormat(format.rawValue.toString(), format.ratioLabel.toString(),
                      format.exportSize.toSize());
     // The item first: the photo is taken for that of the item shown.
+    const bool isPreview = m_preview && item && m_preview->id == item->id;
+    if (isPreview)
+        item = &*m_preview;
     canvas()->setItem(item ? std::optional(*item) : std::nullopt, batch.format);
-    canvas()->setSelectedLayerID(batch.selectedLayerID);
+    canvas()->setSelectedLayerID(isPreview ? QUuid() : batch.selectedLayerID);
     if (!item) {
         m_photo->clear();
         return;
     }
     bar->setPlacement(item->placement);
     m_photo->show(*item, batch.format, stage->pictureSize());
+}
+
+void StageBinding::preview(const std::optional<PublicationItem>& item)
+{
+    m_preview = item;
+    show();
 }
 
 bool StageBinding::isIdle() const

@@ -2,6 +2,7 @@
 #include "model/CopySlot.h"
 #include "model/ImagePlacement.h"
 #include "model/Pace.h"
+#include "model/PublicationItem.h"
 
 #include <QObject>
 #include <QUuid>
@@ -25,6 +26,8 @@ public:
     ~StageBinding() override;
 
     void show();
+    // The current item in another state, to be looked at and not edited; none: as it is.
+    void preview(const std::optional<PublicationItem>& item);
     bool isIdle() const;
     CanvasInteractionView* canvas() const;
 
@@ -49,4 +52,5 @@ private:
     StudioShell* m_shell;
     StagePhoto* m_photo;
     bool m_safeZone = false;
+    std::optional<PublicationItem> m_preview;
 };

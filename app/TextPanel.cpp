@@ -3,6 +3,7 @@
 #include "app/PanelLayout.h"
 #include "app/SlotCard.h"
 #include "app/StyleHeader.h"
+#include "app/StyleShelf.h"
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
 #include "app/controls/FontField.h"
@@ -51,7 +52,7 @@ TextPanel::TextPanel(QWidget* parent)
       m_shadowOpacity(new SliderField(u"Opacidad"_s, percent, this)),
       m_shadowBlur(new SliderField(u"Desenfoque"_s, shadowRange, this)),
       m_shadowDistance(new SliderField(u"Distancia"_s, shadowRange, this)),
-      m_shadowAngle(new SliderField(u"Ángulo"_s, angleRange, this))
+      m_shadowAngle(new SliderField(u"Ángulo"_s, angleRange, this)), m_styles(new StyleShelf(this))
 {
     m_alignment->setStretched();
     m_boxOpacity->setAccessibleName(u"Opacidad de la caja"_s);
@@ -117,6 +118,7 @@ void TextPanel::buildStyle()
     layout->addRow(sectionTitle(u"Sombra"_s, this), 12);
     layout->addRow({m_shadowColor, m_shadowOpacity, m_shadowBlur}, 10);
     layout->addRow({m_shadowDistance, m_shadowAngle}, 8);
+    layout->addRow(m_styles, 12);
     layout->addStretch(1);
 }
 
@@ -200,7 +202,7 @@ QList<QWidget*> TextPanel::focusOrder() const
     order += {m_font,       m_size,           m_color,      m_alignment,   m_box,
               m_boxColor,   m_boxOpacity,     m_boxRadius,  m_shadowColor, m_shadowOpacity,
               m_shadowBlur, m_shadowDistance, m_shadowAngle};
-    return order;
+    return order + m_styles->focusOrder();
 }
 
 const TextLayer* TextPanel::selected() const

@@ -11,6 +11,7 @@ class SegmentedControl;
 class SliderField;
 class SlotCard;
 class StyleHeader;
+class StyleShelf;
 class Swatch;
 class Switch;
 
@@ -34,6 +35,7 @@ public:
     void setState(const TextPanelState& state);
     void editSlot(CopySlot slot);                  // its editor takes the focus, all text selected
     std::optional<CopySlot> editedSlot() const;    // whose editor has the focus
+    StyleShelf* styles() const { return m_styles; }
     QList<QWidget*> focusOrder() const;
 
 Q_SIGNALS:
@@ -78,4 +80,5 @@ private:
     SliderField* m_shadowBlur;
     SliderField* m_shadowDistance;
     SliderField* m_shadowAngle;
+    StyleShelf* m_styles;
 };

@@ -568,6 +568,42 @@ void StudioSession::pasteStyle()
     change([this](Batch& batch) { m_copiedStyle.pasteInto(batch); });
 }
 
+void StudioSession::applyTemplate(const QString& name, const TemplateApplication& design)
+{
+    const QList<int> reached = selectedIndicesForBatch();
+    if (reached.isEmpty())
+        return;
+    Q_EMIT aboutToMove();
+    setStatus(
+        u"Plantilla «%1» aplicada a %2 imagen(es)."_s.arg(name, QString::number(reached.size())),
+        StatusTone::done);
+    m_history.endContinuousChanges();    // a click is a step of its own
+    change([&](Batch& batch) {
+        for (const int index : reached)
+            design(batch.items.edit(index));
+        BatchSelection::settleSelectedLayer(batch);
+    });
+    m_history.endContinuousChanges();
+}
+
+void StudioSession::applyStyle(const DesignTemplate& style)
+{
+    const PublicationItem* item = m_batch.currentItem();
+    if (!item)
+        return;
+    const auto text = std::ranges::find(item->layers, m_batch.selectedLayerID, &TextLayer::id);
+    if (text == item->layers.end()) {
+        setStatus(u"Selecciona un texto para cambiar su estilo."_s);
+        return;
+    }
+    TextLayer changed = *text;
+    style.style.apply(changed);
+    setStatus(u"Estilo «%1» aplicado a %2 imagen(es)."_s.arg(
+                  style.name, QString::number(selectedIndicesForBatch().size())),
+              StatusTone::done);
+    editLayer(changed);
+}
+
 void StudioSession::markPaid(QUuid itemId, const QString& fingerprint)
 {
     // Also of an item that was discarded since: undoing brings it back.

@@ -9,6 +9,7 @@
 #include "studio/StyleClipboard.h"
 #include "studio/WorkspaceEncoder.h"
 #include "studio/WorkspaceStore.h"
+#include "templates/VisualTemplate.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -111,6 +112,11 @@ public:
     void copyStyleOf(QUuid item);    // of its layer that is selected in the current one
     bool canPasteStyle() const;
     void pasteStyle();
+
+    // Over every selected item, in one step. `name` is told.
+    void applyTemplate(const QString& name, const TemplateApplication& design);
+    // To the selected text, which reaches the other selected items.
+    void applyStyle(const DesignTemplate& style);
 
     // The item was exported: this render of it is paid for, whatever is undone later.
     void markPaid(QUuid item, const QString& fingerprint);

@@ -9,8 +9,8 @@
 #include <optional>
 #include <utility>
 
-// What the user keeps under names of his own, newest first. What he removes can be called back as
-// long as the program runs.
+// What the user keeps under names of his own, newest first. What is
+// removed or replaced can be called back as long as the program runs.
 template <typename Entry>
 class NamedList {
 public:
@@ -55,6 +55,21 @@ public:
         if (changed == *found)
             return false;
         m_entries[found - m_entries.cbegin()] = changed;
+        return true;
+    }
+
+    // The same with what it replaces kept, to be called back as an entry of its own.
+    template <typename Change>
+    bool replace(QUuid id, Change apply)
+    {
+        const Entry* found = find(id);
+        if (!found)
+            return false;
+        Entry before = *found;
+        if (!change(id, apply))
+            return false;
+        before.id = QUuid::createUuid();
+        m_removed.append({0, before});
         return true;
     }
 

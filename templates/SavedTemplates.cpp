@@ -41,7 +41,7 @@ QUuid SavedTemplates::saveTemplate(const PublicationItem& item, SocialFormat for
 
 void SavedTemplates::updateTemplate(QUuid id, const PublicationItem& item, SocialFormat format)
 {
-    const bool changed = m_templates.change(id, [&](VisualTemplate& entry) {
+    const bool changed = m_templates.replace(id, [&](VisualTemplate& entry) {
         VisualTemplate made = VisualTemplate::of(item, entry.name, format);
         made.id = entry.id;
         made.order = entry.order;
@@ -94,7 +94,7 @@ QUuid SavedTemplates::saveStyle(const TextLayerDesign& style)
 
 void SavedTemplates::updateStyle(QUuid id, const TextLayerDesign& style)
 {
-    if (m_styles.change(id, [&](DesignTemplate& entry) { entry.style = style; }))
+    if (m_styles.replace(id, [&](DesignTemplate& entry) { entry.style = style; }))
         storeStyles();
 }
 

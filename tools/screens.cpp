@@ -9,9 +9,12 @@
 #include "app/BatchColumn.h"
 #include "app/DropVeil.h"
 #include "app/MainWindow.h"
+#include "app/PresetGrid.h"
 #include "app/ShapesPanel.h"
 #include "app/SidePanel.h"
 #include "app/StudioShell.h"
+#include "app/TemplatesBinding.h"
+#include "app/TemplatesPanel.h"
 #include "app/TextPanel.h"
 #include "app/Theme.h"
 #include "app/controls/Button.h"
@@ -31,6 +34,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QScopeGuard>
+#include <QScrollBar>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -174,8 +178,47 @@ private:
         panel->setTab(SideTab::shapes);
         reached &= take(u"panel-shapes"_s);
         panel->setTab(SideTab::templates);
-        reached &= take(u"panel-templates"_s);
+        reached &= take(u"panel-templates-none-saved"_s);
+        return reached & takePresets();
+    }
+
+    // Templates and styles of the user's own, and what comes with the program.
+    bool takePresets()
+    {
+        SidePanel* panel = m_window.shell()->sidePanel();
+        SavedTemplates& saved = m_window.templates().saved();
+        for (const QString& name : {u"Otoño 2026"_s, u"Con perro"_s, u"Rutas"_s}) {
+            m_session.selectSingleIndex(m_session.batch().selectedIndex + 1);
+            saved.renameTemplate(saved.saveTemplate(current(), m_session.batch().format), name);
+        }
+        select(CopySlot::title);
+        for (const CopySlot slot : allCases<CopySlot>()) {
+            select(slot);
+            const TextLayer& text = *std::ranges::find(current().layers, slot, &TextLayer::slot);
+            saved.renameStyle(saved.saveStyle(text), row(slot).displayName.toString());
+        }
+        panel->setTab(SideTab::templates);
+        bool reached = take(u"panel-templates"_s);
+        PresetGrid* packaged = panel->templatesPanel()->packaged();
+        const QUuid last = packaged->presets().last().id;
+        Q_EMIT packaged->previewWanted(last);
+        reached &= take(u"template-preview"_s);
+        Q_EMIT packaged->previewEnded();
+        packaged->tile(last)->click();
+        reached &= take(u"template-applied"_s);
+        panel->templatesPanel()->rename(saved.templates().entries().first().id);
+        reached &= take(u"template-renamed"_s);
+        m_window.setFocus();
+        m_session.setFormat(SocialFormat::storyReel);
+        reached &= take(u"panel-templates-story"_s);
+        m_session.setFormat(SocialFormat::horizontal);
+        reached &= take(u"panel-templates-horizontal"_s);
         panel->setTab(SideTab::text);
+        auto* area = panel->textPanel()->parentWidget()->parentWidget();
+        auto* bar = qobject_cast<QAbstractScrollArea*>(area)->verticalScrollBar();
+        bar->setValue(bar->maximum());
+        reached &= take(u"panel-styles"_s);
+        bar->setValue(0);
         return reached;
     }
 

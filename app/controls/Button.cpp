@@ -98,7 +98,13 @@ QSize PushButton::sizeHint() const
     if (m_labels == Labels::hidden)
         return {42, size.height};
     const int icon = m_icon == Icon::none ? 0 : 20 + size.gap - 2;
-    return {2 * size.padding + icon + qCeil(textWidth(textType(), text())), size.height};
+    return {2 * padding() + icon + qCeil(textWidth(textType(), text())), size.height};
+}
+
+// What has no ground stands flush with what is above and below it.
+int PushButton::padding() const
+{
+    return m_kind == ButtonKind::link ? 2 : row(m_size).padding;
 }
 
 Type PushButton::textType() const
@@ -122,9 +128,13 @@ void PushButton::paintEvent(QPaintEvent*)
     } else if (m_kind == ButtonKind::soft) {
         fill = mixed(theme.accentSoft, mixed(theme.accentSoft, theme.accent, 0.14), hovered());
         ink = theme.accentText;
+    } else if (m_kind == ButtonKind::link) {
+        fill = withOpacity(theme.hover, hovered());
+        ink = theme.accentText;
     }
     if (!isEnabled()) {
-        fill = mixed(theme.panel, theme.control, 0.65);
+        fill =
+            m_kind == ButtonKind::link ? Qt::transparent : mixed(theme.panel, theme.control, 0.65);
         ink = theme.dis;
     } else if (isDown()) {
         painter.setOpacity(0.86);
@@ -137,12 +147,12 @@ void PushButton::paintEvent(QPaintEvent*)
                 fill);
     if (m_labels == Labels::hidden)
         return paintIcon(painter, m_icon, rect(), 20, ink);
-    int left = size.padding;
+    int left = padding();
     if (m_icon != Icon::none) {
         paintIcon(painter, m_icon, QRectF(left - 2, 0, 20, height()), 20, ink);
         left += 20 + size.gap - 2;
     }
-    paintText(painter, QRectF(left, 0, width() - left - size.padding + 1, height()), Qt::AlignLeft,
+    paintText(painter, QRectF(left, 0, width() - left - padding() + 1, height()), Qt::AlignLeft,
               textType(), ink, text());
 }
 

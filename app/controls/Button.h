@@ -26,8 +26,8 @@ private:
     double m_hovered = 0;
 };
 
-// `raised` is the neutral one on the ground of the stage.
-enum class ButtonKind { neutral, raised, soft, primary };
+// `raised` is the neutral one on the ground of the stage; `link` has no ground of its own.
+enum class ButtonKind { neutral, raised, soft, primary, link };
 enum class ButtonSize { small, regular, large };
 struct ButtonSizeRow {
     ButtonSize size;
@@ -64,6 +64,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    int padding() const;
     Type textType() const;
 
     Icon m_icon;

@@ -1,0 +1,63 @@
+#pragma once
+#include "app/PresetTile.h"
+
+#include <QTimer>
+
+// Presets in rows. One stop of the keyboard: arrows go from one to the next, Enter chooses, the
+// menu key opens the menu.
+class PresetGrid : public QWidget {
+    Q_OBJECT
+public:
+    PresetGrid(const QString& name, PresetOwner owner, QWidget* parent = nullptr);
+
+    // `ratio`: of a picture, width to height.
+    void setShape(int columns, double ratio);
+    void setPresets(const QList<Preset>& presets);
+    const QList<Preset>& presets() const { return m_presets; }
+    // In pixels of the screen.
+    QSize picturePixels() const;
+    void setPicture(QUuid id, const QImage& picture);
+    // Each is wanted anew once it is seen.
+    void outdatePicture(QUuid id);
+    void outdatePictures();
+    void rename(QUuid id);
+    PresetTile* tile(QUuid id) const;
+
+    QSize sizeHint() const override;
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
+
+Q_SIGNALS:
+    void chosen(QUuid id);
+    void previewWanted(QUuid id);    // the pointer or the keyboard rests on it
+    void previewEnded();
+    void pictureWanted(QUuid id);
+    void menuRequested(QUuid id, QPoint globalPosition);
+    void renamed(QUuid id, const QString& name);
+    void removeRequested(QUuid id);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    PresetTile* newTile();
+    void place();
+    int tileWidth(int width) const;
+    void rest(QUuid id);
+    void leave();
+    void mark(int index);
+
+    QString m_name;
+    PresetOwner m_owner;
+    int m_columns = 2;
+    double m_ratio = 1;
+    QList<Preset> m_presets;
+    QList<PresetTile*> m_tiles;    // in the order of the presets
+    int m_marked = 0;              // where the keyboard is
+    QTimer m_resting;
+    QUuid m_restedOn, m_previewed;
+};

@@ -1,0 +1,173 @@
+#include "app/PresetTile.h"
+
+#include "app/controls/LineField.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int captionGap = 4, captionHeight = 20, moreSide = 20, ringReach = 3;
+}
+
+PresetTile::PresetTile(PresetOwner owner, QWidget* parent) : Control(parent), m_owner(owner)
+{
+    // The grid is one stop of the keyboard; it hands the focus ring around.
+    setFocusPolicy(Qt::NoFocus);
+    setProperty("focusRadius", Radius::thumbnail);
+    if (owner == PresetOwner::program)
+        return;
+    m_more = new IconButton(Icon::more, u"Más acciones"_s, moreSide, this);
+    m_more->setIconSize(16);
+    m_more->setFocusPolicy(Qt::NoFocus);
+    connect(m_more, &IconButton::clicked, this, &PresetTile::showMenu);
+}
+
+int PresetTile::heightFor(int width, double ratio)
+{
+    return qRound(width / ratio) + captionGap + captionHeight;
+}
+
+void PresetTile::setPreset(const Preset& preset)
+{
+    if (preset == m_preset)
+        return;
+    m_preset = preset;
+    setAccessibleName(preset.chosen ? preset.name + u", aplicada"_s : preset.name);
+    setToolTip(preset.name);
+    update();
+}
+
+void PresetTile::setRatio(double ratio)
+{
+    m_ratio = ratio;
+    update();
+}
+
+QRect PresetTile::pictureRect() const
+{
+    return {0, 0, width(), std::max(1, height() - captionGap - captionHeight)};
+}
+
+QSize PresetTile::picturePixels() const
+{
+    return (QSizeF(pictureRect().size()) * devicePixelRatioF()).toSize();
+}
+
+void PresetTile::setPicture(const QImage& picture)
+{
+    m_isAwaited = false;
+    m_isOutdated = false;
+    // What cannot be drawn leaves what is there.
+    if (!picture.isNull())
+        m_picture = picture;
+    update();
+}
+
+void PresetTile::outdatePicture()
+{
+    m_isOutdated = true;
+    m_isAwaited = false;
+    update();
+}
+
+void PresetTile::rename()
+{
+    if (m_owner == PresetOwner::program || m_name)
+        return;
+    m_name = new LineField(u"Nombre"_s, {}, Icon::none, this);
+    m_name->setShown(m_preset.name);
+    m_name->setGeometry(0, height() - m_name->height(), width(), m_name->height());
+    connect(m_name, &LineField::edited, this, &PresetTile::renamed);
+    connect(m_name, &LineField::editingFinished, this, &PresetTile::endRename);
+    m_name->show();
+    m_name->setFocus(Qt::OtherFocusReason);
+    m_name->selectAll();
+}
+
+void PresetTile::endRename()
+{
+    if (LineField* name = std::exchange(m_name, nullptr)) {
+        name->hide();
+        name->deleteLater();
+    }
+}
+
+void PresetTile::showMenu()
+{
+    const QPoint below = m_more ? m_more->geometry().bottomLeft() : pictureRect().center();
+    Q_EMIT menuRequested(mapToGlobal(below));
+}
+
+bool PresetTile::event(QEvent* event)
+{
+    if (event->type() == QEvent::HoverEnter)
+        Q_EMIT pointedAt();
+    else if (event->type() == QEvent::HoverLeave || event->type() == QEvent::Hide)
+        Q_EMIT pointerLeft();
+    return Control::event(event);
+}
+
+void PresetTile::resizeEvent(QResizeEvent*)
+{
+    if (m_more)
+        m_more->move(width() - moreSide, height() - captionHeight);
+    if (m_name)
+        m_name->setGeometry(0, height() - m_name->height(), width(), m_name->height());
+}
+
+// All keys are the grid's.
+void PresetTile::keyPressEvent(QKeyEvent* event)
+{
+    event->ignore();
+}
+
+void PresetTile::contextMenuEvent(QContextMenuEvent* event)
+{
+    Q_EMIT menuRequested(event->globalPos());
+}
+
+void PresetTile::paintEvent(QPaintEvent*)
+{
+    const Theme& theme = themeOf(this);
+    if (!m_isAwaited && (m_isOutdated || m_picture.size() != picturePixels())) {
+        m_isAwaited = true;
+        QMetaObject::invokeMethod(this, &PresetTile::pictureWanted, Qt::QueuedConnection);
+    }
+    QPainter painter(this);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    QRectF box = pictureRect();
+    if (m_preset.chosen) {
+        strokeRounded(painter, box, Radius::thumbnail + ringReach, theme.accentLine, 2);
+        box.adjust(ringReach, ringReach, -ringReach, -ringReach);
+    }
+    if (m_picture.isNull()) {
+        fillRounded(painter, box, Radius::thumbnail, theme.empty);
+    } else {
+        QBrush brush(m_picture);
+        brush.setTransform(
+            QTransform::fromTranslate(box.left(), box.top())
+                .scale(box.width() / m_picture.width(), box.height() / m_picture.height()));
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(brush);
+        painter.drawRoundedRect(box, Radius::thumbnail, Radius::thumbnail);
+    }
+    if (hovered() > 0 && isEnabled())
+        strokeRounded(painter, box, Radius::thumbnail,
+                      QColor(255, 255, 255, qRound(61 * hovered())));
+    if (!isEnabled()) {
+        fillRounded(painter, box, Radius::thumbnail, withOpacity(theme.panel, 0.6));
+    }
+    QRectF caption(0, height() - captionHeight, width(), captionHeight);
+    if (m_more)
+        caption.setRight(caption.right() - moreSide - 2);
+    if (m_preset.chosen) {
+        paintIcon(painter, Icon::check,
+                  QRectF(caption.right() - 16, caption.top(), 16, captionHeight), 16,
+                  theme.accentText);
+        caption.setRight(caption.right() - 18);
+    }
+    paintText(painter, caption, Qt::AlignLeft, Type::small, isEnabled() ? theme.text : theme.dis,
+              m_preset.name);
+}

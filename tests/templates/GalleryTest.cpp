@@ -1,0 +1,73 @@
+#include "templates/BuiltInTemplateLibrary.h"
+
+#include "canvas/TextFitting.h"
+
+#include <QDir>
+#include <QFontInfo>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+// A file that does not read is passed over in silence: here it is missed.
+TEST(Gallery, HoldsWholeDesignsForEveryFormat)
+{
+    const BuiltInTemplateLibrary library;
+    qsizetype count = 0;
+    QSet<QUuid> ids;
+    for (const SocialFormat format : allCases<SocialFormat>()) {
+        QSet<int> orders;
+        QSet<QString> names;
+        for (const JSONVisualTemplateDefinition& design : library.definitions(format)) {
+            const std::string place = design.sourceURL.fileName().toStdString();
+            ++count;
+            ids.insert(design.id);
+            orders.insert(design.order);
+            names.insert(design.name);
+            EXPECT_EQ(design.format, row(format).templateKey.toString()) << place;
+            EXPECT_EQ(design.textLayers.size(), 4) << place;
+            // Whatever was applied before leaves no trace.
+            PublicationItem plain = PublicationItem::make({}, {}), styled = plain;
+            for (TextLayer& layer : styled.layers) {
+                const TextLayer kept = layer;
+                layer = TextLayer(kept.id, kept.slot, kept.text, !kept.isVisible, {});
+                layer.alignment = LayerTextAlignment::justified;
+                layer.foreground = layer.background = layer.shadowColor = {0.1, 0.2, 0.3};
+                layer.fontName = u"otra"_s;
+                layer.hasBox = !design.textLayers.first().hasBox.value_or(false);
+                layer.fontScale = layer.backgroundOpacity = layer.cornerRadius = 0.123;
+                layer.shadowOpacity = layer.shadowRadius = layer.shadowDistance = 0.123;
+                layer.shadowAngle = 12;
+            }
+            design.application()(plain);
+            design.application()(styled);
+            EXPECT_EQ(plain, styled) << place;
+        }
+        EXPECT_GE(orders.size(), 8);
+        EXPECT_EQ(orders.size(), library.definitions(format).size()) << "two of one order";
+        EXPECT_EQ(names.size(), orders.size()) << "two of one name";
+    }
+    EXPECT_EQ(ids.size(), count);
+    EXPECT_EQ(count, QDir(u":/templates/gallery"_s).entryList({u"*.json"_s}).size());
+}
+
+// An unknown name falls to the system font without a word.
+TEST(Gallery, UsesInstalledFontsAlone)
+{
+    const BuiltInTemplateLibrary library;
+    for (const SocialFormat format : allCases<SocialFormat>()) {
+        for (const JSONVisualTemplateDefinition& design : library.definitions(format)) {
+            PublicationItem item = PublicationItem::make({}, {});
+            design.application()(item);
+            for (const TextLayer& layer : item.layers) {
+                if (layer.fontName == u"System"_s)
+                    continue;
+                const QFontInfo resolved(ExportCanvasRenderer::nsFont(layer, 20).face);
+                EXPECT_TRUE(layer.fontName.startsWith(resolved.family()))
+                    << design.sourceURL.fileName().toStdString() << ": "
+                    << layer.fontName.toStdString() << " came out as "
+                    << resolved.family().toStdString();
+            }
+        }
+    }
+}
