@@ -5,57 +5,21 @@
 
 #include "app/MainWindow.h"
 #include "app/Theme.h"
+#include "benchmarks/Measuring.h"
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
 #include "studio/StudioSession.h"
 
-#include <QApplication>
-#include <QElapsedTimer>
-#include <QEventLoop>
 #include <QScopeGuard>
 #include <QTemporaryDir>
-#include <QTimer>
-
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int edits = 60;
-
-void turnFor(int milliseconds)
-{
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-template <typename Done>
-void turnUntil(Done done)
-{
-    while (!done())
-        turnFor(20);
-}
-
-double milliseconds(qint64 nanoseconds)
-{
-    return double(nanoseconds) / 1e6;
-}
-
-void report(const char* what, QList<qint64> times)
-{
-    std::ranges::sort(times);
-    const auto at = [&](double share) {
-        return milliseconds(
-            times[std::min(qsizetype(share * double(times.size())), times.size() - 1)]);
-    };
-    std::printf("%-44s median %6.2f ms   95th %6.2f ms   longest %6.2f ms\n", what, at(0.5),
-                at(0.95), at(1));
-    std::fflush(stdout);
-}
 
 // The same edit of the title again and again, each time of another length in the document.
 struct Restyle {
@@ -72,14 +36,11 @@ struct Restyle {
     }
 };
 
-QList<qint64> timed(const std::function<void()>& edit, int pauseBetween)
+std::vector<double> timed(const std::function<void()>& edit, int pauseBetween)
 {
-    QList<qint64> times;
+    std::vector<double> times;
     for (int i = 0; i < edits; ++i) {
-        QElapsedTimer watch;
-        watch.start();
-        edit();
-        times.append(watch.nsecsElapsed());
+        times.push_back(timeOf(edit));
         turnFor(pauseBetween);
     }
     return times;

@@ -8,6 +8,7 @@
 #include "app/MainWindow.h"
 #include "app/StudioShell.h"
 #include "app/Theme.h"
+#include "benchmarks/Measuring.h"
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
@@ -16,43 +17,14 @@
 #include "studio/PhotoFolder.h"
 #include "studio/StudioSession.h"
 
-#include <QApplication>
-#include <QElapsedTimer>
 #include <QScopeGuard>
 #include <QTemporaryDir>
 
-#include <algorithm>
-#include <cstdio>
 #include <numeric>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Times every event that reaches a receiver from outside another.
-class TimedApplication : public QApplication {
-public:
-    using QApplication::QApplication;
-
-    bool notify(QObject* receiver, QEvent* event) override
-    {
-        if (m_depth > 0)
-            return QApplication::notify(receiver, event);
-        QElapsedTimer watch;
-        watch.start();
-        ++m_depth;
-        const bool done = QApplication::notify(receiver, event);
-        --m_depth;
-        milliseconds.push_back(double(watch.nsecsElapsed()) / 1e6);
-        return done;
-    }
-
-    std::vector<double> milliseconds;
-
-private:
-    int m_depth = 0;
-};
 
 double reducedDecodeOfEach(const QList<QUrl>& photos)
 {
@@ -92,11 +64,7 @@ int main(int argc, char** argv)
     MainWindow window(session, cache, preferences);
     window.show();
     session.restoreWorkspaceIfNeeded();
-    for (QElapsedTimer pause; !pause.isValid() || pause.elapsed() < 300;) {
-        if (!pause.isValid())
-            pause.start();
-        QApplication::processEvents();
-    }
+    turnFor(300);
 
     const TileGrid* grid = window.shell()->batchColumn()->grid();
     double firstPicture = 0;

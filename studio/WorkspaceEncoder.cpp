@@ -5,18 +5,6 @@
 
 namespace {
 
-template <typename Layer>
-void updateLayers(QList<QByteArray>& texts, const QList<Layer>& known, const QList<Layer>& layers)
-{
-    QList<QByteArray> updated;
-    updated.reserve(layers.size());
-    for (qsizetype i = 0; i < layers.size(); ++i) {
-        const bool isKnown = i < texts.size() && i < known.size() && known[i] == layers[i];
-        updated.append(isKnown ? texts[i] : toJson(layers[i]));
-    }
-    texts = updated;
-}
-
 QByteArray headOf(const PublicationItem& item)
 {
     QByteArray head = "{\"id\":" + toJson(item.id) + ",\"url\":" + toJson(item.url);
@@ -27,7 +15,26 @@ QByteArray headOf(const PublicationItem& item)
 
 }    // namespace
 
-void WorkspaceEncoder::update(Pieces& pieces, const PublicationItem& item)
+// Identity, slot and text come first in a layer; all else is mostly that of the item before.
+QByteArray WorkspaceEncoder::textOf(const TextLayer& layer, qsizetype place, Shared& shared)
+{
+    const QByteArray head = "{\"id\":" + toJson(layer.id) +
+                            ",\"slot\":" + toJson(rawValue(layer.slot)) +
+                            ",\"text\":" + toJson(layer.text);
+    TextLayer style = layer;
+    style.id = {};
+    style.text.clear();
+    style.slot = {};
+    shared.styles.resize(std::max(shared.styles.size(), place + 1));
+    auto& [known, rest] = shared.styles[place];
+    if (rest.isEmpty() || !(known == style)) {
+        rest = toJson(layer).sliced(head.size());
+        known = style;
+    }
+    return head + rest;
+}
+
+void WorkspaceEncoder::update(Pieces& pieces, const PublicationItem& item, Shared& shared)
 {
     const PublicationItem* known = pieces.item.isEmpty() ? nullptr : &pieces.item.first();
     if (!known || known->url != item.url)
@@ -38,11 +45,20 @@ void WorkspaceEncoder::update(Pieces& pieces, const PublicationItem& item)
         pieces.placement = toJson(item.placement);
     if (!known || known->paidRenderFingerprints != item.paidRenderFingerprints)
         pieces.paid = toJson(item.paidRenderFingerprints);
-    updateLayers(pieces.layers, known ? known->layers : QList<TextLayer>(), item.layers);
-    updateLayers(pieces.shapes, known ? known->shapeLayers : QList<ShapeLayer>(), item.shapeLayers);
+    pieces.layers.resize(item.layers.size());
+    for (qsizetype i = 0; i < item.layers.size(); ++i) {
+        if (!known || i >= known->layers.size() || !(known->layers[i] == item.layers[i]))
+            pieces.layers[i] = textOf(item.layers[i], i, shared);
+    }
+    if (!known || known->shapeLayers != item.shapeLayers) {
+        QByteArray& shapes = shared.shapes[item.shapeLayers.constData()];
+        if (shapes.isEmpty())
+            shapes = toJson(item.shapeLayers);
+        pieces.shapes = shapes;
+    }
     pieces.whole = pieces.head + ",\"analysis\":" + pieces.analysis + ",\"layers\":[" +
-                   pieces.layers.join(',') + "],\"shapeLayers\":[" + pieces.shapes.join(',') +
-                   "],\"placement\":" + pieces.placement +
+                   pieces.layers.join(',') + "],\"shapeLayers\":" + pieces.shapes +
+                   ",\"placement\":" + pieces.placement +
                    ",\"paidRenderFingerprints\":" + pieces.paid + '}';
 }
 
@@ -58,11 +74,12 @@ const QByteArray& WorkspaceEncoder::encode(const Batch& batch)
     if (!batch.selectedLayerID.isNull())
         document += ",\"selectedLayerID\":" + toJson(batch.selectedLayerID);
     document += ",\"items\":[";
+    Shared shared;
     for (qsizetype i = 0; i < batch.items.size(); ++i) {
         const PublicationItem& item = batch.items[i];
         Pieces& pieces = m_items[item.id];
         if (pieces.item.isEmpty() || !pieces.item.shares(0, batch.items, i)) {
-            update(pieces, item);
+            update(pieces, item, shared);
             pieces.item = batch.items.mid(i, 1);
         }
         if (i > 0)

@@ -1,5 +1,6 @@
 #pragma once
 #include <QApplication>
+#include <QHoverEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWidget>
@@ -19,6 +20,13 @@ inline void type(QWidget& widget, int key, Qt::KeyboardModifiers modifiers = Qt:
 {
     QKeyEvent event(QEvent::KeyPress, key, modifiers);
     QApplication::sendEvent(&widget, &event);
+}
+
+// `type`: HoverEnter or HoverLeave.
+inline void hover(QWidget* widget, QEvent::Type type)
+{
+    QHoverEvent event(type, widget->rect().center(), widget->rect().center(), QPointF());
+    QApplication::sendEvent(widget, &event);
 }
 
 inline void settle()

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+// What the benchmarks of the window share.
+
+inline void turnFor(int milliseconds)
+{
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+template <typename Done>
+void turnUntil(Done done)
+{
+    while (!done())
+        turnFor(20);
+}
+
+// Milliseconds.
+inline void report(const char* what, std::vector<double> times)
+{
+    std::ranges::sort(times);
+    const auto at = [&](double share) {
+        return times[std::min(std::size_t(share * double(times.size())), times.size() - 1)];
+    };
+    std::printf("%-44s median %6.2f ms   95th %6.2f ms   longest %6.2f ms\n", what, at(0.5),
+                at(0.95), at(1));
+    std::fflush(stdout);
+}
+
+template <typename Work>
+double timeOf(Work work)
+{
+    QElapsedTimer watch;
+    watch.start();
+    work();
+    return double(watch.nsecsElapsed()) / 1e6;
+}
+
+// Times every event that reaches a receiver from outside another.
+class TimedApplication : public QApplication {
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        if (m_depth > 0)
+            return QApplication::notify(receiver, event);
+        ++m_depth;
+        bool done = false;
+        milliseconds.push_back(timeOf([&] { done = QApplication::notify(receiver, event); }));
+        --m_depth;
+        return done;
+    }
+
+    std::vector<double> milliseconds;
+
+private:
+    int m_depth = 0;
+};

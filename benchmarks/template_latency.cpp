@@ -1,0 +1,122 @@
+// What templates cost on the interface thread: laying one over all items, and opening the tab with
+// forty of them.
+//
+//     template_latency PHOTOS     a folder; 500 photos for the figures that are compared
+
+#include "app/MainWindow.h"
+#include "app/SidePanel.h"
+#include "app/StudioShell.h"
+#include "app/TemplatesBinding.h"
+#include "app/Theme.h"
+#include "benchmarks/Measuring.h"
+#include "platform/Memory.h"
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
+#include "studio/StudioSession.h"
+
+#include <QDir>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int clicks = 40, designs = 40;
+
+// One design after another, each a step of its own.
+struct Apply {
+    StudioSession& session;
+    QList<JSONVisualTemplateDefinition> gallery =
+        BuiltInTemplateLibrary().definitions(session.batch().format);
+    qsizetype count = 0;
+
+    void operator()()
+    {
+        const JSONVisualTemplateDefinition& design = gallery[count++ % gallery.size()];
+        session.applyTemplate(design.name, design.application());
+    }
+};
+
+std::vector<double> timed(const std::function<void()>& click, int pauseBetween)
+{
+    std::vector<double> times;
+    for (int i = 0; i < clicks; ++i) {
+        times.push_back(timeOf(click));
+        turnFor(pauseBetween);
+    }
+    return times;
+}
+
+}    // namespace
+
+int main(int argc, char** argv)
+{
+    settleAllocator();
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    TimedApplication application(argc, argv);
+    const auto finish = qScopeGuard(&finishWorkers);
+    dress(application, darkTheme(), Motion::reduced);
+    if (argc != 2) {
+        std::fprintf(stderr, "template_latency PHOTOS\n");
+        return 2;
+    }
+    const QUrl folder = QUrl::fromLocalFile(QDir(QString::fromLocal8Bit(argv[1])).absolutePath());
+    const QTemporaryDir own;
+    const auto photos = std::make_shared<PhotoCache>(own.filePath(u"thumbnails"_s));
+
+    // A store that cannot be opened refuses at once: the click without the write.
+    for (const QString& store : {own.filePath(u"a.sqlite"_s), u"/proc/nowhere/b.sqlite"_s}) {
+        PreferencesStore preferences(store);
+        StudioSession session(photos, preferences);
+        session.restoreWorkspaceIfNeeded();
+        session.load({folder});
+        turnUntil([&] { return !session.isImporting(); });
+        std::printf("%lld photos%s\n", qlonglong(session.batch().items.size()),
+                    preferences.isOpen() ? "" : ", without the write");
+        Apply apply{session};
+        report("session, one selected", timed([&] { apply(); }, 30));
+        session.selectAll();
+        turnFor(200);
+        report("session, all selected", timed([&] { apply(); }, 60));
+    }
+    {
+        PreferencesStore preferences(own.filePath(u"c.sqlite"_s));
+        StudioSession session(photos, preferences);
+        MainWindow window(session, photos, preferences);
+        window.resize(1440, 900);
+        window.show();
+        session.restoreWorkspaceIfNeeded();
+        session.load({folder});
+        turnUntil([&] { return !session.isImporting() && window.isSettled(); });
+        Apply apply{session};
+        // Those of the user fill the tab up to forty.
+        const auto missing = designs - apply.gallery.size();
+        for (qsizetype i = 0; i < missing; ++i) {
+            apply();
+            window.templates().saved().saveTemplate(*session.batch().currentItem(),
+                                                    session.batch().format);
+        }
+        turnUntil([&] { return window.isSettled(); });
+        turnFor(1000);
+
+        application.milliseconds.clear();
+        QElapsedTimer watch;
+        watch.start();
+        window.shell()->sidePanel()->setTab(SideTab::templates);
+        turnFor(1);
+        turnUntil([&] { return window.isSettled(); });
+        std::printf("%d designs, all seen drawn after %lld ms\n", designs,
+                    qlonglong(watch.elapsed()));
+        report("opening the tab, events", application.milliseconds);
+
+        session.selectAll();
+        turnFor(1000);
+        application.milliseconds.clear();
+        report("window, all selected, the click itself", timed([&] { apply(); }, 200));
+        report("window, all selected, events after it", application.milliseconds);
+    }
+    std::printf("peak memory %.0f MB\n", double(peakMemory()) / 1e6);
+    return 0;
+}

@@ -1,0 +1,199 @@
+#include "app/MainWindow.h"
+#include "app/PresetGrid.h"
+#include "app/SidePanel.h"
+#include "app/StagePanel.h"
+#include "app/StudioShell.h"
+#include "app/StyleShelf.h"
+#include "app/TemplatesBinding.h"
+#include "app/TemplatesPanel.h"
+#include "app/TextPanel.h"
+#include "app/controls/LineField.h"
+#include "app/controls/StatusLine.h"
+#include "canvas/interaction/CanvasInteractionView.h"
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "studio/StudioSession.h"
+#include "tests/app/Events.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+
+#include <QtTest/QTest>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The window with three photos, the templates open.
+class TemplatesTest : public ::testing::Test {
+protected:
+    TemplatesTest()
+    {
+        session.restoreWorkspaceIfNeeded();
+        window.resize(1280, 800);
+        window.show();
+        for (int i = 0; i < 3; ++i) {
+            QImage image(60, 40, QImage::Format_RGB32);
+            image.fill(QColor::fromHsv(i * 30, 200, 200));
+            EXPECT_TRUE(image.save(m_folder.filePath(u"f%1.png"_s.arg(i))));
+        }
+        session.load({QUrl::fromLocalFile(m_folder.path())});
+        settle();
+        side()->setTab(SideTab::templates);
+        settle();
+    }
+    void settle()
+    {
+        for (int turn = 0; turn < 3; ++turn) {
+            QTest::qWait(20);
+            ASSERT_TRUE(QTest::qWaitFor([this] { return window.isSettled(); }, 30000));
+        }
+    }
+    SidePanel* side() { return window.shell()->sidePanel(); }
+    PresetGrid* packaged() { return side()->templatesPanel()->packaged(); }
+    PresetGrid* own() { return side()->templatesPanel()->own(); }
+    SavedTemplates& saved() { return window.templates().saved(); }
+    const PublicationItem& current() { return *session.batch().currentItem(); }
+    QByteArray onCanvas()
+    {
+        const QImage image = window.shell()->stage()->canvas()->grab().toImage();
+        return {reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes()};
+    }
+
+    QTemporaryDir m_folder, m_data;
+    std::shared_ptr<PhotoCache> m_photos =
+        std::make_shared<PhotoCache>(m_data.filePath(u"cache"_s));
+    PreferencesStore preferences{m_data.filePath(u"preferences.sqlite"_s)};
+    StudioSession session{m_photos, preferences};
+    MainWindow window{session, m_photos, preferences};
+};
+
+}    // namespace
+
+TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
+{
+    session.selectLayer(QUuid());
+    settle();
+    const Batch before = session.batch();
+    const bool couldUndo = session.canUndo();
+    const QByteArray shown = onCanvas();
+    PresetTile* tile = packaged()->tile(packaged()->presets().first().id);
+    hover(tile, QEvent::HoverEnter);
+    QTest::qWait(100);
+    EXPECT_EQ(onCanvas(), shown);    // not at once
+    QTest::qWait(400);
+    settle();
+    EXPECT_NE(onCanvas(), shown);
+    EXPECT_EQ(session.batch(), before);
+    hover(tile, QEvent::HoverLeave);
+    settle();
+    EXPECT_EQ(onCanvas(), shown);
+    EXPECT_EQ(session.canUndo(), couldUndo);
+
+    session.selectAll();
+    session.setText(CopySlot::title, u"Solo en esta"_s);
+    hover(tile, QEvent::HoverEnter);
+    QTest::qWait(400);
+    tile->click();
+    settle();
+    for (const PublicationItem& item : session.batch().items) {
+        EXPECT_NE(item.layers[0].frame, before.items[0].layers[0].frame);
+        EXPECT_EQ(item.shapeLayers, current().shapeLayers);    // ids included
+    }
+    EXPECT_EQ(current().layers[0].text, u"Solo en esta"_s);
+    EXPECT_TRUE(tile->preset().chosen);
+    EXPECT_EQ(session.status(),
+              u"Plantilla «%1» aplicada a 3 imagen(es)."_s.arg(tile->preset().name));
+    session.undo();
+    EXPECT_EQ(session.batch().items[1], before.items[1]);    // one step for all
+    EXPECT_EQ(session.batch().items[2], before.items[2]);
+    EXPECT_EQ(current().layers[0].text, u"Solo en esta"_s);
+}
+
+TEST_F(TemplatesTest, AreSavedRenamedAndFound)
+{
+    EXPECT_TRUE(own()->presets().isEmpty());
+    window.activateWindow();
+    window.templates().saveTemplate();
+    auto* name = qobject_cast<LineField*>(QApplication::focusWidget());
+    ASSERT_TRUE(name);    // in place, ready to be typed over
+    QTest::keyClicks(name, u"Otoño rural"_s);
+    QTest::keyClick(name, Qt::Key_Return);
+    ASSERT_EQ(own()->presets().size(), 1);
+    EXPECT_EQ(own()->presets().first().name, u"Otoño rural"_s);
+    EXPECT_TRUE(own()->presets().first().chosen);
+
+    auto* search = side()->templatesPanel()->findChild<LineField*>();
+    search->setText(u" OTONO"_s);
+    EXPECT_EQ(own()->presets().size(), 1);
+    EXPECT_TRUE(packaged()->presets().isEmpty());
+    search->setText(u"nada"_s);
+    EXPECT_TRUE(own()->presets().isEmpty());
+    search->clear();
+
+    session.setFormat(SocialFormat::storyReel);
+    settle();
+    EXPECT_TRUE(own()->presets().isEmpty());    // made for another format
+    EXPECT_FALSE(packaged()->presets().isEmpty());
+    session.setFormat(SocialFormat::carouselPortrait);
+    settle();
+
+    // The keyboard alone: the ring, the choice, the removal.
+    own()->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(own(), Qt::Key_Delete);
+    EXPECT_TRUE(saved().templates().entries().isEmpty());
+    Q_EMIT side()->templatesPanel()->callBackRequested();
+    EXPECT_EQ(own()->presets().size(), 1);
+    packaged()->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(packaged(), Qt::Key_Right);
+    QTest::keyClick(packaged(), Qt::Key_Return);
+    EXPECT_TRUE(packaged()->presets()[1].chosen);
+}
+
+TEST_F(TemplatesTest, GoOutAndComeInAsFiles)
+{
+    const QString file = m_data.filePath(u"plantilla.json"_s);
+    const auto told = [this] { return window.shell()->statusLine()->accessibleName(); };
+    packaged()->tile(packaged()->presets().first().id)->click();
+    window.templates().exportDefinition(packaged()->presets().first().id, file);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return told().contains(u"exportada"_s); }, 10000));
+    window.templates().importDefinition(file);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return own()->presets().size() == 1; }, 10000));
+    EXPECT_EQ(own()->presets().first().name, packaged()->presets().first().name);
+    EXPECT_TRUE(own()->presets().first().chosen);    // it makes the same of the image
+    window.templates().importDefinition(file);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return told().contains(u"ya está"_s); }, 10000));
+    window.templates().importDefinition(m_folder.filePath(u"f0.png"_s));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return told().contains(u"no es una plantilla"_s); }, 10000));
+    EXPECT_EQ(saved().templates().entries().size(), 1);
+}
+
+TEST_F(TemplatesTest, StylesReachTheSelectedTextOfAllSelectedImages)
+{
+    side()->setTab(SideTab::text);
+    StyleShelf* shelf = side()->textPanel()->styles();
+    session.selectLayer(current().layers[0].id);
+    TextLayer title = current().layers[0];
+    title.foreground = {1, 0, 0};
+    title.alignment = LayerTextAlignment::trailing;
+    session.editLayer(title);
+    Q_EMIT shelf->saveRequested();
+    ASSERT_EQ(shelf->grid()->presets().size(), 1);
+    const QUuid style = shelf->grid()->presets().first().id;
+    EXPECT_TRUE(shelf->grid()->presets().first().chosen);
+
+    session.selectAll();
+    session.selectLayer(current().layers[1].id);
+    shelf->grid()->tile(style)->click();
+    for (const PublicationItem& item : session.batch().items) {
+        EXPECT_EQ(item.layers[1].foreground, (CodableColor{1, 0, 0}));
+        EXPECT_EQ(item.layers[1].alignment, LayerTextAlignment::center);
+    }
+    session.undo();
+    EXPECT_EQ(current().layers[1].foreground, codableWhite);
+    session.selectLayer(QUuid());
+    EXPECT_FALSE(shelf->grid()->isEnabled());    // no text to take it
+    Q_EMIT shelf->removeRequested(style);
+    EXPECT_TRUE(shelf->grid()->presets().isEmpty());
+}
