@@ -33,6 +33,11 @@ constexpr std::array entries{
     Entry{
         Command::importFolder, file, u"Importar carpeta…", u"Ctrl+Shift+O", {}, Icon::importFolder},
     Entry{Command::stopImport, file, u"Detener la importación", u"Ctrl+."},
+    Entry{.command = Command::importTexts,
+          .menu = file,
+          .text = u"Importar textos (CSV)…",
+          .startsGroup = true},
+    Entry{Command::exportTexts, file, u"Exportar textos (CSV)…"},
     Entry{.command = Command::restoreAside,
           .menu = file,
           .text = u"Recuperar la sesión apartada",

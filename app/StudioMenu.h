@@ -11,6 +11,8 @@ enum class Command {
     importImages,
     importFolder,
     stopImport,
+    importTexts,
+    exportTexts,
     restoreAside,
     quit,
     undo,
