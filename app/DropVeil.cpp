@@ -28,6 +28,8 @@ QString DropVeil::sentence() const
 {
     if (m_offer.folder)
         return u"Suelta para importar la carpeta"_qs;
+    if (m_offer.texts)
+        return u"Suelta para importar los textos"_qs;
     if (m_offer.images == 1)
         return u"Suelta para importar 1 imagen"_qs;
     return u"Suelta para importar %1 imágenes"_qs.arg(m_offer.images);
@@ -57,7 +59,7 @@ void DropVeil::paintEvent(QPaintEvent*)
               QRectF(0, middle - 72, width(), 40), 40, theme.accentText);
     paintText(painter, QRectF(0, middle - 20, width(), 30), Qt::AlignHCenter, Type::emptyTitle,
               theme.text, sentence());
-    if (m_offer.replaces)
+    if (m_offer.replaces && !m_offer.texts)
         paintText(painter, QRectF(0, middle + 18, width(), 20), Qt::AlignHCenter, Type::large,
                   theme.text2, u"Sustituirán el lote actual"_qs);
 }

@@ -6,6 +6,7 @@ struct DropOffer {
     int images = 0;
     bool folder = false;      // a folder is dragged; its images are not counted yet
     bool replaces = false;    // there is a batch already
+    bool texts = false;       // a spreadsheet of them, and no images
     bool operator==(const DropOffer&) const = default;
 };
 

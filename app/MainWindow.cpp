@@ -74,6 +74,11 @@ QString imageFilter()
     return u"Imágenes (%1);;Todos los archivos (*)"_s.arg(patterns.join(u' '));
 }
 
+bool isTextSheet(const QList<QUrl>& files)
+{
+    return files.size() == 1 && files.first().fileName().endsWith(u".csv"_s, Qt::CaseInsensitive);
+}
+
 QList<QUrl> localFiles(const QMimeData* data)
 {
     QList<QUrl> files = data->urls();
@@ -84,6 +89,7 @@ QList<QUrl> localFiles(const QMimeData* data)
 DropOffer offerOf(const QList<QUrl>& files, bool replaces)
 {
     DropOffer offer{.images = int(files.size()), .folder = false, .replaces = replaces};
+    offer.texts = isTextSheet(files);
     offer.folder = std::ranges::any_of(
         files, [](const QUrl& url) { return QFileInfo(url.toLocalFile()).isDir(); });
     return offer;
@@ -261,6 +267,35 @@ void MainWindow::choose(const QString& title, QFileDialog::FileMode mode)
     dialog->open();
 }
 
+void MainWindow::chooseTexts(QFileDialog::AcceptMode mode)
+{
+    const bool isSaving = mode == QFileDialog::AcceptSave;
+    auto* dialog = new QFileDialog(this, isSaving ? u"Exportar textos"_s : u"Importar textos"_s,
+                                   m_lastFolder, u"Textos (*.csv *.CSV);;Todos los archivos (*)"_s);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(mode);
+    dialog->setFileMode(isSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    if (isSaving) {
+        dialog->setDefaultSuffix(u"csv"_s);
+        dialog->selectFile(u"textos.csv"_s);
+    }
+    connect(dialog, &QFileDialog::accepted, this, [this, dialog, isSaving] {
+        const QString path = dialog->selectedFiles().value(0);
+        rememberFolder(QFileInfo(path).absolutePath());
+        if (isSaving)
+            m_session.exportTexts(path);
+        else
+            m_session.importTexts(path);
+    });
+    dialog->open();
+}
+
+void MainWindow::rememberFolder(const QString& folder)
+{
+    m_lastFolder = folder;
+    m_preferences.setValue(folderKey, folder.toUtf8());
+}
+
 void MainWindow::open(const QList<QUrl>& addresses)
 {
     QList<QUrl> files = addresses;
@@ -291,8 +326,7 @@ void MainWindow::load(const QList<QUrl>& filesAndFolders)
         return;
     m_given.clear();
     const QFileInfo first(filesAndFolders.first().toLocalFile());
-    m_lastFolder = first.isDir() ? first.absoluteFilePath() : first.absolutePath();
-    m_preferences.setValue(folderKey, m_lastFolder.toUtf8());
+    rememberFolder(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
     m_session.load(filesAndFolders);
 }
 
@@ -312,6 +346,10 @@ void MainWindow::run(Command command)
         return choose(u"Importar carpeta"_s, QFileDialog::Directory);
     case Command::stopImport:
         return m_session.stopImport();
+    case Command::importTexts:
+        return chooseTexts(QFileDialog::AcceptOpen);
+    case Command::exportTexts:
+        return chooseTexts(QFileDialog::AcceptSave);
     case Command::restoreAside:
         return m_session.restoreWorkspaceAside();
     case Command::saveTemplate:
@@ -563,7 +601,11 @@ void MainWindow::dropEvent(QDropEvent* event)
 {
     m_shell->dropVeil()->hide();
     event->acceptProposedAction();
-    load(localFiles(event->mimeData()));
+    const QList<QUrl> files = localFiles(event->mimeData());
+    if (isTextSheet(files))
+        m_session.importTexts(files.first().toLocalFile());
+    else
+        load(files);
 }
 
 void MainWindow::showBatch()
@@ -597,6 +639,7 @@ void MainWindow::showMenu()
         m_menu->action(command)->setChecked(checked);
     };
     m_menu->setEnabled({Command::stopImport}, m_session.isImporting());
+    m_menu->setEnabled({Command::importTexts, Command::exportTexts}, item != nullptr);
     m_menu->setEnabled({Command::restoreAside}, m_session.hasWorkspaceAside());
     m_menu->setEnabled({Command::undo}, m_session.canUndo());
     m_menu->setEnabled({Command::redo}, m_session.canRedo());

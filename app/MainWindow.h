@@ -53,6 +53,8 @@ private:
     void connectSession();
     void restorePreferences();
     void choose(const QString& title, QFileDialog::FileMode mode);
+    void chooseTexts(QFileDialog::AcceptMode mode);
+    void rememberFolder(const QString& folder);
     void load(const QList<QUrl>& filesAndFolders);
 
     void run(Command command);

@@ -12,6 +12,8 @@ enum class Command {
     importFolder,
     stopImport,
     importTemplate,
+    importTexts,
+    exportTexts,
     restoreAside,
     quit,
     undo,

@@ -8,6 +8,7 @@
 #include "platform/Memory.h"
 #include "studio/BatchExport.h"
 #include "studio/PhotoFolder.h"
+#include "studio/TextSheetFile.h"
 
 #include <QCommandLineParser>
 #include <QDir>
@@ -29,6 +30,7 @@ struct ExportRequest {
     bool json = false;
     bool sample = false;
     QStringList photos;
+    TextSheet texts;
 };
 
 constexpr int mostJobs = 256;
@@ -56,12 +58,23 @@ int exportPhotos(const ExportRequest& request, const QList<QUrl>& photos)
         if (!paths[i].endsWith(filenameOf(photos[i]) + u"-publicacion.png"_s))
             report.renamed(photos[i].toLocalFile(), paths[i]);
     }
+    const SheetMatch texts = matchRows(request.texts, photos);
+    for (const RowProblem& problem : texts.problems)
+        report.rowFailed(problem);
+    const auto preparations = [&](qsizetype i) {
+        return QList<ItemPreparation>{[&, i](PublicationItem& item) {
+            for (const qsizetype row : texts.rowsOfImage[i])
+                fillTexts(item, request.texts.rows[row]);
+        }};
+    };
     const Interrupt interrupt;
     QElapsedTimer watch;
     watch.start();
     runBatch(
         photos.size(), request.jobs, interrupt.flag(),
-        [&](qsizetype i) { return exportPhoto(photos[i], request.format, paths[i]); },
+        [&](qsizetype i) {
+            return exportPhoto(photos[i], request.format, paths[i], preparations(i));
+        },
         [&](qsizetype i, const ExportedFile& file) {
             report.finished(photos[i].toLocalFile(), file);
         });
@@ -69,7 +82,8 @@ int exportPhotos(const ExportRequest& request, const QList<QUrl>& photos)
     report.end(double(watch.elapsed()) / 1000, peakMemory(), stopped);
     if (stopped)
         return exitInterrupted;
-    return report.written() == photos.size() && !photos.isEmpty() ? exitDone : exitSomeFailed;
+    const bool isAllDone = report.written() == photos.size() && texts.problems.isEmpty();
+    return isAllDone && !photos.isEmpty() ? exitDone : exitSomeFailed;
 }
 
 }    // namespace
@@ -88,7 +102,9 @@ int runExport(const QStringList& arguments)
                                   u"n"_s);
     const QCommandLineOption json(u"json"_s, u"un objeto JSON por archivo y un resumen"_s);
     const QCommandLineOption sample(u"sample"_s, u"exporta un lote de muestra en vez de fotos"_s);
-    parser.addOptions({help, format, out, jobs, json, sample});
+    const QCommandLineOption texts(u"texts"_s, u"textos de cada foto, de un archivo CSV"_s,
+                                   u"archivo.csv"_s);
+    parser.addOptions({help, format, out, texts, jobs, json, sample});
     parser.addPositionalArgument(u"foto|carpeta…"_s, u"fotos, o carpetas de fotos"_s);
 
     if (!parser.parse(QStringList{u"moltiva export"_s} + arguments))
@@ -117,6 +133,13 @@ int runExport(const QStringList& arguments)
             return wrongUse(u"--jobs pide un número de 1 a %1."_s.arg(mostJobs));
     }
     request.json = parser.isSet(json);
+    if (parser.isSet(texts)) {
+        request.texts = readTextSheetFile(parser.value(texts));
+        if (!request.texts.error.isEmpty()) {
+            return wrongUse(u"no se pudieron leer los textos: %1 %2."_s.arg(parser.value(texts),
+                                                                            request.texts.error));
+        }
+    }
 
     std::optional<QTemporaryDir> sampleFolder;
     QList<QUrl> photos;

@@ -84,6 +84,17 @@ void ExportReport::renamed(const QString& photo, const QString& path)
     drawBar();
 }
 
+void ExportReport::rowFailed(const RowProblem& problem)
+{
+    clearBar();
+    const QString file = problem.file.simplified();    // one line a row
+    print(stderr,
+          file.isEmpty()
+              ? u"fila %1: %2"_s.arg(QString::number(problem.row), problem.reason)
+              : u"fila %1: %2 («%3»)"_s.arg(QString::number(problem.row), problem.reason, file));
+    drawBar();
+}
+
 void ExportReport::finished(const QString& photo, const ExportedFile& file)
 {
     ++(file.isWritten() ? m_written : m_skipped);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "studio/BatchExport.h"
+#include "studio/TextSheet.h"
 
 // What `moltiva export` prints: a bar on a terminal, else a line a file; or, as JSON, an object a
 // file and a summary. Results go to standard output, what went wrong to standard error.
@@ -9,6 +10,7 @@ public:
     ExportReport(bool json, qsizetype total);
 
     void renamed(const QString& photo, const QString& path);
+    void rowFailed(const RowProblem& problem);    // of the texts
     void finished(const QString& photo, const ExportedFile& file);
     // `peakBytes`: the largest memory the process took.
     void end(double seconds, qint64 peakBytes, bool interrupted);

@@ -8,3 +8,10 @@ find_package(PkgConfig REQUIRED)
 foreach(module IN ITEMS libheif libdeflate libwebpdemux lcms2)
     pkg_check_modules(${module} REQUIRED IMPORTED_TARGET ${module})
 endforeach()
+
+# Comes without a description of its own.
+find_path(LIBCSV_INCLUDE_DIR csv.h REQUIRED)
+find_library(LIBCSV_LIBRARY csv REQUIRED)
+add_library(libcsv INTERFACE IMPORTED)
+target_include_directories(libcsv INTERFACE ${LIBCSV_INCLUDE_DIR})
+target_link_libraries(libcsv INTERFACE ${LIBCSV_LIBRARY})

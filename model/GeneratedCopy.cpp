@@ -1,5 +1,7 @@
 #include "model/GeneratedCopy.h"
 
+#include "model/SearchText.h"
+
 #include <QStringList>
 #include <QTextBoundaryFinder>
 
@@ -27,13 +29,6 @@ int characterCount(const QString& text)
     while (finder.toNextBoundary() != -1)
         ++count;
     return count;
-}
-
-QString foldedForSearch(const QString& text)
-{
-    QString folded = text.normalized(QString::NormalizationForm_D).toCaseFolded();
-    folded.removeIf([](QChar c) { return c.isMark(); });
-    return folded;
 }
 
 }    // namespace

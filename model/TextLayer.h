@@ -10,6 +10,9 @@
 
 struct TextLayer;
 
+// Of a text that can be edited, in UTF-16 units.
+inline constexpr int longestText = 10'000;
+
 // The style of a text layer without its place or text. Sizes are in design units; see
 // SocialFormat's designSize.
 struct TextLayerDesign {

@@ -79,21 +79,25 @@ ExportedFile exportItem(const PublicationItem& item, SocialFormat format, const 
     return file;
 }
 
-ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& path)
+ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& path,
+                         const QList<ItemPreparation>& preparations)
 {
-    const QString photoPath = url.toLocalFile();
+    const auto preparedItem = [&](const PhotoInfo& info) {
+        auto item = PublicationItem::make(url, {url.toLocalFile(), info.size, info.reducible, {}});
+        for (const ItemPreparation& prepare : preparations)
+            prepare(item);
+        return item;
+    };
     Stopwatch decoding;
-    const auto decoded = decodePhoto(photoPath, [format](const PhotoInfo& info) {
-        const PhotoHandle handle{
-            .path = {}, .size = info.size, .reducible = info.reducible, .digest = {}};
-        return ExportCanvasRenderer::photoLevel(handle, {}, exportSize(format));
+    const auto decoded = decodePhoto(url.toLocalFile(), [&](const PhotoInfo& info) {
+        const PublicationItem item = preparedItem(info);
+        return ExportCanvasRenderer::photoLevel(item.image, item.placement, exportSize(format));
     });
     const double seconds = decoding.lap();
     if (!decoded)
         return {.path = path, .bytes = 0, .error = unreadablePhoto, .times = {.decode = seconds}};
-    const PhotoHandle handle{photoPath, decoded->info.size, decoded->info.reducible, {}};
-    const PublicationItem item = PublicationItem::make(url, handle);
-    ExportedFile file = exportItem(item, format, path,
+    // Made anew: the sizes of some photos are certain only now.
+    ExportedFile file = exportItem(preparedItem(decoded->info), format, path,
                                    [&](const PhotoHandle&, PhotoLevel) { return decoded->image; });
     file.times.decode = seconds;
     return file;

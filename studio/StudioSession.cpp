@@ -2,8 +2,13 @@
 
 #include "canvas/ImagePlacementGeometry.h"
 #include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
 #include "studio/BatchSelection.h"
+#include "studio/TextSheetFile.h"
 
+#include <QCoroFuture>
+
+#include <QFileInfo>
 #include <QPointer>
 
 #include <utility>
@@ -359,6 +364,78 @@ void StudioSession::stopImport()
     m_importProgress = {};
     setStatus(u"Importación cancelada. El lote sigue como estaba."_s);
     Q_EMIT importChanged();
+}
+
+void StudioSession::importTexts(const QString& path)
+{
+    runImportTexts(this, path);
+}
+
+QCoro::Task<> StudioSession::runImportTexts(QPointer<StudioSession> session, QString path)
+{
+    QFuture<TextSheet> reading = runOnWorker([path] { return readTextSheetFile(path); });
+    TextSheet sheet;
+    try {
+        sheet = co_await reading;
+    } catch (const std::exception& error) {
+        sheet.error = QString::fromLocal8Bit(error.what());
+    }
+    if (session)
+        session->finishImportTexts(sheet, QFileInfo(path).fileName());
+}
+
+void StudioSession::finishImportTexts(const TextSheet& sheet, const QString& fileName)
+{
+    if (!sheet.error.isEmpty()) {
+        setStatus(u"No se pudieron leer los textos: %1 %2."_s.arg(fileName, sheet.error),
+                  StatusTone::problem);
+        return;
+    }
+    if (m_batch.items.isEmpty()) {
+        setStatus(u"Importa antes las imágenes: los textos van a las que nombra el archivo."_s,
+                  StatusTone::problem);
+        return;
+    }
+    Q_EMIT aboutToMove();
+    // A step of its own: a gesture under way, typing before and typing after are others.
+    endCanvasHistoryEdit({});
+    m_history.endContinuousChanges();
+    PublicationItems items = m_batch.items;
+    const SheetMatch match = applyTextSheet(items, sheet);
+    setStatus(sentenceOn(match), match.problems.isEmpty() ? StatusTone::done : StatusTone::problem);
+    change([&](Batch& batch) { batch.items = items; });
+    m_history.endContinuousChanges();
+}
+
+void StudioSession::exportTexts(const QString& path)
+{
+    if (m_batch.items.isEmpty())
+        setStatus(u"No hay imágenes de las que guardar textos."_s);
+    else
+        runExportTexts(this, path, m_batch.items);
+}
+
+QCoro::Task<> StudioSession::runExportTexts(QPointer<StudioSession> session, QString path,
+                                            PublicationItems items)
+{
+    QFuture<QString> writing =
+        runOnWorker([path, items] { return writeTextSheetFile(path, items); });
+    QString failure;
+    try {
+        failure = co_await writing;
+    } catch (const std::exception& error) {
+        failure = QString::fromLocal8Bit(error.what());
+    }
+    if (!session)
+        co_return;
+    const QString name = QFileInfo(path).fileName();
+    if (failure.isEmpty())
+        session->setStatus(
+            u"Textos de %1 imagen(es) guardados en %2."_s.arg(QString::number(items.size()), name),
+            StatusTone::done);
+    else
+        session->setStatus(u"No se pudieron guardar los textos en %1 (%2)."_s.arg(name, failure),
+                           StatusTone::problem);
 }
 
 void StudioSession::setFormat(SocialFormat format)

@@ -20,6 +20,7 @@
 #include <memory>
 
 class PreferencesStore;
+struct TextSheet;
 
 // What a sentence in the status line tells.
 enum class StatusTone { info, done, problem };
@@ -72,6 +73,10 @@ public:
     void load(const QList<QUrl>& filesAndFolders);
     // The batch stays as it was.
     void stopImport();
+
+    // The texts of a spreadsheet into the images that it names, as one step; and out again.
+    void importTexts(const QString& path);
+    void exportTexts(const QString& path);
 
     void setFormat(SocialFormat format);
     void setObjective(const QString& objective);
@@ -151,6 +156,10 @@ private:
                                    std::shared_ptr<PhotoCache> photos,
                                    std::shared_ptr<PhotoImport::Control> control);
     void finishImport(const std::optional<PublicationItems>& items);
+    static QCoro::Task<> runImportTexts(QPointer<StudioSession> session, QString path);
+    void finishImportTexts(const TextSheet& sheet, const QString& fileName);
+    static QCoro::Task<> runExportTexts(QPointer<StudioSession> session, QString path,
+                                        PublicationItems items);
 
     std::shared_ptr<PhotoCache> m_photos;
     PreferencesStore& m_preferences;

@@ -2,6 +2,7 @@
 
 #include "app/Theme.h"
 #include "app/controls/LineField.h"
+#include "model/TextLayer.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QKeyEvent>

@@ -9,10 +9,9 @@ class SlotEditor : public QTextEdit {
     Q_OBJECT
 public:
     explicit SlotEditor(const QString& name, QWidget* parent = nullptr);
-    static constexpr int longestText = 10000;
 
-    // Shows; emits nothing. The same text leaves cursor and selection alone. One that is too long
-    // to be edited is shown in part and cannot be changed here.
+    // Shows; emits nothing. The same text leaves cursor and selection alone. One over longestText
+    // is shown in part and cannot be changed here.
     void setText(const QString& text);
     QString text() const;
     QSize sizeHint() const override { return {280, height()}; }

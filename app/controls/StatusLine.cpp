@@ -121,7 +121,8 @@ void StatusLine::setStatus(const Status& status)
         m_spin.stop();
     if (!sameSentence) {
         remember(status);
-        setToolTip(status.sentence);
+        // As rich text, which alone is broken into lines: a sentence may be longer than the screen.
+        setToolTip(u"<qt>%1</qt>"_qs.arg(status.sentence.toHtmlEscaped()));
         // Fast work would talk without end: while busy, one name in three seconds.
         const qint64 since = m_announced.isValid() ? m_announced.elapsed() : announcePause;
         if (busy && since < announcePause)

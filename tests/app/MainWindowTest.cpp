@@ -184,6 +184,14 @@ TEST_F(MainWindowTest, droppedFilesAreImported)
     settle();
     EXPECT_EQ(session.batch().items.size(), 1);
 
+    QFile sheet(m_folder.filePath(u"t.CSV"_s));
+    ASSERT_TRUE(sheet.open(QIODevice::WriteOnly) && sheet.write("archivo,titulo\nf1,Uno\n") > 0);
+    sheet.close();
+    data.setUrls({QUrl::fromLocalFile(sheet.fileName())});
+    QApplication::sendEvent(&window, &enter);
+    QApplication::sendEvent(&window, &drop);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return current().layers[0].text == u"Uno"_s; }, 30000));
+
     QMimeData text;
     text.setText(u"hola"_s);
     QDragEnterEvent refused({600, 400}, Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);

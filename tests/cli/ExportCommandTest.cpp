@@ -35,6 +35,12 @@ protected:
         EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write("hola") > 0);
         return path(name);
     }
+    QString textSheet(const QByteArray& rows)
+    {
+        QFile file(path(u"textos.csv"_s));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(rows) > 0);
+        return file.fileName();
+    }
     QString path(const QString& name) const { return m_folder.filePath(name); }
     QStringList written() const
     {
@@ -107,6 +113,23 @@ TEST_F(ExportCommandTest, jsonIsOneObjectAFileAndASummaryAndNothingElse)
     EXPECT_GT(objects[2][u"peakMemoryBytes"_s].toDouble(), 1e6);
 }
 
+TEST_F(ExportCommandTest, fillsTextsFromASheetAndTellsItsWrongRows)
+{
+    const QStringList photos{photo(u"a/f.jpg"_s), photo(u"b/f.jpg"_s), photo(u"g.jpg"_s)};
+    const QString sheet = textSheet("archivo,titulo\nf,Uno\nf,Dos\n\nh,x\n");
+    const Outcome outcome = runExport(QStringList{u"--json"_s, u"--texts"_s, sheet} + photos);
+    EXPECT_EQ(outcome.status, 1) << "a row was not applied";
+    EXPECT_EQ(outcome.out.count(u"\"file\""_s), 3);
+    EXPECT_TRUE(outcome.err.endsWith(u"fila 5: no hay ninguna imagen con ese nombre («h»)\n"_s))
+        << qPrintable(outcome.err);
+    const QImage first(path(u"out/f-publicacion.png"_s)),
+        second(path(u"out/f-publicacion-2.png"_s)), untouched(path(u"out/g-publicacion.png"_s));
+    EXPECT_NE(first, second);
+    EXPECT_NE(second, untouched);
+    EXPECT_EQ(runExport({photos[0]}).status, 0);
+    EXPECT_EQ(QImage(path(u"out/f-publicacion.png"_s)), untouched) << "the texts it begins with";
+}
+
 TEST_F(ExportCommandTest, wrongUseIsSaidAndHasItsOwnStatus)
 {
     const QString one = photo(u"f.jpg"_s);
@@ -115,6 +138,8 @@ TEST_F(ExportCommandTest, wrongUseIsSaidAndHasItsOwnStatus)
                                      {u"--jobs"_s, u"0"_s, one},
                                      {u"--jobs"_s, u"x"_s, one},
                                      {u"--nothing"_s, one},
+                                     {u"--texts"_s, path(u"missing.csv"_s), one},
+                                     {u"--texts"_s, textSheet("titulo\n"), one},
                                      {path(u"missing.jpg"_s)}}) {
         const Outcome outcome = runExport(wrong);
         EXPECT_EQ(outcome.status, 2) << qPrintable(wrong.join(u' '));

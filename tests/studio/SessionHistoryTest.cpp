@@ -296,3 +296,54 @@ TEST_F(SessionHistoryTest, aStyleIsCopiedWithoutItsTextAndPlace)
     session->pasteStyle();
     EXPECT_EQ(batch(), untouched);
 }
+
+TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
+{
+    const QString path = m_folder.filePath(u"textos.csv"_s);
+    QFile sheet(path);
+    ASSERT_TRUE(sheet.open(QIODevice::WriteOnly));
+    sheet.write("archivo;titulo;cta\n0;Uno;Una llamada con más de cuatro palabras.\nx;y;z\n"
+                "2;Tres;\ny;;\n1;Dos");
+    sheet.close();
+    const auto run = [&](auto command) {
+        bool isTold = false;
+        const auto told = QObject::connect(session.get(), &StudioSession::statusChanged,
+                                           session.get(), [&] { isTold = true; });
+        command();
+        EXPECT_TRUE(waitFor([&] { return isTold; }));
+        QObject::disconnect(told);
+    };
+    // In the middle of a drag, and with no time between it and the changes around it.
+    restyle(1.5);
+    session->beginCanvasHistoryEdit();
+    restyle(1.6);
+    const Batch before = batch();
+    run([&] { session->importTexts(path); });
+    EXPECT_EQ(session->status(),
+              u"Textos aplicados a 2 imagen(es). 3 fila(s) sin aplicar: "
+              "3, 5 (no hay ninguna imagen con ese nombre); 6 (faltan columnas)."_s);
+    EXPECT_EQ(session->statusTone(), StatusTone::problem);
+    EXPECT_EQ(title().text, u"Uno"_s);
+    EXPECT_EQ(batch().currentItem()->layers[3].text, u"Una llamada con más de cuatro palabras."_s);
+    const Batch filled = batch();
+    EXPECT_EQ(stored(), filled);
+    restyle(1.7);
+    undo();
+    EXPECT_EQ(batch(), filled);
+    undo();
+    EXPECT_EQ(batch(), before);
+    redo();
+
+    run([&] { session->exportTexts(path); });
+    EXPECT_EQ(session->status(), u"Textos de 3 imagen(es) guardados en textos.csv."_s);
+    run([&] { session->importTexts(path); });
+    EXPECT_EQ(session->status(), u"Textos aplicados a 3 imagen(es)."_s);
+    EXPECT_EQ(batch(), filled);
+    EXPECT_TRUE(session->canRedo()) << "what changes nothing is no step";
+    run([&] { session->importTexts(m_folder.filePath(u"otro.csv"_s)); });
+    EXPECT_TRUE(session->status().startsWith(
+        u"No se pudieron leer los textos: otro.csv no se puede abrir ("_s));
+    run([&] { session->exportTexts(u"/proc/textos.csv"_s); });
+    EXPECT_TRUE(
+        session->status().startsWith(u"No se pudieron guardar los textos en textos.csv ("_s));
+}
