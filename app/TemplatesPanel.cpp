@@ -6,6 +6,7 @@
 #include "app/controls/Badge.h"
 #include "app/controls/Caption.h"
 #include "app/controls/LineField.h"
+#include "model/SearchText.h"
 
 #include <QHBoxLayout>
 #include <QMenu>
@@ -31,19 +32,11 @@ QWidget* heading(const QString& title, const QList<QWidget*>& beside, QWidget* e
     return line;
 }
 
-// Without accents and in one case.
-QString folded(const QString& text)
-{
-    QString plain = text.normalized(QString::NormalizationForm_D).toCaseFolded();
-    plain.removeIf([](QChar c) { return c.category() == QChar::Mark_NonSpacing; });
-    return plain;
-}
-
 QList<Preset> named(const QList<Preset>& presets, const QString& search)
 {
     QList<Preset> found;
     for (const Preset& preset : presets) {
-        if (folded(preset.name).contains(folded(search.trimmed())))
+        if (foldedForSearch(preset.name).contains(foldedForSearch(search.trimmed())))
             found.append(preset);
     }
     return found;

@@ -9,6 +9,7 @@
 #include "studio/BatchExport.h"
 #include "studio/PhotoFolder.h"
 #include "studio/TextSheetFile.h"
+#include "templates/TemplateDefinition.h"
 
 #include <QCommandLineParser>
 #include <QDir>
@@ -29,8 +30,8 @@ struct ExportRequest {
     int jobs = 1;
     bool json = false;
     bool sample = false;
-    QStringList photos;
     TextSheet texts;
+    TemplateApplication design;    // none: as it is
 };
 
 constexpr int mostJobs = 256;
@@ -43,10 +44,29 @@ QString formatKeys()
     return keys.join(u", "_s);
 }
 
-int wrongUse(const QString& sentence)
+void tell(const QString& sentence)
 {
     std::fprintf(stderr, "moltiva export: %s\n", sentence.toUtf8().constData());
+}
+
+int wrongUse(const QString& sentence)
+{
+    tell(sentence);
     return exitWrongUse;
+}
+
+// Of a folder, without what an earlier export of it left there.
+QList<QUrl> photosAt(const QString& path)
+{
+    if (!QFileInfo(path).isDir())
+        return {QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath())};
+    const QList<QUrl> found = photosInFolder(path);
+    const QList<QUrl> kept = withoutOwnOutputs(found);
+    if (kept.size() < found.size()) {
+        tell(u"%1: %2 publicación(es) de otra foto de la carpeta, no se exportan."_s.arg(
+            path, QString::number(found.size() - kept.size())));
+    }
+    return kept;
 }
 
 int exportPhotos(const ExportRequest& request, const QList<QUrl>& photos)
@@ -62,10 +82,13 @@ int exportPhotos(const ExportRequest& request, const QList<QUrl>& photos)
     for (const RowProblem& problem : texts.problems)
         report.rowFailed(problem);
     const auto preparations = [&](qsizetype i) {
-        return QList<ItemPreparation>{[&, i](PublicationItem& item) {
+        QList<ItemPreparation> all{[&, i](PublicationItem& item) {
             for (const qsizetype row : texts.rowsOfImage[i])
                 fillTexts(item, request.texts.rows[row]);
         }};
+        if (request.design)
+            all.append(request.design);
+        return all;
     };
     const Interrupt interrupt;
     QElapsedTimer watch;
@@ -104,7 +127,10 @@ int runExport(const QStringList& arguments)
     const QCommandLineOption sample(u"sample"_s, u"exporta un lote de muestra en vez de fotos"_s);
     const QCommandLineOption texts(u"texts"_s, u"textos de cada foto, de un archivo CSV"_s,
                                    u"archivo.csv"_s);
-    parser.addOptions({help, format, out, texts, jobs, json, sample});
+    const QCommandLineOption design(
+        u"template"_s, u"plantilla de todas las fotos; sin --format, también su formato"_s,
+        u"archivo.json"_s);
+    parser.addOptions({help, format, out, design, texts, jobs, json, sample});
     parser.addPositionalArgument(u"foto|carpeta…"_s, u"fotos, o carpetas de fotos"_s);
 
     if (!parser.parse(QStringList{u"moltiva export"_s} + arguments))
@@ -133,6 +159,18 @@ int runExport(const QStringList& arguments)
             return wrongUse(u"--jobs pide un número de 1 a %1."_s.arg(mostJobs));
     }
     request.json = parser.isSet(json);
+    if (parser.isSet(design)) {
+        const DefinitionFile read = readDefinitionFile(parser.value(design));
+        if (!read.definition) {
+            return wrongUse(u"la plantilla «%1» %2."_s.arg(parser.value(design), read.error));
+        }
+        request.design = read.definition->application();
+        if (!parser.isSet(format))
+            request.format = read.definition->socialFormat();
+        else if (!read.definition->matches(request.format))
+            tell(u"la plantilla «%1» está hecha para el formato %2."_s.arg(
+                read.definition->name, rawValue(read.definition->socialFormat())));
+    }
     if (parser.isSet(texts)) {
         request.texts = readTextSheetFile(parser.value(texts));
         if (!request.texts.error.isEmpty()) {
@@ -150,28 +188,14 @@ int runExport(const QStringList& arguments)
         photos.append(photosInFolder(sampleFolder->path()));
     }
     for (const QString& path : parser.positionalArguments()) {
-        const QFileInfo file(path);
-        if (!file.exists())
+        if (!QFileInfo::exists(path))
             return wrongUse(u"no existe «%1»."_s.arg(path));
-        if (file.isDir()) {
-            const QList<QUrl> found = photosInFolder(path);
-            const QList<QUrl> kept = withoutOwnOutputs(found);
-            if (kept.size() < found.size()) {
-                const QString sentence =
-                    u"%1: %2 publicación(es) de otra foto de la carpeta, no se exportan.\n"_s;
-                std::fputs(sentence.arg(path, QString::number(found.size() - kept.size()))
-                               .toUtf8()
-                               .constData(),
-                           stderr);
-            }
-            photos.append(kept);
-        } else
-            photos.append(QUrl::fromLocalFile(file.absoluteFilePath()));
+        photos.append(photosAt(path));
     }
     if (!parser.isSet(sample) && parser.positionalArguments().isEmpty())
         return wrongUse(u"falta decir qué fotos. Prueba «moltiva export --help»."_s);
     if (photos.isEmpty())
-        std::fprintf(stderr, "moltiva export: No he encontrado imágenes compatibles.\n");
+        tell(u"No he encontrado imágenes compatibles."_s);
     if (!QDir().mkpath(request.folder))
         return wrongUse(u"no se puede crear la carpeta «%1»."_s.arg(request.folder));
     return exportPhotos(request, photos);

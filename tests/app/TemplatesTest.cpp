@@ -118,14 +118,14 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     window.templates().saveTemplate();
     auto* name = qobject_cast<LineField*>(QApplication::focusWidget());
     ASSERT_TRUE(name);    // in place, ready to be typed over
-    QTest::keyClicks(name, u"Otoño rural"_s);
+    QTest::keyClicks(name, u"Rutas de otono"_s);
     QTest::keyClick(name, Qt::Key_Return);
     ASSERT_EQ(own()->presets().size(), 1);
-    EXPECT_EQ(own()->presets().first().name, u"Otoño rural"_s);
+    EXPECT_EQ(own()->presets().first().name, u"Rutas de otono"_s);
     EXPECT_TRUE(own()->presets().first().chosen);
 
     auto* search = side()->templatesPanel()->findChild<LineField*>();
-    search->setText(u" OTONO"_s);
+    search->setText(u" ÓTONO"_s);
     EXPECT_EQ(own()->presets().size(), 1);
     EXPECT_TRUE(packaged()->presets().isEmpty());
     search->setText(u"nada"_s);

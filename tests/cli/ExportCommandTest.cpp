@@ -35,10 +35,11 @@ protected:
         EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write("hola") > 0);
         return path(name);
     }
-    QString textSheet(const QByteArray& rows)
+    QString textSheet(const QByteArray& rows) { return holding(u"textos.csv"_s, rows); }
+    QString holding(const QString& name, const QByteArray& bytes)
     {
-        QFile file(path(u"textos.csv"_s));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(rows) > 0);
+        QFile file(path(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) > 0);
         return file.fileName();
     }
     QString path(const QString& name) const { return m_folder.filePath(name); }
@@ -138,6 +139,8 @@ TEST_F(ExportCommandTest, wrongUseIsSaidAndHasItsOwnStatus)
                                      {u"--jobs"_s, u"0"_s, one},
                                      {u"--jobs"_s, u"x"_s, one},
                                      {u"--nothing"_s, one},
+                                     {u"--template"_s, path(u"missing.json"_s), one},
+                                     {u"--template"_s, textFile(u"no.json"_s), one},
                                      {u"--texts"_s, path(u"missing.csv"_s), one},
                                      {u"--texts"_s, textSheet("titulo\n"), one},
                                      {path(u"missing.jpg"_s)}}) {
@@ -191,4 +194,29 @@ TEST_F(ExportCommandTest, anInterruptLeavesOnlyWholeFiles)
     EXPECT_LT(files.size(), 60);
     for (const QString& file : files)
         EXPECT_FALSE(QImage(path(u"out/"_s + file)).isNull()) << qPrintable(file);
+}
+
+TEST_F(ExportCommandTest, LaysATemplateOverEveryPhoto)
+{
+    const QString design = holding(u"diseño.json"_s, R"({"format":"square","textLayers":[
+        {"slot":"Título","visible":false,"frame":{"x":0,"y":0,"width":1,"height":0.2}},
+        {"slot":"Subtítulo","visible":false,"frame":{"x":0,"y":0,"width":1,"height":0.2}},
+        {"slot":"CTA","visible":false,"frame":{"x":0,"y":0,"width":1,"height":0.2}}],
+        "shapeLayers":[{"kind":"Rectángulo","frame":{"x":0,"y":0,"width":1,"height":0.5},
+        "fill":"#FF8000","fillOpacity":1,"cornerRadius":0}]})");
+    const QString one = photo(u"a.png"_s), other = photo(u"b.png"_s);
+    const Outcome done =
+        run({u"export"_s, u"--out"_s, path(u"out"_s), u"--template"_s, design, one, other});
+    EXPECT_EQ(done.status, 0) << done.err.toStdString();
+    for (const QString& name : {u"a"_s, u"b"_s}) {
+        const QImage image(path(u"out/%1-publicacion.png"_s.arg(name)));
+        EXPECT_EQ(image.size(), QSize(1080, 1080));    // the format of the template
+        EXPECT_EQ(image.pixelColor(540, 200), QColor(0xFF8000));
+        EXPECT_EQ(image.pixelColor(540, 800), QColor(Qt::darkGreen));
+    }
+    const Outcome elsewhere = run({u"export"_s, u"--out"_s, path(u"out"_s), u"--template"_s, design,
+                                   u"--format"_s, u"horizontal"_s, one});
+    EXPECT_EQ(elsewhere.status, 0);
+    EXPECT_TRUE(elsewhere.err.contains(u"Post cuadrado"_s));
+    EXPECT_EQ(QImage(path(u"out/a-publicacion.png"_s)).size(), QSize(1920, 1080));
 }
