@@ -132,10 +132,11 @@ TEST_F(MainWindowTest, tileAndSlotWarnAlikeAlsoWithoutTheColumn)
     paintTitleAway();
     settle();
     EXPECT_EQ(titleWarnings(), QStringList{sentence});
+    window.menu()->action(Command::batchColumn)->trigger();
+    settle();
     endStep();
     session.removeCurrentItem();
     session.undo();
-    window.menu()->action(Command::batchColumn)->trigger();
     settle();
     EXPECT_EQ(titleWarnings(), QStringList{sentence}) << "back with its image";
     EXPECT_TRUE(grid()->tiles()[1].warnings.contains(sentence));
