@@ -6,6 +6,7 @@
 
 class BatchColumn;
 class StudioSession;
+struct Tile;
 
 // The batch column as a view of the session. While an import runs, it shows what that has accepted
 // so far.
@@ -22,12 +23,30 @@ public:
     bool isIdle() const { return m_pictures->isIdle(); }
     // A batch that the column does not show is not changed from it.
     bool showsIncoming() const;
+    // By the last picture of the item. Marks in the column and elsewhere show these and no others.
+    QList<TextWarning> warningsOf(QUuid item) const;
+
+Q_SIGNALS:
+    void warningsChanged(QUuid item);
 
 private:
+    struct Judgement {
+        TileRequest of;
+        QList<TextWarning> warnings;
+        QStringList sentences;
+    };
     const PublicationItems& shownItems() const;
-    void wish(const QList<QUuid>& ids, QSize pixels);
-    void showPicture(const TileRequest& request, const QImage& picture, PhotoState photo);
+    const PublicationItem* find(QUuid id) const;
+    void wish(const QList<QUuid>& ids);
+    void ask();
+    bool columnAsksFor(QUuid item) const;
+    bool isJudged(const PublicationItem& item) const;
+    void showPicture(const TileRequest& request, const QImage& picture, PhotoState photo,
+                     const QList<TextWarning>& warnings);
+    void judge(const TileRequest& request, const QList<TextWarning>& warnings);
+    void forgetGone();
     void setMissing(QUuid item, bool missing);
+    QList<Tile> tilesOf(const PublicationItems& items);
 
     StudioSession& m_session;
     BatchColumn* m_column;
@@ -37,4 +56,6 @@ private:
     std::optional<SocialFormat> m_knownFormat;
     QHash<QUuid, QString> m_names;
     QSet<QUuid> m_missing;
+    QHash<QUuid, Judgement> m_judgements;    // by item
+    QList<QUuid> m_wished;                   // by the column, and not drawn yet
 };

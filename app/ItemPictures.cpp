@@ -1,7 +1,6 @@
 #include "app/ItemPictures.h"
 
 #include "canvas/ExportCanvasRenderer.h"
-#include "canvas/ItemPainter.h"
 #include "platform/Workers.h"
 
 #include <QCoroFuture>
@@ -13,7 +12,7 @@ namespace {
 constexpr int tilesAtOnce = 3;
 
 struct TileDrawing {
-    QImage picture;
+    JudgedPicture judged;
     PhotoState photo = PhotoState::shown;
 };
 
@@ -26,8 +25,8 @@ TileDrawing drawn(const TileRequest& request, PhotoCache& photos)
 {
     const PublicationItem& item = request.item;
     const QImage thumbnail = photos.thumbnail(idOf(item.image));
-    return {paintedItem(layOut(item, exportSize(request.format), designSize(request.format)),
-                        request.pixels, thumbnail),
+    return {judgedItem(layOut(item, exportSize(request.format), designSize(request.format)),
+                       request.pixels, thumbnail),
             thumbnail.isNull() ? PhotoState::missing : PhotoState::shown};
 }
 
@@ -79,7 +78,7 @@ QCoro::Task<> TilePictures::draw(QPointer<TilePictures> self, TileRequest reques
     if (!self)
         co_return;
     self->m_running.removeOne(request);
-    Q_EMIT self->ready(request, tile.picture, tile.photo);
+    Q_EMIT self->ready(request, tile.judged.picture, tile.photo, tile.judged.warnings);
     if (self)
         self->startNext();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "canvas/TextWarnings.h"
 #include "model/PublicationItem.h"
 #include "model/SocialFormat.h"
 #include "platform/PhotoCache.h"
@@ -38,7 +39,8 @@ public:
 
 Q_SIGNALS:
     // Of an item that may have changed since.
-    void ready(const TileRequest& request, const QImage& picture, PhotoState photo);
+    void ready(const TileRequest& request, const QImage& picture, PhotoState photo,
+               const QList<TextWarning>& warnings);
 
 private:
     void startNext();

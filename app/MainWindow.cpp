@@ -116,7 +116,8 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
       m_shell(new StudioShell(formatChoices(), this)),
       m_batch(std::make_unique<BatchBinding>(session, m_shell->batchColumn(), photos)),
       m_stage(std::make_unique<StageBinding>(session, m_shell, photos)),
-      m_panel(std::make_unique<PanelBinding>(session, m_shell->sidePanel(), photos, preferences)),
+      m_panel(std::make_unique<PanelBinding>(session, m_shell->sidePanel(), photos, preferences,
+                                             *m_batch)),
       m_templates(
           std::make_unique<TemplatesBinding>(session, m_shell->sidePanel(), photos, preferences)),
       m_menu(new StudioMenu(this))

@@ -1,5 +1,6 @@
 #include "app/PanelBinding.h"
 
+#include "app/BatchBinding.h"
 #include "app/PhotoColors.h"
 #include "app/ShapesPanel.h"
 #include "app/SidePanel.h"
@@ -40,13 +41,20 @@ QByteArray storedFrom(const QList<QColor>& colors)
 }    // namespace
 
 PanelBinding::PanelBinding(StudioSession& session, SidePanel* panel,
-                           const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences)
+                           const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences,
+                           const BatchBinding& batch)
     : m_session(session), m_panel(panel), m_photos(photos), m_preferences(preferences),
+      m_batch(batch),
       m_recentColors(colorsFrom(preferences.value(recentKey).value_or(QByteArray())))
 {
     connectTexts();
     connectShapes();
     connect(&session, &StudioSession::copiedStyleChanged, this, &PanelBinding::show);
+    connect(&batch, &BatchBinding::warningsChanged, this, [this](QUuid id) {
+        const PublicationItem* item = m_session.batch().currentItem();
+        if (item && item->id == id)
+            show();
+    });
 }
 
 void PanelBinding::connectTexts()
@@ -107,6 +115,7 @@ void PanelBinding::show()
         const bool canPaste = m_session.canPasteStyle();
         texts = {.filename = item->url.fileName(),
                  .layers = item->layers,
+                 .warnings = m_batch.warningsOf(item->id),
                  .selectedLayer = batch.selectedLayerID,
                  .reachedImages = reached,
                  .canPaste = canPaste,

@@ -10,6 +10,7 @@
 
 #include <memory>
 
+class BatchBinding;
 class PhotoCache;
 class PreferencesStore;
 class SidePanel;
@@ -23,7 +24,8 @@ class PanelBinding : public QObject {
 public:
     // All outlive it.
     PanelBinding(StudioSession& session, SidePanel* panel,
-                 const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences);
+                 const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences,
+                 const BatchBinding& batch);
 
     void show();
     // The tab for a layer that was chosen on the canvas; the templates stay open.
@@ -47,6 +49,7 @@ private:
     SidePanel* m_panel;
     std::shared_ptr<PhotoCache> m_photos;
     PreferencesStore& m_preferences;
+    const BatchBinding& m_batch;                    // knows what is to be said about the texts
     QHash<QString, QList<QColor>> m_photoColors;    // by path; empty while they are looked for
     QList<QColor> m_recentColors;
 };

@@ -4,7 +4,9 @@
 #include "app/controls/SlotEditor.h"
 #include "model/TextLayer.h"
 
+#include <QHelpEvent>
 #include <QMouseEvent>
+#include <QToolTip>
 
 using namespace Qt::StringLiterals;
 
@@ -59,6 +61,15 @@ void SlotCard::setLayer(const TextLayer& layer, CardMark mark)
     update();
 }
 
+void SlotCard::setWarnings(const QStringList& warnings)
+{
+    if (warnings == m_warnings)
+        return;
+    m_warnings = warnings;
+    m_editor->setAccessibleDescription(warnings.join(u' '));
+    update();
+}
+
 void SlotCard::edit()
 {
     open();
@@ -80,6 +91,19 @@ void SlotCard::place()
                             : headerTop + headerHeight + headerTop);
     m_eye->move(width() - eyeWidth - 4, headerTop);
     m_editor->setGeometry(padding, textTop, width() - 2 * padding, m_editor->height());
+}
+
+bool SlotCard::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QRect header(0, 0, width(), textTop);
+    if (m_warnings.isEmpty() || !header.contains(help->pos()))
+        QToolTip::hideText();
+    else
+        QToolTip::showText(help->globalPos(), m_warnings.join(u'\n'), this, header);
+    return true;
 }
 
 void SlotCard::resizeEvent(QResizeEvent*)
@@ -106,12 +130,16 @@ void SlotCard::paintEvent(QPaintEvent*)
     if (selected)
         ink = theme.accentText;
     paintIcon(painter, m_icon, QRectF(padding, headerTop, iconSide, headerHeight), iconSide, ink);
-    const int left = padding + iconSide + 8;
-    paintText(painter, QRectF(left, headerTop, width(), headerHeight), Qt::AlignLeft, Type::small,
-              ink, m_name, Qt::ElideNone);
+    double left = padding + iconSide + 8;
+    const auto add = [&](Type type, const QColor& color, const QString& text) {
+        paintText(painter, QRectF(left, headerTop, width(), headerHeight), Qt::AlignLeft, type,
+                  color, text, Qt::ElideNone);
+        left += textWidth(type, text) + 10;
+    };
+    add(Type::small, ink, m_name);
     if (!m_visible)
-        paintText(
-            painter,
-            QRectF(left + textWidth(Type::small, m_name) + 10, headerTop, width(), headerHeight),
-            Qt::AlignLeft, Type::caption, theme.text3, u"Oculto"_s, Qt::ElideNone);
+        add(Type::caption, theme.text3, u"Oculto"_s);
+    if (!m_warnings.isEmpty())
+        paintIcon(painter, Icon::alert, QRectF(left - 2, headerTop, 14, headerHeight), 14,
+                  theme.warn);
 }

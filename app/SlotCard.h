@@ -18,6 +18,9 @@ class SlotCard : public QWidget {
 public:
     explicit SlotCard(CopySlot slot, QWidget* parent = nullptr);
     void setLayer(const TextLayer& layer, CardMark mark);
+    // Sentences about the text, shown by a mark beside its name.
+    void setWarnings(const QStringList& warnings);
+    QStringList warnings() const { return m_warnings; }
     void edit();    // takes the focus, all text selected
     SlotEditor* editor() const { return m_editor; }
     IconButton* eye() const { return m_eye; }
@@ -30,6 +33,7 @@ Q_SIGNALS:
     void leaveRequested();
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -45,6 +49,7 @@ private:
     bool m_visible = true;
     bool m_editing = false;
     CardMark m_mark = CardMark::none;
+    QStringList m_warnings;
     IconButton* m_eye;
     SlotEditor* m_editor;
 };

@@ -54,6 +54,7 @@ void StyleShelf::setStyles(const QList<Preset>& styles, const QString& refusal,
     setRefused(m_save, refusal);
     // With no tile left there is no menu to call it back from.
     m_callBack->setText(u"Recuperar «%1»"_s.arg(recoverable));
+    m_callBack->setAccessibleName(m_callBack->text());
     m_callBack->setVisible(styles.isEmpty() && !recoverable.isEmpty());
 }
 
@@ -82,7 +83,7 @@ void StyleShelf::showMenu(QUuid id, QPoint globalPosition)
 
 QList<QWidget*> StyleShelf::focusOrder() const
 {
-    return {m_save, m_grid};
+    return {m_save, m_grid, m_callBack};
 }
 
 void StyleShelf::showEvent(QShowEvent* event)

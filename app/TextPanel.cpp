@@ -4,6 +4,7 @@
 #include "app/SlotCard.h"
 #include "app/StyleHeader.h"
 #include "app/StyleShelf.h"
+#include "app/WarningSentences.h"
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
 #include "app/controls/FontField.h"
@@ -224,9 +225,13 @@ void TextPanel::showCards()
         SlotCard* card = m_cards[std::size_t(slotRow.value)];
         const TextLayer* layer = layerOf(slotRow.value);
         card->setVisible(layer != nullptr);
-        if (layer)
-            card->setLayer(*layer, layer->id == m_state.selectedLayer ? CardMark::selected
-                                                                      : CardMark::none);
+        if (!layer)
+            continue;
+        card->setLayer(*layer,
+                       layer->id == m_state.selectedLayer ? CardMark::selected : CardMark::none);
+        QList<TextWarning> own = m_state.warnings;
+        own.removeIf([&](const TextWarning& warning) { return warning.layer != layer->id; });
+        card->setWarnings(warningSentences(own));
     }
 }
 

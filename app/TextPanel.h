@@ -1,5 +1,6 @@
 #pragma once
 #include "app/controls/ColorPopover.h"
+#include "canvas/TextWarnings.h"
 #include "model/Pace.h"
 #include "model/TextLayer.h"
 
@@ -18,8 +19,9 @@ class Switch;
 struct TextPanelState {
     QString filename = {};
     QList<TextLayer> layers = {};
-    QUuid selectedLayer = {};    // a text or something else
-    int reachedImages = 1;       // by a change of style
+    QList<TextWarning> warnings = {};    // about them
+    QUuid selectedLayer = {};            // a text or something else
+    int reachedImages = 1;               // by a change of style
     bool canPaste = false;
     ColorOffers colors = {};
     bool operator==(const TextPanelState&) const = default;

@@ -166,7 +166,7 @@ int TileGrid::rowPitch() const
     return tileSize().height() + captionGap + captionHeight + rowGap;
 }
 
-QSize TileGrid::wantedPixels() const
+QSize TileGrid::picturePixels() const
 {
     const QSizeF pixels = QSizeF(tileSize()) * devicePixelRatioF();
     return {qRound(pixels.width()), qRound(pixels.height())};
@@ -248,7 +248,7 @@ void TileGrid::wishLater()
 
 void TileGrid::wish()
 {
-    const QSize pixels = wantedPixels();
+    const QSize pixels = picturePixels();
     QList<QUuid> ids;
     for (const int index : visibleTiles()) {
         const auto picture = m_pictures.constFind(m_tiles[index].id);
@@ -330,6 +330,8 @@ bool TileGrid::viewportEvent(QEvent* event)
             text += u"\nPagada: volver a exportarla no descuenta créditos."_qs;
         else if (tile.state == TileState::missing)
             text += u"\nNo se puede leer la foto. ¿Se ha movido o borrado?"_qs;
+        for (const QString& warning : tile.warnings)
+            text += u'\n' + warning;
         QToolTip::showText(help->globalPos(), text, viewport(), tileRect(index));
         return true;
     }
@@ -451,6 +453,8 @@ QString TileGrid::accessibleText(int index) const
     case TileState::generated:
         break;
     }
+    if (!tile.warnings.isEmpty())
+        parts.append(u"con avisos"_qs);
     return parts.join(u", "_qs);
 }
 
@@ -487,7 +491,7 @@ void TileGrid::paintTile(QPainter& painter, int index) const
         strokeRounded(painter, box, Radius::thumbnail, theme.line);
     } else {
         painter.setRenderHint(QPainter::SmoothPixmapTransform,
-                              picture->image.size() != wantedPixels());
+                              picture->image.size() != picturePixels());
         painter.drawImage(box, picture->image);
     }
     const QRectF middle(box.center().x() - 10, box.center().y() - 10, 20, 20);
@@ -523,15 +527,17 @@ void TileGrid::paintCaption(QPainter& painter, int index, const QRect& box) cons
     const Theme& theme = themeOf(this);
     const Tile& tile = m_tiles[index];
     QRectF line(box.left(), box.bottom() + 1 + captionGap, box.width(), captionHeight);
-    if (tile.state == TileState::paid || tile.state == TileState::generated) {
-        paintIcon(painter, Icon::done, QRectF(line.right() - 14, line.top(), 14, captionHeight), 14,
-                  theme.ok);
+    const auto mark = [&](Icon icon, const QColor& color) {
+        paintIcon(painter, icon, QRectF(line.right() - 14, line.top(), 14, captionHeight), 14,
+                  color);
         line.setRight(line.right() - 18);
-    } else if (tile.state == TileState::missing) {
-        paintIcon(painter, Icon::alert, QRectF(line.right() - 14, line.top(), 14, captionHeight),
-                  14, theme.err);
-        line.setRight(line.right() - 18);
-    }
+    };
+    if (tile.state == TileState::paid || tile.state == TileState::generated)
+        mark(Icon::done, theme.ok);
+    else if (tile.state == TileState::missing)
+        mark(Icon::alert, theme.err);
+    if (!tile.warnings.isEmpty())
+        mark(Icon::alert, theme.warn);
     const QString number = QString::number(index + 1);
     paintText(painter, line, Qt::AlignLeft, Type::captionSemibold,
               tile.current ? theme.text : theme.text2, number, Qt::ElideNone);

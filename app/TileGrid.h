@@ -15,6 +15,7 @@ struct Tile {
     QString name = {};
     bool current = false, selected = false;
     TileState state = TileState::normal;
+    QStringList warnings = {};    // sentences about its texts
     bool operator==(const Tile&) const = default;
 };
 
@@ -39,6 +40,7 @@ public:
     QRect tileRect(int index) const;      // of the picture, in the viewport
     int tileAt(QPoint position) const;    // in the viewport; -1 beside the tiles
     QList<int> visibleTiles() const;      // by their pictures, in order
+    QSize picturePixels() const;          // of each picture that is wanted
     QString accessibleText(int index) const;
     QSize minimumSizeHint() const override { return {80, 80}; }
 
@@ -67,7 +69,6 @@ private:
     };
     QSize tileSize() const;
     int rowPitch() const;
-    QSize wantedPixels() const;
     void fitScrollBar();
     void showCurrent();
     void wishLater();

@@ -7,6 +7,7 @@
 #include "canvas/PhotoResampler.h"
 #include "canvas/PngEncoder.h"
 #include "canvas/TextFitting.h"
+#include "canvas/TextWarnings.h"
 #include "model/SocialFormat.h"
 
 #include <QGuiApplication>
@@ -96,6 +97,23 @@ void painting(benchmark::State& state)
     }
 }
 BENCHMARK(painting)->Unit(benchmark::kMillisecond);
+
+// What drawing a tile costs without and with the warnings about its texts.
+template <bool judged>
+void tile(benchmark::State& state)
+{
+    const PublicationItem item = defaultItem();
+    const QImage thumbnail = noisyPhoto({480, 320});
+    for ([[maybe_unused]] auto _ : state) {
+        const ItemLayout layout = layOut(item, exportSize(format), designSize(format));
+        if constexpr (judged)
+            benchmark::DoNotOptimize(judgedItem(layout, {88, 110}, thumbnail));
+        else
+            benchmark::DoNotOptimize(paintedItem(layout, {88, 110}, thumbnail));
+    }
+}
+BENCHMARK(tile<false>)->Name("tile")->Unit(benchmark::kMicrosecond);
+BENCHMARK(tile<true>)->Name("tileWithWarnings")->Unit(benchmark::kMicrosecond);
 
 void shadow(benchmark::State& state)
 {

@@ -109,6 +109,9 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
     const auto same = std::ranges::find_if(
         known, [&](const LaidOutTextLayer& other) { return breakAlike(other.source, layer); });
     const LaidOutText text = same != known.end() ? same->text : fittedText(layer, area, scale);
+    // Above the smallest size fitting takes none that does not fit.
+    const bool overflows =
+        !ExportCanvasRenderer::fits(TextLayoutMetrics::measuredSize(text), area.size());
 
     LaidOutTextLayer result{.source = layer,
                             .box = box,
@@ -116,6 +119,7 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
                             .fill = std::nullopt,
                             .shadow = layOutShadow(layer, scale),
                             .text = text,
+                            .overflows = overflows,
                             .textPosition = {},
                             .foreground = layer.foreground.color()};
     if (layer.hasBox)

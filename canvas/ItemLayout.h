@@ -33,6 +33,7 @@ struct LaidOutTextLayer {
     std::optional<QColor> fill;    // of the box, where there is one
     std::optional<LaidOutShadow> shadow;
     LaidOutText text;
+    bool overflows = false;    // the smallest size is still too large for the box
     QPointF textPosition;
     QColor foreground;
 };

@@ -59,7 +59,7 @@ void fillBox(QPainter& painter, const LaidOutTextLayer& layer)
     painter.fillPath(path, *layer.fill);
 }
 
-void paintTextLayer(QPainter& painter, const LaidOutTextLayer& layer)
+void paintTextBox(QPainter& painter, const LaidOutTextLayer& layer)
 {
     // A box with a shadow is filled twice, once with the shadow and once over it: half-transparent
     // boxes are denser for it, and saved designs count on that.
@@ -69,6 +69,10 @@ void paintTextLayer(QPainter& painter, const LaidOutTextLayer& layer)
     }
     if (layer.fill)
         fillBox(painter, layer);
+}
+
+void paintText(QPainter& painter, const LaidOutTextLayer& layer)
+{
     painter.setPen(layer.foreground);
     layer.text.draw(painter, layer.textPosition);
 }
@@ -106,7 +110,7 @@ ResampledPhoto resampledPhoto(const QImage& photo, const PhotoPlace& place)
 }
 
 void paintItem(QImage& picture, const ItemLayout& layout, const ResampledPhoto& photo,
-               const QRect& part)
+               const QRect& part, const TextObserver& aboutToDraw)
 {
     QPainter painter(&picture);
     painter.setClipRect(part);
@@ -124,12 +128,17 @@ void paintItem(QImage& picture, const ItemLayout& layout, const ResampledPhoto& 
             paintShape(painter, shape);
     }
     for (const LaidOutTextLayer& layer : layout.texts) {
-        if (shows(layer))
-            paintTextLayer(painter, layer);
+        if (!shows(layer))
+            continue;
+        paintTextBox(painter, layer);
+        if (aboutToDraw)
+            aboutToDraw(layer, picture);
+        paintText(painter, layer);
     }
 }
 
-QImage paintedItem(const ItemLayout& layout, QSize pixels, const QImage& photo)
+QImage paintedItem(const ItemLayout& layout, QSize pixels, const QImage& photo,
+                   const TextObserver& aboutToDraw)
 {
     QImage picture(pixels, QImage::Format_ARGB32_Premultiplied);
     if (picture.isNull() || layout.canvas.isEmpty())
@@ -137,6 +146,6 @@ QImage paintedItem(const ItemLayout& layout, QSize pixels, const QImage& photo)
     ResampledPhoto shown;
     if (const auto place = photoPlace(layout, pixels); place && !photo.isNull())
         shown = resampledPhoto(photo, *place);
-    paintItem(picture, layout, shown, picture.rect());
+    paintItem(picture, layout, shown, picture.rect(), aboutToDraw);
     return picture;
 }

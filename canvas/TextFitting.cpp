@@ -145,6 +145,12 @@ StyledText ExportCanvasRenderer::styledText(const TextLayer& layer, double size)
     return {layer.text, nsFont(layer, size), layer.alignment};
 }
 
+bool ExportCanvasRenderer::fits(QSizeF measured, QSizeF area)
+{
+    return measured.width() <= area.width() + fitTolerance &&
+           measured.height() <= area.height() + fitTolerance;
+}
+
 double ExportCanvasRenderer::fittedFontSize(const TextLayer& layer, QSizeF area, double designScale)
 {
     const double lower = smallestType * designScale, upper = largestType * designScale;
@@ -164,9 +170,7 @@ double ExportCanvasRenderer::fittedFontSize(const TextLayer& layer, QSizeF area,
         if (impossible.contains(size))
             continue;
         text.font.size = size;
-        const QSizeF measured = TextLayoutMetrics::measuredSize(text, area.width());
-        if (measured.width() <= area.width() + fitTolerance &&
-            measured.height() <= area.height() + fitTolerance)
+        if (fits(TextLayoutMetrics::measuredSize(text, area.width()), area))
             return size;
     }
 }

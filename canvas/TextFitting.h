@@ -28,6 +28,9 @@ DesignFont nsFont(const TextLayer& layer, double size);
 // which the text fits; the lower bound when none does.
 double fittedFontSize(const TextLayer& layer, QSizeF area, double designScale);
 
+// Whether a measured text keeps inside its area.
+bool fits(QSizeF measured, QSizeF area);
+
 // The layer's text at that size.
 StyledText styledText(const TextLayer& layer, double size);
 

@@ -1,7 +1,9 @@
 #include "canvas/TextLayoutMetrics.h"
 
 #include <QFontDatabase>
+#include <QFontMetricsF>
 #include <QPainter>
+#include <QRawFont>
 #include <QTextBoundaryFinder>
 
 #include <unicode/uchar.h>
@@ -108,6 +110,25 @@ LaidOutText::LaidOutText(const StyledText& text, double width) : m_scale(text.fo
     m_used = QRectF(used.topLeft() * m_scale, used.size() * m_scale);
 }
 
+QList<QRectF> LaidOutText::letterBands() const
+{
+    QList<QRectF> bands;
+    const double capitals = m_layout ? QFontMetricsF(m_layout->font()).capHeight() : 0;
+    for (int i = 0; i < lineCount(); ++i) {
+        const QTextLine line = m_layout->lineAt(i);
+        const QRectF natural = line.naturalTextRect();
+        const double baseline = line.y() + line.ascent();
+        bands.append({natural.x() * m_scale, (baseline - capitals) * m_scale,
+                      natural.width() * m_scale, capitals * m_scale});
+    }
+    return bands;
+}
+
+bool LaidOutText::isBold() const
+{
+    return m_layout && QRawFont::fromFont(m_layout->font()).weight() >= QFont::Bold;
+}
+
 void LaidOutText::draw(QPainter& painter, QPointF topLeft) const
 {
     if (!m_layout)
@@ -126,8 +147,12 @@ QRectF TextLayoutMetrics::measuredRect(const StyledText& text, double width)
 
 QSizeF TextLayoutMetrics::measuredSize(const StyledText& text, double width)
 {
-    const QRectF rect = measuredRect(text, width);
-    return {std::ceil(rect.width()), std::ceil(rect.height())};
+    return measuredSize(LaidOutText(text, width));
+}
+
+QSizeF TextLayoutMetrics::measuredSize(const LaidOutText& text)
+{
+    return {std::ceil(text.usedRect().width()), std::ceil(text.usedRect().height())};
 }
 
 QRectF TextLayoutMetrics::verticallyCenteredRect(const StyledText& text, const QRectF& box)

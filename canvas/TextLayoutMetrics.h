@@ -3,6 +3,7 @@
 #include "model/LayerTextAlignment.h"
 
 #include <QFont>
+#include <QList>
 #include <QRectF>
 #include <QString>
 #include <QTextLayout>
@@ -37,6 +38,10 @@ public:
     QRectF usedRect() const { return m_used; }
     double fontSize() const { return m_scale * DesignFont::designPixelSize; }    // canvas pixels
     int lineCount() const { return m_layout ? m_layout->lineCount() : 0; }
+    // Where the letters of each line stand, from their capitals' height down to the baseline;
+    // canvas pixels from the top left of the box. On the thread that made the layout.
+    QList<QRectF> letterBands() const;
+    bool isBold() const;    // by the face that is drawn, whatever its name says
     // Paints with the painter's pen colour; `topLeft` is that of the box. On the thread that made
     // the layout.
     void draw(QPainter& painter, QPointF topLeft) const;
@@ -56,6 +61,7 @@ namespace TextLayoutMetrics {
 QRectF measuredRect(const StyledText& text, double width);
 // Each side rounded up to a whole number.
 QSizeF measuredSize(const StyledText& text, double width);
+QSizeF measuredSize(const LaidOutText& text);
 // Where to draw the lines so that they are vertically centred in the box; taller text starts at its
 // top.
 QRectF verticallyCenteredRect(const StyledText& text, const QRectF& box);

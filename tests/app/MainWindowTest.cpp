@@ -3,6 +3,7 @@
 #include "app/BatchColumn.h"
 #include "app/ComposeBar.h"
 #include "app/SidePanel.h"
+#include "app/SlotCard.h"
 #include "app/StagePanel.h"
 #include "app/StudioMenu.h"
 #include "app/StudioShell.h"
@@ -94,6 +95,51 @@ TEST_F(MainWindowTest, anImportFillsTheColumnAndTheStage)
     EXPECT_TRUE(grid()->tiles()[0].current);
     EXPECT_TRUE(window.shell()->stage()->isVisible());
     EXPECT_EQ(window.shell()->statusLine()->history().last().sentence, session.status());
+}
+
+TEST_F(MainWindowTest, tileAndSlotWarnAlikeAlsoWithoutTheColumn)
+{
+    session.load({photos(2)});
+    settle();
+    const auto titleWarnings = [this] {
+        return panel()->textPanel()->findChildren<SlotCard*>().first()->warnings();
+    };
+    const QString sentence = u"Título: contraste bajo (1; lo mínimo es 3)."_s;
+    const auto paintTitleAway = [this] {
+        TextLayer title = current().layers.first();
+        title.hasBox = false;
+        title.foreground =
+            CodableColor(QColor::fromHsv(session.batch().selectedIndex * 30, 200, 200));
+        session.editLayer(title);
+    };
+    // Ends a step of the history: rapid edits make one.
+    auto endStep = [this, step = 0]() mutable { session.setObjective(QString::number(++step)); };
+    ASSERT_FALSE(titleWarnings().contains(sentence));
+    endStep();
+    paintTitleAway();
+    settle();
+    EXPECT_EQ(titleWarnings(), QStringList{sentence});
+    EXPECT_TRUE(grid()->tiles()[0].warnings.contains(sentence));
+    EXPECT_TRUE(grid()->accessibleText(0).endsWith(u"con avisos"_s));
+    EXPECT_FALSE(grid()->tiles()[1].warnings.contains(sentence));
+
+    window.menu()->action(Command::batchColumn)->trigger();
+    ASSERT_FALSE(grid()->isVisible());
+    session.undo();
+    settle();
+    EXPECT_TRUE(titleWarnings().isEmpty());
+    session.nextItem();
+    paintTitleAway();
+    settle();
+    EXPECT_EQ(titleWarnings(), QStringList{sentence});
+    window.menu()->action(Command::batchColumn)->trigger();
+    settle();
+    endStep();
+    session.removeCurrentItem();
+    session.undo();
+    settle();
+    EXPECT_EQ(titleWarnings(), QStringList{sentence}) << "back with its image";
+    EXPECT_TRUE(grid()->tiles()[1].warnings.contains(sentence));
 }
 
 TEST_F(MainWindowTest, aTileIsDrawnAnewWhenItsItemChanges)
@@ -274,7 +320,8 @@ TEST_F(MainWindowTest, tabGoesFromTheBarThroughTheColumnAndTheCanvasToThePanel)
     const auto first = [&stops](const QString& name) { return stops.indexOf(name); };
     EXPECT_EQ(first(u"Imagen siguiente"_s), 0);
     EXPECT_LT(first(u"CTA"_s), first(u"Ángulo"_s));
-    EXPECT_EQ(first(u"Menú"_s), first(u"Ángulo"_s) + 1);
+    EXPECT_EQ(first(u"Guardar estilo"_s), first(u"Ángulo"_s) + 1);
+    EXPECT_EQ(first(u"Menú"_s), first(u"Guardar estilo"_s) + 1);
     EXPECT_LT(first(u"Menú"_s), first(u"Lote"_s));
     EXPECT_LT(first(u"Lote"_s), first(u"Objetivo de la campaña"_s));
     EXPECT_EQ(first(u"Objetivo de la campaña"_s), stops.size() - 2);

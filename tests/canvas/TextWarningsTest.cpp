@@ -1,0 +1,128 @@
+#include "canvas/TextWarnings.h"
+
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize canvas(400, 400);
+
+// A text over the middle of a photo as large as the canvas.
+PublicationItem itemWith(const TextLayer& layer)
+{
+    PublicationItem item = PublicationItem::make(
+        QUrl(), {.path = {}, .size = canvas, .reducible = false, .digest = {}});
+    item.layers = {layer};
+    return item;
+}
+
+TextLayer smallText(QRgb color = 0xFFFFFFFF)
+{
+    TextLayer layer(QUuid::createUuid(), CopySlot::subtitle, u"mmmm mmmm mmmm"_s, true,
+                    {0.1, 0.3, 0.8, 0.4});
+    layer.hasBox = false;
+    layer.fontScale = 0.5;
+    layer.foreground = CodableColor(QColor::fromRgba(color));
+    return layer;
+}
+
+QImage ground(QRgb color)
+{
+    QImage photo(canvas, QImage::Format_RGB32);
+    photo.fill(color);
+    return photo;
+}
+
+QImage ground(QRgb color, const QRect& part, QRgb other)
+{
+    QImage photo = ground(color);
+    QPainter(&photo).fillRect(part, QColor(other));
+    return photo;
+}
+
+QList<TextWarning> warningsOf(const PublicationItem& item, const QImage& photo)
+{
+    return judgedItem(layOut(item, canvas, canvas), canvas / 4, photo).warnings;
+}
+
+}    // namespace
+
+TEST(TextWarnings, contrastIsThatOfWhatLiesUnderTheLetters)
+{
+    constexpr QRgb white = 0xFFFFFF, black = 0, grey = 0x949494;    // white on it: 3.03
+    TextLayer boxed = smallText();
+    boxed.hasBox = true;
+    boxed.background = codableBlack;
+    boxed.backgroundOpacity = 1;
+    TextLayer large = smallText(), bold = smallText();
+    large.fontScale = 1.2;
+    bold.slot = CopySlot::title;
+    const struct {
+        const char* name;
+        TextLayer layer;
+        QImage photo;
+        std::optional<double> contrast;
+    } cases[] = {
+        {"white on white", smallText(), ground(white), 1.0},
+        {"white on black", smallText(), ground(black), std::nullopt},
+        {"half of it on white", smallText(), ground(black, {0, 0, 200, 400}, white), 1.0},
+        {"a spot of white", smallText(), ground(black, {150, 0, 12, 400}, white), std::nullopt},
+        {"white only beside it", smallText(), ground(white, {0, 180, 400, 40}, black),
+         std::nullopt},
+        {"its own box", boxed, ground(white), std::nullopt},
+        {"hardly opaque", smallText(0x20000000), ground(white), 1.3},
+        {"just too little", smallText(), ground(grey), 3.0},
+        {"enough for large type", large, ground(grey), std::nullopt},
+        {"enough for bold type of 20", bold, ground(grey), std::nullopt},
+    };
+    for (const auto& c : cases) {
+        const auto warnings = warningsOf(itemWith(c.layer), c.photo);
+        ASSERT_EQ(warnings.size(), c.contrast ? 1 : 0) << c.name;
+        if (c.contrast) {
+            EXPECT_EQ(warnings[0].contrast, c.contrast) << c.name;
+            EXPECT_EQ(warnings[0].leastContrast, 4.5) << c.name;
+        }
+    }
+}
+
+TEST(TextWarnings, whatIsNotSeenIsNotJudged)
+{
+    TextLayer hidden = smallText(), blank = smallText(), outside = smallText();
+    hidden.isVisible = false;
+    blank.text = u" \n "_s;
+    outside.frame.x = 1.5;
+    for (const TextLayer& layer : {hidden, blank, outside})
+        EXPECT_TRUE(warningsOf(itemWith(layer), ground(0xFFFFFF)).isEmpty());
+    EXPECT_TRUE(warningsOf(itemWith(smallText(0xFF000000)), QImage()).isEmpty())
+        << "the photo is missing";
+}
+
+TEST(TextWarnings, aTextThatDoesNotFitAtItsSmallestIsToldAlsoWhenItsLinesAreTakenOver)
+{
+    PublicationItem item = itemWith(smallText());
+    item.layers[0].text = u"palabra "_s.repeated(400);
+    const ItemLayout first = layOut(item, canvas, canvas);
+    EXPECT_TRUE(first.texts[0].overflows);
+    item.layers[0].frame.y = 0.2;
+    EXPECT_TRUE(layOut(item, canvas, canvas, first).texts[0].overflows);
+    const auto warnings = warningsOf(item, ground(0));
+    ASSERT_EQ(warnings.size(), 1);
+    EXPECT_TRUE(warnings[0].overflows);
+    item.layers[0].text = u"palabra"_s;
+    EXPECT_FALSE(layOut(item, canvas, canvas, first).texts[0].overflows);
+    item.layers[0].frame.width = 0.1;
+    EXPECT_TRUE(layOut(item, canvas, canvas).texts[0].overflows) << "a word wider than its box";
+}
+
+TEST(TextWarnings, judgingLeavesNoTraceInThePicture)
+{
+    PublicationItem item = PublicationItem::make(
+        QUrl(), {.path = {}, .size = canvas, .reducible = false, .digest = {}});
+    const ItemLayout layout = layOut(item, canvas, canvas);
+    const JudgedPicture judged = judgedItem(layout, canvas, ground(0xFFFFFF));
+    EXPECT_FALSE(judged.warnings.isEmpty());
+    EXPECT_EQ(judged.picture, paintedItem(layout, canvas, ground(0xFFFFFF)));
+}
