@@ -19,6 +19,7 @@ PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     setAccessibleName(name);
+    hide();    // until there is something in it
     m_resting.setSingleShot(true);
     m_resting.setInterval(previewAfter);
     connect(&m_resting, &QTimer::timeout, this, [this] {

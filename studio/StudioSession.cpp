@@ -678,7 +678,9 @@ void StudioSession::applyStyle(const DesignTemplate& style)
     setStatus(u"Estilo «%1» aplicado a %2 imagen(es)."_s.arg(
                   style.name, QString::number(selectedIndicesForBatch().size())),
               StatusTone::done);
+    m_history.endContinuousChanges();
     editLayer(changed);
+    m_history.endContinuousChanges();
 }
 
 void StudioSession::markPaid(QUuid itemId, const QString& fingerprint)

@@ -266,10 +266,10 @@ TEST_F(SessionHistoryTest, aFailedSaveIsToldOnceAndTriedAgain)
     PreferencesStore nowhere(u"/proc/moltiva/p.sqlite"_s);
     StudioSession lost(m_photos, nowhere, [this] { return now; });
     lost.restoreWorkspaceIfNeeded();
-    lost.load({QUrl::fromLocalFile(file(0))});
     int told = 0;
     QObject::connect(&lost, &StudioSession::statusChanged, &lost,
                      [&] { told += lost.status().startsWith(u"No se pudo guardar la sesión."_s); });
+    lost.load({QUrl::fromLocalFile(file(0))});
     EXPECT_TRUE(waitFor([&] { return !lost.isImporting(); }));
     EXPECT_TRUE(lost.status().startsWith(u"No se pudo guardar la sesión."_s));
     lost.setFormat(SocialFormat::square);
