@@ -50,6 +50,50 @@ QString withoutSpaces(QStringView text)
     return text.toString().remove(u' ').toCaseFolded();
 }
 
+struct FaceStyle {
+    int weight = QFont::Normal;
+    bool italic = false;
+    bool operator==(const FaceStyle&) const = default;
+};
+
+// What a style's English name says; nothing when it says something else.
+std::optional<FaceStyle> faceStyle(const QString& words)
+{
+    struct Word {
+        QStringView word;
+        int weight;
+    };
+    static constexpr std::array weights{
+        Word{u"", QFont::Normal},           Word{u"regular", QFont::Normal},
+        Word{u"thin", QFont::Thin},         Word{u"extralight", QFont::ExtraLight},
+        Word{u"light", QFont::Light},       Word{u"medium", QFont::Medium},
+        Word{u"semibold", QFont::DemiBold}, Word{u"demibold", QFont::DemiBold},
+        Word{u"bold", QFont::Bold},         Word{u"extrabold", QFont::ExtraBold},
+        Word{u"black", QFont::Black},
+    };
+    QString weight = words;
+    const bool italic = weight.endsWith(u"italic"_s) || weight.endsWith(u"oblique"_s);
+    weight.remove(u"italic"_s).remove(u"oblique"_s);
+    const auto known = std::ranges::find(weights, weight, &Word::word);
+    return known == weights.end() ? std::nullopt : std::optional(FaceStyle{known->weight, italic});
+}
+
+// A style by its name. The system may list it in the user's language, which must not change what a
+// stored name stands for.
+std::optional<QString> styleNamed(const QString& family, const QString& wanted)
+{
+    const QStringList styles = QFontDatabase::styles(family);
+    const auto named = std::ranges::find(styles, wanted, &withoutSpaces);
+    if (named != styles.end())
+        return *named;
+    const auto face = faceStyle(wanted);
+    const auto alike = std::ranges::find_if(styles, [&](const QString& style) {
+        return face == FaceStyle{QFontDatabase::weight(family, style),
+                                 QFontDatabase::italic(family, style)};
+    });
+    return face && alike != styles.end() ? std::optional(*alike) : std::nullopt;
+}
+
 std::optional<QFont> lookUpNamedFont(const QString& name)
 {
     // A full name is a family followed by one of its styles; nothing tells where the style begins.
@@ -57,11 +101,8 @@ std::optional<QFont> lookUpNamedFont(const QString& name)
         const QString family = name.left(space);
         if (!QFontDatabase::hasFamily(family))
             continue;
-        const QString wanted = withoutSpaces(QStringView(name).mid(space));
-        for (const QString& style : QFontDatabase::styles(family)) {
-            if (withoutSpaces(style) == wanted)
-                return atDesignSize(QFontDatabase::font(family, style, 12));
-        }
+        if (const auto style = styleNamed(family, withoutSpaces(QStringView(name).mid(space))))
+            return atDesignSize(QFontDatabase::font(family, *style, 12));
     }
     if (name.isEmpty() || !QFontDatabase::hasFamily(name))
         return std::nullopt;

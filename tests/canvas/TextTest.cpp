@@ -99,6 +99,9 @@ TEST(TextFitting, namedFontsAreFoundByFullNameAndFamilyAndElseReplaced)
     EXPECT_EQ(weightOf(u"Inter"_s).second, QFont::Normal);
     EXPECT_EQ(weightOf(u"Inter Light"_s).second, QFont::Light);
     EXPECT_EQ(weightOf(u"Inter Display Black"_s).second, QFont::Black);
+    // As a system of another language would have it: by what the name says.
+    EXPECT_EQ(weightOf(u"Inter Demi Bold"_s).second, QFont::DemiBold);
+    EXPECT_EQ(weightOf(u"Inter Negrita"_s), weightOf(u"System"_s));
 }
 
 TEST(TextLayoutMetrics, emptyTextMeasuresNothing)
