@@ -65,3 +65,8 @@ QIcon menuIcon(Icon icon)
         result.addPixmap(iconPixmap(icon, 20, Qt::black, ratio));
     return result;
 }
+
+QString inMenu(const QString& name)
+{
+    return QString(name).replace(u'&', QStringLiteral("&&"));
+}

@@ -2,6 +2,7 @@
 #include <QColor>
 #include <QIcon>
 #include <QPixmap>
+#include <QString>
 #include <QStringView>
 
 #include <algorithm>
@@ -137,3 +138,5 @@ QPixmap iconPixmap(Icon icon, int size, const QColor& color, qreal ratio);
 void paintIcon(QPainter& painter, Icon icon, const QRectF& box, int size, const QColor& color);
 // For menus: the style paints it in the colour of its row.
 QIcon menuIcon(Icon icon);
+// A name as part of an entry: without it an ampersand would name a key.
+QString inMenu(const QString& name);

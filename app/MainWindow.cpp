@@ -354,8 +354,10 @@ void MainWindow::run(Command command)
     case Command::restoreAside:
         return m_session.restoreWorkspaceAside();
     case Command::saveTemplate:
+        showTab(SideTab::templates);
         return m_templates->saveTemplate();
     case Command::importTemplate:
+        showTab(SideTab::templates);
         return m_templates->chooseDefinition();
     case Command::quit:
         close();
@@ -397,11 +399,11 @@ void MainWindow::run(Command command)
     case Command::square:
         return m_session.setFormat(SocialFormat::square);
     case Command::textTab:
-        return m_shell->sidePanel()->setTab(SideTab::text);
+        return showTab(SideTab::text);
     case Command::shapesTab:
-        return m_shell->sidePanel()->setTab(SideTab::shapes);
+        return showTab(SideTab::shapes);
     case Command::templatesTab:
-        return m_shell->sidePanel()->setTab(SideTab::templates);
+        return showTab(SideTab::templates);
     case Command::fill:
         return m_stage->setFitMode(ImageFitMode::fill);
     case Command::fit:
@@ -484,6 +486,12 @@ void MainWindow::showColumn(Command command, bool visible)
         m_shell->setPanelVisible(visible);
     m_menu->action(command)->setChecked(visible);
     m_preferences.setValue(isBatch ? batchHiddenKey : panelHiddenKey, visible ? no : yes);
+}
+
+void MainWindow::showTab(SideTab tab)
+{
+    showColumn(Command::sidePanel, true);
+    m_shell->sidePanel()->setTab(tab);
 }
 
 // Each region with what takes the focus in it.

@@ -19,6 +19,7 @@ class StudioShell;
 class TemplatesBinding;
 enum class Command;
 enum class ShapeKind;
+enum class SideTab;
 
 // Places the panels, connects them with the session, and runs what the menu and the keys ask for.
 class MainWindow : public QWidget {
@@ -65,6 +66,7 @@ private:
     void addShape(ShapeKind kind);
     void chooseTheme(Command command);
     void showColumn(Command command, bool visible);
+    void showTab(SideTab tab);
     void goToRegion(int step);
     void focusCanvas();
     void endEdits();

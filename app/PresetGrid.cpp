@@ -3,6 +3,7 @@
 #include "app/controls/KeyboardFocus.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QKeyEvent>
 
 using namespace Qt::StringLiterals;
@@ -15,9 +16,7 @@ PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
     : QWidget(parent), m_name(name), m_owner(owner)
 {
     setFocusPolicy(Qt::TabFocus);
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    policy.setHeightForWidth(true);
-    setSizePolicy(policy);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAccessibleName(name);
     hide();    // until there is something in it
     m_resting.setSingleShot(true);
@@ -35,7 +34,6 @@ void PresetGrid::setShape(int columns, double ratio)
     m_columns = columns;
     m_ratio = ratio;
     outdatePictures();
-    updateGeometry();
     place();
 }
 
@@ -43,6 +41,7 @@ void PresetGrid::setPresets(const QList<Preset>& presets)
 {
     if (presets == m_presets)
         return;
+    const QUuid marked = m_marked < m_presets.size() ? m_presets[m_marked].id : QUuid();
     QList<PresetTile*> old = std::exchange(m_tiles, {});
     for (const Preset& preset : presets) {
         const auto known = std::ranges::find_if(
@@ -51,6 +50,7 @@ void PresetGrid::setPresets(const QList<Preset>& presets)
         if (known != old.end())
             old.erase(known);
         tile->setPreset(preset);
+        tile->setRefusal(m_refusal);
         m_tiles.append(tile);
     }
     for (PresetTile* gone : old) {
@@ -58,10 +58,23 @@ void PresetGrid::setPresets(const QList<Preset>& presets)
         gone->deleteLater();
     }
     m_presets = presets;
-    m_marked = std::clamp(m_marked, 0, std::max(0, int(m_tiles.size()) - 1));
     setVisible(!presets.isEmpty());
-    updateGeometry();
     place();
+    // The mark goes with its preset; where that is gone, to the one that took its place.
+    const auto same = std::ranges::find(presets, marked, &Preset::id);
+    const int last = std::max(0, int(presets.size()) - 1);
+    m_marked = same != presets.end() ? int(same - presets.begin()) : std::clamp(m_marked, 0, last);
+    if (hasFocus() && same == presets.end())
+        mark(m_marked);
+    else if (hasFocus())
+        tellMarked();
+}
+
+void PresetGrid::setRefusal(const QString& reason)
+{
+    m_refusal = reason;
+    for (PresetTile* tile : std::as_const(m_tiles))
+        tile->setRefusal(reason);
 }
 
 PresetTile* PresetGrid::newTile()
@@ -70,7 +83,8 @@ PresetTile* PresetGrid::newTile()
     tile->show();
     connect(tile, &PresetTile::clicked, this, [this, tile] {
         leave();
-        Q_EMIT chosen(tile->preset().id);
+        if (m_refusal.isEmpty())
+            Q_EMIT chosen(tile->preset().id);
     });
     connect(tile, &PresetTile::pointedAt, this, [this, tile] { rest(tile->preset().id); });
     connect(tile, &PresetTile::pointerLeft, this, &PresetGrid::leave);
@@ -82,6 +96,11 @@ PresetTile* PresetGrid::newTile()
     });
     connect(tile, &PresetTile::renamed, this,
             [this, tile](const QString& name) { Q_EMIT renamed(tile->preset().id, name); });
+    // By Enter or Esc the focus belongs to nobody; pressed elsewhere, to what was pressed.
+    connect(tile, &PresetTile::renameEnded, this, [this] {
+        if (std::exchange(m_isRenamedByKey, false) && !QApplication::focusWidget())
+            setFocus(Qt::ShortcutFocusReason);
+    });
     return tile;
 }
 
@@ -121,30 +140,16 @@ void PresetGrid::rename(QUuid id)
         shown->rename();
 }
 
-int PresetGrid::tileWidth(int width) const
-{
-    return std::max(1, (width - (m_columns - 1) * columnGap) / m_columns);
-}
-
-int PresetGrid::heightForWidth(int width) const
-{
-    const int rows = (int(m_presets.size()) + m_columns - 1) / m_columns;
-    return std::max(0, rows * (PresetTile::heightFor(tileWidth(width), m_ratio) + rowGap) - rowGap);
-}
-
-QSize PresetGrid::sizeHint() const
-{
-    return {width(), heightForWidth(width())};
-}
-
 void PresetGrid::place()
 {
-    const int across = tileWidth(width()), down = PresetTile::heightFor(across, m_ratio);
+    const int across = std::max(1, (width() - (m_columns - 1) * columnGap) / m_columns);
+    const int down = PresetTile::heightFor(across, m_ratio);
     for (int i = 0; i < m_tiles.size(); ++i) {
         m_tiles[i]->setGeometry(i % m_columns * (across + columnGap),
                                 i / m_columns * (down + rowGap), across, down);
     }
-    setFixedHeight(heightForWidth(width()));
+    const int rows = (int(m_tiles.size()) + m_columns - 1) / m_columns;
+    setFixedHeight(std::max(0, rows * (down + rowGap) - rowGap));
 }
 
 void PresetGrid::resizeEvent(QResizeEvent*)
@@ -171,16 +176,29 @@ void PresetGrid::mark(int index)
 {
     if (index < 0 || index >= m_tiles.size())
         return;
-    KeyboardFocus::left(m_tiles[m_marked]);
+    if (m_marked < m_tiles.size())
+        KeyboardFocus::left(m_tiles[m_marked]);
     m_marked = index;
+    PresetTile* tile = m_tiles[index];
     const QFocusEvent byKeyboard(QEvent::FocusIn, Qt::TabFocusReason);
-    KeyboardFocus::entered(m_tiles[index], &byKeyboard);
-    setAccessibleName(u"%1: %2, %3 de %4"_s.arg(m_name, m_tiles[index]->accessibleName(),
-                                                QString::number(index + 1),
-                                                QString::number(m_tiles.size())));
+    KeyboardFocus::entered(tile, &byKeyboard);
+    tellMarked();
+    Q_EMIT visibleAreaWanted(tile);
+    rest(tile->preset().id);
+}
+
+void PresetGrid::tellMarked()
+{
+    const QString name =
+        m_tiles.isEmpty() ? m_name
+                          : u"%1: %2, %3 de %4"_s.arg(m_name, m_tiles[m_marked]->accessibleName(),
+                                                      QString::number(m_marked + 1),
+                                                      QString::number(m_tiles.size()));
+    if (name == accessibleName())
+        return;
+    setAccessibleName(name);
     QAccessibleEvent changed(this, QAccessible::NameChanged);
     QAccessible::updateAccessibility(&changed);
-    Q_EMIT m_tiles[index]->pointedAt();
 }
 
 void PresetGrid::keyPressEvent(QKeyEvent* event)
@@ -206,6 +224,7 @@ void PresetGrid::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Space:
         return m_tiles[m_marked]->click();
     case Qt::Key_F2:
+        m_isRenamedByKey = true;
         return rename(id);
     case Qt::Key_Delete:
     case Qt::Key_Backspace:

@@ -14,6 +14,8 @@ public:
     void setShape(int columns, double ratio);
     void setPresets(const QList<Preset>& presets);
     const QList<Preset>& presets() const { return m_presets; }
+    // Why none can be chosen now; empty when they can.
+    void setRefusal(const QString& reason);
     // In pixels of the screen.
     QSize picturePixels() const;
     void setPicture(QUuid id, const QImage& picture);
@@ -23,10 +25,6 @@ public:
     void rename(QUuid id);
     PresetTile* tile(QUuid id) const;
 
-    QSize sizeHint() const override;
-    bool hasHeightForWidth() const override { return true; }
-    int heightForWidth(int width) const override;
-
 Q_SIGNALS:
     void chosen(QUuid id);
     void previewWanted(QUuid id);    // the pointer or the keyboard rests on it
@@ -35,6 +33,7 @@ Q_SIGNALS:
     void menuRequested(QUuid id, QPoint globalPosition);
     void renamed(QUuid id, const QString& name);
     void removeRequested(QUuid id);
+    void visibleAreaWanted(QWidget* tile);    // the keyboard is on it
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -46,10 +45,10 @@ protected:
 private:
     PresetTile* newTile();
     void place();
-    int tileWidth(int width) const;
     void rest(QUuid id);
     void leave();
     void mark(int index);
+    void tellMarked();
 
     QString m_name;
     PresetOwner m_owner;
@@ -58,6 +57,8 @@ private:
     QList<Preset> m_presets;
     QList<PresetTile*> m_tiles;    // in the order of the presets
     int m_marked = 0;              // where the keyboard is
+    QString m_refusal;
+    bool m_isRenamedByKey = false;
     QTimer m_resting;
     QUuid m_restedOn, m_previewed;
 };

@@ -16,6 +16,12 @@ void PresetPictures::want(QUuid id, const Draw& draw)
     startNext();
 }
 
+void PresetPictures::dropWishes()
+{
+    m_wishes.clear();
+    m_latest.clear();
+}
+
 void PresetPictures::startNext()
 {
     while (m_running < atOnce && !m_wishes.isEmpty()) {

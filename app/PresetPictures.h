@@ -20,8 +20,8 @@ public:
     using Draw = std::function<QImage()>;
 
     void want(QUuid id, const Draw& draw);
-    // What was not begun is not wished for any more.
-    void dropWishes() { m_wishes.clear(); }
+    // Whatever was wished for is not wished for any more, not even what is being drawn.
+    void dropWishes();
     bool isIdle() const { return m_running == 0; }
 
 Q_SIGNALS:

@@ -34,15 +34,28 @@ void PresetTile::setPreset(const Preset& preset)
     if (preset == m_preset)
         return;
     m_preset = preset;
-    setAccessibleName(preset.chosen ? preset.name + u", aplicada"_s : preset.name);
-    setToolTip(preset.name);
+    nameParts();
     update();
 }
 
-void PresetTile::setRatio(double ratio)
+void PresetTile::setRefusal(const QString& reason)
 {
-    m_ratio = ratio;
+    if (reason == m_refusal)
+        return;
+    m_refusal = reason;
+    nameParts();
     update();
+}
+
+void PresetTile::nameParts()
+{
+    setAccessibleName(m_preset.chosen ? m_preset.name + u", aplicada"_s : m_preset.name);
+    setAccessibleDescription(m_refusal);
+    // A name may come from a file, and look like markup.
+    setToolTip(
+        u"<qt>%1</qt>"_s.arg((m_refusal.isEmpty() ? m_preset.name : m_refusal).toHtmlEscaped()));
+    if (m_more)
+        m_more->setAccessibleName(u"Más acciones de %1"_s.arg(m_preset.name));
 }
 
 QRect PresetTile::pictureRect() const
@@ -91,6 +104,7 @@ void PresetTile::endRename()
     if (LineField* name = std::exchange(m_name, nullptr)) {
         name->hide();
         name->deleteLater();
+        Q_EMIT renameEnded();
     }
 }
 
@@ -153,12 +167,11 @@ void PresetTile::paintEvent(QPaintEvent*)
         painter.setBrush(brush);
         painter.drawRoundedRect(box, Radius::thumbnail, Radius::thumbnail);
     }
-    if (hovered() > 0 && isEnabled())
+    if (hovered() > 0 && m_refusal.isEmpty())
         strokeRounded(painter, box, Radius::thumbnail,
                       QColor(255, 255, 255, qRound(61 * hovered())));
-    if (!isEnabled()) {
+    if (!m_refusal.isEmpty())
         fillRounded(painter, box, Radius::thumbnail, withOpacity(theme.panel, 0.6));
-    }
     QRectF caption(0, height() - captionHeight, width(), captionHeight);
     if (m_more)
         caption.setRight(caption.right() - moreSide - 2);
@@ -168,6 +181,6 @@ void PresetTile::paintEvent(QPaintEvent*)
                   theme.accentText);
         caption.setRight(caption.right() - 18);
     }
-    paintText(painter, caption, Qt::AlignLeft, Type::small, isEnabled() ? theme.text : theme.dis,
-              m_preset.name);
+    paintText(painter, caption, Qt::AlignLeft, Type::small,
+              m_refusal.isEmpty() ? theme.text : theme.text3, m_preset.name);
 }

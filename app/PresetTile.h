@@ -25,8 +25,9 @@ public:
 
     static int heightFor(int width, double ratio);
     void setPreset(const Preset& preset);
+    // Why it cannot be chosen now; empty when it can.
+    void setRefusal(const QString& reason);
     const Preset& preset() const { return m_preset; }
-    void setRatio(double ratio);    // of the picture, width to height
     QSize picturePixels() const;
     void setPicture(const QImage& picture);
     void outdatePicture();    // another one is wanted, when it is seen
@@ -37,6 +38,7 @@ Q_SIGNALS:
     void pictureWanted();    // it is seen without the right one
     void menuRequested(QPoint globalPosition);
     void renamed(const QString& name);
+    void renameEnded();
     void pointedAt();
     void pointerLeft();
 
@@ -50,10 +52,11 @@ protected:
 private:
     QRect pictureRect() const;
     void endRename();
+    void nameParts();
 
     Preset m_preset;
+    QString m_refusal;
     PresetOwner m_owner;
-    double m_ratio = 1;
     QImage m_picture;
     bool m_isOutdated = true, m_isAwaited = false;
     IconButton* m_more = nullptr;

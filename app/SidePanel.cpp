@@ -1,6 +1,7 @@
 #include "app/SidePanel.h"
 
 #include "app/EmptyNote.h"
+#include "app/PresetGrid.h"
 #include "app/ShapesPanel.h"
 #include "app/StyleShelf.h"
 #include "app/TemplatesPanel.h"
@@ -80,6 +81,9 @@ SidePanel::SidePanel(QWidget* parent)
             Qt::QueuedConnection);
     connect(m_templates, &TemplatesPanel::visibleAreaWanted, templates, showIn(templates),
             Qt::QueuedConnection);
+    for (const PresetGrid* grid : {m_templates->own(), m_templates->packaged()})
+        connect(grid, &PresetGrid::visibleAreaWanted, templates, showIn(templates));
+    connect(m_text->styles()->grid(), &PresetGrid::visibleAreaWanted, texts, showIn(texts));
     setContent(Content::none);
 }
 

@@ -1,5 +1,6 @@
 #include "app/StyleShelf.h"
 
+#include "app/Icons.h"
 #include "app/PresetGrid.h"
 #include "app/StyleHeader.h"
 #include "app/controls/Caption.h"
@@ -49,7 +50,7 @@ void StyleShelf::setStyles(const QList<Preset>& styles, const QString& refusal,
     m_refusal = refusal;
     m_recoverable = recoverable;
     m_grid->setPresets(styles);
-    m_grid->setEnabled(refusal.isEmpty());
+    m_grid->setRefusal(refusal);
     m_note->setVisible(styles.isEmpty());
     setRefused(m_save, refusal);
     // With no tile left there is no menu to call it back from.
@@ -70,14 +71,18 @@ void StyleShelf::showMenu(QUuid id, QPoint globalPosition)
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const auto add = [&](const QString& text, auto act) {
-        connect(menu->addAction(text), &QAction::triggered, this, act);
+        QAction* action = menu->addAction(text);
+        connect(action, &QAction::triggered, this, act);
+        return action;
     };
     add(u"Renombrar"_s, [this, id] { rename(id); });
-    add(u"Actualizar con este estilo"_s, [this, id] { Q_EMIT updateRequested(id); });
+    add(u"Actualizar con este estilo"_s, [this, id] {
+        Q_EMIT updateRequested(id);
+    })->setEnabled(m_refusal.isEmpty());
     menu->addSeparator();
     add(u"Eliminar"_s, [this, id] { Q_EMIT removeRequested(id); });
     if (!m_recoverable.isEmpty())
-        add(u"Recuperar «%1»"_s.arg(m_recoverable), [this] { Q_EMIT callBackRequested(); });
+        add(u"Recuperar «%1»"_s.arg(inMenu(m_recoverable)), [this] { Q_EMIT callBackRequested(); });
     menu->popup(globalPosition);
 }
 

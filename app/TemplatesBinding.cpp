@@ -1,22 +1,16 @@
 #include "app/TemplatesBinding.h"
 
+#include "app/PresetDrawing.h"
 #include "app/PresetGrid.h"
 #include "app/PresetPictures.h"
 #include "app/SidePanel.h"
 #include "app/StyleShelf.h"
+#include "app/TemplateFiles.h"
 #include "app/TemplatesPanel.h"
 #include "app/TextPanel.h"
-#include "canvas/ItemPainter.h"
-#include "platform/AtomicFile.h"
-#include "platform/PhotoCache.h"
-#include "platform/Workers.h"
 #include "studio/StudioSession.h"
 
-#include <QBuffer>
-#include <QCoroFuture>
 #include <QFileDialog>
-#include <QFileInfo>
-#include <QImageReader>
 #include <QMenu>
 
 using namespace Qt::StringLiterals;
@@ -24,44 +18,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int restBeforeRedrawing = 120;    // ms
-// More than a preview takes; a file may hold anything.
-constexpr qsizetype largestPreview = 1 << 20;
-constexpr int largestPreviewSide = 4096;
-
-QImage decodedPreview(QByteArray bytes, QSize pixels)
-{
-    QBuffer buffer(&bytes);
-    QImageReader reader(&buffer);
-    const QSize size = reader.size();
-    if (size.isEmpty() || size.width() > largestPreviewSide || size.height() > largestPreviewSide)
-        return {};
-    return reader.read().scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-}
-
-QImage drawnItem(const PublicationItem& item, SocialFormat format, QSize pixels, PhotoCache& photos)
-{
-    return paintedItem(layOut(item, exportSize(format), designSize(format)), pixels,
-                       photos.thumbnail({item.image.path, item.image.digest}));
-}
-
-// Two letters in the style, over the middle of the photo.
-QImage drawnStyle(const PhotoHandle& image, const TextLayerDesign& style, QSize pixels,
-                  PhotoCache& photos)
-{
-    // The tile in design units, and how large the letters come out there, whatever the size of the
-    // style's own text.
-    constexpr double tileWidth = 150, letterScale = 3;
-    const QSizeF tile(tileWidth, tileWidth * pixels.height() / pixels.width());
-    PublicationItem item;
-    item.image = image;
-    TextLayer letters(QUuid(), CopySlot::title, u"Aa"_s, true, {0.19, 0.16, 0.62, 0.68});
-    style.apply(letters);
-    letters.fontScale = letterScale;
-    item.layers = {letters};
-    return paintedItem(layOut(item, QSizeF(pixels), tile), pixels,
-                       photos.thumbnail({image.path, image.digest}));
-}
-
 SocialFormat formatOf(const VisualTemplate& of, SocialFormat otherwise)
 {
     for (const SocialFormat format : allCases<SocialFormat>()) {
@@ -77,13 +33,14 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, SidePanel* panel,
                                    const std::shared_ptr<PhotoCache>& photos,
                                    PreferencesStore& preferences)
     : m_session(session), m_panel(panel), m_photos(photos), m_saved(preferences, photos),
-      m_pictures(new PresetPictures(this))
+      m_files(new TemplateFiles(m_saved, this)), m_pictures(new PresetPictures(this))
 {
     connectTemplates();
     connectStyles();
     m_redrawLater.setSingleShot(true);
     m_redrawLater.setInterval(restBeforeRedrawing);
     connect(&m_redrawLater, &QTimer::timeout, this, [this] {
+        m_pictures->dropWishes();    // they are of the image as it was
         m_panel->templatesPanel()->packaged()->outdatePictures();
         m_panel->templatesPanel()->own()->outdatePictures();
         m_panel->textPanel()->styles()->grid()->outdatePictures();
@@ -93,6 +50,15 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, SidePanel* panel,
                     "a intentar con el próximo cambio."_s,
                     StatusTone::problem);
     });
+    connect(m_files, &TemplateFiles::told, this, &TemplatesBinding::told);
+    connect(m_files, &TemplateFiles::imported, this,
+            [this](const QString& name, SocialFormat format) {
+                m_panel->setTab(SideTab::templates);
+                const QString where = format == m_session.batch().format
+                                          ? QString()
+                                          : u" Es para el formato %1."_s.arg(rawValue(format));
+                Q_EMIT told(u"Plantilla «%1» importada.%2"_s.arg(name, where), StatusTone::done);
+            });
 }
 
 // The panels may outlive it for a moment.
@@ -106,10 +72,11 @@ void TemplatesBinding::connectTemplates()
     connect(panel, &TemplatesPanel::importRequested, this, &TemplatesBinding::chooseDefinition);
     connect(panel, &TemplatesPanel::callBackRequested, this, [this] {
         const QString name = m_saved.templates().lastRemoved();
-        m_saved.callBackTemplate();
         Q_EMIT told(u"Plantilla «%1» recuperada."_s.arg(name), StatusTone::done);
+        m_saved.callBackTemplate();
     });
     connect(&m_saved, &SavedTemplates::templatesChanged, this, &TemplatesBinding::show);
+    connect(&m_saved, &SavedTemplates::previewChanged, panel->own(), &PresetGrid::outdatePicture);
     connect(panel->own(), &PresetGrid::renamed, &m_saved, &SavedTemplates::renameTemplate);
     connect(panel->own(), &PresetGrid::removeRequested, this, &TemplatesBinding::remove);
     for (const auto& [grid, owner] : {std::pair(panel->own(), PresetOwner::user),
@@ -135,29 +102,29 @@ void TemplatesBinding::connectStyles()
     connect(shelf, &StyleShelf::saveRequested, this, [this, shelf] {
         if (!selectedText())
             return;
-        const QUuid id = m_saved.saveStyle(*selectedText());
         Q_EMIT told(u"Estilo guardado. Ponle nombre."_s, StatusTone::done);
-        shelf->rename(id);
+        shelf->rename(m_saved.saveStyle(*selectedText()));
     });
     connect(shelf, &StyleShelf::updateRequested, this, [this](QUuid id) {
         if (!selectedText() || !m_saved.styles().find(id))
             return;
         const QString name = m_saved.styles().find(id)->name;
+        Q_EMIT told(u"Estilo «%1» actualizado."_s.arg(name), StatusTone::done);
         m_saved.updateStyle(id, *selectedText());
         m_panel->textPanel()->styles()->grid()->outdatePicture(id);
-        Q_EMIT told(u"Estilo «%1» actualizado."_s.arg(name), StatusTone::done);
     });
     connect(shelf, &StyleShelf::removeRequested, this, [this](QUuid id) {
         if (!m_saved.styles().find(id))
             return;
-        const QString name = m_saved.styles().find(id)->name;
+        Q_EMIT told(
+            u"Estilo «%1» eliminado. Puedes recuperarlo."_s.arg(m_saved.styles().find(id)->name),
+            StatusTone::done);
         m_saved.removeStyle(id);
-        Q_EMIT told(u"Estilo «%1» eliminado."_s.arg(name), StatusTone::done);
     });
     connect(shelf, &StyleShelf::callBackRequested, this, [this] {
         const QString name = m_saved.styles().lastRemoved();
-        m_saved.callBackStyle();
         Q_EMIT told(u"Estilo «%1» recuperado."_s.arg(name), StatusTone::done);
+        m_saved.callBackStyle();
     });
     connect(shelf->grid(), &PresetGrid::renamed, &m_saved, &SavedTemplates::renameStyle);
     connect(shelf->grid(), &PresetGrid::chosen, this, [this](QUuid id) {
@@ -262,7 +229,7 @@ TemplateApplication TemplatesBinding::application(QUuid id)
     if (const VisualTemplate* own = m_saved.templates().find(id))
         return [own = *own](PublicationItem& item) { own.apply(item); };
     const auto design = packaged(id);
-    return design ? design->application() : [](PublicationItem&) {};
+    return design ? design->application() : TemplateApplication();
 }
 
 QString TemplatesBinding::nameOf(QUuid id)
@@ -275,19 +242,21 @@ QString TemplatesBinding::nameOf(QUuid id)
 
 void TemplatesBinding::apply(QUuid id)
 {
-    m_session.applyTemplate(nameOf(id), application(id));
+    if (const TemplateApplication design = application(id))
+        m_session.applyTemplate(nameOf(id), design);
 }
 
 void TemplatesBinding::preview(QUuid id)
 {
     const PublicationItem* item = m_session.batch().currentItem();
-    if (id.isNull() || !item) {
+    const TemplateApplication design = application(id);
+    if (!item || !design) {
         if (std::exchange(m_isPreviewing, false))
             Q_EMIT previewChanged(std::nullopt);
         return;
     }
     PublicationItem previewed = *item;
-    application(id)(previewed);
+    design(previewed);
     m_isPreviewing = true;
     Q_EMIT previewChanged(previewed);
 }
@@ -295,10 +264,11 @@ void TemplatesBinding::preview(QUuid id)
 void TemplatesBinding::drawTemplate(PresetGrid* grid, QUuid id)
 {
     const PublicationItem* item = m_session.batch().currentItem();
-    if (!item)
+    const TemplateApplication design = application(id);
+    if (!item || !design)
         return;
     PublicationItem changed = *item;
-    application(id)(changed);
+    design(changed);
     const auto live = [changed, format = m_session.batch().format, pixels = grid->picturePixels(),
                        photos = m_photos] { return drawnItem(changed, format, pixels, *photos); };
     const VisualTemplate* own = m_saved.templates().find(id);
@@ -347,9 +317,9 @@ void TemplatesBinding::saveTemplate()
     if (!item)
         return;
     m_panel->setTab(SideTab::templates);
-    const QUuid id = m_saved.saveTemplate(*item, m_session.batch().format);
+    // Told first: should it not be stored, that is the last word.
     Q_EMIT told(u"Plantilla guardada. Ponle nombre."_s, StatusTone::done);
-    m_panel->templatesPanel()->rename(id);
+    m_panel->templatesPanel()->rename(m_saved.saveTemplate(*item, m_session.batch().format));
 }
 
 void TemplatesBinding::update(QUuid id)
@@ -358,19 +328,18 @@ void TemplatesBinding::update(QUuid id)
     if (!item || !m_saved.templates().find(id))
         return;
     const QString name = nameOf(id);
-    m_saved.updateTemplate(id, *item, m_session.batch().format);
     Q_EMIT told(u"Plantilla «%1» actualizada con esta composición."_s.arg(name), StatusTone::done);
+    m_saved.updateTemplate(id, *item, m_session.batch().format);
 }
 
 void TemplatesBinding::remove(QUuid id)
 {
     if (!m_saved.templates().find(id))
         return;
-    const QString name = nameOf(id);
+    Q_EMIT told(u"Plantilla «%1» eliminada. Puedes recuperarla en el menú de Mis plantillas."_s.arg(
+                    nameOf(id)),
+                StatusTone::done);
     m_saved.removeTemplate(id);
-    Q_EMIT told(
-        u"Plantilla «%1» eliminada. Puedes recuperarla en el menú de Mis plantillas."_s.arg(name),
-        StatusTone::done);
 }
 
 void TemplatesBinding::chooseDefinition()
@@ -388,48 +357,9 @@ void TemplatesBinding::chooseDefinition()
 
 void TemplatesBinding::importDefinition(const QString& path)
 {
-    readDefinition(this, path);
-}
-
-QCoro::Task<> TemplatesBinding::readDefinition(QPointer<TemplatesBinding> self, QString path)
-{
-    QFuture<DefinitionFile> reading = runOnWorker([path]() -> DefinitionFile {
-        try {
-            return readDefinitionFile(path);
-        } catch (const std::exception&) {
-            return {std::nullopt, u"no hay memoria para leerla"_s};
-        }
-    });
-    const DefinitionFile read = co_await reading;
-    if (self)
-        self->finishImport(read, path);
-}
-
-void TemplatesBinding::finishImport(const DefinitionFile& read, const QString& path)
-{
-    if (!read.definition) {
-        Q_EMIT told(u"No se puede importar «%1»: %2."_s.arg(QFileInfo(path).fileName(), read.error),
-                    StatusTone::problem);
-        return;
-    }
-    const SocialFormat format = read.definition->socialFormat();
-    // What the file leaves out is taken from the image it is imported over.
+    // What the file leaves out is taken from the image that it is read over.
     const PublicationItem* current = m_session.batch().currentItem();
-    const PublicationItem item = current ? *current : PublicationItem::make({}, {});
-    VisualTemplate made = read.definition->visualTemplate(item, format);
-    made.order.reset();
-    if (made.previewPNG && made.previewPNG->size() > largestPreview)
-        made.previewPNG.reset();
-    if (m_saved.addTemplate(made).isNull()) {
-        Q_EMIT told(u"La plantilla «%1» ya está en Mis plantillas."_s.arg(made.name),
-                    StatusTone::info);
-        return;
-    }
-    m_panel->setTab(SideTab::templates);
-    const QString where = format == m_session.batch().format
-                              ? QString()
-                              : u" Es para el formato %1."_s.arg(rawValue(format));
-    Q_EMIT told(u"Plantilla «%1» importada.%2"_s.arg(made.name, where), StatusTone::done);
+    m_files->read(path, current ? *current : PublicationItem::make({}, {}));
 }
 
 void TemplatesBinding::chooseExport(QUuid id)
@@ -454,22 +384,5 @@ void TemplatesBinding::exportDefinition(QUuid id, const QString& path)
             library().templateDefinition(*own, own->name, formatOf(*own, m_session.batch().format));
     }
     if (definition)
-        writeDefinition(this, path, definition->name, definitionBytes(*definition));
-}
-
-QCoro::Task<> TemplatesBinding::writeDefinition(QPointer<TemplatesBinding> self, QString path,
-                                                QString name, QByteArray bytes)
-{
-    QFuture<QString> writing = runOnWorker([path, bytes] { return writeAtomically(path, bytes); });
-    const QString failure = co_await writing;
-    if (!self)
-        co_return;
-    if (failure.isEmpty()) {
-        Q_EMIT self->told(
-            u"Plantilla «%1» exportada como %2."_s.arg(name, QFileInfo(path).fileName()),
-            StatusTone::done);
-    } else {
-        Q_EMIT self->told(u"No se pudo exportar la plantilla «%1»: %2."_s.arg(name, failure),
-                          StatusTone::problem);
-    }
+        m_files->write(path, *definition);
 }

@@ -11,6 +11,7 @@ class PresetGrid;
 class PresetPictures;
 class SidePanel;
 class StudioSession;
+class TemplateFiles;
 enum class StatusTone;
 
 // The templates and the saved styles as the user sees and uses them: what the side panel shows of
@@ -47,7 +48,7 @@ private:
     const BuiltInTemplateLibrary& library();
     std::optional<JSONVisualTemplateDefinition> packaged(QUuid id);
     QString nameOf(QUuid id);
-    TemplateApplication application(QUuid id);
+    TemplateApplication application(QUuid id);    // none for an unknown id
     void apply(QUuid id);
     void preview(QUuid id);
     void drawTemplate(PresetGrid* grid, QUuid id);
@@ -57,16 +58,13 @@ private:
     void update(QUuid id);
     void remove(QUuid id);
     const TextLayer* selectedText() const;
-    static QCoro::Task<> readDefinition(QPointer<TemplatesBinding> self, QString path);
-    void finishImport(const DefinitionFile& read, const QString& path);
-    static QCoro::Task<> writeDefinition(QPointer<TemplatesBinding> self, QString path,
-                                         QString name, QByteArray bytes);
 
     StudioSession& m_session;
     SidePanel* m_panel;
     std::shared_ptr<PhotoCache> m_photos;
     SavedTemplates m_saved;
     std::optional<BuiltInTemplateLibrary> m_library;    // once it was looked at
+    TemplateFiles* m_files;
     PresetPictures* m_pictures;
     // What the pictures were drawn from; they are drawn anew when it has rested a moment.
     std::optional<PublicationItem> m_drawn;

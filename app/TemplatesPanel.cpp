@@ -125,8 +125,8 @@ void TemplatesPanel::showMenu()
     connect(menu->addAction(u"Importar plantilla…"_s), &QAction::triggered, this,
             &TemplatesPanel::importRequested);
     if (!m_state.recoverable.isEmpty()) {
-        connect(menu->addAction(u"Recuperar «%1»"_s.arg(m_state.recoverable)), &QAction::triggered,
-                this, &TemplatesPanel::callBackRequested);
+        connect(menu->addAction(u"Recuperar «%1»"_s.arg(inMenu(m_state.recoverable))),
+                &QAction::triggered, this, &TemplatesPanel::callBackRequested);
     }
     menu->popup(m_more->mapToGlobal(m_more->rect().bottomLeft()));
 }

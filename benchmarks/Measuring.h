@@ -28,6 +28,8 @@ void turnUntil(Done done)
 // Milliseconds.
 inline void report(const char* what, std::vector<double> times)
 {
+    if (times.empty())
+        return;
     std::ranges::sort(times);
     const auto at = [&](double share) {
         return times[std::min(std::size_t(share * double(times.size())), times.size() - 1)];

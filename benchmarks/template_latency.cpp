@@ -101,6 +101,15 @@ int main(int argc, char** argv)
         turnUntil([&] { return window.isSettled(); });
         turnFor(1000);
 
+        SavedTemplates& saved = window.templates().saved();
+        int name = 0;
+        report("renaming one of them",
+               timed(
+                   [&] {
+                       saved.renameTemplate(saved.templates().entries().last().id,
+                                            QString::number(++name));
+                   },
+                   30));
         application.milliseconds.clear();
         QElapsedTimer watch;
         watch.start();

@@ -93,7 +93,9 @@ public:
     {
         if (m_removed.isEmpty())
             return std::nullopt;
-        const auto [index, entry] = m_removed.takeLast();
+        auto [index, entry] = m_removed.takeLast();
+        if (find(entry.id))    // it came back from a file meanwhile
+            entry.id = QUuid::createUuid();
         m_entries.insert(std::min(index, m_entries.size()), entry);
         return entry;
     }

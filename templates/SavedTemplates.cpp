@@ -12,11 +12,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Whether two make the same of every item.
+// Whether two make the same of every item. A file keeps no ids of shapes.
 bool areAlike(const VisualTemplate& one, const VisualTemplate& other)
 {
+    const auto isSameShape = [](const ShapeLayer& a, const ShapeLayer& b) {
+        return ShapeLayer::preservingID(b.id, a) == b;
+    };
     return one.name == other.name && one.textLayers == other.textLayers &&
-           one.shapeLayers == other.shapeLayers && one.aspectRatio == other.aspectRatio;
+           std::ranges::equal(one.shapeLayers, other.shapeLayers, isSameShape) &&
+           one.aspectRatio == other.aspectRatio;
 }
 
 }    // namespace
@@ -45,11 +49,11 @@ void SavedTemplates::updateTemplate(QUuid id, const PublicationItem& item, Socia
         VisualTemplate made = VisualTemplate::of(item, entry.name, format);
         made.id = entry.id;
         made.order = entry.order;
-        made.previewPNG = entry.previewPNG;
         entry = made;
     });
     if (changed)
         storeTemplates();
+    Q_EMIT previewChanged(id);
     drawPreview(this, id, item, format, m_photos);
 }
 
@@ -156,6 +160,9 @@ QCoro::Task<> SavedTemplates::drawPreview(QPointer<SavedTemplates> self, QUuid i
         if (areAlike(entry, VisualTemplate::of(item, entry.name, format)))
             entry.previewPNG = preview;
     };
-    if (self->m_templates.change(id, keep))
-        self->storeTemplates();
+    if (!self->m_templates.change(id, keep))
+        co_return;
+    self->storeTemplates();
+    if (self)
+        Q_EMIT self->previewChanged(id);
 }

@@ -1,5 +1,6 @@
 #include "templates/TemplateDefinition.h"
 
+#include "model/GuardedJson.h"
 #include "model/RecordJson.h"
 #include "templates/TemplateName.h"
 
@@ -197,7 +198,7 @@ DefinitionFile readDefinition(QByteArrayView bytes)
 {
     if (bytes.size() > largestFile)
         return {std::nullopt, u"es demasiado grande"_s};
-    const json::Value value = json::Value::parse(bytes.begin(), bytes.end(), nullptr, false);
+    const json::Value value = json::parsedWithCare(bytes);
     const auto isList = [&](const char* key) {
         return value.is_object() && value.contains(key) && value[key].is_array();
     };

@@ -80,7 +80,6 @@ TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
     const QByteArray shown = onCanvas();
     PresetTile* tile = packaged()->tile(packaged()->presets().first().id);
     hover(tile, QEvent::HoverEnter);
-    QTest::qWait(100);
     EXPECT_EQ(onCanvas(), shown);    // not at once
     QTest::qWait(400);
     settle();
@@ -145,6 +144,14 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     EXPECT_TRUE(saved().templates().entries().isEmpty());
     Q_EMIT side()->templatesPanel()->callBackRequested();
     EXPECT_EQ(own()->presets().size(), 1);
+    // The ring stays on its template when another one comes before it.
+    const QUuid older = own()->presets().first().id;
+    own()->setFocus(Qt::TabFocusReason);
+    saved().saveTemplate(current(), session.batch().format);
+    EXPECT_TRUE(own()->accessibleName().contains(u"Rutas de otono"_s));
+    QTest::keyClick(own(), Qt::Key_Delete);
+    EXPECT_FALSE(saved().templates().find(older));
+    EXPECT_TRUE(own()->accessibleName().contains(u"Plantilla 1"_s));
     packaged()->setFocus(Qt::TabFocusReason);
     QTest::keyClick(packaged(), Qt::Key_Right);
     QTest::keyClick(packaged(), Qt::Key_Return);
@@ -193,7 +200,37 @@ TEST_F(TemplatesTest, StylesReachTheSelectedTextOfAllSelectedImages)
     session.undo();
     EXPECT_EQ(current().layers[1].foreground, codableWhite);
     session.selectLayer(QUuid());
-    EXPECT_FALSE(shelf->grid()->isEnabled());    // no text to take it
+    const Batch before = session.batch();
+    shelf->grid()->tile(style)->click();    // no text to take it
+    EXPECT_EQ(session.batch(), before);
     Q_EMIT shelf->removeRequested(style);
     EXPECT_TRUE(shelf->grid()->presets().isEmpty());
+}
+
+TEST_F(TemplatesTest, TilesFollowWhatTheyStandFor)
+{
+    const QUuid id = saved().saveTemplate(current(), session.batch().format);
+    settle();
+    const auto tile = [&] { return own()->tile(id)->grab().toImage(); };
+    const QImage before = tile();
+    const JSONVisualTemplateDefinition design =
+        BuiltInTemplateLibrary().definitions(session.batch().format).first();
+    session.applyTemplate(design.name, design.application());
+    saved().updateTemplate(id, current(), session.batch().format);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return saved().templates().find(id)->previewPNG.has_value(); }, 20000));
+    settle();
+    EXPECT_NE(tile(), before);
+    EXPECT_TRUE(own()->tile(id)->preset().chosen);
+}
+
+TEST_F(TemplatesTest, AFailedStoreIsTheLastWord)
+{
+    PreferencesStore nowhere(u"/proc/moltiva/p.sqlite"_s);
+    TemplatesBinding templates(session, side(), m_photos, nowhere);
+    QString told;
+    QObject::connect(&templates, &TemplatesBinding::told, &templates,
+                     [&](const QString& sentence) { told = sentence; });
+    templates.saveTemplate();
+    EXPECT_TRUE(told.startsWith(u"No se pudieron guardar tus plantillas."_s)) << told.toStdString();
 }

@@ -1,5 +1,6 @@
 #include "templates/BuiltInTemplateLibrary.h"
 
+#include "canvas/ItemLayout.h"
 #include "canvas/TextFitting.h"
 
 #include <QDir>
@@ -62,12 +63,35 @@ TEST(Gallery, UsesInstalledFontsAlone)
             for (const TextLayer& layer : item.layers) {
                 if (layer.fontName == u"System"_s)
                     continue;
-                const QFontInfo resolved(ExportCanvasRenderer::nsFont(layer, 20).face);
-                EXPECT_TRUE(layer.fontName.startsWith(resolved.family()))
+                const QFont face = ExportCanvasRenderer::nsFont(layer, 20).face;
+                const QFontInfo resolved(face);
+                const QString full = resolved.family() + u' ' + resolved.styleName();
+                EXPECT_TRUE(layer.fontName == resolved.family() || layer.fontName == full)
                     << design.sourceURL.fileName().toStdString() << ": "
-                    << layer.fontName.toStdString() << " came out as "
-                    << resolved.family().toStdString();
+                    << layer.fontName.toStdString() << " came out as " << full.toStdString();
             }
+        }
+    }
+}
+
+// What a story's own controls would cover.
+TEST(Gallery, KeepsTheTextsOfStoriesInTheSafeZone)
+{
+    constexpr double top = 250, bottom = 1920 - 340;
+    for (const JSONVisualTemplateDefinition& design :
+         BuiltInTemplateLibrary().definitions(SocialFormat::storyReel)) {
+        PublicationItem item = PublicationItem::make({}, {});
+        item.layer(CopySlot::title)->text = u"Un título de los que ocupan dos líneas enteras"_s;
+        item.layer(CopySlot::subtitle)->text =
+            u"Y debajo un subtítulo que explica algo más, largo"_s;
+        design.application()(item);
+        const ItemLayout layout =
+            layOut(item, exportSize(SocialFormat::storyReel), designSize(SocialFormat::storyReel));
+        for (const LaidOutTextLayer& text : layout.texts) {
+            const QRectF used = text.text.usedRect().translated(text.textPosition);
+            EXPECT_GE(used.top(), top) << design.name.toStdString() << ' ' << int(text.source.slot);
+            EXPECT_LE(used.bottom(), bottom)
+                << design.name.toStdString() << ' ' << int(text.source.slot);
         }
     }
 }

@@ -110,6 +110,15 @@ TEST_F(SavedTemplatesTest, CallsBackWhatWasRemovedOrReplaced)
     const QUuid again = saved->addTemplate(imported);
     EXPECT_FALSE(again.isNull());
     EXPECT_NE(again, imported.id);
+    // One that came back from its file and is then called back too.
+    saved->removeTemplate(imported.id);
+    saved->renameTemplate(again, u"Otra"_s);
+    EXPECT_EQ(saved->addTemplate(imported), imported.id);
+    saved->callBackTemplate();
+    QSet<QUuid> ids;
+    for (const VisualTemplate& one : saved->templates().entries())
+        ids.insert(one.id);
+    EXPECT_EQ(ids.size(), saved->templates().entries().size());
 }
 
 TEST_F(SavedTemplatesTest, DrawsPreviewsInTheirSizes)

@@ -140,7 +140,12 @@ TEST(TemplateDefinition, ComesBackFromItsFileAsItWas)
 // Whatever a file holds, it is refused with a reason, or read and then drawn in finite time.
 TEST(TemplateDefinition, SurvivesHostileFiles)
 {
+    QByteArray manyKeys = R"({"textLayers":[])";
+    for (int i = 0; i < 200000; ++i)
+        manyKeys += ",\"k" + QByteArray::number(i) + "\":1";
     QList<QByteArray> files{
+        manyKeys + '}',
+
         "",
         "null",
         "[]",

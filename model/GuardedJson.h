@@ -1,0 +1,56 @@
+#pragma once
+
+#include "model/JsonMapping.h"
+
+namespace json {
+
+// Looks a text over without keeping anything of it. Stops at the first object with more keys than
+// any record has: looking each of them up among the others takes a time that grows with their
+// square.
+class Guard final : public nlohmann::json_sax<Value> {
+public:
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool number_integer(number_integer_t) override { return true; }
+    bool number_unsigned(number_unsigned_t) override { return true; }
+    bool number_float(number_float_t, const string_t&) override { return true; }
+    bool string(string_t&) override { return true; }
+    bool binary(binary_t&) override { return true; }
+    bool start_object(std::size_t) override
+    {
+        m_keys.append(0);
+        return m_keys.size() <= deepest;
+    }
+    bool key(string_t&) override { return ++m_keys.last() <= mostKeys; }
+    bool end_object() override
+    {
+        m_keys.removeLast();
+        return true;
+    }
+    bool start_array(std::size_t) override { return ++m_arrays <= deepest; }
+    bool end_array() override
+    {
+        --m_arrays;
+        return true;
+    }
+    bool parse_error(std::size_t, const std::string&, const nlohmann::json::exception&) override
+    {
+        return false;
+    }
+
+private:
+    static constexpr int mostKeys = 200, deepest = 100;
+    QList<int> m_keys;    // of each object that is open
+    int m_arrays = 0;
+};
+
+// What a file from anywhere holds; discarded when it is no JSON, or none that a record could be in.
+inline Value parsedWithCare(QByteArrayView bytes)
+{
+    Guard guard;
+    if (!Value::sax_parse(bytes.begin(), bytes.end(), &guard))
+        return Value(Value::value_t::discarded);
+    return Value::parse(bytes.begin(), bytes.end(), nullptr, false);
+}
+
+}    // namespace json
