@@ -7,6 +7,7 @@
 #include "app/EmptyState.h"
 #include "app/Icons.h"
 #include "app/PanelBinding.h"
+#include "app/PresetGrid.h"
 #include "app/SidePanel.h"
 #include "app/StageBinding.h"
 #include "app/StagePanel.h"
@@ -681,6 +682,12 @@ void MainWindow::showHints()
     QList<KeyHint> hints;
     if (m_shell->sidePanel()->textPanel()->editedSlot()) {
         hints = {{{u"Av Pág"_s}, u"Imagen siguiente"_s}, {{u"Esc"_s}, u"Volver al lienzo"_s}};
+    } else if (const auto* grid = qobject_cast<PresetGrid*>(focusWidget())) {
+        hints = {{{u"Intro"_s}, u"Aplicar"_s}};
+        if (grid->owner() == PresetOwner::user)
+            hints += {{{u"F2"_s}, u"Renombrar"_s}, {{u"Supr"_s}, u"Eliminar"_s}};
+    } else if (focusWidget() && qobject_cast<PresetGrid*>(focusWidget()->parentWidget())) {
+        hints = {{{u"Intro"_s}, u"Guardar el nombre"_s}, {{u"Esc"_s}, u"Cancelar"_s}};
     } else if (qobject_cast<QLineEdit*>(focusWidget())) {
         hints = {{{u"Esc"_s}, u"Volver al lienzo"_s}};
     } else if (const PublicationItem* item = batch.currentItem()) {

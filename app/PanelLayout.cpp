@@ -1,6 +1,6 @@
 #include "app/PanelLayout.h"
 
-#include <QWidget>
+#include <QScrollArea>
 
 namespace {
 constexpr int side = 16, top = 10, bottom = 16, scrollBar = 12, fieldGap = 8;
@@ -26,4 +26,22 @@ void PanelLayout::addRow(const QList<QWidget*>& widgets, int gapAbove)
         row->addWidget(widget,
                        widget->sizePolicy().horizontalPolicy() == QSizePolicy::Fixed ? 0 : 1);
     addLayout(row);
+}
+
+QScrollArea* scrolled(QWidget* page)
+{
+    auto* area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    area->setWidget(page);
+    return area;
+}
+
+void showIn(QScrollArea* area, QWidget* widget)
+{
+    constexpr int margin = 8;
+    area->ensureWidgetVisible(widget, 0, margin);
 }

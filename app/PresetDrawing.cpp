@@ -3,9 +3,6 @@
 #include "canvas/ItemPainter.h"
 #include "platform/PhotoCache.h"
 
-#include <QBuffer>
-#include <QImageReader>
-
 using namespace Qt::StringLiterals;
 
 QImage drawnItem(const PublicationItem& item, SocialFormat format, QSize pixels, PhotoCache& photos)
@@ -29,16 +26,4 @@ QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize 
     item.layers = {letters};
     return paintedItem(layOut(item, QSizeF(pixels), tile), pixels,
                        photos.thumbnail({photo.path, photo.digest}));
-}
-
-QImage decodedPreview(QByteArray bytes, QSize pixels)
-{
-    constexpr int largestSide = 4096;
-    static const QList<QByteArray> kinds{"webp", "jpeg", "png"};    // that previews are stored in
-    QBuffer buffer(&bytes);
-    QImageReader reader(&buffer);
-    const QSize size = kinds.contains(reader.format()) ? reader.size() : QSize();
-    if (size.isEmpty() || size.width() > largestSide || size.height() > largestSide)
-        return {};
-    return reader.read().scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }

@@ -14,5 +14,3 @@ QImage drawnItem(const PublicationItem& item, SocialFormat format, QSize pixels,
 // Two letters in the style, over the middle of the photo.
 QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize pixels,
                   PhotoCache& photos);
-// A stored preview, whatever the bytes are; null when they are no picture of a usable size.
-QImage decodedPreview(QByteArray bytes, QSize pixels);

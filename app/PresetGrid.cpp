@@ -1,6 +1,7 @@
 #include "app/PresetGrid.h"
 
 #include "app/controls/KeyboardFocus.h"
+#include "app/controls/LineField.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -9,11 +10,11 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int columnGap = 10, rowGap = 12, previewAfter = 300;    // ms
+constexpr int columnGap = 10, rowGap = 12, narrowestName = 160, previewAfter = 300;    // ms
 }
 
 PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
-    : QWidget(parent), m_name(name), m_owner(owner)
+    : QWidget(parent), m_title(name), m_owner(owner)
 {
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -22,6 +23,8 @@ PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
     m_resting.setSingleShot(true);
     m_resting.setInterval(previewAfter);
     connect(&m_resting, &QTimer::timeout, this, [this] {
+        if (m_restedOn.isNull())
+            return leave();
         m_previewed = m_restedOn;
         Q_EMIT previewWanted(m_previewed);
     });
@@ -87,19 +90,13 @@ PresetTile* PresetGrid::newTile()
             Q_EMIT chosen(tile->preset().id);
     });
     connect(tile, &PresetTile::pointedAt, this, [this, tile] { rest(tile->preset().id); });
-    connect(tile, &PresetTile::pointerLeft, this, &PresetGrid::leave);
+    // From one to the next the preview stays until that of the next comes.
+    connect(tile, &PresetTile::pointerLeft, this, [this] { rest({}); });
     connect(tile, &PresetTile::pictureWanted, this,
             [this, tile] { Q_EMIT pictureWanted(tile->preset().id); });
     connect(tile, &PresetTile::menuRequested, this, [this, tile](QPoint position) {
         leave();
         Q_EMIT menuRequested(tile->preset().id, position);
-    });
-    connect(tile, &PresetTile::renamed, this,
-            [this, tile](const QString& name) { Q_EMIT renamed(tile->preset().id, name); });
-    // By Enter or Esc the focus belongs to nobody; pressed elsewhere, to what was pressed.
-    connect(tile, &PresetTile::renameEnded, this, [this] {
-        if (std::exchange(m_isRenamedByKey, false) && !QApplication::focusWidget())
-            setFocus(Qt::ShortcutFocusReason);
     });
     return tile;
 }
@@ -136,8 +133,50 @@ void PresetGrid::outdatePictures()
 
 void PresetGrid::rename(QUuid id)
 {
-    if (PresetTile* shown = tile(id))
-        shown->rename();
+    const PresetTile* shown = tile(id);
+    if (!shown || m_name)
+        return;
+    m_renamed = id;
+    m_name = new LineField(u"Nombre"_s, {}, Icon::none, this);
+    m_name->setShown(shown->preset().name);
+    placeName();
+    // Once it has lost the focus, the last it tells is the name.
+    connect(m_name, &LineField::edited, this,
+            [this](const QString& name) { Q_EMIT renamed(m_renamed, name); });
+    connect(m_name, &LineField::abandoned, this, [this] { endRename(RenameEnd::abandoned); });
+    connect(
+        m_name, &LineField::editingFinished, this, [this] { endRename(RenameEnd::kept); },
+        Qt::QueuedConnection);
+    m_name->show();
+    m_name->setFocus(Qt::OtherFocusReason);
+    m_name->selectAll();
+}
+
+// Over the caption, and beyond it where the tile is narrow.
+void PresetGrid::placeName()
+{
+    const PresetTile* shown = m_name ? tile(m_renamed) : nullptr;
+    if (!shown)
+        return;
+    const QRect caption = shown->captionRect().translated(shown->pos());
+    const int across = std::min(width(), std::max(caption.width(), narrowestName));
+    m_name->setGeometry(std::min(caption.left(), width() - across), caption.top(), across,
+                        m_name->height());
+    m_name->raise();
+}
+
+void PresetGrid::endRename(RenameEnd end)
+{
+    LineField* name = std::exchange(m_name, nullptr);
+    if (!name)
+        return;
+    const QUuid id = m_renamed;
+    name->hide();
+    name->deleteLater();
+    // By Enter or Esc the focus belongs to nobody; pressed elsewhere, to what was pressed.
+    if (std::exchange(m_isRenamedByKey, false) && !QApplication::focusWidget())
+        setFocus(Qt::ShortcutFocusReason);
+    Q_EMIT renameEnded(id, end);
 }
 
 void PresetGrid::place()
@@ -149,7 +188,8 @@ void PresetGrid::place()
                                 i / m_columns * (down + rowGap), across, down);
     }
     const int rows = (int(m_tiles.size()) + m_columns - 1) / m_columns;
-    setFixedHeight(std::max(0, rows * (down + rowGap) - rowGap));
+    setFixedHeight(rows == 0 ? 0 : rows * (down + rowGap));    // room for a name field
+    placeName();
 }
 
 void PresetGrid::resizeEvent(QResizeEvent*)
@@ -159,7 +199,6 @@ void PresetGrid::resizeEvent(QResizeEvent*)
 
 void PresetGrid::rest(QUuid id)
 {
-    leave();
     m_restedOn = id;
     m_resting.start();
 }
@@ -176,22 +215,37 @@ void PresetGrid::mark(int index)
 {
     if (index < 0 || index >= m_tiles.size())
         return;
-    if (m_marked < m_tiles.size())
-        KeyboardFocus::left(m_tiles[m_marked]);
+    unmark();
     m_marked = index;
     PresetTile* tile = m_tiles[index];
     const QFocusEvent byKeyboard(QEvent::FocusIn, Qt::TabFocusReason);
     KeyboardFocus::entered(tile, &byKeyboard);
+    tile->setMark(PresetTile::Mark::keyboard);
     tellMarked();
-    Q_EMIT visibleAreaWanted(tile);
     rest(tile->preset().id);
+    // After the scroll area has brought the grid into view as a whole.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (m_marked < m_tiles.size())
+                Q_EMIT visibleAreaWanted(m_tiles[m_marked]);
+        },
+        Qt::QueuedConnection);
+}
+
+void PresetGrid::unmark()
+{
+    if (m_marked >= m_tiles.size())
+        return;
+    KeyboardFocus::left(m_tiles[m_marked]);
+    m_tiles[m_marked]->setMark(PresetTile::Mark::none);
 }
 
 void PresetGrid::tellMarked()
 {
     const QString name =
-        m_tiles.isEmpty() ? m_name
-                          : u"%1: %2, %3 de %4"_s.arg(m_name, m_tiles[m_marked]->accessibleName(),
+        m_tiles.isEmpty() ? m_title
+                          : u"%1: %2, %3 de %4"_s.arg(m_title, m_tiles[m_marked]->accessibleName(),
                                                       QString::number(m_marked + 1),
                                                       QString::number(m_tiles.size()));
     if (name == accessibleName())
@@ -248,9 +302,15 @@ void PresetGrid::focusInEvent(QFocusEvent* event)
         mark(m_marked);
 }
 
-void PresetGrid::focusOutEvent(QFocusEvent*)
+void PresetGrid::focusOutEvent(QFocusEvent* event)
 {
-    if (!m_tiles.isEmpty())
-        KeyboardFocus::left(m_tiles[m_marked]);
+    leave();
+    // A menu or another window over it takes nothing away.
+    if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
+        unmark();
+}
+
+void PresetGrid::leaveEvent(QEvent*)
+{
     leave();
 }

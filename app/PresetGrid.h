@@ -3,6 +3,10 @@
 
 #include <QTimer>
 
+class LineField;
+
+enum class RenameEnd { kept, abandoned };
+
 // Presets in rows. One stop of the keyboard: arrows go from one to the next, Enter chooses, the
 // menu key opens the menu.
 class PresetGrid : public QWidget {
@@ -22,7 +26,10 @@ public:
     // Each is wanted anew once it is seen.
     void outdatePicture(QUuid id);
     void outdatePictures();
+    // Its name is typed in place.
     void rename(QUuid id);
+    bool isRenaming() const { return m_name != nullptr; }
+    PresetOwner owner() const { return m_owner; }
     PresetTile* tile(QUuid id) const;
 
 Q_SIGNALS:
@@ -32,6 +39,7 @@ Q_SIGNALS:
     void pictureWanted(QUuid id);
     void menuRequested(QUuid id, QPoint globalPosition);
     void renamed(QUuid id, const QString& name);
+    void renameEnded(QUuid id, RenameEnd end);
     void removeRequested(QUuid id);
     void visibleAreaWanted(QWidget* tile);    // the keyboard is on it
 
@@ -41,16 +49,20 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void leaveEvent(QEvent* event) override;
 
 private:
     PresetTile* newTile();
     void place();
     void rest(QUuid id);
     void leave();
+    void placeName();
+    void endRename(RenameEnd end);
     void mark(int index);
+    void unmark();
     void tellMarked();
 
-    QString m_name;
+    QString m_title;
     PresetOwner m_owner;
     int m_columns = 2;
     double m_ratio = 1;
@@ -58,6 +70,8 @@ private:
     QList<PresetTile*> m_tiles;    // in the order of the presets
     int m_marked = 0;              // where the keyboard is
     QString m_refusal;
+    LineField* m_name = nullptr;    // while one is renamed
+    QUuid m_renamed;
     bool m_isRenamedByKey = false;
     QTimer m_resting;
     QUuid m_restedOn, m_previewed;

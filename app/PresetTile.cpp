@@ -1,15 +1,15 @@
 #include "app/PresetTile.h"
 
-#include "app/controls/LineField.h"
-
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int captionGap = 4, captionHeight = 20, moreSide = 20, ringReach = 3;
-}
+constexpr int captionGap = 4, captionHeight = 20, moreSide = 20, tickSide = 16, narrowTile = 88;
+constexpr double ringWidth = 2;
+}    // namespace
 
 PresetTile::PresetTile(PresetOwner owner, QWidget* parent) : Control(parent), m_owner(owner)
 {
@@ -21,6 +21,7 @@ PresetTile::PresetTile(PresetOwner owner, QWidget* parent) : Control(parent), m_
     m_more = new IconButton(Icon::more, u"Más acciones"_s, moreSide, this);
     m_more->setIconSize(16);
     m_more->setFocusPolicy(Qt::NoFocus);
+    m_more->hide();
     connect(m_more, &IconButton::clicked, this, &PresetTile::showMenu);
 }
 
@@ -85,33 +86,56 @@ void PresetTile::outdatePicture()
     update();
 }
 
-void PresetTile::rename()
+void PresetTile::setMark(Mark mark)
 {
-    if (m_owner == PresetOwner::program || m_name)
-        return;
-    m_name = new LineField(u"Nombre"_s, {}, Icon::none, this);
-    m_name->setShown(m_preset.name);
-    m_name->setGeometry(0, height() - m_name->height(), width(), m_name->height());
-    connect(m_name, &LineField::edited, this, &PresetTile::renamed);
-    connect(m_name, &LineField::editingFinished, this, &PresetTile::endRename);
-    m_name->show();
-    m_name->setFocus(Qt::OtherFocusReason);
-    m_name->selectAll();
+    m_mark = mark;
+    showMore();
 }
 
-void PresetTile::endRename()
+void PresetTile::showMore()
 {
-    if (LineField* name = std::exchange(m_name, nullptr)) {
-        name->hide();
-        name->deleteLater();
-        Q_EMIT renameEnded();
-    }
+    if (m_more)
+        m_more->setVisible(m_mark == Mark::keyboard || underMouse());
+    update();
+}
+
+void PresetTile::enterEvent(QEnterEvent* event)
+{
+    Control::enterEvent(event);
+    showMore();
+}
+
+void PresetTile::leaveEvent(QEvent* event)
+{
+    Control::leaveEvent(event);
+    showMore();
+}
+
+QRect PresetTile::captionRect() const
+{
+    return {0, height() - captionHeight, width(), captionHeight};
+}
+
+// Where the name needs the room, the ring is enough.
+bool PresetTile::hasTick() const
+{
+    return m_preset.chosen && width() >= narrowTile;
+}
+
+double PresetTile::captionRoom() const
+{
+    const bool hasMore = m_more && m_more->isVisible();
+    return width() - (hasMore ? moreSide + 2 : 0) - (hasTick() ? tickSide + 2 : 0);
 }
 
 void PresetTile::showMenu()
 {
     const QPoint below = m_more ? m_more->geometry().bottomLeft() : pictureRect().center();
     Q_EMIT menuRequested(mapToGlobal(below));
+    if (QWidget* menu = m_more ? QApplication::activePopupWidget() : nullptr) {
+        connect(menu, &QObject::destroyed, m_more, &Control::lookForPointer);
+        connect(menu, &QObject::destroyed, this, &PresetTile::showMore);
+    }
 }
 
 bool PresetTile::event(QEvent* event)
@@ -120,6 +144,9 @@ bool PresetTile::event(QEvent* event)
         Q_EMIT pointedAt();
     else if (event->type() == QEvent::HoverLeave || event->type() == QEvent::Hide)
         Q_EMIT pointerLeft();
+    else if (event->type() == QEvent::ToolTip && m_refusal.isEmpty() &&
+             textWidth(Type::small, m_preset.name) <= captionRoom())
+        return true;    // the name can be read below the picture
     return Control::event(event);
 }
 
@@ -127,8 +154,6 @@ void PresetTile::resizeEvent(QResizeEvent*)
 {
     if (m_more)
         m_more->move(width() - moreSide, height() - captionHeight);
-    if (m_name)
-        m_name->setGeometry(0, height() - m_name->height(), width(), m_name->height());
 }
 
 // All keys are the grid's.
@@ -151,11 +176,7 @@ void PresetTile::paintEvent(QPaintEvent*)
     }
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    QRectF box = pictureRect();
-    if (m_preset.chosen) {
-        strokeRounded(painter, box, Radius::thumbnail + ringReach, theme.accentLine, 2);
-        box.adjust(ringReach, ringReach, -ringReach, -ringReach);
-    }
+    const QRectF box = pictureRect();
     if (m_picture.isNull()) {
         fillRounded(painter, box, Radius::thumbnail, theme.empty);
     } else {
@@ -167,20 +188,24 @@ void PresetTile::paintEvent(QPaintEvent*)
         painter.setBrush(brush);
         painter.drawRoundedRect(box, Radius::thumbnail, Radius::thumbnail);
     }
+    strokeRounded(painter, box, Radius::thumbnail, theme.line);
     if (hovered() > 0 && m_refusal.isEmpty())
         strokeRounded(painter, box, Radius::thumbnail,
                       QColor(255, 255, 255, qRound(61 * hovered())));
     if (!m_refusal.isEmpty())
         fillRounded(painter, box, Radius::thumbnail, withOpacity(theme.panel, 0.6));
-    QRectF caption(0, height() - captionHeight, width(), captionHeight);
-    if (m_more)
-        caption.setRight(caption.right() - moreSide - 2);
     if (m_preset.chosen) {
-        paintIcon(painter, Icon::check,
-                  QRectF(caption.right() - 16, caption.top(), 16, captionHeight), 16,
-                  theme.accentText);
-        caption.setRight(caption.right() - 18);
+        strokeRounded(painter, box, Radius::thumbnail, theme.accentLine, ringWidth);
+        strokeRounded(painter, box.adjusted(ringWidth, ringWidth, -ringWidth, -ringWidth),
+                      Radius::thumbnail - ringWidth, theme.panel, 1);
     }
+    QRectF caption = captionRect();
+    caption.setWidth(captionRoom());
     paintText(painter, caption, Qt::AlignLeft, Type::small,
               m_refusal.isEmpty() ? theme.text : theme.text3, m_preset.name);
+    if (hasTick()) {
+        paintIcon(painter, Icon::check,
+                  QRectF(caption.right() + 2, caption.top(), tickSide, captionHeight), tickSide,
+                  theme.accentText);
+    }
 }

@@ -4,8 +4,6 @@
 #include <QImage>
 #include <QUuid>
 
-class LineField;
-
 // Something by name that can be laid over images.
 struct Preset {
     QUuid id;
@@ -16,8 +14,7 @@ struct Preset {
 
 enum class PresetOwner { user, program };
 
-// A picture with its name below. Those of the user have a menu of their own and are renamed in
-// place.
+// A picture with its name below. Those of the user have a menu of their own.
 class PresetTile : public Control {
     Q_OBJECT
 public:
@@ -31,14 +28,14 @@ public:
     QSize picturePixels() const;
     void setPicture(const QImage& picture);
     void outdatePicture();    // another one is wanted, when it is seen
-    void rename();
+    enum class Mark { none, keyboard };
+    void setMark(Mark mark);
+    QRect captionRect() const;
     void showMenu();    // asks for it
 
 Q_SIGNALS:
     void pictureWanted();    // it is seen without the right one
     void menuRequested(QPoint globalPosition);
-    void renamed(const QString& name);
-    void renameEnded();
     void pointedAt();
     void pointerLeft();
 
@@ -46,12 +43,16 @@ protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     QRect pictureRect() const;
-    void endRename();
+    void showMore();
+    bool hasTick() const;
+    double captionRoom() const;
     void nameParts();
 
     Preset m_preset;
@@ -59,6 +60,6 @@ private:
     PresetOwner m_owner;
     QImage m_picture;
     bool m_isOutdated = true, m_isAwaited = false;
-    IconButton* m_more = nullptr;
-    LineField* m_name = nullptr;    // while it is renamed
+    Mark m_mark = Mark::none;
+    IconButton* m_more = nullptr;    // while it is pointed at
 };

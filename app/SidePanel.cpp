@@ -1,7 +1,7 @@
 #include "app/SidePanel.h"
 
 #include "app/EmptyNote.h"
-#include "app/PresetGrid.h"
+#include "app/PanelLayout.h"
 #include "app/ShapesPanel.h"
 #include "app/StyleShelf.h"
 #include "app/TemplatesPanel.h"
@@ -23,19 +23,6 @@ namespace {
 constexpr int narrowest = 319, widest = 439;    // without the hairline at the left
 constexpr int tabsTop = 4, tabsSide = 8, tabsHeight = 48;
 
-// The bar's room is always kept; without need of it, it paints nothing.
-QScrollArea* scrolled(QWidget* page)
-{
-    auto* area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    area->setWidget(page);
-    return area;
-}
-
 }    // namespace
 
 SidePanel::SidePanel(QWidget* parent)
@@ -55,8 +42,7 @@ SidePanel::SidePanel(QWidget* parent)
     m_textPages->addWidget(texts);
     m_pages->addWidget(m_textPages);
     m_pages->addWidget(scrolled(m_shapes));
-    QScrollArea* templates = scrolled(m_templates);
-    m_pages->addWidget(templates);
+    m_pages->addWidget(m_templates);    // it scrolls by itself
 
     auto* tabs = new QHBoxLayout;
     tabs->setContentsMargins(tabsSide, tabsTop, tabsSide, 0);
@@ -70,20 +56,9 @@ SidePanel::SidePanel(QWidget* parent)
         m_pages->setCurrentIndex(index);
         Q_EMIT tabChosen(SideTab(index));
     });
-    const auto showIn = [](QScrollArea* area) {
-        return [area](QWidget* wanted) {
-            if (wanted)
-                area->ensureWidgetVisible(wanted, 0, 8);
-        };
-    };
-    connect(m_text, &TextPanel::visibleAreaWanted, texts, showIn(texts), Qt::QueuedConnection);
-    connect(m_text->styles(), &StyleShelf::visibleAreaWanted, texts, showIn(texts),
-            Qt::QueuedConnection);
-    connect(m_templates, &TemplatesPanel::visibleAreaWanted, templates, showIn(templates),
-            Qt::QueuedConnection);
-    for (const PresetGrid* grid : {m_templates->own(), m_templates->packaged()})
-        connect(grid, &PresetGrid::visibleAreaWanted, templates, showIn(templates));
-    connect(m_text->styles()->grid(), &PresetGrid::visibleAreaWanted, texts, showIn(texts));
+    const auto follow = [texts](QWidget* wanted) { showIn(texts, wanted); };
+    connect(m_text, &TextPanel::visibleAreaWanted, texts, follow, Qt::QueuedConnection);
+    connect(m_text->styles(), &StyleShelf::visibleAreaWanted, texts, follow);
     setContent(Content::none);
 }
 

@@ -40,6 +40,7 @@ StyleShelf::StyleShelf(QWidget* parent)
     connect(m_save, &PushButton::clicked, this, &StyleShelf::saveRequested);
     connect(m_callBack, &PushButton::clicked, this, &StyleShelf::callBackRequested);
     connect(m_grid, &PresetGrid::menuRequested, this, &StyleShelf::showMenu);
+    connect(m_grid, &PresetGrid::visibleAreaWanted, this, &StyleShelf::visibleAreaWanted);
     connect(m_grid, &PresetGrid::removeRequested, this, &StyleShelf::removeRequested);
     setStyles({}, {}, {});
 }
@@ -62,8 +63,14 @@ void StyleShelf::setStyles(const QList<Preset>& styles, const QString& refusal,
 void StyleShelf::rename(QUuid id)
 {
     m_grid->rename(id);
-    if (PresetTile* tile = m_grid->tile(id))
-        Q_EMIT visibleAreaWanted(tile);
+    // Once it has its place.
+    QMetaObject::invokeMethod(
+        this,
+        [this, id] {
+            if (PresetTile* tile = m_grid->tile(id))
+                Q_EMIT visibleAreaWanted(tile);
+        },
+        Qt::QueuedConnection);
 }
 
 void StyleShelf::showMenu(QUuid id, QPoint globalPosition)
@@ -81,6 +88,7 @@ void StyleShelf::showMenu(QUuid id, QPoint globalPosition)
     })->setEnabled(m_refusal.isEmpty());
     menu->addSeparator();
     add(u"Eliminar"_s, [this, id] { Q_EMIT removeRequested(id); });
+    menu->addSeparator();
     if (!m_recoverable.isEmpty())
         add(u"Recuperar «%1»"_s.arg(inMenu(m_recoverable)), [this] { Q_EMIT callBackRequested(); });
     menu->popup(globalPosition);

@@ -10,14 +10,21 @@
 #include "app/TextPanel.h"
 #include "studio/StudioSession.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QMenu>
+#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int restBeforeRedrawing = 120;    // ms
+QString folder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+}
+
 SocialFormat formatOf(const VisualTemplate& of, SocialFormat otherwise)
 {
     for (const SocialFormat format : allCases<SocialFormat>()) {
@@ -56,7 +63,7 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, SidePanel* panel,
                 m_panel->setTab(SideTab::templates);
                 const QString where = format == m_session.batch().format
                                           ? QString()
-                                          : u" Es para el formato %1."_s.arg(rawValue(format));
+                                          : u" La verás en el formato %1."_s.arg(rawValue(format));
                 Q_EMIT told(u"Plantilla «%1» importada.%2"_s.arg(name, where), StatusTone::done);
             });
 }
@@ -76,8 +83,17 @@ void TemplatesBinding::connectTemplates()
         m_saved.callBackTemplate();
     });
     connect(&m_saved, &SavedTemplates::templatesChanged, this, &TemplatesBinding::show);
-    connect(&m_saved, &SavedTemplates::previewChanged, panel->own(), &PresetGrid::outdatePicture);
-    connect(panel->own(), &PresetGrid::renamed, &m_saved, &SavedTemplates::renameTemplate);
+    connect(panel->own(), &PresetGrid::renamed, this,
+            [this](QUuid id, const QString& name) { m_saved.renameTemplate(id, name); });
+    connect(panel->own(), &PresetGrid::renameEnded, this, [this](QUuid id, RenameEnd end) {
+        const bool isNew = std::exchange(m_new, QUuid()) == id;
+        if (isNew && end == RenameEnd::abandoned) {
+            Q_EMIT told(u"Plantilla descartada."_s, StatusTone::info);
+            m_saved.removeTemplate(id);
+        } else if (isNew || end == RenameEnd::kept) {
+            Q_EMIT told(u"Plantilla «%1» guardada."_s.arg(nameOf(id)), StatusTone::done);
+        }
+    });
     connect(panel->own(), &PresetGrid::removeRequested, this, &TemplatesBinding::remove);
     for (const auto& [grid, owner] : {std::pair(panel->own(), PresetOwner::user),
                                       std::pair(panel->packaged(), PresetOwner::program)}) {
@@ -103,7 +119,8 @@ void TemplatesBinding::connectStyles()
         if (!selectedText())
             return;
         Q_EMIT told(u"Estilo guardado. Ponle nombre."_s, StatusTone::done);
-        shelf->rename(m_saved.saveStyle(*selectedText()));
+        m_new = m_saved.saveStyle(*selectedText());
+        shelf->rename(m_new);
     });
     connect(shelf, &StyleShelf::updateRequested, this, [this](QUuid id) {
         if (!selectedText() || !m_saved.styles().find(id))
@@ -127,8 +144,21 @@ void TemplatesBinding::connectStyles()
         m_saved.callBackStyle();
     });
     connect(shelf->grid(), &PresetGrid::renamed, &m_saved, &SavedTemplates::renameStyle);
+    connect(shelf->grid(), &PresetGrid::renameEnded, this, [this](QUuid id, RenameEnd end) {
+        const bool isNew = std::exchange(m_new, QUuid()) == id;
+        const DesignTemplate* style = m_saved.styles().find(id);
+        if (!style)
+            return;
+        if (isNew && end == RenameEnd::abandoned) {
+            Q_EMIT told(u"Estilo descartado."_s, StatusTone::info);
+            m_saved.removeStyle(id);
+        } else if (isNew || end == RenameEnd::kept) {
+            Q_EMIT told(u"Estilo «%1» guardado."_s.arg(style->name), StatusTone::done);
+        }
+    });
     connect(shelf->grid(), &PresetGrid::chosen, this, [this](QUuid id) {
-        if (const DesignTemplate* style = m_saved.styles().find(id))
+        const DesignTemplate* style = m_saved.styles().find(id);
+        if (style && !isImporting())
             m_session.applyStyle(*style);
     });
     connect(shelf->grid(), &PresetGrid::pictureWanted, this, &TemplatesBinding::drawStyle);
@@ -240,9 +270,17 @@ QString TemplatesBinding::nameOf(QUuid id)
     return design ? design->name : QString();
 }
 
+// What is being imported takes the place of all that would be changed.
+bool TemplatesBinding::isImporting()
+{
+    if (m_session.isImporting())
+        Q_EMIT told(u"Espera a que termine la importación."_s, StatusTone::info);
+    return m_session.isImporting();
+}
+
 void TemplatesBinding::apply(QUuid id)
 {
-    if (const TemplateApplication design = application(id))
+    if (const TemplateApplication design = application(id); design && !isImporting())
         m_session.applyTemplate(nameOf(id), design);
 }
 
@@ -269,15 +307,9 @@ void TemplatesBinding::drawTemplate(PresetGrid* grid, QUuid id)
         return;
     PublicationItem changed = *item;
     design(changed);
-    const auto live = [changed, format = m_session.batch().format, pixels = grid->picturePixels(),
-                       photos = m_photos] { return drawnItem(changed, format, pixels, *photos); };
-    const VisualTemplate* own = m_saved.templates().find(id);
-    if (!own || !own->previewPNG)
-        return m_pictures->want(id, live);
-    m_pictures->want(id, [bytes = *own->previewPNG, pixels = grid->picturePixels(), live] {
-        const QImage stored = decodedPreview(bytes, pixels);
-        return stored.isNull() ? live() : stored;
-    });
+    m_pictures->want(id,
+                     [changed, format = m_session.batch().format, pixels = grid->picturePixels(),
+                      photos = m_photos] { return drawnItem(changed, format, pixels, *photos); });
 }
 
 void TemplatesBinding::drawStyle(QUuid id)
@@ -319,7 +351,8 @@ void TemplatesBinding::saveTemplate()
     m_panel->setTab(SideTab::templates);
     // Told first: should it not be stored, that is the last word.
     Q_EMIT told(u"Plantilla guardada. Ponle nombre."_s, StatusTone::done);
-    m_panel->templatesPanel()->rename(m_saved.saveTemplate(*item, m_session.batch().format));
+    m_new = m_saved.saveTemplate(*item, m_session.batch().format);
+    m_panel->templatesPanel()->rename(m_new);
 }
 
 void TemplatesBinding::update(QUuid id)
@@ -330,6 +363,7 @@ void TemplatesBinding::update(QUuid id)
     const QString name = nameOf(id);
     Q_EMIT told(u"Plantilla «%1» actualizada con esta composición."_s.arg(name), StatusTone::done);
     m_saved.updateTemplate(id, *item, m_session.batch().format);
+    m_panel->templatesPanel()->own()->outdatePicture(id);
 }
 
 void TemplatesBinding::remove(QUuid id)
@@ -344,7 +378,7 @@ void TemplatesBinding::remove(QUuid id)
 
 void TemplatesBinding::chooseDefinition()
 {
-    auto* dialog = new QFileDialog(m_panel->window(), u"Importar plantilla"_s, {},
+    auto* dialog = new QFileDialog(m_panel->window(), u"Importar plantilla"_s, folder(),
                                    u"Plantillas (*.json);;Todos los archivos (*)"_s);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
@@ -366,8 +400,9 @@ void TemplatesBinding::chooseExport(QUuid id)
 {
     QString name = nameOf(id);
     name.replace(u'/', u'-');
-    auto* dialog = new QFileDialog(m_panel->window(), u"Exportar plantilla"_s, name + u".json"_s,
-                                   u"Plantillas (*.json)"_s);
+    auto* dialog =
+        new QFileDialog(m_panel->window(), u"Exportar plantilla"_s,
+                        QDir(folder()).filePath(name + u".json"_s), u"Plantillas (*.json)"_s);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(u"json"_s);

@@ -49,6 +49,7 @@ private:
     std::optional<JSONVisualTemplateDefinition> packaged(QUuid id);
     QString nameOf(QUuid id);
     TemplateApplication application(QUuid id);    // none for an unknown id
+    bool isImporting();
     void apply(QUuid id);
     void preview(QUuid id);
     void drawTemplate(PresetGrid* grid, QUuid id);
@@ -71,4 +72,5 @@ private:
     SocialFormat m_drawnFormat{};
     QTimer m_redrawLater;
     bool m_isPreviewing = false;
+    QUuid m_new;    // until it has a name
 };

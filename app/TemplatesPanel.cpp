@@ -10,6 +10,7 @@
 
 #include <QHBoxLayout>
 #include <QMenu>
+#include <QScrollArea>
 
 using namespace Qt::StringLiterals;
 
@@ -62,8 +63,10 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
 {
     m_note->setFixedHeight(noteHeight);
     m_search->setClearButtonEnabled(false);
-    auto* layout = new PanelLayout(m_content);
-    layout->addRow({m_search, m_save}, 4);
+    auto* page = new QWidget;
+    auto* layout = new PanelLayout(page);
+    layout->setContentsMargins(layout->contentsMargins() -
+                               QMargins(0, layout->contentsMargins().top(), 0, 0));
     layout->addRow(heading(u"Mis plantillas"_s, {m_count}, m_more), 8);
     layout->addRow(m_own, 4);
     layout->addRow(m_note, 0);
@@ -71,11 +74,24 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
     layout->addRow(m_packaged, 4);
     layout->addRow(m_nothingFound, 8);
     layout->addStretch(1);
+    m_area = scrolled(page);
+    auto* fixed = new QWidget;
+    auto* fixedLayout = new PanelLayout(fixed);
+    fixedLayout->addRow({m_search, m_save}, 4);
+    auto* content = new QVBoxLayout(m_content);
+    content->setContentsMargins(0, 0, 0, 0);
+    content->setSpacing(0);
+    content->addWidget(fixed);
+    content->addWidget(m_area, 1);
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->addWidget(m_empty, 1);
     rows->addWidget(m_content, 1);
 
+    for (const PresetGrid* grid : {m_own, m_packaged}) {
+        connect(grid, &PresetGrid::visibleAreaWanted, m_area,
+                [this](QWidget* tile) { showIn(m_area, tile); });
+    }
     connect(m_save, &PushButton::clicked, this, &TemplatesPanel::saveRequested);
     connect(m_more, &IconButton::clicked, this, &TemplatesPanel::showMenu);
     connect(m_search, &LineField::textChanged, this, [this] { show(m_state); });
@@ -103,7 +119,7 @@ void TemplatesPanel::show(const TemplatesPanelState& state)
         grid->setShape(columns, ratio);
     m_own->setPresets(own);
     m_packaged->setPresets(packaged);
-    m_count->setText(state.own.isEmpty() ? QString() : QString::number(state.own.size()));
+    m_count->setText(state.own.isEmpty() ? QString() : QString::number(own.size()));
     m_format->setText(rawValue(state.format));
     m_note->setVisible(state.own.isEmpty());
     m_nothingFound->setVisible(own.isEmpty() && packaged.isEmpty() &&
@@ -114,8 +130,14 @@ void TemplatesPanel::rename(QUuid id)
 {
     m_search->clear();
     m_own->rename(id);
-    if (PresetTile* tile = m_own->tile(id))
-        Q_EMIT visibleAreaWanted(tile);
+    // Once it has its place.
+    QMetaObject::invokeMethod(
+        this,
+        [this, id] {
+            if (PresetTile* tile = m_own->tile(id))
+                showIn(m_area, tile);
+        },
+        Qt::QueuedConnection);
 }
 
 void TemplatesPanel::showMenu()
@@ -128,6 +150,7 @@ void TemplatesPanel::showMenu()
         connect(menu->addAction(u"Recuperar «%1»"_s.arg(inMenu(m_state.recoverable))),
                 &QAction::triggered, this, &TemplatesPanel::callBackRequested);
     }
+    connect(menu, &QObject::destroyed, m_more, &Control::lookForPointer);
     menu->popup(m_more->mapToGlobal(m_more->rect().bottomLeft()));
 }
 

@@ -8,6 +8,7 @@ class EmptyNote;
 class LineField;
 class PresetGrid;
 class PushButton;
+class QScrollArea;
 
 struct TemplatesPanelState {
     bool hasImage = false;
@@ -35,7 +36,6 @@ Q_SIGNALS:
     void saveRequested();
     void importRequested();
     void callBackRequested();
-    void visibleAreaWanted(QWidget* tile);
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -47,6 +47,7 @@ private:
     TemplatesPanelState m_state;
     EmptyNote* m_empty;
     QWidget* m_content;
+    QScrollArea* m_area;    // below the search
     LineField* m_search;
     PushButton* m_save;
     Badge* m_count;

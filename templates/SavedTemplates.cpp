@@ -53,7 +53,6 @@ void SavedTemplates::updateTemplate(QUuid id, const PublicationItem& item, Socia
     });
     if (changed)
         storeTemplates();
-    Q_EMIT previewChanged(id);
     drawPreview(this, id, item, format, m_photos);
 }
 
@@ -160,9 +159,6 @@ QCoro::Task<> SavedTemplates::drawPreview(QPointer<SavedTemplates> self, QUuid i
         if (areAlike(entry, VisualTemplate::of(item, entry.name, format)))
             entry.previewPNG = preview;
     };
-    if (!self->m_templates.change(id, keep))
-        co_return;
-    self->storeTemplates();
-    if (self)
-        Q_EMIT self->previewChanged(id);
+    if (self->m_templates.change(id, keep))
+        self->storeTemplates();
 }

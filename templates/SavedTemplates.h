@@ -42,7 +42,6 @@ public:
 
 Q_SIGNALS:
     void templatesChanged();
-    void previewChanged(QUuid id);
     void stylesChanged();
     // What is here is kept, and stored with the next change.
     void storingFailed();

@@ -35,6 +35,12 @@ bool Control::event(QEvent* event)
     return QAbstractButton::event(event);
 }
 
+void Control::lookForPointer()
+{
+    if (!rect().contains(mapFromGlobal(QCursor::pos())))
+        glideTo(0);
+}
+
 void Control::focusInEvent(QFocusEvent* event)
 {
     QAbstractButton::focusInEvent(event);
@@ -101,10 +107,10 @@ QSize PushButton::sizeHint() const
     return {2 * padding() + icon + qCeil(textWidth(textType(), text())), size.height};
 }
 
-// What has no ground stands flush with what is above and below it.
+// What has no ground stands nearly flush with what is above and below it.
 int PushButton::padding() const
 {
-    return m_kind == ButtonKind::link ? 2 : row(m_size).padding;
+    return m_kind == ButtonKind::link ? 6 : row(m_size).padding;
 }
 
 Type PushButton::textType() const

@@ -11,6 +11,8 @@ class Control : public QAbstractButton {
     Q_OBJECT
 public:
     explicit Control(QWidget* parent);
+    // A menu over it keeps from it that the pointer has left: whoever opened one tells.
+    void lookForPointer();
 
 protected:
     double hovered() const { return m_hovered; }    // 0 to 1

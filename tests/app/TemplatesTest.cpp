@@ -86,6 +86,7 @@ TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
     EXPECT_NE(onCanvas(), shown);
     EXPECT_EQ(session.batch(), before);
     hover(tile, QEvent::HoverLeave);
+    QTest::qWait(400);
     settle();
     EXPECT_EQ(onCanvas(), shown);
     EXPECT_EQ(session.canUndo(), couldUndo);
@@ -119,9 +120,15 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     ASSERT_TRUE(name);    // in place, ready to be typed over
     QTest::keyClicks(name, u"Rutas de otono"_s);
     QTest::keyClick(name, Qt::Key_Return);
+    QTest::qWait(1);
     ASSERT_EQ(own()->presets().size(), 1);
     EXPECT_EQ(own()->presets().first().name, u"Rutas de otono"_s);
     EXPECT_TRUE(own()->presets().first().chosen);
+
+    window.templates().saveTemplate();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);    // on second thoughts
+    QTest::qWait(1);
+    EXPECT_EQ(saved().templates().entries().size(), 1);
 
     auto* search = side()->templatesPanel()->findChild<LineField*>();
     search->setText(u" ÓTONO"_s);
@@ -152,6 +159,10 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     QTest::keyClick(own(), Qt::Key_Delete);
     EXPECT_FALSE(saved().templates().find(older));
     EXPECT_TRUE(own()->accessibleName().contains(u"Plantilla 1"_s));
+    QTest::keyClick(own(), Qt::Key_F2);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QTest::qWait(1);
+    EXPECT_EQ(QApplication::focusWidget(), own()) << "or the next arrow changes the image";
     packaged()->setFocus(Qt::TabFocusReason);
     QTest::keyClick(packaged(), Qt::Key_Right);
     QTest::keyClick(packaged(), Qt::Key_Return);
