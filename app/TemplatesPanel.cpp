@@ -77,6 +77,9 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
     m_area = scrolled(page);
     auto* fixed = new QWidget;
     auto* fixedLayout = new PanelLayout(fixed);
+    // Beside it there is no scroll bar.
+    const QMargins beside = fixedLayout->contentsMargins();
+    fixedLayout->setContentsMargins(beside.left(), beside.top(), beside.left(), 0);
     fixedLayout->addRow({m_search, m_save}, 4);
     auto* content = new QVBoxLayout(m_content);
     content->setContentsMargins(0, 0, 0, 0);
