@@ -496,3 +496,29 @@ TEST_F(MainWindowTest, theKeyboardReachesEverything)
     EXPECT_EQ(stops.size(), 6);
     EXPECT_EQ(QApplication::focusWidget(), canvas());
 }
+
+TEST_F(MainWindowTest, aClickIntoATextIsNoSelectionWhenTheCardAboveShrinks)
+{
+    session.load({photos(1)});
+    settle();
+    for (const int i : {0, 1}) {
+        TextLayer layer = current().layers[i];
+        layer.hasBox = false;
+        layer.foreground = CodableColor(QColor::fromHsv(0, 200, 200));
+        session.editLayer(layer);
+    }
+    settle();
+    const auto cards = panel()->textPanel()->findChildren<SlotCard*>();
+    cards[0]->edit();
+    settle();
+    SlotEditor* below = cards[1]->editor();
+    const int told = cards[0]->height();
+    const QPoint at = below->mapTo(&window, QPoint(60, 9));
+    QTest::mousePress(window.windowHandle(), Qt::LeftButton, {}, at);
+    settle();
+    QTest::mouseMove(window.windowHandle(), at + QPoint(1, 0));
+    QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, at + QPoint(1, 0));
+    EXPECT_TRUE(below->hasFocus());
+    EXPECT_EQ(below->textCursor().selectedText(), QString());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return cards[0]->height() < told; }));
+}
