@@ -127,6 +127,8 @@ void BatchBinding::photoFound(QUuid item)
 {
     if (!m_missing.contains(item))
         return;
+    // What was said without the photo stays until the next picture, which is asked for anew.
+    m_judgements[item].of = {};
     setMissing(item, false);
     m_column->pictureOutdated(item);
 }

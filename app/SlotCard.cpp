@@ -4,6 +4,7 @@
 #include "app/controls/SlotEditor.h"
 #include "model/TextLayer.h"
 
+#include <QGuiApplication>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QToolTip>
@@ -12,7 +13,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 constexpr int padding = 12, headerTop = 6, headerHeight = 24, textTop = 32, bottom = 8;
+constexpr int warningGap = 4, warningHeight = row(Type::caption).lineHeight;
 constexpr int iconSide = 16, eyeWidth = 28, cardRadius = 10;
+constexpr int releasePause = 50;    // ms between looks for the mouse to be let go
 }    // namespace
 
 SlotCard::SlotCard(CopySlot slot, QWidget* parent)
@@ -25,13 +28,13 @@ SlotCard::SlotCard(CopySlot slot, QWidget* parent)
     m_eye->setIconSize(18);
     setCursor(Qt::IBeamCursor);
     m_eye->setCursor(Qt::ArrowCursor);
+    m_tellLater.setSingleShot(true);
+    m_tellLater.setInterval(releasePause);
+    connect(&m_tellLater, &QTimer::timeout, this, &SlotCard::place);
     connect(m_eye, &IconButton::clicked, this, &SlotCard::visibilityToggled);
     connect(m_editor, &SlotEditor::edited, this, &SlotCard::edited);
     connect(m_editor, &SlotEditor::leaveRequested, this, &SlotCard::leaveRequested);
-    connect(m_editor, &SlotEditor::grown, this, [this] {
-        place();
-        Q_EMIT grown();
-    });
+    connect(m_editor, &SlotEditor::grown, this, &SlotCard::place);
     connect(m_editor, &SlotEditor::focused, this, [this] {
         m_editing = true;
         place();
@@ -67,6 +70,7 @@ void SlotCard::setWarnings(const QStringList& warnings)
         return;
     m_warnings = warnings;
     m_editor->setAccessibleDescription(warnings.join(u' '));
+    place();
     update();
 }
 
@@ -83,14 +87,32 @@ void SlotCard::open()
     m_editor->setFocus(Qt::OtherFocusReason);
 }
 
+// The card that is worked on tells its warning. Nothing moves under a pressed mouse: a click would
+// become a selection of text, and a slider slip away.
+void SlotCard::tellOrNot()
+{
+    const bool tells =
+        !m_warnings.isEmpty() && (m_editing || (m_visible && m_mark == CardMark::selected));
+    if (tells == m_tellsWarning)
+        m_tellLater.stop();
+    else if (QGuiApplication::mouseButtons() != Qt::NoButton)
+        m_tellLater.start();
+    else
+        m_tellsWarning = tells;
+}
+
 void SlotCard::place()
 {
+    tellOrNot();
     const bool unfolded = m_visible || m_editing;
     m_editor->setVisible(unfolded);
-    setFixedHeight(unfolded ? textTop + m_editor->height() + bottom
-                            : headerTop + headerHeight + headerTop);
+    const int before = height();
+    const int text = m_editor->height() + (m_tellsWarning ? warningGap + warningHeight : 0);
+    setFixedHeight(unfolded ? textTop + text + bottom : headerTop + headerHeight + headerTop);
     m_eye->move(width() - eyeWidth - 4, headerTop);
     m_editor->setGeometry(padding, textTop, width() - 2 * padding, m_editor->height());
+    if (height() != before)
+        Q_EMIT grown();
 }
 
 bool SlotCard::event(QEvent* event)
@@ -142,4 +164,9 @@ void SlotCard::paintEvent(QPaintEvent*)
     if (!m_warnings.isEmpty())
         paintIcon(painter, Icon::alert, QRectF(left - 2, headerTop, 14, headerHeight), 14,
                   theme.warn);
+    if (m_tellsWarning && !m_warnings.isEmpty()) {
+        const QRectF line(padding, textTop + m_editor->height() + warningGap, width() - 2 * padding,
+                          warningHeight);
+        paintText(painter, line, Qt::AlignLeft, Type::caption, theme.warn, m_warnings.first());
+    }
 }

@@ -3,6 +3,7 @@
 #include "model/CopySlot.h"
 #include "model/Pace.h"
 
+#include <QTimer>
 #include <QWidget>
 
 class IconButton;
@@ -18,7 +19,7 @@ class SlotCard : public QWidget {
 public:
     explicit SlotCard(CopySlot slot, QWidget* parent = nullptr);
     void setLayer(const TextLayer& layer, CardMark mark);
-    // Sentences about the text, shown by a mark beside its name.
+    // Sentences about the text, shown by a mark beside its name. Selected, it says the first.
     void setWarnings(const QStringList& warnings);
     QStringList warnings() const { return m_warnings; }
     void edit();    // takes the focus, all text selected
@@ -41,6 +42,7 @@ protected:
 private:
     void open();
     void place();
+    void tellOrNot();
 
     CopySlot m_slot;
     Icon m_icon;
@@ -50,6 +52,8 @@ private:
     bool m_editing = false;
     CardMark m_mark = CardMark::none;
     QStringList m_warnings;
+    bool m_tellsWarning = false;
+    QTimer m_tellLater;
     IconButton* m_eye;
     SlotEditor* m_editor;
 };

@@ -82,7 +82,8 @@ void TileGrid::setTiles(const QList<Tile>& tiles)
     const auto selected = std::ranges::count_if(tiles, &Tile::selected);
     const bool allDiffer = tiles.size() != m_tiles.size() || (selected > 1) != m_severalSelected;
     const int formerIndex = currentIndex();
-    const QUuid former = formerIndex >= 0 ? m_tiles[formerIndex].id : QUuid();
+    const Tile former = formerIndex >= 0 ? m_tiles[formerIndex] : Tile();
+    const QString formerName = formerIndex >= 0 ? accessibleText(formerIndex) : QString();
     const QList<Tile> before = std::exchange(m_tiles, tiles);
     m_severalSelected = selected > 1;
 
@@ -105,13 +106,21 @@ void TileGrid::setTiles(const QList<Tile>& tiles)
         m_spin.stop();
 
     const int current = currentIndex();
-    if (current >= 0 && tiles[current].id != former) {
+    const auto tell = [this, current](QAccessible::Event change) {
+        if (!QAccessible::isActive())
+            return;
+        QAccessibleEvent event(this, change);
+        event.setChild(current);
+        QAccessible::updateAccessibility(&event);
+    };
+    if (current >= 0 && tiles[current].id != former.id) {
         showCurrent();
-        if (hasFocus() && QAccessible::isActive()) {
-            QAccessibleEvent event(this, QAccessible::Focus);
-            event.setChild(current);
-            QAccessible::updateAccessibility(&event);
-        }
+        if (hasFocus())
+            tell(QAccessible::Focus);
+    } else if (current >= 0 && tiles[current].warnings != former.warnings) {
+        if (accessibleText(current) != formerName)
+            tell(QAccessible::NameChanged);
+        tell(QAccessible::DescriptionChanged);
     }
     forgetDistant();
     wishLater();
@@ -534,9 +543,10 @@ void TileGrid::paintCaption(QPainter& painter, int index, const QRect& box) cons
     };
     if (tile.state == TileState::paid || tile.state == TileState::generated)
         mark(Icon::done, theme.ok);
-    else if (tile.state == TileState::missing)
+    // One sign for all that is wrong, in the colour of the worst.
+    if (tile.state == TileState::missing)
         mark(Icon::alert, theme.err);
-    if (!tile.warnings.isEmpty())
+    else if (!tile.warnings.isEmpty())
         mark(Icon::alert, theme.warn);
     const QString number = QString::number(index + 1);
     paintText(painter, line, Qt::AlignLeft, Type::captionSemibold,

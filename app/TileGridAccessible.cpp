@@ -31,7 +31,11 @@ public:
     QAccessible::Role role() const override { return QAccessible::ListItem; }
     QString text(QAccessible::Text kind) const override
     {
-        return isValid() && kind == QAccessible::Name ? m_grid->accessibleText(m_index) : QString();
+        if (isValid() && kind == QAccessible::Name)
+            return m_grid->accessibleText(m_index);
+        if (isValid() && kind == QAccessible::Description)
+            return m_grid->tiles()[m_index].warnings.join(u' ');
+        return {};
     }
     void setText(QAccessible::Text, const QString&) override {}
     QRect rect() const override

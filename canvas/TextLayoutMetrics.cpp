@@ -61,6 +61,34 @@ QString withLineSeparators(QString text)
     return text;
 }
 
+struct Stretch {
+    double left, right;
+};
+
+// The emoji of a line, with the blanks beside them, from left to right; design pixels. `emoji`: of
+// the whole text.
+QList<Stretch> emojiStretches(const QList<QTextLayout::FormatRange>& emoji, const QString& text,
+                              const QTextLine& line)
+{
+    const int start = line.textStart(), end = start + line.textLength();
+    QList<Stretch> stretches;
+    const auto add = [&](int position) {
+        const double from = line.cursorToX(position, QTextLine::Leading);
+        const double to = line.cursorToX(position, QTextLine::Trailing);
+        stretches.append({std::min(from, to), std::max(from, to)});
+    };
+    auto one = std::ranges::lower_bound(emoji, start, {}, &QTextLayout::FormatRange::start);
+    for (; one != emoji.end() && one->start < end; ++one) {
+        add(one->start);
+        for (int i = one->start - 1; i >= start && text[i].isSpace(); --i)
+            add(i);
+        for (int i = one->start + one->length; i < end && text[i].isSpace(); ++i)
+            add(i);
+    }
+    std::ranges::sort(stretches, {}, &Stretch::left);
+    return stretches;
+}
+
 // Sides as written: a right-to-left paragraph does not mirror them.
 Qt::Alignment qtAlignment(LayerTextAlignment alignment)
 {
@@ -112,14 +140,26 @@ LaidOutText::LaidOutText(const StyledText& text, double width) : m_scale(text.fo
 
 QList<QRectF> LaidOutText::letterBands() const
 {
+    if (!m_layout)
+        return {};
     QList<QRectF> bands;
-    const double capitals = m_layout ? QFontMetricsF(m_layout->font()).capHeight() : 0;
+    const double capitals = QFontMetricsF(m_layout->font()).capHeight();
+    const QList<QTextLayout::FormatRange> emoji = m_layout->formats();
     for (int i = 0; i < lineCount(); ++i) {
         const QTextLine line = m_layout->lineAt(i);
         const QRectF natural = line.naturalTextRect();
         const double baseline = line.y() + line.ascent();
-        bands.append({natural.x() * m_scale, (baseline - capitals) * m_scale,
-                      natural.width() * m_scale, capitals * m_scale});
+        double left = natural.left();
+        const auto add = [&](double right) {
+            if (right - left > 1)    // less is what rounding leaves between two emoji
+                bands.append({left * m_scale, (baseline - capitals) * m_scale,
+                              (right - left) * m_scale, capitals * m_scale});
+        };
+        for (const Stretch& stretch : emojiStretches(emoji, m_layout->text(), line)) {
+            add(stretch.left);
+            left = std::max(left, stretch.right);
+        }
+        add(natural.right());
     }
     return bands;
 }

@@ -39,7 +39,8 @@ public:
     double fontSize() const { return m_scale * DesignFont::designPixelSize; }    // canvas pixels
     int lineCount() const { return m_layout ? m_layout->lineCount() : 0; }
     // Where the letters of each line stand, from their capitals' height down to the baseline;
-    // canvas pixels from the top left of the box. On the thread that made the layout.
+    // canvas pixels from the top left of the box. Without emoji, which bring their own colours. On
+    // the thread that made the layout.
     QList<QRectF> letterBands() const;
     bool isBold() const;    // by the face that is drawn, whatever its name says
     // Paints with the painter's pen colour; `topLeft` is that of the box. On the thread that made

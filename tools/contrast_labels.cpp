@@ -3,7 +3,7 @@
 // Each entry of LABELS puts one text on a photo of the folder PHOTOS and says whether it was found
 // readable by eye, at the size of a telephone: every word at a glance, nothing washed out. Texts
 // marked as held out were not looked at when the measure was chosen. With --crops each is written
-// as it looks at half the export size, for labelling.
+// as it looks at half the export size, for labelling. Fails when fewer than nine of ten agree.
 
 #include "canvas/ExportCanvasRenderer.h"
 #include "canvas/TextWarnings.h"
@@ -108,8 +108,14 @@ int main(int argc, char** argv)
     QFile file(parser.positionalArguments().first());
     const QDir photos(parser.positionalArguments().last());
     const int width = std::clamp(parser.value(tile).toInt(), 8, 4000);
-    if (!file.open(QIODevice::ReadOnly) || !QDir().mkpath(parser.value(crops) + u'/'))
+    if (!file.open(QIODevice::ReadOnly)) {
+        std::fprintf(stderr, "%s cannot be read\n", qPrintable(file.fileName()));
         return 1;
+    }
+    if (parser.isSet(crops) && !QDir().mkpath(parser.value(crops))) {
+        std::fprintf(stderr, "%s cannot be made\n", qPrintable(parser.value(crops)));
+        return 1;
+    }
     const QTemporaryDir own;
     PhotoCache cache(own.filePath(u"thumbnails"_s));
     Score tuned, heldOut;
@@ -125,9 +131,12 @@ int main(int argc, char** argv)
         const PublicationItem item = itemOf(label, *photo, path);
         ++number;
         if (parser.isSet(crops)) {
-            writeCrop(
-                item, label.format,
-                QDir(parser.value(crops)).filePath(u"%1.png"_s.arg(number, 2, 10, QChar(u'0'))));
+            const QString crop =
+                QDir(parser.value(crops)).filePath(u"%1.png"_s.arg(number, 2, 10, QChar(u'0')));
+            if (!writeCrop(item, label.format, crop)) {
+                std::fprintf(stderr, "%s cannot be written\n", qPrintable(crop));
+                return 1;
+            }
             continue;
         }
         const ItemLayout layout = layOut(item, exportSize(label.format), designSize(label.format));
@@ -141,8 +150,14 @@ int main(int argc, char** argv)
                     qPrintable(label.photo), isMarked ? "marked " : "",
                     isMarked ? qPrintable(QString::number(*warnings.first().contrast)) : "");
     }
+    if (number == 0) {
+        std::fprintf(stderr, "%s holds no labels\n", qPrintable(file.fileName()));
+        return 1;
+    }
+    if (parser.isSet(crops))
+        return 0;
+    const int agreed = tuned.agreed + heldOut.agreed, all = tuned.all + heldOut.all;
     std::printf("tuned %d of %d, held out %d of %d, together %d of %d\n", tuned.agreed, tuned.all,
-                heldOut.agreed, heldOut.all, tuned.agreed + heldOut.agreed,
-                tuned.all + heldOut.all);
-    return 0;
+                heldOut.agreed, heldOut.all, agreed, all);
+    return 10 * agreed >= 9 * all ? 0 : 1;
 }

@@ -172,6 +172,13 @@ private:
         takeNow(u"panel-fonts"_s);
         m_window.setFocus();
         font->click();
+        TextLayer unreadable =
+            *std::ranges::find(current().layers, CopySlot::callToAction, &TextLayer::slot);
+        const TextLayer readable = unreadable;
+        unreadable.foreground = unreadable.background;
+        m_session.editLayer(unreadable);
+        reached &= take(u"panel-text-with-warning"_s);
+        m_session.editLayer(readable);
         m_session.selectLayer(QUuid());
         reached &= take(u"panel-text-nothing-selected"_s);
         m_session.selectLayer(current().shapeLayers.first().id);

@@ -3,13 +3,17 @@
 #include "app/controls/Button.h"
 #include "app/controls/ProgressBar.h"
 
+#include <QHelpEvent>
 #include <QMouseEvent>
+#include <QTextLayout>
+#include <QToolTip>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int lineHeight = 28, side = 16, historyLength = 10;
+constexpr int widestHistory = 720, mostRows = 6;    // of a sentence in the history
 constexpr int announcePause = 3000, turnTime = 1000, frameTime = 33;    // ms
 
 struct KindRow {
@@ -39,15 +43,39 @@ void paintState(QPainter& painter, const QRectF& box, StatusKind kind, const The
         paintIcon(painter, row(kind).icon, box, 16, theme.*row(kind).color);
 }
 
+// A sentence broken into rows; the last one may be longer than the width.
+QStringList rowsOf(const QString& sentence, double width)
+{
+    QTextLayout layout(sentence, fontOf(Type::small));
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    QStringList rows;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        if (rows.size() == mostRows - 1) {
+            rows.append(sentence.mid(line.textStart()));
+            break;
+        }
+        rows.append(sentence.mid(line.textStart(), line.textLength()));
+    }
+    layout.endLayout();
+    return rows;
+}
+
 // The last sentences, the newest at the bottom, above the line that they came from.
 class HistoryPopover : public QWidget {
 public:
-    HistoryPopover(const QList<Status>& history, QWidget* parent)
-        : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint),
-          m_history(history)
+    // `room`: what it may take at most. The oldest sentences that find none are left out.
+    HistoryPopover(const QList<Status>& history, QSize room, QWidget* parent)
+        : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
     {
         setAttribute(Qt::WA_TranslucentBackground);
         setAttribute(Qt::WA_DeleteOnClose);
+        // As a popup it closes at Esc and gives the focus back by itself.
+        setFocusPolicy(Qt::StrongFocus);
+        setFocus();
         double widest = 200;
         QStringList sentences;
         for (const Status& status : history) {
@@ -55,8 +83,16 @@ public:
             sentences.append(status.sentence);
         }
         setAccessibleName(sentences.join(u'\n'));
-        const int limit = std::max(240, parent->width() - 2 * side);
-        resize(std::min(limit, qCeil(widest) + 28 + 2 * 14), int(history.size()) * 26 + 16);
+        const int width = std::min(room.width(), qCeil(widest) + textLeft + textRight);
+        int height = 2 * edge;
+        for (auto status = history.crbegin(); status != history.crend(); ++status) {
+            const Entry entry{status->kind, rowsOf(status->sentence, width - textLeft - textRight)};
+            if (!m_entries.isEmpty() && height + entry.height() > room.height())
+                break;
+            height += entry.height();
+            m_entries.prepend(entry);
+        }
+        resize(width, height);
     }
 
 protected:
@@ -67,21 +103,32 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         fillRounded(painter, rect(), Radius::popover, theme.elev);
         strokeRounded(painter, rect(), Radius::popover, theme.line2);
-        int top = 8;
-        for (const Status& status : m_history) {
-            const bool newest = &status == &m_history.last();
+        int top = edge;
+        for (const Entry& entry : m_entries) {
+            const bool newest = &entry == &m_entries.last();
             // What was under way is over by the time another sentence follows.
             const StatusKind kind =
-                status.kind == StatusKind::busy && !newest ? StatusKind::info : status.kind;
-            paintState(painter, QRectF(12, top + 5, 16, 16), kind, theme, 0);
-            paintText(painter, QRectF(36, top, width() - 36 - 12, 26), Qt::AlignLeft, Type::small,
-                      newest ? theme.text : theme.text2, status.sentence);
-            top += 26;
+                entry.kind == StatusKind::busy && !newest ? StatusKind::info : entry.kind;
+            paintState(painter, QRectF(12, top + entryMargin, 16, 16), kind, theme, 0);
+            QRectF row(textLeft, top + entryMargin, width() - textLeft - textRight, rowHeight);
+            for (const QString& text : entry.rows) {
+                paintText(painter, row, Qt::AlignLeft, Type::small,
+                          newest ? theme.text : theme.text2, text);
+                row.translate(0, rowHeight);
+            }
+            top += entry.height();
         }
     }
 
 private:
-    QList<Status> m_history;
+    static constexpr int edge = 8, textLeft = 36, textRight = 12, entryMargin = 5;
+    static constexpr int rowHeight = row(Type::small).lineHeight;
+    struct Entry {
+        StatusKind kind;
+        QStringList rows;
+        int height() const { return int(rows.size()) * rowHeight + 2 * entryMargin; }
+    };
+    QList<Entry> m_entries;
 };
 
 }    // namespace
@@ -121,8 +168,6 @@ void StatusLine::setStatus(const Status& status)
         m_spin.stop();
     if (!sameSentence) {
         remember(status);
-        // As rich text, which alone is broken into lines: a sentence may be longer than the screen.
-        setToolTip(u"<qt>%1</qt>"_qs.arg(status.sentence.toHtmlEscaped()));
         // Fast work would talk without end: while busy, one name in three seconds.
         const qint64 since = m_announced.isValid() ? m_announced.elapsed() : announcePause;
         if (busy && since < announcePause)
@@ -203,6 +248,23 @@ void StatusLine::paintEvent(QPaintEvent*)
     }
 }
 
+// Not the widget's own tooltip, whose markup a screen reader would be given as its description.
+bool StatusLine::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    if (m_status.sentence.isEmpty() || !sentenceRect().contains(help->pos())) {
+        QToolTip::hideText();
+    } else {
+        // As rich text, which alone is broken into lines: a sentence may be longer than the screen.
+        QToolTip::showText(help->globalPos(),
+                           u"<qt>%1</qt>"_qs.arg(m_status.sentence.toHtmlEscaped()), this,
+                           sentenceRect());
+    }
+    return true;
+}
+
 void StatusLine::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton && sentenceRect().contains(event->position().toPoint()))
@@ -213,7 +275,9 @@ void StatusLine::showHistory()
 {
     if (m_history.isEmpty())
         return;
-    auto* popover = new HistoryPopover(m_history, this);
+    const int above = mapTo(window(), QPoint()).y();
+    const QSize room(std::clamp(width() - 2 * side, 240, widestHistory), above - 2 * Space::small);
+    auto* popover = new HistoryPopover(m_history, room, this);
     popover->move(mapToGlobal(QPoint(8, -popover->height() - 4)));
     popover->show();
 }

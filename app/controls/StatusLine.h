@@ -27,12 +27,15 @@ public:
     void setKeyHints(const QList<KeyHint>& hints);
     // The last ten, oldest first. The steps of one piece of work count as one.
     const QList<Status>& history() const { return m_history; }
+    // Above the line, whole sentences; it takes the keyboard until Esc or a press elsewhere.
+    void showHistory();
     QSize sizeHint() const override { return {600, 28}; }
 
 Q_SIGNALS:
     void stopRequested();
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -41,7 +44,6 @@ private:
     void remember(const Status& status);
     void announce();
     void place();
-    void showHistory();
     QRect sentenceRect() const;
 
     Status m_status;

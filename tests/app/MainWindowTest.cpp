@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/BatchBinding.h"
 #include "app/BatchColumn.h"
 #include "app/ComposeBar.h"
 #include "app/SidePanel.h"
@@ -140,6 +141,31 @@ TEST_F(MainWindowTest, tileAndSlotWarnAlikeAlsoWithoutTheColumn)
     settle();
     EXPECT_EQ(titleWarnings(), QStringList{sentence}) << "back with its image";
     EXPECT_TRUE(grid()->tiles()[1].warnings.contains(sentence));
+}
+
+TEST_F(MainWindowTest, aPhotoThatIsFoundAgainIsJudgedAlsoWithoutTheColumn)
+{
+    session.load({photos(1)});
+    settle();
+    TextLayer title = current().layers.first();
+    title.hasBox = false;
+    title.foreground = CodableColor(QColor::fromHsv(0, 200, 200));
+    session.editLayer(title);
+    BatchColumn column;
+    BatchBinding binding(session, &column,
+                         std::make_shared<PhotoCache>(m_data.filePath(u"cold"_s)));
+    const auto isMarked = [&] {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return binding.isIdle(); }, 30000));
+        const auto warnings = binding.warningsOf(current().id);
+        return std::ranges::any_of(warnings, [](const auto& w) { return w.contrast.has_value(); });
+    };
+    const QString path = current().image.path;
+    ASSERT_TRUE(QFile::rename(path, path + u'~'));
+    binding.show();
+    EXPECT_FALSE(isMarked());
+    ASSERT_TRUE(QFile::rename(path + u'~', path));
+    binding.photoFound(current().id);
+    EXPECT_TRUE(isMarked());
 }
 
 TEST_F(MainWindowTest, aTileIsDrawnAnewWhenItsItemChanges)
@@ -469,4 +495,30 @@ TEST_F(MainWindowTest, theKeyboardReachesEverything)
     }
     EXPECT_EQ(stops.size(), 6);
     EXPECT_EQ(QApplication::focusWidget(), canvas());
+}
+
+TEST_F(MainWindowTest, aClickIntoATextIsNoSelectionWhenTheCardAboveShrinks)
+{
+    session.load({photos(1)});
+    settle();
+    for (const int i : {0, 1}) {
+        TextLayer layer = current().layers[i];
+        layer.hasBox = false;
+        layer.foreground = CodableColor(QColor::fromHsv(0, 200, 200));
+        session.editLayer(layer);
+    }
+    settle();
+    const auto cards = panel()->textPanel()->findChildren<SlotCard*>();
+    cards[0]->edit();
+    settle();
+    SlotEditor* below = cards[1]->editor();
+    const int told = cards[0]->height();
+    const QPoint at = below->mapTo(&window, QPoint(60, 9));
+    QTest::mousePress(window.windowHandle(), Qt::LeftButton, {}, at);
+    settle();
+    QTest::mouseMove(window.windowHandle(), at + QPoint(1, 0));
+    QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, at + QPoint(1, 0));
+    EXPECT_TRUE(below->hasFocus());
+    EXPECT_EQ(below->textCursor().selectedText(), QString());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return cards[0]->height() < told; }));
 }

@@ -1,5 +1,6 @@
 #include "canvas/TextWarnings.h"
 
+#include <QFontDatabase>
 #include <QPainter>
 
 #include <gtest/gtest.h>
@@ -85,6 +86,30 @@ TEST(TextWarnings, contrastIsThatOfWhatLiesUnderTheLetters)
             EXPECT_EQ(warnings[0].contrast, c.contrast) << c.name;
             EXPECT_EQ(warnings[0].leastContrast, 4.5) << c.name;
         }
+    }
+}
+
+TEST(TextWarnings, emojiHaveTheirOwnColours)
+{
+    if (!QFontDatabase::hasFamily(u"Noto Color Emoji"_s))
+        GTEST_SKIP() << "the emoji font is not installed";
+    const struct {
+        QString text;
+        QRect dark;    // of a white photo
+        bool warned;
+    } cases[] = {
+        {u"❤️🎉"_s, {}, false},
+        {u" 🎉 ❤️ \n🎉"_s, {}, false},
+        {u"🎉🎉🎉 mm"_s, {}, true},
+        {u"mm 🎉🎉🎉"_s, {200, 0, 200, 400}, true},
+        {u"🎉🎉🎉🎉 mm"_s, {200, 0, 200, 400}, false},
+        {u"אב 🎉🎉🎉🎉 אב"_s, {200, 0, 200, 400}, true},
+    };
+    for (const auto& c : cases) {
+        TextLayer layer = smallText();
+        layer.text = c.text;
+        EXPECT_EQ(warningsOf(itemWith(layer), ground(0xFFFFFF, c.dark, 0)).size(), c.warned)
+            << qPrintable(c.text);
     }
 }
 
