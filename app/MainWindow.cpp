@@ -429,6 +429,8 @@ void MainWindow::run(Command command)
     case Command::darkTheme:
     case Command::lightTheme:
         return chooseTheme(command);
+    case Command::showHistory:
+        return m_shell->statusLine()->showHistory();
     case Command::checkForUpdates:
         return;
     }

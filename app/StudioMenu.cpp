@@ -129,6 +129,7 @@ constexpr std::array entries{
     Entry{.command = Command::darkTheme, .menu = theme, .text = u"Oscuro", .mark = Mark::check},
     Entry{.command = Command::lightTheme, .menu = theme, .text = u"Claro", .mark = Mark::check},
 
+    Entry{Command::showHistory, help, u"Últimos avisos"},
     Entry{Command::checkForUpdates, help, u"Buscar actualizaciones..."},
 };
 

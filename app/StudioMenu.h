@@ -51,6 +51,7 @@ enum class Command {
     previousRegion,
     darkTheme,
     lightTheme,
+    showHistory,
     checkForUpdates
 };
 
