@@ -46,5 +46,9 @@ bool isApplied(const TemplateApplication& design, const PublicationItem& item)
 {
     PublicationItem changed = item;
     design(changed);
+    if (changed.shapeLayers.size() != item.shapeLayers.size())
+        return false;
+    for (qsizetype i = 0; i < item.shapeLayers.size(); ++i)
+        changed.shapeLayers[i].id = item.shapeLayers[i].id;
     return changed == item;
 }

@@ -68,5 +68,5 @@ struct DesignTemplate {
 // Lays a design over an item; the same one for all items of a click.
 using TemplateApplication = std::function<void(PublicationItem&)>;
 
-// Whether laying it over the item would change nothing.
+// Whether laying it over the item would change nothing that can be seen.
 bool isApplied(const TemplateApplication& design, const PublicationItem& item);
