@@ -61,7 +61,7 @@ QList<QUrl> photosAt(const QString& path)
     if (!QFileInfo(path).isDir())
         return {QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath())};
     const QList<QUrl> found = photosInFolder(path);
-    const QList<QUrl> kept = withoutOwnOutputs(found);
+    QList<QUrl> kept = withoutOwnOutputs(found);
     if (kept.size() < found.size()) {
         tell(u"%1: %2 publicación(es) de otra foto de la carpeta, no se exportan."_s.arg(
             path, QString::number(found.size() - kept.size())));

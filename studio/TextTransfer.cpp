@@ -12,9 +12,8 @@ using namespace Qt::StringLiterals;
 
 QString refusalOfTexts(const StudioSession& session)
 {
-    if (session.isImporting()) {
+    if (session.isImporting())
         return u"Espera a que termine la importación de imágenes para importar los textos."_s;
-    }
     if (session.batch().items.isEmpty())
         return u"Importa antes las imágenes: los textos van a las que nombra el archivo."_s;
     return {};
