@@ -26,6 +26,8 @@ void DropVeil::offer(const DropOffer& offer)
 
 QString DropVeil::sentence() const
 {
+    if (!m_offer.refusal.isEmpty())
+        return m_offer.refusal;
     if (m_offer.folder)
         return u"Suelta para importar la carpeta"_qs;
     if (m_offer.texts)

@@ -7,6 +7,7 @@ struct DropOffer {
     bool folder = false;      // a folder is dragged; its images are not counted yet
     bool replaces = false;    // there is a batch already
     bool texts = false;       // a spreadsheet of them, and no images
+    QString refusal = {};     // why a drop would bring nothing
     bool operator==(const DropOffer&) const = default;
 };
 

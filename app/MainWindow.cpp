@@ -23,6 +23,7 @@
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
+#include "studio/TextTransfer.h"
 
 #include <QAction>
 #include <QApplication>
@@ -77,7 +78,10 @@ QString imageFilter()
 
 bool isTextSheet(const QList<QUrl>& files)
 {
-    return files.size() == 1 && files.first().fileName().endsWith(u".csv"_s, Qt::CaseInsensitive);
+    if (files.size() != 1)
+        return false;
+    const QFileInfo file(files.first().toLocalFile());
+    return file.isFile() && file.suffix().compare(u"csv"_s, Qt::CaseInsensitive) == 0;
 }
 
 QList<QUrl> localFiles(const QMimeData* data)
@@ -87,10 +91,13 @@ QList<QUrl> localFiles(const QMimeData* data)
     return files;
 }
 
-DropOffer offerOf(const QList<QUrl>& files, bool replaces)
+DropOffer offerOf(const QList<QUrl>& files, const StudioSession& session)
 {
-    DropOffer offer{.images = int(files.size()), .folder = false, .replaces = replaces};
+    DropOffer offer{.images = int(files.size())};
+    offer.replaces = !session.batch().items.isEmpty();
     offer.texts = isTextSheet(files);
+    if (offer.texts)
+        offer.refusal = refusalOfTexts(session);
     offer.folder = std::ranges::any_of(
         files, [](const QUrl& url) { return QFileInfo(url.toLocalFile()).isDir(); });
     return offer;
@@ -221,9 +228,11 @@ void MainWindow::connectSession()
     });
 }
 
-// A number being typed or held, or a colour being chosen, belongs to the layer it was begun on.
+// A drag, a number being typed or held, or a colour being chosen belongs to the layer it was begun
+// on.
 void MainWindow::endEdits()
 {
+    m_stage->canvas()->interaction().cancel();
     if (qobject_cast<LineField*>(focusWidget()))
         focusCanvas();
     m_shell->sidePanel()->endEdits();
@@ -285,9 +294,9 @@ void MainWindow::chooseTexts(QFileDialog::AcceptMode mode)
         const QString path = dialog->selectedFiles().value(0);
         rememberFolder(QFileInfo(path).absolutePath());
         if (isSaving)
-            m_session.exportTexts(path);
+            exportTexts(&m_session, path);
         else
-            m_session.importTexts(path);
+            importTexts(&m_session, path);
     });
     dialog->open();
 }
@@ -349,6 +358,8 @@ void MainWindow::run(Command command)
     case Command::stopImport:
         return m_session.stopImport();
     case Command::importTexts:
+        if (const QString refusal = refusalOfTexts(m_session); !refusal.isEmpty())
+            return m_session.setStatus(refusal, StatusTone::problem);
         return chooseTexts(QFileDialog::AcceptOpen);
     case Command::exportTexts:
         return chooseTexts(QFileDialog::AcceptSave);
@@ -600,7 +611,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event)
     const QList<QUrl> files = localFiles(event->mimeData());
     if (files.isEmpty())
         return;
-    m_shell->dropVeil()->offer(offerOf(files, !m_session.batch().items.isEmpty()));
+    m_shell->dropVeil()->offer(offerOf(files, m_session));
     event->acceptProposedAction();
 }
 
@@ -615,7 +626,7 @@ void MainWindow::dropEvent(QDropEvent* event)
     event->acceptProposedAction();
     const QList<QUrl> files = localFiles(event->mimeData());
     if (isTextSheet(files))
-        m_session.importTexts(files.first().toLocalFile());
+        importTexts(&m_session, files.first().toLocalFile());
     else
         load(files);
 }
@@ -651,7 +662,6 @@ void MainWindow::showMenu()
         m_menu->action(command)->setChecked(checked);
     };
     m_menu->setEnabled({Command::stopImport}, m_session.isImporting());
-    m_menu->setEnabled({Command::importTexts, Command::exportTexts}, item != nullptr);
     m_menu->setEnabled({Command::restoreAside}, m_session.hasWorkspaceAside());
     m_menu->setEnabled({Command::undo}, m_session.canUndo());
     m_menu->setEnabled({Command::redo}, m_session.canRedo());
@@ -659,9 +669,10 @@ void MainWindow::showMenu()
     m_menu->setEnabled({Command::removeLayer, Command::copyStyle}, isText || isShape);
     m_menu->setEnabled({Command::pasteStyle}, m_session.canPasteStyle());
     m_menu->setEnabled({Command::addRectangle, Command::addCircle, Command::addTriangle,
-                        Command::addLine, Command::saveTemplate, Command::selectAll,
-                        Command::discard, Command::fill, Command::fit, Command::zoomWhole,
-                        Command::zoomIn, Command::zoomOut, Command::centrePhoto},
+                        Command::addLine, Command::saveTemplate, Command::exportTexts,
+                        Command::selectAll, Command::discard, Command::fill, Command::fit,
+                        Command::zoomWhole, Command::zoomIn, Command::zoomOut,
+                        Command::centrePhoto},
                        item != nullptr);
     m_menu->setEnabled({Command::previousImage}, batch.selectedIndex > 0);
     m_menu->setEnabled({Command::nextImage}, batch.selectedIndex + 1 < batch.items.size());
@@ -709,7 +720,7 @@ void MainWindow::showHints()
 void MainWindow::showStatus()
 {
     Status status{.kind = kindOf(m_session.statusTone()), .sentence = m_session.status()};
-    if (m_session.isImporting()) {
+    if (m_session.isImporting() && m_session.statusTone() != StatusTone::problem) {
         const PhotoImport::Progress& progress = m_session.importProgress();
         status.kind = StatusKind::busy;
         status.progress =

@@ -61,7 +61,7 @@ QList<QUrl> photosAt(const QString& path)
     if (!QFileInfo(path).isDir())
         return {QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath())};
     const QList<QUrl> found = photosInFolder(path);
-    const QList<QUrl> kept = withoutOwnOutputs(found);
+    QList<QUrl> kept = withoutOwnOutputs(found);
     if (kept.size() < found.size()) {
         tell(u"%1: %2 publicación(es) de otra foto de la carpeta, no se exportan."_s.arg(
             path, QString::number(found.size() - kept.size())));
@@ -78,13 +78,16 @@ int exportPhotos(const ExportRequest& request, const QList<QUrl>& photos)
         if (!paths[i].endsWith(filenameOf(photos[i]) + u"-publicacion.png"_s))
             report.renamed(photos[i].toLocalFile(), paths[i]);
     }
-    const SheetMatch texts = matchRows(request.texts, photos);
+    PublicationItems items;
+    for (const QUrl& photo : photos)
+        items.append(PublicationItem::make(photo, {}));
+    const SheetMatch texts = matchRows(request.texts, items);
     for (const RowProblem& problem : texts.problems)
         report.rowFailed(problem);
     const auto preparations = [&](qsizetype i) {
         QList<ItemPreparation> all{[&, i](PublicationItem& item) {
-            for (const qsizetype row : texts.rowsOfImage[i])
-                fillTexts(item, request.texts.rows[row]);
+            if (const auto row = texts.rowOfImage[i])
+                fillTexts(item, request.texts.rows[*row]);
         }};
         if (request.design)
             all.append(request.design);
@@ -174,8 +177,8 @@ int runExport(const QStringList& arguments)
     if (parser.isSet(texts)) {
         request.texts = readTextSheetFile(parser.value(texts));
         if (!request.texts.error.isEmpty()) {
-            return wrongUse(u"no se pudieron leer los textos: %1 %2."_s.arg(parser.value(texts),
-                                                                            request.texts.error));
+            return wrongUse(u"no se pudieron leer los textos de %1: %2."_s.arg(
+                parser.value(texts), request.texts.error));
         }
     }
 

@@ -32,6 +32,15 @@ void print(std::FILE* stream, const QString& line)
     std::fflush(stream);
 }
 
+// A name from a file on part of a line; what would steer a terminal goes.
+QString printable(const QString& name)
+{
+    constexpr qsizetype most = 80;
+    QString text = name.simplified();
+    text.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });
+    return text.size() > most ? text.first(most - 1) + u'…' : text;
+}
+
 bool isTerminal(std::FILE* stream)
 {
 #ifdef Q_OS_UNIX
@@ -87,11 +96,12 @@ void ExportReport::renamed(const QString& photo, const QString& path)
 void ExportReport::rowFailed(const RowProblem& problem)
 {
     clearBar();
-    const QString file = problem.file.simplified();    // one line a row
-    print(stderr,
-          file.isEmpty()
-              ? u"fila %1: %2"_s.arg(QString::number(problem.row), problem.reason)
-              : u"fila %1: %2 («%3»)"_s.arg(QString::number(problem.row), problem.reason, file));
+    const QString file = printable(problem.file);
+    QString line =
+        u"fila %1: %2"_s.arg(QString::number(problem.row), row(problem.fault).reason.toString());
+    if (!file.isEmpty())
+        line += u" («%1»)"_s.arg(file);
+    print(stderr, line);
     drawBar();
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "studio/BatchExport.h"
-#include "studio/TextSheet.h"
+#include "studio/SheetMatch.h"
 
 // What `moltiva export` prints: a bar on a terminal, else a line a file; or, as JSON, an object a
 // file and a summary. Results go to standard output, what went wrong to standard error.

@@ -8,8 +8,8 @@
 
 #include <QCoroFuture>
 
-#include <QFileInfo>
 #include <QPointer>
+#include <QScopedValueRollback>
 
 #include <utility>
 
@@ -31,7 +31,8 @@ QElapsedTimer started()
     return watch;
 }
 
-constexpr qint64 importStep = 30;    // ms between two reports of an import
+constexpr qint64 importStep = 30;      // ms between two reports of an import
+constexpr qint64 timeToRead = 3000;    // ms
 constexpr std::chrono::milliseconds restBeforeSaving = 50ms, pauseBeforeRetry = 5s;
 
 }    // namespace
@@ -282,6 +283,7 @@ void StudioSession::setStatus(const QString& status, StatusTone tone)
 {
     m_status = status;
     m_statusTone = tone;
+    m_statusTold.start();
     Q_EMIT statusChanged();
 }
 
@@ -308,7 +310,9 @@ void StudioSession::load(const QList<QUrl>& filesAndFolders)
             return;
         m_importTold.start();
         m_importProgress = progress;
-        setStatus(u"Importando %1 de %2"_s.arg(progress.looked).arg(progress.total));
+        // What was refused meanwhile can be read before the count goes on.
+        if (m_statusTone != StatusTone::problem || m_statusTold.elapsed() > timeToRead)
+            setStatus(u"Importando %1 de %2"_s.arg(progress.looked).arg(progress.total));
         Q_EMIT importChanged();
     };
     setStatus(u"Buscando imágenes…"_s);
@@ -366,76 +370,19 @@ void StudioSession::stopImport()
     Q_EMIT importChanged();
 }
 
-void StudioSession::importTexts(const QString& path)
+void StudioSession::applyTexts(const TextSheet& sheet)
 {
-    runImportTexts(this, path);
-}
-
-QCoro::Task<> StudioSession::runImportTexts(QPointer<StudioSession> session, QString path)
-{
-    QFuture<TextSheet> reading = runOnWorker([path] { return readTextSheetFile(path); });
-    TextSheet sheet;
-    try {
-        sheet = co_await reading;
-    } catch (const std::exception& error) {
-        sheet.error = QString::fromLocal8Bit(error.what());
-    }
-    if (session)
-        session->finishImportTexts(sheet, QFileInfo(path).fileName());
-}
-
-void StudioSession::finishImportTexts(const TextSheet& sheet, const QString& fileName)
-{
-    if (!sheet.error.isEmpty()) {
-        setStatus(u"No se pudieron leer los textos: %1 %2."_s.arg(fileName, sheet.error),
-                  StatusTone::problem);
-        return;
-    }
-    if (m_batch.items.isEmpty()) {
-        setStatus(u"Importa antes las imágenes: los textos van a las que nombra el archivo."_s,
-                  StatusTone::problem);
-        return;
-    }
     Q_EMIT aboutToMove();
-    // A step of its own: a gesture under way, typing before and typing after are others.
+    // A step of its own: a gesture under way, typing before and typing after are others, and an
+    // undo of a moment ago has no part in it.
     endCanvasHistoryEdit({});
     m_history.endContinuousChanges();
+    const QScopedValueRollback isStep(m_isApplyingHistory, false);
     PublicationItems items = m_batch.items;
     const SheetMatch match = applyTextSheet(items, sheet);
     setStatus(sentenceOn(match), match.problems.isEmpty() ? StatusTone::done : StatusTone::problem);
     change([&](Batch& batch) { batch.items = items; });
     m_history.endContinuousChanges();
-}
-
-void StudioSession::exportTexts(const QString& path)
-{
-    if (m_batch.items.isEmpty())
-        setStatus(u"No hay imágenes de las que guardar textos."_s);
-    else
-        runExportTexts(this, path, m_batch.items);
-}
-
-QCoro::Task<> StudioSession::runExportTexts(QPointer<StudioSession> session, QString path,
-                                            PublicationItems items)
-{
-    QFuture<QString> writing =
-        runOnWorker([path, items] { return writeTextSheetFile(path, items); });
-    QString failure;
-    try {
-        failure = co_await writing;
-    } catch (const std::exception& error) {
-        failure = QString::fromLocal8Bit(error.what());
-    }
-    if (!session)
-        co_return;
-    const QString name = QFileInfo(path).fileName();
-    if (failure.isEmpty())
-        session->setStatus(
-            u"Textos de %1 imagen(es) guardados en %2."_s.arg(QString::number(items.size()), name),
-            StatusTone::done);
-    else
-        session->setStatus(u"No se pudieron guardar los textos en %1 (%2)."_s.arg(name, failure),
-                           StatusTone::problem);
 }
 
 void StudioSession::setFormat(SocialFormat format)

@@ -45,6 +45,8 @@ public:
     const Batch& batch() const { return m_batch; }
     QString status() const { return m_status; }
     StatusTone statusTone() const { return m_statusTone; }
+    // Also for who works with the session.
+    void setStatus(const QString& status, StatusTone tone = StatusTone::info);
     CopyGenerationMode generationMode() const { return m_generationMode; }
     // What an import has accepted so far; empty when none runs.
     const PhotoImport::Progress& importProgress() const { return m_importProgress; }
@@ -74,9 +76,8 @@ public:
     // The batch stays as it was.
     void stopImport();
 
-    // The texts of a spreadsheet into the images that it names, as one step; and out again.
-    void importTexts(const QString& path);
-    void exportTexts(const QString& path);
+    // The texts of a spreadsheet into the images that it names, as one step.
+    void applyTexts(const TextSheet& sheet);
 
     void setFormat(SocialFormat format);
     void setObjective(const QString& objective);
@@ -151,15 +152,10 @@ private:
     static QCoro::Task<> runRestoreAside(QPointer<StudioSession> session, QByteArray document,
                                          std::shared_ptr<PhotoCache> photos);
     void finishRestoreAside(const WorkspaceStore::Restored& restored);
-    void setStatus(const QString& status, StatusTone tone = StatusTone::info);
     static QCoro::Task<> runImport(QPointer<StudioSession> session, QList<QUrl> urls,
                                    std::shared_ptr<PhotoCache> photos,
                                    std::shared_ptr<PhotoImport::Control> control);
     void finishImport(const std::optional<PublicationItems>& items);
-    static QCoro::Task<> runImportTexts(QPointer<StudioSession> session, QString path);
-    void finishImportTexts(const TextSheet& sheet, const QString& fileName);
-    static QCoro::Task<> runExportTexts(QPointer<StudioSession> session, QString path,
-                                        PublicationItems items);
 
     std::shared_ptr<PhotoCache> m_photos;
     PreferencesStore& m_preferences;
@@ -179,6 +175,7 @@ private:
     StyleClipboard m_copiedStyle;
     QString m_status;
     StatusTone m_statusTone = StatusTone::info;
+    QElapsedTimer m_statusTold;
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
     std::shared_ptr<PhotoImport::Control> m_import;    // of the import under way
     PhotoImport::Progress m_importProgress;

@@ -1,31 +1,17 @@
 #include "studio/TextSheet.h"
 
+#include "model/PlainText.h"
 #include "model/SearchText.h"
+#include "studio/SheetRecords.h"
 
-#include <QHash>
 #include <QStringDecoder>
-
-#include <csv.h>
-
-#include <new>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
-constexpr int mostColumns = 16'384;    // what a spreadsheet holds
-constexpr int mostRows = 100'000;      // far more than a batch; a hostile file may hold millions
-
-const QString badQuotes = u"comillas mal puestas"_s;
-const QString tooFewCells = u"faltan columnas"_s;
-const QString tooManyCells = u"sobran columnas"_s;
-const QString notUtf8 = u"no está en UTF-8"_s;
-const QString controlCharacter = u"tiene caracteres de control"_s;
-const QString noFile = u"no dice el archivo"_s;
-const QString tooLong = u"un texto pasa de %1 caracteres"_s.arg(longestText);
-const QString unknownFile = u"no hay ninguna imagen con ese nombre"_s;
-const QString repeated = u"repite una imagen"_s;
+constexpr int mostRows = 20'000;    // far more than a batch; a hostile file may hold millions
 
 // The text with \n as the only line end, the last line's included.
 QByteArray withPlainLineEnds(QByteArrayView bytes)
@@ -35,6 +21,16 @@ QByteArray withPlainLineEnds(QByteArrayView bytes)
     if (!text.endsWith('\n'))
         text.append('\n');
     return text;
+}
+
+// "sep=;", with which some spreadsheets begin.
+std::optional<char> namedSeparator(QByteArrayView line)
+{
+    constexpr QByteArrayView key("sep="), separators(",;\t|");
+    const bool names = line.size() == key.size() + 2 &&
+                       line.first(key.size()).compare(key, Qt::CaseInsensitive) == 0 &&
+                       separators.contains(line[key.size()]);
+    return names ? std::optional(line[key.size()]) : std::nullopt;
 }
 
 // The one that the header holds more of.
@@ -55,90 +51,32 @@ char separatorOf(QByteArrayView text)
     return semicolons > commas ? ';' : ',';
 }
 
-struct Record {
-    QByteArrayList cells;       // mostColumns at most
-    qsizetype count = 0;        // of cells; less is not known of one that is not whole
-    bool hasSurplus = false;    // beyond mostColumns there is more than empty cells
-    bool isWhole = false;
+struct HeaderStart {
+    qsizetype at = 0;
+    int number = 1;    // of its row
+    char separator = ',';
 };
 
-// The records of a text with plain line ends, one by one.
-class Records {
-public:
-    Records(QByteArrayView text, char separator) : m_text(text)
-    {
-        if (csv_init(&m_parser, CSV_STRICT | CSV_REPALL_NL) != 0)
-            throw std::bad_alloc();
-        csv_set_delim(&m_parser, static_cast<unsigned char>(separator));
-        // Blanks belong to the text.
-        csv_set_space_func(&m_parser, [](unsigned char) { return 0; });
-        csv_set_blk_size(&m_parser, 65536);
-    }
-    ~Records() { csv_free(&m_parser); }
-    Records(const Records&) = delete;
-    Records& operator=(const Records&) = delete;
-
-    std::optional<Record> next();
-
-private:
-    // Where the line after the one at `line` begins.
-    qsizetype nextLine(qsizetype line) const { return m_text.indexOf('\n', line) + 1; }
-    void addCell(QByteArrayView cell)
-    {
-        ++m_record.count;
-        if (m_record.count <= mostColumns)
-            m_record.cells.append(cell.toByteArray());
-        else if (!cell.isEmpty())
-            m_record.hasSurplus = true;
-    }
-
-    csv_parser m_parser{};
-    QByteArrayView m_text;
-    qsizetype m_at = 0;    // the line that the next record begins on
-    Record m_record;
-};
-
-std::optional<Record> Records::next()
+// Behind empty rows and the one that names the separator; nothing when there is no other.
+std::optional<HeaderStart> headerStart(QByteArrayView text)
 {
-    if (m_at == m_text.size())
-        return std::nullopt;
-    const auto onCell = [](void* cell, std::size_t size, void* self) {
-        const QByteArrayView bytes(static_cast<const char*>(cell), qsizetype(size));
-        static_cast<Records*>(self)->addCell(bytes);
-    };
-    const auto onRecord = [](int, void* self) {
-        static_cast<Records*>(self)->m_record.isWhole = true;
-    };
-    m_record = {};
-    qsizetype cellLine = m_at;    // the line that the cell being read began on
-    for (qsizetype line = m_at; line < m_text.size();) {
-        const qsizetype end = nextLine(line);
-        const qsizetype known = m_record.count;
-        const auto size = std::size_t(end - line);
-        const bool isRead =
-            csv_parse(&m_parser, m_text.data() + line, size, onCell, onRecord, this) == size;
-        if (csv_error(&m_parser) == CSV_ENOMEM)
-            throw std::bad_alloc();
-        if (m_record.count > known)
-            cellLine = line;
-        if (!isRead)
-            break;
-        line = end;
-        if (m_record.isWhole) {
-            m_at = end;
-            return m_record;
+    std::optional<char> named;
+    HeaderStart start;
+    for (; start.at < text.size(); ++start.number) {
+        const qsizetype end = text.indexOf('\n', start.at) + 1;
+        const QByteArrayView line = text.sliced(start.at, end - start.at);
+        const bool isEmpty = std::ranges::all_of(
+            line, [](char c) { return QByteArrayView(" \t,;|\n").contains(c); });
+        const auto separator = namedSeparator(line);
+        if (!isEmpty && (named || !separator)) {
+            start.separator = named.value_or(separatorOf(text.sliced(start.at)));
+            return start;
         }
+        if (separator)
+            named = separator;
+        start.at = end;
     }
-    // A stray quote, or one that never closes and may have swallowed all that follows: the lines
-    // after the one it stands on are read anew, so that it spoils one row only.
-    csv_fini(&m_parser, nullptr, nullptr, nullptr);
-    m_at = nextLine(cellLine);
-    return m_record;
-}
-
-bool isControl(QChar c)
-{
-    return c.category() == QChar::Other_Control && c != u'\t' && c != u'\n';
+    return std::nullopt;
 }
 
 std::optional<QString> decoded(const QByteArray& cell)
@@ -186,12 +124,12 @@ std::optional<SheetColumn> columnNamed(const QString& name)
     return folded == u"tagline" ? SheetColumn::tagline : fromRawValue<SheetColumn>(folded);
 }
 
-Header headerOf(const Record& record)
+Header headerOf(const SheetRecord& record)
 {
     if (!record.isWhole)
         return {{}, u"la primera fila tiene comillas mal puestas"_s};
-    if (record.count > mostColumns)
-        return {{}, u"tiene más de %1 columnas"_s.arg(mostColumns)};
+    if (record.count > SheetRecord::mostCells)
+        return {{}, u"tiene más de %1 columnas"_s.arg(SheetRecord::mostCells)};
     Header header;
     for (const QByteArray& cell : record.cells) {
         const auto name = decoded(cell);
@@ -215,46 +153,34 @@ Header headerOf(const Record& record)
     return header;
 }
 
-bool isEmpty(const Record& record)
-{
-    return record.isWhole && !record.hasSurplus &&
-           std::ranges::all_of(record.cells, [](const QByteArray& cell) { return cell.isEmpty(); });
-}
-
-SheetRow rowOf(const Record& record, const Header& header)
+SheetRow rowOf(const SheetRecord& record, const Header& header)
 {
     SheetRow row;
-    const auto count = header.columns.size();
-    const auto isFilled = [](const QByteArray& cell) { return !cell.isEmpty(); };
-    if (!record.isWhole) {
-        row.fault = badQuotes;
-    } else if (record.count < count) {
-        row.fault = tooFewCells;
-    } else if (record.hasSurplus || std::ranges::any_of(record.cells.mid(count), isFilled)) {
-        row.fault = tooManyCells;
-    }
-    const auto blame = [&row](bool isWrong, const QString& fault) {
-        if (isWrong && row.fault.isEmpty())
+    const auto blame = [&row](bool isWrong, RowFault fault) {
+        if (isWrong && !row.fault)
             row.fault = fault;
     };
+    const auto count = header.columns.size();
+    blame(!record.isWhole, RowFault::badQuotes);
+    blame(record.isNarrowerThan(count), RowFault::tooFewCells);
+    blame(record.isWiderThan(count), RowFault::tooManyCells);
+    bool isTooLong = false;
     for (qsizetype i = 0; i < std::min(count, record.cells.size()); ++i) {
-        if (!header.columns[i])
+        const auto& column = header.columns[i];
+        if (!column)
             continue;
         const auto text = decoded(record.cells[i]);
-        blame(!text, notUtf8);
+        blame(!text, RowFault::notUtf8);
         if (!text)
             continue;
-        blame(std::ranges::any_of(*text, isControl), controlCharacter);
-        QString& cell = row.cells[std::size_t(*header.columns[i])].emplace(withoutGuard(*text));
-        blame(cell.size() > longestText, tooLong);
+        blame(std::ranges::any_of(*text, isControl), RowFault::controlCharacter);
+        const QString& cell = row.cells[std::size_t(*column)].emplace(withoutGuard(*text));
+        isTooLong = isTooLong || (*column != SheetColumn::file && cell.size() > longestText);
     }
-    blame(row.file().isEmpty(), noFile);
+    row.name = sheetName(row.file());
+    blame(row.name.isEmpty(), RowFault::noFile);
+    blame(isTooLong, RowFault::tooLong);    // last, because an image may hold it already
     return row;
-}
-
-QString normalized(const QString& name)
-{
-    return name.normalized(QString::NormalizationForm_C);
 }
 
 }    // namespace
@@ -263,16 +189,18 @@ TextSheet readTextSheet(QByteArrayView bytes)
 {
     if (bytes.startsWith(byteOrderMark))
         bytes = bytes.sliced(byteOrderMark.size());
-    if (bytes.trimmed().isEmpty())
-        return {{}, u"está vacío"_s};
     const QByteArray text = withPlainLineEnds(bytes);
-    Records records(text, separatorOf(text));
+    const auto start = headerStart(text);
+    if (!start)
+        return {{}, u"está vacío"_s};
+    SheetRecords records(QByteArrayView(text).sliced(start->at), start->separator);
     const Header header = headerOf(*records.next());
     if (!header.error.isEmpty())
         return {{}, header.error};
+    records.setColumns(header.columns.size());
     TextSheet sheet;
-    for (int number = 2; const auto record = records.next(); ++number) {
-        if (isEmpty(*record))
+    for (int number = start->number + 1; const auto record = records.next(); ++number) {
+        if (record->isBlank())
             continue;
         if (sheet.rows.size() == mostRows)
             return {{}, u"tiene más de %1 filas"_s.arg(mostRows)};
@@ -282,49 +210,25 @@ TextSheet readTextSheet(QByteArrayView bytes)
     return sheet;
 }
 
-qsizetype SheetMatch::filledImages() const
+QString sheetName(const QString& fileName)
 {
-    return std::ranges::count_if(rowsOfImage, [](const auto& rows) { return !rows.isEmpty(); });
+    return plainText(fileName).trimmed().normalized(QString::NormalizationForm_C);
 }
 
-SheetMatch matchRows(const TextSheet& sheet, const QList<QUrl>& images)
+std::optional<QString> textOf(const PublicationItem& item, SheetColumn column)
 {
-    QHash<QString, QList<qsizetype>> withExtension, without;
-    for (qsizetype i = 0; i < images.size(); ++i) {
-        withExtension[normalized(images[i].fileName())].append(i);
-        without[normalized(filenameOf(images[i]))].append(i);
-    }
-    // Rows that cannot be applied count as well: the next one is still for the next image.
-    QHash<QString, qsizetype> rowCount, rowsSeen;
-    for (const SheetRow& row : sheet.rows)
-        ++rowCount[normalized(row.file())];
-
-    SheetMatch match;
-    match.rowsOfImage.resize(images.size());
-    for (qsizetype i = 0; i < sheet.rows.size(); ++i) {
-        const SheetRow& row = sheet.rows[i];
-        const QString name = normalized(row.file());
-        const qsizetype turn = rowsSeen[name]++;
-        // A whole name first: "a.b" may also be what is left of "a.b.jpg".
-        const auto named = withExtension.value(name, without.value(name));
-        QString fault = row.fault;
-        if (fault.isEmpty() && turn >= named.size())
-            fault = named.isEmpty() ? unknownFile : repeated;
-        if (!fault.isEmpty()) {
-            match.problems.append({row.number, row.file(), fault});
-            continue;
-        }
-        const bool isLast = turn + 1 == rowCount[name];
-        for (const qsizetype image : named.mid(turn, isLast ? -1 : 1))
-            match.rowsOfImage[image].append(i);
-    }
-    return match;
+    if (column == SheetColumn::file)
+        return item.url.fileName();
+    if (column == SheetColumn::caption)
+        return item.analysis.publicationCaption;
+    const auto layer = std::ranges::find(item.layers, *row(column).slot, &TextLayer::slot);
+    return layer == item.layers.end() ? std::nullopt : std::optional(layer->text);
 }
 
 void fillTexts(PublicationItem& item, const SheetRow& row)
 {
     for (const auto& column : Vocabulary<SheetColumn>::rows) {
-        const auto& cell = row.cells[std::size_t(column.value)];
+        const auto& cell = row.cell(column.value);
         if (!cell)
             continue;
         if (column.value == SheetColumn::caption)
@@ -332,19 +236,6 @@ void fillTexts(PublicationItem& item, const SheetRow& row)
         else if (TextLayer* layer = column.slot ? item.layer(*column.slot) : nullptr)
             layer->text = *cell;
     }
-}
-
-SheetMatch applyTextSheet(PublicationItems& items, const TextSheet& sheet)
-{
-    QList<QUrl> images;
-    for (const PublicationItem& item : items)
-        images.append(item.url);
-    SheetMatch match = matchRows(sheet, images);
-    for (qsizetype i = 0; i < items.size(); ++i) {
-        for (const qsizetype row : match.rowsOfImage[i])
-            fillTexts(items.edit(i), sheet.rows[row]);
-    }
-    return match;
 }
 
 QByteArray textSheetOf(const PublicationItems& items)
@@ -355,12 +246,9 @@ QByteArray textSheetOf(const PublicationItems& items)
         names.append(column.rawValue.toString());
     QString sheet = names.join(u';') + lineEnd;
     for (const PublicationItem& item : items) {
-        QStringList cells{written(item.url.fileName())};
-        for (const CopySlot slot : allCases<CopySlot>()) {
-            const auto layer = std::ranges::find(item.layers, slot, &TextLayer::slot);
-            cells.append(layer == item.layers.end() ? QString() : written(layer->text));
-        }
-        cells.append(written(item.analysis.publicationCaption));
+        QStringList cells;
+        for (const SheetColumn column : allCases<SheetColumn>())
+            cells.append(written(plainText(textOf(item, column).value_or(QString()))));
         sheet += cells.join(u';') + lineEnd;
     }
     return byteOrderMark.toByteArray() + sheet.toUtf8();

@@ -30,13 +30,53 @@ struct Vocabulary<SheetColumn> {
 };
 static_assert(rowsAreInOrder<SheetColumn>());
 
+// Why a row is not applied.
+enum class RowFault {
+    badQuotes,
+    tooFewCells,
+    tooManyCells,
+    notUtf8,
+    controlCharacter,
+    noFile,
+    tooLong,
+    unknownFile,
+    repeated
+};
+struct RowFaultRow {
+    RowFault fault;
+    QStringView reason;    // for the user
+};
+inline constexpr std::array rowFaults{
+    RowFaultRow{RowFault::badQuotes, u"comillas mal puestas"},
+    RowFaultRow{RowFault::tooFewCells, u"faltan columnas"},
+    RowFaultRow{RowFault::tooManyCells, u"sobran columnas"},
+    RowFaultRow{RowFault::notUtf8, u"no está en UTF-8"},
+    RowFaultRow{RowFault::controlCharacter, u"tiene caracteres de control"},
+    RowFaultRow{RowFault::noFile, u"falta el nombre del archivo"},
+    RowFaultRow{RowFault::tooLong, u"un texto pasa de 10000 caracteres"},
+    RowFaultRow{RowFault::unknownFile, u"no hay ninguna imagen con ese nombre"},
+    RowFaultRow{RowFault::repeated, u"repite una imagen"},
+};
+constexpr const RowFaultRow& row(RowFault fault)
+{
+    return rowFaults[std::size_t(fault)];
+}
+static_assert(std::ranges::all_of(rowFaults, [](const auto& r) { return &row(r.fault) == &r; }));
+static_assert(longestText == 10'000, "what the row of tooLong says");
+
 struct SheetRow {
-    int number = 0;    // as spreadsheet programs count: the header is 1
+    int number = 0;    // as spreadsheet programs count: the header is 1 when it is the first row
     // By column; without one where the sheet has no such column.
     std::array<std::optional<QString>, Vocabulary<SheetColumn>::rows.size()> cells;
-    QString fault;    // why it cannot be applied; empty when it can
+    QString name;    // of the file, as sheetName() gives it
+    // tooLong stands only for images that do not hold the very same text already.
+    std::optional<RowFault> fault;
 
-    QString file() const { return cells[std::size_t(SheetColumn::file)].value_or(QString()); }
+    const std::optional<QString>& cell(SheetColumn column) const
+    {
+        return cells[std::size_t(column)];
+    }
+    QString file() const { return cell(SheetColumn::file).value_or(QString()); }
 };
 
 struct TextSheet {
@@ -48,32 +88,14 @@ struct TextSheet {
 // with a row spoils no other one.
 TextSheet readTextSheet(QByteArrayView bytes);
 
-// A row that was not applied.
-struct RowProblem {
-    int row = 0;
-    QString file;
-    QString reason;
+// The name of a file as it is compared: without blanks around it, its accents in one form.
+QString sheetName(const QString& fileName);
 
-    bool operator==(const RowProblem&) const = default;
-};
-
-// The rows that each image gets, in their order, as indices, and the rows that reach none.
-struct SheetMatch {
-    QList<QList<qsizetype>> rowsOfImage;
-    QList<RowProblem> problems;
-
-    qsizetype filledImages() const;
-};
-
-// A row fills every image of its name, with or without the extension. Several rows of one name are
-// for as many images of that name, in order, and the last one for all the rest.
-SheetMatch matchRows(const TextSheet& sheet, const QList<QUrl>& images);
+// What an item has for a column; nothing where it has no such layer.
+std::optional<QString> textOf(const PublicationItem& item, SheetColumn column);
 
 // Writes the texts into the layers of their slots, visible or not.
 void fillTexts(PublicationItem& item, const SheetRow& row);
-
-// Fills all the items; what that reached.
-SheetMatch applyTextSheet(PublicationItems& items, const TextSheet& sheet);
 
 // The sheet of these items. Reading and applying it changes nothing.
 QByteArray textSheetOf(const PublicationItems& items);

@@ -10,9 +10,9 @@ namespace {
 
 constexpr int largestFile = 32;    // MiB
 
-// The rows of one reason.
+// The rows of one fault.
 struct Group {
-    QString reason;
+    RowFault fault;
     QStringList numbers;
 };
 
@@ -20,9 +20,9 @@ QList<Group> grouped(const QList<RowProblem>& problems)
 {
     QList<Group> groups;
     for (const RowProblem& problem : problems) {
-        auto group = std::ranges::find(groups, problem.reason, &Group::reason);
+        auto group = std::ranges::find(groups, problem.fault, &Group::fault);
         if (group == groups.end())
-            group = groups.insert(groups.end(), {problem.reason, {}});
+            group = groups.insert(groups.end(), {problem.fault, {}});
         group->numbers.append(QString::number(problem.row));
     }
     return groups;
@@ -62,7 +62,7 @@ QString sentenceOn(const SheetMatch& match)
         return sentence;
     QStringList reasons;
     for (const Group& group : grouped(match.problems))
-        reasons.append(u"%1 (%2)"_s.arg(listed(group.numbers), group.reason));
+        reasons.append(u"%1 (%2)"_s.arg(listed(group.numbers), row(group.fault).reason));
     return sentence + u" %1 fila(s) sin aplicar: %2."_s.arg(QString::number(match.problems.size()),
                                                             reasons.join(u"; "_s));
 }

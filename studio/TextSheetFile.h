@@ -1,6 +1,6 @@
 #pragma once
 
-#include "studio/TextSheet.h"
+#include "studio/SheetMatch.h"
 
 // A text sheet on the disk, and what the user is told of it.
 

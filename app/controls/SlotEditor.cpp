@@ -2,6 +2,7 @@
 
 #include "app/Theme.h"
 #include "app/controls/LineField.h"
+#include "model/PlainText.h"
 #include "model/TextLayer.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -127,7 +128,7 @@ void SlotEditor::insertFromMimeData(const QMimeData* source)
 {
     const auto room = longestText - (text().size() - textCursor().selectedText().size());
     if (source->hasText() && room > 0)
-        textCursor().insertText(source->text().left(room));
+        textCursor().insertText(plainText(source->text()).left(room));
     ensureCursorVisible();
 }
 

@@ -225,6 +225,10 @@ TEST(SlotEditor, takesPlainTextOfABoundedLengthAndGrowsToFiveLines)
     QTest::keyClicks(&editor, u"y"_s);
     EXPECT_EQ(editor.text(), QString(10000, u'x'));
     EXPECT_EQ(editor.height(), 5 * 18);
+    QApplication::clipboard()->setText(u"a\v\u2028b\r\nc\a\td"_s);
+    editor.selectAll();
+    editor.paste();
+    EXPECT_EQ(editor.text(), u"a\n\nb\nc\td"_s);
     editor.setText(u"a\nb"_s);
     EXPECT_EQ(editor.height(), 2 * 18);
 

@@ -196,7 +196,7 @@ TEST_F(ExportCommandTest, anInterruptLeavesOnlyWholeFiles)
         EXPECT_FALSE(QImage(path(u"out/"_s + file)).isNull()) << qPrintable(file);
 }
 
-TEST_F(ExportCommandTest, LaysATemplateOverEveryPhoto)
+TEST_F(ExportCommandTest, laysATemplateOverEveryPhoto)
 {
     const QString design = holding(u"diseño.json"_s, R"({"format":"square","textLayers":[
         {"slot":"Título","visible":false,"frame":{"x":0,"y":0,"width":1,"height":0.2}},

@@ -1,11 +1,15 @@
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
 #include "studio/StudioSession.h"
+#include "studio/TextSheet.h"
+#include "studio/TextTransfer.h"
 
 #include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
 #include <QImage>
+#include <QSemaphore>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -318,7 +322,7 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
     session->beginCanvasHistoryEdit();
     restyle(1.6);
     const Batch before = batch();
-    run([&] { session->importTexts(path); });
+    run([&] { importTexts(session.get(), path); });
     EXPECT_EQ(session->status(),
               u"Textos aplicados a 2 imagen(es). 3 fila(s) sin aplicar: "
               "3, 5 (no hay ninguna imagen con ese nombre); 6 (faltan columnas)."_s);
@@ -332,18 +336,52 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
     EXPECT_EQ(batch(), filled);
     undo();
     EXPECT_EQ(batch(), before);
+    session->redo();    // and the loop has not turned
+    session->applyTexts(readTextSheet("archivo;titulo\n0;Otro"));
+    EXPECT_EQ(title().text, u"Otro"_s);
+    undo();
+    EXPECT_EQ(batch(), filled);
+    undo();
     redo();
 
-    run([&] { session->exportTexts(path); });
+    run([&] { exportTexts(session.get(), path); });
     EXPECT_EQ(session->status(), u"Textos de 3 imagen(es) guardados en textos.csv."_s);
-    run([&] { session->importTexts(path); });
+    run([&] { importTexts(session.get(), path); });
     EXPECT_EQ(session->status(), u"Textos aplicados a 3 imagen(es)."_s);
     EXPECT_EQ(batch(), filled);
     EXPECT_TRUE(session->canRedo()) << "what changes nothing is no step";
-    run([&] { session->importTexts(m_folder.filePath(u"otro.csv"_s)); });
+    run([&] { importTexts(session.get(), m_folder.filePath(u"otro.csv"_s)); });
     EXPECT_TRUE(session->status().startsWith(
-        u"No se pudieron leer los textos: otro.csv no se puede abrir ("_s));
-    run([&] { session->exportTexts(u"/proc/textos.csv"_s); });
+        u"No se pudieron leer los textos de otro.csv: no se puede abrir ("_s));
+    run([&] { exportTexts(session.get(), u"/proc/textos.csv"_s); });
     EXPECT_TRUE(
         session->status().startsWith(u"No se pudieron guardar los textos en textos.csv ("_s));
+}
+
+TEST_F(SessionHistoryTest, aSheetIsRefusedWhileOtherImagesAreOnTheirWay)
+{
+    const QString path = m_folder.filePath(u"textos.csv"_s);
+    QFile sheet(path);
+    ASSERT_TRUE(sheet.open(QIODevice::WriteOnly) && sheet.write("archivo;titulo\n0;Uno\n") > 0);
+    sheet.close();
+    QStringList told;
+    QObject::connect(session.get(), &StudioSession::statusChanged, session.get(),
+                     [&] { told.append(session->status()); });
+    const QString refusal =
+        u"Espera a que termine la importación de imágenes para importar los textos."_s;
+    // One worker, and it waits: the sheet is read first, and other images are loaded by then.
+    const int threads = workers().maxThreadCount();
+    workers().setMaxThreadCount(1);
+    QSemaphore gate;
+    startOnWorker([&gate] { gate.acquire(); });
+    importTexts(session.get(), path);
+    session->load({QUrl::fromLocalFile(file(0))});
+    importTexts(session.get(), path);
+    EXPECT_EQ(session->status(), refusal);
+    EXPECT_EQ(session->statusTone(), StatusTone::problem);
+    gate.release();
+    EXPECT_TRUE(waitFor([&] { return !session->isImporting(); }));
+    EXPECT_EQ(told.count(refusal), 2);
+    EXPECT_EQ(title().text, GeneratedCopy::placeholder().title);
+    workers().setMaxThreadCount(threads);
 }

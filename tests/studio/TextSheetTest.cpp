@@ -1,4 +1,4 @@
-#include "studio/TextSheet.h"
+#include "studio/SheetMatch.h"
 
 #include <gtest/gtest.h>
 
@@ -31,7 +31,7 @@ QStringList told(const SheetMatch& match)
 {
     QStringList lines;
     for (const RowProblem& problem : match.problems)
-        lines.append(u"%1 %2"_s.arg(QString::number(problem.row), problem.reason));
+        lines.append(u"%1 %2"_s.arg(problem.row).arg(row(problem.fault).reason));
     return lines;
 }
 
@@ -43,7 +43,7 @@ TEST(TextSheet, wrongRowsAreToldByNumberAndSpoilNoOtherOne)
         {"nadie.jpg;x;y", u"no hay ninguna imagen con ese nombre"_s},
         {"f1.jpg;x", u"faltan columnas"_s},
         {"f1.jpg;x;y;;z", u"sobran columnas"_s},
-        {";x;y", u"no dice el archivo"_s},
+        {";x;y", u"falta el nombre del archivo"_s},
         {"f1.jpg;a\xF1o;y", u"no está en UTF-8"_s},
         {"f1.jpg;cortada\xC3;y", u"no está en UTF-8"_s},
         {QByteArray("f1.jpg;nul\0;y", 12), u"tiene caracteres de control"_s},
@@ -138,6 +138,45 @@ TEST(TextSheet, aRoundTripChangesNothing)
     EXPECT_EQ(emptied, items);
 }
 
+TEST(TextSheet, whatAnItemHoldsComesBackThoughItCouldNotBeTyped)
+{
+    PublicationItems items = itemsOf({u"/f.jpg"_s});
+    items.edit(0).layers[0].text = u"a\vb\fc\u2028d\u2029e\r\nf\rg\a\th"_s;
+    items.edit(0).layers[2].text = QString(10'001, u'x');
+    PublicationItems same = items;
+    const TextSheet sheet = readTextSheet(textSheetOf(items));
+    EXPECT_EQ(told(applyTextSheet(same, sheet)), QStringList());
+    EXPECT_EQ(titlesOf(same), QStringList{u"a\nb\nc\nd\ne\nf\ng\th"_s});
+    EXPECT_EQ(text(same[0], CopySlot::tagline), QString(10'001, u'x'));
+    same.edit(0).layers[2].text.chop(1);
+    EXPECT_EQ(told(applyTextSheet(same, sheet)),
+              QStringList{u"2 un texto pasa de 10000 caracteres"_s});
+}
+
+TEST(TextSheet, aQuoteThatIsNotClosedSpoilsNoOtherRow)
+{
+    const auto read = [](const QByteArray& rows, const QStringList& problems) {
+        PublicationItems items = itemsOf({u"/f1"_s, u"/f2"_s, u"/f3"_s, u"/f4"_s});
+        for (qsizetype i = 0; i < items.size(); ++i)
+            items.edit(i).layers[0].text.clear();
+        const TextSheet sheet = readTextSheet("archivo;titulo;cta\n" + rows);
+        EXPECT_EQ(told(applyTextSheet(items, sheet)), problems) << rows.constData();
+        return titlesOf(items).join(u'|');
+    };
+    const QString quotes = u"%1 comillas mal puestas"_s;
+    EXPECT_EQ(read("f1;\"sin cerrar;x\nf2;Dos;y\nf3;Tres;\nf4;4;", {quotes.arg(2)}),
+              u"|Dos|Tres|4"_s);
+    EXPECT_EQ(
+        read("f1;\"sin cerrar;x\nf2;Dos;y\nf3;Tres;\"\nf4;4;", {quotes.arg(2), quotes.arg(4)}),
+        u"|Dos||4"_s)
+        << "it ends where another is missing";
+    EXPECT_EQ(read("f1;\"sin cerrar;x\nf2;\";\";y\nf3;\"Tres\";\n", {quotes.arg(2)}),
+              u"|;|Tres|"_s);
+    EXPECT_EQ(read("f1;\"dos\nlíneas\"\nf2;Dos;\nf3;\"3\n;;\";\n", {u"2 faltan columnas"_s}),
+              u"|Dos|3\n;;|"_s)
+        << "line breaks that are meant are no rows";
+}
+
 TEST(TextSheet, readsWhatSpreadsheetProgramsWrite)
 {
     const QByteArray written[] = {
@@ -149,7 +188,10 @@ TEST(TextSheet, readsWhatSpreadsheetProgramsWrite)
         "texto_publicacion,titulo,parrafo,archivo\n\"Hola; \"\"tú\"\"\",\"Uno\nDos\", con aire ,f",
         // With lone CR, as some write on another system, also inside a cell.
         " titulo ;archivo;párrafo;texto_publicacion\r\"Uno\rDos\";f.jpg; con aire ;\"Hola; "
-        "\"\"tú\"\"\"\r"};
+        "\"\"tú\"\"\"\r",
+        // With what people leave in: empty rows, the separator's name, blanks.
+        "\n;;\nSep=,\n\narchivo,titulo,parrafo,texto_publicacion,;;;;;\n , ,\t\n"
+        "  f.jpg ,\t\"Uno\nDos\" , con aire , \"Hola; \"\"tú\"\"\" ,\n"};
     for (const QByteArray& sheet : written) {
         PublicationItems items = itemsOf({u"/f.jpg"_s});
         items.edit(0).layers[0].isVisible = false;
@@ -180,7 +222,7 @@ TEST(TextSheet, saysWhyNothingOfAFileCanBeRead)
         {"archivo;parrafo;tagline\n", u"la columna «parrafo» está dos veces"_s},
         {"archivo;\"titulo\n", u"la primera fila tiene comillas mal puestas"_s},
         {"archivo,titulo" + QByteArray(20'000, ','), u"tiene más de 16384 columnas"_s},
-        {"archivo,titulo\n" + QByteArray("x\n").repeated(100'001), u"tiene más de 100000 filas"_s},
+        {"archivo,titulo\n" + QByteArray("x\n").repeated(20'001), u"tiene más de 20000 filas"_s},
     };
     for (const auto& [bytes, error] : unreadable)
         EXPECT_EQ(readTextSheet(bytes).error, error) << bytes.left(40).constData();
@@ -195,12 +237,16 @@ TEST(TextSheet, rowsOfOneNameAreForAsManyImagesInOrder)
         EXPECT_EQ(told(applyTextSheet(items, sheet)), problems);
         return titlesOf(items);
     };
-    const QString before = GeneratedCopy::placeholder().title;
     EXPECT_EQ(filled("f;1\n", {}), (QStringList{u"1"_s, u"1"_s, u"1"_s}));
     EXPECT_EQ(filled("f.jpg;1\nf.jpg;2\n", {}), (QStringList{u"1"_s, u"2"_s, u"2"_s}));
     EXPECT_EQ(filled("f;1\nf;2\nf;3\nf;4\n", {u"5 repite una imagen"_s}),
               (QStringList{u"1"_s, u"2"_s, u"3"_s}));
     EXPECT_EQ(filled("f;\a\nf;2\n", {u"2 tiene caracteres de control"_s}),
-              (QStringList{before, u"2"_s, u"2"_s}))
-        << "a wrong row has its image all the same";
+              (QStringList{u"2"_s, u"2"_s, u"2"_s}))
+        << "a wrong row has no image";
+    EXPECT_EQ(filled("f.jpg;1\nf;2\n", {u"3 repite una imagen"_s}),
+              (QStringList{u"1"_s, u"1"_s, u"1"_s}));
+    EXPECT_EQ(filled("f.jpg;1\nf;2\nf.jpg;3\n", {u"4 repite una imagen"_s}),
+              (QStringList{u"1"_s, u"2"_s, u"2"_s}))
+        << "another spelling fills what is left";
 }
