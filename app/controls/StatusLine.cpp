@@ -254,7 +254,8 @@ bool StatusLine::event(QEvent* event)
     if (event->type() != QEvent::ToolTip)
         return QWidget::event(event);
     const auto* help = static_cast<QHelpEvent*>(event);
-    if (m_status.sentence.isEmpty() || !sentenceRect().contains(help->pos())) {
+    const bool isCut = textWidth(Type::small, m_status.sentence) > sentenceRect().width();
+    if (!isCut || !sentenceRect().contains(help->pos())) {
         QToolTip::hideText();
     } else {
         // As rich text, which alone is broken into lines: a sentence may be longer than the screen.
