@@ -504,7 +504,8 @@ void MainWindow::showColumn(Command command, bool visible)
 
 void MainWindow::showTab(SideTab tab)
 {
-    showColumn(Command::sidePanel, true);
+    if (m_shell->sidePanel()->isHidden())
+        showColumn(Command::sidePanel, true);
     m_shell->sidePanel()->setTab(tab);
 }
 

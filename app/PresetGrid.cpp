@@ -76,6 +76,7 @@ void PresetGrid::setPresets(const QList<Preset>& presets)
 void PresetGrid::setRefusal(const QString& reason)
 {
     m_refusal = reason;
+    setAccessibleDescription(reason);
     for (PresetTile* tile : std::as_const(m_tiles))
         tile->setRefusal(reason);
 }
@@ -86,8 +87,7 @@ PresetTile* PresetGrid::newTile()
     tile->show();
     connect(tile, &PresetTile::clicked, this, [this, tile] {
         leave();
-        if (m_refusal.isEmpty())
-            Q_EMIT chosen(tile->preset().id);
+        Q_EMIT chosen(tile->preset().id);    // also refused: who listens says why
     });
     connect(tile, &PresetTile::pointedAt, this, [this, tile] { rest(tile->preset().id); });
     // From one to the next the preview stays until that of the next comes.
@@ -134,8 +134,13 @@ void PresetGrid::outdatePictures()
 void PresetGrid::rename(QUuid id)
 {
     const PresetTile* shown = tile(id);
-    if (!shown || m_name)
+    if (!shown || m_owner == PresetOwner::program)
         return;
+    if (m_name) {
+        m_name->clearFocus();    // what was typed counts
+        endRename(RenameEnd::kept);
+    }
+    m_focusBefore = QApplication::focusWidget();
     m_renamed = id;
     m_name = new LineField(u"Nombre"_s, {}, Icon::none, this);
     m_name->setShown(shown->preset().name);
@@ -144,9 +149,11 @@ void PresetGrid::rename(QUuid id)
     connect(m_name, &LineField::edited, this,
             [this](const QString& name) { Q_EMIT renamed(m_renamed, name); });
     connect(m_name, &LineField::abandoned, this, [this] { endRename(RenameEnd::abandoned); });
-    connect(
-        m_name, &LineField::editingFinished, this, [this] { endRename(RenameEnd::kept); },
-        Qt::QueuedConnection);
+    const auto finish = [this, name = m_name] {
+        if (name == m_name)
+            endRename(RenameEnd::kept);
+    };
+    connect(m_name, &LineField::editingFinished, this, finish, Qt::QueuedConnection);
     m_name->show();
     m_name->setFocus(Qt::OtherFocusReason);
     m_name->selectAll();
@@ -174,8 +181,9 @@ void PresetGrid::endRename(RenameEnd end)
     name->hide();
     name->deleteLater();
     // By Enter or Esc the focus belongs to nobody; pressed elsewhere, to what was pressed.
-    if (std::exchange(m_isRenamedByKey, false) && !QApplication::focusWidget())
-        setFocus(Qt::ShortcutFocusReason);
+    if (m_focusBefore && !QApplication::focusWidget())
+        m_focusBefore->setFocus(m_focusBefore == this ? Qt::ShortcutFocusReason
+                                                      : Qt::OtherFocusReason);
     Q_EMIT renameEnded(id, end);
 }
 
@@ -257,7 +265,7 @@ void PresetGrid::tellMarked()
 
 void PresetGrid::keyPressEvent(QKeyEvent* event)
 {
-    if (m_tiles.isEmpty())
+    if (m_tiles.isEmpty() || m_name)
         return event->ignore();
     const QUuid id = m_presets[m_marked].id;
     switch (event->key()) {
@@ -278,7 +286,6 @@ void PresetGrid::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Space:
         return m_tiles[m_marked]->click();
     case Qt::Key_F2:
-        m_isRenamedByKey = true;
         return rename(id);
     case Qt::Key_Delete:
     case Qt::Key_Backspace:

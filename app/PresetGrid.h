@@ -1,6 +1,7 @@
 #pragma once
 #include "app/PresetTile.h"
 
+#include <QPointer>
 #include <QTimer>
 
 class LineField;
@@ -72,7 +73,7 @@ private:
     QString m_refusal;
     LineField* m_name = nullptr;    // while one is renamed
     QUuid m_renamed;
-    bool m_isRenamedByKey = false;
+    QPointer<QWidget> m_focusBefore;    // a name took it
     QTimer m_resting;
     QUuid m_restedOn, m_previewed;
 };

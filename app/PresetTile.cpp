@@ -131,10 +131,16 @@ double PresetTile::captionRoom() const
 void PresetTile::showMenu()
 {
     const QPoint below = m_more ? m_more->geometry().bottomLeft() : pictureRect().center();
-    Q_EMIT menuRequested(mapToGlobal(below));
+    askForMenu(mapToGlobal(below));
+}
+
+void PresetTile::askForMenu(QPoint globalPosition)
+{
+    Q_EMIT menuRequested(globalPosition);
     if (QWidget* menu = m_more ? QApplication::activePopupWidget() : nullptr) {
         connect(menu, &QObject::destroyed, m_more, &Control::lookForPointer);
         connect(menu, &QObject::destroyed, this, &PresetTile::showMore);
+        connect(menu, &QObject::destroyed, this, &Control::lookForPointer);
     }
 }
 
@@ -164,7 +170,7 @@ void PresetTile::keyPressEvent(QKeyEvent* event)
 
 void PresetTile::contextMenuEvent(QContextMenuEvent* event)
 {
-    Q_EMIT menuRequested(event->globalPos());
+    askForMenu(event->globalPos());
 }
 
 void PresetTile::paintEvent(QPaintEvent*)

@@ -50,6 +50,7 @@ protected:
 
 private:
     QRect pictureRect() const;
+    void askForMenu(QPoint globalPosition);
     void showMore();
     bool hasTick() const;
     double captionRoom() const;

@@ -87,12 +87,11 @@ void SlotCard::open()
     m_editor->setFocus(Qt::OtherFocusReason);
 }
 
-// The card that is worked on tells its warning. Nothing moves under a pressed mouse: a click would
+// The card that is typed in tells its warning. Nothing moves under a pressed mouse: a click would
 // become a selection of text, and a slider slip away.
 void SlotCard::tellOrNot()
 {
-    const bool tells =
-        !m_warnings.isEmpty() && (m_editing || (m_visible && m_mark == CardMark::selected));
+    const bool tells = !m_warnings.isEmpty() && m_editing;
     if (tells == m_tellsWarning)
         m_tellLater.stop();
     else if (QGuiApplication::mouseButtons() != Qt::NoButton)

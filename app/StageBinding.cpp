@@ -59,11 +59,18 @@ void StageBinding::connectCanvas()
     CanvasInteraction& gestures = canvas()->interaction();
     gestures.onPrevious = [this] { m_session.previousItem(); };
     gestures.onNext = [this] { m_session.nextItem(); };
-    gestures.onEditingBegan = [this] { m_session.beginCanvasHistoryEdit(); };
+    gestures.onEditingBegan = [this] {
+        if (!m_preview)
+            m_session.beginCanvasHistoryEdit();
+    };
     gestures.onEditingEnded = [this] {
         m_session.endCanvasHistoryEdit(canvas()->interaction().movedLayer());
     };
-    gestures.onCommit = [this](const PublicationItem& item) { m_session.commitCanvasItem(item); };
+    gestures.onCommit = [this](const PublicationItem& item) {
+        if (m_preview)
+            return preview(std::nullopt);    // what is only looked at is not edited
+        m_session.commitCanvasItem(item);
+    };
     gestures.onSelect = [this](QUuid layer) {
         m_session.selectLayer(layer);
         Q_EMIT layerChosen(layer);

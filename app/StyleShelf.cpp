@@ -56,6 +56,7 @@ void StyleShelf::setStyles(const QList<Preset>& styles, const QString& refusal,
     setRefused(m_save, refusal);
     // With no tile left there is no menu to call it back from.
     m_callBack->setText(u"Recuperar «%1»"_s.arg(recoverable));
+    m_callBack->setShortcut({});    // an ampersand in a name is no key
     m_callBack->setAccessibleName(m_callBack->text());
     m_callBack->setVisible(styles.isEmpty() && !recoverable.isEmpty());
 }

@@ -61,6 +61,8 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, SidePanel* panel,
     connect(m_files, &TemplateFiles::imported, this,
             [this](const QString& name, SocialFormat format) {
                 m_panel->setTab(SideTab::templates);
+                if (!m_saved.isStored())
+                    return;    // which was told
                 const QString where = format == m_session.batch().format
                                           ? QString()
                                           : u" La verás en el formato %1."_s.arg(rawValue(format));
@@ -86,11 +88,11 @@ void TemplatesBinding::connectTemplates()
     connect(panel->own(), &PresetGrid::renamed, this,
             [this](QUuid id, const QString& name) { m_saved.renameTemplate(id, name); });
     connect(panel->own(), &PresetGrid::renameEnded, this, [this](QUuid id, RenameEnd end) {
-        const bool isNew = std::exchange(m_new, QUuid()) == id;
+        const bool isNew = wasNew(id);
         if (isNew && end == RenameEnd::abandoned) {
             Q_EMIT told(u"Plantilla descartada."_s, StatusTone::info);
             m_saved.removeTemplate(id);
-        } else if (isNew || end == RenameEnd::kept) {
+        } else if ((isNew || end == RenameEnd::kept) && m_saved.isStored()) {
             Q_EMIT told(u"Plantilla «%1» guardada."_s.arg(nameOf(id)), StatusTone::done);
         }
     });
@@ -145,20 +147,20 @@ void TemplatesBinding::connectStyles()
     });
     connect(shelf->grid(), &PresetGrid::renamed, &m_saved, &SavedTemplates::renameStyle);
     connect(shelf->grid(), &PresetGrid::renameEnded, this, [this](QUuid id, RenameEnd end) {
-        const bool isNew = std::exchange(m_new, QUuid()) == id;
+        const bool isNew = wasNew(id);
         const DesignTemplate* style = m_saved.styles().find(id);
         if (!style)
             return;
         if (isNew && end == RenameEnd::abandoned) {
             Q_EMIT told(u"Estilo descartado."_s, StatusTone::info);
             m_saved.removeStyle(id);
-        } else if (isNew || end == RenameEnd::kept) {
+        } else if ((isNew || end == RenameEnd::kept) && m_saved.isStored()) {
             Q_EMIT told(u"Estilo «%1» guardado."_s.arg(style->name), StatusTone::done);
         }
     });
     connect(shelf->grid(), &PresetGrid::chosen, this, [this](QUuid id) {
         const DesignTemplate* style = m_saved.styles().find(id);
-        if (style && !isImporting())
+        if (style && !refusesWhileImporting())
             m_session.applyStyle(*style);
     });
     connect(shelf->grid(), &PresetGrid::pictureWanted, this, &TemplatesBinding::drawStyle);
@@ -270,17 +272,26 @@ QString TemplatesBinding::nameOf(QUuid id)
     return design ? design->name : QString();
 }
 
+bool TemplatesBinding::wasNew(QUuid id)
+{
+    if (m_new != id)
+        return false;
+    m_new = {};
+    return true;
+}
+
 // What is being imported takes the place of all that would be changed.
-bool TemplatesBinding::isImporting()
+bool TemplatesBinding::refusesWhileImporting()
 {
     if (m_session.isImporting())
-        Q_EMIT told(u"Espera a que termine la importación."_s, StatusTone::info);
+        m_session.setStatus(u"Espera a que termine la importación de imágenes."_s,
+                            StatusTone::problem);
     return m_session.isImporting();
 }
 
 void TemplatesBinding::apply(QUuid id)
 {
-    if (const TemplateApplication design = application(id); design && !isImporting())
+    if (const TemplateApplication design = application(id); design && !refusesWhileImporting())
         m_session.applyTemplate(nameOf(id), design);
 }
 

@@ -49,7 +49,8 @@ private:
     std::optional<JSONVisualTemplateDefinition> packaged(QUuid id);
     QString nameOf(QUuid id);
     TemplateApplication application(QUuid id);    // none for an unknown id
-    bool isImporting();
+    bool wasNew(QUuid id);
+    bool refusesWhileImporting();    // and says so
     void apply(QUuid id);
     void preview(QUuid id);
     void drawTemplate(PresetGrid* grid, QUuid id);

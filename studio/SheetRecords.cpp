@@ -111,12 +111,14 @@ SheetRecords::Reading SheetRecords::read(qsizetype from, qsizetype until)
     return {m_record, nextLine(cellLine)};
 }
 
-// Whether one of the lines looks like a row of its own.
-bool SheetRecords::holdsRow(qsizetype from, qsizetype until)
+// Whether one of the lines looks like a row of its own: one with quotes of its own at odds does
+// only where those of `record` are at odds too.
+bool SheetRecords::holdsRow(qsizetype from, qsizetype until, const SheetRecord& record)
 {
     for (qsizetype line = from; line < until; line = nextLine(line)) {
-        const SheetRecord record = read(line, nextLine(line)).record;
-        if (!record.isNarrowerThan(m_columns - (record.isWhole ? 0 : 1)))
+        const SheetRecord row = read(line, nextLine(line)).record;
+        if ((row.isWhole || !record.isWhole) &&
+            !row.isNarrowerThan(m_columns - (row.isWhole ? 0 : 1)))
             return true;
     }
     return false;
@@ -131,7 +133,7 @@ std::optional<SheetRecord> SheetRecords::next()
         !record.isWhole || record.isNarrowerThan(m_columns) || record.isWiderThan(m_columns);
     // A quote that was not closed where it should be ends at one of another row.
     const qsizetype second = nextLine(m_at);
-    if (m_columns > 0 && isWrong && holdsRow(second, end)) {
+    if (m_columns > 0 && isWrong && holdsRow(second, end, record)) {
         record.isWhole = false;
         end = second;
     }

@@ -44,7 +44,7 @@ private:
     // Where the line after the one at `line` begins.
     qsizetype nextLine(qsizetype line) const { return m_text.indexOf('\n', line) + 1; }
     Reading read(qsizetype from, qsizetype until);
-    bool holdsRow(qsizetype from, qsizetype until);
+    bool holdsRow(qsizetype from, qsizetype until, const SheetRecord& record);
     void addCell(QByteArrayView cell);
 
     csv_parser m_parser{};

@@ -141,7 +141,7 @@ Header headerOf(const SheetRecord& record)
         header.columns.append(column);
     }
     // Spreadsheets write empty cells up to the widest row.
-    while (header.columns.size() > 1 && record.cells[header.columns.size() - 1].isEmpty())
+    while (header.columns.size() > 1 && record.cells[header.columns.size() - 1].trimmed().isEmpty())
         header.columns.removeLast();
 
     const auto file = std::optional(SheetColumn::file);

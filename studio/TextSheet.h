@@ -97,5 +97,6 @@ std::optional<QString> textOf(const PublicationItem& item, SheetColumn column);
 // Writes the texts into the layers of their slots, visible or not.
 void fillTexts(PublicationItem& item, const SheetRow& row);
 
-// The sheet of these items. Reading and applying it changes nothing.
+// The sheet of these items. Reading and applying it changes nothing but line ends and control
+// characters.
 QByteArray textSheetOf(const PublicationItems& items);

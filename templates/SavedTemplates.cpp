@@ -121,17 +121,17 @@ void SavedTemplates::callBackStyle()
 
 void SavedTemplates::storeTemplates()
 {
-    const bool isStored = VisualTemplateStore::save(m_preferences, m_templates.entries());
+    m_isStored = VisualTemplateStore::save(m_preferences, m_templates.entries());
     Q_EMIT templatesChanged();
-    if (!isStored)
+    if (!m_isStored)
         Q_EMIT storingFailed();
 }
 
 void SavedTemplates::storeStyles()
 {
-    const bool isStored = DesignTemplateStore::save(m_preferences, m_styles.entries());
+    m_isStored = DesignTemplateStore::save(m_preferences, m_styles.entries());
     Q_EMIT stylesChanged();
-    if (!isStored)
+    if (!m_isStored)
         Q_EMIT storingFailed();
 }
 

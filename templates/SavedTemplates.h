@@ -23,6 +23,7 @@ public:
 
     const NamedList<VisualTemplate>& templates() const { return m_templates; }
     const NamedList<DesignTemplate>& styles() const { return m_styles; }
+    bool isStored() const { return m_isStored; }    // the last change is
 
     // The arrangement of an item, under a name of ours. Its preview follows in a moment.
     QUuid saveTemplate(const PublicationItem& item, SocialFormat format);
@@ -56,4 +57,5 @@ private:
     std::shared_ptr<PhotoCache> m_photos;
     NamedList<VisualTemplate> m_templates;
     NamedList<DesignTemplate> m_styles;
+    bool m_isStored = true;
 };

@@ -17,6 +17,7 @@
 
 #include <QApplication>
 #include <QTemporaryDir>
+#include <QWheelEvent>
 
 #include <QtTest/QTest>
 #include <gtest/gtest.h>
@@ -91,6 +92,19 @@ TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
     EXPECT_EQ(onCanvas(), shown);
     EXPECT_EQ(session.canUndo(), couldUndo);
 
+    // By the keyboard it stays while the wheel turns over the canvas: that edits nothing.
+    window.activateWindow();
+    packaged()->setFocus(Qt::TabFocusReason);
+    QTest::qWait(400);
+    QWidget* canvas = window.shell()->stage()->canvas();
+    const QPointF middle = canvas->rect().center();
+    QWheelEvent wheel(middle, canvas->mapToGlobal(middle), {}, {0, 120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(canvas, &wheel);
+    QTest::qWait(50);
+    EXPECT_EQ(session.batch(), before);
+    canvas->setFocus();
+
     session.selectAll();
     session.setText(CopySlot::title, u"Solo en esta"_s);
     hover(tile, QEvent::HoverEnter);
@@ -125,8 +139,17 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     EXPECT_EQ(own()->presets().first().name, u"Rutas de otono"_s);
     EXPECT_TRUE(own()->presets().first().chosen);
 
+    // A second one while the first is named: what was typed is that of the first.
     window.templates().saveTemplate();
+    QTest::keyClicks(QApplication::focusWidget(), u"Primera"_s);
+    window.templates().saveTemplate();
+    QTest::qWait(1);
+    EXPECT_EQ(own()->presets()[1].name, u"Primera"_s);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);    // on second thoughts
+    QTest::qWait(1);
+    saved().removeTemplate(own()->presets().first().id);
+    window.templates().saveTemplate();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     QTest::qWait(1);
     EXPECT_EQ(saved().templates().entries().size(), 1);
 
@@ -243,5 +266,8 @@ TEST_F(TemplatesTest, AFailedStoreIsTheLastWord)
     QObject::connect(&templates, &TemplatesBinding::told, &templates,
                      [&](const QString& sentence) { told = sentence; });
     templates.saveTemplate();
+    if (QWidget* name = QApplication::focusWidget())
+        QTest::keyClick(name, Qt::Key_Return);
+    QTest::qWait(1);
     EXPECT_TRUE(told.startsWith(u"No se pudieron guardar tus plantillas."_s)) << told.toStdString();
 }

@@ -175,6 +175,9 @@ TEST(TextSheet, aQuoteThatIsNotClosedSpoilsNoOtherRow)
     EXPECT_EQ(read("f1;\"dos\nlíneas\"\nf2;Dos;\nf3;\"3\n;;\";\n", {u"2 faltan columnas"_s}),
               u"|Dos|3\n;;|"_s)
         << "line breaks that are meant are no rows";
+    EXPECT_EQ(read("f1;\"Uno\nDos; tres; cuatro\"\nf2;Dos;y\n", {u"2 faltan columnas"_s}),
+              u"|Dos||"_s)
+        << "nor are they with separators";
 }
 
 TEST(TextSheet, readsWhatSpreadsheetProgramsWrite)
