@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 using namespace ExportCanvasRenderer;
 
@@ -22,15 +24,16 @@ double fittedSlowly(const TextLayer& layer, QSizeF area, double s)
     const double shares[4][2] = {{0.42, 0.13}, {0.34, 0.075}, {0.42, 0.08}, {0.42, 0.085}};
     const auto& share = shares[int(layer.slot)];
     const double base = std::min(area.height() * share[0], area.width() * share[1]);
-    double size = clamp(base * layer.fontScale, 8 * s, 128 * s);
-    const double start = size;
-    for (int k = 0; size > 8 * s; size = start - ++k * std::max(1.0, s)) {
+    const double start = clamp(base * layer.fontScale, 8 * s, 128 * s);
+    for (int k = 0;; ++k) {
+        const double size = start - k * std::max(1.0, s);
+        if (!(size > 8 * s))
+            return 8 * s;
         const QSizeF measured =
             TextLayoutMetrics::measuredSize(styledText(layer, size), area.width());
         if (measured.width() <= area.width() + 0.5 && measured.height() <= area.height() + 0.5)
             return size;
     }
-    return 8 * s;
 }
 
 }    // namespace
@@ -128,7 +131,8 @@ TEST(TextLayoutMetrics, tallTextStartsAtTheTopOfItsBox)
 TEST(TextLayoutMetrics, linesDependOnProportionsAlone)
 {
     const QString text = u"Casas rurales con chimenea, a un paso del sendero y de la sierra"_s;
-    for (double size = 9; size < 120; size *= 1.07) {
+    for (int step = 0; step < 39; ++step) {
+        const double size = 9 * std::pow(1.07, step);
         const StyledText small = styledText(layerOf(CopySlot::subtitle, text), size);
         const StyledText twice = styledText(layerOf(CopySlot::subtitle, text), 2 * size);
         const LaidOutText one(small, 7 * size), two(twice, 14 * size);
