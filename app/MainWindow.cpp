@@ -3,8 +3,8 @@
 #include "app/BatchBinding.h"
 #include "app/BatchColumn.h"
 #include "app/ComposeBar.h"
-#include "app/DropVeil.h"
 #include "app/EmptyState.h"
+#include "app/FileIntake.h"
 #include "app/Icons.h"
 #include "app/PanelBinding.h"
 #include "app/PresetGrid.h"
@@ -29,13 +29,10 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
-#include <QFileInfo>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMimeData>
 #include <QScreen>
-#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -44,8 +41,6 @@ namespace {
 const QString themeKey = u"moltiva.theme"_s;
 const QString batchWidthKey = u"moltiva.batchColumnWidth"_s;
 const QString geometryKey = u"moltiva.windowGeometry"_s;
-const QString folderKey = u"moltiva.importFolder"_s;
-constexpr int moreMayCome = 1000;    // ms
 constexpr int narrowWindow = 1280;
 const QString panelWidthKey = u"moltiva.sidePanelWidth"_s;
 const QString batchHiddenKey = u"moltiva.batchColumnHidden"_s;
@@ -62,45 +57,6 @@ QList<FormatChoice> formatChoices()
                         format.exportSize.toSize()});
     }
     return choices;
-}
-
-// What a file chooser shows; every file can be chosen, because what it holds decides.
-QString imageFilter()
-{
-    QStringList patterns;
-    for (const QString& extension : {u"jpg"_s, u"jpeg"_s, u"png"_s, u"heic"_s, u"heif"_s, u"tif"_s,
-                                     u"tiff"_s, u"webp"_s, u"bmp"_s, u"gif"_s}) {
-        patterns.append(u"*."_s + extension);
-        patterns.append(u"*."_s + extension.toUpper());
-    }
-    return u"Imágenes (%1);;Todos los archivos (*)"_s.arg(patterns.join(u' '));
-}
-
-bool isTextSheet(const QList<QUrl>& files)
-{
-    if (files.size() != 1)
-        return false;
-    const QFileInfo file(files.first().toLocalFile());
-    return file.isFile() && file.suffix().compare(u"csv"_s, Qt::CaseInsensitive) == 0;
-}
-
-QList<QUrl> localFiles(const QMimeData* data)
-{
-    QList<QUrl> files = data->urls();
-    files.removeIf([](const QUrl& url) { return !url.isLocalFile(); });
-    return files;
-}
-
-DropOffer offerOf(const QList<QUrl>& files, const StudioSession& session)
-{
-    DropOffer offer{.images = int(files.size())};
-    offer.replaces = !session.batch().items.isEmpty();
-    offer.texts = isTextSheet(files);
-    if (offer.texts)
-        offer.refusal = refusalOfTexts(session);
-    offer.folder = std::ranges::any_of(
-        files, [](const QUrl& url) { return QFileInfo(url.toLocalFile()).isDir(); });
-    return offer;
 }
 
 StatusKind kindOf(StatusTone tone)
@@ -128,20 +84,13 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
                                              *m_batch)),
       m_templates(
           std::make_unique<TemplatesBinding>(session, m_shell->sidePanel(), photos, preferences)),
-      m_menu(new StudioMenu(this))
+      m_files(new FileIntake(session, preferences, this)), m_menu(new StudioMenu(this))
 {
     setWindowTitle(u"Moltiva"_s);
     setAcceptDrops(true);
     setMinimumSize(1200, 720);
     // Less than the screen where that is small, with room for the frame that the system adds.
     resize(QSize(1440, 900).boundedTo(screen()->availableSize() - QSize(0, 40)));
-    m_givenLately.setSingleShot(true);
-    connect(&m_givenLately, &QTimer::timeout, this, [this] {
-        if (m_session.isImporting())
-            m_givenLately.start(moreMayCome);
-        else
-            m_given.clear();
-    });
     connectPanels();
     connectSession();
     restorePreferences();
@@ -253,9 +202,6 @@ void MainWindow::restorePreferences()
     showColumn(Command::sidePanel, m_preferences.value(panelHiddenKey) != yes);
     if (const auto geometry = m_preferences.value(geometryKey))
         restoreGeometry(*geometry);
-    m_lastFolder = QString::fromUtf8(m_preferences.value(folderKey).value_or(QByteArray()));
-    if (!QFileInfo(m_lastFolder).isDir())
-        m_lastFolder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -268,45 +214,6 @@ void MainWindow::closeEvent(QCloseEvent* event)
     QWidget::closeEvent(event);
 }
 
-void MainWindow::choose(const QString& title, QFileDialog::FileMode mode)
-{
-    auto* dialog = new QFileDialog(this, title, m_lastFolder, imageFilter());
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setFileMode(mode);
-    // The signals that carry the choice differ between the systems' dialogs and the toolkit's own.
-    connect(dialog, &QFileDialog::accepted, this, [this, dialog] { load(dialog->selectedUrls()); });
-    dialog->open();
-}
-
-void MainWindow::chooseTexts(QFileDialog::AcceptMode mode)
-{
-    const bool isSaving = mode == QFileDialog::AcceptSave;
-    auto* dialog = new QFileDialog(this, isSaving ? u"Exportar textos"_s : u"Importar textos"_s,
-                                   m_lastFolder, u"Textos (*.csv *.CSV);;Todos los archivos (*)"_s);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setAcceptMode(mode);
-    dialog->setFileMode(isSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    if (isSaving) {
-        dialog->setDefaultSuffix(u"csv"_s);
-        dialog->selectFile(u"textos.csv"_s);
-    }
-    connect(dialog, &QFileDialog::accepted, this, [this, dialog, isSaving] {
-        const QString path = dialog->selectedFiles().value(0);
-        rememberFolder(QFileInfo(path).absolutePath());
-        if (isSaving)
-            exportTexts(&m_session, path);
-        else
-            importTexts(&m_session, path);
-    });
-    dialog->open();
-}
-
-void MainWindow::rememberFolder(const QString& folder)
-{
-    m_lastFolder = folder;
-    m_preferences.setValue(folderKey, folder.toUtf8());
-}
-
 void MainWindow::open(const QList<QUrl>& addresses)
 {
     QList<QUrl> files = addresses;
@@ -315,12 +222,7 @@ void MainWindow::open(const QList<QUrl>& addresses)
         m_shell->statusLine()->setStatus(
             {StatusKind::warning, u"Moltiva no reconoce el enlace que se ha abierto."_s});
     }
-    if (files.isEmpty())
-        return;
-    const QList<QUrl> all = m_given + files;
-    load(all);
-    m_given = all;
-    m_givenLately.start(moreMayCome);
+    m_files->open(files);
 }
 
 void MainWindow::comeForward()
@@ -329,16 +231,6 @@ void MainWindow::comeForward()
     show();
     raise();
     activateWindow();
-}
-
-void MainWindow::load(const QList<QUrl>& filesAndFolders)
-{
-    if (filesAndFolders.isEmpty())
-        return;
-    m_given.clear();
-    const QFileInfo first(filesAndFolders.first().toLocalFile());
-    rememberFolder(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
-    m_session.load(filesAndFolders);
 }
 
 void MainWindow::run(Command command)
@@ -352,17 +244,17 @@ void MainWindow::run(Command command)
         endEdits();
     switch (command) {
     case Command::importImages:
-        return choose(u"Importar imágenes"_s, QFileDialog::ExistingFiles);
+        return m_files->choosePhotos();
     case Command::importFolder:
-        return choose(u"Importar carpeta"_s, QFileDialog::Directory);
+        return m_files->chooseFolder();
     case Command::stopImport:
         return m_session.stopImport();
     case Command::importTexts:
         if (const QString refusal = refusalOfTexts(m_session); !refusal.isEmpty())
             return m_session.setStatus(refusal, StatusTone::problem);
-        return chooseTexts(QFileDialog::AcceptOpen);
+        return m_files->chooseTexts(QFileDialog::AcceptOpen);
     case Command::exportTexts:
-        return chooseTexts(QFileDialog::AcceptSave);
+        return m_files->chooseTexts(QFileDialog::AcceptSave);
     case Command::restoreAside:
         return m_session.restoreWorkspaceAside();
     case Command::saveTemplate:
@@ -609,10 +501,10 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    const QList<QUrl> files = localFiles(event->mimeData());
+    const QList<QUrl> files = FileIntake::localFiles(event->mimeData());
     if (files.isEmpty())
         return;
-    m_shell->dropVeil()->offer(offerOf(files, m_session));
+    m_shell->dropVeil()->offer(m_files->offerOf(files));
     event->acceptProposedAction();
 }
 
@@ -625,11 +517,7 @@ void MainWindow::dropEvent(QDropEvent* event)
 {
     m_shell->dropVeil()->hide();
     event->acceptProposedAction();
-    const QList<QUrl> files = localFiles(event->mimeData());
-    if (isTextSheet(files))
-        importTexts(&m_session, files.first().toLocalFile());
-    else
-        load(files);
+    m_files->drop(FileIntake::localFiles(event->mimeData()));
 }
 
 void MainWindow::showBatch()

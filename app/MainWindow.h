@@ -1,14 +1,13 @@
 #pragma once
 
-#include <QFileDialog>
 #include <QList>
-#include <QTimer>
 #include <QUrl>
 #include <QWidget>
 
 #include <memory>
 
 class BatchBinding;
+class FileIntake;
 class PanelBinding;
 class PhotoCache;
 class PreferencesStore;
@@ -53,10 +52,6 @@ private:
     void connectPanels();
     void connectSession();
     void restorePreferences();
-    void choose(const QString& title, QFileDialog::FileMode mode);
-    void chooseTexts(QFileDialog::AcceptMode mode);
-    void rememberFolder(const QString& folder);
-    void load(const QList<QUrl>& filesAndFolders);
 
     void run(Command command);
     void step(int images);
@@ -85,8 +80,6 @@ private:
     std::unique_ptr<StageBinding> m_stage;
     std::unique_ptr<PanelBinding> m_panel;
     std::unique_ptr<TemplatesBinding> m_templates;
+    FileIntake* m_files;
     StudioMenu* m_menu;
-    QString m_lastFolder;
-    QList<QUrl> m_given;    // from outside, of which more may come
-    QTimer m_givenLately;
 };
