@@ -157,6 +157,7 @@ void PresetGrid::rename(QUuid id)
     m_name->show();
     m_name->setFocus(Qt::OtherFocusReason);
     m_name->selectAll();
+    bringIntoView(id);
 }
 
 // Over the caption, and beyond it where the tile is narrow.
@@ -231,14 +232,17 @@ void PresetGrid::mark(int index)
     tile->setMark(PresetTile::Mark::keyboard);
     tellMarked();
     rest(tile->preset().id);
-    // After the scroll area has brought the grid into view as a whole.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            if (m_marked < m_tiles.size())
-                Q_EMIT visibleAreaWanted(m_tiles[m_marked]);
-        },
-        Qt::QueuedConnection);
+    bringIntoView(tile->preset().id);
+}
+
+// Once all has its place, and after a scroll area has brought the grid into view as a whole.
+void PresetGrid::bringIntoView(QUuid id)
+{
+    const auto bring = [this, id] {
+        if (PresetTile* shown = tile(id))
+            Q_EMIT visibleAreaWanted(shown);
+    };
+    QMetaObject::invokeMethod(this, bring, Qt::QueuedConnection);
 }
 
 void PresetGrid::unmark()

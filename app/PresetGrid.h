@@ -42,7 +42,7 @@ Q_SIGNALS:
     void renamed(QUuid id, const QString& name);
     void renameEnded(QUuid id, RenameEnd end);
     void removeRequested(QUuid id);
-    void visibleAreaWanted(QWidget* tile);    // the keyboard is on it
+    void visibleAreaWanted(QWidget* tile);    // the keyboard is on it, or its name is typed
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -61,6 +61,7 @@ private:
     void endRename(RenameEnd end);
     void mark(int index);
     void unmark();
+    void bringIntoView(QUuid id);
     void tellMarked();
 
     QString m_title;

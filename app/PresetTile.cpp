@@ -71,11 +71,12 @@ QSize PresetTile::picturePixels() const
 
 void PresetTile::setPicture(const QImage& picture)
 {
+    // What cannot be drawn leaves what is there, and is not asked for again before it changes.
+    if (picture.isNull())
+        return;
     m_isAwaited = false;
     m_isOutdated = false;
-    // What cannot be drawn leaves what is there.
-    if (!picture.isNull())
-        m_picture = picture;
+    m_picture = picture;
     update();
 }
 

@@ -64,14 +64,6 @@ void StyleShelf::setStyles(const QList<Preset>& styles, const QString& refusal,
 void StyleShelf::rename(QUuid id)
 {
     m_grid->rename(id);
-    // Once it has its place.
-    QMetaObject::invokeMethod(
-        this,
-        [this, id] {
-            if (PresetTile* tile = m_grid->tile(id))
-                Q_EMIT visibleAreaWanted(tile);
-        },
-        Qt::QueuedConnection);
 }
 
 void StyleShelf::showMenu(QUuid id, QPoint globalPosition)

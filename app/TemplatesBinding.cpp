@@ -20,7 +20,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int restBeforeRedrawing = 120;    // ms
-QString folder()
+
+QString usualFolder()
 {
     return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
 }
@@ -46,12 +47,7 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, SidePanel* panel,
     connectStyles();
     m_redrawLater.setSingleShot(true);
     m_redrawLater.setInterval(restBeforeRedrawing);
-    connect(&m_redrawLater, &QTimer::timeout, this, [this] {
-        m_pictures->dropWishes();    // they are of the image as it was
-        m_panel->templatesPanel()->packaged()->outdatePictures();
-        m_panel->templatesPanel()->own()->outdatePictures();
-        m_panel->textPanel()->styles()->grid()->outdatePictures();
-    });
+    connect(&m_redrawLater, &QTimer::timeout, this, &TemplatesBinding::redraw);
     connect(&m_saved, &SavedTemplates::storingFailed, this, [this] {
         Q_EMIT told(u"No se pudieron guardar tus plantillas. ¿Queda espacio en el disco? Se vuelve "
                     "a intentar con el próximo cambio."_s,
@@ -69,9 +65,6 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, SidePanel* panel,
                 Q_EMIT told(u"Plantilla «%1» importada.%2"_s.arg(name, where), StatusTone::done);
             });
 }
-
-// The panels may outlive it for a moment.
-TemplatesBinding::~TemplatesBinding() = default;
 
 void TemplatesBinding::connectTemplates()
 {
@@ -185,15 +178,31 @@ void TemplatesBinding::show()
     showTemplates();
     showStyles();
     const PublicationItem* item = m_session.batch().currentItem();
-    const bool isSeen =
-        m_panel->templatesPanel()->isVisible() || m_panel->textPanel()->styles()->isVisible();
-    if (!item || !isSeen || (m_drawn == *item && m_drawnFormat == m_session.batch().format))
+    if (!item)
+        return;
+    // Of the item the styles show the photo alone.
+    if (m_panel->textPanel()->styles()->isVisible() && m_drawnPhoto != item->image) {
+        m_drawnPhoto = item->image;
+        redraw();
+    }
+    const SocialFormat format = m_session.batch().format;
+    if (!m_panel->templatesPanel()->isVisible() || (m_drawn == *item && m_drawnFormat == format))
         return;
     // Another image is shown at once; one that is being changed when it has come to rest.
     const bool isOther = !m_drawn || m_drawn->id != item->id;
     m_drawn = *item;
-    m_drawnFormat = m_session.batch().format;
+    m_drawnFormat = format;
     m_redrawLater.start(isOther ? 0 : restBeforeRedrawing);
+}
+
+// Each picture once it is seen again.
+void TemplatesBinding::redraw()
+{
+    m_pictures->dropWishes();    // they are of the image as it was
+    for (PresetGrid* grid :
+         {m_panel->templatesPanel()->packaged(), m_panel->templatesPanel()->own(),
+          m_panel->textPanel()->styles()->grid()})
+        grid->outdatePictures();
 }
 
 void TemplatesBinding::showTemplates()
@@ -298,7 +307,7 @@ void TemplatesBinding::apply(QUuid id)
 void TemplatesBinding::preview(QUuid id)
 {
     const PublicationItem* item = m_session.batch().currentItem();
-    const TemplateApplication design = application(id);
+    const TemplateApplication design = id.isNull() ? TemplateApplication() : application(id);
     if (!item || !design) {
         if (std::exchange(m_isPreviewing, false))
             Q_EMIT previewChanged(std::nullopt);
@@ -389,7 +398,7 @@ void TemplatesBinding::remove(QUuid id)
 
 void TemplatesBinding::chooseDefinition()
 {
-    auto* dialog = new QFileDialog(m_panel->window(), u"Importar plantilla"_s, folder(),
+    auto* dialog = new QFileDialog(m_panel->window(), u"Importar plantilla"_s, usualFolder(),
                                    u"Plantillas (*.json);;Todos los archivos (*)"_s);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
@@ -413,7 +422,7 @@ void TemplatesBinding::chooseExport(QUuid id)
     name.replace(u'/', u'-');
     auto* dialog =
         new QFileDialog(m_panel->window(), u"Exportar plantilla"_s,
-                        QDir(folder()).filePath(name + u".json"_s), u"Plantillas (*.json)"_s);
+                        QDir(usualFolder()).filePath(name + u".json"_s), u"Plantillas (*.json)"_s);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(u"json"_s);

@@ -22,7 +22,6 @@ public:
     // All outlive it.
     TemplatesBinding(StudioSession& session, SidePanel* panel,
                      const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences);
-    ~TemplatesBinding() override;
 
     // Costs next to nothing while neither is seen.
     void show();
@@ -45,6 +44,7 @@ private:
     void connectStyles();
     void showTemplates();
     void showStyles();
+    void redraw();
     const BuiltInTemplateLibrary& library();
     std::optional<JSONVisualTemplateDefinition> packaged(QUuid id);
     QString nameOf(QUuid id);
@@ -68,7 +68,9 @@ private:
     std::optional<BuiltInTemplateLibrary> m_library;    // once it was looked at
     TemplateFiles* m_files;
     PresetPictures* m_pictures;
-    // What the pictures were drawn from; they are drawn anew when it has rested a moment.
+    // What the pictures were drawn from; those of templates are drawn anew when it has rested a
+    // moment.
+    PhotoHandle m_drawnPhoto;
     std::optional<PublicationItem> m_drawn;
     SocialFormat m_drawnFormat{};
     QTimer m_redrawLater;

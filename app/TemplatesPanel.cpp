@@ -62,7 +62,6 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
       m_nothingFound(new Caption(Type::small, &Theme::text3, u"Ninguna plantilla se llama así."_s))
 {
     m_note->setFixedHeight(noteHeight);
-    m_search->setClearButtonEnabled(false);
     auto* page = new QWidget;
     auto* layout = new PanelLayout(page);
     layout->setContentsMargins(layout->contentsMargins() -
@@ -133,14 +132,6 @@ void TemplatesPanel::rename(QUuid id)
 {
     m_search->clear();
     m_own->rename(id);
-    // Once it has its place.
-    QMetaObject::invokeMethod(
-        this,
-        [this, id] {
-            if (PresetTile* tile = m_own->tile(id))
-                showIn(m_area, tile);
-        },
-        Qt::QueuedConnection);
 }
 
 void TemplatesPanel::showMenu()

@@ -48,6 +48,18 @@ double timeOf(Work work)
     return double(watch.nsecsElapsed()) / 1e6;
 }
 
+// Milliseconds of each of `count` times; the events go on for `pause` ms after each.
+template <typename Work>
+std::vector<double> timed(int count, int pause, Work work)
+{
+    std::vector<double> times;
+    for (int i = 0; i < count; ++i) {
+        times.push_back(timeOf(work));
+        turnFor(pause);
+    }
+    return times;
+}
+
 // Times every event that reaches a receiver from outside another.
 class TimedApplication : public QApplication {
 public:

@@ -36,16 +36,6 @@ struct Restyle {
     }
 };
 
-std::vector<double> timed(const std::function<void()>& edit, int pauseBetween)
-{
-    std::vector<double> times;
-    for (int i = 0; i < edits; ++i) {
-        times.push_back(timeOf(edit));
-        turnFor(pauseBetween);
-    }
-    return times;
-}
-
 // A session without a window. A store that cannot be opened refuses at once: the edit without the
 // one write.
 struct Studio {
@@ -81,29 +71,29 @@ int main(int argc, char** argv)
         Studio studio(photos, own.filePath(u"a.sqlite"_s), {folder});
         std::printf("%lld photos\n", qlonglong(studio.session.batch().items.size()));
         Restyle restyle{studio.session};
-        report("session, one selected", timed([&] { restyle(); }, 60));
+        report("session, one selected", timed(edits, 60, [&] { restyle(); }));
         studio.session.selectAll();
         turnFor(200);
-        report("session, all selected", timed([&] { restyle(); }, 60));
+        report("session, all selected", timed(edits, 60, [&] { restyle(); }));
     }
     {
         Studio studio(photos, u"/proc/nowhere/b.sqlite"_s, {folder});
         Restyle restyle{studio.session};
-        report("without the write, one selected", timed([&] { restyle(); }, 5));
+        report("without the write, one selected", timed(edits, 5, [&] { restyle(); }));
         WorkspaceEncoder encoder;
         encoder.encode(studio.session.batch());
         report("of which joining the document",
-               timed([&] { encoder.encode(studio.session.batch()); }, 5));
+               timed(edits, 5, [&] { encoder.encode(studio.session.batch()); }));
         QList<QUrl> few;
         for (qsizetype i = 0; i < std::min(qsizetype(10), studio.session.batch().items.size()); ++i)
             few.append(studio.session.batch().items[i].url);
         Studio small(photos, u"/proc/nowhere/c.sqlite"_s, few);
         Restyle restyleSmall{small.session};
-        report("without the write, of 10", timed([&] { restyleSmall(); }, 5));
+        report("without the write, of 10", timed(edits, 5, [&] { restyleSmall(); }));
         WorkspaceEncoder smallEncoder;
         smallEncoder.encode(small.session.batch());
         report("of which joining the document",
-               timed([&] { smallEncoder.encode(small.session.batch()); }, 5));
+               timed(edits, 5, [&] { smallEncoder.encode(small.session.batch()); }));
     }
     {
         PreferencesStore preferences(own.filePath(u"d.sqlite"_s));
@@ -118,13 +108,11 @@ int main(int argc, char** argv)
         turnFor(1000);
         Restyle restyle{session};
         // A tick of a slider: the edit, and every event that it sets off, the repaint included.
-        report("window, held slider, all selected", timed(
-                                                        [&] {
-                                                            restyle(Pace::held);
-                                                            QApplication::sendPostedEvents();
-                                                            QApplication::processEvents();
-                                                        },
-                                                        16));
+        report("window, held slider, all selected", timed(edits, 16, [&] {
+                   restyle(Pace::held);
+                   QApplication::sendPostedEvents();
+                   QApplication::processEvents();
+               }));
     }
     std::printf("peak memory %.0f MB\n", double(peakMemory()) / 1e6);
     return 0;

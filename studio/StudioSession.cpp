@@ -2,11 +2,8 @@
 
 #include "canvas/ImagePlacementGeometry.h"
 #include "platform/PreferencesStore.h"
-#include "platform/Workers.h"
 #include "studio/BatchSelection.h"
 #include "studio/TextSheetFile.h"
-
-#include <QCoroFuture>
 
 #include <QPointer>
 #include <QScopedValueRollback>

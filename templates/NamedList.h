@@ -9,8 +9,8 @@
 #include <optional>
 #include <utility>
 
-// What the user keeps under names of his own, newest first. What is
-// removed or replaced can be called back as long as the program runs.
+// What the user keeps under names of his own, newest first. What is removed or replaced can be
+// called back as long as the program runs.
 template <typename Entry>
 class NamedList {
 public:

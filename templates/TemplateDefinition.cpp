@@ -168,10 +168,7 @@ VisualTemplate JSONVisualTemplateDefinition::visualTemplate(const PublicationIte
         if (const auto layer = text.textLayer(item))
             result.textLayers.append(TextLayerTemplate(*layer));
     }
-    for (qsizetype i = 0; i < shapeLayers.size(); ++i) {
-        result.shapeLayers.append(
-            shapeLayers[i].shapeLayer(QUuid::createUuidV5(id, QString::number(i))));
-    }
+    result.shapeLayers = shapes();
     result.previewPNG = previewImage();
     result.aspectRatio = row(made).aspectRatio;
     if (sourceURL.isValid())
@@ -179,18 +176,24 @@ VisualTemplate JSONVisualTemplateDefinition::visualTemplate(const PublicationIte
     return result;
 }
 
+QList<ShapeLayerSnapshot> JSONVisualTemplateDefinition::shapes() const
+{
+    QList<ShapeLayerSnapshot> made;
+    for (const JSONShapeLayer& shape : shapeLayers)
+        made.append(shape.shapeLayer(QUuid::createUuidV5(id, QString::number(made.size()))));
+    return made;
+}
+
 TemplateApplication JSONVisualTemplateDefinition::application() const
 {
     // Once for all items: their texts differ, their shapes do not.
-    const QList<ShapeLayerSnapshot> shapes =
-        visualTemplate(PublicationItem(), socialFormat()).shapeLayers;
-    return [texts = textLayers, shapes](PublicationItem& item) {
+    return [texts = textLayers, all = shapes()](PublicationItem& item) {
         for (const JSONTextLayer& text : texts) {
             const auto layer = text.textLayer(item);
             if (TextLayer* own = layer ? item.layer(layer->slot) : nullptr)
                 *own = *layer;
         }
-        item.shapeLayers = shapes;
+        item.shapeLayers = all;
     };
 }
 

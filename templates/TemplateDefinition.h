@@ -65,8 +65,10 @@ struct JSONVisualTemplateDefinition {
     // The stored preview, the WebP one rather than the PNG one.
     std::optional<QByteArray> previewImage() const;
 
-    // The shapes have the same ids for every item and every time.
     VisualTemplate visualTemplate(const PublicationItem& item, SocialFormat made) const;
+
+    // The same ids for every item and every time.
+    QList<ShapeLayerSnapshot> shapes() const;
 
     // visualTemplate() for each item in turn.
     TemplateApplication application() const;
