@@ -19,16 +19,19 @@ struct Room {
 
 const QList<Room>& rooms()
 {
-    static const QStringList belowApp{u"platform"_qs, u"model"_qs, u"canvas"_qs, u"templates"_qs,
-                                      u"studio"_qs};
+    static const QStringList belowApp{u"platform"_qs, u"model"_qs,     u"account"_qs,
+                                      u"canvas"_qs,   u"templates"_qs, u"studio"_qs};
     static const QStringList aboveStudio{u"cli"_qs, u"canvas/interaction"_qs};
     static const QList<Room> table{
         {u"platform"_qs, {}},
         {u"model"_qs, {u"platform"_qs}},
+        {u"account"_qs, {u"model"_qs, u"platform"_qs}},
         {u"canvas"_qs, {u"model"_qs, u"platform"_qs}},
         {u"canvas/interaction"_qs, {u"canvas"_qs, u"model"_qs, u"platform"_qs}, true},
         {u"templates"_qs, {u"canvas"_qs, u"model"_qs, u"platform"_qs}},
-        {u"studio"_qs, {u"templates"_qs, u"canvas"_qs, u"model"_qs, u"platform"_qs}},
+        {u"studio"_qs,
+         {u"templates"_qs, u"canvas"_qs, u"account"_qs, u"model"_qs, u"platform"_qs}},
+        {u"service"_qs, {u"account"_qs, u"model"_qs, u"platform"_qs}},
         {u"cli"_qs, belowApp},
         {u"app"_qs, belowApp + aboveStudio, true},
         {u"tools"_qs, belowApp + aboveStudio + QStringList{u"app"_qs}, true},

@@ -1,0 +1,208 @@
+#pragma once
+
+#include "model/GeneratedCopy.h"
+
+#include <QByteArrayView>
+#include <QList>
+#include <QString>
+#include <QUrl>
+
+#include <optional>
+
+// What the client and the account service say to each other, as JSON objects whose keys are the
+// names of the fields. Dates travel as plain text.
+
+struct AccountProfile {
+    std::optional<QString> email, fullName;
+    QString id;
+    std::optional<bool> isAdmin;
+    std::optional<QString> locale;
+    bool operator==(const AccountProfile&) const = default;
+};
+
+struct StorageSummary {
+    int limitMb = 0;
+    int percent = 0;
+    double usedMb = 0;
+    bool operator==(const StorageSummary&) const = default;
+};
+
+// Without a profile: nobody is signed in.
+struct AccountSummary {
+    int balance = 0;    // credits
+    std::optional<AccountProfile> profile;
+    std::optional<StorageSummary> storage;
+    bool operator==(const AccountSummary&) const = default;
+};
+
+// How texts are written in the cloud, and what versions of the program there are.
+struct CloudCopyConfig {
+    bool enabled = true;
+    std::optional<QString> modelId;
+    QString providerLabel;
+    std::optional<QString> endpoint;
+    int costCredits = 10;    // an image
+    std::optional<QString> latestMacVersion;
+    std::optional<QUrl> macDownloadURL;
+    bool operator==(const CloudCopyConfig&) const = default;
+
+    // Where the service gives none.
+    static CloudCopyConfig fallback() { return {}; }
+};
+
+struct BasicOK {
+    std::optional<bool> ok;
+};
+
+struct EmptyRequest {};
+
+struct CredentialsRequest {
+    QString email, password;
+};
+
+struct ProfileRequest {
+    QString fullName;
+};
+
+struct PasswordChangeRequest {
+    QString currentPassword, newPassword, confirmNewPassword;
+};
+
+struct PasswordResetRequest {
+    QString email;
+};
+
+struct DesktopAuthExchangeRequest {
+    QString token;
+};
+
+struct CheckoutRequest {
+    int credits = 0;
+    QString client;
+};
+
+struct CheckoutStart {
+    std::optional<QUrl> url;
+    std::optional<QString> sessionId;
+};
+
+struct CheckoutConfirmRequest {
+    QString sessionId;
+};
+
+struct CheckoutConfirmResponse {
+    bool ok = false;
+    int balance = 0;
+};
+
+struct CreditOperationRequest {
+    int cost = 0;
+    QString requestId;
+};
+
+struct CreditOperationResponse {
+    int balance = 0;
+    int cost = 0;
+    bool ok = false;
+};
+
+struct SocialCopyGenerateRequest {
+    QString requestId, objective;
+    QString format;    // raw value of a SocialFormat
+    QString mimeType;
+    QByteArray imageBase64;    // the bytes of the image; the JSON holds their base-64
+};
+
+struct SocialCopyGenerateResponse {
+    bool ok = false;
+    GeneratedCopy copy;
+};
+
+struct SocialNetworkConnection {
+    QString network, name, provider;
+    std::optional<bool> providerConfigured;
+    bool isConnected = false;
+    std::optional<QString> displayName, connectedAt;
+    QUrl connectURL;
+    bool operator==(const SocialNetworkConnection&) const = default;
+
+    bool isProviderConfigured() const { return providerConfigured.value_or(true); }
+};
+
+struct SocialStatusResponse {
+    bool ok = false;
+    QList<SocialNetworkConnection> networks;
+};
+
+struct SocialConnectTokenRequest {
+    QString network;
+};
+
+struct SocialConnectTokenResponse {
+    bool ok = false;
+    QUrl url;
+    int expiresInSeconds = 0;
+};
+
+struct SocialPublishImage {
+    QString fileName, mimeType;
+    QByteArray dataBase64;    // the bytes of the image; the JSON holds their base-64
+};
+
+struct SocialPublishRequest {
+    QString network, caption;
+    QList<SocialPublishImage> images;
+    QString requestId;
+    QString placement = QStringLiteral("feed");    // or "story"
+};
+
+struct SocialPublishResponse {
+    std::optional<bool> ok;
+    std::optional<QString> id, status;
+    std::optional<QUrl> url;
+};
+
+struct TemplateUploadRequest {
+    QString fileName;
+    std::optional<QString> oldFileName;
+    QByteArray templateJSONBase64;    // the bytes of the file; the JSON holds their base-64
+};
+
+struct TemplateDeleteRequest {
+    QString fileName;
+};
+
+struct APIErrorPayload {
+    std::optional<QString> error,
+        reason;    // a machine code, and what a developer may want to know
+};
+
+struct PurchaseHistoryItem {
+    QString id;
+    QString kind;    // "credits", or of storage
+    std::optional<int> orderIndex;
+    std::optional<QString> orderNumber, createdAt;
+    int amountCents = 0;    // of a euro
+    QString detail;
+    std::optional<QString> periodEndsAt;
+    std::optional<QUrl> invoiceURL, receiptURL;
+    bool operator==(const PurchaseHistoryItem&) const = default;
+
+    bool hasDocument() const { return invoiceURL || receiptURL; }
+};
+
+struct PurchaseHistoryResponse {
+    QList<PurchaseHistoryItem> purchases;
+};
+
+struct PurchaseDocumentLinkResponse {
+    QUrl url;
+};
+
+// Defined for every record above.
+template <typename Record>
+QByteArray toWire(const Record& record);
+
+// Nothing when the bytes are not JSON or not such a record; never throws.
+template <typename Record>
+std::optional<Record> fromWire(QByteArrayView bytes);

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "account/AccountRecords.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <QTimer>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <stop_token>
+
+class AccountAPI;
+class WebAuthentication;
+struct GoogleAuthenticationResult;
+
+// The signed-in account for the whole program, and what the screens can ask of it. Every outcome
+// ends in message(). Lives on the interface thread; whoever shows it looks again after changed().
+class AccountSession : public QObject {
+    Q_OBJECT
+public:
+    // What the platform gives.
+    struct Surroundings {
+        // Gives whether a browser took the address.
+        std::function<bool(const QUrl&)> openInBrowser;
+        // Signs in over the window; where there is none, Google goes through the browser.
+        WebAuthentication* webAuthentication = nullptr;
+        std::chrono::milliseconds startLimit = std::chrono::seconds(8);
+        std::chrono::milliseconds balanceSyncInterval = std::chrono::seconds(180);
+    };
+
+    // The client outlives the session.
+    AccountSession(AccountAPI& api, Surroundings surroundings, QObject* parent = nullptr);
+    ~AccountSession() override;
+
+    const AccountSummary& account() const { return m_account; }
+    bool isLoading() const { return m_isLoading; }          // the check at the start runs
+    bool isWorking() const { return m_working > 0; }        // an action runs
+    const QString& message() const { return m_message; }    // shown as it stands
+    // Whether it tells that something could not be done.
+    bool isProblem() const { return m_isProblem; }
+    const std::optional<QString>& pendingCheckoutSessionId() const { return m_pendingCheckout; }
+    const CloudCopyConfig& cloudCopyConfig() const { return m_cloudCopyConfig; }
+    const QList<PurchaseHistoryItem>& purchaseHistory() const { return m_purchaseHistory; }
+    // Rises by one whenever a social network was connected.
+    int socialConnectionRefreshToken() const { return m_socialConnectionRefreshToken; }
+
+    bool isAuthenticated() const { return m_account.profile.has_value(); }
+    bool isAdministrator() const;
+    QString displayName() const;
+    bool isBalanceSyncRunning() const { return m_balanceSync.isActive(); }
+
+    // Each gives whether it was done; if not, the message says why. Nobody needs to await them.
+    QCoro::Task<bool> bootstrap();
+    QCoro::Task<bool> refresh();
+    QCoro::Task<bool> refreshSilently();    // leaves message and isWorking alone
+    QCoro::Task<bool> login(QString email, QString password);
+    QCoro::Task<bool> registerAccount(QString email, QString password);
+    QCoro::Task<bool> requestPasswordReset(QString email);
+    QCoro::Task<bool> logout();
+    QCoro::Task<bool> updateProfile(QString fullName);
+    QCoro::Task<bool> changePassword(QString currentPassword, QString newPassword,
+                                     QString confirmNewPassword);
+    QCoro::Task<bool> openGoogleLogin();
+    QCoro::Task<bool> buyCredits(int credits);
+    QCoro::Task<bool> confirmPendingCheckout();
+    QCoro::Task<bool> refreshPurchaseHistory();
+    QCoro::Task<bool> openPurchaseDocument(QString purchaseId);
+
+    // Throw what the client throws, which is told too.
+    QCoro::Task<> reserveCloudCopyCredits(int cost, QString requestId);
+    QCoro::Task<> refundCloudCopyCredits(int cost, QString requestId);
+
+    // Links of the scheme "moltiva"; others are ignored. Gives whether it was one of ours.
+    bool handleDeepLink(const QUrl& url);
+    void handleGoogleAuthenticationResult(const GoogleAuthenticationResult& result);
+
+    void startBalanceSync();
+    void stopBalanceSync();
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    enum class Told { info, problem };
+
+    struct Change;
+    template <typename Work>
+    QCoro::Task<bool> perform(Work work);
+    void enter(const AccountSummary& account);
+    void tell(const QString& message, Told told = Told::info);
+    bool open(const QUrl& url);
+    void handleAuthCallback(const QUrl& url);
+    void handleSocialConnectionCallback(const QUrl& url);
+
+    AccountAPI& m_api;
+    const Surroundings m_surroundings;
+    AccountSummary m_account;
+    bool m_isLoading = false;
+    int m_working = 0;
+    QString m_message;
+    bool m_isProblem = false;
+    std::optional<QString> m_pendingCheckout;
+    CloudCopyConfig m_cloudCopyConfig = CloudCopyConfig::fallback();
+    QList<PurchaseHistoryItem> m_purchaseHistory;
+    int m_socialConnectionRefreshToken = 0;
+    int m_epoch = 0;    // of who is signed in: rises whenever that changes
+    QTimer m_balanceSync;
+    std::stop_source m_stop;    // of everything under way
+};

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCoroTask>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QUrl>
+
+#include <chrono>
+#include <exception>
+#include <optional>
+#include <stop_token>
+#include <utility>
+
+class QNetworkAccessManager;
+
+using HttpHeaders = QList<std::pair<QByteArray, QByteArray>>;
+
+struct HttpRequest {
+    QByteArray method = "GET";
+    QUrl url;
+    HttpHeaders headers;
+    std::optional<QByteArray> body;
+    std::chrono::milliseconds timeout = std::chrono::seconds(35);    // from start to last byte
+    qint64 largestReply = 64 * 1024 * 1024;
+};
+
+struct HttpReply {
+    int status = 0;
+    HttpHeaders headers;    // a name may come several times
+    QByteArray body;
+};
+
+// The exchange came to no reply.
+class TransportError : public std::exception {
+public:
+    enum class Kind { unreachable, timedOut, stopped, tooLarge, notHttp };
+
+    TransportError(Kind kind, const QString& text) : m_kind(kind), m_text(text) {}
+    Kind kind() const { return m_kind; }
+    const QString& text() const { return m_text; }    // for the user, in Spanish
+    const char* what() const noexcept override { return "no reply"; }
+
+private:
+    Kind m_kind;
+    QString m_text;
+};
+
+// Sends requests and brings back whole replies. Keeps no cookies; follows no redirections;
+// certificates are checked. Requests with a body leave once: they are never sent again unasked.
+// Lives on the interface thread. When it goes, what is under way ends as stopped.
+class HttpClient : public QObject {
+    Q_OBJECT
+public:
+    explicit HttpClient(QObject* parent = nullptr);
+    ~HttpClient() override;
+
+    // Throws TransportError.
+    QCoro::Task<HttpReply> send(HttpRequest request, std::stop_token stop = {});
+
+private:
+    QNetworkAccessManager* m_manager;
+};
