@@ -331,7 +331,7 @@ void append(QByteArray& text, const Record& record)
     char separator = '{';
     std::apply(
         [&](const auto&... field) {
-            const auto add = [&](const auto& one) {
+            [[maybe_unused]] const auto add = [&](const auto& one) {
                 const auto& value = std::invoke(one.access, record);
                 if (isAbsent(value))
                     return;
