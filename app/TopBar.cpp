@@ -1,5 +1,6 @@
 #include "app/TopBar.h"
 
+#include "app/Mark.h"
 #include "app/controls/Button.h"
 #include "app/controls/SegmentedControl.h"
 
@@ -10,14 +11,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int barHeight = 56, side = 14, gap = 12, fullLabelsFrom = 1400;
-
-void paintMark(QPainter& painter, const Theme& theme)
-{
-    fillRounded(painter, QRectF(0, 0, 28, 28), 8, theme.accent);
-    fillRounded(painter, QRectF(6, 6.4, 8.8, 12.2), 2.4, QColor(255, 255, 255, 133));
-    fillRounded(painter, QRectF(11, 8, 11, 13.6), 2.4, Qt::white);
-    fillRounded(painter, QRectF(13.2, 17.1, 6.4, 1.7), 0.85, theme.accent);
-}
 
 class MarkButton : public Control {
 public:

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int iconSide = 20, eyeSide = 28, longestText = 2000;
+constexpr int iconSide = 20, eyeSide = 28, longestText = 2000, linkPadding = 6;
 struct SizeRow {
     FieldSize size;
     int height, padding, iconGap, radius;
@@ -180,10 +180,11 @@ FormField::FormField(const QString& label, FieldKind kind, FieldSize size, Icon 
 {
     auto* labels = new QHBoxLayout(m_labelRow);
     labels->setContentsMargins(0, 0, 0, 0);
+    m_labelRow->setFixedHeight(size == FieldSize::large ? 24 : 20);
     labels->addWidget(new Caption(Type::small, &Theme::text2, label), 1);
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
-    rows->setSpacing(size == FieldSize::large ? 6 : 4);
+    rows->setSpacing(4);
     rows->addWidget(m_labelRow);
     rows->addWidget(m_edit);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -200,6 +201,7 @@ FormField::FormField(const QString& label, FieldKind kind, FieldSize size, Icon 
 void FormField::addToLabel(QWidget* widget)
 {
     m_labelRow->layout()->addWidget(widget);
+    m_labelRow->layout()->setContentsMargins(0, 0, -linkPadding, 0);    // its text ends flush
 }
 
 void FormField::setShown(const QString& text)

@@ -55,8 +55,6 @@ Sheet::Sheet(const QString& title, QSize size, QWidget* window)
     m_column->setContentsMargins(columnSide, columnTop, columnSide, columnTop);
     m_column->setSpacing(2);
     auto* heading = new Caption(Type::sheetTitle, &Theme::text, title);
-    heading->setFixedHeight(row(Type::sheetTitle).lineHeight);
-    heading->setContentsMargins(0, 0, 0, 0);
     auto* headingRow = new QHBoxLayout;
     headingRow->setContentsMargins(10, 0, 0, 10);
     headingRow->addWidget(heading);
