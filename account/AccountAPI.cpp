@@ -134,7 +134,7 @@ QUrl AccountAPI::address(Base base) const
 
 QCoro::Task<> AccountAPI::locate()
 {
-    if (m_local)
+    if (m_local && (!m_configuration.service || !m_configuration.site))
         co_await m_local->address();
 }
 
@@ -161,8 +161,7 @@ QCoro::Task<HttpReply> AccountAPI::sendFollowing(HttpRequest request, std::stop_
 QCoro::Task<QByteArray> AccountAPI::exchange(Call call, std::stop_token stop)
 {
     const QPointer<AccountAPI> self = this;
-    if (!m_configuration.service || !m_configuration.site)
-        co_await locate();
+    co_await locate();
     if (!self)
         throw AccountError::invalidResponse();
     HttpRequest request;
