@@ -3,9 +3,9 @@
 #include <QString>
 
 #include <exception>
-#include <stdexcept>
 
-// The one exception that leaves the service client, but for TransportError.
+// What the account service refused, or could not be understood; the text is the user's. An exchange
+// that came to no reply throws TransportError instead.
 class AccountError : public std::exception {
 public:
     enum class Kind { message, invalidResponse, unauthorized };
@@ -16,7 +16,7 @@ public:
     static AccountError unauthorized();
 
     Kind kind() const { return m_kind; }
-    const QString& text() const { return m_text; }    // for the user, in Spanish
+    const QString& text() const { return m_text; }
     const QString& code() const { return m_code; }
     const char* what() const noexcept override { return "the account service refused"; }
 
@@ -27,5 +27,9 @@ private:
     QString m_text, m_code;
 };
 
-// Of a server's machine code; codes that are not known get a general sentence.
-QString userMessage(QStringView code);
+// For the user, of a machine code of the service; codes that are not known get a general sentence.
+// `siteName`: of the public web site, which some sentences name.
+QString userMessage(QStringView code, const QString& siteName = {});
+
+// Of any failure of an account's operation.
+QString readable(const std::exception& error);

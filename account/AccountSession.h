@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <stop_token>
@@ -35,8 +36,8 @@ public:
     ~AccountSession() override;
 
     const AccountSummary& account() const { return m_account; }
-    bool isLoading() const { return m_isLoading; }          // the check at the start runs
-    bool isWorking() const { return m_working > 0; }        // an action runs
+    bool isLoading() const { return m_isLoading; }    // the check at the start runs
+    bool isWorking() const { return m_actions > 0 || m_isSigningInOverWindow; }
     const QString& message() const { return m_message; }    // shown as it stands
     // Whether it tells that something could not be done.
     bool isProblem() const { return m_isProblem; }
@@ -85,27 +86,46 @@ Q_SIGNALS:
 private:
     enum class Told { info, problem };
 
-    struct Change;
+    // The one wrapper of what users start: it marks the work and tells what failed. What `work`
+    // gives is awaited; it may count on the session being there whenever it goes on.
     template <typename Work>
-    QCoro::Task<bool> perform(Work work);
-    void enter(const AccountSummary& account);
+    QCoro::Task<> attempt(Work work);
+    template <typename Work>
+    QCoro::Task<bool> perform(Work work);    // gives whether it was done
+    QCoro::Task<> check();
+    QCoro::Task<> reload(std::stop_token stop);
+    QCoro::Task<> enter(QCoro::Task<AccountSummary> signingIn, QString told);
+    QCoro::Task<> requestReset(QString email);
+    QCoro::Task<> leave();
+    QCoro::Task<> saveProfile(QString fullName);
+    QCoro::Task<> savePassword(QString current, QString changed, QString confirmed);
+    QCoro::Task<> startCheckout(int credits);
+    QCoro::Task<> confirmCheckout(QString sessionId);
+    QCoro::Task<> loadPurchases();
+    QCoro::Task<> openDocument(QString purchaseId);
+    QCoro::Task<> startGoogleLogin();
+    QCoro::Task<> moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told);
+    QCoro::Task<CloudCopyConfig> configurationOrFallback(std::stop_token stop);
+
+    void setAccount(const AccountSummary& account);
+    void setBalance(int balance);
     void tell(const QString& message, Told told = Told::info);
-    bool open(const QUrl& url);
+    bool openInBrowser(const QUrl& url);
     void handleAuthCallback(const QUrl& url);
     void handleSocialConnectionCallback(const QUrl& url);
 
     AccountAPI& m_api;
     const Surroundings m_surroundings;
     AccountSummary m_account;
-    bool m_isLoading = false;
-    int m_working = 0;
+    int m_accountVersion = 0;    // rises with every change: what was asked before is stale then
+    bool m_isLoading = false, m_isSigningInOverWindow = false;
+    int m_actions = 0;    // under way
     QString m_message;
     bool m_isProblem = false;
     std::optional<QString> m_pendingCheckout;
     CloudCopyConfig m_cloudCopyConfig = CloudCopyConfig::fallback();
     QList<PurchaseHistoryItem> m_purchaseHistory;
     int m_socialConnectionRefreshToken = 0;
-    int m_epoch = 0;    // of who is signed in: rises whenever that changes
     QTimer m_balanceSync;
-    std::stop_source m_stop;    // of everything under way
+    std::stop_source m_stop;    // of all that is under way
 };

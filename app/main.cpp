@@ -1,3 +1,4 @@
+#include "account/ServiceConfiguration.h"
 #include "app/MainWindow.h"
 #include "app/SingleInstance.h"
 #include "app/Theme.h"
@@ -97,8 +98,13 @@ InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 
 // Opens the window, with the photos and folders named on the command line if there are any; of a
 // second start, in the window of the first.
-int runWindow(int& argc, char** argv, const QStringList& arguments)
+int runWindow(int& argc, char** argv, const QStringList& arguments,
+              const ServiceConfiguration& configuration)
 {
+    if (!configuration.problem.isEmpty()) {
+        std::fprintf(stderr, "moltiva: %s\n", configuration.problem.toUtf8().constData());
+        return exitWrongUse;
+    }
     const QList<QUrl> toOpen = addressesOf(arguments);
     InstanceClaim claimed = claim(argc, argv, toOpen);
     if (claimed.outcome == InstanceClaim::Outcome::handedOver)
@@ -138,17 +144,19 @@ int main(int argc, char** argv)
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
 
+    QCoreApplication::setApplicationName(programName());
+    const ServiceConfiguration configuration = takenConfiguration(arguments, configurationFile());
     if (isCommandLine(arguments)) {
         // The toolkit ends a process that asks for a display and finds none.
         qputenv("QT_QPA_PLATFORM", "offscreen");
         QGuiApplication application(argc, argv);
         prepare(application);
-        return runCommandLine(arguments);
+        return runCommandLine(arguments, configuration);
     }
     if (!hasDisplay()) {
         std::fputs("moltiva: no hay pantalla para abrir la ventana. Prueba «moltiva --help».\n",
                    stderr);
         return exitWrongUse;
     }
-    return runWindow(argc, argv, arguments);
+    return runWindow(argc, argv, arguments, configuration);
 }

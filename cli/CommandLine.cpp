@@ -1,5 +1,7 @@
 #include "cli/CommandLine.h"
 
+#include "account/ServiceConfiguration.h"
+#include "cli/AccountCommands.h"
 #include "cli/ExportCommand.h"
 
 #include <QCoreApplication>
@@ -14,11 +16,19 @@ namespace {
 
 struct Command {
     QStringView name, summary;
-    int (*run)(const QStringList& arguments);
+    int (*run)(const QStringList& arguments, const ServiceConfiguration& configuration);
 };
 
 constexpr std::array commands{
-    Command{u"export", u"exporta fotos como publicaciones PNG", &runExport},
+    Command{u"export", u"exporta fotos como publicaciones PNG",
+            [](const QStringList& arguments, const ServiceConfiguration&) {
+                return runExport(arguments);
+            }},
+    Command{u"login", u"inicia sesión con un email y su contraseña", &runLogin},
+    Command{u"register", u"crea una cuenta", &runRegister},
+    Command{u"logout", u"cierra la sesión", &runLogout},
+    Command{u"account", u"nombre y créditos de la cuenta", &runAccount},
+    Command{u"history", u"las compras de la cuenta", &runHistory},
 };
 
 const Command* commandNamed(const QString& name)
@@ -37,9 +47,12 @@ void printHelp()
                    "Órdenes:\n"_s;
     for (const Command& command : commands)
         text += u"  %1  %2\n"_s.arg(command.name, -27).arg(command.summary);
-    text += u"\nOpciones:\n"
-            "  -h, --help                   muestra esta ayuda; con una orden, la suya\n"
-            "  -v, --version                muestra la versión\n"_s;
+    text +=
+        u"\nOpciones:\n"
+        "  -h, --help                   muestra esta ayuda; con una orden, la suya\n"
+        "  -v, --version                muestra la versión\n"
+        "  --service URL, --site URL    el servicio de cuentas y el sitio web, si no son los de "
+        "este equipo\n"_s;
     std::fputs(text.toUtf8().constData(), stdout);
 }
 
@@ -57,11 +70,11 @@ bool isCommandLine(const QStringList& arguments)
     return commandNamed(first) || (!QFileInfo::exists(first) && !address.match(first).hasMatch());
 }
 
-int runCommandLine(const QStringList& arguments)
+int runCommandLine(const QStringList& arguments, const ServiceConfiguration& configuration)
 {
     const QString first = arguments.value(0);
     if (const Command* command = commandNamed(first))
-        return command->run(arguments.mid(1));
+        return command->run(arguments.mid(1), configuration);
     if (helpOptions.contains(first)) {
         printHelp();
         return exitDone;

@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+struct ServiceConfiguration;
+
 enum ExitStatus { exitDone = 0, exitSomeFailed = 1, exitWrongUse = 2, exitInterrupted = 130 };
 
 // Whether these arguments (without the program's name) are for the command line and not for the
@@ -9,4 +11,4 @@ enum ExitStatus { exitDone = 0, exitSomeFailed = 1, exitWrongUse = 2, exitInterr
 bool isCommandLine(const QStringList& arguments);
 
 // Runs the command they name and gives the exit status. Needs a QGuiApplication, but no display.
-int runCommandLine(const QStringList& arguments);
+int runCommandLine(const QStringList& arguments, const ServiceConfiguration& configuration);

@@ -1,12 +1,7 @@
 #include "cli/ExportReport.h"
 
+#include "cli/Terminal.h"
 #include "model/JsonMapping.h"
-
-#include <cstdio>
-
-#ifdef Q_OS_UNIX
-#include <unistd.h>
-#endif
 
 using namespace Qt::StringLiterals;
 
@@ -25,31 +20,6 @@ struct SummaryLine {
     double peakMemoryBytes = 0;
     bool interrupted = false;
 };
-
-void print(std::FILE* stream, const QString& line)
-{
-    std::fputs((line + u'\n').toUtf8().constData(), stream);
-    std::fflush(stream);
-}
-
-// A name from a file on part of a line; what would steer a terminal goes.
-QString printable(const QString& name)
-{
-    constexpr qsizetype most = 80;
-    QString text = name.simplified();
-    text.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });
-    return text.size() > most ? text.first(most - 1) + u'…' : text;
-}
-
-bool isTerminal(std::FILE* stream)
-{
-#ifdef Q_OS_UNIX
-    return isatty(fileno(stream)) != 0;
-#else
-    Q_UNUSED(stream);
-    return false;
-#endif
-}
 
 }    // namespace
 

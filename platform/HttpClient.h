@@ -15,6 +15,9 @@
 
 class QNetworkAccessManager;
 
+// A name or an address of this machine.
+bool isLoopback(const QString& host);
+
 using HttpHeaders = QList<std::pair<QByteArray, QByteArray>>;
 
 struct HttpRequest {

@@ -392,6 +392,18 @@ void StudioSession::setObjective(const QString& objective)
     change([&](Batch& batch) { batch.objective = objective; });
 }
 
+void StudioSession::setAccountPanel(std::optional<AccountPanelDestination> panel)
+{
+    if (std::exchange(m_accountPanel, panel) != panel)
+        Q_EMIT presentationChanged();
+}
+
+void StudioSession::setAppSettingsPresented(bool presented)
+{
+    if (std::exchange(m_isAppSettingsPresented, presented) != presented)
+        Q_EMIT presentationChanged();
+}
+
 void StudioSession::setGenerationMode(CopyGenerationMode mode)
 {
     if (m_generationMode == mode)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "account/AccountPanelDestination.h"
 #include "model/CopyGenerationMode.h"
 #include "model/Pace.h"
 #include "studio/Batch.h"
@@ -48,6 +49,12 @@ public:
     // Also for who works with the session.
     void setStatus(const QString& status, StatusTone tone = StatusTone::info);
     CopyGenerationMode generationMode() const { return m_generationMode; }
+    // The screen of the account that lies over the window, if one does; then those of the program.
+    std::optional<AccountPanelDestination> accountPanel() const { return m_accountPanel; }
+    void setAccountPanel(std::optional<AccountPanelDestination> panel);
+    bool isAppSettingsPresented() const { return m_isAppSettingsPresented; }
+    void setAppSettingsPresented(bool presented);
+
     // What an import has accepted so far; empty when none runs.
     const PhotoImport::Progress& importProgress() const { return m_importProgress; }
     bool isImporting() const { return m_import != nullptr; }
@@ -133,6 +140,7 @@ Q_SIGNALS:
     void batchChanged();
     void statusChanged();
     void generationModeChanged();
+    void presentationChanged();
     void copiedStyleChanged();
     void importChanged();    // began, went on or ended
 
@@ -176,6 +184,8 @@ private:
     QString m_status;
     StatusTone m_statusTone = StatusTone::info;
     QElapsedTimer m_statusTold;
+    std::optional<AccountPanelDestination> m_accountPanel;
+    bool m_isAppSettingsPresented = false;
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
     std::shared_ptr<PhotoImport::Control> m_import;    // of the import under way
     PhotoImport::Progress m_importProgress;

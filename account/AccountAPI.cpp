@@ -1,0 +1,406 @@
+#include "account/AccountAPI.h"
+
+#include "account/AccountError.h"
+#include "account/ImagePayload.h"
+#include "account/LocalService.h"
+#include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
+
+#include <QCoroFuture>
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QUrlQuery>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString sessionCookieDefaultsKey = u"tallerioSessionCookieHeader"_s;
+const QString legacyTokenKey = u"tallerioSessionToken"_s;    // the bare token of earlier builds
+constexpr QByteArrayView sessionCookiePrefix = "tallerio_session=";
+
+const QString clientIdentifier = u"moltiva-macos"_s;
+const QString checkoutClient = u"macos-native"_s;
+constexpr int mostRedirections = 5;
+
+// What a stored value may hold as part of a header.
+bool isHeaderText(QByteArrayView text)
+{
+    return std::ranges::all_of(text, [](char c) { return c >= 0x20 && c < 0x7f; });
+}
+
+QByteArray storedCookie(const PreferencesStore& preferences)
+{
+    QByteArray cookie = preferences.value(sessionCookieDefaultsKey).value_or(QByteArray());
+    const QByteArray token = preferences.value(legacyTokenKey).value_or(QByteArray());
+    if (cookie.isEmpty() && !token.isEmpty())
+        cookie = sessionCookiePrefix.toByteArray() + token;
+    return isHeaderText(cookie) ? cookie : QByteArray();
+}
+
+bool isRedirection(int status)
+{
+    constexpr std::array statuses{301, 302, 303, 307, 308};
+    return std::ranges::find(statuses, status) != statuses.end();
+}
+
+std::optional<QUrl> locationIn(const HttpReply& reply, const QUrl& asked)
+{
+    const auto found = std::ranges::find_if(reply.headers, [](const auto& header) {
+        return header.first.compare("location", Qt::CaseInsensitive) == 0;
+    });
+    if (!isRedirection(reply.status) || found == reply.headers.end())
+        return std::nullopt;
+    return asked.resolved(QUrl::fromEncoded(found->second, QUrl::StrictMode));
+}
+
+bool sameOrigin(const QUrl& one, const QUrl& other)
+{
+    const auto port = [](const QUrl& url) {
+        return url.port(url.scheme() == u"https"_s ? 443 : 80);
+    };
+    return one.scheme() == other.scheme() && one.host() == other.host() && port(one) == port(other);
+}
+
+// As every client does: what was asked for lies elsewhere, unless the status says to ask again.
+void redirect(HttpRequest& request, const QUrl& location, int status)
+{
+    request.url = location;
+    if (status == 307 || status == 308 || request.method == "GET")
+        return;
+    request.method = "GET";
+    request.body.reset();
+    request.headers.removeIf([](const auto& header) { return header.first == "Content-Type"; });
+}
+
+}    // namespace
+
+QByteArray sessionCookieIn(const HttpHeaders& headers)
+{
+    QByteArray found;
+    for (const auto& [name, value] : headers) {
+        if (name.compare("set-cookie", Qt::CaseInsensitive) != 0)
+            continue;
+        const qsizetype start = value.indexOf(sessionCookiePrefix);
+        if (start < 0)
+            continue;
+        const qsizetype end = value.indexOf(';', start);
+        const QByteArray cookie = value.mid(start, end < 0 ? -1 : end - start).trimmed();
+        if (cookie.size() > sessionCookiePrefix.size() && isHeaderText(cookie))
+            found = cookie;
+    }
+    return found;
+}
+
+QByteArray acceptedBody(const HttpReply& reply, const QString& siteName)
+{
+    if (reply.status == 401)
+        throw AccountError::unauthorized();
+    if (reply.status < 200 || reply.status > 299) {
+        const auto payload = fromWire<APIErrorPayload>(reply.body).value_or(APIErrorPayload());
+        const QString code = payload.error.value_or(u"server_error"_s);
+        throw AccountError::message(userMessage(code, siteName), code);
+    }
+    return reply.body;
+}
+
+// A request as it is asked for: path and query are encoded, the body is JSON.
+struct AccountAPI::Call {
+    QByteArray method;
+    QByteArray path;
+    std::optional<QByteArray> body = std::nullopt;
+    Base base = Base::service;
+};
+
+AccountAPI::AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
+                       LocalService* local, RequestLimits limits, QObject* parent)
+    : QObject(parent), m_configuration(configuration), m_preferences(preferences), m_local(local),
+      m_limits(limits), m_sessionCookieHeader(storedCookie(preferences))
+{
+}
+
+AccountAPI::~AccountAPI() = default;
+
+QUrl AccountAPI::address(Base base) const
+{
+    const auto& configured = base == Base::service ? m_configuration.service : m_configuration.site;
+    if (configured)
+        return *configured;
+    return m_local ? m_local->knownAddress() : QUrl();
+}
+
+QCoro::Task<> AccountAPI::locate()
+{
+    if (m_local && (!m_configuration.service || !m_configuration.site))
+        co_await m_local->address();
+}
+
+// The network layer would follow to any origin, with our cookie.
+QCoro::Task<HttpReply> AccountAPI::sendFollowing(HttpRequest request, std::stop_token stop)
+{
+    const QPointer<AccountAPI> self = this;
+    const std::chrono::milliseconds limit = request.timeout;
+    QElapsedTimer watch;
+    watch.start();
+    for (int redirections = 0;; ++redirections) {
+        request.timeout = limit - std::chrono::milliseconds(watch.elapsed());
+        HttpReply reply = co_await m_http.send(request, stop);
+        if (!self)
+            co_return reply;
+        rememberSessionCookie(reply.headers);
+        const std::optional<QUrl> location = locationIn(reply, request.url);
+        if (!location || !sameOrigin(*location, request.url) || redirections == mostRedirections)
+            co_return reply;
+        redirect(request, *location, reply.status);
+    }
+}
+
+QCoro::Task<QByteArray> AccountAPI::exchange(Call call, std::stop_token stop)
+{
+    const QPointer<AccountAPI> self = this;
+    co_await locate();
+    if (!self)
+        throw AccountError::invalidResponse();
+    HttpRequest request;
+    request.method = call.method;
+    request.url = address(call.base).resolved(QUrl::fromEncoded(call.path));
+    request.timeout = call.body ? m_limits.withBody : m_limits.withoutBody;
+    request.headers = {{"Accept", "application/json"}, {"X-Client", "Moltiva-macOS"}};
+    if (call.body)
+        request.headers.emplaceBack("Content-Type", "application/json");
+    if (!m_sessionCookieHeader.isEmpty())
+        request.headers.emplaceBack("Cookie", m_sessionCookieHeader);
+    request.body = std::move(call.body);
+    const QByteArray cookie = m_sessionCookieHeader;
+    const HttpReply reply = co_await sendFollowing(std::move(request), stop);
+    if (!self)
+        throw AccountError::invalidResponse();
+    if (reply.status == 401)
+        forgetSessionCookie(cookie);
+    co_return acceptedBody(reply, m_configuration.siteName);
+}
+
+template <typename Reply>
+QCoro::Task<Reply> AccountAPI::request(Call call, std::stop_token stop)
+{
+    const QByteArray body = co_await exchange(std::move(call), stop);
+    std::optional<Reply> reply = fromWire<Reply>(body);
+    if (!reply)
+        throw AccountError::invalidResponse();
+    co_return std::move(*reply);
+}
+
+void AccountAPI::rememberSessionCookie(const HttpHeaders& headers)
+{
+    const QByteArray cookie = sessionCookieIn(headers);
+    if (cookie.isEmpty())
+        return;
+    m_sessionCookieHeader = cookie;
+    m_preferences.setValue(sessionCookieDefaultsKey, cookie);
+    m_preferences.remove(legacyTokenKey);
+}
+
+// Only the one that was refused: another may have come meanwhile, to this process or to another
+// that keeps it in the same place.
+void AccountAPI::forgetSessionCookie(const QByteArray& cookie)
+{
+    if (storedCookie(m_preferences) == cookie) {
+        m_preferences.remove(sessionCookieDefaultsKey);
+        m_preferences.remove(legacyTokenKey);
+    }
+    if (m_sessionCookieHeader == cookie)
+        m_sessionCookieHeader.clear();
+}
+
+QCoro::Task<AccountSummary> AccountAPI::me(std::stop_token stop)
+{
+    Call call{"GET", "/api/auth/me"};
+    return request<AccountSummary>(std::move(call), stop);
+}
+
+QCoro::Task<AccountSummary> AccountAPI::login(QString email, QString password, std::stop_token stop)
+{
+    Call call{"POST", "/api/auth/login", toWire(CredentialsRequest{email, password})};
+    return request<AccountSummary>(std::move(call), stop);
+}
+
+QCoro::Task<AccountSummary> AccountAPI::registerAccount(QString email, QString password,
+                                                        std::stop_token stop)
+{
+    Call call{"POST", "/api/auth/register", toWire(CredentialsRequest{email, password})};
+    return request<AccountSummary>(std::move(call), stop);
+}
+
+QCoro::Task<> AccountAPI::logout(std::stop_token stop)
+{
+    const QPointer<AccountAPI> self = this;
+    const QByteArray cookie = m_sessionCookieHeader;
+    Call call{"POST", "/api/auth/logout", toWire(EmptyRequest())};
+    try {
+        co_await request<BasicOK>(std::move(call), stop);
+    } catch (const AccountError& error) {
+        if (error.kind() != AccountError::Kind::unauthorized)
+            throw;
+    }
+    if (self)
+        forgetSessionCookie(cookie);
+}
+
+QCoro::Task<AccountSummary> AccountAPI::updateProfile(QString fullName, std::stop_token stop)
+{
+    Call call{"PATCH", "/api/auth/profile", toWire(ProfileRequest{fullName})};
+    return request<AccountSummary>(std::move(call), stop);
+}
+
+QCoro::Task<> AccountAPI::changePassword(QString currentPassword, QString newPassword,
+                                         QString confirmNewPassword, std::stop_token stop)
+{
+    const PasswordChangeRequest change{currentPassword, newPassword, confirmNewPassword};
+    Call call{"POST", "/api/auth/password", toWire(change)};
+    co_await request<BasicOK>(std::move(call), stop);
+}
+
+QCoro::Task<> AccountAPI::requestPasswordReset(QString email, std::stop_token stop)
+{
+    Call call{"POST", "/api/auth/password-reset/request", toWire(PasswordResetRequest{email})};
+    co_await request<BasicOK>(std::move(call), stop);
+}
+
+QCoro::Task<AccountSummary> AccountAPI::exchangeDesktopAuthToken(QString token,
+                                                                 std::stop_token stop)
+{
+    Call call{"POST", "/api/auth/desktop/exchange", toWire(DesktopAuthExchangeRequest{token})};
+    return request<AccountSummary>(std::move(call), stop);
+}
+
+QCoro::Task<CheckoutStart> AccountAPI::startCheckout(int credits, std::stop_token stop)
+{
+    Call call{"POST", "/api/stripe/checkout", toWire(CheckoutRequest{credits, checkoutClient})};
+    return request<CheckoutStart>(std::move(call), stop);
+}
+
+QCoro::Task<AccountSummary> AccountAPI::confirmCheckout(QString sessionId, std::stop_token stop)
+{
+    Call call{"POST", "/api/stripe/confirm", toWire(CheckoutConfirmRequest{sessionId})};
+    const auto confirmed = co_await request<CheckoutConfirmResponse>(std::move(call), stop);
+    AccountSummary summary;
+    summary.balance = confirmed.balance;
+    co_return summary;
+}
+
+QCoro::Task<PurchaseHistoryResponse> AccountAPI::purchaseHistory(std::stop_token stop)
+{
+    Call call{"GET", "/api/account/purchases"};
+    return request<PurchaseHistoryResponse>(std::move(call), stop);
+}
+
+QCoro::Task<PurchaseDocumentLinkResponse> AccountAPI::purchaseDocumentLink(QString purchaseId,
+                                                                           std::stop_token stop)
+{
+    Call call{"GET",
+              "/api/account/purchases/link?purchaseId=" + QUrl::toPercentEncoding(purchaseId)};
+    return request<PurchaseDocumentLinkResponse>(std::move(call), stop);
+}
+
+QCoro::Task<CreditOperationResponse>
+AccountAPI::reserveSocialCopyCredits(int cost, QString requestId, std::stop_token stop)
+{
+    Call call{"POST", "/api/credits/social-copy/reserve",
+              toWire(CreditOperationRequest{cost, requestId})};
+    return request<CreditOperationResponse>(std::move(call), stop);
+}
+
+QCoro::Task<CreditOperationResponse>
+AccountAPI::refundSocialCopyCredits(int cost, QString requestId, std::stop_token stop)
+{
+    Call call{"POST", "/api/credits/social-copy/refund",
+              toWire(CreditOperationRequest{cost, requestId})};
+    return request<CreditOperationResponse>(std::move(call), stop);
+}
+
+QCoro::Task<CloudCopyConfig> AccountAPI::socialCopyConfig(std::stop_token stop)
+{
+    Call call{"GET", "/api/publicaciones/config"};
+    return request<CloudCopyConfig>(std::move(call), stop);
+}
+
+QCoro::Task<GeneratedCopy> AccountAPI::generateSocialCopy(QUrl image, QString objective,
+                                                          SocialFormat format, QString requestId,
+                                                          std::stop_token stop)
+{
+    const QPointer<AccountAPI> self = this;
+    const QString path = image.toLocalFile();
+    QFuture<ImagePayload> preparing = runOnWorker([path] { return preparedImagePayload(path); });
+    const ImagePayload payload = co_await preparing;
+    if (!self)
+        throw AccountError::invalidResponse();
+    const SocialCopyGenerateRequest generation{requestId, objective, rawValue(format),
+                                               payload.mimeType, payload.bytes};
+    Call call{"POST", "/api/publicaciones/generate", toWire(generation)};
+    const auto response = co_await request<SocialCopyGenerateResponse>(std::move(call), stop);
+    co_return response.copy;
+}
+
+QCoro::Task<> AccountAPI::uploadTemplate(QString fileName, QByteArray jsonData,
+                                         std::optional<QString> oldFileName, std::stop_token stop)
+{
+    const TemplateUploadRequest upload{fileName, oldFileName, jsonData};
+    Call call{"POST", "/api/publicaciones/templates/update", toWire(upload)};
+    co_await request<BasicOK>(std::move(call), stop);
+}
+
+QCoro::Task<> AccountAPI::deleteTemplate(QString fileName, std::stop_token stop)
+{
+    Call call{"POST", "/api/publicaciones/templates/delete",
+              toWire(TemplateDeleteRequest{fileName})};
+    co_await request<BasicOK>(std::move(call), stop);
+}
+
+QCoro::Task<SocialStatusResponse> AccountAPI::socialStatus(std::stop_token stop)
+{
+    Call call{"GET", "/api/social/status", std::nullopt, Base::site};
+    return request<SocialStatusResponse>(std::move(call), stop);
+}
+
+QCoro::Task<SocialConnectTokenResponse> AccountAPI::socialConnectToken(QString network,
+                                                                       std::stop_token stop)
+{
+    Call call{"POST", "/api/social/connect-token", toWire(SocialConnectTokenRequest{network}),
+              Base::site};
+    return request<SocialConnectTokenResponse>(std::move(call), stop);
+}
+
+QCoro::Task<SocialPublishResponse>
+AccountAPI::publishSocialPost(QString network, QString caption, QList<SocialPublishImage> images,
+                              QString requestId, QString placement, std::stop_token stop)
+{
+    const QPointer<AccountAPI> self = this;
+    const SocialPublishRequest post{network, caption, std::move(images), requestId, placement};
+    QFuture<QByteArray> encoding = runOnWorker([post] { return toWire(post); });
+    const QByteArray body = co_await encoding;
+    if (!self)
+        throw AccountError::invalidResponse();
+    Call call{"POST", "/api/social/publish", body, Base::site};
+    co_return co_await request<SocialPublishResponse>(std::move(call), stop);
+}
+
+QUrl AccountAPI::googleOAuthURL() const
+{
+    QUrl url = address(Base::service).resolved(QUrl(u"/api/auth/oauth/google"_s));
+    url.setQuery(u"client="_s + clientIdentifier);
+    return url;
+}
+
+QUrl AccountAPI::socialConnectionURL(const QString& network) const
+{
+    QUrlQuery query;
+    query.addQueryItem(u"network"_s,
+                       QString::fromLatin1(QUrl::toPercentEncoding(network.toLower())));
+    query.addQueryItem(u"client"_s, clientIdentifier);
+    QUrl url = address(Base::site).resolved(QUrl(u"/api/social/connect"_s));
+    url.setQuery(query);
+    return url;
+}

@@ -1,0 +1,113 @@
+#pragma once
+
+#include "account/AccountRecords.h"
+#include "account/ServiceConfiguration.h"
+#include "model/SocialFormat.h"
+#include "platform/HttpClient.h"
+
+#include <QCoroTask>
+#include <QObject>
+
+#include <chrono>
+#include <stop_token>
+
+class LocalService;
+class PreferencesStore;
+
+// From start to last byte. What carries images and templates may be slow.
+struct RequestLimits {
+    std::chrono::milliseconds withoutBody = std::chrono::seconds(35);
+    std::chrono::milliseconds withBody = std::chrono::seconds(260);
+};
+
+// The client of the account service and of the public web site: one function an endpoint. It holds
+// the cookie of the session, in the preferences between runs, and sends it with every request.
+//
+// All functions throw AccountError, or TransportError when there was no reply; a stop asked for is
+// the latter. Requests may overlap. Lives on the interface thread.
+class AccountAPI : public QObject {
+    Q_OBJECT
+public:
+    // The preferences and the local service outlive the client; the latter answers for what is not
+    // configured.
+    AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
+               LocalService* local = nullptr, RequestLimits limits = {}, QObject* parent = nullptr);
+    ~AccountAPI() override;
+
+    QCoro::Task<AccountSummary> me(std::stop_token stop = {});
+    QCoro::Task<AccountSummary> login(QString email, QString password, std::stop_token stop = {});
+    QCoro::Task<AccountSummary> registerAccount(QString email, QString password,
+                                                std::stop_token stop = {});
+    // The cookie is forgotten afterwards. A session that has ended already counts as ended.
+    QCoro::Task<> logout(std::stop_token stop = {});
+    QCoro::Task<AccountSummary> updateProfile(QString fullName, std::stop_token stop = {});
+    QCoro::Task<> changePassword(QString currentPassword, QString newPassword,
+                                 QString confirmNewPassword, std::stop_token stop = {});
+    QCoro::Task<> requestPasswordReset(QString email, std::stop_token stop = {});
+    QCoro::Task<AccountSummary> exchangeDesktopAuthToken(QString token, std::stop_token stop = {});
+
+    QCoro::Task<CheckoutStart> startCheckout(int credits, std::stop_token stop = {});
+    QCoro::Task<AccountSummary> confirmCheckout(QString sessionId, std::stop_token stop = {});
+    QCoro::Task<PurchaseHistoryResponse> purchaseHistory(std::stop_token stop = {});
+    QCoro::Task<PurchaseDocumentLinkResponse> purchaseDocumentLink(QString purchaseId,
+                                                                   std::stop_token stop = {});
+
+    QCoro::Task<CreditOperationResponse> reserveSocialCopyCredits(int cost, QString requestId,
+                                                                  std::stop_token stop = {});
+    QCoro::Task<CreditOperationResponse> refundSocialCopyCredits(int cost, QString requestId,
+                                                                 std::stop_token stop = {});
+
+    QCoro::Task<CloudCopyConfig> socialCopyConfig(std::stop_token stop = {});
+    QCoro::Task<GeneratedCopy> generateSocialCopy(QUrl image, QString objective,
+                                                  SocialFormat format, QString requestId,
+                                                  std::stop_token stop = {});
+
+    QCoro::Task<> uploadTemplate(QString fileName, QByteArray jsonData,
+                                 std::optional<QString> oldFileName, std::stop_token stop = {});
+    QCoro::Task<> deleteTemplate(QString fileName, std::stop_token stop = {});
+
+    QCoro::Task<SocialStatusResponse> socialStatus(std::stop_token stop = {});
+    QCoro::Task<SocialConnectTokenResponse> socialConnectToken(QString network,
+                                                               std::stop_token stop = {});
+    // `placement`: "feed" or "story".
+    QCoro::Task<SocialPublishResponse> publishSocialPost(QString network, QString caption,
+                                                         QList<SocialPublishImage> images,
+                                                         QString requestId,
+                                                         QString placement = QStringLiteral("feed"),
+                                                         std::stop_token stop = {});
+
+    // For the browser. The address of a local service is known once it has answered.
+    QCoro::Task<> locate();
+    QUrl googleOAuthURL() const;
+    QUrl socialConnectionURL(const QString& network) const;
+
+    const QString& siteName() const { return m_configuration.siteName; }
+    const QString& administratorEmail() const { return m_configuration.administratorEmail; }
+    bool holdsSession() const { return !m_sessionCookieHeader.isEmpty(); }
+
+private:
+    enum class Base { service, site };
+    struct Call;
+
+    QCoro::Task<HttpReply> sendFollowing(HttpRequest request, std::stop_token stop);
+    QCoro::Task<QByteArray> exchange(Call call, std::stop_token stop);
+    template <typename Reply>
+    QCoro::Task<Reply> request(Call call, std::stop_token stop);
+
+    QUrl address(Base base) const;
+    void rememberSessionCookie(const HttpHeaders& headers);
+    void forgetSessionCookie(const QByteArray& cookie);
+
+    const ServiceConfiguration m_configuration;
+    PreferencesStore& m_preferences;
+    LocalService* m_local;
+    const RequestLimits m_limits;
+    QByteArray m_sessionCookieHeader;    // "tallerio_session=…", empty without a session
+    HttpClient m_http;
+};
+
+// What to send back as "Cookie", of a reply's headers; empty when they hold no session.
+QByteArray sessionCookieIn(const HttpHeaders& headers);
+
+// The body of a reply, or the error that the reply stands for.
+QByteArray acceptedBody(const HttpReply& reply, const QString& siteName);

@@ -1,0 +1,517 @@
+#include "account/AccountSession.h"
+
+#include "account/AccountAPI.h"
+#include "account/AccountError.h"
+#include "account/WebAuthentication.h"
+
+#include <QPointer>
+#include <QUrlQuery>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString linkScheme = u"moltiva"_s;
+
+// Throws a TransportError when the operation takes longer; it is stopped then.
+template <typename Result>
+QCoro::Task<Result> withTimeout(std::chrono::milliseconds limit, QCoro::Task<Result> operation,
+                                std::stop_source stop)
+{
+    bool isOver = false;
+    QTimer timer;
+    timer.setSingleShot(true);
+    timer.callOnTimeout([&isOver, &stop] {
+        isOver = true;
+        stop.request_stop();
+    });
+    timer.start(limit);
+    try {
+        co_return co_await std::move(operation);
+    } catch (const TransportError&) {
+        if (!isOver)
+            throw;
+    }
+    throw TransportError(TransportError::Kind::timedOut,
+                         u"El servidor ha tardado demasiado en responder. Inténtalo otra vez."_s);
+}
+
+QString oauthMessage(const QString& code)
+{
+    if (code == u"oauth_not_configured"_s)
+        return u"El acceso con Google todavía no está configurado en Tallerio."_s;
+    if (code == u"oauth_invalid_state"_s)
+        return u"La sesión de Google ha caducado. Inténtalo otra vez."_s;
+    if (code == u"invalid_credentials"_s)
+        return u"Esta cuenta no puede acceder."_s;
+    return u"No se ha podido completar el acceso con Google."_s;
+}
+
+std::optional<QString> queryItem(const QUrl& url, const QString& name)
+{
+    const QUrlQuery query(url);
+    if (!query.hasQueryItem(name))
+        return std::nullopt;
+    return query.queryItemValue(name, QUrl::FullyDecoded);
+}
+
+}    // namespace
+
+AccountSession::AccountSession(AccountAPI& api, Surroundings surroundings, QObject* parent)
+    : QObject(parent), m_api(api), m_surroundings(std::move(surroundings))
+{
+    m_balanceSync.setInterval(m_surroundings.balanceSyncInterval);
+    m_balanceSync.callOnTimeout(this, [this] { refreshSilently(); });
+}
+
+// Whatever is under way goes on here with an exception, while the session is still there.
+AccountSession::~AccountSession()
+{
+    m_stop.request_stop();
+}
+
+bool AccountSession::isAdministrator() const
+{
+    const auto& profile = m_account.profile;
+    const QString& administrator = m_api.administratorEmail();
+    return profile && (profile->isAdmin.value_or(false) ||
+                       (!administrator.isEmpty() && profile->email.value_or(QString()).compare(
+                                                        administrator, Qt::CaseInsensitive) == 0));
+}
+
+QString AccountSession::displayName() const
+{
+    const AccountProfile profile = m_account.profile.value_or(AccountProfile());
+    for (const auto& name : {profile.fullName, profile.email}) {
+        if (name && !name->isEmpty())
+            return *name;
+    }
+    return u"Usuario"_s;
+}
+
+template <typename Work>
+QCoro::Task<> AccountSession::attempt(Work work)
+{
+    const QPointer<AccountSession> self = this;
+    const std::stop_token ended = m_stop.get_token();
+    ++m_actions;
+    Q_EMIT changed();
+    std::exception_ptr failure;
+    QString reason;
+    try {
+        co_await work();
+    } catch (const std::exception& error) {
+        failure = std::current_exception();
+        reason = readable(error);
+    }
+    if (self && !ended.stop_requested()) {
+        --m_actions;
+        if (failure)
+            tell(reason, Told::problem);
+        else
+            Q_EMIT changed();
+    }
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
+template <typename Work>
+QCoro::Task<bool> AccountSession::perform(Work work)
+{
+    try {
+        co_await attempt(std::move(work));
+    } catch (const std::exception&) {
+        co_return false;    // told already
+    }
+    co_return true;
+}
+
+QCoro::Task<bool> AccountSession::bootstrap()
+{
+    const QPointer<AccountSession> self = this;
+    const std::stop_token stop = m_stop.get_token();
+    m_isLoading = true;
+    Q_EMIT changed();
+    std::optional<QString> failure;
+    Told told = Told::problem;
+    try {
+        co_await check();
+    } catch (const std::exception& error) {
+        failure = readable(error);
+        const auto* refused = dynamic_cast<const AccountError*>(&error);
+        if (refused && refused->kind() == AccountError::Kind::unauthorized)
+            told = Told::info;    // nothing went wrong
+    }
+    if (!self || stop.stop_requested())
+        co_return false;
+    m_isLoading = false;
+    if (failure) {
+        setAccount({});
+        stopBalanceSync();
+        tell(*failure, told);
+    } else {
+        Q_EMIT changed();
+    }
+    co_return !failure;
+}
+
+QCoro::Task<> AccountSession::check()
+{
+    std::stop_source limited;
+    const std::stop_callback along(m_stop.get_token(), [&limited] { limited.request_stop(); });
+    const int version = m_accountVersion;
+    QCoro::Task<CloudCopyConfig> configuration = configurationOrFallback(limited.get_token());
+    QCoro::Task<AccountSummary> asking = m_api.me(limited.get_token());
+    const AccountSummary account =
+        co_await withTimeout(m_surroundings.startLimit, std::move(asking), limited);
+    // What is late by now is done without.
+    try {
+        m_cloudCopyConfig =
+            co_await withTimeout(m_surroundings.startLimit, std::move(configuration), limited);
+    } catch (const TransportError&) {
+        m_cloudCopyConfig = CloudCopyConfig::fallback();
+    }
+    if (version == m_accountVersion)
+        setAccount(account);
+    startBalanceSync();
+}
+
+QCoro::Task<CloudCopyConfig> AccountSession::configurationOrFallback(std::stop_token stop)
+{
+    const std::stop_token ended = m_stop.get_token();
+    try {
+        co_return co_await m_api.socialCopyConfig(stop);
+    } catch (const std::exception&) {
+        if (ended.stop_requested())
+            throw;
+    }
+    co_return CloudCopyConfig::fallback();
+}
+
+QCoro::Task<bool> AccountSession::refresh()
+{
+    return perform([this] { return reload(m_stop.get_token()); });
+}
+
+QCoro::Task<> AccountSession::reload(std::stop_token stop)
+{
+    const int version = m_accountVersion;
+    QCoro::Task<CloudCopyConfig> configuration = configurationOrFallback(stop);
+    const AccountSummary account = co_await m_api.me(stop);
+    m_cloudCopyConfig = co_await std::move(configuration);
+    if (version == m_accountVersion)
+        setAccount(account);
+    startBalanceSync();
+    tell(u"Cuenta actualizada."_s);
+}
+
+QCoro::Task<bool> AccountSession::refreshSilently()
+{
+    const int version = m_accountVersion;
+    const std::stop_token stop = m_stop.get_token();
+    try {
+        const AccountSummary account = co_await m_api.me(stop);
+        if (version == m_accountVersion)
+            setAccount(account);
+        co_return true;
+    } catch (const std::exception&) {
+    }
+    co_return false;
+}
+
+QCoro::Task<bool> AccountSession::login(QString email, QString password)
+{
+    return perform([this, email, password] {
+        return enter(m_api.login(email, password, m_stop.get_token()), u"Sesión iniciada."_s);
+    });
+}
+
+QCoro::Task<bool> AccountSession::registerAccount(QString email, QString password)
+{
+    return perform([this, email, password] {
+        return enter(m_api.registerAccount(email, password, m_stop.get_token()),
+                     u"Cuenta creada."_s);
+    });
+}
+
+QCoro::Task<> AccountSession::enter(QCoro::Task<AccountSummary> signingIn, QString told)
+{
+    const AccountSummary account = co_await std::move(signingIn);
+    setAccount(account);
+    tell(told);
+    startBalanceSync();
+    m_cloudCopyConfig = co_await configurationOrFallback(m_stop.get_token());
+}
+
+QCoro::Task<bool> AccountSession::requestPasswordReset(QString email)
+{
+    return perform([this, email] { return requestReset(email); });
+}
+
+QCoro::Task<> AccountSession::requestReset(QString email)
+{
+    co_await m_api.requestPasswordReset(email, m_stop.get_token());
+    tell(u"Si existe una cuenta con ese email, recibirás un enlace para crear una nueva "
+         "contraseña."_s);
+}
+
+QCoro::Task<bool> AccountSession::logout()
+{
+    return perform([this] { return leave(); });
+}
+
+QCoro::Task<> AccountSession::leave()
+{
+    co_await m_api.logout(m_stop.get_token());
+    stopBalanceSync();
+    m_pendingCheckout.reset();
+    m_purchaseHistory.clear();
+    setAccount({});
+    tell(u"Sesión cerrada."_s);
+}
+
+QCoro::Task<bool> AccountSession::updateProfile(QString fullName)
+{
+    return perform([this, fullName] { return saveProfile(fullName); });
+}
+
+QCoro::Task<> AccountSession::saveProfile(QString fullName)
+{
+    const AccountSummary account = co_await m_api.updateProfile(fullName, m_stop.get_token());
+    setAccount(account);
+    tell(u"Perfil guardado."_s);
+}
+
+QCoro::Task<bool> AccountSession::changePassword(QString currentPassword, QString newPassword,
+                                                 QString confirmNewPassword)
+{
+    return perform([this, currentPassword, newPassword, confirmNewPassword] {
+        return savePassword(currentPassword, newPassword, confirmNewPassword);
+    });
+}
+
+QCoro::Task<> AccountSession::savePassword(QString current, QString changed, QString confirmed)
+{
+    co_await m_api.changePassword(current, changed, confirmed, m_stop.get_token());
+    tell(u"Contraseña actualizada."_s);
+}
+
+QCoro::Task<bool> AccountSession::openGoogleLogin()
+{
+    return perform([this] { return startGoogleLogin(); });
+}
+
+QCoro::Task<> AccountSession::startGoogleLogin()
+{
+    const QPointer<AccountSession> self = this;
+    m_isSigningInOverWindow = false;
+    tell(u"Completa el acceso con Google."_s);
+    co_await m_api.locate();
+    if (!self)
+        co_return;
+    const QUrl url = m_api.googleOAuthURL();
+    WebAuthentication* overWindow = m_surroundings.webAuthentication;
+    const auto completed = [self](const GoogleAuthenticationResult& result) {
+        if (self)
+            self->handleGoogleAuthenticationResult(result);
+    };
+    if (overWindow && overWindow->start(url, linkScheme, completed)) {
+        m_isSigningInOverWindow = true;
+        co_return;
+    }
+    if (openInBrowser(url))
+        tell(u"Completa el acceso con Google en el navegador."_s);
+}
+
+void AccountSession::handleGoogleAuthenticationResult(const GoogleAuthenticationResult& result)
+{
+    using Failure = GoogleAuthenticationResult::Failure;
+    m_isSigningInOverWindow = false;
+    Q_EMIT changed();
+    if (result.error == Failure::cancelled)
+        tell(u"Acceso con Google cancelado."_s);
+    else if (result.error)
+        tell(u"No se ha podido completar el acceso con Google."_s, Told::problem);
+    else if (result.callbackURL)
+        handleDeepLink(*result.callbackURL);
+}
+
+bool AccountSession::handleDeepLink(const QUrl& url)
+{
+    if (url.scheme() != linkScheme)
+        return false;
+    if (url.host() == u"auth"_s)
+        handleAuthCallback(url);
+    else if (url.host() == u"social-connected"_s)
+        handleSocialConnectionCallback(url);
+    else
+        return false;
+    return true;
+}
+
+void AccountSession::handleAuthCallback(const QUrl& url)
+{
+    if (const auto code = queryItem(url, u"error"_s)) {
+        tell(oauthMessage(*code), Told::problem);
+        return;
+    }
+    const auto token = queryItem(url, u"token"_s);
+    if (!token) {
+        tell(oauthMessage({}), Told::problem);
+        return;
+    }
+    perform([this, token] {
+        return enter(m_api.exchangeDesktopAuthToken(*token, m_stop.get_token()),
+                     u"Sesión iniciada con Google."_s);
+    });
+}
+
+void AccountSession::handleSocialConnectionCallback(const QUrl& url)
+{
+    if (queryItem(url, u"status"_s) != u"ok"_s) {
+        tell(u"No se ha completado la conexión de la red social."_s, Told::problem);
+        return;
+    }
+    ++m_socialConnectionRefreshToken;
+    tell(u"Red social conectada. Ya puedes volver a la ventana de publicar."_s);
+    refreshSilently();
+}
+
+QCoro::Task<bool> AccountSession::buyCredits(int credits)
+{
+    return perform([this, credits] { return startCheckout(credits); });
+}
+
+QCoro::Task<> AccountSession::startCheckout(int credits)
+{
+    const CheckoutStart start = co_await m_api.startCheckout(credits, m_stop.get_token());
+    if (!start.url) {
+        tell(u"Stripe no ha devuelto URL de pago."_s, Told::problem);
+        co_return;
+    }
+    if (start.sessionId)
+        m_pendingCheckout = start.sessionId;
+    if (!openInBrowser(*start.url))
+        co_return;
+    tell(start.sessionId ? u"Checkout abierto. Cuando pagues, pulsa Confirmar compra."_s
+                         : u"Checkout abierto. Después refresca créditos."_s);
+}
+
+QCoro::Task<bool> AccountSession::confirmPendingCheckout()
+{
+    if (!m_pendingCheckout) {
+        tell(u"No hay una compra pendiente."_s, Told::problem);
+        co_return false;
+    }
+    const QString sessionId = *m_pendingCheckout;
+    co_return co_await perform([this, sessionId] { return confirmCheckout(sessionId); });
+}
+
+QCoro::Task<> AccountSession::confirmCheckout(QString sessionId)
+{
+    const AccountSummary confirmed = co_await m_api.confirmCheckout(sessionId, m_stop.get_token());
+    setBalance(confirmed.balance);
+    if (m_pendingCheckout == sessionId)    // not another one opened meanwhile
+        m_pendingCheckout.reset();
+    tell(u"Compra confirmada."_s);
+    // The purchase is confirmed whether or not the list of them comes.
+    try {
+        co_await loadPurchases();
+    } catch (const std::exception&) {
+    }
+}
+
+QCoro::Task<bool> AccountSession::refreshPurchaseHistory()
+{
+    return perform([this] { return loadPurchases(); });
+}
+
+QCoro::Task<> AccountSession::loadPurchases()
+{
+    const PurchaseHistoryResponse response = co_await m_api.purchaseHistory(m_stop.get_token());
+    m_purchaseHistory = response.purchases;
+}
+
+QCoro::Task<bool> AccountSession::openPurchaseDocument(QString purchaseId)
+{
+    return perform([this, purchaseId] { return openDocument(purchaseId); });
+}
+
+QCoro::Task<> AccountSession::openDocument(QString purchaseId)
+{
+    const auto link = co_await m_api.purchaseDocumentLink(purchaseId, m_stop.get_token());
+    if (openInBrowser(link.url))
+        tell(u"Factura abierta."_s);
+}
+
+QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, QString requestId)
+{
+    const auto reserving = [this, cost, requestId] {
+        return moveCredits(m_api.reserveSocialCopyCredits(cost, requestId, m_stop.get_token()),
+                           u"%1 créditos reservados."_s.arg(cost));
+    };
+    return attempt(reserving);
+}
+
+QCoro::Task<> AccountSession::refundCloudCopyCredits(int cost, QString requestId)
+{
+    const auto refunding = [this, cost, requestId] {
+        return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()),
+                           u"%1 créditos devueltos."_s.arg(cost));
+    };
+    return attempt(refunding);
+}
+
+QCoro::Task<> AccountSession::moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told)
+{
+    const CreditOperationResponse moved = co_await std::move(moving);
+    setBalance(moved.balance);
+    tell(told);
+}
+
+void AccountSession::setAccount(const AccountSummary& account)
+{
+    ++m_accountVersion;
+    m_account = account;
+    Q_EMIT changed();
+}
+
+void AccountSession::setBalance(int balance)
+{
+    AccountSummary account = m_account;
+    account.balance = balance;
+    setAccount(account);
+}
+
+void AccountSession::tell(const QString& message, Told told)
+{
+    m_message = message;
+    m_isProblem = told == Told::problem;
+    Q_EMIT changed();
+}
+
+// Addresses come from a server: only pages are opened, never files or programs.
+bool AccountSession::openInBrowser(const QUrl& url)
+{
+    const bool isPage = url.scheme() == u"https"_s || url.scheme() == u"http"_s;
+    if (isPage && m_surroundings.openInBrowser(url))
+        return true;
+    if (isPage) {
+        tell(u"No se ha podido abrir el navegador. Abre tú esta dirección: %1"_s.arg(
+                 url.toString(QUrl::FullyEncoded)),
+             Told::problem);
+    } else {
+        tell(u"El servidor ha dado una dirección que no se puede abrir."_s, Told::problem);
+    }
+    return false;
+}
+
+void AccountSession::startBalanceSync()
+{
+    m_balanceSync.start();
+}
+
+void AccountSession::stopBalanceSync()
+{
+    m_balanceSync.stop();
+}

@@ -1,0 +1,25 @@
+#include "account/ConnectedAccount.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Installed beside this program.
+QString serviceProgram()
+{
+    return QDir(QCoreApplication::applicationDirPath()).filePath(u"moltiva-service"_s);
+}
+
+}    // namespace
+
+ConnectedAccount::ConnectedAccount(const ServiceConfiguration& configuration,
+                                   PreferencesStore& preferences, const QString& dataFolder,
+                                   AccountSession::Surroundings surroundings)
+    : m_local({serviceProgram(), QDir(dataFolder).filePath(u"service"_s),
+               configuration.administratorEmail}),
+      m_api(configuration, preferences, &m_local), m_session(m_api, std::move(surroundings))
+{
+}

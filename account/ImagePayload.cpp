@@ -1,0 +1,77 @@
+#include "account/ImagePayload.h"
+
+#include "account/AccountError.h"
+#include "platform/PhotoDecoder.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageWriter>
+#include <QPainter>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int longestSide = 1600;
+constexpr int jpegQuality = 82;
+constexpr qint64 largestRaw = 40 << 20;    // the request that carries it may have 64 MiB
+
+QSize fittingSize(QSize photo)
+{
+    const double scale = qMin(1.0, double(longestSide) / qMax(photo.width(), photo.height()));
+    return QSize(qRound(photo.width() * scale), qRound(photo.height() * scale))
+        .expandedTo(QSize(1, 1));
+}
+
+// On white where it lets through: a JPEG cannot.
+QImage redrawn(const QImage& picture, QSize size)
+{
+    QImage drawn(size, QImage::Format_RGB32);
+    drawn.fill(Qt::white);
+    QPainter painter(&drawn);
+    painter.drawImage(0, 0, picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    return drawn;
+}
+
+QByteArray jpegOf(const QString& path)
+{
+    const auto photo = decodePhoto(path, [](const PhotoInfo& info) {
+        return coveringLevel(info.size, fittingSize(info.size));
+    });
+    QByteArray bytes;
+    if (!photo)
+        return bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, "jpeg");
+    writer.setQuality(jpegQuality);
+    if (!writer.write(redrawn(photo->image, fittingSize(photo->info.size))))
+        bytes.clear();
+    return bytes;
+}
+
+}    // namespace
+
+ImagePayload preparedImagePayload(const QString& path)
+{
+    if (const QByteArray jpeg = jpegOf(path); !jpeg.isEmpty())
+        return {u"image/jpeg"_s, jpeg};
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw AccountError::message(u"No se ha podido leer %1."_s.arg(QFileInfo(path).fileName()));
+    if (file.size() > largestRaw) {
+        const QString code = u"invalid_image"_s;
+        throw AccountError::message(userMessage(code), code);
+    }
+    return {mimeType(path), file.readAll()};
+}
+
+QString mimeType(const QString& path)
+{
+    const QString extension = QFileInfo(path).suffix().toLower();
+    if (extension == u"png"_s || extension == u"webp"_s)
+        return u"image/"_s + extension;
+    if (extension == u"heic"_s || extension == u"heif"_s)
+        return u"image/heic"_s;
+    return u"image/jpeg"_s;
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QCoroTask>
+#include <QLocalSocket>
+#include <QObject>
+#include <QTimer>
+#include <QUrl>
+
+#include <chrono>
+
+// The account service on this machine. It is started when its address is first asked for, shared
+// with whoever works on the same data, and ends when the last of them is gone; a new one is started
+// should it be gone before.
+class LocalService : public QObject {
+    Q_OBJECT
+public:
+    struct Place {
+        QString program;          // the executable
+        QString data;             // the folder of its database
+        QString administrator;    // e-mail
+    };
+
+    explicit LocalService(Place place, QObject* parent = nullptr);
+    ~LocalService() override;
+
+    // Throws TransportError when it cannot be started.
+    QCoro::Task<QUrl> address();
+    // Empty while it does not run.
+    const QUrl& knownAddress() const { return m_address; }
+
+    static constexpr std::chrono::seconds longestStart{6};
+
+Q_SIGNALS:
+    void settled();    // an attempt to reach it has ended, well or not
+
+private:
+    void begin();
+    void connectAgain();
+    void read();
+    void lost();
+    void settle();
+
+    const Place m_place;
+    QLocalSocket m_socket;    // held open: it tells the service that it is needed
+    QTimer m_retry;
+    QUrl m_address;
+    std::chrono::steady_clock::time_point m_begun;
+    bool m_isStarting = false, m_isLaunched = false;
+};

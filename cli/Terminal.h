@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdio>
+#include <optional>
+
+// One line, at once.
+void print(std::FILE* stream, const QString& line);
+
+// Text from elsewhere on part of a line; what would steer a terminal goes.
+QString printable(const QString& text);
+
+bool isTerminal(std::FILE* stream);
+
+// A line that is not shown while it is typed; without a terminal, the next line of standard input.
+// Nothing when it was cancelled or there is none.
+std::optional<QString> readSecret(const QString& prompt);

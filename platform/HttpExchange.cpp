@@ -1,0 +1,212 @@
+#include "platform/HttpExchange.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QSslError>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A body that cannot be rewound. The network layer sends a request again, by itself, when the
+// server hangs up before answering; what is asked for with a body may have been done by then.
+class OnceReadable final : public QIODevice {
+public:
+    OnceReadable(const QByteArray& data, QObject* parent) : QIODevice(parent), m_data(data)
+    {
+        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    }
+    bool isSequential() const override { return true; }
+    bool reset() override { return false; }
+    qint64 bytesAvailable() const override { return m_data.size() - m_read; }
+    bool atEnd() const override { return bytesAvailable() == 0; }
+
+protected:
+    qint64 readData(char* to, qint64 most) override
+    {
+        const qint64 count = qMin(most, bytesAvailable());
+        std::copy_n(m_data.constData() + m_read, count, to);
+        m_read += count;
+        return count;
+    }
+    qint64 writeData(const char*, qint64) override { return -1; }
+
+private:
+    const QByteArray m_data;
+    qint64 m_read = 0;
+};
+
+// What the toolkit's catalogue says too tersely, or not at all.
+struct Sentence {
+    QNetworkReply::NetworkError error;
+    QStringView text;
+};
+constexpr std::array sentences{
+    Sentence{QNetworkReply::ConnectionRefusedError,
+             u"No se ha podido conectar: el servidor no responde en esa dirección."},
+    Sentence{QNetworkReply::RemoteHostClosedError,
+             u"El servidor ha cortado la conexión. Inténtalo otra vez."},
+    Sentence{QNetworkReply::ContentReSendError,
+             u"El servidor ha cortado la conexión. Inténtalo otra vez."},
+    Sentence{QNetworkReply::HostNotFoundError,
+             u"No se encuentra el servidor. Comprueba tu conexión a internet."},
+    Sentence{QNetworkReply::TimeoutError,
+             u"El servidor ha tardado demasiado en responder. Inténtalo otra vez."},
+    Sentence{QNetworkReply::SslHandshakeFailedError,
+             u"No se ha podido comprobar la identidad del servidor: su certificado no es válido."},
+    Sentence{QNetworkReply::TemporaryNetworkFailureError,
+             u"Se ha perdido la conexión. Inténtalo otra vez."},
+    Sentence{QNetworkReply::NetworkSessionFailedError,
+             u"No hay conexión. Comprueba la red de este equipo."},
+    Sentence{QNetworkReply::UnknownNetworkError,
+             u"No se ha podido conectar con el servidor. Comprueba tu conexión a internet."},
+    Sentence{QNetworkReply::ProtocolFailure, u"No se ha podido leer la respuesta del servidor."},
+};
+
+TransportError stopped()
+{
+    return {TransportError::Kind::stopped, u"Operación cancelada."_s};
+}
+
+TransportError failureOf(const QNetworkReply& reply)
+{
+    using Kind = TransportError::Kind;
+    const auto error = reply.error();
+    const auto found = std::ranges::find(sentences, error, &Sentence::error);
+    const QString text = found == sentences.end() ? reply.errorString() : found->text.toString();
+    switch (error) {
+    case QNetworkReply::TimeoutError:
+        return {Kind::timedOut, text};
+    case QNetworkReply::ProtocolFailure:
+    case QNetworkReply::ProtocolUnknownError:
+    case QNetworkReply::ProtocolInvalidOperationError:
+        return {Kind::notHttp, text};
+    default:
+        return {Kind::unreachable, text};
+    }
+}
+
+// An answer is one whatever its status; the toolkit counts every status above 399 as an error.
+bool isAnswer(const QNetworkReply& reply)
+{
+    const auto error = reply.error();
+    const bool byStatus = error >= QNetworkReply::ContentAccessDenied &&
+                          error <= QNetworkReply::UnknownServerError &&
+                          error != QNetworkReply::ContentReSendError &&
+                          error != QNetworkReply::ProtocolUnknownError &&
+                          error != QNetworkReply::ProtocolInvalidOperationError &&
+                          error != QNetworkReply::ProtocolFailure;
+    return (error == QNetworkReply::NoError || byStatus) &&
+           reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
+}
+
+// Several headers of one name arrive joined by line breaks.
+HttpHeaders headersOf(const QNetworkReply& reply)
+{
+    HttpHeaders headers;
+    for (const auto& [name, joined] : reply.rawHeaderPairs()) {
+        for (const QByteArray& value : joined.split('\n'))
+            headers.append({name, value});
+    }
+    return headers;
+}
+
+QNetworkRequest prepared(const HttpRequest& request)
+{
+    QNetworkRequest network(request.url);
+    for (const auto& [name, value] : request.headers)
+        network.setRawHeader(name, value);
+    // A connection that is kept may be closed by the server just when the next request is on its
+    // way.
+    network.setRawHeader("Connection", "close");
+    const auto manual = QNetworkRequest::Manual;
+    network.setAttribute(QNetworkRequest::CookieLoadControlAttribute, manual);
+    network.setAttribute(QNetworkRequest::CookieSaveControlAttribute, manual);
+    network.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, manual);
+    network.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
+                         QNetworkRequest::AlwaysNetwork);
+    network.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    network.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::ManualRedirectPolicy);
+    network.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    if (request.body) {
+        network.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+        network.setHeader(QNetworkRequest::ContentLengthHeader, request.body->size());
+    }
+    return network;
+}
+
+}    // namespace
+
+HttpExchange::HttpExchange(QNetworkAccessManager& manager, const HttpRequest& request,
+                           std::stop_token stop, QObject* parent)
+    : QObject(parent), m_largest(request.largestReply)
+{
+    if (stop.stop_requested()) {
+        finish(stopped());
+        return;
+    }
+    QIODevice* upload = request.body ? new OnceReadable(*request.body, this) : nullptr;
+    m_reply = manager.sendCustomRequest(prepared(request), request.method, upload);
+    m_reply->setParent(this);
+    connect(m_reply, &QNetworkReply::readyRead, this, &HttpExchange::receive);
+    connect(m_reply, &QNetworkReply::finished, this, &HttpExchange::conclude);
+    m_timer.setSingleShot(true);
+    m_timer.callOnTimeout(this, [this] {
+        finish(TransportError(
+            TransportError::Kind::timedOut,
+            u"El servidor ha tardado demasiado en responder. Inténtalo otra vez."_s));
+    });
+    m_timer.start(qMax(std::chrono::milliseconds(0), request.timeout));
+    m_onStop.emplace(std::move(stop), [this] { this->stop(); });
+}
+
+HttpExchange::~HttpExchange()
+{
+    m_onStop.reset();    // would call into what is going
+    if (m_reply)
+        m_reply->disconnect(this);
+}
+
+void HttpExchange::stop()
+{
+    finish(stopped());
+}
+
+void HttpExchange::receive()
+{
+    m_body += m_reply->readAll();
+    if (m_body.size() > m_largest) {
+        finish(TransportError(TransportError::Kind::tooLarge,
+                              u"La respuesta del servidor es demasiado grande."_s));
+    }
+}
+
+void HttpExchange::conclude()
+{
+    receive();
+    if (m_outcome)
+        return;
+    if (!isAnswer(*m_reply)) {
+        finish(failureOf(*m_reply));
+        return;
+    }
+    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    finish(HttpReply{status, headersOf(*m_reply), std::move(m_body)});
+}
+
+void HttpExchange::finish(Outcome outcome)
+{
+    if (m_outcome)
+        return;
+    m_outcome = std::move(outcome);
+    m_timer.stop();
+    if (m_reply) {
+        m_reply->disconnect(this);
+        if (m_reply->isRunning())
+            m_reply->abort();
+    }
+    Q_EMIT finished();
+}
