@@ -13,6 +13,12 @@ RowButton::RowButton(Icon icon, const QString& text, QWidget* parent)
     setProperty("focusRadius", Radius::field);
 }
 
+void RowButton::setMark(Icon icon)
+{
+    m_mark = icon;
+    update();
+}
+
 QSize RowButton::sizeHint() const
 {
     return {2 * padding + iconSide + iconGap + qCeil(textWidth(Type::bodyMedium, text())),
@@ -33,4 +39,6 @@ void RowButton::paintEvent(QPaintEvent*)
     const double left = padding + iconSide + iconGap;
     paintText(painter, QRectF(left, 0, width() - left - padding, height()), Qt::AlignLeft,
               Type::bodyMedium, isEnabled() ? theme.text : theme.dis, text());
+    paintIcon(painter, m_mark, QRectF(width() - padding - iconSide, 0, iconSide, height()), 16,
+              ink);
 }

@@ -7,6 +7,8 @@ class RowButton : public Control {
     Q_OBJECT
 public:
     RowButton(Icon icon, const QString& text, QWidget* parent = nullptr);
+    // At the right end, of what it does with what is below.
+    void setMark(Icon icon);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -14,5 +16,5 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    Icon m_icon;
+    Icon m_icon, m_mark = Icon::none;
 };
