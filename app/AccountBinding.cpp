@@ -146,7 +146,7 @@ void AccountBinding::showSheets()
 
 void AccountBinding::togglePopover()
 {
-    if (m_popover) {
+    if (m_popover && m_popover->isVisible()) {
         m_popover->close();
         return;
     }

@@ -2,24 +2,17 @@
 
 #include "model/PlainText.h"
 
-#include <QDateTime>
-#include <QLocale>
 #include <QTextBoundaryFinder>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int longestLine = 300, longestText = 1000, longestDate = 24;
+constexpr int longestLine = 300, longestText = 1000;
 
 QString shortened(const QString& text, int longest)
 {
     return text.size() > longest ? text.left(longest).trimmed() + u'…' : text;
-}
-
-QLocale spanish()
-{
-    return QLocale(QLocale::Spanish, QLocale::Spain);
 }
 
 // As it is seen: a letter with its accents, a whole emoji.
@@ -61,25 +54,4 @@ QString firstNameOf(const QString& name)
 QString creditsText(qint64 balance)
 {
     return u"%1 créditos"_s.arg(balance);
-}
-
-QString moneyText(qint64 cents)
-{
-    return spanish().toString(double(cents) / 100, 'f', 2) + u" €"_s;
-}
-
-QString dateText(const QString& isoText)
-{
-    const QString text = shownLine(isoText);
-    QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
-    // A bare day is that day everywhere.
-    const QDate day = text.size() == 10 ? QDate::fromString(text, Qt::ISODate)
-                      : time.isValid()  ? time.toLocalTime().date()
-                                        : QDate();
-    return day.isValid() ? spanish().toString(day, u"d MMM yyyy"_s) : shortened(text, longestDate);
-}
-
-QString purchaseKindText(const QString& kind)
-{
-    return kind == u"credits" ? u"Créditos"_s : u"Almacenamiento"_s;
 }

@@ -11,7 +11,3 @@ QString shownText(const QString& text);
 QString initialsOf(const QString& name);    // "LF"; of an address its first letter
 QString firstNameOf(const QString& name);
 QString creditsText(qint64 balance);    // "4280 créditos"
-QString moneyText(qint64 cents);        // "10,00 €"
-// Of an ISO text, in local time: "12 oct 2026". What cannot be read stands as it is.
-QString dateText(const QString& isoText);
-QString purchaseKindText(const QString& kind);

@@ -68,6 +68,7 @@ LoginView::LoginView(QWidget* parent)
       m_form(new AccountForm(m_notice, this))
 {
     m_segments->setStretched(SegmentSize::large);
+    m_recover->setFlush();
     m_recover->setFixedHeight(24);
     m_password->addToLabel(m_recover);
     m_google->setStretched();
@@ -89,12 +90,14 @@ LoginView::LoginView(QWidget* parent)
     rows->addSpacing(22);
     rows->addWidget(m_explanation);
     rows->addSpacing(16);
+    auto* fields = new QVBoxLayout;
+    fields->setSpacing(12);
+    rows->addLayout(fields);
     for (FormField* field : {m_email, m_password, m_repeated}) {
-        rows->addWidget(field);
-        rows->addSpacing(12);
+        fields->addWidget(field);
         connect(field, &FormField::submitted, this, &LoginView::send);
     }
-    rows->addSpacing(10);
+    rows->addSpacing(22);
     for (const ModeRow& mode : modes) {
         auto* button = new PushButton(mode.icon, mode.action.toString(), ButtonKind::primary,
                                       ButtonSize::large);

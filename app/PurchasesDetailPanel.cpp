@@ -1,5 +1,6 @@
 #include "app/PurchasesDetailPanel.h"
 
+#include "account/PurchaseTexts.h"
 #include "app/AccountForm.h"
 #include "app/AccountTexts.h"
 #include "app/EmptyNote.h"
@@ -92,10 +93,10 @@ QWidget* PurchasesDetailPanel::rowOf(const PurchaseHistoryItem& purchase)
         both->addWidget(lower);
         columns->addLayout(both, stretch);
     };
-    const QString kind = purchaseKindText(purchase.kind);
+    const QString kind = purchaseKind(purchase);
     const QString detail = shownLine(purchase.detail);
-    const QString amount = moneyText(purchase.amountCents);
-    const QString date = dateText(purchase.createdAt.value_or(QString()));
+    const QString amount = purchaseAmount(purchase);
+    const QString date = shownLine(purchaseDate(purchase));
     row->setAccessibleName(QStringList{kind, detail, amount, date}.join(u", "_s));
     lines(new Caption(Type::heading, &Theme::text, kind),
           new Caption(Type::small, &Theme::text2, detail), 1);

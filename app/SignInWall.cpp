@@ -6,8 +6,10 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int side = 56, bottom = 48, rowHeight = 40;
-}
+constexpr int side = 56, bottom = 44;
+constexpr double leastShare = 0.8;    // of the height, where the picture is too wide for it
+
+}    // namespace
 
 SignInWall::SignInWall(QWidget* parent) : QWidget(parent)
 {
@@ -29,9 +31,11 @@ void SignInWall::paintEvent(QPaintEvent*)
         m_picture = QPixmap(u":/pictures/sign-in-wall.jpg"_s);
     if (m_picture.isNull() || rect().isEmpty())
         return;
-    // Covers the wall; what is too much goes at the sides and at the bottom.
+    // As wide as the wall; what it lacks below is dark anyhow.
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    const QSizeF shown = QSizeF(m_picture.size()).scaled(size(), Qt::KeepAspectRatioByExpanding);
+    const QSizeF shown =
+        QSizeF(m_picture.size())
+            .scaled(QSizeF(width(), height() * leastShare), Qt::KeepAspectRatioByExpanding);
     painter.drawPixmap(QRectF(QPointF((width() - shown.width()) / 2, 0), shown), m_picture,
                        m_picture.rect());
     QLinearGradient night(0, 0, 0, height());
@@ -42,12 +46,13 @@ void SignInWall::paintEvent(QPaintEvent*)
     painter.fillRect(rect(), night);
 
     const QStringList rows =
-        wrappedRows(u"De una carpeta de fotos\na una campaña lista para publicar."_s, Type::display,
+        wrappedRows(u"De una carpeta de fotos\na una campaña lista para publicar."_s, Type::claim,
                     width() - 2 * side, 3);
+    const double rowHeight = row(Type::claim).lineHeight;
     QRectF line(side, height() - bottom - rowHeight * double(rows.size()), width() - 2 * side,
                 rowHeight);
     for (const QString& text : rows) {
-        paintText(painter, line, Qt::AlignLeft, Type::display, Qt::white, text);
+        paintText(painter, line, Qt::AlignLeft, Type::claim, Qt::white, text);
         line.translate(0, rowHeight);
     }
 }

@@ -62,7 +62,8 @@ enum class Type {
     emptyTitle,
     sheetTitle,
     panelTitle,
-    display
+    display,
+    claim
 };
 struct TypeRow {
     Type type;
@@ -85,6 +86,7 @@ inline constexpr std::array types{
     TypeRow{Type::sheetTitle, 17, 24, QFont::DemiBold},
     TypeRow{Type::panelTitle, 20, 28, QFont::DemiBold},
     TypeRow{Type::display, 28, 32, QFont::DemiBold, -0.4, u"Inter Display"},
+    TypeRow{Type::claim, 32, 40, QFont::Bold, -0.6, u"Inter Display"},
 };
 constexpr const TypeRow& row(Type type)
 {

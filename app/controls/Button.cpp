@@ -100,6 +100,12 @@ void PushButton::setStretched()
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
+void PushButton::setFlush()
+{
+    m_isFlush = true;
+    updateGeometry();
+}
+
 void PushButton::setWorking(bool working)
 {
     if (working == isWorking())
@@ -163,6 +169,8 @@ QSize PushButton::sizeHint() const
 // What has no ground stands nearly flush with what is above and below it.
 int PushButton::padding() const
 {
+    if (m_isFlush)
+        return 0;
     return m_kind == ButtonKind::link ? 6 : row(m_size).padding;
 }
 
@@ -188,8 +196,8 @@ void PushButton::paintEvent(QPaintEvent*)
         fill = mixed(theme.accentSoft, mixed(theme.accentSoft, theme.accent, 0.14), hovered());
         ink = theme.accentText;
     } else if (m_kind == ButtonKind::link) {
-        fill = withOpacity(theme.hover, hovered());
-        ink = theme.accentText;
+        fill = withOpacity(theme.hover, m_isFlush ? 0 : hovered());
+        ink = m_isFlush ? mixed(theme.accentText, theme.text, hovered()) : theme.accentText;
     }
     if (!isEnabled()) {
         fill =

@@ -62,6 +62,8 @@ public:
     void setLabels(Labels labels);
     // As wide as its room, with icon and text in the middle.
     void setStretched();
+    // Of a link: its text ends where it ends.
+    void setFlush();
     // What it asked for goes on: a spinner stands for its icon, and presses have no effect. It
     // stays enabled, and so keeps the focus.
     void setWorking(bool working);
@@ -82,6 +84,7 @@ private:
     ButtonSize m_size;
     Joined m_joined = Joined::no;
     Labels m_labels = Labels::shown;
+    bool m_isFlush = false;
     QTimer m_spin;
     double m_turn = 0;    // of the spinner
 };

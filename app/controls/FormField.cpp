@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int iconSide = 20, eyeSide = 28, longestText = 2000, linkPadding = 6;
+constexpr int iconSide = 20, eyeSide = 28, longestText = 2000;
 struct SizeRow {
     FieldSize size;
     int height, padding, iconGap, radius;
@@ -201,7 +201,6 @@ FormField::FormField(const QString& label, FieldKind kind, FieldSize size, Icon 
 void FormField::addToLabel(QWidget* widget)
 {
     m_labelRow->layout()->addWidget(widget);
-    m_labelRow->layout()->setContentsMargins(0, 0, -linkPadding, 0);    // its text ends flush
 }
 
 void FormField::setShown(const QString& text)
