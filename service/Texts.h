@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+#include <algorithm>
+#include <optional>
+
+// No control characters, nothing unassigned, no half of a pair.
+inline bool isPrintable(const QString& text)
+{
+    const QList<uint> characters = text.toUcs4();
+    return std::ranges::all_of(characters, [](uint c) { return QChar::isPrint(char32_t(c)); });
+}
+
+// Trimmed; nothing when it is longer than `longest` or holds what is not printable.
+inline std::optional<QString> lineOfText(const QString& text, qsizetype longest)
+{
+    const QString trimmed = text.trimmed();
+    if (trimmed.size() > longest || !isPrintable(trimmed))
+        return std::nullopt;
+    return trimmed;
+}
+
+inline QString isoTime(qint64 milliseconds)
+{
+    return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC).toString(Qt::ISODate);
+}
