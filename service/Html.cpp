@@ -23,8 +23,8 @@ Html tag(const char* name, const Html& content, const Attributes& attributes)
     for (const auto& [key, value] : attributes)
         code += u" "_s + QString::fromLatin1(key) + u"=\""_s + escaped(value) + u"\""_s;
     code += u">"_s;
-    if (!QStringList{u"input"_s, u"img"_s, u"br"_s}.contains(word))
-        code += content.code + u"</"_s + word + u">\n"_s;
+    if (!QStringList{u"input"_s, u"img"_s}.contains(word))
+        code += content.code + u"</"_s + word + u">"_s;
     return {code};
 }
 

@@ -23,7 +23,7 @@ using Attributes = QList<std::pair<const char*, QString>>;
 QString escaped(const QString& text);
 
 Html text(const QString& text);
-// Input, img and br have no end and no content.
+// Input and img have no end and no content.
 Html tag(const char* name, const Html& content = {}, const Attributes& attributes = {});
 Html paragraph(const QString& text, const QString& kind = {});
 Html link(const QString& address, const QString& label, const QString& kind = {});

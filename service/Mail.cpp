@@ -32,6 +32,12 @@ QString headerValue(const QByteArray& head, const QByteArray& name)
     return {};
 }
 
+QString shownDate(const QString& written)
+{
+    const QDateTime time = QDateTime::fromString(written, Qt::RFC2822Date);
+    return QLocale(u"es_ES"_s).toString(time.toLocalTime(), u"d 'de' MMMM 'de' yyyy, H:mm"_s);
+}
+
 }    // namespace
 
 bool storeMail(const QDir& folder, const QString& to, const QString& subject, const QString& text,
@@ -67,7 +73,7 @@ QList<MailEntry> storedMails(const QDir& folder)
         const qsizetype end = all.indexOf("\n\n");
         const QByteArray head = all.left(end);
         mails.append({name, headerValue(head, "To"), headerValue(head, "Subject"),
-                      headerValue(head, "Date"), QString::fromUtf8(all.mid(end + 2))});
+                      shownDate(headerValue(head, "Date")), QString::fromUtf8(all.mid(end + 2))});
     }
     return mails;
 }

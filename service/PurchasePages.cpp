@@ -94,8 +94,8 @@ ServiceReply invoicePage(Visit& visit)
     const auto row = [](const QString& name, const QString& value) {
         return value.isEmpty() ? Html{} : tag("dt", text(name)) + tag("dd", text(value));
     };
-    const QString date = spanish().toString(QDateTime::fromMSecsSinceEpoch(invoice->created).date(),
-                                            QLocale::LongFormat);
+    const QString date = spanish().toString(QDateTime::fromMSecsSinceEpoch(invoice->created),
+                                            u"d 'de' MMMM 'de' yyyy"_s);
     const Html facts =
         tag("dl", row(u"Pedido"_s, invoice->orderNumber) + row(u"Fecha"_s, date) +
                       row(u"Nombre"_s, invoice->fullName) + row(u"Email"_s, invoice->email));

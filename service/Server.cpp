@@ -4,6 +4,7 @@
 #include "service/PacedStream.h"
 #include "service/Routes.h"
 #include "service/Service.h"
+#include "service/Texts.h"
 #include "service/Threads.h"
 #include "service/Visit.h"
 
@@ -25,6 +26,7 @@ constexpr int mostRequests = 1000;    // on one connection
 constexpr int waitingConnections = 512;
 constexpr qsizetype longestPath = 512;
 
+constexpr size_t largestBody = 161 << 20;
 constexpr qint64 receivedAtOnce = qint64(1) << 30;    // bytes of bodies
 constexpr qint64 handledAtOnce = 256 << 20;
 // A body is text, parsed text, a record and what the record holds.
@@ -157,8 +159,8 @@ public:
             ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
         });
         set_tcp_nodelay(true);
-        // Only for bodies that no handler reads.
-        set_payload_max_length(size_t(smallBody));
+        // The routes have limits of their own.
+        set_payload_max_length(largestBody);
         set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& reply) {
             return answerWithoutBody(request, reply) ? HandlerResponse::Handled
                                                      : HandlerResponse::Unhandled;
@@ -287,7 +289,8 @@ private:
             throw Refusal(400, "invalid_request", u"the length of the body"_s);
         result.method = *method;
         result.path = QString::fromStdString(request.path);
-        if (result.path.size() > longestPath)
+        // A line end would also slip past the pattern of the handlers.
+        if (result.path.size() > longestPath || !isPrintable(result.path))
             throw Refusal(404, "not_found");
         result.base = u"http://"_s + ownHost(request);
         for (const auto& [name, value] : request.params) {

@@ -10,14 +10,18 @@
 inline bool isPrintable(const QString& text)
 {
     const QList<uint> characters = text.toUcs4();
-    return std::ranges::all_of(characters, [](uint c) { return QChar::isPrint(char32_t(c)); });
+    return text.isValidUtf16() &&
+           std::ranges::all_of(characters, [](uint c) { return QChar::isPrint(char32_t(c)); });
 }
 
-// Trimmed; nothing when it is longer than `longest` or holds what is not printable.
+// Trimmed; nothing when it is longer than `longest` or holds control characters. What joins the
+// parts of an emoji is none.
 inline std::optional<QString> lineOfText(const QString& text, qsizetype longest)
 {
     const QString trimmed = text.trimmed();
-    if (trimmed.size() > longest || !isPrintable(trimmed))
+    const auto isControl = [](QChar c) { return c.category() == QChar::Other_Control; };
+    if (trimmed.size() > longest || !trimmed.isValidUtf16() ||
+        std::ranges::any_of(trimmed, isControl))
         return std::nullopt;
     return trimmed;
 }
