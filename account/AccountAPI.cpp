@@ -76,6 +76,20 @@ void redirect(HttpRequest& request, const QUrl& location, int status)
     request.headers.removeIf([](const auto& header) { return header.first == "Content-Type"; });
 }
 
+QCoro::Task<AccountSummary> confirmed(QCoro::Task<CheckoutConfirmResponse> asking)
+{
+    const CheckoutConfirmResponse response = co_await std::move(asking);
+    AccountSummary summary;
+    summary.balance = response.balance;
+    co_return summary;
+}
+
+QCoro::Task<GeneratedCopy> generated(QCoro::Task<SocialCopyGenerateResponse> asking)
+{
+    const SocialCopyGenerateResponse response = co_await std::move(asking);
+    co_return response.copy;
+}
+
 }    // namespace
 
 QByteArray sessionCookieIn(const HttpHeaders& headers)
@@ -106,6 +120,9 @@ QByteArray acceptedBody(const HttpReply& reply, const QString& siteName)
     }
     return reply.body;
 }
+
+// Requests are put together outside of the coroutines that send them: GCC 12 destroys twice what
+// those initialise member by member.
 
 // A request as it is asked for: path and query are encoded, the body is JSON.
 struct AccountAPI::Call {
@@ -193,6 +210,23 @@ QCoro::Task<Reply> AccountAPI::request(Call call, std::stop_token stop)
     co_return std::move(*reply);
 }
 
+// With a body that is still being written out.
+template <typename Reply>
+QCoro::Task<Reply> AccountAPI::requestPrepared(Call call, QFuture<QByteArray> body,
+                                               std::stop_token stop)
+{
+    const QPointer<AccountAPI> self = this;
+    call.body = co_await body;
+    if (!self)
+        throw AccountError::invalidResponse();
+    co_return co_await request<Reply>(std::move(call), stop);
+}
+
+QCoro::Task<> AccountAPI::obey(Call call, std::stop_token stop)
+{
+    co_await request<BasicOK>(std::move(call), stop);
+}
+
 void AccountAPI::rememberSessionCookie(const HttpHeaders& headers)
 {
     const QByteArray cookie = sessionCookieIn(headers);
@@ -236,9 +270,13 @@ QCoro::Task<AccountSummary> AccountAPI::registerAccount(QString email, QString p
 
 QCoro::Task<> AccountAPI::logout(std::stop_token stop)
 {
+    return end({"POST", "/api/auth/logout", toWire(EmptyRequest())}, stop);
+}
+
+QCoro::Task<> AccountAPI::end(Call call, std::stop_token stop)
+{
     const QPointer<AccountAPI> self = this;
     const QByteArray cookie = m_sessionCookieHeader;
-    Call call{"POST", "/api/auth/logout", toWire(EmptyRequest())};
     try {
         co_await request<BasicOK>(std::move(call), stop);
     } catch (const AccountError& error) {
@@ -260,13 +298,14 @@ QCoro::Task<> AccountAPI::changePassword(QString currentPassword, QString newPas
 {
     const PasswordChangeRequest change{currentPassword, newPassword, confirmNewPassword};
     Call call{"POST", "/api/auth/password", toWire(change)};
-    co_await request<BasicOK>(std::move(call), stop);
+    return obey(std::move(call), stop);
 }
 
 QCoro::Task<> AccountAPI::requestPasswordReset(QString email, std::stop_token stop)
 {
-    Call call{"POST", "/api/auth/password-reset/request", toWire(PasswordResetRequest{email})};
-    co_await request<BasicOK>(std::move(call), stop);
+    const PasswordResetRequest reset{email};
+    Call call{"POST", "/api/auth/password-reset/request", toWire(reset)};
+    return obey(std::move(call), stop);
 }
 
 QCoro::Task<AccountSummary> AccountAPI::exchangeDesktopAuthToken(QString token,
@@ -284,11 +323,9 @@ QCoro::Task<CheckoutStart> AccountAPI::startCheckout(int credits, std::stop_toke
 
 QCoro::Task<AccountSummary> AccountAPI::confirmCheckout(QString sessionId, std::stop_token stop)
 {
-    Call call{"POST", "/api/stripe/confirm", toWire(CheckoutConfirmRequest{sessionId})};
-    const auto confirmed = co_await request<CheckoutConfirmResponse>(std::move(call), stop);
-    AccountSummary summary;
-    summary.balance = confirmed.balance;
-    co_return summary;
+    const CheckoutConfirmRequest confirmation{sessionId};
+    Call call{"POST", "/api/stripe/confirm", toWire(confirmation)};
+    return confirmed(request<CheckoutConfirmResponse>(std::move(call), stop));
 }
 
 QCoro::Task<PurchaseHistoryResponse> AccountAPI::purchaseHistory(std::stop_token stop)
@@ -331,17 +368,14 @@ QCoro::Task<GeneratedCopy> AccountAPI::generateSocialCopy(QUrl image, QString ob
                                                           SocialFormat format, QString requestId,
                                                           std::stop_token stop)
 {
-    const QPointer<AccountAPI> self = this;
-    const QString path = image.toLocalFile();
-    QFuture<ImagePayload> preparing = runOnWorker([path] { return preparedImagePayload(path); });
-    const ImagePayload payload = co_await preparing;
-    if (!self)
-        throw AccountError::invalidResponse();
-    const SocialCopyGenerateRequest generation{requestId, objective, rawValue(format),
-                                               payload.mimeType, payload.bytes};
-    Call call{"POST", "/api/publicaciones/generate", toWire(generation)};
-    const auto response = co_await request<SocialCopyGenerateResponse>(std::move(call), stop);
-    co_return response.copy;
+    // Reading, encoding and writing out take longer than a frame.
+    const auto prepare = [path = image.toLocalFile(), objective, format, requestId] {
+        const ImagePayload payload = preparedImagePayload(path);
+        return toWire(SocialCopyGenerateRequest{requestId, objective, rawValue(format),
+                                                payload.mimeType, payload.bytes});
+    };
+    return generated(requestPrepared<SocialCopyGenerateResponse>(
+        {"POST", "/api/publicaciones/generate"}, runOnWorker(prepare), stop));
 }
 
 QCoro::Task<> AccountAPI::uploadTemplate(QString fileName, QByteArray jsonData,
@@ -349,14 +383,14 @@ QCoro::Task<> AccountAPI::uploadTemplate(QString fileName, QByteArray jsonData,
 {
     const TemplateUploadRequest upload{fileName, oldFileName, jsonData};
     Call call{"POST", "/api/publicaciones/templates/update", toWire(upload)};
-    co_await request<BasicOK>(std::move(call), stop);
+    return obey(std::move(call), stop);
 }
 
 QCoro::Task<> AccountAPI::deleteTemplate(QString fileName, std::stop_token stop)
 {
-    Call call{"POST", "/api/publicaciones/templates/delete",
-              toWire(TemplateDeleteRequest{fileName})};
-    co_await request<BasicOK>(std::move(call), stop);
+    const TemplateDeleteRequest deletion{fileName};
+    Call call{"POST", "/api/publicaciones/templates/delete", toWire(deletion)};
+    return obey(std::move(call), stop);
 }
 
 QCoro::Task<SocialStatusResponse> AccountAPI::socialStatus(std::stop_token stop)
@@ -377,14 +411,10 @@ QCoro::Task<SocialPublishResponse>
 AccountAPI::publishSocialPost(QString network, QString caption, QList<SocialPublishImage> images,
                               QString requestId, QString placement, std::stop_token stop)
 {
-    const QPointer<AccountAPI> self = this;
     const SocialPublishRequest post{network, caption, std::move(images), requestId, placement};
-    QFuture<QByteArray> encoding = runOnWorker([post] { return toWire(post); });
-    const QByteArray body = co_await encoding;
-    if (!self)
-        throw AccountError::invalidResponse();
-    Call call{"POST", "/api/social/publish", body, Base::site};
-    co_return co_await request<SocialPublishResponse>(std::move(call), stop);
+    return requestPrepared<SocialPublishResponse>(
+        {"POST", "/api/social/publish", std::nullopt, Base::site},
+        runOnWorker([post] { return toWire(post); }), stop);
 }
 
 QUrl AccountAPI::googleOAuthURL() const

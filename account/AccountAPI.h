@@ -6,6 +6,7 @@
 #include "platform/HttpClient.h"
 
 #include <QCoroTask>
+#include <QFuture>
 #include <QObject>
 
 #include <chrono>
@@ -93,6 +94,10 @@ private:
     QCoro::Task<QByteArray> exchange(Call call, std::stop_token stop);
     template <typename Reply>
     QCoro::Task<Reply> request(Call call, std::stop_token stop);
+    template <typename Reply>
+    QCoro::Task<Reply> requestPrepared(Call call, QFuture<QByteArray> body, std::stop_token stop);
+    QCoro::Task<> obey(Call call, std::stop_token stop);
+    QCoro::Task<> end(Call call, std::stop_token stop);
 
     QUrl address(Base base) const;
     void rememberSessionCookie(const HttpHeaders& headers);

@@ -47,6 +47,16 @@ QString oauthMessage(const QString& code)
     return u"No se ha podido completar el acceso con Google."_s;
 }
 
+QCoro::Task<bool> wasDone(QCoro::Task<> attempt)
+{
+    try {
+        co_await std::move(attempt);
+    } catch (const std::exception&) {
+        co_return false;    // told already
+    }
+    co_return true;
+}
+
 std::optional<QString> queryItem(const QUrl& url, const QString& name)
 {
     const QUrlQuery query(url);
@@ -118,12 +128,7 @@ QCoro::Task<> AccountSession::attempt(Work work)
 template <typename Work>
 QCoro::Task<bool> AccountSession::perform(Work work)
 {
-    try {
-        co_await attempt(std::move(work));
-    } catch (const std::exception&) {
-        co_return false;    // told already
-    }
-    co_return true;
+    return wasDone(attempt(std::move(work)));
 }
 
 QCoro::Task<bool> AccountSession::bootstrap()
@@ -159,6 +164,7 @@ QCoro::Task<> AccountSession::check()
 {
     std::stop_source limited;
     const std::stop_callback along(m_stop.get_token(), [&limited] { limited.request_stop(); });
+    const std::stop_token ended = m_stop.get_token();
     const int version = m_accountVersion;
     QCoro::Task<CloudCopyConfig> configuration = configurationOrFallback(limited.get_token());
     QCoro::Task<AccountSummary> asking = m_api.me(limited.get_token());
@@ -169,6 +175,8 @@ QCoro::Task<> AccountSession::check()
         m_cloudCopyConfig =
             co_await withTimeout(m_surroundings.startLimit, std::move(configuration), limited);
     } catch (const TransportError&) {
+        if (ended.stop_requested())
+            throw;
         m_cloudCopyConfig = CloudCopyConfig::fallback();
     }
     if (version == m_accountVersion)
@@ -399,17 +407,14 @@ QCoro::Task<> AccountSession::startCheckout(int credits)
 
 QCoro::Task<bool> AccountSession::confirmPendingCheckout()
 {
-    if (!m_pendingCheckout) {
-        tell(u"No hay una compra pendiente."_s, Told::problem);
-        co_return false;
-    }
-    const QString sessionId = *m_pendingCheckout;
-    co_return co_await perform([this, sessionId] { return confirmCheckout(sessionId); });
+    return perform([this] { return confirmCheckout(m_pendingCheckout); });
 }
 
-QCoro::Task<> AccountSession::confirmCheckout(QString sessionId)
+QCoro::Task<> AccountSession::confirmCheckout(std::optional<QString> sessionId)
 {
-    const AccountSummary confirmed = co_await m_api.confirmCheckout(sessionId, m_stop.get_token());
+    if (!sessionId)
+        throw AccountError::message(u"No hay una compra pendiente."_s);
+    const AccountSummary confirmed = co_await m_api.confirmCheckout(*sessionId, m_stop.get_token());
     setBalance(confirmed.balance);
     if (m_pendingCheckout == sessionId)    // not another one opened meanwhile
         m_pendingCheckout.reset();

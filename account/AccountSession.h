@@ -100,7 +100,7 @@ private:
     QCoro::Task<> saveProfile(QString fullName);
     QCoro::Task<> savePassword(QString current, QString changed, QString confirmed);
     QCoro::Task<> startCheckout(int credits);
-    QCoro::Task<> confirmCheckout(QString sessionId);
+    QCoro::Task<> confirmCheckout(std::optional<QString> sessionId);
     QCoro::Task<> loadPurchases();
     QCoro::Task<> openDocument(QString purchaseId);
     QCoro::Task<> startGoogleLogin();

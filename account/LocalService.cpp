@@ -3,8 +3,6 @@
 #include "account/ServiceRendezvous.h"
 #include "platform/HttpClient.h"
 
-#include <QCoroSignal>
-
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -59,7 +57,7 @@ QCoro::Task<QUrl> LocalService::address()
     if (m_address.isEmpty()) {
         if (!m_isStarting)
             begin();
-        co_await qCoro(this, &LocalService::settled);
+        co_await m_settled.wait();
     }
     if (m_address.isEmpty()) {
         throw TransportError(TransportError::Kind::unreachable,
@@ -72,6 +70,7 @@ void LocalService::begin()
 {
     m_isStarting = true;
     m_isLaunched = false;
+    m_settled.reset();
     m_begun = std::chrono::steady_clock::now();
     createPrivately(m_place.data);
     m_retry.start(0);    // never settled before anybody can wait for it
@@ -120,5 +119,5 @@ void LocalService::lost()
 void LocalService::settle()
 {
     m_isStarting = false;
-    Q_EMIT settled();
+    m_settled.complete();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Completion.h"
+
 #include <QCoroTask>
 #include <QLocalSocket>
 #include <QObject>
@@ -30,9 +32,6 @@ public:
 
     static constexpr std::chrono::seconds longestStart{6};
 
-Q_SIGNALS:
-    void settled();    // an attempt to reach it has ended, well or not
-
 private:
     void begin();
     void connectAgain();
@@ -44,6 +43,7 @@ private:
     QLocalSocket m_socket;    // held open: it tells the service that it is needed
     QTimer m_retry;
     QUrl m_address;
+    Completion m_settled;    // an attempt to reach it has ended, well or not
     std::chrono::steady_clock::time_point m_begun;
     bool m_isStarting = false, m_isLaunched = false;
 };

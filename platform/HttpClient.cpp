@@ -2,27 +2,9 @@
 
 #include "platform/HttpExchange.h"
 
-#include <QCoroSignal>
-
 #include <QHostAddress>
-#include <QNetworkAccessManager>
-#include <QNetworkProxy>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-// The system's, but never for this machine itself.
-class SystemProxies final : public QNetworkProxyFactory {
-public:
-    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery& query) override
-    {
-        return isLoopback(query.peerHostName()) ? QList{QNetworkProxy(QNetworkProxy::NoProxy)}
-                                                : systemProxyForQuery(query);
-    }
-};
-
-}    // namespace
 
 bool isLoopback(const QString& host)
 {
@@ -30,11 +12,7 @@ bool isLoopback(const QString& host)
            QHostAddress(host).isLoopback();
 }
 
-HttpClient::HttpClient(QObject* parent)
-    : QObject(parent), m_manager(new QNetworkAccessManager(this))
-{
-    m_manager->setProxyFactory(new SystemProxies);    // taken over
-}
+HttpClient::HttpClient(QObject* parent) : QObject(parent) {}
 
 HttpClient::~HttpClient()
 {
@@ -46,11 +24,10 @@ HttpClient::~HttpClient()
 
 QCoro::Task<HttpReply> HttpClient::send(HttpRequest request, std::stop_token stop)
 {
-    auto* exchange = new HttpExchange(*m_manager, request, std::move(stop), this);
+    auto* exchange = new HttpExchange(request, std::move(stop), this);
     request.body.reset();    // the exchange shares it
-    if (!exchange->outcome())
-        co_await qCoro(exchange, &HttpExchange::finished);
-    HttpExchange::Outcome outcome = *exchange->outcome();
+    co_await exchange->finished().wait();
+    HttpExchange::Outcome outcome = exchange->outcome();
     exchange->deleteLater();
     if (const auto* failure = std::get_if<TransportError>(&outcome))
         throw *failure;

@@ -13,8 +13,6 @@
 #include <stop_token>
 #include <utility>
 
-class QNetworkAccessManager;
-
 // A name or an address of this machine.
 bool isLoopback(const QString& host);
 
@@ -40,14 +38,18 @@ class TransportError : public std::exception {
 public:
     enum class Kind { unreachable, timedOut, stopped, tooLarge, notHttp };
 
-    TransportError(Kind kind, const QString& text) : m_kind(kind), m_text(text) {}
+    TransportError(Kind kind, const QString& text)
+        : m_kind(kind), m_text(text), m_what(text.toUtf8())
+    {
+    }
     Kind kind() const { return m_kind; }
     const QString& text() const { return m_text; }    // for the user, in Spanish
-    const char* what() const noexcept override { return "no reply"; }
+    const char* what() const noexcept override { return m_what.constData(); }
 
 private:
     Kind m_kind;
     QString m_text;
+    QByteArray m_what;
 };
 
 // Sends requests and brings back whole replies. Keeps no cookies; follows no redirections;
@@ -61,7 +63,4 @@ public:
 
     // Throws TransportError.
     QCoro::Task<HttpReply> send(HttpRequest request, std::stop_token stop = {});
-
-private:
-    QNetworkAccessManager* m_manager;
 };

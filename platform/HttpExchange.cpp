@@ -1,6 +1,7 @@
 #include "platform/HttpExchange.h"
 
 #include <QNetworkAccessManager>
+#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QSslError>
 
@@ -19,7 +20,7 @@ public:
         open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     }
     bool isSequential() const override { return true; }
-    bool reset() override { return false; }
+    bool reset() override { return m_read == 0; }
     qint64 bytesAvailable() const override { return m_data.size() - m_read; }
     bool atEnd() const override { return bytesAvailable() == 0; }
 
@@ -36,6 +37,16 @@ protected:
 private:
     const QByteArray m_data;
     qint64 m_read = 0;
+};
+
+// The system's, but never for this machine itself.
+class SystemProxies final : public QNetworkProxyFactory {
+public:
+    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery& query) override
+    {
+        return isLoopback(query.peerHostName()) ? QList{QNetworkProxy(QNetworkProxy::NoProxy)}
+                                                : systemProxyForQuery(query);
+    }
 };
 
 // What the toolkit's catalogue says too tersely, or not at all.
@@ -88,18 +99,21 @@ TransportError failureOf(const QNetworkReply& reply)
     }
 }
 
-// An answer is one whatever its status; the toolkit counts every status above 399 as an error.
+// An answer is one whatever its status; the toolkit counts every status above 399 as an error, and
+// to be sent elsewhere with a body that it cannot rewind.
 bool isAnswer(const QNetworkReply& reply)
 {
-    const auto error = reply.error();
-    const bool byStatus = error >= QNetworkReply::ContentAccessDenied &&
-                          error <= QNetworkReply::UnknownServerError &&
-                          error != QNetworkReply::ContentReSendError &&
-                          error != QNetworkReply::ProtocolUnknownError &&
-                          error != QNetworkReply::ProtocolInvalidOperationError &&
-                          error != QNetworkReply::ProtocolFailure;
-    return (error == QNetworkReply::NoError || byStatus) &&
-           reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    switch (reply.error()) {
+    case QNetworkReply::ContentReSendError:
+        return status == 307 || status == 308;
+    case QNetworkReply::ProtocolUnknownError:
+    case QNetworkReply::ProtocolFailure:
+        return false;
+    default:
+        return status > 0 && (reply.error() == QNetworkReply::NoError ||
+                              reply.error() >= QNetworkReply::ContentAccessDenied);
+    }
 }
 
 // Several headers of one name arrive joined by line breaks.
@@ -118,9 +132,7 @@ QNetworkRequest prepared(const HttpRequest& request)
     QNetworkRequest network(request.url);
     for (const auto& [name, value] : request.headers)
         network.setRawHeader(name, value);
-    // A connection that is kept may be closed by the server just when the next request is on its
-    // way.
-    network.setRawHeader("Connection", "close");
+    network.setRawHeader("Connection", "close");    // nobody would use it again
     const auto manual = QNetworkRequest::Manual;
     network.setAttribute(QNetworkRequest::CookieLoadControlAttribute, manual);
     network.setAttribute(QNetworkRequest::CookieSaveControlAttribute, manual);
@@ -140,16 +152,16 @@ QNetworkRequest prepared(const HttpRequest& request)
 
 }    // namespace
 
-HttpExchange::HttpExchange(QNetworkAccessManager& manager, const HttpRequest& request,
-                           std::stop_token stop, QObject* parent)
-    : QObject(parent), m_largest(request.largestReply)
+HttpExchange::HttpExchange(const HttpRequest& request, std::stop_token stop, QObject* parent)
+    : QObject(parent), m_largest(request.largestReply), m_manager(new QNetworkAccessManager(this))
 {
+    m_manager->setProxyFactory(new SystemProxies);    // taken over
     if (stop.stop_requested()) {
         finish(stopped());
         return;
     }
     QIODevice* upload = request.body ? new OnceReadable(*request.body, this) : nullptr;
-    m_reply = manager.sendCustomRequest(prepared(request), request.method, upload);
+    m_reply = m_manager->sendCustomRequest(prepared(request), request.method, upload);
     m_reply->setParent(this);
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpExchange::receive);
     connect(m_reply, &QNetworkReply::finished, this, &HttpExchange::conclude);
@@ -208,5 +220,5 @@ void HttpExchange::finish(Outcome outcome)
         if (m_reply->isRunning())
             m_reply->abort();
     }
-    Q_EMIT finished();
+    m_finished.complete();
 }

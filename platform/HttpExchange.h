@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Completion.h"
 #include "platform/HttpClient.h"
 
 #include <QTimer>
@@ -7,24 +8,21 @@
 #include <functional>
 #include <variant>
 
+class QNetworkAccessManager;
 class QNetworkReply;
 
-// One request and what came of it. Emits finished() once.
+// One request and what came of it.
 class HttpExchange : public QObject {
     Q_OBJECT
 public:
     using Outcome = std::variant<HttpReply, TransportError>;
 
-    HttpExchange(QNetworkAccessManager& manager, const HttpRequest& request, std::stop_token stop,
-                 QObject* parent);
+    HttpExchange(const HttpRequest& request, std::stop_token stop, QObject* parent);
     ~HttpExchange() override;
 
-    // May have come before anybody could wait for it.
-    const std::optional<Outcome>& outcome() const { return m_outcome; }
+    Completion& finished() { return m_finished; }
+    const Outcome& outcome() const { return *m_outcome; }    // once it is finished
     void stop();
-
-Q_SIGNALS:
-    void finished();
 
 private:
     void receive();
@@ -32,9 +30,12 @@ private:
     void finish(Outcome outcome);
 
     const qint64 m_largest;
+    // Its own: a shared one would send over a connection that the server is about to close.
+    QNetworkAccessManager* m_manager;
     QNetworkReply* m_reply = nullptr;
     QByteArray m_body;
     QTimer m_timer;
     std::optional<Outcome> m_outcome;
+    Completion m_finished;
     std::optional<std::stop_callback<std::function<void()>>> m_onStop;
 };

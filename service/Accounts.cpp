@@ -1,0 +1,85 @@
+#include "service/Accounts.h"
+
+#include "service/Database.h"
+#include "service/Http.h"
+#include "service/Ledger.h"
+#include "service/Texts.h"
+
+#include <QUuid>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype longestEmail = 254, longestMailbox = 64;
+constexpr qsizetype shortestPassword = 8, longestPassword = 1000;
+constexpr qsizetype longestName = 120;
+
+std::optional<Account> firstOf(Rows rows)
+{
+    if (!rows.next())
+        return std::nullopt;
+    return Account{rows.number(0), rows.text(1), rows.text(2), rows.text(3), rows.bytes(4)};
+}
+
+}    // namespace
+
+std::optional<QString> normalizedEmail(const QString& email)
+{
+    const QString folded = email.trimmed().toCaseFolded();
+    const qsizetype at = folded.indexOf(u'@');
+    const bool isWhole = at > 0 && at <= longestMailbox && at < folded.size() - 1 &&
+                         folded.lastIndexOf(u'@') == at && folded.size() <= longestEmail;
+    const auto isOdd = [](QChar c) {
+        return c.isSpace() || QStringView(u"<>,;:\"\\()[]").contains(c);
+    };
+    if (!isWhole || !isPrintable(folded) || std::ranges::any_of(folded, isOdd))
+        return std::nullopt;
+    return folded;
+}
+
+bool isAcceptablePassword(const QString& password)
+{
+    return password.size() >= shortestPassword && password.size() <= longestPassword;
+}
+
+std::optional<Account> accountWithEmail(Transaction& transaction, const QString& email)
+{
+    return firstOf(transaction.rows(
+        "SELECT id, public_id, email, full_name, password FROM account WHERE email = ?", {email}));
+}
+
+std::optional<Account> accountWithId(Transaction& transaction, qint64 id)
+{
+    return firstOf(transaction.rows(
+        "SELECT id, public_id, email, full_name, password FROM account WHERE id = ?", {id}));
+}
+
+Account addAccount(Transaction& transaction, const QString& email, const QByteArray& passwordHash,
+                   qint64 now)
+{
+    if (accountWithEmail(transaction, email))
+        throw Refusal(409, "email_exists");
+    const QString publicId = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    transaction.run(
+        "INSERT INTO account (public_id, email, password, created) VALUES (?, ?, ?, ?)",
+        {publicId, email,
+         passwordHash.isEmpty() ? SqlValue() : SqlValue(QString::fromLatin1(passwordHash)), now});
+    const qint64 id = transaction.lastId();
+    addWelcome(transaction, id, now);
+    return {id, publicId, email, {}, passwordHash};
+}
+
+void setFullName(Transaction& transaction, qint64 account, const QString& fullName)
+{
+    const auto name = lineOfText(fullName, longestName);
+    if (!name)
+        throw Refusal(400, "invalid_profile", u"fullName must be at most 120 characters"_s);
+    transaction.run("UPDATE account SET full_name = ? WHERE id = ?", {*name, account});
+}
+
+void setPassword(Transaction& transaction, qint64 account, const QByteArray& passwordHash)
+{
+    transaction.run("UPDATE account SET password = ? WHERE id = ?",
+                    {QString::fromLatin1(passwordHash), account});
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+class Transaction;
+
+struct Account {
+    qint64 id = 0;
+    QString publicId, email, fullName;
+    QByteArray passwordHash;    // empty: signs in with Google only
+};
+
+// Trimmed and case-folded; nothing when it cannot be an address.
+std::optional<QString> normalizedEmail(const QString& email);
+bool isAcceptablePassword(const QString& password);
+
+std::optional<Account> accountWithEmail(Transaction& transaction, const QString& email);
+std::optional<Account> accountWithId(Transaction& transaction, qint64 id);
+
+// With its welcome balance. Throws Refusal when the address has an account.
+Account addAccount(Transaction& transaction, const QString& email, const QByteArray& passwordHash,
+                   qint64 now);
+
+// Throws Refusal for a name that is too long or holds control characters.
+void setFullName(Transaction& transaction, qint64 account, const QString& fullName);
+void setPassword(Transaction& transaction, qint64 account, const QByteArray& passwordHash);

@@ -1,0 +1,35 @@
+#include "service/Attempts.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr qsizetype mostKeys = 10'000;
+
+}    // namespace
+
+bool Attempts::allow(const QString& key, qint64 now)
+{
+    const std::scoped_lock lock(m_mutex);
+    if (m_times.size() >= mostKeys)
+        dropOld(now);
+    if (m_times.size() >= mostKeys && !m_times.contains(key))
+        return false;
+    QList<qint64>& times = m_times[key];
+    times.removeIf([&](qint64 time) { return time <= now - m_window; });
+    if (times.size() >= m_most)
+        return false;
+    times.append(now);
+    return true;
+}
+
+void Attempts::forget(const QString& key)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_times.remove(key);
+}
+
+void Attempts::dropOld(qint64 now)
+{
+    m_times.removeIf([&](auto entry) { return entry.value().last() <= now - m_window; });
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "model/GeneratedCopy.h"
+#include "model/SocialFormat.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QUrl>
+
+#include <atomic>
+#include <optional>
+
+// Who writes texts for an image: anything that answers as "chat completions" do.
+struct CopyProvider {
+    QString address;    // with or without /chat/completions
+    QString key;        // may be empty: models on the own machine ask for none
+    QString model;
+};
+
+// From MOLTIVA_COPY_URL, _KEY and _MODEL, else from the group [copy] of moltiva.conf.
+CopyProvider configuredCopyProvider();
+
+struct CopyOrder {
+    QString objective;
+    SocialFormat format = SocialFormat::storyReel;
+    QString mimeType;
+    QByteArray image;
+};
+
+// Asks and waits, at most four minutes and until `isEnding`. Throws Refusal.
+GeneratedCopy forwardCopyOrder(const CopyProvider& provider, const CopyOrder& order,
+                               const std::atomic_bool& isEnding);
+
+// The texts in the answer of a provider; nothing unless all five are there.
+std::optional<GeneratedCopy> copyFromAnswer(QByteArrayView answer);

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+class Transaction;
+
+// Credits are entries that are only ever added; the balance is their sum and never negative. Who
+// calls commits.
+
+inline constexpr int largestBalance = 2'000'000'000;
+inline constexpr int largestCost = 1'000'000;
+
+int balance(Transaction& transaction, qint64 account);
+
+void addWelcome(Transaction& transaction, qint64 account, qint64 now);
+// Throws Refusal when the balance would grow beyond the largest.
+void addPurchase(Transaction& transaction, qint64 account, int credits, const QString& order,
+                 qint64 now);
+
+// A request identifier is open from its reserve to its refund. Reserving an open one again with
+// the same cost moves nothing; so does refunding one again that was given back. Both throw Refusal.
+void reserveCredits(Transaction& transaction, qint64 account, int cost, const QString& requestId,
+                    qint64 now);
+void refundCredits(Transaction& transaction, qint64 account, int cost, const QString& requestId,
+                   qint64 now);
+bool isReserved(Transaction& transaction, qint64 account, const QString& requestId);
+
+// Whether each account's last balance is the sum of its entries.
+bool ledgerAddsUp(Transaction& transaction);

@@ -1,0 +1,47 @@
+#include "service/Rendezvous.h"
+
+#include <QLocalServer>
+#include <QLocalSocket>
+
+Rendezvous::Rendezvous(const QString& socketPath, const QByteArray& line, Patience patience,
+                       QObject* parent)
+    : QObject(parent), m_server(new QLocalServer(this)), m_line(line), m_after(patience.after)
+{
+    m_server->setSocketOptions(QLocalServer::UserAccessOption);
+    QLocalServer::removeServer(socketPath);    // of one that was killed: we hold the lock
+    m_server->listen(socketPath);
+    connect(m_server, &QLocalServer::newConnection, this, [this] {
+        while (QLocalSocket* socket = m_server->nextPendingConnection())
+            greet(socket);
+    });
+    m_alone.setSingleShot(true);
+    connect(&m_alone, &QTimer::timeout, this, &Rendezvous::unused);
+    m_alone.start(patience.first);
+}
+
+bool Rendezvous::isListening() const
+{
+    return m_server->isListening();
+}
+
+void Rendezvous::close()
+{
+    m_server->close();
+}
+
+void Rendezvous::greet(QLocalSocket* socket)
+{
+    ++m_present;
+    m_alone.stop();
+    connect(socket, &QLocalSocket::readyRead, socket, [socket] { socket->readAll(); });
+    connect(socket, &QLocalSocket::disconnected, this, [this, socket] {
+        socket->deleteLater();
+        if (--m_present == 0)
+            m_alone.start(m_after);
+    });
+    socket->write(m_line);
+    socket->flush();
+    // It may have gone before anything listened to it.
+    if (socket->state() == QLocalSocket::UnconnectedState)
+        Q_EMIT socket->disconnected();
+}

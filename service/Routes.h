@@ -1,0 +1,33 @@
+#pragma once
+
+#include "service/Http.h"
+
+class Service;
+struct Visit;
+
+enum class RouteNeeds {
+    nothing,
+    session,
+    administrator,    // as well as a session
+    ourForm,          // was shown by us to the same browser
+};
+
+struct Route {
+    ServiceMethod method;
+    QStringView path;    // "*" stands for one segment
+    RouteNeeds needs;
+    qint64 largestBody;    // bytes
+    ServiceReply (*handle)(Visit& visit);
+};
+
+// What may be said before the body is there: throws Refusal for an unknown path, a wrong method or
+// a missing session; else gives how large the body may be.
+qint64 admit(Service& service, const ServiceRequest& head);
+
+// Never throws.
+ServiceReply answer(Service& service, const ServiceRequest& request);
+
+inline bool isApi(const QString& path)
+{
+    return path.startsWith(u"/api/");
+}

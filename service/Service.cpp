@@ -1,0 +1,59 @@
+#include "service/Service.h"
+
+#include "service/Accounts.h"
+#include "service/Ledger.h"
+#include "service/Secrets.h"
+
+#include <QDateTime>
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
+
+ServiceSettings completed(ServiceSettings settings)
+{
+    if (!settings.now)
+        settings.now = [] { return QDateTime::currentMSecsSinceEpoch(); };
+    settings.administrator = normalizedEmail(settings.administrator).value_or(QString());
+    return settings;
+}
+
+// Kept, so that the forms of open pages outlive a start of the service.
+QByteArray keptFormKey(Transaction& transaction)
+{
+    Rows found = transaction.rows("SELECT value FROM setting WHERE name = 'form_key'");
+    if (found.next())
+        return found.bytes(0);
+    const QByteArray key = newKey();
+    transaction.run("INSERT INTO setting (name, value) VALUES ('form_key', ?)", {key});
+    return key;
+}
+
+}    // namespace
+
+Service::Service(const ServiceSettings& settings)
+    : m_settings(completed(settings)),
+      m_database(QDir(m_settings.dataFolder).filePath(u"servicio.sqlite"_s))
+{
+    Transaction transaction(m_database);
+    if (!ledgerAddsUp(transaction))
+        throw DatabaseError("the ledger does not add up");
+    m_formKey = keptFormKey(transaction);
+    transaction.commit();
+}
+
+bool Service::isAdministrator(const QString& email) const
+{
+    return !m_settings.administrator.isEmpty() && email == m_settings.administrator;
+}
+
+QDir Service::folder(const QString& name) const
+{
+    const QDir data(m_settings.dataFolder);
+    data.mkpath(name);
+    QFile::setPermissions(data.filePath(name), ownerOnly);
+    return QDir(data.filePath(name));
+}

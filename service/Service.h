@@ -1,0 +1,49 @@
+#pragma once
+
+#include "service/Attempts.h"
+#include "service/CopyForwarding.h"
+#include "service/Database.h"
+
+#include <QDir>
+#include <QString>
+
+#include <atomic>
+#include <functional>
+
+struct ServiceSettings {
+    QString dataFolder;       // exists
+    QString administrator;    // e-mail address; may be empty
+    std::function<CopyProvider()> copyProvider = configuredCopyProvider;
+    std::function<qint64()> now;    // milliseconds since 1970; the system's clock when empty
+};
+
+// What all requests share. Any thread.
+class Service {
+public:
+    // Throws DatabaseError.
+    explicit Service(const ServiceSettings& settings);
+
+    Database& database() { return m_database; }
+    qint64 now() const { return m_settings.now(); }
+    CopyProvider copyProvider() const { return m_settings.copyProvider(); }
+    bool isAdministrator(const QString& email) const;
+    const QByteArray& formKey() const { return m_formKey; }
+
+    Attempts& signInAttempts() { return m_signInAttempts; }
+    Attempts& resetAttempts() { return m_resetAttempts; }
+
+    // Made when it is missing; only the user may enter.
+    QDir folder(const QString& name) const;
+    const QString& dataFolder() const { return m_settings.dataFolder; }
+
+    // Requests that take long look at it.
+    std::atomic_bool& isEnding() { return m_isEnding; }
+
+private:
+    ServiceSettings m_settings;
+    Database m_database;
+    QByteArray m_formKey;
+    Attempts m_signInAttempts{10, 10 * 60 * 1000};
+    Attempts m_resetAttempts{5, 15 * 60 * 1000};
+    std::atomic_bool m_isEnding = false;
+};

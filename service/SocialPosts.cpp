@@ -1,0 +1,191 @@
+#include "service/SocialPosts.h"
+
+#include "service/Database.h"
+#include "service/Http.h"
+#include "service/ImageCheck.h"
+#include "service/Secrets.h"
+#include "service/Service.h"
+#include "service/Texts.h"
+
+#include <QFile>
+#include <QScopeGuard>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 mostPixels = 16'000'000;
+constexpr qsizetype longestCaption = 63'206, longestName = 80, longestRequestId = 200;
+
+Refusal wrongRequest(const QString& reason)
+{
+    return Refusal(400, "invalid_social_publish_request", reason);
+}
+
+void check(const SocialPublishRequest& request)
+{
+    const auto& network = row(knownNetwork(request.network));
+    if (request.placement != u"feed" && (request.placement != u"story" || !network.hasStories))
+        throw wrongRequest(u"placement must be feed, or story on Instagram"_s);
+    if (request.caption.size() > longestCaption)
+        throw wrongRequest(u"the caption is too long"_s);
+    if (request.requestId.isEmpty() || request.requestId.size() > longestRequestId ||
+        !isPrintable(request.requestId))
+        throw wrongRequest(u"requestId must be 1 to 200 characters"_s);
+    if (request.images.isEmpty() || request.images.size() > network.mostImages)
+        throw wrongRequest(u"1 to %1 images"_s.arg(network.mostImages));
+}
+
+void checkImages(const QList<SocialPublishImage>& images, const QDir& scratch)
+{
+    for (const SocialPublishImage& image : images) {
+        const bool isOfAKind = image.mimeType == u"image/png" || image.mimeType == u"image/jpeg";
+        if (!isOfAKind || !isImage(image.dataBase64, image.mimeType, mostPixels, scratch))
+            throw Refusal(400, "invalid_social_publish_image");
+    }
+}
+
+std::optional<QString> postOfRequest(Transaction& transaction, qint64 account,
+                                     const QString& requestId)
+{
+    Rows found = transaction.rows("SELECT id FROM social_post WHERE account = ? AND request_id = ?",
+                                  {account, requestId});
+    return found.next() ? std::optional(found.text(0)) : std::nullopt;
+}
+
+QString connectedName(Transaction& transaction, qint64 account, const QString& network)
+{
+    Rows found = transaction.rows(
+        "SELECT display_name FROM social_connection WHERE account = ? AND network = ?",
+        {account, network});
+    if (!found.next())
+        throw Refusal(409, "social_account_not_connected");
+    return found.text(0);
+}
+
+void writeImages(const QDir& posts, const QString& id, const QList<SocialPublishImage>& images)
+{
+    posts.mkpath(id);
+    QFile::setPermissions(posts.filePath(id),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    for (qsizetype i = 0; i < images.size(); ++i) {
+        QFile file(imagePath(posts, id, int(i)));
+        const QByteArray& bytes = images[i].dataBase64;
+        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly,
+                       QFile::ReadOwner | QFile::WriteOwner) ||
+            file.write(bytes) != bytes.size() || !file.flush())
+            throw Refusal(500, "social_upload_failed");
+    }
+}
+
+QString typesOf(const QList<SocialPublishImage>& images)
+{
+    QStringList types;
+    for (const SocialPublishImage& image : images)
+        types.append(image.mimeType);
+    return types.join(u' ');
+}
+
+}    // namespace
+
+SocialNetwork knownNetwork(const QString& name)
+{
+    const auto network = fromRawValue<SocialNetwork>(name.toLower());
+    if (!network)
+        throw Refusal(400, "invalid_social_network");
+    return *network;
+}
+
+void connectNetwork(Transaction& transaction, qint64 account, SocialNetwork network,
+                    const QString& displayName, qint64 now)
+{
+    const auto name = lineOfText(displayName, longestName);
+    if (!name || name->isEmpty())
+        throw Refusal(400, "invalid_display_name");
+    transaction.run("INSERT INTO social_connection (account, network, display_name, connected)"
+                    " VALUES (?, ?, ?, ?) ON CONFLICT (account, network) DO UPDATE SET"
+                    " display_name = excluded.display_name, connected = excluded.connected",
+                    {account, rawValue(network), *name, now});
+}
+
+QList<SocialNetworkConnection> connections(Transaction& transaction, qint64 account,
+                                           const QString& base)
+{
+    QList<SocialNetworkConnection> all;
+    for (const auto& network : Vocabulary<SocialNetwork>::rows) {
+        const QString name = network.rawValue.toString();
+        SocialNetworkConnection one{
+            .network = name,
+            .name = network.title.toString(),
+            .provider = u"local"_s,
+            .providerConfigured = true,
+            .isConnected = false,
+            .displayName = {},
+            .connectedAt = {},
+            .connectURL =
+                QUrl(base + u"/api/social/connect?network="_s + name + u"&client=moltiva-macos"_s),
+        };
+        Rows found = transaction.rows("SELECT display_name, connected FROM social_connection"
+                                      " WHERE account = ? AND network = ?",
+                                      {account, name});
+        if (found.next()) {
+            one.isConnected = true;
+            one.displayName = found.text(0);
+            one.connectedAt = isoTime(found.number(1));
+        }
+        all.append(one);
+    }
+    return all;
+}
+
+QString publish(Service& service, qint64 account, const SocialPublishRequest& request)
+{
+    check(request);
+    const QString network = rawValue(knownNetwork(request.network));
+    {
+        Transaction transaction(service.database());
+        connectedName(transaction, account, network);
+        if (const auto made = postOfRequest(transaction, account, request.requestId))
+            return *made;
+    }
+    checkImages(request.images, service.folder(u"temporal"_s));
+
+    const QDir posts = service.folder(u"publicaciones"_s);
+    const QString id = QString::fromLatin1(newToken());
+    auto discard = qScopeGuard([&] { QDir(posts.filePath(id)).removeRecursively(); });
+    writeImages(posts, id, request.images);
+    Transaction transaction(service.database());
+    // The same request may have come twice at once.
+    if (const auto made = postOfRequest(transaction, account, request.requestId))
+        return *made;
+    transaction.run("INSERT INTO social_post (id, account, request_id, network, display_name,"
+                    " placement, caption, image_types, created) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)",
+                    {id, account, request.requestId, network,
+                     connectedName(transaction, account, network), request.placement,
+                     request.caption, typesOf(request.images), service.now()});
+    transaction.commit();
+    discard.dismiss();
+    return id;
+}
+
+std::optional<SocialPost> postWithId(Transaction& transaction, const QString& id)
+{
+    Rows found = transaction.rows("SELECT network, display_name, placement, caption, image_types,"
+                                  " created FROM social_post WHERE id = ?",
+                                  {id});
+    const auto network = found.next() ? fromRawValue<SocialNetwork>(found.text(0)) : std::nullopt;
+    if (!network)
+        return std::nullopt;
+    return SocialPost{id,
+                      *network,
+                      found.text(1),
+                      found.text(2),
+                      found.text(3),
+                      found.text(4).split(u' '),
+                      found.number(5)};
+}
+
+QString imagePath(const QDir& posts, const QString& id, int index)
+{
+    return posts.filePath(u"%1/%2"_s.arg(id).arg(index + 1));
+}

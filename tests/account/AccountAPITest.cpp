@@ -1,0 +1,363 @@
+#include "account/AccountAPI.h"
+#include "account/AccountError.h"
+#include "platform/PreferencesStore.h"
+#include "tests/account/Awaited.h"
+#include "tests/account/ScriptedServer.h"
+
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString cookieKey = u"tallerioSessionCookieHeader"_s;
+const QString legacyKey = u"tallerioSessionToken"_s;
+const QByteArray summary = R"({"balance":7,"profile":{"id":"1","email":"a@b.es"}})";
+
+class AccountAPITest : public testing::Test {
+protected:
+    QTemporaryDir folder;
+    PreferencesStore preferences{folder.filePath(u"p.sqlite"_s)};
+    ScriptedServer server;
+
+    std::unique_ptr<AccountAPI> client(RequestLimits limits = {})
+    {
+        return std::make_unique<AccountAPI>(server.configuration(), preferences, nullptr, limits);
+    }
+    void answer(const QByteArray& bytes)
+    {
+        server.setAnswer([bytes](const auto&) { return bytes; });
+    }
+    void answer(int status, const QByteArray& body, const QByteArray& headers = {})
+    {
+        answer(ScriptedServer::reply(status, body, headers));
+    }
+};
+
+// What a call ended in, as the user would read it; "" when it was done.
+template <typename Result>
+QString outcome(QCoro::Task<Result> task)
+{
+    try {
+        awaited(std::move(task));
+        return {};
+    } catch (const std::exception& error) {
+        return readable(error);
+    }
+}
+
+template <typename Result>
+std::optional<TransportError::Kind> transportFailure(QCoro::Task<Result> task)
+{
+    try {
+        awaited(std::move(task));
+    } catch (const TransportError& error) {
+        return error.kind();
+    } catch (const AccountError&) {
+    }
+    return std::nullopt;
+}
+
+}    // namespace
+
+TEST_F(AccountAPITest, EachEndpointAsksAndReadsAsTheServiceExpects)
+{
+    const auto api = client();
+    preferences.setValue(cookieKey, "unused");
+    struct Row {
+        QByteArray asked, body, reply;
+        std::function<QString()> call;
+    };
+    const QByteArray ok = R"({"ok":true})", credits = R"({"balance":3,"cost":5,"ok":true})";
+    const auto text = [](int number) { return QString::number(number); };
+    const QList<Row> rows{
+        {"GET /api/auth/me", "", summary, [&] { return text(awaited(api->me()).balance); }},
+        {"POST /api/auth/login", R"({"email":"a","password":"ñ\""})", summary,
+         [&] { return text(awaited(api->login(u"a"_s, u"ñ\""_s)).balance); }},
+        {"POST /api/auth/register", R"({"email":"a","password":"p"})", summary,
+         [&] { return text(awaited(api->registerAccount(u"a"_s, u"p"_s)).balance); }},
+        {"PATCH /api/auth/profile", R"({"fullName":"Lucía"})", summary,
+         [&] { return *awaited(api->updateProfile(u"Lucía"_s)).profile->email; }},
+        {"POST /api/auth/password",
+         R"({"currentPassword":"a","newPassword":"b","confirmNewPassword":"c"})", ok,
+         [&] { return outcome(api->changePassword(u"a"_s, u"b"_s, u"c"_s)); }},
+        {"POST /api/auth/password-reset/request", R"({"email":"a"})", "{}",
+         [&] { return outcome(api->requestPasswordReset(u"a"_s)); }},
+        {"POST /api/auth/desktop/exchange", R"({"token":"t"})", summary,
+         [&] { return text(awaited(api->exchangeDesktopAuthToken(u"t"_s)).balance); }},
+        {"POST /api/stripe/checkout", R"({"credits":10000,"client":"macos-native"})",
+         R"({"url":"https://pago.es/1","sessionId":null})",
+         [&] { return awaited(api->startCheckout(10000)).url->toString(); }},
+        {"POST /api/stripe/confirm", R"({"sessionId":"s"})", R"({"ok":true,"balance":12})",
+         [&] { return text(awaited(api->confirmCheckout(u"s"_s)).balance); }},
+        {"GET /api/account/purchases", "",
+         R"({"purchases":[{"id":"1","kind":"credits","amountCents":1000,"detail":"d",
+             "invoiceURL":""},{"id":2}]})",
+         [&] { return text(int(awaited(api->purchaseHistory()).purchases.size())); }},
+        {"GET /api/account/purchases/link?purchaseId=a%2Fb%26%3D%C3%B1%20", "",
+         R"({"url":"https://f.es/1"})",
+         [&] { return awaited(api->purchaseDocumentLink(u"a/b&=ñ "_s)).url.toString(); }},
+        {"POST /api/credits/social-copy/reserve", R"({"cost":5,"requestId":"r"})", credits,
+         [&] { return text(awaited(api->reserveSocialCopyCredits(5, u"r"_s)).balance); }},
+        {"POST /api/credits/social-copy/refund", R"({"cost":5,"requestId":"r"})", credits,
+         [&] { return text(awaited(api->refundSocialCopyCredits(5, u"r"_s)).balance); }},
+        {"GET /api/publicaciones/config", "",
+         R"({"enabled":false,"providerLabel":"p","costCredits":9,"macDownloadURL":"no"})",
+         [&] { return text(awaited(api->socialCopyConfig()).costCredits); }},
+        {"POST /api/publicaciones/templates/update",
+         R"({"fileName":"a.json","templateJSONBase64":"e30="})", ok,
+         [&] { return outcome(api->uploadTemplate(u"a.json"_s, "{}", std::nullopt)); }},
+        {"POST /api/publicaciones/templates/delete", R"({"fileName":"a.json"})", ok,
+         [&] { return outcome(api->deleteTemplate(u"a.json"_s)); }},
+        {"GET /api/social/status", "",
+         R"({"ok":true,"networks":[{"network":"instagram","name":"I","provider":"p",
+             "isConnected":true,"connectURL":"https://c.es"}]})",
+         [&] {
+             const auto networks = awaited(api->socialStatus()).networks;
+             return networks.value(0).isProviderConfigured() ? networks[0].name : QString();
+         }},
+        {"POST /api/social/connect-token", R"({"network":"facebook"})",
+         R"({"ok":true,"url":"https://c.es/t","expiresInSeconds":300})",
+         [&] { return text(awaited(api->socialConnectToken(u"facebook"_s)).expiresInSeconds); }},
+        {"POST /api/social/publish",
+         R"({"network":"instagram","caption":"c","images":[{"fileName":"f","mimeType":"image/png","dataBase64":"AAE="}],"requestId":"r","placement":"feed"})",
+         R"({"url":"https://p.es/1"})",
+         [&] {
+             const QList<SocialPublishImage> images{
+                 {u"f"_s, u"image/png"_s, QByteArray("\0\1", 2)}};
+             return awaited(api->publishSocialPost(u"instagram"_s, u"c"_s, images, u"r"_s))
+                 .url->toString();
+         }},
+    };
+    const QStringList read{u"7"_s,
+                           u"7"_s,
+                           u"7"_s,
+                           u"a@b.es"_s,
+                           {},
+                           {},
+                           u"7"_s,
+                           u"https://pago.es/1"_s,
+                           u"12"_s,
+                           u"1"_s,
+                           u"https://f.es/1"_s,
+                           u"3"_s,
+                           u"3"_s,
+                           u"9"_s,
+                           {},
+                           {},
+                           u"I"_s,
+                           u"300"_s,
+                           u"https://p.es/1"_s};
+    ASSERT_EQ(rows.size(), read.size());
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        SCOPED_TRACE(rows[i].asked.toStdString());
+        answer(200, rows[i].reply);
+        server.requests.clear();
+        EXPECT_EQ(rows[i].call(), read[i]);
+        ASSERT_EQ(server.requests.size(), 1);
+        const auto& asked = server.requests.first();
+        EXPECT_EQ(asked.method + ' ' + asked.target, rows[i].asked);
+        EXPECT_EQ(asked.body, rows[i].body);
+        EXPECT_EQ(asked.header("Accept"), "application/json");
+        EXPECT_EQ(asked.header("X-Client"), "Moltiva-macOS");
+        EXPECT_EQ(asked.header("Content-Type"), rows[i].body.isEmpty() ? "" : "application/json");
+        EXPECT_FALSE(asked.head.toLower().contains("\ncookie:"));
+    }
+    EXPECT_EQ(api->googleOAuthURL(),
+              QUrl(server.url().toString() + u"/api/auth/oauth/google?client=moltiva-macos"_s));
+    EXPECT_EQ(api->socialConnectionURL(u"Instagram"_s).query(),
+              u"network=instagram&client=moltiva-macos"_s);
+}
+
+TEST_F(AccountAPITest, FailuresBecomeSentences)
+{
+    struct Row {
+        int status;
+        QByteArray body;
+        QString text;
+    };
+    const QString general = u"No se ha podido completar la operación."_s;
+    const QString unreadable = u"No se ha podido leer la respuesta del servidor."_s;
+    const QList<Row> rows{
+        {500, R"({"error":"insufficient_credits"})", u"No tienes créditos suficientes."_s},
+        {409, R"({"error":"social_account_not_connected","reason":"x"})",
+         u"Necesitas conectar esa red en Ejemplo.es."_s},
+        {429, R"({"error":"never_heard_of"})", general},
+        {500, "<html><b>oops", general},
+        {404, R"({"error":7})", general},
+        {304, "", general},
+        {401, R"({"error":"insufficient_credits"})", u"Necesitas iniciar sesión."_s},
+        {200, "<html>", unreadable},
+        {200, R"({"balance":"7"})", unreadable},
+        {200, R"({"balance":7)", unreadable},
+        {204, "", unreadable},
+        {200, QByteArray(200'000, '['), unreadable},
+    };
+    const auto api = client();
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.body.left(60).toStdString());
+        answer(row.status, row.body);
+        EXPECT_EQ(outcome(api->me()), row.text);
+    }
+    answer(400, R"({"error":"email_exists"})");
+    try {
+        awaited(api->me());
+        ADD_FAILURE();
+    } catch (const AccountError& error) {
+        EXPECT_EQ(error.code(), u"email_exists"_s);
+    }
+}
+
+TEST_F(AccountAPITest, TheSessionIsOneCookieThatOutlivesTheProgram)
+{
+    preferences.setValue(legacyKey, "old");
+    auto api = client();
+    // Whatever the status; among others; up to its own end.
+    answer(500, "{}",
+           "Set-Cookie: other=1; Path=/\r\n"
+           "set-cookie: tallerio_session=abc; Path=/; HttpOnly\r\nSet-Cookie: last=2\r\n");
+    outcome(api->me());
+    EXPECT_EQ(server.requests.last().header("Cookie"), "tallerio_session=old");
+    EXPECT_EQ(preferences.value(cookieKey), "tallerio_session=abc");
+    EXPECT_FALSE(preferences.contains(legacyKey));
+
+    answer(200, summary, "Set-Cookie: tallerio_session=; Path=/\r\n");
+    api = client();
+    outcome(api->me());
+    EXPECT_EQ(server.requests.last().header("Cookie"), "tallerio_session=abc");
+    EXPECT_EQ(preferences.value(cookieKey), "tallerio_session=abc");
+
+    answer(401, "{}");
+    outcome(api->me());
+    EXPECT_FALSE(preferences.contains(cookieKey));
+    answer(200, summary);
+    outcome(api->me());
+    EXPECT_EQ(server.requests.last().header("Cookie"), "");
+}
+
+TEST_F(AccountAPITest, ARefusedSessionTakesNoNewerOneWithIt)
+{
+    preferences.setValue(cookieKey, "tallerio_session=old");
+    const auto api = client();
+    server.setAnswer([](const ScriptedServer::Request& request) {
+        return request.target.endsWith("me")
+                   ? ScriptedServer::reply(401, "{}")
+                   : ScriptedServer::reply(200, summary, "Set-Cookie: tallerio_session=new\r\n");
+    });
+    QCoro::Task<AccountSummary> late = api->me();    // asked with the old one
+    QCoro::Task<AccountSummary> login = api->login(u"a"_s, u"b"_s);
+    outcome(std::move(login));
+    outcome(std::move(late));
+    EXPECT_EQ(preferences.value(cookieKey), "tallerio_session=new");
+
+    // Another program signed in where this one still has what it had.
+    preferences.setValue(cookieKey, "tallerio_session=of another");
+    outcome(api->me());
+    EXPECT_FALSE(api->holdsSession());
+    EXPECT_EQ(preferences.value(cookieKey), "tallerio_session=of another");
+}
+
+TEST_F(AccountAPITest, ASignOutForgetsTheSessionAlsoWhereItHadEnded)
+{
+    for (const int status : {200, 401}) {
+        preferences.setValue(cookieKey, "tallerio_session=a");
+        const auto api = client();
+        answer(status, "{}");
+        EXPECT_EQ(outcome(api->logout()), QString());
+        EXPECT_FALSE(preferences.contains(cookieKey));
+    }
+    preferences.setValue(cookieKey, "tallerio_session=a");
+    answer(500, "{}");
+    EXPECT_NE(outcome(client()->logout()), QString());
+    EXPECT_TRUE(preferences.contains(cookieKey));
+}
+
+TEST_F(AccountAPITest, RedirectionsAreFollowedWithinTheOriginAlone)
+{
+    preferences.setValue(cookieKey, "tallerio_session=a");
+    const auto api = client();
+    ScriptedServer elsewhere;
+    elsewhere.setAnswer([](const auto&) { return ScriptedServer::reply(200, summary); });
+    const auto redirecting = [](int status, const QByteArray& location) {
+        return [=](const ScriptedServer::Request& request) {
+            return request.target == "/there"
+                       ? ScriptedServer::reply(200, summary)
+                       : ScriptedServer::reply(status, "", "Location: " + location + "\r\n");
+        };
+    };
+    for (const int status : {302, 307}) {
+        server.requests.clear();
+        server.setAnswer(redirecting(status, "/there"));
+        EXPECT_EQ(outcome(api->login(u"a"_s, u"b"_s)), QString());
+        ASSERT_EQ(server.requests.size(), 2);
+        EXPECT_EQ(server.requests[1].header("Cookie"), "tallerio_session=a");
+        EXPECT_EQ(server.requests[1].method, status == 302 ? "GET" : "POST");
+        EXPECT_EQ(server.requests[1].body.isEmpty(), status == 302);
+    }
+    server.setAnswer(redirecting(302, elsewhere.url().toString().toUtf8() + "/there"));
+    EXPECT_EQ(outcome(api->me()), u"No se ha podido completar la operación."_s);
+    EXPECT_TRUE(elsewhere.requests.isEmpty());
+
+    server.requests.clear();
+    server.setAnswer(redirecting(302, "/round"));
+    EXPECT_EQ(outcome(api->me()), u"No se ha podido completar la operación."_s);
+    EXPECT_LT(server.requests.size(), 10);
+}
+
+TEST_F(AccountAPITest, AConnectionThatDropsIsAFailureAndNothingIsAskedTwice)
+{
+    const QByteArray whole = ScriptedServer::reply(200, summary, "X-Padding: 1\r\n");
+    const QByteArray chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
+                               "40\r\n{\"balance\":7";
+    const qsizetype body = whole.indexOf("\r\n\r\n") + 4;
+    const QList<QByteArray> cut{"",
+                                whole.left(5),
+                                whole.left(12),
+                                whole.left(20),
+                                whole.left(body - 3),
+                                whole.left(body),
+                                whole.left(body + 10),
+                                whole.chopped(1),
+                                chunked};
+    const auto api = client();
+    for (const QByteArray& bytes : cut) {
+        SCOPED_TRACE(bytes.toStdString());
+        answer(bytes);
+        server.requests.clear();
+        EXPECT_NE(outcome(api->login(u"a"_s, u"b"_s)), QString());
+        EXPECT_EQ(server.requests.size(), 1);
+    }
+    answer(whole);
+    EXPECT_EQ(outcome(api->me()), QString());
+}
+
+TEST_F(AccountAPITest, WaitsNoLongerThanItsLimitsAndTakesNoMoreThanItsMemory)
+{
+    const auto api = client({.withoutBody = 60ms, .withBody = 30s});
+    server.answerNothing();
+    EXPECT_EQ(transportFailure(api->me()), TransportError::Kind::timedOut);
+    EXPECT_EQ(outcome(api->me()),
+              u"El servidor ha tardado demasiado en responder. Inténtalo otra vez."_s);
+
+    std::stop_source stop;
+    QCoro::Task<AccountSummary> stopped = api->login(u"a"_s, u"b"_s, stop.get_token());
+    QTimer::singleShot(20ms, [&stop] { stop.request_stop(); });
+    EXPECT_EQ(transportFailure(std::move(stopped)), TransportError::Kind::stopped);
+    EXPECT_EQ(transportFailure(api->login(u"a"_s, u"b"_s, stop.get_token())),
+              TransportError::Kind::stopped);
+
+    ScriptedServer endless(
+        [](const auto&) { return "HTTP/1.1 200 OK\r\n\r\n" + QByteArray(65 << 20, ' '); });
+    AccountAPI patient(endless.configuration(), preferences);
+    EXPECT_EQ(transportFailure(patient.me()), TransportError::Kind::tooLarge);
+
+    // A client that goes takes what it waits for with it.
+    auto leaving = client();
+    QCoro::Task<AccountSummary> left = leaving->me();
+    leaving.reset();
+    EXPECT_EQ(transportFailure(std::move(left)), TransportError::Kind::stopped);
+}

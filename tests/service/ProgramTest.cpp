@@ -1,0 +1,108 @@
+#include "account/ServiceRendezvous.h"
+#include "service/Rendezvous.h"
+
+#include <QFile>
+#include <QLocalSocket>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool hasEnded(QProcess& program)
+{
+    return program.state() == QProcess::NotRunning || program.waitForFinished(10'000);
+}
+
+// Where the toolkit has its sockets is a matter of the environment, here of a folder of the test.
+class ProgramTest : public testing::Test {
+protected:
+    void SetUp() override { qputenv("XDG_RUNTIME_DIR", m_runtime.path().toLocal8Bit()); }
+    void TearDown() override { qunsetenv("XDG_RUNTIME_DIR"); }
+
+    void start(QProcess& program, const QStringList& more = {})
+    {
+        program.start(QStringLiteral(MOLTIVA_SERVICE), QStringList{u"--data"_s, data()} + more);
+        program.waitForReadyRead(10'000);
+    }
+    QString data() const { return m_data.filePath(u"datos"_s); }
+
+    QTemporaryDir m_runtime, m_data;
+};
+
+}    // namespace
+
+TEST_F(ProgramTest, oneServesAFolderAndOthersFindItThere)
+{
+    QProcess first, second, third;
+    start(first);
+    const QByteArray address = first.readLine();
+    ASSERT_TRUE(address.startsWith("http://127.0.0.1:")) << address.constData();
+    QLocalSocket visitor;
+    visitor.connectToServer(serviceSocketPath(data() + u"/../datos/"_s));
+    ASSERT_TRUE(visitor.waitForReadyRead(5000));
+    EXPECT_EQ(visitor.readAll(), address);
+
+    start(second);
+    EXPECT_TRUE(hasEnded(second));
+    EXPECT_EQ(second.exitCode(), 3);
+    EXPECT_FALSE(second.readAllStandardError().isEmpty());
+
+    first.kill();
+    first.waitForFinished();
+    start(third);
+    EXPECT_EQ(third.readLine(), address) << "open pages stay of use after a crash";
+    third.terminate();
+    EXPECT_TRUE(hasEnded(third));
+    EXPECT_EQ(third.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(third.exitCode(), 0);
+    EXPECT_LE(QFile(data() + u"/servicio.sqlite-wal"_s).size(), 0) << "the log is in the file";
+}
+
+TEST_F(ProgramTest, endsSoonAfterTheLastVisitorWent)
+{
+    QProcess program;
+    start(program, {u"--until-unused"_s});
+    auto one = std::make_unique<QLocalSocket>(), other = std::make_unique<QLocalSocket>();
+    for (const auto& visitor : {one.get(), other.get()}) {
+        visitor->connectToServer(serviceSocketPath(data()));
+        ASSERT_TRUE(visitor->waitForReadyRead(5000));
+    }
+    one.reset();
+    EXPECT_FALSE(program.waitForFinished(4000)) << "somebody is still there";
+    other.reset();
+    EXPECT_TRUE(hasEnded(program));
+    EXPECT_EQ(program.exitCode(), 0);
+}
+
+TEST_F(ProgramTest, endsWhenNobodyEverComes)
+{
+    Rendezvous rendezvous(m_runtime.filePath(u"punto"_s), "x\n", {.first = 10, .after = 10});
+    QSignalSpy unused(&rendezvous, &Rendezvous::unused);
+    EXPECT_TRUE(unused.wait(5000));
+}
+
+TEST_F(ProgramTest, refusesWrongUseAndFoldersItCannotUse)
+{
+    for (const QStringList& wrong :
+         {QStringList{u"--port"_s, u"70000"_s}, {u"--port"_s, u"x"_s}, {u"más"_s}, {u"--nada"_s}}) {
+        QProcess program;
+        start(program, wrong);
+        EXPECT_TRUE(hasEnded(program));
+        EXPECT_EQ(program.exitCode(), 2) << qPrintable(wrong.join(u' '));
+    }
+    QDir().mkpath(data());
+    QFile broken(data() + u"/servicio.sqlite"_s);
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write(QByteArray(5000, 'x'));
+    broken.close();
+    QProcess program;
+    start(program);
+    EXPECT_TRUE(hasEnded(program));
+    EXPECT_EQ(program.exitCode(), 1);
+}
