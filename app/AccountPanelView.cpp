@@ -214,9 +214,12 @@ QWidget* AccountPanelView::destinations()
 
 void AccountPanelView::present()
 {
+    const bool byKeyboard = owner()->hasFocus();
     open(QSize(panelWidth - 2 * padding, m_page->sizeHint().height()));
     fit();
-    takeFocus(m_fold, Qt::OtherFocusReason);
+    // A click leaves the focus, and with it the arrows, where they were.
+    if (byKeyboard)
+        takeFocus(m_fold, Qt::TabFocusReason);
 }
 
 void AccountPanelView::setAccount(const AccountShown& account)

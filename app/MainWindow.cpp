@@ -214,6 +214,7 @@ void MainWindow::lockStudio()
         endEdits();
     m_menu->setLocked(isLocked);
     m_shell->setEnabled(!isGated());
+    showHints();
 }
 
 void MainWindow::openWaiting()
@@ -648,7 +649,9 @@ void MainWindow::showHints()
 {
     const Batch& batch = m_session.batch();
     QList<KeyHint> hints;
-    if (m_shell->sidePanel()->textPanel()->editedSlot()) {
+    if (isGated() || m_account->isSheetPresented()) {
+        // Keys of the studio are off.
+    } else if (m_shell->sidePanel()->textPanel()->editedSlot()) {
         hints = {{{u"Av Pág"_s}, u"Imagen siguiente"_s}, {{u"Esc"_s}, u"Volver al lienzo"_s}};
     } else if (const auto* grid = qobject_cast<PresetGrid*>(focusWidget())) {
         hints = {{{u"Intro"_s}, u"Aplicar"_s}};

@@ -13,6 +13,7 @@
 #include "app/UserAccountButton.h"
 #include "app/controls/Button.h"
 #include "app/controls/FormField.h"
+#include "app/controls/PackageCard.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
@@ -123,6 +124,9 @@ private:
     {
         m_session.setAccountPanel(AccountPanelDestination::credits);
         take(u"credits-pending"_s);
+        found<CreditsDetailPanel>()->customAmount()->choice()->click();
+        take(u"credits-pending-custom"_s);
+        found<CreditsDetailPanel>()->findChild<PackageCard*>()->click();
         m_account.answer("POST /api/stripe/confirm", R"({"ok":true,"balance":123456})");
         m_account.answer("GET /api/account/purchases", R"({"purchases":[]})");
         m_account.session().confirmPendingCheckout();

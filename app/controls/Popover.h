@@ -20,6 +20,7 @@ Q_SIGNALS:
 
 protected:
     static constexpr int padding = 14;
+    QWidget* owner() const { return m_owner; }
     QRect box() const;        // what is seen, without the room for the shadow
     QRect content() const;    // the same without the paddings
     void resizeContent(QSize content);
