@@ -127,10 +127,12 @@ LoginView::LoginView(QWidget* parent)
         m_form->send(m_google);
         Q_EMIT googleRequested();
     });
-    const QList<QWidget*> order = QList<QWidget*>{m_segments, m_email->edit(), m_password->edit(),
-                                                  m_recover, m_repeated->edit()} +
-                                  QList<QWidget*>(m_primaries.begin(), m_primaries.end()) +
-                                  QList<QWidget*>{m_google};
+    QList<QWidget*> order{m_segments};
+    order += m_email->focusOrder() + m_password->focusOrder();
+    order.append(m_recover);
+    order += m_repeated->focusOrder();
+    order += QList<QWidget*>(m_primaries.begin(), m_primaries.end());
+    order.append(m_google);
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
     m_waiting->hide();

@@ -22,6 +22,7 @@ public:
     void setLocked(bool locked);
     void setProblem(bool problem);
     void setRevealed(bool revealed);
+    IconButton* eye() const { return m_eye; }    // of a password only
 
 protected:
     bool event(QEvent* event) override;
@@ -55,6 +56,7 @@ public:
     void addToLabel(QWidget* widget);
     QString text() const { return m_edit->text(); }
     FormEdit* edit() const { return m_edit; }
+    QList<QWidget*> focusOrder() const;
     // Shows; emits nothing, and leaves alone what is being typed.
     void setShown(const QString& text);
     void clear();
