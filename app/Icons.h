@@ -61,7 +61,24 @@ enum class Icon {
     centerPhoto,
     safeZone,
     close,
-    more
+    more,
+    account,
+    signIn,
+    createAccount,
+    mail,
+    lock,
+    globe,
+    settings,
+    credits,
+    storage,
+    purchases,
+    preferences,
+    updates,
+    localEngine,
+    openOutside,
+    refresh,
+    signOut,
+    coin
 };
 struct IconRow {
     Icon icon;
@@ -118,6 +135,23 @@ inline constexpr std::array icons{
     IconRow{Icon::safeZone, u"safe-zone"},
     IconRow{Icon::close, u"close"},
     IconRow{Icon::more, u"more"},
+    IconRow{Icon::account, u"account"},
+    IconRow{Icon::signIn, u"sign-in"},
+    IconRow{Icon::createAccount, u"create-account"},
+    IconRow{Icon::mail, u"mail"},
+    IconRow{Icon::lock, u"lock"},
+    IconRow{Icon::globe, u"globe"},
+    IconRow{Icon::settings, u"settings"},
+    IconRow{Icon::credits, u"credits"},
+    IconRow{Icon::storage, u"storage"},
+    IconRow{Icon::purchases, u"purchases"},
+    IconRow{Icon::preferences, u"preferences"},
+    IconRow{Icon::updates, u"updates"},
+    IconRow{Icon::localEngine, u"local-engine"},
+    IconRow{Icon::openOutside, u"open-outside"},
+    IconRow{Icon::refresh, u"refresh"},
+    IconRow{Icon::signOut, u"sign-out"},
+    IconRow{Icon::coin, u"coin"},
 };
 constexpr const IconRow& row(Icon icon)
 {

@@ -1,11 +1,15 @@
 #include "app/MainWindow.h"
 
+#include "account/AccountSession.h"
+#include "app/AccountBinding.h"
+#include "app/AuthGateView.h"
 #include "app/BatchBinding.h"
 #include "app/BatchColumn.h"
 #include "app/ComposeBar.h"
 #include "app/EmptyState.h"
 #include "app/FileIntake.h"
 #include "app/Icons.h"
+#include "app/LoginView.h"
 #include "app/PanelBinding.h"
 #include "app/PresetGrid.h"
 #include "app/SidePanel.h"
@@ -74,9 +78,9 @@ StatusKind kindOf(StatusTone tone)
 
 }    // namespace
 
-MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>& photos,
-                       PreferencesStore& preferences)
-    : m_session(session), m_preferences(preferences),
+MainWindow::MainWindow(StudioSession& session, AccountSession& account,
+                       const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences)
+    : m_session(session), m_accountSession(account), m_preferences(preferences),
       m_shell(new StudioShell(formatChoices(), this)),
       m_batch(std::make_unique<BatchBinding>(session, m_shell->batchColumn(), photos)),
       m_stage(std::make_unique<StageBinding>(session, m_shell, photos)),
@@ -84,7 +88,10 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
                                              *m_batch)),
       m_templates(
           std::make_unique<TemplatesBinding>(session, m_shell->sidePanel(), photos, preferences)),
-      m_files(new FileIntake(session, preferences, this)), m_menu(new StudioMenu(this))
+      m_files(new FileIntake(session, preferences, this)), m_menu(new StudioMenu(this)),
+      m_gate(new AuthGateView(this)),
+      m_account(std::make_unique<AccountBinding>(account, session, m_gate,
+                                                 m_shell->topBar()->account(), this))
 {
     setWindowTitle(u"Moltiva"_s);
     setAcceptDrops(true);
@@ -93,10 +100,12 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
     resize(QSize(1440, 900).boundedTo(screen()->availableSize() - QSize(0, 40)));
     connectPanels();
     connectSession();
+    connectAccount();
     restorePreferences();
     focusCanvas();    // else the first button takes the focus, and with it the arrows
     showBatch();
     showStatus();
+    lockStudio();
 }
 
 // A field that still has the focus ends its edit as it goes: that reaches the session, but must not
@@ -104,6 +113,7 @@ MainWindow::MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>
 MainWindow::~MainWindow()
 {
     disconnect(&m_session, nullptr, this, nullptr);
+    m_account.reset();
     disconnect(qApp, nullptr, this, nullptr);
 }
 
@@ -177,6 +187,43 @@ void MainWindow::connectSession()
     });
 }
 
+void MainWindow::connectAccount()
+{
+    connect(m_account.get(), &AccountBinding::gateOpened, this, [this] {
+        lockStudio();
+        focusCanvas();
+        openWaiting();
+    });
+    connect(m_account.get(), &AccountBinding::gateClosed, this, &MainWindow::lockStudio);
+    connect(m_account.get(), &AccountBinding::sheetChanged, this, &MainWindow::lockStudio);
+    connect(m_account.get(), &AccountBinding::textPanelRequested, this,
+            [this] { showTab(SideTab::text); });
+}
+
+bool MainWindow::isGated() const
+{
+    return m_gate->state() != Gate::open;
+}
+
+// What lies over the studio takes its keys and commands; the gate also what could reach it by Tab
+// or by a screen reader.
+void MainWindow::lockStudio()
+{
+    const bool isLocked = isGated() || m_account->isSheetPresented();
+    if (isLocked)
+        endEdits();
+    m_menu->setLocked(isLocked);
+    m_shell->setEnabled(!isGated());
+}
+
+void MainWindow::openWaiting()
+{
+    const QList<QUrl> files = std::exchange(m_waiting, {});
+    m_gate->login()->setWaitingFiles(0);
+    if (!files.isEmpty())
+        m_files->drop(files);
+}
+
 // A drag, a number being typed or held, or a colour being chosen belongs to the layer it was begun
 // on.
 void MainWindow::endEdits()
@@ -216,13 +263,18 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::open(const QList<QUrl>& addresses)
 {
-    QList<QUrl> files = addresses;
-    files.removeIf([](const QUrl& url) { return !url.isLocalFile(); });
-    if (files.size() < addresses.size()) {
-        m_shell->statusLine()->setStatus(
-            {StatusKind::warning, u"Moltiva no reconoce el enlace que se ha abierto."_s});
+    QList<QUrl> files;
+    for (const QUrl& address : addresses) {
+        if (address.isLocalFile())
+            files.append(address);
+        else if (!m_accountSession.handleDeepLink(address))
+            m_shell->statusLine()->setStatus(
+                {StatusKind::warning, u"Moltiva no reconoce el enlace que se ha abierto."_s});
     }
-    m_files->open(files);
+    if (!isGated())
+        return m_files->open(files);
+    m_waiting += files;
+    m_gate->login()->setWaitingFiles(int(m_waiting.size()));
 }
 
 void MainWindow::comeForward()
@@ -263,6 +315,13 @@ void MainWindow::run(Command command)
     case Command::importTemplate:
         showTab(SideTab::templates);
         return m_templates->chooseDefinition();
+    case Command::account:
+        return m_session.setAccountPanel(AccountPanelDestination::account);
+    case Command::appSettings:
+        return m_session.setAppSettingsPresented(true);
+    case Command::signOut:
+        m_accountSession.logout();
+        return;
     case Command::quit:
         close();
         return;
@@ -471,12 +530,15 @@ void MainWindow::showTileMenu(int index, QPoint globalPosition)
 void MainWindow::resizeEvent(QResizeEvent*)
 {
     m_shell->setGeometry(rect());
+    m_gate->setGeometry(rect());
     m_shell->viewBar()->setLabels(width() < narrowWindow ? Labels::hidden : Labels::shown);
 }
 
 // Reached only by keys that whatever has the focus did not take: a text field keeps its arrows.
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
+    if (isGated() || m_account->isSheetPresented())
+        return;
     // With others they mean something to fields that may happen to have no use for them now.
     if (event->modifiers() & ~Qt::KeypadModifier)
         return QWidget::keyPressEvent(event);
@@ -502,9 +564,10 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     const QList<QUrl> files = FileIntake::localFiles(event->mimeData());
-    if (files.isEmpty())
+    if (files.isEmpty() || m_account->isSheetPresented())
         return;
-    m_shell->dropVeil()->offer(m_files->offerOf(files));
+    if (!isGated())
+        m_shell->dropVeil()->offer(m_files->offerOf(files));
     event->acceptProposedAction();
 }
 
@@ -517,7 +580,10 @@ void MainWindow::dropEvent(QDropEvent* event)
 {
     m_shell->dropVeil()->hide();
     event->acceptProposedAction();
-    m_files->drop(FileIntake::localFiles(event->mimeData()));
+    const QList<QUrl> files = FileIntake::localFiles(event->mimeData());
+    if (isGated())
+        return open(files);
+    m_files->drop(files);
 }
 
 void MainWindow::showBatch()

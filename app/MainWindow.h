@@ -6,6 +6,9 @@
 
 #include <memory>
 
+class AccountBinding;
+class AccountSession;
+class AuthGateView;
 class BatchBinding;
 class FileIntake;
 class PanelBinding;
@@ -24,19 +27,20 @@ enum class SideTab;
 class MainWindow : public QWidget {
     Q_OBJECT
 public:
-    // The session and the preferences outlive the window.
-    MainWindow(StudioSession& session, const std::shared_ptr<PhotoCache>& photos,
-               PreferencesStore& preferences);
+    // The sessions and the preferences outlive the window.
+    MainWindow(StudioSession& session, AccountSession& account,
+               const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences);
     ~MainWindow() override;
 
     StudioShell* shell() const { return m_shell; }
     StudioMenu* menu() const { return m_menu; }
     TemplatesBinding& templates() const { return *m_templates; }
+    AuthGateView* gate() const { return m_gate; }
     // No picture is being drawn and no photo looked at.
     bool isSettled() const;
 
-    // Files, folders and links from outside. Several calls in a row bring one batch: file managers
-    // start a program once for each file.
+    // Files, folders and links from outside; files wait until somebody is signed in. Several calls
+    // in a row bring one batch: file managers start a program once for each file.
     void open(const QList<QUrl>& addresses);
     void comeForward();
 
@@ -51,7 +55,12 @@ protected:
 private:
     void connectPanels();
     void connectSession();
+    void connectAccount();
     void restorePreferences();
+
+    bool isGated() const;
+    void lockStudio();
+    void openWaiting();
 
     void run(Command command);
     void step(int images);
@@ -73,6 +82,7 @@ private:
     void showHints();
 
     StudioSession& m_session;
+    AccountSession& m_accountSession;
     PreferencesStore& m_preferences;
     StudioShell* m_shell;
     // Gone before the panels that they are bound to.
@@ -82,4 +92,7 @@ private:
     std::unique_ptr<TemplatesBinding> m_templates;
     FileIntake* m_files;
     StudioMenu* m_menu;
+    AuthGateView* m_gate;
+    std::unique_ptr<AccountBinding> m_account;
+    QList<QUrl> m_waiting;    // files that came while nobody was signed in
 };

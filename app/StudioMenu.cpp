@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QMenu>
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -46,6 +47,18 @@ constexpr std::array entries{
           .menu = file,
           .text = u"Recuperar la sesión apartada",
           .startsGroup = true},
+    Entry{.command = Command::account,
+          .menu = file,
+          .text = u"Cuenta…",
+          .icon = Icon::account,
+          .startsGroup = true},
+    Entry{.command = Command::appSettings,
+          .menu = file,
+          .text = u"Ajustes de Moltiva",
+          .keys = u"Ctrl+,",
+          .icon = Icon::preferences},
+    Entry{
+        .command = Command::signOut, .menu = file, .text = u"Cerrar sesión", .icon = Icon::signOut},
     Entry{.command = Command::quit,
           .menu = file,
           .text = u"Salir",
@@ -133,6 +146,9 @@ constexpr std::array entries{
     Entry{Command::checkForUpdates, help, u"Buscar actualizaciones..."},
 };
 
+// Whatever lies over the studio.
+constexpr std::array alwaysUsable{Command::quit, Command::darkTheme, Command::lightTheme};
+
 QList<QKeySequence> sequencesOf(QStringView keys)
 {
     QList<QKeySequence> sequences;
@@ -179,10 +195,20 @@ StudioMenu::StudioMenu(QWidget* window) : QObject(window), m_menu(new QMenu(wind
     }
     connect(m_menu, &QMenu::aboutToShow, this, &StudioMenu::aboutToShow);
     // What is disabled is so for who looks at the menu; a key always asks anew.
-    connect(m_menu, &QMenu::aboutToHide, this, [this] {
-        for (QAction* action : std::as_const(m_actions))
-            action->setEnabled(true);
-    });
+    connect(m_menu, &QMenu::aboutToHide, this, &StudioMenu::enableAll);
+}
+
+void StudioMenu::enableAll()
+{
+    for (auto each = m_actions.cbegin(); each != m_actions.cend(); ++each)
+        each.value()->setEnabled(!m_isLocked ||
+                                 std::ranges::find(alwaysUsable, each.key()) != alwaysUsable.end());
+}
+
+void StudioMenu::setLocked(bool locked)
+{
+    m_isLocked = locked;
+    enableAll();
 }
 
 void StudioMenu::setEnabled(std::initializer_list<Command> commands, bool enabled)

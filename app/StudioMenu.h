@@ -15,6 +15,9 @@ enum class Command {
     importTexts,
     exportTexts,
     restoreAside,
+    account,
+    appSettings,
+    signOut,
     quit,
     undo,
     redo,
@@ -65,12 +68,17 @@ public:
     QMenu* menu() const { return m_menu; }
     QAction* action(Command command) const { return m_actions.value(command); }
     void setEnabled(std::initializer_list<Command> commands, bool enabled);
+    // Something lies over the studio: neither entries nor keys reach it.
+    void setLocked(bool locked);
 
 Q_SIGNALS:
     void chosen(Command command);
     void aboutToShow();
 
 private:
+    void enableAll();
+
     QMenu* m_menu;
     QHash<Command, QAction*> m_actions;
+    bool m_isLocked = false;
 };

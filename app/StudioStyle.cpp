@@ -231,6 +231,8 @@ int StudioStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
     switch (hint) {
     case SH_Widget_Animation_Duration:
         return m_motion == Motion::reduced ? 0 : 90;
+    case SH_LineEdit_PasswordCharacter:
+        return 0x2022;    // a bullet; the toolkit's own choice is a large disc
     case SH_ToolTip_WakeUpDelay:
         return 500;
     case SH_FocusFrame_AboveWidget:

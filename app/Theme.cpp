@@ -130,7 +130,7 @@ void applyTheme(const Theme& theme)
 QFont fontOf(Type type)
 {
     const TypeRow& r = row(type);
-    QFont font(u"Inter"_qs);
+    QFont font(r.family.toString());
     font.setPixelSize(r.pixels);
     font.setWeight(r.weight);
     font.setLetterSpacing(QFont::AbsoluteSpacing, r.tracking);

@@ -59,13 +59,18 @@ enum class Type {
     heading,
     large,
     largeSemibold,
-    emptyTitle
+    emptyTitle,
+    sheetTitle,
+    panelTitle,
+    display,
+    claim
 };
 struct TypeRow {
     Type type;
     int pixels, lineHeight;
     QFont::Weight weight;
     double tracking = 0;    // pixels added between letters
+    QStringView family = u"Inter";
 };
 inline constexpr std::array types{
     TypeRow{Type::caption, 11, 14, QFont::Normal},
@@ -78,6 +83,10 @@ inline constexpr std::array types{
     TypeRow{Type::large, 14, 20, QFont::Normal},
     TypeRow{Type::largeSemibold, 14, 20, QFont::DemiBold},
     TypeRow{Type::emptyTitle, 24, 30, QFont::DemiBold, -0.4},
+    TypeRow{Type::sheetTitle, 17, 24, QFont::DemiBold},
+    TypeRow{Type::panelTitle, 20, 28, QFont::DemiBold},
+    TypeRow{Type::display, 28, 32, QFont::DemiBold, -0.4, u"Inter Display"},
+    TypeRow{Type::claim, 32, 40, QFont::Bold, -0.6, u"Inter Display"},
 };
 constexpr const TypeRow& row(Type type)
 {

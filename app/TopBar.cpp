@@ -1,5 +1,7 @@
 #include "app/TopBar.h"
 
+#include "app/Mark.h"
+#include "app/UserAccountButton.h"
 #include "app/controls/Button.h"
 #include "app/controls/SegmentedControl.h"
 
@@ -10,14 +12,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int barHeight = 56, side = 14, gap = 12, fullLabelsFrom = 1400;
-
-void paintMark(QPainter& painter, const Theme& theme)
-{
-    fillRounded(painter, QRectF(0, 0, 28, 28), 8, theme.accent);
-    fillRounded(painter, QRectF(6, 6.4, 8.8, 12.2), 2.4, QColor(255, 255, 255, 133));
-    fillRounded(painter, QRectF(11, 8, 11, 13.6), 2.4, Qt::white);
-    fillRounded(painter, QRectF(13.2, 17.1, 6.4, 1.7), 0.85, theme.accent);
-}
 
 class MarkButton : public Control {
 public:
@@ -67,7 +61,8 @@ TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
       m_import(new JoinedButtons(m_images, m_folder, this)),
       m_undo(new IconButton(Icon::undo, u"Deshacer"_qs, 36, this)),
       m_redo(new IconButton(Icon::redo, u"Rehacer"_qs, 36, this)),
-      m_formats(new SegmentedControl(segmentsOf(formats), this))
+      m_formats(new SegmentedControl(segmentsOf(formats), this)),
+      m_account(new UserAccountButton(this))
 {
     setFixedHeight(barHeight);
     setUndo(false);
@@ -81,6 +76,7 @@ TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
     connect(m_undo, &IconButton::clicked, this, &TopBar::undoRequested);
     connect(m_redo, &IconButton::clicked, this, &TopBar::redoRequested);
     connect(m_formats, &SegmentedControl::chosen, this, &TopBar::formatChosen);
+    connect(m_account, &UserAccountButton::widthChanged, this, &TopBar::place);
 }
 
 void TopBar::setMenu(QMenu* menu)
@@ -114,7 +110,8 @@ void TopBar::addTrailing(QWidget* widget)
 
 QList<QWidget*> TopBar::focusOrder() const
 {
-    return QList<QWidget*>{m_mark, m_images, m_folder, m_undo, m_redo, m_formats} + m_trailing;
+    return QList<QWidget*>{m_mark, m_images, m_folder, m_undo, m_redo, m_formats} + m_trailing +
+           QList<QWidget*>{m_account};
 }
 
 void TopBar::resizeEvent(QResizeEvent*)
@@ -136,7 +133,11 @@ void TopBar::place()
     left = put(m_undo, m_divider + gap + 3);
     left = put(m_redo, left);
 
-    int right = width() - side;
+    m_account->setNameForm(width() < fullLabelsFrom ? NameForm::first : NameForm::whole);
+    int right = width() - side + 6 - m_account->sizeHint().width();
+    put(m_account, right);
+    m_accountDivider = right - gap;
+    right = m_accountDivider - gap;
     for (auto widget = m_trailing.crbegin(); widget != m_trailing.crend(); ++widget) {
         right -= (*widget)->sizeHint().width();
         put(*widget, right);
@@ -144,8 +145,9 @@ void TopBar::place()
     }
     // Centred in the bar as long as that is free, else between its neighbours.
     const int formats = m_formats->sizeHint().width();
-    const bool alone = m_trailing.isEmpty() && (width() - formats) / 2 > left + gap;
-    put(m_formats, alone ? (width() - formats) / 2 : left + (right - left - formats) / 2);
+    const int middle = (width() - formats) / 2;
+    const bool alone = middle > left + gap && middle + formats < right - gap;
+    put(m_formats, alone ? middle : left + (right - left - formats) / 2);
     update();
 }
 
@@ -155,5 +157,6 @@ void TopBar::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.fillRect(rect(), theme.panel);
     painter.fillRect(0, height() - 1, width(), 1, theme.line);
-    painter.fillRect(m_divider, 16, 1, 24, theme.line2);
+    for (const int divider : {m_divider, m_accountDivider})
+        painter.fillRect(divider, 16, 1, 24, theme.line2);
 }

@@ -9,6 +9,7 @@ class JoinedButtons;
 class PushButton;
 class QMenu;
 class SegmentedControl;
+class UserAccountButton;
 
 // The four formats in the order of the segments.
 struct FormatChoice {
@@ -28,7 +29,8 @@ public:
     // What the next step back or forth would undo or redo; nothing disables the button.
     void setUndo(bool possible);
     void setRedo(bool possible);
-    // Placed at the right end, in the order in which they are added.
+    UserAccountButton* account() const { return m_account; }
+    // Placed at the right, before the account, in the order in which they are added.
     void addTrailing(QWidget* widget);
 
     QList<QWidget*> focusOrder() const;
@@ -55,7 +57,8 @@ private:
     IconButton* m_undo;
     IconButton* m_redo;
     SegmentedControl* m_formats;
+    UserAccountButton* m_account;
     QList<QWidget*> m_trailing;
     QMenu* m_menu = nullptr;
-    int m_divider = 0;
+    int m_divider = 0, m_accountDivider = 0;
 };

@@ -1,3 +1,4 @@
+#include "account/ConnectedAccount.h"
 #include "account/ServiceConfiguration.h"
 #include "app/MainWindow.h"
 #include "app/SingleInstance.h"
@@ -10,6 +11,7 @@
 #include "studio/StudioSession.h"
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QDir>
 #include <QLibraryInfo>
 #include <QScopeGuard>
@@ -123,7 +125,9 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     PreferencesStore preferences(dataFolder() + u"/moltiva.sqlite"_s);
     const auto photos = std::make_shared<PhotoCache>(cache + u"/thumbnails"_s);
     StudioSession session(photos, preferences);
-    MainWindow window(session, photos, preferences);
+    ConnectedAccount account(configuration, preferences, dataFolder(),
+                             {.openInBrowser = &QDesktopServices::openUrl});
+    MainWindow window(session, account.session(), photos, preferences);
     QObject::connect(&instance, &SingleInstance::handedOver, &window, [&window](const auto& urls) {
         window.comeForward();
         window.open(urls);

@@ -16,6 +16,7 @@
 #include "studio/BatchExport.h"
 #include "studio/PhotoFolder.h"
 #include "studio/StudioSession.h"
+#include "tools/ScriptedAccount.h"
 
 #include <QScopeGuard>
 #include <QTemporaryDir>
@@ -61,7 +62,8 @@ int main(int argc, char** argv)
     const auto cache = std::make_shared<PhotoCache>(own.filePath(u"thumbnails"_s));
     PreferencesStore preferences(own.filePath(u"preferences.sqlite"_s));
     StudioSession session(cache, preferences);
-    MainWindow window(session, cache, preferences);
+    ScriptedAccount account(preferences, Scripted::signedIn);
+    MainWindow window(session, account.session(), cache, preferences);
     window.show();
     session.restoreWorkspaceIfNeeded();
     turnFor(300);

@@ -15,6 +15,7 @@
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
 #include "studio/StudioSession.h"
+#include "tools/ScriptedAccount.h"
 
 #include <QDir>
 #include <QScopeGuard>
@@ -75,7 +76,8 @@ int main(int argc, char** argv)
     {
         PreferencesStore preferences(own.filePath(u"c.sqlite"_s));
         StudioSession session(photos, preferences);
-        MainWindow window(session, photos, preferences);
+        ScriptedAccount account(preferences, Scripted::signedIn);
+        MainWindow window(session, account.session(), photos, preferences);
         window.resize(1440, 900);
         window.show();
         session.restoreWorkspaceIfNeeded();

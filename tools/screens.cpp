@@ -1,11 +1,13 @@
 // The main states of the program as PNG files, without a display: screens OUT [--photos DIR]
 // The designs of a folder of definition files instead, each on six photos:
 // screens OUT --photos DIR --designs DIR
+// Only those of signing in, the account and the settings: screens OUT --account
 //
 // Each state is reached as a user reaches it, through the session and the window, then taken in
 // both themes and at the window sizes of `windowSizes`. Without --photos a painted sample batch
 // stands in.
 
+#include "app/AuthGateView.h"
 #include "app/BatchColumn.h"
 #include "app/DropVeil.h"
 #include "app/MainWindow.h"
@@ -27,7 +29,9 @@
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
 #include "studio/StudioSession.h"
+#include "tools/AccountScreens.h"
 #include "tools/ContactSheets.h"
+#include "tools/ScriptedAccount.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -52,10 +56,12 @@ public:
         : m_out(out), m_photos(photos),
           m_cache(std::make_shared<PhotoCache>(m_folder.filePath(u"cache"_s))),
           m_preferences(m_folder.filePath(u"preferences.sqlite"_s)),
-          m_session(m_cache, m_preferences), m_window(m_session, m_cache, m_preferences)
+          m_session(m_cache, m_preferences), m_account(m_preferences, Scripted::signedIn),
+          m_window(m_session, m_account.session(), m_cache, m_preferences)
     {
         m_window.show();
         m_session.restoreWorkspaceIfNeeded();
+        waitFor([this] { return m_window.gate()->state() == Gate::open; });
     }
 
     // False when a state was not reached.
@@ -284,6 +290,7 @@ private:
     std::shared_ptr<PhotoCache> m_cache;
     PreferencesStore m_preferences;
     StudioSession m_session;
+    ScriptedAccount m_account;
     MainWindow m_window;
 };
 
@@ -299,7 +306,8 @@ int main(int argc, char** argv)
     QCommandLineParser parser;
     const QCommandLineOption photos(u"photos"_s, u"folder of photographs"_s, u"dir"_s);
     const QCommandLineOption designs(u"designs"_s, u"folder of template definitions"_s, u"dir"_s);
-    parser.addOptions({photos, designs});
+    const QCommandLineOption account(u"account"_s, u"only the screens of the account"_s);
+    parser.addOptions({photos, designs, account});
     parser.addPositionalArgument(u"out"_s, u"folder for the pictures"_s);
     parser.addHelpOption();
     parser.process(application);
@@ -307,6 +315,9 @@ int main(int argc, char** argv)
         !QDir().mkpath(parser.positionalArguments().first()))
         parser.showHelp(2);
 
+    const QDir out(parser.positionalArguments().first());
+    if (parser.isSet(account))
+        return takeAccountScreens(out) ? 0 : 1;
     const QTemporaryDir sample;
     QString folder = parser.value(photos);
     if (folder.isEmpty()) {
@@ -314,11 +325,8 @@ int main(int argc, char** argv)
         if (!paintSampleBatch(folder))
             return 1;
     }
-    if (parser.isSet(designs)) {
-        const QDir out(parser.positionalArguments().first());
+    if (parser.isSet(designs))
         return makeContactSheets(out, folder, parser.value(designs)) ? 0 : 1;
-    }
-    Screens screens(QDir(parser.positionalArguments().first()),
-                    QUrl::fromLocalFile(QDir(folder).absolutePath()));
-    return screens.takeAll() ? 0 : 1;
+    Screens screens(out, QUrl::fromLocalFile(QDir(folder).absolutePath()));
+    return screens.takeAll() && takeAccountScreens(out) ? 0 : 1;
 }

@@ -4,6 +4,7 @@
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QStyle>
 
 Control::Control(QWidget* parent) : QAbstractButton(parent)
@@ -74,6 +75,11 @@ void Control::glideTo(double hovered)
     m_glide.start();
 }
 
+namespace {
+constexpr int iconSide = 20;
+constexpr int turnTime = 1000, frameTime = 33;    // ms
+}    // namespace
+
 PushButton::PushButton(Icon icon, const QString& text, ButtonKind kind, ButtonSize size,
                        QWidget* parent)
     : Control(parent), m_icon(icon), m_kind(kind), m_size(size)
@@ -82,6 +88,59 @@ PushButton::PushButton(Icon icon, const QString& text, ButtonKind kind, ButtonSi
     setAccessibleName(text);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setProperty("focusRadius", row(size).radius);
+    m_spin.setInterval(frameTime);
+    connect(&m_spin, &QTimer::timeout, this, [this] {
+        m_turn = std::fmod(m_turn + double(frameTime) / turnTime, 1.0);
+        update();
+    });
+}
+
+void PushButton::setStretched()
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void PushButton::setFlush()
+{
+    m_isFlush = true;
+    updateGeometry();
+}
+
+void PushButton::setWorking(bool working)
+{
+    if (working == isWorking())
+        return;
+    if (working)
+        m_spin.start();
+    else
+        m_spin.stop();
+    m_turn = 0;
+    setAccessibleDescription(working ? QStringLiteral("En curso") : QString());
+    update();
+}
+
+bool PushButton::event(QEvent* event)
+{
+    const auto isPress = [event] {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+            return true;
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease: {
+            const int key = static_cast<QKeyEvent*>(event)->key();
+            return key == Qt::Key_Space || key == Qt::Key_Select;
+        }
+        default:
+            return false;
+        }
+    };
+    if (isWorking() && isPress()) {
+        event->accept();
+        return true;
+    }
+    return Control::event(event);
 }
 
 void PushButton::setJoined(Joined joined)
@@ -110,6 +169,8 @@ QSize PushButton::sizeHint() const
 // What has no ground stands nearly flush with what is above and below it.
 int PushButton::padding() const
 {
+    if (m_isFlush)
+        return 0;
     return m_kind == ButtonKind::link ? 6 : row(m_size).padding;
 }
 
@@ -135,8 +196,8 @@ void PushButton::paintEvent(QPaintEvent*)
         fill = mixed(theme.accentSoft, mixed(theme.accentSoft, theme.accent, 0.14), hovered());
         ink = theme.accentText;
     } else if (m_kind == ButtonKind::link) {
-        fill = withOpacity(theme.hover, hovered());
-        ink = theme.accentText;
+        fill = withOpacity(theme.hover, m_isFlush ? 0 : hovered());
+        ink = m_isFlush ? mixed(theme.accentText, theme.text, hovered()) : theme.accentText;
     }
     if (!isEnabled()) {
         fill =
@@ -153,11 +214,18 @@ void PushButton::paintEvent(QPaintEvent*)
                 fill);
     if (m_labels == Labels::hidden)
         return paintIcon(painter, m_icon, rect(), 20, ink);
-    int left = padding();
-    if (m_icon != Icon::none) {
-        paintIcon(painter, m_icon, QRectF(left - 2, 0, 20, height()), 20, ink);
-        left += 20 + size.gap - 2;
+    double left = padding() + std::max(0, width() - sizeHint().width()) / 2;
+    const bool hasPlace = m_icon != Icon::none;
+    if (isWorking()) {
+        const QRectF spinner(hasPlace ? left : (width() - 16) / 2.0, (height() - 16) / 2.0, 16, 16);
+        paintSpinner(painter, spinner, withOpacity(ink, 0.25), ink, m_turn, 1.8);
+        if (!hasPlace)
+            return;
+    } else if (hasPlace) {
+        paintIcon(painter, m_icon, QRectF(left - 2, 0, iconSide, height()), iconSide, ink);
     }
+    if (hasPlace)
+        left += iconSide + size.gap - 2;
     paintText(painter, QRectF(left, 0, width() - left - padding() + 1, height()), Qt::AlignLeft,
               textType(), ink, text());
 }

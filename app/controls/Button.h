@@ -3,6 +3,7 @@
 #include "app/controls/Painting.h"
 
 #include <QAbstractButton>
+#include <QTimer>
 #include <QVariantAnimation>
 
 // What all our buttons share: no focus from the mouse, a ring for focus from the keyboard, a hover
@@ -59,10 +60,19 @@ public:
     void setJoined(Joined joined);
     // Hidden, the label becomes the tooltip.
     void setLabels(Labels labels);
+    // As wide as its room, with icon and text in the middle.
+    void setStretched();
+    // Of a link: its text ends where it ends.
+    void setFlush();
+    // What it asked for goes on: a spinner stands for its icon, and presses have no effect. It
+    // stays enabled, and so keeps the focus.
+    void setWorking(bool working);
+    bool isWorking() const { return m_spin.isActive(); }
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -74,6 +84,9 @@ private:
     ButtonSize m_size;
     Joined m_joined = Joined::no;
     Labels m_labels = Labels::shown;
+    bool m_isFlush = false;
+    QTimer m_spin;
+    double m_turn = 0;    // of the spinner
 };
 
 class IconButton : public Control {

@@ -3,21 +3,24 @@
 
 #include <QWidget>
 
-// A line of text that is only read, elided where it does not fit.
+// A line of text that is only read, elided where it does not fit; its tooltip has it whole then.
 class Caption : public QWidget {
     Q_OBJECT
 public:
     Caption(Type type, QColor Theme::*ink, const QString& text = {}, QWidget* parent = nullptr);
     void setText(const QString& text);
     const QString& text() const { return m_text; }
+    void setAlignment(Qt::Alignment alignment);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     Type m_type;
     QColor Theme::*m_ink;
     QString m_text;
+    Qt::Alignment m_alignment = Qt::AlignLeft;
 };

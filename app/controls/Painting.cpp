@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QPainterPath>
 #include <QPixmapCache>
+#include <QTextDocument>
 
 using namespace Qt::StringLiterals;
 
@@ -51,6 +52,17 @@ void paintText(QPainter& painter, const QRectF& rect, Qt::Alignment alignment, T
 double textWidth(Type type, const QString& text)
 {
     return QFontMetricsF(fontOf(type)).horizontalAdvance(text);
+}
+
+QString plainToolTip(const QString& text)
+{
+    constexpr int longest = 600;
+    if (text.isEmpty())
+        return {};
+    QString shown = text.left(longest);
+    if (text.size() > longest)
+        shown += u'…';
+    return Qt::mightBeRichText(shown) ? u"<qt>"_qs + shown.toHtmlEscaped() + u"</qt>"_qs : shown;
 }
 
 double digitsWidth(Type type, int digits)

@@ -28,6 +28,8 @@ void strokeRounded(QPainter& painter, const QRectF& rect, double radius, const Q
 void paintText(QPainter& painter, const QRectF& rect, Qt::Alignment alignment, Type type,
                const QColor& color, const QString& text, Qt::TextElideMode elide = Qt::ElideRight);
 double textWidth(Type type, const QString& text);
+// For a tooltip: a text from elsewhere as it stands, never read as markup, and not endless.
+QString plainToolTip(const QString& text);
 // The room that a number of so many digits may take: Inter's digits differ in width here.
 double digitsWidth(Type type, int digits);
 

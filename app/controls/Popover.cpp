@@ -1,5 +1,6 @@
 #include "app/controls/Popover.h"
 
+#include "app/controls/FocusRound.h"
 #include "app/controls/Painting.h"
 
 #include <QApplication>
@@ -22,13 +23,24 @@ Popover::Popover(QWidget* owner) : QWidget(owner->window()), m_owner(owner)
 
 void Popover::open(QSize content)
 {
-    const int room = 2 * (shadowRoom + padding);
     m_before = window()->focusWidget();
-    resize(content + QSize(room, room));
-    place();
+    resizeContent(content);
     show();
     raise();
     qApp->installEventFilter(this);
+}
+
+void Popover::resizeContent(QSize content)
+{
+    const int room = 2 * (shadowRoom + padding);
+    resize(content + QSize(room, room));
+    place();
+}
+
+QSize Popover::largestContent() const
+{
+    const int room = 2 * (windowMargin + padding);
+    return window()->size() - QSize(room, room);
 }
 
 void Popover::takeFocus(QWidget* target, Qt::FocusReason reason)
@@ -108,20 +120,7 @@ bool Popover::eventFilter(QObject* object, QEvent* event)
 
 bool Popover::focusNextPrevChild(bool next)
 {
-    QList<QWidget*> stops;
-    for (QWidget* widget = nextInFocusChain(); widget != this;
-         widget = widget->nextInFocusChain()) {
-        if (isAncestorOf(widget) && widget->isVisibleTo(this) && widget->isEnabled() &&
-            widget->focusPolicy() & Qt::TabFocus)
-            stops.append(widget);
-    }
-    if (stops.isEmpty())
-        return false;
-    const auto at = stops.indexOf(window()->focusWidget());
-    const auto count = stops.size();
-    const auto target = at < 0 ? (next ? 0 : count - 1) : (at + (next ? 1 : count - 1)) % count;
-    stops[target]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-    return true;
+    return moveFocusRound(this, next);
 }
 
 void Popover::paintEvent(QPaintEvent*)

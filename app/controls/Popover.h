@@ -22,6 +22,8 @@ protected:
     static constexpr int padding = 14;
     QRect box() const;        // what is seen, without the room for the shadow
     QRect content() const;    // the same without the paddings
+    void resizeContent(QSize content);
+    QSize largestContent() const;    // that the window has room for
     bool eventFilter(QObject* object, QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
     void paintEvent(QPaintEvent* event) override;

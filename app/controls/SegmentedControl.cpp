@@ -28,10 +28,23 @@ void SegmentedControl::setSize(SegmentSize size)
     update();
 }
 
-void SegmentedControl::setStretched()
+int SegmentedControl::trackHeight() const
+{
+    switch (m_size) {
+    case SegmentSize::bar:
+        return 36;
+    case SegmentSize::field:
+        return 32;
+    case SegmentSize::large:
+        return 44;
+    }
+    Q_UNREACHABLE();
+}
+
+void SegmentedControl::setStretched(SegmentSize size)
 {
     m_stretched = true;
-    setSize(SegmentSize::field);
+    setSize(size);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     updateGeometry();
 }
@@ -152,6 +165,8 @@ void SegmentedControl::paintEvent(QPaintEvent*)
         if (!isEnabled())
             ink = theme.dis;
         double left = box.left() + segmentPadding();
+        if (m_stretched)
+            left += std::max(0.0, (box.width() - widthOf(segment)) / 2);
         if (segment.text.isEmpty()) {
             paintIcon(painter, segment.icon, box, aloneIconSide, ink);
             continue;

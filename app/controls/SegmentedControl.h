@@ -12,7 +12,7 @@ struct Segment {
     QString name = {};    // for screen readers
 };
 
-enum class SegmentSize { bar, field };    // 36 high; 32 and tighter
+enum class SegmentSize { bar, field, large };    // 36 high; 32 and tighter; 44
 
 // One of several. A single stop for Tab, inside which the arrows choose.
 class SegmentedControl : public QWidget {
@@ -21,8 +21,8 @@ public:
     explicit SegmentedControl(const QList<Segment>& segments, QWidget* parent = nullptr);
 
     void setSize(SegmentSize size);
-    // As wide as its room and as high as a field, the segments alike.
-    void setStretched();
+    // As wide as its room, the segments alike.
+    void setStretched(SegmentSize size = SegmentSize::field);
     void setCurrent(int index);    // shows; emits nothing
     int current() const { return m_current; }
     QRect segmentRect(int index) const;
@@ -42,7 +42,7 @@ protected:
 
 private:
     bool isField() const { return m_size == SegmentSize::field; }
-    int trackHeight() const { return isField() ? 32 : 36; }
+    int trackHeight() const;
     int segmentPadding() const { return isField() ? 10 : 12; }
     int iconSide() const { return isField() ? 18 : 20; }
     int iconGap() const { return isField() ? 6 : 8; }

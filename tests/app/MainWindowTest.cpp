@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/AuthGateView.h"
 #include "app/BatchBinding.h"
 #include "app/BatchColumn.h"
 #include "app/ComposeBar.h"
@@ -18,6 +19,7 @@
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 #include "tests/app/Events.h"
+#include "tools/ScriptedAccount.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -42,6 +44,7 @@ protected:
         session.restoreWorkspaceIfNeeded();
         window.resize(1280, 800);
         window.show();
+        EXPECT_TRUE(QTest::qWaitFor([this] { return window.gate()->state() == Gate::open; }));
     }
     QUrl photos(int count)
     {
@@ -82,7 +85,8 @@ protected:
         std::make_shared<PhotoCache>(m_data.filePath(u"cache"_s));
     PreferencesStore preferences{m_data.filePath(u"p.sqlite"_s)};
     StudioSession session{m_photos, preferences};
-    MainWindow window{session, m_photos, preferences};
+    ScriptedAccount account{preferences, Scripted::signedIn};
+    MainWindow window{session, account.session(), m_photos, preferences};
 };
 
 }    // namespace

@@ -1,3 +1,4 @@
+#include "app/AuthGateView.h"
 #include "app/MainWindow.h"
 #include "app/PresetGrid.h"
 #include "app/SidePanel.h"
@@ -14,6 +15,7 @@
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 #include "tests/app/Events.h"
+#include "tools/ScriptedAccount.h"
 
 #include <QApplication>
 #include <QTemporaryDir>
@@ -67,7 +69,8 @@ protected:
         std::make_shared<PhotoCache>(m_data.filePath(u"cache"_s));
     PreferencesStore preferences{m_data.filePath(u"preferences.sqlite"_s)};
     StudioSession session{m_photos, preferences};
-    MainWindow window{session, m_photos, preferences};
+    ScriptedAccount account{preferences, Scripted::signedIn};
+    MainWindow window{session, account.session(), m_photos, preferences};
 };
 
 }    // namespace

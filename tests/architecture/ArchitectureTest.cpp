@@ -29,13 +29,12 @@ const QList<Room>& rooms()
         {u"canvas"_qs, {u"model"_qs, u"platform"_qs}},
         {u"canvas/interaction"_qs, {u"canvas"_qs, u"model"_qs, u"platform"_qs}, true},
         {u"templates"_qs, {u"canvas"_qs, u"model"_qs, u"platform"_qs}},
-        {u"studio"_qs,
-         {u"templates"_qs, u"canvas"_qs, u"account"_qs, u"model"_qs, u"platform"_qs}},
+        {u"studio"_qs, {u"templates"_qs, u"canvas"_qs, u"account"_qs, u"model"_qs, u"platform"_qs}},
         {u"service"_qs, {u"account"_qs, u"model"_qs, u"platform"_qs}},
         {u"cli"_qs, belowApp},
         {u"app"_qs, belowApp + aboveStudio, true},
         {u"tools"_qs, belowApp + aboveStudio + QStringList{u"app"_qs}, true},
-        {u"benchmarks"_qs, belowApp + aboveStudio + QStringList{u"app"_qs}, true},
+        {u"benchmarks"_qs, belowApp + aboveStudio + QStringList{u"app"_qs, u"tools"_qs}, true},
     };
     return table;
 }

@@ -1,0 +1,233 @@
+#include "app/AccountBinding.h"
+
+#include "account/AccountSession.h"
+#include "app/AccountDetailPanel.h"
+#include "app/AccountPanelView.h"
+#include "app/AccountSettingsWindow.h"
+#include "app/AccountShown.h"
+#include "app/AppSettingsWindow.h"
+#include "app/AuthGateView.h"
+#include "app/CreditsDetailPanel.h"
+#include "app/LocalAIDetailPanel.h"
+#include "app/LoginView.h"
+#include "app/PurchasesDetailPanel.h"
+#include "app/UpdatesDetailPanel.h"
+#include "app/UserAccountButton.h"
+#include "studio/StudioSession.h"
+
+#include <QDesktopServices>
+#include <QGuiApplication>
+
+AccountBinding::AccountBinding(AccountSession& account, StudioSession& studio, AuthGateView* gate,
+                               UserAccountButton* button, QWidget* window)
+    : m_account(account), m_studio(studio), m_gate(gate), m_button(button), m_window(window)
+{
+    connectGate();
+    connect(m_button, &UserAccountButton::clicked, this, &AccountBinding::togglePopover);
+    connect(&m_account, &AccountSession::changed, this, &AccountBinding::show);
+    connect(&m_studio, &StudioSession::presentationChanged, this, &AccountBinding::showSheets);
+    connect(qApp, &QGuiApplication::applicationStateChanged, this,
+            &AccountBinding::refreshWhenActive);
+    show();
+}
+
+void AccountBinding::connectGate()
+{
+    connect(m_gate, &AuthGateView::appeared, this, &AccountBinding::start);
+    const LoginView* login = m_gate->login();
+    connect(login, &LoginView::loginRequested, this,
+            [this](const QString& email, const QString& password) {
+                m_account.login(email, password);
+            });
+    connect(login, &LoginView::registrationRequested, this,
+            [this](const QString& email, const QString& password) {
+                m_account.registerAccount(email, password);
+            });
+    connect(login, &LoginView::passwordResetRequested, this,
+            [this](const QString& email) { m_account.requestPasswordReset(email); });
+    connect(login, &LoginView::googleRequested, this, [this] { m_account.openGoogleLogin(); });
+}
+
+// Once, however often the gate is shown.
+void AccountBinding::start()
+{
+    if (m_didBootstrap)
+        return;
+    m_didBootstrap = true;
+    m_account.bootstrap();
+}
+
+void AccountBinding::refreshWhenActive(Qt::ApplicationState state)
+{
+    if (state == Qt::ApplicationActive && m_account.isAuthenticated())
+        m_account.refreshSilently();
+}
+
+bool AccountBinding::isSheetPresented() const
+{
+    return (m_accountSettings && m_accountSettings->isPresented()) ||
+           (m_appSettings && m_appSettings->isPresented());
+}
+
+AccountShown AccountBinding::shown() const
+{
+    const AccountProfile profile = m_account.account().profile.value_or(AccountProfile());
+    return {
+        .name = m_account.displayName(),
+        .fullName = profile.fullName.value_or(QString()),
+        .email = profile.email.value_or(QString()),
+        .balance = m_account.account().balance,
+        .message = m_account.message(),
+        .isProblem = m_account.isProblem(),
+        .isWorking = m_account.isWorking(),
+        .hasPendingCheckout = m_account.pendingCheckoutSessionId().has_value(),
+    };
+}
+
+void AccountBinding::show()
+{
+    const AccountShown account = shown();
+    m_button->setAccount(account.name, account.balance);
+    if (m_gate->state() != Gate::open || !m_account.isAuthenticated())
+        m_gate->login()->setAccount(account);
+    if (m_popover)
+        m_popover->setAccount(account);
+    if (m_accountSettings) {
+        m_accountSettings->setAccount(account);
+        m_accountSettings->purchasesPanel()->setPurchases(m_account.purchaseHistory());
+    }
+    if (m_appSettings) {
+        m_appSettings->setAccount(account);
+        const CloudCopyConfig& config = m_account.cloudCopyConfig();
+        m_appSettings->updatesPanel()->setLatest(config.latestMacVersion, config.macDownloadURL);
+    }
+    showGate();
+}
+
+void AccountBinding::showGate()
+{
+    const Gate before = m_gate->state();
+    const Gate now = !m_didBootstrap || m_account.isLoading() ? Gate::checking
+                     : m_account.isAuthenticated()            ? Gate::open
+                                                              : Gate::signedOut;
+    if (now == before)
+        return;
+    if (before == Gate::open) {
+        if (m_popover)
+            m_popover->close();
+        m_studio.setAccountPanel(std::nullopt);
+        m_studio.setAppSettingsPresented(false);
+    }
+    m_gate->setState(now);
+    if (now == Gate::open) {
+        m_gate->login()->clearPasswords();
+        Q_EMIT gateOpened();
+    } else if (before == Gate::open) {
+        Q_EMIT gateClosed();
+    }
+}
+
+void AccountBinding::showSheets()
+{
+    const std::optional<AccountPanelDestination> panel = m_studio.accountPanel();
+    const bool wantsSettings = m_studio.isAppSettingsPresented() && !panel;
+    if (m_appSettings && !wantsSettings)
+        m_appSettings->dismiss();
+    if (m_accountSettings && !panel)
+        m_accountSettings->dismiss();
+    if (panel) {
+        accountSettings()->setPage(int(*panel));
+        accountSettings()->present();
+    } else if (wantsSettings) {
+        appSettings()->present();
+    }
+    Q_EMIT sheetChanged();
+}
+
+void AccountBinding::togglePopover()
+{
+    if (m_popover && m_popover->isVisible()) {
+        m_popover->close();
+        return;
+    }
+    m_popover = new AccountPanelView(m_button);
+    connectForms(m_popover.data());
+    connect(m_popover, &AccountPanelView::refreshRequested, this, [this] { m_account.refresh(); });
+    connect(m_popover, &AccountPanelView::destinationChosen, this,
+            [this](AccountPanelDestination panel) { m_studio.setAccountPanel(panel); });
+    connect(m_popover, &AccountPanelView::settingsRequested, this,
+            [this] { m_studio.setAppSettingsPresented(true); });
+    m_popover->setAccount(shown());
+    m_popover->present();
+}
+
+// What the popover and the sheet have both.
+template <typename Panel>
+void AccountBinding::connectForms(Panel* panel)
+{
+    if constexpr (requires { &Panel::profileEdited; }) {
+        connect(panel, &Panel::profileEdited, this,
+                [this](const QString& fullName) { m_account.updateProfile(fullName); });
+        connect(panel, &Panel::passwordChangeRequested, this,
+                [this](const QString& current, const QString& password, const QString& repeated) {
+                    changePassword(current, password, repeated);
+                });
+        connect(panel, &Panel::logoutRequested, this, [this] { m_account.logout(); });
+    }
+    if constexpr (requires { &Panel::purchaseRequested; }) {
+        connect(panel, &Panel::purchaseRequested, this,
+                [this](int credits) { m_account.buyCredits(credits); });
+        connect(panel, &Panel::checkoutConfirmed, this,
+                [this] { m_account.confirmPendingCheckout(); });
+    }
+}
+
+AccountSettingsWindow* AccountBinding::accountSettings()
+{
+    if (m_accountSettings)
+        return m_accountSettings;
+    m_accountSettings = new AccountSettingsWindow(m_window);
+    connectForms(m_accountSettings->accountPanel());
+    connectForms(m_accountSettings->creditsPanel());
+    const PurchasesDetailPanel* purchases = m_accountSettings->purchasesPanel();
+    connect(purchases, &PurchasesDetailPanel::historyRequested, this,
+            [this] { m_account.refreshPurchaseHistory(); });
+    connect(purchases, &PurchasesDetailPanel::documentRequested, this,
+            [this](const QString& id) { m_account.openPurchaseDocument(id); });
+    connect(m_accountSettings, &SettingsSheet::pageChosen, this,
+            [this](int page) { m_studio.setAccountPanel(AccountPanelDestination(page)); });
+    connect(m_accountSettings, &Sheet::closeRequested, this,
+            [this] { m_studio.setAccountPanel(std::nullopt); });
+    show();
+    return m_accountSettings;
+}
+
+AppSettingsWindow* AccountBinding::appSettings()
+{
+    if (m_appSettings)
+        return m_appSettings;
+    m_appSettings = new AppSettingsWindow(m_window);
+    connect(m_appSettings->updatesPanel(), &UpdatesDetailPanel::downloadRequested, this,
+            [](const QUrl& address) { QDesktopServices::openUrl(address); });
+    connect(m_appSettings->localAIPanel(), &LocalAIDetailPanel::textPanelRequested, this, [this] {
+        m_studio.setAppSettingsPresented(false);
+        Q_EMIT textPanelRequested();
+    });
+    connect(m_appSettings, &Sheet::closeRequested, this,
+            [this] { m_studio.setAppSettingsPresented(false); });
+    show();
+    return m_appSettings;
+}
+
+// What was typed goes once it is of no more use.
+QCoro::Task<> AccountBinding::changePassword(QString current, QString password, QString repeated)
+{
+    const QPointer<AccountBinding> self(this);
+    const bool changed = co_await m_account.changePassword(current, password, repeated);
+    if (!self || !changed)
+        co_return;
+    if (m_popover)
+        m_popover->clearPasswords();
+    if (m_accountSettings)
+        m_accountSettings->accountPanel()->clearPasswords();
+}

@@ -1,0 +1,64 @@
+#include "app/AccountChecks.h"
+
+#include "app/CreditAmounts.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+CheckResult checkEmail(const QString& email)
+{
+    if (email.trimmed().isEmpty())
+        return CheckFailure{CheckedField::email, u"Escribe tu email."_s};
+    return std::nullopt;
+}
+
+CheckResult checkRepeated(const QString& password, const QString& repeated)
+{
+    if (password != repeated)
+        return CheckFailure{CheckedField::repeatedPassword, u"Las dos contraseñas no coinciden."_s};
+    return std::nullopt;
+}
+
+}    // namespace
+
+CheckResult checkLogin(const QString& email, const QString& password)
+{
+    if (const CheckResult failure = checkEmail(email))
+        return failure;
+    if (password.isEmpty())
+        return CheckFailure{CheckedField::password, u"Escribe tu contraseña."_s};
+    return std::nullopt;
+}
+
+CheckResult checkRegistration(const QString& email, const QString& password,
+                              const QString& repeated)
+{
+    if (const CheckResult failure = checkEmail(email))
+        return failure;
+    if (password.isEmpty())
+        return CheckFailure{CheckedField::password, u"Escribe una contraseña."_s};
+    return checkRepeated(password, repeated);
+}
+
+CheckResult checkPasswordReset(const QString& email)
+{
+    return checkEmail(email);
+}
+
+CheckResult checkPasswordChange(const QString& current, const QString& password,
+                                const QString& repeated)
+{
+    if (current.isEmpty())
+        return CheckFailure{CheckedField::currentPassword, u"Escribe tu contraseña actual."_s};
+    if (password.isEmpty())
+        return CheckFailure{CheckedField::password, u"Escribe la contraseña nueva."_s};
+    return checkRepeated(password, repeated);
+}
+
+CheckResult checkAmount(const QString& typed)
+{
+    if (!effectiveCredits(typed))
+        return CheckFailure{CheckedField::amount, u"Escribe la cantidad en números."_s};
+    return std::nullopt;
+}

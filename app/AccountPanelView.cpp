@@ -1,0 +1,312 @@
+#include "app/AccountPanelView.h"
+
+#include "app/AccountForm.h"
+#include "app/AccountTexts.h"
+#include "app/CreditAmounts.h"
+#include "app/DestinationIcons.h"
+#include "app/PanelLayout.h"
+#include "app/controls/Button.h"
+#include "app/controls/Caption.h"
+#include "app/controls/FocusRound.h"
+#include "app/controls/FormField.h"
+#include "app/controls/Grounds.h"
+#include "app/controls/Notice.h"
+#include "app/controls/PackageCard.h"
+#include "app/controls/RowButton.h"
+
+#include <QKeyEvent>
+#include <QScrollArea>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int panelWidth = 344, avatarSide = 40, scrollBar = 12, sectionGap = 12;
+
+// A column without margins of its own.
+QVBoxLayout* rowsOf(QWidget* widget, int spacing)
+{
+    auto* rows = new QVBoxLayout(widget);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(spacing);
+    return rows;
+}
+
+PushButton* stretched(Icon icon, const QString& text, ButtonKind kind)
+{
+    auto* button = new PushButton(icon, text, kind, ButtonSize::small);
+    button->setStretched();
+    return button;
+}
+
+}    // namespace
+
+AccountPanelView::AccountPanelView(QWidget* owner)
+    : Popover(owner), m_page(new QWidget), m_area(scrolled(m_page)), m_notice(new Notice(2)),
+      m_form(new AccountForm(m_notice, this))
+{
+    setAccessibleName(u"Cuenta"_s);
+    m_area->setParent(this);
+    m_area->viewport()->setAutoFillBackground(false);
+    m_page->setAutoFillBackground(false);
+    auto* rows = rowsOf(m_page, sectionGap);
+    rows->addWidget(header());
+    m_details = new QWidget;
+    auto* details = rowsOf(m_details, sectionGap);
+    for (QWidget* section : {profile(), purchase(), password()}) {
+        details->addWidget(new Divider);
+        details->addWidget(section);
+    }
+    rows->addWidget(m_details);
+    rows->addWidget(m_notice);
+    rows->addWidget(new Divider);
+    rows->addWidget(destinations());
+    rows->addStretch(1);
+    m_form->add(QList{m_fullName, m_current, m_new, m_repeated});
+    m_form->add(QList{m_save, m_buy, m_confirm, m_change});
+    m_form->add(QList<QWidget*>(m_packages.begin(), m_packages.end()));
+    setDetails(Fold::open);
+    setPassword(Fold::folded);
+    setAccount({});
+}
+
+QWidget* AccountPanelView::header()
+{
+    auto* section = new QWidget;
+    m_avatar = new Avatar(avatarSide);
+    m_name = new Caption(Type::largeSemibold, &Theme::text);
+    m_balance = new Caption(Type::small, &Theme::text2);
+    m_fold = new IconButton(Icon::fold, u"Ocultar detalles"_s, 32);
+    auto* refresh = stretched(Icon::refresh, u"Refrescar"_s, ButtonKind::neutral);
+    auto* logout = stretched(Icon::signOut, u"Salir"_s, ButtonKind::neutral);
+    auto* names = new QVBoxLayout;
+    names->setSpacing(0);
+    names->addWidget(m_name);
+    names->addWidget(m_balance);
+    auto* top = new QHBoxLayout;
+    top->setSpacing(Space::medium);
+    top->addWidget(m_avatar);
+    top->addLayout(names, 1);
+    top->addWidget(m_fold);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(Space::small);
+    buttons->addWidget(refresh);
+    buttons->addWidget(logout);
+    auto* rows = rowsOf(section, sectionGap);
+    rows->addLayout(top);
+    rows->addLayout(buttons);
+    m_form->add(QList{refresh, logout});
+    connect(m_fold, &IconButton::clicked, this,
+            [this] { setDetails(m_details->isHidden() ? Fold::open : Fold::folded); });
+    connect(refresh, &PushButton::clicked, this, [this, refresh] {
+        m_acted = true;
+        m_form->send(refresh);
+        Q_EMIT refreshRequested();
+    });
+    connect(logout, &PushButton::clicked, this, [this, logout] {
+        m_acted = true;
+        m_form->send(logout);
+        Q_EMIT logoutRequested();
+    });
+    return section;
+}
+
+QWidget* AccountPanelView::profile()
+{
+    auto* section = new QWidget;
+    m_fullName = new FormField(u"Nombre"_s, FieldKind::text);
+    m_save =
+        new PushButton(Icon::none, u"Guardar perfil"_s, ButtonKind::neutral, ButtonSize::small);
+    auto* row = new QHBoxLayout(section);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(Space::small);
+    row->addWidget(m_fullName, 1);
+    row->addWidget(m_save, 0, Qt::AlignBottom);
+    connect(m_fullName, &FormField::submitted, this, &AccountPanelView::saveProfile);
+    connect(m_save, &PushButton::clicked, this, &AccountPanelView::saveProfile);
+    return section;
+}
+
+QWidget* AccountPanelView::purchase()
+{
+    auto* section = new QWidget;
+    auto* heading = new QHBoxLayout;
+    heading->addWidget(new Caption(Type::heading, &Theme::text, u"Comprar créditos"_s), 1);
+    heading->addWidget(new Caption(Type::small, &Theme::text2, u"1000 créditos = 1 EUR"_s));
+    auto* group = new QWidget;    // of which one is chosen
+    auto* packages = new QHBoxLayout(group);
+    packages->setContentsMargins(0, 0, 0, 0);
+    packages->setSpacing(6);
+    for (const int credits : creditPackages) {
+        auto* package =
+            new PackageCard(PackageSize::chip, {.amount = groupedThousands(credits),
+                                                .unit = {},
+                                                .price = u"%1 EUR"_s.arg(eurosOf(credits)),
+                                                .use = {}});
+        packages->addWidget(package);
+        m_packages.append(package);
+    }
+    m_packages.first()->setChecked(true);
+    m_buy = stretched(Icon::openOutside, u"Abrir Stripe"_s, ButtonKind::primary);
+    m_confirm = stretched(Icon::check, u"Confirmar compra"_s, ButtonKind::soft);
+    auto* rows = rowsOf(section, Space::small);
+    rows->addLayout(heading);
+    rows->addWidget(group);
+    rows->addWidget(m_buy);
+    rows->addWidget(m_confirm);
+    connect(m_buy, &PushButton::clicked, this, [this] {
+        m_acted = true;
+        m_form->send(m_buy);
+        Q_EMIT purchaseRequested(chosenCredits());
+    });
+    connect(m_confirm, &PushButton::clicked, this, [this] {
+        m_acted = true;
+        m_form->send(m_confirm);
+        Q_EMIT checkoutConfirmed();
+    });
+    return section;
+}
+
+QWidget* AccountPanelView::password()
+{
+    auto* section = new QWidget;
+    m_passwordFold = new RowButton(Icon::lock, u"Contraseña"_s);
+    m_passwordFields = new QWidget;
+    m_current = new FormField(u"Actual"_s, FieldKind::password);
+    m_new = new FormField(u"Nueva"_s, FieldKind::password);
+    m_repeated = new FormField(u"Repetir nueva"_s, FieldKind::password);
+    m_change = stretched(Icon::none, u"Cambiar contraseña"_s, ButtonKind::neutral);
+    auto* fields = rowsOf(m_passwordFields, Space::small);
+    for (FormField* field : {m_current, m_new, m_repeated}) {
+        fields->addWidget(field);
+        connect(field, &FormField::submitted, this, &AccountPanelView::changePassword);
+    }
+    fields->addWidget(m_change);
+    auto* rows = rowsOf(section, Space::hair);
+    rows->addWidget(m_passwordFold);
+    rows->addWidget(m_passwordFields);
+    connect(m_passwordFold, &RowButton::clicked, this,
+            [this] { setPassword(m_passwordFields->isHidden() ? Fold::open : Fold::folded); });
+    connect(m_change, &PushButton::clicked, this, &AccountPanelView::changePassword);
+    return section;
+}
+
+QWidget* AccountPanelView::destinations()
+{
+    auto* section = new QWidget;
+    auto* rows = rowsOf(section, 0);
+    for (const AccountPanelRow& each : Vocabulary<AccountPanelDestination>::rows) {
+        auto* button = new RowButton(destinationIcon(each.value), each.title.toString());
+        rows->addWidget(button);
+        connect(button, &RowButton::clicked, this, [this, destination = each.value] {
+            close();
+            Q_EMIT destinationChosen(destination);
+        });
+    }
+    auto* settings = new RowButton(Icon::preferences, u"Ajustes de Moltiva"_s);
+    rows->addWidget(settings);
+    connect(settings, &RowButton::clicked, this, [this] {
+        close();
+        Q_EMIT settingsRequested();
+    });
+    return section;
+}
+
+void AccountPanelView::present()
+{
+    open(QSize(panelWidth - 2 * padding, m_page->sizeHint().height()));
+    fit();
+    takeFocus(m_fold, Qt::OtherFocusReason);
+}
+
+void AccountPanelView::setAccount(const AccountShown& account)
+{
+    const bool isPendingNew = account.hasPendingCheckout != m_account.hasPendingCheckout;
+    const bool hadMessage = !m_notice->isHidden();
+    m_account = account;
+    m_avatar->setInitials(initialsOf(account.name));
+    m_name->setText(shownLine(account.name));
+    m_balance->setText(creditsText(account.balance));
+    m_fullName->setShown(shownLine(account.fullName));
+    m_confirm->setVisible(account.hasPendingCheckout);
+    m_form->show(account);
+    m_notice->setVisible(m_acted && !m_notice->text().isEmpty());
+    if (isPendingNew || hadMessage == m_notice->isHidden())
+        fit();
+}
+
+void AccountPanelView::clearPasswords()
+{
+    for (FormField* field : {m_current, m_new, m_repeated})
+        field->clear();
+}
+
+void AccountPanelView::setDetails(Fold fold)
+{
+    const bool isOpen = fold == Fold::open;
+    m_details->setVisible(isOpen);
+    m_fold->setMeaning(isOpen ? Icon::fold : Icon::unfold,
+                       isOpen ? u"Ocultar detalles"_s : u"Mostrar detalles"_s);
+    fit();
+}
+
+void AccountPanelView::setPassword(Fold fold)
+{
+    m_passwordFields->setVisible(fold == Fold::open);
+    m_passwordFold->setMark(fold == Fold::open ? Icon::fold : Icon::unfold);
+    m_passwordFold->setAccessibleDescription(fold == Fold::open ? u"Desplegado"_s : u"Plegado"_s);
+    fit();
+}
+
+void AccountPanelView::saveProfile()
+{
+    m_acted = true;
+    m_form->send(m_save);
+    Q_EMIT profileEdited(m_fullName->text().simplified());
+}
+
+void AccountPanelView::changePassword()
+{
+    const CheckResult failure =
+        checkPasswordChange(m_current->text(), m_new->text(), m_repeated->text());
+    FormField* field = m_current;
+    if (failure && failure->field == CheckedField::password)
+        field = m_new;
+    else if (failure && failure->field == CheckedField::repeatedPassword)
+        field = m_repeated;
+    m_acted = true;
+    const bool accepted = m_form->accepts(failure, field);
+    m_notice->setVisible(!m_notice->text().isEmpty());
+    fit();
+    if (!accepted)
+        return;
+    m_form->send(m_change);
+    Q_EMIT passwordChangeRequested(m_current->text(), m_new->text(), m_repeated->text());
+}
+
+int AccountPanelView::chosenCredits() const
+{
+    const auto chosen = std::ranges::find_if(m_packages, &PackageCard::isChecked);
+    return creditPackages[std::size_t(std::max<qsizetype>(0, chosen - m_packages.begin()))];
+}
+
+void AccountPanelView::fit()
+{
+    if (isHidden())
+        return;
+    m_page->layout()->activate();
+    resizeContent(QSize(panelWidth - 2 * padding,
+                        std::min(m_page->sizeHint().height(), largestContent().height())));
+}
+
+void AccountPanelView::resizeEvent(QResizeEvent*)
+{
+    // The bar has its room in the padding.
+    m_area->setGeometry(content().adjusted(0, 0, scrollBar, 0));
+}
+
+void AccountPanelView::keyPressEvent(QKeyEvent* event)
+{
+    event->accept();
+    pressFocused(event, this);
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+
+// What the screens of the account show of it; each takes what it needs.
+struct AccountShown {
+    QString name;    // the e-mail where there is none
+    QString fullName, email;
+    int balance = 0;    // credits
+    QString message;    // of the last action
+    bool isProblem = false;
+    bool isWorking = false;
+    bool hasPendingCheckout = false;
+    bool operator==(const AccountShown&) const = default;
+};

@@ -1,0 +1,21 @@
+#include "app/AppSettingsWindow.h"
+
+#include "app/LocalAIDetailPanel.h"
+#include "app/UpdatesDetailPanel.h"
+#include "app/controls/Caption.h"
+
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+AppSettingsWindow::AppSettingsWindow(QWidget* window)
+    : SettingsSheet(u"Ajustes de Moltiva"_s, QSize(860, 572), window),
+      m_updates(new UpdatesDetailPanel), m_localAI(new LocalAIDetailPanel)
+{
+    auto* heading = new QHBoxLayout;
+    heading->setContentsMargins(10, 0, 0, 4);
+    heading->addWidget(new Caption(Type::caption, &Theme::text2, u"Preferencias del programa"_s));
+    column()->insertLayout(1, heading);
+    addPage(Icon::updates, u"Actualizaciones"_s, m_updates);
+    addPage(Icon::localEngine, u"IA local"_s, m_localAI);
+}

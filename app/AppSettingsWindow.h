@@ -1,0 +1,19 @@
+#pragma once
+#include "app/SettingsSheet.h"
+
+class LocalAIDetailPanel;
+class UpdatesDetailPanel;
+
+// "Ajustes de Moltiva": the settings of the program itself.
+class AppSettingsWindow : public SettingsSheet {
+    Q_OBJECT
+public:
+    explicit AppSettingsWindow(QWidget* window);
+    enum Page { updates, localAI };
+    UpdatesDetailPanel* updatesPanel() const { return m_updates; }
+    LocalAIDetailPanel* localAIPanel() const { return m_localAI; }
+
+private:
+    UpdatesDetailPanel* m_updates;
+    LocalAIDetailPanel* m_localAI;
+};

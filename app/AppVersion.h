@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+// What version of the program runs.
+namespace AppVersion {
+
+QString current();
+QString build();      // empty where the program was not told
+QString display();    // both
+// Compares the numbers, part by part; letters after them by the alphabet. Nothing is not newer.
+bool isRemoteVersionNewer(const std::optional<QString>& remote);
+
+}    // namespace AppVersion

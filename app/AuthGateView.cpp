@@ -1,0 +1,111 @@
+#include "app/AuthGateView.h"
+
+#include "app/LoginView.h"
+#include "app/Mark.h"
+#include "app/controls/Caption.h"
+#include "app/controls/FocusRound.h"
+#include "app/controls/Painting.h"
+#include "app/controls/Spinner.h"
+
+#include <QKeyEvent>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int markSide = 56, spinnerSide = 24;
+
+QWidget* checkingPage()
+{
+    auto* page = new QWidget;
+    auto* rows = new QVBoxLayout(page);
+    rows->setSpacing(0);
+    rows->addStretch(1);
+    rows->addWidget(new Mark(markSide), 0, Qt::AlignHCenter);
+    rows->addSpacing(28);
+    rows->addWidget(new Spinner(spinnerSide), 0, Qt::AlignHCenter);
+    rows->addSpacing(16);
+    rows->addWidget(new Caption(Type::body, &Theme::text2, u"Comprobando sesión..."_s), 0,
+                    Qt::AlignHCenter);
+    rows->addStretch(1);
+    return page;
+}
+
+}    // namespace
+
+AuthGateView::AuthGateView(QWidget* window)
+    : QWidget(window), m_pages(new QStackedWidget(this)), m_login(new LoginView)
+{
+    setFocusPolicy(Qt::ClickFocus);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    m_pages->addWidget(checkingPage());
+    m_pages->addWidget(m_login);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_pages);
+    window->installEventFilter(this);
+}
+
+void AuthGateView::setState(Gate state)
+{
+    if (state == m_state)
+        return;
+    m_state = state;
+    setVisible(state != Gate::open);
+    if (state == Gate::open)
+        return;
+    raise();
+    m_pages->setCurrentIndex(state == Gate::checking ? 0 : 1);
+    if (state == Gate::signedOut)
+        m_login->focusFirst();
+    else
+        setFocus(Qt::OtherFocusReason);
+}
+
+bool AuthGateView::event(QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::ContextMenu:
+        event->accept();
+        return true;
+    default:
+        return QWidget::event(event);
+    }
+}
+
+bool AuthGateView::eventFilter(QObject* object, QEvent* event)
+{
+    if (event->type() == QEvent::Resize && object == parentWidget())
+        setGeometry(parentWidget()->rect());
+    return QWidget::eventFilter(object, event);
+}
+
+bool AuthGateView::focusNextPrevChild(bool next)
+{
+    moveFocusRound(this, next);
+    return true;
+}
+
+void AuthGateView::keyPressEvent(QKeyEvent* event)
+{
+    event->accept();    // the window's keys are off
+    pressFocused(event, this);
+}
+
+void AuthGateView::paintEvent(QPaintEvent*)
+{
+    QPainter(this).fillRect(rect(), themeOf(this).panel);
+}
+
+void AuthGateView::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    Q_EMIT appeared();
+}

@@ -1,0 +1,34 @@
+#pragma once
+#include <QWidget>
+
+class LoginView;
+class QStackedWidget;
+
+enum class Gate { checking, signedOut, open };
+
+// Lies over the studio until somebody is signed in; neither a click nor a key gets past it.
+class AuthGateView : public QWidget {
+    Q_OBJECT
+public:
+    explicit AuthGateView(QWidget* window);
+    // Open, it is not shown.
+    void setState(Gate state);
+    Gate state() const { return m_state; }
+    LoginView* login() const { return m_login; }
+
+Q_SIGNALS:
+    void appeared();    // whenever it is shown
+
+protected:
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    Gate m_state = Gate::checking;
+    QStackedWidget* m_pages;
+    LoginView* m_login;
+};

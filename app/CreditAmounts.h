@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+#include <array>
+#include <optional>
+
+// What can be bought, in credits.
+inline constexpr std::array creditPackages{10'000, 20'000, 50'000, 100'000};
+inline constexpr int minCredits = 1'000, maxCredits = 1'000'000, creditBlock = 1'000;
+inline constexpr int creditsOfAnExport = 50;
+
+// What is bought for a typed amount: within the limits, in whole blocks. Nothing where it is not a
+// whole number; points and spaces between the thousands are read over.
+std::optional<int> effectiveCredits(const QString& typed);
+
+int eurosOf(int credits);
+QString groupedThousands(qint64 number);    // 10.000

@@ -1,0 +1,17 @@
+#pragma once
+#include "app/controls/Grounds.h"
+
+class Caption;
+class Paragraph;
+
+// An icon, what there is, and a sentence about it.
+class InfoCard : public CardGround {
+    Q_OBJECT
+public:
+    InfoCard(Icon icon, const QString& title, const QString& sentence, QWidget* parent = nullptr);
+    void setTexts(const QString& title, const QString& sentence);
+
+private:
+    Caption* m_title;
+    Paragraph* m_sentence;
+};

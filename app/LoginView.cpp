@@ -1,0 +1,239 @@
+#include "app/LoginView.h"
+
+#include "app/AccountForm.h"
+#include "app/Mark.h"
+#include "app/SignInWall.h"
+#include "app/controls/Button.h"
+#include "app/controls/Caption.h"
+#include "app/controls/FormField.h"
+#include "app/controls/Grounds.h"
+#include "app/controls/Notice.h"
+#include "app/controls/Paragraph.h"
+#include "app/controls/SegmentedControl.h"
+
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int paneWidth = 544, columnWidth = 400, markSide = 44, bottomMargin = 24;
+// Of the form to sign in without its notice, and of the highest mode with it.
+constexpr int usualHeight = 536, highest = 688;
+
+struct ModeRow {
+    LoginMode mode;
+    QStringView segment, explanation, action;
+    Icon icon;
+};
+constexpr std::array modes{
+    ModeRow{LoginMode::signIn, u"Acceder", u"Usa tu cuenta de Tallerio para acceder.", u"Entrar",
+            Icon::signIn},
+    ModeRow{LoginMode::createAccount, u"Crear cuenta", u"Usa tu cuenta de Tallerio para acceder.",
+            u"Crear cuenta", Icon::createAccount},
+    ModeRow{LoginMode::recover, u"Recuperar",
+            u"Te enviaremos un enlace para crear una nueva contraseña. También sirve si tu cuenta "
+            u"nació con Google y quieres entrar con email y contraseña.",
+            u"Enviar enlace de recuperación", Icon::mail},
+};
+constexpr const ModeRow& row(LoginMode mode)
+{
+    return modes[std::size_t(mode)];
+}
+static_assert(std::ranges::all_of(modes, [](const auto& r) { return &row(r.mode) == &r; }));
+
+QList<Segment> segmentsOfModes()
+{
+    QList<Segment> segments;
+    for (const ModeRow& mode : modes)
+        segments.append({.text = mode.segment.toString(), .name = mode.segment.toString()});
+    return segments;
+}
+
+}    // namespace
+
+LoginView::LoginView(QWidget* parent)
+    : QWidget(parent), m_wall(new SignInWall(this)), m_column(new QWidget(this)),
+      m_segments(new SegmentedControl(segmentsOfModes())),
+      m_explanation(new Paragraph(Type::small, &Theme::text2)),
+      m_email(new FormField(u"Email"_s, FieldKind::email, FieldSize::large, Icon::mail)),
+      m_password(new FormField(u"Contraseña"_s, FieldKind::password, FieldSize::large, Icon::lock)),
+      m_repeated(new FormField(u"Repetir contraseña"_s, FieldKind::password, FieldSize::large,
+                               Icon::lock)),
+      m_recover(new PushButton(Icon::none, u"Recuperar contraseña"_s, ButtonKind::link,
+                               ButtonSize::small)),
+      m_google(new PushButton(Icon::globe, u"Continuar con Google"_s, ButtonKind::neutral,
+                              ButtonSize::large)),
+      m_notice(new Notice(3)), m_waiting(new Caption(Type::small, &Theme::text2, {}, this)),
+      m_form(new AccountForm(m_notice, this))
+{
+    m_segments->setStretched(SegmentSize::large);
+    m_recover->setFlush();
+    m_recover->setFixedHeight(24);
+    m_password->addToLabel(m_recover);
+    m_google->setStretched();
+
+    auto* heading = new QHBoxLayout;
+    heading->setSpacing(14);
+    heading->addWidget(new Mark(markSide));
+    heading->addWidget(new Caption(Type::display, &Theme::text, u"Moltiva"_s), 1);
+    auto* rows = new QVBoxLayout(m_column);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    rows->addLayout(heading);
+    rows->addSpacing(16);
+    rows->addWidget(new Paragraph(
+        Type::large, &Theme::text2,
+        u"Accede con tu cuenta compartida para usar créditos, compras y generación."_s));
+    rows->addSpacing(28);
+    rows->addWidget(m_segments);
+    rows->addSpacing(22);
+    rows->addWidget(m_explanation);
+    rows->addSpacing(16);
+    auto* fields = new QVBoxLayout;
+    fields->setSpacing(12);
+    rows->addLayout(fields);
+    for (FormField* field : {m_email, m_password, m_repeated}) {
+        fields->addWidget(field);
+        connect(field, &FormField::submitted, this, &LoginView::send);
+    }
+    rows->addSpacing(22);
+    for (const ModeRow& mode : modes) {
+        auto* button = new PushButton(mode.icon, mode.action.toString(), ButtonKind::primary,
+                                      ButtonSize::large);
+        button->setStretched();
+        connect(button, &PushButton::clicked, this, &LoginView::send);
+        rows->addWidget(button);
+        m_primaries.append(button);
+    }
+    rows->addSpacing(18);
+    rows->addWidget(new Divider(u"o"_s));
+    rows->addSpacing(18);
+    rows->addWidget(m_google);
+    rows->addSpacing(16);
+    rows->addWidget(m_notice);
+    rows->addStretch(1);
+
+    m_form->add(m_primaries + QList{m_google, m_recover});
+    m_form->add(QList{m_email, m_password, m_repeated});
+    m_form->add(QList<QWidget*>{m_segments});
+    connect(m_segments, &SegmentedControl::chosen, this,
+            [this](int index) { setMode(LoginMode(index)); });
+    connect(m_recover, &PushButton::clicked, this, [this] {
+        setMode(LoginMode::recover);
+        focusFirst();
+    });
+    connect(m_google, &PushButton::clicked, this, [this] {
+        m_form->send(m_google);
+        Q_EMIT googleRequested();
+    });
+    const QList<QWidget*> order = QList<QWidget*>{m_segments, m_email->edit(), m_password->edit(),
+                                                  m_recover, m_repeated->edit()} +
+                                  QList<QWidget*>(m_primaries.begin(), m_primaries.end()) +
+                                  QList<QWidget*>{m_google};
+    for (int i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
+    m_waiting->hide();
+    setMode(LoginMode::signIn);
+}
+
+PushButton* LoginView::primary(LoginMode mode) const
+{
+    return m_primaries[int(mode)];
+}
+
+void LoginView::setAccount(const AccountShown& account)
+{
+    m_form->show(account);
+}
+
+void LoginView::setWaitingFiles(int count)
+{
+    m_waiting->setText(count == 1
+                           ? u"Hay 1 archivo en espera. Se abrirá cuando entres."_s
+                           : u"Hay %1 archivos en espera. Se abrirán cuando entres."_s.arg(count));
+    m_waiting->setVisible(count > 0);
+    place();
+}
+
+void LoginView::setMode(LoginMode mode)
+{
+    const bool isOther = mode != m_mode;
+    m_mode = mode;
+    m_segments->setCurrent(int(mode));
+    m_explanation->setText(row(mode).explanation.toString());
+    m_password->setVisible(mode != LoginMode::recover);
+    m_recover->setVisible(mode == LoginMode::signIn);
+    m_repeated->setVisible(mode == LoginMode::createAccount);
+    for (int i = 0; i < m_primaries.size(); ++i)
+        m_primaries[i]->setVisible(i == int(mode));
+    if (isOther)
+        m_form->forget();
+}
+
+void LoginView::clearPasswords()
+{
+    m_password->clear();
+    m_repeated->clear();
+}
+
+void LoginView::focusFirst()
+{
+    QWidget* first = m_email->text().isEmpty() || m_mode == LoginMode::recover ? m_email->edit()
+                                                                               : m_password->edit();
+    first->setFocus(Qt::OtherFocusReason);
+}
+
+void LoginView::send()
+{
+    const QString email = m_email->text().trimmed();
+    const QString password = m_password->text();
+    const CheckResult failure = m_mode == LoginMode::signIn ? checkLogin(email, password)
+                                : m_mode == LoginMode::createAccount
+                                    ? checkRegistration(email, password, m_repeated->text())
+                                    : checkPasswordReset(email);
+    FormField* field = m_email;
+    if (failure && failure->field == CheckedField::password)
+        field = m_password;
+    else if (failure && failure->field == CheckedField::repeatedPassword)
+        field = m_repeated;
+    if (!m_form->accepts(failure, field))
+        return;
+    m_form->send(primary(m_mode));
+    switch (m_mode) {
+    case LoginMode::signIn:
+        Q_EMIT loginRequested(email, password);
+        break;
+    case LoginMode::createAccount:
+        Q_EMIT registrationRequested(email, password);
+        break;
+    case LoginMode::recover:
+        Q_EMIT passwordResetRequested(email);
+        break;
+    }
+}
+
+void LoginView::place()
+{
+    const int pane = std::min(width(), paneWidth);
+    const int left = width() - pane;
+    m_wall->setGeometry(0, 0, left, height());
+    // The same top in every mode, low enough for the usual one to be in the middle.
+    const int top =
+        std::max(16, std::min((height() - usualHeight) / 2, height() - highest - bottomMargin));
+    m_column->setGeometry(left + (pane - columnWidth) / 2, top, columnWidth,
+                          std::max(0, height() - top));
+    m_waiting->setGeometry(left + (pane - columnWidth) / 2, height() - bottomMargin - 20,
+                           columnWidth, 20);
+    m_waiting->raise();
+}
+
+void LoginView::resizeEvent(QResizeEvent*)
+{
+    place();
+}
+
+void LoginView::paintEvent(QPaintEvent*)
+{
+    QPainter(this).fillRect(rect(), themeOf(this).panel);
+}

@@ -1,0 +1,17 @@
+#pragma once
+#include <QWidget>
+
+class QPainter;
+struct Theme;
+
+// The program's mark, 28 pixels wide and high.
+void paintMark(QPainter& painter, const Theme& theme);
+
+class Mark : public QWidget {
+    Q_OBJECT
+public:
+    explicit Mark(int side, QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};

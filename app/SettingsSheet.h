@@ -1,0 +1,31 @@
+#pragma once
+#include "app/Icons.h"
+#include "app/controls/Sheet.h"
+
+class QStackedWidget;
+class RowButton;
+class SettingsPanel;
+struct AccountShown;
+
+// A sheet whose column chooses among pages.
+class SettingsSheet : public Sheet {
+    Q_OBJECT
+public:
+    SettingsSheet(const QString& title, QSize size, QWidget* window);
+    void setPage(int index);    // shows; emits nothing
+    int page() const;
+    virtual void setAccount(const AccountShown& account);
+
+Q_SIGNALS:
+    void pageChosen(int index);    // by the user
+
+protected:
+    void addPage(Icon icon, const QString& title, SettingsPanel* panel);
+    SettingsPanel* panel(int index) const { return m_panels[index]; }
+
+private:
+    QStackedWidget* m_pages;
+    QWidget* m_group;    // of the rows of which one is chosen
+    QList<RowButton*> m_rows;
+    QList<SettingsPanel*> m_panels;
+};

@@ -1,0 +1,58 @@
+#include "app/SignInWall.h"
+
+#include "app/controls/Painting.h"
+#include "app/controls/Paragraph.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int side = 56, bottom = 44;
+constexpr double leastShare = 0.8;    // of the height, where the picture is too wide for it
+
+}    // namespace
+
+SignInWall::SignInWall(QWidget* parent) : QWidget(parent)
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleName(u"De una carpeta de fotos a una campaña lista para publicar."_s);
+}
+
+void SignInWall::hideEvent(QHideEvent*)
+{
+    m_picture = {};
+}
+
+void SignInWall::paintEvent(QPaintEvent*)
+{
+    const QColor ground = darkTheme().bg;
+    QPainter painter(this);
+    painter.fillRect(rect(), ground);
+    if (m_picture.isNull())
+        m_picture = QPixmap(u":/pictures/sign-in-wall.jpg"_s);
+    if (m_picture.isNull() || rect().isEmpty())
+        return;
+    // As wide as the wall; what it lacks below is dark anyhow.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QSizeF shown =
+        QSizeF(m_picture.size())
+            .scaled(QSizeF(width(), height() * leastShare), Qt::KeepAspectRatioByExpanding);
+    painter.drawPixmap(QRectF(QPointF((width() - shown.width()) / 2, 0), shown), m_picture,
+                       m_picture.rect());
+    QLinearGradient night(0, 0, 0, height());
+    night.setColorAt(0, withOpacity(ground, 0.06));
+    night.setColorAt(0.42, withOpacity(ground, 0.12));
+    night.setColorAt(0.78, withOpacity(ground, 0.84));
+    night.setColorAt(1, withOpacity(ground, 0.97));
+    painter.fillRect(rect(), night);
+
+    const QStringList rows =
+        wrappedRows(u"De una carpeta de fotos\na una campaña lista para publicar."_s, Type::claim,
+                    width() - 2 * side, 3);
+    const double rowHeight = row(Type::claim).lineHeight;
+    QRectF line(side, height() - bottom - rowHeight * double(rows.size()), width() - 2 * side,
+                rowHeight);
+    for (const QString& text : rows) {
+        paintText(painter, line, Qt::AlignLeft, Type::claim, Qt::white, text);
+        line.translate(0, rowHeight);
+    }
+}

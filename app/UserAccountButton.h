@@ -1,0 +1,28 @@
+#pragma once
+#include "app/controls/Button.h"
+
+enum class NameForm { whole, first };
+
+// Who is signed in, and the balance.
+class UserAccountButton : public Control {
+    Q_OBJECT
+public:
+    explicit UserAccountButton(QWidget* parent = nullptr);
+    void setAccount(const QString& name, int balance);
+    void setNameForm(NameForm form);
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void widthChanged();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString shownName() const;
+    double textRoom() const;
+
+    QString m_name;
+    int m_balance = 0;
+    NameForm m_form = NameForm::whole;
+};

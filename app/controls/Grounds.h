@@ -1,0 +1,63 @@
+#pragma once
+#include <QWidget>
+
+class QPainter;
+class QRectF;
+enum class Icon;
+struct Theme;
+
+// A ground for what belongs together.
+class CardGround : public QWidget {
+    Q_OBJECT
+public:
+    enum class Look { card, accent };
+    explicit CardGround(Look look = Look::card, QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Look m_look;
+};
+
+// A hairline over the whole width, with a short word in its middle where there is one.
+class Divider : public QWidget {
+    Q_OBJECT
+public:
+    explicit Divider(const QString& word = {}, QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString m_word;
+};
+
+// The initials of a name on a disc.
+class Avatar : public QWidget {
+    Q_OBJECT
+public:
+    explicit Avatar(int side, QWidget* parent = nullptr);
+    void setInitials(const QString& initials);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString m_initials;
+};
+
+void paintAvatar(QPainter& painter, const QRectF& box, const Theme& theme, const QString& initials);
+
+// An icon on a soft square.
+class IconTile : public QWidget {
+    Q_OBJECT
+public:
+    IconTile(Icon icon, int side, QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Icon m_icon;
+};

@@ -1,0 +1,106 @@
+#include "app/controls/Paragraph.h"
+
+#include "app/controls/Painting.h"
+
+#include <QHelpEvent>
+#include <QTextLayout>
+#include <QToolTip>
+
+QStringList wrappedRows(const QString& text, Type type, double width, int mostRows)
+{
+    QStringList rows;
+    for (const QString& line : text.split(u'\n')) {
+        QTextLayout layout(line, fontOf(type));
+        QTextOption option;
+        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        layout.setTextOption(option);
+        layout.beginLayout();
+        for (QTextLine row = layout.createLine(); row.isValid(); row = layout.createLine()) {
+            row.setLineWidth(std::max(1.0, width));
+            if (rows.size() == mostRows - 1) {
+                rows.append(line.mid(row.textStart()));
+                return rows;
+            }
+            rows.append(line.mid(row.textStart(), row.textLength()).trimmed());
+        }
+        layout.endLayout();
+    }
+    return rows;
+}
+
+Paragraph::Paragraph(Type type, QColor Theme::*ink, const QString& text, QWidget* parent)
+    : QWidget(parent), m_type(type), m_ink(ink)
+{
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+    setText(text);
+}
+
+void Paragraph::setText(const QString& text)
+{
+    if (text == m_text)
+        return;
+    m_text = text;
+    setAccessibleName(text);
+    updateGeometry();
+    update();
+}
+
+void Paragraph::setInk(QColor Theme::*ink)
+{
+    m_ink = ink;
+    update();
+}
+
+void Paragraph::setMostRows(int rows)
+{
+    m_mostRows = rows;
+    updateGeometry();
+}
+
+void Paragraph::setLeastRows(int rows)
+{
+    m_leastRows = rows;
+    updateGeometry();
+}
+
+int Paragraph::heightForWidth(int width) const
+{
+    const int rows = int(wrappedRows(m_text, m_type, width, m_mostRows).size());
+    return std::max(rows, m_leastRows) * row(m_type).lineHeight;
+}
+
+QSize Paragraph::sizeHint() const
+{
+    constexpr int widest = 420;
+    const int width = std::min(widest, qCeil(textWidth(m_type, m_text.left(200))) + 1);
+    return {width, heightForWidth(width)};
+}
+
+QSize Paragraph::minimumSizeHint() const
+{
+    return {40, m_leastRows * row(m_type).lineHeight};
+}
+
+bool Paragraph::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    const QStringList rows = wrappedRows(m_text, m_type, width(), m_mostRows);
+    if (textWidth(m_type, rows.last()) > width())
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(m_text),
+                           this);
+    return true;
+}
+
+void Paragraph::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const QColor ink = isEnabled() ? themeOf(this).*m_ink : themeOf(this).dis;
+    QRectF line(0, 0, width(), row(m_type).lineHeight);
+    for (const QString& text : wrappedRows(m_text, m_type, width(), m_mostRows)) {
+        paintText(painter, line, Qt::AlignLeft, m_type, ink, text);
+        line.translate(0, line.height());
+    }
+}

@@ -1,0 +1,44 @@
+#include "app/controls/RowButton.h"
+
+namespace {
+constexpr int height36 = 36, padding = 10, iconSide = 20, iconGap = 10;
+}
+
+RowButton::RowButton(Icon icon, const QString& text, QWidget* parent)
+    : Control(parent), m_icon(icon)
+{
+    setText(text);
+    setAccessibleName(text);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setProperty("focusRadius", Radius::field);
+}
+
+void RowButton::setMark(Icon icon)
+{
+    m_mark = icon;
+    update();
+}
+
+QSize RowButton::sizeHint() const
+{
+    return {2 * padding + iconSide + iconGap + qCeil(textWidth(Type::bodyMedium, text())),
+            height36};
+}
+
+void RowButton::paintEvent(QPaintEvent*)
+{
+    const Theme& theme = themeOf(this);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    fillRounded(painter, rect(), Radius::field,
+                isChecked() ? theme.control : withOpacity(theme.hover, hovered()));
+    QColor ink = isChecked() ? theme.text : mixed(theme.text2, theme.text, hovered());
+    if (!isEnabled())
+        ink = theme.dis;
+    paintIcon(painter, m_icon, QRectF(padding, 0, iconSide, height()), iconSide, ink);
+    const double left = padding + iconSide + iconGap;
+    paintText(painter, QRectF(left, 0, width() - left - padding, height()), Qt::AlignLeft,
+              Type::bodyMedium, isEnabled() ? theme.text : theme.dis, text());
+    paintIcon(painter, m_mark, QRectF(width() - padding - iconSide, 0, iconSide, height()), 16,
+              ink);
+}

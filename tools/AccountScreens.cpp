@@ -1,0 +1,213 @@
+#include "tools/AccountScreens.h"
+
+#include "app/AccountPanelView.h"
+#include "app/AccountSettingsWindow.h"
+#include "app/AppSettingsWindow.h"
+#include "app/AuthGateView.h"
+#include "app/CreditsDetailPanel.h"
+#include "app/CustomAmount.h"
+#include "app/LoginView.h"
+#include "app/MainWindow.h"
+#include "app/StudioShell.h"
+#include "app/Theme.h"
+#include "app/UserAccountButton.h"
+#include "app/controls/Button.h"
+#include "app/controls/FormField.h"
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "studio/StudioSession.h"
+#include "tools/ScriptedAccount.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize windowSizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
+constexpr int longestWait = 5000;    // ms
+const QByteArray purchases = R"({"purchases":[
+{"id":"1","kind":"credits","createdAt":"2026-11-20T10:15:00Z","amountCents":1000,
+ "detail":"10.000 créditos","invoiceURL":"https://example.org/1"},
+{"id":"2","kind":"credits","createdAt":"2026-10-02T08:00:00.250Z","amountCents":10000,
+ "detail":"100.000 créditos","receiptURL":"https://example.org/2"},
+{"id":"3","kind":"storage","createdAt":"hace mucho","amountCents":123456,
+ "detail":"Ampliación a 50 GB durante un año, contratada desde otra aplicación de la misma casa"},
+{"id":"4","kind":"credits","amountCents":2000,"detail":"20.000 créditos"}]})";
+
+class AccountScreens {
+public:
+    explicit AccountScreens(const QDir& out) : m_out(out) { m_account.hold(); }
+
+    bool takeAll()
+    {
+        m_window.show();
+        m_session.restoreWorkspaceIfNeeded();
+        take(u"gate-checking"_s);
+        m_account.release();
+        waitFor([this] { return m_window.gate()->state() == Gate::signedOut; });
+        return takeGate() && takePopover() && takeSheets();
+    }
+
+private:
+    bool takeGate()
+    {
+        LoginView* login = m_window.gate()->login();
+        m_window.activateWindow();
+        login->email()->edit()->setText(u"lucia@casaliebana.es"_s);
+        login->password()->edit()->setText(u"secreto123"_s);
+        login->password()->edit()->setFocus();
+        take(u"gate-sign-in"_s);
+        m_window.open({QUrl::fromLocalFile(u"/a.jpg"_s), QUrl::fromLocalFile(u"/b.jpg"_s)});
+        login->setMode(LoginMode::createAccount);
+        login->primary(LoginMode::createAccount)->click();
+        take(u"gate-create-account-mismatch"_s);
+        login->setMode(LoginMode::recover);
+        take(u"gate-recover"_s);
+        login->setMode(LoginMode::signIn);
+        m_account.answer("POST /api/auth/login", R"({"error":"invalid_credentials"})", 400);
+        m_account.hold();
+        login->primary(LoginMode::signIn)->click();
+        take(u"gate-working"_s);
+        m_account.release();
+        waitFor([this] { return !m_account.session().isWorking(); });
+        take(u"gate-refused"_s);
+        m_account.answer("POST /api/auth/login", ScriptedAccount::summary());
+        m_account.answer("GET /api/auth/me", ScriptedAccount::summary());
+        login->primary(LoginMode::signIn)->click();
+        return waitFor([this] { return m_window.gate()->state() == Gate::open; });
+    }
+
+    template <typename Widget>
+    Widget* found() const
+    {
+        return m_window.findChild<Widget*>();
+    }
+
+    bool takePopover()
+    {
+        m_window.resize(1440, 900);
+        auto* button = found<UserAccountButton>();
+        // A popover closes when the window changes its size.
+        const auto takeOpen = [&](const QString& name, auto prepare) {
+            for (const QSize size : windowSizes) {
+                m_window.resize(size);
+                button->click();
+                prepare(*found<AccountPanelView>());
+                grabBoth(name);
+                button->click();
+                settle();
+            }
+        };
+        takeOpen(u"popover"_s, [](AccountPanelView&) {});
+        takeOpen(u"popover-folded"_s,
+                 [](AccountPanelView& view) { view.setDetails(AccountPanelView::Fold::folded); });
+        m_account.answer("POST /api/stripe/checkout",
+                         R"({"url":"https://example.org","sessionId":"s1"})");
+        m_account.session().buyCredits(10000);
+        waitFor([this] { return m_account.session().pendingCheckoutSessionId().has_value(); });
+        takeOpen(u"popover-pending-password"_s,
+                 [](AccountPanelView& view) { view.setPassword(AccountPanelView::Fold::open); });
+        return true;
+    }
+
+    bool takeSheets()
+    {
+        m_session.setAccountPanel(AccountPanelDestination::credits);
+        take(u"credits-pending"_s);
+        m_account.answer("POST /api/stripe/confirm", R"({"ok":true,"balance":123456})");
+        m_account.answer("GET /api/account/purchases", R"({"purchases":[]})");
+        m_account.session().confirmPendingCheckout();
+        waitFor([this] { return !m_account.session().isWorking(); });
+        take(u"credits"_s);
+        CustomAmount* custom = found<CreditsDetailPanel>()->customAmount();
+        custom->choice()->click();
+        custom->field()->edit()->setFocus();
+        custom->field()->edit()->insert(u"48700"_s);
+        take(u"credits-custom"_s);
+        m_session.setAccountPanel(AccountPanelDestination::account);
+        take(u"account"_s);
+        m_session.setAccountPanel(AccountPanelDestination::storage);
+        take(u"storage"_s);
+        m_session.setAccountPanel(AccountPanelDestination::purchases);
+        take(u"purchases-none"_s);
+        m_account.answer("GET /api/account/purchases", purchases);
+        m_account.session().refreshPurchaseHistory();
+        waitFor([this] { return !m_account.session().isWorking(); });
+        take(u"purchases"_s);
+        m_account.answer("PATCH /api/auth/profile",
+                         ScriptedAccount::summary("Maria del Carmen Fernández-Villaverde y "
+                                                  "Rodríguez de Sotomayor",
+                                                  987654));
+        m_account.session().updateProfile({});
+        waitFor([this] { return !m_account.session().isWorking(); });
+        m_session.setAccountPanel(AccountPanelDestination::account);
+        take(u"account-long-name"_s);
+        m_session.setAccountPanel(std::nullopt);
+        take(u"studio-long-name"_s);
+        m_session.setAppSettingsPresented(true);
+        take(u"updates"_s);
+        if (auto* sheet = m_window.findChild<AppSettingsWindow*>())
+            sheet->setPage(AppSettingsWindow::localAI);
+        take(u"local-ai"_s);
+        m_session.setAppSettingsPresented(false);
+        return true;
+    }
+
+    bool waitFor(const std::function<bool()>& reached)
+    {
+        QElapsedTimer watch;
+        for (watch.start(); !reached() && watch.elapsed() < longestWait;)
+            QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+        return reached();
+    }
+
+    void settle()
+    {
+        QElapsedTimer pause;
+        for (pause.start(); pause.elapsed() < 60;)
+            QApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+
+    void grabBoth(const QString& name)
+    {
+        for (const auto& [theme, label] :
+             {std::pair(&darkTheme(), u"dark"_s), std::pair(&lightTheme(), u"light"_s)}) {
+            applyTheme(*theme);
+            settle();
+            const QString file = u"%1-%2-%3.png"_s.arg(name, label).arg(m_window.width());
+            if (m_window.grab().save(m_out.filePath(file)))
+                std::printf("%s\n", qPrintable(file));
+        }
+    }
+
+    void take(const QString& name)
+    {
+        for (const QSize size : windowSizes) {
+            m_window.resize(size);
+            grabBoth(name);
+        }
+    }
+
+    QDir m_out;
+    QTemporaryDir m_folder;
+    std::shared_ptr<PhotoCache> m_cache =
+        std::make_shared<PhotoCache>(m_folder.filePath(u"cache"_s));
+    PreferencesStore m_preferences{m_folder.filePath(u"preferences.sqlite"_s)};
+    StudioSession m_session{m_cache, m_preferences};
+    ScriptedAccount m_account{m_preferences, Scripted::signedOut};
+    MainWindow m_window{m_session, m_account.session(), m_cache, m_preferences};
+};
+
+}    // namespace
+
+bool takeAccountScreens(const QDir& out)
+{
+    AccountScreens screens(out);
+    return screens.takeAll();
+}
