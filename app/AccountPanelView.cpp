@@ -294,7 +294,13 @@ void AccountPanelView::fit()
 {
     if (isHidden())
         return;
-    m_page->layout()->activate();
+    // What was folded is told to the layouts above it by an event, later.
+    for (QWidget* section : m_page->findChildren<QWidget*>()) {
+        section->updateGeometry();
+        if (section->layout())
+            section->layout()->invalidate();
+    }
+    m_page->layout()->invalidate();
     resizeContent(QSize(panelWidth - 2 * padding,
                         std::min(m_page->sizeHint().height(), largestContent().height())));
 }

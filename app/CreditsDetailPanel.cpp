@@ -75,6 +75,7 @@ CreditsDetailPanel::CreditsDetailPanel(QWidget* parent)
     auto* pending = new QHBoxLayout(m_pending);
     pending->setContentsMargins(16, 10, 12, 10);
     pending->setSpacing(Space::medium);
+    pending->addWidget(new IconView(Icon::info, &Theme::accentText));
     pending->addWidget(m_pendingText, 1, Qt::AlignVCenter);
     pending->addWidget(m_confirm);
     m_pendingText->setMostRows(2);

@@ -18,7 +18,6 @@ InfoCard::InfoCard(Icon icon, const QString& title, const QString& sentence, QWi
     lines->addWidget(m_title);
     lines->addWidget(m_sentence);
     columns->addLayout(lines, 1);
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setTexts(title, sentence);
 }
 

@@ -162,6 +162,11 @@ void LoginView::setMode(LoginMode mode)
     m_mode = mode;
     m_segments->setCurrent(int(mode));
     m_explanation->setText(row(mode).explanation.toString());
+    // Else the focus would go to whatever comes next.
+    const bool losesFocus = (mode != LoginMode::createAccount && m_repeated->edit()->hasFocus()) ||
+                            (mode == LoginMode::recover && m_password->edit()->hasFocus());
+    if (losesFocus)
+        m_email->edit()->setFocus(Qt::OtherFocusReason);
     m_password->setVisible(mode != LoginMode::recover);
     m_recover->setVisible(mode == LoginMode::signIn);
     m_repeated->setVisible(mode == LoginMode::createAccount);

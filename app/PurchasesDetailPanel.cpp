@@ -15,7 +15,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int scrollBar = 12, mostRows = 200, amountWidth = 120, documentWidth = 112;
+constexpr int mostRows = 200, amountWidth = 120, documentWidth = 112;
 }
 
 PurchasesDetailPanel::PurchasesDetailPanel(QWidget* parent)
@@ -61,7 +61,7 @@ void PurchasesDetailPanel::setPurchases(const QList<PurchaseHistoryItem>& purcha
     m_documents.clear();
     m_list = new QWidget;
     auto* rows = new QVBoxLayout(m_list);
-    rows->setContentsMargins(0, 0, scrollBar, 0);
+    rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
     for (const PurchaseHistoryItem& purchase :
          purchases.first(std::min<qsizetype>(purchases.size(), mostRows))) {

@@ -98,7 +98,10 @@ private:
             for (const QSize size : windowSizes) {
                 m_window.resize(size);
                 button->click();
-                prepare(*found<AccountPanelView>());
+                for (auto* view : m_window.findChildren<AccountPanelView*>()) {
+                    if (view->isVisible())
+                        prepare(*view);
+                }
                 grabBoth(name);
                 button->click();
                 settle();

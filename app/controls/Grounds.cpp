@@ -63,6 +63,18 @@ void Avatar::paintEvent(QPaintEvent*)
     paintAvatar(painter, rect(), themeOf(this), m_initials);
 }
 
+IconView::IconView(Icon icon, QColor Theme::*ink, QWidget* parent)
+    : QWidget(parent), m_icon(icon), m_ink(ink)
+{
+    setFixedSize(20, 20);
+}
+
+void IconView::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    paintIcon(painter, m_icon, rect(), 16, themeOf(this).*m_ink);
+}
+
 IconTile::IconTile(Icon icon, int side, QWidget* parent) : QWidget(parent), m_icon(icon)
 {
     setFixedSize(side, side);

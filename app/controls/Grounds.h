@@ -1,10 +1,11 @@
 #pragma once
+#include "app/Theme.h"
+
 #include <QWidget>
 
 class QPainter;
 class QRectF;
 enum class Icon;
-struct Theme;
 
 // A ground for what belongs together.
 class CardGround : public QWidget {
@@ -48,6 +49,20 @@ private:
 };
 
 void paintAvatar(QPainter& painter, const QRectF& box, const Theme& theme, const QString& initials);
+
+// An icon by itself.
+class IconView : public QWidget {
+    Q_OBJECT
+public:
+    IconView(Icon icon, QColor Theme::*ink, QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Icon m_icon;
+    QColor Theme::*m_ink;
+};
 
 // An icon on a soft square.
 class IconTile : public QWidget {

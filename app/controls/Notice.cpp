@@ -18,7 +18,6 @@ Notice::Notice(int rows, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(iconSide + iconGap, 0, 0, 0);
     layout->addWidget(m_text);
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
 void Notice::tell(NoticeKind kind, const QString& text)

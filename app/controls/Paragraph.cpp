@@ -31,7 +31,8 @@ QStringList wrappedRows(const QString& text, Type type, double width, int mostRo
 Paragraph::Paragraph(Type type, QColor Theme::*ink, const QString& text, QWidget* parent)
     : QWidget(parent), m_type(type), m_ink(ink)
 {
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    // Not fixed: a layout would hold it to the height of the hint, of another width.
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     setText(text);

@@ -39,8 +39,9 @@ void Popover::resizeContent(QSize content)
 
 QSize Popover::largestContent() const
 {
-    const int room = 2 * (windowMargin + padding);
-    return window()->size() - QSize(room, room);
+    const int top = m_owner->mapTo(window(), QPoint(0, m_owner->height())).y() + gap;
+    return QSize(window()->width() - windowMargin, window()->height() - top) -
+           QSize(windowMargin + 2 * padding, windowMargin + 2 * padding);
 }
 
 void Popover::takeFocus(QWidget* target, Qt::FocusReason reason)

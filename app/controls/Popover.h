@@ -23,7 +23,7 @@ protected:
     QRect box() const;        // what is seen, without the room for the shadow
     QRect content() const;    // the same without the paddings
     void resizeContent(QSize content);
-    QSize largestContent() const;    // that the window has room for
+    QSize largestContent() const;    // that the window has room for below the owner
     bool eventFilter(QObject* object, QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
     void paintEvent(QPaintEvent* event) override;

@@ -208,10 +208,10 @@ TEST_F(AccountScreensTest, ARevealedPasswordStillLeavesByNoCopy)
     QTest::keyClicks(field.edit(), u"secreto"_s);
     field.edit()->setRevealed(true);
     QTest::keyClick(field.edit(), Qt::Key_A, Qt::ControlModifier);
-    for (const Qt::Key key : {Qt::Key_C, Qt::Key_X})
-        QTest::keyClick(field.edit(), key, Qt::ControlModifier);
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"antes"_s);
+    QTest::keyClick(field.edit(), Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(field.text(), u"secreto"_s);
+    QTest::keyClick(field.edit(), Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"antes"_s);
     EXPECT_EQ(field.edit()->echoMode(), QLineEdit::Normal);
     field.hide();
     EXPECT_EQ(field.edit()->echoMode(), QLineEdit::Password);
