@@ -63,7 +63,8 @@ QCoro::Task<QUrl> LocalService::address()
         throw TransportError(TransportError::Kind::unreachable,
                              u"No se ha podido arrancar el servicio local de cuentas."_s);
     }
-    co_return m_address;
+    const QUrl found = m_address;    // a member would be moved away: the result takes any lvalue
+    co_return found;
 }
 
 void LocalService::begin()

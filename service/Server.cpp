@@ -12,6 +12,9 @@
 #include <QUrlQuery>
 
 #include <sys/socket.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include <map>
 
@@ -27,7 +30,7 @@ constexpr int waitingConnections = 512;
 constexpr qsizetype longestPath = 512;
 
 constexpr size_t largestBody = 161 << 20;
-constexpr qint64 receivedAtOnce = qint64(1) << 30;    // bytes of bodies
+constexpr qint64 receivedAtOnce = 384 << 20;    // bytes of bodies
 constexpr qint64 handledAtOnce = 256 << 20;
 // A body is text, parsed text, a record and what the record holds.
 constexpr qint64 copiesOfBody = 6, smallBody = 1 << 20;
@@ -82,6 +85,14 @@ private:
     std::condition_variable m_changed;
     std::map<socket_t, bool> m_isBusy;
 };
+
+// The pieces of a large body are too small for the allocator to return by itself.
+void giveMemoryBack()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
 
 QString header(const httplib::Request& request, const char* name)
 {
@@ -260,6 +271,8 @@ private:
                 }
                 mayGoOn = request.get_header_value("Connection") != "close";
             });
+        if (qint64(stream.bodyBytes()) > smallBody)
+            giveMemoryBack();
         // What was not read of a body would be taken for the next request.
         return isWhole && mayGoOn && !isClosed && announced && *announced >= 0 &&
                qint64(stream.bodyBytes()) == *announced;
@@ -391,6 +404,7 @@ private:
         QByteArray body;
         if (announced == 0)
             return body;    // the library would read until the connection ends
+        body.reserve(qsizetype(std::max<qint64>(announced, 0)));
         bool isTooLarge = false;
         const bool isWhole = reader([&](const char* data, size_t size) {
             isTooLarge = body.size() + qint64(size) > largest;

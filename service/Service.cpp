@@ -38,6 +38,8 @@ Service::Service(const ServiceSettings& settings)
     : m_settings(completed(settings)),
       m_database(QDir(m_settings.dataFolder).filePath(u"servicio.sqlite"_s))
 {
+    // What a crash left half-looked at.
+    QDir(QDir(m_settings.dataFolder).filePath(u"temporal"_s)).removeRecursively();
     Transaction transaction(m_database);
     if (!ledgerAddsUp(transaction))
         throw DatabaseError("the ledger does not add up");

@@ -1,4 +1,5 @@
 #include "account/ServiceRendezvous.h"
+#include "platform/Memory.h"
 #include "service/Rendezvous.h"
 #include "service/Server.h"
 #include "service/Service.h"
@@ -205,6 +206,7 @@ int serve(QCoreApplication& application, const Options& options)
 
 int main(int argc, char** argv)
 {
+    settleAllocator();    // posts of hundreds of megabytes would stay
     qInstallMessageHandler(quietMessages);
     std::signal(SIGPIPE, SIG_IGN);
     QCoreApplication application(argc, argv);

@@ -1,0 +1,126 @@
+#include "account/AccountAPI.h"
+#include "account/AccountError.h"
+#include "platform/PreferencesStore.h"
+#include "tests/account/Awaited.h"
+#include "tests/service/TestService.h"
+
+#include <QImage>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+// The program's own client against the service, one endpoint after the other.
+
+namespace {
+
+class ClientTest : public testing::Test {
+protected:
+    ServiceConfiguration configuration() const
+    {
+        const QUrl url(QString::fromStdString(service.address()));
+        return {.service = url,
+                .site = url,
+                .siteName = u"Moltiva local"_s,
+                .administratorEmail = {},
+                .problem = {}};
+    }
+    template <typename Result>
+    static QString refusal(QCoro::Task<Result> task)
+    {
+        try {
+            awaited(std::move(task));
+        } catch (const AccountError& error) {
+            return error.code();
+        }
+        return u"none"_s;
+    }
+    // As who pays in the browser.
+    void pay(const QUrl& page)
+    {
+        const std::string path = page.path().toStdString();
+        EXPECT_LT(service.fill(path, path, {{"accion", "pagar"}}).status, 400);
+    }
+
+    TestService service;
+    QTemporaryDir folder;
+    PreferencesStore preferences{folder.filePath(u"p.sqlite"_s)};
+    AccountAPI api{configuration(), preferences};
+};
+
+}    // namespace
+
+TEST_F(ClientTest, KeepsAnAccount)
+{
+    EXPECT_EQ(refusal(api.me()), u"unauthorized"_s);
+    EXPECT_EQ(awaited(api.registerAccount(u"Ana@Ejemplo.es"_s, u"una-contraseña"_s)).balance,
+              10'000);
+    EXPECT_EQ(refusal(api.registerAccount(u"ana@ejemplo.es"_s, u"una-contraseña"_s)),
+              u"email_exists"_s);
+    EXPECT_EQ(awaited(api.updateProfile(u" Ana <b> "_s)).profile->fullName, u"Ana <b>"_s);
+    EXPECT_EQ(refusal(api.changePassword(u"otra"_s, u"nueva-clave"_s, u"nueva-clave"_s)),
+              u"invalid_credentials"_s);
+    awaited(api.changePassword(u"una-contraseña"_s, u"nueva-clave"_s, u"nueva-clave"_s));
+    awaited(api.logout());
+    EXPECT_EQ(refusal(api.login(u"ana@ejemplo.es"_s, u"una-contraseña"_s)),
+              u"invalid_credentials"_s);
+    EXPECT_EQ(awaited(api.login(u"ana@ejemplo.es"_s, u"nueva-clave"_s)).profile->fullName,
+              u"Ana <b>"_s);
+    AccountAPI restarted(configuration(), preferences);
+    EXPECT_EQ(awaited(restarted.me()).balance, 10'000);
+    awaited(api.requestPasswordReset(u"nadie@ejemplo.es"_s));
+    EXPECT_EQ(refusal(api.exchangeDesktopAuthToken(u"x"_s)), u"invalid_credentials"_s);
+}
+
+TEST_F(ClientTest, BuysAndSpendsCredits)
+{
+    awaited(api.registerAccount(u"ana@ejemplo.es"_s, u"una-contraseña"_s));
+    EXPECT_EQ(refusal(api.startCheckout(1'500)), u"invalid_credit_amount"_s);
+    const CheckoutStart start = awaited(api.startCheckout(20'000));
+    ASSERT_TRUE(start.url && start.sessionId);
+    EXPECT_EQ(refusal(api.confirmCheckout(*start.sessionId)), u"checkout_not_paid"_s);
+    pay(*start.url);
+    EXPECT_EQ(awaited(api.confirmCheckout(*start.sessionId)).balance, 30'000);
+    const auto purchases = awaited(api.purchaseHistory()).purchases;
+    ASSERT_EQ(purchases.size(), 1);
+    EXPECT_EQ(purchases[0].amountCents, 2'000);
+    EXPECT_TRUE(purchases[0].hasDocument());
+    EXPECT_TRUE(awaited(api.purchaseDocumentLink(purchases[0].id)).url.path().startsWith(u'/'));
+    EXPECT_EQ(refusal(api.purchaseDocumentLink(u"../1"_s)), u"invalid_purchase"_s);
+
+    EXPECT_EQ(awaited(api.reserveSocialCopyCredits(50, u"r"_s)).balance, 29'950);
+    EXPECT_EQ(awaited(api.reserveSocialCopyCredits(50, u"r"_s)).balance, 29'950);
+    EXPECT_EQ(awaited(api.refundSocialCopyCredits(50, u"r"_s)).balance, 30'000);
+    EXPECT_EQ(refusal(api.refundSocialCopyCredits(50, u"other"_s)), u"credit_not_reserved"_s);
+    EXPECT_EQ(refusal(api.reserveSocialCopyCredits(30'001, u"s"_s)), u"insufficient_credits"_s);
+}
+
+TEST_F(ClientTest, WritesTextsAndPublishes)
+{
+    awaited(api.registerAccount(u"ana@ejemplo.es"_s, u"una-contraseña"_s));
+    EXPECT_EQ(awaited(api.socialCopyConfig()).costCredits, 10);
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::darkGreen);
+    const QString path = folder.filePath(u"a.png"_s);
+    ASSERT_TRUE(picture.save(path));
+    const QUrl photo = QUrl::fromLocalFile(path);
+    awaited(api.reserveSocialCopyCredits(10, u"g"_s));
+    EXPECT_EQ(refusal(api.generateSocialCopy(photo, u"vender"_s, SocialFormat::square, u"g"_s)),
+              u"provider_key_missing"_s);
+
+    EXPECT_EQ(awaited(api.socialStatus()).networks.size(), 3);
+    EXPECT_EQ(refusal(api.socialConnectToken(u"otra"_s)), u"invalid_social_network"_s);
+    EXPECT_EQ(awaited(api.socialConnectToken(u"facebook"_s)).url.scheme(), u"http"_s);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QList<SocialPublishImage> images{{u"a.png"_s, u"image/png"_s, file.readAll()}};
+    EXPECT_EQ(refusal(api.publishSocialPost(u"facebook"_s, u"hola"_s, images, u"p"_s)),
+              u"social_account_not_connected"_s);
+
+    EXPECT_EQ(refusal(api.uploadTemplate(u"a.json"_s, "{}", std::nullopt)), u"admin_required"_s);
+    awaited(api.registerAccount(u"jefa@ejemplo.es"_s, u"una-contraseña"_s));
+    awaited(api.uploadTemplate(u"a.json"_s, "{}", std::nullopt));
+    EXPECT_EQ(refusal(api.uploadTemplate(u"../a.json"_s, "{}", std::nullopt)),
+              u"invalid_template"_s);
+    awaited(api.deleteTemplate(u"a.json"_s));
+}
