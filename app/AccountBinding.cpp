@@ -97,7 +97,6 @@ void AccountBinding::show()
         m_accountSettings->purchasesPanel()->setPurchases(m_account.purchaseHistory());
     }
     if (m_appSettings) {
-        m_appSettings->setAccount(account);
         const CloudCopyConfig& config = m_account.cloudCopyConfig();
         m_appSettings->updatesPanel()->setLatest(config.latestMacVersion, config.macDownloadURL);
     }
