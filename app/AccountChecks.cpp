@@ -24,7 +24,7 @@ CheckResult checkRepeated(const QString& password, const QString& repeated)
 
 CheckResult checkLogin(const QString& email, const QString& password)
 {
-    if (const CheckResult failure = checkEmail(email))
+    if (CheckResult failure = checkEmail(email))
         return failure;
     if (password.isEmpty())
         return CheckFailure{CheckedField::password, u"Escribe tu contraseña."_s};
@@ -34,7 +34,7 @@ CheckResult checkLogin(const QString& email, const QString& password)
 CheckResult checkRegistration(const QString& email, const QString& password,
                               const QString& repeated)
 {
-    if (const CheckResult failure = checkEmail(email))
+    if (CheckResult failure = checkEmail(email))
         return failure;
     if (password.isEmpty())
         return CheckFailure{CheckedField::password, u"Escribe una contraseña."_s};

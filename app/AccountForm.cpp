@@ -64,14 +64,14 @@ void AccountForm::show(const AccountShown& account)
         for (FormField* field : std::as_const(m_fields))
             field->setLocked(m_isWorking);
         for (PushButton* button : std::as_const(m_buttons)) {
-            const bool isPressed = button == m_pressed;
+            const bool isPressed = m_pressed && button == m_pressed;
             button->setWorking(m_isWorking && isPressed);
             // What is disabled would hand the focus on to anything.
             if (m_isWorking && !isPressed && button->hasFocus() && m_pressed)
                 m_pressed->setFocus(Qt::OtherFocusReason);
         }
         for (PushButton* button : std::as_const(m_buttons))
-            button->setEnabled(!m_isWorking || button == m_pressed);
+            button->setEnabled(!m_isWorking || (m_pressed && button == m_pressed));
         for (QWidget* other : std::as_const(m_others)) {
             if (m_isWorking && other->hasFocus() && m_pressed)
                 m_pressed->setFocus(Qt::OtherFocusReason);

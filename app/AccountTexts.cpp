@@ -2,6 +2,7 @@
 
 #include "model/PlainText.h"
 
+#include <QStringList>
 #include <QTextBoundaryFinder>
 
 using namespace Qt::StringLiterals;

@@ -1,6 +1,7 @@
 #include "app/AppVersion.h"
 
 #include <QCoreApplication>
+#include <QVariant>
 
 using namespace Qt::StringLiterals;
 
@@ -36,7 +37,7 @@ int compareVersions(QStringView left, QStringView right)
         if (const int order = a.compare(b, Qt::CaseInsensitive); order != 0)
             return order;
     }
-    return int(left.size() > 0) - int(right.size() > 0);
+    return int(!left.isEmpty()) - int(!right.isEmpty());
 }
 
 }    // namespace
