@@ -4,7 +4,7 @@
 enum class NameForm { whole, first };
 
 // Who is signed in, and the balance.
-class UserAccountButton : public Control {
+class UserAccountButton final : public Control {
     Q_OBJECT
 public:
     explicit UserAccountButton(QWidget* parent = nullptr);

@@ -214,7 +214,8 @@ void PushButton::paintEvent(QPaintEvent*)
                 fill);
     if (m_labels == Labels::hidden)
         return paintIcon(painter, m_icon, rect(), 20, ink);
-    double left = padding() + std::max(0, width() - sizeHint().width()) / 2;
+    const int spare = std::max(0, width() - sizeHint().width()) / 2;
+    double left = padding() + spare;
     const bool hasPlace = m_icon != Icon::none;
     if (isWorking()) {
         const QRectF spinner(hasPlace ? left : (width() - 16) / 2.0, (height() - 16) / 2.0, 16, 16);
