@@ -114,8 +114,7 @@ ServiceReply changeProfile(Visit& visit)
     Transaction transaction(visit.service.database());
     setFullName(transaction, visit.account.id, given.fullName);
     const auto account = accountWithId(transaction, visit.account.id);
-    const ServiceReply reply =
-        wireReply(summary(visit, transaction, account.value_or(visit.account)));
+    ServiceReply reply = wireReply(summary(visit, transaction, account.value_or(visit.account)));
     transaction.commit();
     return reply;
 }

@@ -46,7 +46,7 @@ QString startCheckout(Transaction& transaction, qint64 account, int credits, qin
         throw Refusal(400, "invalid_credit_amount", u"1000 to 1000000 in blocks of 1000"_s);
     if (balance(transaction, account) > largestBalance - credits)
         throw Refusal(400, "invalid_credit_amount", u"the balance would be too large"_s);
-    const QString id = QString::fromLatin1(newToken());
+    QString id = QString::fromLatin1(newToken());
     transaction.run(
         "INSERT INTO checkout (id, account, credits, state, created) VALUES (?, ?, ?, 'open', ?)",
         {id, account, qint64(credits), now});

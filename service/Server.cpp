@@ -182,7 +182,7 @@ public:
         };
         Post("/.*", withBody);
         Patch("/.*", withBody);
-        set_exception_handler([](const auto&, httplib::Response& reply, std::exception_ptr) {
+        set_exception_handler([](const auto&, httplib::Response& reply, const auto&) {
             give(reply, refusalReply(Refusal(500, "server_error")));
         });
         set_error_handler([](const httplib::Request&, httplib::Response& reply) {
@@ -322,7 +322,7 @@ private:
     // and would then be asked by the browser as if it were us.
     QString ownHost(const httplib::Request& request) const
     {
-        const QString host = header(request, "Host").toLower();
+        QString host = header(request, "Host").toLower();
         const QUrl url(u"http://"_s + host, QUrl::StrictMode);
         const QHostAddress address(url.host());
         const QHostAddress told(m_host);

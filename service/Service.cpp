@@ -27,7 +27,7 @@ QByteArray keptFormKey(Transaction& transaction)
     Rows found = transaction.rows("SELECT value FROM setting WHERE name = 'form_key'");
     if (found.next())
         return found.bytes(0);
-    const QByteArray key = newKey();
+    QByteArray key = newKey();
     transaction.run("INSERT INTO setting (name, value) VALUES ('form_key', ?)", {key});
     return key;
 }

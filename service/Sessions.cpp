@@ -27,7 +27,7 @@ QString storedName(PassPurpose purpose)
 QByteArray openSession(Transaction& transaction, qint64 account, qint64 now)
 {
     transaction.run("DELETE FROM session WHERE last_used < ?", {now - sessionLife});
-    const QByteArray token = newToken();
+    QByteArray token = newToken();
     transaction.run("INSERT INTO session (hash, account, created, last_used) VALUES (?, ?, ?, ?)",
                     {tokenHash(token), account, now, now});
     return token;
@@ -59,7 +59,7 @@ void endSessions(Transaction& transaction, qint64 account, QByteArrayView except
 QByteArray givePass(Transaction& transaction, PassPurpose purpose, qint64 account,
                     const QString& detail, qint64 expires)
 {
-    const QByteArray token = newToken();
+    QByteArray token = newToken();
     transaction.run(
         "INSERT INTO pass (hash, purpose, account, detail, expires) VALUES (?, ?, ?, ?, ?)",
         {tokenHash(token), storedName(purpose), account, detail, expires});
@@ -80,7 +80,7 @@ std::optional<Pass> lookAtPass(Transaction& transaction, PassPurpose purpose, QB
 std::optional<Pass> takePass(Transaction& transaction, PassPurpose purpose, QByteArrayView token,
                              qint64 now)
 {
-    const auto pass = lookAtPass(transaction, purpose, token, now);
+    auto pass = lookAtPass(transaction, purpose, token, now);
     if (pass)
         transaction.run("DELETE FROM pass WHERE hash = ?", {tokenHash(token)});
     return pass;

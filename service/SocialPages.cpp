@@ -134,7 +134,7 @@ std::optional<Account> credentialsAccount(Visit& visit)
     const QString key = visit.request.address + u' ' + email.value_or(QString());
     if (!email || !visit.service.signInAttempts().allow(key, visit.service.now()))
         return std::nullopt;
-    const auto account = [&] {
+    auto account = [&] {
         Transaction transaction(visit.service.database());
         return accountWithEmail(transaction, *email);
     }();

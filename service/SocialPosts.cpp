@@ -151,7 +151,7 @@ QString publish(Service& service, qint64 account, const SocialPublishRequest& re
     checkImages(request.images, service.folder(u"temporal"_s));
 
     const QDir posts = service.folder(u"publicaciones"_s);
-    const QString id = QString::fromLatin1(newToken());
+    QString id = QString::fromLatin1(newToken());
     auto discard = qScopeGuard([&] { QDir(posts.filePath(id)).removeRecursively(); });
     writeImages(posts, id, request.images);
     Transaction transaction(service.database());

@@ -94,6 +94,7 @@ TEST_F(LedgerTest, manyAtOnceNeverOverdraw)
 {
     std::atomic<int> charged = 0;
     std::vector<std::thread> clients;
+    clients.reserve(16);
     for (int client = 0; client < 16; ++client) {
         clients.emplace_back([&, client] {
             for (int i = 0; i < 10; ++i)

@@ -88,7 +88,7 @@ private:
     {
         std::string all;
         for (const auto& [name, value] : cookies)
-            all += name + "=" + value + "; ";
+            all.append(name).append("=").append(value).append("; ");
         return all.empty() ? httplib::Headers{} : httplib::Headers{{"Cookie", all}};
     }
     Reply kept(const httplib::Result& result)
