@@ -8,6 +8,12 @@ inline bool isControl(QChar c)
     return c.category() == QChar::Other_Control && c != u'\t' && c != u'\n';
 }
 
+// What turns the direction of the text around it; in a name from elsewhere it would turn ours.
+inline bool turnsDirection(QChar c)
+{
+    return (c >= QChar(0x202a) && c <= QChar(0x202e)) || (c >= QChar(0x2066) && c <= QChar(0x2069));
+}
+
 // A text from elsewhere as ours are: whatever ends a line is \n, other control characters go.
 inline QString plainText(QString text)
 {
