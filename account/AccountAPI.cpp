@@ -13,6 +13,7 @@
 #include <QUrlQuery>
 
 #include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -54,7 +55,10 @@ std::optional<QUrl> locationIn(const HttpReply& reply, const QUrl& asked)
     });
     if (!isRedirection(reply.status) || found == reply.headers.end())
         return std::nullopt;
-    return asked.resolved(QUrl::fromEncoded(found->second, QUrl::StrictMode));
+    const QUrl location = QUrl::fromEncoded(found->second, QUrl::StrictMode);
+    if (location.isEmpty() || !location.isValid())
+        return std::nullopt;
+    return asked.resolved(location);
 }
 
 bool sameOrigin(const QUrl& one, const QUrl& other)
@@ -65,15 +69,25 @@ bool sameOrigin(const QUrl& one, const QUrl& other)
     return one.scheme() == other.scheme() && one.host() == other.host() && port(one) == port(other);
 }
 
-// As every client does: what was asked for lies elsewhere, unless the status says to ask again.
+// What a POST was answered with lies elsewhere, as every client reads 301 and 302; so does anything
+// with 303. The others ask for the same again.
 void redirect(HttpRequest& request, const QUrl& location, int status)
 {
     request.url = location;
-    if (status == 307 || status == 308 || request.method == "GET")
+    const bool isElsewhere =
+        status == 303 || ((status == 301 || status == 302) && request.method == "POST");
+    if (!isElsewhere || request.method == "GET")
         return;
     request.method = "GET";
     request.body.reset();
     request.headers.removeIf([](const auto& header) { return header.first == "Content-Type"; });
+}
+
+void setCookie(HttpRequest& request, const QByteArray& cookie)
+{
+    request.headers.removeIf([](const auto& header) { return header.first == "Cookie"; });
+    if (!cookie.isEmpty())
+        request.headers.emplaceBack("Cookie", cookie);
 }
 
 QCoro::Task<AccountSummary> confirmed(QCoro::Task<CheckoutConfirmResponse> asking)
@@ -82,6 +96,17 @@ QCoro::Task<AccountSummary> confirmed(QCoro::Task<CheckoutConfirmResponse> askin
     AccountSummary summary;
     summary.balance = response.balance;
     co_return summary;
+}
+
+// A session that had ended already is as good as ended.
+QCoro::Task<> unlessRefused(QCoro::Task<> signingOut)
+{
+    try {
+        co_await std::move(signingOut);
+    } catch (const AccountError& error) {
+        if (error.kind() != AccountError::Kind::unauthorized)
+            throw;
+    }
 }
 
 QCoro::Task<GeneratedCopy> generated(QCoro::Task<SocialCopyGenerateResponse> asking)
@@ -111,25 +136,24 @@ QByteArray sessionCookieIn(const HttpHeaders& headers)
 
 QByteArray acceptedBody(const HttpReply& reply, const QString& siteName)
 {
+    if (reply.status >= 200 && reply.status <= 299)
+        return reply.body;
+    const auto payload = fromWire<APIErrorPayload>(reply.body).value_or(APIErrorPayload());
     if (reply.status == 401)
-        throw AccountError::unauthorized();
-    if (reply.status < 200 || reply.status > 299) {
-        const auto payload = fromWire<APIErrorPayload>(reply.body).value_or(APIErrorPayload());
-        const QString code = payload.error.value_or(u"server_error"_s);
-        throw AccountError::message(userMessage(code, siteName), code);
-    }
-    return reply.body;
+        throw AccountError::unauthorized(payload.error.value_or(QString()));
+    const QString code = payload.error.value_or(u"server_error"_s);
+    throw AccountError::message(userMessage(code, siteName), code);
 }
 
-// Requests are put together outside of the coroutines that send them: GCC 12 destroys twice what
-// those initialise member by member.
-
-// A request as it is asked for: path and query are encoded, the body is JSON.
+// A request as it is asked for: path and query are encoded, the body is JSON. Calls are put
+// together outside of the coroutines that send them: GCC 12 destroys twice what those initialise
+// member by member.
 struct AccountAPI::Call {
     QByteArray method;
     QByteArray path;
     std::optional<QByteArray> body = std::nullopt;
     Base base = Base::service;
+    bool endsSession = false;    // where it is done
 };
 
 AccountAPI::AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
@@ -149,38 +173,17 @@ QUrl AccountAPI::address(Base base) const
     return m_local ? m_local->knownAddress() : QUrl();
 }
 
-QCoro::Task<> AccountAPI::locate()
+QCoro::Task<> AccountAPI::locate(std::stop_token stop)
 {
     if (m_local && (!m_configuration.service || !m_configuration.site))
-        co_await m_local->address();
+        co_await m_local->address(stop);
 }
 
-// The network layer would follow to any origin, with our cookie.
-QCoro::Task<HttpReply> AccountAPI::sendFollowing(HttpRequest request, std::stop_token stop)
+HttpRequest AccountAPI::prepared(Call call)
 {
-    const QPointer<AccountAPI> self = this;
-    const std::chrono::milliseconds limit = request.timeout;
-    QElapsedTimer watch;
-    watch.start();
-    for (int redirections = 0;; ++redirections) {
-        request.timeout = limit - std::chrono::milliseconds(watch.elapsed());
-        HttpReply reply = co_await m_http.send(request, stop);
-        if (!self)
-            co_return reply;
-        rememberSessionCookie(reply.headers);
-        const std::optional<QUrl> location = locationIn(reply, request.url);
-        if (!location || !sameOrigin(*location, request.url) || redirections == mostRedirections)
-            co_return reply;
-        redirect(request, *location, reply.status);
-    }
-}
-
-QCoro::Task<QByteArray> AccountAPI::exchange(Call call, std::stop_token stop)
-{
-    const QPointer<AccountAPI> self = this;
-    co_await locate();
-    if (!self)
-        throw AccountError::invalidResponse();
+    // Another program may have signed in meanwhile.
+    if (m_sessionCookieHeader.isEmpty())
+        m_sessionCookieHeader = storedCookie(m_preferences);
     HttpRequest request;
     request.method = call.method;
     request.url = address(call.base).resolved(QUrl::fromEncoded(call.path));
@@ -188,23 +191,81 @@ QCoro::Task<QByteArray> AccountAPI::exchange(Call call, std::stop_token stop)
     request.headers = {{"Accept", "application/json"}, {"X-Client", "Moltiva-macOS"}};
     if (call.body)
         request.headers.emplaceBack("Content-Type", "application/json");
-    if (!m_sessionCookieHeader.isEmpty())
-        request.headers.emplaceBack("Cookie", m_sessionCookieHeader);
+    setCookie(request, m_sessionCookieHeader);
     request.body = std::move(call.body);
-    const QByteArray cookie = m_sessionCookieHeader;
-    const HttpReply reply = co_await sendFollowing(std::move(request), stop);
+    return request;
+}
+
+// The network layer would follow to any origin, with our cookie.
+QCoro::Task<AccountAPI::Answer> AccountAPI::sendFollowing(HttpRequest request, std::stop_token stop)
+{
+    const QPointer<AccountAPI> self = this;
+    const std::chrono::milliseconds limit = request.timeout;
+    QElapsedTimer watch;
+    watch.start();
+    Answer answer;
+    answer.cookie = m_sessionCookieHeader;
+    for (int redirections = 0;; ++redirections) {
+        request.timeout = limit - std::chrono::milliseconds(watch.elapsed());
+        QCoro::Task<HttpReply> sending = m_http.send(request, stop);
+        answer.reply = co_await std::move(sending);
+        if (!self)
+            throw TransportError::stopped();
+        if (const QByteArray cookie = sessionCookieIn(answer.reply.headers); !cookie.isEmpty()) {
+            rememberSessionCookie(cookie);
+            answer.cookie = cookie;
+            setCookie(request, cookie);
+        }
+        const std::optional<QUrl> location = locationIn(answer.reply, request.url);
+        if (!location || !sameOrigin(*location, request.url) || redirections == mostRedirections)
+            break;
+        redirect(request, *location, answer.reply.status);
+    }
+    co_return answer;
+}
+
+QCoro::Task<QByteArray> AccountAPI::exchange(Call call, std::stop_token stop)
+{
+    const QPointer<AccountAPI> self = this;
+    co_await locate(stop);
     if (!self)
-        throw AccountError::invalidResponse();
-    if (reply.status == 401)
-        forgetSessionCookie(cookie);
-    co_return acceptedBody(reply, m_configuration.siteName);
+        throw TransportError::stopped();
+    const bool endsSession = call.endsSession;
+    QCoro::Task<Answer> sending = sendFollowing(prepared(std::move(call)), stop);
+    Answer answer;
+    try {
+        answer = co_await std::move(sending);
+    } catch (const TransportError& error) {
+        if (error.kind() == TransportError::Kind::notHttp)
+            throw AccountError::invalidResponse();
+        throw;
+    }
+    if (!self)
+        throw TransportError::stopped();
+    const bool isRefused = answer.reply.status == 401;
+    const QString siteName = m_configuration.siteName;
+    if (isRefused)
+        forgetSessionCookie(answer.cookie);
+    const QByteArray body = acceptedBody(answer.reply, siteName);
+    if (endsSession)
+        forgetSessionCookie(answer.cookie);
+    co_return body;
 }
 
 template <typename Reply>
 QCoro::Task<Reply> AccountAPI::request(Call call, std::stop_token stop)
 {
-    const QByteArray body = co_await exchange(std::move(call), stop);
-    std::optional<Reply> reply = fromWire<Reply>(body);
+    constexpr qsizetype soonRead = 256 * 1024;
+    QCoro::Task<QByteArray> exchanging = exchange(std::move(call), stop);
+    const QByteArray body = co_await std::move(exchanging);
+    std::optional<Reply> reply;
+    if (body.size() <= soonRead) {
+        reply = fromWire<Reply>(body);
+    } else {
+        const auto read = [body] { return fromWire<Reply>(body); };
+        QFuture<std::optional<Reply>> reading = runOnWorker(read);
+        reply = co_await reading;
+    }
     if (!reply)
         throw AccountError::invalidResponse();
     co_return std::move(*reply);
@@ -219,19 +280,18 @@ QCoro::Task<Reply> AccountAPI::requestPrepared(Call call, QFuture<QByteArray> bo
     call.body = co_await body;
     if (!self)
         throw AccountError::invalidResponse();
-    co_return co_await request<Reply>(std::move(call), stop);
+    QCoro::Task<Reply> asking = request<Reply>(std::move(call), stop);
+    co_return co_await std::move(asking);
 }
 
 QCoro::Task<> AccountAPI::obey(Call call, std::stop_token stop)
 {
-    co_await request<BasicOK>(std::move(call), stop);
+    QCoro::Task<BasicOK> asking = request<BasicOK>(std::move(call), stop);
+    co_await std::move(asking);
 }
 
-void AccountAPI::rememberSessionCookie(const HttpHeaders& headers)
+void AccountAPI::rememberSessionCookie(const QByteArray& cookie)
 {
-    const QByteArray cookie = sessionCookieIn(headers);
-    if (cookie.isEmpty())
-        return;
     m_sessionCookieHeader = cookie;
     m_preferences.setValue(sessionCookieDefaultsKey, cookie);
     m_preferences.remove(legacyTokenKey);
@@ -270,21 +330,9 @@ QCoro::Task<AccountSummary> AccountAPI::registerAccount(QString email, QString p
 
 QCoro::Task<> AccountAPI::logout(std::stop_token stop)
 {
-    return end({"POST", "/api/auth/logout", toWire(EmptyRequest())}, stop);
-}
-
-QCoro::Task<> AccountAPI::end(Call call, std::stop_token stop)
-{
-    const QPointer<AccountAPI> self = this;
-    const QByteArray cookie = m_sessionCookieHeader;
-    try {
-        co_await request<BasicOK>(std::move(call), stop);
-    } catch (const AccountError& error) {
-        if (error.kind() != AccountError::Kind::unauthorized)
-            throw;
-    }
-    if (self)
-        forgetSessionCookie(cookie);
+    Call call{"POST", "/api/auth/logout", toWire(EmptyRequest())};
+    call.endsSession = true;
+    return unlessRefused(obey(std::move(call), stop));
 }
 
 QCoro::Task<AccountSummary> AccountAPI::updateProfile(QString fullName, std::stop_token stop)

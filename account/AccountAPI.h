@@ -78,7 +78,7 @@ public:
                                                          std::stop_token stop = {});
 
     // For the browser. The address of a local service is known once it has answered.
-    QCoro::Task<> locate();
+    QCoro::Task<> locate(std::stop_token stop = {});
     QUrl googleOAuthURL() const;
     QUrl socialConnectionURL(const QString& network) const;
 
@@ -90,17 +90,22 @@ private:
     enum class Base { service, site };
     struct Call;
 
-    QCoro::Task<HttpReply> sendFollowing(HttpRequest request, std::stop_token stop);
+    // A reply, and the cookie that went with it: what was sent, or what the reply brought.
+    struct Answer {
+        HttpReply reply;
+        QByteArray cookie;
+    };
+    QCoro::Task<Answer> sendFollowing(HttpRequest request, std::stop_token stop);
     QCoro::Task<QByteArray> exchange(Call call, std::stop_token stop);
     template <typename Reply>
     QCoro::Task<Reply> request(Call call, std::stop_token stop);
     template <typename Reply>
     QCoro::Task<Reply> requestPrepared(Call call, QFuture<QByteArray> body, std::stop_token stop);
     QCoro::Task<> obey(Call call, std::stop_token stop);
-    QCoro::Task<> end(Call call, std::stop_token stop);
+    HttpRequest prepared(Call call);
 
     QUrl address(Base base) const;
-    void rememberSessionCookie(const HttpHeaders& headers);
+    void rememberSessionCookie(const QByteArray& cookie);
     void forgetSessionCookie(const QByteArray& cookie);
 
     const ServiceConfiguration m_configuration;

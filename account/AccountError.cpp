@@ -67,9 +67,9 @@ AccountError AccountError::invalidResponse()
     return {Kind::invalidResponse, u"No se ha podido leer la respuesta del servidor."_s, {}};
 }
 
-AccountError AccountError::unauthorized()
+AccountError AccountError::unauthorized(const QString& code)
 {
-    return {Kind::unauthorized, u"Necesitas iniciar sesión."_s, u"unauthorized"_s};
+    return {Kind::unauthorized, u"Necesitas iniciar sesión."_s, code};
 }
 
 QString userMessage(QStringView code, const QString& siteName)
@@ -86,5 +86,5 @@ QString readable(const std::exception& error)
         return refused->text();
     if (const auto* transport = dynamic_cast<const TransportError*>(&error))
         return transport->text();
-    return QString::fromLocal8Bit(error.what());
+    return userMessage({});
 }

@@ -13,7 +13,7 @@ public:
     // `code`: the machine code of the server that the text stands for, if there is one.
     static AccountError message(const QString& text, const QString& code = {});
     static AccountError invalidResponse();
-    static AccountError unauthorized();
+    static AccountError unauthorized(const QString& code = {});
 
     Kind kind() const { return m_kind; }
     const QString& text() const { return m_text; }

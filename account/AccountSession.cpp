@@ -4,6 +4,7 @@
 #include "account/AccountError.h"
 #include "account/WebAuthentication.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QUrlQuery>
 
@@ -32,8 +33,7 @@ QCoro::Task<Result> withTimeout(std::chrono::milliseconds limit, QCoro::Task<Res
         if (!isOver)
             throw;
     }
-    throw TransportError(TransportError::Kind::timedOut,
-                         u"El servidor ha tardado demasiado en responder. Inténtalo otra vez."_s);
+    throw TransportError::timedOut();
 }
 
 QString oauthMessage(const QString& code)
@@ -134,7 +134,8 @@ QCoro::Task<bool> AccountSession::perform(Work work)
 QCoro::Task<bool> AccountSession::bootstrap()
 {
     const QPointer<AccountSession> self = this;
-    const std::stop_token stop = m_stop.get_token();
+    const std::stop_token ended = m_stop.get_token();
+    const int signIn = m_signIn;
     m_isLoading = true;
     Q_EMIT changed();
     std::optional<QString> failure;
@@ -147,12 +148,11 @@ QCoro::Task<bool> AccountSession::bootstrap()
         if (refused && refused->kind() == AccountError::Kind::unauthorized)
             told = Told::info;    // nothing went wrong
     }
-    if (!self || stop.stop_requested())
+    if (!self || ended.stop_requested())
         co_return false;
     m_isLoading = false;
-    if (failure) {
-        setAccount({});
-        stopBalanceSync();
+    if (failure && signIn == m_signIn) {    // else somebody signed in meanwhile, by a link
+        changeUser({});
         tell(*failure, told);
     } else {
         Q_EMIT changed();
@@ -165,23 +165,30 @@ QCoro::Task<> AccountSession::check()
     std::stop_source limited;
     const std::stop_callback along(m_stop.get_token(), [&limited] { limited.request_stop(); });
     const std::stop_token ended = m_stop.get_token();
-    const int version = m_accountVersion;
-    QCoro::Task<CloudCopyConfig> configuration = configurationOrFallback(limited.get_token());
+    const std::chrono::milliseconds limit = m_surroundings.startLimit;
+    const int signIn = m_signIn;
+    QElapsedTimer watch;
+    watch.start();
+    QCoro::Task<CloudCopyConfig> configuring = configurationOrFallback(limited.get_token());
     QCoro::Task<AccountSummary> asking = m_api.me(limited.get_token());
-    const AccountSummary account =
-        co_await withTimeout(m_surroundings.startLimit, std::move(asking), limited);
-    // What is late by now is done without.
+    QCoro::Task<AccountSummary> inTime = withTimeout(limit, std::move(asking), limited);
+    const AccountSummary account = co_await std::move(inTime);
+    if (signIn == m_signIn)
+        changeUser(account);
+    // A configuration that takes longer than what is left is done without.
+    const auto left =
+        qMax(std::chrono::milliseconds(0), limit - std::chrono::milliseconds(watch.elapsed()));
+    CloudCopyConfig configuration = CloudCopyConfig::fallback();
     try {
-        m_cloudCopyConfig =
-            co_await withTimeout(m_surroundings.startLimit, std::move(configuration), limited);
+        QCoro::Task<CloudCopyConfig> configured =
+            withTimeout(left, std::move(configuring), limited);
+        configuration = co_await std::move(configured);
     } catch (const TransportError&) {
         if (ended.stop_requested())
             throw;
-        m_cloudCopyConfig = CloudCopyConfig::fallback();
     }
-    if (version == m_accountVersion)
-        setAccount(account);
-    startBalanceSync();
+    m_cloudCopyConfig = configuration;
+    syncWhileSignedIn();
 }
 
 QCoro::Task<CloudCopyConfig> AccountSession::configurationOrFallback(std::stop_token stop)
@@ -203,14 +210,15 @@ QCoro::Task<bool> AccountSession::refresh()
 
 QCoro::Task<> AccountSession::reload(std::stop_token stop)
 {
-    const int version = m_accountVersion;
-    QCoro::Task<CloudCopyConfig> configuration = configurationOrFallback(stop);
+    const int signIn = m_signIn, version = m_accountVersion;
+    QCoro::Task<CloudCopyConfig> configuring = configurationOrFallback(stop);
     const AccountSummary account = co_await m_api.me(stop);
-    m_cloudCopyConfig = co_await std::move(configuration);
     if (version == m_accountVersion)
         setAccount(account);
-    startBalanceSync();
-    tell(u"Cuenta actualizada."_s);
+    m_cloudCopyConfig = co_await std::move(configuring);
+    syncWhileSignedIn();
+    if (signIn == m_signIn)
+        tell(u"Cuenta actualizada."_s);
 }
 
 QCoro::Task<bool> AccountSession::refreshSilently()
@@ -245,10 +253,10 @@ QCoro::Task<bool> AccountSession::registerAccount(QString email, QString passwor
 QCoro::Task<> AccountSession::enter(QCoro::Task<AccountSummary> signingIn, QString told)
 {
     const AccountSummary account = co_await std::move(signingIn);
-    setAccount(account);
+    changeUser(account);
     tell(told);
-    startBalanceSync();
     m_cloudCopyConfig = co_await configurationOrFallback(m_stop.get_token());
+    syncWhileSignedIn();
 }
 
 QCoro::Task<bool> AccountSession::requestPasswordReset(QString email)
@@ -271,10 +279,7 @@ QCoro::Task<bool> AccountSession::logout()
 QCoro::Task<> AccountSession::leave()
 {
     co_await m_api.logout(m_stop.get_token());
-    stopBalanceSync();
-    m_pendingCheckout.reset();
-    m_purchaseHistory.clear();
-    setAccount({});
+    changeUser({});
     tell(u"Sesión cerrada."_s);
 }
 
@@ -285,7 +290,10 @@ QCoro::Task<bool> AccountSession::updateProfile(QString fullName)
 
 QCoro::Task<> AccountSession::saveProfile(QString fullName)
 {
+    const int signIn = m_signIn;
     const AccountSummary account = co_await m_api.updateProfile(fullName, m_stop.get_token());
+    if (signIn != m_signIn)
+        co_return;    // another user's by now
     setAccount(account);
     tell(u"Perfil guardado."_s);
 }
@@ -327,8 +335,8 @@ QCoro::Task<> AccountSession::startGoogleLogin()
         m_isSigningInOverWindow = true;
         co_return;
     }
-    if (openInBrowser(url))
-        tell(u"Completa el acceso con Google en el navegador."_s);
+    openInBrowser(url);
+    tell(u"Completa el acceso con Google en el navegador."_s);
 }
 
 void AccountSession::handleGoogleAuthenticationResult(const GoogleAuthenticationResult& result)
@@ -393,14 +401,11 @@ QCoro::Task<bool> AccountSession::buyCredits(int credits)
 QCoro::Task<> AccountSession::startCheckout(int credits)
 {
     const CheckoutStart start = co_await m_api.startCheckout(credits, m_stop.get_token());
-    if (!start.url) {
-        tell(u"Stripe no ha devuelto URL de pago."_s, Told::problem);
-        co_return;
-    }
+    if (!start.url)
+        throw AccountError::message(u"Stripe no ha devuelto URL de pago."_s);
     if (start.sessionId)
         m_pendingCheckout = start.sessionId;
-    if (!openInBrowser(*start.url))
-        co_return;
+    openInBrowser(*start.url);
     tell(start.sessionId ? u"Checkout abierto. Cuando pagues, pulsa Confirmar compra."_s
                          : u"Checkout abierto. Después refresca créditos."_s);
 }
@@ -414,7 +419,10 @@ QCoro::Task<> AccountSession::confirmCheckout(std::optional<QString> sessionId)
 {
     if (!sessionId)
         throw AccountError::message(u"No hay una compra pendiente."_s);
+    const int signIn = m_signIn;
     const AccountSummary confirmed = co_await m_api.confirmCheckout(*sessionId, m_stop.get_token());
+    if (signIn != m_signIn)
+        co_return;
     setBalance(confirmed.balance);
     if (m_pendingCheckout == sessionId)    // not another one opened meanwhile
         m_pendingCheckout.reset();
@@ -433,7 +441,10 @@ QCoro::Task<bool> AccountSession::refreshPurchaseHistory()
 
 QCoro::Task<> AccountSession::loadPurchases()
 {
+    const int signIn = m_signIn;
     const PurchaseHistoryResponse response = co_await m_api.purchaseHistory(m_stop.get_token());
+    if (signIn != m_signIn)
+        co_return;
     m_purchaseHistory = response.purchases;
 }
 
@@ -445,8 +456,8 @@ QCoro::Task<bool> AccountSession::openPurchaseDocument(QString purchaseId)
 QCoro::Task<> AccountSession::openDocument(QString purchaseId)
 {
     const auto link = co_await m_api.purchaseDocumentLink(purchaseId, m_stop.get_token());
-    if (openInBrowser(link.url))
-        tell(u"Factura abierta."_s);
+    openInBrowser(link.url);
+    tell(u"Factura abierta."_s);
 }
 
 QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, QString requestId)
@@ -458,20 +469,44 @@ QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, QString requestI
     return attempt(reserving);
 }
 
-QCoro::Task<> AccountSession::refundCloudCopyCredits(int cost, QString requestId)
+QCoro::Task<bool> AccountSession::refundCloudCopyCredits(int cost, QString requestId)
 {
-    const auto refunding = [this, cost, requestId] {
+    return perform([this, cost, requestId] {
         return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()),
                            u"%1 créditos devueltos."_s.arg(cost));
-    };
-    return attempt(refunding);
+    });
 }
 
 QCoro::Task<> AccountSession::moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told)
 {
+    const int signIn = m_signIn;
     const CreditOperationResponse moved = co_await std::move(moving);
+    if (signIn != m_signIn)
+        co_return;
     setBalance(moved.balance);
     tell(told);
+}
+
+// Nothing of the one before stays.
+void AccountSession::changeUser(const AccountSummary& account)
+{
+    const auto idOf = [](const AccountSummary& one) {
+        return one.profile ? one.profile->id : QString();
+    };
+    ++m_signIn;
+    if (idOf(account) != idOf(m_account)) {
+        m_pendingCheckout.reset();
+        m_purchaseHistory.clear();
+    }
+    if (!account.profile)
+        stopBalanceSync();
+    setAccount(account);
+}
+
+void AccountSession::syncWhileSignedIn()
+{
+    if (isAuthenticated())
+        startBalanceSync();
 }
 
 void AccountSession::setAccount(const AccountSummary& account)
@@ -496,19 +531,16 @@ void AccountSession::tell(const QString& message, Told told)
 }
 
 // Addresses come from a server: only pages are opened, never files or programs.
-bool AccountSession::openInBrowser(const QUrl& url)
+void AccountSession::openInBrowser(const QUrl& url)
 {
     const bool isPage = url.scheme() == u"https"_s || url.scheme() == u"http"_s;
-    if (isPage && m_surroundings.openInBrowser(url))
-        return true;
-    if (isPage) {
-        tell(u"No se ha podido abrir el navegador. Abre tú esta dirección: %1"_s.arg(
-                 url.toString(QUrl::FullyEncoded)),
-             Told::problem);
-    } else {
-        tell(u"El servidor ha dado una dirección que no se puede abrir."_s, Told::problem);
+    if (!isPage)
+        throw AccountError::message(u"El servidor ha dado una dirección que no se puede abrir."_s);
+    if (!m_surroundings.openInBrowser(url)) {
+        throw AccountError::message(
+            u"No se ha podido abrir el navegador. Abre tú esta dirección: %1"_s.arg(
+                url.toString(QUrl::FullyEncoded)));
     }
-    return false;
 }
 
 void AccountSession::startBalanceSync()

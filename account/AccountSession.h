@@ -69,9 +69,9 @@ public:
     QCoro::Task<bool> refreshPurchaseHistory();
     QCoro::Task<bool> openPurchaseDocument(QString purchaseId);
 
-    // Throw what the client throws, which is told too.
+    // Throws what the client throws, which is told too: who pays must know.
     QCoro::Task<> reserveCloudCopyCredits(int cost, QString requestId);
-    QCoro::Task<> refundCloudCopyCredits(int cost, QString requestId);
+    QCoro::Task<bool> refundCloudCopyCredits(int cost, QString requestId);
 
     // Links of the scheme "moltiva"; others are ignored. Gives whether it was one of ours.
     bool handleDeepLink(const QUrl& url);
@@ -107,10 +107,12 @@ private:
     QCoro::Task<> moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told);
     QCoro::Task<CloudCopyConfig> configurationOrFallback(std::stop_token stop);
 
+    void changeUser(const AccountSummary& account);
+    void syncWhileSignedIn();
     void setAccount(const AccountSummary& account);
     void setBalance(int balance);
     void tell(const QString& message, Told told = Told::info);
-    bool openInBrowser(const QUrl& url);
+    void openInBrowser(const QUrl& url);    // throws AccountError when it is not
     void handleAuthCallback(const QUrl& url);
     void handleSocialConnectionCallback(const QUrl& url);
 
@@ -118,6 +120,7 @@ private:
     const Surroundings m_surroundings;
     AccountSummary m_account;
     int m_accountVersion = 0;    // rises with every change: what was asked before is stale then
+    int m_signIn = 0;            // rises whenever somebody signs in or out
     bool m_isLoading = false, m_isSigningInOverWindow = false;
     int m_actions = 0;    // under way
     QString m_message;

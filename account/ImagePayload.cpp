@@ -57,13 +57,17 @@ ImagePayload preparedImagePayload(const QString& path)
     if (const QByteArray jpeg = jpegOf(path); !jpeg.isEmpty())
         return {u"image/jpeg"_s, jpeg};
     QFile file(path);
+    const QString unread = u"No se ha podido leer %1."_s.arg(QFileInfo(path).fileName());
     if (!file.open(QIODevice::ReadOnly))
-        throw AccountError::message(u"No se ha podido leer %1."_s.arg(QFileInfo(path).fileName()));
+        throw AccountError::message(unread);
     if (file.size() > largestRaw) {
         const QString code = u"invalid_image"_s;
         throw AccountError::message(userMessage(code), code);
     }
-    return {mimeType(path), file.readAll()};
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFile::NoError)
+        throw AccountError::message(unread);
+    return {mimeType(path), bytes};
 }
 
 QString mimeType(const QString& path)

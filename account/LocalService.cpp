@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QProcess>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -14,11 +16,19 @@ namespace {
 constexpr std::chrono::milliseconds retryPause{40};
 constexpr qint64 longestLine = 200;
 
+constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
+
 // The folder's name is part of the socket's, so it must exist to be looked up.
 void createPrivately(const QString& folder)
 {
-    if (QDir().mkpath(folder))
-        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    if (!QDir(folder).exists() && QDir().mkpath(folder))
+        QFile::setPermissions(folder, owner);
+}
+
+// Why it could not start, should it not.
+QString logFile(const QString& data)
+{
+    return QDir(data).filePath(u"servicio.log"_s);
 }
 
 bool launch(const QString& program, const QString& data, const QString& administrator)
@@ -27,9 +37,10 @@ bool launch(const QString& program, const QString& data, const QString& administ
     process.setProgram(program);
     process.setArguments({u"--data"_s, data, u"--port"_s, u"0"_s, u"--until-unused"_s,
                           u"--administrator"_s, administrator});
+    process.setWorkingDirectory(data);    // not to hold on to the user's
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
-    process.setStandardErrorFile(QProcess::nullDevice());
+    process.setStandardErrorFile(logFile(data));
     return process.startDetached();
 }
 
@@ -42,23 +53,29 @@ LocalService::LocalService(Place place, QObject* parent)
     connect(&m_socket, &QLocalSocket::errorOccurred, this, &LocalService::lost);
     m_retry.setSingleShot(true);
     m_retry.callOnTimeout(this, &LocalService::connectAgain);
+    m_giveUp.setSingleShot(true);
+    m_giveUp.callOnTimeout(this, &LocalService::settle);
 }
 
 LocalService::~LocalService()
 {
     m_socket.disconnect(this);
     m_address.clear();
-    if (m_isStarting)
-        settle();    // who waits learns that there is none
+    settle();    // who waits learns that there is none
 }
 
-QCoro::Task<QUrl> LocalService::address()
+QCoro::Task<QUrl> LocalService::address(std::stop_token stop)
 {
-    if (m_address.isEmpty()) {
+    if (m_address.isEmpty() && !stop.stop_requested()) {
         if (!m_isStarting)
             begin();
-        co_await m_settled.wait();
+        const auto settled = std::make_shared<Completion>();
+        m_waiting.append(settled);
+        const std::stop_callback onStop(stop, [settled] { settled->complete(); });
+        co_await settled->wait();
     }
+    if (stop.stop_requested())
+        throw TransportError::stopped();
     if (m_address.isEmpty()) {
         throw TransportError(TransportError::Kind::unreachable,
                              u"No se ha podido arrancar el servicio local de cuentas."_s);
@@ -71,9 +88,8 @@ void LocalService::begin()
 {
     m_isStarting = true;
     m_isLaunched = false;
-    m_settled.reset();
-    m_begun = std::chrono::steady_clock::now();
     createPrivately(m_place.data);
+    m_giveUp.start(longestStart);
     m_retry.start(0);    // never settled before anybody can wait for it
 }
 
@@ -87,14 +103,12 @@ void LocalService::read()
 {
     if (!m_socket.canReadLine()) {
         if (m_socket.bytesAvailable() > longestLine)
-            m_socket.abort();
+            settle();
         return;
     }
-    const QUrl address(QString::fromUtf8(m_socket.readLine(longestLine)).trimmed(),
-                       QUrl::StrictMode);
-    if (!isLoopback(address.host()))
-        return;
-    m_address = address;
+    const QUrl given(QString::fromUtf8(m_socket.readLine(longestLine)).trimmed(), QUrl::StrictMode);
+    if (isLoopback(given.host()))
+        m_address = given;
     settle();
 }
 
@@ -111,14 +125,16 @@ void LocalService::lost()
             return;
         }
     }
-    if (std::chrono::steady_clock::now() - m_begun > longestStart)
-        settle();
-    else
-        m_retry.start(retryPause);
+    m_retry.start(retryPause);
 }
 
 void LocalService::settle()
 {
     m_isStarting = false;
-    m_settled.complete();
+    m_giveUp.stop();
+    m_retry.stop();
+    if (m_address.isEmpty())
+        m_socket.abort();
+    for (const auto& each : std::exchange(m_waiting, {}))
+        each->complete();
 }

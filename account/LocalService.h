@@ -3,12 +3,15 @@
 #include "platform/Completion.h"
 
 #include <QCoroTask>
+#include <QList>
 #include <QLocalSocket>
 #include <QObject>
 #include <QTimer>
 #include <QUrl>
 
 #include <chrono>
+#include <memory>
+#include <stop_token>
 
 // The account service on this machine. It is started when its address is first asked for, shared
 // with whoever works on the same data, and ends when the last of them is gone; a new one is started
@@ -25,8 +28,8 @@ public:
     explicit LocalService(Place place, QObject* parent = nullptr);
     ~LocalService() override;
 
-    // Throws TransportError when it cannot be started.
-    QCoro::Task<QUrl> address();
+    // Throws TransportError when it cannot be started, or does not answer.
+    QCoro::Task<QUrl> address(std::stop_token stop = {});
     // Empty while it does not run.
     const QUrl& knownAddress() const { return m_address; }
 
@@ -37,13 +40,12 @@ private:
     void connectAgain();
     void read();
     void lost();
-    void settle();
+    void settle();    // an attempt to reach it has ended, well or not
 
     const Place m_place;
     QLocalSocket m_socket;    // held open: it tells the service that it is needed
-    QTimer m_retry;
+    QTimer m_retry, m_giveUp;
     QUrl m_address;
-    Completion m_settled;    // an attempt to reach it has ended, well or not
-    std::chrono::steady_clock::time_point m_begun;
+    QList<std::shared_ptr<Completion>> m_waiting;
     bool m_isStarting = false, m_isLaunched = false;
 };

@@ -127,6 +127,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     StudioSession session(photos, preferences);
     ConnectedAccount account(configuration, preferences, dataFolder(),
                              {.openInBrowser = &QDesktopServices::openUrl});
+    session.setAccountSession(account.session());
     MainWindow window(session, account.session(), photos, preferences);
     QObject::connect(&instance, &SingleInstance::handedOver, &window, [&window](const auto& urls) {
         window.comeForward();

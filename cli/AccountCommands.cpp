@@ -128,7 +128,7 @@ std::optional<QString> askedPassword(const AccountCommand& command, SecretUse us
 {
     const std::optional<QString> password = readSecret(u"Contraseña: "_s);
     if (!password || password->isEmpty()) {
-        command.failed(u"falta la contraseña."_s);
+        command.failed(u"falta la contraseña, o es demasiado larga."_s);
         return std::nullopt;
     }
     if (use == SecretUse::chosen && isTerminal(stdin) &&

@@ -1,7 +1,12 @@
 #include "cli/Terminal.h"
 
+#include "model/PlainText.h"
+
 #include <QByteArray>
 #include <QScopeGuard>
+
+#include <array>
+#include <csignal>
 
 #ifdef Q_OS_UNIX
 #include <termios.h>
@@ -12,48 +17,48 @@ namespace {
 
 constexpr qsizetype longestLine = 4096;
 
+// Nothing when there is none, or more of it than a password has.
 std::optional<QString> readLine(std::FILE* stream)
 {
     QByteArray line(longestLine, '\0');
     if (!std::fgets(line.data(), int(line.size()), stream))
         return std::nullopt;
     line.truncate(qsizetype(qstrlen(line.constData())));
+    if (line.size() == longestLine - 1)
+        return std::nullopt;
     while (line.endsWith('\n') || line.endsWith('\r'))
         line.chop(1);
     return QString::fromLocal8Bit(line);
 }
 
 #ifdef Q_OS_UNIX
-// The terminal passes each key on and shows none; Ctrl+C is a key then, or the terminal would be
-// left as it is.
+termios shown;    // how the terminal was
+
+extern "C" void showAgain(int signal)
+{
+    tcsetattr(STDIN_FILENO, TCSANOW, &shown);
+    std::signal(signal, SIG_DFL);
+    raise(signal);
+}
+
+// The terminal goes on editing the line, and is as before however this ends.
 std::optional<QString> readUnseen()
 {
-    termios before{};
-    if (tcgetattr(STDIN_FILENO, &before) != 0)
+    if (tcgetattr(STDIN_FILENO, &shown) != 0)
         return readLine(stdin);
-    termios unseen = before;
-    unseen.c_lflag &= ~tcflag_t(ECHO | ICANON | ISIG);
-    unseen.c_cc[VMIN] = 1;
-    unseen.c_cc[VTIME] = 0;
+    constexpr std::array endings{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+    for (const int ending : endings)
+        std::signal(ending, showAgain);
+    termios unseen = shown;
+    unseen.c_lflag &= ~tcflag_t(ECHO);
+    unseen.c_lflag |= ECHONL;
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &unseen);
-    const auto restore = qScopeGuard([&before] {
-        tcsetattr(STDIN_FILENO, TCSAFLUSH, &before);
-        std::fputc('\n', stderr);
+    const auto restore = qScopeGuard([&endings] {
+        tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown);
+        for (const int ending : endings)
+            std::signal(ending, SIG_DFL);
     });
-    constexpr char interrupt = 3, end = 4, backspace = 8, erase = 127;
-    QByteArray typed;
-    char key = 0;
-    while (read(STDIN_FILENO, &key, 1) == 1 && typed.size() < longestLine) {
-        if (key == interrupt || (key == end && typed.isEmpty()))
-            return std::nullopt;
-        if (key == '\n' || key == '\r')
-            return QString::fromLocal8Bit(typed);
-        if (key == backspace || key == erase)
-            typed = QString::fromLocal8Bit(typed).chopped(typed.isEmpty() ? 0 : 1).toLocal8Bit();
-        else
-            typed.append(key);
-    }
-    return std::nullopt;
+    return readLine(stdin);
 }
 #endif
 
@@ -69,7 +74,8 @@ QString printable(const QString& text)
 {
     constexpr qsizetype most = 80;
     QString line = text.simplified();
-    line.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });
+    line.removeIf(
+        [](QChar c) { return c.category() == QChar::Other_Control || turnsDirection(c); });
     return line.size() > most ? line.first(most - 1) + u'…' : line;
 }
 

@@ -6,20 +6,21 @@ namespace json {
 
 // Looks a text over without keeping anything of it. Stops at the first object with more keys than
 // any record has: looking each of them up among the others takes a time that grows with their
-// square.
+// square. Stops as well at more values than any document has: a tree takes some forty bytes for
+// each, of which the text needs but two.
 class Guard final : public nlohmann::json_sax<Value> {
 public:
-    bool null() override { return true; }
-    bool boolean(bool) override { return true; }
-    bool number_integer(number_integer_t) override { return true; }
-    bool number_unsigned(number_unsigned_t) override { return true; }
-    bool number_float(number_float_t, const string_t&) override { return true; }
-    bool string(string_t&) override { return true; }
-    bool binary(binary_t&) override { return true; }
+    bool null() override { return count(); }
+    bool boolean(bool) override { return count(); }
+    bool number_integer(number_integer_t) override { return count(); }
+    bool number_unsigned(number_unsigned_t) override { return count(); }
+    bool number_float(number_float_t, const string_t&) override { return count(); }
+    bool string(string_t&) override { return count(); }
+    bool binary(binary_t&) override { return count(); }
     bool start_object(std::size_t) override
     {
         m_keys.append(0);
-        return m_keys.size() <= deepest;
+        return count() && m_keys.size() <= deepest;
     }
     bool key(string_t&) override { return ++m_keys.last() <= mostKeys; }
     bool end_object() override
@@ -27,7 +28,7 @@ public:
         m_keys.removeLast();
         return true;
     }
-    bool start_array(std::size_t) override { return ++m_arrays <= deepest; }
+    bool start_array(std::size_t) override { return count() && ++m_arrays <= deepest; }
     bool end_array() override
     {
         --m_arrays;
@@ -39,9 +40,11 @@ public:
     }
 
 private:
-    static constexpr int mostKeys = 200, deepest = 100;
+    bool count() { return ++m_values <= mostValues; }
+
+    static constexpr int mostKeys = 200, deepest = 100, mostValues = 200'000;
     QList<int> m_keys;    // of each object that is open
-    int m_arrays = 0;
+    int m_arrays = 0, m_values = 0;
 };
 
 // What a file from anywhere holds; discarded when it is no JSON, or none that a record could be in.

@@ -42,6 +42,9 @@ public:
         : m_kind(kind), m_text(text), m_what(text.toUtf8())
     {
     }
+    static TransportError timedOut();
+    static TransportError stopped();    // as was asked for
+
     Kind kind() const { return m_kind; }
     const QString& text() const { return m_text; }    // for the user, in Spanish
     const char* what() const noexcept override { return m_what.constData(); }

@@ -63,8 +63,6 @@ constexpr std::array sentences{
              u"El servidor ha cortado la conexión. Inténtalo otra vez."},
     Sentence{QNetworkReply::HostNotFoundError,
              u"No se encuentra el servidor. Comprueba tu conexión a internet."},
-    Sentence{QNetworkReply::TimeoutError,
-             u"El servidor ha tardado demasiado en responder. Inténtalo otra vez."},
     Sentence{QNetworkReply::SslHandshakeFailedError,
              u"No se ha podido comprobar la identidad del servidor: su certificado no es válido."},
     Sentence{QNetworkReply::TemporaryNetworkFailureError,
@@ -76,11 +74,6 @@ constexpr std::array sentences{
     Sentence{QNetworkReply::ProtocolFailure, u"No se ha podido leer la respuesta del servidor."},
 };
 
-TransportError stopped()
-{
-    return {TransportError::Kind::stopped, u"Operación cancelada."_s};
-}
-
 TransportError failureOf(const QNetworkReply& reply)
 {
     using Kind = TransportError::Kind;
@@ -89,7 +82,8 @@ TransportError failureOf(const QNetworkReply& reply)
     const QString text = found == sentences.end() ? reply.errorString() : found->text.toString();
     switch (error) {
     case QNetworkReply::TimeoutError:
-        return {Kind::timedOut, text};
+    case QNetworkReply::ProxyTimeoutError:
+        return TransportError::timedOut();
     case QNetworkReply::ProtocolFailure:
     case QNetworkReply::ProtocolUnknownError:
     case QNetworkReply::ProtocolInvalidOperationError:
@@ -107,6 +101,8 @@ bool isAnswer(const QNetworkReply& reply)
     switch (reply.error()) {
     case QNetworkReply::ContentReSendError:
         return status == 307 || status == 308;
+    case QNetworkReply::ProxyAuthenticationRequiredError:
+        return status == 407;    // which a server may answer that is none
     case QNetworkReply::ProtocolUnknownError:
     case QNetworkReply::ProtocolFailure:
         return false;
@@ -157,7 +153,7 @@ HttpExchange::HttpExchange(const HttpRequest& request, std::stop_token stop, QOb
 {
     m_manager->setProxyFactory(new SystemProxies);    // taken over
     if (stop.stop_requested()) {
-        finish(stopped());
+        finish(TransportError::stopped());
         return;
     }
     QIODevice* upload = request.body ? new OnceReadable(*request.body, this) : nullptr;
@@ -166,11 +162,7 @@ HttpExchange::HttpExchange(const HttpRequest& request, std::stop_token stop, QOb
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpExchange::receive);
     connect(m_reply, &QNetworkReply::finished, this, &HttpExchange::conclude);
     m_timer.setSingleShot(true);
-    m_timer.callOnTimeout(this, [this] {
-        finish(TransportError(
-            TransportError::Kind::timedOut,
-            u"El servidor ha tardado demasiado en responder. Inténtalo otra vez."_s));
-    });
+    m_timer.callOnTimeout(this, [this] { finish(TransportError::timedOut()); });
     m_timer.start(qMax(std::chrono::milliseconds(0), request.timeout));
     m_onStop.emplace(std::move(stop), [this] { this->stop(); });
 }
@@ -184,7 +176,7 @@ HttpExchange::~HttpExchange()
 
 void HttpExchange::stop()
 {
-    finish(stopped());
+    finish(TransportError::stopped());
 }
 
 void HttpExchange::receive()

@@ -20,6 +20,7 @@
 #include <functional>
 #include <memory>
 
+class AccountSession;
 class PreferencesStore;
 struct TextSheet;
 
@@ -49,6 +50,9 @@ public:
     // Also for who works with the session.
     void setStatus(const QString& status, StatusTone tone = StatusTone::info);
     CopyGenerationMode generationMode() const { return m_generationMode; }
+    // The signed-in account; outlives the session.
+    AccountSession* accountSession() const { return m_accountSession; }
+    void setAccountSession(AccountSession& account) { m_accountSession = &account; }
     // The screen of the account that lies over the window, if one does; then those of the program.
     std::optional<AccountPanelDestination> accountPanel() const { return m_accountPanel; }
     void setAccountPanel(std::optional<AccountPanelDestination> panel);
@@ -184,6 +188,7 @@ private:
     QString m_status;
     StatusTone m_statusTone = StatusTone::info;
     QElapsedTimer m_statusTold;
+    AccountSession* m_accountSession = nullptr;
     std::optional<AccountPanelDestination> m_accountPanel;
     bool m_isAppSettingsPresented = false;
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
