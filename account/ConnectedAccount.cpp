@@ -18,8 +18,9 @@ QString serviceProgram()
 ConnectedAccount::ConnectedAccount(const ServiceConfiguration& configuration,
                                    PreferencesStore& preferences, const QString& dataFolder,
                                    AccountSession::Surroundings surroundings)
-    : m_local({serviceProgram(), QDir(dataFolder).filePath(u"service"_s),
-               configuration.administratorEmail}),
+    : m_local({.program = serviceProgram(),
+               .data = QDir(dataFolder).filePath(u"service"_s),
+               .administrator = configuration.administratorEmail}),
       m_api(configuration, preferences, &m_local), m_session(m_api, std::move(surroundings))
 {
 }

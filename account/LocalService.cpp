@@ -89,7 +89,7 @@ void LocalService::begin()
     m_isStarting = true;
     m_isLaunched = false;
     createPrivately(m_place.data);
-    m_giveUp.start(longestStart);
+    m_giveUp.start(m_place.longestStart);
     m_retry.start(0);    // never settled before anybody can wait for it
 }
 

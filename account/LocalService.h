@@ -23,6 +23,7 @@ public:
         QString program;          // the executable
         QString data;             // the folder of its database
         QString administrator;    // e-mail
+        std::chrono::milliseconds longestStart = std::chrono::seconds(6);
     };
 
     explicit LocalService(Place place, QObject* parent = nullptr);
@@ -32,8 +33,6 @@ public:
     QCoro::Task<QUrl> address(std::stop_token stop = {});
     // Empty while it does not run.
     const QUrl& knownAddress() const { return m_address; }
-
-    static constexpr std::chrono::seconds longestStart{6};
 
 private:
     void begin();

@@ -4,6 +4,7 @@
 #include "tests/account/Awaited.h"
 #include "tests/account/ScriptedServer.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -67,7 +68,10 @@ std::optional<TransportError::Kind> transportFailure(QCoro::Task<Result> task)
 TEST_F(AccountAPITest, EachEndpointAsksAndReadsAsTheServiceExpects)
 {
     const auto api = client();
-    preferences.setValue(cookieKey, "unused");
+    QFile noPhoto(folder.filePath(u"a.webp"_s));
+    ASSERT_TRUE(noPhoto.open(QIODevice::WriteOnly));
+    noPhoto.write("no");
+    noPhoto.close();
     struct Row {
         QByteArray asked, body, reply;
         std::function<QString()> call;
@@ -80,6 +84,7 @@ TEST_F(AccountAPITest, EachEndpointAsksAndReadsAsTheServiceExpects)
          [&] { return text(awaited(api->login(u"a"_s, u"ñ\""_s)).balance); }},
         {"POST /api/auth/register", R"({"email":"a","password":"p"})", summary,
          [&] { return text(awaited(api->registerAccount(u"a"_s, u"p"_s)).balance); }},
+        {"POST /api/auth/logout", "{}", "{}", [&] { return outcome(api->logout()); }},
         {"PATCH /api/auth/profile", R"({"fullName":"Lucía"})", summary,
          [&] { return *awaited(api->updateProfile(u"Lucía"_s)).profile->email; }},
         {"POST /api/auth/password",
@@ -108,6 +113,15 @@ TEST_F(AccountAPITest, EachEndpointAsksAndReadsAsTheServiceExpects)
         {"GET /api/publicaciones/config", "",
          R"({"enabled":false,"providerLabel":"p","costCredits":9,"macDownloadURL":"no"})",
          [&] { return text(awaited(api->socialCopyConfig()).costCredits); }},
+        {"POST /api/publicaciones/generate",
+         R"({"requestId":"r","objective":"o","format":"Post cuadrado","mimeType":"image/webp","imageBase64":"bm8="})",
+         R"({"ok":true,"copy":{"title":"t","subtitle":"","tagline":"","callToAction":"",
+             "publicationCaption":"","imageNotes":""}})",
+         [&] {
+             const QUrl image = QUrl::fromLocalFile(noPhoto.fileName());
+             return awaited(api->generateSocialCopy(image, u"o"_s, SocialFormat::square, u"r"_s))
+                 .title;
+         }},
         {"POST /api/publicaciones/templates/update",
          R"({"fileName":"a.json","templateJSONBase64":"e30="})", ok,
          [&] { return outcome(api->uploadTemplate(u"a.json"_s, "{}", std::nullopt)); }},
@@ -133,25 +147,13 @@ TEST_F(AccountAPITest, EachEndpointAsksAndReadsAsTheServiceExpects)
                  .url->toString();
          }},
     };
-    const QStringList read{u"7"_s,
-                           u"7"_s,
-                           u"7"_s,
-                           u"a@b.es"_s,
-                           {},
-                           {},
-                           u"7"_s,
-                           u"https://pago.es/1"_s,
-                           u"12"_s,
-                           u"1"_s,
-                           u"https://f.es/1"_s,
-                           u"3"_s,
-                           u"3"_s,
-                           u"9"_s,
-                           {},
-                           {},
-                           u"I"_s,
-                           u"300"_s,
-                           u"https://p.es/1"_s};
+    const QStringList read{u"7"_s,  u"7"_s,      u"7"_s,
+                           {},      u"a@b.es"_s, {},
+                           {},      u"7"_s,      u"https://pago.es/1"_s,
+                           u"12"_s, u"1"_s,      u"https://f.es/1"_s,
+                           u"3"_s,  u"3"_s,      u"9"_s,
+                           u"t"_s,  {},          {},
+                           u"I"_s,  u"300"_s,    u"https://p.es/1"_s};
     ASSERT_EQ(rows.size(), read.size());
     for (qsizetype i = 0; i < rows.size(); ++i) {
         SCOPED_TRACE(rows[i].asked.toStdString());
@@ -212,6 +214,35 @@ TEST_F(AccountAPITest, FailuresBecomeSentences)
     }
 }
 
+TEST(AccountReplies, EveryCodeOfTheServiceHasItsSentence)
+{
+    QSet<QString> texts{u"No se ha podido completar la operación."_s};
+    const QStringList codes =
+        u"database_unavailable email_exists invalid_credentials invalid_credit_amount "
+        "stripe_not_configured stripe_request_failed checkout_not_paid checkout_not_recorded "
+        "invalid_purchase purchase_document_unavailable insufficient_credits "
+        "invalid_credit_request credit_not_reserved provider_key_missing provider_request_failed "
+        "provider_invalid_response provider_not_supported model_not_configured invalid_image "
+        "invalid_social_publish_request invalid_social_publish_image social_upload_failed "
+        "social_account_not_connected social_provider_not_configured "
+        "social_connection_incomplete social_publish_in_progress "
+        "social_provider_publish_failed invalid_social_network admin_required invalid_template "
+        "template_upload_failed"_s.split(u' ');
+    for (const QString& code : codes) {
+        const QByteArray body = "{\"error\":\"" + code.toUtf8() + "\",\"reason\":null}";
+        try {
+            acceptedBody({.status = 418, .headers = {}, .body = body}, u"Sitio"_s);
+            ADD_FAILURE() << code.toStdString();
+        } catch (const AccountError& error) {
+            EXPECT_EQ(error.code(), code);
+            EXPECT_FALSE(error.text().contains(u'%'));
+            texts.insert(error.text());
+        }
+    }
+    EXPECT_EQ(texts.size(), codes.size() + 1);
+    EXPECT_EQ(acceptedBody({.status = 299, .headers = {}, .body = "x"}, {}), "x");
+}
+
 TEST_F(AccountAPITest, TheSessionIsOneCookieThatOutlivesTheProgram)
 {
     preferences.setValue(legacyKey, "old");
@@ -248,10 +279,12 @@ TEST_F(AccountAPITest, ARefusedSessionTakesNoNewerOneWithIt)
                    ? ScriptedServer::reply(401, "{}")
                    : ScriptedServer::reply(200, summary, "Set-Cookie: tallerio_session=new\r\n");
     });
+    server.hold("/api/auth/me");
     QCoro::Task<AccountSummary> late = api->me();    // asked with the old one
-    QCoro::Task<AccountSummary> login = api->login(u"a"_s, u"b"_s);
-    outcome(std::move(login));
-    outcome(std::move(late));
+    outcome(api->login(u"a"_s, u"b"_s));
+    server.release();
+    EXPECT_NE(outcome(std::move(late)), QString());
+    EXPECT_TRUE(api->holdsSession());
     EXPECT_EQ(preferences.value(cookieKey), "tallerio_session=new");
 
     // Another program signed in where this one still has what it had.
@@ -266,7 +299,7 @@ TEST_F(AccountAPITest, ASignOutForgetsTheSessionAlsoWhereItHadEnded)
     for (const int status : {200, 401}) {
         preferences.setValue(cookieKey, "tallerio_session=a");
         const auto api = client();
-        answer(status, "{}");
+        answer(status, "{}", "Set-Cookie: tallerio_session=deleted; Max-Age=0\r\n");
         EXPECT_EQ(outcome(api->logout()), QString());
         EXPECT_FALSE(preferences.contains(cookieKey));
     }
@@ -278,26 +311,31 @@ TEST_F(AccountAPITest, ASignOutForgetsTheSessionAlsoWhereItHadEnded)
 
 TEST_F(AccountAPITest, RedirectionsAreFollowedWithinTheOriginAlone)
 {
-    preferences.setValue(cookieKey, "tallerio_session=a");
-    const auto api = client();
     ScriptedServer elsewhere;
     elsewhere.setAnswer([](const auto&) { return ScriptedServer::reply(200, summary); });
     const auto redirecting = [](int status, const QByteArray& location) {
         return [=](const ScriptedServer::Request& request) {
             return request.target == "/there"
                        ? ScriptedServer::reply(200, summary)
-                       : ScriptedServer::reply(status, "", "Location: " + location + "\r\n");
+                       : ScriptedServer::reply(status, "",
+                                               "Set-Cookie: tallerio_session=new\r\n"
+                                               "Location: " +
+                                                   location + "\r\n");
         };
     };
     for (const int status : {302, 307}) {
         server.requests.clear();
+        preferences.setValue(cookieKey, "tallerio_session=a");
+        const auto api = client();
         server.setAnswer(redirecting(status, "/there"));
         EXPECT_EQ(outcome(api->login(u"a"_s, u"b"_s)), QString());
         ASSERT_EQ(server.requests.size(), 2);
-        EXPECT_EQ(server.requests[1].header("Cookie"), "tallerio_session=a");
+        EXPECT_EQ(server.requests[0].header("Cookie"), "tallerio_session=a");
+        EXPECT_EQ(server.requests[1].header("Cookie"), "tallerio_session=new");
         EXPECT_EQ(server.requests[1].method, status == 302 ? "GET" : "POST");
         EXPECT_EQ(server.requests[1].body.isEmpty(), status == 302);
     }
+    const auto api = client();
     server.setAnswer(redirecting(302, elsewhere.url().toString().toUtf8() + "/there"));
     EXPECT_EQ(outcome(api->me()), u"No se ha podido completar la operación."_s);
     EXPECT_TRUE(elsewhere.requests.isEmpty());

@@ -7,6 +7,7 @@
 #include "tests/account/ScriptedServer.h"
 
 #include <QCoroTimer>
+#include <QElapsedTimer>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -63,7 +64,7 @@ protected:
                         return browserOpens;
                     },
                 .webAuthentication = &web,
-                .startLimit = 100ms,
+                .startLimit = startLimit,
                 .balanceSyncInterval = syncInterval};
     }
     AccountSession& started()
@@ -92,7 +93,7 @@ protected:
     FakeWebAuthentication web;
     QStringList opened;
     bool browserOpens = true;
-    std::chrono::milliseconds syncInterval = 180s;
+    std::chrono::milliseconds syncInterval = 180s, startLimit = 8s;
     std::optional<AccountSession> session;
 };
 
@@ -121,6 +122,12 @@ TEST_F(AccountSessionTest, TheCheckAtTheStartSignsInOrOut)
 
 TEST_F(AccountSessionTest, AServiceThatIsLateLeavesTheUserSignedOut)
 {
+    // Signed in while the configuration is what is late.
+    startLimit = 300ms;
+    server.hold("/api/publicaciones/config");
+    EXPECT_TRUE(started().isAuthenticated());
+    EXPECT_EQ(session->cloudCopyConfig(), CloudCopyConfig::fallback());
+
     server.answerNothing();
     session.emplace(api, surroundings());
     QCoro::Task<bool> check = session->bootstrap();
@@ -142,9 +149,13 @@ TEST_F(AccountSessionTest, SigningOutLeavesNothingAndNothingBringsItBack)
     AccountSession& one = started();
     awaited(one.refreshPurchaseHistory());
     awaited(one.buyCredits(10000));
+    server.hold("/api/auth/me");
     QCoro::Task<bool> late = one.refreshSilently();    // asked while still signed in
+    QCoro::Task<bool> latest = one.refresh();
     EXPECT_TRUE(awaited(one.logout()));
+    server.release();
     awaited(std::move(late));
+    awaited(std::move(latest));
     EXPECT_EQ(one.account(), AccountSummary());
     EXPECT_FALSE(one.isBalanceSyncRunning() || one.isWorking());
     EXPECT_FALSE(one.pendingCheckoutSessionId());
@@ -264,6 +275,26 @@ TEST_F(AccountSessionTest, LinksSignInConnectNetworksOrAreLeftAlone)
     }));
 }
 
+TEST_F(AccountSessionTest, ALinkSignsInWhileTheStartIsCheckedAndTakesNothingOfAnotherUserAlong)
+{
+    AccountSession& one = started();
+    awaited(one.refreshPurchaseHistory());
+    awaited(one.buyCredits(10000));
+    answers["/api/auth/desktop/exchange"] = R"({"balance":5,"profile":{"id":"2"}})";
+    server.hold("/api/auth/me");
+    answers["/api/auth/me"] = "401";
+    QCoro::Task<bool> check = one.bootstrap();
+    one.handleDeepLink(QUrl(u"moltiva://auth?token=t"_s));
+    while (one.isWorking())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    server.release();
+    awaited(std::move(check));
+    EXPECT_EQ(one.account().balance, 5);
+    EXPECT_TRUE(one.isBalanceSyncRunning());
+    EXPECT_FALSE(one.pendingCheckoutSessionId());
+    EXPECT_TRUE(one.purchaseHistory().isEmpty());
+}
+
 TEST_F(AccountSessionTest, GoogleGoesOverTheWindowWhereThereIsAWayElseThroughTheBrowser)
 {
     AccountSession& one = started();
@@ -290,12 +321,15 @@ TEST_F(AccountSessionTest, TheBalanceIsAskedForAgainAndAgainByOneTimer)
     one.startBalanceSync();
     server.requests.clear();
     answers["/api/auth/me"] = R"({"balance":42,"profile":{"id":"1"}})";
-    pass(100ms);
+    QElapsedTimer watch;
+    watch.start();
+    while (one.account().balance != 42 && watch.elapsed() < 10'000)
+        pass(10ms);
     EXPECT_EQ(one.account().balance, 42);
-    EXPECT_LE(asked("/api/auth/me"), 4);
+    EXPECT_LE(asked("/api/auth/me"), 1 + watch.elapsed() / 30);    // one timer's worth
     one.stopBalanceSync();
-    pass(40ms);
+    pass(300ms);    // what is under way
     server.requests.clear();
-    pass(60ms);
+    pass(100ms);
     EXPECT_EQ(asked("/api/auth/me"), 0);
 }

@@ -5,6 +5,8 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLocalServer>
+#include <QLocalSocket>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -17,8 +19,11 @@ namespace {
 
 LocalService::Place placeIn(const QTemporaryDir& folder)
 {
-    return {QStringLiteral(MOLTIVA_SERVICE_PROGRAM), folder.filePath(u"service"_s),
-            u"admin@moltiva.local"_s};
+    LocalService::Place place;
+    place.program = QStringLiteral(MOLTIVA_SERVICE_PROGRAM);
+    place.data = folder.filePath(u"service"_s);
+    place.administrator = u"admin@moltiva.local"_s;
+    return place;
 }
 
 int statusOf(const QUrl& page)
@@ -60,7 +65,7 @@ TEST(LocalService, IsStartedOnceForAllAndAnewWhenItIsGone)
     QElapsedTimer watch;
     watch.start();
     while (!first.knownAddress().isEmpty() && watch.elapsed() < 5000)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     EXPECT_EQ(statusOf(awaited(first.address())), 200);
     EXPECT_NE(processOf(folder), process);
 }
@@ -77,4 +82,25 @@ TEST(LocalService, TellsWhenThereIsNoProgramAndLetsGoOfWhoWaits)
     QCoro::Task<QUrl> waiting = leaving->address();
     leaving.reset();
     EXPECT_THROW(awaited(std::move(waiting)), TransportError);
+}
+
+TEST(LocalService, GivesUpOnOneThatDoesNotAnswerAsItShould)
+{
+    for (const QByteArray& line :
+         {QByteArray(), QByteArray("http://192.0.2.1:80\n"), QByteArray(500, 'x')}) {
+        const QTemporaryDir folder;
+        LocalService::Place place = placeIn(folder);
+        place.longestStart = std::chrono::milliseconds(300);
+        ASSERT_TRUE(QDir().mkpath(place.data));
+        QLocalServer strange;
+        ASSERT_TRUE(strange.listen(serviceSocketPath(place.data)));
+        QObject::connect(&strange, &QLocalServer::newConnection,
+                         [&] { strange.nextPendingConnection()->write(line); });
+        LocalService service(place);
+        std::stop_source stop;
+        QCoro::Task<QUrl> stopped = service.address(stop.get_token());
+        stop.request_stop();
+        EXPECT_THROW(awaited(std::move(stopped)), TransportError);
+        EXPECT_THROW(awaited(service.address()), TransportError);
+    }
 }

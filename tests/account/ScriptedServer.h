@@ -10,6 +10,7 @@
 #include <QUrl>
 
 #include <functional>
+#include <utility>
 
 // Answers each request as it is told to, byte by byte if need be, and remembers what it was asked.
 class ScriptedServer : public QTcpServer {
@@ -47,6 +48,14 @@ public:
     }
     void setAnswer(Answer answer) { m_answer = std::move(answer); }
     void answerNothing() { m_isSilent = true; }
+    // What is asked of the target waits for release().
+    void hold(const QByteArray& target) { m_heldTarget = target; }
+    void release()
+    {
+        m_heldTarget.clear();
+        for (const auto& [socket, request] : std::exchange(m_held, {}))
+            answer(socket, request);
+    }
 
     QList<Request> requests;
 
@@ -81,6 +90,14 @@ private:
         request.method = line.value(0);
         request.target = line.value(1);
         requests.append(request);
+        if (request.target == m_heldTarget)
+            m_held.append({socket, request});
+        else
+            answer(socket, request);
+    }
+
+    void answer(QTcpSocket* socket, const Request& request)
+    {
         if (m_isSilent || !m_answer)
             return;
         socket->write(m_answer(request));
@@ -89,4 +106,6 @@ private:
 
     Answer m_answer;
     bool m_isSilent = false;
+    QByteArray m_heldTarget;
+    QList<std::pair<QTcpSocket*, Request>> m_held;
 };
