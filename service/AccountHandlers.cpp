@@ -67,6 +67,7 @@ ServiceReply signIn(Visit& visit)
     Service& service = visit.service;
     const auto given = wireBody<CredentialsRequest>(visit);
     const QString email = neededEmail(given.email);
+    service.countAddress(visit.request.address);
     const QString key = visit.request.address + u' ' + email;
     if (!service.signInAttempts().allow(key, service.now()))
         throw Refusal(429, "too_many_attempts");
@@ -75,6 +76,7 @@ ServiceReply signIn(Visit& visit)
         throw Refusal(400, "invalid_credentials");
     service.signInAttempts().forget(key);
     Transaction transaction(service.database());
+    needUnchanged(transaction, *account);
     return signedInReply(visit, transaction, *account);
 }
 
@@ -83,6 +85,7 @@ ServiceReply registerAccount(Visit& visit)
     const auto given = wireBody<CredentialsRequest>(visit);
     const QString email = neededEmail(given.email);
     needAcceptable(given.password);
+    visit.service.countAddress(visit.request.address);
     if (foundAccount(visit.service, email))
         throw Refusal(409, "email_exists");
     const QByteArray hash = hashedPassword(given.password);
@@ -134,8 +137,12 @@ ServiceReply changePassword(Visit& visit)
         throw Refusal(400, "invalid_password", u"the two are not the same"_s);
     const QByteArray hash = hashedPassword(given.newPassword);
     Transaction transaction(service.database());
+    const QByteArray session = visit.request.cookies.value(sessionCookie);
+    if (sessionAccount(transaction, session, service.now()) != visit.account.id)
+        throw Refusal(401, "unauthorized");
+    needUnchanged(transaction, visit.account);
     setPassword(transaction, visit.account.id, hash);
-    endSessions(transaction, visit.account.id, visit.request.cookies.value(sessionCookie));
+    endSessions(transaction, visit.account.id, session);
     transaction.commit();
     return okReply();
 }
@@ -146,20 +153,24 @@ ServiceReply requestPasswordReset(Visit& visit)
     Service& service = visit.service;
     const auto given = wireBody<PasswordResetRequest>(visit);
     const auto email = normalizedEmail(given.email);
+    service.countAddress(visit.request.address);
     const auto account = email ? foundAccount(service, *email) : std::nullopt;
     if (!account ||
         !service.resetAttempts().allow(visit.request.address + u' ' + *email, service.now()))
         return okReply();
     Transaction transaction(service.database());
     const QByteArray token = givePass(transaction, PassPurpose::passwordReset, account->id, {},
-                                      service.now() + resetLife);
+                                      {service.now(), resetLife});
+    // A link without its mail would be open for an hour: it is kept only when the mail is.
+    if (!storeMail(service.folder(u"correo"_s), account->email, u"Crea una nueva contraseña"_s,
+                   u"Hola:\n\nAlguien ha pedido una nueva contraseña para la cuenta %1.\n"
+                   "Abre este enlace durante la próxima hora para crear una nueva contraseña:\n\n"
+                   "%2/restablecer?token=%3\n\n"
+                   "Si no has sido tú, no hagas nada: tu contraseña sigue siendo la misma.\n"_s.arg(
+                       account->email, service.address(), QString::fromLatin1(token)),
+                   service.now()))
+        throw Refusal(500, "mail_not_stored");
     transaction.commit();
-    storeMail(service.folder(u"correo"_s), account->email, u"Crea una nueva contraseña"_s,
-              u"Hola:\n\nAlguien ha pedido una nueva contraseña para la cuenta %1.\n"
-              "Ábrelo durante la próxima hora para crearla:\n\n%2/restablecer?token=%3\n\n"
-              "Si no has sido tú, no hagas nada: tu contraseña sigue siendo la misma.\n"_s.arg(
-                  account->email, visit.request.base, QString::fromLatin1(token)),
-              service.now());
     return okReply();
 }
 

@@ -26,16 +26,16 @@ std::optional<Account> firstOf(Rows rows)
 
 std::optional<QString> normalizedEmail(const QString& email)
 {
-    const QString folded = email.trimmed().toCaseFolded();
-    const qsizetype at = folded.indexOf(u'@');
-    const bool isWhole = at > 0 && at <= longestMailbox && at < folded.size() - 1 &&
-                         folded.lastIndexOf(u'@') == at && folded.size() <= longestEmail;
+    const QString lower = email.trimmed().toLower().normalized(QString::NormalizationForm_C);
+    const qsizetype at = lower.indexOf(u'@');
+    const bool isWhole = at > 0 && at <= longestMailbox && at < lower.size() - 1 &&
+                         lower.lastIndexOf(u'@') == at && lower.size() <= longestEmail;
     const auto isOdd = [](QChar c) {
         return c.isSpace() || QStringView(u"<>,;:\"\\()[]").contains(c);
     };
-    if (!isWhole || !isPrintable(folded) || std::ranges::any_of(folded, isOdd))
+    if (!isWhole || !isPrintable(lower) || std::ranges::any_of(lower, isOdd))
         return std::nullopt;
-    return folded;
+    return lower;
 }
 
 bool isAcceptablePassword(const QString& password)
@@ -82,4 +82,11 @@ void setPassword(Transaction& transaction, qint64 account, const QByteArray& pas
 {
     transaction.run("UPDATE account SET password = ? WHERE id = ?",
                     {QString::fromLatin1(passwordHash), account});
+}
+
+void needUnchanged(Transaction& transaction, const Account& account)
+{
+    const auto now = accountWithId(transaction, account.id);
+    if (!now || now->passwordHash != account.passwordHash)
+        throw Refusal(400, "invalid_credentials");
 }

@@ -13,7 +13,7 @@ struct Account {
     QByteArray passwordHash;    // empty: signs in with Google only
 };
 
-// Trimmed and case-folded; nothing when it cannot be an address.
+// Trimmed and in small letters; nothing when it cannot be an address.
 std::optional<QString> normalizedEmail(const QString& email);
 bool isAcceptablePassword(const QString& password);
 
@@ -27,3 +27,6 @@ Account addAccount(Transaction& transaction, const QString& email, const QByteAr
 // Throws Refusal for a name that is too long or holds control characters.
 void setFullName(Transaction& transaction, qint64 account, const QString& fullName);
 void setPassword(Transaction& transaction, qint64 account, const QByteArray& passwordHash);
+// A password's hash was looked at outside of the transaction, for that takes long. Throws Refusal
+// when it is another one by now.
+void needUnchanged(Transaction& transaction, const Account& account);

@@ -13,8 +13,9 @@ bool Attempts::allow(const QString& key, qint64 now)
     const std::scoped_lock lock(m_mutex);
     if (m_times.size() >= mostKeys)
         dropOld(now);
+    // A stranger with many names must not keep the others out.
     if (m_times.size() >= mostKeys && !m_times.contains(key))
-        return false;
+        dropOldest();
     QList<qint64>& times = m_times[key];
     times.removeIf([&](qint64 time) { return time <= now - m_window; });
     if (times.size() >= m_most)
@@ -32,4 +33,10 @@ void Attempts::forget(const QString& key)
 void Attempts::dropOld(qint64 now)
 {
     m_times.removeIf([&](auto entry) { return entry.value().last() <= now - m_window; });
+}
+
+void Attempts::dropOldest()
+{
+    const auto last = [](const QList<qint64>& times) { return times.last(); };
+    m_times.erase(std::ranges::min_element(m_times, {}, last));
 }

@@ -17,6 +17,7 @@ public:
 
 private:
     void dropOld(qint64 now);
+    void dropOldest();
 
     const int m_most;
     const qint64 m_window;

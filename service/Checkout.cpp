@@ -17,7 +17,8 @@ constexpr int centsPerBlock = 100;
 
 QString orderNumber(qint64 number, qint64 created)
 {
-    return u"MOL-%1-%2"_s.arg(QDateTime::fromMSecsSinceEpoch(created, Qt::UTC).date().year())
+    // Of the year that the invoice shows.
+    return u"MOL-%1-%2"_s.arg(QDateTime::fromMSecsSinceEpoch(created).date().year())
         .arg(number, 6, 10, QLatin1Char('0'));
 }
 

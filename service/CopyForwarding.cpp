@@ -3,6 +3,7 @@
 #include "model/GuardedJson.h"
 #include "model/PlainText.h"
 #include "service/Http.h"
+#include "service/Turns.h"
 
 #include <QEventLoop>
 #include <QNetworkAccessManager>
@@ -11,8 +12,6 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTimer>
-
-#include <semaphore>
 
 using namespace Qt::StringLiterals;
 
@@ -83,16 +82,15 @@ QString contentText(const json::Value& content)
     return text;
 }
 
-QByteArray post(const CopyProvider& provider, const QUrl& url, const CopyOrder& order,
-                const std::atomic_bool& isEnding)
+QByteArray post(const PreparedCopyOrder& order, const std::atomic_bool& isEnding)
 {
     QNetworkAccessManager manager;
     manager.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
-    QNetworkRequest request(url);
+    QNetworkRequest request(order.url);
     request.setHeader(QNetworkRequest::ContentTypeHeader, u"application/json"_s);
-    if (!provider.key.isEmpty())
-        request.setRawHeader("Authorization", "Bearer " + provider.key.toUtf8());
-    const std::unique_ptr<QNetworkReply> reply(manager.post(request, requestBody(provider, order)));
+    if (!order.key.isEmpty())
+        request.setRawHeader("Authorization", "Bearer " + order.key.toUtf8());
+    const std::unique_ptr<QNetworkReply> reply(manager.post(request, order.body));
 
     QEventLoop loop;
     QTimer limit, look;
@@ -120,21 +118,21 @@ QByteArray post(const CopyProvider& provider, const QUrl& url, const CopyOrder& 
 
 class Turn {
 public:
-    Turn() : m_isMine(turns().try_acquire()) {}
+    Turn() : m_isMine(turns().tryTake()) {}
     ~Turn()
     {
         if (m_isMine)
-            turns().release();
+            turns().giveBack();
     }
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
     bool isMine() const { return m_isMine; }
 
 private:
-    static std::counting_semaphore<mostAtOnce>& turns()
+    static Turns& turns()
     {
-        static std::counting_semaphore<mostAtOnce> free(mostAtOnce);
-        return free;
+        static Turns turns(mostAtOnce);
+        return turns;
     }
     bool m_isMine;
 };
@@ -182,8 +180,7 @@ std::optional<GeneratedCopy> copyFromAnswer(QByteArrayView answer)
     return GeneratedCopy(title, subtitle, tagline, action, caption, u"Analizado en la nube."_s);
 }
 
-GeneratedCopy forwardCopyOrder(const CopyProvider& provider, const CopyOrder& order,
-                               const std::atomic_bool& isEnding)
+PreparedCopyOrder preparedCopyOrder(const CopyProvider& provider, const CopyOrder& order)
 {
     if (provider.address.trimmed().isEmpty())
         throw Refusal(503, "provider_key_missing", u"no MOLTIVA_COPY_URL and no [copy] url"_s);
@@ -192,10 +189,15 @@ GeneratedCopy forwardCopyOrder(const CopyProvider& provider, const CopyOrder& or
     const QUrl url = endpoint(provider.address);
     if (!url.isValid() || (url.scheme() != u"http" && url.scheme() != u"https"))
         throw Refusal(503, "provider_not_supported", u"the address must be http or https"_s);
+    return {url, provider.key, requestBody(provider, order)};
+}
+
+GeneratedCopy forwardCopyOrder(const PreparedCopyOrder& order, const std::atomic_bool& isEnding)
+{
     const Turn turn;
     if (!turn.isMine())
         throw Refusal(502, "provider_request_failed", u"too many at once"_s);
-    const auto copy = copyFromAnswer(post(provider, url, order, isEnding));
+    const auto copy = copyFromAnswer(post(order, isEnding));
     if (!copy)
         throw Refusal(502, "provider_invalid_response");
     return *copy;

@@ -27,9 +27,17 @@ struct CopyOrder {
     QByteArray image;
 };
 
+struct PreparedCopyOrder {
+    QUrl url;
+    QString key;
+    QByteArray body;
+};
+
+// Throws Refusal when the provider is not set up.
+PreparedCopyOrder preparedCopyOrder(const CopyProvider& provider, const CopyOrder& order);
+
 // Asks and waits, at most four minutes and until `isEnding`. Throws Refusal.
-GeneratedCopy forwardCopyOrder(const CopyProvider& provider, const CopyOrder& order,
-                               const std::atomic_bool& isEnding);
+GeneratedCopy forwardCopyOrder(const PreparedCopyOrder& order, const std::atomic_bool& isEnding);
 
 // The texts in the answer of a provider; nothing unless all five are there.
 std::optional<GeneratedCopy> copyFromAnswer(QByteArrayView answer);

@@ -12,7 +12,8 @@ constexpr int busyWait = 5000;    // ms, for another program that looks into the
 
 [[noreturn]] void fail(sqlite3* handle)
 {
-    throw DatabaseError(handle ? QByteArray(sqlite3_errmsg(handle)) : "out of memory");
+    throw DatabaseError(DatabaseError::Kind::failed,
+                        handle ? QByteArray(sqlite3_errmsg(handle)) : "out of memory");
 }
 
 void bind(sqlite3_stmt* statement, int place, const SqlValue& value)
@@ -39,10 +40,8 @@ void createPrivately(const QString& name)
     // SQLite gives its side files the permissions of the database.
     constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
     QFile file(name);
-    if (file.exists())
-        file.setPermissions(owner);
-    else if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, owner))
-        throw DatabaseError(file.errorString().toUtf8());
+    if (!file.exists() && !file.open(QIODevice::WriteOnly | QIODevice::NewOnly, owner))
+        throw DatabaseError(DatabaseError::Kind::failed, file.errorString().toUtf8());
 }
 
 }    // namespace

@@ -14,10 +14,14 @@ struct sqlite3_stmt;
 
 class DatabaseError : public std::exception {
 public:
-    explicit DatabaseError(QByteArray text) : m_text(std::move(text)) {}
+    enum class Kind { failed, tooNew, wrongSums };
+
+    DatabaseError(Kind kind, QByteArray text) : m_kind(kind), m_text(std::move(text)) {}
+    Kind kind() const { return m_kind; }
     const char* what() const noexcept override { return m_text.constData(); }
 
 private:
+    Kind m_kind;
     QByteArray m_text;    // never of bound values
 };
 

@@ -6,6 +6,15 @@ using namespace Qt::StringLiterals;
 
 namespace html {
 
+namespace {
+
+Attributes ofKind(const QString& kind)
+{
+    return kind.isEmpty() ? Attributes{} : Attributes{{"class", kind}};
+}
+
+}    // namespace
+
 QString escaped(const QString& text)
 {
     return text.toHtmlEscaped().replace(u'\'', u"&#39;"_s);
@@ -30,12 +39,19 @@ Html tag(const char* name, const Html& content, const Attributes& attributes)
 
 Html paragraph(const QString& content, const QString& kind)
 {
-    return tag("p", text(content), kind.isEmpty() ? Attributes{} : Attributes{{"class", kind}});
+    return tag("p", text(content), ofKind(kind));
+}
+
+Html problem(const QString& sentence)
+{
+    return sentence.isEmpty()
+               ? Html{}
+               : tag("p", text(sentence), {{"class", u"mal"_s}, {"role", u"alert"_s}});
 }
 
 Html link(const QString& address, const QString& label, const QString& kind)
 {
-    return tag("a", text(label), {{"href", address}, {"class", kind}});
+    return tag("a", text(label), Attributes{{"href", address}} + ofKind(kind));
 }
 
 Html field(const QString& name, const QString& label, const Attributes& attributes)
@@ -47,7 +63,8 @@ Html field(const QString& name, const QString& label, const Attributes& attribut
 Html button(const QString& label, const QString& action, const QString& kind)
 {
     return tag("button", text(label),
-               {{"type", u"submit"_s}, {"name", u"accion"_s}, {"value", action}, {"class", kind}});
+               Attributes{{"type", u"submit"_s}, {"name", u"accion"_s}, {"value", action}} +
+                   ofKind(kind));
 }
 
 }    // namespace html

@@ -26,6 +26,8 @@ Html text(const QString& text);
 // Input and img have no end and no content.
 Html tag(const char* name, const Html& content = {}, const Attributes& attributes = {});
 Html paragraph(const QString& text, const QString& kind = {});
+// What was wrong in a form; nothing when nothing was.
+Html problem(const QString& sentence);
 Html link(const QString& address, const QString& label, const QString& kind = {});
 
 // A labelled field of a form.

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <exception>
+#include <functional>
 #include <utility>
 
 enum class ServiceMethod { get, post, patch };
@@ -18,8 +19,12 @@ struct ServiceRequest {
     QHash<QString, QString> query, form;    // the first of equal names
     QHash<QByteArray, QByteArray> cookies;
     QByteArray body = {};
-    QString address;        // of the client
-    bool isLocal = true;    // the client runs on this machine
+    QString address = {};    // of the client
+    // Whether the client is a program of this user on this machine. Takes a while to find out.
+    std::function<bool()> isLocal = [] { return true; };
+    // Called before a long wait for others: what was taken for the body is given back, and the body
+    // is gone.
+    std::function<void()> letGo = [] {};
 };
 
 struct ServiceReply {

@@ -4,8 +4,6 @@
 #include "service/Http.h"
 #include "service/Texts.h"
 
-#include <optional>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -125,10 +123,10 @@ void refundCredits(Transaction& transaction, qint64 account, int cost, const QSt
            now);
 }
 
-bool isReserved(Transaction& transaction, qint64 account, const QString& requestId)
+std::optional<int> reservedCost(Transaction& transaction, qint64 account, const QString& requestId)
 {
     const auto last = lastReservation(transaction, account, requestId);
-    return last && last->isOpen;
+    return last && last->isOpen ? std::optional(int(last->cost)) : std::nullopt;
 }
 
 bool ledgerAddsUp(Transaction& transaction)

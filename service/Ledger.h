@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 class Transaction;
 
 // Credits are entries that are only ever added; the balance is their sum and never negative. Who
@@ -23,7 +25,7 @@ void reserveCredits(Transaction& transaction, qint64 account, int cost, const QS
                     qint64 now);
 void refundCredits(Transaction& transaction, qint64 account, int cost, const QString& requestId,
                    qint64 now);
-bool isReserved(Transaction& transaction, qint64 account, const QString& requestId);
+std::optional<int> reservedCost(Transaction& transaction, qint64 account, const QString& requestId);
 
 // Whether each account's last balance is the sum of its entries.
 bool ledgerAddsUp(Transaction& transaction);

@@ -14,8 +14,8 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-constexpr auto patience = 15'000ms, drainTime = 1000ms;
-constexpr size_t bytesPerMillisecond = 1024;
+constexpr auto headPatience = 2500ms, patience = 15'000ms, drainTime = 1000ms;
+constexpr size_t bytesPerMillisecond = 64;
 constexpr size_t longestHead = 64 * 1024;
 
 void describe(const sockaddr_storage& address, std::string& ip, int& port)
@@ -39,7 +39,7 @@ void describe(const sockaddr_storage& address, std::string& ip, int& port)
 
 std::chrono::milliseconds PacedStream::Pace::left() const
 {
-    return patience + std::chrono::milliseconds(bytes / bytesPerMillisecond) - waited;
+    return base + std::chrono::milliseconds(bytes / bytesPerMillisecond) - waited;
 }
 
 bool PacedStream::wait(socket_t socket, short events, Pace& pace)
@@ -64,13 +64,15 @@ void PacedStream::beginRequest()
 {
     m_inHead = true;
     m_taken = 0;
-    m_reading = m_writing = {};
+    m_reading = {.base = headPatience};
+    m_writing = {.base = patience};
 }
 
 void PacedStream::headHasEnded()
 {
     m_inHead = false;
     m_taken = 0;
+    m_reading = {.base = patience};
 }
 
 void PacedStream::drain()

@@ -7,7 +7,7 @@
 
 // A connection whose other side has to keep a pace, counted over all the time that we wait for it
 // while one request comes in, and again while its answer goes out: who sends a byte now and then
-// gives its thread back soon. The head of a request may only be so long.
+// gives its thread back soon, in the head of a request, which may only be so long, even sooner.
 class PacedStream final : public httplib::Stream {
 public:
     explicit PacedStream(socket_t socket) : m_socket(socket) {}
@@ -32,7 +32,7 @@ public:
 
 private:
     struct Pace {
-        std::chrono::milliseconds waited{0};
+        std::chrono::milliseconds base{0}, waited{0};
         size_t bytes = 0;
         std::chrono::milliseconds left() const;
     };

@@ -1,4 +1,4 @@
-#include "model/GuardedJson.h"
+#include "service/CopyResults.h"
 #include "service/Handlers.h"
 #include "service/ImageCheck.h"
 #include "service/Ledger.h"
@@ -22,37 +22,21 @@ std::optional<SocialFormat> knownFormat(const QString& name)
     return byTitle ? byTitle : fromTemplateKey(name);
 }
 
-// A record drops what does not read in a list; an image that is dropped would be missing in the
-// post without a word.
-class ObjectCount final : public nlohmann::json_sax<json::Value> {
-public:
-    bool null() override { return true; }
-    bool boolean(bool) override { return true; }
-    bool number_integer(number_integer_t) override { return true; }
-    bool number_unsigned(number_unsigned_t) override { return true; }
-    bool number_float(number_float_t, const string_t&) override { return true; }
-    bool string(string_t&) override { return true; }
-    bool binary(binary_t&) override { return true; }
-    bool start_object(std::size_t) override { return ++m_count > 0; }
-    bool key(string_t&) override { return true; }
-    bool end_object() override { return true; }
-    bool start_array(std::size_t) override { return true; }
-    bool end_array() override { return true; }
-    bool parse_error(std::size_t, const std::string&, const nlohmann::json::exception&) override
-    {
-        return false;
-    }
-    int count() const { return m_count; }
-
-private:
-    int m_count = 0;
-};
-
-int objectsIn(QByteArrayView text)
+// Of a text that was read as JSON already. A record drops what does not read in a list; an image
+// that is dropped would be missing in the post without a word.
+int objectsIn(QByteArrayView json)
 {
-    ObjectCount objects;
-    json::Value::sax_parse(text.begin(), text.end(), &objects);
-    return objects.count();
+    int count = 0;
+    bool isInString = false;
+    for (qsizetype i = 0; i < json.size(); ++i) {
+        if (isInString && json[i] == '\\')
+            ++i;
+        else if (json[i] == '"')
+            isInString = !isInString;
+        else if (!isInString && json[i] == '{')
+            ++count;
+    }
+    return count;
 }
 
 }    // namespace
@@ -67,25 +51,45 @@ ServiceReply showCopyConfig(Visit& visit)
     return wireReply(config);
 }
 
+namespace {
+
+// The reply of before, when there was one. Throws Refusal.
+std::optional<QByteArray> madeBefore(Visit& visit, const QString& requestId)
+{
+    Transaction transaction(visit.service.database());
+    const auto cost = reservedCost(transaction, visit.account.id, requestId);
+    if (!cost || *cost < CloudCopyConfig{}.costCredits)
+        throw Refusal(409, "credit_not_reserved");
+    return copyResult(transaction, visit.account.id, requestId);
+}
+
+}    // namespace
+
+// Credits can be given back also after this: a client whose answer was lost on the way does not
+// know whether there was one, and must not pay for what it never saw.
 ServiceReply generateCopy(Visit& visit)
 {
     Service& service = visit.service;
-    const auto given = wireBody<SocialCopyGenerateRequest>(visit, "invalid_image");
+    auto given = wireBody<SocialCopyGenerateRequest>(visit, "invalid_image");
     const auto format = knownFormat(given.format);
     if (!format || given.objective.size() > longestObjective)
         throw Refusal(400, "invalid_credit_request", u"the format or the objective"_s);
-    {
-        Transaction transaction(service.database());
-        if (!isReserved(transaction, visit.account.id, given.requestId))
-            throw Refusal(409, "credit_not_reserved");
-    }
+    if (const auto reply = madeBefore(visit, given.requestId))
+        return {.body = *reply};
     if (!isImage(given.imageBase64, given.mimeType, mostPixelsToDescribe,
                  service.folder(u"temporal"_s)))
         throw Refusal(400, "invalid_image");
-    const GeneratedCopy copy = forwardCopyOrder(
-        service.copyProvider(), {given.objective, *format, given.mimeType, given.imageBase64},
-        service.isEnding());
-    return wireReply(SocialCopyGenerateResponse{.ok = true, .copy = copy});
+    const PreparedCopyOrder order =
+        preparedCopyOrder(service.copyProvider(), {given.objective, *format, given.mimeType,
+                                                   std::exchange(given.imageBase64, {})});
+    visit.request.letGo();    // others would wait for the provider as well
+    const GeneratedCopy copy = forwardCopyOrder(order, service.isEnding());
+    const QByteArray reply = toWire(SocialCopyGenerateResponse{.ok = true, .copy = copy});
+    Transaction transaction(service.database());
+    const QByteArray kept =
+        keepCopyResult(transaction, visit.account.id, given.requestId, reply, service.now());
+    transaction.commit();
+    return {.body = kept};
 }
 
 ServiceReply uploadTemplate(Visit& visit)
@@ -114,8 +118,9 @@ ServiceReply giveConnectToken(Visit& visit)
     const auto given = wireBody<SocialConnectTokenRequest>(visit, "invalid_social_network");
     const QString network = rawValue(knownNetwork(given.network));
     Transaction transaction(visit.service.database());
-    const QByteArray token = givePass(transaction, PassPurpose::socialConnection, visit.account.id,
-                                      network, visit.service.now() + qint64(connectSeconds) * 1000);
+    const QByteArray token =
+        givePass(transaction, PassPurpose::socialConnection, visit.account.id, network,
+                 {visit.service.now(), qint64(connectSeconds) * 1000});
     transaction.commit();
     return wireReply(SocialConnectTokenResponse{
         .ok = true,

@@ -31,17 +31,23 @@ void Rendezvous::close()
 
 void Rendezvous::greet(QLocalSocket* socket)
 {
-    ++m_present;
+    m_present.insert(socket);
     m_alone.stop();
     connect(socket, &QLocalSocket::readyRead, socket, [socket] { socket->readAll(); });
-    connect(socket, &QLocalSocket::disconnected, this, [this, socket] {
-        socket->deleteLater();
-        if (--m_present == 0)
-            m_alone.start(m_after);
-    });
+    connect(socket, &QLocalSocket::disconnected, this, [this, socket] { leave(socket); });
     socket->write(m_line);
     socket->flush();
     // It may have gone before anything listened to it.
     if (socket->state() == QLocalSocket::UnconnectedState)
-        Q_EMIT socket->disconnected();
+        leave(socket);
+}
+
+// Writing to one that has gone says so at once, and perhaps once more later.
+void Rendezvous::leave(QLocalSocket* socket)
+{
+    if (!m_present.remove(socket))
+        return;
+    socket->deleteLater();
+    if (m_present.isEmpty())
+        m_alone.start(m_after);
 }

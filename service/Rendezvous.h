@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QTimer>
 
@@ -29,10 +30,11 @@ Q_SIGNALS:
 
 private:
     void greet(QLocalSocket* socket);
+    void leave(QLocalSocket* socket);
 
     QLocalServer* m_server;
     QByteArray m_line;
     int m_after;
-    int m_present = 0;
+    QSet<QLocalSocket*> m_present;
     QTimer m_alone;
 };

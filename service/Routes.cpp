@@ -14,6 +14,7 @@ namespace {
 
 using enum ServiceMethod;
 using enum RouteNeeds;
+using enum RouteKind;
 
 constexpr qint64 noBody = 0, smallBody = 64 << 10, largeBody = 64 << 20, postBody = 160 << 20;
 
@@ -26,7 +27,7 @@ constexpr std::array routes{
     Route{post, u"/api/auth/password", session, smallBody, changePassword},
     Route{post, u"/api/auth/password-reset/request", nothing, smallBody, requestPasswordReset},
     Route{post, u"/api/auth/desktop/exchange", nothing, smallBody, exchangeDesktopToken},
-    Route{get, u"/api/auth/oauth/google", nothing, noBody, googlePage},
+    Route{get, u"/api/auth/oauth/google", nothing, noBody, googlePage, page},
 
     Route{post, u"/api/credits/social-copy/reserve", session, smallBody, reserve},
     Route{post, u"/api/credits/social-copy/refund", session, smallBody, refund},
@@ -41,7 +42,7 @@ constexpr std::array routes{
     Route{post, u"/api/publicaciones/templates/delete", administrator, smallBody, deleteTemplate},
     Route{get, u"/api/social/status", session, noBody, showConnections},
     Route{post, u"/api/social/connect-token", session, smallBody, giveConnectToken},
-    Route{get, u"/api/social/connect", nothing, noBody, basicConnectPage},
+    Route{get, u"/api/social/connect", nothing, noBody, basicConnectPage, page},
     Route{post, u"/api/social/publish", session, postBody, publishPost},
 
     Route{get, u"/", nothing, noBody, startPage},
@@ -103,28 +104,38 @@ void checkNeeds(const Route& route, Visit& visit)
         throw Refusal(403, "admin_required");
 }
 
-QString sentenceFor(int status)
+bool isPage(const ServiceRequest& request)
 {
-    switch (status) {
-    case 403:
-        return u"Esta página solo se puede abrir en el equipo donde funciona el servicio."_s;
+    return !isApi(request.path) || std::ranges::any_of(routes, [&](const Route& route) {
+        return route.kind == page && fits(route.path, request.path);
+    });
+}
+
+QString sentenceFor(const Refusal& refusal)
+{
+    const QLatin1StringView code(refusal.code());
+    if (code == "not_local"_L1)
+        return u"Esta página solo la puedes abrir tú, en el equipo donde funciona el servicio."_s;
+    if (code == "invalid_host"_L1)
+        return u"Abre la página con la dirección que muestra Moltiva."_s;
+    if (code == "invalid_origin"_L1)
+        return u"La página ha caducado. Vuelve a abrirla e inténtalo otra vez."_s;
+    if (code == "invalid_social_network"_L1)
+        return u"No se puede conectar con esa red social."_s;
+    if (code == "too_many_attempts"_L1)
+        return u"Se ha intentado demasiadas veces. Espera un rato e inténtalo otra vez."_s;
+    switch (refusal.status()) {
     case 404:
         return u"Esta página no existe o ya no está disponible."_s;
     case 405:
         return u"Esta página no se puede abrir así. Vuelve atrás e inténtalo otra vez."_s;
     case 413:
         return u"Lo que se ha enviado es demasiado grande."_s;
+    case 503:
+        return u"El servicio está ocupado. Inténtalo otra vez dentro de un momento."_s;
     default:
         return u"No se ha podido completar la operación."_s;
     }
-}
-
-ServiceReply refused(const Visit& visit, const Refusal& refusal)
-{
-    if (isApi(visit.request.path))
-        return refusalReply(refusal);
-    return sentencePage(visit, refusal.status(), u"No se puede mostrar"_s,
-                        sentenceFor(refusal.status()));
 }
 
 }    // namespace
@@ -135,6 +146,14 @@ qint64 admit(Service& service, const ServiceRequest& head)
     Visit visit{service, head, {}};
     checkNeeds(route, visit);
     return route.largestBody;
+}
+
+ServiceReply refused(Service& service, const ServiceRequest& request, const Refusal& refusal)
+{
+    if (!isPage(request))
+        return refusalReply(refusal);
+    return sentencePage({service, request, {}}, refusal.status(), u"No se puede mostrar"_s,
+                        sentenceFor(refusal));
 }
 
 ServiceReply answer(Service& service, const ServiceRequest& request)
@@ -148,10 +167,10 @@ ServiceReply answer(Service& service, const ServiceRequest& request)
                                 u"Vuelve a abrirla e inténtalo otra vez."_s);
         return route.handle(visit);
     } catch (const Refusal& refusal) {
-        return refused(visit, refusal);
+        return refused(service, request, refusal);
     } catch (const DatabaseError&) {
-        return refused(visit, Refusal(500, "database_unavailable"));
+        return refused(service, request, Refusal(500, "database_unavailable"));
     } catch (const std::exception&) {
-        return refused(visit, Refusal(500, "server_error"));
+        return refused(service, request, Refusal(500, "server_error"));
     }
 }

@@ -6,12 +6,12 @@
 
 namespace {
 
-constexpr int schemaVersion = 1;
+constexpr int schemaVersion = 2;
 
 // Times are milliseconds since 1970. Of secrets that open something only hashes are kept; the
 // identifiers of pages (pay, invoice, post) are kept as they are, for their links must be shown
 // again.
-constexpr std::array schema{
+constexpr std::array first{
     "CREATE TABLE account (id INTEGER PRIMARY KEY, public_id TEXT NOT NULL UNIQUE,"
     " email TEXT NOT NULL UNIQUE, full_name TEXT, password TEXT, created INTEGER NOT NULL) STRICT",
 
@@ -64,7 +64,15 @@ constexpr std::array schema{
     " created INTEGER NOT NULL, UNIQUE (account, request_id)) STRICT, WITHOUT ROWID",
 
     "CREATE TABLE setting (name TEXT PRIMARY KEY, value BLOB NOT NULL) STRICT, WITHOUT ROWID",
-    "PRAGMA user_version = 1",
+};
+
+constexpr std::array second{
+    // What was written for credits, for who asks again because the answer was lost.
+    "CREATE TABLE copy_result (account INTEGER NOT NULL REFERENCES account,"
+    " request_id TEXT NOT NULL, reply BLOB NOT NULL, created INTEGER NOT NULL,"
+    " PRIMARY KEY (account, request_id)) STRICT, WITHOUT ROWID",
+    "CREATE INDEX copy_result_age ON copy_result (created)",
+    "PRAGMA user_version = 2",
 };
 
 }    // namespace
@@ -74,9 +82,13 @@ void bringUpToDate(Transaction& transaction)
     Rows version = transaction.rows("PRAGMA user_version");
     const qint64 found = version.next() ? version.number(0) : 0;
     if (found > schemaVersion)
-        throw DatabaseError("written by a newer version");
-    if (found == schemaVersion)
-        return;
-    for (const char* statement : schema)
-        transaction.run(statement);
+        throw DatabaseError(DatabaseError::Kind::tooNew, "written by a newer version");
+    const auto take = [&](const auto& statements) {
+        for (const char* statement : statements)
+            transaction.run(statement);
+    };
+    if (found < 1)
+        take(first);
+    if (found < schemaVersion)
+        take(second);
 }

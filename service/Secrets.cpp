@@ -1,10 +1,11 @@
 #include "service/Secrets.h"
 
+#include "service/Turns.h"
+
 #include <sodium.h>
 
 #include <algorithm>
 #include <array>
-#include <semaphore>
 #include <stdexcept>
 
 namespace {
@@ -50,16 +51,16 @@ QByteArray passwordBytes(const QString& password)
 
 class HashingTurn {
 public:
-    HashingTurn() { turns().acquire(); }
-    ~HashingTurn() { turns().release(); }
+    HashingTurn() { turns().take(); }
+    ~HashingTurn() { turns().giveBack(); }
     HashingTurn(const HashingTurn&) = delete;
     HashingTurn& operator=(const HashingTurn&) = delete;
 
 private:
-    static std::counting_semaphore<hashingAtOnce>& turns()
+    static Turns& turns()
     {
-        static std::counting_semaphore<hashingAtOnce> free(hashingAtOnce);
-        return free;
+        static Turns turns(hashingAtOnce);
+        return turns;
     }
 };
 

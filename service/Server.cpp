@@ -1,90 +1,42 @@
 #include "service/Server.h"
 
-#include "platform/DecodeGate.h"
+#include "service/Connections.h"
+#include "service/MemoryGate.h"
 #include "service/PacedStream.h"
+#include "service/RequestParts.h"
 #include "service/Routes.h"
 #include "service/Service.h"
 #include "service/Texts.h"
 #include "service/Threads.h"
 #include "service/Visit.h"
 
-#include <QHostAddress>
-#include <QUrlQuery>
-
+#include <poll.h>
 #include <sys/socket.h>
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
-
-#include <map>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
-constexpr size_t mostThreads = 256;
-constexpr auto keepAlive = 1000ms, endingTime = 2000ms;
+constexpr size_t mostThreads = 256, mostWaiting = 256;
+constexpr auto keepAlive = 1000ms, endingTime = 2000ms, afterEnding = 1000ms;
+constexpr auto lookAround = 1000ms, retryPause = 10ms;
 constexpr int mostRequests = 1000;    // on one connection
 constexpr int waitingConnections = 512;
 constexpr qsizetype longestPath = 512;
 
 constexpr size_t largestBody = 161 << 20;
-constexpr qint64 receivedAtOnce = 384 << 20;    // bytes of bodies
-constexpr qint64 handledAtOnce = 256 << 20;
+// Bytes of bodies. Some is left for the one that is never kept waiting.
+constexpr qint64 receivedAtOnce = 256 << 20, handledAtOnce = 128 << 20;
 // A body is text, parsed text, a record and what the record holds.
-constexpr qint64 copiesOfBody = 6, smallBody = 1 << 20;
+constexpr qint64 copiesOfBody = 6, smallBody = 1 << 20, bodyStep = 1 << 20;
+constexpr auto waitForMemory = 20'000ms;
 
-// Which sockets are open, to end them.
-class Connections {
-public:
-    void add(socket_t socket)
-    {
-        change([&] { m_isBusy[socket] = false; });
-    }
-    void remove(socket_t socket)
-    {
-        change([&] { m_isBusy.erase(socket); });
-    }
-    void setBusy(socket_t socket, bool isBusy)
-    {
-        change([&] { m_isBusy[socket] = isBusy; });
-    }
-
-    void endIdle()
-    {
-        change([&] {
-            for (const auto& [socket, isBusy] : m_isBusy) {
-                if (!isBusy)
-                    ::shutdown(socket, SHUT_RDWR);
-            }
-        });
-    }
-    bool waitUntilNone(std::chrono::milliseconds time)
-    {
-        std::unique_lock lock(m_mutex);
-        return m_changed.wait_for(lock, time, [&] { return m_isBusy.empty(); });
-    }
-    void endAll()
-    {
-        change([&] {
-            for (const auto& [socket, isBusy] : m_isBusy)
-                ::shutdown(socket, SHUT_RDWR);
-        });
-    }
-
-private:
-    template <typename Change>
-    void change(Change&& apply)
-    {
-        const std::scoped_lock lock(m_mutex);
-        apply();
-        m_changed.notify_all();
-    }
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::map<socket_t, bool> m_isBusy;
-};
+// Of the request that the thread is at.
+thread_local socket_t servedSocket = INVALID_SOCKET;
 
 // The pieces of a large body are too small for the allocator to return by itself.
 void giveMemoryBack()
@@ -94,82 +46,20 @@ void giveMemoryBack()
 #endif
 }
 
-QString header(const httplib::Request& request, const char* name)
-{
-    return QString::fromStdString(request.get_header_value(name));
-}
-
-bool isType(const httplib::Request& request, const char* type)
-{
-    const QString given = header(request, "Content-Type").section(u';', 0, 0).trimmed().toLower();
-    return given == QLatin1String(type);
-}
-
-// Bytes of the body; nothing when the request contradicts itself, -1 when it comes in chunks.
-std::optional<qint64> announcedBody(const httplib::Request& request)
-{
-    const bool isChunked = request.has_header("Transfer-Encoding");
-    const auto lengths = request.get_header_value_count("Content-Length");
-    if (lengths > 1 || (isChunked && lengths > 0))
-        return std::nullopt;
-    if (isChunked)
-        return header(request, "Transfer-Encoding").toLower() == u"chunked" ? std::optional(-1)
-                                                                            : std::nullopt;
-    if (lengths == 0)
-        return 0;
-    bool isNumber = false;
-    const qint64 length = header(request, "Content-Length").toLongLong(&isNumber);
-    return isNumber && length >= 0 ? std::optional(length) : std::nullopt;
-}
-
-QHash<QByteArray, QByteArray> cookiesOf(const httplib::Request& request)
-{
-    QHash<QByteArray, QByteArray> cookies;
-    const auto [begin, end] = request.headers.equal_range("Cookie");
-    for (auto one = begin; one != end; ++one) {
-        for (const QByteArray& pair : QByteArray::fromStdString(one->second).split(';')) {
-            const qsizetype equals = pair.indexOf('=');
-            const QByteArray name = pair.left(equals).trimmed();
-            if (equals > 0 && !cookies.contains(name))
-                cookies.insert(name, pair.mid(equals + 1).trimmed());
-        }
-    }
-    return cookies;
-}
-
-QHash<QString, QString> fieldsOf(const QByteArray& encoded)
-{
-    QHash<QString, QString> fields;
-    const QUrlQuery query(QString::fromLatin1(encoded).replace(u'+', u"%20"_s));
-    for (const auto& [name, value] : query.queryItems(QUrl::FullyDecoded)) {
-        if (!fields.contains(name))
-            fields.insert(name, value);
-    }
-    return fields;
-}
-
-std::optional<ServiceMethod> methodOf(const httplib::Request& request)
-{
-    if (request.method == "GET" || request.method == "HEAD")
-        return ServiceMethod::get;
-    if (request.method == "POST")
-        return ServiceMethod::post;
-    return request.method == "PATCH" ? std::optional(ServiceMethod::patch) : std::nullopt;
-}
-
 }    // namespace
 
 class Server::Http final : public httplib::Server {
 public:
     Http(Service& service, const QString& host) : m_service(service), m_host(host)
     {
-        new_task_queue = [] { return std::make_unique<Threads>(mostThreads).release(); };
         // Without the library's choice to let two programs share a port.
         set_socket_options([](socket_t socket) {
             const int yes = 1;
             ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
         });
         set_tcp_nodelay(true);
+        set_keep_alive_timeout(keepAlive / 1s);
+        set_keep_alive_max_count(mostRequests);
         // The routes have limits of their own.
         set_payload_max_length(largestBody);
         set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& reply) {
@@ -204,50 +94,80 @@ public:
             return false;
         // The library lets five wait, and the system makes the sixth try again a second later.
         ::listen(svr_sock_, waitingConnections);
-        m_listening = std::thread([this] { listen_after_bind(); });
-        while (!is_running())
-            std::this_thread::sleep_for(1ms);
+        m_service.setAddress(address());
+        m_threads.emplace(mostThreads, mostWaiting);
+        m_listening = std::thread([this] { acceptAll(); });
         return true;
     }
 
-    void end()
+    // Whether nothing is under way any more.
+    bool end()
     {
-        if (!m_listening.joinable())
-            return;
-        m_service.isEnding() = true;
-        stop();
-        m_connections.endIdle();
-        if (!m_connections.waitUntilNone(endingTime))
-            m_connections.endAll();
-        m_listening.join();
+        if (m_listening.joinable()) {
+            m_service.isEnding() = true;
+            ::shutdown(svr_sock_, SHUT_RDWR);
+            m_listening.join();
+            ::close(svr_sock_.exchange(INVALID_SOCKET));
+            m_connections.endWaiting();
+            if (!m_connections.waitUntilNone(endingTime))
+                m_connections.endAll();
+        }
+        return m_connections.waitUntilNone(afterEnding);
     }
 
     int port() const { return m_port; }
     QString address() const
     {
-        const QString name = m_host.contains(u':') ? u"[%1]"_s.arg(m_host) : m_host;
+        const QString host = loopbackFor(m_host);
+        const QString name = host.contains(u':') ? u"[%1]"_s.arg(host) : host;
         return u"http://%1:%2"_s.arg(name).arg(m_port);
     }
 
 private:
-    // The library's own loop waits on each byte anew, for as long as they keep dropping in.
-    bool process_and_close_socket(socket_t socket) override
+    // Not the library's loop, which ends for good at any failure and knows nobody to refuse.
+    void acceptAll()
     {
-        m_connections.add(socket);
+        while (!m_service.isEnding()) {
+            pollfd poll{svr_sock_, POLLIN, 0};
+            if (::poll(&poll, 1, int(lookAround / 1ms)) <= 0)
+                continue;
+            const socket_t socket = ::accept(svr_sock_, nullptr, nullptr);
+            if (socket >= 0)
+                take(socket);
+            else
+                std::this_thread::sleep_for(retryPause);    // too many files, say
+        }
+    }
+
+    void take(socket_t socket)
+    {
+        std::string address;
+        int port = 0;
+        PacedStream(socket).get_remote_ip_and_port(address, port);
+        if (!m_connections.add(socket, address)) {
+            ::close(socket);
+        } else if (!m_threads->enqueue([this, socket] { serve(socket); })) {
+            m_connections.remove(socket);
+            ::close(socket);
+        }
+    }
+
+    // The library's own loop waits on each byte anew, for as long as they keep dropping in.
+    void serve(socket_t socket)
+    {
+        servedSocket = socket;
         PacedStream stream(socket);
         for (int left = mostRequests; left > 0 && !m_service.isEnding(); --left) {
             if (!stream.waitForRequest(keepAlive))
                 break;
-            m_connections.setBusy(socket, true);
             const bool mayGoOn = answerOne(stream, left == 1);
-            m_connections.setBusy(socket, false);
+            m_connections.setState(socket, Connections::State::waiting);
             if (!mayGoOn)
                 break;
         }
         stream.drain();
         m_connections.remove(socket);
         ::close(socket);
-        return true;
     }
 
     // Whether another request may follow on the connection.
@@ -260,6 +180,9 @@ private:
             process_request(stream, isLast, isClosed, [&](httplib::Request& request) {
                 stream.headHasEnded();
                 announced = announcedBody(request);
+                m_connections.setState(stream.socket(), announced == 0
+                                                            ? Connections::State::busy
+                                                            : Connections::State::receiving);
                 // The library would cut and pack answers as it is told, however hostile.
                 request.ranges.clear();
                 request.headers.erase("Accept-Encoding");
@@ -305,7 +228,10 @@ private:
         // A line end would also slip past the pattern of the handlers.
         if (result.path.size() > longestPath || !isPrintable(result.path))
             throw Refusal(404, "not_found");
-        result.base = u"http://"_s + ownHost(request);
+        const auto host = ownHost(request, m_host, m_port);
+        if (!host)
+            throw Refusal(403, "invalid_host");
+        result.base = u"http://"_s + *host;
         for (const auto& [name, value] : request.params) {
             const QString key = QString::fromStdString(name);
             if (!result.query.contains(key))
@@ -313,35 +239,15 @@ private:
         }
         result.cookies = cookiesOf(request);
         result.address = QString::fromStdString(request.remote_addr);
-        result.isLocal =
-            QHostAddress(result.address).isLoopback() || request.remote_addr == request.local_addr;
+        result.isLocal = [&request] { return isFromThisUser(request); };
         return result;
-    }
-
-    // As the client names us. A page of another site can make its own name lead to this machine,
-    // and would then be asked by the browser as if it were us.
-    QString ownHost(const httplib::Request& request) const
-    {
-        QString host = header(request, "Host").toLower();
-        const QUrl url(u"http://"_s + host, QUrl::StrictMode);
-        const QHostAddress address(url.host());
-        const QHostAddress told(m_host);
-        const bool isEverywhere = told == QHostAddress(QHostAddress::AnyIPv4) ||
-                                  told == QHostAddress(QHostAddress::AnyIPv6);
-        const bool isOurs = url.host() == u"localhost" || address.isLoopback() ||
-                            url.host() == m_host.toLower() || (isEverywhere && !address.isNull());
-        const bool isPlain = url.userInfo().isEmpty() && url.path().isEmpty() && !url.hasQuery() &&
-                             !url.hasFragment();
-        if (request.get_header_value_count("Host") != 1 || !isOurs || !isPlain ||
-            url.port(80) != m_port)
-            throw Refusal(403, "invalid_host");
-        return host;
     }
 
     // What other sites can have a browser send us comes as a form or with their origin.
     static void checkSource(const httplib::Request& request, const ServiceRequest& result)
     {
-        const QString origin = header(request, "Origin"), site = header(request, "Sec-Fetch-Site");
+        const QString origin = headerOf(request, "Origin"),
+                      site = headerOf(request, "Sec-Fetch-Site");
         const bool isForm = !isApi(result.path);
         if (!isType(request, isForm ? "application/x-www-form-urlencoded" : "application/json"))
             throw Refusal(415, "unsupported_media_type");
@@ -354,6 +260,13 @@ private:
             throw Refusal(403, "invalid_origin");
     }
 
+    ServiceReply refusedReply(const httplib::Request& request, const Refusal& refusal)
+    {
+        ServiceRequest asked;
+        asked.path = QString::fromStdString(request.path);
+        return refused(m_service, asked, refusal);
+    }
+
     bool answerWithoutBody(const httplib::Request& request, httplib::Response& reply)
     {
         try {
@@ -362,7 +275,7 @@ private:
                 return false;
             give(reply, answer(m_service, result));
         } catch (const Refusal& refusal) {
-            give(reply, refusalReply(refusal));
+            give(reply, refusedReply(request, refusal));
         }
         return true;
     }
@@ -377,43 +290,53 @@ private:
             const qint64 announced = *announcedBody(request);
             if (announced > largest)
                 throw Refusal(413, "too_large");
-            const qint64 expected = announced < 0 ? largest : announced;
-            const auto receiving = turn(m_receiving, expected, 1);
-            result.body = read(reader, announced, largest);
+            MemoryGate::Pass receiving(m_receiving), handling(m_handling);
+            result.body = read(reader, announced, largest, receiving);
+            receiving.settle();
+            m_connections.setState(servedSocket, Connections::State::busy);
             if (!isApi(result.path))
                 result.form = fieldsOf(result.body);
-            const auto handling = turn(m_handling, result.body.size(), copiesOfBody);
+            // Small ones never wait behind large ones.
+            if (result.body.size() > smallBody && !handling.grow(result.body.size() * copiesOfBody))
+                throw Refusal(503, "service_busy");
+            result.letGo = [&] {
+                result.body = {};
+                handling.letGo();
+            };
             give(reply, answer(m_service, result));
         } catch (const Refusal& refusal) {
-            give(reply, refusalReply(refusal));
+            give(reply, refusedReply(request, refusal));
         } catch (const DatabaseError&) {
-            give(reply, refusalReply(Refusal(500, "database_unavailable")));
+            give(reply, refusedReply(request, Refusal(500, "database_unavailable")));
         }
     }
 
-    // Small ones never wait behind large ones.
-    static std::optional<DecodeGate::Pass> turn(DecodeGate& gate, qint64 bytes, qint64 copies)
-    {
-        if (bytes <= smallBody)
-            return std::nullopt;
-        return gate.enter(bytes * copies);
-    }
-
-    static QByteArray read(const httplib::ContentReader& reader, qint64 announced, qint64 largest)
+    // Takes memory as the bytes come: who only announces many keeps nobody waiting.
+    static QByteArray read(const httplib::ContentReader& reader, qint64 announced, qint64 largest,
+                           MemoryGate::Pass& memory)
     {
         QByteArray body;
         if (announced == 0)
             return body;    // the library would read until the connection ends
         body.reserve(qsizetype(std::max<qint64>(announced, 0)));
-        bool isTooLarge = false;
+        bool isTooLarge = false, isRefused = false;
+        qint64 allowed = smallBody;
         const bool isWhole = reader([&](const char* data, size_t size) {
-            isTooLarge = body.size() + qint64(size) > largest;
-            if (!isTooLarge)
-                body.append(data, qsizetype(size));
-            return !isTooLarge;
+            const qint64 after = body.size() + qint64(size);
+            isTooLarge = after > largest;
+            while (!isTooLarge && !isRefused && after > allowed) {
+                isRefused = !memory.grow(bodyStep);
+                allowed += bodyStep;
+            }
+            if (isTooLarge || isRefused)
+                return false;
+            body.append(data, qsizetype(size));
+            return true;
         });
         if (isTooLarge)
             throw Refusal(413, "too_large");
+        if (isRefused)
+            throw Refusal(503, "service_busy");
         if (!isWhole)
             throw Refusal(400, "invalid_request", u"the body ended too soon"_s);
         return body;
@@ -424,7 +347,9 @@ private:
     int m_port = 0;
     std::thread m_listening;
     Connections m_connections;
-    DecodeGate m_receiving{receivedAtOnce}, m_handling{handledAtOnce};
+    MemoryGate m_receiving{receivedAtOnce, waitForMemory, m_service.isEnding()};
+    MemoryGate m_handling{handledAtOnce, waitForMemory, m_service.isEnding()};
+    std::optional<Threads> m_threads;    // the last, which goes first: its jobs use the others
 };
 
 Server::Server(Service& service, const QString& host)
@@ -452,7 +377,7 @@ QString Server::address() const
     return m_http->address();
 }
 
-void Server::stop()
+bool Server::stop()
 {
-    m_http->end();
+    return m_http->end();
 }

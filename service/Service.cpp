@@ -1,11 +1,14 @@
 #include "service/Service.h"
 
 #include "service/Accounts.h"
+#include "service/Http.h"
 #include "service/Ledger.h"
 #include "service/Secrets.h"
+#include "service/SocialPosts.h"
 
 #include <QDateTime>
 #include <QFile>
+#include <QHostAddress>
 
 using namespace Qt::StringLiterals;
 
@@ -39,11 +42,13 @@ Service::Service(const ServiceSettings& settings)
       m_database(QDir(m_settings.dataFolder).filePath(u"servicio.sqlite"_s))
 {
     // What a crash left half-looked at.
-    QDir(QDir(m_settings.dataFolder).filePath(u"temporal"_s)).removeRecursively();
+    const QDir data(m_settings.dataFolder);
+    QDir(data.filePath(u"temporal"_s)).removeRecursively();
     Transaction transaction(m_database);
     if (!ledgerAddsUp(transaction))
-        throw DatabaseError("the ledger does not add up");
+        throw DatabaseError(DatabaseError::Kind::wrongSums, "the ledger does not add up");
     m_formKey = keptFormKey(transaction);
+    dropUnrecordedPosts(transaction, QDir(data.filePath(u"publicaciones"_s)));
     transaction.commit();
 }
 
@@ -55,7 +60,13 @@ bool Service::isAdministrator(const QString& email) const
 QDir Service::folder(const QString& name) const
 {
     const QDir data(m_settings.dataFolder);
-    data.mkpath(name);
-    QFile::setPermissions(data.filePath(name), ownerOnly);
+    data.mkdir(name, ownerOnly);
     return QDir(data.filePath(name));
+}
+
+void Service::countAddress(const QString& address)
+{
+    Attempts& attempts = QHostAddress(address).isLoopback() ? m_ownAttempts : m_addressAttempts;
+    if (!attempts.allow(address, now()))
+        throw Refusal(429, "too_many_attempts");
 }

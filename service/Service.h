@@ -29,10 +29,17 @@ public:
     bool isAdministrator(const QString& email) const;
     const QByteArray& formKey() const { return m_formKey; }
 
+    // Where programs of this machine find the service; before the first request comes.
+    void setAddress(const QString& address) { m_address = address; }
+    const QString& address() const { return m_address; }
+
+    // Counts what costs a password's hash, or an account, and comes from an address. Throws
+    // Refusal when it is too much.
+    void countAddress(const QString& address);
     Attempts& signInAttempts() { return m_signInAttempts; }
     Attempts& resetAttempts() { return m_resetAttempts; }
 
-    // Made when it is missing; only the user may enter.
+    // Made when it is missing, and then only the user may enter.
     QDir folder(const QString& name) const;
     const QString& dataFolder() const { return m_settings.dataFolder; }
 
@@ -43,6 +50,9 @@ private:
     ServiceSettings m_settings;
     Database m_database;
     QByteArray m_formKey;
+    QString m_address;
+    // All programs of this machine share an address.
+    Attempts m_addressAttempts{60, 60 * 60 * 1000}, m_ownAttempts{1200, 60 * 60 * 1000};
     Attempts m_signInAttempts{10, 10 * 60 * 1000};
     Attempts m_resetAttempts{5, 15 * 60 * 1000};
     std::atomic_bool m_isEnding = false;

@@ -57,21 +57,22 @@ void endSessions(Transaction& transaction, qint64 account, QByteArrayView except
 }
 
 QByteArray givePass(Transaction& transaction, PassPurpose purpose, qint64 account,
-                    const QString& detail, qint64 expires)
+                    const QString& detail, PassTime time)
 {
+    transaction.run("DELETE FROM pass WHERE expires <= ?", {time.now});
     QByteArray token = newToken();
     transaction.run(
         "INSERT INTO pass (hash, purpose, account, detail, expires) VALUES (?, ?, ?, ?, ?)",
-        {tokenHash(token), storedName(purpose), account, detail, expires});
+        {tokenHash(token), storedName(purpose), account, detail, time.now + time.life});
     return token;
 }
 
 std::optional<Pass> lookAtPass(Transaction& transaction, PassPurpose purpose, QByteArrayView token,
                                qint64 now)
 {
-    transaction.run("DELETE FROM pass WHERE expires <= ?", {now});
-    Rows found = transaction.rows("SELECT account, detail FROM pass WHERE hash = ? AND purpose = ?",
-                                  {tokenHash(token), storedName(purpose)});
+    Rows found = transaction.rows("SELECT account, detail FROM pass WHERE hash = ? AND purpose = ?"
+                                  " AND expires > ?",
+                                  {tokenHash(token), storedName(purpose), now});
     if (!found.next())
         return std::nullopt;
     return Pass{found.number(0), found.text(1)};

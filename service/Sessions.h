@@ -28,9 +28,13 @@ struct Pass {
     QString detail;
 };
 
+struct PassTime {
+    qint64 now = 0, life = 0;    // ms
+};
+
 // Gives the token, of which only the hash is kept.
 QByteArray givePass(Transaction& transaction, PassPurpose purpose, qint64 account,
-                    const QString& detail, qint64 expires);
+                    const QString& detail, PassTime time);
 std::optional<Pass> lookAtPass(Transaction& transaction, PassPurpose purpose, QByteArrayView token,
                                qint64 now);
 // The same, and it is used up.

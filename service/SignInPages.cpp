@@ -11,13 +11,6 @@ namespace {
 
 constexpr qint64 desktopLife = 5 * 60 * 1000;    // ms
 
-Html problem(const QString& sentence)
-{
-    return sentence.isEmpty()
-               ? Html{}
-               : tag("p", text(sentence), {{"class", u"mal"_s}, {"role", u"alert"_s}});
-}
-
 Attributes newPassword()
 {
     return {{"type", u"password"_s},
@@ -91,6 +84,7 @@ ServiceReply resetSent(Visit& visit)
         return resetForm(visit, token, u"La contraseña necesita al menos 8 caracteres."_s);
     if (password != sent.value(u"repetida"_s))
         return resetForm(visit, token, u"Las dos contraseñas no son iguales."_s);
+    service.countAddress(visit.request.address);
     const QByteArray hash = hashedPassword(password);
     Transaction transaction(service.database());
     const auto pass =
@@ -128,7 +122,7 @@ ServiceReply googleSent(Visit& visit)
     const auto known = accountWithEmail(transaction, *email);
     const Account account = known ? *known : addAccount(transaction, *email, {}, service.now());
     const QByteArray token = givePass(transaction, PassPurpose::desktopSignIn, account.id, {},
-                                      service.now() + desktopLife);
+                                      {service.now(), desktopLife});
     transaction.commit();
     return deepLinkPage(
         visit, u"Acceso preparado"_s,

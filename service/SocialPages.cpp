@@ -26,13 +26,6 @@ Html mark()
     return paragraph(u"Conexión de prueba: no se entra en ninguna red social"_s, u"aviso"_s);
 }
 
-Html problem(const QString& sentence)
-{
-    return sentence.isEmpty()
-               ? Html{}
-               : tag("p", text(sentence), {{"class", u"mal"_s}, {"role", u"alert"_s}});
-}
-
 Html nameField(const QString& value)
 {
     return field(u"nombre"_s, u"Nombre de la cuenta que se mostrará"_s,
@@ -131,6 +124,7 @@ std::optional<Account> credentialsAccount(Visit& visit)
 {
     const auto& sent = visit.request.form;
     const auto email = normalizedEmail(sent.value(u"email"_s));
+    visit.service.countAddress(visit.request.address);
     const QString key = visit.request.address + u' ' + email.value_or(QString());
     if (!email || !visit.service.signInAttempts().allow(key, visit.service.now()))
         return std::nullopt;
@@ -195,6 +189,7 @@ ServiceReply basicConnectSent(Visit& visit)
                          u"El email o la contraseña no son correctos, o has probado demasiadas "
                          "veces."_s);
     Transaction transaction(visit.service.database());
+    needUnchanged(transaction, *account);
     if (!connect(transaction, account->id, network, visit.request.form.value(u"nombre"_s),
                  visit.service.now()))
         return basicForm(visit, network, QString::fromUtf8(wrongName));

@@ -10,6 +10,9 @@
 #include <QFile>
 #include <QScopeGuard>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -63,19 +66,29 @@ QString connectedName(Transaction& transaction, qint64 account, const QString& n
     return found.text(0);
 }
 
+bool syncFolder(const QString& path)
+{
+    const int folder = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY);
+    const bool isSynced = folder >= 0 && ::fsync(folder) == 0;
+    if (folder >= 0)
+        ::close(folder);
+    return isSynced;
+}
+
+// On the disk by the end, as the row that will speak of them.
 void writeImages(const QDir& posts, const QString& id, const QList<SocialPublishImage>& images)
 {
-    posts.mkpath(id);
-    QFile::setPermissions(posts.filePath(id),
-                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    for (qsizetype i = 0; i < images.size(); ++i) {
+    constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
+    bool isWritten = posts.mkdir(id, owner | QFile::ExeOwner);
+    for (qsizetype i = 0; i < images.size() && isWritten; ++i) {
         QFile file(imagePath(posts, id, int(i)));
         const QByteArray& bytes = images[i].dataBase64;
-        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly,
-                       QFile::ReadOwner | QFile::WriteOwner) ||
-            file.write(bytes) != bytes.size() || !file.flush())
-            throw Refusal(500, "social_upload_failed");
+        isWritten = file.open(QIODevice::WriteOnly | QIODevice::NewOnly, owner) &&
+                    file.write(bytes) == bytes.size() && file.flush() &&
+                    ::fsync(file.handle()) == 0;
     }
+    if (!isWritten || !syncFolder(posts.filePath(id)) || !syncFolder(posts.path()))
+        throw Refusal(500, "social_upload_failed");
 }
 
 QString typesOf(const QList<SocialPublishImage>& images)
@@ -188,4 +201,12 @@ std::optional<SocialPost> postWithId(Transaction& transaction, const QString& id
 QString imagePath(const QDir& posts, const QString& id, int index)
 {
     return posts.filePath(u"%1/%2"_s.arg(id).arg(index + 1));
+}
+
+void dropUnrecordedPosts(Transaction& transaction, const QDir& posts)
+{
+    for (const QString& id : posts.entryList(QDir::Dirs | QDir::NoSymLinks)) {
+        if (looksLikeToken(id.toUtf8()) && !postWithId(transaction, id))
+            QDir(posts.filePath(id)).removeRecursively();
+    }
 }

@@ -35,4 +35,6 @@ QList<SocialNetworkConnection> connections(Transaction& transaction, qint64 acco
 QString publish(Service& service, qint64 account, const SocialPublishRequest& request);
 
 std::optional<SocialPost> postWithId(Transaction& transaction, const QString& id);
+// Removes what a post left that was never finished.
+void dropUnrecordedPosts(Transaction& transaction, const QDir& posts);
 QString imagePath(const QDir& posts, const QString& id, int index);

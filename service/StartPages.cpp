@@ -3,6 +3,8 @@
 #include "service/Service.h"
 #include "service/Visit.h"
 
+#include <QRegularExpression>
+
 using namespace Qt::StringLiterals;
 using namespace html;
 
@@ -15,12 +17,14 @@ Html mailRow(const MailEntry& mail)
                    tag("div", text(u"%1 · %2"_s.arg(mail.to, mail.date)), {{"class", u"nota"_s}}));
 }
 
-// The addresses in our mails stand on lines of their own.
+// The addresses in our mails stand on lines of their own. The service may have another port by now.
 Html mailText(const MailEntry& mail, const QString& base)
 {
+    static const QRegularExpression ours(u"^http://[^/]+(/restablecer\\?token=[A-Za-z0-9_-]+)$"_s);
     Html all;
     for (const QString& line : mail.text.split(u'\n')) {
-        all = all + (line.startsWith(base + u'/') ? link(line, line) : text(line)) + Html{u"\n"_s};
+        const QString path = ours.match(line).captured(1);
+        all = all + (path.isEmpty() ? text(line) : link(base + path, base + path)) + Html{u"\n"_s};
     }
     return tag("pre", all, {{"class", u"texto"_s}});
 }
@@ -40,7 +44,7 @@ ServiceReply startPage(Visit& visit)
         paragraph(u"Las cuentas nuevas reciben un saldo local de prueba de 10000 créditos. Los "
                   "pagos son de prueba: no se cobra nada. Las publicaciones se guardan aquí y no "
                   "llegan a ninguna red social."_s);
-    if (visit.request.isLocal) {
+    if (visit.request.isLocal()) {
         content =
             content + tag("h2", text(u"Dónde están los datos"_s)) +
             tag("pre", text(visit.service.dataFolder())) + tag("h2", text(u"Correo"_s)) +

@@ -1,16 +1,25 @@
 #include "service/Threads.h"
 
-void Threads::enqueue(std::function<void()> job)
+#include <system_error>
+
+bool Threads::enqueue(std::function<void()> job)
 {
     const std::scoped_lock lock(m_mutex);
+    if (m_jobs.size() >= m_mostWaiting)
+        return false;
     m_jobs.push_back(std::move(job));
-    if (m_jobs.size() > m_idle && m_threads.size() < m_most)
-        m_threads.emplace_back(&Threads::work, this);
-    else
-        m_changed.notify_one();
+    if (m_jobs.size() > m_idle && m_threads.size() < m_most) {
+        try {
+            m_threads.emplace_back(&Threads::work, this);
+        } catch (const std::system_error&) {
+            // The system gives no more: the job waits for one of those that there are.
+        }
+    }
+    m_changed.notify_one();
+    return true;
 }
 
-void Threads::shutdown()
+Threads::~Threads()
 {
     {
         const std::scoped_lock lock(m_mutex);

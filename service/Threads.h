@@ -2,24 +2,27 @@
 
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <mutex>
+#include <thread>
 #include <vector>
-
-#include <httplib.h>
 
 // One connection holds one thread. A new one is started when all are held, so that some idle or
 // slow connections do not make the next one wait.
-class Threads final : public httplib::TaskQueue {
+class Threads {
 public:
-    explicit Threads(size_t most) : m_most(most) {}
+    Threads(size_t most, size_t mostWaiting) : m_most(most), m_mostWaiting(mostWaiting) {}
+    ~Threads();    // waits for all
+    Threads(const Threads&) = delete;
+    Threads& operator=(const Threads&) = delete;
 
-    void enqueue(std::function<void()> job) override;
-    void shutdown() override;    // waits for all
+    // Whether it was taken; not when too many wait already.
+    bool enqueue(std::function<void()> job);
 
 private:
     void work();
 
-    const size_t m_most;
+    const size_t m_most, m_mostWaiting;
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<std::function<void()>> m_jobs;

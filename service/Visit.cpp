@@ -41,8 +41,7 @@ ServiceReply pageReply(const Visit& visit, const QString& title, const Html& con
         tag("title", text(title + u" · Moltiva"_s));
     const Html banner = tag("header", link(u"/"_s, u"Moltiva"_s, u"marca"_s) +
                                           tag("span", text(u"Servicio local"_s)));
-    const Html body =
-        tag("body", banner + tag("main", tag("h1", text(title)) + content, {{"id", u"main"_s}}));
+    const Html body = tag("body", banner + tag("main", tag("h1", text(title)) + content));
     ServiceReply reply;
     reply.status = status;
     reply.type = "text/html; charset=utf-8";
@@ -109,6 +108,6 @@ ServiceReply sentencePage(const Visit& visit, int status, const QString& title,
 
 void needThisMachine(const Visit& visit)
 {
-    if (!visit.request.isLocal)
+    if (!visit.request.isLocal())
         throw Refusal(403, "not_local", u"only from the machine that the service runs on"_s);
 }

@@ -42,7 +42,7 @@ Record wireBody(const Visit& visit, const char* code = "invalid_request")
 ServiceReply okReply();
 ServiceReply refusalReply(const Refusal& refusal);
 
-// A page of our own look. `kind` widens it for pictures.
+// A page of our own look.
 ServiceReply pageReply(const Visit& visit, const QString& title, const Html& content,
                        int status = 200);
 ServiceReply seeOther(const QString& path);

@@ -99,10 +99,9 @@ Wish readOptions(const QStringList& arguments, Options& options)
 
 bool preparePrivately(const QString& folder)
 {
+    // What there is already stays as its owner wanted it.
     ::umask(077);
-    if (!QDir().mkpath(folder))
-        return false;
-    return QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return QDir().mkpath(folder);
 }
 
 bool somebodyAnswers(const QString& folder)
@@ -171,7 +170,22 @@ void keepPort(const QString& file, int port)
         kept.write(QByteArray::number(port) + '\n');
 }
 
-int serve(QCoreApplication& application, const Options& options)
+QString sentence(const DatabaseError& error, const QString& folder)
+{
+    switch (error.kind()) {
+    case DatabaseError::Kind::tooNew:
+        return u"los datos de %1 son de una versión más nueva."_s.arg(folder);
+    case DatabaseError::Kind::wrongSums:
+        return u"los créditos de la base de datos de %1 no cuadran: alguien la ha cambiado."_s.arg(
+            folder);
+    case DatabaseError::Kind::failed:
+        break;
+    }
+    return u"no se puede abrir la base de datos de %1: está dañada, en uso o sin permiso."_s.arg(
+        folder);
+}
+
+int serve(QCoreApplication& application, QLockFile& lock, const Options& options)
 {
     const QString folder = QDir(options.data).canonicalPath();
     Service service({.dataFolder = folder, .administrator = options.administrator, .now = {}});
@@ -197,8 +211,13 @@ int serve(QCoreApplication& application, const Options& options)
 
     const int result = QCoreApplication::exec();
     rendezvous.close();    // who comes now must find nobody and start another
-    server.stop();
+    const bool hasEnded = server.stop();
     service.database().checkpoint();
+    // Who waits for the next start has not all day, and what was acknowledged is on the disk.
+    if (!hasEnded) {
+        lock.unlock();
+        ::_exit(result);
+    }
     return result;
 }
 
@@ -243,9 +262,9 @@ int main(int argc, char** argv)
         return exitFailed;
     }
     try {
-        return serve(application, options);
+        return serve(application, lock, options);
     } catch (const DatabaseError& error) {
-        tell(u"no se puede abrir la base de datos: %1."_s.arg(QString::fromUtf8(error.what())));
+        tell(sentence(error, options.data));
         return exitFailed;
     }
 }

@@ -1,11 +1,14 @@
 #include "tests/service/TestService.h"
 
 #include "model/GeneratedCopy.h"
+#include "service/Routes.h"
 
 #include <QBuffer>
 #include <QImage>
 
 #include <gtest/gtest.h>
+
+#include <future>
 
 using namespace Qt::StringLiterals;
 using Json = TestService::Json;
@@ -231,6 +234,8 @@ TEST(Endpoints, copyComesFromTheProviderForReservedCreditsOnly)
     service.signUp();
     const auto generate = "/api/publicaciones/generate";
     EXPECT_EQ(service.post(generate, copyOrder("a")).error(), "credit_not_reserved");
+    service.post(reserve, {{"cost", 9}, {"requestId", "cheap"}});
+    EXPECT_EQ(service.post(generate, copyOrder("cheap")).error(), "credit_not_reserved");
     service.post(reserve, {{"cost", 10}, {"requestId", "a"}});
     const auto changed = [](const char* key, const Json& value) {
         Json order = copyOrder("a");
@@ -251,6 +256,13 @@ TEST(Endpoints, copyComesFromTheProviderForReservedCreditsOnly)
     httplib::Server provider;
     std::string answer = "nada";
     Json asked;
+    std::promise<void> arrived;
+    provider.Post("/mudo/chat/completions", [&](const auto&, auto&) {
+        arrived.set_value();
+        while (!service.service().isEnding())
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        std::this_thread::sleep_for(std::chrono::seconds(3));
+    });
     provider.Post("/v1/chat/completions", [&](const auto& request, auto& reply) {
         asked = Json::parse(request.body);
         asked["key"] = request.get_header_value("Authorization");
@@ -265,9 +277,32 @@ TEST(Endpoints, copyComesFromTheProviderForReservedCreditsOnly)
              "\"callToAction\":\"Compra ya\",\"publicationCaption\":\"C\"}\n```";
     EXPECT_EQ(service.post(generate, changed("format", "Post cuadrado")).json()["copy"]["title"],
               "T");
+    answer = "otra cosa";
+    EXPECT_EQ(service.post(generate, copyOrder("a")).json()["copy"]["title"], "T")
+        << "asked again, it is what was made";
     EXPECT_EQ(asked["key"], "Bearer llave");
     EXPECT_EQ(asked["messages"][0]["content"][1]["image_url"]["url"],
               "data:image/png;base64," + picture("png"));
+
+    service.provider.address = u"http://127.0.0.1:%1/mudo"_s.arg(port);
+    service.post(reserve, {{"cost", 10}, {"requestId", "b"}});
+    ServiceRequest request{
+        .method = ServiceMethod::post,
+        .path = QString::fromLatin1(generate),
+        .base = {},
+        .query = {},
+        .form = {},
+        .cookies = {{"tallerio_session", service.cookies["tallerio_session"].c_str()}},
+        .body = QByteArray::fromStdString(copyOrder("b").dump())};
+    std::atomic_bool hasLetGo = false;
+    request.letGo = [&] { hasLetGo = true; };
+    auto waiting =
+        std::async(std::launch::async, [&] { return ::answer(service.service(), request).status; });
+    arrived.get_future().wait();
+    EXPECT_TRUE(hasLetGo) << "others must not wait for the provider";
+    service.service().isEnding() = true;
+    EXPECT_EQ(waiting.wait_for(std::chrono::seconds(2)), std::future_status::ready);
+    EXPECT_EQ(waiting.get(), 502);
     provider.stop();
     serving.join();
 }
@@ -290,8 +325,25 @@ TEST(Endpoints, postsAreCheckedAndPublishedOnce)
     const std::string page = token["url"].get<std::string>().substr(service.address().size());
     EXPECT_EQ(service.fill(page, page, {{"accion", "conectar"}, {"nombre", "Sol"}}).status, 200);
     EXPECT_EQ(service.get(page).status, 404) << "an invitation is used once";
+    EXPECT_EQ(service.get("/api/social/connect?network=x").header("Content-Type"),
+              "text/html; charset=utf-8");
+    const auto connect = [&](const char* network, const char* action, const char* word) {
+        return service
+            .fill(std::string("/api/social/connect?client=x&network=") + network, "/conexion",
+                  {{"red", network},
+                   {"accion", action},
+                   {"email", "ana@ejemplo.es"},
+                   {"clave", word},
+                   {"nombre", "Luna"}})
+            .status;
+    };
+    EXPECT_EQ(connect("facebook", "conectar", "otra"), 400);
+    EXPECT_EQ(connect("facebook", "cancelar", TestService::password), 200);
+    EXPECT_EQ(service.post(publish, post("facebook", "f")).error(), "social_account_not_connected");
+    EXPECT_EQ(connect("facebook", "conectar", TestService::password), 200);
     const Json networks = service.get("/api/social/status").json()["networks"];
-    EXPECT_TRUE(networks[0]["displayName"] == "Sol" && networks[1]["isConnected"] == false);
+    EXPECT_TRUE(networks[0]["displayName"] == "Sol" && networks[1]["displayName"] == "Luna" &&
+                networks[2]["isConnected"] == false);
 
     Json images = post("instagram", "a")["images"];
     const auto with = [&](const std::string& type, const std::string& data) {
@@ -302,12 +354,18 @@ TEST(Endpoints, postsAreCheckedAndPublishedOnce)
     Json eleven = Json::array();
     for (int i = 0; i < 11; ++i)
         eleven.push_back(images[0]);
+    Json storyOnFacebook = post("facebook", "s"), tenOnLinkedIn = post("linkedin", "l");
+    storyOnFacebook["placement"] = "story";
+    tenOnLinkedIn["images"] = eleven;
+    tenOnLinkedIn["images"].erase(0);
     const auto wrongRequest = "invalid_social_publish_request";
     const auto wrongImage = "invalid_social_publish_image";
     expectRefused(
         service, {{publish, changed("images", Json::array()), 400, wrongRequest},
                   {publish, changed("images", eleven), 400, wrongRequest},
                   {publish, changed("placement", "reel"), 400, wrongRequest},
+                  {publish, storyOnFacebook, 400, wrongRequest},
+                  {publish, tenOnLinkedIn, 400, wrongRequest},
                   {publish, changed("requestId", ""), 400, wrongRequest},
                   {publish, changed("caption", std::string(63'207, 'a')), 400, wrongRequest},
                   {publish, changed("images", with("image/png", "no es base64")), 400, wrongImage},
@@ -318,11 +376,11 @@ TEST(Endpoints, postsAreCheckedAndPublishedOnce)
                    wrongImage}});
     const Json made = service.post(publish, post("instagram", "a")).json();
     EXPECT_EQ(service.post(publish, post("instagram", "a")).json(), made);
-    EXPECT_EQ(service.folder().entryList({u"publicaciones"_s}).size(), 1);
-    EXPECT_EQ(QDir(service.folder().filePath(u"publicaciones"_s))
-                  .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
-                  .size(),
-              1);
+    const QDir posts(service.folder().filePath(u"publicaciones"_s));
+    EXPECT_TRUE(posts.mkdir(QString(43, u'a'))) << "as a crash leaves one";
+    const Service restarted(
+        {.dataFolder = service.folder().path(), .administrator = {}, .now = {}});
+    EXPECT_EQ(posts.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 1);
     const std::string shown = made["url"].get<std::string>().substr(service.address().size());
     EXPECT_EQ(service.get(shown + "/2").header("Content-Type"), "image/jpeg");
     for (const char* path : {"/0", "/3", "/-1", "/x", "/..%2f1"})

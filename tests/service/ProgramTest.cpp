@@ -23,7 +23,13 @@ bool hasEnded(QProcess& program)
 class ProgramTest : public testing::Test {
 protected:
     void SetUp() override { qputenv("XDG_RUNTIME_DIR", m_runtime.path().toLocal8Bit()); }
-    void TearDown() override { qunsetenv("XDG_RUNTIME_DIR"); }
+    void TearDown() override
+    {
+        if (m_before.isNull())
+            qunsetenv("XDG_RUNTIME_DIR");
+        else
+            qputenv("XDG_RUNTIME_DIR", m_before);
+    }
 
     void start(QProcess& program, const QStringList& more = {})
     {
@@ -32,6 +38,7 @@ protected:
     }
     QString data() const { return m_data.filePath(u"datos"_s); }
 
+    const QByteArray m_before = qgetenv("XDG_RUNTIME_DIR");
     QTemporaryDir m_runtime, m_data;
 };
 
@@ -87,6 +94,32 @@ TEST_F(ProgramTest, endsWhenNobodyEverComes)
     EXPECT_TRUE(unused.wait(5000));
 }
 
+TEST_F(ProgramTest, whoVanishesAtOnceIsCountedOnce)
+{
+    const QString path = m_runtime.filePath(u"punto"_s);
+    Rendezvous rendezvous(path, "x\n", {.first = 60'000, .after = 50});
+    QSignalSpy unused(&rendezvous, &Rendezvous::unused);
+    const auto visit = [&](QLocalSocket& visitor) {
+        visitor.connectToServer(path);
+        EXPECT_TRUE(visitor.waitForConnected());
+    };
+    for (int round = 0; round < 2; ++round) {
+        QLocalSocket held;
+        visit(held);
+        for (int i = 0; i < 10; ++i) {
+            QLocalSocket vanishing;
+            visit(vanishing);
+            vanishing.abort();
+            if (i % 2 == 0)
+                QTest::qWait(5);
+        }
+        EXPECT_FALSE(unused.wait(500)) << "somebody is still there";
+        held.abort();
+        EXPECT_TRUE(unused.wait(5000));
+        unused.clear();
+    }
+}
+
 TEST_F(ProgramTest, refusesWrongUseAndFoldersItCannotUse)
 {
     for (const QStringList& wrong :
@@ -97,6 +130,8 @@ TEST_F(ProgramTest, refusesWrongUseAndFoldersItCannotUse)
         EXPECT_EQ(program.exitCode(), 2) << qPrintable(wrong.join(u' '));
     }
     QDir().mkpath(data());
+    const auto shared = QFile::permissions(data()) | QFile::ReadGroup | QFile::ExeGroup;
+    QFile::setPermissions(data(), shared);
     QFile broken(data() + u"/servicio.sqlite"_s);
     ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
     broken.write(QByteArray(5000, 'x'));
@@ -105,4 +140,5 @@ TEST_F(ProgramTest, refusesWrongUseAndFoldersItCannotUse)
     start(program);
     EXPECT_TRUE(hasEnded(program));
     EXPECT_EQ(program.exitCode(), 1);
+    EXPECT_EQ(QFile::permissions(data()), shared) << "a folder of the user's stays as it was";
 }

@@ -5,6 +5,7 @@
 
 #include <QTemporaryDir>
 
+#include <gtest/gtest.h>
 #include <httplib.h>
 #include <nlohmann/json.hpp>
 
@@ -26,14 +27,14 @@ public:
         }
     };
 
-    TestService()
+    explicit TestService(const QString& host = QStringLiteral("127.0.0.1"))
         : m_service({.dataFolder = m_folder.path(),
                      .administrator = QStringLiteral("Jefa@Ejemplo.es"),
                      .copyProvider = [this] { return provider; },
                      .now = [this] { return now.load(); }}),
-          m_server(m_service, QStringLiteral("127.0.0.1"))
+          m_server(m_service, host)
     {
-        m_server.start(0);
+        EXPECT_TRUE(m_server.start(0));
     }
 
     int port() const { return m_server.port(); }

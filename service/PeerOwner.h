@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QHostAddress>
+
+struct Peer {
+    QHostAddress address;
+    int port = 0;
+};
+
+// Whether the other side of a connection on this machine is a program of the user that we run as.
+// Always, where the system does not tell.
+bool isOwnProgram(const Peer& theirs, const Peer& ours);

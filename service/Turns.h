@@ -1,0 +1,34 @@
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+
+// Lets so many do something at once. Not the semaphore of the library: in the one of GCC 12 a
+// waiter can miss that it is its turn.
+class Turns {
+public:
+    explicit Turns(int free) : m_free(free) {}
+
+    void take()    // waits
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [&] { return m_free > 0; });
+        --m_free;
+    }
+    bool tryTake()
+    {
+        const std::scoped_lock lock(m_mutex);
+        return m_free > 0 && m_free-- > 0;
+    }
+    void giveBack()
+    {
+        const std::scoped_lock lock(m_mutex);
+        ++m_free;
+        m_changed.notify_one();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    int m_free;
+};
