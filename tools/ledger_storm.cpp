@@ -3,7 +3,8 @@
 //
 //     ledger_storm SERVICE_PROGRAM [--seconds 60] [--clients 32] [--kill]
 //
-// --kill ends the service without warning in the middle and starts it again on the same data.
+// --kill ends the service without warning at random moments, some five seconds apart, and starts it
+// again on the same data each time.
 
 #include "account/AccountRecords.h"
 
@@ -15,6 +16,7 @@
 
 #include <cstdio>
 #include <map>
+#include <optional>
 #include <random>
 #include <thread>
 
@@ -241,6 +243,31 @@ struct Options {
     bool kill = false;
 };
 
+// How often the service was killed; nothing when it did not come back.
+std::optional<int> waitOut(const Options& options, RunningService& service)
+{
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::seconds(options.seconds);
+    if (!options.kill) {
+        std::this_thread::sleep_until(end);
+        return 0;
+    }
+    std::mt19937 random(std::random_device{}());
+    const int apart = std::min(5000, options.seconds * 1000 / 3);    // ms
+    std::uniform_int_distribution<int> pause(apart / 2, apart * 3 / 2);
+    int kills = 0;
+    while (true) {
+        const auto next = Clock::now() + std::chrono::milliseconds(pause(random));
+        std::this_thread::sleep_until(std::min(next, end));
+        if (next >= end)
+            return kills;
+        service.kill();
+        ++kills;
+        if (!service.start())
+            return std::nullopt;
+    }
+}
+
 int run(const Options& options)
 {
     const QTemporaryDir data;
@@ -255,18 +282,11 @@ int run(const Options& options)
     std::vector<std::thread> clients;
     for (unsigned i = 0; i < unsigned(options.clients); ++i)
         clients.emplace_back([&, i] { tallies[i] = storm(service, cookie, i, isOver); });
-    const auto half = std::chrono::milliseconds(options.seconds * 500);
-    std::this_thread::sleep_for(half);
-    bool isBack = true;
-    if (options.kill) {
-        service.kill();
-        isBack = service.start();
-    }
-    std::this_thread::sleep_for(half);
+    const std::optional<int> kills = waitOut(options, service);
     isOver = true;
     for (std::thread& client : clients)
         client.join();
-    const int reported = isBack ? reportedBalance(service, cookie) : -1;
+    const int reported = kills ? reportedBalance(service, cookie) : -1;
     const bool endedWell = service.end();
 
     const QList<Entry> entries = ledger(data.filePath(u"servicio.sqlite"_s));
@@ -287,11 +307,11 @@ int run(const Options& options)
         all += count;
     }
     std::printf("%d clients, %d s: %.0f requests/s, %lld acknowledged, %lld entries, balance %d, "
-                "%d violations%s\n",
+                "%d kills, %d violations%s\n",
                 options.clients, options.seconds, double(all) / options.seconds,
-                qlonglong(acknowledged), qlonglong(entries.size()), reported, judge.violations(),
-                endedWell ? "" : ", the service did not end well");
-    return judge.violations() == 0 && endedWell && acknowledged > 0 ? 0 : 1;
+                qlonglong(acknowledged), qlonglong(entries.size()), reported, kills.value_or(-1),
+                judge.violations(), endedWell ? "" : ", the service did not end well");
+    return judge.violations() == 0 && kills && endedWell && acknowledged > 0 ? 0 : 1;
 }
 
 }    // namespace

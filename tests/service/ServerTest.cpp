@@ -143,12 +143,14 @@ TEST(Server, heardEverywhereItTakesNoForeignNames)
     for (const char* host :
          {"192.0.2.1:PORT", "0.0.0.0:PORT", "[2001:db8::1]:PORT", "malo.example"})
         EXPECT_EQ(
-            statusOf(raw(service, QByteArray("GET / HTTP/1.1\r\nHost: ") + host + "\r\n\r\n")),
+            statusOf(raw(service, QByteArray("GET / HTTP/1.1\r\nConnection: close\r\nHost: ") +
+                                      host + "\r\n\r\n")),
             "403")
             << host;
     for (const char* host : {"localhost:PORT", "127.0.0.1:PORT"})
         EXPECT_EQ(
-            statusOf(raw(service, QByteArray("GET / HTTP/1.1\r\nHost: ") + host + "\r\n\r\n")),
+            statusOf(raw(service, QByteArray("GET / HTTP/1.1\r\nConnection: close\r\nHost: ") +
+                                      host + "\r\n\r\n")),
             "200")
             << host;
 }
@@ -157,7 +159,8 @@ TEST(Server, pagesOfTheUserAreNotPassedOn)
 {
     const TestService service;
     for (const char* path : {"/correo", "/api/auth/oauth/google?client=x"}) {
-        const QByteArray own = QByteArray("GET ") + path + " HTTP/1.1\r\nHost: HOST\r\n";
+        const QByteArray own =
+            QByteArray("GET ") + path + " HTTP/1.1\r\nConnection: close\r\nHost: HOST\r\n";
         EXPECT_EQ(statusOf(raw(service, own + "\r\n")), "200") << path;
         for (const char* mark :
              {"X-Forwarded-For: 127.0.0.1", "Forwarded: for=1.2.3.4", "Via: x"}) {
