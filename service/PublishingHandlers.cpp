@@ -39,20 +39,6 @@ int objectsIn(QByteArrayView json)
     return count;
 }
 
-}    // namespace
-
-ServiceReply showCopyConfig(Visit& visit)
-{
-    const QString model = visit.service.copyProvider().model;
-    CloudCopyConfig config;
-    config.providerLabel = u"Servicio local"_s;
-    if (!model.isEmpty())
-        config.modelId = model;
-    return wireReply(config);
-}
-
-namespace {
-
 // The reply of before, when there was one. Throws Refusal.
 std::optional<QByteArray> madeBefore(Visit& visit, const QString& requestId)
 {
@@ -64,6 +50,16 @@ std::optional<QByteArray> madeBefore(Visit& visit, const QString& requestId)
 }
 
 }    // namespace
+
+ServiceReply showCopyConfig(Visit& visit)
+{
+    const QString model = visit.service.copyProvider().model;
+    CloudCopyConfig config;
+    config.providerLabel = u"Servicio local"_s;
+    if (!model.isEmpty())
+        config.modelId = model;
+    return wireReply(config);
+}
 
 // Credits can be given back also after this: a client whose answer was lost on the way does not
 // know whether there was one, and must not pay for what it never saw.
