@@ -20,7 +20,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString sessionCookieDefaultsKey = u"tallerioSessionCookieHeader"_s;
-const QString legacyTokenKey = u"tallerioSessionToken"_s;    // the bare token of earlier builds
+const QString sessionOriginKey = u"moltiva.sessionOrigin"_s;    // whose the cookie is
+const QString legacyTokenKey = u"tallerioSessionToken"_s;       // the bare token of earlier builds
 constexpr QByteArrayView sessionCookiePrefix = "tallerio_session=";
 
 const QString clientIdentifier = u"moltiva-macos"_s;
@@ -33,8 +34,11 @@ bool isHeaderText(QByteArrayView text)
     return std::ranges::all_of(text, [](char c) { return c >= 0x20 && c < 0x7f; });
 }
 
-QByteArray storedCookie(const PreferencesStore& preferences)
+// That of an earlier build, which kept no origin, is anybody's.
+QByteArray storedCookie(const PreferencesStore& preferences, const QByteArray& origin)
 {
+    if (preferences.value(sessionOriginKey).value_or(origin) != origin)
+        return {};
     QByteArray cookie = preferences.value(sessionCookieDefaultsKey).value_or(QByteArray());
     const QByteArray token = preferences.value(legacyTokenKey).value_or(QByteArray());
     if (cookie.isEmpty() && !token.isEmpty())
@@ -59,6 +63,15 @@ std::optional<QUrl> locationIn(const HttpReply& reply, const QUrl& asked)
     if (location.isEmpty() || !location.isValid())
         return std::nullopt;
     return asked.resolved(location);
+}
+
+// The service on this machine changes its port.
+QByteArray originOf(const ServiceConfiguration& configuration)
+{
+    return configuration.service
+               ? configuration.service->adjusted(QUrl::RemovePath | QUrl::RemoveQuery)
+                     .toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment)
+               : QByteArray("local");
 }
 
 bool sameOrigin(const QUrl& one, const QUrl& other)
@@ -159,7 +172,8 @@ struct AccountAPI::Call {
 AccountAPI::AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
                        LocalService* local, RequestLimits limits, QObject* parent)
     : QObject(parent), m_configuration(configuration), m_preferences(preferences), m_local(local),
-      m_limits(limits), m_sessionCookieHeader(storedCookie(preferences))
+      m_limits(limits), m_origin(originOf(configuration)),
+      m_sessionCookieHeader(storedCookie(preferences, m_origin))
 {
 }
 
@@ -183,7 +197,7 @@ HttpRequest AccountAPI::prepared(Call call)
 {
     // Another program may have signed in meanwhile.
     if (m_sessionCookieHeader.isEmpty())
-        m_sessionCookieHeader = storedCookie(m_preferences);
+        m_sessionCookieHeader = storedCookie(m_preferences, m_origin);
     HttpRequest request;
     request.method = call.method;
     request.url = address(call.base).resolved(QUrl::fromEncoded(call.path));
@@ -294,6 +308,7 @@ void AccountAPI::rememberSessionCookie(const QByteArray& cookie)
 {
     m_sessionCookieHeader = cookie;
     m_preferences.setValue(sessionCookieDefaultsKey, cookie);
+    m_preferences.setValue(sessionOriginKey, m_origin);
     m_preferences.remove(legacyTokenKey);
 }
 
@@ -301,8 +316,11 @@ void AccountAPI::rememberSessionCookie(const QByteArray& cookie)
 // that keeps it in the same place.
 void AccountAPI::forgetSessionCookie(const QByteArray& cookie)
 {
-    if (storedCookie(m_preferences) == cookie) {
+    if (cookie.isEmpty())
+        return;
+    if (storedCookie(m_preferences, m_origin) == cookie) {
         m_preferences.remove(sessionCookieDefaultsKey);
+        m_preferences.remove(sessionOriginKey);
         m_preferences.remove(legacyTokenKey);
     }
     if (m_sessionCookieHeader == cookie)
@@ -463,6 +481,12 @@ AccountAPI::publishSocialPost(QString network, QString caption, QList<SocialPubl
     return requestPrepared<SocialPublishResponse>(
         {"POST", "/api/social/publish", std::nullopt, Base::site},
         runOnWorker([post] { return toWire(post); }), stop);
+}
+
+QUrl AccountAPI::testMailURL() const
+{
+    const QUrl local = m_local && !m_configuration.service ? m_local->knownAddress() : QUrl();
+    return local.isEmpty() ? QUrl() : local.resolved(QUrl(u"/correo"_s));
 }
 
 QUrl AccountAPI::googleOAuthURL() const

@@ -81,6 +81,8 @@ public:
     QCoro::Task<> locate(std::stop_token stop = {});
     QUrl googleOAuthURL() const;
     QUrl socialConnectionURL(const QString& network) const;
+    // Where the local service shows the mails that it does not send; empty for any other.
+    QUrl testMailURL() const;
 
     const QString& siteName() const { return m_configuration.siteName; }
     const QString& administratorEmail() const { return m_configuration.administratorEmail; }
@@ -112,6 +114,7 @@ private:
     PreferencesStore& m_preferences;
     LocalService* m_local;
     const RequestLimits m_limits;
+    const QByteArray m_origin;           // that the cookie is for
     QByteArray m_sessionCookieHeader;    // "tallerio_session=…", empty without a session
     HttpClient m_http;
 };

@@ -89,6 +89,16 @@ bool AccountSession::isAdministrator() const
                                                         administrator, Qt::CaseInsensitive) == 0));
 }
 
+bool AccountSession::mayBeSignedIn() const
+{
+    return !isAuthenticated() && m_api.holdsSession();
+}
+
+QUrl AccountSession::testMailURL() const
+{
+    return m_api.testMailURL();
+}
+
 QString AccountSession::displayName() const
 {
     const AccountProfile profile = m_account.profile.value_or(AccountProfile());
@@ -229,6 +239,7 @@ QCoro::Task<bool> AccountSession::refreshSilently()
         const AccountSummary account = co_await m_api.me(stop);
         if (version == m_accountVersion)
             setAccount(account);
+        syncWhileSignedIn();
         co_return true;
     } catch (const std::exception&) {
     }
@@ -505,7 +516,7 @@ void AccountSession::changeUser(const AccountSummary& account)
 
 void AccountSession::syncWhileSignedIn()
 {
-    if (isAuthenticated())
+    if (isAuthenticated() && !m_balanceSync.isActive())
         startBalanceSync();
 }
 

@@ -48,6 +48,10 @@ public:
     int socialConnectionRefreshToken() const { return m_socialConnectionRefreshToken; }
 
     bool isAuthenticated() const { return m_account.profile.has_value(); }
+    // A session is held that could not be looked up yet: another refresh() may sign in.
+    bool mayBeSignedIn() const;
+    // Where a local service shows its mails; empty for any other.
+    QUrl testMailURL() const;
     bool isAdministrator() const;
     QString displayName() const;
     bool isBalanceSyncRunning() const { return m_balanceSync.isActive(); }

@@ -294,6 +294,18 @@ TEST_F(AccountAPITest, ARefusedSessionTakesNoNewerOneWithIt)
     EXPECT_EQ(preferences.value(cookieKey), "tallerio_session=of another");
 }
 
+TEST_F(AccountAPITest, ASessionIsOfTheServiceThatGaveItAlone)
+{
+    answer(200, summary, "Set-Cookie: tallerio_session=mine\r\n");
+    outcome(client()->me());
+    ScriptedServer another([](const auto&) { return ScriptedServer::reply(401, "{}"); });
+    AccountAPI other(another.configuration(), preferences);
+    EXPECT_NE(outcome(other.me()), QString());
+    EXPECT_EQ(another.requests.last().header("Cookie"), "");
+    outcome(client()->me());
+    EXPECT_EQ(server.requests.last().header("Cookie"), "tallerio_session=mine");
+}
+
 TEST_F(AccountAPITest, ASignOutForgetsTheSessionAlsoWhereItHadEnded)
 {
     for (const int status : {200, 401}) {

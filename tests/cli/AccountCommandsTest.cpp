@@ -1,0 +1,78 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The program as its users start it, with the local service, in a home of its own.
+class AccountCommandsTest : public ::testing::Test {
+protected:
+    struct Outcome {
+        int status = -1;
+        QByteArray out, err;
+    };
+
+    Outcome run(const QStringList& arguments, const QByteArray& input = {})
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"XDG_DATA_HOME"_s, m_home.filePath(u"data"_s));
+        environment.insert(u"XDG_CONFIG_HOME"_s, m_home.filePath(u"config"_s));
+        environment.insert(u"XDG_RUNTIME_DIR"_s, m_home.path());
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(MOLTIVA_PROGRAM), arguments);
+        process.write(input);
+        process.closeWriteChannel();
+        EXPECT_TRUE(process.waitForFinished(60000));
+        return {process.exitCode(), process.readAllStandardOutput(),
+                process.readAllStandardError()};
+    }
+    bool isStoredAnywhere(const QByteArray& secret) const
+    {
+        QFile store(m_home.filePath(u"data/moltiva/moltiva.sqlite"_s));
+        EXPECT_TRUE(store.open(QIODevice::ReadOnly));
+        return store.readAll().contains(secret);
+    }
+
+    QTemporaryDir m_home;
+};
+
+}    // namespace
+
+TEST_F(AccountCommandsTest, ASessionGoesFromOneCommandToTheNext)
+{
+    const QStringList email{u"--email"_s, u"ana@ejemplo.es"_s};
+    const Outcome made = run(QStringList{u"register"_s} + email, "una-contraseña\n");
+    EXPECT_EQ(made.status, 0) << made.err.toStdString();
+    EXPECT_EQ(made.out, "Cuenta creada.\n");
+    EXPECT_EQ(run({u"account"_s}).out, "ana@ejemplo.es\n10000 créditos\n");
+    EXPECT_EQ(run({u"account"_s, u"--json"_s}).out,
+              R"({"name":"ana@ejemplo.es","email":"ana@ejemplo.es","balance":10000})"
+              "\n");
+    EXPECT_EQ(run({u"history"_s}).out, "Sin compras recientes\n");
+    EXPECT_EQ(run({u"logout"_s}).out, "Sesión cerrada.\n");
+
+    const Outcome none = run({u"account"_s});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.err, "moltiva account: Necesitas iniciar sesión.\n");
+    const Outcome wrong = run(QStringList{u"login"_s} + email, "otra-contraseña\n");
+    EXPECT_EQ(wrong.status, 1);
+    EXPECT_EQ(wrong.err, "moltiva login: Email o contraseña incorrectos.\n");
+    EXPECT_EQ(run(QStringList{u"login"_s} + email, "una-contraseña\r\n").status, 0);
+    EXPECT_FALSE(isStoredAnywhere("una-contraseña"));
+}
+
+TEST_F(AccountCommandsTest, WrongUseIsToldBeforeAnythingIsSent)
+{
+    EXPECT_EQ(run({u"login"_s}).status, 2);
+    EXPECT_EQ(run({u"logout"_s, u"ahora"_s}).status, 2);
+    EXPECT_EQ(run({u"account"_s, u"--service"_s, u"http://example.org"_s}).status, 2);
+    EXPECT_EQ(run({u"login"_s, u"--email"_s, u"a@b.es"_s}).status, 1);    // no password
+    EXPECT_EQ(run({u"login"_s, u"--email"_s, u"a@b.es"_s}, QByteArray(5000, 'x')).status, 1);
+    EXPECT_FALSE(QDir(m_home.filePath(u"data/moltiva/service"_s)).exists());
+}
