@@ -5,6 +5,7 @@
 #include "app/AccountPanelView.h"
 #include "app/AccountSettingsWindow.h"
 #include "app/AccountShown.h"
+#include "app/AccountTexts.h"
 #include "app/AppSettingsWindow.h"
 #include "app/AuthGateView.h"
 #include "app/CreditsDetailPanel.h"
@@ -17,6 +18,8 @@
 
 #include <QDesktopServices>
 #include <QGuiApplication>
+
+using namespace Qt::StringLiterals;
 
 AccountBinding::AccountBinding(AccountSession& account, StudioSession& studio, AuthGateView* gate,
                                UserAccountButton* button, QWidget* window)
@@ -88,8 +91,7 @@ void AccountBinding::show()
 {
     const AccountShown account = shown();
     m_button->setAccount(account.name, account.balance);
-    if (m_gate->state() != Gate::open || !m_account.isAuthenticated())
-        m_gate->login()->setAccount(account);
+    m_gate->login()->setAccount(account);
     if (m_popover)
         m_popover->setAccount(account);
     if (m_accountSettings) {
@@ -101,6 +103,30 @@ void AccountBinding::show()
         m_appSettings->updatesPanel()->setLatest(config.latestMacVersion, config.macDownloadURL);
     }
     showGate();
+    tell();
+}
+
+bool AccountBinding::isAccountSeen() const
+{
+    return m_gate->state() != Gate::open || isSheetPresented() ||
+           (m_popover && m_popover->isVisible());
+}
+
+void AccountBinding::tell()
+{
+    const bool isWorking = m_account.isWorking();
+    const bool isDone = m_wasWorking && !isWorking && !m_isLoadingPurchases;
+    const bool isOutcome = isDone || m_account.message() != m_message;
+    const bool begins = isWorking && !m_wasWorking;
+    m_message = m_account.message();
+    m_wasWorking = isWorking;
+    if (begins && !isAccountSeen()) {
+        m_toldWorking = true;
+        Q_EMIT working();
+    } else if (!isWorking && (m_toldWorking || (isOutcome && !isAccountSeen()))) {
+        m_toldWorking = false;
+        Q_EMIT told(shownText(m_message), m_account.isProblem());
+    }
 }
 
 void AccountBinding::showGate()
@@ -111,19 +137,31 @@ void AccountBinding::showGate()
                                                               : Gate::signedOut;
     if (now == before)
         return;
-    if (before == Gate::open) {
-        if (m_popover)
-            m_popover->close();
-        m_studio.setAccountPanel(std::nullopt);
-        m_studio.setAppSettingsPresented(false);
-    }
+    if (before == Gate::open)
+        closeGate();
     m_gate->setState(now);
     if (now == Gate::open) {
         m_gate->login()->clearPasswords();
+        m_gate->login()->setMode(LoginMode::signIn);
         Q_EMIT gateOpened();
     } else if (before == Gate::open) {
         Q_EMIT gateClosed();
     }
+}
+
+// What was typed goes with the screens: whoever comes next may be somebody else.
+void AccountBinding::closeGate()
+{
+    if (m_popover)
+        m_popover->close();
+    m_studio.setAccountPanel(std::nullopt);
+    m_studio.setAppSettingsPresented(false);
+    if (m_accountSettings)
+        m_accountSettings->deleteLater();
+    if (m_appSettings)
+        m_appSettings->deleteLater();
+    m_accountSettings = nullptr;
+    m_appSettings = nullptr;
 }
 
 void AccountBinding::showSheets()
@@ -132,8 +170,10 @@ void AccountBinding::showSheets()
     const bool wantsSettings = m_studio.isAppSettingsPresented() && !panel;
     if (m_appSettings && !wantsSettings)
         m_appSettings->dismiss();
-    if (m_accountSettings && !panel)
+    if (m_accountSettings && !panel) {
         m_accountSettings->dismiss();
+        m_accountSettings->accountPanel()->clearPasswords();
+    }
     if (panel) {
         accountSettings()->setPage(int(*panel));
         accountSettings()->present();
@@ -166,7 +206,7 @@ void AccountBinding::connectForms(Panel* panel)
 {
     if constexpr (requires { &Panel::profileEdited; }) {
         connect(panel, &Panel::profileEdited, this,
-                [this](const QString& fullName) { m_account.updateProfile(fullName); });
+                [this](const QString& fullName) { saveProfile(fullName); });
         connect(panel, &Panel::passwordChangeRequested, this,
                 [this](const QString& current, const QString& password, const QString& repeated) {
                     changePassword(current, password, repeated);
@@ -189,8 +229,7 @@ AccountSettingsWindow* AccountBinding::accountSettings()
     connectForms(m_accountSettings->accountPanel());
     connectForms(m_accountSettings->creditsPanel());
     const PurchasesDetailPanel* purchases = m_accountSettings->purchasesPanel();
-    connect(purchases, &PurchasesDetailPanel::historyRequested, this,
-            [this] { m_account.refreshPurchaseHistory(); });
+    connect(purchases, &PurchasesDetailPanel::historyRequested, this, [this] { loadPurchases(); });
     connect(purchases, &PurchasesDetailPanel::documentRequested, this,
             [this](const QString& id) { m_account.openPurchaseDocument(id); });
     connect(m_accountSettings, &SettingsSheet::pageChosen, this,
@@ -207,7 +246,7 @@ AppSettingsWindow* AccountBinding::appSettings()
         return m_appSettings;
     m_appSettings = new AppSettingsWindow(m_window);
     connect(m_appSettings->updatesPanel(), &UpdatesDetailPanel::downloadRequested, this,
-            [](const QUrl& address) { QDesktopServices::openUrl(address); });
+            &AccountBinding::download);
     connect(m_appSettings->localAIPanel(), &LocalAIDetailPanel::textPanelRequested, this, [this] {
         m_studio.setAppSettingsPresented(false);
         Q_EMIT textPanelRequested();
@@ -229,4 +268,37 @@ QCoro::Task<> AccountBinding::changePassword(QString current, QString password, 
         m_popover->clearPasswords();
     if (m_accountSettings)
         m_accountSettings->accountPanel()->clearPasswords();
+}
+
+QCoro::Task<> AccountBinding::saveProfile(QString fullName)
+{
+    const QPointer<AccountBinding> self(this);
+    const bool saved = co_await m_account.updateProfile(fullName);
+    if (!self || !saved)
+        co_return;
+    if (m_popover)
+        m_popover->setNameSaved();
+    if (m_accountSettings)
+        m_accountSettings->accountPanel()->setNameSaved();
+}
+
+QCoro::Task<> AccountBinding::loadPurchases()
+{
+    const QPointer<AccountBinding> self(this);
+    m_isLoadingPurchases = true;
+    const bool loaded = co_await m_account.refreshPurchaseHistory();
+    if (!self)
+        co_return;
+    m_isLoadingPurchases = false;
+    using Loading = PurchasesDetailPanel::Loading;
+    if (m_accountSettings)
+        m_accountSettings->purchasesPanel()->setLoaded(loaded ? Loading::done : Loading::failed);
+}
+
+void AccountBinding::download(const QUrl& address)
+{
+    if (!QDesktopServices::openUrl(address) && m_appSettings)
+        m_appSettings->updatesPanel()->tellProblem(
+            u"No se ha podido abrir el navegador. Abre tú esta dirección: %1"_s.arg(
+                address.toString(QUrl::FullyEncoded)));
 }

@@ -31,6 +31,9 @@ Q_SIGNALS:
     void gateClosed();
     void sheetChanged();
     void textPanelRequested();
+    // What nothing of the account that is seen shows: that an action goes on, and its outcome.
+    void working();
+    void told(const QString& message, bool isProblem);
 
 private:
     void connectGate();
@@ -39,12 +42,18 @@ private:
     AccountShown shown() const;
     void show();
     void showGate();
+    void tell();
+    void closeGate();
+    bool isAccountSeen() const;
     void showSheets();
     AccountSettingsWindow* accountSettings();
     AppSettingsWindow* appSettings();
     template <typename Panel>
     void connectForms(Panel* panel);
     QCoro::Task<> changePassword(QString current, QString password, QString repeated);
+    QCoro::Task<> saveProfile(QString fullName);
+    QCoro::Task<> loadPurchases();
+    void download(const QUrl& address);
 
     AccountSession& m_account;
     StudioSession& m_studio;
@@ -52,7 +61,10 @@ private:
     UserAccountButton* m_button;
     QWidget* m_window;
     QPointer<AccountPanelView> m_popover;
-    AccountSettingsWindow* m_accountSettings = nullptr;
-    AppSettingsWindow* m_appSettings = nullptr;
+    QPointer<AccountSettingsWindow> m_accountSettings;
+    QPointer<AppSettingsWindow> m_appSettings;
     bool m_didBootstrap = false;
+    QString m_message;    // that was told last, here or by what shows the account
+    bool m_wasWorking = false, m_toldWorking = false;
+    bool m_isLoadingPurchases = false;    // which tells nothing when it is done
 };

@@ -6,6 +6,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int shortestPassword = 8;
+
 CheckResult checkEmail(const QString& email)
 {
     if (email.trimmed().isEmpty())
@@ -13,8 +15,12 @@ CheckResult checkEmail(const QString& email)
     return std::nullopt;
 }
 
-CheckResult checkRepeated(const QString& password, const QString& repeated)
+CheckResult checkNewPassword(const QString& password, const QString& repeated)
 {
+    if (password.size() < shortestPassword)
+        return CheckFailure{
+            CheckedField::password,
+            u"La contraseña necesita al menos %1 caracteres."_s.arg(shortestPassword)};
     if (password != repeated)
         return CheckFailure{CheckedField::repeatedPassword, u"Las dos contraseñas no coinciden."_s};
     return std::nullopt;
@@ -38,7 +44,7 @@ CheckResult checkRegistration(const QString& email, const QString& password,
         return failure;
     if (password.isEmpty())
         return CheckFailure{CheckedField::password, u"Escribe una contraseña."_s};
-    return checkRepeated(password, repeated);
+    return checkNewPassword(password, repeated);
 }
 
 CheckResult checkPasswordReset(const QString& email)
@@ -53,7 +59,14 @@ CheckResult checkPasswordChange(const QString& current, const QString& password,
         return CheckFailure{CheckedField::currentPassword, u"Escribe tu contraseña actual."_s};
     if (password.isEmpty())
         return CheckFailure{CheckedField::password, u"Escribe la contraseña nueva."_s};
-    return checkRepeated(password, repeated);
+    return checkNewPassword(password, repeated);
+}
+
+CheckResult checkName(const QString& fullName)
+{
+    if (fullName.trimmed().isEmpty())
+        return CheckFailure{CheckedField::name, u"Escribe tu nombre."_s};
+    return std::nullopt;
 }
 
 CheckResult checkAmount(const QString& typed)

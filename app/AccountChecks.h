@@ -5,7 +5,7 @@
 #include <optional>
 
 // What can be seen to be missing before the service is asked, and in which field.
-enum class CheckedField { email, password, repeatedPassword, currentPassword, amount };
+enum class CheckedField { email, password, repeatedPassword, currentPassword, name, amount };
 struct CheckFailure {
     CheckedField field;
     QString sentence;
@@ -18,4 +18,5 @@ CheckResult checkRegistration(const QString& email, const QString& password,
 CheckResult checkPasswordReset(const QString& email);
 CheckResult checkPasswordChange(const QString& current, const QString& password,
                                 const QString& repeated);
+CheckResult checkName(const QString& fullName);
 CheckResult checkAmount(const QString& typed);

@@ -2,6 +2,7 @@
 
 #include "app/AccountForm.h"
 #include "app/AccountTexts.h"
+#include "app/PasswordForm.h"
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
 #include "app/controls/FormField.h"
@@ -17,11 +18,13 @@ AccountDetailPanel::AccountDetailPanel(QWidget* parent)
       m_name(new FormField(u"Nombre"_s, FieldKind::text)),
       m_save(
           new PushButton(Icon::none, u"Guardar nombre"_s, ButtonKind::neutral, ButtonSize::small)),
-      m_current(new FormField(u"Contraseña actual"_s, FieldKind::password)),
-      m_new(new FormField(u"Nueva contraseña"_s, FieldKind::password)),
-      m_repeated(new FormField(u"Repetir nueva contraseña"_s, FieldKind::password)),
-      m_change(new PushButton(Icon::lock, u"Actualizar contraseña"_s, ButtonKind::neutral,
-                              ButtonSize::small)),
+      m_passwords(new PasswordForm(QBoxLayout::LeftToRight,
+                                   {.current = u"Contraseña actual"_s,
+                                    .changed = u"Nueva contraseña"_s,
+                                    .repeated = u"Repetir nueva contraseña"_s},
+                                   new PushButton(Icon::lock, u"Actualizar contraseña"_s,
+                                                  ButtonKind::neutral, ButtonSize::small),
+                                   form())),
       m_logout(new PushButton(Icon::signOut, u"Cerrar sesión"_s, ButtonKind::neutral,
                               ButtonSize::regular))
 {
@@ -46,25 +49,19 @@ AccountDetailPanel::AccountDetailPanel(QWidget* parent)
     rows()->addSpacing(Space::hair);
     rows()->addWidget(new Divider);
     rows()->addWidget(new Caption(Type::heading, &Theme::text, u"Cambiar contraseña"_s));
-    auto* passwords = new QHBoxLayout;
-    passwords->setSpacing(Space::medium);
-    for (FormField* field : {m_current, m_new, m_repeated}) {
-        passwords->addWidget(field, 1);
-        connect(field, &FormField::submitted, this, &AccountDetailPanel::changePassword);
-    }
-    rows()->addLayout(passwords);
-    rows()->addWidget(m_change, 0, Qt::AlignLeft);
+    rows()->addWidget(m_passwords);
     rows()->addStretch(1);
-    foot()->addWidget(m_logout, 0, Qt::AlignBottom);
+    foot()->addWidget(m_logout, 0, Qt::AlignVCenter);
 
-    form()->add(QList{m_save, m_change, m_logout});
-    form()->add(QList{m_name, m_current, m_new, m_repeated});
+    form()->add(QList{m_save, m_logout});
+    form()->add(CheckedField::name, m_name);
     connect(m_name, &FormField::submitted, this, &AccountDetailPanel::saveName);
     connect(m_save, &PushButton::clicked, this, &AccountDetailPanel::saveName);
-    connect(m_change, &PushButton::clicked, this, &AccountDetailPanel::changePassword);
+    connect(m_passwords, &PasswordForm::changeRequested, this,
+            &AccountDetailPanel::passwordChangeRequested);
     connect(m_logout, &PushButton::clicked, this, [this] {
-        form()->send(m_logout);
-        Q_EMIT logoutRequested();
+        if (form()->send(m_logout))
+            Q_EMIT logoutRequested();
     });
 }
 
@@ -77,27 +74,17 @@ void AccountDetailPanel::setAccount(const AccountShown& account)
 
 void AccountDetailPanel::clearPasswords()
 {
-    for (FormField* field : {m_current, m_new, m_repeated})
-        field->clear();
+    m_passwords->clear();
+}
+
+void AccountDetailPanel::setNameSaved()
+{
+    m_name->setSaved();
 }
 
 void AccountDetailPanel::saveName()
 {
-    form()->send(m_save);
-    Q_EMIT profileEdited(m_name->text().simplified());
-}
-
-void AccountDetailPanel::changePassword()
-{
-    const CheckResult failure =
-        checkPasswordChange(m_current->text(), m_new->text(), m_repeated->text());
-    FormField* field = m_current;
-    if (failure && failure->field == CheckedField::password)
-        field = m_new;
-    else if (failure && failure->field == CheckedField::repeatedPassword)
-        field = m_repeated;
-    if (!form()->accepts(failure, field))
-        return;
-    form()->send(m_change);
-    Q_EMIT passwordChangeRequested(m_current->text(), m_new->text(), m_repeated->text());
+    const QString name = m_name->text().simplified();
+    if (form()->accepts(checkName(name)) && form()->send(m_save))
+        Q_EMIT profileEdited(name);
 }

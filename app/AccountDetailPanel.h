@@ -3,6 +3,7 @@
 
 class Caption;
 class FormField;
+class PasswordForm;
 class PushButton;
 
 class AccountDetailPanel : public SettingsPanel {
@@ -11,6 +12,7 @@ public:
     explicit AccountDetailPanel(QWidget* parent = nullptr);
     void setAccount(const AccountShown& account) override;
     void clearPasswords();
+    void setNameSaved();
 
 Q_SIGNALS:
     void profileEdited(const QString& fullName);
@@ -20,14 +22,10 @@ Q_SIGNALS:
 
 private:
     void saveName();
-    void changePassword();
 
     Caption* m_email;
     FormField* m_name;
     PushButton* m_save;
-    FormField* m_current;
-    FormField* m_new;
-    FormField* m_repeated;
-    PushButton* m_change;
+    PasswordForm* m_passwords;
     PushButton* m_logout;
 };

@@ -14,15 +14,13 @@ void AccountForm::add(const QList<PushButton*>& buttons)
         button->setEnabled(!m_isWorking);
 }
 
-void AccountForm::add(const QList<FormField*>& fields)
+void AccountForm::add(CheckedField checked, FormField* field)
 {
-    m_fields += fields;
-    for (FormField* field : fields) {
-        connect(field, &FormField::typed, this, [this] {
-            m_missing.clear();
-            tell();
-        });
-    }
+    m_fields.insert(checked, field);
+    connect(field, &FormField::typed, this, [this] {
+        m_missing.clear();
+        tell();
+    });
 }
 
 void AccountForm::add(const QList<QWidget*>& others)
@@ -37,22 +35,23 @@ void AccountForm::remove(const QList<PushButton*>& buttons)
         m_pressed = nullptr;
 }
 
-bool AccountForm::accepts(const CheckResult& failure, FormField* field)
+bool AccountForm::accepts(const CheckResult& failure)
 {
-    for (FormField* each : std::as_const(m_fields))
-        each->setProblem(failure && each == field);
+    markProblem(failure);
     m_missing = failure ? failure->sentence : QString();
-    if (failure && field)
+    if (FormField* field = failure ? m_fields.value(failure->field) : nullptr)
         field->edit()->setFocus(Qt::TabFocusReason);
     tell();
     return !failure;
 }
 
-void AccountForm::send(PushButton* button)
+bool AccountForm::send(PushButton* button)
 {
+    if (m_isWorking)
+        return false;
     m_pressed = button;
-    m_missing.clear();
-    m_forgotten.clear();
+    forget();
+    return true;
 }
 
 void AccountForm::show(const AccountShown& account)
@@ -61,27 +60,39 @@ void AccountForm::show(const AccountShown& account)
     m_isProblem = account.isProblem;
     if (account.isWorking != m_isWorking) {
         m_isWorking = account.isWorking;
-        for (FormField* field : std::as_const(m_fields))
-            field->setLocked(m_isWorking);
-        for (PushButton* button : std::as_const(m_buttons)) {
-            const bool isPressed = m_pressed && button == m_pressed;
-            button->setWorking(m_isWorking && isPressed);
-            // What is disabled would hand the focus on to anything.
-            if (m_isWorking && !isPressed && button->hasFocus() && m_pressed)
-                m_pressed->setFocus(Qt::OtherFocusReason);
-        }
-        for (PushButton* button : std::as_const(m_buttons))
-            button->setEnabled(!m_isWorking || (m_pressed && button == m_pressed));
-        for (QWidget* other : std::as_const(m_others)) {
-            if (m_isWorking && other->hasFocus() && m_pressed)
-                m_pressed->setFocus(Qt::OtherFocusReason);
-            other->setEnabled(!m_isWorking);
-        }
-        if (m_isWorking)
-            m_forgotten.clear();
-        else
+        lock();
+        if (!m_isWorking) {
             m_pressed = nullptr;
+            m_forgotten.clear();    // the outcome may be the same as before
+        }
     }
+    tell();
+}
+
+void AccountForm::lock()
+{
+    // What is disabled would hand the focus on to anything. Only the keyboard gave it to these.
+    const auto keepFocus = [this](const QWidget* from) {
+        if (m_isWorking && m_pressed && from != m_pressed && from->hasFocus())
+            m_pressed->setFocus(Qt::TabFocusReason);
+    };
+    for (FormField* field : std::as_const(m_fields))
+        field->setLocked(m_isWorking);
+    for (PushButton* button : std::as_const(m_buttons)) {
+        button->setWorking(m_isWorking && button == m_pressed);
+        keepFocus(button);
+    }
+    for (PushButton* button : std::as_const(m_buttons))
+        button->setEnabled(!m_isWorking || button == m_pressed);
+    for (QWidget* other : std::as_const(m_others)) {
+        keepFocus(other);
+        other->setEnabled(!m_isWorking);
+    }
+}
+
+void AccountForm::tellProblem(const QString& sentence)
+{
+    m_missing = sentence;
     tell();
 }
 
@@ -89,16 +100,24 @@ void AccountForm::forget()
 {
     m_missing.clear();
     m_forgotten = m_message;
-    for (FormField* field : std::as_const(m_fields))
-        field->setProblem(false);
+    markProblem(std::nullopt);
     tell();
+}
+
+void AccountForm::markProblem(const CheckResult& failure)
+{
+    for (auto each = m_fields.cbegin(); each != m_fields.cend(); ++each)
+        each.value()->setProblem(failure && each.key() == failure->field);
 }
 
 void AccountForm::tell()
 {
-    if (!m_missing.isEmpty())
-        return m_notice->tell(NoticeKind::problem, m_missing);
-    const bool isStale = m_message == m_forgotten;
-    m_notice->tell(m_isProblem ? NoticeKind::problem : NoticeKind::info,
-                   isStale ? QString() : m_message);
+    if (!m_missing.isEmpty()) {
+        m_notice->tell(NoticeKind::problem, m_missing);
+    } else {
+        const bool isStale = m_message == m_forgotten;
+        m_notice->tell(m_isProblem ? NoticeKind::problem : NoticeKind::info,
+                       isStale ? QString() : m_message);
+    }
+    Q_EMIT told();
 }

@@ -2,6 +2,7 @@
 #include "app/AccountChecks.h"
 #include "app/AccountShown.h"
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -19,24 +20,32 @@ public:
     // The notice and everything added outlive it, or are taken away before they go.
     AccountForm(Notice* notice, QWidget* parent);
     void add(const QList<PushButton*>& buttons);
-    void add(const QList<FormField*>& fields);
+    void add(CheckedField checked, FormField* field);
     void add(const QList<QWidget*>& others);
     void remove(const QList<PushButton*>& buttons);
 
-    // Whether the form can be sent; if not, says why, and `field` takes the focus.
-    bool accepts(const CheckResult& failure, FormField* field);
-    // Its action is asked for: the button spins as long as that goes on.
-    void send(PushButton* button);
+    // Whether the form can be sent; if not, says why, and the field takes the focus.
+    bool accepts(const CheckResult& failure);
+    // Its action is to be asked for, and the button spins as long as that goes on. False where one
+    // goes on already.
+    [[nodiscard]] bool send(PushButton* button);
     void show(const AccountShown& account);
+    // A problem of something else than an action, until something is typed or sent.
+    void tellProblem(const QString& sentence);
     // What was told so far belongs to something else.
     void forget();
 
+Q_SIGNALS:
+    void told();    // the notice may have changed
+
 private:
     void tell();
+    void lock();
+    void markProblem(const CheckResult& failure);
 
     Notice* m_notice;
     QList<PushButton*> m_buttons;
-    QList<FormField*> m_fields;
+    QHash<CheckedField, FormField*> m_fields;
     QList<QWidget*> m_others;
     PushButton* m_pressed = nullptr;
     bool m_isWorking = false;

@@ -5,6 +5,7 @@
 #include "app/CreditAmounts.h"
 #include "app/DestinationIcons.h"
 #include "app/PanelLayout.h"
+#include "app/PasswordForm.h"
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
 #include "app/controls/FocusRound.h"
@@ -62,9 +63,11 @@ AccountPanelView::AccountPanelView(QWidget* owner)
     rows->addWidget(new Divider);
     rows->addWidget(destinations());
     rows->addStretch(1);
-    m_form->add(QList{m_fullName, m_current, m_new, m_repeated});
-    m_form->add(QList{m_save, m_buy, m_confirm, m_change});
+    m_form->add(CheckedField::name, m_fullName);
+    m_form->add(QList{m_save, m_buy, m_confirm});
     m_form->add(QList<QWidget*>(m_packages.begin(), m_packages.end()));
+    connect(m_form, &AccountForm::told, this,
+            [this] { m_notice->setVisible(!m_notice->text().isEmpty()); });
     setDetails(Fold::open);
     setPassword(Fold::folded);
     setAccount({});
@@ -99,14 +102,12 @@ QWidget* AccountPanelView::header()
     connect(m_fold, &IconButton::clicked, this,
             [this] { setDetails(m_details->isHidden() ? Fold::open : Fold::folded); });
     connect(refresh, &PushButton::clicked, this, [this, refresh] {
-        m_acted = true;
-        m_form->send(refresh);
-        Q_EMIT refreshRequested();
+        if (m_form->send(refresh))
+            Q_EMIT refreshRequested();
     });
     connect(logout, &PushButton::clicked, this, [this, logout] {
-        m_acted = true;
-        m_form->send(logout);
-        Q_EMIT logoutRequested();
+        if (m_form->send(logout))
+            Q_EMIT logoutRequested();
     });
     return section;
 }
@@ -155,14 +156,12 @@ QWidget* AccountPanelView::purchase()
     rows->addWidget(m_buy);
     rows->addWidget(m_confirm);
     connect(m_buy, &PushButton::clicked, this, [this] {
-        m_acted = true;
-        m_form->send(m_buy);
-        Q_EMIT purchaseRequested(chosenCredits());
+        if (m_form->send(m_buy))
+            Q_EMIT purchaseRequested(chosenCredits());
     });
     connect(m_confirm, &PushButton::clicked, this, [this] {
-        m_acted = true;
-        m_form->send(m_confirm);
-        Q_EMIT checkoutConfirmed();
+        if (m_form->send(m_confirm))
+            Q_EMIT checkoutConfirmed();
     });
     return section;
 }
@@ -171,23 +170,17 @@ QWidget* AccountPanelView::password()
 {
     auto* section = new QWidget;
     m_passwordFold = new RowButton(Icon::lock, u"Contraseña"_s);
-    m_passwordFields = new QWidget;
-    m_current = new FormField(u"Actual"_s, FieldKind::password);
-    m_new = new FormField(u"Nueva"_s, FieldKind::password);
-    m_repeated = new FormField(u"Repetir nueva"_s, FieldKind::password);
-    m_change = stretched(Icon::none, u"Cambiar contraseña"_s, ButtonKind::neutral);
-    auto* fields = rowsOf(m_passwordFields, Space::small);
-    for (FormField* field : {m_current, m_new, m_repeated}) {
-        fields->addWidget(field);
-        connect(field, &FormField::submitted, this, &AccountPanelView::changePassword);
-    }
-    fields->addWidget(m_change);
+    m_passwords = new PasswordForm(
+        QBoxLayout::TopToBottom,
+        {.current = u"Actual"_s, .changed = u"Nueva"_s, .repeated = u"Repetir nueva"_s},
+        stretched(Icon::none, u"Cambiar contraseña"_s, ButtonKind::neutral), m_form);
     auto* rows = rowsOf(section, Space::hair);
     rows->addWidget(m_passwordFold);
-    rows->addWidget(m_passwordFields);
+    rows->addWidget(m_passwords);
     connect(m_passwordFold, &RowButton::clicked, this,
-            [this] { setPassword(m_passwordFields->isHidden() ? Fold::open : Fold::folded); });
-    connect(m_change, &PushButton::clicked, this, &AccountPanelView::changePassword);
+            [this] { setPassword(m_passwords->isHidden() ? Fold::open : Fold::folded); });
+    connect(m_passwords, &PasswordForm::changeRequested, this,
+            &AccountPanelView::passwordChangeRequested);
     return section;
 }
 
@@ -215,6 +208,7 @@ QWidget* AccountPanelView::destinations()
 void AccountPanelView::present()
 {
     const bool byKeyboard = owner()->hasFocus();
+    m_form->forget();
     open(QSize(panelWidth - 2 * padding, m_page->sizeHint().height()));
     fit();
     // A click leaves the focus, and with it the arrows, where they were.
@@ -224,24 +218,22 @@ void AccountPanelView::present()
 
 void AccountPanelView::setAccount(const AccountShown& account)
 {
-    const bool isPendingNew = account.hasPendingCheckout != m_account.hasPendingCheckout;
-    const bool hadMessage = !m_notice->isHidden();
-    m_account = account;
     m_avatar->setInitials(initialsOf(account.name));
     m_name->setText(shownLine(account.name));
     m_balance->setText(creditsText(account.balance));
     m_fullName->setShown(shownLine(account.fullName));
     m_confirm->setVisible(account.hasPendingCheckout);
     m_form->show(account);
-    m_notice->setVisible(m_acted && !m_notice->text().isEmpty());
-    if (isPendingNew || hadMessage == m_notice->isHidden())
-        fit();
 }
 
 void AccountPanelView::clearPasswords()
 {
-    for (FormField* field : {m_current, m_new, m_repeated})
-        field->clear();
+    m_passwords->clear();
+}
+
+void AccountPanelView::setNameSaved()
+{
+    m_fullName->setSaved();
 }
 
 void AccountPanelView::setDetails(Fold fold)
@@ -250,41 +242,20 @@ void AccountPanelView::setDetails(Fold fold)
     m_details->setVisible(isOpen);
     m_fold->setMeaning(isOpen ? Icon::fold : Icon::unfold,
                        isOpen ? u"Ocultar detalles"_s : u"Mostrar detalles"_s);
-    fit();
 }
 
 void AccountPanelView::setPassword(Fold fold)
 {
-    m_passwordFields->setVisible(fold == Fold::open);
+    m_passwords->setVisible(fold == Fold::open);
     m_passwordFold->setMark(fold == Fold::open ? Icon::fold : Icon::unfold);
     m_passwordFold->setAccessibleDescription(fold == Fold::open ? u"Desplegado"_s : u"Plegado"_s);
-    fit();
 }
 
 void AccountPanelView::saveProfile()
 {
-    m_acted = true;
-    m_form->send(m_save);
-    Q_EMIT profileEdited(m_fullName->text().simplified());
-}
-
-void AccountPanelView::changePassword()
-{
-    const CheckResult failure =
-        checkPasswordChange(m_current->text(), m_new->text(), m_repeated->text());
-    FormField* field = m_current;
-    if (failure && failure->field == CheckedField::password)
-        field = m_new;
-    else if (failure && failure->field == CheckedField::repeatedPassword)
-        field = m_repeated;
-    m_acted = true;
-    const bool accepted = m_form->accepts(failure, field);
-    m_notice->setVisible(!m_notice->text().isEmpty());
-    fit();
-    if (!accepted)
-        return;
-    m_form->send(m_change);
-    Q_EMIT passwordChangeRequested(m_current->text(), m_new->text(), m_repeated->text());
+    const QString name = m_fullName->text().simplified();
+    if (m_form->accepts(checkName(name)) && m_form->send(m_save))
+        Q_EMIT profileEdited(name);
 }
 
 int AccountPanelView::chosenCredits() const
@@ -293,17 +264,16 @@ int AccountPanelView::chosenCredits() const
     return creditPackages[std::size_t(std::max<qsizetype>(0, chosen - m_packages.begin()))];
 }
 
+// As high as the page, which says so by an event once something in it was folded or came.
+bool AccountPanelView::eventFilter(QObject* object, QEvent* event)
+{
+    if (object == m_page && event->type() == QEvent::LayoutRequest)
+        fit();
+    return Popover::eventFilter(object, event);
+}
+
 void AccountPanelView::fit()
 {
-    if (isHidden())
-        return;
-    // What was folded is told to the layouts above it by an event, later.
-    for (QWidget* section : m_page->findChildren<QWidget*>()) {
-        section->updateGeometry();
-        if (section->layout())
-            section->layout()->invalidate();
-    }
-    m_page->layout()->invalidate();
     resizeContent(QSize(panelWidth - 2 * padding,
                         std::min(m_page->sizeHint().height(), largestContent().height())));
 }

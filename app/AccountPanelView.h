@@ -10,6 +10,7 @@ class FormField;
 class IconButton;
 class Notice;
 class PackageCard;
+class PasswordForm;
 class PushButton;
 class QScrollArea;
 class RowButton;
@@ -23,6 +24,7 @@ public:
     void present();
     void setAccount(const AccountShown& account);
     void clearPasswords();
+    void setNameSaved();
     enum class Fold { folded, open };
     void setDetails(Fold fold);
     void setPassword(Fold fold);
@@ -39,6 +41,7 @@ Q_SIGNALS:
     void settingsRequested();
 
 protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
@@ -49,12 +52,9 @@ private:
     QWidget* password();
     QWidget* destinations();
     void saveProfile();
-    void changePassword();
     int chosenCredits() const;
     void fit();
 
-    AccountShown m_account;
-    bool m_acted = false;    // a message from before says nothing here
     QWidget* m_page;
     QScrollArea* m_area;
     Avatar* m_avatar;
@@ -68,11 +68,7 @@ private:
     PushButton* m_buy;
     PushButton* m_confirm;
     RowButton* m_passwordFold;
-    QWidget* m_passwordFields;
-    FormField* m_current;
-    FormField* m_new;
-    FormField* m_repeated;
-    PushButton* m_change;
+    PasswordForm* m_passwords;
     Notice* m_notice;
     AccountForm* m_form;
 };

@@ -9,7 +9,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int longestLine = 300, longestText = 1000;
+constexpr int longestLine = 300;
+constexpr int longestText = 4000;    // with a long address in it
+
+QString harmless(const QString& text)
+{
+    QString plain = plainText(text);
+    plain.removeIf(turnsDirection);
+    return plain;
+}
 
 QString shortened(const QString& text, int longest)
 {
@@ -28,12 +36,12 @@ QString firstLetter(const QString& word)
 
 QString shownLine(const QString& text)
 {
-    return shortened(plainText(text.left(10 * longestLine)).simplified(), longestLine);
+    return shortened(harmless(text.left(10 * longestLine)).simplified(), longestLine);
 }
 
 QString shownText(const QString& text)
 {
-    return shortened(plainText(text.left(10 * longestText)).trimmed(), longestText);
+    return shortened(harmless(text.left(2 * longestText)).trimmed(), longestText);
 }
 
 QString initialsOf(const QString& name)

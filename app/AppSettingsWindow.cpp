@@ -16,6 +16,7 @@ AppSettingsWindow::AppSettingsWindow(QWidget* window)
     heading->setContentsMargins(10, 0, 0, 4);
     heading->addWidget(new Caption(Type::caption, &Theme::text2, u"Preferencias del programa"_s));
     column()->insertLayout(1, heading);
-    addPage(Icon::updates, u"Actualizaciones"_s, m_updates);
-    addPage(Icon::localEngine, u"IA local"_s, m_localAI);
+    const QList<SettingsPanel*> panels{m_updates, m_localAI};
+    for (const AppSettingsRow& each : Vocabulary<AppSettingsDestination>::rows)
+        addPage(each.icon, each.title.toString(), panels[int(each.value)]);
 }

@@ -1,4 +1,5 @@
 #pragma once
+#include "app/AppSettingsDestination.h"
 #include "app/SettingsSheet.h"
 
 class LocalAIDetailPanel;
@@ -9,7 +10,7 @@ class AppSettingsWindow : public SettingsSheet {
     Q_OBJECT
 public:
     explicit AppSettingsWindow(QWidget* window);
-    enum Page { updates, localAI };
+    void setDestination(AppSettingsDestination destination) { setPage(int(destination)); }
     UpdatesDetailPanel* updatesPanel() const { return m_updates; }
     LocalAIDetailPanel* localAIPanel() const { return m_localAI; }
 

@@ -1,7 +1,6 @@
 #include "app/AppVersion.h"
 
 #include <QCoreApplication>
-#include <QVariant>
 
 using namespace Qt::StringLiterals;
 
@@ -50,12 +49,12 @@ QString AppVersion::current()
 
 QString AppVersion::build()
 {
-    return QCoreApplication::instance()->property("build").toString();
+    return QStringLiteral(MOLTIVA_BUILD);
 }
 
 QString AppVersion::display()
 {
-    return build().isEmpty() ? current() : u"%1 (%2)"_s.arg(current(), build());
+    return u"%1 (%2)"_s.arg(current(), build());
 }
 
 bool AppVersion::isRemoteVersionNewer(const std::optional<QString>& remote)

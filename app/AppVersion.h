@@ -8,7 +8,7 @@
 namespace AppVersion {
 
 QString current();
-QString build();      // empty where the program was not told
+QString build();      // rises with every build of a version that is given out
 QString display();    // both
 // Compares the numbers, part by part; letters after them by the alphabet. Nothing is not newer.
 bool isRemoteVersionNewer(const std::optional<QString>& remote);

@@ -45,7 +45,6 @@ AuthGateView::AuthGateView(QWidget* window)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_pages);
-    window->installEventFilter(this);
 }
 
 void AuthGateView::setState(Gate state)
@@ -78,13 +77,6 @@ bool AuthGateView::event(QEvent* event)
     default:
         return QWidget::event(event);
     }
-}
-
-bool AuthGateView::eventFilter(QObject* object, QEvent* event)
-{
-    if (event->type() == QEvent::Resize && object == parentWidget())
-        setGeometry(parentWidget()->rect());
-    return QWidget::eventFilter(object, event);
 }
 
 bool AuthGateView::focusNextPrevChild(bool next)

@@ -21,7 +21,6 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent* event) override;
-    bool eventFilter(QObject* object, QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;

@@ -1,19 +1,22 @@
 #include "app/CreditAmounts.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 std::optional<int> effectiveCredits(const QString& typed)
 {
+    static const QRegularExpression whole(
+        u"^[+-]?(\\d{1,3}([. ]\\d{3})+|\\d+)$"_s);    // a point may stand for decimals too
     QString digits = typed.simplified();
-    digits.removeIf([](QChar c) { return c == u'.' || c.isSpace(); });
+    if (!whole.match(digits).hasMatch())
+        return std::nullopt;
+    digits.removeIf([](QChar c) { return c == u'.' || c == u' '; });
     const bool isNegative = digits.startsWith(u'-');
     if (isNegative || digits.startsWith(u'+'))
         digits.remove(0, 1);
-    const auto isDigit = [](QChar c) { return c >= u'0' && c <= u'9'; };
-    if (digits.isEmpty() || !std::ranges::all_of(digits, isDigit))
-        return std::nullopt;
     bool fits = false;
     const qint64 read = digits.toLongLong(&fits);
     // What is too long to be read is beyond the limit too.

@@ -90,35 +90,36 @@ CreditsDetailPanel::CreditsDetailPanel(QWidget* parent)
     foot()->addWidget(m_buy);
 
     form()->add(QList{m_buy, m_confirm});
-    form()->add(QList{m_custom->field()});
+    form()->add(CheckedField::amount, m_custom->field());
     form()->add(QList<QWidget*>(m_packages.begin(), m_packages.end()) +
                 QList<QWidget*>{m_custom->choice()});
+    connect(form(), &AccountForm::told, this, &CreditsDetailPanel::showHint);
     connect(m_buy, &PushButton::clicked, this, &CreditsDetailPanel::buy);
     connect(m_confirm, &PushButton::clicked, this, [this] {
-        form()->send(m_confirm);
-        Q_EMIT checkoutConfirmed();
+        if (form()->send(m_confirm))
+            Q_EMIT checkoutConfirmed();
     });
     showTotal();
 }
 
+// While a purchase is pending, its banner has the message, unless that tells of a problem.
 void CreditsDetailPanel::setAccount(const AccountShown& account)
 {
-    SettingsPanel::setAccount(account);
     m_balance->setText(creditsText(account.balance));
+    const QString message = account.isProblem ? QString() : shownText(account.message);
+    m_pendingText->setText(message.isEmpty() ? u"Cuando pagues, pulsa Confirmar compra."_s
+                                             : message);
     m_pending->setVisible(account.hasPendingCheckout);
-    showMessage(account);
+    SettingsPanel::setAccount(account);
 }
 
-// While a purchase is pending, its banner has the message, unless that tells of a problem.
-void CreditsDetailPanel::showMessage(const AccountShown& account)
+// The hint stands where there is nothing to tell.
+void CreditsDetailPanel::showHint()
 {
-    m_pendingText->setText(account.hasPendingCheckout && !account.isProblem
-                               ? shownText(account.message)
-                               : u"Cuando pagues, pulsa Confirmar compra."_s);
-    const bool inBanner = account.hasPendingCheckout && !account.isProblem;
-    const bool hasMessage = !notice()->text().isEmpty() && !inBanner;
-    notice()->setVisible(hasMessage);
-    m_hint->setVisible(!hasMessage);
+    const QString told = notice()->text();
+    const bool inBanner = !m_pending->isHidden() && told == m_pendingText->text();
+    notice()->setVisible(!told.isEmpty() && !inBanner);
+    m_hint->setVisible(notice()->isHidden());
 }
 
 std::optional<int> CreditsDetailPanel::credits() const
@@ -150,11 +151,6 @@ void CreditsDetailPanel::buy()
 {
     const CheckResult failure =
         m_custom->isChosen() ? checkAmount(m_custom->field()->text()) : std::nullopt;
-    const bool accepted = form()->accepts(failure, m_custom->field());
-    notice()->setVisible(!accepted || m_hint->isHidden());
-    m_hint->setVisible(notice()->isHidden());
-    if (!accepted)
-        return;
-    form()->send(m_buy);
-    Q_EMIT purchaseRequested(*credits());
+    if (form()->accepts(failure) && form()->send(m_buy))
+        Q_EMIT purchaseRequested(*credits());
 }

@@ -25,7 +25,7 @@ Q_SIGNALS:
 private:
     void buy();
     void showTotal();
-    void showMessage(const AccountShown& account);
+    void showHint();
     std::optional<int> credits() const;    // nothing where what was typed is no amount
 
     Caption* m_balance;

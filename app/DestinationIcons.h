@@ -2,17 +2,20 @@
 #include "account/AccountPanelDestination.h"
 #include "app/Icons.h"
 
+struct DestinationIconRow {
+    AccountPanelDestination destination;
+    Icon icon;
+};
+inline constexpr std::array destinationIcons{
+    DestinationIconRow{AccountPanelDestination::account, Icon::settings},
+    DestinationIconRow{AccountPanelDestination::credits, Icon::credits},
+    DestinationIconRow{AccountPanelDestination::storage, Icon::storage},
+    DestinationIconRow{AccountPanelDestination::purchases, Icon::purchases},
+};
 constexpr Icon destinationIcon(AccountPanelDestination destination)
 {
-    switch (destination) {
-    case AccountPanelDestination::account:
-        return Icon::settings;
-    case AccountPanelDestination::credits:
-        return Icon::credits;
-    case AccountPanelDestination::storage:
-        return Icon::storage;
-    case AccountPanelDestination::purchases:
-        return Icon::purchases;
-    }
-    Q_UNREACHABLE();
+    return destinationIcons[std::size_t(destination)].icon;
 }
+static_assert(std::ranges::all_of(destinationIcons, [](const auto& r) {
+    return &destinationIcons[std::size_t(r.destination)] == &r;
+}));

@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int paneWidth = 544, columnWidth = 400, markSide = 44, bottomMargin = 24;
+constexpr int paneWidth = 544, columnWidth = 400, markSide = 44, bottomMargin = 8;
 // Of the form to sign in without its notice, and of the highest mode with it.
 constexpr int usualHeight = 536, highest = 688;
 
@@ -64,7 +64,7 @@ LoginView::LoginView(QWidget* parent)
                                ButtonSize::small)),
       m_google(new PushButton(Icon::globe, u"Continuar con Google"_s, ButtonKind::neutral,
                               ButtonSize::large)),
-      m_notice(new Notice(3)), m_waiting(new Caption(Type::small, &Theme::text2, {}, this)),
+      m_notice(new Notice(3)), m_waiting(new Caption(Type::small, &Theme::text2, {})),
       m_form(new AccountForm(m_notice, this))
 {
     m_segments->setStretched(SegmentSize::large);
@@ -78,6 +78,10 @@ LoginView::LoginView(QWidget* parent)
     heading->addWidget(new Mark(markSide));
     heading->addWidget(new Caption(Type::display, &Theme::text, u"Moltiva"_s), 1);
     auto* rows = new QVBoxLayout(m_column);
+    // Less where the window has no room for all of it.
+    const auto addGap = [rows](int height) {
+        rows->addSpacerItem(new QSpacerItem(0, height, QSizePolicy::Minimum, QSizePolicy::Maximum));
+    };
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
     rows->addLayout(heading);
@@ -85,9 +89,9 @@ LoginView::LoginView(QWidget* parent)
     rows->addWidget(new Paragraph(
         Type::large, &Theme::text2,
         u"Accede con tu cuenta compartida para usar créditos, compras y generación."_s));
-    rows->addSpacing(28);
+    addGap(28);
     rows->addWidget(m_segments);
-    rows->addSpacing(22);
+    addGap(22);
     rows->addWidget(m_explanation);
     rows->addSpacing(16);
     auto* fields = new QVBoxLayout;
@@ -97,7 +101,7 @@ LoginView::LoginView(QWidget* parent)
         fields->addWidget(field);
         connect(field, &FormField::submitted, this, &LoginView::send);
     }
-    rows->addSpacing(22);
+    addGap(22);
     for (const ModeRow& mode : modes) {
         auto* button = new PushButton(mode.icon, mode.action.toString(), ButtonKind::primary,
                                       ButtonSize::large);
@@ -112,10 +116,13 @@ LoginView::LoginView(QWidget* parent)
     rows->addWidget(m_google);
     rows->addSpacing(16);
     rows->addWidget(m_notice);
+    rows->addWidget(m_waiting);
     rows->addStretch(1);
 
     m_form->add(m_primaries + QList{m_google, m_recover});
-    m_form->add(QList{m_email, m_password, m_repeated});
+    m_form->add(CheckedField::email, m_email);
+    m_form->add(CheckedField::password, m_password);
+    m_form->add(CheckedField::repeatedPassword, m_repeated);
     m_form->add(QList<QWidget*>{m_segments});
     connect(m_segments, &SegmentedControl::chosen, this,
             [this](int index) { setMode(LoginMode(index)); });
@@ -124,15 +131,15 @@ LoginView::LoginView(QWidget* parent)
         focusFirst();
     });
     connect(m_google, &PushButton::clicked, this, [this] {
-        m_form->send(m_google);
-        Q_EMIT googleRequested();
+        if (m_form->send(m_google))
+            Q_EMIT googleRequested();
     });
     QList<QWidget*> order{m_segments};
     order += m_email->focusOrder() + m_password->focusOrder();
     order.append(m_recover);
     order += m_repeated->focusOrder();
     order += QList<QWidget*>(m_primaries.begin(), m_primaries.end());
-    order.append(m_google);
+    order += {m_google, m_notice->copyButton()};
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
     m_waiting->hide();
@@ -155,7 +162,6 @@ void LoginView::setWaitingFiles(int count)
                            ? u"Hay 1 archivo en espera. Se abrirá cuando entres."_s
                            : u"Hay %1 archivos en espera. Se abrirán cuando entres."_s.arg(count));
     m_waiting->setVisible(count > 0);
-    place();
 }
 
 void LoginView::setMode(LoginMode mode)
@@ -184,6 +190,11 @@ void LoginView::clearPasswords()
     m_repeated->clear();
 }
 
+void LoginView::tellProblem(const QString& sentence)
+{
+    m_form->tellProblem(sentence);
+}
+
 void LoginView::focusFirst()
 {
     QWidget* first = m_email->text().isEmpty() || m_mode == LoginMode::recover ? m_email->edit()
@@ -199,14 +210,8 @@ void LoginView::send()
                                 : m_mode == LoginMode::createAccount
                                     ? checkRegistration(email, password, m_repeated->text())
                                     : checkPasswordReset(email);
-    FormField* field = m_email;
-    if (failure && failure->field == CheckedField::password)
-        field = m_password;
-    else if (failure && failure->field == CheckedField::repeatedPassword)
-        field = m_repeated;
-    if (!m_form->accepts(failure, field))
+    if (!m_form->accepts(failure) || !m_form->send(primary(m_mode)))
         return;
-    m_form->send(primary(m_mode));
     switch (m_mode) {
     case LoginMode::signIn:
         Q_EMIT loginRequested(email, password);
@@ -226,13 +231,9 @@ void LoginView::place()
     const int left = width() - pane;
     m_wall->setGeometry(0, 0, left, height());
     // The same top in every mode, low enough for the usual one to be in the middle.
-    const int top =
-        std::max(16, std::min((height() - usualHeight) / 2, height() - highest - bottomMargin));
+    const int top = std::max(16, std::min((height() - usualHeight) / 2, height() - highest - 24));
     m_column->setGeometry(left + (pane - columnWidth) / 2, top, columnWidth,
-                          std::max(0, height() - top));
-    m_waiting->setGeometry(left + (pane - columnWidth) / 2, height() - bottomMargin - 20,
-                           columnWidth, 20);
-    m_waiting->raise();
+                          std::max(0, height() - top - bottomMargin));
 }
 
 void LoginView::resizeEvent(QResizeEvent*)

@@ -24,6 +24,7 @@ public:
     void setMode(LoginMode mode);
     void clearPasswords();
     void focusFirst();
+    void tellProblem(const QString& sentence);    // of something else than signing in
     FormField* email() const { return m_email; }
     FormField* password() const { return m_password; }
     FormField* repeated() const { return m_repeated; }

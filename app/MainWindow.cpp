@@ -198,6 +198,15 @@ void MainWindow::connectAccount()
     connect(m_account.get(), &AccountBinding::sheetChanged, this, &MainWindow::lockStudio);
     connect(m_account.get(), &AccountBinding::textPanelRequested, this,
             [this] { showTab(SideTab::text); });
+    connect(m_account.get(), &AccountBinding::working, this, [this] {
+        m_shell->statusLine()->setStatus(
+            {.kind = StatusKind::busy, .sentence = u"Conectando con tu cuenta…"_s});
+    });
+    connect(m_account.get(), &AccountBinding::told, this,
+            [this](const QString& message, bool isProblem) {
+                m_shell->statusLine()->setStatus(
+                    {isProblem ? StatusKind::warning : StatusKind::ok, message});
+            });
 }
 
 bool MainWindow::isGated() const
@@ -214,15 +223,24 @@ void MainWindow::lockStudio()
         endEdits();
     m_menu->setLocked(isLocked);
     m_shell->setEnabled(!isGated());
+    m_shell->setCovered(isLocked);
     showHints();
 }
 
 void MainWindow::openWaiting()
 {
-    const QList<QUrl> files = std::exchange(m_waiting, {});
-    m_gate->login()->setWaitingFiles(0);
-    if (!files.isEmpty())
-        m_files->drop(files);
+    const QList<QUrl> given = std::exchange(m_given, {});
+    const QList<QUrl> dropped = std::exchange(m_dropped, {});
+    showWaiting();
+    if (given.isEmpty() && !dropped.isEmpty())
+        m_files->drop(dropped);
+    else
+        m_files->open(given + dropped);
+}
+
+void MainWindow::showWaiting()
+{
+    m_gate->login()->setWaitingFiles(int(m_given.size() + m_dropped.size()));
 }
 
 // A drag, a number being typed or held, or a colour being chosen belongs to the layer it was begun
@@ -269,13 +287,20 @@ void MainWindow::open(const QList<QUrl>& addresses)
         if (address.isLocalFile())
             files.append(address);
         else if (!m_accountSession.handleDeepLink(address))
-            m_shell->statusLine()->setStatus(
-                {StatusKind::warning, u"Moltiva no reconoce el enlace que se ha abierto."_s});
+            refuseLink();
     }
     if (!isGated())
         return m_files->open(files);
-    m_waiting += files;
-    m_gate->login()->setWaitingFiles(int(m_waiting.size()));
+    m_given += files;
+    showWaiting();
+}
+
+void MainWindow::refuseLink()
+{
+    const QString sentence = u"Moltiva no reconoce el enlace que se ha abierto."_s;
+    m_shell->statusLine()->setStatus({StatusKind::warning, sentence});
+    if (isGated())
+        m_gate->login()->tellProblem(sentence);
 }
 
 void MainWindow::comeForward()
@@ -321,7 +346,8 @@ void MainWindow::run(Command command)
     case Command::appSettings:
         return m_session.setAppSettingsPresented(true);
     case Command::signOut:
-        m_accountSession.logout();
+        if (!m_accountSession.isWorking())
+            m_accountSession.logout();
         return;
     case Command::quit:
         close();
@@ -582,9 +608,10 @@ void MainWindow::dropEvent(QDropEvent* event)
     m_shell->dropVeil()->hide();
     event->acceptProposedAction();
     const QList<QUrl> files = FileIntake::localFiles(event->mimeData());
-    if (isGated())
-        return open(files);
-    m_files->drop(files);
+    if (!isGated())
+        return m_files->drop(files);
+    m_dropped += files;
+    showWaiting();
 }
 
 void MainWindow::showBatch()
@@ -618,6 +645,7 @@ void MainWindow::showMenu()
         m_menu->action(command)->setChecked(checked);
     };
     m_menu->setEnabled({Command::stopImport}, m_session.isImporting());
+    m_menu->setEnabled({Command::signOut}, !m_accountSession.isWorking());
     m_menu->setEnabled({Command::restoreAside}, m_session.hasWorkspaceAside());
     m_menu->setEnabled({Command::undo}, m_session.canUndo());
     m_menu->setEnabled({Command::redo}, m_session.canRedo());

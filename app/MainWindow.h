@@ -59,7 +59,9 @@ private:
     void restorePreferences();
 
     bool isGated() const;
+    void refuseLink();
     void lockStudio();
+    void showWaiting();
     void openWaiting();
 
     void run(Command command);
@@ -94,5 +96,6 @@ private:
     StudioMenu* m_menu;
     AuthGateView* m_gate;
     std::unique_ptr<AccountBinding> m_account;
-    QList<QUrl> m_waiting;    // files that came while nobody was signed in
+    // Files that came while nobody was signed in: given from outside, and dropped.
+    QList<QUrl> m_given, m_dropped;
 };

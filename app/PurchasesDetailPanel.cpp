@@ -8,9 +8,13 @@
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
 #include "app/controls/Grounds.h"
+#include "app/controls/KeyboardFocus.h"
 #include "app/controls/ProgressBar.h"
 
+#include <QApplication>
+#include <QFocusEvent>
 #include <QScrollArea>
+#include <QScrollBar>
 
 using namespace Qt::StringLiterals;
 
@@ -36,19 +40,53 @@ PurchasesDetailPanel::PurchasesDetailPanel(QWidget* parent)
     rows()->addWidget(m_progress);
     rows()->addWidget(m_area, 1);
     rows()->addWidget(m_empty, 1);
-    foot()->addWidget(m_refresh, 0, Qt::AlignBottom);
+    foot()->addWidget(m_refresh, 0, Qt::AlignVCenter);
     form()->add(QList{m_refresh});
     connect(m_refresh, &PushButton::clicked, this, [this] {
-        form()->send(m_refresh);
-        Q_EMIT historyRequested();
+        if (form()->send(m_refresh))
+            load();
     });
+    makeReachable();
     showContent();
 }
 
-void PurchasesDetailPanel::setAccount(const AccountShown& account)
+// Rows without a button are read by scrolling: what scrolls takes the focus, and with it the keys.
+void PurchasesDetailPanel::makeReachable()
 {
-    SettingsPanel::setAccount(account);
-    m_isWorking = account.isWorking;
+    m_area->setAccessibleName(u"Compras"_s);
+    m_area->setProperty("focusRadius", Radius::field);
+    m_area->installEventFilter(this);
+    connect(m_area->verticalScrollBar(), &QScrollBar::rangeChanged, this, [this](int, int last) {
+        m_area->setFocusPolicy(last > 0 ? Qt::TabFocus : Qt::NoFocus);
+    });
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+        if (m_list && now && m_list->isAncestorOf(now))
+            showIn(m_area, now);
+    });
+}
+
+bool PurchasesDetailPanel::eventFilter(QObject* object, QEvent* event)
+{
+    if (event->type() == QEvent::FocusIn && object == m_area)
+        KeyboardFocus::entered(m_area, static_cast<QFocusEvent*>(event));
+    else if (event->type() == QEvent::FocusOut && object == m_area)
+        KeyboardFocus::left(m_area);
+    return SettingsPanel::eventFilter(object, event);
+}
+
+void PurchasesDetailPanel::load()
+{
+    m_isLoading = true;
+    showContent();
+    Q_EMIT historyRequested();
+}
+
+void PurchasesDetailPanel::setLoaded(Loading outcome)
+{
+    m_isLoading = false;
+    m_isKnown |= outcome == Loading::done;
+    if (outcome == Loading::done)
+        form()->forget();    // nothing is told of what came, so that all that is told is older
     showContent();
 }
 
@@ -71,8 +109,9 @@ void PurchasesDetailPanel::setPurchases(const QList<PurchaseHistoryItem>& purcha
     }
     if (purchases.size() > mostRows) {
         rows->addWidget(new Divider);
-        rows->addWidget(new Caption(Type::small, &Theme::text2,
-                                    u"Se muestran las %1 más recientes."_s.arg(mostRows)));
+        rows->addWidget(
+            new Caption(Type::small, &Theme::text2,
+                        u"Se muestran %1 de %2."_s.arg(mostRows).arg(purchases.size())));
     }
     rows->addStretch(1);
     form()->add(m_documents);
@@ -118,8 +157,8 @@ QWidget* PurchasesDetailPanel::rowOf(const PurchaseHistoryItem& purchase)
         placed->addWidget(document, 0, Qt::AlignRight);
         m_documents.append(document);
         connect(document, &PushButton::clicked, this, [this, document, id = purchase.id] {
-            form()->send(document);
-            Q_EMIT documentRequested(id);
+            if (form()->send(document))
+                Q_EMIT documentRequested(id);
         });
     }
     columns->addWidget(place);
@@ -128,13 +167,16 @@ QWidget* PurchasesDetailPanel::rowOf(const PurchaseHistoryItem& purchase)
 
 void PurchasesDetailPanel::showContent()
 {
-    m_progress->setVisible(m_isWorking);
-    m_area->setVisible(!m_purchases.isEmpty() || m_isWorking);
-    m_empty->setVisible(m_area->isHidden());
+    m_progress->setVisible(m_isLoading);
+    m_empty->setVisible(m_purchases.isEmpty() && m_isKnown && !m_isLoading);
+    m_area->setVisible(m_empty->isHidden());
 }
 
 void PurchasesDetailPanel::showEvent(QShowEvent* event)
 {
     SettingsPanel::showEvent(event);
-    Q_EMIT historyRequested();
+    if (event->spontaneous())
+        return;
+    form()->forget();
+    load();
 }

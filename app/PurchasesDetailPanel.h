@@ -11,22 +11,27 @@ class PurchasesDetailPanel : public SettingsPanel {
     Q_OBJECT
 public:
     explicit PurchasesDetailPanel(QWidget* parent = nullptr);
-    void setAccount(const AccountShown& account) override;
     void setPurchases(const QList<PurchaseHistoryItem>& purchases);
+    enum class Loading { done, failed };
+    void setLoaded(Loading outcome);    // of what was asked for
 
 Q_SIGNALS:
     void historyRequested();
     void documentRequested(const QString& purchaseId);
 
 protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
+    void load();
+    void makeReachable();
     QWidget* rowOf(const PurchaseHistoryItem& purchase);
     void showContent();
 
     QList<PurchaseHistoryItem> m_purchases;
-    bool m_isWorking = false;
+    bool m_isLoading = false;
+    bool m_isKnown = false;    // there may be purchases before they came once
     ProgressBar* m_progress;
     QScrollArea* m_area;
     EmptyNote* m_empty;

@@ -12,8 +12,8 @@ constexpr int roomOfTheCross = 40;
 }
 
 SettingsPanel::SettingsPanel(const QString& title, const QString& sentence, QWidget* parent)
-    : QWidget(parent), m_rows(new QVBoxLayout), m_foot(new QHBoxLayout), m_notice(new Notice(2)),
-      m_form(new AccountForm(m_notice, this))
+    : QWidget(parent), m_rows(new QVBoxLayout), m_foot(new QHBoxLayout),
+      m_notice(new Notice(2, Qt::AlignVCenter)), m_form(new AccountForm(m_notice, this))
 {
     setAccessibleName(title);
     m_rows->setSpacing(Space::medium);

@@ -15,8 +15,6 @@ class SettingsPanel : public QWidget {
 public:
     SettingsPanel(const QString& title, const QString& sentence, QWidget* parent = nullptr);
     virtual void setAccount(const AccountShown& account);
-    // What the focus goes to when the page is chosen; nothing leaves it where it is.
-    virtual QWidget* firstStop() const { return nullptr; }
 
 protected:
     QVBoxLayout* rows() const { return m_rows; }

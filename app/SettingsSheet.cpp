@@ -46,11 +46,6 @@ void SettingsSheet::setPage(int index)
     setFirstFocus(m_rows[index]);
 }
 
-int SettingsSheet::page() const
-{
-    return m_pages->currentIndex();
-}
-
 void SettingsSheet::setAccount(const AccountShown& account)
 {
     for (SettingsPanel* panel : std::as_const(m_panels))

@@ -13,7 +13,6 @@ class SettingsSheet : public Sheet {
 public:
     SettingsSheet(const QString& title, QSize size, QWidget* window);
     void setPage(int index);    // shows; emits nothing
-    int page() const;
     virtual void setAccount(const AccountShown& account);
 
 Q_SIGNALS:
@@ -21,7 +20,6 @@ Q_SIGNALS:
 
 protected:
     void addPage(Icon icon, const QString& title, SettingsPanel* panel);
-    SettingsPanel* panel(int index) const { return m_panels[index]; }
 
 private:
     QStackedWidget* m_pages;

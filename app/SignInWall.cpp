@@ -8,7 +8,6 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr int side = 56, bottom = 44;
 constexpr double leastShare = 0.8;    // of the height, where the picture is too wide for it
-
 }    // namespace
 
 SignInWall::SignInWall(QWidget* parent) : QWidget(parent)

@@ -11,6 +11,7 @@
 #include "app/controls/StatusLine.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 
+#include <QAccessibleWidget>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -46,6 +47,29 @@ protected:
     void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(rect(), themeOf(this).bg); }
 };
 
+class ShellAccessible : public QAccessibleWidget {
+public:
+    explicit ShellAccessible(StudioShell* shell) : QAccessibleWidget(shell, QAccessible::Client) {}
+    int childCount() const override { return isCovered() ? 0 : QAccessibleWidget::childCount(); }
+    QAccessibleInterface* child(int index) const override
+    {
+        return isCovered() ? nullptr : QAccessibleWidget::child(index);
+    }
+    QAccessibleInterface* focusChild() const override
+    {
+        return isCovered() ? nullptr : QAccessibleWidget::focusChild();
+    }
+
+private:
+    bool isCovered() const { return static_cast<StudioShell*>(object())->isCovered(); }
+};
+
+QAccessibleInterface* accessibleOf(const QString&, QObject* object)
+{
+    auto* shell = qobject_cast<StudioShell*>(object);
+    return shell ? new ShellAccessible(shell) : nullptr;
+}
+
 }    // namespace
 
 StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
@@ -55,6 +79,7 @@ StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
       m_veil(new DropVeil(this)), m_splitter(new QSplitter(Qt::Horizontal, this)),
       m_stages(new QStackedWidget)
 {
+    QAccessible::installFactory(accessibleOf);
     setMinimumSize(1200, 720);
     auto* picture = new QWidget;
     auto* pictureRows = new QVBoxLayout(picture);
@@ -98,6 +123,15 @@ StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
 void StudioShell::setStage(Stage stage)
 {
     m_stages->setCurrentIndex(stage == Stage::empty ? 0 : 1);
+}
+
+void StudioShell::setCovered(bool covered)
+{
+    if (covered == m_isCovered)
+        return;
+    m_isCovered = covered;
+    QAccessibleEvent event(this, QAccessible::ObjectReorder);
+    QAccessible::updateAccessibility(&event);
 }
 
 void StudioShell::setBatchWidth(std::optional<int> width)

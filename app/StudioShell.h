@@ -40,6 +40,10 @@ public:
     void setBatchVisible(bool visible);
     void setPanelVisible(bool visible);
 
+    // Something lies over it: a screen reader finds nothing in it meanwhile.
+    void setCovered(bool covered);
+    bool isCovered() const { return m_isCovered; }
+
 Q_SIGNALS:
     void batchWidthDragged(int width);
     void panelWidthDragged(int width);
@@ -64,4 +68,5 @@ private:
     QSplitter* m_splitter;
     QStackedWidget* m_stages;
     std::optional<int> m_batchWidth, m_panelWidth;
+    bool m_isCovered = false;
 };

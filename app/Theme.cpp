@@ -1,6 +1,7 @@
 #include "app/Theme.h"
 
 #include "app/StudioStyle.h"
+#include "app/controls/KeyboardFocus.h"
 
 #include <QApplication>
 #include <QToolTip>
@@ -117,6 +118,7 @@ void dress(QApplication& application, const Theme& theme, Motion motion)
 {
     application.setStyle(new StudioStyle(motion));    // the application owns its style
     application.setFont(fontOf(Type::body));
+    KeyboardFocus::watch(application);
     applyTheme(theme);
 }
 

@@ -1,5 +1,6 @@
 #include "app/UpdatesDetailPanel.h"
 
+#include "app/AccountForm.h"
 #include "app/AccountTexts.h"
 #include "app/AppVersion.h"
 #include "app/Icons.h"
@@ -56,8 +57,16 @@ UpdatesDetailPanel::UpdatesDetailPanel(QWidget* parent)
         button->setEnabled(false);
         button->setToolTip(u"Esta copia de Moltiva no se actualiza por sí sola."_s);
     }
-    connect(m_direct, &PushButton::clicked, this, [this] { Q_EMIT downloadRequested(m_download); });
+    connect(m_direct, &PushButton::clicked, this, [this] {
+        form()->forget();
+        Q_EMIT downloadRequested(m_download);
+    });
     setLatest({}, {});
+}
+
+void UpdatesDetailPanel::tellProblem(const QString& sentence)
+{
+    form()->tellProblem(sentence);
 }
 
 void UpdatesDetailPanel::setLatest(const std::optional<QString>& version,
@@ -75,7 +84,7 @@ void UpdatesDetailPanel::setLatest(const std::optional<QString>& version,
             u"Cuando publiques una nueva versión desde Tallerio, aparecerá aquí para descargarla."_s);
     m_install->setVisible(isNewer);
     m_download = download.value_or(QUrl());
-    const bool isWeb = m_download.isValid() &&
+    const bool isWeb = m_download.isValid() && !m_download.host().isEmpty() &&
                        (m_download.scheme() == u"https"_s || m_download.scheme() == u"http"_s);
     m_direct->setEnabled(isWeb);
     m_direct->setToolTip(isWeb ? QString() : u"Tallerio no ofrece ninguna descarga ahora."_s);

@@ -15,6 +15,7 @@ public:
     explicit UpdatesDetailPanel(QWidget* parent = nullptr);
     // What the service knows of; an address only of the web.
     void setLatest(const std::optional<QString>& version, const std::optional<QUrl>& download);
+    void tellProblem(const QString& sentence);
 
 Q_SIGNALS:
     void downloadRequested(const QUrl& address);

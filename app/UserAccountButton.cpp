@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 constexpr int barHeight = 40, padding = 6, avatarSide = 28, gap = 9, chevron = 16, widestName = 150;
-constexpr int leastDigits = 4;
+constexpr int leastDigits = 4, coin = 12, coinGap = 4;
 }    // namespace
 
 UserAccountButton::UserAccountButton(QWidget* parent) : Control(parent)
@@ -21,7 +21,10 @@ void UserAccountButton::setAccount(const QString& name, int balance)
     const int before = sizeHint().width();
     m_name = shownLine(name);
     m_balance = balance;
-    setAccessibleName(u"Cuenta, %1, %2"_s.arg(m_name, creditsText(balance)));
+    const QString spoken = u"Cuenta, %1, %2"_s.arg(m_name, creditsText(balance));
+    if (spoken == accessibleName())
+        return;
+    setAccessibleName(spoken);
     setToolTip(plainToolTip(m_name));
     if (sizeHint().width() != before)
         Q_EMIT widthChanged();
@@ -43,7 +46,8 @@ QString UserAccountButton::shownName() const
 double UserAccountButton::textRoom() const
 {
     const int digits = int(QString::number(m_balance).size());
-    const double balance = digitsWidth(Type::caption, std::max(leastDigits, digits)) +
+    const double balance = coin + coinGap +
+                           digitsWidth(Type::caption, std::max(leastDigits, digits)) +
                            textWidth(Type::caption, u" créditos"_s);
     const double name = std::min(double(widestName), textWidth(Type::heading, shownName()));
     return std::ceil(std::max(balance, name)) + 1;
@@ -66,7 +70,9 @@ void UserAccountButton::paintEvent(QPaintEvent*)
     const QRectF text(padding + avatarSide + gap, 0, textRoom(), height());
     paintText(painter, QRectF(text.left(), 4, text.width(), 17), Qt::AlignLeft, Type::heading,
               theme.text, shownName());
-    paintText(painter, QRectF(text.left(), 21, text.width(), 14), Qt::AlignLeft, Type::caption,
+    paintIcon(painter, Icon::coin, QRectF(text.left(), 22, coin, coin), coin, theme.accentText);
+    const double left = text.left() + coin + coinGap;
+    paintText(painter, QRectF(left, 21, text.right() - left, 14), Qt::AlignLeft, Type::caption,
               theme.text2, creditsText(m_balance));
     paintIcon(painter, Icon::unfold, QRectF(width() - padding - chevron, 0, chevron, height()),
               chevron, mixed(theme.text2, theme.text, hovered()));

@@ -16,7 +16,7 @@
 #include "studio/BatchExport.h"
 #include "studio/PhotoFolder.h"
 #include "studio/StudioSession.h"
-#include "tools/ScriptedAccount.h"
+#include "tests/support/ScriptedAccount.h"
 
 #include <QScopeGuard>
 #include <QTemporaryDir>

@@ -15,7 +15,7 @@
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
 #include "studio/StudioSession.h"
-#include "tools/ScriptedAccount.h"
+#include "tests/support/ScriptedAccount.h"
 
 #include <QDir>
 #include <QScopeGuard>

@@ -17,7 +17,7 @@
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
-#include "tools/ScriptedAccount.h"
+#include "tests/support/ScriptedAccount.h"
 
 #include <QApplication>
 #include <QDir>
@@ -25,6 +25,7 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -51,8 +52,8 @@ public:
         m_session.restoreWorkspaceIfNeeded();
         take(u"gate-checking"_s);
         m_account.release();
-        waitFor([this] { return m_window.gate()->state() == Gate::signedOut; });
-        return takeGate() && takePopover() && takeSheets();
+        return waitFor([this] { return m_window.gate()->state() == Gate::signedOut; }) &&
+               takeGate() && takePopover() && takeSheets();
     }
 
 private:
@@ -76,12 +77,17 @@ private:
         login->primary(LoginMode::signIn)->click();
         take(u"gate-working"_s);
         m_account.release();
-        waitFor([this] { return !m_account.session().isWorking(); });
+        bool reached = isDone();
         take(u"gate-refused"_s);
         m_account.answer("POST /api/auth/login", ScriptedAccount::summary());
         m_account.answer("GET /api/auth/me", ScriptedAccount::summary());
         login->primary(LoginMode::signIn)->click();
-        return waitFor([this] { return m_window.gate()->state() == Gate::open; });
+        return waitFor([this] { return m_window.gate()->state() == Gate::open; }) && reached;
+    }
+
+    bool isDone()
+    {
+        return waitFor([this] { return !m_account.session().isWorking(); });
     }
 
     template <typename Widget>
@@ -114,10 +120,11 @@ private:
         m_account.answer("POST /api/stripe/checkout",
                          R"({"url":"https://example.org","sessionId":"s1"})");
         m_account.session().buyCredits(10000);
-        waitFor([this] { return m_account.session().pendingCheckoutSessionId().has_value(); });
+        const bool reached =
+            waitFor([this] { return m_account.session().pendingCheckoutSessionId().has_value(); });
         takeOpen(u"popover-pending-password"_s,
                  [](AccountPanelView& view) { view.setPassword(AccountPanelView::Fold::open); });
-        return true;
+        return reached;
     }
 
     bool takeSheets()
@@ -130,7 +137,7 @@ private:
         m_account.answer("POST /api/stripe/confirm", R"({"ok":true,"balance":123456})");
         m_account.answer("GET /api/account/purchases", R"({"purchases":[]})");
         m_account.session().confirmPendingCheckout();
-        waitFor([this] { return !m_account.session().isWorking(); });
+        bool reached = isDone();
         take(u"credits"_s);
         CustomAmount* custom = found<CreditsDetailPanel>()->customAmount();
         custom->choice()->click();
@@ -142,17 +149,18 @@ private:
         m_session.setAccountPanel(AccountPanelDestination::storage);
         take(u"storage"_s);
         m_session.setAccountPanel(AccountPanelDestination::purchases);
+        reached &= isDone();
         take(u"purchases-none"_s);
         m_account.answer("GET /api/account/purchases", purchases);
         m_account.session().refreshPurchaseHistory();
-        waitFor([this] { return !m_account.session().isWorking(); });
+        reached &= isDone();
         take(u"purchases"_s);
         m_account.answer("PATCH /api/auth/profile",
                          ScriptedAccount::summary("Maria del Carmen Fernández-Villaverde y "
                                                   "Rodríguez de Sotomayor",
                                                   987654));
         m_account.session().updateProfile({});
-        waitFor([this] { return !m_account.session().isWorking(); });
+        reached &= isDone();
         m_session.setAccountPanel(AccountPanelDestination::account);
         take(u"account-long-name"_s);
         m_session.setAccountPanel(std::nullopt);
@@ -160,10 +168,10 @@ private:
         m_session.setAppSettingsPresented(true);
         take(u"updates"_s);
         if (auto* sheet = m_window.findChild<AppSettingsWindow*>())
-            sheet->setPage(AppSettingsWindow::localAI);
+            sheet->setDestination(AppSettingsDestination::localAI);
         take(u"local-ai"_s);
         m_session.setAppSettingsPresented(false);
-        return true;
+        return reached;
     }
 
     bool waitFor(const std::function<bool()>& reached)

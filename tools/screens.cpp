@@ -29,9 +29,9 @@
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
 #include "studio/StudioSession.h"
+#include "tests/support/ScriptedAccount.h"
 #include "tools/AccountScreens.h"
 #include "tools/ContactSheets.h"
-#include "tools/ScriptedAccount.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -77,22 +77,16 @@ void Control::glideTo(double hovered)
 
 namespace {
 constexpr int iconSide = 20;
-constexpr int turnTime = 1000, frameTime = 33;    // ms
 }    // namespace
 
 PushButton::PushButton(Icon icon, const QString& text, ButtonKind kind, ButtonSize size,
                        QWidget* parent)
-    : Control(parent), m_icon(icon), m_kind(kind), m_size(size)
+    : Control(parent), m_icon(icon), m_kind(kind), m_size(size), m_turn(this)
 {
     setText(text);
     setAccessibleName(text);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setProperty("focusRadius", row(size).radius);
-    m_spin.setInterval(frameTime);
-    connect(&m_spin, &QTimer::timeout, this, [this] {
-        m_turn = std::fmod(m_turn + double(frameTime) / turnTime, 1.0);
-        update();
-    });
 }
 
 void PushButton::setStretched()
@@ -108,15 +102,26 @@ void PushButton::setFlush()
 
 void PushButton::setWorking(bool working)
 {
-    if (working == isWorking())
+    if (working == m_isWorking)
         return;
+    m_isWorking = working;
+    m_turn.run(working && isVisible());
     if (working)
-        m_spin.start();
-    else
-        m_spin.stop();
-    m_turn = 0;
-    setAccessibleDescription(working ? QStringLiteral("En curso") : QString());
+        m_description = accessibleDescription();
+    setAccessibleDescription(working ? QStringLiteral("En curso") : m_description);
     update();
+}
+
+void PushButton::showEvent(QShowEvent* event)
+{
+    Control::showEvent(event);
+    m_turn.run(m_isWorking);
+}
+
+void PushButton::hideEvent(QHideEvent* event)
+{
+    Control::hideEvent(event);
+    m_turn.run(false);
 }
 
 bool PushButton::event(QEvent* event)
@@ -219,7 +224,7 @@ void PushButton::paintEvent(QPaintEvent*)
     const bool hasPlace = m_icon != Icon::none;
     if (isWorking()) {
         const QRectF spinner(hasPlace ? left : (width() - 16) / 2.0, (height() - 16) / 2.0, 16, 16);
-        paintSpinner(painter, spinner, withOpacity(ink, 0.25), ink, m_turn, 1.8);
+        paintSpinner(painter, spinner, withOpacity(ink, 0.25), ink, m_turn.value(), 1.8);
         if (!hasPlace)
             return;
     } else if (hasPlace) {

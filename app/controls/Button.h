@@ -1,9 +1,9 @@
 #pragma once
 #include "app/Icons.h"
 #include "app/controls/Painting.h"
+#include "app/controls/SpinnerTurn.h"
 
 #include <QAbstractButton>
-#include <QTimer>
 #include <QVariantAnimation>
 
 // What all our buttons share: no focus from the mouse, a ring for focus from the keyboard, a hover
@@ -67,12 +67,14 @@ public:
     // What it asked for goes on: a spinner stands for its icon, and presses have no effect. It
     // stays enabled, and so keeps the focus.
     void setWorking(bool working);
-    bool isWorking() const { return m_spin.isActive(); }
+    bool isWorking() const { return m_isWorking; }
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     bool event(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -85,8 +87,9 @@ private:
     Joined m_joined = Joined::no;
     Labels m_labels = Labels::shown;
     bool m_isFlush = false;
-    QTimer m_spin;
-    double m_turn = 0;    // of the spinner
+    bool m_isWorking = false;
+    QString m_description;    // what it has while it does not work
+    SpinnerTurn m_turn;
 };
 
 class IconButton : public Control {

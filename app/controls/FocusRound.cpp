@@ -1,6 +1,7 @@
 #include "app/controls/FocusRound.h"
 
-#include <QAbstractButton>
+#include "app/controls/Button.h"
+
 #include <QKeyEvent>
 
 bool moveFocusRound(QWidget* area, bool next)
@@ -28,6 +29,8 @@ bool pressFocused(const QKeyEvent* event, const QWidget* area)
     auto* button = qobject_cast<QAbstractButton*>(area->window()->focusWidget());
     if (!button || !area->isAncestorOf(button) || !button->isEnabled() || event->isAutoRepeat())
         return false;
+    if (const auto* push = qobject_cast<PushButton*>(button); push && push->isWorking())
+        return true;
     button->click();
     return true;
 }

@@ -218,7 +218,12 @@ void FormField::setShown(const QString& text)
     m_shown = text;
     if (m_edit->isModified() && m_edit->text() != text)
         return;
-    m_edit->setText(text);
+    setSaved();
+}
+
+void FormField::setSaved()
+{
+    m_edit->setText(m_shown);    // which counts as not modified
     m_edit->setCursorPosition(0);
 }
 

@@ -59,6 +59,8 @@ public:
     QList<QWidget*> focusOrder() const;
     // Shows; emits nothing, and leaves alone what is being typed.
     void setShown(const QString& text);
+    // What was typed is what it was sent for: what is shown takes its place.
+    void setSaved();
     void clear();
     void setLocked(bool locked) { m_edit->setLocked(locked); }
     void setProblem(bool problem) { m_edit->setProblem(problem); }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <Qt>
+
+class QApplication;
 class QFocusEvent;
 class QWidget;
 
@@ -8,4 +11,8 @@ class QWidget;
 namespace KeyboardFocus {
 void entered(QWidget* control, const QFocusEvent* event);
 void left(QWidget* control);
+
+// Of focus that the program moves: as by the keyboard where a key was what came last.
+Qt::FocusReason reason();
+void watch(QApplication& application);    // for `reason`
 }    // namespace KeyboardFocus

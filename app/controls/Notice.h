@@ -2,22 +2,27 @@
 #include <QWidget>
 
 class Paragraph;
+class PushButton;
 
 enum class NoticeKind { info, problem };
 
 // What came of the last action, with its icon. Its room is kept when it is empty, so that nothing
-// jumps when it comes.
+// jumps when it comes. An address in it can be copied: its last row is then the button for that.
 class Notice : public QWidget {
     Q_OBJECT
 public:
-    explicit Notice(int rows, QWidget* parent = nullptr);
+    // `place`: of less text than its rows, at the top or in the middle.
+    explicit Notice(int rows, Qt::Alignment place = Qt::AlignTop, QWidget* parent = nullptr);
     void tell(NoticeKind kind, const QString& text);
     QString text() const;
+    PushButton* copyButton() const { return m_copy; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    const int m_rows;
     NoticeKind m_kind = NoticeKind::info;
     Paragraph* m_text;
+    PushButton* m_copy;
 };

@@ -9,6 +9,7 @@
 QStringList wrappedRows(const QString& text, Type type, double width, int mostRows)
 {
     QStringList rows;
+    qsizetype start = 0;    // of the line
     for (const QString& line : text.split(u'\n')) {
         QTextLayout layout(line, fontOf(type));
         QTextOption option;
@@ -18,12 +19,13 @@ QStringList wrappedRows(const QString& text, Type type, double width, int mostRo
         for (QTextLine row = layout.createLine(); row.isValid(); row = layout.createLine()) {
             row.setLineWidth(std::max(1.0, width));
             if (rows.size() == mostRows - 1) {
-                rows.append(line.mid(row.textStart()));
+                rows.append(text.mid(start + row.textStart()).replace(u'\n', u' '));
                 return rows;
             }
             rows.append(line.mid(row.textStart(), row.textLength()).trimmed());
         }
         layout.endLayout();
+        start += line.size() + 1;
     }
     return rows;
 }
@@ -43,9 +45,16 @@ void Paragraph::setText(const QString& text)
     if (text == m_text)
         return;
     m_text = text;
-    setAccessibleName(text);
+    if (m_spoken == Spoken::byItself)
+        setAccessibleName(text);
     updateGeometry();
     update();
+}
+
+void Paragraph::setSpoken(Spoken spoken)
+{
+    m_spoken = spoken;
+    setAccessibleName(spoken == Spoken::byItself ? m_text : QString());
 }
 
 void Paragraph::setInk(QColor Theme::*ink)

@@ -3,7 +3,9 @@
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
 #include "app/controls/FocusRound.h"
+#include "app/controls/KeyboardFocus.h"
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -37,12 +39,31 @@ protected:
     }
 };
 
+// A screen reader is told that nothing else can be used meanwhile.
+class SheetAccessible : public QAccessibleWidget {
+public:
+    explicit SheetAccessible(Sheet* sheet) : QAccessibleWidget(sheet, QAccessible::Dialog) {}
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.modal = true;
+        return state;
+    }
+};
+
+QAccessibleInterface* accessibleOf(const QString&, QObject* object)
+{
+    auto* sheet = qobject_cast<Sheet*>(object);
+    return sheet ? new SheetAccessible(sheet) : nullptr;
+}
+
 }    // namespace
 
 Sheet::Sheet(const QString& title, QSize size, QWidget* window)
     : QWidget(window), m_size(size), m_box(new Box(this)), m_column(new QVBoxLayout),
       m_content(new QVBoxLayout), m_close(new IconButton(Icon::close, u"Cerrar"_s, 32, m_box))
 {
+    QAccessible::installFactory(accessibleOf);
     hide();
     setFocusPolicy(Qt::ClickFocus);
     setAccessibleName(title);
@@ -83,7 +104,7 @@ void Sheet::present()
     show();
     raise();
     QWidget* first = m_firstFocus ? m_firstFocus.data() : m_close;
-    first->setFocus(Qt::OtherFocusReason);
+    first->setFocus(KeyboardFocus::reason());
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget*, QWidget* now) { keepFocus(now); });
     if (style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0 &&
@@ -93,7 +114,6 @@ void Sheet::present()
         m_rise.start();
         place();
     }
-    Q_EMIT presentedChanged();
 }
 
 void Sheet::dismiss()
@@ -106,10 +126,9 @@ void Sheet::dismiss()
     settle();
     hide();
     if (m_before && m_before->isVisible() && m_before->isEnabled())
-        m_before->setFocus(Qt::OtherFocusReason);
+        m_before->setFocus(KeyboardFocus::reason());
     m_before = nullptr;
     m_last = nullptr;
-    Q_EMIT presentedChanged();
 }
 
 void Sheet::settle()

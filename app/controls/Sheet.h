@@ -26,7 +26,6 @@ public:
 
 Q_SIGNALS:
     void closeRequested();
-    void presentedChanged();
 
 protected:
     QVBoxLayout* column() const { return m_column; }

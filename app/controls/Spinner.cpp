@@ -2,28 +2,19 @@
 
 #include "app/controls/Painting.h"
 
-namespace {
-constexpr int turnTime = 1000, frameTime = 33;    // ms
-}
-
-Spinner::Spinner(int side, QWidget* parent) : QWidget(parent)
+Spinner::Spinner(int side, QWidget* parent) : QWidget(parent), m_turn(this)
 {
     setFixedSize(side, side);
-    m_spin.setInterval(frameTime);
-    connect(&m_spin, &QTimer::timeout, this, [this] {
-        m_turn = std::fmod(m_turn + double(frameTime) / turnTime, 1.0);
-        update();
-    });
 }
 
 void Spinner::showEvent(QShowEvent*)
 {
-    m_spin.start();
+    m_turn.run(true);
 }
 
 void Spinner::hideEvent(QHideEvent*)
 {
-    m_spin.stop();
+    m_turn.run(false);
 }
 
 void Spinner::paintEvent(QPaintEvent*)
@@ -31,6 +22,6 @@ void Spinner::paintEvent(QPaintEvent*)
     const Theme& theme = themeOf(this);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    paintSpinner(painter, rect(), theme.line2, theme.accentLine, m_turn,
+    paintSpinner(painter, rect(), theme.line2, theme.accentLine, m_turn.value(),
                  std::max(1.8, width() / 10.0));
 }

@@ -1,6 +1,5 @@
 #pragma once
-#include <QTimer>
-#include <QWidget>
+#include "app/controls/SpinnerTurn.h"
 
 // Says that something goes on, while it is shown.
 class Spinner : public QWidget {
@@ -14,6 +13,5 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    QTimer m_spin;
-    double m_turn = 0;
+    SpinnerTurn m_turn;
 };

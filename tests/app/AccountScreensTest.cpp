@@ -10,17 +10,21 @@
 #include "app/CustomAmount.h"
 #include "app/LoginView.h"
 #include "app/MainWindow.h"
+#include "app/PurchasesDetailPanel.h"
 #include "app/StudioMenu.h"
+#include "app/StudioShell.h"
 #include "app/UserAccountButton.h"
 #include "app/controls/Button.h"
 #include "app/controls/FormField.h"
 #include "app/controls/Notice.h"
+#include "app/controls/StatusLine.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 #include "tests/app/Events.h"
-#include "tools/ScriptedAccount.h"
+#include "tests/support/ScriptedAccount.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QClipboard>
 #include <QTemporaryDir>
@@ -58,12 +62,31 @@ protected:
     }
     LoginView* login() { return window.gate()->login(); }
     QString notice() { return login()->findChild<Notice*>()->text(); }
-    QUrl photo()
+    QString status() { return window.shell()->statusLine()->history().last().sentence; }
+    bool isTold(const QString& sentence)
+    {
+        return QTest::qWaitFor([&] { return status() == sentence; });
+    }
+    AccountPanelView* popover()
+    {
+        window.findChild<UserAccountButton*>()->click();
+        return window.findChild<AccountPanelView*>();
+    }
+    template <typename Part>
+    static Part* named(QWidget* in, const QString& name)
+    {
+        for (Part* part : in->findChildren<Part*>()) {
+            if (part->accessibleName() == name)
+                return part;
+        }
+        return nullptr;
+    }
+    QUrl photo(const QString& name = u"f.png"_s)
     {
         QImage image(60, 40, QImage::Format_RGB32);
         image.fill(Qt::red);
-        EXPECT_TRUE(image.save(folder.filePath(u"f.png"_s)));
-        return QUrl::fromLocalFile(folder.filePath(u"f.png"_s));
+        EXPECT_TRUE(image.save(folder.filePath(name)));
+        return QUrl::fromLocalFile(folder.filePath(name));
     }
 
     QTemporaryDir folder;
@@ -87,6 +110,8 @@ TEST(CreditAmounts, CustomOnesAreWholeBlocksWithinTheLimits)
         {u""_s, std::nullopt},    {u"-"_s, std::nullopt},
         {u"1e5"_s, std::nullopt}, {u"mil"_s, std::nullopt},
         {u"1,5"_s, std::nullopt}, {u"٣٠٠٠"_s, std::nullopt},
+        {u"1.5"_s, std::nullopt}, {u"1500.50"_s, std::nullopt},
+        {u"1 500"_s, 2000},       {u"1.000 000"_s, 1000000},
     };
     for (const auto& [typed, credits] : cases)
         EXPECT_EQ(effectiveCredits(typed), credits) << qPrintable(typed);
@@ -113,7 +138,7 @@ TEST(AppVersion, ComparesNumbersNotText)
 
 TEST(AccountTexts, WhatTheServiceTellsIsOneBoundedLine)
 {
-    EXPECT_EQ(shownLine(u"Ana\u202e\n\u0007 María\t"_s.remove(u'\u202e')), u"Ana María"_s);
+    EXPECT_EQ(shownLine(u"Ana\u202e\n\u0007 María\t"_s), u"Ana María"_s);
     EXPECT_LE(shownLine(QString(1'000'000, u'x')).size(), 301);
     EXPECT_EQ(initialsOf(u"Lucía de la Ferrer"_s), u"LF"_s);
     EXPECT_EQ(initialsOf(u"ana maria@casa.es"_s), u"A"_s);
@@ -153,12 +178,17 @@ TEST_F(AccountScreensTest, TheCheckRunsOnceAndTheStudioWaitsForIt)
         R"(POST /api/auth/login {"email":"lucia@casaliebana.es","password":"secreto"})"));
     EXPECT_TRUE(login()->password()->text().isEmpty());
     EXPECT_TRUE(window.menu()->action(Command::importImages)->isEnabled());
-    EXPECT_TRUE(QTest::qWaitFor([this] { return session.batch().items.size() == 1; }));
+    // More of the same that was opened before.
+    window.open({photo(u"g.png"_s)});
+    EXPECT_TRUE(QTest::qWaitFor([this] { return session.batch().items.size() == 2; }));
 
+    ASSERT_TRUE(isDone());
+    EXPECT_FALSE(login()->primary(LoginMode::signIn)->isWorking());
+    EXPECT_FALSE(login()->email()->edit()->isReadOnly());
     account.answer("POST /api/auth/logout", R"({"ok":true})");
     window.menu()->action(Command::signOut)->trigger();
     ASSERT_TRUE(isAt(Gate::signedOut));
-    EXPECT_EQ(session.batch().items.size(), 1);
+    EXPECT_EQ(session.batch().items.size(), 2);
     EXPECT_FALSE(window.menu()->action(Command::undo)->isEnabled());
     EXPECT_EQ(account.log().count("GET /api/auth/me"), 1);
 }
@@ -179,8 +209,13 @@ TEST_F(AccountScreensTest, WhatIsMissingIsToldBeforeTheServiceIsAsked)
     EXPECT_EQ(window.focusWidget(), login()->password()->edit());
     QTest::keyClicks(login()->password()->edit(), u"uno"_s);
     EXPECT_FALSE(notice().startsWith(u"Escribe"_s));
+    EXPECT_EQ(send(LoginMode::createAccount), u"La contraseña necesita al menos 8 caracteres."_s);
+    QTest::keyClicks(login()->password()->edit(), u"dostres"_s);
     EXPECT_EQ(send(LoginMode::createAccount), u"Las dos contraseñas no coinciden."_s);
     EXPECT_EQ(account.log().size(), sent);
+    login()->password()->edit()->setFocus();
+    QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(window.focusWidget()->parentWidget(), login()->password()->edit());    // its eye
 
     account.answer("POST /api/auth/login", R"({"error":"invalid_credentials"})", 400);
     account.hold();
@@ -192,6 +227,9 @@ TEST_F(AccountScreensTest, WhatIsMissingIsToldBeforeTheServiceIsAsked)
     EXPECT_EQ(window.focusWidget(), login()->password()->edit());
     QTest::keyClick(login()->password()->edit(), Qt::Key_Return);
     QTest::keyClick(primary, Qt::Key_Space);
+    primary->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(primary, Qt::Key_Return);
+    primary->click();    // as a screen reader does
     account.release();
     ASSERT_TRUE(isDone());
     EXPECT_EQ(account.log().size(), sent + 1);
@@ -232,6 +270,9 @@ TEST_F(AccountScreensTest, ASheetHoldsTheFocusAndGivesItBack)
     }
     button->setFocus();    // whatever asks for it from behind
     EXPECT_TRUE(sheet->isAncestorOf(window.focusWidget()));
+    QAccessibleInterface* shell = QAccessible::queryAccessibleInterface(window.shell());
+    EXPECT_EQ(shell->childCount(), 0);
+    EXPECT_TRUE(QAccessible::queryAccessibleInterface(sheet)->state().modal);
     window.resize(1200, 720);
     EXPECT_EQ(sheet->geometry(), window.rect());
     EXPECT_TRUE(window.rect().contains(sheet->box()->geometry()));
@@ -240,6 +281,7 @@ TEST_F(AccountScreensTest, ASheetHoldsTheFocusAndGivesItBack)
     EXPECT_FALSE(sheet->isPresented());
     EXPECT_FALSE(session.accountPanel());
     EXPECT_EQ(window.focusWidget(), button);
+    EXPECT_GT(shell->childCount(), 0);
     EXPECT_TRUE(window.menu()->action(Command::undo)->isEnabled());
 }
 
@@ -268,13 +310,125 @@ TEST_F(AccountScreensTest, CreditsAreBoughtAndThePasswordIsChanged)
     session.setAccountPanel(AccountPanelDestination::account);
     const auto fields = sheet->accountPanel()->findChildren<FormField*>();
     for (FormField* field : fields)
-        field->edit()->setText(u"nueva"_s);
+        field->edit()->setText(u"novísima"_s);
     account.answer("POST /api/auth/password", R"({"error":"invalid_credentials"})", 400);
     QTest::keyClick(fields.last()->edit(), Qt::Key_Return);
     ASSERT_TRUE(isDone());
-    EXPECT_EQ(fields.last()->text(), u"nueva"_s);
+    EXPECT_EQ(fields.last()->text(), u"novísima"_s);
     account.answer("POST /api/auth/password", R"({"ok":true})");
     QTest::keyClick(fields.last()->edit(), Qt::Key_Return);
     ASSERT_TRUE(isDone());
     EXPECT_TRUE(QTest::qWaitFor([&] { return fields.last()->text().isEmpty(); }));
+}
+
+TEST_F(AccountScreensTest, WhatWasTypedDoesNotReachWhoComesNext)
+{
+    signIn();
+    const auto fields = [this] {
+        session.setAccountPanel(AccountPanelDestination::account);
+        return window.findChild<AccountDetailPanel*>()->findChildren<FormField*>();
+    };
+    for (FormField* field : fields())
+        QTest::keyClicks(field->edit(), u"tecleado"_s);
+    session.setAccountPanel(std::nullopt);
+    EXPECT_EQ(fields().last()->text(), QString());
+    account.answer("POST /api/auth/logout", R"({"ok":true})");
+    account.session().logout();
+    ASSERT_TRUE(isAt(Gate::signedOut));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    account.answer("POST /api/auth/login", ScriptedAccount::summary("Otra"));
+    account.session().login(u"otra@b.es"_s, u"x"_s);
+    ASSERT_TRUE(isAt(Gate::open));
+    EXPECT_EQ(fields().first()->text(), u"Otra"_s);
+}
+
+TEST_F(AccountScreensTest, OutcomesAreToldWhereNoScreenShowsThem)
+{
+    show();
+    ASSERT_TRUE(isAt(Gate::signedOut));
+    window.open({QUrl(u"moltiva://nada"_s)});
+    EXPECT_EQ(notice(), u"Moltiva no reconoce el enlace que se ha abierto."_s);
+    account.answer("POST /api/auth/login", ScriptedAccount::summary());
+    account.session().login(u"a@b.es"_s, u"x"_s);
+    EXPECT_TRUE(isTold(u"Sesión iniciada."_s));
+    account.answer("POST /api/auth/logout", R"({"error":"x"})", 500);
+    for (int i = 0; i < 2; ++i) {    // the same again is told again
+        window.menu()->action(Command::signOut)->trigger();
+        EXPECT_EQ(window.shell()->statusLine()->history().last().kind, StatusKind::busy);
+        ASSERT_TRUE(isDone());
+        EXPECT_TRUE(isTold(account.session().message()));
+    }
+    window.open({QUrl(u"moltiva://social-connected?status=no"_s)});
+    EXPECT_TRUE(isTold(u"No se ha completado la conexión de la red social."_s));
+}
+
+TEST_F(AccountScreensTest, PurchasesAreEmptyOnlyOnceThatIsKnown)
+{
+    signIn();
+    account.answer("GET /api/account/purchases", R"({"error":"x"})", 500);
+    session.setAccountPanel(AccountPanelDestination::purchases);
+    auto* panel = window.findChild<PurchasesDetailPanel*>();
+    const auto* none = named<QWidget>(panel, u"Sin compras recientes"_s);
+    auto* refresh = named<PushButton>(panel, u"Actualizar historial"_s);
+    const auto* told = panel->findChild<Notice*>();
+    ASSERT_TRUE(isDone());
+    EXPECT_FALSE(none->isVisible());
+    EXPECT_FALSE(told->text().isEmpty());
+    account.answer("GET /api/account/purchases", R"({"purchases":[]})");
+    refresh->click();
+    ASSERT_TRUE(isDone());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return none->isVisible(); }));
+    EXPECT_EQ(told->text(), QString());
+    account.answer("GET /api/account/purchases",
+                   R"({"purchases":[{"id":"7","kind":"credits","amountCents":1000,
+                       "detail":"10.000","invoiceURL":"https://example.org/1"}]})");
+    account.answer("GET /api/account/purchases/link", R"({"url":"https://example.org/d"})");
+    refresh->click();
+    ASSERT_TRUE(isDone());
+    auto* invoice = named<PushButton>(panel, u"Ver factura"_s);
+    ASSERT_TRUE(invoice);
+    const QString description = invoice->accessibleDescription();
+    const auto asked = account.log().size();
+    invoice->click();
+    invoice->click();
+    ASSERT_TRUE(isDone());
+    EXPECT_EQ(account.log().size(), asked + 1);
+    EXPECT_EQ(account.opened(), QList{QUrl(u"https://example.org/d"_s)});
+    EXPECT_EQ(invoice->accessibleDescription(), description);
+}
+
+TEST_F(AccountScreensTest, ThePopoverFitsWhatItShows)
+{
+    signIn();
+    AccountPanelView* view = popover();
+    settle();
+    const int folded = view->height();
+    view->setPassword(AccountPanelView::Fold::open);
+    settle();
+    EXPECT_GT(view->height(), folded);
+    view->setPassword(AccountPanelView::Fold::folded);
+    settle();
+    EXPECT_EQ(view->height(), folded);
+
+    auto* name = view->findChild<FormField*>();
+    name->edit()->clear();
+    QTest::keyClick(name->edit(), Qt::Key_Return);
+    EXPECT_EQ(view->findChild<Notice*>()->text(), u"Escribe tu nombre."_s);
+    account.answer("PATCH /api/auth/profile", ScriptedAccount::summary("LUCÍA"));
+    QTest::keyClicks(name->edit(), u"lucia"_s);
+    EXPECT_EQ(view->findChild<Notice*>()->text(), QString());
+    QTest::keyClick(name->edit(), Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return name->text() == u"LUCÍA"_s; }));
+    EXPECT_EQ(view->findChild<Notice*>()->text(), u"Perfil guardado."_s);
+}
+
+TEST_F(AccountScreensTest, AnAddressThatIsToldCanBeCopied)
+{
+    Notice told(2);
+    told.show();
+    told.tell(NoticeKind::problem, u"Abre tú esta dirección: https://a.es/x?y=1"_s);
+    told.copyButton()->click();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"https://a.es/x?y=1"_s);
+    told.tell(NoticeKind::info, u"Hecho."_s);
+    EXPECT_FALSE(told.copyButton()->isVisible());
 }

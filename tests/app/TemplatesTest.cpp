@@ -15,7 +15,7 @@
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 #include "tests/app/Events.h"
-#include "tools/ScriptedAccount.h"
+#include "tests/support/ScriptedAccount.h"
 
 #include <QApplication>
 #include <QTemporaryDir>

@@ -33,8 +33,10 @@ const QList<Room>& rooms()
         {u"service"_qs, {u"account"_qs, u"model"_qs, u"platform"_qs}},
         {u"cli"_qs, belowApp},
         {u"app"_qs, belowApp + aboveStudio, true},
-        {u"tools"_qs, belowApp + aboveStudio + QStringList{u"app"_qs}, true},
-        {u"benchmarks"_qs, belowApp + aboveStudio + QStringList{u"app"_qs, u"tools"_qs}, true},
+        {u"tests/support"_qs, {u"account"_qs, u"model"_qs, u"platform"_qs}},
+        {u"tools"_qs, belowApp + aboveStudio + QStringList{u"app"_qs, u"tests/support"_qs}, true},
+        {u"benchmarks"_qs, belowApp + aboveStudio + QStringList{u"app"_qs, u"tests/support"_qs},
+         true},
     };
     return table;
 }

@@ -1,4 +1,4 @@
-#include "tools/ScriptedAccount.h"
+#include "tests/support/ScriptedAccount.h"
 
 ScriptedAccount::ScriptedAccount(PreferencesStore& preferences, Scripted state)
     : m_api(listening(), preferences), m_session(m_api, {.openInBrowser = [this](const QUrl& url) {
