@@ -330,109 +330,111 @@ void AccountAPI::forgetSessionCookie(const QByteArray& cookie)
 QCoro::Task<AccountSummary> AccountAPI::me(std::stop_token stop)
 {
     Call call{"GET", "/api/auth/me"};
-    return request<AccountSummary>(std::move(call), stop);
+    return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
-QCoro::Task<AccountSummary> AccountAPI::login(QString email, QString password, std::stop_token stop)
+QCoro::Task<AccountSummary> AccountAPI::login(const QString& email, const QString& password,
+                                              std::stop_token stop)
 {
     Call call{"POST", "/api/auth/login", toWire(CredentialsRequest{email, password})};
-    return request<AccountSummary>(std::move(call), stop);
+    return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
-QCoro::Task<AccountSummary> AccountAPI::registerAccount(QString email, QString password,
-                                                        std::stop_token stop)
+QCoro::Task<AccountSummary>
+AccountAPI::registerAccount(const QString& email, const QString& password, std::stop_token stop)
 {
     Call call{"POST", "/api/auth/register", toWire(CredentialsRequest{email, password})};
-    return request<AccountSummary>(std::move(call), stop);
+    return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
 QCoro::Task<> AccountAPI::logout(std::stop_token stop)
 {
     Call call{"POST", "/api/auth/logout", toWire(EmptyRequest())};
     call.endsSession = true;
-    return unlessRefused(obey(std::move(call), stop));
+    return unlessRefused(obey(std::move(call), std::move(stop)));
 }
 
-QCoro::Task<AccountSummary> AccountAPI::updateProfile(QString fullName, std::stop_token stop)
+QCoro::Task<AccountSummary> AccountAPI::updateProfile(const QString& fullName, std::stop_token stop)
 {
     Call call{"PATCH", "/api/auth/profile", toWire(ProfileRequest{fullName})};
-    return request<AccountSummary>(std::move(call), stop);
+    return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
-QCoro::Task<> AccountAPI::changePassword(QString currentPassword, QString newPassword,
-                                         QString confirmNewPassword, std::stop_token stop)
+QCoro::Task<> AccountAPI::changePassword(const QString& currentPassword, const QString& newPassword,
+                                         const QString& confirmNewPassword, std::stop_token stop)
 {
     const PasswordChangeRequest change{currentPassword, newPassword, confirmNewPassword};
     Call call{"POST", "/api/auth/password", toWire(change)};
-    return obey(std::move(call), stop);
+    return obey(std::move(call), std::move(stop));
 }
 
-QCoro::Task<> AccountAPI::requestPasswordReset(QString email, std::stop_token stop)
+QCoro::Task<> AccountAPI::requestPasswordReset(const QString& email, std::stop_token stop)
 {
     const PasswordResetRequest reset{email};
     Call call{"POST", "/api/auth/password-reset/request", toWire(reset)};
-    return obey(std::move(call), stop);
+    return obey(std::move(call), std::move(stop));
 }
 
-QCoro::Task<AccountSummary> AccountAPI::exchangeDesktopAuthToken(QString token,
+QCoro::Task<AccountSummary> AccountAPI::exchangeDesktopAuthToken(const QString& token,
                                                                  std::stop_token stop)
 {
     Call call{"POST", "/api/auth/desktop/exchange", toWire(DesktopAuthExchangeRequest{token})};
-    return request<AccountSummary>(std::move(call), stop);
+    return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
 QCoro::Task<CheckoutStart> AccountAPI::startCheckout(int credits, std::stop_token stop)
 {
     Call call{"POST", "/api/stripe/checkout", toWire(CheckoutRequest{credits, checkoutClient})};
-    return request<CheckoutStart>(std::move(call), stop);
+    return request<CheckoutStart>(std::move(call), std::move(stop));
 }
 
-QCoro::Task<AccountSummary> AccountAPI::confirmCheckout(QString sessionId, std::stop_token stop)
+QCoro::Task<AccountSummary> AccountAPI::confirmCheckout(const QString& sessionId,
+                                                        std::stop_token stop)
 {
     const CheckoutConfirmRequest confirmation{sessionId};
     Call call{"POST", "/api/stripe/confirm", toWire(confirmation)};
-    return confirmed(request<CheckoutConfirmResponse>(std::move(call), stop));
+    return confirmed(request<CheckoutConfirmResponse>(std::move(call), std::move(stop)));
 }
 
 QCoro::Task<PurchaseHistoryResponse> AccountAPI::purchaseHistory(std::stop_token stop)
 {
     Call call{"GET", "/api/account/purchases"};
-    return request<PurchaseHistoryResponse>(std::move(call), stop);
+    return request<PurchaseHistoryResponse>(std::move(call), std::move(stop));
 }
 
-QCoro::Task<PurchaseDocumentLinkResponse> AccountAPI::purchaseDocumentLink(QString purchaseId,
-                                                                           std::stop_token stop)
+QCoro::Task<PurchaseDocumentLinkResponse>
+AccountAPI::purchaseDocumentLink(const QString& purchaseId, std::stop_token stop)
 {
     Call call{"GET",
               "/api/account/purchases/link?purchaseId=" + QUrl::toPercentEncoding(purchaseId)};
-    return request<PurchaseDocumentLinkResponse>(std::move(call), stop);
+    return request<PurchaseDocumentLinkResponse>(std::move(call), std::move(stop));
 }
 
 QCoro::Task<CreditOperationResponse>
-AccountAPI::reserveSocialCopyCredits(int cost, QString requestId, std::stop_token stop)
+AccountAPI::reserveSocialCopyCredits(int cost, const QString& requestId, std::stop_token stop)
 {
     Call call{"POST", "/api/credits/social-copy/reserve",
               toWire(CreditOperationRequest{cost, requestId})};
-    return request<CreditOperationResponse>(std::move(call), stop);
+    return request<CreditOperationResponse>(std::move(call), std::move(stop));
 }
 
 QCoro::Task<CreditOperationResponse>
-AccountAPI::refundSocialCopyCredits(int cost, QString requestId, std::stop_token stop)
+AccountAPI::refundSocialCopyCredits(int cost, const QString& requestId, std::stop_token stop)
 {
     Call call{"POST", "/api/credits/social-copy/refund",
               toWire(CreditOperationRequest{cost, requestId})};
-    return request<CreditOperationResponse>(std::move(call), stop);
+    return request<CreditOperationResponse>(std::move(call), std::move(stop));
 }
 
 QCoro::Task<CloudCopyConfig> AccountAPI::socialCopyConfig(std::stop_token stop)
 {
     Call call{"GET", "/api/publicaciones/config"};
-    return request<CloudCopyConfig>(std::move(call), stop);
+    return request<CloudCopyConfig>(std::move(call), std::move(stop));
 }
 
-QCoro::Task<GeneratedCopy> AccountAPI::generateSocialCopy(QUrl image, QString objective,
-                                                          SocialFormat format, QString requestId,
-                                                          std::stop_token stop)
+QCoro::Task<GeneratedCopy>
+AccountAPI::generateSocialCopy(const QUrl& image, const QString& objective, SocialFormat format,
+                               const QString& requestId, std::stop_token stop)
 {
     // Reading, encoding and writing out take longer than a frame.
     const auto prepare = [path = image.toLocalFile(), objective, format, requestId] {
@@ -441,46 +443,48 @@ QCoro::Task<GeneratedCopy> AccountAPI::generateSocialCopy(QUrl image, QString ob
                                                 payload.mimeType, payload.bytes});
     };
     return generated(requestPrepared<SocialCopyGenerateResponse>(
-        {"POST", "/api/publicaciones/generate"}, runOnWorker(prepare), stop));
+        {"POST", "/api/publicaciones/generate"}, runOnWorker(prepare), std::move(stop)));
 }
 
-QCoro::Task<> AccountAPI::uploadTemplate(QString fileName, QByteArray jsonData,
-                                         std::optional<QString> oldFileName, std::stop_token stop)
+QCoro::Task<> AccountAPI::uploadTemplate(const QString& fileName, const QByteArray& jsonData,
+                                         const std::optional<QString>& oldFileName,
+                                         std::stop_token stop)
 {
     const TemplateUploadRequest upload{fileName, oldFileName, jsonData};
     Call call{"POST", "/api/publicaciones/templates/update", toWire(upload)};
-    return obey(std::move(call), stop);
+    return obey(std::move(call), std::move(stop));
 }
 
-QCoro::Task<> AccountAPI::deleteTemplate(QString fileName, std::stop_token stop)
+QCoro::Task<> AccountAPI::deleteTemplate(const QString& fileName, std::stop_token stop)
 {
     const TemplateDeleteRequest deletion{fileName};
     Call call{"POST", "/api/publicaciones/templates/delete", toWire(deletion)};
-    return obey(std::move(call), stop);
+    return obey(std::move(call), std::move(stop));
 }
 
 QCoro::Task<SocialStatusResponse> AccountAPI::socialStatus(std::stop_token stop)
 {
     Call call{"GET", "/api/social/status", std::nullopt, Base::site};
-    return request<SocialStatusResponse>(std::move(call), stop);
+    return request<SocialStatusResponse>(std::move(call), std::move(stop));
 }
 
-QCoro::Task<SocialConnectTokenResponse> AccountAPI::socialConnectToken(QString network,
+QCoro::Task<SocialConnectTokenResponse> AccountAPI::socialConnectToken(const QString& network,
                                                                        std::stop_token stop)
 {
     Call call{"POST", "/api/social/connect-token", toWire(SocialConnectTokenRequest{network}),
               Base::site};
-    return request<SocialConnectTokenResponse>(std::move(call), stop);
+    return request<SocialConnectTokenResponse>(std::move(call), std::move(stop));
 }
 
 QCoro::Task<SocialPublishResponse>
-AccountAPI::publishSocialPost(QString network, QString caption, QList<SocialPublishImage> images,
-                              QString requestId, QString placement, std::stop_token stop)
+AccountAPI::publishSocialPost(const QString& network, const QString& caption,
+                              QList<SocialPublishImage> images, const QString& requestId,
+                              const QString& placement, std::stop_token stop)
 {
     const SocialPublishRequest post{network, caption, std::move(images), requestId, placement};
     return requestPrepared<SocialPublishResponse>(
         {"POST", "/api/social/publish", std::nullopt, Base::site},
-        runOnWorker([post] { return toWire(post); }), stop);
+        runOnWorker([post] { return toWire(post); }), std::move(stop));
 }
 
 QUrl AccountAPI::testMailURL() const

@@ -36,46 +36,49 @@ public:
     ~AccountAPI() override;
 
     QCoro::Task<AccountSummary> me(std::stop_token stop = {});
-    QCoro::Task<AccountSummary> login(QString email, QString password, std::stop_token stop = {});
-    QCoro::Task<AccountSummary> registerAccount(QString email, QString password,
+    QCoro::Task<AccountSummary> login(const QString& email, const QString& password,
+                                      std::stop_token stop = {});
+    QCoro::Task<AccountSummary> registerAccount(const QString& email, const QString& password,
                                                 std::stop_token stop = {});
     // The cookie is forgotten afterwards. A session that has ended already counts as ended.
     QCoro::Task<> logout(std::stop_token stop = {});
-    QCoro::Task<AccountSummary> updateProfile(QString fullName, std::stop_token stop = {});
-    QCoro::Task<> changePassword(QString currentPassword, QString newPassword,
-                                 QString confirmNewPassword, std::stop_token stop = {});
-    QCoro::Task<> requestPasswordReset(QString email, std::stop_token stop = {});
-    QCoro::Task<AccountSummary> exchangeDesktopAuthToken(QString token, std::stop_token stop = {});
+    QCoro::Task<AccountSummary> updateProfile(const QString& fullName, std::stop_token stop = {});
+    QCoro::Task<> changePassword(const QString& currentPassword, const QString& newPassword,
+                                 const QString& confirmNewPassword, std::stop_token stop = {});
+    QCoro::Task<> requestPasswordReset(const QString& email, std::stop_token stop = {});
+    QCoro::Task<AccountSummary> exchangeDesktopAuthToken(const QString& token,
+                                                         std::stop_token stop = {});
 
     QCoro::Task<CheckoutStart> startCheckout(int credits, std::stop_token stop = {});
-    QCoro::Task<AccountSummary> confirmCheckout(QString sessionId, std::stop_token stop = {});
+    QCoro::Task<AccountSummary> confirmCheckout(const QString& sessionId,
+                                                std::stop_token stop = {});
     QCoro::Task<PurchaseHistoryResponse> purchaseHistory(std::stop_token stop = {});
-    QCoro::Task<PurchaseDocumentLinkResponse> purchaseDocumentLink(QString purchaseId,
+    QCoro::Task<PurchaseDocumentLinkResponse> purchaseDocumentLink(const QString& purchaseId,
                                                                    std::stop_token stop = {});
 
-    QCoro::Task<CreditOperationResponse> reserveSocialCopyCredits(int cost, QString requestId,
-                                                                  std::stop_token stop = {});
-    QCoro::Task<CreditOperationResponse> refundSocialCopyCredits(int cost, QString requestId,
+    QCoro::Task<CreditOperationResponse>
+    reserveSocialCopyCredits(int cost, const QString& requestId, std::stop_token stop = {});
+    QCoro::Task<CreditOperationResponse> refundSocialCopyCredits(int cost, const QString& requestId,
                                                                  std::stop_token stop = {});
 
     QCoro::Task<CloudCopyConfig> socialCopyConfig(std::stop_token stop = {});
-    QCoro::Task<GeneratedCopy> generateSocialCopy(QUrl image, QString objective,
-                                                  SocialFormat format, QString requestId,
+    QCoro::Task<GeneratedCopy> generateSocialCopy(const QUrl& image, const QString& objective,
+                                                  SocialFormat format, const QString& requestId,
                                                   std::stop_token stop = {});
 
-    QCoro::Task<> uploadTemplate(QString fileName, QByteArray jsonData,
-                                 std::optional<QString> oldFileName, std::stop_token stop = {});
-    QCoro::Task<> deleteTemplate(QString fileName, std::stop_token stop = {});
+    QCoro::Task<> uploadTemplate(const QString& fileName, const QByteArray& jsonData,
+                                 const std::optional<QString>& oldFileName,
+                                 std::stop_token stop = {});
+    QCoro::Task<> deleteTemplate(const QString& fileName, std::stop_token stop = {});
 
     QCoro::Task<SocialStatusResponse> socialStatus(std::stop_token stop = {});
-    QCoro::Task<SocialConnectTokenResponse> socialConnectToken(QString network,
+    QCoro::Task<SocialConnectTokenResponse> socialConnectToken(const QString& network,
                                                                std::stop_token stop = {});
     // `placement`: "feed" or "story".
-    QCoro::Task<SocialPublishResponse> publishSocialPost(QString network, QString caption,
-                                                         QList<SocialPublishImage> images,
-                                                         QString requestId,
-                                                         QString placement = QStringLiteral("feed"),
-                                                         std::stop_token stop = {});
+    QCoro::Task<SocialPublishResponse>
+    publishSocialPost(const QString& network, const QString& caption,
+                      QList<SocialPublishImage> images, const QString& requestId,
+                      const QString& placement = QStringLiteral("feed"), std::stop_token stop = {});
 
     // For the browser. The address of a local service is known once it has answered.
     QCoro::Task<> locate(std::stop_token stop = {});

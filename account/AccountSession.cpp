@@ -246,14 +246,14 @@ QCoro::Task<bool> AccountSession::refreshSilently()
     co_return false;
 }
 
-QCoro::Task<bool> AccountSession::login(QString email, QString password)
+QCoro::Task<bool> AccountSession::login(const QString& email, const QString& password)
 {
     return perform([this, email, password] {
         return enter(m_api.login(email, password, m_stop.get_token()), u"Sesión iniciada."_s);
     });
 }
 
-QCoro::Task<bool> AccountSession::registerAccount(QString email, QString password)
+QCoro::Task<bool> AccountSession::registerAccount(const QString& email, const QString& password)
 {
     return perform([this, email, password] {
         return enter(m_api.registerAccount(email, password, m_stop.get_token()),
@@ -270,7 +270,7 @@ QCoro::Task<> AccountSession::enter(QCoro::Task<AccountSummary> signingIn, QStri
     syncWhileSignedIn();
 }
 
-QCoro::Task<bool> AccountSession::requestPasswordReset(QString email)
+QCoro::Task<bool> AccountSession::requestPasswordReset(const QString& email)
 {
     return perform([this, email] { return requestReset(email); });
 }
@@ -294,7 +294,7 @@ QCoro::Task<> AccountSession::leave()
     tell(u"Sesión cerrada."_s);
 }
 
-QCoro::Task<bool> AccountSession::updateProfile(QString fullName)
+QCoro::Task<bool> AccountSession::updateProfile(const QString& fullName)
 {
     return perform([this, fullName] { return saveProfile(fullName); });
 }
@@ -309,8 +309,9 @@ QCoro::Task<> AccountSession::saveProfile(QString fullName)
     tell(u"Perfil guardado."_s);
 }
 
-QCoro::Task<bool> AccountSession::changePassword(QString currentPassword, QString newPassword,
-                                                 QString confirmNewPassword)
+QCoro::Task<bool> AccountSession::changePassword(const QString& currentPassword,
+                                                 const QString& newPassword,
+                                                 const QString& confirmNewPassword)
 {
     return perform([this, currentPassword, newPassword, confirmNewPassword] {
         return savePassword(currentPassword, newPassword, confirmNewPassword);
@@ -459,7 +460,18 @@ QCoro::Task<> AccountSession::loadPurchases()
     m_purchaseHistory = response.purchases;
 }
 
-QCoro::Task<bool> AccountSession::openPurchaseDocument(QString purchaseId)
+QCoro::Task<bool> AccountSession::openPage(const QUrl& url)
+{
+    return perform([this, url] { return openAddress(url); });
+}
+
+QCoro::Task<> AccountSession::openAddress(QUrl url)
+{
+    openInBrowser(url);
+    co_return;
+}
+
+QCoro::Task<bool> AccountSession::openPurchaseDocument(const QString& purchaseId)
 {
     return perform([this, purchaseId] { return openDocument(purchaseId); });
 }
@@ -471,7 +483,7 @@ QCoro::Task<> AccountSession::openDocument(QString purchaseId)
     tell(u"Factura abierta."_s);
 }
 
-QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, QString requestId)
+QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, const QString& requestId)
 {
     const auto reserving = [this, cost, requestId] {
         return moveCredits(m_api.reserveSocialCopyCredits(cost, requestId, m_stop.get_token()),
@@ -480,7 +492,7 @@ QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, QString requestI
     return attempt(reserving);
 }
 
-QCoro::Task<bool> AccountSession::refundCloudCopyCredits(int cost, QString requestId)
+QCoro::Task<bool> AccountSession::refundCloudCopyCredits(int cost, const QString& requestId)
 {
     return perform([this, cost, requestId] {
         return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()),

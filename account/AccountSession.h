@@ -60,22 +60,23 @@ public:
     QCoro::Task<bool> bootstrap();
     QCoro::Task<bool> refresh();
     QCoro::Task<bool> refreshSilently();    // leaves message and isWorking alone
-    QCoro::Task<bool> login(QString email, QString password);
-    QCoro::Task<bool> registerAccount(QString email, QString password);
-    QCoro::Task<bool> requestPasswordReset(QString email);
+    QCoro::Task<bool> login(const QString& email, const QString& password);
+    QCoro::Task<bool> registerAccount(const QString& email, const QString& password);
+    QCoro::Task<bool> requestPasswordReset(const QString& email);
     QCoro::Task<bool> logout();
-    QCoro::Task<bool> updateProfile(QString fullName);
-    QCoro::Task<bool> changePassword(QString currentPassword, QString newPassword,
-                                     QString confirmNewPassword);
+    QCoro::Task<bool> updateProfile(const QString& fullName);
+    QCoro::Task<bool> changePassword(const QString& currentPassword, const QString& newPassword,
+                                     const QString& confirmNewPassword);
     QCoro::Task<bool> openGoogleLogin();
     QCoro::Task<bool> buyCredits(int credits);
     QCoro::Task<bool> confirmPendingCheckout();
     QCoro::Task<bool> refreshPurchaseHistory();
-    QCoro::Task<bool> openPurchaseDocument(QString purchaseId);
+    QCoro::Task<bool> openPage(const QUrl& url);    // in the browser; only failures are told
+    QCoro::Task<bool> openPurchaseDocument(const QString& purchaseId);
 
     // Throws what the client throws, which is told too: who pays must know.
-    QCoro::Task<> reserveCloudCopyCredits(int cost, QString requestId);
-    QCoro::Task<bool> refundCloudCopyCredits(int cost, QString requestId);
+    QCoro::Task<> reserveCloudCopyCredits(int cost, const QString& requestId);
+    QCoro::Task<bool> refundCloudCopyCredits(int cost, const QString& requestId);
 
     // Links of the scheme "moltiva"; others are ignored. Gives whether it was one of ours.
     bool handleDeepLink(const QUrl& url);
@@ -107,6 +108,7 @@ private:
     QCoro::Task<> confirmCheckout(std::optional<QString> sessionId);
     QCoro::Task<> loadPurchases();
     QCoro::Task<> openDocument(QString purchaseId);
+    QCoro::Task<> openAddress(QUrl url);
     QCoro::Task<> startGoogleLogin();
     QCoro::Task<> moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told);
     QCoro::Task<CloudCopyConfig> configurationOrFallback(std::stop_token stop);

@@ -16,7 +16,6 @@
 #include "app/UserAccountButton.h"
 #include "studio/StudioSession.h"
 
-#include <QDesktopServices>
 #include <QGuiApplication>
 
 using namespace Qt::StringLiterals;
@@ -49,6 +48,9 @@ void AccountBinding::connectGate()
     connect(login, &LoginView::passwordResetRequested, this,
             [this](const QString& email) { m_account.requestPasswordReset(email); });
     connect(login, &LoginView::googleRequested, this, [this] { m_account.openGoogleLogin(); });
+    connect(login, &LoginView::retryRequested, this, [this] { m_account.refresh(); });
+    connect(login, &LoginView::testMailRequested, this,
+            [this] { m_account.openPage(m_account.testMailURL()); });
 }
 
 // Once, however often the gate is shown.
@@ -62,7 +64,8 @@ void AccountBinding::start()
 
 void AccountBinding::refreshWhenActive(Qt::ApplicationState state)
 {
-    if (state == Qt::ApplicationActive && m_account.isAuthenticated())
+    const bool holdsSession = m_account.isAuthenticated() || m_account.mayBeSignedIn();
+    if (state == Qt::ApplicationActive && holdsSession && !m_account.isLoading())
         m_account.refreshSilently();
 }
 
@@ -84,6 +87,8 @@ AccountShown AccountBinding::shown() const
         .isProblem = m_account.isProblem(),
         .isWorking = m_account.isWorking(),
         .hasPendingCheckout = m_account.pendingCheckoutSessionId().has_value(),
+        .mayBeSignedIn = m_account.mayBeSignedIn(),
+        .hasTestMail = !m_account.testMailURL().isEmpty(),
     };
 }
 
@@ -246,7 +251,7 @@ AppSettingsWindow* AccountBinding::appSettings()
         return m_appSettings;
     m_appSettings = new AppSettingsWindow(m_window);
     connect(m_appSettings->updatesPanel(), &UpdatesDetailPanel::downloadRequested, this,
-            &AccountBinding::download);
+            [this](const QUrl& address) { m_account.openPage(address); });
     connect(m_appSettings->localAIPanel(), &LocalAIDetailPanel::textPanelRequested, this, [this] {
         m_studio.setAppSettingsPresented(false);
         Q_EMIT textPanelRequested();
@@ -293,12 +298,4 @@ QCoro::Task<> AccountBinding::loadPurchases()
     using Loading = PurchasesDetailPanel::Loading;
     if (m_accountSettings)
         m_accountSettings->purchasesPanel()->setLoaded(loaded ? Loading::done : Loading::failed);
-}
-
-void AccountBinding::download(const QUrl& address)
-{
-    if (!QDesktopServices::openUrl(address) && m_appSettings)
-        m_appSettings->updatesPanel()->tellProblem(
-            u"No se ha podido abrir el navegador. Abre tú esta dirección: %1"_s.arg(
-                address.toString(QUrl::FullyEncoded)));
 }

@@ -53,7 +53,6 @@ private:
     QCoro::Task<> changePassword(QString current, QString password, QString repeated);
     QCoro::Task<> saveProfile(QString fullName);
     QCoro::Task<> loadPurchases();
-    void download(const QUrl& address);
 
     AccountSession& m_account;
     StudioSession& m_studio;

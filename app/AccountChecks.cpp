@@ -15,6 +15,17 @@ CheckResult checkEmail(const QString& email)
     return std::nullopt;
 }
 
+// The rest of it is the service's to judge.
+CheckResult checkNewEmail(const QString& email)
+{
+    if (CheckResult failure = checkEmail(email))
+        return failure;
+    const qsizetype at = email.trimmed().indexOf(u'@');
+    if (at < 1 || at == email.trimmed().size() - 1)
+        return CheckFailure{CheckedField::email, u"Escribe un email válido."_s};
+    return std::nullopt;
+}
+
 CheckResult checkNewPassword(const QString& password, const QString& repeated)
 {
     if (password.size() < shortestPassword)
@@ -40,7 +51,7 @@ CheckResult checkLogin(const QString& email, const QString& password)
 CheckResult checkRegistration(const QString& email, const QString& password,
                               const QString& repeated)
 {
-    if (CheckResult failure = checkEmail(email))
+    if (CheckResult failure = checkNewEmail(email))
         return failure;
     if (password.isEmpty())
         return CheckFailure{CheckedField::password, u"Escribe una contraseña."_s};

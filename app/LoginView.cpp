@@ -64,7 +64,11 @@ LoginView::LoginView(QWidget* parent)
                                ButtonSize::small)),
       m_google(new PushButton(Icon::globe, u"Continuar con Google"_s, ButtonKind::neutral,
                               ButtonSize::large)),
-      m_notice(new Notice(3)), m_waiting(new Caption(Type::small, &Theme::text2, {})),
+      m_notice(new Notice(3)),
+      m_retry(new PushButton(Icon::refresh, u"Reintentar"_s, ButtonKind::link, ButtonSize::small)),
+      m_testMail(new PushButton(Icon::mail, u"Ver el correo de prueba"_s, ButtonKind::link,
+                                ButtonSize::small)),
+      m_waiting(new Caption(Type::small, &Theme::text2, {})),
       m_form(new AccountForm(m_notice, this))
 {
     m_segments->setStretched(SegmentSize::large);
@@ -116,16 +120,25 @@ LoginView::LoginView(QWidget* parent)
     rows->addWidget(m_google);
     rows->addSpacing(16);
     rows->addWidget(m_notice);
+    for (PushButton* wayOut : {m_retry, m_testMail}) {
+        wayOut->setFlush();
+        rows->addWidget(wayOut, 0, Qt::AlignLeft);
+    }
+    connect(m_retry, &PushButton::clicked, this, &LoginView::retryRequested);
+    connect(m_testMail, &PushButton::clicked, this, &LoginView::testMailRequested);
     rows->addWidget(m_waiting);
     rows->addStretch(1);
 
-    m_form->add(m_primaries + QList{m_google, m_recover});
+    m_form->add(m_primaries + QList{m_google, m_recover, m_retry, m_testMail});
     m_form->add(CheckedField::email, m_email);
     m_form->add(CheckedField::password, m_password);
     m_form->add(CheckedField::repeatedPassword, m_repeated);
     m_form->add(QList<QWidget*>{m_segments});
-    connect(m_segments, &SegmentedControl::chosen, this,
-            [this](int index) { setMode(LoginMode(index)); });
+    connect(m_segments, &SegmentedControl::chosen, this, [this](int index) {
+        setMode(LoginMode(index));
+        if (!m_segments->hasFocus())
+            focusFirst();
+    });
     connect(m_recover, &PushButton::clicked, this, [this] {
         setMode(LoginMode::recover);
         focusFirst();
@@ -139,7 +152,7 @@ LoginView::LoginView(QWidget* parent)
     order.append(m_recover);
     order += m_repeated->focusOrder();
     order += QList<QWidget*>(m_primaries.begin(), m_primaries.end());
-    order += {m_google, m_notice->copyButton()};
+    order += {m_google, m_notice->copyButton(), m_retry, m_testMail};
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
     m_waiting->hide();
@@ -154,6 +167,19 @@ PushButton* LoginView::primary(LoginMode mode) const
 void LoginView::setAccount(const AccountShown& account)
 {
     m_form->show(account);
+    // The next one typed replaces the one that was refused.
+    if (m_wasWorking && !account.isWorking && account.isProblem)
+        m_password->edit()->selectAll();
+    m_wasWorking = account.isWorking;
+    m_mayRetry = account.mayBeSignedIn;
+    m_hasTestMail = account.hasTestMail;
+    showWaysOut();
+}
+
+void LoginView::showWaysOut()
+{
+    m_retry->setVisible(m_mayRetry && m_mode == LoginMode::signIn);
+    m_testMail->setVisible(m_hasTestMail && m_mode == LoginMode::recover);
 }
 
 void LoginView::setWaitingFiles(int count)
@@ -180,6 +206,7 @@ void LoginView::setMode(LoginMode mode)
     m_repeated->setVisible(mode == LoginMode::createAccount);
     for (int i = 0; i < m_primaries.size(); ++i)
         m_primaries[i]->setVisible(i == int(mode));
+    showWaysOut();
     if (isOther)
         m_form->forget();
 }

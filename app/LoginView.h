@@ -35,12 +35,15 @@ Q_SIGNALS:
     void registrationRequested(const QString& email, const QString& password);
     void passwordResetRequested(const QString& email);
     void googleRequested();
+    void retryRequested();
+    void testMailRequested();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void showWaysOut();
     void send();
     void place();
 
@@ -56,6 +59,9 @@ private:
     QList<PushButton*> m_primaries;    // one a mode
     PushButton* m_google;
     Notice* m_notice;
+    PushButton* m_retry;
+    PushButton* m_testMail;
+    bool m_mayRetry = false, m_hasTestMail = false, m_wasWorking = false;
     Caption* m_waiting;
     AccountForm* m_form;
 };

@@ -22,6 +22,7 @@
 #include "app/Theme.h"
 #include "app/TopBar.h"
 #include "app/ViewBar.h"
+#include "app/controls/FocusRound.h"
 #include "app/controls/LineField.h"
 #include "app/controls/StatusLine.h"
 #include "canvas/interaction/CanvasInteractionView.h"
@@ -565,6 +566,8 @@ void MainWindow::resizeEvent(QResizeEvent*)
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
     if (isGated() || m_account->isSheetPresented())
+        return;
+    if (pressFocused(event, m_shell))
         return;
     // With others they mean something to fields that may happen to have no use for them now.
     if (event->modifiers() & ~Qt::KeypadModifier)

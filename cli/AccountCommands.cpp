@@ -126,7 +126,7 @@ enum class SecretUse { known, chosen };
 // A password that is being chosen is asked for twice where its typing cannot be seen.
 std::optional<QString> askedPassword(const AccountCommand& command, SecretUse use)
 {
-    const std::optional<QString> password = readSecret(u"Contraseña: "_s);
+    std::optional<QString> password = readSecret(u"Contraseña: "_s);
     if (!password || password->isEmpty()) {
         command.failed(u"falta la contraseña, o es demasiado larga."_s);
         return std::nullopt;
@@ -139,7 +139,7 @@ std::optional<QString> askedPassword(const AccountCommand& command, SecretUse us
     return password;
 }
 
-using SignIn = QCoro::Task<bool> (AccountSession::*)(QString, QString);
+using SignIn = QCoro::Task<bool> (AccountSession::*)(const QString&, const QString&);
 
 int runSignIn(AccountCommand command, SignIn signIn, SecretUse use, const QStringList& arguments,
               const ServiceConfiguration& configuration)
