@@ -460,15 +460,13 @@ QCoro::Task<> AccountSession::loadPurchases()
     m_purchaseHistory = response.purchases;
 }
 
-QCoro::Task<bool> AccountSession::openPage(const QUrl& url)
+void AccountSession::openPage(const QUrl& url)
 {
-    return perform([this, url] { return openAddress(url); });
-}
-
-QCoro::Task<> AccountSession::openAddress(QUrl url)
-{
-    openInBrowser(url);
-    co_return;
+    try {
+        openInBrowser(url);
+    } catch (const AccountError& error) {
+        tell(error.text(), Told::problem);
+    }
 }
 
 QCoro::Task<bool> AccountSession::openPurchaseDocument(const QString& purchaseId)

@@ -71,12 +71,13 @@ public:
     QCoro::Task<bool> buyCredits(int credits);
     QCoro::Task<bool> confirmPendingCheckout();
     QCoro::Task<bool> refreshPurchaseHistory();
-    QCoro::Task<bool> openPage(const QUrl& url);    // in the browser; only failures are told
     QCoro::Task<bool> openPurchaseDocument(const QString& purchaseId);
 
     // Throws what the client throws, which is told too: who pays must know.
     QCoro::Task<> reserveCloudCopyCredits(int cost, const QString& requestId);
     QCoro::Task<bool> refundCloudCopyCredits(int cost, const QString& requestId);
+
+    void openPage(const QUrl& url);    // in the browser; only a failure is told
 
     // Links of the scheme "moltiva"; others are ignored. Gives whether it was one of ours.
     bool handleDeepLink(const QUrl& url);
@@ -108,7 +109,6 @@ private:
     QCoro::Task<> confirmCheckout(std::optional<QString> sessionId);
     QCoro::Task<> loadPurchases();
     QCoro::Task<> openDocument(QString purchaseId);
-    QCoro::Task<> openAddress(QUrl url);
     QCoro::Task<> startGoogleLogin();
     QCoro::Task<> moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told);
     QCoro::Task<CloudCopyConfig> configurationOrFallback(std::stop_token stop);
