@@ -111,13 +111,14 @@ QCoro::Task<AccountSummary> confirmed(QCoro::Task<CheckoutConfirmResponse> askin
     co_return summary;
 }
 
-// A session that had ended already is as good as ended.
+// A session that had ended already is as good as ended, and so is one whose end was answered with
+// something else than was agreed.
 QCoro::Task<> unlessRefused(QCoro::Task<> signingOut)
 {
     try {
         co_await std::move(signingOut);
     } catch (const AccountError& error) {
-        if (error.kind() != AccountError::Kind::unauthorized)
+        if (error.kind() == AccountError::Kind::message)
             throw;
     }
 }

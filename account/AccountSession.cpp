@@ -47,6 +47,11 @@ QString oauthMessage(const QString& code)
     return u"No se ha podido completar el acceso con Google."_s;
 }
 
+QString userOf(const AccountSummary& account)
+{
+    return account.profile ? account.profile->id : QString();
+}
+
 QCoro::Task<bool> wasDone(QCoro::Task<> attempt)
 {
     try {
@@ -220,14 +225,15 @@ QCoro::Task<bool> AccountSession::refresh()
 
 QCoro::Task<> AccountSession::reload(std::stop_token stop)
 {
-    const int signIn = m_signIn, version = m_accountVersion;
+    const int version = m_accountVersion;
     QCoro::Task<CloudCopyConfig> configuring = configurationOrFallback(stop);
     const AccountSummary account = co_await m_api.me(stop);
     if (version == m_accountVersion)
-        setAccount(account);
+        receive(account);
+    const int received = m_signIn;
     m_cloudCopyConfig = co_await std::move(configuring);
     syncWhileSignedIn();
-    if (signIn == m_signIn)
+    if (received == m_signIn && isAuthenticated())
         tell(u"Cuenta actualizada."_s);
 }
 
@@ -238,8 +244,9 @@ QCoro::Task<bool> AccountSession::refreshSilently()
     try {
         const AccountSummary account = co_await m_api.me(stop);
         if (version == m_accountVersion)
-            setAccount(account);
-        syncWhileSignedIn();
+            receive(account);
+        if (!m_balanceSync.isActive())
+            syncWhileSignedIn();
         co_return true;
     } catch (const std::exception&) {
     }
@@ -412,7 +419,10 @@ QCoro::Task<bool> AccountSession::buyCredits(int credits)
 
 QCoro::Task<> AccountSession::startCheckout(int credits)
 {
+    const int signIn = m_signIn;
     const CheckoutStart start = co_await m_api.startCheckout(credits, m_stop.get_token());
+    if (signIn != m_signIn)
+        co_return;
     if (!start.url)
         throw AccountError::message(u"Stripe no ha devuelto URL de pago."_s);
     if (start.sessionId)
@@ -460,13 +470,15 @@ QCoro::Task<> AccountSession::loadPurchases()
     m_purchaseHistory = response.purchases;
 }
 
-void AccountSession::openPage(const QUrl& url)
+bool AccountSession::openPage(const QUrl& url)
 {
     try {
         openInBrowser(url);
     } catch (const AccountError& error) {
         tell(error.text(), Told::problem);
+        return false;
     }
+    return true;
 }
 
 QCoro::Task<bool> AccountSession::openPurchaseDocument(const QString& purchaseId)
@@ -500,22 +512,30 @@ QCoro::Task<bool> AccountSession::refundCloudCopyCredits(int cost, const QString
 
 QCoro::Task<> AccountSession::moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told)
 {
-    const int signIn = m_signIn;
+    const QString user = userOf(m_account);
     const CreditOperationResponse moved = co_await std::move(moving);
-    if (signIn != m_signIn)
-        co_return;
+    if (user != userOf(m_account))    // who goes on would work on another's credits
+        throw AccountError::unauthorized();
     setBalance(moved.balance);
     tell(told);
+}
+
+// Another program that keeps its session in the same place may have signed in somebody else.
+void AccountSession::receive(const AccountSummary& account)
+{
+    const bool isSame =
+        account.profile.has_value() == isAuthenticated() && userOf(account) == userOf(m_account);
+    if (isSame)
+        setAccount(account);
+    else
+        changeUser(account);
 }
 
 // Nothing of the one before stays.
 void AccountSession::changeUser(const AccountSummary& account)
 {
-    const auto idOf = [](const AccountSummary& one) {
-        return one.profile ? one.profile->id : QString();
-    };
     ++m_signIn;
-    if (idOf(account) != idOf(m_account)) {
+    if (!account.profile || userOf(account) != userOf(m_account)) {
         m_pendingCheckout.reset();
         m_purchaseHistory.clear();
     }
@@ -526,7 +546,7 @@ void AccountSession::changeUser(const AccountSummary& account)
 
 void AccountSession::syncWhileSignedIn()
 {
-    if (isAuthenticated() && !m_balanceSync.isActive())
+    if (isAuthenticated())
         startBalanceSync();
 }
 

@@ -77,7 +77,8 @@ public:
     QCoro::Task<> reserveCloudCopyCredits(int cost, const QString& requestId);
     QCoro::Task<bool> refundCloudCopyCredits(int cost, const QString& requestId);
 
-    void openPage(const QUrl& url);    // in the browser; only a failure is told
+    // In the browser; only a failure is told. Gives whether it was opened.
+    bool openPage(const QUrl& url);
 
     // Links of the scheme "moltiva"; others are ignored. Gives whether it was one of ours.
     bool handleDeepLink(const QUrl& url);
@@ -113,6 +114,7 @@ private:
     QCoro::Task<> moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told);
     QCoro::Task<CloudCopyConfig> configurationOrFallback(std::stop_token stop);
 
+    void receive(const AccountSummary& account);
     void changeUser(const AccountSummary& account);
     void syncWhileSignedIn();
     void setAccount(const AccountSummary& account);

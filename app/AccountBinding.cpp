@@ -251,7 +251,10 @@ AppSettingsWindow* AccountBinding::appSettings()
         return m_appSettings;
     m_appSettings = new AppSettingsWindow(m_window);
     connect(m_appSettings->updatesPanel(), &UpdatesDetailPanel::downloadRequested, this,
-            [this](const QUrl& address) { m_account.openPage(address); });
+            [this](const QUrl& address) {
+                if (!m_account.openPage(address))
+                    m_appSettings->updatesPanel()->tellProblem(shownText(m_account.message()));
+            });
     connect(m_appSettings->localAIPanel(), &LocalAIDetailPanel::textPanelRequested, this, [this] {
         m_studio.setAppSettingsPresented(false);
         Q_EMIT textPanelRequested();

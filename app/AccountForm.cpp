@@ -78,12 +78,15 @@ void AccountForm::lock()
     };
     for (FormField* field : std::as_const(m_fields))
         field->setLocked(m_isWorking);
+    const auto isPressed = [this](const PushButton* button) {
+        return m_pressed && button == m_pressed;
+    };
     for (PushButton* button : std::as_const(m_buttons)) {
-        button->setWorking(m_isWorking && button == m_pressed);
+        button->setWorking(m_isWorking && isPressed(button));
         keepFocus(button);
     }
     for (PushButton* button : std::as_const(m_buttons))
-        button->setEnabled(!m_isWorking || button == m_pressed);
+        button->setEnabled(!m_isWorking || isPressed(button));
     for (QWidget* other : std::as_const(m_others)) {
         keepFocus(other);
         other->setEnabled(!m_isWorking);

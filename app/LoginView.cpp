@@ -124,7 +124,10 @@ LoginView::LoginView(QWidget* parent)
         wayOut->setFlush();
         rows->addWidget(wayOut, 0, Qt::AlignLeft);
     }
-    connect(m_retry, &PushButton::clicked, this, &LoginView::retryRequested);
+    connect(m_retry, &PushButton::clicked, this, [this] {
+        if (m_form->send(m_retry))
+            Q_EMIT retryRequested();
+    });
     connect(m_testMail, &PushButton::clicked, this, &LoginView::testMailRequested);
     rows->addWidget(m_waiting);
     rows->addStretch(1);

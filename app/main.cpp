@@ -124,9 +124,9 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
     PreferencesStore preferences(dataFolder() + u"/moltiva.sqlite"_s);
     const auto photos = std::make_shared<PhotoCache>(cache + u"/thumbnails"_s);
-    StudioSession session(photos, preferences);
     ConnectedAccount account(configuration, preferences, dataFolder(),
                              {.openInBrowser = &QDesktopServices::openUrl});
+    StudioSession session(photos, preferences);
     session.setAccountSession(account.session());
     MainWindow window(session, account.session(), photos, preferences);
     QObject::connect(&instance, &SingleInstance::handedOver, &window, [&window](const auto& urls) {

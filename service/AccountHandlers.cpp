@@ -67,7 +67,7 @@ ServiceReply signIn(Visit& visit)
     Service& service = visit.service;
     const auto given = wireBody<CredentialsRequest>(visit);
     const QString email = neededEmail(given.email);
-    service.countAddress(visit.request.address);
+    service.countAddress(visit.request);
     const QString key = visit.request.address + u' ' + email;
     if (!service.signInAttempts().allow(key, service.now()))
         throw Refusal(429, "too_many_attempts");
@@ -85,7 +85,7 @@ ServiceReply registerAccount(Visit& visit)
     const auto given = wireBody<CredentialsRequest>(visit);
     const QString email = neededEmail(given.email);
     needAcceptable(given.password);
-    visit.service.countAddress(visit.request.address);
+    visit.service.countAddress(visit.request);
     if (foundAccount(visit.service, email))
         throw Refusal(409, "email_exists");
     const QByteArray hash = hashedPassword(given.password);
@@ -153,7 +153,7 @@ ServiceReply requestPasswordReset(Visit& visit)
     Service& service = visit.service;
     const auto given = wireBody<PasswordResetRequest>(visit);
     const auto email = normalizedEmail(given.email);
-    service.countAddress(visit.request.address);
+    service.countAddress(visit.request);
     const auto account = email ? foundAccount(service, *email) : std::nullopt;
     if (!account ||
         !service.resetAttempts().allow(visit.request.address + u' ' + *email, service.now()))

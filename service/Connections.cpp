@@ -32,12 +32,13 @@ void Connections::remove(int socket)
     m_changed.notify_all();
 }
 
-void Connections::setState(int socket, State state)
+bool Connections::setState(int socket, State state)
 {
     const std::scoped_lock lock(m_mutex);
     Connection& connection = m_all[socket];
     connection.state = state;
     connection.since = ++m_changes;
+    return !connection.isEnded;
 }
 
 void Connections::endWaiting()

@@ -23,7 +23,8 @@ public:
     // Whether there is room. Another machine may only have some.
     bool add(int socket, const std::string& address);
     void remove(int socket);
-    void setState(int socket, State state);
+    // Whether it is still open; else nothing may be done any more for who could not hear of it.
+    bool setState(int socket, State state);
 
     void endWaiting();
     void endAll();

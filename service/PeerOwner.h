@@ -8,5 +8,5 @@ struct Peer {
 };
 
 // Whether the other side of a connection on this machine is a program of the user that we run as.
-// Always, where the system does not tell.
+// Always, on systems that keep no table of it; never where the table cannot be read.
 bool isOwnProgram(const Peer& theirs, const Peer& ours);

@@ -37,6 +37,8 @@ constexpr auto waitForMemory = 20'000ms;
 
 // Of the request that the thread is at.
 thread_local socket_t servedSocket = INVALID_SOCKET;
+// Whether who asked can still be told what came of it.
+thread_local bool isHeard = true;
 
 // The pieces of a large body are too small for the allocator to return by itself.
 void giveMemoryBack()
@@ -161,9 +163,9 @@ private:
             if (!stream.waitForRequest(keepAlive))
                 break;
             const bool mayGoOn = answerOne(stream, left == 1);
-            m_connections.setState(socket, Connections::State::waiting);
             if (!mayGoOn)
                 break;
+            m_connections.setState(socket, Connections::State::waiting);
         }
         stream.drain();
         m_connections.remove(socket);
@@ -180,9 +182,10 @@ private:
             process_request(stream, isLast, isClosed, [&](httplib::Request& request) {
                 stream.headHasEnded();
                 announced = announcedBody(request);
-                m_connections.setState(stream.socket(), announced == 0
-                                                            ? Connections::State::busy
-                                                            : Connections::State::receiving);
+                const bool isOpen = m_connections.setState(
+                    stream.socket(),
+                    announced == 0 ? Connections::State::busy : Connections::State::receiving);
+                isHeard = isOpen && !m_service.isEnding();
                 // The library would cut and pack answers as it is told, however hostile.
                 request.ranges.clear();
                 request.headers.erase("Accept-Encoding");
@@ -217,6 +220,8 @@ private:
 
     ServiceRequest requestOf(const httplib::Request& request) const
     {
+        if (!isHeard)
+            throw Refusal(503, "service_busy");
         ServiceRequest result;
         const auto method = methodOf(request);
         if (!method)
@@ -301,6 +306,7 @@ private:
                 throw Refusal(503, "service_busy");
             result.letGo = [&] {
                 result.body = {};
+                receiving.letGo();
                 handling.letGo();
             };
             give(reply, answer(m_service, result));

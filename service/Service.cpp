@@ -64,9 +64,11 @@ QDir Service::folder(const QString& name) const
     return QDir(data.filePath(name));
 }
 
-void Service::countAddress(const QString& address)
+void Service::countAddress(const ServiceRequest& request)
 {
-    Attempts& attempts = QHostAddress(address).isLoopback() ? m_ownAttempts : m_addressAttempts;
-    if (!attempts.allow(address, now()))
+    // Nobody else on the machine can use up what its own user has.
+    const bool isOwn = QHostAddress(request.address).isLoopback() && request.isLocal();
+    Attempts& attempts = isOwn ? m_ownAttempts : m_addressAttempts;
+    if (!attempts.allow(request.address, now()))
         throw Refusal(429, "too_many_attempts");
 }

@@ -18,6 +18,8 @@ struct ServiceSettings {
 };
 
 // What all requests share. Any thread.
+struct ServiceRequest;
+
 class Service {
 public:
     // Throws DatabaseError.
@@ -35,7 +37,7 @@ public:
 
     // Counts what costs a password's hash, or an account, and comes from an address. Throws
     // Refusal when it is too much.
-    void countAddress(const QString& address);
+    void countAddress(const ServiceRequest& request);
     Attempts& signInAttempts() { return m_signInAttempts; }
     Attempts& resetAttempts() { return m_resetAttempts; }
 

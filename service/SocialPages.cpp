@@ -124,7 +124,7 @@ std::optional<Account> credentialsAccount(Visit& visit)
 {
     const auto& sent = visit.request.form;
     const auto email = normalizedEmail(sent.value(u"email"_s));
-    visit.service.countAddress(visit.request.address);
+    visit.service.countAddress(visit.request);
     const QString key = visit.request.address + u' ' + email.value_or(QString());
     if (!email || !visit.service.signInAttempts().allow(key, visit.service.now()))
         return std::nullopt;

@@ -185,7 +185,7 @@ QString sentence(const DatabaseError& error, const QString& folder)
         folder);
 }
 
-int serve(QCoreApplication& application, QLockFile& lock, const Options& options)
+int serve(QCoreApplication& application, const Options& options)
 {
     const QString folder = QDir(options.data).canonicalPath();
     Service service({.dataFolder = folder, .administrator = options.administrator, .now = {}});
@@ -214,10 +214,8 @@ int serve(QCoreApplication& application, QLockFile& lock, const Options& options
     const bool hasEnded = server.stop();
     service.database().checkpoint();
     // Who waits for the next start has not all day, and what was acknowledged is on the disk.
-    if (!hasEnded) {
-        lock.unlock();
-        ::_exit(result);
-    }
+    if (!hasEnded)
+        ::_exit(result);    // the next one takes over the lock
     return result;
 }
 
@@ -262,7 +260,7 @@ int main(int argc, char** argv)
         return exitFailed;
     }
     try {
-        return serve(application, lock, options);
+        return serve(application, options);
     } catch (const DatabaseError& error) {
         tell(sentence(error, options.data));
         return exitFailed;

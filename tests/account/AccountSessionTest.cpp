@@ -123,11 +123,12 @@ TEST_F(AccountSessionTest, TheCheckAtTheStartSignsInOrOut)
 TEST_F(AccountSessionTest, AServiceThatIsLateLeavesTheUserSignedOut)
 {
     // Signed in while the configuration is what is late.
-    startLimit = 300ms;
+    startLimit = 2s;
     server.hold("/api/publicaciones/config");
     EXPECT_TRUE(started().isAuthenticated());
     EXPECT_EQ(session->cloudCopyConfig(), CloudCopyConfig::fallback());
 
+    startLimit = 300ms;
     server.answerNothing();
     session.emplace(api, surroundings());
     QCoro::Task<bool> check = session->bootstrap();

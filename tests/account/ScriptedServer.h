@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QHostAddress>
 #include <QList>
+#include <QPointer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QUrl>
@@ -53,8 +54,10 @@ public:
     void release()
     {
         m_heldTarget.clear();
-        for (const auto& [socket, request] : std::exchange(m_held, {}))
-            answer(socket, request);
+        for (const auto& [socket, request] : std::exchange(m_held, {})) {
+            if (socket)
+                answer(socket, request);
+        }
     }
 
     QList<Request> requests;
@@ -107,5 +110,5 @@ private:
     Answer m_answer;
     bool m_isSilent = false;
     QByteArray m_heldTarget;
-    QList<std::pair<QTcpSocket*, Request>> m_held;
+    QList<std::pair<QPointer<QTcpSocket>, Request>> m_held;
 };

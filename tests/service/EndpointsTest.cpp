@@ -298,7 +298,7 @@ TEST(Endpoints, copyComesFromTheProviderForReservedCreditsOnly)
     request.letGo = [&] { hasLetGo = true; };
     auto waiting =
         std::async(std::launch::async, [&] { return ::answer(service.service(), request).status; });
-    arrived.get_future().wait();
+    EXPECT_EQ(arrived.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
     EXPECT_TRUE(hasLetGo) << "others must not wait for the provider";
     service.service().isEnding() = true;
     EXPECT_EQ(waiting.wait_for(std::chrono::seconds(2)), std::future_status::ready);
