@@ -5,6 +5,7 @@
 #include "app/controls/Caption.h"
 #include "app/controls/FocusRound.h"
 #include "app/controls/Painting.h"
+#include "app/controls/PointerEvents.h"
 #include "app/controls/Spinner.h"
 
 #include <QKeyEvent>
@@ -65,18 +66,10 @@ void AuthGateView::setState(Gate state)
 
 bool AuthGateView::event(QEvent* event)
 {
-    switch (event->type()) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonRelease:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::MouseMove:
-    case QEvent::Wheel:
-    case QEvent::ContextMenu:
-        event->accept();
-        return true;
-    default:
+    if (!isPointerEvent(event))
         return QWidget::event(event);
-    }
+    event->accept();
+    return true;
 }
 
 bool AuthGateView::focusNextPrevChild(bool next)

@@ -7,12 +7,12 @@
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
+#include "platform/UserFolders.h"
 #include "platform/Workers.h"
 #include "studio/StudioSession.h"
 
 #include <QApplication>
 #include <QDesktopServices>
-#include <QDir>
 #include <QLibraryInfo>
 #include <QScopeGuard>
 #include <QStandardPaths>
@@ -78,16 +78,9 @@ bool hasDisplay()
 #endif
 }
 
-QString dataFolder()
-{
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    QDir().mkpath(folder);
-    return folder;
-}
-
 InstanceFolders instanceFolders()
 {
-    return {dataFolder(), QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation)};
+    return {userDataFolder(), QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation)};
 }
 
 // Before anything of the window exists: a later start should end in no time.
@@ -122,9 +115,9 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     SingleInstance instance(std::move(claimed), instanceFolders());
     dress(application, darkTheme());
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
-    PreferencesStore preferences(dataFolder() + u"/moltiva.sqlite"_s);
+    PreferencesStore preferences(userDataFolder() + u"/moltiva.sqlite"_s);
     const auto photos = std::make_shared<PhotoCache>(cache + u"/thumbnails"_s);
-    ConnectedAccount account(configuration, preferences, dataFolder(),
+    ConnectedAccount account(configuration, preferences, userDataFolder(),
                              {.openInBrowser = &QDesktopServices::openUrl});
     StudioSession session(photos, preferences);
     session.setAccountSession(account.session());

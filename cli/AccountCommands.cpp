@@ -6,11 +6,10 @@
 #include "cli/Terminal.h"
 #include "model/JsonMapping.h"
 #include "platform/PreferencesStore.h"
+#include "platform/UserFolders.h"
 
 #include <QCommandLineParser>
 #include <QCoroTask>
-#include <QDir>
-#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -46,13 +45,6 @@ struct json::JsonFields<PurchaseLine> {
 };
 
 namespace {
-
-QString dataFolder()
-{
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    QDir().mkpath(folder);
-    return folder;
-}
 
 // What every one of the commands has.
 class AccountCommand {
@@ -111,13 +103,13 @@ private:
 // The session of a command.
 struct Connection {
     explicit Connection(const ServiceConfiguration& configuration)
-        : account(configuration, preferences, dataFolder(),
+        : account(configuration, preferences, userDataFolder(),
                   {.openInBrowser = [](const QUrl&) { return false; }})
     {
     }
     AccountSession& session() { return account.session(); }
 
-    PreferencesStore preferences{dataFolder() + u"/moltiva.sqlite"_s};
+    PreferencesStore preferences{userDataFolder() + u"/moltiva.sqlite"_s};
     ConnectedAccount account;
 };
 

@@ -4,6 +4,7 @@
 #include "app/controls/Caption.h"
 #include "app/controls/FocusRound.h"
 #include "app/controls/KeyboardFocus.h"
+#include "app/controls/PointerEvents.h"
 
 #include <QAccessibleWidget>
 #include <QApplication>
@@ -164,18 +165,10 @@ void Sheet::keepFocus(QWidget* now)
 
 bool Sheet::event(QEvent* event)
 {
-    switch (event->type()) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonRelease:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::MouseMove:
-    case QEvent::Wheel:
-    case QEvent::ContextMenu:
-        event->accept();
-        return true;
-    default:
+    if (!isPointerEvent(event))
         return QWidget::event(event);
-    }
+    event->accept();
+    return true;
 }
 
 bool Sheet::eventFilter(QObject* object, QEvent* event)
