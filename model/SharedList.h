@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QSharedData>
 
@@ -79,6 +80,27 @@ public:
     const_iterator end() const { return const_iterator(m_nodes.cend()); }
 
     T& edit(qsizetype index) { return m_nodes[index]->value; }
+    // The same change made to several lists: entries that they share stay shared.
+    class Change {
+        friend class SharedList;
+        struct Step {
+            QSharedDataPointer<Node> before, after;
+        };
+        QHash<const Node*, Step> m_steps;
+    };
+    template <typename Apply>
+    void edit(qsizetype index, Change& change, const Apply& apply)
+    {
+        QSharedDataPointer<Node>& node = m_nodes[index];
+        auto step = change.m_steps.find(node.constData());
+        if (step == change.m_steps.end()) {
+            const QSharedDataPointer<Node> before = node;
+            apply(node->value);
+            change.m_steps.insert(before.constData(), {before, node});
+        } else {
+            node = step->after;
+        }
+    }
     void append(const T& entry) { m_nodes.append(QSharedDataPointer<Node>(new Node(entry))); }
     void append(const SharedList& other) { m_nodes.append(other.m_nodes); }
     SharedList mid(qsizetype from, qsizetype count) const

@@ -27,3 +27,10 @@ qint64 peakMemory()
     }
     return 0;
 }
+
+void releaseFreedMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}

@@ -8,3 +8,6 @@ void settleAllocator();
 
 // The largest resident size of this process so far, in bytes; 0 where the system does not tell.
 qint64 peakMemory();
+
+// Gives what was freed back to the system, from between what is in use too. A few milliseconds.
+void releaseFreedMemory();

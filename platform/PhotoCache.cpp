@@ -2,6 +2,7 @@
 
 #include "platform/AreaAverage.h"
 
+#include <QFileInfo>
 #include <QScopeGuard>
 
 namespace {
@@ -33,7 +34,36 @@ std::optional<AcceptedPhoto> PhotoCache::accept(const QString& path)
         m_disk.save(file, *photo);
     }
     keep(Key{path, photo->digest, 0}, photo->thumbnail);
+    rememberContent(path, {file, photo->digest});
     return photo;
+}
+
+std::optional<QByteArray> PhotoCache::contentOf(const QString& path)
+{
+    const QString file = m_disk.fileFor(path);
+    if (file.isEmpty() || !QFileInfo(path).isReadable())
+        return {};
+    {
+        const std::scoped_lock lock(m_mutex);
+        const auto known = m_contents.constFind(path);
+        if (known != m_contents.cend() && known->file == file)
+            return known->digest;
+    }
+    if (const auto known = m_disk.loadFacts(file)) {
+        rememberContent(path, {file, known->digest});
+        return known->digest;
+    }
+    const auto accepted = accept(path);
+    return accepted ? std::optional(accepted->digest) : std::nullopt;
+}
+
+void PhotoCache::rememberContent(const QString& path, const Content& content)
+{
+    constexpr qsizetype mostRemembered = 20'000;
+    const std::scoped_lock lock(m_mutex);
+    if (m_contents.size() >= mostRemembered)
+        m_contents.clear();
+    m_contents.insert(path, content);
 }
 
 std::optional<AcceptedPhoto> PhotoCache::reopen(const QString& path)

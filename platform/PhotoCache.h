@@ -34,6 +34,10 @@ public:
     // Waits, mostly for little.
     std::optional<AcceptedPhoto> reopen(const QString& path);
 
+    // The digest of what lies there now; nothing when that is gone or no photo that can be read.
+    // Remembered by size, time and inode: asked again it costs a look at the folder. Waits.
+    std::optional<QByteArray> contentOf(const QString& path);
+
     // Memory, disk or decoding; null when the photo is gone, unreadable or another one by now.
     // Waits.
     QImage thumbnail(const PhotoId& photo);
@@ -56,10 +60,15 @@ private:
     {
         return qHashMulti(seed, key.path, key.digest, key.level);
     }
+    struct Content {
+        QString file;    // of its thumbnail: another for another size, time or inode
+        QByteArray digest;
+    };
     static Key keyOf(const PhotoId& photo, int level) { return {photo.path, photo.digest, level}; }
     QCache<Key, QImage>& shelf(const Key& key) const;
     QImage find(const Key& key) const;
     void keep(const Key& key, const QImage& image);
+    void rememberContent(const QString& path, const Content& content);
     QImage decodedToKeep(const PhotoId& photo, PhotoLevel level) const;
     QImage findOrMake(const Key& key, const std::function<QImage()>& make);
 
@@ -67,5 +76,6 @@ private:
     mutable std::mutex m_mutex;                             // what follows
     mutable QCache<Key, QImage> m_proxies, m_thumbnails;    // costs in kilobytes
     QSet<Key> m_inWork;
+    QHash<QString, Content> m_contents;    // by path
     std::condition_variable m_workDone;
 };

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QUrl>
@@ -90,12 +91,16 @@ void putAsideIfDamaged(const QString& name)
     QFile::rename(name, damaged);
 }
 
+QString usualDurability()
+{
+    return u"PRAGMA synchronous=NORMAL"_qs;
+}
+
 bool prepare(const QSqlDatabase& database)
 {
     // Values of megabytes: with small pages each write walks long chains of them.
     return database.isOpen() && run(database, u"PRAGMA page_size=65536"_qs) &&
-           run(database, u"PRAGMA journal_mode=WAL"_qs) &&
-           run(database, u"PRAGMA synchronous=NORMAL"_qs) &&
+           run(database, u"PRAGMA journal_mode=WAL"_qs) && run(database, usualDurability()) &&
            run(database, u"PRAGMA wal_autocheckpoint=0"_qs) &&
            run(database, u"CREATE TABLE IF NOT EXISTS preference "
                          "(key TEXT PRIMARY KEY NOT NULL, value BLOB NOT NULL)"_qs);
@@ -188,6 +193,42 @@ bool PreferencesStore::remove(const QString& key)
     return query.exec();
 }
 
+QStringList PreferencesStore::keysBeginningWith(const QString& prefix) const
+{
+    if (!isReadable())
+        return {};
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    // Nothing that begins so comes after this, as long as it goes on with characters of the basic
+    // plane.
+    query.prepare(u"SELECT key FROM preference WHERE key >= ? AND key < ? ORDER BY key"_qs);
+    query.addBindValue(prefix);
+    query.addBindValue(prefix + QChar(0xFFFF));
+    QStringList keys;
+    query.exec();
+    while (query.next())
+        keys.append(query.value(0).toString());
+    return keys;
+}
+
+bool PreferencesStore::transaction(const std::function<bool()>& work, Durability durability)
+{
+    if (!open())
+        return false;
+    const QSqlDatabase database = QSqlDatabase::database(m_connection, false);
+    if (durability == Durability::onDisk)
+        run(database, u"PRAGMA synchronous=FULL"_qs);
+    bool isStored = false;
+    const auto end = qScopeGuard([&] {
+        // Also when `work` threw.
+        if (std::exchange(m_isInTransaction, false) && !isStored)
+            run(database, u"ROLLBACK"_qs);
+        run(database, usualDurability());
+    });
+    m_isInTransaction = run(database, u"BEGIN IMMEDIATE"_qs);
+    isStored = m_isInTransaction && work() && run(database, u"COMMIT"_qs);
+    return isStored;
+}
+
 // SQLite starts its log anew when a write finds all of it copied. Between edits the worker is done
 // long before the next one; writes without a pause keep ahead of it, and then we copy ourselves.
 void PreferencesStore::written(qint64 bytes)
@@ -200,6 +241,8 @@ void PreferencesStore::written(qint64 bytes)
         m_logBytes = 0;
     m_logBytes += bytes + page;
     m_sinceCheckpoint += bytes + page;
+    if (m_isInTransaction)
+        return;
     if (m_logBytes >= longestLog) {
         const std::scoped_lock lock(m_checkpoint->running);
         run(QSqlDatabase::database(m_connection, false), passiveCheckpoint());

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
+#include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -25,12 +26,18 @@ public:
     bool contains(const QString& key) const;    // without reading the value
     bool setValue(const QString& key, const QByteArray& value);
     bool remove(const QString& key);
+    QStringList keysBeginningWith(const QString& prefix) const;    // in their order
+
+    enum class Durability { usual, onDisk };    // on the disk it outlives a cut of the power
+    // What `work` changes is stored as a whole; nothing of it when `work` gives false or it cannot
+    // be stored. Nobody else writes meanwhile, so what it reads holds.
+    bool transaction(const std::function<bool()>& work, Durability durability = Durability::usual);
 
 private:
     void written(qint64 bytes);
 
     QString m_file, m_connection;
-    bool m_open = false, m_readOnly = false;
+    bool m_open = false, m_readOnly = false, m_isInTransaction = false;
     qint64 m_sinceCheckpoint = 0, m_logBytes = 0;
     bool m_checkpointIsLatest = false;    // nothing was written since it was asked for
     struct Checkpoint;

@@ -3,9 +3,30 @@
 #include <QDir>
 #include <QStandardPaths>
 
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString cachePlace(const QString& name)
+{
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u'/' + name;
+}
+
+}    // namespace
+
 QString userDataFolder()
 {
     QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     QDir().mkpath(folder);
     return folder;
+}
+
+QString thumbnailFolder()
+{
+    return cachePlace(u"thumbnails"_qs);
+}
+
+QString stagingPlace()
+{
+    return cachePlace(u"exports"_qs);
 }

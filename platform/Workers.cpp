@@ -39,15 +39,16 @@ void finishWorkers()
     workers().waitForDone();
 }
 
-void startOnWorker(std::function<void()> work)
+void startOnWorker(std::function<void()> work, Urgency urgency)
 {
     const std::scoped_lock lock(entrance().mutex);
     if (entrance().isClosed)
         return;
-    workers().start([work = std::move(work)] {
+    const auto run = [work = std::move(work)] {
         yieldToInterface();
         work();
-    });
+    };
+    workers().start(run, urgency == Urgency::urgent ? 1 : 0);
 }
 
 void yieldToInterface()

@@ -25,11 +25,14 @@ void finishWorkers();
 void yieldToInterface();
 inline constexpr const char* workerThreadName = "moltiva worker";
 
-void startOnWorker(std::function<void()> work);
+// What is short and waited for goes before the work that waits for a thread, for pictures mostly.
+enum class Urgency { usual, urgent };
+void startOnWorker(std::function<void()> work, Urgency urgency = Urgency::usual);
 
 // Runs `work` on a worker. An exception arrives at the future.
 template <typename Work>
-auto runOnWorker(Work&& work) -> QFuture<std::invoke_result_t<std::decay_t<Work>>>
+auto runOnWorker(Work&& work, Urgency urgency = Urgency::usual)
+    -> QFuture<std::invoke_result_t<std::decay_t<Work>>>
 {
     using Result = std::invoke_result_t<std::decay_t<Work>>;
     struct Job {
@@ -40,7 +43,7 @@ auto runOnWorker(Work&& work) -> QFuture<std::invoke_result_t<std::decay_t<Work>
     auto job = std::shared_ptr<Job>(new Job{QFutureInterface<Result>(), std::forward<Work>(work)});
     job->promise.reportStarted();
     auto future = job->promise.future();
-    startOnWorker([job = std::move(job)] {
+    const auto runJob = [job = std::move(job)] {
         try {
             if constexpr (std::is_void_v<Result>)
                 job->work();
@@ -50,6 +53,7 @@ auto runOnWorker(Work&& work) -> QFuture<std::invoke_result_t<std::decay_t<Work>
             job->promise.reportException(std::current_exception());
         }
         job->promise.reportFinished();
-    });
+    };
+    startOnWorker(runJob, urgency);
     return future;
 }

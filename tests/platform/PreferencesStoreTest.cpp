@@ -68,3 +68,28 @@ TEST(PreferencesStore, aFileThatIsNoDatabaseIsPutAsideNotOverwritten)
     ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
     EXPECT_TRUE(aside.readAll().startsWith(text));
 }
+
+TEST(PreferencesStore, aTransactionIsStoredAsAWholeOrNotAtAll)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"preferences.sqlite"_qs);
+    PreferencesStore store(file), other(file);
+    store.setValue(u"a.1"_qs, "one");
+    const auto both = [&](bool isWanted) {
+        return store.transaction(
+            [&, isWanted] {
+                store.setValue(u"a.2"_qs, "two");
+                store.remove(u"a.1"_qs);
+                return isWanted;
+            },
+            PreferencesStore::Durability::onDisk);
+    };
+    EXPECT_FALSE(both(false));
+    EXPECT_EQ(other.keysBeginningWith(u"a."_qs), QStringList{u"a.1"_qs});
+    EXPECT_TRUE(both(true));
+    store.setValue(u"b"_qs, "");
+    EXPECT_EQ(other.keysBeginningWith(u"a."_qs), QStringList{u"a.2"_qs});
+
+    PreferencesStore nowhere(u"/proc/none/p.sqlite"_qs);
+    EXPECT_FALSE(nowhere.transaction([] { return true; }));
+}
