@@ -92,13 +92,6 @@ bool breakAlike(const TextLayer& one, const TextLayer& other)
            one.frame.width == other.frame.width && one.frame.height == other.frame.height;
 }
 
-LaidOutText fittedText(const TextLayer& layer, const QRectF& area, double scale)
-{
-    const double size = ExportCanvasRenderer::fittedFontSize(layer, area.size(), scale);
-    // Measuring knows no text in a width of 1 or less, but what does not fit is drawn all the same.
-    return {ExportCanvasRenderer::styledText(layer, size), std::max(area.width(), 2.0)};
-}
-
 // `known`: of the same scale.
 LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double scale,
                                  const QList<LaidOutTextLayer>& known)
@@ -108,7 +101,9 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
     const QRectF area = box.adjusted(inset, inset, -inset, -inset);
     const auto same = std::ranges::find_if(
         known, [&](const LaidOutTextLayer& other) { return breakAlike(other.source, layer); });
-    const LaidOutText text = same != known.end() ? same->text : fittedText(layer, area, scale);
+    const LaidOutText text = same != known.end()
+                                 ? same->text
+                                 : ExportCanvasRenderer::fittedText(layer, area.size(), scale);
     // Above the smallest size fitting takes none that does not fit.
     const bool overflows =
         !ExportCanvasRenderer::fits(TextLayoutMetrics::measuredSize(text), area.size());

@@ -192,11 +192,16 @@ bool ExportCanvasRenderer::fits(QSizeF measured, QSizeF area)
            measured.height() <= area.height() + fitTolerance;
 }
 
-double ExportCanvasRenderer::fittedFontSize(const TextLayer& layer, QSizeF area, double designScale)
+LaidOutText ExportCanvasRenderer::fittedText(const TextLayer& layer, QSizeF area,
+                                             double designScale)
 {
     const double lower = smallestType * designScale, upper = largestType * designScale;
+    // Measuring knows no text in a width of 1 or less, but what does not fit is drawn all the same.
+    const auto smallest = [&] {
+        return LaidOutText(styledText(layer, lower), std::max(area.width(), 2.0));
+    };
     if (!(area.width() > 8) || !(area.height() > 8))
-        return lower;
+        return smallest();
     const SlotType& type = typeOf(layer.slot);
     const double base = std::min(area.height() * type.heightShare, area.width() * type.widthShare);
     const double start = clamp(base * layer.fontScale, lower, upper);
@@ -207,11 +212,17 @@ double ExportCanvasRenderer::fittedFontSize(const TextLayer& layer, QSizeF area,
     for (int k = 0;; ++k) {
         const double size = start - k * step;
         if (!(size > lower))
-            return lower;
+            return smallest();
         if (impossible.contains(size))
             continue;
         text.font.size = size;
-        if (fits(TextLayoutMetrics::measuredSize(text, area.width()), area))
-            return size;
+        LaidOutText laidOut(text, area.width());
+        if (fits(TextLayoutMetrics::measuredSize(laidOut), area))
+            return laidOut;
     }
+}
+
+double ExportCanvasRenderer::fittedFontSize(const TextLayer& layer, QSizeF area, double designScale)
+{
+    return fittedText(layer, area, designScale).fontSize();
 }

@@ -27,6 +27,8 @@ DesignFont nsFont(const TextLayer& layer, double size);
 // The largest size, in steps of max(1, designScale) down from the slot's share of the area, at
 // which the text fits; the lower bound when none does.
 double fittedFontSize(const TextLayer& layer, QSizeF area, double designScale);
+// The layer's text laid out at that size, as wide as the area.
+LaidOutText fittedText(const TextLayer& layer, QSizeF area, double designScale);
 
 // Whether a measured text keeps inside its area.
 bool fits(QSizeF measured, QSizeF area);

@@ -164,6 +164,11 @@ QList<QRectF> LaidOutText::letterBands() const
     return bands;
 }
 
+QList<QGlyphRun> LaidOutText::glyphRuns() const
+{
+    return m_layout ? m_layout->glyphRuns() : QList<QGlyphRun>();
+}
+
 bool LaidOutText::isBold() const
 {
     return m_layout && QRawFont::fromFont(m_layout->font()).weight() >= QFont::Bold;

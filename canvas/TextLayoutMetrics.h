@@ -3,6 +3,7 @@
 #include "model/LayerTextAlignment.h"
 
 #include <QFont>
+#include <QGlyphRun>
 #include <QList>
 #include <QRectF>
 #include <QString>
@@ -42,6 +43,9 @@ public:
     // canvas pixels from the top left of the box. Without emoji, which bring their own colours. On
     // the thread that made the layout.
     QList<QRectF> letterBands() const;
+    // What is drawn, in pixels of the design size from the top left of the box. On the thread that
+    // made the layout.
+    QList<QGlyphRun> glyphRuns() const;
     bool isBold() const;    // by the face that is drawn, whatever its name says
     // Paints with the painter's pen colour; `topLeft` is that of the box. On the thread that made
     // the layout.

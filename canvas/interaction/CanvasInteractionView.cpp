@@ -371,6 +371,11 @@ void CanvasInteractionView::keyPressEvent(QKeyEvent* event)
     const bool plain = !(event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier));
     const bool dragging = m_interaction.dragMode().has_value();
     const QUuid selected = m_interaction.selectedLayerID();
+    const bool closes = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
+                        event->key() == Qt::Key_Escape;
+    // One that closed a dialog may still be held.
+    if (closes && event->isAutoRepeat())
+        return event->ignore();
     switch (plain ? event->key() : 0) {
     case Qt::Key_Escape:
         if (dragging)
