@@ -167,7 +167,8 @@ struct AccountAPI::Call {
     QByteArray path;
     std::optional<QByteArray> body = std::nullopt;
     Base base = Base::service;
-    bool endsSession = false;    // where it is done
+    bool endsSession = false;                           // where it is done
+    std::optional<QByteArray> cookie = std::nullopt;    // else that of the session
 };
 
 AccountAPI::AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
@@ -196,9 +197,6 @@ QCoro::Task<> AccountAPI::locate(std::stop_token stop)
 
 HttpRequest AccountAPI::prepared(Call call)
 {
-    // Another program may have signed in meanwhile.
-    if (m_sessionCookieHeader.isEmpty())
-        m_sessionCookieHeader = storedCookie(m_preferences, m_origin);
     HttpRequest request;
     request.method = call.method;
     request.url = address(call.base).resolved(QUrl::fromEncoded(call.path));
@@ -206,7 +204,7 @@ HttpRequest AccountAPI::prepared(Call call)
     request.headers = {{"Accept", "application/json"}, {"X-Client", "Moltiva-macOS"}};
     if (call.body)
         request.headers.emplaceBack("Content-Type", "application/json");
-    setCookie(request, m_sessionCookieHeader);
+    setCookie(request, call.cookie.value_or(m_sessionCookieHeader));
     request.body = std::move(call.body);
     return request;
 }
@@ -328,10 +326,42 @@ void AccountAPI::forgetSessionCookie(const QByteArray& cookie)
         m_sessionCookieHeader.clear();
 }
 
-QCoro::Task<AccountSummary> AccountAPI::me(std::stop_token stop)
+QCoro::Task<AccountSummary> AccountAPI::meWith(const QByteArray& cookie, std::stop_token stop)
 {
     Call call{"GET", "/api/auth/me"};
+    call.cookie = cookie;
     return request<AccountSummary>(std::move(call), std::move(stop));
+}
+
+// Another program may have signed in meanwhile, as somebody else even: nothing is asked in that
+// name before it is known.
+QCoro::Task<AccountSummary> AccountAPI::me(std::stop_token stop)
+{
+    const QPointer<AccountAPI> self = this;
+    const QByteArray own = m_sessionCookieHeader;
+    if (!own.isEmpty()) {
+        QCoro::Task<AccountSummary> asking = meWith(own, stop);
+        try {
+            const AccountSummary summary = co_await std::move(asking);
+            co_return summary;
+        } catch (const AccountError& error) {
+            const bool isRefused = error.kind() == AccountError::Kind::unauthorized;
+            if (!self || !isRefused || holdsSession() || !holdsOtherThan(own))
+                throw;
+        }
+    }
+    const QByteArray other = storedCookie(m_preferences, m_origin);
+    QCoro::Task<AccountSummary> asking = meWith(other, stop);
+    const AccountSummary summary = co_await std::move(asking);
+    if (self && m_sessionCookieHeader.isEmpty())
+        m_sessionCookieHeader = other;
+    co_return summary;
+}
+
+bool AccountAPI::holdsOtherThan(const QByteArray& cookie) const
+{
+    const QByteArray stored = storedCookie(m_preferences, m_origin);
+    return !stored.isEmpty() && stored != cookie;
 }
 
 QCoro::Task<AccountSummary> AccountAPI::login(const QString& email, const QString& password,

@@ -89,6 +89,8 @@ public:
 
     const QString& siteName() const { return m_configuration.siteName; }
     const QString& administratorEmail() const { return m_configuration.administratorEmail; }
+    // Of the service; the same for a local one wherever it listens.
+    const QByteArray& origin() const { return m_origin; }
     bool holdsSession() const { return !m_sessionCookieHeader.isEmpty(); }
 
 private:
@@ -109,6 +111,8 @@ private:
     QCoro::Task<> obey(Call call, std::stop_token stop);
     HttpRequest prepared(Call call);
 
+    QCoro::Task<AccountSummary> meWith(const QByteArray& cookie, std::stop_token stop);
+    bool holdsOtherThan(const QByteArray& cookie) const;
     QUrl address(Base base) const;
     void rememberSessionCookie(const QByteArray& cookie);
     void forgetSessionCookie(const QByteArray& cookie);

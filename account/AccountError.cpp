@@ -80,6 +80,14 @@ QString userMessage(QStringView code, const QString& siteName)
     return found->text.toString().replace(u"%1"_s, siteName);
 }
 
+bool isUnreachable(const std::exception& error)
+{
+    using Kind = TransportError::Kind;
+    const auto* transport = dynamic_cast<const TransportError*>(&error);
+    return transport &&
+           (transport->kind() == Kind::unreachable || transport->kind() == Kind::timedOut);
+}
+
 QString readable(const std::exception& error)
 {
     if (const auto* refused = dynamic_cast<const AccountError*>(&error))

@@ -31,5 +31,8 @@ private:
 // `siteName`: of the public web site, which some sentences name.
 QString userMessage(QStringView code, const QString& siteName = {});
 
+// There was no answer at all: the service cannot be reached, or took too long.
+bool isUnreachable(const std::exception& error);
+
 // Of any failure of an account's operation.
 QString readable(const std::exception& error);

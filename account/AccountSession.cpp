@@ -114,25 +114,37 @@ QString AccountSession::displayName() const
     return u"Usuario"_s;
 }
 
+QString AccountSession::accountKey() const
+{
+    if (!isAuthenticated())
+        return {};
+    return QString::fromUtf8(m_api.origin()) + u'/' + userOf(m_account);
+}
+
 template <typename Work>
-QCoro::Task<> AccountSession::attempt(Work work)
+QCoro::Task<> AccountSession::attempt(Work work, About about)
 {
     const QPointer<AccountSession> self = this;
     const std::stop_token ended = m_stop.get_token();
+    const int charges = about == About::charge ? 1 : 0;
     ++m_actions;
+    m_charges += charges;
     Q_EMIT changed();
     std::exception_ptr failure;
     QString reason;
+    Told told = Told::info;
     try {
         co_await work();
     } catch (const std::exception& error) {
         failure = std::current_exception();
         reason = readable(error);
+        told = toldOf(error);
     }
     if (self && !ended.stop_requested()) {
         --m_actions;
+        m_charges -= charges;
         if (failure)
-            tell(reason, Told::problem);
+            tell(reason, told, about);
         else
             Q_EMIT changed();
     }
@@ -159,6 +171,7 @@ QCoro::Task<bool> AccountSession::bootstrap()
         co_await check();
     } catch (const std::exception& error) {
         failure = readable(error);
+        told = toldOf(error);
         const auto* refused = dynamic_cast<const AccountError*>(&error);
         if (refused && refused->kind() == AccountError::Kind::unauthorized)
             told = Told::info;    // nothing went wrong
@@ -499,15 +512,21 @@ QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, const QString& r
         return moveCredits(m_api.reserveSocialCopyCredits(cost, requestId, m_stop.get_token()),
                            u"%1 créditos reservados."_s.arg(cost));
     };
-    return attempt(reserving);
+    return attempt(reserving, About::charge);
 }
 
-QCoro::Task<bool> AccountSession::refundCloudCopyCredits(int cost, const QString& requestId)
+QCoro::Task<> AccountSession::refundCloudCopyCredits(int cost, const QString& requestId)
 {
-    return perform([this, cost, requestId] {
+    const auto refunding = [this, cost, requestId] {
         return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()),
                            u"%1 créditos devueltos."_s.arg(cost));
-    });
+    };
+    return attempt(refunding, About::charge);
+}
+
+QCoro::Task<> AccountSession::refundCreditsSilently(int cost, const QString& requestId)
+{
+    return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()), {});
 }
 
 QCoro::Task<> AccountSession::moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told)
@@ -517,7 +536,8 @@ QCoro::Task<> AccountSession::moveCredits(QCoro::Task<CreditOperationResponse> m
     if (user != userOf(m_account))    // who goes on would work on another's credits
         throw AccountError::unauthorized();
     setBalance(moved.balance);
-    tell(told);
+    if (!told.isEmpty())
+        tell(told, Told::info, About::charge);
 }
 
 // Another program that keeps its session in the same place may have signed in somebody else.
@@ -564,11 +584,17 @@ void AccountSession::setBalance(int balance)
     setAccount(account);
 }
 
-void AccountSession::tell(const QString& message, Told told)
+void AccountSession::tell(const QString& message, Told told, About about)
 {
     m_message = message;
-    m_isProblem = told == Told::problem;
+    m_told = told;
+    m_isAboutCharge = about == About::charge;
     Q_EMIT changed();
+}
+
+AccountSession::Told AccountSession::toldOf(const std::exception& failure)
+{
+    return ::isUnreachable(failure) ? Told::unreachable : Told::problem;
 }
 
 // Addresses come from a server: only pages are opened, never files or programs.

@@ -40,7 +40,15 @@ public:
     bool isWorking() const { return m_actions > 0 || m_isSigningInOverWindow; }
     const QString& message() const { return m_message; }    // shown as it stands
     // Whether it tells that something could not be done.
-    bool isProblem() const { return m_isProblem; }
+    bool isProblem() const { return m_told != Told::info; }
+    // And whether that was for want of an answer of the service.
+    bool isUnreachable() const { return m_told == Told::unreachable; }
+    // Whether it tells of credits being reserved or given back, which whoever charges tells too.
+    bool isAboutCharge() const { return m_isAboutCharge; }
+    bool isOnlyCharging() const
+    {
+        return m_charges > 0 && m_charges == m_actions && !m_isSigningInOverWindow;
+    }
     const std::optional<QString>& pendingCheckoutSessionId() const { return m_pendingCheckout; }
     const CloudCopyConfig& cloudCopyConfig() const { return m_cloudCopyConfig; }
     const QList<PurchaseHistoryItem>& purchaseHistory() const { return m_purchaseHistory; }
@@ -54,6 +62,8 @@ public:
     QUrl testMailURL() const;
     bool isAdministrator() const;
     QString displayName() const;
+    // The user at this service, the same on every run; empty when nobody is signed in.
+    QString accountKey() const;
     bool isBalanceSyncRunning() const { return m_balanceSync.isActive(); }
 
     // Each gives whether it was done; if not, the message says why. Nobody needs to await them.
@@ -73,9 +83,12 @@ public:
     QCoro::Task<bool> refreshPurchaseHistory();
     QCoro::Task<bool> openPurchaseDocument(const QString& purchaseId);
 
-    // Throws what the client throws, which is told too: who pays must know.
+    // Throw what the client throws, which is told too: who pays must know. A CreditJournal calls
+    // them, for whoever charges something.
     QCoro::Task<> reserveCloudCopyCredits(int cost, const QString& requestId);
-    QCoro::Task<bool> refundCloudCopyCredits(int cost, const QString& requestId);
+    QCoro::Task<> refundCloudCopyCredits(int cost, const QString& requestId);
+    // The same without a word.
+    QCoro::Task<> refundCreditsSilently(int cost, const QString& requestId);
 
     // In the browser; only a failure is told. Gives whether it was opened.
     bool openPage(const QUrl& url);
@@ -91,12 +104,13 @@ Q_SIGNALS:
     void changed();
 
 private:
-    enum class Told { info, problem };
+    enum class Told { info, problem, unreachable };
+    enum class About { account, charge };
 
     // The one wrapper of what users start: it marks the work and tells what failed. What `work`
     // gives is awaited; it may count on the session being there whenever it goes on.
     template <typename Work>
-    QCoro::Task<> attempt(Work work);
+    QCoro::Task<> attempt(Work work, About about = About::account);
     template <typename Work>
     QCoro::Task<bool> perform(Work work);    // gives whether it was done
     QCoro::Task<> check();
@@ -119,7 +133,8 @@ private:
     void syncWhileSignedIn();
     void setAccount(const AccountSummary& account);
     void setBalance(int balance);
-    void tell(const QString& message, Told told = Told::info);
+    void tell(const QString& message, Told told = Told::info, About about = About::account);
+    static Told toldOf(const std::exception& failure);
     void openInBrowser(const QUrl& url);    // throws AccountError when it is not
     void handleAuthCallback(const QUrl& url);
     void handleSocialConnectionCallback(const QUrl& url);
@@ -130,9 +145,10 @@ private:
     int m_accountVersion = 0;    // rises with every change: what was asked before is stale then
     int m_signIn = 0;            // rises whenever somebody signs in or out
     bool m_isLoading = false, m_isSigningInOverWindow = false;
-    int m_actions = 0;    // under way
+    int m_actions = 0, m_charges = 0;    // under way; charges are actions
     QString m_message;
-    bool m_isProblem = false;
+    Told m_told = Told::info;    // by the message
+    bool m_isAboutCharge = false;
     std::optional<QString> m_pendingCheckout;
     CloudCopyConfig m_cloudCopyConfig = CloudCopyConfig::fallback();
     QList<PurchaseHistoryItem> m_purchaseHistory;

@@ -21,6 +21,7 @@ ConnectedAccount::ConnectedAccount(const ServiceConfiguration& configuration,
     : m_local({.program = serviceProgram(),
                .data = QDir(dataFolder).filePath(u"service"_s),
                .administrator = configuration.administratorEmail}),
-      m_api(configuration, preferences, &m_local), m_session(m_api, std::move(surroundings))
+      m_api(configuration, preferences, &m_local), m_session(m_api, std::move(surroundings)),
+      m_journal(m_session, preferences, QDir(dataFolder).filePath(u"runs"_s))
 {
 }

@@ -2,6 +2,7 @@
 
 #include "account/AccountAPI.h"
 #include "account/AccountSession.h"
+#include "account/CreditJournal.h"
 #include "account/LocalService.h"
 
 // The session over the service that is configured, with all that it needs: what a window or a
@@ -14,10 +15,12 @@ public:
 
     AccountSession& session() { return m_session; }
     AccountAPI& api() { return m_api; }
+    CreditJournal& journal() { return m_journal; }
 
 private:
     // Each is gone before those that it uses.
     LocalService m_local;
     AccountAPI m_api;
     AccountSession m_session;
+    CreditJournal m_journal;
 };

@@ -136,6 +136,7 @@ TEST_F(AccountSessionTest, AServiceThatIsLateLeavesTheUserSignedOut)
     EXPECT_FALSE(awaited(std::move(check)));
     EXPECT_EQ(session->message(),
               u"El servidor ha tardado demasiado en responder. Inténtalo otra vez."_s);
+    EXPECT_TRUE(session->isUnreachable());
     EXPECT_FALSE(session->isLoading() || session->isAuthenticated());
 
     // Going away while it asks is no trouble either.
@@ -171,7 +172,7 @@ TEST_F(AccountSessionTest, AFailedActionTellsWhyAndChangesNothing)
     errorBody = R"({"error":"invalid_credentials"})";
     EXPECT_FALSE(awaited(one.login(u"a"_s, u"b"_s)));
     EXPECT_EQ(one.message(), u"Email o contraseña incorrectos."_s);
-    EXPECT_TRUE(one.isProblem() && one.isAuthenticated());
+    EXPECT_TRUE(one.isProblem() && !one.isUnreachable() && one.isAuthenticated());
     EXPECT_FALSE(one.isWorking());
 
     answers["/api/auth/me"] = "500";

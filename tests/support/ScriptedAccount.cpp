@@ -1,10 +1,12 @@
 #include "tests/support/ScriptedAccount.h"
 
 ScriptedAccount::ScriptedAccount(PreferencesStore& preferences, Scripted state)
-    : m_api(listening(), preferences), m_session(m_api, {.openInBrowser = [this](const QUrl& url) {
-                                                     m_opened.append(url);
-                                                     return true;
-                                                 }})
+    : m_api(listening(), preferences), m_session(m_api, {.openInBrowser =
+                                                             [this](const QUrl& url) {
+                                                                 m_opened.append(url);
+                                                                 return true;
+                                                             }}),
+      m_journal(m_session, preferences, m_runs.path())
 {
     connect(&m_server, &QTcpServer::newConnection, this, [this] {
         while (QTcpSocket* socket = m_server.nextPendingConnection()) {
@@ -23,7 +25,8 @@ ScriptedAccount::ScriptedAccount(PreferencesStore& preferences, Scripted state)
 ServiceConfiguration ScriptedAccount::listening()
 {
     m_server.listen(QHostAddress::LocalHost);
-    const QUrl url(QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort()));
+    m_address = QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort());
+    const QUrl url(m_address);
     return {.service = url,
             .site = url,
             .siteName = QStringLiteral("localhost"),
@@ -43,17 +46,26 @@ QByteArray ScriptedAccount::summary(const QByteArray& fullName, int balance)
            R"("}})";
 }
 
-void ScriptedAccount::hold()
+void ScriptedAccount::hold(const QByteArray& requests)
 {
-    m_isHeld = true;
+    m_holding = requests;
 }
 
 void ScriptedAccount::release()
 {
-    m_isHeld = false;
+    m_holding.reset();
     for (const auto& [socket, request] : std::exchange(m_held, {})) {
         if (socket)
             reply(socket, request);
+    }
+}
+
+void ScriptedAccount::drop()
+{
+    m_holding.reset();
+    for (const auto& [socket, request] : std::exchange(m_held, {})) {
+        if (socket)
+            socket->abort();
     }
 }
 
@@ -73,7 +85,7 @@ void ScriptedAccount::read(QTcpSocket* socket)
     socket->readAll();
     const QByteArray request = bytes.left(bytes.indexOf(" HTTP/"));
     m_log.append((request + ' ' + bytes.mid(end + 4)).trimmed());
-    if (m_isHeld)
+    if (m_holding && request.startsWith(*m_holding))
         m_held.append({socket, request});
     else
         reply(socket, request);

@@ -1,0 +1,477 @@
+#include "account/CreditJournal.h"
+
+#include "account/AccountError.h"
+#include "account/AccountSession.h"
+#include "model/GuardedJson.h"
+#include "model/JsonMapping.h"
+#include "platform/HttpClient.h"
+#include "platform/PreferencesStore.h"
+
+#include <QDateTime>
+#include <QPointer>
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+// What is asked for and neither settled nor given back.
+struct OpenReservation {
+    QString requestId, account, what;
+    QString run;    // of the program, that works on it
+    int cost = 0;
+    bool isReserved = false;    // the service said so, and the user was not told otherwise
+    double lateUntil = 0;       // a reservation may still arrive until then; ms since the epoch
+    double lateBefore = 0;      // the same of an entry that this one took over
+    QStringList covers;         // what is paid for
+};
+
+template <>
+struct json::JsonFields<OpenReservation> {
+    static constexpr auto fields = std::tuple{required("requestId", &OpenReservation::requestId),
+                                              required("account", &OpenReservation::account),
+                                              required("what", &OpenReservation::what),
+                                              required("run", &OpenReservation::run),
+                                              required("cost", &OpenReservation::cost),
+                                              required("isReserved", &OpenReservation::isReserved),
+                                              required("lateUntil", &OpenReservation::lateUntil),
+                                              required("lateBefore", &OpenReservation::lateBefore),
+                                              required("covers", &OpenReservation::covers)};
+};
+
+namespace {
+
+const QString entryPrefix = u"moltiva.creditReservation."_s;
+
+QString keyPrefixOf(const QString& account)
+{
+    return entryPrefix + QString::fromLatin1(QUrl::toPercentEncoding(account)) + u' ';
+}
+
+double now()
+{
+    return double(QDateTime::currentMSecsSinceEpoch());
+}
+
+std::optional<OpenReservation> entryAt(const QString& key, const PreferencesStore& preferences)
+{
+    const auto stored = preferences.value(key);
+    OpenReservation entry;
+    return stored && json::read(json::parsedWithCare(*stored), entry) ? std::optional(entry)
+                                                                      : std::nullopt;
+}
+
+// Of a refusal by the service; other errors may have come after it acted.
+bool isCode(const std::exception& error, QStringView code)
+{
+    const auto* refusal = dynamic_cast<const AccountError*>(&error);
+    return refusal && refusal->code() == code;
+}
+
+using Refusal = ChargeResult::Refusal;
+
+ChargeResult notReserved(const QString& reason, Refusal refusal = Refusal::other)
+{
+    ChargeResult result;
+    result.state = ChargeResult::State::notReserved;
+    result.error = reason;
+    result.refusal = refusal;
+    return result;
+}
+
+Refusal refusalOf(const std::exception& error)
+{
+    const auto* answer = dynamic_cast<const AccountError*>(&error);
+    if (answer && answer->kind() == AccountError::Kind::unauthorized)
+        return Refusal::signedOut;
+    if (isCode(error, u"insufficient_credits"))
+        return Refusal::tooFewCredits;
+    return isUnreachable(error) ? Refusal::unreachable : Refusal::other;
+}
+
+}    // namespace
+
+CreditJournal::CreditJournal(AccountSession& account, PreferencesStore& preferences,
+                             const QString& runs, Times times, QObject* parent)
+    : QObject(parent), m_account(account), m_preferences(preferences), m_run(runs), m_times(times)
+{
+    m_retry.setSingleShot(true);
+    connect(&m_retry, &QTimer::timeout, this, [this] { settle(); });
+    connect(&account, &AccountSession::changed, this, &CreditJournal::accountChanged);
+    accountChanged();
+}
+
+CreditJournal::~CreditJournal()
+{
+    m_isEnding = true;
+    for (const std::shared_ptr<Completion>& given : std::exchange(m_givingBack, {}))
+        given->complete();
+    m_settledAll.complete();
+}
+
+void CreditJournal::accountChanged()
+{
+    const QString account = m_account.accountKey();
+    if (std::exchange(m_accountKey, account) != account && !account.isEmpty())
+        settle();
+}
+
+QCoro::Task<ChargeResult> CreditJournal::run(ChargedOperation operation)
+{
+    const QPointer<CreditJournal> self = this;
+    const QString entry =
+        operation.cost > 0 ? keyPrefixOf(m_account.accountKey()) + operation.requestId : QString();
+    ChargeResult result;
+    if (!entry.isEmpty()) {
+        QCoro::Task<ChargeResult> reserving = reserve(entry, operation);
+        result = co_await std::move(reserving);
+        if (!self || result.state != ChargeResult::State::done)
+            co_return std::move(result);
+        reached("reserved");
+    }
+    bool isDone = false;
+    QCoro::Task<bool> working = operation.work();
+    try {
+        isDone = co_await std::move(working);
+    } catch (const std::exception&) {
+        isDone = false;
+    }
+    if (!self) {
+        result.state = ChargeResult::State::failed;
+        co_return std::move(result);
+    }
+    if (isDone) {
+        reached("worked");
+        result.isRecorded = isRecorded(operation, entry);
+        reached("recorded");
+        co_return std::move(result);
+    }
+    result.state = ChargeResult::State::failed;
+    if (!entry.isEmpty()) {
+        QCoro::Task<Refund> refunding = giveBack(entry, Telling::aloud);
+        result.isRefundPending = isPending(co_await std::move(refunding));
+    }
+    co_return std::move(result);
+}
+
+QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation operation)
+{
+    const QPointer<CreditJournal> self = this;
+    ChargeResult result;
+    QCoro::Task<QString> freeing = freed(key, operation.cost);
+    const QString inUse = co_await std::move(freeing);
+    const QString refusal = self && inUse.isEmpty() ? open(key, operation) : inUse;
+    if (!self || !refusal.isEmpty()) {
+        const bool isOut = self && m_account.accountKey().isEmpty();
+        result = notReserved(refusal, isOut ? Refusal::signedOut : Refusal::other);
+        co_return std::move(result);
+    }
+    reached("opened");
+    QCoro::Task<> reserving =
+        m_account.reserveCloudCopyCredits(operation.cost, operation.requestId);
+    try {
+        co_await std::move(reserving);
+    } catch (const std::exception& error) {
+        result = notReserved(readable(error), refusalOf(error));
+    }
+    if (!self)
+        co_return std::move(result);
+    if (result.state == ChargeResult::State::done) {
+        noteReserved(key);
+    } else if (result.refusal == Refusal::tooFewCredits) {
+        endRefused(key);
+    } else {
+        // Whatever else was answered, the service may have acted before, or may still act.
+        noteLate(key);
+        QCoro::Task<Refund> refunding = giveBack(key, Telling::silently);
+        result.isRefundPending = isPending(co_await std::move(refunding));
+    }
+    co_return std::move(result);
+}
+
+// Waits until nobody gives back what is to be paid again, and does so himself with what was asked
+// for at another price. Gives why it cannot be paid now.
+QCoro::Task<QString> CreditJournal::freed(QString key, int cost)
+{
+    const QPointer<CreditJournal> self = this;
+    QString refusal;
+    while (self && !m_isEnding && m_givingBack.contains(key)) {
+        const std::shared_ptr<Completion> given = m_givingBack.value(key);
+        co_await given->wait();
+    }
+    if (!self || m_isEnding || m_account.accountKey().isEmpty() ||
+        !key.startsWith(keyPrefixOf(m_account.accountKey()))) {
+        refusal = AccountError::unauthorized().text();
+        co_return std::move(refusal);
+    }
+    const auto before = entryAt(key, m_preferences);
+    if (before && before->cost != cost && isLeftOpen(key) && claim(key)) {
+        QCoro::Task<Refund> refunding = giveBack(key, Telling::silently);
+        if (isPending(co_await std::move(refunding)))
+            refusal = u"Hay un pago anterior de lo mismo por devolver. Prueba más tarde."_s;
+    }
+    co_return std::move(refusal);
+}
+
+// Gives why it cannot be done. An entry of the same identifier is taken over, so that there are
+// never two.
+QString CreditJournal::open(const QString& key, const ChargedOperation& operation)
+{
+    const OpenReservation opened{.requestId = operation.requestId,
+                                 .account = m_account.accountKey(),
+                                 .what = operation.what,
+                                 .run = m_run.name(),
+                                 .cost = operation.cost,
+                                 .isReserved = false,
+                                 .lateUntil = soon(),
+                                 .lateBefore = 0,
+                                 .covers = operation.covers};
+    bool isOthers = false, isDue = true;
+    const auto write = [&] {
+        const auto before = entryAt(key, m_preferences);
+        isOthers = (before && !isLeftOpen(key)) || isBeingPaid(operation.covers);
+        isDue = !operation.isStillDue || operation.isStillDue();
+        OpenReservation entry = opened;
+        entry.lateBefore = before ? before->lateUntil : 0;
+        return !isOthers && isDue && m_preferences.setValue(key, json::written(entry));
+    };
+    const bool isOpen = !opened.run.isEmpty() &&
+                        m_preferences.transaction(write, PreferencesStore::Durability::onDisk);
+    if (isOthers)
+        return u"Otra orden de Moltiva está pagando lo mismo. Espera a que termine."_s;
+    if (!isDue)
+        return u"Otra orden de Moltiva ha pagado una parte mientras tanto. Vuelve a intentarlo."_s;
+    if (!isOpen)
+        return u"No se pudo anotar el pago. ¿Queda espacio en el disco?"_s;
+    m_unsettled.remove(key);
+    return {};
+}
+
+// By a run that goes on, this one included.
+bool CreditJournal::isBeingPaid(const QStringList& what) const
+{
+    const QStringList keys = m_preferences.keysBeginningWith(keyPrefixOf(m_account.accountKey()));
+    return std::ranges::any_of(keys, [&](const QString& key) {
+        const auto entry = entryAt(key, m_preferences);
+        return entry && !isLeftOpen(key) && std::ranges::any_of(what, [&](const QString& each) {
+                   return entry->covers.contains(each);
+               });
+    });
+}
+
+template <typename Change>
+bool CreditJournal::changeEntry(const QString& key, Change change)
+{
+    auto entry = entryAt(key, m_preferences);
+    if (!entry)
+        return false;
+    change(*entry);
+    return m_preferences.setValue(key, json::written(*entry));
+}
+
+void CreditJournal::noteReserved(const QString& key)
+{
+    changeEntry(key, [](OpenReservation& entry) {
+        entry.isReserved = true;
+        entry.lateUntil = entry.lateBefore;
+    });
+}
+
+// Nothing was reserved this time; the time before it may be on its way.
+void CreditJournal::endRefused(const QString& key)
+{
+    const auto entry = entryAt(key, m_preferences);
+    if (!entry || entry->lateBefore <= now())
+        return strike(key);
+    changeEntry(key, [](OpenReservation& kept) { kept.lateUntil = kept.lateBefore; });
+    leaveUnsettled(key);
+}
+
+void CreditJournal::noteLate(const QString& key)
+{
+    changeEntry(key, [this](OpenReservation& entry) { entry.lateUntil = soon(); });
+}
+
+// Until then a request that is sent now has reached the service, or never will.
+double CreditJournal::soon() const
+{
+    return now() + double(m_times.underWay.count());
+}
+
+// What cannot be stored now stays in the journal, and is given back should that be the last word.
+bool CreditJournal::isRecorded(const ChargedOperation& operation, const QString& entry)
+{
+    try {
+        return operation.record(entry);
+    } catch (const std::exception&) {
+        return false;    // short of memory
+    }
+}
+
+QCoro::Task<CreditJournal::Refund> CreditJournal::giveBack(QString key, Telling telling)
+{
+    const QPointer<CreditJournal> self = this;
+    const auto given = std::make_shared<Completion>();
+    m_givingBack.insert(key, given);
+    QCoro::Task<Refund> asking = askBack(key, telling);
+    const Refund refund = co_await std::move(asking);
+    if (self && !m_isEnding) {
+        m_givingBack.remove(key);
+        given->complete();
+    }
+    co_return refund;
+}
+
+QCoro::Task<CreditJournal::Refund> CreditJournal::askBack(QString key, Telling telling)
+{
+    const QPointer<CreditJournal> self = this;
+    const auto entry = entryAt(key, m_preferences);
+    if (!entry || entry->account != m_account.accountKey()) {
+        leaveUnsettled(key);
+        co_return Refund::unreachable;
+    }
+    reached("refunding");
+    const double asked = now();
+    Refund refund = Refund::done;
+    QCoro::Task<> refunding = telling == Telling::aloud
+                                  ? m_account.refundCloudCopyCredits(entry->cost, entry->requestId)
+                                  : m_account.refundCreditsSilently(entry->cost, entry->requestId);
+    try {
+        co_await std::move(refunding);
+    } catch (const std::exception& error) {
+        refund = refundAfter(error);
+    }
+    if (!self)
+        co_return refund;
+    reached("refunded");
+    // What is still on its way would otherwise arrive when nobody waits for it.
+    const double late = std::min(entry->lateUntil, soon());    // the clock may have been set back
+    if (isPending(refund)) {
+        leaveUnsettled(key);
+    } else if (asked < late) {
+        changeEntry(key, [late](OpenReservation& kept) {
+            kept.isReserved = false;
+            kept.lateUntil = late;
+        });
+        leaveUnsettled(key);
+    } else {
+        strike(key);
+    }
+    co_return refund;
+}
+
+CreditJournal::Refund CreditJournal::refundAfter(const std::exception& error)
+{
+    if (isCode(error, u"credit_not_reserved"))
+        return Refund::neverReserved;
+    const auto* answer = dynamic_cast<const AccountError*>(&error);
+    return answer && answer->kind() != AccountError::Kind::unauthorized ? Refund::refused
+                                                                        : Refund::unreachable;
+}
+
+bool CreditJournal::isPending(Refund refund)
+{
+    return refund == Refund::refused || refund == Refund::unreachable;
+}
+
+// An entry that cannot be removed is tried again, which moves no credits.
+void CreditJournal::strike(const QString& key)
+{
+    if (m_preferences.remove(key))
+        m_unsettled.remove(key);
+    else
+        leaveUnsettled(key);
+}
+
+// Any run may go on with it.
+void CreditJournal::leaveUnsettled(const QString& key)
+{
+    changeEntry(key, [](OpenReservation& entry) { entry.run.clear(); });
+    m_unsettled.insert(key);
+    if (!m_isSettling)
+        m_retry.start(m_times.retry);
+}
+
+// Whoever gives something back makes it his own first: two runs that find the same entry must not
+// both do it, for between their refunds the user may have paid for it again.
+bool CreditJournal::claim(const QString& key)
+{
+    const bool isClaimed = m_preferences.transaction([&] {
+        const QString run = m_run.name();
+        return !run.isEmpty() && isLeftOpen(key) &&
+               changeEntry(key, [&](OpenReservation& entry) { entry.run = run; });
+    });
+    if (isClaimed)
+        m_unsettled.insert(key);
+    return isClaimed;
+}
+
+// Of a run that has ended, or of this one, which then waits for it.
+bool CreditJournal::isLeftOpen(const QString& key) const
+{
+    const auto entry = entryAt(key, m_preferences);
+    if (!entry || m_givingBack.contains(key))
+        return false;
+    const bool isOwn = m_run.is(entry->run);
+    return isOwn ? m_unsettled.contains(key) : !m_run.isGoingOn(entry->run);
+}
+
+QStringList CreditJournal::keysLeftOpen() const
+{
+    QStringList keys = m_preferences.keysBeginningWith(keyPrefixOf(m_account.accountKey()));
+    keys.removeIf([this](const QString& key) { return !isLeftOpen(key); });
+    return keys;
+}
+
+QCoro::Task<> CreditJournal::settle()
+{
+    if (m_isSettling) {
+        co_await m_settledAll.wait();
+    } else if (m_account.isAuthenticated()) {
+        QCoro::Task<> settling = settleAll();
+        co_await std::move(settling);
+    }
+}
+
+QCoro::Task<> CreditJournal::settleAll()
+{
+    const QPointer<CreditJournal> self = this;
+    m_isSettling = true;
+    m_settledAll.reset();
+    const QString account = m_account.accountKey();
+    int credits = 0;
+    QString what;
+    const QStringList keys = keysLeftOpen();
+    bool isReached = true;    // else each of the others would wait its whole time
+    for (qsizetype i = 0; i < keys.size() && isReached && account == m_account.accountKey(); ++i) {
+        const QString key = keys[i];
+        const auto entry =
+            isLeftOpen(key) && claim(key) ? entryAt(key, m_preferences) : std::nullopt;
+        if (!entry)
+            continue;
+        const int balance = m_account.account().balance;
+        QCoro::Task<Refund> refunding = giveBack(key, Telling::silently);
+        const Refund refund = co_await std::move(refunding);
+        if (!self)
+            co_return;
+        // Of one that was refunded already nothing comes back.
+        const bool isNews = entry->isReserved || m_account.account().balance > balance;
+        if (refund == Refund::done && isNews) {
+            credits += entry->cost;
+            what = what.isEmpty() || what == entry->what ? entry->what : u"una operación"_s;
+        }
+        isReached = refund != Refund::unreachable;
+    }
+    m_isSettling = false;
+    if (account != m_account.accountKey())
+        m_retry.start(0);    // somebody else came meanwhile
+    else
+        m_retry.start(keysLeftOpen().isEmpty() ? m_times.look : m_times.retry);
+    if (credits > 0)
+        Q_EMIT refunded(credits, what);
+    m_settledAll.complete();
+}
+
+void CreditJournal::reached(const char* step) const
+{
+    if (stepReached)
+        stepReached(step);
+}

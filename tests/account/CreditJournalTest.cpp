@@ -1,0 +1,293 @@
+#include "account/CreditJournal.h"
+
+#include "account/AccountAPI.h"
+#include "account/AccountSession.h"
+#include "platform/PreferencesStore.h"
+#include "tests/account/Awaited.h"
+#include "tests/account/ScriptedServer.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+// What the service is asked for while programs come, go and share their preferences. With a real
+// ledger behind it: tests/studio.
+
+namespace {
+
+// A service with one identifier in its ledger.
+class Bank : public ScriptedServer {
+public:
+    Bank()
+        : ScriptedServer([this](const Request& request) {
+              if (request.target == "/api/auth/me")
+                  return reply(200, R"({"balance":)" + QByteArray::number(balance) +
+                                        R"(,"profile":{"id":")" + user +
+                                        R"(","email":"ana@ejemplo.es"}})");
+              if (!request.target.contains("/credits/"))
+                  return reply(200, "{}");
+              log.append(request.target.mid(request.target.lastIndexOf('/') + 1));
+              const bool isReserve = log.last() == "reserve";
+              if (!isReserve && !wasReserved)
+                  return reply(409, R"({"error":"credit_not_reserved"})");
+              wasReserved = true;
+              balance = isReserve ? 950 : 1000;
+              return reply(200, R"({"ok":true,"balance":)" + QByteArray::number(balance) +
+                                    R"(,"cost":50})");
+          })
+    {
+    }
+    QByteArray user = "1";
+    int balance = 1000;
+    bool wasReserved = false;
+    QByteArrayList log;    // "reserve", "refund"
+};
+
+// As a full disk does.
+void refuseWrites(bool refuse)
+{
+    for (const QString& name : QSqlDatabase::connectionNames()) {
+        QSqlQuery query(QSqlDatabase::database(name, false));
+        query.exec(u"PRAGMA query_only=%1"_s.arg(refuse ? u"ON"_s : u"OFF"_s));
+    }
+}
+
+bool turnUntil(const std::function<bool()>& isDone)
+{
+    QElapsedTimer watch;
+    for (watch.start(); !isDone() && watch.elapsed() < 10'000;)
+        QGuiApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
+    return isDone();
+}
+
+struct Program {
+    explicit Program(const Bank& bank, const QString& folder, CreditJournal::Times times = {},
+                     RequestLimits limits = {})
+        : preferences(folder + u"/p.sqlite"_s),
+          api(bank.configuration(), preferences, nullptr, limits),
+          account(api, {.openInBrowser = {}}),
+          journal(account, preferences, folder + u"/runs"_s, times)
+    {
+        QObject::connect(&journal, &CreditJournal::refunded, &journal,
+                         [this](int credits) { returned += credits; });
+        awaited(account.refresh());
+        awaited(journal.settle());
+    }
+    ChargeResult pay(const std::function<QCoro::Task<bool>()>& work)
+    {
+        return awaited(journal.run(operation(work)));
+    }
+    ChargedOperation operation(const std::function<QCoro::Task<bool>()>& work)
+    {
+        return {.requestId = u"id"_s,
+                .cost = 50,
+                .what = u"una prueba"_s,
+                .covers = {u"a"_s, u"b"_s},
+                .isStillDue = {},
+                .work = work,
+                .record = [this](const QString& entry) { return preferences.remove(entry); }};
+    }
+    QStringList entries() const
+    {
+        return preferences.keysBeginningWith(u"moltiva.creditReservation."_s);
+    }
+
+    PreferencesStore preferences;
+    AccountAPI api;
+    AccountSession account;
+    CreditJournal journal;
+    int returned = 0;
+};
+
+QCoro::Task<bool> succeed()
+{
+    co_return true;
+}
+
+QCoro::Task<bool> fail()
+{
+    throw std::bad_alloc();
+    co_return false;
+}
+
+class CreditJournalTest : public ::testing::Test {
+protected:
+    // As a program leaves it that dies while it works.
+    void leaveOpen()
+    {
+        Program doomed(bank, folder.path());
+        doomed.pay([&] {
+            doomed.preferences.setValue(u"copy"_s,
+                                        *doomed.preferences.value(doomed.entries().value(0)));
+            key = doomed.entries().value(0);
+            return succeed();
+        });
+        doomed.preferences.setValue(key, *doomed.preferences.value(u"copy"_s));
+    }
+
+    Bank bank;
+    QTemporaryDir folder;
+    QString key;
+};
+
+}    // namespace
+
+TEST_F(CreditJournalTest, AnEntryIsThereFromBeforeTheReservationUntilItsEnd)
+{
+    Program program(bank, folder.path());
+    QByteArrayList steps;
+    program.journal.stepReached = [&](const char* step) {
+        steps.append(step + QByteArray::number(program.entries().size()) +
+                     QByteArray::number(bank.log.size()));
+    };
+    EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::done);
+    EXPECT_EQ(steps, QByteArrayList({"opened10", "reserved11", "worked11", "recorded01"}));
+    steps.clear();
+    EXPECT_EQ(program.pay(&fail).state, ChargeResult::State::failed);
+    EXPECT_EQ(steps, QByteArrayList({"opened11", "reserved12", "refunding12", "refunded13"}));
+    EXPECT_TRUE(program.entries().isEmpty());
+    EXPECT_EQ(bank.log, QByteArrayList({"reserve", "reserve", "refund"}));
+}
+
+TEST_F(CreditJournalTest, WhatADeadProgramLeftIsGivenBackOnceAndToItsOwner)
+{
+    leaveOpen();
+    bank.user = "2";
+    {
+        Program another(bank, folder.path());
+        EXPECT_EQ(another.returned, 0) << "it was somebody else's";
+    }
+    bank.user = "1";
+    Program program(bank, folder.path());
+    EXPECT_EQ(program.returned, 50);
+    EXPECT_TRUE(program.entries().isEmpty());
+    Program again(bank, folder.path());
+    EXPECT_EQ(again.returned, 0);
+    EXPECT_EQ(bank.log, QByteArrayList({"reserve", "refund"}));
+}
+
+TEST_F(CreditJournalTest, ALiveProgramIsLeftAlone)
+{
+    Program one(bank, folder.path());
+    Program other(bank, folder.path());
+    const ChargeResult paid = one.pay([&] {
+        awaited(other.journal.settle());
+        EXPECT_EQ(bank.log, QByteArrayList{"reserve"});
+        const ChargeResult refused = other.pay(&succeed);
+        EXPECT_EQ(refused.state, ChargeResult::State::notReserved);
+        EXPECT_EQ(refused.error,
+                  u"Otra orden de Moltiva está pagando lo mismo. Espera a que termine."_s);
+        ChargedOperation part = other.operation(&succeed);
+        part.requestId = u"de otra cosa más"_s;
+        part.covers = {u"b"_s, u"c"_s};
+        EXPECT_EQ(awaited(other.journal.run(part)).error, refused.error);
+        return succeed();
+    });
+    EXPECT_EQ(paid.state, ChargeResult::State::done);
+    EXPECT_EQ(bank.log, QByteArrayList{"reserve"});
+    EXPECT_TRUE(one.entries().isEmpty());
+}
+
+TEST_F(CreditJournalTest, TheSameAgainTakesTheOpenEntryOver)
+{
+    Program program(bank, folder.path());
+    leaveOpen();    // after that one looked
+    EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::done);
+    EXPECT_TRUE(program.entries().isEmpty());
+    awaited(program.journal.settle());
+    EXPECT_EQ(bank.log, QByteArrayList({"reserve", "reserve"})) << "which is one to the service";
+}
+
+TEST_F(CreditJournalTest, WhatIsBeingGivenBackIsNotPaidMeanwhile)
+{
+    Program program(bank, folder.path());
+    leaveOpen();
+    bank.hold("/api/credits/social-copy/refund");
+    program.journal.settle();
+    bool isPaid = false;
+    auto paying = [](Program& by, bool& done) -> QCoro::Task<> {
+        const ChargedOperation operation = by.operation(&succeed);
+        QCoro::Task<ChargeResult> running = by.journal.run(operation);
+        const ChargeResult result = co_await std::move(running);
+        done = result.state == ChargeResult::State::done;
+    }(program, isPaid);
+    QElapsedTimer watch;
+    watch.start();
+    turnUntil([&] { return watch.elapsed() > 100; });
+    EXPECT_EQ(bank.log, QByteArrayList{"reserve"});
+    bank.release();
+    awaited(std::move(paying));
+    EXPECT_TRUE(isPaid);
+    EXPECT_EQ(bank.log, QByteArrayList({"reserve", "refund", "reserve"}));
+}
+
+// The second time the service says of a refund that it is done, whether or not the reservation has
+// come.
+TEST_F(CreditJournalTest, AReservationThatComesLateIsGivenBackWhenItHasCome)
+{
+    using namespace std::chrono_literals;
+    Program program(bank, folder.path(), {.retry = 50ms, .look = 1h, .underWay = 2s},
+                    {.withoutBody = 300ms, .withBody = 300ms});
+    program.pay(&fail);
+    EXPECT_TRUE(program.entries().isEmpty());
+    bank.hold("/api/credits/social-copy/reserve");
+    EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::notReserved);
+    EXPECT_EQ(program.entries().size(), 1);
+    bank.balance = 950;    // there it is
+    EXPECT_TRUE(turnUntil([&] { return bank.balance == 1000; }));
+    EXPECT_TRUE(turnUntil([&] { return program.entries().isEmpty(); }));
+}
+
+TEST_F(CreditJournalTest, AnotherPriceIsAnotherReservation)
+{
+    Program program(bank, folder.path());
+    leaveOpen();
+    ChargedOperation dearer = program.operation(&succeed);
+    dearer.cost = 60;
+    EXPECT_EQ(awaited(program.journal.run(dearer)).state, ChargeResult::State::done);
+    EXPECT_EQ(bank.log, QByteArrayList({"reserve", "refund", "reserve"}));
+}
+
+TEST_F(CreditJournalTest, WhatWasPaidMeanwhileIsNotPaidAgain)
+{
+    Program program(bank, folder.path());
+    ChargedOperation late = program.operation(&succeed);
+    late.isStillDue = [] { return false; };
+    EXPECT_EQ(awaited(program.journal.run(late)).error,
+              u"Otra orden de Moltiva ha pagado una parte mientras tanto. Vuelve a intentarlo."_s);
+    EXPECT_TRUE(bank.log.isEmpty() && program.entries().isEmpty());
+}
+
+TEST_F(CreditJournalTest, AFullDiskAndEntriesThatDoNotReadChargeNothingAndBlockNothing)
+{
+    using namespace std::chrono_literals;
+    Program program(bank, folder.path(), {.retry = 50ms});
+    leaveOpen();
+    program.preferences.setValue(key, "{\"run\":7}");
+    program.preferences.setValue(key + u'2', "[");
+    awaited(program.journal.settle());
+    EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::done);
+    bank.log.clear();
+
+    refuseWrites(true);
+    EXPECT_EQ(program.pay(&succeed).error,
+              u"No se pudo anotar el pago. ¿Queda espacio en el disco?"_s);
+    EXPECT_TRUE(bank.log.isEmpty());
+    refuseWrites(false);
+    // Full while it works: what is given back cannot be struck, but is later.
+    const ChargeResult failed = program.pay([&] {
+        refuseWrites(true);
+        return fail();
+    });
+    EXPECT_FALSE(failed.isRefundPending);
+    EXPECT_EQ(program.entries().size(), 2) << "with the one that does not read";
+    refuseWrites(false);
+    EXPECT_TRUE(turnUntil([&] { return program.entries().size() == 1; }));
+    EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::done);
+}
