@@ -51,6 +51,13 @@ ExportedFile guarded(const std::function<ExportedFile(qsizetype)>& work, qsizety
     }
 }
 
+// By the name, or as a link, which may lead to a file of any name.
+bool mayLieOnAnOutput(const QFileInfo& photo)
+{
+    const QString name = photo.fileName().toCaseFolded();
+    return (name.endsWith(u".png"_s) && name.contains(u"-publicacion"_s)) || photo.isSymLink();
+}
+
 }    // namespace
 
 ExportedFile exportItem(const PublicationItem& item, SocialFormat format, const QString& path,
@@ -79,25 +86,21 @@ ExportedFile exportItem(const PublicationItem& item, SocialFormat format, const 
     return file;
 }
 
-ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& path,
-                         const QList<ItemPreparation>& preparations)
+ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& path)
 {
-    const auto preparedItem = [&](const PhotoInfo& info) {
-        auto item = PublicationItem::make(url, {url.toLocalFile(), info.size, info.reducible, {}});
-        for (const ItemPreparation& prepare : preparations)
-            prepare(item);
-        return item;
+    const auto itemOf = [&](const PhotoInfo& info) {
+        return PublicationItem::make(url, {url.toLocalFile(), info.size, info.reducible, {}});
     };
     Stopwatch decoding;
     const auto decoded = decodePhoto(url.toLocalFile(), [&](const PhotoInfo& info) {
-        const PublicationItem item = preparedItem(info);
+        const PublicationItem item = itemOf(info);
         return ExportCanvasRenderer::photoLevel(item.image, item.placement, exportSize(format));
     });
     const double seconds = decoding.lap();
     if (!decoded)
         return {.path = path, .bytes = 0, .error = unreadablePhoto, .times = {.decode = seconds}};
     // Made anew: the sizes of some photos are certain only now.
-    ExportedFile file = exportItem(preparedItem(decoded->info), format, path,
+    ExportedFile file = exportItem(itemOf(decoded->info), format, path,
                                    [&](const PhotoHandle&, PhotoLevel) { return decoded->image; });
     file.times.decode = seconds;
     return file;
@@ -110,8 +113,11 @@ QStringList exportPaths(const QList<QUrl>& photos, const QString& folder)
     const QDir target(real.isEmpty() ? QDir(folder).absolutePath() : real);
     QSet<QString> taken;
     for (const QUrl& photo : photos) {
-        taken.insert(photo.toLocalFile().toCaseFolded());
-        taken.insert(QFileInfo(photo.toLocalFile()).canonicalFilePath().toCaseFolded());
+        const QFileInfo file(photo.toLocalFile());
+        taken.insert(file.filePath().toCaseFolded());
+        // To see where a file really lies takes a look at each of its folders.
+        if (mayLieOnAnOutput(file))
+            taken.insert(file.canonicalFilePath().toCaseFolded());
     }
     QStringList paths;
     for (const QUrl& photo : photos) {

@@ -28,13 +28,9 @@ ExportedFile
 exportItem(const PublicationItem& item, SocialFormat format, const QString& path,
            const ExportCanvasRenderer::PhotoSource& source = ExportCanvasRenderer::decodedFromFile);
 
-// What an item gets before it is exported. Called on any thread, and more than once.
-using ItemPreparation = std::function<void(PublicationItem&)>;
-
-// A photo with its default texts and whatever the preparations make of them, in their order,
-// straight to its file: it is decoded once, at the level the file needs.
-ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& path,
-                         const QList<ItemPreparation>& preparations = {});
+// A photo with its default texts straight to its file: it is decoded once, at the level the file
+// needs.
+ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& path);
 
 // "<name>-publicacion.png" in `folder` for each photo. Where that would be the file of another
 // photo of the batch, or its output, also by their case, the later one gets "-publicacion-2.png"

@@ -91,29 +91,27 @@ void StudioHistory::collectPayments(const Batch& batch, Payments& payments)
     }
 }
 
-StudioHistory::Payments StudioHistory::payments() const
+void StudioHistory::recordPayments(const Payments& paid, Batch& current)
 {
-    Payments payments;
-    for (const QList<StudioHistorySnapshot>* stack : {&m_undoStack, &m_redoStack}) {
-        for (const StudioHistorySnapshot& snapshot : *stack)
-            collectPayments(snapshot, payments);
-    }
-    return payments;
-}
-
-void StudioHistory::recordPayment(QUuid item, const QString& fingerprint)
-{
+    for (auto payment = paid.cbegin(); payment != paid.cend(); ++payment)
+        m_payments[payment.key()].unite(payment.value());
+    PublicationItems::Change change;
     const auto record = [&](StudioHistorySnapshot& snapshot) {
-        const auto found = std::ranges::find(snapshot.items, item, &PublicationItem::id);
-        if (found != snapshot.items.end()) {
-            snapshot.items.edit(found - snapshot.items.begin())
-                .paidRenderFingerprints.insert(fingerprint);
+        for (qsizetype i = 0; i < snapshot.items.size(); ++i) {
+            const PublicationItem& item = snapshot.items[i];
+            const auto payment = paid.constFind(item.id);
+            if (payment == paid.cend() || item.paidRenderFingerprints.contains(*payment))
+                continue;
+            snapshot.items.edit(i, change, [&](PublicationItem& edited) {
+                edited.paidRenderFingerprints.unite(*payment);
+            });
         }
     };
     std::ranges::for_each(m_undoStack, record);
     std::ranges::for_each(m_redoStack, record);
     if (m_activeCanvasEditSnapshot)
         record(*m_activeCanvasEditSnapshot);
+    record(current);
 }
 
 void StudioHistory::clear()

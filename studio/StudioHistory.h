@@ -37,12 +37,12 @@ public:
     // Ends the gesture; nothing when none was under way.
     std::optional<StudioHistorySnapshot> endCanvasEdit();
 
-    // What was paid of which item, in any of the states.
+    // What was paid of which item since the history began, also of items that are gone.
     using Payments = QHash<QUuid, QSet<QString>>;
-    Payments payments() const;
+    const Payments& payments() const { return m_payments; }
     static void collectPayments(const Batch& batch, Payments& payments);
-    // A render of the item is paid for, in every state it may come back in.
-    void recordPayment(QUuid item, const QString& fingerprint);
+    // Renders are paid for: in every state that their items may come back in, and in `current`.
+    void recordPayments(const Payments& paid, Batch& current);
 
     void clear();
 
@@ -52,6 +52,7 @@ private:
                                                      const StudioHistorySnapshot& current);
 
     QList<StudioHistorySnapshot> m_undoStack, m_redoStack;    // oldest first
+    Payments m_payments;
     std::optional<Time> m_lastCoalescedUndoDate;
     std::optional<StudioHistorySnapshot> m_activeCanvasEditSnapshot;
 };

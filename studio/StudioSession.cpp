@@ -35,10 +35,14 @@ constexpr std::chrono::milliseconds restBeforeSaving = 50ms, pauseBeforeRetry = 
 }    // namespace
 
 StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
-                             Clock clock, QObject* parent)
-    : QObject(parent), m_photos(std::move(photos)), m_preferences(preferences),
-      m_clock(std::move(clock)), m_status(startStatus())
+                             Clock clock, const OutputSize& outputSize)
+    : m_photos(std::move(photos)), m_preferences(preferences), m_clock(std::move(clock)),
+      m_status(startStatus()), m_exports(*this, m_photos, outputSize)
 {
+    // Before anybody else hears of it, so that they find the prices of this batch.
+    connect(this, &StudioSession::batchChanged, &m_exports, &StudioExports::follow);
+    connect(&m_exports, &StudioExports::changed, this, &StudioSession::exportChanged);
+    connect(&m_exports, &StudioExports::costsChanged, this, &StudioSession::costsChanged);
     m_saveLater.setSingleShot(true);
     connect(&m_saveLater, &QTimer::timeout, this, &StudioSession::saveWorkspace);
 }
@@ -105,8 +109,9 @@ Batch StudioSession::withPaymentsOfNow(Batch batch) const
     StudioHistory::Payments paid = m_history.payments();
     StudioHistory::collectPayments(m_batch, paid);
     for (qsizetype i = 0; i < batch.items.size() && !paid.isEmpty(); ++i) {
-        if (paid.contains(batch.items[i].id))
-            batch.items.edit(i).paidRenderFingerprints.unite(paid.value(batch.items[i].id));
+        const QSet<QString> payments = paid.value(batch.items[i].id);
+        if (!batch.items[i].paidRenderFingerprints.contains(payments))
+            batch.items.edit(i).paidRenderFingerprints.unite(payments);
     }
     return batch;
 }
@@ -140,6 +145,21 @@ void StudioSession::saveAfter(Pace pace)
         saveWorkspace();
 }
 
+// What was paid for is stored, and its payment settled, both or neither.
+bool StudioSession::store()
+{
+    const auto save = [this] {
+        return WorkspaceStore::save(m_preferences, m_encoder, m_batch) &&
+               std::ranges::all_of(m_settledEntries, [this](const QString& entry) {
+                   return m_preferences.remove(entry);
+               });
+    };
+    const bool isStored = m_settledEntries.isEmpty() ? save() : m_preferences.transaction(save);
+    if (isStored)
+        m_settledEntries.clear();
+    return isStored;
+}
+
 void StudioSession::saveWorkspace()
 {
     m_saveLater.stop();
@@ -149,7 +169,7 @@ void StudioSession::saveWorkspace()
     const bool isAside = !m_notYetAside || WorkspaceStore::setAside(m_preferences, *m_notYetAside);
     if (isAside)
         m_notYetAside.reset();
-    if (!isAside || !WorkspaceStore::save(m_preferences, m_encoder, m_batch)) {
+    if (!isAside || !store()) {
         m_saveLater.start(pauseBeforeRetry);
         if (!std::exchange(m_saveFailed, true)) {
             setStatus(u"No se pudo guardar la sesión. ¿Queda espacio en el disco? Puedes seguir: "
@@ -213,6 +233,9 @@ void StudioSession::finishRestore(const WorkspaceStore::Restored& restored,
     if (restored.workspace && m_batch.items.isEmpty()) {
         m_batch = *restored.workspace;
         m_history.clear();
+        StudioHistory::Payments paid;
+        StudioHistory::collectPayments(m_batch, paid);
+        m_history.recordPayments(paid, m_batch);
         setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(m_batch.items.size()),
                   StatusTone::done);
     } else if (!restored.workspace && restored.isDecoded && !document.isEmpty() && !m_notYetAside) {
@@ -221,6 +244,7 @@ void StudioSession::finishRestore(const WorkspaceStore::Restored& restored,
     if (m_batch.items.isEmpty())
         setStatus(startStatus());    // and not how far the restoring came
     Q_EMIT batchChanged();
+    m_exports.tellOfRefund();
     if (!m_loadAfterRestore.isEmpty())
         load(std::exchange(m_loadAfterRestore, {}));
 }
@@ -276,10 +300,11 @@ void StudioSession::finishRestoreAside(const WorkspaceStore::Restored& restored)
         WorkspaceStore::clearAside(m_preferences);
 }
 
-void StudioSession::setStatus(const QString& status, StatusTone tone)
+void StudioSession::setStatus(const QString& status, StatusTone tone, const QString& folder)
 {
     m_status = status;
     m_statusTone = tone;
+    m_statusFolder = folder;
     m_statusTold.start();
     Q_EMIT statusChanged();
 }
@@ -639,16 +664,38 @@ void StudioSession::applyStyle(const DesignTemplate& style)
     m_history.endContinuousChanges();
 }
 
-void StudioSession::markPaid(QUuid itemId, const QString& fingerprint)
+void StudioSession::exportCurrent(const QString& path)
 {
+    if (const PublicationItem* const item = m_batch.currentItem())
+        exportItem(item->id, path);
+}
+
+void StudioSession::exportAll(const QString& folder)
+{
+    QList<QUuid> items;
+    for (const int index : exportIndices())
+        items.append(m_batch.items[index].id);
+    exportItems(items, folder);
+}
+
+void StudioSession::setCreditJournal(CreditJournal& journal, const QString& stagingPlace)
+{
+    m_exports.setPayment(journal, stagingPlace);
+}
+
+bool StudioSession::markRenderedOutputsAsPaid(const QList<RenderedOutput>& outputs,
+                                              const QString& entry)
+{
+    StudioHistory::Payments paid;
+    for (const RenderedOutput& output : outputs)
+        paid[output.item.id].unite({output.fingerprint, output.pixels});
     // Also of an item that was discarded since: undoing brings it back.
-    m_history.recordPayment(itemId, fingerprint);
+    m_history.recordPayments(paid, m_batch);
     // Else a later change could join a step from before the payment.
     m_history.endContinuousChanges();
-    const auto item = std::ranges::find(m_batch.items, itemId, &PublicationItem::id);
-    if (item == m_batch.items.end())
-        return;
-    m_batch.items.edit(item - m_batch.items.begin()).paidRenderFingerprints.insert(fingerprint);
+    if (!entry.isEmpty())
+        m_settledEntries.append(entry);
     saveWorkspace();
     Q_EMIT batchChanged();
+    return !m_saveFailed;
 }

@@ -6,6 +6,7 @@
 #include "studio/Batch.h"
 #include "studio/LayerEdits.h"
 #include "studio/PhotoImport.h"
+#include "studio/StudioExports.h"
 #include "studio/StudioHistory.h"
 #include "studio/StyleClipboard.h"
 #include "studio/WorkspaceEncoder.h"
@@ -21,11 +22,12 @@
 #include <memory>
 
 class AccountSession;
+class CreditJournal;
 class PreferencesStore;
 struct TextSheet;
 
 // What a sentence in the status line tells.
-enum class StatusTone { info, done, problem };
+enum class StatusTone { info, done, problem, failure };
 
 // The state of the main window and its commands. Lives on the interface thread; whoever shows it
 // looks again after batchChanged(), and compares the items it knew: unchanged ones are equal and
@@ -40,19 +42,27 @@ public:
 
     // The preferences outlive the session. Nothing is recorded or stored before the workspace was
     // restored.
+    // Exported pictures have the size of their format unless another is given.
     StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
-                  Clock clock = &std::chrono::steady_clock::now, QObject* parent = nullptr);
+                  Clock clock = &std::chrono::steady_clock::now,
+                  const OutputSize& outputSize = exportSizeOf);
     ~StudioSession() override;
 
     const Batch& batch() const { return m_batch; }
     QString status() const { return m_status; }
     StatusTone statusTone() const { return m_statusTone; }
+    // The folder of the files that the status tells of; empty for none.
+    const QString& statusFolder() const { return m_statusFolder; }
     // Also for who works with the session.
-    void setStatus(const QString& status, StatusTone tone = StatusTone::info);
+    void setStatus(const QString& status, StatusTone tone = StatusTone::info,
+                   const QString& folder = {});
     CopyGenerationMode generationMode() const { return m_generationMode; }
     // The signed-in account; outlives the session.
     AccountSession* accountSession() const { return m_accountSession; }
     void setAccountSession(AccountSession& account) { m_accountSession = &account; }
+    // Pays the exports; outlives the session. Without one nothing can be exported. Rendered
+    // pictures wait in folders at `stagingPlace` until they are paid.
+    void setCreditJournal(CreditJournal& journal, const QString& stagingPlace);
     // The screen of the account that lies over the window, if one does; then those of the program.
     std::optional<AccountPanelDestination> accountPanel() const { return m_accountPanel; }
     void setAccountPanel(std::optional<AccountPanelDestination> panel);
@@ -135,8 +145,36 @@ public:
     // To the selected text, which reaches the other selected items.
     void applyStyle(const DesignTemplate& style);
 
-    // The item was exported: this render of it is paid for, whatever is undone later.
-    void markPaid(QUuid item, const QString& fingerprint);
+    // What exporting would cost now, in credits; nothing while that is being found out.
+    std::optional<int> displayedExportCurrentCost() const
+    {
+        return m_exports.displayedExportCurrentCost();
+    }
+    std::optional<int> displayedExportAllCost() const { return m_exports.displayedExportAllCost(); }
+    bool areCostsUpToDate() const { return m_exports.areCostsUpToDate(); }
+    // The item as it stands was paid for.
+    bool isPaid(QUuid item) const { return m_exports.isPaid(item); }
+    // Photos may have been moved or changed by others: looks at their files again.
+    void lookAtPhotos() { m_exports.lookAtPhotos(); }
+    // The images that exportAll() covers: those selected when there are several, else all.
+    QList<int> exportIndices() const { return m_exports.exportIndices(); }
+    // To a file whose place was chosen, and to a folder. One export runs at a time; the status
+    // tells how it goes. Of items that are gone nothing is exported.
+    void exportCurrent(const QString& path);
+    void exportItem(QUuid item, const QString& path) { m_exports.exportItem(item, path); }
+    void exportAll(const QString& folder);
+    void exportItems(const QList<QUuid>& items, const QString& folder)
+    {
+        m_exports.exportItems(items, folder);
+    }
+    bool isExporting() const { return exportProgress().has_value(); }
+    const std::optional<ExportProgress>& exportProgress() const { return m_exports.progress(); }
+    // What was charged is given back.
+    void stopExport() { m_exports.stop(); }
+
+    // These renders are paid for, whatever is undone later. `entry`: the preference to remove in
+    // the transaction that stores it; empty for none. Gives whether it is stored already.
+    bool markRenderedOutputsAsPaid(const QList<RenderedOutput>& outputs, const QString& entry);
 
 Q_SIGNALS:
     // Another image, layer or state comes next: what is still being typed belongs to this one.
@@ -147,6 +185,8 @@ Q_SIGNALS:
     void presentationChanged();
     void copiedStyleChanged();
     void importChanged();    // began, went on or ended
+    void exportChanged();    // likewise
+    void costsChanged();     // what exporting costs, or what is paid
 
 private:
     enum class Restore { notYet, running, done };
@@ -156,6 +196,7 @@ private:
     void registerUndo(const Batch& before, StudioHistory::Changes changes);
     void applyHistorySnapshot(StudioHistorySnapshot snapshot);
     Batch withPaymentsOfNow(Batch batch) const;
+    bool store();
     void keepWhatIsStored();
     void saveAfter(Pace pace);
     static QCoro::Task<> runRestore(QPointer<StudioSession> session, QByteArray document,
@@ -187,6 +228,7 @@ private:
     StyleClipboard m_copiedStyle;
     QString m_status;
     StatusTone m_statusTone = StatusTone::info;
+    QString m_statusFolder;
     QElapsedTimer m_statusTold;
     AccountSession* m_accountSession = nullptr;
     std::optional<AccountPanelDestination> m_accountPanel;
@@ -195,4 +237,6 @@ private:
     std::shared_ptr<PhotoImport::Control> m_import;    // of the import under way
     PhotoImport::Progress m_importProgress;
     QElapsedTimer m_importTold;    // since the last report of it
+    StudioExports m_exports;
+    QStringList m_settledEntries;    // preferences to remove with the next storing
 };

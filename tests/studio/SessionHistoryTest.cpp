@@ -87,6 +87,14 @@ protected:
     std::shared_ptr<PhotoCache> m_photos = std::make_shared<PhotoCache>(m_data.path());
     PreferencesStore preferences{m_data.filePath(u"p.sqlite"_s)};
     StudioHistory::Time now{};
+    // Its render, by the two names that it has.
+    void markPaid(QUuid item, const QString& fingerprint)
+    {
+        RenderedOutput output{{}, {}, fingerprint, fingerprint};
+        output.item.id = item;
+        session->markRenderedOutputsAsPaid({output}, {});
+    }
+
     std::unique_ptr<StudioSession> session;
 };
 
@@ -175,7 +183,7 @@ TEST_F(SessionHistoryTest, whatIsPaidStaysPaidWhateverIsUndone)
     const QUuid id = batch().items[0].id;
     restyle(1.2);
     now += 100ms;
-    session->markPaid(id, u"huella"_s);
+    markPaid(id, u"huella"_s);
     now += 100ms;
     session->removeCurrentItem();
     const auto isPaid = [&] { return batch().items[0].paidRenderFingerprints.size() == 1; };
@@ -187,7 +195,7 @@ TEST_F(SessionHistoryTest, whatIsPaidStaysPaidWhateverIsUndone)
     redo();
     EXPECT_TRUE(isPaid());
     redo();    // discarded again, and paid a second time while it is
-    session->markPaid(id, u"otra"_s);
+    markPaid(id, u"otra"_s);
     undo();
     EXPECT_EQ(batch().items[0].paidRenderFingerprints.size(), 2);
     EXPECT_TRUE(stored().items[0].paidRenderFingerprints.contains(u"huella"_s));
@@ -232,7 +240,7 @@ TEST_F(SessionHistoryTest, whatCannotBeBroughtBackIsSetAsideUntilItCan)
     session.reset();
     ASSERT_TRUE(QFile::rename(file(2), file(8)));
     session = opened();
-    session->markPaid(batch().items[0].id, u"huella"_s);
+    markPaid(batch().items[0].id, u"huella"_s);
     ASSERT_TRUE(QFile::rename(file(9), file(1)));
     ASSERT_TRUE(QFile::rename(file(8), file(2)));
     // Two losses, one after the other: the newer comes back first.

@@ -1,0 +1,247 @@
+#include "studio/StudioExports.h"
+
+#include "account/AccountSession.h"
+#include "account/CreditJournal.h"
+#include "platform/StagingFolder.h"
+#include "platform/Workers.h"
+#include "studio/StudioSession.h"
+
+#include <QFileInfo>
+
+#include <numeric>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto costDebounce = 15ms;
+// A price that is older than this is shown no longer.
+constexpr auto costPatience = 90ms;
+
+StatusTone toneOf(const ExportOutcome& outcome)
+{
+    switch (outcome.state) {
+    case ExportOutcome::State::done:
+        return StatusTone::done;
+    case ExportOutcome::State::stopped:
+        return StatusTone::info;
+    case ExportOutcome::State::notPrepared:
+    case ExportOutcome::State::notWritten:
+        return StatusTone::failure;
+    default:
+        return StatusTone::problem;
+    }
+}
+
+QList<QUrl> filesOf(const PublicationItems& items)
+{
+    QList<QUrl> files;
+    for (const PublicationItem& item : items)
+        files.append(item.url);
+    return files;
+}
+
+}    // namespace
+
+StudioExports::StudioExports(StudioSession& session, std::shared_ptr<PhotoCache> photos,
+                             const OutputSize& outputSize)
+    : m_session(session), m_photos(std::move(photos)), m_outputSize(outputSize),
+      m_costs(m_photos, outputSize)
+{
+    m_costsAreLate.setSingleShot(true);
+    m_costsAreLate.setInterval(costPatience);
+    connect(&m_costs, &RenderCosts::changed, this, &StudioExports::showCosts);
+    connect(&m_costsAreLate, &QTimer::timeout, this, [this] {
+        m_displayedExportCurrentCost = m_displayedExportAllCost = std::nullopt;
+        Q_EMIT costsChanged();
+        showCosts();    // one of the two may be known
+    });
+}
+
+StudioExports::~StudioExports()
+{
+    if (!m_control)
+        return;
+    m_control->stop = true;
+    m_control->progressed = {};
+    m_control->charging = {};
+    m_control->staging.reset();
+}
+
+void StudioExports::setPayment(CreditJournal& journal, const QString& stagingPlace)
+{
+    m_journal = &journal;
+    m_stagingPlace = stagingPlace;
+    connect(&journal, &CreditJournal::refunded, this, [this](int credits, const QString& what) {
+        m_refundToTell +=
+            u" Se han devuelto %1 créditos: %2 no llegó a terminar."_s.arg(credits).arg(what);
+        if (m_session.didRestoreWorkspace() && !m_control)
+            m_session.setStatus(std::exchange(m_refundToTell, {}).mid(1), StatusTone::done);
+    });
+    runOnWorker([stagingPlace] { StagingFolder::removeLeftovers(stagingPlace); });
+}
+
+void StudioExports::tellOfRefund()
+{
+    if (!m_refundToTell.isEmpty())
+        m_session.setStatus(m_session.status() + std::exchange(m_refundToTell, {}),
+                            m_session.statusTone(), m_session.statusFolder());
+}
+
+void StudioExports::follow()
+{
+    m_costs.scheduleRenderCostRefresh(m_session.batch(), costDebounce);
+}
+
+// A price is shown until the next one is known, but not for long.
+void StudioExports::showCosts()
+{
+    const Batch& batch = m_session.batch();
+    const QList<int> current = batch.currentItem() ? QList<int>{batch.selectedIndex} : QList<int>();
+    const auto currentCost = m_costs.renderCreditCost(current);
+    const auto allCost = m_costs.renderCreditCost(exportIndices());
+    const auto before = std::pair(m_displayedExportCurrentCost, m_displayedExportAllCost);
+    if (currentCost)
+        m_displayedExportCurrentCost = currentCost;
+    if (allCost)
+        m_displayedExportAllCost = allCost;
+    if (currentCost && allCost)
+        m_costsAreLate.stop();
+    else if (!m_costsAreLate.isActive() && (before.first || before.second))
+        m_costsAreLate.start();
+    const bool isNew = before != std::pair(m_displayedExportCurrentCost, m_displayedExportAllCost);
+    if (std::exchange(m_shownPaidVersion, m_costs.paidVersion()) != m_costs.paidVersion() || isNew)
+        Q_EMIT costsChanged();
+}
+
+QList<int> StudioExports::exportIndices() const
+{
+    if (m_session.batch().selectedItemIDs.size() > 1)
+        return m_session.selectedIndicesForBatch();
+    QList<int> all(m_session.batch().items.size());
+    std::iota(all.begin(), all.end(), 0);
+    return all;
+}
+
+// Nothing, which is told, when one of them is gone: the batch may have been replaced while the
+// place was chosen.
+std::optional<QList<int>> StudioExports::indicesOf(const QList<QUuid>& items)
+{
+    QHash<QUuid, int> places;
+    for (const PublicationItem& item : m_session.batch().items)
+        places.insert(item.id, int(places.size()));
+    QList<int> indices;
+    for (const QUuid& item : items) {
+        if (!places.contains(item)) {
+            m_session.setStatus(
+                u"El lote ha cambiado mientras elegías dónde exportar: no se ha exportado nada."_s,
+                StatusTone::problem);
+            return std::nullopt;
+        }
+        indices.append(places.value(item));
+    }
+    return indices;
+}
+
+void StudioExports::exportItem(QUuid item, const QString& path)
+{
+    if (const auto indices = indicesOf({item}))
+        start(ExportKind::single, *indices, {path});
+}
+
+void StudioExports::exportItems(const QList<QUuid>& items, const QString& folder)
+{
+    const auto indices = indicesOf(items);
+    if (!indices)
+        return;
+    // Of the whole batch, so that an item has the same name whatever goes with it.
+    const QStringList paths = exportPaths(filesOf(m_session.batch().items), folder);
+    QStringList destinations;
+    for (const int index : *indices)
+        destinations.append(paths[index]);
+    start(ExportKind::batch, *indices, destinations);
+}
+
+void StudioExports::start(ExportKind kind, const QList<int>& indices,
+                          const QStringList& destinations)
+{
+    if (m_control || indices.isEmpty())
+        return;
+    ExportRequest request;
+    request.kind = kind;
+    request.format = m_session.batch().format;
+    request.outputSize = m_outputSize;
+    request.destinations = destinations;
+    for (const int index : indices)
+        request.items.append(m_session.batch().items.mid(index, 1));
+    const ExportServices services{
+        .photos = m_photos,
+        .account = m_session.accountSession(),
+        .journal = m_journal,
+        .stagingPlace = m_stagingPlace,
+        .record =
+            [session = QPointer(&m_session)](const auto& outputs, const QString& entry) {
+                return session && session->markRenderedOutputsAsPaid(outputs, entry);
+            },
+        .paidMeanwhile = {}};
+    m_control = std::make_shared<ExportControl>();
+    m_control->progressed = [this](const ExportProgress& progress) { showProgress(progress); };
+    m_control->charging = [this](int cost) {
+        m_session.setStatus(u"Descontando %1 créditos..."_s.arg(cost));
+    };
+    showProgress({ExportProgress::Stage::rendering, 0, request.items.size()});
+    runToEnd(this, request, services, m_control);
+}
+
+QCoro::Task<> StudioExports::runToEnd(QPointer<StudioExports> self, ExportRequest request,
+                                      ExportServices services,
+                                      std::shared_ptr<ExportControl> control)
+{
+    QCoro::Task<ExportOutcome> running = runExport(request, services, control);
+    ExportOutcome outcome;
+    try {
+        outcome = co_await std::move(running);
+    } catch (const std::exception&) {
+        outcome.state = ExportOutcome::State::notPrepared;    // short of memory
+        outcome.kind = request.kind;
+    }
+    if (self)
+        self->finish(outcome);
+}
+
+void StudioExports::finish(const ExportOutcome& outcome)
+{
+    m_control.reset();
+    m_progress.reset();
+    if (outcome.state == ExportOutcome::State::notPrepared)
+        m_costs.lookAtPhotos();
+    const QString folder =
+        outcome.isDone() ? QFileInfo(outcome.written.value(0)).absolutePath() : QString();
+    m_session.setStatus(outcome.sentence(), toneOf(outcome), folder);
+    Q_EMIT changed();
+    tellOfRefund();
+}
+
+void StudioExports::showProgress(const ExportProgress& progress)
+{
+    m_progress = progress;
+    if (m_control && !m_control->stop && progress.stage != ExportProgress::Stage::charging) {
+        const QString doing = progress.stage == ExportProgress::Stage::rendering
+                                  ? u"Preparando imagen %1 de %2"_s
+                                  : u"Guardando imagen %1 de %2"_s;
+        m_session.setStatus(
+            doing.arg(std::min(progress.done + 1, progress.total)).arg(progress.total));
+    }
+    Q_EMIT changed();
+}
+
+void StudioExports::stop()
+{
+    if (!m_control)
+        return;
+    m_control->stop = true;
+    m_session.setStatus(u"Deteniendo la exportación…"_s);
+}
