@@ -119,18 +119,22 @@ bool AccountBinding::isAccountSeen() const
 
 void AccountBinding::tell()
 {
-    const bool isWorking = m_account.isWorking();
+    // Whoever charges something tells how that goes.
+    const bool isWorking = m_account.isWorking() && !m_account.isOnlyCharging();
     const bool isDone = m_wasWorking && !isWorking && !m_isLoadingPurchases;
-    const bool isOutcome = isDone || m_account.message() != m_message;
     const bool begins = isWorking && !m_wasWorking;
-    m_message = m_account.message();
+    const QString message = m_account.isAboutCharge() ? m_message : m_account.message();
+    const bool isOutcome = isDone || message != m_message;
+    if (!m_account.isAboutCharge())
+        m_isProblem = m_account.isProblem();
+    m_message = message;
     m_wasWorking = isWorking;
     if (begins && !isAccountSeen()) {
         m_toldWorking = true;
         Q_EMIT working();
     } else if (!isWorking && (m_toldWorking || (isOutcome && !isAccountSeen()))) {
         m_toldWorking = false;
-        Q_EMIT told(shownText(m_message), m_account.isProblem());
+        Q_EMIT told(shownText(m_message), m_isProblem);
     }
 }
 

@@ -63,7 +63,9 @@ private:
     QPointer<AccountSettingsWindow> m_accountSettings;
     QPointer<AppSettingsWindow> m_appSettings;
     bool m_didBootstrap = false;
-    QString m_message;    // that was told last, here or by what shows the account
+    // What was told last, here or by what shows the account.
+    QString m_message;
+    bool m_isProblem = false;
     bool m_wasWorking = false, m_toldWorking = false;
     bool m_isLoadingPurchases = false;    // which tells nothing when it is done
 };

@@ -15,6 +15,8 @@ BatchBinding::BatchBinding(StudioSession& session, BatchColumn* column,
             });
     connect(column, &BatchColumn::picturesWanted, this, &BatchBinding::wish);
     connect(m_pictures, &TilePictures::ready, this, &BatchBinding::showPicture);
+    connect(&session, &StudioSession::costsChanged, this,
+            [this] { m_column->setTiles(tilesOf(shownItems())); });
 }
 
 // While an import runs the batch is still the old one, and a click in the column would mean another
@@ -166,6 +168,7 @@ QList<Tile> BatchBinding::tilesOf(const PublicationItems& items)
                       .current = !incoming && i == batch.selectedIndex,
                       .selected = !incoming && batch.selectedItemIDs.contains(item.id),
                       .state = m_missing.contains(item.id) ? TileState::missing : TileState::normal,
+                      .paid = !incoming && m_session.isPaid(item.id),
                       .warnings = known != m_judgements.cend() ? known->sentences : QStringList()});
     }
     return tiles;

@@ -1,12 +1,10 @@
 #include "app/FileIntake.h"
 
-#include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
 
 #include <QFileInfo>
 #include <QMimeData>
-#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -38,7 +36,7 @@ bool isTextSheet(const QList<QUrl>& files)
 }    // namespace
 
 FileIntake::FileIntake(StudioSession& session, PreferencesStore& preferences, QWidget* window)
-    : QObject(window), m_session(session), m_preferences(preferences), m_window(window)
+    : QObject(window), m_session(session), m_window(window), m_folder(preferences, folderKey)
 {
     m_givenLately.setSingleShot(true);
     connect(&m_givenLately, &QTimer::timeout, this, [this] {
@@ -47,9 +45,6 @@ FileIntake::FileIntake(StudioSession& session, PreferencesStore& preferences, QW
         else
             m_given.clear();
     });
-    m_lastFolder = QString::fromUtf8(m_preferences.value(folderKey).value_or(QByteArray()));
-    if (!QFileInfo(m_lastFolder).isDir())
-        m_lastFolder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
 }
 
 void FileIntake::choosePhotos()
@@ -64,7 +59,7 @@ void FileIntake::chooseFolder()
 
 void FileIntake::choose(const QString& title, QFileDialog::FileMode mode)
 {
-    auto* dialog = new QFileDialog(m_window, title, m_lastFolder, imageFilter());
+    auto* dialog = new QFileDialog(m_window, title, m_folder.begin(), imageFilter());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(mode);
     // The signals that carry the choice differ between the systems' dialogs and the toolkit's own.
@@ -75,8 +70,9 @@ void FileIntake::choose(const QString& title, QFileDialog::FileMode mode)
 void FileIntake::chooseTexts(QFileDialog::AcceptMode mode)
 {
     const bool isSaving = mode == QFileDialog::AcceptSave;
-    auto* dialog = new QFileDialog(m_window, isSaving ? u"Exportar textos"_s : u"Importar textos"_s,
-                                   m_lastFolder, u"Textos (*.csv *.CSV);;Todos los archivos (*)"_s);
+    auto* dialog =
+        new QFileDialog(m_window, isSaving ? u"Exportar textos"_s : u"Importar textos"_s,
+                        m_folder.begin(), u"Textos (*.csv *.CSV);;Todos los archivos (*)"_s);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(mode);
     dialog->setFileMode(isSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
@@ -86,7 +82,7 @@ void FileIntake::chooseTexts(QFileDialog::AcceptMode mode)
     }
     connect(dialog, &QFileDialog::accepted, this, [this, dialog, isSaving] {
         const QString path = dialog->selectedFiles().value(0);
-        rememberFolder(QFileInfo(path).absolutePath());
+        m_folder.remember(QFileInfo(path).absolutePath());
         if (isSaving)
             exportTexts(&m_session, path);
         else
@@ -95,19 +91,13 @@ void FileIntake::chooseTexts(QFileDialog::AcceptMode mode)
     dialog->open();
 }
 
-void FileIntake::rememberFolder(const QString& folder)
-{
-    m_lastFolder = folder;
-    m_preferences.setValue(folderKey, folder.toUtf8());
-}
-
 void FileIntake::load(const QList<QUrl>& filesAndFolders)
 {
     if (filesAndFolders.isEmpty())
         return;
     m_given.clear();
     const QFileInfo first(filesAndFolders.first().toLocalFile());
-    rememberFolder(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
+    m_folder.remember(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
     m_session.load(filesAndFolders);
 }
 

@@ -1,4 +1,5 @@
 #pragma once
+#include "app/ChooserFolder.h"
 #include "app/DropVeil.h"
 
 #include <QFileDialog>
@@ -10,8 +11,7 @@ class PreferencesStore;
 class QMimeData;
 class StudioSession;
 
-// How files reach the session, chosen, dropped or given from outside, and the folder that the
-// choosers open in.
+// How files reach the session: chosen, dropped or given from outside.
 class FileIntake : public QObject {
     Q_OBJECT
 public:
@@ -33,12 +33,10 @@ public:
 private:
     void choose(const QString& title, QFileDialog::FileMode mode);
     void load(const QList<QUrl>& filesAndFolders);
-    void rememberFolder(const QString& folder);
 
     StudioSession& m_session;
-    PreferencesStore& m_preferences;
     QWidget* m_window;
-    QString m_lastFolder;
+    ChooserFolder m_folder;
     QList<QUrl> m_given;    // from outside, of which more may come
     QTimer m_givenLately;
 };

@@ -7,6 +7,8 @@
 #include "app/BatchColumn.h"
 #include "app/ComposeBar.h"
 #include "app/EmptyState.h"
+#include "app/ExportBinding.h"
+#include "app/ExportButtons.h"
 #include "app/FileIntake.h"
 #include "app/Icons.h"
 #include "app/LoginView.h"
@@ -73,6 +75,8 @@ StatusKind kindOf(StatusTone tone)
         return StatusKind::ok;
     case StatusTone::problem:
         return StatusKind::warning;
+    case StatusTone::failure:
+        return StatusKind::error;
     }
     Q_UNREACHABLE();
 }
@@ -90,6 +94,8 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
       m_templates(
           std::make_unique<TemplatesBinding>(session, m_shell->sidePanel(), photos, preferences)),
       m_files(new FileIntake(session, preferences, this)), m_menu(new StudioMenu(this)),
+      m_exports(std::make_unique<ExportBinding>(session, account, *m_batch, m_shell, m_menu,
+                                                preferences, this)),
       m_gate(new AuthGateView(this)),
       m_account(std::make_unique<AccountBinding>(account, session, m_gate,
                                                  m_shell->topBar()->account(), this))
@@ -151,20 +157,23 @@ void MainWindow::connectPanels()
     connect(m_stage.get(), &StageBinding::photoFound, m_batch.get(), &BatchBinding::photoFound);
     connect(m_stage.get(), &StageBinding::photoMissing, this, [this](QUuid item) {
         m_batch->photoMissing(item);
-        m_shell->statusLine()->setStatus(
-            {StatusKind::error, u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
-                                    m_session.batch().currentItem()->filename())});
+        tell({StatusKind::error, u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
+                                     m_session.batch().currentItem()->filename())});
     });
     connect(m_templates.get(), &TemplatesBinding::previewChanged, m_stage.get(),
             &StageBinding::preview);
     connect(m_templates.get(), &TemplatesBinding::told, this,
             [this](const QString& sentence, StatusTone tone) {
-                m_shell->statusLine()->setStatus({kindOf(tone), sentence});
+                tell({kindOf(tone), sentence});
             });
     connect(m_panel.get(), &PanelBinding::leaveRequested, this, &MainWindow::focusCanvas);
 
-    connect(m_shell->statusLine(), &StatusLine::stopRequested, &m_session,
-            &StudioSession::stopImport);
+    connect(top->exports(), &ExportButtons::currentRequested, this, runs(Command::exportCurrent));
+    connect(top->exports(), &ExportButtons::severalRequested, this, runs(Command::exportAll));
+    connect(m_exports.get(), &ExportBinding::statusOutdated, this, &MainWindow::showStatus);
+    connect(m_exports.get(), &ExportBinding::closeRequested, this, &QWidget::close);
+    connect(m_exports.get(), &ExportBinding::leaveRequested, this, &MainWindow::focusCanvas);
+    connect(m_shell->statusLine(), &StatusLine::leaveRequested, this, &MainWindow::focusCanvas);
     connect(m_shell, &StudioShell::batchWidthDragged, this, [this](int width) {
         m_preferences.setValue(batchWidthKey, QByteArray::number(width));
     });
@@ -184,6 +193,7 @@ void MainWindow::connectSession()
     connect(&m_session, &StudioSession::statusChanged, this, &MainWindow::showStatus);
     connect(&m_session, &StudioSession::importChanged, this, [this] {
         m_batch->show();
+        m_exports->show();
         showStatus();
     });
 }
@@ -200,13 +210,11 @@ void MainWindow::connectAccount()
     connect(m_account.get(), &AccountBinding::textPanelRequested, this,
             [this] { showTab(SideTab::text); });
     connect(m_account.get(), &AccountBinding::working, this, [this] {
-        m_shell->statusLine()->setStatus(
-            {.kind = StatusKind::busy, .sentence = u"Conectando con tu cuenta…"_s});
+        tell({.kind = StatusKind::busy, .sentence = u"Conectando con tu cuenta…"_s});
     });
     connect(m_account.get(), &AccountBinding::told, this,
             [this](const QString& message, bool isProblem) {
-                m_shell->statusLine()->setStatus(
-                    {isProblem ? StatusKind::warning : StatusKind::ok, message});
+                tell({isProblem ? StatusKind::warning : StatusKind::ok, message});
             });
 }
 
@@ -271,8 +279,18 @@ void MainWindow::restorePreferences()
         restoreGeometry(*geometry);
 }
 
+void MainWindow::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    // Whatever was in front may have moved or changed the photos.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        m_session.lookAtPhotos();
+}
+
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    if (m_exports->delaysClosing())
+        return event->ignore();
     // What is still being typed counts.
     m_shell->composeBar()->finishEdit();
     focusCanvas();
@@ -299,7 +317,7 @@ void MainWindow::open(const QList<QUrl>& addresses)
 void MainWindow::refuseLink()
 {
     const QString sentence = u"Moltiva no reconoce el enlace que se ha abierto."_s;
-    m_shell->statusLine()->setStatus({StatusKind::warning, sentence});
+    tell({StatusKind::warning, sentence});
     if (isGated())
         m_gate->login()->tellProblem(sentence);
 }
@@ -326,8 +344,12 @@ void MainWindow::run(Command command)
         return m_files->choosePhotos();
     case Command::importFolder:
         return m_files->chooseFolder();
-    case Command::stopImport:
-        return m_session.stopImport();
+    case Command::exportCurrent:
+        return m_exports->exportCurrent();
+    case Command::exportAll:
+        return m_exports->exportSeveral();
+    case Command::stop:
+        return m_exports->stop();
     case Command::importTexts:
         if (const QString refusal = refusalOfTexts(m_session); !refusal.isEmpty())
             return m_session.setStatus(refusal, StatusTone::problem);
@@ -503,6 +525,7 @@ void MainWindow::goToRegion(int step)
         {m_shell->stage(), {m_stage->canvas()}},
         {m_shell->viewBar(), m_shell->viewBar()->focusOrder()},
         {m_shell->sidePanel(), m_shell->sidePanel()->focusOrder()},
+        {m_shell->statusLine(), m_shell->statusLine()->focusOrder()},
     };
     const QWidget* focused = focusWidget();
     qsizetype at = step > 0 ? -1 : regions.size();
@@ -542,6 +565,13 @@ void MainWindow::showTileMenu(int index, QPoint globalPosition)
         connect(action, &QAction::triggered, this, act);
         return action;
     };
+    QAction* exporting =
+        add(Icon::exportCurrent, u"Exportar actual"_s, Command::exportCurrent, [this, id] {
+            endEdits();
+            m_exports->exportItem(id);
+        });
+    exporting->setEnabled(m_exports->isOffered());
+    menu->addSeparator();
     add(Icon::copyStyle, u"Copiar estilo"_s, Command::copyStyle,
         [this, id] { m_session.copyStyleOf(id); });
     QAction* paste = add(Icon::pasteStyle, u"Pegar estilo"_s, Command::pasteStyle,
@@ -566,6 +596,11 @@ void MainWindow::resizeEvent(QResizeEvent*)
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
     if (isGated() || m_account->isSheetPresented())
+        return;
+    // Keys that close a chooser may still be held when the window has the keyboard again.
+    const bool closes = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
+                        event->key() == Qt::Key_Escape;
+    if (closes && event->isAutoRepeat())
         return;
     if (pressFocused(event, m_shell))
         return;
@@ -633,6 +668,7 @@ void MainWindow::showBatch()
     m_templates->show();    // which ends a preview on the stage
     m_stage->show();
     m_panel->show();
+    m_exports->show();
     showHints();
 }
 
@@ -647,7 +683,7 @@ void MainWindow::showMenu()
     const auto check = [this](Command command, bool checked) {
         m_menu->action(command)->setChecked(checked);
     };
-    m_menu->setEnabled({Command::stopImport}, m_session.isImporting());
+    m_exports->showMenu();
     m_menu->setEnabled({Command::signOut}, !m_accountSession.isWorking());
     m_menu->setEnabled({Command::restoreAside}, m_session.hasWorkspaceAside());
     m_menu->setEnabled({Command::undo}, m_session.canUndo());
@@ -708,13 +744,21 @@ void MainWindow::showHints()
 
 void MainWindow::showStatus()
 {
-    Status status{.kind = kindOf(m_session.statusTone()), .sentence = m_session.status()};
-    if (m_session.isImporting() && m_session.statusTone() != StatusTone::problem) {
+    const Status status{.kind = kindOf(m_session.statusTone()), .sentence = m_session.status()};
+    tell(m_exports->completed(status));
+}
+
+// Whatever is told, the bar of what is going on stays.
+void MainWindow::tell(Status status)
+{
+    if (m_session.isImporting()) {
         const PhotoImport::Progress& progress = m_session.importProgress();
-        status.kind = StatusKind::busy;
+        if (status.kind == StatusKind::info)
+            status.kind = StatusKind::busy;
+        status.goesOn = true;
         status.progress =
             progress.total > 0 ? double(progress.looked) / double(progress.total) : 0.0;
         status.stoppable = true;
     }
-    m_shell->statusLine()->setStatus(status);
+    m_shell->statusLine()->setStatus(m_exports->withProgress(status));
 }

@@ -10,6 +10,7 @@ class AccountBinding;
 class AccountSession;
 class AuthGateView;
 class BatchBinding;
+class ExportBinding;
 class FileIntake;
 class PanelBinding;
 class PhotoCache;
@@ -22,6 +23,7 @@ class TemplatesBinding;
 enum class Command;
 enum class ShapeKind;
 enum class SideTab;
+struct Status;
 
 // Places the panels, connects them with the session, and runs what the menu and the keys ask for.
 class MainWindow : public QWidget {
@@ -35,6 +37,7 @@ public:
     StudioShell* shell() const { return m_shell; }
     StudioMenu* menu() const { return m_menu; }
     TemplatesBinding& templates() const { return *m_templates; }
+    ExportBinding& exports() const { return *m_exports; }
     AuthGateView* gate() const { return m_gate; }
     // No picture is being drawn and no photo looked at.
     bool isSettled() const;
@@ -45,6 +48,7 @@ public:
     void comeForward();
 
 protected:
+    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -81,6 +85,7 @@ private:
     void showBatch();
     void showMenu();
     void showStatus();
+    void tell(Status status);
     void showHints();
 
     StudioSession& m_session;
@@ -94,6 +99,7 @@ private:
     std::unique_ptr<TemplatesBinding> m_templates;
     FileIntake* m_files;
     StudioMenu* m_menu;
+    std::unique_ptr<ExportBinding> m_exports;
     AuthGateView* m_gate;
     std::unique_ptr<AccountBinding> m_account;
     // Files that came while nobody was signed in: given from outside, and dropped.

@@ -10,7 +10,9 @@ class QWidget;
 enum class Command {
     importImages,
     importFolder,
-    stopImport,
+    exportCurrent,
+    exportAll,
+    stop,
     importTemplate,
     importTexts,
     exportTexts,

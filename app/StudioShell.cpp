@@ -201,6 +201,7 @@ void StudioShell::orderFocus()
     order.append(m_stage->canvas());
     order += m_viewBar->focusOrder();
     order += m_panel->focusOrder();
+    order += m_status->focusOrder();
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
 }

@@ -1,5 +1,6 @@
 #include "app/TemplatesBinding.h"
 
+#include "app/ChooserFolder.h"
 #include "app/PresetDrawing.h"
 #include "app/PresetGrid.h"
 #include "app/PresetPictures.h"
@@ -21,9 +22,9 @@ namespace {
 
 constexpr int restBeforeRedrawing = 120;    // ms
 
-QString usualFolder()
+QString beginning()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return usualFolder(QStandardPaths::DocumentsLocation);
 }
 
 SocialFormat formatOf(const VisualTemplate& of, SocialFormat otherwise)
@@ -398,7 +399,7 @@ void TemplatesBinding::remove(QUuid id)
 
 void TemplatesBinding::chooseDefinition()
 {
-    auto* dialog = new QFileDialog(m_panel->window(), u"Importar plantilla"_s, usualFolder(),
+    auto* dialog = new QFileDialog(m_panel->window(), u"Importar plantilla"_s, beginning(),
                                    u"Plantillas (*.json);;Todos los archivos (*)"_s);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
@@ -422,7 +423,7 @@ void TemplatesBinding::chooseExport(QUuid id)
     name.replace(u'/', u'-');
     auto* dialog =
         new QFileDialog(m_panel->window(), u"Exportar plantilla"_s,
-                        QDir(usualFolder()).filePath(name + u".json"_s), u"Plantillas (*.json)"_s);
+                        QDir(beginning()).filePath(name + u".json"_s), u"Plantillas (*.json)"_s);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(u"json"_s);

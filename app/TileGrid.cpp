@@ -117,10 +117,11 @@ void TileGrid::setTiles(const QList<Tile>& tiles)
         showCurrent();
         if (hasFocus())
             tell(QAccessible::Focus);
-    } else if (current >= 0 && tiles[current].warnings != former.warnings) {
+    } else if (current >= 0) {
         if (accessibleText(current) != formerName)
             tell(QAccessible::NameChanged);
-        tell(QAccessible::DescriptionChanged);
+        if (tiles[current].warnings != former.warnings)
+            tell(QAccessible::DescriptionChanged);
     }
     forgetDistant();
     wishLater();
@@ -335,9 +336,9 @@ bool TileGrid::viewportEvent(QEvent* event)
         }
         const Tile& tile = m_tiles[index];
         QString text = tile.name;
-        if (tile.state == TileState::paid)
+        if (tile.paid)
             text += u"\nPagada: volver a exportarla no descuenta créditos."_qs;
-        else if (tile.state == TileState::missing)
+        if (tile.state == TileState::missing)
             text += u"\nNo se puede leer la foto. ¿Se ha movido o borrado?"_qs;
         for (const QString& warning : tile.warnings)
             text += u'\n' + warning;
@@ -452,9 +453,6 @@ QString TileGrid::accessibleText(int index) const
     case TileState::queued:
         parts.append(u"en cola"_qs);
         break;
-    case TileState::paid:
-        parts.append(u"pagada"_qs);
-        break;
     case TileState::missing:
         parts.append(u"no se puede leer la foto"_qs);
         break;
@@ -462,6 +460,8 @@ QString TileGrid::accessibleText(int index) const
     case TileState::generated:
         break;
     }
+    if (tile.paid)
+        parts.append(u"pagada"_qs);
     if (!tile.warnings.isEmpty())
         parts.append(u"con avisos"_qs);
     return parts.join(u", "_qs);
@@ -528,6 +528,15 @@ void TileGrid::paintTile(QPainter& painter, int index) const
         fillRounded(painter, corner.adjusted(1.5, 1.5, -1.5, -1.5), 8, theme.accentLine);
         paintIcon(painter, Icon::check, corner, 14, Qt::white);
     }
+    // One sign for all that is wrong, in the colour of the worst. On the picture, for the caption
+    // has no room for two; the corner is the one that designs leave free most often.
+    if (tile.state == TileState::missing || !tile.warnings.isEmpty()) {
+        const QRectF sign(box.right() + 1 - 22, box.bottom() + 1 - 22.5, 19, 19);
+        const Theme& onDark = darkTheme();
+        fillRounded(painter, sign.adjusted(0.5, 0.5, -0.5, -0.5), 9, QColor(12, 13, 15, 220));
+        paintIcon(painter, Icon::alert, sign, 14,
+                  tile.state == TileState::missing ? onDark.err : onDark.warn);
+    }
     paintCaption(painter, index, box);
 }
 
@@ -536,18 +545,11 @@ void TileGrid::paintCaption(QPainter& painter, int index, const QRect& box) cons
     const Theme& theme = themeOf(this);
     const Tile& tile = m_tiles[index];
     QRectF line(box.left(), box.bottom() + 1 + captionGap, box.width(), captionHeight);
-    const auto mark = [&](Icon icon, const QColor& color) {
-        paintIcon(painter, icon, QRectF(line.right() - 14, line.top(), 14, captionHeight), 14,
-                  color);
+    if (tile.paid || tile.state == TileState::generated) {
+        paintIcon(painter, Icon::done, QRectF(line.right() - 14, line.top(), 14, captionHeight), 14,
+                  theme.ok);
         line.setRight(line.right() - 18);
-    };
-    if (tile.state == TileState::paid || tile.state == TileState::generated)
-        mark(Icon::done, theme.ok);
-    // One sign for all that is wrong, in the colour of the worst.
-    if (tile.state == TileState::missing)
-        mark(Icon::alert, theme.err);
-    else if (!tile.warnings.isEmpty())
-        mark(Icon::alert, theme.warn);
+    }
     const QString number = QString::number(index + 1);
     paintText(painter, line, Qt::AlignLeft, Type::captionSemibold,
               tile.current ? theme.text : theme.text2, number, Qt::ElideNone);

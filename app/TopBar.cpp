@@ -1,5 +1,6 @@
 #include "app/TopBar.h"
 
+#include "app/ExportButtons.h"
 #include "app/Mark.h"
 #include "app/UserAccountButton.h"
 #include "app/controls/Button.h"
@@ -62,7 +63,7 @@ TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
       m_undo(new IconButton(Icon::undo, u"Deshacer"_qs, 36, this)),
       m_redo(new IconButton(Icon::redo, u"Rehacer"_qs, 36, this)),
       m_formats(new SegmentedControl(segmentsOf(formats), this)),
-      m_account(new UserAccountButton(this))
+      m_exports(new ExportButtons(this)), m_account(new UserAccountButton(this))
 {
     setFixedHeight(barHeight);
     setUndo(false);
@@ -76,6 +77,7 @@ TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
     connect(m_undo, &IconButton::clicked, this, &TopBar::undoRequested);
     connect(m_redo, &IconButton::clicked, this, &TopBar::redoRequested);
     connect(m_formats, &SegmentedControl::chosen, this, &TopBar::formatChosen);
+    connect(m_exports, &ExportButtons::widthChanged, this, &TopBar::place);
     connect(m_account, &UserAccountButton::widthChanged, this, &TopBar::place);
 }
 
@@ -101,17 +103,10 @@ void TopBar::setRedo(bool possible)
     m_redo->setToolTip(possible ? u"Rehacer"_qs : u"Nada que rehacer"_qs);
 }
 
-void TopBar::addTrailing(QWidget* widget)
-{
-    widget->setParent(this);
-    m_trailing.append(widget);
-    place();
-}
-
 QList<QWidget*> TopBar::focusOrder() const
 {
-    return QList<QWidget*>{m_mark, m_images, m_folder, m_undo, m_redo, m_formats} + m_trailing +
-           QList<QWidget*>{m_account};
+    return QList<QWidget*>{m_mark, m_images, m_folder, m_undo, m_redo, m_formats} +
+           m_exports->focusOrder() + QList<QWidget*>{m_account};
 }
 
 void TopBar::resizeEvent(QResizeEvent*)
@@ -126,23 +121,22 @@ void TopBar::place()
         widget->setGeometry(QRect(QPoint(left, (barHeight - size.height()) / 2), size));
         return left + size.width();
     };
-    m_import->setLabels(width() < fullLabelsFrom ? Labels::hidden : Labels::shown);
+    const bool isNarrow = width() < fullLabelsFrom;
+    m_import->setLabels(isNarrow ? Labels::hidden : Labels::shown);
+    m_exports->setWording(isNarrow ? ExportButtons::Wording::brief : ExportButtons::Wording::whole);
+    m_account->setNameForm(isNarrow ? NameForm::first : NameForm::whole);
     m_mark->move(side, (barHeight - m_mark->height()) / 2);
     int left = put(m_import, side + m_mark->width() + gap);
     m_divider = left + gap + 1;
     left = put(m_undo, m_divider + gap + 3);
     left = put(m_redo, left);
 
-    m_account->setNameForm(width() < fullLabelsFrom ? NameForm::first : NameForm::whole);
     int right = width() - side + 6 - m_account->sizeHint().width();
     put(m_account, right);
     m_accountDivider = right - gap;
-    right = m_accountDivider - gap;
-    for (auto widget = m_trailing.crbegin(); widget != m_trailing.crend(); ++widget) {
-        right -= (*widget)->sizeHint().width();
-        put(*widget, right);
-        right -= Space::small;
-    }
+    right = m_accountDivider - gap - m_exports->sizeHint().width();
+    put(m_exports, right);
+    right -= Space::small;
     // Centred in the bar as long as that is free, else between its neighbours.
     const int formats = m_formats->sizeHint().width();
     const int middle = (width() - formats) / 2;

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class Control;
+class ExportButtons;
 class IconButton;
 class JoinedButtons;
 class PushButton;
@@ -30,8 +31,7 @@ public:
     void setUndo(bool possible);
     void setRedo(bool possible);
     UserAccountButton* account() const { return m_account; }
-    // Placed at the right, before the account, in the order in which they are added.
-    void addTrailing(QWidget* widget);
+    ExportButtons* exports() const { return m_exports; }
 
     QList<QWidget*> focusOrder() const;
     QSize sizeHint() const override { return {1200, 56}; }
@@ -57,8 +57,8 @@ private:
     IconButton* m_undo;
     IconButton* m_redo;
     SegmentedControl* m_formats;
+    ExportButtons* m_exports;
     UserAccountButton* m_account;
-    QList<QWidget*> m_trailing;
     QMenu* m_menu = nullptr;
     int m_divider = 0, m_accountDivider = 0;
 };

@@ -114,13 +114,13 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     prepare(application);
     SingleInstance instance(std::move(claimed), instanceFolders());
     dress(application, darkTheme());
-    const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
     PreferencesStore preferences(userDataFolder() + u"/moltiva.sqlite"_s);
-    const auto photos = std::make_shared<PhotoCache>(cache + u"/thumbnails"_s);
+    const auto photos = std::make_shared<PhotoCache>(thumbnailFolder());
     ConnectedAccount account(configuration, preferences, userDataFolder(),
                              {.openInBrowser = &QDesktopServices::openUrl});
     StudioSession session(photos, preferences);
     session.setAccountSession(account.session());
+    session.setCreditJournal(account.journal(), stagingPlace());
     MainWindow window(session, account.session(), photos, preferences);
     QObject::connect(&instance, &SingleInstance::handedOver, &window, [&window](const auto& urls) {
         window.comeForward();

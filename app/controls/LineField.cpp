@@ -11,7 +11,9 @@ constexpr int fieldHeight = 32, padding = 8, iconSide = 20, iconGap = 6;
 bool belongsToWindow(const QKeyEvent* event)
 {
     const bool turnsPage = event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
-    return (turnsPage && event->modifiers() == Qt::NoModifier) ||
+    // Under X11 it would go to the end of the line.
+    const bool exports = event->key() == Qt::Key_E && event->modifiers() == Qt::ControlModifier;
+    return exports || (turnsPage && event->modifiers() == Qt::NoModifier) ||
            event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo);
 }
 

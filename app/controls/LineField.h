@@ -5,8 +5,8 @@
 
 class QKeyEvent;
 
-// Keys that act on the whole window even while a text is typed: undo and redo, and the next and the
-// previous image.
+// Keys that act on the whole window even while a text is typed: undo and redo, the next and the
+// previous image, and exporting.
 bool belongsToWindow(const QKeyEvent* event);
 
 // One line on a ground of its own. Enter and Esc end the edit and give the arrows back.

@@ -13,6 +13,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int lineHeight = 28, side = 16, historyLength = 10;
+constexpr int sentenceLeft = side + 24, linkGap = 8;
 constexpr int widestHistory = 720, mostRows = 6;    // of a sentence in the history
 constexpr int announcePause = 3000, turnTime = 1000, frameTime = 33;    // ms
 
@@ -131,12 +132,42 @@ private:
     QList<Entry> m_entries;
 };
 
+// As small as the sentence that it follows.
+class StatusLink : public Control {
+public:
+    explicit StatusLink(QWidget* parent) : Control(parent)
+    {
+        setAccessibleName(u"Enlace del aviso"_qs);    // while it is hidden
+        setCursor(Qt::PointingHandCursor);
+        setProperty("focusRadius", Radius::chip);
+    }
+    QSize sizeHint() const override
+    {
+        return {qCeil(textWidth(Type::smallMedium, text())) + 2 * padding, linkHeight};
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        const Theme& theme = themeOf(this);
+        QPainter painter(this);
+        paintText(painter, QRectF(rect()).adjusted(padding, 0, 0, 0), Qt::AlignLeft,
+                  Type::smallMedium, mixed(theme.accentText, theme.text, hovered()), text(),
+                  Qt::ElideNone);
+    }
+
+private:
+    static constexpr int padding = 4, linkHeight = 20;
+};
+
 }    // namespace
 
 StatusLine::StatusLine(QWidget* parent)
     : QWidget(parent), m_bar(new ProgressBar(this)),
-      m_stop(new IconButton(Icon::close, u"Cancelar"_qs, 24, this)), m_hints(new KeyHints({}, this))
+      m_stop(new IconButton(Icon::close, u"Cancelar"_qs, 24, this)), m_link(new StatusLink(this)),
+      m_hints(new KeyHints({}, this))
 {
+    m_link->hide();
     setFixedHeight(lineHeight);
     m_stop->setIconSize(16);
     m_stop->hide();
@@ -145,6 +176,7 @@ StatusLine::StatusLine(QWidget* parent)
     m_announceLater.setSingleShot(true);
     connect(&m_announceLater, &QTimer::timeout, this, &StatusLine::announce);
     connect(m_stop, &IconButton::clicked, this, &StatusLine::stopRequested);
+    connect(m_link, &Control::clicked, this, &StatusLine::linkRequested);
     connect(&m_spin, &QTimer::timeout, this, [this] {
         m_turn = std::fmod(m_turn + double(frameTime) / turnTime, 1.0);
         update(0, 0, side + 20, height());
@@ -158,10 +190,7 @@ void StatusLine::setStatus(const Status& status)
     const bool sameSentence = status.sentence == m_status.sentence && status.kind == m_status.kind;
     m_status = status;
     const bool busy = status.kind == StatusKind::busy;
-    m_bar->setValue(status.progress);
-    m_bar->setVisible(busy);
-    m_stop->setVisible(busy && status.stoppable);
-    m_hints->setVisible(!busy);
+    showParts();
     if (busy)
         m_spin.start();
     else
@@ -179,12 +208,39 @@ void StatusLine::setStatus(const Status& status)
     update();
 }
 
+void StatusLine::showParts()
+{
+    const bool isUnderWay = m_status.isUnderWay();
+    const bool hasLink = !m_status.link.isEmpty();
+    const bool stops = isUnderWay && m_status.stoppable;
+    // The one that the window remembers, whether it is active or not.
+    const QWidget* focused = window()->focusWidget();
+    const bool losesFocus = (focused == m_link && !hasLink) || (focused == m_stop && !stops);
+    m_bar->setValue(m_status.progress);
+    m_bar->setVisible(isUnderWay);
+    m_stop->setVisible(stops);
+    m_hints->setVisible(!isUnderWay);
+    if (hasLink) {
+        m_link->setText(m_status.link);
+        m_link->setAccessibleName(m_status.link);
+    }
+    m_link->setVisible(hasLink);
+    if (losesFocus)
+        Q_EMIT leaveRequested();
+}
+
+QList<QWidget*> StatusLine::focusOrder() const
+{
+    return {m_link, m_stop};
+}
+
 void StatusLine::remember(const Status& status)
 {
     if (status.sentence.isEmpty())
         return;
-    const bool nextStep = !m_history.isEmpty() && m_history.last().kind == StatusKind::busy &&
-                          status.kind == StatusKind::busy;
+    const bool nextStep =
+        !m_history.isEmpty() && m_history.last().kind == StatusKind::busy &&
+        (status.kind == StatusKind::busy || status.sentence == m_history.last().sentence);
     if (nextStep)
         m_history.removeLast();
     m_history.append(status);
@@ -221,13 +277,21 @@ void StatusLine::place()
     m_bar->setGeometry(right - percentage - 180, (height() - 4) / 2 + 1, 180, 4);
     const int hints = std::min(m_hints->sizeHint().width(), width() / 2);
     m_hints->setGeometry(width() - side - hints, (height() - 20) / 2 + 1, hints, 20);
+    const QSize link = m_link->sizeHint();
+    const int after = sentenceLeft + qCeil(textWidth(Type::small, m_status.sentence)) + linkGap;
+    const int left = std::max(sentenceLeft, std::min(after, sentenceEnd() - link.width()));
+    m_link->setGeometry(QRect(QPoint(left, (height() - link.height()) / 2 + 1), link));
+}
+
+int StatusLine::sentenceEnd() const
+{
+    return (m_bar->isHidden() ? m_hints->x() : m_bar->x()) - Space::large;
 }
 
 QRect StatusLine::sentenceRect() const
 {
-    const int left = side + 24;
-    const int right = (m_bar->isHidden() ? m_hints->x() : m_bar->x()) - Space::large;
-    return {left, 1, right - left, height() - 1};
+    const int right = m_link->isHidden() ? sentenceEnd() : m_link->x() - linkGap;
+    return {sentenceLeft, 1, std::max(0, right - sentenceLeft), height() - 1};
 }
 
 void StatusLine::paintEvent(QPaintEvent*)

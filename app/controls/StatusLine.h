@@ -6,6 +6,7 @@
 
 #include <optional>
 
+class Control;
 class IconButton;
 class ProgressBar;
 
@@ -13,8 +14,11 @@ enum class StatusKind { info, ok, warning, error, busy };
 struct Status {
     StatusKind kind = StatusKind::info;
     QString sentence = {};
-    std::optional<double> progress = {};    // 0 to 1; only while busy
+    std::optional<double> progress = {};    // 0 to 1; only while something is going on
     bool stoppable = false;                 // may the user end what is going on?
+    bool goesOn = false;                    // also where the kind is not busy
+    QString link = {};                      // what the sentence leads to, as a button after it
+    bool isUnderWay() const { return kind == StatusKind::busy || goesOn; }
     bool operator==(const Status&) const = default;
 };
 
@@ -29,10 +33,13 @@ public:
     const QList<Status>& history() const { return m_history; }
     // Above the line, whole sentences; it takes the keyboard until Esc or a press elsewhere.
     void showHistory();
+    QList<QWidget*> focusOrder() const;
     QSize sizeHint() const override { return {600, 28}; }
 
 Q_SIGNALS:
     void stopRequested();
+    void linkRequested();
+    void leaveRequested();    // what had the focus is gone
 
 protected:
     bool event(QEvent* event) override;
@@ -43,7 +50,9 @@ protected:
 private:
     void remember(const Status& status);
     void announce();
+    void showParts();
     void place();
+    int sentenceEnd() const;
     QRect sentenceRect() const;
 
     Status m_status;
@@ -54,5 +63,6 @@ private:
     QElapsedTimer m_announced;
     ProgressBar* m_bar;
     IconButton* m_stop;
+    Control* m_link;
     KeyHints* m_hints;
 };

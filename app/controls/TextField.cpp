@@ -1,5 +1,6 @@
 #include "app/controls/TextField.h"
 
+#include "app/controls/LineField.h"
 #include "app/controls/Painting.h"
 
 #include <QEvent>
@@ -59,9 +60,7 @@ bool TextField::eventFilter(QObject* object, QEvent* event)
         update();
         break;
     case QEvent::ShortcutOverride: {
-        // Undoing is the window's, also in here.
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+        if (belongsToWindow(static_cast<QKeyEvent*>(event))) {
             event->ignore();
             return true;
         }

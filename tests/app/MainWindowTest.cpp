@@ -4,6 +4,8 @@
 #include "app/BatchBinding.h"
 #include "app/BatchColumn.h"
 #include "app/ComposeBar.h"
+#include "app/ExportBinding.h"
+#include "app/ExportButtons.h"
 #include "app/SidePanel.h"
 #include "app/SlotCard.h"
 #include "app/StagePanel.h"
@@ -11,6 +13,7 @@
 #include "app/StudioShell.h"
 #include "app/TextPanel.h"
 #include "app/ViewBar.h"
+#include "app/controls/CostButton.h"
 #include "app/controls/SliderField.h"
 #include "app/controls/SlotEditor.h"
 #include "app/controls/StatusLine.h"
@@ -24,7 +27,9 @@
 #include <QAccessible>
 #include <QAction>
 #include <QApplication>
+#include <QDesktopServices>
 #include <QElapsedTimer>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
@@ -41,6 +46,8 @@ class MainWindowTest : public ::testing::Test {
 protected:
     MainWindowTest()
     {
+        session.setAccountSession(account.session());
+        session.setCreditJournal(account.journal(), m_data.filePath(u"exports"_s));
         session.restoreWorkspaceIfNeeded();
         window.resize(1280, 800);
         window.show();
@@ -79,6 +86,46 @@ protected:
         return qobject_cast<SlotEditor*>(QApplication::focusWidget());
     }
     const PublicationItem& current() { return *session.batch().currentItem(); }
+    QFileDialog* chooser()
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return window.findChild<QFileDialog*>();
+    }
+    void choose(const QString& path)
+    {
+        QFileDialog* dialog = chooser();
+        ASSERT_TRUE(dialog);
+        dialog->setOption(QFileDialog::DontConfirmOverwrite);
+        dialog->setDirectory(QFileInfo(path).path());
+        if (dialog->acceptMode() == QFileDialog::AcceptSave)
+            dialog->selectFile(path);
+        static_cast<QDialog*>(dialog)->accept();
+    }
+    void answerReservations()
+    {
+        account.answer("POST /api/credits/social-copy/reserve",
+                       R"({"ok":true,"balance":4230,"cost":50})");
+    }
+    // An export that waits for its reservation.
+    void holdAtCharging()
+    {
+        answerReservations();
+        account.hold();
+        session.exportItem(session.batch().items[1].id, m_data.filePath(u"f1.png"_s));
+        ASSERT_TRUE(QTest::qWaitFor(
+            [this] {
+                return session.exportProgress() &&
+                       session.exportProgress()->stage == ExportProgress::Stage::charging;
+            },
+            30000));
+    }
+    QStringList told()
+    {
+        QStringList sentences;
+        for (const Status& status : window.shell()->statusLine()->history())
+            sentences.append(status.sentence);
+        return sentences;
+    }
 
     QTemporaryDir m_folder, m_data;
     std::shared_ptr<PhotoCache> m_photos =
@@ -217,12 +264,18 @@ TEST_F(MainWindowTest, aBatchThatTheColumnDoesNotShowIsNotChangedFromIt)
     Q_EMIT window.shell()->batchColumn()->clicked(0, Qt::ControlModifier);
     Q_EMIT window.shell()->batchColumn()->discardRequested();
     Q_EMIT window.shell()->batchColumn()->selectAllRequested();
+    const QWidget* several = window.shell()->topBar()->exports()->several();
+    EXPECT_FALSE(several->isEnabled());
+    window.menu()->action(Command::exportAll)->trigger();
+    window.menu()->action(Command::exportCurrent)->trigger();
+    EXPECT_FALSE(chooser());
     EXPECT_EQ(session.batch(), before);
     EXPECT_FALSE(grid()->tiles()[0].current);
     session.stopImport();
     settle();
     EXPECT_EQ(grid()->tiles().size(), 12);
     EXPECT_TRUE(grid()->tiles()[0].current);
+    EXPECT_TRUE(several->isEnabled());
 }
 
 TEST_F(MainWindowTest, keysChangeTheImageUnlessAFieldHasThem)
@@ -526,3 +579,225 @@ TEST_F(MainWindowTest, aClickIntoATextIsNoSelectionWhenTheCardAboveShrinks)
     EXPECT_EQ(below->textCursor().selectedText(), QString());
     EXPECT_TRUE(QTest::qWaitFor([&] { return cards[0]->height() < told; }));
 }
+
+TEST_F(MainWindowTest, anExportNeverGoesOverAPhotoOfTheBatch)
+{
+    const QUrl folder = photos(3);
+    const QString photo = m_folder.filePath(u"f1.png"_s), alias = m_data.filePath(u"a.png"_s);
+    const QString target = m_data.filePath(u"t.png"_s), linked = m_folder.filePath(u"f2.png"_s);
+    ASSERT_TRUE(QFile::link(photo, alias));
+    ASSERT_TRUE(QFile::rename(linked, target) && QFile::link(target, linked));
+    session.load({folder});
+    settle();
+    ASSERT_EQ(session.batch().items.size(), 3);
+    for (const QString& path : {photo, alias, target}) {
+        session.setStatus({});
+        window.menu()->action(Command::exportCurrent)->trigger();
+        EXPECT_TRUE(chooser()->selectedFiles().value(0).endsWith(u"/f0-publicacion.png"_s));
+        choose(path);
+        EXPECT_EQ(told().last(), u"Ese archivo es una foto del lote: elige otro nombre."_s);
+    }
+    EXPECT_FALSE(session.isExporting());
+}
+
+TEST_F(MainWindowTest, whateverNameIsChosenBecomesThatOfOnePngFile)
+{
+    answerReservations();
+    photos(1);
+    const QString quoted = m_folder.filePath(u"5\" x 7\".png"_s);
+    ASSERT_TRUE(QFile::rename(m_folder.filePath(u"f0.png"_s), quoted));
+    session.load({QUrl::fromLocalFile(quoted)});
+    settle();
+    const auto chooseVersion = [this] {
+        window.menu()->action(Command::exportCurrent)->trigger();
+        EXPECT_EQ(chooser()->selectedFiles().size(), 1);
+        choose(m_data.filePath(u"foto.v2"_s));
+    };
+    chooseVersion();
+    const QString written = m_data.filePath(u"foto.v2.png"_s);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !session.isExporting(); }, 30000));
+    EXPECT_TRUE(QFile::exists(written));
+    chooseVersion();
+    EXPECT_FALSE(session.isExporting()) << "nobody was asked about the file that is there";
+    ASSERT_TRUE(chooser());
+    EXPECT_EQ(chooser()->selectedFiles(), QStringList{written});
+    choose(written);
+    EXPECT_TRUE(session.isExporting());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !session.isExporting(); }, 30000));
+}
+
+TEST_F(MainWindowTest, whatIsExportedIsSettledWhenTheChooserOpens)
+{
+    session.load({photos(4)});
+    settle();
+    session.selectItem(2, Qt::ShiftModifier);
+    window.menu()->action(Command::exportAll)->trigger();
+    session.selectSingleIndex(3);
+    choose(m_data.path() + u"/."_s);
+    ASSERT_TRUE(session.isExporting());
+    EXPECT_EQ(session.exportProgress()->total, 3);
+    session.stopExport();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !session.isExporting(); }, 30000));
+}
+
+TEST_F(MainWindowTest, aKeyThatClosedAChooserAndIsStillHeldDoesNothing)
+{
+    session.load({photos(1)});
+    settle();
+    session.selectLayer(current().layers[0].id);
+    window.activateWindow();
+    canvas()->setFocus();
+    for (const int key : {Qt::Key_Return, Qt::Key_Escape}) {
+        for (QWidget* receiver : QList<QWidget*>{canvas(), &window}) {
+            QKeyEvent held(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+            QApplication::sendEvent(receiver, &held);
+            EXPECT_FALSE(panel()->textPanel()->editedSlot());
+            EXPECT_EQ(session.batch().selectedLayerID, current().layers[0].id);
+        }
+    }
+}
+
+TEST_F(MainWindowTest, exportsAreOfferedForWhatIsSelected)
+{
+    const auto entry = [this](Command command) {
+        Q_EMIT window.menu()->menu()->aboutToShow();
+        return window.menu()->action(command);
+    };
+    EXPECT_FALSE(entry(Command::exportCurrent)->isEnabled());
+    session.load({photos(4)});
+    settle();
+    EXPECT_EQ(entry(Command::exportAll)->text(), u"Exportar todo…"_s);
+    session.selectItem(2, Qt::ShiftModifier);
+    EXPECT_EQ(entry(Command::exportAll)->text(), u"Exportar 3…"_s);
+    EXPECT_EQ(window.shell()->topBar()->exports()->several()->accessibleName(), u"Exportar 3"_s);
+    EXPECT_TRUE(entry(Command::exportCurrent)->isEnabled());
+}
+
+TEST_F(MainWindowTest, theKeysOfExportsActFromEverywhere)
+{
+    session.load({photos(2)});
+    settle();
+    const auto chooserAfter = [this](QWidget* focused, Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(focused, Qt::Key_E, modifiers);
+        auto* dialog = window.findChild<QFileDialog*>();
+        const QString accept = dialog ? dialog->labelText(QFileDialog::Accept) : u"none"_s;
+        const QString title = dialog ? dialog->windowTitle() : QString();
+        if (dialog)
+            dialog->reject();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return title + u": "_s + accept;
+    };
+    window.activateWindow();
+    objective()->setFocus();
+    EXPECT_EQ(chooserAfter(objective(), Qt::ControlModifier | Qt::ShiftModifier),
+              u"Exportar imágenes: Exportar aquí"_s);
+    const QString before = session.status();
+    for (QWidget* focused : QList<QWidget*>{objective(), editSelected(), canvas()}) {
+        ASSERT_TRUE(focused);
+        window.activateWindow();
+        focused->setFocus();
+        EXPECT_TRUE(chooserAfter(focused, Qt::ControlModifier).startsWith(u"Exportar imagen:"_s))
+            << focused->metaObject()->className();
+    }
+    EXPECT_EQ(session.status(), before) << "cancelling is silent";
+}
+
+TEST_F(MainWindowTest, anExportIsShownFromItsBeginningToItsFiles)
+{
+    session.load({photos(3)});
+    settle();
+    const auto* exports = window.shell()->topBar()->exports();
+    StatusLine* line = window.shell()->statusLine();
+    QWidget* link = line->focusOrder().first();
+    QSet<QString> seen;
+    QObject::connect(&account.session(), &AccountSession::changed, [&] {
+        for (const QString& sentence : told())
+            seen.insert(sentence);
+    });
+    holdAtCharging();
+    EXPECT_FALSE(exports->current()->isEnabled());
+    EXPECT_EQ(line->history().last().kind, StatusKind::busy);
+    EXPECT_FALSE(line->history().last().progress) << "nobody knows how long it takes";
+    account.release();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return link->isVisible(); }, 30000));
+    EXPECT_TRUE(exports->current()->isEnabled());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return grid()->tiles()[1].paid; }, 30000));
+    EXPECT_FALSE(grid()->tiles()[0].paid);
+    EXPECT_TRUE(grid()->accessibleText(1).endsWith(u"pagada"_s));
+    EXPECT_FALSE(seen.contains(u"50 créditos reservados."_s));
+    EXPECT_FALSE(seen.contains(u"Conectando con tu cuenta…"_s));
+    press(*link, link->rect().center());    // offscreen nothing opens folders
+    EXPECT_EQ(session.status(), u"No se ha podido abrir la carpeta."_s);
+    EXPECT_FALSE(link->isVisible());
+}
+
+TEST_F(MainWindowTest, whatElseIsToldDuringAnExportStaysAndLeavesItsBar)
+{
+    session.load({photos(3)});
+    settle();
+    StatusLine* line = window.shell()->statusLine();
+    const QWidget* stop = line->focusOrder().last();
+    holdAtCharging();
+    session.setStatus(u"No se pudo guardar."_s, StatusTone::failure);
+    EXPECT_EQ(line->history().last().kind, StatusKind::error);
+    EXPECT_TRUE(stop->isVisible());
+    account.session().refresh();
+    account.release();
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] { return !session.isExporting() && !account.session().isWorking(); }, 30000));
+    EXPECT_FALSE(stop->isVisible());
+    EXPECT_TRUE(told().contains(u"No se pudo guardar."_s));
+    EXPECT_TRUE(told().contains(u"Cuenta actualizada."_s));
+}
+
+struct FolderOpener : QObject {
+    Q_OBJECT
+public:
+    FolderOpener() { QDesktopServices::setUrlHandler(u"file"_s, this, "open"); }
+    ~FolderOpener() override { QDesktopServices::unsetUrlHandler(u"file"_s); }
+    Q_INVOKABLE void open(const QUrl& url) { opened.append(url.toLocalFile()); }
+    QStringList opened;
+};
+
+TEST_F(MainWindowTest, aFolderThatIsGoneIsNotOpened)
+{
+    FolderOpener opener;
+    const QTemporaryDir folder;
+    QWidget* link = window.shell()->statusLine()->focusOrder().first();
+    session.setStatus(u"Exportada."_s, StatusTone::done, folder.path());
+    press(*link, link->rect().center());
+    EXPECT_EQ(opener.opened, QStringList{folder.path()});
+    ASSERT_TRUE(QDir(folder.path()).removeRecursively());
+    press(*link, link->rect().center());
+    EXPECT_EQ(opener.opened.size(), 1);
+    EXPECT_EQ(session.status(), u"No se ha podido abrir la carpeta."_s);
+}
+
+TEST_F(MainWindowTest, closingWaitsForTheExportToStop)
+{
+    session.load({photos(3)});
+    settle();
+    session.exportAll(m_data.path());
+    ASSERT_TRUE(session.isExporting());
+    window.close();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(told().last(), u"Terminando la exportación antes de cerrar…"_s);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !window.isVisible(); }, 4000));
+    EXPECT_FALSE(session.isExporting());
+}
+
+TEST_F(MainWindowTest, closingDoesNotWaitForEver)
+{
+    session.load({photos(3)});
+    settle();
+    holdAtCharging();
+    window.exports().setLongestWait(std::chrono::milliseconds(50));
+    window.close();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !window.isVisible(); }, 4000));
+    EXPECT_TRUE(session.isExporting());
+    account.release();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !session.isExporting(); }, 30000));
+}
+
+#include "MainWindowTest.moc"

@@ -168,13 +168,32 @@ TEST(TileGrid, repaintsOnlyTheTileThatChanged)
     settle();
     PaintWatch watch;
     grid.viewport()->installEventFilter(&watch);
-    tiles[2].name = u"otro"_qs;
+    tiles[2].paid = true;
     tiles[400].name = u"lejos"_qs;
     grid.setTiles(tiles);
     settle();
     EXPECT_TRUE(watch.painted.contains(grid.tileRect(2).center()));
     EXPECT_FALSE(watch.painted.contains(grid.tileRect(0).center()));
     EXPECT_FALSE(watch.painted.contains(grid.tileRect(5).center()));
+}
+
+TEST(TileGrid, aWarningTakesNothingFromTheName)
+{
+    Grid grid;
+    QList<Tile> tiles = tilesOf(2);
+    tiles[1].name = u"un-nombre-bastante-largo"_qs;
+    tiles[1].paid = true;
+    const auto shown = [&] {
+        grid.setTiles(tiles);
+        return grid.viewport()->grab().toImage();
+    };
+    const QRect picture = grid.tileRect(1);
+    const QRect caption(picture.bottomLeft() + QPoint(0, 1), QSize(picture.width(), 24));
+    const QImage before = shown();
+    tiles[1].warnings = {u"No cabe."_qs};
+    const QImage after = shown();
+    EXPECT_EQ(after.copy(caption), before.copy(caption));
+    EXPECT_NE(after.copy(picture), before.copy(picture));
 }
 
 TEST(TileGrid, arrowsMoveByTileAndByRow)
@@ -195,6 +214,7 @@ TEST(TileGrid, isReadAsAListOfNamedTiles)
     Grid grid;
     QList<Tile> tiles = tilesOf(24, 2);
     tiles[2].name = u"arroyo-hayedo"_qs;
+    tiles[2].paid = true;
     grid.setTiles(tiles);
     QAccessibleInterface* list = QAccessible::queryAccessibleInterface(&grid);
     ASSERT_NE(list, nullptr);
@@ -202,7 +222,7 @@ TEST(TileGrid, isReadAsAListOfNamedTiles)
     ASSERT_EQ(list->childCount(), 24);
     QAccessibleInterface* third = list->child(2);
     EXPECT_EQ(third->text(QAccessible::Name),
-              u"Imagen 3 de 24, arroyo-hayedo, actual, seleccionada"_qs);
+              u"Imagen 3 de 24, arroyo-hayedo, actual, seleccionada, pagada"_qs);
     EXPECT_TRUE(third->state().selected);
     EXPECT_EQ(list->indexOfChild(third), 2);
     EXPECT_EQ(third->parent(), list);

@@ -1,0 +1,182 @@
+#include "app/ExportBinding.h"
+
+#include "account/AccountSession.h"
+#include "app/BatchBinding.h"
+#include "app/ExportButtons.h"
+#include "app/ExportDialogs.h"
+#include "app/StudioMenu.h"
+#include "app/StudioShell.h"
+#include "app/controls/CostButton.h"
+#include "app/controls/StatusLine.h"
+#include "studio/StudioSession.h"
+
+#include <QAction>
+#include <QDesktopServices>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr std::chrono::seconds longestWait{5};
+}
+
+ExportBinding::ExportBinding(StudioSession& session, AccountSession& account,
+                             const BatchBinding& column, StudioShell* shell, StudioMenu* menu,
+                             PreferencesStore& preferences, QWidget* window)
+    : m_session(session), m_account(account), m_column(column),
+      m_buttons(shell->topBar()->exports()), m_statusLine(shell->statusLine()), m_menu(menu),
+      m_dialogs(new ExportDialogs(session, preferences, window))
+{
+    const auto keyOf = [menu](Command command) {
+        return menu->action(command)->shortcut().toString(QKeySequence::NativeText);
+    };
+    m_buttons->setKeys(keyOf(Command::exportCurrent), keyOf(Command::exportAll));
+    m_closing.setSingleShot(true);
+    m_closing.setInterval(longestWait);
+    connect(&m_closing, &QTimer::timeout, this, [this] {
+        m_hasWaited = true;
+        Q_EMIT closeRequested();
+    });
+    connect(m_dialogs, &ExportDialogs::fileChosen, &session, &StudioSession::exportItem);
+    connect(m_dialogs, &ExportDialogs::folderChosen, &session, &StudioSession::exportItems);
+    connect(m_statusLine, &StatusLine::stopRequested, this, &ExportBinding::stop);
+    connect(m_statusLine, &StatusLine::linkRequested, this, &ExportBinding::openFolder);
+    connect(&session, &StudioSession::costsChanged, this, &ExportBinding::show);
+    connect(&session, &StudioSession::exportChanged, this, &ExportBinding::exportChanged);
+    connect(&account, &AccountSession::changed, this, &ExportBinding::show);
+}
+
+ExportOffer ExportBinding::offer() const
+{
+    const Batch& batch = m_session.batch();
+    const int balance = m_account.account().balance;
+    const auto atMost = [](qsizetype images) { return int(images) * exportCreditCost; };
+    return {.images = batch.items.size(),
+            .selected = m_session.selectedIndicesForBatch().size(),
+            .isRunning = m_session.isExporting(),
+            .isIncoming = m_column.showsIncoming(),
+            .current = {m_session.displayedExportCurrentCost(), balance, atMost(1)},
+            .several = {m_session.displayedExportAllCost(), balance,
+                        atMost(m_session.exportIndices().size())}};
+}
+
+void ExportBinding::show()
+{
+    // Also while a chooser has the keyboard: the window remembers what it gives it back to.
+    const bool hadFocus = m_buttons->focusOrder().contains(m_buttons->window()->focusWidget());
+    m_buttons->setOffer(offer());
+    if (hadFocus && !m_buttons->current()->isEnabled())
+        Q_EMIT leaveRequested();
+}
+
+void ExportBinding::showMenu()
+{
+    const ExportOffer now = offer();
+    m_menu->action(Command::exportAll)->setText(exportSeveralText(now.selected) + u'…');
+    m_menu->setEnabled({Command::exportCurrent, Command::exportAll}, refusalOf(now).isEmpty());
+    m_menu->action(Command::stop)
+        ->setText(now.isRunning ? u"Detener la exportación"_s : u"Detener la importación"_s);
+    m_menu->setEnabled({Command::stop}, now.isRunning || m_session.isImporting());
+}
+
+bool ExportBinding::isOffered() const
+{
+    return refusalOf(offer()).isEmpty();
+}
+
+// A key asks at any time.
+bool ExportBinding::refuses()
+{
+    const QString refusal = refusalOf(offer());
+    if (!refusal.isEmpty())
+        m_session.setStatus(refusal);
+    return !refusal.isEmpty();
+}
+
+void ExportBinding::exportCurrent()
+{
+    const PublicationItem* item = m_session.batch().currentItem();
+    exportItem(item ? item->id : QUuid());
+}
+
+void ExportBinding::exportItem(QUuid item)
+{
+    if (!refuses())
+        m_dialogs->chooseFile(item);
+}
+
+void ExportBinding::exportSeveral()
+{
+    if (refuses())
+        return;
+    QList<QUuid> items;
+    for (const int index : m_session.exportIndices())
+        items.append(m_session.batch().items[index].id);
+    m_dialogs->chooseFolder(items);
+}
+
+void ExportBinding::stop()
+{
+    if (m_session.isExporting())
+        m_session.stopExport();
+    else
+        m_session.stopImport();
+}
+
+void ExportBinding::exportChanged()
+{
+    show();
+    Q_EMIT statusOutdated();
+    if (m_closing.isActive() && !m_session.isExporting()) {
+        m_closing.stop();
+        // The session is in the middle of telling everybody.
+        QMetaObject::invokeMethod(this, &ExportBinding::closeRequested, Qt::QueuedConnection);
+    }
+}
+
+Status ExportBinding::completed(Status told) const
+{
+    if (!m_session.isExporting() && !m_session.statusFolder().isEmpty())
+        told.link = u"Abrir carpeta"_s;
+    if (m_session.isExporting() && m_closing.isActive())
+        told = {.sentence = u"Terminando la exportación antes de cerrar…"_s};
+    return told;
+}
+
+Status ExportBinding::withProgress(Status told) const
+{
+    const std::optional<ExportProgress>& progress = m_session.exportProgress();
+    if (!progress)
+        return told;
+    if (told.kind == StatusKind::info)
+        told.kind = StatusKind::busy;
+    told.goesOn = true;
+    told.stoppable = !m_closing.isActive();
+    told.progress.reset();
+    // Nobody knows how long a reservation takes.
+    if (progress->total > 0 && progress->stage != ExportProgress::Stage::charging)
+        told.progress = double(progress->done) / double(progress->total);
+    return told;
+}
+
+bool ExportBinding::delaysClosing()
+{
+    if (!m_session.isExporting() || m_hasWaited)
+        return false;
+    if (!m_closing.isActive()) {
+        m_session.stopExport();
+        if (!m_session.isExporting())
+            return false;
+        m_closing.start();
+        Q_EMIT statusOutdated();
+    }
+    return true;
+}
+
+void ExportBinding::openFolder()
+{
+    const QString folder = m_session.statusFolder();
+    // Some systems say that they opened what is not there any more.
+    if (!QFileInfo(folder).isDir() || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+        m_session.setStatus(u"No se ha podido abrir la carpeta."_s, StatusTone::problem);
+}

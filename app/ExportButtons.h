@@ -1,0 +1,58 @@
+#pragma once
+#include "app/controls/CostChip.h"
+
+#include <QList>
+#include <QWidget>
+
+class CostButton;
+
+// What can be exported now.
+struct ExportOffer {
+    qsizetype images = 0;       // in the batch
+    qsizetype selected = 0;     // of them; one alone is the current one
+    bool isRunning = false;     // an export
+    bool isIncoming = false;    // the images that are seen are those of an import under way
+    Cost current = {}, several = {};
+    bool operator==(const ExportOffer&) const = default;
+};
+
+// "Exportar 4" where several images are selected, else "Exportar todo".
+QString exportSeveralText(qsizetype selected);
+// Why nothing can be exported now; empty when something can.
+QString refusalOf(const ExportOffer& offer);
+
+// The joined pair that exports the current image, and all or those selected. Its width stays the
+// same whatever is selected. A short balance disables nothing.
+class ExportButtons : public QWidget {
+    Q_OBJECT
+public:
+    explicit ExportButtons(QWidget* parent = nullptr);
+    void setOffer(const ExportOffer& offer);
+    const ExportOffer& offer() const { return m_offer; }
+    void setKeys(const QString& current, const QString& several);    // told in the tooltips
+    enum class Wording { whole, brief };
+    void setWording(Wording wording);
+    CostButton* current() const { return m_current; }
+    CostButton* several() const { return m_several; }
+    QList<QWidget*> focusOrder() const;
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void currentRequested();
+    void severalRequested();
+    void widthChanged();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void word();
+    void explain();
+    void place();
+
+    CostButton* m_current;
+    CostButton* m_several;
+    ExportOffer m_offer;
+    Wording m_wording = Wording::whole;
+    QString m_currentKey, m_severalKey;
+};

@@ -1,0 +1,71 @@
+#include "app/controls/CostChip.h"
+
+#include "app/AccountTexts.h"
+#include "app/Icons.h"
+#include "app/controls/Painting.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int chipHeight = 20, coin = 14, coinGap = 4;
+constexpr Type numberType = Type::small;
+
+int digitsOf(int number)
+{
+    return int(QString::number(number).size());
+}
+}    // namespace
+
+CostChip::CostChip(int digits, QWidget* parent) : QWidget(parent), m_digits(digits)
+{
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setAccessibleName(spoken());
+}
+
+void CostChip::setCost(const Cost& cost)
+{
+    if (cost == m_cost)
+        return;
+    m_cost = cost;
+    m_digits = std::max(m_digits, shownDigits());
+    setAccessibleName(spoken());
+    update();
+}
+
+QString CostChip::spoken() const
+{
+    if (!m_cost.credits)
+        return u"se está calculando el coste"_s;
+    const QString costs = u"cuesta "_s + creditsText(*m_cost.credits);
+    return m_cost.isShort() ? u"%1 y tienes %2"_s.arg(costs).arg(m_cost.balance) : costs;
+}
+
+int CostChip::shownDigits() const
+{
+    return digitsOf(std::max(m_cost.most, m_cost.credits.value_or(0)));
+}
+
+QSize CostChip::sizeHint() const
+{
+    return {coin + coinGap + qCeil(digitsWidth(numberType, m_digits)), chipHeight};
+}
+
+QColor CostChip::ink() const
+{
+    const Theme& theme = themeOf(this);
+    if (!isEnabled())
+        return theme.dis;
+    if (m_cost.isShort())
+        return theme.warn;
+    return m_cost.credits == 0 ? theme.ok : theme.text2;
+}
+
+void CostChip::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const double number = std::ceil(digitsWidth(numberType, shownDigits()));
+    const double left = width() - number;
+    paintIcon(painter, Icon::coin, QRectF(left - coinGap - coin, 0, coin, height()), coin, ink());
+    paintText(painter, QRectF(left, 0, number + 1, height()), Qt::AlignLeft, numberType, ink(),
+              m_cost.credits ? QString::number(*m_cost.credits) : u"…"_s, Qt::ElideNone);
+}
