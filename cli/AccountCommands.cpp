@@ -1,12 +1,10 @@
 #include "cli/AccountCommands.h"
 
-#include "account/ConnectedAccount.h"
 #include "account/PurchaseTexts.h"
+#include "cli/AccountConnection.h"
 #include "cli/CommandLine.h"
 #include "cli/Terminal.h"
 #include "model/JsonMapping.h"
-#include "platform/PreferencesStore.h"
-#include "platform/UserFolders.h"
 
 #include <QCommandLineParser>
 #include <QCoroTask>
@@ -100,19 +98,6 @@ private:
     const QCommandLineOption m_help{{u"h"_s, u"help"_s}, u"muestra esta ayuda"_s};
 };
 
-// The session of a command.
-struct Connection {
-    explicit Connection(const ServiceConfiguration& configuration)
-        : account(configuration, preferences, userDataFolder(),
-                  {.openInBrowser = [](const QUrl&) { return false; }})
-    {
-    }
-    AccountSession& session() { return account.session(); }
-
-    PreferencesStore preferences{userDataFolder() + u"/moltiva.sqlite"_s};
-    ConnectedAccount account;
-};
-
 enum class SecretUse { known, chosen };
 
 // A password that is being chosen is asked for twice where its typing cannot be seen.
@@ -131,6 +116,11 @@ std::optional<QString> askedPassword(const AccountCommand& command, SecretUse us
     return password;
 }
 
+void tellOfRefund(const QString& sentence)
+{
+    print(stderr, sentence);
+}
+
 using SignIn = QCoro::Task<bool> (AccountSession::*)(const QString&, const QString&);
 
 int runSignIn(AccountCommand command, SignIn signIn, SecretUse use, const QStringList& arguments,
@@ -145,10 +135,12 @@ int runSignIn(AccountCommand command, SignIn signIn, SecretUse use, const QStrin
     const std::optional<QString> password = askedPassword(command, use);
     if (!password)
         return exitSomeFailed;
-    Connection connection(configuration);
+    AccountConnection connection(configuration, &tellOfRefund);
     AccountSession& session = connection.session();
     const bool done = QCoro::waitFor((session.*signIn)(command.parser().value(email), *password));
-    return command.ended(session, done);
+    const int status = command.ended(session, done);
+    connection.settle();
+    return status;
 }
 
 }    // namespace
@@ -176,7 +168,7 @@ int runLogout(const QStringList& arguments, const ServiceConfiguration& configur
     AccountCommand command(u"logout"_s, u"Cierra la sesión."_s, configuration);
     if (const auto status = command.parse(arguments))
         return *status;
-    Connection connection(configuration);
+    AccountConnection connection(configuration, &tellOfRefund);
     const bool done = QCoro::waitFor(connection.session().logout());
     return command.ended(connection.session(), done);
 }
@@ -189,10 +181,11 @@ int runAccount(const QStringList& arguments, const ServiceConfiguration& configu
     command.parser().addOption(json);
     if (const auto status = command.parse(arguments))
         return *status;
-    Connection connection(configuration);
+    AccountConnection connection(configuration, &tellOfRefund);
     AccountSession& session = connection.session();
     if (!QCoro::waitFor(session.bootstrap()))
         return command.failed(session.message());
+    connection.settle();
     if (!session.isAuthenticated())
         return command.failed(u"Necesitas iniciar sesión."_s);
     const AccountLine line{session.displayName(), session.account().profile->email,
@@ -213,7 +206,7 @@ int runHistory(const QStringList& arguments, const ServiceConfiguration& configu
     command.parser().addOption(json);
     if (const auto status = command.parse(arguments))
         return *status;
-    Connection connection(configuration);
+    AccountConnection connection(configuration, &tellOfRefund);
     AccountSession& session = connection.session();
     if (!QCoro::waitFor(session.refreshPurchaseHistory()))
         return command.failed(session.message());

@@ -3,6 +3,7 @@
 #include "account/ServiceConfiguration.h"
 #include "cli/AccountCommands.h"
 #include "cli/ExportCommand.h"
+#include "cli/Terminal.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -20,10 +21,7 @@ struct Command {
 };
 
 constexpr std::array commands{
-    Command{u"export", u"exporta fotos como publicaciones PNG",
-            [](const QStringList& arguments, const ServiceConfiguration&) {
-                return runExport(arguments);
-            }},
+    Command{u"export", u"exporta fotos como publicaciones PNG", &runExport},
     Command{u"login", u"inicia sesión con un email y su contraseña", &runLogin},
     Command{u"register", u"crea una cuenta", &runRegister},
     Command{u"logout", u"cierra la sesión", &runLogout},
@@ -83,7 +81,6 @@ int runCommandLine(const QStringList& arguments, const ServiceConfiguration& con
         std::printf("moltiva %s\n", qPrintable(QCoreApplication::applicationVersion()));
         return exitDone;
     }
-    std::fprintf(stderr, "moltiva: no conozco «%s». Prueba «moltiva --help».\n",
-                 first.toUtf8().constData());
+    print(stderr, u"moltiva: no conozco «%1». Prueba «moltiva --help»."_s.arg(first));
     return exitWrongUse;
 }

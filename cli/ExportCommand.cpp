@@ -1,205 +1,320 @@
 #include "cli/ExportCommand.h"
 
+#include "account/ServiceConfiguration.h"
+#include "canvas/RenderFingerprint.h"
+#include "cli/AccountConnection.h"
 #include "cli/CommandLine.h"
+#include "cli/ExportOptions.h"
 #include "cli/ExportReport.h"
 #include "cli/Interrupt.h"
-#include "cli/SampleBatch.h"
-#include "model/SocialFormat.h"
+#include "cli/OutputFolder.h"
+#include "cli/PaidRenders.h"
 #include "platform/Memory.h"
-#include "studio/BatchExport.h"
-#include "studio/PhotoFolder.h"
-#include "studio/TextSheetFile.h"
-#include "templates/TemplateDefinition.h"
+#include "platform/UserFolders.h"
+#include "platform/Workers.h"
+#include "studio/PhotoImport.h"
 
-#include <QCommandLineParser>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QTemporaryDir>
-
-#include <cstdio>
-#include <thread>
+#include <QScopeGuard>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-struct ExportRequest {
-    SocialFormat format = SocialFormat::carouselPortrait;
-    QString folder = u"."_s;
-    int jobs = 1;
-    bool json = false;
-    bool sample = false;
-    TextSheet texts;
-    TemplateApplication design;    // none: as it is
+// Of a photo in a command, the same whenever that is given again: a payment is named after it.
+QUuid itemId(const QString& file, int occurrence)
+{
+    const QUuid commands = QUuid::fromString(u"{a3a31d52-6a5e-4d0c-9d0c-3f0a4d5f7c21}"_s);
+    return QUuid::createUuidV5(commands, file + u'\n' + QString::number(occurrence));
+}
+
+// What came of the photos that were asked for.
+struct PreparedBatch {
+    PublicationItems items;
+    QStringList destinations;    // one an item
 };
 
-constexpr int mostJobs = 256;
-
-QString formatKeys()
+QStringList pathsOf(const QList<QUrl>& photos)
 {
-    QStringList keys;
-    for (const auto& format : Vocabulary<SocialFormat>::rows)
-        keys.append(format.templateKey.toString());
-    return keys.join(u", "_s);
-}
-
-void tell(const QString& sentence)
-{
-    std::fprintf(stderr, "moltiva export: %s\n", sentence.toUtf8().constData());
-}
-
-int wrongUse(const QString& sentence)
-{
-    tell(sentence);
-    return exitWrongUse;
-}
-
-// Of a folder, without what an earlier export of it left there.
-QList<QUrl> photosAt(const QString& path)
-{
-    if (!QFileInfo(path).isDir())
-        return {QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath())};
-    const QList<QUrl> found = photosInFolder(path);
-    QList<QUrl> kept = withoutOwnOutputs(found);
-    if (kept.size() < found.size()) {
-        tell(u"%1: %2 publicación(es) de otra foto de la carpeta, no se exportan."_s.arg(
-            path, QString::number(found.size() - kept.size())));
-    }
-    return kept;
-}
-
-int exportPhotos(const ExportRequest& request, const QList<QUrl>& photos)
-{
-    const QStringList paths = exportPaths(photos, request.folder);
-
-    ExportReport report(request.json, photos.size());
-    for (qsizetype i = 0; i < photos.size(); ++i) {
-        if (!paths[i].endsWith(filenameOf(photos[i]) + u"-publicacion.png"_s))
-            report.renamed(photos[i].toLocalFile(), paths[i]);
-    }
-    PublicationItems items;
+    QStringList paths;
     for (const QUrl& photo : photos)
-        items.append(PublicationItem::make(photo, {}));
-    const SheetMatch texts = matchRows(request.texts, items);
-    for (const RowProblem& problem : texts.problems)
-        report.rowFailed(problem);
-    const auto preparations = [&](qsizetype i) {
-        QList<ItemPreparation> all{[&, i](PublicationItem& item) {
-            if (const auto row = texts.rowOfImage[i])
-                fillTexts(item, request.texts.rows[*row]);
-        }};
-        if (request.design)
-            all.append(request.design);
-        return all;
-    };
-    const Interrupt interrupt;
-    QElapsedTimer watch;
-    watch.start();
-    runBatch(
-        photos.size(), request.jobs, interrupt.flag(),
-        [&](qsizetype i) {
-            return exportPhoto(photos[i], request.format, paths[i], preparations(i));
-        },
-        [&](qsizetype i, const ExportedFile& file) {
-            report.finished(photos[i].toLocalFile(), file);
-        });
-    const bool stopped = interrupt.flag();
-    report.end(double(watch.elapsed()) / 1000, peakMemory(), stopped);
-    if (stopped)
-        return exitInterrupted;
-    const bool isAllDone = report.written() == photos.size() && texts.problems.isEmpty();
-    return isAllDone && !photos.isEmpty() ? exitDone : exitSomeFailed;
+        paths.append(photo.toLocalFile());
+    return paths;
 }
+
+QStringList photosOf(const PreparedBatch& batch)
+{
+    QStringList photos;
+    for (const PublicationItem& item : batch.items)
+        photos.append(item.image.path);
+    return photos;
+}
+
+// One run of the command: import, price, export.
+class ExportRun {
+public:
+    ExportRun(const ExportOptions& options, const ServiceConfiguration& configuration)
+        : m_options(options), m_report(options.isJson),
+          m_connection(configuration, [this](const QString& sentence) { m_report.tell(sentence); })
+    {
+        m_watch.start();
+        m_look.callOnTimeout([this] { lookForInterrupt(); });
+    }
+
+    int run()
+    {
+        if (const auto refused = signIn())
+            return ended(*refused, pathsOf(m_options.photos));
+        // Before the price is held against the balance.
+        m_connection.settle();
+        m_interrupt.emplace();
+        m_look.start(stopLatency);
+
+        const auto imported = importPhotos();
+        if (!imported)
+            return ended(stopped(), pathsOf(m_options.photos));
+        const PreparedBatch batch = prepared(*imported);
+        const auto price = priceOf(batch.items);
+        if (!price)
+            return ended(stopped(), photosOf(batch));
+        if (m_options.isDryRun) {
+            m_report.priceAlone(*price, m_connection.session().account().balance);
+            return m_report.isAnyFailed() || batch.items.isEmpty() ? exitSomeFailed : exitDone;
+        }
+        if (batch.items.isEmpty()) {
+            ended({}, {});
+            return exitSomeFailed;
+        }
+        m_report.price(*price);
+        return exported(batch);
+    }
+
+private:
+    std::optional<ExportOutcome> signIn()
+    {
+        using Refusal = ChargeResult::Refusal;
+        AccountSession& session = m_connection.session();
+        QCoro::waitFor(session.bootstrap());
+        if (session.isAuthenticated())
+            return {};
+        ExportOutcome refused;
+        refused.state = ExportOutcome::State::notReserved;
+        refused.refusal = session.isUnreachable() ? Refusal::unreachable : Refusal::other;
+        refused.reason = session.message();
+        if (!session.isProblem()) {
+            refused.refusal = Refusal::signedOut;
+            refused.reason = u"Necesitas iniciar sesión: «moltiva login --email EMAIL», o «moltiva "
+                             "register --email EMAIL» si aún no tienes cuenta."_s;
+        }
+        return refused;
+    }
+
+    void lookForInterrupt()
+    {
+        const bool isStopped = m_interrupt->flag();
+        if (isStopped && !m_export->stop)
+            m_report.tell(u"Deteniendo la exportación…"_s);
+        m_import->stop = m_export->stop = isStopped;
+    }
+
+    static ExportOutcome stopped()
+    {
+        ExportOutcome outcome;
+        outcome.state = ExportOutcome::State::stopped;
+        return outcome;
+    }
+
+    std::optional<PublicationItems> importPhotos()
+    {
+        m_import->progressed = [this](const PhotoImport::Progress& progress) {
+            m_report.showProgress(u"Leyendo imagen"_s, progress.looked, progress.total);
+        };
+        return QCoro::waitFor(PhotoImport::importPhotos(m_options.photos, m_photos, m_import));
+    }
+
+    // Rows of texts and names of files are of all photos, so that one that cannot be read moves
+    // neither from where they were.
+    PreparedBatch prepared(const PublicationItems& accepted)
+    {
+        const QList<QUrl>& photos = m_options.photos;
+        const QStringList paths = exportPaths(photos, m_options.folder);
+        m_payer = m_connection.session().accountKey();
+        const QSet<QString> paid = paidRenders(m_connection.preferences(), m_payer);
+        PublicationItems asked;
+        for (const QUrl& photo : photos)
+            asked.append(PublicationItem::make(photo, {}));
+        const SheetMatch texts = matchRows(m_options.texts, asked);
+        for (const RowProblem& problem : texts.problems)
+            m_report.rowFailed(problem);
+
+        PreparedBatch batch;
+        QHash<QString, int> occurrences;    // by file
+        qsizetype next = 0;                 // of the accepted ones, which are in the same order
+        for (qsizetype i = 0; i < photos.size(); ++i) {
+            const QString photo = photos[i].toLocalFile();
+            if (next == accepted.size() || accepted[next].url != photos[i]) {
+                m_report.unreadable(photo);
+                continue;
+            }
+            PublicationItem item = accepted[next++];
+            const QString file = QFileInfo(photo).canonicalFilePath();
+            item.id = itemId(file, occurrences[file]++);
+            item.paidRenderFingerprints = paid;
+            if (const auto row = texts.rowOfImage[i])
+                fillTexts(item, m_options.texts.rows[*row]);
+            if (m_options.design)
+                m_options.design(item);
+            if (!paths[i].endsWith(filenameOf(photos[i]) + u"-publicacion.png"_s))
+                m_report.renamed(photo, paths[i]);
+            batch.items.append(item);
+            batch.destinations.append(paths[i]);
+        }
+        return batch;
+    }
+
+    // By what is known without drawing: the pixels may still turn out to be paid. Nothing when it
+    // was interrupted: texts are laid out for it.
+    std::optional<ExportPrice> priceOf(const PublicationItems& items) const
+    {
+        const QSizeF size = exportSizeOf(m_options.format),
+                     reference = designSize(m_options.format);
+        ExportPrice price{.images = items.size(), .unpaid = items.size()};
+        for (const PublicationItem& item : items) {
+            if (m_interrupt->flag())
+                return {};
+            price.unpaid -= isRenderAmong(item.paidRenderFingerprints,
+                                          {item, item.image.digest, size, reference});
+        }
+        return price;
+    }
+
+    int exported(const PreparedBatch& batch)
+    {
+        const OutputFolder folder(m_options.folder);
+        if (!folder.isThere()) {
+            m_report.tell(u"No se puede crear la carpeta «%1»."_s.arg(m_options.folder));
+            ExportOutcome outcome;
+            outcome.state = ExportOutcome::State::notWritten;
+            return ended(outcome, photosOf(batch));
+        }
+        ExportRequest request;
+        request.items = batch.items;
+        request.destinations = batch.destinations;
+        request.format = m_options.format;
+        request.jobs = m_options.jobs;
+        request.payer = m_payer;
+        const ExportServices services{
+            .photos = m_photos,
+            .account = &m_connection.session(),
+            .journal = &m_connection.journal(),
+            .stagingPlace = stagingPlace(),
+            .record =
+                [this](const QList<RenderedOutput>& outputs, const QString& entry) {
+                    return addPaidRenders(m_connection.preferences(), m_payer, outputs, entry);
+                },
+            .paidMeanwhile = [this] { return paidRenders(m_connection.preferences(), m_payer); }};
+        m_export->progressed = [this, &batch](const ExportProgress& progress) {
+            show(progress, batch);
+        };
+        const ExportOutcome outcome = QCoro::waitFor(runExport(request, services, m_export));
+        return ended(outcome, notReached(outcome, batch));
+    }
+
+    // Tells of the one that failed, and gives the photos after it, or all, that were not reached.
+    QStringList notReached(const ExportOutcome& outcome, const PreparedBatch& batch)
+    {
+        using State = ExportOutcome::State;
+        QStringList photos = photosOf(batch).mid(outcome.written.size());
+        if (outcome.isCacheFull) {
+            m_report.unprepared(std::exchange(photos, {}), stagingPlace());
+        } else if (outcome.state == State::notPrepared && photos.removeOne(outcome.failed)) {
+            m_report.unreadable(outcome.failed);
+        } else if (outcome.state == State::notWritten && !outcome.failed.isEmpty()) {
+            m_report.unwritten(photos.takeFirst(), outcome.failed, outcome.reason);
+        }
+        return photos;
+    }
+
+    void show(const ExportProgress& progress, const PreparedBatch& batch)
+    {
+        const bool isWriting = progress.stage == ExportProgress::Stage::writing;
+        if (isWriting && progress.done > 0) {
+            const qsizetype written = progress.done - 1;    // they are written in order
+            m_report.wrote(batch.items[written].image.path, batch.destinations[written]);
+        }
+        if (progress.stage != ExportProgress::Stage::charging) {
+            m_report.showProgress(isWriting ? u"Guardando imagen"_s : u"Preparando imagen"_s,
+                                  progress.done, progress.total);
+        }
+    }
+
+    int ended(const ExportOutcome& outcome, const QStringList& notReached)
+    {
+        using State = ExportOutcome::State;
+        m_report.notReached(notReached);
+        m_report.end(outcome, double(m_watch.elapsed()) / 1000, peakMemory());
+        switch (outcome.state) {
+        case State::done:
+            return m_report.isAnyFailed() || !outcome.isRecorded ? exitSomeFailed : exitDone;
+        case State::tooFewCredits:
+            return exitTooFewCredits;
+        case State::notReserved:
+            return statusOf(outcome.refusal);
+        case State::stopped:
+            return exitInterrupted;
+        case State::notPrepared:
+        case State::notWritten:
+            return exitSomeFailed;
+        }
+        Q_UNREACHABLE();
+    }
+
+    static int statusOf(ChargeResult::Refusal refusal)
+    {
+        using Refusal = ChargeResult::Refusal;
+        switch (refusal) {
+        case Refusal::signedOut:
+            return exitNotSignedIn;
+        case Refusal::tooFewCredits:
+            return exitTooFewCredits;
+        case Refusal::unreachable:
+            return exitNoNetwork;
+        case Refusal::other:
+            return exitSomeFailed;
+        }
+        Q_UNREACHABLE();
+    }
+
+    static constexpr std::chrono::milliseconds stopLatency{30};
+    static constexpr qint64 pictureBudget = qint64(1) << 20;    // nothing is shown
+
+    const ExportOptions& m_options;
+    ExportReport m_report;
+    AccountConnection m_connection;
+    const std::shared_ptr<PhotoCache> m_photos =
+        std::make_shared<PhotoCache>(thumbnailFolder(), pictureBudget, pictureBudget);
+    const std::shared_ptr<PhotoImport::Control> m_import = std::make_shared<PhotoImport::Control>();
+    const std::shared_ptr<ExportControl> m_export = std::make_shared<ExportControl>();
+    std::optional<Interrupt> m_interrupt;
+    QTimer m_look;      // for an interrupt
+    QString m_payer;    // key of the account that the price is for
+    QElapsedTimer m_watch;
+};
 
 }    // namespace
 
-int runExport(const QStringList& arguments)
+int runExport(const QStringList& arguments, const ServiceConfiguration& configuration)
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        u"Exporta cada foto con sus textos de partida como «<nombre>-publicacion.png»."_s);
-    const QCommandLineOption help({u"h"_s, u"help"_s}, u"muestra esta ayuda"_s);
-    const QCommandLineOption format(u"format"_s, u"formato: %1"_s.arg(formatKeys()), u"formato"_s,
-                                    row(SocialFormat::carouselPortrait).templateKey.toString());
-    const QCommandLineOption out(u"out"_s, u"carpeta de destino; se crea si no existe"_s,
-                                 u"carpeta"_s, u"."_s);
-    const QCommandLineOption jobs(u"jobs"_s, u"fotos a la vez; si no se dice, una por núcleo"_s,
-                                  u"n"_s);
-    const QCommandLineOption json(u"json"_s, u"un objeto JSON por archivo y un resumen"_s);
-    const QCommandLineOption sample(u"sample"_s, u"exporta un lote de muestra en vez de fotos"_s);
-    const QCommandLineOption texts(u"texts"_s, u"textos de cada foto, de un archivo CSV"_s,
-                                   u"archivo.csv"_s);
-    const QCommandLineOption design(
-        u"template"_s, u"plantilla de todas las fotos; sin --format, también su formato"_s,
-        u"archivo.json"_s);
-    parser.addOptions({help, format, out, design, texts, jobs, json, sample});
-    parser.addPositionalArgument(u"foto|carpeta…"_s, u"fotos, o carpetas de fotos"_s);
-
-    if (!parser.parse(QStringList{u"moltiva export"_s} + arguments))
-        return wrongUse(parser.errorText());
-    if (parser.isSet(help)) {
-        // The parser names the program alone.
-        QString text = parser.helpText();
-        text.replace(0, text.indexOf(u'\n'), u"Uso: moltiva export [opciones] foto|carpeta…"_s);
-        std::fputs(text.toUtf8().constData(), stdout);
-        return exitDone;
+    const auto asked = exportOptions(arguments);
+    if (const int* status = std::get_if<int>(&asked))
+        return *status;
+    if (!configuration.problem.isEmpty()) {
+        tellOfExport(configuration.problem);
+        return exitWrongUse;
     }
-
-    ExportRequest request;
-    const auto chosen = fromTemplateKey(parser.value(format));
-    if (!chosen) {
-        return wrongUse(u"no conozco el formato «%1»; los formatos son %2."_s.arg(
-            parser.value(format), formatKeys()));
-    }
-    request.format = *chosen;
-    request.folder = parser.value(out);
-    request.jobs = int(std::max(1u, std::thread::hardware_concurrency()));
-    if (parser.isSet(jobs)) {
-        bool isNumber = false;
-        request.jobs = parser.value(jobs).toInt(&isNumber);
-        if (!isNumber || request.jobs < 1 || request.jobs > mostJobs)
-            return wrongUse(u"--jobs pide un número de 1 a %1."_s.arg(mostJobs));
-    }
-    request.json = parser.isSet(json);
-    if (parser.isSet(design)) {
-        const DefinitionFile read = readDefinitionFile(parser.value(design));
-        if (!read.definition) {
-            return wrongUse(u"la plantilla «%1» %2."_s.arg(parser.value(design), read.error));
-        }
-        request.design = read.definition->application();
-        if (!parser.isSet(format))
-            request.format = read.definition->socialFormat();
-        else if (!read.definition->matches(request.format))
-            tell(u"la plantilla «%1» está hecha para el formato %2."_s.arg(
-                read.definition->name, rawValue(read.definition->socialFormat())));
-    }
-    if (parser.isSet(texts)) {
-        request.texts = readTextSheetFile(parser.value(texts));
-        if (!request.texts.error.isEmpty()) {
-            return wrongUse(u"no se pudieron leer los textos de %1: %2."_s.arg(
-                parser.value(texts), request.texts.error));
-        }
-    }
-
-    std::optional<QTemporaryDir> sampleFolder;
-    QList<QUrl> photos;
-    if (parser.isSet(sample)) {
-        sampleFolder.emplace();
-        if (!paintSampleBatch(sampleFolder->path()))
-            return wrongUse(u"no se pudo preparar el lote de muestra."_s);
-        photos.append(photosInFolder(sampleFolder->path()));
-    }
-    for (const QString& path : parser.positionalArguments()) {
-        if (!QFileInfo::exists(path))
-            return wrongUse(u"no existe «%1»."_s.arg(path));
-        photos.append(photosAt(path));
-    }
-    if (!parser.isSet(sample) && parser.positionalArguments().isEmpty())
-        return wrongUse(u"falta decir qué fotos. Prueba «moltiva export --help»."_s);
-    if (photos.isEmpty())
-        tell(u"No he encontrado imágenes compatibles."_s);
-    if (!QDir().mkpath(request.folder))
-        return wrongUse(u"no se puede crear la carpeta «%1»."_s.arg(request.folder));
-    return exportPhotos(request, photos);
+    // What workers keep for drawing goes with the toolkit.
+    const auto finish = qScopeGuard(&finishWorkers);
+    return ExportRun(std::get<ExportOptions>(asked), configuration).run();
 }

@@ -2,5 +2,8 @@
 
 #include <QStringList>
 
-// `moltiva export`: photos with their default texts to PNG files. Gives the exit status.
-int runExport(const QStringList& arguments);
+struct ServiceConfiguration;
+
+// `moltiva export`: photos with their texts to PNG files, paid for by the account that is signed
+// in. Gives the exit status.
+int runExport(const QStringList& arguments, const ServiceConfiguration& configuration);

@@ -3,6 +3,8 @@
 #include "cli/Terminal.h"
 #include "model/JsonMapping.h"
 
+#include <QFileInfo>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -15,10 +17,17 @@ struct FileLine {
 };
 
 struct SummaryLine {
+    QString outcome, message;
     int written = 0, skipped = 0;
+    int cost = 0;    // credits that were charged and not given back
+    bool refundPending = false;
     double seconds = 0;
     double peakMemoryBytes = 0;
     bool interrupted = false;
+};
+
+struct PriceLine {
+    int images = 0, unpaid = 0, cost = 0, balance = 0;
 };
 
 }    // namespace
@@ -32,11 +41,23 @@ struct json::JsonFields<FileLine> {
 
 template <>
 struct json::JsonFields<SummaryLine> {
-    static constexpr auto fields = std::tuple{
-        required("written", &SummaryLine::written), required("skipped", &SummaryLine::skipped),
-        required("seconds", &SummaryLine::seconds),
-        required("peakMemoryBytes", &SummaryLine::peakMemoryBytes),
-        required("interrupted", &SummaryLine::interrupted)};
+    static constexpr auto fields =
+        std::tuple{required("outcome", &SummaryLine::outcome),
+                   required("message", &SummaryLine::message),
+                   required("written", &SummaryLine::written),
+                   required("skipped", &SummaryLine::skipped),
+                   required("cost", &SummaryLine::cost),
+                   required("refundPending", &SummaryLine::refundPending),
+                   required("seconds", &SummaryLine::seconds),
+                   required("peakMemoryBytes", &SummaryLine::peakMemoryBytes),
+                   required("interrupted", &SummaryLine::interrupted)};
+};
+
+template <>
+struct json::JsonFields<PriceLine> {
+    static constexpr auto fields =
+        std::tuple{required("images", &PriceLine::images), required("unpaid", &PriceLine::unpaid),
+                   required("cost", &PriceLine::cost), required("balance", &PriceLine::balance)};
 };
 
 namespace {
@@ -47,85 +68,172 @@ void printJson(const Line& line)
     print(stdout, QString::fromUtf8(json::written(line)));
 }
 
+QString sentenceOf(const ExportPrice& price)
+{
+    return u"Coste: %1 créditos (sin pagar: %2 de %3)."_s.arg(price.credits())
+        .arg(price.unpaid)
+        .arg(price.images);
+}
+
+// For programs: these words stay.
+QString wordOf(ExportOutcome::State state)
+{
+    using State = ExportOutcome::State;
+    switch (state) {
+    case State::done:
+        return u"done"_s;
+    case State::notPrepared:
+        return u"notPrepared"_s;
+    case State::tooFewCredits:
+        return u"tooFewCredits"_s;
+    case State::notReserved:
+        return u"notReserved"_s;
+    case State::notWritten:
+        return u"notWritten"_s;
+    case State::stopped:
+        return u"stopped"_s;
+    }
+    Q_UNREACHABLE();
+}
+
 }    // namespace
 
-ExportReport::ExportReport(bool json, qsizetype total)
-    : m_json(json), m_terminal(!json && isTerminal(stdout)), m_total(total)
+ExportReport::ExportReport(bool json) : m_json(json), m_terminal(!json && isTerminal(stdout)) {}
+
+void ExportReport::showProgress(const QString& doing, qsizetype done, qsizetype total)
 {
+    constexpr int width = 30;
+    const int full = total > 0 ? int(done * width / total) : width;
+    const QString bar = QString(full, QChar(0x2588)) + QString(width - full, QChar(0x2591));
+    clearBar();
+    m_bar = u"%1 %2 %3 de %4"_s.arg(bar, doing).arg(done).arg(total);
+    drawBar();
+}
+
+void ExportReport::tell(const QString& sentence)
+{
+    clearBar();
+    print(stderr, sentence);
     drawBar();
 }
 
 void ExportReport::renamed(const QString& photo, const QString& path)
 {
-    clearBar();
-    print(stderr,
-          u"%1: otra foto se llama igual, se guarda como %2"_s.arg(photo, path.section(u'/', -1)));
-    drawBar();
+    tell(u"%1: otra foto se llama igual, se guarda como %2"_s.arg(photo, path.section(u'/', -1)));
 }
 
 void ExportReport::rowFailed(const RowProblem& problem)
 {
-    clearBar();
+    ++m_failed;
     const QString file = printable(problem.file);
     QString line =
         u"fila %1: %2"_s.arg(QString::number(problem.row), row(problem.fault).reason.toString());
     if (!file.isEmpty())
         line += u" («%1»)"_s.arg(file);
-    print(stderr, line);
-    drawBar();
+    tell(line);
 }
 
-void ExportReport::finished(const QString& photo, const ExportedFile& file)
+void ExportReport::unreadable(const QString& photo)
 {
-    ++(file.isWritten() ? m_written : m_skipped);
-    clearBar();
-    if (!file.isWritten())
-        print(stderr, u"%1: %2"_s.arg(photo, file.error));
-    if (m_json) {
-        FileLine line{.photo = photo, .file = {}, .bytes = {}, .error = {}};
-        if (file.isWritten()) {
-            line.file = file.path;
-            line.bytes = int(file.bytes);
-        } else {
-            line.error = file.error;
-        }
-        printJson(line);
-    } else if (!m_terminal && file.isWritten()) {
-        print(stdout, file.path);
-    }
-    drawBar();
+    ++m_skipped;
+    fail(photo, photo, u"No se pudo leer la foto."_s);
 }
 
-void ExportReport::end(double seconds, qint64 peakBytes, bool interrupted)
+void ExportReport::unwritten(const QString& photo, const QString& path, const QString& reason)
+{
+    fail(photo, path, u"No se pudo escribir el archivo (%1)."_s.arg(reason));
+}
+
+void ExportReport::unprepared(const QStringList& photos, const QString& place)
+{
+    const QString error = u"No se pudo escribir en «%1», donde se preparan las imágenes. ¿Queda "
+                          "espacio en el disco?"_s.arg(place);
+    tell(error);
+    printFailures(photos, error);
+}
+
+void ExportReport::notReached(const QStringList& photos)
+{
+    printFailures(photos, u"No se ha exportado."_s);
+}
+
+void ExportReport::wrote(const QString& photo, const QString& path)
+{
+    ++m_written;
+    if (m_json) {
+        const int bytes = int(QFileInfo(path).size());
+        printJson(FileLine{.photo = photo, .file = path, .bytes = bytes, .error = {}});
+    } else if (!m_terminal) {
+        print(stdout, path);
+    }
+}
+
+void ExportReport::price(const ExportPrice& price)
+{
+    tell(sentenceOf(price));
+}
+
+void ExportReport::priceAlone(const ExportPrice& price, int balance)
 {
     clearBar();
-    if (m_json) {
-        printJson(
-            SummaryLine{int(m_written), int(m_skipped), seconds, double(peakBytes), interrupted});
-        return;
-    }
-    QString line = u"%1 imagen(es) exportada(s) en %2 s."_s.arg(m_written).arg(seconds, 0, 'f', 1);
+    if (m_json)
+        printJson(PriceLine{int(price.images), int(price.unpaid), price.credits(), balance});
+    else
+        print(stdout, sentenceOf(price));
+}
+
+void ExportReport::end(const ExportOutcome& outcome, double seconds, qint64 peakBytes)
+{
+    clearBar();
+    m_bar.clear();
+    const QString sentence = outcome.sentence();
+    QString line = sentence;
+    if (outcome.isDone())
+        line += u" Tiempo: %1 s."_s.arg(seconds, 0, 'f', 1);
     if (m_skipped > 0)
         line += u" %1 omitida(s)."_s.arg(m_skipped);
-    if (interrupted)
-        line += u" Exportación interrumpida."_s;
-    print(m_terminal ? stdout : stderr, line);
+    if (!m_json || !outcome.isDone())
+        print(m_terminal && outcome.isDone() ? stdout : stderr, line);
+    if (m_json) {
+        printJson(SummaryLine{.outcome = wordOf(outcome.state),
+                              .message = sentence,
+                              .written = int(m_written),
+                              .skipped = int(m_skipped),
+                              .cost = outcome.isDone() ? outcome.cost : 0,
+                              .refundPending = outcome.isRefundPending || !outcome.isRecorded,
+                              .seconds = seconds,
+                              .peakMemoryBytes = double(peakBytes),
+                              .interrupted = outcome.state == ExportOutcome::State::stopped});
+    }
+}
+
+void ExportReport::fail(const QString& photo, const QString& name, const QString& error)
+{
+    ++m_failed;
+    tell(u"%1: %2"_s.arg(name, error));
+    printFailures({photo}, error);
+}
+
+void ExportReport::printFailures(const QStringList& photos, const QString& error) const
+{
+    if (!m_json)
+        return;
+    for (const QString& photo : photos)
+        printJson(FileLine{.photo = photo, .file = {}, .bytes = {}, .error = error});
 }
 
 void ExportReport::drawBar()
 {
-    if (!m_terminal)
+    if (!m_terminal || m_bar.isEmpty())
         return;
-    constexpr int width = 30;
-    const qsizetype done = m_written + m_skipped;
-    const int full = m_total > 0 ? int(done * width / m_total) : width;
-    const QString bar = QString(full, QChar(0x2588)) + QString(width - full, QChar(0x2591));
-    std::fputs(u"\r%1 %2 de %3"_s.arg(bar).arg(done).arg(m_total).toUtf8().constData(), stdout);
+    std::fputs((u'\r' + m_bar).toUtf8().constData(), stdout);
     std::fflush(stdout);
 }
 
 void ExportReport::clearBar()
 {
-    if (m_terminal)
-        std::fputs("\r\033[K", stdout);
+    if (!m_terminal || m_bar.isEmpty())
+        return;
+    std::fputs("\r\033[K", stdout);
+    std::fflush(stdout);
 }

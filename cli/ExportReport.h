@@ -1,26 +1,47 @@
 #pragma once
 
-#include "studio/BatchExport.h"
+#include "studio/ExportOperation.h"
 #include "studio/SheetMatch.h"
 
+// What exporting costs, before it is charged.
+struct ExportPrice {
+    qsizetype images = 0, unpaid = 0;
+
+    int credits() const { return exportCreditCost * int(unpaid); }
+};
+
 // What `moltiva export` prints: a bar on a terminal, else a line a file; or, as JSON, an object a
-// file and a summary. Results go to standard output, what went wrong to standard error.
+// file and a summary. Results go to standard output, the price and what went wrong to standard
+// error.
 class ExportReport {
 public:
-    ExportReport(bool json, qsizetype total);
+    explicit ExportReport(bool json);
 
+    void showProgress(const QString& doing, qsizetype done, qsizetype total);
+    void tell(const QString& sentence);
     void renamed(const QString& photo, const QString& path);
     void rowFailed(const RowProblem& problem);    // of the texts
-    void finished(const QString& photo, const ExportedFile& file);
-    // `peakBytes`: the largest memory the process took.
-    void end(double seconds, qint64 peakBytes, bool interrupted);
+    void unreadable(const QString& photo);
+    void unwritten(const QString& photo, const QString& path, const QString& reason);
+    void unprepared(const QStringList& photos, const QString& place);    // for want of room there
+    void notReached(const QStringList& photos);    // for another one, or for the whole
+    void wrote(const QString& photo, const QString& path);
 
-    qsizetype written() const { return m_written; }
+    void price(const ExportPrice& price);
+    void priceAlone(const ExportPrice& price, int balance);    // the result of a dry run
+    // `peakBytes`: the largest memory the process took.
+    void end(const ExportOutcome& outcome, double seconds, qint64 peakBytes);
+
+    bool isAnyFailed() const { return m_failed > 0; }
 
 private:
+    void fail(const QString& photo, const QString& name, const QString& error);
+    void printFailures(const QStringList& photos, const QString& error) const;
     void drawBar();
     void clearBar();
 
     bool m_json, m_terminal;
-    qsizetype m_total, m_written = 0, m_skipped = 0;
+    QString m_bar;
+    qsizetype m_written = 0, m_failed = 0;    // photos; rows of the texts are failures too
+    qsizetype m_skipped = 0;                  // photos
 };

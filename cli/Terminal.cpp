@@ -62,11 +62,29 @@ std::optional<QString> readUnseen()
 }
 #endif
 
+bool steers(QChar c)
+{
+    return c.category() == QChar::Other_Control || turnsDirection(c);
+}
+
+// Names of files and sentences of servers hold anything; what steers is replaced, not removed, so
+// that a name still looks like another one.
+QString tamed(QString line)
+{
+    constexpr qsizetype most = 8192;    // the longest path, and a sentence about it
+    for (QChar& c : line) {
+        if (steers(c))
+            c = QChar::ReplacementCharacter;
+    }
+    return line.size() > most ? line.first(most - 1) + u'…' : line;
+}
+
 }    // namespace
 
 void print(std::FILE* stream, const QString& line)
 {
-    std::fputs((line + u'\n').toUtf8().constData(), stream);
+    const bool isRead = stream == stderr || isTerminal(stream);
+    std::fputs(((isRead ? tamed(line) : line) + u'\n').toUtf8().constData(), stream);
     std::fflush(stream);
 }
 
@@ -74,8 +92,7 @@ QString printable(const QString& text)
 {
     constexpr qsizetype most = 80;
     QString line = text.simplified();
-    line.removeIf(
-        [](QChar c) { return c.category() == QChar::Other_Control || turnsDirection(c); });
+    line.removeIf(&steers);
     return line.size() > most ? line.first(most - 1) + u'…' : line;
 }
 

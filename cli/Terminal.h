@@ -5,10 +5,10 @@
 #include <cstdio>
 #include <optional>
 
-// One line, at once.
+// One line, at once. Where people read it, on standard error or a terminal, it steers nothing.
 void print(std::FILE* stream, const QString& line);
 
-// Text from elsewhere on part of a line; what would steer a terminal goes.
+// Text from elsewhere on part of a line: short, without what would steer a terminal.
 QString printable(const QString& text);
 
 bool isTerminal(std::FILE* stream);

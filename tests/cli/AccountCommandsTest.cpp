@@ -22,6 +22,7 @@ protected:
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(u"XDG_DATA_HOME"_s, m_home.filePath(u"data"_s));
+        environment.insert(u"XDG_CACHE_HOME"_s, m_home.filePath(u"cache"_s));
         environment.insert(u"XDG_CONFIG_HOME"_s, m_home.filePath(u"config"_s));
         environment.insert(u"XDG_RUNTIME_DIR"_s, m_home.path());
         process.setProcessEnvironment(environment);
@@ -65,6 +66,19 @@ TEST_F(AccountCommandsTest, ASessionGoesFromOneCommandToTheNext)
     EXPECT_EQ(wrong.err, "moltiva login: Email o contraseña incorrectos.\n");
     EXPECT_EQ(run(QStringList{u"login"_s} + email, "una-contraseña\r\n").status, 0);
     EXPECT_FALSE(isStoredAnywhere("una-contraseña"));
+}
+
+TEST_F(AccountCommandsTest, AnExportIsPaidFromTheBalanceOnce)
+{
+    EXPECT_EQ(run({u"export"_s, u"--sample"_s, u"--dry-run"_s}).status, 3);
+    run({u"register"_s, u"--email"_s, u"ana@ejemplo.es"_s}, "una-contraseña\n");
+    const QStringList command{u"export"_s, u"--sample"_s, u"--out"_s, m_home.filePath(u"out"_s)};
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_EQ(run(command).status, 0);
+        EXPECT_TRUE(run({u"account"_s}).out.contains("9850 créditos"));
+    }
+    EXPECT_EQ(QDir(m_home.filePath(u"out"_s)).entryList(QDir::Files).size(), 3);
+    EXPECT_TRUE(QDir(m_home.filePath(u"cache/moltiva/exports"_s)).entryList(QDir::Files).isEmpty());
 }
 
 TEST_F(AccountCommandsTest, WrongUseIsToldBeforeAnythingIsSent)

@@ -1,10 +1,18 @@
+#include "platform/PreferencesStore.h"
+#include "tests/support/ScriptedAccount.h"
+
 #include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QImage>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -48,25 +56,82 @@ protected:
         return QDir(path(u"out"_s)).entryList(QDir::Files | QDir::Hidden, QDir::Name);
     }
 
-    Outcome run(const QStringList& arguments)
+    // Of an export under way; as on a machine without a display, in a home of its own.
+    std::unique_ptr<QProcess> started(const QStringList& arguments)
     {
-        QProcess process;
+        auto process = std::make_unique<QProcess>();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        // As on a machine without a display.
         for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
             environment.remove(QString::fromLatin1(name));
-        process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(MOLTIVA_PROGRAM), arguments);
-        EXPECT_TRUE(process.waitForFinished(60000));
+        for (const char* name : {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME"})
+            environment.insert(QString::fromLatin1(name), path(u"home"_s));
+        environment.insert(u"MOLTIVA_SERVICE_URL"_s, m_service);
+        process->setProcessEnvironment(environment);
+        process->start(QStringLiteral(MOLTIVA_PROGRAM), arguments);
+        return process;
+    }
+    // The service that answers it runs here.
+    static void wait(const std::function<bool()>& until)
+    {
+        QElapsedTimer watch;
+        for (watch.start(); !until() && watch.elapsed() < 60000;) {
+            QEventLoop turn;
+            QTimer::singleShot(5, &turn, &QEventLoop::quit);
+            turn.exec();
+        }
+        EXPECT_TRUE(until());
+    }
+    static Outcome ended(QProcess& process)
+    {
+        wait([&] { return process.state() == QProcess::NotRunning; });
         return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
                 QString::fromUtf8(process.readAllStandardError())};
     }
-    Outcome runExport(const QStringList& arguments)
+    Outcome run(const QStringList& arguments) { return ended(*started(arguments)); }
+    static QList<QJsonObject> objectsIn(const Outcome& outcome)
     {
-        return run(QStringList{u"export"_s, u"--out"_s, path(u"out"_s)} + arguments);
+        QList<QJsonObject> objects;
+        for (const QString& line : outcome.out.split(u'\n', Qt::SkipEmptyParts))
+            objects.append(QJsonDocument::fromJson(line.toUtf8()).object());
+        return objects;
+    }
+    QStringList exportTo(const QStringList& arguments) const
+    {
+        return QStringList{u"export"_s, u"--out"_s, path(u"out"_s)} + arguments;
+    }
+    Outcome runExport(const QStringList& arguments) { return run(exportTo(arguments)); }
+
+    // What was charged and given back, "reserve 50 #1": requests are numbered as they first come.
+    QStringList charges() const
+    {
+        QStringList charges, ids;
+        for (const QByteArray& request : m_account.log()) {
+            if (!request.startsWith("POST"))
+                continue;
+            const QJsonObject body =
+                QJsonDocument::fromJson(request.mid(request.indexOf('{'))).object();
+            const QString id = body[u"requestId"_s].toString();
+            EXPECT_TRUE(id.startsWith(u"moltiva_render_download_"_s));
+            if (!ids.contains(id))
+                ids.append(id);
+            charges.append(
+                u"%1 %2 #%3"_s.arg(request.contains("reserve") ? u"reserve"_s : u"refund"_s)
+                    .arg(body[u"cost"_s].toInt())
+                    .arg(ids.indexOf(id) + 1));
+        }
+        return charges;
+    }
+    void SetUp() override
+    {
+        for (const QByteArray operation : {"reserve", "refund"})
+            m_account.answer("POST /api/credits/social-copy/" + operation,
+                             R"({"ok":true,"cost":50,"balance":4000})");
     }
 
     QTemporaryDir m_folder;
+    PreferencesStore m_preferences{path(u"scripted.sqlite"_s)};
+    ScriptedAccount m_account{m_preferences, Scripted::signedIn};
+    QString m_service = m_account.address();
 };
 
 }    // namespace
@@ -102,15 +167,14 @@ TEST_F(ExportCommandTest, jsonIsOneObjectAFileAndASummaryAndNothingElse)
 {
     const Outcome outcome =
         runExport({u"--json"_s, u"--jobs"_s, u"1"_s, photo(u"f.jpg"_s), textFile(u"x.jpg"_s)});
-    const QStringList lines = outcome.out.split(u'\n', Qt::SkipEmptyParts);
-    ASSERT_EQ(lines.size(), 3);
-    QList<QJsonObject> objects;
-    for (const QString& line : lines)
-        objects.append(QJsonDocument::fromJson(line.toUtf8()).object());
-    EXPECT_EQ(objects[0][u"file"_s].toString(), path(u"out/f-publicacion.png"_s));
-    EXPECT_FALSE(objects[1][u"error"_s].toString().isEmpty());
+    const QList<QJsonObject> objects = objectsIn(outcome);
+    ASSERT_EQ(objects.size(), 3);
+    EXPECT_FALSE(objects[0][u"error"_s].toString().isEmpty());
+    EXPECT_EQ(objects[1][u"file"_s].toString(), path(u"out/f-publicacion.png"_s));
+    EXPECT_GT(objects[1][u"bytes"_s].toInt(), 1000);
     EXPECT_EQ(objects[2][u"written"_s].toInt(), 1);
     EXPECT_EQ(objects[2][u"skipped"_s].toInt(), 1);
+    EXPECT_EQ(objects[2][u"cost"_s].toInt(), 50);
     EXPECT_GT(objects[2][u"peakMemoryBytes"_s].toDouble(), 1e6);
 }
 
@@ -121,7 +185,7 @@ TEST_F(ExportCommandTest, fillsTextsFromASheetAndTellsItsWrongRows)
     const Outcome outcome = runExport(QStringList{u"--json"_s, u"--texts"_s, sheet} + photos);
     EXPECT_EQ(outcome.status, 1) << "a row was not applied";
     EXPECT_EQ(outcome.out.count(u"\"file\""_s), 3);
-    EXPECT_TRUE(outcome.err.endsWith(u"fila 5: no hay ninguna imagen con ese nombre («h»)\n"_s))
+    EXPECT_TRUE(outcome.err.contains(u"fila 5: no hay ninguna imagen con ese nombre («h»)\n"_s))
         << qPrintable(outcome.err);
     const QImage first(path(u"out/f-publicacion.png"_s)),
         second(path(u"out/f-publicacion-2.png"_s)), untouched(path(u"out/g-publicacion.png"_s));
@@ -153,6 +217,7 @@ TEST_F(ExportCommandTest, wrongUseIsSaidAndHasItsOwnStatus)
     EXPECT_EQ(run({}).status, 2) << "no display for a window";
     EXPECT_EQ(run({u"moltiva://pago"_s}).err, run({}).err) << "a link is for the window";
     EXPECT_TRUE(written().isEmpty());
+    EXPECT_TRUE(m_account.log().isEmpty()) << "nobody was asked";
 }
 
 TEST_F(ExportCommandTest, helpAndVersionAnswerOnStandardOutput)
@@ -178,22 +243,224 @@ TEST_F(ExportCommandTest, theSampleBatchNeedsNoPhotos)
     EXPECT_EQ(written().size(), 3);
 }
 
-TEST_F(ExportCommandTest, anInterruptLeavesOnlyWholeFiles)
+TEST_F(ExportCommandTest, whatIsPaidOnceIsFreeUntilItIsAnother)
 {
-    for (int i = 0; i < 60; ++i)
-        photo(u"many/%1.jpg"_s.arg(i));
-    QProcess process;
-    process.start(QStringLiteral(MOLTIVA_PROGRAM),
-                  {u"export"_s, u"--out"_s, path(u"out"_s), u"--jobs"_s, u"2"_s, path(u"many"_s)});
-    ASSERT_TRUE(process.waitForReadyRead(60000)) << "the first file";
-    ::kill(pid_t(process.processId()), SIGINT);
-    ASSERT_TRUE(process.waitForFinished(60000));
-    EXPECT_EQ(process.exitCode(), 130);
-    const QStringList files = written();
-    EXPECT_GE(files.size(), 1);
-    EXPECT_LT(files.size(), 60);
-    for (const QString& file : files)
-        EXPECT_FALSE(QImage(path(u"out/"_s + file)).isNull()) << qPrintable(file);
+    const QString one = photo(u"f.jpg"_s);
+    const Outcome dry = runExport({u"--dry-run"_s, one});
+    EXPECT_EQ(dry.status, 0);
+    EXPECT_EQ(dry.out, u"Coste: 50 créditos (sin pagar: 1 de 1).\n"_s);
+    EXPECT_FALSE(QDir(path(u"out"_s)).exists());
+    EXPECT_EQ(charges(), QStringList());
+
+    EXPECT_TRUE(runExport({one}).err.contains(u"Exportadas 1 imágenes. Coste: 50 créditos."_s));
+    QFile::remove(path(u"out/f-publicacion.png"_s));
+    const Outcome again = runExport({one});
+    EXPECT_EQ(again.status, 0) << qPrintable(again.err);
+    EXPECT_TRUE(again.err.startsWith(u"Coste: 0 créditos"_s)) << qPrintable(again.err);
+    EXPECT_TRUE(again.err.contains(u"Sin coste adicional."_s));
+    EXPECT_EQ(written(), QStringList{u"f-publicacion.png"_s});
+    EXPECT_EQ(charges(), QStringList{u"reserve 50 #1"_s});
+
+    const QStringList other{u"--texts"_s, textSheet("archivo,titulo\nf,Otro\n"), one};
+    EXPECT_EQ(runExport(other).status, 0);
+    EXPECT_EQ(charges(), (QStringList{u"reserve 50 #1"_s, u"reserve 50 #2"_s}));
+    m_account.answer("GET /api/auth/me", R"({"balance":90,"profile":{"id":"2","email":"o@b.es"}})");
+    EXPECT_EQ(runExport({u"--dry-run"_s, one}).out, dry.out) << "another account";
+}
+
+TEST_F(ExportCommandTest, whoCannotPayGetsNothingAndAStatusOfItsOwn)
+{
+    const QString one = photo(u"f.jpg"_s);
+    const QByteArray me = "GET /api/auth/me", reserve = "POST /api/credits/social-copy/reserve";
+    m_account.answer(me, ScriptedAccount::summary("Ana", 40));
+    const Outcome poor = runExport({one});
+    EXPECT_EQ(poor.status, 4);
+    EXPECT_TRUE(poor.err.contains(u"Necesitas 50 créditos para descargar estas imágenes."_s));
+    m_account.answer(me, ScriptedAccount::summary());
+    m_account.answer(reserve, R"({"error":"insufficient_credits"})", 402);
+    EXPECT_EQ(runExport({one}).status, 4);
+    m_account.answer(reserve, R"({"error":"unauthorized"})", 401);
+    EXPECT_EQ(runExport({one}).status, 3);
+    const QStringList asked = charges();
+    m_account.answer(me, R"({"error":"unauthorized"})", 401);
+    for (const QStringList& arguments : {QStringList{one}, QStringList{u"--dry-run"_s, one}}) {
+        const Outcome nobody = runExport(arguments);
+        EXPECT_EQ(nobody.status, 3);
+        EXPECT_TRUE(nobody.err.contains(u"moltiva login --email"_s)) << qPrintable(nobody.err);
+    }
+    m_account.answer(me, R"({"error":"database_unavailable"})", 503);
+    EXPECT_EQ(runExport({one}).status, 1) << "it answers";
+    m_service = u"http://127.0.0.1:1"_s;
+    const QList<QJsonObject> objects = objectsIn(runExport({u"--json"_s, one}));
+    ASSERT_EQ(objects.size(), 2);
+    EXPECT_EQ(objects[0][u"photo"_s].toString(), one);
+    EXPECT_EQ(objects[1][u"outcome"_s].toString(), u"notReserved"_s);
+    EXPECT_EQ(runExport({one}).status, 5);
+    EXPECT_EQ(charges(), asked) << "nothing was asked for";
+    EXPECT_FALSE(QDir(path(u"out"_s)).exists());
+}
+
+TEST_F(ExportCommandTest, aReservationWithoutAnAnswerIsWantOfAConnection)
+{
+    m_account.hold("POST");
+    const auto process = started(exportTo({photo(u"f.jpg"_s)}));
+    wait([&] { return !charges().isEmpty(); });
+    m_account.drop();
+    EXPECT_EQ(ended(*process).status, 5);
+    EXPECT_FALSE(QDir(path(u"out"_s)).exists());
+}
+
+TEST_F(ExportCommandTest, whatCannotBeNotedDownIsToldAndComesBack)
+{
+    const QStringList arguments = exportTo({u"--json"_s, photo(u"f.jpg"_s)});
+    const auto rename = [this](const QString& from, const QString& to) {
+        {
+            QSqlDatabase store = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"rename"_s);
+            store.setDatabaseName(path(u"home/moltiva/moltiva.sqlite"_s));
+            EXPECT_TRUE(store.open());
+            EXPECT_TRUE(QSqlQuery(store).exec(u"ALTER TABLE %1 RENAME TO %2"_s.arg(from, to)));
+        }
+        QSqlDatabase::removeDatabase(u"rename"_s);
+    };
+    m_account.hold("POST");
+    const auto process = started(arguments);
+    wait([&] { return !charges().isEmpty(); });
+    rename(u"preference"_s, u"gone"_s);
+    m_account.release();
+    const Outcome outcome = ended(*process);
+    EXPECT_EQ(outcome.status, 1);
+    const QJsonObject summary = objectsIn(outcome).value(1);
+    EXPECT_TRUE(summary[u"message"_s].toString().contains(u"El pago no se ha podido anotar."_s));
+    EXPECT_TRUE(summary[u"refundPending"_s].toBool());
+    rename(u"gone"_s, u"preference"_s);
+    run({u"account"_s});
+    EXPECT_EQ(charges(), (QStringList{u"reserve 50 #1"_s, u"refund 50 #1"_s}));
+}
+
+TEST_F(ExportCommandTest, twoCommandsNeverPayForTheSame)
+{
+    const QStringList arguments =
+        exportTo(QStringList{u"--jobs"_s, u"1"_s} + QStringList(12, photo(u"f.jpg"_s)));
+    const auto slow = started(arguments);
+    QByteArray said;
+    wait([&] { return (said += slow->readAllStandardError()).contains("Coste:"); });
+    ::kill(pid_t(slow->processId()), SIGSTOP);
+    m_account.hold("POST");
+    const auto quick = started(arguments);
+    wait([&] { return !charges().isEmpty(); });
+    const Outcome refused = run(arguments);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.err.contains(u"Otra orden de Moltiva está pagando lo mismo."_s))
+        << qPrintable(refused.err);
+    m_account.release();
+    EXPECT_EQ(ended(*quick).status, 0);
+    ::kill(pid_t(slow->processId()), SIGCONT);
+    const Outcome last = ended(*slow);
+    EXPECT_EQ(last.status, 0);
+    EXPECT_TRUE(last.err.contains(u"Sin coste adicional."_s)) << qPrintable(last.err);
+    EXPECT_EQ(charges(), QStringList{u"reserve 600 #1"_s});
+}
+
+TEST_F(ExportCommandTest, aPlaceThatCannotBeWrittenIsToldBeforeAnythingIsCharged)
+{
+    const QString one = photo(u"f.jpg"_s);
+    textFile(u"file"_s);
+    EXPECT_EQ(run({u"export"_s, u"--out"_s, path(u"file/out"_s), one}).status, 2);
+    EXPECT_TRUE(m_account.log().isEmpty());
+    QDir().mkpath(path(u"home/moltiva"_s));
+    textFile(u"home/moltiva/exports"_s);
+    const Outcome outcome = runExport({u"--json"_s, one});
+    EXPECT_EQ(outcome.status, 1);
+    const QList<QJsonObject> objects = objectsIn(outcome);
+    ASSERT_EQ(objects.size(), 2);
+    const QString error = objects[0][u"error"_s].toString();
+    EXPECT_TRUE(error.contains(u"donde se preparan las imágenes"_s)) << qPrintable(error);
+    EXPECT_TRUE(outcome.err.contains(error));
+    EXPECT_EQ(objects[1][u"outcome"_s].toString(), u"notPrepared"_s);
+    EXPECT_EQ(charges(), QStringList());
+    EXPECT_FALSE(QDir(path(u"out"_s)).exists());
+}
+
+TEST_F(ExportCommandTest, namesOfFilesSteerNoTerminal)
+{
+    const QString name = textFile(u"x\033[2J\u202e.jpg"_s);
+    const Outcome outcome = runExport({u"--json"_s, name});
+    EXPECT_TRUE(outcome.err.contains(path(u"x\ufffd[2J\ufffd.jpg: No se pudo leer la foto."_s)))
+        << qPrintable(outcome.err);
+    EXPECT_EQ(objectsIn(outcome).first()[u"photo"_s].toString(), name) << "as it is";
+}
+
+TEST_F(ExportCommandTest, whatCannotBeWrittenIsGivenBack)
+{
+    const QStringList photos{photo(u"a.jpg"_s), photo(u"f.jpg"_s), photo(u"z.jpg"_s)};
+    QDir().mkpath(path(u"out/f-publicacion.png"_s));
+    const Outcome outcome = runExport(QStringList{u"--json"_s} + photos);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.err.contains(path(u"out/f-publicacion.png"_s) +
+                                     u": No se pudo escribir el archivo (Is a directory).\n"_s))
+        << qPrintable(outcome.err);
+    EXPECT_EQ(charges(), (QStringList{u"reserve 150 #1"_s, u"refund 150 #1"_s}));
+    const QList<QJsonObject> objects = objectsIn(outcome);
+    ASSERT_EQ(objects.size(), 4);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(objects[i][u"photo"_s].toString(), photos[i]);
+        EXPECT_EQ(objects[i].contains(u"error"_s), i > 0);
+    }
+    EXPECT_EQ(objects[3][u"outcome"_s].toString(), u"notWritten"_s);
+    EXPECT_EQ(objects[3][u"message"_s].toString(),
+              u"No se pudieron guardar todas las imágenes. Se han devuelto los 150 créditos."_s);
+    QDir().rmdir(path(u"out/f-publicacion.png"_s));
+    EXPECT_EQ(runExport(photos).status, 0);
+    EXPECT_EQ(charges().size(), 3) << "it was not paid yet";
+}
+
+TEST_F(ExportCommandTest, anInterruptCostsNothing)
+{
+    const QString one = photo(u"f.jpg"_s);
+    // Drawing them takes longer than the signal.
+    const auto early = started(exportTo(QStringList{u"--jobs"_s, u"1"_s} + QStringList(60, one)));
+    QByteArray said;
+    wait([&] { return (said += early->readAllStandardError()).contains("Coste:"); });
+    ::kill(pid_t(early->processId()), SIGINT);
+    EXPECT_EQ(ended(*early).status, 130);
+    EXPECT_EQ(charges(), QStringList());
+
+    m_account.hold("POST");
+    const auto late = started(exportTo({one}));
+    wait([&] { return !charges().isEmpty(); });
+    ::kill(pid_t(late->processId()), SIGINT);
+    said.clear();
+    wait([&] { return (said += late->readAllStandardError()).contains("Deteniendo"); });
+    m_account.release();
+    const Outcome outcome = ended(*late);
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_TRUE(outcome.err.contains(u"Se han devuelto los 50 créditos."_s));
+    EXPECT_EQ(charges(), (QStringList{u"reserve 50 #1"_s, u"refund 50 #1"_s}));
+    EXPECT_FALSE(QDir(path(u"out"_s)).exists());
+}
+
+TEST_F(ExportCommandTest, whatAKilledCommandLeftOpenComesBackBeforeTheNextPrice)
+{
+    const QStringList arguments = exportTo({photo(u"f.jpg"_s)});
+    const QString told = u"Se han devuelto 50 créditos: una exportación no llegó a terminar.\n"_s;
+    m_account.answer("POST /api/credits/social-copy/refund",
+                     R"({"ok":true,"cost":50,"balance":4330})");
+    for (const QStringList& next : {QStringList{u"account"_s}, arguments}) {
+        const auto before = charges().size();
+        m_account.hold("POST /api/credits/social-copy/reserve");
+        const auto killed = started(arguments);
+        wait([&] { return charges().mid(before).contains(u"reserve 50 #1"_s); });
+        killed->kill();
+        ended(*killed);
+        m_account.release();
+        const auto open = charges().size();
+        const Outcome outcome = run(next);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_TRUE(outcome.err.startsWith(told)) << qPrintable(outcome.err);
+        EXPECT_TRUE(next == arguments || outcome.out.endsWith(u"4330 créditos\n"_s));
+        EXPECT_EQ(charges().value(open), u"refund 50 #1"_s);
+    }
+    EXPECT_EQ(charges().last(), u"reserve 50 #1"_s);
 }
 
 TEST_F(ExportCommandTest, laysATemplateOverEveryPhoto)

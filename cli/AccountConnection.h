@@ -1,0 +1,26 @@
+#pragma once
+
+#include "account/ConnectedAccount.h"
+#include "platform/PreferencesStore.h"
+#include "platform/UserFolders.h"
+
+#include <functional>
+
+// The account of a command, which opens no browser.
+class AccountConnection {
+public:
+    // `tell` is given a sentence about credits that came back from an earlier command.
+    AccountConnection(const ServiceConfiguration& configuration,
+                      const std::function<void(const QString& sentence)>& tell);
+
+    AccountSession& session() { return m_account.session(); }
+    CreditJournal& journal() { return m_account.journal(); }
+    PreferencesStore& preferences() { return m_preferences; }
+
+    // Waits until what earlier commands left open has come back, as far as it can.
+    void settle();
+
+private:
+    PreferencesStore m_preferences{userDataFolder() + QStringLiteral("/moltiva.sqlite")};
+    ConnectedAccount m_account;
+};

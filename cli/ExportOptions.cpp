@@ -1,0 +1,210 @@
+#include "cli/ExportOptions.h"
+
+#include "cli/CommandLine.h"
+#include "cli/OutputFolder.h"
+#include "cli/SampleBatch.h"
+#include "cli/Terminal.h"
+#include "studio/BatchExport.h"
+#include "studio/PhotoFolder.h"
+#include "studio/RenderedOutput.h"
+#include "studio/TextSheetFile.h"
+#include "templates/TemplateDefinition.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int mostJobs = 256;
+
+QString formatKeys()
+{
+    QStringList keys;
+    for (const auto& format : Vocabulary<SocialFormat>::rows)
+        keys.append(format.templateKey.toString());
+    return keys.join(u", "_s);
+}
+
+int wrongUse(const QString& sentence)
+{
+    tellOfExport(sentence);
+    return exitWrongUse;
+}
+
+// Of a folder, without what an earlier export of it left there.
+QList<QUrl> photosAt(const QString& path)
+{
+    if (!QFileInfo(path).isDir())
+        return {QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath())};
+    const QList<QUrl> found = photosInFolder(path);
+    QList<QUrl> kept = withoutOwnOutputs(found);
+    if (kept.size() < found.size()) {
+        tellOfExport(u"%1: %2 publicación(es) de otra foto de la carpeta, no se exportan."_s.arg(
+            path, QString::number(found.size() - kept.size())));
+    }
+    return kept;
+}
+
+// The parser, and its arguments become options one after the other; each gives an exit status
+// where it cannot be done.
+class ExportArguments {
+public:
+    ExportArguments()
+    {
+        m_parser.setApplicationDescription(
+            u"Exporta cada foto con sus textos de partida como «<nombre>-publicacion.png». Cada "
+            "imagen cuesta %1 créditos de la cuenta, una sola vez."_s.arg(exportCreditCost));
+        m_parser.addOptions(
+            {m_help, m_format, m_out, m_design, m_texts, m_jobs, m_dryRun, m_json, m_sample});
+        m_parser.addPositionalArgument(u"foto|carpeta…"_s, u"fotos, o carpetas de fotos"_s);
+    }
+
+    std::variant<ExportOptions, int> read(const QStringList& arguments)
+    {
+        if (!m_parser.parse(QStringList{u"moltiva export"_s} + arguments))
+            return wrongUse(m_parser.errorText());
+        if (m_parser.isSet(m_help)) {
+            print(stdout, helpText().trimmed());
+            return exitDone;
+        }
+        for (const auto step : {&ExportArguments::readFormat, &ExportArguments::readJobs,
+                                &ExportArguments::readDesign, &ExportArguments::readTexts,
+                                &ExportArguments::readPhotos, &ExportArguments::readFolder}) {
+            if (const auto status = (this->*step)())
+                return *status;
+        }
+        m_options.isJson = m_parser.isSet(m_json);
+        return m_options;
+    }
+
+private:
+    using Failure = std::optional<int>;    // the exit status
+
+    QString helpText() const
+    {
+        // The parser names the program alone.
+        QString text = m_parser.helpText();
+        text.replace(0, text.indexOf(u'\n'), u"Uso: moltiva export [opciones] foto|carpeta…"_s);
+        return text + u"\nEstado de salida:\n"
+                      "  0    todo exportado\n"
+                      "  1    algo no se pudo leer o guardar\n"
+                      "  2    mal uso\n"
+                      "  3    nadie ha iniciado sesión\n"
+                      "  4    no hay créditos suficientes\n"
+                      "  5    no hay conexión con el servicio de cuentas\n"
+                      "  130  interrumpido\n"_s;
+    }
+
+    Failure readFormat()
+    {
+        const QString key = m_parser.value(m_format);
+        const auto chosen = fromTemplateKey(key);
+        if (!chosen) {
+            return wrongUse(
+                u"no conozco el formato «%1»; los formatos son %2."_s.arg(key, formatKeys()));
+        }
+        m_options.format = *chosen;
+        return {};
+    }
+
+    Failure readJobs()
+    {
+        if (!m_parser.isSet(m_jobs))
+            return {};
+        bool isNumber = false;
+        m_options.jobs = m_parser.value(m_jobs).toInt(&isNumber);
+        if (!isNumber || m_options.jobs < 1 || m_options.jobs > mostJobs)
+            return wrongUse(u"--jobs pide un número de 1 a %1."_s.arg(mostJobs));
+        return {};
+    }
+
+    Failure readDesign()
+    {
+        if (!m_parser.isSet(m_design))
+            return {};
+        const DefinitionFile file = readDefinitionFile(m_parser.value(m_design));
+        if (!file.definition)
+            return wrongUse(u"la plantilla «%1» %2."_s.arg(m_parser.value(m_design), file.error));
+        m_options.design = file.definition->application();
+        if (!m_parser.isSet(m_format))
+            m_options.format = file.definition->socialFormat();
+        else if (!file.definition->matches(m_options.format))
+            tellOfExport(u"la plantilla «%1» está hecha para el formato %2."_s.arg(
+                file.definition->name, rawValue(file.definition->socialFormat())));
+        return {};
+    }
+
+    Failure readTexts()
+    {
+        if (!m_parser.isSet(m_texts))
+            return {};
+        m_options.texts = readTextSheetFile(m_parser.value(m_texts));
+        if (!m_options.texts.error.isEmpty()) {
+            return wrongUse(u"no se pudieron leer los textos de %1: %2."_s.arg(
+                m_parser.value(m_texts), m_options.texts.error));
+        }
+        return {};
+    }
+
+    Failure readPhotos()
+    {
+        if (m_parser.isSet(m_sample)) {
+            m_options.sample = std::make_shared<QTemporaryDir>();
+            if (!paintSampleBatch(m_options.sample->path()))
+                return wrongUse(u"no se pudo preparar el lote de muestra."_s);
+            m_options.photos.append(photosInFolder(m_options.sample->path()));
+        }
+        for (const QString& path : m_parser.positionalArguments()) {
+            if (!QFileInfo::exists(path))
+                return wrongUse(u"no existe «%1»."_s.arg(path));
+            m_options.photos.append(photosAt(path));
+        }
+        if (!m_parser.isSet(m_sample) && m_parser.positionalArguments().isEmpty())
+            return wrongUse(u"falta decir qué fotos. Prueba «moltiva export --help»."_s);
+        if (m_options.photos.isEmpty())
+            tellOfExport(u"No he encontrado imágenes compatibles."_s);
+        return {};
+    }
+
+    Failure readFolder()
+    {
+        m_options.folder = m_parser.value(m_out);
+        m_options.isDryRun = m_parser.isSet(m_dryRun);
+        if (!m_options.isDryRun && !OutputFolder::canBeMade(m_options.folder))
+            return wrongUse(u"no se puede escribir en la carpeta «%1»."_s.arg(m_options.folder));
+        return {};
+    }
+
+    const QCommandLineOption m_help{{u"h"_s, u"help"_s}, u"muestra esta ayuda"_s};
+    const QCommandLineOption m_format{u"format"_s, u"formato: %1"_s.arg(formatKeys()), u"formato"_s,
+                                      row(SocialFormat::carouselPortrait).templateKey.toString()};
+    const QCommandLineOption m_out{u"out"_s, u"carpeta de destino; se crea si no existe"_s,
+                                   u"carpeta"_s, u"."_s};
+    const QCommandLineOption m_jobs{
+        u"jobs"_s, u"fotos a la vez, como mucho una por núcleo, que es lo habitual"_s, u"n"_s};
+    const QCommandLineOption m_dryRun{u"dry-run"_s,
+                                      u"solo dice lo que costaría; no exporta ni descuenta nada"_s};
+    const QCommandLineOption m_json{u"json"_s, u"un objeto JSON por archivo y un resumen"_s};
+    const QCommandLineOption m_sample{u"sample"_s, u"exporta un lote de muestra en vez de fotos"_s};
+    const QCommandLineOption m_texts{u"texts"_s, u"textos de cada foto, de un archivo CSV"_s,
+                                     u"archivo.csv"_s};
+    const QCommandLineOption m_design{
+        u"template"_s, u"plantilla de todas las fotos; sin --format, también su formato"_s,
+        u"archivo.json"_s};
+    QCommandLineParser m_parser;
+    ExportOptions m_options;
+};
+
+}    // namespace
+
+void tellOfExport(const QString& sentence)
+{
+    print(stderr, u"moltiva export: "_s + sentence);
+}
+
+std::variant<ExportOptions, int> exportOptions(const QStringList& arguments)
+{
+    return ExportArguments().read(arguments);
+}

@@ -1,0 +1,55 @@
+#include "cli/PaidRenders.h"
+
+#include "platform/PreferencesStore.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// One name a line: any text reads, what is no name of a render matches none and stays where it is,
+// and adding leaves alone what is there.
+QString keyOf(const QString& account)
+{
+    return u"moltiva.paidRenders."_s + account;
+}
+
+QSet<QString> namesIn(const QByteArray& lines)
+{
+    constexpr qsizetype longestName = 200;
+    QSet<QString> names;
+    for (const auto line : QLatin1StringView(lines).tokenize(u'\n', Qt::SkipEmptyParts)) {
+        if (line.size() <= longestName)
+            names.insert(QString(line));
+    }
+    return names;
+}
+
+}    // namespace
+
+QSet<QString> paidRenders(const PreferencesStore& preferences, const QString& account)
+{
+    return namesIn(preferences.value(keyOf(account)).value_or(QByteArray()));
+}
+
+bool addPaidRenders(PreferencesStore& preferences, const QString& account,
+                    const QList<RenderedOutput>& outputs, const QString& entry)
+{
+    const QString key = keyOf(account);
+    return preferences.transaction([&] {
+        // Read again: another command may have paid meanwhile.
+        QByteArray lines = preferences.value(key).value_or(QByteArray());
+        if (!lines.isEmpty() && !lines.endsWith('\n'))
+            lines.append('\n');
+        QSet<QString> known = namesIn(lines);
+        const qsizetype before = lines.size();
+        for (const RenderedOutput& output : outputs) {
+            for (const QString& name : {output.fingerprint, output.pixels}) {
+                if (!known.contains(name))
+                    lines.append(name.toLatin1()).append('\n');
+                known.insert(name);
+            }
+        }
+        const bool isStored = lines.size() == before || preferences.setValue(key, lines);
+        return isStored && (entry.isEmpty() || preferences.remove(entry));
+    });
+}
