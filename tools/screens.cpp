@@ -59,6 +59,8 @@ public:
           m_session(m_cache, m_preferences), m_account(m_preferences, Scripted::signedIn),
           m_window(m_session, m_account.session(), m_cache, m_preferences)
     {
+        m_session.setAccountSession(m_account.session());
+        m_session.setCreditJournal(m_account.journal(), m_folder.filePath(u"exports"_s));
         m_window.show();
         m_session.restoreWorkspaceIfNeeded();
         waitFor([this] { return m_window.gate()->state() == Gate::open; });
@@ -88,6 +90,7 @@ public:
         const int last = int(m_session.batch().items.size()) - 1;
         m_session.selectItem(std::min(3, last), Qt::ShiftModifier);
         reached &= take(u"several-selected"_s);
+        reached &= takeExports();
         for (const SocialFormat format : allCases<SocialFormat>()) {
             m_session.setFormat(format);
             m_session.selectSingleIndex(int(format) % (last + 1));
@@ -108,6 +111,27 @@ private:
     void select(CopySlot slot)
     {
         m_session.selectLayer(std::ranges::find(current().layers, slot, &TextLayer::slot)->id);
+    }
+
+    // Of the images that are selected.
+    bool takeExports()
+    {
+        const int cost = int(m_session.exportIndices().size()) * exportCreditCost;
+        const int balance = m_account.session().account().balance - cost;
+        m_account.answer(
+            "POST /api/credits/social-copy/reserve",
+            uR"({"ok":true,"balance":%1,"cost":%2})"_s.arg(balance).arg(cost).toUtf8());
+        m_account.hold();    // at its reservation
+        m_session.exportAll(m_folder.path());
+        waitFor([this] {
+            return !m_session.isExporting() ||
+                   m_session.exportProgress()->stage == ExportProgress::Stage::charging;
+        });
+        bool reached = m_session.isExporting() && take(u"exporting"_s);
+        m_account.answer("GET /api/auth/me", ScriptedAccount::summary("Lucía Ferrer", balance));
+        m_account.release();
+        reached &= waitFor([this] { return !m_session.isExporting(); });
+        return reached && take(u"exported"_s);
     }
 
     // A design on four images: a headline without a box, a panel below with text and a button.

@@ -1,0 +1,556 @@
+// Edits and exports without pause, is killed at random moments and at each step of a charge, and
+// starts again: after each start the ledger of the service must hold a charge for every render that
+// is known as paid, and for no other.
+//
+//     charge_storm SERVICE_PROGRAM FOLDER KILLS            runs and judges it
+//     charge_storm --child FOLDER ADDRESS [STEP TIMES]     exports until it is killed, by itself
+//                                                          when it comes to that step that often
+//     charge_storm --child FOLDER ADDRESS calm             only loads the photos and settles what
+//     was left
+
+#include "account/AccountAPI.h"
+#include "account/AccountSession.h"
+#include "account/CreditJournal.h"
+#include "canvas/RenderFingerprint.h"
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "platform/Workers.h"
+#include "studio/StudioSession.h"
+
+#include <QCoroTask>
+#include <QDateTime>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QImage>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QScopeGuard>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <map>
+#include <set>
+
+#include <sqlite3.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int photoCount = 3;
+constexpr std::array steps{"opened",   "reserved",  "wrote",   "worked",
+                           "recorded", "refunding", "refunded"};
+constexpr auto underWay = 2s;
+const QString entryPrefix = u"moltiva.creditReservation."_s;
+
+QSizeF smallSize(SocialFormat format)
+{
+    return exportSize(format) / 10;
+}
+
+ServiceConfiguration configurationOf(const QUrl& address)
+{
+    return {.service = address,
+            .site = address,
+            .siteName = u"Moltiva local"_s,
+            .administratorEmail = {},
+            .problem = {}};
+}
+
+AccountSession::Surroundings withoutBrowser()
+{
+    return {.openInBrowser = [](const QUrl&) { return false; }};
+}
+
+int below(int bound)
+{
+    return QRandomGenerator::global()->bounded(bound);
+}
+
+void say(const QString& line)
+{
+    std::printf("%s\n", qPrintable(line));
+    std::fflush(stdout);
+}
+
+template <typename Done>
+bool turnUntil(Done done, int milliseconds = 60'000)
+{
+    QElapsedTimer watch;
+    for (watch.start(); !done() && watch.elapsed() < milliseconds;)
+        QGuiApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 5);
+    return done();
+}
+
+// ---- what is killed
+
+class Child {
+public:
+    Child(const QString& folder, const QUrl& address)
+        : m_folder(folder), m_preferences(m_folder.filePath(u"moltiva.sqlite"_s)),
+          m_api(configurationOf(address), m_preferences), m_account(m_api, withoutBrowser()),
+          m_journal(m_account, m_preferences, m_folder.filePath(u"runs"_s),
+                    {.retry = 200ms, .underWay = underWay}),
+          m_photos(std::make_shared<PhotoCache>(m_folder.filePath(u"thumbnails"_s))),
+          m_session(m_photos, m_preferences, &std::chrono::steady_clock::now, smallSize)
+    {
+        m_session.setAccountSession(m_account);
+        m_session.setCreditJournal(m_journal, m_folder.filePath(u"staging"_s));
+        m_journal.stepReached = [this](const char* step) { reached(step); };
+    }
+
+    void dieAt(const QString& step, int times)
+    {
+        m_lastStep = step;
+        m_stepsLeft = times;
+    }
+
+    // Whether it came to a state that can be judged.
+    bool start()
+    {
+        m_session.restoreWorkspaceIfNeeded();
+        const qsizetype open = entries().size();
+        if (!QCoro::waitFor(m_account.refresh()) ||
+            !turnUntil([this] { return m_session.didRestoreWorkspace(); }) ||
+            !turnUntil([&] { return m_refunds >= open; }))
+            return false;
+        if (m_session.batch().items.isEmpty()) {
+            m_session.load({QUrl::fromLocalFile(m_folder.filePath(u"photos"_s))});
+            turnUntil([this] { return !m_session.isImporting(); });
+        }
+        tellState();
+        return m_session.batch().items.size() == photoCount;
+    }
+
+    bool settleAll()
+    {
+        const bool isSettled = turnUntil([this] { return entries().isEmpty(); });
+        tellState();
+        return isSettled;
+    }
+
+    [[noreturn]] void storm()
+    {
+        while (true) {
+            for (int edits = below(4); edits > 0; --edits)
+                edit();
+            exportSomething();
+        }
+    }
+
+private:
+    QStringList entries() const { return m_preferences.keysBeginningWith(entryPrefix); }
+
+    void reached(const QByteArray& step)
+    {
+        say(u"step "_s + QString::fromLatin1(step));
+        m_refunds += step == "refunded";
+        if (m_lastStep == QLatin1StringView(step) && --m_stepsLeft == 0)
+            std::raise(SIGKILL);
+        if (step == m_stopAt)
+            m_session.stopExport();
+    }
+
+    // Waits until it was judged: the ledger must not move meanwhile.
+    void tellState() const
+    {
+        for (const PublicationItem& item : m_session.batch().items) {
+            for (const QString& fingerprint : item.paidRenderFingerprints) {
+                if (!fingerprint.startsWith(u"pixels-"))
+                    say(u"paid %1/%2"_s.arg(item.id.toString(), fingerprint));
+            }
+        }
+        for (const QString& key : entries())
+            say(u"open "_s + key.section(u' ', -1));
+        say(u"settled"_s);
+        std::string go;
+        std::getline(std::cin, go);
+    }
+
+    void edit()
+    {
+        switch (below(6)) {
+        case 0:
+            return m_session.undo();
+        case 1:
+            return m_session.redo();
+        case 2:
+            return m_session.selectItem(below(photoCount), Qt::KeyboardModifiers());
+        case 3:
+            return m_session.selectItem(below(photoCount), Qt::ControlModifier);
+        default:
+            m_session.setText(CopySlot::title,
+                              QString::number(QRandomGenerator::global()->generate64()));
+        }
+    }
+
+    void exportSomething()
+    {
+        const bool isSingle = below(2) == 0;
+        const QString place = m_folder.filePath(below(4) == 0 ? u"missing"_s : u"out"_s);
+        static constexpr std::array<const char*, 8> stops{"opened", "reserved", "wrote"};
+        m_stopAt = stops[std::size_t(below(int(stops.size())))];
+        const Batch& batch = m_session.batch();
+        tellPlan(isSingle ? QList<int>{batch.selectedIndex} : m_session.exportIndices());
+        if (isSingle)
+            m_session.exportCurrent(place + u'/' + batch.currentItem()->filename() + u".png"_s);
+        else
+            m_session.exportAll(place);
+        turnUntil([this] { return !m_session.isExporting(); });
+        say(u"ended %1 %2"_s.arg(int(m_session.statusTone())).arg(m_session.status()));
+    }
+
+    // What will be charged and for which renders, and how many files there will be.
+    void tellPlan(const QList<int>& indices) const
+    {
+        const SocialFormat format = m_session.batch().format;
+        QList<RenderedOutput> outputs;
+        for (const int index : indices) {
+            const PublicationItem& item = m_session.batch().items[index];
+            const auto content = m_photos->contentOf(item.image.path);
+            outputs.append({item,
+                            {},
+                            renderFingerprint({item, content.value_or(QByteArray()),
+                                               smallSize(format), designSize(format)}),
+                            {}});
+        }
+        const QList<RenderedOutput> unpaid = unpaidRenderedOutputs(outputs);
+        QString line = u"plan %1"_s.arg(outputs.size());
+        if (!unpaid.isEmpty())
+            line += u' ' + creditRequestID(unpaid, u"download"_s);
+        for (const RenderedOutput& output : unpaid)
+            line += u" %1/%2"_s.arg(output.item.id.toString(), output.fingerprint);
+        say(line);
+    }
+
+    QDir m_folder;
+    QString m_lastStep;
+    int m_stepsLeft = 0, m_refunds = 0;
+    QByteArray m_stopAt;
+    PreferencesStore m_preferences;
+    AccountAPI m_api;
+    AccountSession m_account;
+    CreditJournal m_journal;
+    std::shared_ptr<PhotoCache> m_photos;
+    StudioSession m_session;
+};
+
+int runChild(const QStringList& arguments)
+{
+    Child child(arguments[2], QUrl(arguments[3]));
+    const bool isCalm = arguments.value(4) == u"calm";
+    if (arguments.size() > 5)
+        child.dieAt(arguments[4], arguments[5].toInt());
+    if (!child.start())
+        return 1;
+    if (isCalm)
+        return child.settleAll() ? 0 : 1;
+    child.storm();
+}
+
+// ---- who kills and judges
+
+// An open charge of this service's account, as the ledger has it.
+struct Charge {
+    int amount = 0;    // negative
+    bool isOpen = false;
+};
+using Ledger = std::map<QString, Charge>;
+
+class Judge {
+public:
+    Judge(const QString& ledgerFile) : m_ledgerFile(ledgerFile) {}
+
+    bool topUp() const
+    {
+        sqlite3* handle = nullptr;
+        sqlite3_open(m_ledgerFile.toUtf8().constData(), &handle);
+        sqlite3_busy_timeout(handle, 5000);
+        const int result =
+            sqlite3_exec(handle,
+                         "INSERT INTO ledger_entry (account, kind, amount, balance, note, created)"
+                         " SELECT account, 'purchase', 100000000, 100000000 + balance, '', created"
+                         " FROM ledger_entry ORDER BY id DESC LIMIT 1",
+                         nullptr, nullptr, nullptr);
+        const int rows = sqlite3_changes(handle);
+        sqlite3_close(handle);
+        return result == SQLITE_OK && rows == 1;
+    }
+
+    // One line of what a child says. Gives whether it waits for an answer.
+    bool hear(const QString& line)
+    {
+        const QStringList words = line.split(u' ');
+        const QString& word = words[0];
+        if (word == u"paid") {
+            m_paid.insert(words.value(1));
+        } else if (word == u"open") {
+            m_left.insert(words.value(1));
+        } else if (word == u"plan") {
+            m_files = words.value(1).toInt();
+            m_written = 0;
+            m_request = words.value(2);
+            m_isFree = m_request.isEmpty();
+            if (!m_request.isEmpty())
+                m_plans[m_request] = words.mid(3);
+        } else if (word == u"step") {
+            m_step = words.value(1);
+            m_written += m_step == u"wrote";
+            if (m_step == u"recorded")
+                m_request.clear();
+        } else if (word == u"ended") {
+            const bool isDone = words.value(1).toInt() == int(StatusTone::done);
+            m_exports += isDone;
+            m_freeExports += isDone && m_isFree;
+            m_request.clear();
+            m_step = u"none"_s;
+        }
+        return word == u"settled";
+    }
+
+    void childDied(bool isByItself)
+    {
+        ++m_kills[isByItself ? m_step : u"random, last at "_s + m_step];
+        // All files are there and nobody knows that they are paid.
+        if (!m_request.isEmpty() && m_written == m_files)
+            m_unrecorded.insert(m_request);
+        m_request.clear();
+        m_step = u"none"_s;
+        m_paid.clear();
+        m_left.clear();
+    }
+
+    void judge()
+    {
+        const Ledger ledger = readLedger();
+        std::map<QString, int> charged;    // renders
+        int openCredits = 0;
+        for (const auto& [request, charge] : ledger) {
+            const auto plan = m_plans.find(request);
+            if (plan == m_plans.end()) {
+                fail("charged under an identifier that was not announced", request);
+                continue;
+            }
+            if (charge.amount != -exportCreditCost * int(plan->second.size()))
+                fail("charged another amount than announced", request);
+            const bool isLeft = m_left.contains(request);
+            if (!charge.isOpen) {
+                m_inUsersFavour += int(m_unrecorded.erase(request));
+                continue;
+            }
+            if (isLeft)
+                continue;
+            openCredits -= charge.amount;
+            for (const QString& render : plan->second) {
+                ++charged[render];
+                if (!m_paid.contains(render))
+                    fail("charged, not given back and not known as paid", render);
+            }
+        }
+        for (const QString& render : m_paid) {
+            if (charged[render] != 1)
+                fail(charged[render] == 0 ? "known as paid, but free" : "paid twice", render);
+        }
+        if (openCredits != exportCreditCost * int(m_paid.size()))
+            fail("the charges are not the price of what is paid", QString::number(openCredits));
+        m_leftEntries += int(m_left.size());
+        m_renders = int(m_paid.size());
+        ++m_judged;
+        m_paid.clear();
+        m_left.clear();
+    }
+
+    void fail(const char* what, const QString& about)
+    {
+        if (++m_violations <= 20)
+            std::fprintf(stderr, "%s: %s\n", what, qPrintable(about));
+    }
+
+    int finish() const
+    {
+        int kills = 0;
+        for (const auto& [where, count] : m_kills) {
+            std::printf("killed at %-28s %5d\n", qPrintable(where), count);
+            kills += count;
+        }
+        std::printf("%d kills, %d judgements; %d charges, %d refunds, %d renders paid; %d exports "
+                    "done, %d of them free; %d entries waited for requests under way; %d "
+                    "refunded though the files were there; %d violations\n",
+                    kills, m_judged, m_charges, m_refunds, m_renders, m_exports, m_freeExports,
+                    m_leftEntries, m_inUsersFavour, m_violations);
+        return m_violations == 0 && m_renders > 0 && m_refunds > 0 ? 0 : 1;
+    }
+
+private:
+    Ledger readLedger()
+    {
+        Ledger ledger;
+        sqlite3* handle = nullptr;
+        sqlite3_stmt* rows = nullptr;
+        sqlite3_open_v2(m_ledgerFile.toUtf8().constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
+        sqlite3_busy_timeout(handle, 5000);
+        sqlite3_prepare_v2(handle,
+                           "SELECT kind, request_id, amount FROM ledger_entry"
+                           " WHERE request_id IS NOT NULL ORDER BY id",
+                           -1, &rows, nullptr);
+        m_charges = m_refunds = 0;
+        while (sqlite3_step(rows) == SQLITE_ROW) {
+            const auto text = [rows](int column) {
+                return QString::fromUtf8(
+                    reinterpret_cast<const char*>(sqlite3_column_text(rows, column)));
+            };
+            const bool isReserve = text(0) == u"reserve";
+            const int amount = sqlite3_column_int(rows, 2);
+            Charge& charge = ledger[text(1)];
+            ++(isReserve ? m_charges : m_refunds);
+            if (charge.isOpen == isReserve)
+                fail("charged or given back twice in a row", text(1));
+            if (!isReserve && amount != -charge.amount)
+                fail("another amount came back", text(1));
+            charge = {isReserve ? amount : charge.amount, isReserve};
+        }
+        sqlite3_finalize(rows);
+        sqlite3_close(handle);
+        return ledger;
+    }
+
+    QString m_ledgerFile;
+    std::map<QString, QStringList> m_plans;    // request identifiers and what they pay for
+    std::set<QString> m_paid, m_left;          // what the child under way says
+    std::set<QString> m_unrecorded;            // requests whose files are there
+    QString m_request, m_step = u"none"_s;     // under way
+    bool m_isFree = false;
+    int m_files = 0, m_written = 0;
+    std::map<QString, int> m_kills;
+    int m_charges = 0, m_refunds = 0, m_renders = 0, m_judged = 0, m_exports = 0;
+    int m_freeExports = 0, m_leftEntries = 0, m_inUsersFavour = 0, m_violations = 0;
+};
+
+class Storm {
+public:
+    Storm(const QString& folder, const QString& address, Judge& judge)
+        : m_folder(folder), m_address(address), m_judge(judge)
+    {
+    }
+
+    // One run of the program; `life` in ms, where it does not end by itself. Gives whether it ended
+    // as it should.
+    bool run(const QStringList& how, std::optional<int> life)
+    {
+        QProcess child;
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        child.start(QCoreApplication::applicationFilePath(),
+                    QStringList{u"--child"_s, m_folder, m_address} + how);
+        QElapsedTimer watch;
+        watch.start();
+        const int limit = life.value_or(120'000);
+        while (child.state() != QProcess::NotRunning && watch.elapsed() < limit) {
+            child.waitForReadyRead(int(limit - watch.elapsed()));
+            hear(child);
+        }
+        const bool isKilled = child.state() != QProcess::NotRunning;
+        if (isKilled)
+            child.kill();
+        child.waitForFinished();
+        hear(child);
+        if (child.exitStatus() == QProcess::NormalExit)
+            return child.exitCode() == 0;
+        m_judge.childDied(!isKilled);
+        return isKilled == life.has_value();
+    }
+
+private:
+    void hear(QProcess& child)
+    {
+        while (child.canReadLine()) {
+            if (!m_judge.hear(QString::fromUtf8(child.readLine()).trimmed()))
+                continue;
+            m_judge.judge();
+            child.write("go\n");
+            child.waitForBytesWritten();
+        }
+    }
+
+    QString m_folder, m_address;
+    Judge& m_judge;
+};
+
+bool paintPhotos(const QDir& folder)
+{
+    for (const QString& each : {u"photos"_s, u"out"_s, u"service"_s})
+        folder.mkpath(each);
+    for (int i = 0; i < photoCount; ++i) {
+        QImage image(64, 80, QImage::Format_RGB32);
+        image.fill(QColor::fromHsv(90 * i, 200, 200));
+        if (!image.save(folder.filePath(u"photos/%1.png"_s.arg(i))))
+            return false;
+    }
+    return true;
+}
+
+// The cookie stays in the preferences of the children.
+bool signUp(const QDir& folder, const QString& address)
+{
+    PreferencesStore preferences(folder.filePath(u"moltiva.sqlite"_s));
+    AccountAPI api(configurationOf(QUrl(address)), preferences);
+    AccountSession account(api, withoutBrowser());
+    return QCoro::waitFor(account.registerAccount(u"tormenta@ejemplo.es"_s, u"una-contraseña"_s));
+}
+
+int judgeStorm(const QString& program, const QDir& folder, int kills)
+{
+    if (!paintPhotos(folder))
+        return 2;
+    QProcess service;
+    service.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    service.start(program, {u"--data"_s, folder.filePath(u"service"_s)});
+    const auto end = qScopeGuard([&service] {
+        service.terminate();
+        service.waitForFinished();
+    });
+    service.waitForReadyRead(30'000);
+    const QString address = QString::fromUtf8(service.readLine()).trimmed();
+    Judge judge(folder.filePath(u"service/servicio.sqlite"_s));
+    if (address.isEmpty() || !signUp(folder, address) || !judge.topUp()) {
+        std::fputs("the service does not answer\n", stderr);
+        return 1;
+    }
+    Storm storm(folder.path(), address, judge);
+    // The import must not be among what the others undo: no payment is known of a discarded batch.
+    const QStringList calmly{u"calm"_s};
+    if (!storm.run(calmly, {}))
+        judge.fail("the first run did not end well", {});
+    for (int kill = 0; kill < kills; ++kill) {
+        // Each step as often as any moment.
+        const std::size_t kind = std::size_t(kill) % (steps.size() + 1);
+        const bool isAsMeant =
+            kind == steps.size()
+                ? storm.run({}, 1 + below(900))
+                : storm.run({QString::fromLatin1(steps[kind]), QString::number(1 + below(3))}, {});
+        if (!isAsMeant)
+            judge.fail("a run that did not end as it was to", QString::number(kill));
+    }
+    if (!storm.run(calmly, {}))
+        judge.fail("the last run did not settle all", {});
+    return judge.finish();
+}
+
+}    // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication application(argc, argv);
+    const auto finish = qScopeGuard(&finishWorkers);
+    const QStringList arguments = QGuiApplication::arguments();
+    if (arguments.size() >= 4 && arguments[1] == u"--child")
+        return runChild(arguments);
+    if (arguments.size() == 4 && arguments[3].toInt() > 0)
+        return judgeStorm(arguments[1], QDir(arguments[2]), arguments[3].toInt());
+    std::fputs("charge_storm SERVICE_PROGRAM FOLDER KILLS\n", stderr);
+    return 2;
+}
