@@ -1,9 +1,6 @@
 #include "tests/studio/PayingStudio.h"
 
-#include "platform/Workers.h"
-
 #include <QFile>
-#include <QSemaphore>
 
 #include <gtest/gtest.h>
 
@@ -233,24 +230,4 @@ TEST_F(ExportTest, APaymentDuringAGestureOutlivesItsUndo)
     session().endCanvasHistoryEdit(moved.layers[0].id);
     session().undo();
     EXPECT_EQ(session().batch().items[0].paidRenderFingerprints.size(), 2);
-}
-
-TEST_F(ExportTest, APriceThatIsNotKnownIsShownNoLonger)
-{
-    loadThree();
-    studio->exportAll();
-    EXPECT_EQ(studio->prices(), Prices(0, 0));
-    // The workers are busy with something else.
-    QSemaphore gate;
-    for (int i = 0; i < workers().maxThreadCount(); ++i)
-        startOnWorker([&gate] { gate.acquire(); });
-    session().selectAll();
-    DesignTemplate smaller;
-    smaller.style.fontScale = 0.8;
-    session().applyStyle(smaller);
-    EXPECT_EQ(session().displayedExportAllCost(), 0);
-    EXPECT_TRUE(turnUntil([&] { return !session().displayedExportAllCost(); }));
-    EXPECT_TRUE(session().isPaid(session().batch().items[0].id)) << "until the contrary is known";
-    gate.release(workers().maxThreadCount());
-    EXPECT_NE(studio->prices().second, -1);
 }
