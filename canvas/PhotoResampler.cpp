@@ -13,7 +13,7 @@
 namespace {
 
 constexpr int weightBits = 14;
-constexpr int one = 1 << weightBits;
+constexpr int unitWeight = 1 << weightBits;
 
 // Catmull-Rom: the cubic of R. G. Keys (1981) with a = -0.5.
 double kernel(double x)
@@ -26,7 +26,7 @@ double kernel(double x)
     return 0;
 }
 
-// What each pixel of a stretch of the target takes from the source along one axis.
+// What each pixel of a stretch of the target takes from the source along unitWeight axis.
 struct Taps {
     struct Pixel {
         int first;       // source index
@@ -34,7 +34,7 @@ struct Taps {
         int weightAt;    // index of the first of `count` weights
     };
     std::vector<Pixel> pixels;
-    std::vector<int16_t> weights;    // in 1/one, adding up to one for each pixel
+    std::vector<int16_t> weights;    // in 1/unitWeight, adding up to unitWeight for each pixel
     int sourceBegin = 0, sourceEnd = 0;
 };
 
@@ -61,9 +61,9 @@ Taps tapsFor(int source, int target, int begin, int end)
         }
         const int count = int(share.size()) + int(share.size()) % 2;
         taps.pixels.push_back({first, count, int(taps.weights.size())});
-        int rest = one;
+        int rest = unitWeight;
         for (const double weight : share) {
-            const int fixed = int(std::lround(weight / sum * one));
+            const int fixed = int(std::lround(weight / sum * unitWeight));
             taps.weights.push_back(int16_t(fixed));
             rest -= fixed;
         }
@@ -79,7 +79,7 @@ Taps tapsFor(int source, int target, int begin, int end)
 
 uchar toByte(int sum)
 {
-    return uchar(std::clamp((sum + one / 2) >> weightBits, 0, 255));
+    return uchar(std::clamp((sum + unitWeight / 2) >> weightBits, 0, 255));
 }
 
 #if defined(__SSE2__)
@@ -93,7 +93,7 @@ __m128i pairOfWeights(const int16_t* weights)
 
 __m128i rounded(__m128i sums)
 {
-    return _mm_srai_epi32(_mm_add_epi32(sums, _mm_set1_epi32(one / 2)), weightBits);
+    return _mm_srai_epi32(_mm_add_epi32(sums, _mm_set1_epi32(unitWeight / 2)), weightBits);
 }
 
 // out[b] = sum over the taps of weight · row[b], for each byte b below `bytes`; rows come in pairs.

@@ -13,7 +13,7 @@ namespace {
 
 constexpr qsizetype longestEmail = 254, longestMailbox = 64;
 constexpr qsizetype shortestPassword = 8, longestPassword = 1000;
-constexpr qsizetype longestName = 120;
+constexpr qsizetype longestFullName = 120;
 
 std::optional<Account> firstOf(Rows rows)
 {
@@ -72,7 +72,7 @@ Account addAccount(Transaction& transaction, const QString& email, const QByteAr
 
 void setFullName(Transaction& transaction, qint64 account, const QString& fullName)
 {
-    const auto name = lineOfText(fullName, longestName);
+    const auto name = lineOfText(fullName, longestFullName);
     if (!name)
         throw Refusal(400, "invalid_profile", u"fullName must be at most 120 characters"_s);
     transaction.run("UPDATE account SET full_name = ? WHERE id = ?", {*name, account});

@@ -32,7 +32,7 @@ constexpr size_t largestBody = 161 << 20;
 // Bytes of bodies. Some is left for the one that is never kept waiting.
 constexpr qint64 receivedAtOnce = 256 << 20, handledAtOnce = 128 << 20;
 // A body is text, parsed text, a record and what the record holds.
-constexpr qint64 copiesOfBody = 6, smallBody = 1 << 20, bodyStep = 1 << 20;
+constexpr qint64 copiesOfBody = 6, uncountedBody = 1 << 20, bodyStep = 1 << 20;
 constexpr auto waitForMemory = 20'000ms;
 
 // Of the request that the thread is at.
@@ -197,7 +197,7 @@ private:
                 }
                 mayGoOn = request.get_header_value("Connection") != "close";
             });
-        if (qint64(stream.bodyBytes()) > smallBody)
+        if (qint64(stream.bodyBytes()) > uncountedBody)
             giveMemoryBack();
         // What was not read of a body would be taken for the next request.
         return isWhole && mayGoOn && !isClosed && announced && *announced >= 0 &&
@@ -302,7 +302,7 @@ private:
             if (!isApi(result.path))
                 result.form = fieldsOf(result.body);
             // Small ones never wait behind large ones.
-            if (result.body.size() > smallBody && !handling.grow(result.body.size() * copiesOfBody))
+            if (result.body.size() > uncountedBody && !handling.grow(result.body.size() * copiesOfBody))
                 throw Refusal(503, "service_busy");
             result.letGo = [&] {
                 result.body = {};
@@ -326,7 +326,7 @@ private:
             return body;    // the library would read until the connection ends
         body.reserve(qsizetype(std::max<qint64>(announced, 0)));
         bool isTooLarge = false, isRefused = false;
-        qint64 allowed = smallBody;
+        qint64 allowed = uncountedBody;
         const bool isWhole = reader([&](const char* data, size_t size) {
             const qint64 after = body.size() + qint64(size);
             isTooLarge = after > largest;

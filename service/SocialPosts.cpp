@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 mostPixels = 16'000'000;
-constexpr qsizetype longestCaption = 63'206, longestName = 80, longestRequestId = 200;
+constexpr qsizetype longestCaption = 63'206, longestDisplayName = 80, longestRequestId = 200;
 
 Refusal wrongRequest(const QString& reason)
 {
@@ -112,7 +112,7 @@ SocialNetwork knownNetwork(const QString& name)
 void connectNetwork(Transaction& transaction, qint64 account, SocialNetwork network,
                     const QString& displayName, qint64 now)
 {
-    const auto name = lineOfText(displayName, longestName);
+    const auto name = lineOfText(displayName, longestDisplayName);
     if (!name || name->isEmpty())
         throw Refusal(400, "invalid_display_name");
     transaction.run("INSERT INTO social_connection (account, network, display_name, connected)"

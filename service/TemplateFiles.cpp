@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype largestTemplate = 16 << 20;
-constexpr qsizetype longestName = 120;
+constexpr qsizetype longestFileName = 120;
 
 void checkName(const QString& name)
 {
@@ -19,7 +19,7 @@ void checkName(const QString& name)
         return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') ||
                QStringView(u"._-").contains(c);
     };
-    if (name.size() > longestName || name.startsWith(u'.') || !name.endsWith(u".json") ||
+    if (name.size() > longestFileName || name.startsWith(u'.') || !name.endsWith(u".json") ||
         !std::ranges::all_of(name, isSafe))
         throw Refusal(400, "invalid_template", u"the file name"_s);
 }

@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // What the parts of one export share.
-struct Run {
+struct ExportRun {
     ExportRequest request;
     ExportServices services;
     std::shared_ptr<ExportControl> control;
@@ -38,12 +38,12 @@ struct Run {
             control->progressed({stage, count, request.items.size()});
     }
 };
-using SharedRun = std::shared_ptr<Run>;
+using SharedRun = std::shared_ptr<ExportRun>;
 using Stage = ExportProgress::Stage;
 
 using Rendering = std::variant<RenderedOutput, RenderFailure>;
 
-Rendering renderedGuarded(const Run& run, const PublicationItem& item, const QString& file)
+Rendering renderedGuarded(const ExportRun& run, const PublicationItem& item, const QString& file)
 {
     // Pictures of many sizes, freed in another order, leave holes that add up.
     const auto tidy = qScopeGuard(&releaseFreedMemory);
@@ -55,7 +55,7 @@ Rendering renderedGuarded(const Run& run, const PublicationItem& item, const QSt
     }
 }
 
-void take(Run& run, qsizetype index, const Rendering& rendering)
+void take(ExportRun& run, qsizetype index, const Rendering& rendering)
 {
     if (const auto* output = std::get_if<RenderedOutput>(&rendering)) {
         run.rendered[std::size_t(index)] = *output;
@@ -100,7 +100,7 @@ QCoro::Task<> renderAll(SharedRun run)
         co_await lane;
 }
 
-void addressAll(Run& run)
+void addressAll(ExportRun& run)
 {
     for (std::size_t i = 0; i < run.rendered.size(); ++i)
         run.pending.append({run.request.destinations[qsizetype(i)], *run.rendered[i]});
@@ -141,7 +141,7 @@ QCoro::Task<bool> writeAll(SharedRun run)
     co_return true;
 }
 
-QList<RenderedOutput> outputsOf(const Run& run)
+QList<RenderedOutput> outputsOf(const ExportRun& run)
 {
     QList<RenderedOutput> outputs;
     for (const PendingExport& each : run.pending)
@@ -163,7 +163,7 @@ bool isAmong(const QSet<QString>& paid, const RenderedOutput& output)
 }
 
 // The items stay as they are: they may all share one set of a hundred thousand names.
-QList<RenderedOutput> unpaidOutputsOf(const Run& run)
+QList<RenderedOutput> unpaidOutputsOf(const ExportRun& run)
 {
     QList<RenderedOutput> unpaid = unpaidRenderedOutputs(outputsOf(run));
     if (run.services.paidMeanwhile) {
@@ -200,7 +200,7 @@ ChargedOperation chargeOf(const SharedRun& run, const QList<RenderedOutput>& unp
 
 using State = ExportOutcome::State;
 
-State stateOf(const Run& run, const ChargeResult& result)
+State stateOf(const ExportRun& run, const ChargeResult& result)
 {
     switch (result.state) {
     case ChargeResult::State::done:
@@ -213,7 +213,7 @@ State stateOf(const Run& run, const ChargeResult& result)
     Q_UNREACHABLE();
 }
 
-void take(ExportOutcome& outcome, const Run& run, const ChargeResult& result)
+void take(ExportOutcome& outcome, const ExportRun& run, const ChargeResult& result)
 {
     outcome.state = stateOf(run, result);
     outcome.isCharged = outcome.cost > 0 && outcome.state != State::notReserved;
@@ -347,7 +347,7 @@ QString ExportOutcome::sentence() const
 QCoro::Task<ExportOutcome> runExport(ExportRequest request, ExportServices services,
                                      std::shared_ptr<ExportControl> control)
 {
-    const auto run = std::make_shared<Run>();
+    const auto run = std::make_shared<ExportRun>();
     run->outcome.kind = request.kind;
     run->request = std::move(request);
     run->services = std::move(services);

@@ -34,7 +34,7 @@ Accepted acceptedItem(const QUrl& url, PhotoCache& cache, const PhotoImport::Con
 }
 
 // What the lanes of one import share.
-struct Run {
+struct ImportRun {
     QList<QUrl> photos;
     std::shared_ptr<PhotoCache> cache;
     std::shared_ptr<PhotoImport::Control> control;
@@ -61,7 +61,7 @@ struct Run {
 };
 
 // One photo after the other, until none is left.
-QCoro::Task<> lane(std::shared_ptr<Run> run)
+QCoro::Task<> lane(std::shared_ptr<ImportRun> run)
 {
     while (run->next < run->photos.size() && !run->control->stop) {
         const qsizetype index = run->next++;
@@ -84,7 +84,7 @@ PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCach
     // expression.
     QFuture<QList<QUrl>> listing =
         runOnWorker([filesAndFolders] { return photosIn(filesAndFolders); });
-    auto run = std::make_shared<Run>();
+    auto run = std::make_shared<ImportRun>();
     run->photos = co_await listing;
     run->cache = cache;
     run->control = control;

@@ -18,7 +18,7 @@ constexpr double hatchStep = 12, zoneDash = 4, zoneGap = 3;
 constexpr double ringGap = 2, ringWidth = 2;
 constexpr double labelLeft = 10, labelGap = 9, labelHeight = 18, labelPadding = 6;
 // Further out, in pixels, nothing can be seen; a frame from a file may hold any number.
-constexpr double farAway = 30000;
+constexpr double farthestDrawn = 30000;
 
 QFont labelFont(QFont::Weight weight, int pixels)
 {
@@ -65,7 +65,7 @@ QRect CanvasOverlay::toScreen(const QRectF& rect) const
 {
     const auto pixel = [this](double logical) {
         const double at = logical * m_ratio;
-        return int(std::lround(at > -farAway ? std::min(at, farAway) : -farAway));
+        return int(std::lround(at > -farthestDrawn ? std::min(at, farthestDrawn) : -farthestDrawn));
     };
     const int left = pixel(rect.left()), top = pixel(rect.top());
     return QRect(left, top, std::max(pixel(rect.right()) - left, 0),
