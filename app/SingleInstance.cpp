@@ -18,8 +18,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int longestWait = 10000, retryPause = 40;    // ms
-constexpr qsizetype longestMessage = 16 << 20;         // a folder's worth of paths many times over
+constexpr int instanceLongestWait = 10000, retryPause = 40;    // ms
+constexpr qsizetype longestMessage = 16 << 20;    // a folder's worth of paths many times over
 const QByteArray answer = "1";
 
 QString lockPath(const QString& folder)
@@ -48,10 +48,10 @@ bool handOver(const QString& path, const QList<QUrl>& toOpen)
     QDataStream stream(&socket);
     stream << message;
     while (socket.bytesToWrite() > 0) {
-        if (!socket.waitForBytesWritten(longestWait))
+        if (!socket.waitForBytesWritten(instanceLongestWait))
             return false;
     }
-    return socket.waitForReadyRead(longestWait) && socket.readAll() == answer;
+    return socket.waitForReadyRead(instanceLongestWait) && socket.readAll() == answer;
 }
 
 }    // namespace
@@ -61,7 +61,7 @@ InstanceClaim claimInstance(const QString& dataFolder, const QList<QUrl>& toOpen
     using enum InstanceClaim::Outcome;
     const QString socket = socketPath(dataFolder);
     QElapsedTimer watch;
-    for (watch.start(); watch.elapsed() < longestWait; QThread::msleep(retryPause)) {
+    for (watch.start(); watch.elapsed() < instanceLongestWait; QThread::msleep(retryPause)) {
         auto lock = std::make_unique<SystemLock>(lockPath(dataFolder));
         if (lock->isOurs())
             return {first, std::move(lock)};
@@ -108,7 +108,7 @@ void SingleInstance::greet(QLocalSocket* socket)
     connect(socket, &QLocalSocket::readyRead, this, [this, socket] { read(socket); });
     connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
     connect(socket, &QObject::destroyed, this, [this, socket] { m_received.remove(socket); });
-    QTimer::singleShot(longestWait, socket, [socket] { socket->abort(); });
+    QTimer::singleShot(instanceLongestWait, socket, [socket] { socket->abort(); });
     read(socket);
 }
 

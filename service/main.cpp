@@ -30,7 +30,7 @@ namespace {
 
 enum ExitCode { exitDone, exitFailed, exitWrongUse, exitRunning };
 
-constexpr int endingWait = 6000, retryPause = 40;    // ms
+constexpr int endingWait = 6000, startRetryPause = 40;    // ms
 
 void tell(const QString& sentence)
 {
@@ -125,7 +125,7 @@ bool somebodyAnswers(const QString& folder)
     const QString path = serviceSocketPath(folder);
     QLocalSocket socket;
     socket.connectToServer(path);
-    return !path.isEmpty() && socket.waitForConnected(retryPause) && leadsToOwnUser(socket) &&
+    return !path.isEmpty() && socket.waitForConnected(startRetryPause) && leadsToOwnUser(socket) &&
            socket.waitForReadyRead(1000);
 }
 
@@ -138,7 +138,7 @@ std::unique_ptr<SystemLock> claimed(const QString& folder)
     watch.start();
     while (lock->state() == SystemLock::State::others && watch.elapsed() < endingWait &&
            !somebodyAnswers(folder)) {
-        QThread::msleep(retryPause);
+        QThread::msleep(startRetryPause);
         lock = std::make_unique<SystemLock>(file);
     }
     return lock;
