@@ -175,8 +175,9 @@ TEST_F(ProgramTest, aLostLedgerIsToldBeforeAnotherBegins)
     EXPECT_EQ(startAndEnd(), QString()) << "the user knows";
     for (const bool isEmpty : {false, true}) {
         ASSERT_TRUE(QFile::remove(file));
-        if (isEmpty)
+        if (isEmpty) {
             EXPECT_TRUE(QFile(file).open(QIODevice::WriteOnly));
+        }
         EXPECT_TRUE(startAndEnd().contains(u"ha desaparecido"_s));
         EXPECT_EQ(startAndEnd(), QString());
     }
