@@ -9,10 +9,12 @@
 #include <QFileInfo>
 #include <QProcess>
 
-#include <csignal>
+#include <cerrno>
 #include <utility>
 
-#include <sys/wait.h>
+#include <poll.h>
+#include <sys/pidfd.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -29,11 +31,16 @@ bool createPrivately(const QString& folder)
     return QDir(folder).exists() || (QDir().mkpath(folder) && QFile::setPermissions(folder, owner));
 }
 
-// Whoever has nobody above it, as in a container, gets the process as a child of its own.
+// Also one whose end nobody has taken note of yet. Never true where the system cannot tell.
 bool hasEnded(qint64 process)
 {
-    const pid_t id = pid_t(process);
-    return ::waitpid(id, nullptr, WNOHANG) == id || ::kill(id, 0) != 0;
+    const int handle = ::pidfd_open(pid_t(process), 0);
+    if (handle < 0)
+        return errno == ESRCH;
+    pollfd ending{handle, POLLIN, 0};
+    const bool is = ::poll(&ending, 1, 0) > 0;
+    ::close(handle);
+    return is;
 }
 
 }    // namespace

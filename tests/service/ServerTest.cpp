@@ -188,7 +188,7 @@ TEST(Server, ofOneUserHearsNobodyElse)
     upload->waitForBytesWritten();
     const std::string request =
         "GET / HTTP/1.1\r\nHost: " + service.address().substr(7) + "\r\n\r\n";
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 200; ++i)
         ASSERT_EQ(requestAsNobody(service.port(), request.c_str(), 1 + i % 100), 0);
     upload->write(body.mid(10));
     EXPECT_TRUE(upload->waitForReadyRead());
