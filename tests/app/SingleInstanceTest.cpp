@@ -1,6 +1,7 @@
 #include "app/SingleInstance.h"
 
 #include "tests/Nobody.h"
+#include "tests/RuntimeFolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,18 +22,8 @@ namespace {
 
 class SingleInstanceTest : public testing::Test {
 protected:
-    void SetUp() override { qputenv("XDG_RUNTIME_DIR", folder.path().toLocal8Bit()); }
-    void TearDown() override
-    {
-        if (m_before.isNull())
-            qunsetenv("XDG_RUNTIME_DIR");
-        else
-            qputenv("XDG_RUNTIME_DIR", m_before);
-    }
     const QTemporaryDir folder;
-
-private:
-    const QByteArray m_before = qgetenv("XDG_RUNTIME_DIR");
+    const RuntimeFolder runtime{folder.path()};
 };
 
 QString socketIn(const QTemporaryDir& folder)

@@ -1,5 +1,6 @@
 #include "platform/StagingFolder.h"
 #include "platform/PrivateSocket.h"
+#include "tests/RuntimeFolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -88,9 +89,8 @@ TEST(SystemLock, IsFreeWhateverAnEndedProcessLeft)
 TEST(PrivateSocket, StandsInAFolderThatIsTheUsersAlone)
 {
     const QTemporaryDir runtime, data, shared;
-    const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
     const auto pathWith = [&](const QString& folder, const QString& dataFolder) {
-        qputenv("XDG_RUNTIME_DIR", folder.toLocal8Bit());
+        const RuntimeFolder given(folder);
         return privateSocketPath(u"x.socket"_s, dataFolder);
     };
     EXPECT_EQ(pathWith(runtime.path(), data.path()), runtime.filePath(u"x.socket"_s));
@@ -113,8 +113,4 @@ TEST(PrivateSocket, StandsInAFolderThatIsTheUsersAlone)
     }
     if (::geteuid() == 0 && ::chown(runtime.path().toLocal8Bit().constData(), 65534, 65534) == 0)
         EXPECT_EQ(pathWith(runtime.path(), data.path()), beside + u"/x.socket"_s) << "another's";
-    if (before.isNull())
-        qunsetenv("XDG_RUNTIME_DIR");
-    else
-        qputenv("XDG_RUNTIME_DIR", before);
 }

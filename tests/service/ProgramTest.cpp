@@ -1,5 +1,6 @@
 #include "account/ServiceRendezvous.h"
 #include "service/Rendezvous.h"
+#include "tests/RuntimeFolder.h"
 
 #include <QFile>
 #include <QLocalSocket>
@@ -22,15 +23,6 @@ bool hasEnded(QProcess& program)
 // Where the toolkit has its sockets is a matter of the environment, here of a folder of the test.
 class ProgramTest : public testing::Test {
 protected:
-    void SetUp() override { qputenv("XDG_RUNTIME_DIR", m_runtime.path().toLocal8Bit()); }
-    void TearDown() override
-    {
-        if (m_before.isNull())
-            qunsetenv("XDG_RUNTIME_DIR");
-        else
-            qputenv("XDG_RUNTIME_DIR", m_before);
-    }
-
     void start(QProcess& program, const QStringList& more = {})
     {
         program.start(QStringLiteral(MOLTIVA_SERVICE), QStringList{u"--data"_s, data()} + more);
@@ -38,8 +30,8 @@ protected:
     }
     QString data() const { return m_data.filePath(u"datos"_s); }
 
-    const QByteArray m_before = qgetenv("XDG_RUNTIME_DIR");
     QTemporaryDir m_runtime, m_data;
+    const RuntimeFolder m_runtimeFolder{m_runtime.path()};
 };
 
 }    // namespace

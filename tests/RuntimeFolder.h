@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+// While it lives, programs and this one find the user's runtime folder there, or none.
+class RuntimeFolder {
+public:
+    explicit RuntimeFolder(const QString& path) { qputenv(variable, path.toLocal8Bit()); }
+    ~RuntimeFolder()
+    {
+        if (m_before.isNull())
+            qunsetenv(variable);
+        else
+            qputenv(variable, m_before);
+    }
+    RuntimeFolder(const RuntimeFolder&) = delete;
+    RuntimeFolder& operator=(const RuntimeFolder&) = delete;
+
+private:
+    static constexpr const char* variable = "XDG_RUNTIME_DIR";
+    const QByteArray m_before = qgetenv(variable);
+};
