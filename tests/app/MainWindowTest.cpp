@@ -369,7 +369,7 @@ TEST_F(MainWindowTest, anEditorKeepsItsKeysAndFollowsTheImage)
     QTest::keyClick(canvas(), Qt::Key_Delete);
     EXPECT_FALSE(current().layers[1].isVisible);
     session.selectLayer(current().layers[0].id);
-    QTest::keyClick(canvas(), Qt::Key_Backspace);
+    QTest::keyClick(&window, Qt::Key_Backspace);
     EXPECT_FALSE(current().layers[0].isVisible);
 }
 
