@@ -517,9 +517,9 @@ void StudioSession::setText(CopySlot slot, const QString& text, Pace pace)
         pace);
 }
 
-void StudioSession::editLayer(const TextLayer& layer, LayerEdits::AlongFlags along, Pace pace)
+void StudioSession::editLayer(const TextLayer& layer, LayerEdits::Copied copied, Pace pace)
 {
-    change([&](Batch& batch) { LayerEdits::editLayer(batch, layer, along); }, pace);
+    change([&](Batch& batch) { LayerEdits::editLayer(batch, layer, copied); }, pace);
 }
 
 void StudioSession::editShape(const ShapeLayer& shape, Pace pace)
@@ -534,8 +534,8 @@ void StudioSession::setPlacement(const ImagePlacement& placement, Pace pace)
             if (!batch.currentItem())
                 return;
             PublicationItem& item = batch.items.edit(batch.selectedIndex);
-            item.placement = ImagePlacementGeometry::clamped(placement, item.image.size,
-                                                             designSize(batch.format));
+            item.placement = ImagePlacementGeometry::moved(item.placement, placement,
+                                                           item.image.size, batch.format);
         },
         pace);
 }
