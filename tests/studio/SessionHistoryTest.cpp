@@ -69,7 +69,7 @@ protected:
     {
         TextLayer layer = title();
         layer.fontScale = scale;
-        session->editLayer(layer, {}, pace);
+        session->editLayer(layer, LayerEdits::Copied::style, pace);
     }
     // An undo is over only when the loop has turned.
     void undo()
