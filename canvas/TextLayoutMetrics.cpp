@@ -23,13 +23,16 @@ bool isColourEmoji(QStringView cluster)
 {
     if (cluster.contains(asEmoji))
         return true;
-    // A plain sign in front is coloured by what follows it, as a hand is by its skin.
     const QList<uint> characters = cluster.toUcs4();
-    return u_hasBinaryProperty(UChar32(characters.first()), UCHAR_EXTENDED_PICTOGRAPHIC) &&
-           std::ranges::any_of(
-               characters,
-               [](uint c) { return u_hasBinaryProperty(UChar32(c), UCHAR_EMOJI_PRESENTATION); }) &&
-           !cluster.contains(asText);
+    const auto isPresented = [](uint c) {
+        return u_hasBinaryProperty(UChar32(c), UCHAR_EMOJI_PRESENTATION);
+    };
+    // A plain sign in front is coloured by what follows it, as a hand is by its skin.
+    const bool isPicture =
+        isPresented(characters.first()) ||
+        (u_hasBinaryProperty(UChar32(characters.first()), UCHAR_EXTENDED_PICTOGRAPHIC) &&
+         std::ranges::any_of(characters, isPresented));
+    return isPicture && !cluster.contains(asText);
 }
 
 struct LayoutText {
