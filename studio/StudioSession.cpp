@@ -585,7 +585,9 @@ void StudioSession::endCanvasHistoryEdit(QUuid movedLayer)
         LayerEdits::syncCurrentCanvasEditsToSelectedItems(batch, movedLayer);
     });
     const Batch before = *m_history.endCanvasEdit();
-    registerUndo(before, StudioHistory::Changes::single);
+    // What only selected another layer, as a pan that moves nothing does, is no step.
+    if (!(before.items == m_batch.items))
+        registerUndo(before, StudioHistory::Changes::single);
     saveAfter(Pace::once);
 }
 
