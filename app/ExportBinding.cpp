@@ -176,6 +176,8 @@ bool ExportBinding::delaysClosing()
 void ExportBinding::openFolder()
 {
     const QString folder = m_session.statusFolder();
+    if (folder.isEmpty())
+        return;
     // Some systems say that they opened what is not there any more.
     if (!QFileInfo(folder).isDir() || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
         m_session.setStatus(u"No se ha podido abrir la carpeta."_s, StatusTone::problem);

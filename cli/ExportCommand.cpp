@@ -75,7 +75,7 @@ public:
         const auto imported = importPhotos();
         if (!imported)
             return ended(stopped(), pathsOf(m_options.photos));
-        const PreparedBatch batch = prepared(*imported);
+        const PreparedBatch batch = prepared(imported->items);
         const auto price = priceOf(batch.items);
         if (!price)
             return ended(stopped(), photosOf(batch));
@@ -126,7 +126,7 @@ private:
         return outcome;
     }
 
-    std::optional<PublicationItems> importPhotos()
+    std::optional<PhotoImport::Imported> importPhotos()
     {
         m_import->progressed = [this](const PhotoImport::Progress& progress) {
             m_report.showProgress(u"Leyendo imagen"_s, progress.looked, progress.total);

@@ -16,6 +16,7 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
+#include <QScopedValueRollback>
 #include <QTimer>
 
 #include <functional>
@@ -53,9 +54,12 @@ public:
     StatusTone statusTone() const { return m_statusTone; }
     // The folder of the files that the status tells of; empty for none.
     const QString& statusFolder() const { return m_statusFolder; }
-    // Also for who works with the session.
+    // The names of what the status only counts; empty for nothing.
+    const QStringList& statusDetails() const { return m_statusDetails; }
+    // Also for who works with the session. A sentence is gone with the next change of the batch,
+    // unless it was told in the same turn of the event loop; a problem that is not read yet stays.
     void setStatus(const QString& status, StatusTone tone = StatusTone::info,
-                   const QString& folder = {});
+                   const QString& folder = {}, const QStringList& details = {});
     CopyGenerationMode generationMode() const { return m_generationMode; }
     // The signed-in account; outlives the session.
     AccountSession* accountSession() const { return m_accountSession; }
@@ -192,8 +196,23 @@ Q_SIGNALS:
 private:
     enum class Restore { notYet, running, done };
 
+    // While it lives, changes are what work that ran meanwhile brings back: a step of their own, no
+    // part of a gesture or of typing before or after them, and recorded also in the turn of an
+    // undo.
+    class ResultStep {
+    public:
+        explicit ResultStep(StudioSession& session);
+        ~ResultStep();
+        Q_DISABLE_COPY_MOVE(ResultStep)
+
+    private:
+        StudioSession& m_session;
+        const QScopedValueRollback<bool> m_isRecorded;
+    };
+
     template <typename Change>
     void change(Change apply, Pace pace = Pace::once);
+    void forgetOldStatus();
     void registerUndo(const Batch& before, StudioHistory::Changes changes);
     void applyHistorySnapshot(StudioHistorySnapshot snapshot);
     Batch withPaymentsOfNow(Batch batch) const;
@@ -209,7 +228,7 @@ private:
     static QCoro::Task<> runImport(QPointer<StudioSession> session, QList<QUrl> urls,
                                    std::shared_ptr<PhotoCache> photos,
                                    std::shared_ptr<PhotoImport::Control> control);
-    void finishImport(const std::optional<PublicationItems>& items);
+    void finishImport(const std::optional<PhotoImport::Imported>& imported);
 
     std::shared_ptr<PhotoCache> m_photos;
     PreferencesStore& m_preferences;
@@ -230,7 +249,9 @@ private:
     QString m_status;
     StatusTone m_statusTone = StatusTone::info;
     QString m_statusFolder;
+    QStringList m_statusDetails;
     QElapsedTimer m_statusTold;
+    bool m_isStatusOfThisTurn = false;
     AccountSession* m_accountSession = nullptr;
     std::optional<AccountPanelDestination> m_accountPanel;
     bool m_isAppSettingsPresented = false;
