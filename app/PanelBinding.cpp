@@ -75,15 +75,16 @@ void PanelBinding::connectTexts()
         if (const TextLayer* layer = layerOf(slot)) {
             TextLayer changed = *layer;
             changed.isVisible = !changed.isVisible;
-            m_session.editLayer(changed, LayerEdits::Along::visibility);
+            m_session.editLayer(changed, LayerEdits::Copied::visibility);
         }
     });
     connect(texts, &TextPanel::slotFocused, this, [this, layerOf](CopySlot slot) {
         if (const TextLayer* layer = layerOf(slot))
             m_session.selectLayer(layer->id);
     });
-    connect(texts, &TextPanel::layerEdited, this,
-            [this](const TextLayer& layer, Pace pace) { m_session.editLayer(layer, {}, pace); });
+    connect(texts, &TextPanel::layerEdited, this, [this](const TextLayer& layer, Pace pace) {
+        m_session.editLayer(layer, LayerEdits::Copied::style, pace);
+    });
     connect(texts, &TextPanel::colorUsed, this, &PanelBinding::remember);
     connect(texts, &TextPanel::copyStyleRequested, &m_session, &StudioSession::copyStyle);
     connect(texts, &TextPanel::pasteStyleRequested, &m_session, &StudioSession::pasteStyle);

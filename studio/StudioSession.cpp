@@ -553,9 +553,9 @@ void StudioSession::setText(CopySlot slot, const QString& text, Pace pace)
         pace);
 }
 
-void StudioSession::editLayer(const TextLayer& layer, LayerEdits::AlongFlags along, Pace pace)
+void StudioSession::editLayer(const TextLayer& layer, LayerEdits::Copied copied, Pace pace)
 {
-    change([&](Batch& batch) { LayerEdits::editLayer(batch, layer, along); }, pace);
+    change([&](Batch& batch) { LayerEdits::editLayer(batch, layer, copied); }, pace);
 }
 
 void StudioSession::editShape(const ShapeLayer& shape, Pace pace)
@@ -570,8 +570,8 @@ void StudioSession::setPlacement(const ImagePlacement& placement, Pace pace)
             if (!batch.currentItem())
                 return;
             PublicationItem& item = batch.items.edit(batch.selectedIndex);
-            item.placement = ImagePlacementGeometry::clamped(placement, item.image.size,
-                                                             designSize(batch.format));
+            item.placement = ImagePlacementGeometry::moved(item.placement, placement,
+                                                           item.image.size, batch.format);
         },
         pace);
 }
@@ -621,7 +621,9 @@ void StudioSession::endCanvasHistoryEdit(QUuid movedLayer)
     const Batch before = *m_history.endCanvasEdit();
     if (before == m_batch)
         return;
-    registerUndo(before, StudioHistory::Changes::single);
+    // What only selected another layer, as a pan that moves nothing does, is no step.
+    if (!(before.items == m_batch.items))
+        registerUndo(before, StudioHistory::Changes::single);
     saveAfter(Pace::once);
     Q_EMIT batchChanged();    // last: who hears of it asks for the step, too
 }

@@ -123,8 +123,9 @@ public:
     void setCurrentItem(const PublicationItem& item, Pace pace = Pace::once);
     // The text of the current item alone. Typing into a hidden one shows it.
     void setText(CopySlot slot, const QString& text, Pace pace = Pace::once);
-    // An edit of a layer of the current item, which reaches the other selected items.
-    void editLayer(const TextLayer& layer, LayerEdits::AlongFlags along = {},
+    // An edit of a layer of the current item; what is copied of it reaches the other selected
+    // items.
+    void editLayer(const TextLayer& layer, LayerEdits::Copied copied = LayerEdits::Copied::style,
                    Pace pace = Pace::once);
     void editShape(const ShapeLayer& shape, Pace pace = Pace::once);
     void setPlacement(const ImagePlacement& placement, Pace pace = Pace::once);

@@ -157,9 +157,7 @@ private:
         default:
             layer.isVisible = !layer.isVisible;
         }
-        m_session.editLayer(layer, below(2) == 0
-                                       ? LayerEdits::AlongFlags()
-                                       : LayerEdits::Along::frame | LayerEdits::Along::visibility);
+        m_session.editLayer(layer, LayerEdits::Copied(below(3)));
     }
 
     void editShape()

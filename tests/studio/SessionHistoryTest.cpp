@@ -69,7 +69,7 @@ protected:
     {
         TextLayer layer = title();
         layer.fontScale = scale;
-        session->editLayer(layer, {}, pace);
+        session->editLayer(layer, LayerEdits::Copied::style, pace);
     }
     // An undo is over only when the loop has turned.
     void undo()
@@ -145,6 +145,18 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     session->endCanvasHistoryEdit(moved.layers[0].id);
     EXPECT_EQ(batch().items[1].layers[0].frame.x, 0.05);
     EXPECT_EQ(stored().items[2].layers[0].frame.x, 0.05);
+
+    // A pan that moves nothing lets go of the layer, and is no step that wipes what may be redone.
+    undo();
+    session->selectLayer(moved.layers[1].id);
+    session->beginCanvasHistoryEdit();
+    session->commitCanvasItem(*batch().currentItem());
+    session->selectLayer(QUuid());
+    session->endCanvasHistoryEdit({});
+    EXPECT_TRUE(session->canRedo());
+    session->selectLayer(before.selectedLayerID);
+    redo();
+    EXPECT_EQ(batch().items[1].layers[0].frame.x, 0.05);
 
     // What the canvas hides or removes goes everywhere as well.
     now += 1s;

@@ -269,6 +269,29 @@ TEST_F(ViewTest, marksAreDrawnOverThePictureAndNeverInIt)
     EXPECT_EQ(m_view.canvasBuffer(), picture);
 }
 
+TEST_F(ViewTest, aPressMarksAtOnceAndReportsWhenItIsReleased)
+{
+    const auto hasHandle = [this](QPointF corner) {
+        return m_view.grab().toImage().pixelColor(corner.toPoint() + QPoint(-6, -6)) ==
+               QColor(Qt::white);
+    };
+    const QPointF shape = at(0.4, 0.9), text = at(0.6, 0.3);
+    m_view.setSelectedLayerID(m_item.shapeLayers[0].id);
+    ASSERT_TRUE(hasHandle(shape));
+    send(m_view, QEvent::MouseButtonPress, at(0.3, 0.2));
+    EXPECT_TRUE(hasHandle(text) && !hasHandle(shape));
+    send(m_view, QEvent::MouseMove, at(0.3, 0.2) + QPointF(60, 0));
+    EXPECT_TRUE(hasHandle(text + QPointF(60, 0)) && !hasHandle(shape));
+    EXPECT_EQ(selected(), m_item.shapeLayers[0].id);
+    type(m_view, Qt::Key_Escape);
+    EXPECT_TRUE(hasHandle(shape) && !hasHandle(text)) << "taken back";
+    send(m_view, QEvent::MouseButtonRelease, at(0.3, 0.2));
+    send(m_view, QEvent::MouseButtonPress, at(0.9, 0.5));
+    EXPECT_FALSE(hasHandle(shape)) << "the photo is held";
+    send(m_view, QEvent::MouseButtonRelease, at(0.9, 0.5));
+    EXPECT_TRUE(selected().isNull());
+}
+
 TEST_F(ViewTest, aNotchOfTheWheelIsATenthAndSidewaysCountsToo)
 {
     const auto zoom = [this] { return m_view.interaction().item()->placement.zoom; };
