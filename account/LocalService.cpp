@@ -2,46 +2,45 @@
 
 #include "account/ServiceRendezvous.h"
 #include "platform/HttpClient.h"
+#include "platform/UserFolders.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 
+#include <cerrno>
 #include <utility>
+
+#include <poll.h>
+#include <sys/pidfd.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr std::chrono::milliseconds retryPause{40};
-constexpr qint64 longestLine = 200;
+constexpr qint64 longestLine = 200, longestReason = 400;    // bytes, characters
 
 constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
 
 // The folder's name is part of the socket's, so it must exist to be looked up.
-void createPrivately(const QString& folder)
+bool createPrivately(const QString& folder)
 {
-    if (!QDir(folder).exists() && QDir().mkpath(folder))
-        QFile::setPermissions(folder, owner);
+    return QDir(folder).exists() || (QDir().mkpath(folder) && QFile::setPermissions(folder, owner));
 }
 
-// Why it could not start, should it not.
-QString logFile(const QString& data)
+// Also one whose end nobody has taken note of yet. Never true where the system cannot tell.
+bool hasEnded(qint64 process)
 {
-    return QDir(data).filePath(u"servicio.log"_s);
-}
-
-bool launch(const QString& program, const QString& data, const QString& administrator)
-{
-    QProcess process;
-    process.setProgram(program);
-    process.setArguments({u"--data"_s, data, u"--port"_s, u"0"_s, u"--until-unused"_s,
-                          u"--administrator"_s, administrator});
-    process.setWorkingDirectory(data);    // not to hold on to the user's
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.setStandardErrorFile(logFile(data));
-    return process.startDetached();
+    const int handle = ::pidfd_open(pid_t(process), 0);
+    if (handle < 0)
+        return errno == ESRCH;
+    pollfd ending{handle, POLLIN, 0};
+    const bool is = ::poll(&ending, 1, 0) > 0;
+    ::close(handle);
+    return is;
 }
 
 }    // namespace
@@ -49,19 +48,25 @@ bool launch(const QString& program, const QString& data, const QString& administ
 LocalService::LocalService(Place place, QObject* parent)
     : QObject(parent), m_place(std::move(place))
 {
+    connect(&m_socket, &QLocalSocket::connected, this, [this] {
+        if (!leadsToOwnUser(m_socket))
+            settle(u"en su lugar está el programa de otro usuario de este equipo."_s);
+    });
     connect(&m_socket, &QLocalSocket::readyRead, this, &LocalService::read);
     connect(&m_socket, &QLocalSocket::errorOccurred, this, &LocalService::lost);
     m_retry.setSingleShot(true);
     m_retry.callOnTimeout(this, &LocalService::connectAgain);
     m_giveUp.setSingleShot(true);
-    m_giveUp.callOnTimeout(this, &LocalService::settle);
+    m_giveUp.callOnTimeout(this, [this] {
+        settle(u"no contesta. Lo que haya dejado escrito está en %1."_s.arg(logFile()));
+    });
 }
 
 LocalService::~LocalService()
 {
     m_socket.disconnect(this);
     m_address.clear();
-    settle();    // who waits learns that there is none
+    settle(u"se ha dejado de esperar."_s);
 }
 
 QCoro::Task<QUrl> LocalService::address(std::stop_token stop)
@@ -77,8 +82,9 @@ QCoro::Task<QUrl> LocalService::address(std::stop_token stop)
     if (stop.stop_requested())
         throw TransportError::stopped();
     if (m_address.isEmpty()) {
-        throw TransportError(TransportError::Kind::unreachable,
-                             u"No se ha podido arrancar el servicio local de cuentas."_s);
+        throw TransportError(
+            TransportError::Kind::unreachable,
+            u"No se ha podido arrancar el servicio local de cuentas: %1"_s.arg(m_problem));
     }
     const QUrl found = m_address;    // a member would be moved away: the result takes any lvalue
     co_return found;
@@ -87,28 +93,42 @@ QCoro::Task<QUrl> LocalService::address(std::stop_token stop)
 void LocalService::begin()
 {
     m_isStarting = true;
-    m_isLaunched = false;
-    createPrivately(m_place.data);
+    m_isLastLook = false;
+    m_process = 0;
     m_giveUp.start(m_place.longestStart);
     m_retry.start(0);    // never settled before anybody can wait for it
 }
 
 void LocalService::connectAgain()
 {
+    if (!createPrivately(m_place.data)) {
+        settle(u"no se puede crear la carpeta %1: %2."_s.arg(
+            m_place.data, whyNotWritable(QFileInfo(m_place.data).path())));
+        return;
+    }
+    const QString path = serviceSocketPath(m_place.data);
+    if (path.isEmpty()) {
+        settle(u"ni XDG_RUNTIME_DIR es una carpeta tuya y privada ni cabe un socket en %1."_s.arg(
+            m_place.data));
+        return;
+    }
     m_socket.abort();
-    m_socket.connectToServer(serviceSocketPath(m_place.data), QIODevice::ReadOnly);
+    m_socket.connectToServer(path, QIODevice::ReadOnly);
 }
 
 void LocalService::read()
 {
     if (!m_socket.canReadLine()) {
         if (m_socket.bytesAvailable() > longestLine)
-            settle();
+            settle(u"da una dirección que no sirve."_s);
         return;
     }
     const QUrl given(QString::fromUtf8(m_socket.readLine(longestLine)).trimmed(), QUrl::StrictMode);
-    if (isLoopback(given.host()))
-        m_address = given;
+    if (!isLoopback(given.host())) {
+        settle(u"da una dirección que no sirve."_s);
+        return;
+    }
+    m_address = given;
     settle();
 }
 
@@ -118,19 +138,62 @@ void LocalService::lost()
     m_address.clear();
     if (!m_isStarting)
         return;    // started again when it is next needed
-    if (!m_isLaunched) {
-        m_isLaunched = true;
-        if (!launch(m_place.program, m_place.data, m_place.administrator)) {
-            settle();
-            return;
-        }
+    if (m_process == 0 && !launch())
+        return;
+    // One that found another at work ends as well; that one answers by now.
+    if (hasEnded(m_process) && std::exchange(m_isLastLook, true)) {
+        settle(reasonInLog());
+        return;
     }
     m_retry.start(retryPause);
 }
 
-void LocalService::settle()
+bool LocalService::launch()
+{
+    if (!QFile(logFile()).open(QIODevice::WriteOnly)) {
+        settle(
+            u"no se puede escribir en %1: %2."_s.arg(m_place.data, whyNotWritable(m_place.data)));
+        return false;
+    }
+    QProcess process;
+    process.setProgram(m_place.program);
+    process.setArguments({u"--data"_s, m_place.data, u"--port"_s, u"0"_s, u"--until-unused"_s,
+                          u"--administrator"_s, m_place.administrator});
+    process.setWorkingDirectory(m_place.data);    // not to hold on to the user's
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(logFile());
+    if (process.startDetached(&m_process))
+        return true;
+    settle(u"no se puede ejecutar %1."_s.arg(m_place.program));
+    return false;
+}
+
+QString LocalService::logFile() const
+{
+    return QDir(m_place.data).filePath(u"servicio.log"_s);
+}
+
+// Its last line: the service's own sentence, or what kept the system from running it.
+QString LocalService::reasonInLog() const
+{
+    QFile log(logFile());
+    const QString all =
+        log.open(QIODevice::ReadOnly) ? QString::fromUtf8(log.readAll()) : QString();
+    QString reason = all.trimmed().section(u'\n', -1).right(longestReason);
+    const QString mark = u"moltiva-service: "_s;
+    if (reason.startsWith(mark))
+        reason.remove(0, mark.size());
+    if (!reason.isEmpty())
+        return reason;
+    return u"ha terminado sin dejar dicho por qué (%1)."_s.arg(
+        whyNotWritable(m_place.data, logFile()));
+}
+
+void LocalService::settle(const QString& problem)
 {
     m_isStarting = false;
+    m_problem = problem;
     m_giveUp.stop();
     m_retry.stop();
     if (m_address.isEmpty())

@@ -29,7 +29,8 @@ public:
     explicit LocalService(Place place, QObject* parent = nullptr);
     ~LocalService() override;
 
-    // Throws TransportError when it cannot be started, or does not answer.
+    // Throws TransportError when it cannot be started, or does not answer; with the reason, as far
+    // as it left one.
     QCoro::Task<QUrl> address(std::stop_token stop = {});
     // Empty while it does not run.
     const QUrl& knownAddress() const { return m_address; }
@@ -39,12 +40,18 @@ private:
     void connectAgain();
     void read();
     void lost();
-    void settle();    // an attempt to reach it has ended, well or not
+    // An attempt to reach it has ended, well when there is no problem.
+    void settle(const QString& problem = {});
+    bool launch();
+    QString logFile() const;
+    QString reasonInLog() const;
 
     const Place m_place;
     QLocalSocket m_socket;    // held open: it tells the service that it is needed
     QTimer m_retry, m_giveUp;
     QUrl m_address;
+    QString m_problem;       // of the last attempt, as the end of a Spanish sentence
+    qint64 m_process = 0;    // that was started in this attempt
     QList<std::shared_ptr<Completion>> m_waiting;
-    bool m_isStarting = false, m_isLaunched = false;
+    bool m_isStarting = false, m_isLastLook = false;
 };

@@ -1,5 +1,7 @@
 #include "app/SingleInstance.h"
 
+#include "platform/PrivateSocket.h"
+
 #include <QCryptographicHash>
 #include <QDataStream>
 #include <QDir>
@@ -26,19 +28,19 @@ QString lockPath(const QString& folder)
 }
 
 // Its own for each place of data: the socket belongs to who holds the lock there.
-QString socketPath(const InstanceFolders& folders)
+QString socketPath(const QString& dataFolder)
 {
-    const QByteArray place = QCryptographicHash::hash(QDir(folders.data).canonicalPath().toUtf8(),
-                                                      QCryptographicHash::Sha1);
-    return QDir(folders.runtime)
-        .filePath(u"moltiva-%1.socket"_s.arg(QString::fromLatin1(place.toHex().left(8))));
+    const QString folder = QDir(dataFolder).canonicalPath();
+    const QByteArray place = QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1);
+    return privateSocketPath(u"moltiva-%1.socket"_s.arg(QString::fromLatin1(place.toHex().left(8))),
+                             folder);
 }
 
-bool handOver(const InstanceFolders& folders, const QList<QUrl>& toOpen)
+bool handOver(const QString& path, const QList<QUrl>& toOpen)
 {
     QLocalSocket socket;
-    socket.connectToServer(socketPath(folders));
-    if (!socket.waitForConnected(retryPause))
+    socket.connectToServer(path);
+    if (!socket.waitForConnected(retryPause) || !leadsToOwnUser(socket))
         return false;
     QByteArray message;
     QDataStream writer(&message, QIODevice::WriteOnly);
@@ -54,19 +56,22 @@ bool handOver(const InstanceFolders& folders, const QList<QUrl>& toOpen)
 
 }    // namespace
 
-InstanceClaim claimInstance(const InstanceFolders& folders, const QList<QUrl>& toOpen)
+InstanceClaim claimInstance(const QString& dataFolder, const QList<QUrl>& toOpen)
 {
-    auto lock = std::make_unique<QLockFile>(lockPath(folders.data));
-    lock->setStaleLockTime(0);    // held as long as its process lives
+    using enum InstanceClaim::Outcome;
+    const QString socket = socketPath(dataFolder);
     QElapsedTimer watch;
     for (watch.start(); watch.elapsed() < instanceLongestWait; QThread::msleep(retryPause)) {
-        if (lock->tryLock(0))
-            return {InstanceClaim::Outcome::first, std::move(lock)};
-        if (handOver(folders, toOpen))
-            return {InstanceClaim::Outcome::handedOver, nullptr};
+        auto lock = std::make_unique<SystemLock>(lockPath(dataFolder));
+        if (lock->isOurs())
+            return {first, std::move(lock)};
+        if (!socket.isEmpty() && handOver(socket, toOpen))
+            return {handedOver, nullptr};
         // No lock can be written, on a full disk for instance: better a second window than none.
-        if (lock->error() != QLockFile::LockFailedError)
-            return {InstanceClaim::Outcome::first, nullptr};
+        if (lock->state() == SystemLock::State::impossible)
+            return {first, nullptr};
+        if (socket.isEmpty())
+            return {unreachable, nullptr};
     }
     return {};
 }
@@ -83,12 +88,15 @@ QList<QUrl> addressesOf(const QStringList& arguments)
     return addresses;
 }
 
-SingleInstance::SingleInstance(InstanceClaim claim, const InstanceFolders& folders, QObject* parent)
-    : QObject(parent), m_claim(std::move(claim)), m_server(new QLocalServer(this))
+SingleInstance::SingleInstance(const QString& dataFolder, QObject* parent)
+    : QObject(parent), m_server(new QLocalServer(this))
 {
+    const QString path = socketPath(dataFolder);
+    if (path.isEmpty())
+        return;    // later starts say that they find none
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    QLocalServer::removeServer(socketPath(folders));    // of one that was killed: we hold the lock
-    m_server->listen(socketPath(folders));
+    QLocalServer::removeServer(path);    // of one that was killed: we hold the lock
+    m_server->listen(path);
     connect(m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* socket = m_server->nextPendingConnection())
             greet(socket);

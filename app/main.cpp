@@ -4,6 +4,7 @@
 #include "app/SingleInstance.h"
 #include "app/Theme.h"
 #include "cli/CommandLine.h"
+#include "platform/EndingSignals.h"
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
@@ -15,7 +16,6 @@
 #include <QDesktopServices>
 #include <QLibraryInfo>
 #include <QScopeGuard>
-#include <QStandardPaths>
 #include <QTranslator>
 
 #include <cstdio>
@@ -78,17 +78,12 @@ bool hasDisplay()
 #endif
 }
 
-InstanceFolders instanceFolders()
-{
-    return {userDataFolder(), QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation)};
-}
-
 // Before anything of the window exists: a later start should end in no time.
 InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 {
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(programName());
-    return claimInstance(instanceFolders(), toOpen);
+    return claimInstance(userDataFolder(), toOpen);
 }
 
 // Opens the window, with the photos and folders named on the command line if there are any; of a
@@ -108,11 +103,20 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
         std::fputs("moltiva: ya hay una ventana abierta, pero no responde.\n", stderr);
         return exitSomeFailed;
     }
+    if (claimed.outcome == InstanceClaim::Outcome::unreachable) {
+        std::fputs("moltiva: ya hay una ventana abierta, pero no se le puede pasar nada: ni "
+                   "XDG_RUNTIME_DIR es una carpeta tuya y privada ni cabe un socket en la de los "
+                   "datos.\n",
+                   stderr);
+        return exitSomeFailed;
+    }
+    // Released also when the display goes and the toolkit ends the process.
+    static const std::unique_ptr<SystemLock> lock = std::move(claimed.lock);
     QApplication application(argc, argv);
     // Workers that still draw when the application is gone would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
-    SingleInstance instance(std::move(claimed), instanceFolders());
+    const SingleInstance instance(userDataFolder());
     dress(application, darkTheme());
     PreferencesStore preferences(userDataFolder() + u"/moltiva.sqlite"_s);
     const auto photos = std::make_shared<PhotoCache>(thumbnailFolder());
@@ -126,6 +130,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
         window.comeForward();
         window.open(urls);
     });
+    onEndingSignals(application, &QCoreApplication::quit);
     window.show();
     session.restoreWorkspaceIfNeeded();
     window.open(toOpen);

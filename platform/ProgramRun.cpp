@@ -5,66 +5,7 @@
 #include <QFileInfo>
 #include <QUuid>
 
-#ifdef Q_OS_UNIX
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#else
-#include <QLockFile>
-#endif
-
 using namespace Qt::StringLiterals;
-
-#ifdef Q_OS_UNIX
-
-// A lock of the system itself: names and numbers of processes are used again, in a container even
-// by every start.
-struct ProgramRun::Lock {
-    enum class Open { existing, fresh };
-
-    Lock(const QString& path, Open open)
-        : file(path),
-          descriptor(::open(QFile::encodeName(path).constData(),
-                            O_RDWR | O_CLOEXEC | (open == Open::fresh ? O_CREAT | O_EXCL : 0),
-                            S_IRUSR | S_IWUSR))
-    {
-        isMissing = descriptor < 0 && errno == ENOENT;
-        struct stat status = {};
-        // Whoever looked at it before may have removed it meanwhile.
-        isHeld = descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) == 0 &&
-                 fstat(descriptor, &status) == 0 && status.st_nlink > 0;
-    }
-    ~Lock()
-    {
-        if (isHeld)
-            QFile::remove(file);
-        if (descriptor >= 0)
-            close(descriptor);
-    }
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
-
-    QString file;
-    int descriptor;
-    bool isMissing = false, isHeld = false;
-};
-
-#else
-
-struct ProgramRun::Lock {
-    enum class Open { existing, fresh };
-
-    Lock(const QString& path, Open) : lock(path)
-    {
-        lock.setStaleLockTime(0);
-        isHeld = lock.tryLock(0);
-    }
-    QLockFile lock;
-    bool isMissing = false, isHeld = false;
-};
-
-#endif
 
 ProgramRun::ProgramRun(const QString& folder) : m_folder(folder) {}
 
@@ -77,8 +18,8 @@ QString ProgramRun::name()
     for (int i = 0; i < attempts && !m_lock && QDir().mkpath(m_folder); ++i) {
         removeEnded();
         m_name = QUuid::createUuid().toString(QUuid::WithoutBraces);
-        auto lock = std::make_unique<Lock>(lockFile(m_name), Lock::Open::fresh);
-        if (lock->isHeld)
+        auto lock = std::make_unique<SystemLock>(lockFile(m_name), SystemLock::Open::fresh);
+        if (lock->isOurs())
             m_lock = std::move(lock);
     }
     return m_lock ? m_name : QString();
@@ -98,8 +39,8 @@ bool ProgramRun::isGoingOn(const QString& run) const
         return false;
     if (is(run))
         return true;
-    const Lock lock(lockFile(run), Lock::Open::existing);
-    return !lock.isHeld && !lock.isMissing;
+    const SystemLock lock(lockFile(run), SystemLock::Open::existing);
+    return !lock.isOurs() && lock.state() != SystemLock::State::missing;
 }
 
 QString ProgramRun::lockFile(const QString& run) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/SystemLock.h"
+
 #include <QString>
 
 #include <memory>
@@ -20,7 +22,6 @@ private:
     QString lockFile(const QString& run) const;
     void removeEnded() const;
 
-    struct Lock;
     QString m_folder, m_name;
-    std::unique_ptr<Lock> m_lock;
+    std::unique_ptr<SystemLock> m_lock;
 };

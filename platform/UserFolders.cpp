@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QStandardPaths>
+#include <QStorageInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -19,6 +20,17 @@ QString userDataFolder()
     QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     QDir().mkpath(folder);
     return folder;
+}
+
+QString whyNotWritable(const QString& folder, const QString& otherwise)
+{
+    constexpr qint64 someRoom = 64 << 10;    // bytes
+    const QStorageInfo disk(folder);
+    if (disk.isValid() && disk.isReadOnly())
+        return u"el disco es de solo lectura"_qs;
+    if (disk.isValid() && disk.bytesAvailable() < someRoom)
+        return u"no queda sitio en el disco"_qs;
+    return otherwise;
 }
 
 QString thumbnailFolder()

@@ -12,16 +12,20 @@ namespace {
 
 constexpr qint64 resetLife = 60 * 60 * 1000;    // ms
 
-AccountSummary summary(const Visit& visit, Transaction& transaction, const Account& account)
+AccountSummary summaryOf(const Visit& visit, Transaction& transaction, const Account& account)
 {
     AccountProfile profile;
     profile.id = account.publicId;
     profile.email = account.email;
     if (!account.fullName.isEmpty())
         profile.fullName = account.fullName;
-    profile.isAdmin = visit.service.isAdministrator(account.email);
+    profile.isAdmin = visit.service.isAdministrator(transaction, account);
     profile.locale = u"es"_s;
-    return {balance(transaction, account.id), profile, StorageSummary{}};
+    AccountSummary summary;
+    summary.balance = balance(transaction, account.id);
+    summary.profile = profile;
+    summary.storage = StorageSummary{};
+    return summary;
 }
 
 QByteArray cookieHeader(const QByteArray& token, qint64 seconds)
@@ -30,11 +34,12 @@ QByteArray cookieHeader(const QByteArray& token, qint64 seconds)
            "; Path=/; HttpOnly; SameSite=Lax; Max-Age=" + QByteArray::number(seconds);
 }
 
-// Commits.
+// Commits. The session that the browser or program had before ends, for its cookie is replaced.
 ServiceReply signedInReply(Visit& visit, Transaction& transaction, const Account& account)
 {
+    endSession(transaction, visit.request.cookies.value(sessionCookie));
     const QByteArray token = openSession(transaction, account.id, visit.service.now());
-    ServiceReply reply = wireReply(summary(visit, transaction, account));
+    ServiceReply reply = wireReply(summaryOf(visit, transaction, account));
     transaction.commit();
     reply.headers.append({"Set-Cookie", cookieHeader(token, sessionDays * 24 * 60 * 60)});
     return reply;
@@ -67,8 +72,8 @@ ServiceReply signIn(Visit& visit)
     Service& service = visit.service;
     const auto given = wireBody<CredentialsRequest>(visit);
     const QString email = neededEmail(given.email);
-    service.countAddress(visit.request);
-    const QString key = visit.request.address + u' ' + email;
+    service.countSource(visit.request);
+    const QString key = visit.request.source + u' ' + email;
     if (!service.signInAttempts().allow(key, service.now()))
         throw Refusal(429, "too_many_attempts");
     const auto account = foundAccount(service, email);
@@ -85,7 +90,7 @@ ServiceReply registerAccount(Visit& visit)
     const auto given = wireBody<CredentialsRequest>(visit);
     const QString email = neededEmail(given.email);
     needAcceptable(given.password);
-    visit.service.countAddress(visit.request);
+    visit.service.countSource(visit.request);
     if (foundAccount(visit.service, email))
         throw Refusal(409, "email_exists");
     const QByteArray hash = hashedPassword(given.password);
@@ -108,7 +113,7 @@ ServiceReply signOut(Visit& visit)
 ServiceReply showAccount(Visit& visit)
 {
     Transaction transaction(visit.service.database());
-    return wireReply(summary(visit, transaction, visit.account));
+    return wireReply(summaryOf(visit, transaction, visit.account));
 }
 
 ServiceReply changeProfile(Visit& visit)
@@ -117,7 +122,7 @@ ServiceReply changeProfile(Visit& visit)
     Transaction transaction(visit.service.database());
     setFullName(transaction, visit.account.id, given.fullName);
     const auto account = accountWithId(transaction, visit.account.id);
-    ServiceReply reply = wireReply(summary(visit, transaction, account.value_or(visit.account)));
+    ServiceReply reply = wireReply(summaryOf(visit, transaction, account.value_or(visit.account)));
     transaction.commit();
     return reply;
 }
@@ -153,10 +158,10 @@ ServiceReply requestPasswordReset(Visit& visit)
     Service& service = visit.service;
     const auto given = wireBody<PasswordResetRequest>(visit);
     const auto email = normalizedEmail(given.email);
-    service.countAddress(visit.request);
+    service.countSource(visit.request);
     const auto account = email ? foundAccount(service, *email) : std::nullopt;
     if (!account ||
-        !service.resetAttempts().allow(visit.request.address + u' ' + *email, service.now()))
+        !service.resetAttempts().allow(visit.request.source + u' ' + *email, service.now()))
         return okReply();
     Transaction transaction(service.database());
     const QByteArray token = givePass(transaction, PassPurpose::passwordReset, account->id, {},

@@ -84,6 +84,18 @@ void setPassword(Transaction& transaction, qint64 account, const QByteArray& pas
                     {QString::fromLatin1(passwordHash), account});
 }
 
+void nameAdministrator(Transaction& transaction, const Account& account)
+{
+    transaction.run("INSERT OR REPLACE INTO setting (name, value) VALUES ('administrator', ?)",
+                    {account.publicId.toLatin1()});
+}
+
+bool isNamedAdministrator(Transaction& transaction, const Account& account)
+{
+    Rows found = transaction.rows("SELECT value FROM setting WHERE name = 'administrator'");
+    return found.next() && found.bytes(0) == account.publicId.toLatin1();
+}
+
 void needUnchanged(Transaction& transaction, const Account& account)
 {
     const auto now = accountWithId(transaction, account.id);

@@ -27,6 +27,10 @@ Account addAccount(Transaction& transaction, const QString& email, const QByteAr
 // Throws Refusal for a name that is too long or holds control characters.
 void setFullName(Transaction& transaction, qint64 account, const QString& fullName);
 void setPassword(Transaction& transaction, qint64 account, const QByteArray& passwordHash);
+// The one account that may share templates, as whoever runs the service has named it.
+void nameAdministrator(Transaction& transaction, const Account& account);
+bool isNamedAdministrator(Transaction& transaction, const Account& account);
+
 // A password's hash was looked at outside of the transaction, for that takes long. Throws Refusal
 // when it is another one by now.
 void needUnchanged(Transaction& transaction, const Account& account);

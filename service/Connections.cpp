@@ -1,27 +1,23 @@
 #include "service/Connections.h"
 
-#include <QHostAddress>
-
 #include <algorithm>
 #include <tuple>
 
 namespace {
 
-constexpr int mostAtEase = 192, mostOfOneMachine = 64;
+constexpr int mostAtEase = 192, mostOfOneSource = 64;
 
 }    // namespace
 
-bool Connections::add(int socket, const std::string& address)
+bool Connections::add(int socket, const ConnectionPeer& peer)
 {
     const std::scoped_lock lock(m_mutex);
     const auto ofTheSame = std::ranges::count_if(
-        m_all, [&](const auto& entry) { return entry.second.address == address; });
-    // On this machine all programs share an address, also the user's own.
-    if (ofTheSame >= mostOfOneMachine &&
-        !QHostAddress(QString::fromStdString(address)).isLoopback())
+        m_all, [&](const auto& entry) { return entry.second.source == peer.source; });
+    if (ofTheSame >= mostOfOneSource && !peer.isOwnUser)
         return false;
     makeRoom();
-    m_all[socket] = {.address = address, .since = ++m_changes};
+    m_all[socket] = {.source = peer.source, .since = ++m_changes};
     return true;
 }
 

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "service/ConnectionPeer.h"
+
 #include <QtGlobal>
 
 #include <chrono>
 #include <condition_variable>
 #include <map>
 #include <mutex>
-#include <string>
 
 #include <sys/socket.h>
 
@@ -20,8 +21,8 @@ public:
         busy,
     };
 
-    // Whether there is room. Another machine may only have some.
-    bool add(int socket, const std::string& address);
+    // Whether there is room. Another user or machine may only have some.
+    bool add(int socket, const ConnectionPeer& peer);
     void remove(int socket);
     // Whether it is still open; else nothing may be done any more for who could not hear of it.
     bool setState(int socket, State state);
@@ -32,7 +33,7 @@ public:
 
 private:
     struct Connection {
-        std::string address;
+        QString source;
         quint64 since = 0;    // counts changes
         State state = State::waiting;
         bool isEnded = false;

@@ -2,6 +2,7 @@
 
 #include "model/GuardedJson.h"
 #include "model/PlainText.h"
+#include "platform/HttpClient.h"
 #include "service/Http.h"
 #include "service/Turns.h"
 
@@ -189,6 +190,8 @@ PreparedCopyOrder preparedCopyOrder(const CopyProvider& provider, const CopyOrde
     const QUrl url = endpoint(provider.address);
     if (!url.isValid() || (url.scheme() != u"http" && url.scheme() != u"https"))
         throw Refusal(503, "provider_not_supported", u"the address must be http or https"_s);
+    if (!provider.key.isEmpty() && url.scheme() != u"https" && !isLoopback(url.host()))
+        throw Refusal(503, "provider_not_supported", u"a key goes over https alone"_s);
     return {url, provider.key, requestBody(provider, order)};
 }
 

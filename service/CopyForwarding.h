@@ -13,7 +13,7 @@
 // Who writes texts for an image: anything that answers as "chat completions" do.
 struct CopyProvider {
     QString address;    // with or without /chat/completions
-    QString key;        // may be empty: models on the own machine ask for none
+    QString key;        // may be empty; never sent in the clear to another machine
     QString model;
 };
 

@@ -15,9 +15,12 @@ ServiceReply moved(Visit& visit, CreditOperation* operation)
     const auto given = wireBody<CreditOperationRequest>(visit, "invalid_credit_request");
     Transaction transaction(visit.service.database());
     operation(transaction, visit.account.id, given.cost, given.requestId, visit.service.now());
-    const int left = balance(transaction, visit.account.id);
+    CreditOperationResponse response;
+    response.balance = balance(transaction, visit.account.id);
+    response.cost = given.cost;
+    response.ok = true;
     transaction.commit();
-    return wireReply(CreditOperationResponse{.balance = left, .cost = given.cost, .ok = true});
+    return wireReply(response);
 }
 
 }    // namespace
@@ -52,8 +55,10 @@ ServiceReply confirmPurchase(Visit& visit)
         throw Refusal(404, "checkout_not_recorded");
     if (checkout->state != CheckoutState::paid)
         throw Refusal(402, "checkout_not_paid");
-    return wireReply(
-        CheckoutConfirmResponse{.ok = true, .balance = balance(transaction, visit.account.id)});
+    CheckoutConfirmResponse response;
+    response.ok = true;
+    response.balance = balance(transaction, visit.account.id);
+    return wireReply(response);
 }
 
 ServiceReply showPurchases(Visit& visit)

@@ -2,7 +2,10 @@
 
 #include "service/Schema.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <sqlite3.h>
 
@@ -10,10 +13,29 @@ namespace {
 
 constexpr int busyWait = 5000;    // ms, for another program that looks into the file
 
+DatabaseError::Kind kindOf(int result)
+{
+    using enum DatabaseError::Kind;
+    switch (result) {
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        return damaged;
+    case SQLITE_BUSY:
+        return inUse;
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_READONLY:
+        return forbidden;
+    default:
+        return failed;
+    }
+}
+
 [[noreturn]] void fail(sqlite3* handle)
 {
-    throw DatabaseError(DatabaseError::Kind::failed,
-                        handle ? QByteArray(sqlite3_errmsg(handle)) : "out of memory");
+    if (!handle)
+        throw DatabaseError(DatabaseError::Kind::failed, "out of memory");
+    throw DatabaseError(kindOf(sqlite3_errcode(handle)), QByteArray(sqlite3_errmsg(handle)));
 }
 
 void bind(sqlite3_stmt* statement, int place, const SqlValue& value)
@@ -41,7 +63,19 @@ void createPrivately(const QString& name)
     constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
     QFile file(name);
     if (!file.exists() && !file.open(QIODevice::WriteOnly | QIODevice::NewOnly, owner))
-        throw DatabaseError(DatabaseError::Kind::failed, file.errorString().toUtf8());
+        throw DatabaseError(DatabaseError::Kind::forbidden, file.errorString().toUtf8());
+}
+
+void needWhole(Transaction& transaction)
+{
+    Rows check = transaction.rows("PRAGMA quick_check(1)");
+    if (!check.next() || check.bytes(0) != "ok")
+        throw DatabaseError(DatabaseError::Kind::damaged, "the check found damage");
+}
+
+QStringList withSideFiles(const QString& file)
+{
+    return {file, file + QStringLiteral("-wal"), file + QStringLiteral("-shm")};
 }
 
 }    // namespace
@@ -84,8 +118,14 @@ bool Rows::isNull(int column) const
     return sqlite3_column_type(m_statement.get(), column) == SQLITE_NULL;
 }
 
-Database::Database(const QString& file)
+Database::Database(const QString& file, History history)
 {
+    const QFileInfo found(file);
+    if (found.isDir())
+        throw DatabaseError(DatabaseError::Kind::damaged, "a folder is in its place");
+    // SQLite would take an empty one for a new one, and drop its log.
+    if (history == History::usedBefore && (!found.exists() || found.size() == 0))
+        throw DatabaseError(DatabaseError::Kind::vanished, "nothing is left of it");
     createPrivately(file);
     const int result = sqlite3_open_v2(QFile::encodeName(file).constData(), &m_handle,
                                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_FULLMUTEX, nullptr);
@@ -98,6 +138,7 @@ Database::Database(const QString& file)
         run("PRAGMA synchronous=FULL");
         run("PRAGMA foreign_keys=ON");
         Transaction transaction(*this);
+        needWhole(transaction);
         bringUpToDate(transaction);
         transaction.commit();
     } catch (...) {
@@ -109,6 +150,17 @@ Database::Database(const QString& file)
 Database::~Database()
 {
     sqlite3_close(m_handle);
+}
+
+QString setDatabaseAside(const QString& file)
+{
+    const QString name =
+        file + QDateTime::currentDateTime().toString(QStringLiteral("'.apartada-'yyyyMMdd-HHmmss"));
+    const QStringList from = withSideFiles(file), to = withSideFiles(name);
+    // The log first: SQLite would bring it into a new file of the same name.
+    for (qsizetype i = from.size() - 1; i > 0; --i)
+        QDir().rename(from[i], to[i]);
+    return QDir().rename(from.first(), name) ? name : QString();
 }
 
 void Database::checkpoint()

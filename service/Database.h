@@ -14,7 +14,15 @@ struct sqlite3_stmt;
 
 class DatabaseError : public std::exception {
 public:
-    enum class Kind { failed, tooNew, wrongSums };
+    enum class Kind {
+        failed,
+        inUse,
+        forbidden,
+        damaged,
+        vanished,
+        tooNew,
+        wrongSums,
+    };
 
     DatabaseError(Kind kind, QByteArray text) : m_kind(kind), m_text(std::move(text)) {}
     Kind kind() const { return m_kind; }
@@ -51,8 +59,11 @@ private:
 // sleeping, which starves some.
 class Database {
 public:
-    // Throws DatabaseError, also for a file that a newer version wrote.
-    explicit Database(const QString& file);
+    enum class History { perhapsNew, usedBefore };
+
+    // Throws DatabaseError, also for a file that a newer version wrote, for one that is damaged
+    // anywhere, and for an empty or missing one that was used before.
+    explicit Database(const QString& file, History history = History::perhapsNew);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -67,6 +78,10 @@ private:
     std::mutex m_mutex;
     sqlite3* m_handle = nullptr;
 };
+
+// Gives the file and what belongs to it another name in its folder. Returns it, or nothing where
+// there was no file, or it could not be renamed. Nobody has it open.
+QString setDatabaseAside(const QString& file);
 
 // What is done in it is done as a whole when it is committed, on the disk by then, and else not at
 // all. Others wait meanwhile, so nothing slow happens inside.

@@ -19,9 +19,8 @@ struct ServiceRequest {
     QHash<QString, QString> query, form;    // the first of equal names
     QHash<QByteArray, QByteArray> cookies;
     QByteArray body = {};
-    QString address = {};    // of the client
-    // Whether the client is a program of this user on this machine. Takes a while to find out.
-    std::function<bool()> isLocal = [] { return true; };
+    QString source = {};    // the client's user on this machine, or its address
+    bool isLocal = true;    // the client is a program of our own user on this machine
     // Called before a long wait for others: what was taken for the body is given back, and the body
     // is gone.
     std::function<void()> letGo = [] {};

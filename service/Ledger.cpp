@@ -60,11 +60,11 @@ void checkOperation(int cost, const QString& requestId)
 
 }    // namespace
 
-int balance(Transaction& transaction, qint64 account)
+qint64 balance(Transaction& transaction, qint64 account)
 {
     Rows last = transaction.rows(
         "SELECT balance FROM ledger_entry WHERE account = ? ORDER BY id DESC LIMIT 1", {account});
-    return last.next() ? int(last.number(0)) : 0;
+    return last.next() ? last.number(0) : 0;
 }
 
 void addWelcome(Transaction& transaction, qint64 account, qint64 now)

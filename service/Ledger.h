@@ -9,10 +9,10 @@ class Transaction;
 // Credits are entries that are only ever added; the balance is their sum and never negative. Who
 // calls commits.
 
-inline constexpr int largestBalance = 2'000'000'000;
+inline constexpr qint64 largestBalance = 9'007'199'254'740'991;    // exact in any JSON reader
 inline constexpr int largestCost = 1'000'000;
 
-int balance(Transaction& transaction, qint64 account);
+qint64 balance(Transaction& transaction, qint64 account);
 
 void addWelcome(Transaction& transaction, qint64 account, qint64 now);
 // Throws Refusal when the balance would grow beyond the largest.

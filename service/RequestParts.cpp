@@ -1,7 +1,6 @@
 #include "service/RequestParts.h"
 
-#include "service/PeerOwner.h"
-
+#include <QHostAddress>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -24,13 +23,6 @@ bool isWildcard(const QHostAddress& address)
 {
     return address == QHostAddress(QHostAddress::AnyIPv4) ||
            address == QHostAddress(QHostAddress::AnyIPv6);
-}
-
-bool wasPassedOn(const httplib::Request& request)
-{
-    constexpr std::array marks{"Forwarded", "X-Forwarded-For", "X-Forwarded-Host", "X-Real-IP",
-                               "Via"};
-    return std::ranges::any_of(marks, [&](const char* mark) { return request.has_header(mark); });
 }
 
 }    // namespace
@@ -115,13 +107,11 @@ std::optional<QString> ownHost(const httplib::Request& request, const QString& t
     return host;
 }
 
-bool isFromThisUser(const httplib::Request& request)
+bool wasPassedOn(const httplib::Request& request)
 {
-    const Peer theirs{plain(QString::fromStdString(request.remote_addr)), request.remote_port};
-    const Peer ours{plain(QString::fromStdString(request.local_addr)), request.local_port};
-    return !wasPassedOn(request) &&
-           (theirs.address.isLoopback() || theirs.address == ours.address) &&
-           isOwnProgram(theirs, ours);
+    constexpr std::array marks{"Forwarded", "X-Forwarded-For", "X-Forwarded-Host", "X-Real-IP",
+                               "Via"};
+    return std::ranges::any_of(marks, [&](const char* mark) { return request.has_header(mark); });
 }
 
 QString loopbackFor(const QString& host)

@@ -22,8 +22,8 @@ QHash<QString, QString> fieldsOf(const QByteArray& encoded);
 // its own name lead to this machine, and would then be asked by the browser as if it were us.
 std::optional<QString> ownHost(const httplib::Request& request, const QString& toldHost, int port);
 
-// Other users of the machine reach us too, and what passes requests on brings them from anywhere.
-bool isFromThisUser(const httplib::Request& request);
+// By a program that brings requests from anywhere.
+bool wasPassedOn(const httplib::Request& request);
 
 // Where programs of this machine find who listens at `host`.
 QString loopbackFor(const QString& host);

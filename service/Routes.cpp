@@ -100,8 +100,11 @@ void checkNeeds(const Route& route, Visit& visit)
 {
     if (route.needs == session || route.needs == administrator)
         visit.account = signedIn(visit.service, visit.request);
-    if (route.needs == administrator && !visit.service.isAdministrator(visit.account.email))
-        throw Refusal(403, "admin_required");
+    if (route.needs == administrator) {
+        Transaction transaction(visit.service.database());
+        if (!visit.service.isAdministrator(transaction, visit.account))
+            throw Refusal(403, "admin_required");
+    }
 }
 
 bool isPage(const ServiceRequest& request)

@@ -1,5 +1,6 @@
 #include "service/Server.h"
 
+#include "service/ConnectionPeer.h"
 #include "service/Connections.h"
 #include "service/MemoryGate.h"
 #include "service/PacedStream.h"
@@ -37,6 +38,7 @@ constexpr auto waitForMemory = 20'000ms;
 
 // Of the request that the thread is at.
 thread_local socket_t servedSocket = INVALID_SOCKET;
+thread_local ConnectionPeer servedPeer;
 // Whether who asked can still be told what came of it.
 thread_local bool isHeard = true;
 
@@ -143,21 +145,21 @@ private:
 
     void take(socket_t socket)
     {
-        std::string address;
-        int port = 0;
-        PacedStream(socket).get_remote_ip_and_port(address, port);
-        if (!m_connections.add(socket, address)) {
+        const ConnectionPeer peer = peerOf(socket);
+        const bool isWelcome = peer.isOwnUser || m_service.audience() == ServiceAudience::everybody;
+        if (!isWelcome || !m_connections.add(socket, peer)) {
             ::close(socket);
-        } else if (!m_threads->enqueue([this, socket] { serve(socket); })) {
+        } else if (!m_threads->enqueue([this, socket, peer] { serve(socket, peer); })) {
             m_connections.remove(socket);
             ::close(socket);
         }
     }
 
     // The library's own loop waits on each byte anew, for as long as they keep dropping in.
-    void serve(socket_t socket)
+    void serve(socket_t socket, const ConnectionPeer& peer)
     {
         servedSocket = socket;
+        servedPeer = peer;
         PacedStream stream(socket);
         for (int left = mostRequests; left > 0 && !m_service.isEnding(); --left) {
             if (!stream.waitForRequest(keepAlive))
@@ -243,8 +245,8 @@ private:
                 result.query.insert(key, QString::fromStdString(value));
         }
         result.cookies = cookiesOf(request);
-        result.address = QString::fromStdString(request.remote_addr);
-        result.isLocal = [&request] { return isFromThisUser(request); };
+        result.source = servedPeer.source;
+        result.isLocal = servedPeer.isOwnUser && !wasPassedOn(request);
         return result;
     }
 

@@ -6,8 +6,9 @@
 
 class Service;
 
-// Brings requests over HTTP to the routes of a service. What it refuses by itself: strange hosts
-// and origins, bodies that are too large or of another type, connections that do not keep a pace.
+// Brings requests over HTTP to the routes of a service. What it refuses by itself: connections of
+// others to a service of one user, and those that do not keep a pace; strange hosts and origins;
+// bodies that are too large or of another type.
 class Server {
 public:
     // `host`: the address or name to listen on.

@@ -8,7 +8,6 @@
 
 #include <QDateTime>
 #include <QFile>
-#include <QHostAddress>
 
 using namespace Qt::StringLiterals;
 
@@ -37,9 +36,14 @@ QByteArray keptFormKey(Transaction& transaction)
 
 }    // namespace
 
+QString Service::databaseFile(const QString& dataFolder)
+{
+    return QDir(dataFolder).filePath(u"servicio.sqlite"_s);
+}
+
 Service::Service(const ServiceSettings& settings)
     : m_settings(completed(settings)),
-      m_database(QDir(m_settings.dataFolder).filePath(u"servicio.sqlite"_s))
+      m_database(databaseFile(m_settings.dataFolder), m_settings.history)
 {
     // What a crash left half-looked at.
     const QDir data(m_settings.dataFolder);
@@ -52,9 +56,12 @@ Service::Service(const ServiceSettings& settings)
     transaction.commit();
 }
 
-bool Service::isAdministrator(const QString& email) const
+bool Service::isAdministrator(Transaction& transaction, const Account& account) const
 {
-    return !m_settings.administrator.isEmpty() && email == m_settings.administrator;
+    const bool isOwnUsers = m_settings.audience == ServiceAudience::ownUser &&
+                            !m_settings.administrator.isEmpty() &&
+                            account.email == m_settings.administrator;
+    return isOwnUsers || isNamedAdministrator(transaction, account);
 }
 
 QDir Service::folder(const QString& name) const
@@ -64,11 +71,9 @@ QDir Service::folder(const QString& name) const
     return QDir(data.filePath(name));
 }
 
-void Service::countAddress(const ServiceRequest& request)
+void Service::countSource(const ServiceRequest& request)
 {
-    // Nobody else on the machine can use up what its own user has.
-    const bool isOwn = QHostAddress(request.address).isLoopback() && request.isLocal();
-    Attempts& attempts = isOwn ? m_ownAttempts : m_addressAttempts;
-    if (!attempts.allow(request.address, now()))
+    Attempts& attempts = request.isLocal ? m_ownAttempts : m_sourceAttempts;
+    if (!attempts.allow(request.source, now()))
         throw Refusal(429, "too_many_attempts");
 }

@@ -10,34 +10,47 @@
 #include <atomic>
 #include <functional>
 
+enum class ServiceAudience {
+    everybody,
+    ownUser,    // nobody but programs of the user that we run as, on this machine
+};
+
 struct ServiceSettings {
-    QString dataFolder;       // exists
-    QString administrator;    // e-mail address; may be empty
+    QString dataFolder;                                           // exists
+    Database::History history = Database::History::perhapsNew;    // of the database in it
+    ServiceAudience audience = ServiceAudience::everybody;
+    // Of a service for its own user: whoever registers this e-mail address; may be empty. Elsewhere
+    // anybody could do so first.
+    QString administrator = {};
     std::function<CopyProvider()> copyProvider = configuredCopyProvider;
     std::function<qint64()> now;    // milliseconds since 1970; the system's clock when empty
 };
 
-// What all requests share. Any thread.
+struct Account;
 struct ServiceRequest;
 
+// What all requests share. Any thread.
 class Service {
 public:
+    static QString databaseFile(const QString& dataFolder);
+
     // Throws DatabaseError.
     explicit Service(const ServiceSettings& settings);
 
     Database& database() { return m_database; }
     qint64 now() const { return m_settings.now(); }
     CopyProvider copyProvider() const { return m_settings.copyProvider(); }
-    bool isAdministrator(const QString& email) const;
+    ServiceAudience audience() const { return m_settings.audience; }
+    bool isAdministrator(Transaction& transaction, const Account& account) const;
     const QByteArray& formKey() const { return m_formKey; }
 
     // Where programs of this machine find the service; before the first request comes.
     void setAddress(const QString& address) { m_address = address; }
     const QString& address() const { return m_address; }
 
-    // Counts what costs a password's hash, or an account, and comes from an address. Throws
-    // Refusal when it is too much.
-    void countAddress(const ServiceRequest& request);
+    // Counts what costs a password's hash, or an account, by who asks for it. Throws Refusal when
+    // it is too much.
+    void countSource(const ServiceRequest& request);
     Attempts& signInAttempts() { return m_signInAttempts; }
     Attempts& resetAttempts() { return m_resetAttempts; }
 
@@ -53,8 +66,8 @@ private:
     Database m_database;
     QByteArray m_formKey;
     QString m_address;
-    // All programs of this machine share an address.
-    Attempts m_addressAttempts{60, 60 * 60 * 1000}, m_ownAttempts{1200, 60 * 60 * 1000};
+    // Programs of our own user are many; tests are among them.
+    Attempts m_sourceAttempts{60, 60 * 60 * 1000}, m_ownAttempts{1200, 60 * 60 * 1000};
     Attempts m_signInAttempts{10, 10 * 60 * 1000};
     Attempts m_resetAttempts{5, 15 * 60 * 1000};
     std::atomic_bool m_isEnding = false;

@@ -84,7 +84,7 @@ ServiceReply resetSent(Visit& visit)
         return resetForm(visit, token, u"La contraseña necesita al menos 8 caracteres."_s);
     if (password != sent.value(u"repetida"_s))
         return resetForm(visit, token, u"Las dos contraseñas no son iguales."_s);
-    service.countAddress(visit.request);
+    service.countSource(visit.request);
     const QByteArray hash = hashedPassword(password);
     Transaction transaction(service.database());
     const auto pass =

@@ -126,8 +126,8 @@ std::optional<Account> credentialsAccount(Visit& visit)
 {
     const auto& sent = visit.request.form;
     const auto email = normalizedEmail(sent.value(u"email"_s));
-    visit.service.countAddress(visit.request);
-    const QString key = visit.request.address + u' ' + email.value_or(QString());
+    visit.service.countSource(visit.request);
+    const QString key = visit.request.source + u' ' + email.value_or(QString());
     if (!email || !visit.service.signInAttempts().allow(key, visit.service.now()))
         return std::nullopt;
     auto account = [&] {

@@ -44,7 +44,7 @@ ServiceReply startPage(Visit& visit)
         paragraph(u"Las cuentas nuevas reciben un saldo local de prueba de 10000 créditos. Los "
                   "pagos son de prueba: no se cobra nada. Las publicaciones se guardan aquí y no "
                   "llegan a ninguna red social."_s);
-    if (visit.request.isLocal()) {
+    if (visit.request.isLocal) {
         content =
             content + tag("h2", text(u"Dónde están los datos"_s)) +
             tag("pre", text(visit.service.dataFolder())) + tag("h2", text(u"Correo"_s)) +

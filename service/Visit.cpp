@@ -108,6 +108,6 @@ ServiceReply sentencePage(const Visit& visit, int status, const QString& title,
 
 void needThisMachine(const Visit& visit)
 {
-    if (!visit.request.isLocal())
+    if (!visit.request.isLocal)
         throw Refusal(403, "not_local", u"only from the machine that the service runs on"_s);
 }

@@ -1,5 +1,9 @@
 #include "account/ServiceRendezvous.h"
+#include "platform/EndingSignals.h"
 #include "platform/Memory.h"
+#include "platform/SystemLock.h"
+#include "platform/UserFolders.h"
+#include "service/Accounts.h"
 #include "service/Rendezvous.h"
 #include "service/Server.h"
 #include "service/Service.h"
@@ -9,13 +13,12 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLocalSocket>
-#include <QLockFile>
-#include <QSocketNotifier>
 #include <QStandardPaths>
 #include <QThread>
 
 #include <csignal>
 #include <cstdio>
+#include <memory>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -42,7 +45,9 @@ void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& tex
 }
 
 struct Options {
-    QString data, host, administrator;
+    QString data, host;
+    QString administrator;         // of a service for its own user
+    QString namedAdministrator;    // is named, and nothing else happens
     int port = 0;
     bool untilUnused = false;
 };
@@ -58,8 +63,14 @@ Servicio de cuentas y sitio web de Moltiva en este equipo.
   --data DIR             carpeta de los datos; sin ella, la de Moltiva
   --port N               puerto; 0 o nada: el de la última vez o uno libre
   --host DIRECCIÓN       dónde escucha; sin ella, 127.0.0.1
-  --until-unused         termina cuando ninguna ventana lo usa
-  --administrator EMAIL  la cuenta que puede subir plantillas
+  --until-unused         solo para programas de este usuario; termina cuando
+                         ninguno lo usa
+  --administrator EMAIL  con --until-unused: la cuenta que puede subir
+                         plantillas
+  --name-administrator EMAIL
+                         da ese permiso, en vez de a la de antes, a una cuenta
+                         que ya existe, y termina; el servicio puede estar en
+                         marcha
   --help, --version
 )"_s;
 }
@@ -69,11 +80,13 @@ Wish readOptions(const QStringList& arguments, Options& options)
     QCommandLineParser parser;
     const QString port = u"port"_s, data = u"data"_s, host = u"host"_s;
     const QString administrator = u"administrator"_s, untilUnused = u"until-unused"_s;
+    const QString nameAdministrator = u"name-administrator"_s;
     const QString help = u"help"_s, version = u"version"_s;
     parser.addOptions({{data, {}, u"DIR"_s},
                        {port, {}, u"N"_s, u"0"_s},
                        {host, {}, u"ADDR"_s, u"127.0.0.1"_s},
                        {administrator, {}, u"EMAIL"_s},
+                       {nameAdministrator, {}, u"EMAIL"_s},
                        {untilUnused, {}},
                        {{u"h"_s, help}, {}},
                        {version, {}}});
@@ -88,12 +101,15 @@ Wish readOptions(const QStringList& arguments, Options& options)
     options.data = parser.value(data);
     options.host = parser.value(host);
     options.administrator = parser.value(administrator);
+    options.namedAdministrator = parser.value(nameAdministrator);
     options.untilUnused = parser.isSet(untilUnused);
     if (options.data.isEmpty() && !parser.isSet(data))
         options.data =
             QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + u"/service"_s;
     const bool isRight = isNumber && options.port >= 0 && options.port <= 65535 &&
-                         !options.data.isEmpty() && !options.host.isEmpty();
+                         !options.data.isEmpty() && !options.host.isEmpty() &&
+                         (options.administrator.isEmpty() || options.untilUnused) &&
+                         parser.isSet(nameAdministrator) != options.namedAdministrator.isEmpty();
     return isRight ? Wish::run : Wish::wrong;
 }
 
@@ -106,44 +122,26 @@ bool preparePrivately(const QString& folder)
 
 bool somebodyAnswers(const QString& folder)
 {
+    const QString path = serviceSocketPath(folder);
     QLocalSocket socket;
-    socket.connectToServer(serviceSocketPath(folder));
-    return socket.waitForConnected(startRetryPause) && socket.waitForReadyRead(1000);
+    socket.connectToServer(path);
+    return !path.isEmpty() && socket.waitForConnected(startRetryPause) && leadsToOwnUser(socket) &&
+           socket.waitForReadyRead(1000);
 }
 
 // One that is just ending lets go soon; one that answers will not.
-enum class Claim { ours, running, impossible };
-Claim claim(QLockFile& lock, const QString& folder)
+std::unique_ptr<SystemLock> claimed(const QString& folder)
 {
-    lock.setStaleLockTime(0);    // held as long as its process lives
+    const QString file = QDir(folder).filePath(u"servicio.lock"_s);
+    auto lock = std::make_unique<SystemLock>(file);
     QElapsedTimer watch;
-    for (watch.start(); watch.elapsed() < endingWait; QThread::msleep(startRetryPause)) {
-        if (lock.tryLock(0))
-            return Claim::ours;
-        if (lock.error() != QLockFile::LockFailedError)
-            return Claim::impossible;
-        if (somebodyAnswers(folder))
-            return Claim::running;
+    watch.start();
+    while (lock->state() == SystemLock::State::others && watch.elapsed() < endingWait &&
+           !somebodyAnswers(folder)) {
+        QThread::msleep(startRetryPause);
+        lock = std::make_unique<SystemLock>(file);
     }
-    return Claim::running;
-}
-
-std::array<int, 2> signalPipe{-1, -1};
-
-extern "C" void onSignal(int)
-{
-    const char byte = 0;
-    [[maybe_unused]] const auto written = ::write(signalPipe[1], &byte, 1);
-}
-
-void quitOnSignals(QCoreApplication& application)
-{
-    if (::pipe(signalPipe.data()) != 0)
-        return;
-    auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &application);
-    QObject::connect(notifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
-    std::signal(SIGINT, onSignal);
-    std::signal(SIGTERM, onSignal);
+    return lock;
 }
 
 void allowManyConnections()
@@ -153,6 +151,11 @@ void allowManyConnections()
         files.rlim_cur = std::min<rlim_t>(files.rlim_max, 4096);
         ::setrlimit(RLIMIT_NOFILE, &files);
     }
+}
+
+QString portFile(const QString& folder)
+{
+    return QDir(folder).filePath(u"puerto"_s);
 }
 
 // Pages that are open in a browser stay of use when the next service listens at the same port.
@@ -172,40 +175,92 @@ void keepPort(const QString& file, int port)
 
 QString sentence(const DatabaseError& error, const QString& folder)
 {
+    const QString place = u"la base de datos de cuentas y créditos de %1"_s.arg(folder);
     switch (error.kind()) {
     case DatabaseError::Kind::tooNew:
-        return u"los datos de %1 son de una versión más nueva."_s.arg(folder);
+        return place + u" es de una versión más nueva."_s;
     case DatabaseError::Kind::wrongSums:
         return u"los créditos de la base de datos de %1 no cuadran: alguien la ha cambiado."_s.arg(
             folder);
+    case DatabaseError::Kind::inUse:
+        return place + u" está en uso por otro programa."_s;
+    case DatabaseError::Kind::damaged:
+        return place + u" está dañada."_s;
+    case DatabaseError::Kind::vanished:
+        return place + u" ha desaparecido."_s;
+    case DatabaseError::Kind::forbidden:
+        return u"no se puede abrir %1: %2."_s.arg(place, whyNotWritable(folder));
     case DatabaseError::Kind::failed:
         break;
     }
-    return u"no se puede abrir la base de datos de %1: está dañada, en uso o sin permiso."_s.arg(
-        folder);
+    return u"no se puede abrir %1: %2."_s.arg(
+        place, whyNotWritable(folder, QString::fromUtf8(error.what())));
+}
+
+// What was paid is in it: a new one begins only after the user was told, at the next start.
+QString sentenceOfLoss(const DatabaseError& error, const QString& folder)
+{
+    const bool wasDamaged = error.kind() == DatabaseError::Kind::damaged;
+    const QString aside = setDatabaseAside(Service::databaseFile(folder));
+    const QString told = sentence(error, folder);
+    if (wasDamaged && aside.isEmpty())
+        return told + u" Tampoco se ha podido apartar."_s;
+    QFile::remove(portFile(folder));
+    return told +
+           (wasDamaged ? u" Se ha apartado como «%1»."_s.arg(QFileInfo(aside).fileName())
+                       : QString()) +
+           u" La próxima vez se empezará una vacía."_s;
+}
+
+int appointAdministrator(const Options& options)
+{
+    const QString file = Service::databaseFile(options.data);
+    const auto email = normalizedEmail(options.namedAdministrator);
+    std::optional<Account> account;
+    if (email && QFile::exists(file)) {
+        Database database(file);
+        Transaction transaction(database);
+        account = accountWithEmail(transaction, *email);
+        if (account)
+            nameAdministrator(transaction, *account);
+        transaction.commit();
+    }
+    if (!account) {
+        tell(u"no hay ninguna cuenta con el email %1 en %2."_s.arg(options.namedAdministrator,
+                                                                   options.data));
+        return exitFailed;
+    }
+    std::printf("%s puede subir plantillas.\n", qPrintable(account->email));
+    return exitDone;
 }
 
 int serve(QCoreApplication& application, const Options& options)
 {
     const QString folder = QDir(options.data).canonicalPath();
-    Service service({.dataFolder = folder, .administrator = options.administrator, .now = {}});
+    const QString kept = portFile(folder);
+    using History = Database::History;
+    Service service(
+        {.dataFolder = folder,
+         .history = QFile::exists(kept) ? History::usedBefore : History::perhapsNew,
+         .audience = options.untilUnused ? ServiceAudience::ownUser : ServiceAudience::everybody,
+         .administrator = options.administrator,
+         .now = {}});
     Server server(service, options.host);
-    const QString portFile = QDir(folder).filePath(u"puerto"_s);
-    if (!server.start(options.port, lastPort(portFile))) {
+    if (!server.start(options.port, lastPort(kept))) {
         tell(u"no se puede escuchar en %1, puerto %2."_s.arg(options.host).arg(options.port));
         return exitFailed;
     }
-    keepPort(portFile, server.port());
+    keepPort(kept, server.port());
 
     const QByteArray line = server.address().toUtf8() + '\n';
     Rendezvous rendezvous(serviceSocketPath(folder), line, {});
     if (!rendezvous.isListening() && options.untilUnused) {
-        tell(u"no se puede crear el punto de encuentro con las ventanas."_s);
+        tell(u"no hay una carpeta privada para el punto de encuentro con las ventanas."_s);
         return exitFailed;
     }
     if (options.untilUnused)
         QObject::connect(&rendezvous, &Rendezvous::unused, &application, &QCoreApplication::quit);
-    quitOnSignals(application);
+    onEndingSignals(application, &QCoreApplication::quit);
     std::fputs(line.constData(), stdout);
     std::fflush(stdout);
 
@@ -217,6 +272,34 @@ int serve(QCoreApplication& application, const Options& options)
     if (!hasEnded)
         ::_exit(result);    // the next one takes over the lock
     return result;
+}
+
+int prepareAndServe(QCoreApplication& application, const Options& options)
+{
+    const QString& folder = options.data;
+    if (!preparePrivately(folder)) {
+        tell(u"no se puede crear la carpeta %1."_s.arg(folder));
+        return exitFailed;
+    }
+    allowManyConnections();
+    const auto lock = claimed(folder);
+    if (lock->state() == SystemLock::State::others) {
+        tell(u"ya hay un servicio en marcha con los datos de %1."_s.arg(folder));
+        return exitRunning;
+    }
+    if (!lock->isOurs()) {
+        tell(u"no se puede usar la carpeta %1: %2."_s.arg(folder, whyNotWritable(folder)));
+        return exitFailed;
+    }
+    try {
+        return serve(application, options);
+    } catch (const DatabaseError& error) {
+        using enum DatabaseError::Kind;
+        if (error.kind() != damaged && error.kind() != vanished)
+            throw;
+        tell(sentenceOfLoss(error, folder));
+        return exitFailed;
+    }
 }
 
 }    // namespace
@@ -243,24 +326,10 @@ int main(int argc, char** argv)
         std::fputs(qPrintable(usage()), stderr);
         return exitWrongUse;
     }
-    if (!preparePrivately(options.data)) {
-        tell(u"no se puede crear la carpeta %1."_s.arg(options.data));
-        return exitFailed;
-    }
-    allowManyConnections();
-    QLockFile lock(QDir(options.data).filePath(u"servicio.lock"_s));
-    switch (claim(lock, options.data)) {
-    case Claim::ours:
-        break;
-    case Claim::running:
-        tell(u"ya hay un servicio en marcha con los datos de %1."_s.arg(options.data));
-        return exitRunning;
-    case Claim::impossible:
-        tell(u"no se puede escribir en %1."_s.arg(options.data));
-        return exitFailed;
-    }
     try {
-        return serve(application, options);
+        if (!options.namedAdministrator.isEmpty())
+            return appointAdministrator(options);
+        return prepareAndServe(application, options);
     } catch (const DatabaseError& error) {
         tell(sentence(error, options.data));
         return exitFailed;

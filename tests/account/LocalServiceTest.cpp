@@ -1,6 +1,7 @@
 #include "account/LocalService.h"
 #include "account/ServiceRendezvous.h"
 #include "platform/HttpClient.h"
+#include "tests/Nobody.h"
 #include "tests/account/Awaited.h"
 
 #include <QElapsedTimer>
@@ -34,16 +35,33 @@ int statusOf(const QUrl& page)
     return awaited(client.send(request)).status;
 }
 
-// The process that has the lock of the data folder.
-qint64 processOf(const QTemporaryDir& folder)
+// The process that listens where the service of the data folder is met.
+pid_t processOf(const QTemporaryDir& folder)
 {
-    const QDir data(folder.filePath(u"service"_s));
-    for (const QString& name : data.entryList({u"*.lock"_s}, QDir::Files | QDir::Hidden)) {
-        QFile lock(data.filePath(name));
-        if (lock.open(QIODevice::ReadOnly))
-            return lock.readLine().trimmed().toLongLong();
+    QLocalSocket socket;
+    socket.connectToServer(serviceSocketPath(folder.filePath(u"service"_s)));
+    ucred listener = {};
+    socklen_t size = sizeof(listener);
+    const bool isKnown =
+        socket.waitForConnected() && ::getsockopt(int(socket.socketDescriptor()), SOL_SOCKET,
+                                                  SO_PEERCRED, &listener, &size) == 0;
+    return isKnown ? listener.pid : 0;
+}
+
+QString problemOf(LocalService& service)
+{
+    try {
+        awaited(service.address());
+    } catch (const TransportError& error) {
+        return error.text();
     }
-    return 0;
+    return {};
+}
+
+void writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
 }
 
 }    // namespace
@@ -59,9 +77,9 @@ TEST(LocalService, IsStartedOnceForAllAndAnewWhenItIsGone)
     EXPECT_EQ(awaited(first.address()), address);    // known by now
     EXPECT_EQ(statusOf(address), 200);
 
-    const qint64 process = processOf(folder);
+    const pid_t process = processOf(folder);
     ASSERT_GT(process, 0);
-    ASSERT_EQ(::kill(pid_t(process), SIGKILL), 0);
+    ASSERT_EQ(::kill(process, SIGKILL), 0);
     QElapsedTimer watch;
     watch.start();
     while (!first.knownAddress().isEmpty() && watch.elapsed() < 5000)
@@ -76,12 +94,46 @@ TEST(LocalService, TellsWhenThereIsNoProgramAndLetsGoOfWhoWaits)
     LocalService::Place place = placeIn(folder);
     place.program = folder.filePath(u"absent"_s);
     LocalService absent(place);
-    EXPECT_THROW(awaited(absent.address()), TransportError);
+    EXPECT_TRUE(problemOf(absent).contains(place.program));
 
     auto leaving = std::make_unique<LocalService>(placeIn(folder));
     QCoro::Task<QUrl> waiting = leaving->address();
     leaving.reset();
     EXPECT_THROW(awaited(std::move(waiting)), TransportError);
+}
+
+TEST(LocalService, TellsAtOnceWhyItCouldNotStart)
+{
+    const QTemporaryDir folder;
+    LocalService::Place place = placeIn(folder);
+    place.longestStart = std::chrono::hours(1);
+    QDir().mkpath(place.data);
+    writeFile(place.data + u"/servicio.sqlite"_s, QByteArray(9000, 'x'));
+    LocalService service(place);
+    EXPECT_TRUE(problemOf(service).contains(u"dañada. Se ha apartado"_s));
+    EXPECT_EQ(problemOf(service), QString()) << "the user knows, and another one begins";
+    // A process that cannot run leaves what the system says of it.
+    const QTemporaryDir other;
+    place = placeIn(other);
+    place.program = other.filePath(u"roto"_s);
+    place.longestStart = std::chrono::hours(1);
+    writeFile(place.program, "#!/bin/sh\necho falta una biblioteca >&2\nexit 127\n");
+    QFile::setPermissions(place.program, QFile::ReadOwner | QFile::ExeOwner);
+    LocalService broken(place);
+    EXPECT_TRUE(problemOf(broken).endsWith(u": falta una biblioteca"_s));
+}
+
+TEST(LocalService, TrustsNoOtherUserInItsPlace)
+{
+    if (!canBeNobody())
+        GTEST_SKIP() << "only root can act as another user";
+    const QTemporaryDir folder;
+    const LocalService::Place place = placeIn(folder);
+    ASSERT_TRUE(QDir().mkpath(place.data));
+    const NobodyListening stranger(serviceSocketPath(place.data).toLocal8Bit().constData(),
+                                   "http://127.0.0.1:9\n");
+    LocalService service(place);
+    EXPECT_TRUE(problemOf(service).contains(u"otro usuario"_s));
 }
 
 TEST(LocalService, GivesUpOnOneThatDoesNotAnswerAsItShould)

@@ -1,5 +1,7 @@
 #include "app/SingleInstance.h"
 
+#include "tests/Nobody.h"
+
 #include <QDir>
 #include <QFile>
 #include <QLocalSocket>
@@ -9,12 +11,29 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
 #include <thread>
 
 using namespace Qt::StringLiterals;
 using Outcome = InstanceClaim::Outcome;
 
 namespace {
+
+class SingleInstanceTest : public testing::Test {
+protected:
+    void SetUp() override { qputenv("XDG_RUNTIME_DIR", folder.path().toLocal8Bit()); }
+    void TearDown() override
+    {
+        if (m_before.isNull())
+            qunsetenv("XDG_RUNTIME_DIR");
+        else
+            qputenv("XDG_RUNTIME_DIR", m_before);
+    }
+    const QTemporaryDir folder;
+
+private:
+    const QByteArray m_before = qgetenv("XDG_RUNTIME_DIR");
+};
 
 QString socketIn(const QTemporaryDir& folder)
 {
@@ -25,17 +44,15 @@ QString socketIn(const QTemporaryDir& folder)
 
 }    // namespace
 
-TEST(SingleInstance, startsAtOnceEndAsOneWithEverythingHandedOver)
+TEST_F(SingleInstanceTest, startsAtOnceEndAsOneWithEverythingHandedOver)
 {
-    const QTemporaryDir folder;
-    // What a killed run leaves: a socket nobody listens on, and the lock of a process that is gone.
-    const InstanceFolders folders{folder.path(), folder.path()};
+    // What a killed run of an older version leaves: a lock with a number that lives again.
     QFile lock(folder.filePath(u"moltiva.lock"_s));
     ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
-    lock.write("4194305\nmoltiva\n\n");
+    lock.write("1\nmoltiva\n\n");
     lock.close();
 
-    auto claim = claimInstance(folders, {});
+    const InstanceClaim claim = claimInstance(folder.path(), {});
     ASSERT_EQ(claim.outcome, Outcome::first);
     std::atomic<int> handed = 0;
     std::vector<std::thread> starts;
@@ -44,11 +61,11 @@ TEST(SingleInstance, startsAtOnceEndAsOneWithEverythingHandedOver)
         starts.emplace_back([&, i] {
             const QList<QUrl> own{QUrl::fromLocalFile(u"/fotos/%1.jpg"_s.arg(i)),
                                   QUrl(u"moltiva://pago?n=%1"_s.arg(i))};
-            handed += claimInstance(folders, own).outcome == Outcome::handedOver;
+            handed += claimInstance(folder.path(), own).outcome == Outcome::handedOver;
         });
     }
     QTest::qSleep(100);    // they wait for the first to listen
-    SingleInstance first(std::move(claim), folders);
+    SingleInstance first(folder.path());
     QSet<QUrl> opened;
     QObject::connect(&first, &SingleInstance::handedOver,
                      [&](const QList<QUrl>& urls) { opened += QSet(urls.begin(), urls.end()); });
@@ -61,11 +78,27 @@ TEST(SingleInstance, startsAtOnceEndAsOneWithEverythingHandedOver)
               QFile::Permissions());
 }
 
-TEST(SingleInstance, nonsenseOnTheSocketOpensNothing)
+TEST_F(SingleInstanceTest, nothingIsHandedToAnotherUserWhoListensThere)
 {
-    const QTemporaryDir folder;
-    const InstanceFolders folders{folder.path(), folder.path()};
-    SingleInstance first(claimInstance(folders, {}), folders);
+    if (!canBeNobody())
+        GTEST_SKIP() << "only root can act as another user";
+    InstanceClaim claim = claimInstance(folder.path(), {});
+    const QString path = [&] {
+        const SingleInstance learning(folder.path());
+        return socketIn(folder);
+    }();
+    NobodyListening stranger(path.toLocal8Bit().constData(), "1");
+    auto later = std::async(std::launch::async, [&] {
+        return claimInstance(folder.path(), {QUrl(u"moltiva://auth?token=secreto"_s)}).outcome;
+    });
+    EXPECT_EQ(stranger.heardBytes(), 0);
+    claim.lock.reset();
+    EXPECT_EQ(later.get(), Outcome::first);
+}
+
+TEST_F(SingleInstanceTest, nonsenseOnTheSocketOpensNothing)
+{
+    SingleInstance first(folder.path());
     QSignalSpy opened(&first, &SingleInstance::handedOver);
     QLocalSocket socket;
     socket.connectToServer(socketIn(folder));

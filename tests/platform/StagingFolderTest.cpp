@@ -1,4 +1,5 @@
 #include "platform/StagingFolder.h"
+#include "platform/PrivateSocket.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -61,4 +64,57 @@ TEST(ProgramRun, IsKnownToOthersAsLongAsItLasts)
     write(left);
     EXPECT_FALSE(ProgramRun(place.path()).name().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(left)) << "locks of ended runs would add up";
+}
+
+TEST(SystemLock, IsFreeWhateverAnEndedProcessLeft)
+{
+    const QTemporaryDir place;
+    const QString path = place.filePath(u"a.lock"_s);
+    using State = SystemLock::State;
+    EXPECT_EQ(SystemLock(path, SystemLock::Open::existing).state(), State::missing);
+    for (const QByteArray left : {"", "1\nmoltiva\nhost\n", "\xff\xfe no text"}) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(left) == left.size());
+        EXPECT_TRUE(file.setPermissions({}));
+        const SystemLock lock(path);
+        EXPECT_EQ(lock.state(), State::ours) << left.constData();
+        EXPECT_EQ(SystemLock(path).state(), State::others) << left.constData();
+        EXPECT_EQ(SystemLock(path, SystemLock::Open::fresh).state(), State::impossible);
+    }
+    EXPECT_FALSE(QFileInfo::exists(path));
+    EXPECT_EQ(SystemLock(place.path()).state(), State::impossible);
+}
+
+TEST(PrivateSocket, StandsInAFolderThatIsTheUsersAlone)
+{
+    const QTemporaryDir runtime, data, shared;
+    const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
+    const auto pathWith = [&](const QString& folder, const QString& dataFolder) {
+        qputenv("XDG_RUNTIME_DIR", folder.toLocal8Bit());
+        return privateSocketPath(u"x.socket"_s, dataFolder);
+    };
+    EXPECT_EQ(pathWith(runtime.path(), data.path()), runtime.filePath(u"x.socket"_s));
+
+    QFile::setPermissions(shared.path(), QFile::permissions(shared.path()) | QFile::ExeOther);
+    const QString link = data.filePath(u"link"_s);
+    QFile::link(runtime.path(), link);
+    // Made by the session manager, where there is one.
+    const QString system = u"/run/user/%1"_s.arg(::geteuid());
+    const bool hasSystem = QFileInfo::exists(system);
+    const QString beside = hasSystem ? system : data.filePath(u"run"_s);
+    for (const QString& wrong : {shared.path(), link, u"relative"_s, u"/nowhere"_s, QString()})
+        EXPECT_EQ(pathWith(wrong, data.path()), beside + u"/x.socket"_s) << qPrintable(wrong);
+    if (!hasSystem) {
+        EXPECT_EQ(QFile::permissions(beside) & (QFile::ReadGroup | QFile::ExeOther),
+                  QFile::Permissions());
+        const QString deep = data.filePath(QString(100, u'a'));
+        QDir().mkdir(deep);
+        EXPECT_EQ(pathWith({}, deep), QString()) << "it would be cut";
+    }
+    if (::geteuid() == 0 && ::chown(runtime.path().toLocal8Bit().constData(), 65534, 65534) == 0)
+        EXPECT_EQ(pathWith(runtime.path(), data.path()), beside + u"/x.socket"_s) << "another's";
+    if (before.isNull())
+        qunsetenv("XDG_RUNTIME_DIR");
+    else
+        qputenv("XDG_RUNTIME_DIR", before);
 }

@@ -1,6 +1,7 @@
 #include "tests/service/TestService.h"
 
 #include "model/GeneratedCopy.h"
+#include "service/Accounts.h"
 #include "service/Routes.h"
 
 #include <QBuffer>
@@ -102,8 +103,17 @@ TEST(Endpoints, accountFromSignUpToSignOut)
 
     const std::string first = service.cookies["tallerio_session"];
     const std::string email = "ana@ejemplo.es", word = TestService::password;
-    EXPECT_EQ(service.post("/api/auth/login", {{"email", email}, {"password", word}}).status, 200);
+    const Json credentials{{"email", email}, {"password", word}};
+    service.cookies.clear();
+    EXPECT_EQ(service.post("/api/auth/login", credentials).status, 200);
+    const std::string replaced = service.cookies["tallerio_session"];
+    EXPECT_EQ(service.post("/api/auth/login", credentials).status, 200);
     const std::string second = service.cookies["tallerio_session"];
+    service.cookies["tallerio_session"] = replaced;
+    EXPECT_EQ(service.get("/api/auth/me").status, 401) << "the session that signed in again ends";
+    service.cookies["tallerio_session"] = first;
+    EXPECT_EQ(service.get("/api/auth/me").status, 200) << "and no other";
+    service.cookies["tallerio_session"] = second;
     const auto change = [](const char* current, const char* next, const char* again) {
         return Json{
             {"currentPassword", current}, {"newPassword", next}, {"confirmNewPassword", again}};
@@ -252,6 +262,10 @@ TEST(Endpoints, copyComesFromTheProviderForReservedCreditsOnly)
     EXPECT_EQ(service.post(generate, copyOrder("a")).error(), "model_not_configured");
     service.provider.model = u"modelo"_s;
     EXPECT_EQ(service.post(generate, copyOrder("a")).error(), "provider_request_failed");
+    service.provider.address = u"http://192.0.2.1/v1"_s;
+    service.provider.key = u"llave"_s;
+    EXPECT_EQ(service.post(generate, copyOrder("a")).error(), "provider_not_supported")
+        << "a key in the clear";
 
     httplib::Server provider;
     std::string answer = "nada";
@@ -396,8 +410,21 @@ TEST(Endpoints, templatesAreTheAdministrators)
     };
     service.signUp();
     EXPECT_EQ(service.post(upload, file("a.json", "{}")).error(), "admin_required");
+    const auto isAdministrator = [&] {
+        return service.get("/api/auth/me").json()["profile"]["isAdmin"] == true;
+    };
     service.signUp("jefa@ejemplo.es");
-    EXPECT_EQ(service.get("/api/auth/me").json()["profile"]["isAdmin"], true);
+    EXPECT_TRUE(isAdministrator());
+    TestService shared(u"127.0.0.1"_s, ServiceAudience::everybody);
+    shared.signUp("jefa@ejemplo.es");
+    EXPECT_EQ(shared.post(upload, file("a.json", "{}")).error(), "admin_required")
+        << "whoever comes first";
+    {
+        Transaction transaction(shared.service().database());
+        nameAdministrator(transaction, *accountWithEmail(transaction, u"jefa@ejemplo.es"_s));
+        transaction.commit();
+    }
+    EXPECT_EQ(shared.post(upload, file("a.json", "{}")).status, 200);
     const char* wrong = "invalid_template";
     expectRefused(
         service,
@@ -409,6 +436,10 @@ TEST(Endpoints, templatesAreTheAdministrators)
          {"/api/publicaciones/templates/delete", {{"fileName", "../servicio.json"}}, 400, wrong}});
     EXPECT_EQ(service.post(upload, file("a.json", "{\"a\":1}")).status, 200);
     Json renamed = file("b.json", "{}");
+    for (const char* outside : {"../servicio.sqlite", "../x.json", "/tmp/x.json"}) {
+        renamed["oldFileName"] = outside;
+        EXPECT_EQ(service.post(upload, renamed).error(), wrong) << outside;
+    }
     renamed["oldFileName"] = "a.json";
     EXPECT_EQ(service.post(upload, renamed).status, 200);
     const QDir stored(service.folder().filePath(u"plantillas"_s));

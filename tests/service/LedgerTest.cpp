@@ -90,6 +90,28 @@ TEST_F(LedgerTest, entriesAreNeitherChangedNorDroppedNorWrong)
     EXPECT_FALSE(ledgerAddsUp(transaction));
 }
 
+TEST_F(LedgerTest, balancesGrowBeyondWhatAnOlderFileAllowed)
+{
+    EXPECT_EQ(after(reserveCredits, 10, u"a"_s), "ok 9990");
+    {
+        Transaction transaction(m_database);
+        transaction.run("PRAGMA writable_schema = ON");
+        transaction.run("UPDATE sqlite_schema SET sql = replace(sql, 'balance >= 0',"
+                        " 'balance BETWEEN 0 AND 2000000000')");
+        transaction.run("PRAGMA user_version = 2");
+        transaction.commit();
+    }
+    Database database(m_folder.filePath(u"libro.sqlite"_s));
+    Transaction transaction(database);
+    transaction.run("INSERT INTO ledger_entry (account, kind, amount, balance, note, created)"
+                    " VALUES (1, 'purchase', 3000000000, 3000009990, '', 1)");
+    refundCredits(transaction, m_account, 10, u"a"_s, 1);
+    EXPECT_EQ(balance(transaction, m_account), 3'000'010'000);
+    EXPECT_THROW(addPurchase(transaction, m_account, 1, {}, 1);
+                 transaction.run("DELETE FROM ledger_entry"), DatabaseError)
+        << "its rules came along";
+}
+
 TEST_F(LedgerTest, manyAtOnceNeverOverdraw)
 {
     std::atomic<int> charged = 0;

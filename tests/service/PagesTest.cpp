@@ -73,6 +73,11 @@ TEST(Pages, passwordIsRecoveredOnceThroughTheMail)
     const auto mail = service.get(linkIn(service.get("/correo").body, "/correo/"));
     const std::string link = linkIn(mail.body, "/restablecer?token=");
     ASSERT_FALSE(link.empty());
+    service.now += 1000;
+    EXPECT_EQ(service.post(request, {{"email", "ana@ejemplo.es"}}).status, 200);
+    const std::string other = linkIn(
+        service.get(linkIn(service.get("/correo").body, "/correo/")).body, "/restablecer?token=");
+    EXPECT_EQ(service.get(other).status, 200);
     const std::string token = link.substr(link.find('=') + 1);
 
     const auto fill = [&](const char* first, const char* second) {
@@ -84,6 +89,7 @@ TEST(Pages, passwordIsRecoveredOnceThroughTheMail)
     EXPECT_EQ(fill("nueva-clave", "otra-clave"), 400);
     EXPECT_EQ(fill("nueva-clave", "nueva-clave"), 200);
     EXPECT_EQ(service.get(link).status, 404) << "used";
+    EXPECT_EQ(service.get(other).status, 404) << "asked for as well, before";
     EXPECT_EQ(service.get("/api/auth/me").status, 401) << "all sessions end";
     EXPECT_EQ(
         service.post("/api/auth/login", {{"email", "ana@ejemplo.es"}, {"password", "nueva-clave"}})
@@ -96,7 +102,7 @@ TEST(Pages, passwordIsRecoveredOnceThroughTheMail)
     EXPECT_EQ(service.get(linkIn(late.body, "/restablecer?token=")).status, 404) << "too late";
     for (int i = 0; i < 9; ++i)
         service.post(request, {{"email", "ana@ejemplo.es"}});
-    EXPECT_EQ(QDir(service.folder().filePath(u"correo"_s)).entryList({u"*.eml"_s}).size(), 7)
+    EXPECT_EQ(QDir(service.folder().filePath(u"correo"_s)).entryList({u"*.eml"_s}).size(), 8)
         << "five within a quarter of an hour";
 }
 
@@ -119,7 +125,12 @@ TEST(Pages, googleEndsInALinkThatSignsInOnceAndSoon)
     const auto made = service.post(exchange, token);
     EXPECT_EQ(made.json()["profile"]["email"], "ana@ejemplo.es");
     EXPECT_EQ(service.post(exchange, token).error(), "invalid_credentials") << "used";
+    const std::string before = service.cookies["tallerio_session"];
     const auto again = service.post(exchange, tokenIn(enter("ANA@ejemplo.es", "entrar")));
+    const std::string after = std::exchange(service.cookies["tallerio_session"], before);
+    EXPECT_EQ(service.get("/api/auth/me").status, 401) << "the session that it replaced";
+    service.cookies["tallerio_session"] = after;
+    EXPECT_EQ(service.get("/api/auth/me").status, 200);
     EXPECT_EQ(again.json()["profile"]["id"], made.json()["profile"]["id"]);
     const Json old = tokenIn(enter("ana@ejemplo.es", "entrar"));
     service.now += 5 * 60 * 1000;

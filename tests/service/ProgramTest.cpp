@@ -62,6 +62,9 @@ TEST_F(ProgramTest, oneServesAFolderAndOthersFindItThere)
 
     first.kill();
     first.waitForFinished();
+    QFile lock(data() + u"/servicio.lock"_s);
+    EXPECT_TRUE(lock.open(QIODevice::WriteOnly) && lock.write("1\nmoltiva-service\n") > 0)
+        << "as an older version left it, with a number that lives again";
     start(third);
     EXPECT_EQ(third.readLine(), address) << "open pages stay of use after a crash";
     third.terminate();
@@ -69,6 +72,7 @@ TEST_F(ProgramTest, oneServesAFolderAndOthersFindItThere)
     EXPECT_EQ(third.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(third.exitCode(), 0);
     EXPECT_LE(QFile(data() + u"/servicio.sqlite-wal"_s).size(), 0) << "the log is in the file";
+    EXPECT_FALSE(lock.exists());
 }
 
 TEST_F(ProgramTest, endsSoonAfterTheLastVisitorWent)
@@ -122,8 +126,12 @@ TEST_F(ProgramTest, whoVanishesAtOnceIsCountedOnce)
 
 TEST_F(ProgramTest, refusesWrongUseAndFoldersItCannotUse)
 {
-    for (const QStringList& wrong :
-         {QStringList{u"--port"_s, u"70000"_s}, {u"--port"_s, u"x"_s}, {u"más"_s}, {u"--nada"_s}}) {
+    for (const QStringList& wrong : {QStringList{u"--port"_s, u"70000"_s},
+                                     {u"--port"_s, u"x"_s},
+                                     {u"más"_s},
+                                     {u"--nada"_s},
+                                     {u"--administrator"_s, u"a@b.es"_s},
+                                     {u"--name-administrator"_s, QString()}}) {
         QProcess program;
         start(program, wrong);
         EXPECT_TRUE(hasEnded(program));
@@ -132,13 +140,49 @@ TEST_F(ProgramTest, refusesWrongUseAndFoldersItCannotUse)
     QDir().mkpath(data());
     const auto shared = QFile::permissions(data()) | QFile::ReadGroup | QFile::ExeGroup;
     QFile::setPermissions(data(), shared);
-    QFile broken(data() + u"/servicio.sqlite"_s);
-    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
-    broken.write(QByteArray(5000, 'x'));
-    broken.close();
     QProcess program;
     start(program);
+    program.kill();
     EXPECT_TRUE(hasEnded(program));
-    EXPECT_EQ(program.exitCode(), 1);
     EXPECT_EQ(QFile::permissions(data()), shared) << "a folder of the user's stays as it was";
+}
+
+TEST_F(ProgramTest, aLostLedgerIsToldBeforeAnotherBegins)
+{
+    const QString file = data() + u"/servicio.sqlite"_s;
+    // What is said at the start; empty when it runs, which is then over.
+    const auto startAndEnd = [&] {
+        QProcess program;
+        start(program);
+        if (!program.readAllStandardOutput().isEmpty())
+            program.terminate();
+        EXPECT_TRUE(hasEnded(program));
+        const QString told = QString::fromUtf8(program.readAllStandardError());
+        EXPECT_EQ(program.exitCode(), told.isEmpty() ? 0 : 1);
+        return told;
+    };
+    EXPECT_EQ(startAndEnd(), QString());
+    QFile ledger(file);
+    // A page in the middle; the first bytes are whole.
+    EXPECT_TRUE(ledger.open(QIODevice::ReadWrite) && ledger.seek(ledger.size() / 2) &&
+                ledger.write(QByteArray(5000, 'x')) == 5000);
+    ledger.close();
+    const QString told = startAndEnd();
+    const QString aside =
+        QDir(data()).entryList({u"servicio.sqlite.apartada-*"_s}, QDir::Files).value(0);
+    EXPECT_TRUE(!aside.isEmpty() && told.contains(u"dañada. Se ha apartado como «%1»"_s.arg(aside)))
+        << qPrintable(told);
+    EXPECT_EQ(startAndEnd(), QString()) << "the user knows";
+    for (const bool isEmpty : {false, true}) {
+        ASSERT_TRUE(QFile::remove(file));
+        if (isEmpty) {
+            EXPECT_TRUE(QFile(file).open(QIODevice::WriteOnly));
+        }
+        EXPECT_TRUE(startAndEnd().contains(u"ha desaparecido"_s));
+        EXPECT_EQ(startAndEnd(), QString());
+    }
+    QProcess naming;
+    start(naming, {u"--name-administrator"_s, u"nadie@ejemplo.es"_s});
+    EXPECT_TRUE(hasEnded(naming));
+    EXPECT_EQ(naming.exitCode(), 1) << "there is no such account";
 }

@@ -27,8 +27,10 @@ public:
         }
     };
 
-    explicit TestService(const QString& host = QStringLiteral("127.0.0.1"))
+    explicit TestService(const QString& host = QStringLiteral("127.0.0.1"),
+                         ServiceAudience audience = ServiceAudience::ownUser)
         : m_service({.dataFolder = m_folder.path(),
+                     .audience = audience,
                      .administrator = QStringLiteral("Jefa@Ejemplo.es"),
                      .copyProvider = [this] { return provider; },
                      .now = [this] { return now.load(); }}),
