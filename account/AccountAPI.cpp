@@ -442,7 +442,7 @@ AccountAPI::purchaseDocumentLink(const QString& purchaseId, std::stop_token stop
 }
 
 QCoro::Task<CreditOperationResponse>
-AccountAPI::reserveSocialCopyCredits(int cost, const QString& requestId, std::stop_token stop)
+AccountAPI::reserveSocialCopyCredits(qint64 cost, const QString& requestId, std::stop_token stop)
 {
     Call call{"POST", "/api/credits/social-copy/reserve",
               toWire(CreditOperationRequest{cost, requestId})};
@@ -450,7 +450,7 @@ AccountAPI::reserveSocialCopyCredits(int cost, const QString& requestId, std::st
 }
 
 QCoro::Task<CreditOperationResponse>
-AccountAPI::refundSocialCopyCredits(int cost, const QString& requestId, std::stop_token stop)
+AccountAPI::refundSocialCopyCredits(qint64 cost, const QString& requestId, std::stop_token stop)
 {
     Call call{"POST", "/api/credits/social-copy/refund",
               toWire(CreditOperationRequest{cost, requestId})};

@@ -57,9 +57,9 @@ public:
                                                                    std::stop_token stop = {});
 
     QCoro::Task<CreditOperationResponse>
-    reserveSocialCopyCredits(int cost, const QString& requestId, std::stop_token stop = {});
-    QCoro::Task<CreditOperationResponse> refundSocialCopyCredits(int cost, const QString& requestId,
-                                                                 std::stop_token stop = {});
+    reserveSocialCopyCredits(qint64 cost, const QString& requestId, std::stop_token stop = {});
+    QCoro::Task<CreditOperationResponse>
+    refundSocialCopyCredits(qint64 cost, const QString& requestId, std::stop_token stop = {});
 
     QCoro::Task<CloudCopyConfig> socialCopyConfig(std::stop_token stop = {});
     QCoro::Task<GeneratedCopy> generateSocialCopy(const QUrl& image, const QString& objective,

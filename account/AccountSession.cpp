@@ -506,7 +506,7 @@ QCoro::Task<> AccountSession::openDocument(QString purchaseId)
     tell(u"Factura abierta."_s);
 }
 
-QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, const QString& requestId)
+QCoro::Task<> AccountSession::reserveCloudCopyCredits(qint64 cost, const QString& requestId)
 {
     const auto reserving = [this, cost, requestId] {
         return moveCredits(m_api.reserveSocialCopyCredits(cost, requestId, m_stop.get_token()),
@@ -515,7 +515,7 @@ QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, const QString& r
     return attempt(reserving, About::charge);
 }
 
-QCoro::Task<> AccountSession::refundCloudCopyCredits(int cost, const QString& requestId)
+QCoro::Task<> AccountSession::refundCloudCopyCredits(qint64 cost, const QString& requestId)
 {
     const auto refunding = [this, cost, requestId] {
         return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()),
@@ -524,7 +524,7 @@ QCoro::Task<> AccountSession::refundCloudCopyCredits(int cost, const QString& re
     return attempt(refunding, About::charge);
 }
 
-QCoro::Task<> AccountSession::refundCreditsSilently(int cost, const QString& requestId)
+QCoro::Task<> AccountSession::refundCreditsSilently(qint64 cost, const QString& requestId)
 {
     return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()), {});
 }
@@ -577,7 +577,7 @@ void AccountSession::setAccount(const AccountSummary& account)
     Q_EMIT changed();
 }
 
-void AccountSession::setBalance(int balance)
+void AccountSession::setBalance(qint64 balance)
 {
     AccountSummary account = m_account;
     account.balance = balance;

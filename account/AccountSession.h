@@ -85,10 +85,10 @@ public:
 
     // Throw what the client throws, which is told too: who pays must know. A CreditJournal calls
     // them, for whoever charges something.
-    QCoro::Task<> reserveCloudCopyCredits(int cost, const QString& requestId);
-    QCoro::Task<> refundCloudCopyCredits(int cost, const QString& requestId);
+    QCoro::Task<> reserveCloudCopyCredits(qint64 cost, const QString& requestId);
+    QCoro::Task<> refundCloudCopyCredits(qint64 cost, const QString& requestId);
     // The same without a word.
-    QCoro::Task<> refundCreditsSilently(int cost, const QString& requestId);
+    QCoro::Task<> refundCreditsSilently(qint64 cost, const QString& requestId);
 
     // In the browser; only a failure is told. Gives whether it was opened.
     bool openPage(const QUrl& url);
@@ -132,7 +132,7 @@ private:
     void changeUser(const AccountSummary& account);
     void syncWhileSignedIn();
     void setAccount(const AccountSummary& account);
-    void setBalance(int balance);
+    void setBalance(qint64 balance);
     void tell(const QString& message, Told told = Told::info, About about = About::account);
     static Told toldOf(const std::exception& failure);
     void openInBrowser(const QUrl& url);    // throws AccountError when it is not

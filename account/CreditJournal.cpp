@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 struct OpenReservation {
     QString requestId, account, what;
     QString run;    // of the program, that works on it
-    int cost = 0;
+    qint64 cost = 0;
     bool isReserved = false;    // the service said so, and the user was not told otherwise
     double lateUntil = 0;       // a reservation may still arrive until then; ms since the epoch
     double lateBefore = 0;      // the same of an entry that this one took over
@@ -189,7 +189,7 @@ QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation o
 
 // Waits until nobody gives back what is to be paid again, and does so himself with what was asked
 // for at another price. Gives why it cannot be paid now.
-QCoro::Task<QString> CreditJournal::freed(QString key, int cost)
+QCoro::Task<QString> CreditJournal::freed(QString key, qint64 cost)
 {
     const QPointer<CreditJournal> self = this;
     QString refusal;
@@ -437,7 +437,7 @@ QCoro::Task<> CreditJournal::settleAll()
     m_isSettling = true;
     m_settledAll.reset();
     const QString account = m_account.accountKey();
-    int credits = 0;
+    qint64 credits = 0;
     QString what;
     const QStringList keys = keysLeftOpen();
     bool isReached = true;    // else each of the others would wait its whole time
@@ -447,7 +447,7 @@ QCoro::Task<> CreditJournal::settleAll()
             isLeftOpen(key) && claim(key) ? entryAt(key, m_preferences) : std::nullopt;
         if (!entry)
             continue;
-        const int balance = m_account.account().balance;
+        const qint64 balance = m_account.account().balance;
         QCoro::Task<Refund> refunding = giveBack(key, Telling::silently);
         const Refund refund = co_await std::move(refunding);
         if (!self)

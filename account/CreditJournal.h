@@ -19,7 +19,7 @@ class PreferencesStore;
 // Something that costs credits.
 struct ChargedOperation {
     QString requestId;    // the same for the same thing done to the same items
-    int cost = 0;         // 0: nothing is charged
+    qint64 cost = 0;      // 0: nothing is charged
     QString what;         // for the user: "una exportación"
     QStringList
         covers;    // names of what is paid for: nobody pays for one of them at the same time
@@ -86,7 +86,7 @@ public:
 
 Q_SIGNALS:
     // Credits came back that an earlier operation had left open.
-    void refunded(int credits, const QString& what);
+    void refunded(qint64 credits, const QString& what);
 
 private:
     enum class Refund {
@@ -99,7 +99,7 @@ private:
 
     void accountChanged();
     QCoro::Task<ChargeResult> reserve(QString key, ChargedOperation operation);
-    QCoro::Task<QString> freed(QString key, int cost);
+    QCoro::Task<QString> freed(QString key, qint64 cost);
     QString open(const QString& key, const ChargedOperation& operation);
     bool isBeingPaid(const QStringList& what) const;
     template <typename Change>

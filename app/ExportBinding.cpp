@@ -49,8 +49,8 @@ ExportBinding::ExportBinding(StudioSession& session, AccountSession& account,
 ExportOffer ExportBinding::offer() const
 {
     const Batch& batch = m_session.batch();
-    const int balance = m_account.account().balance;
-    const auto atMost = [](qsizetype images) { return int(images) * exportCreditCost; };
+    const qint64 balance = m_account.account().balance;
+    const auto atMost = [](qsizetype images) { return images * exportCreditCost; };
     return {.images = batch.items.size(),
             .selected = m_session.selectedIndicesForBatch().size(),
             .isRunning = m_session.isExporting(),

@@ -16,7 +16,7 @@ namespace {
 struct AccountLine {
     QString name;
     std::optional<QString> email;
-    int balance = 0;
+    qint64 balance = 0;
 };
 
 struct PurchaseLine {

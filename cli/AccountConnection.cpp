@@ -11,7 +11,7 @@ AccountConnection::AccountConnection(const ServiceConfiguration& configuration,
     : m_account(configuration, m_preferences, userDataFolder(),
                 {.openInBrowser = [](const QUrl&) { return false; }})
 {
-    const auto tellOfRefund = [tell](int credits, const QString& what) {
+    const auto tellOfRefund = [tell](qint64 credits, const QString& what) {
         tell(u"Se han devuelto %1 créditos: %2 no llegó a terminar."_s.arg(QString::number(credits),
                                                                            printable(what)));
     };

@@ -19,7 +19,7 @@ struct FileLine {
 struct SummaryLine {
     QString outcome, message;
     int written = 0, skipped = 0;
-    int cost = 0;    // credits that were charged and not given back
+    qint64 cost = 0;    // credits that were charged and not given back
     bool refundPending = false;
     double seconds = 0;
     double peakMemoryBytes = 0;
@@ -27,7 +27,7 @@ struct SummaryLine {
 };
 
 struct PriceLine {
-    int images = 0, unpaid = 0, cost = 0, balance = 0;
+    qint64 images = 0, unpaid = 0, cost = 0, balance = 0;
 };
 
 }    // namespace
@@ -173,11 +173,11 @@ void ExportReport::price(const ExportPrice& price)
     tell(sentenceOf(price));
 }
 
-void ExportReport::priceAlone(const ExportPrice& price, int balance)
+void ExportReport::priceAlone(const ExportPrice& price, qint64 balance)
 {
     clearBar();
     if (m_json)
-        printJson(PriceLine{int(price.images), int(price.unpaid), price.credits(), balance});
+        printJson(PriceLine{price.images, price.unpaid, price.credits(), balance});
     else
         print(stdout, sentenceOf(price));
 }

@@ -235,7 +235,7 @@ QCoro::Task<> chargeAndWrite(SharedRun run)
 {
     ExportOutcome& outcome = run->outcome;
     const QList<RenderedOutput> unpaid = unpaidOutputsOf(*run);
-    outcome.cost = exportCreditCost * int(unpaid.size());
+    outcome.cost = exportCreditCost * unpaid.size();
     const QPointer<AccountSession> account = run->services.account;
     const QPointer<CreditJournal> journal = run->services.journal;
     QString payer = run->request.payer;

@@ -58,7 +58,7 @@ struct ExportServices {
 struct ExportControl {
     std::atomic_bool stop = false;
     std::function<void(const ExportProgress&)> progressed;    // may be empty
-    std::function<void(int cost)> charging;                   // before the reservation; likewise
+    std::function<void(qint64 cost)> charging;                // before the reservation; likewise
     std::shared_ptr<StagingFolder> staging;                   // while it runs
 };
 
@@ -73,7 +73,7 @@ struct ExportOutcome {
     };
 
     State state = State::done;
-    int cost = 0;                    // credits that were charged, or would have been
+    qint64 cost = 0;                 // credits that were charged, or would have been
     bool isCharged = false;          // they were reserved
     bool isRefundPending = false;    // and come back later
     bool isRecorded = true;          // else a crash now would count as a failure

@@ -75,7 +75,7 @@ void StudioExports::setPayment(CreditJournal& journal, const QString& stagingPla
 {
     m_journal = &journal;
     m_stagingPlace = stagingPlace;
-    connect(&journal, &CreditJournal::refunded, this, [this](int credits, const QString& what) {
+    connect(&journal, &CreditJournal::refunded, this, [this](qint64 credits, const QString& what) {
         m_refundToTell +=
             u" Se han devuelto %1 créditos: %2 no llegó a terminar."_s.arg(credits).arg(what);
         if (m_session.didRestoreWorkspace() && !m_control)
@@ -189,7 +189,7 @@ void StudioExports::start(ExportKind kind, const QList<int>& indices,
         .paidMeanwhile = {}};
     m_control = std::make_shared<ExportControl>();
     m_control->progressed = [this](const ExportProgress& progress) { showProgress(progress); };
-    m_control->charging = [this](int cost) {
+    m_control->charging = [this](qint64 cost) {
         m_session.setStatus(u"Descontando %1 créditos..."_s.arg(cost));
     };
     showProgress({ExportProgress::Stage::rendering, 0, request.items.size()});

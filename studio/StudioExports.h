@@ -22,8 +22,11 @@ public:
     // The session's batch was changed.
     void follow();
     void lookAtPhotos() { m_costs.lookAtPhotos(); }
-    std::optional<int> displayedExportCurrentCost() const { return m_displayedExportCurrentCost; }
-    std::optional<int> displayedExportAllCost() const { return m_displayedExportAllCost; }
+    std::optional<qint64> displayedExportCurrentCost() const
+    {
+        return m_displayedExportCurrentCost;
+    }
+    std::optional<qint64> displayedExportAllCost() const { return m_displayedExportAllCost; }
     bool isPaid(QUuid item) const { return m_costs.isPaid(item); }
     bool areCostsUpToDate() const { return m_costs.isUpToDate(); }
 
@@ -52,7 +55,7 @@ private:
     std::shared_ptr<PhotoCache> m_photos;
     const OutputSize m_outputSize;
     RenderCosts m_costs;
-    std::optional<int> m_displayedExportCurrentCost, m_displayedExportAllCost;
+    std::optional<qint64> m_displayedExportCurrentCost, m_displayedExportAllCost;
     int m_shownPaidVersion = 0;
     QTimer m_costsAreLate;
     QString m_refundToTell;    // that came back while something else was being told

@@ -146,11 +146,14 @@ public:
     void applyStyle(const DesignTemplate& style);
 
     // What exporting would cost now, in credits; nothing while that is being found out.
-    std::optional<int> displayedExportCurrentCost() const
+    std::optional<qint64> displayedExportCurrentCost() const
     {
         return m_exports.displayedExportCurrentCost();
     }
-    std::optional<int> displayedExportAllCost() const { return m_exports.displayedExportAllCost(); }
+    std::optional<qint64> displayedExportAllCost() const
+    {
+        return m_exports.displayedExportAllCost();
+    }
     bool areCostsUpToDate() const { return m_exports.areCostsUpToDate(); }
     // The item as it stands was paid for.
     bool isPaid(QUuid item) const { return m_exports.isPaid(item); }

@@ -205,6 +205,8 @@ TEST_F(AccountAPITest, FailuresBecomeSentences)
         answer(row.status, row.body);
         EXPECT_EQ(outcome(api->me()), row.text);
     }
+    answer(200, R"({"balance":5000000000})");
+    EXPECT_EQ(awaited(api->me()).balance, 5'000'000'000);
     answer(400, R"({"error":"email_exists"})");
     try {
         awaited(api->me());
