@@ -40,9 +40,13 @@ public:
     bool isWorking() const { return m_actions > 0 || m_isSigningInOverWindow; }
     const QString& message() const { return m_message; }    // shown as it stands
     // Whether it tells that something could not be done.
-    bool isProblem() const { return m_told != Told::info; }
-    // And whether that was for want of an answer of the service.
+    bool isProblem() const
+    {
+        return m_told != Told::info && (m_told != Told::signedOut || isAuthenticated());
+    }
+    // And whether that was for want of an answer of the service, or of a session.
     bool isUnreachable() const { return m_told == Told::unreachable; }
+    bool needsSignIn() const { return m_told == Told::signedOut; }
     // Whether it tells of credits being reserved or given back, which whoever charges tells too.
     bool isAboutCharge() const { return m_isAboutCharge; }
     bool isOnlyCharging() const
@@ -104,7 +108,7 @@ Q_SIGNALS:
     void changed();
 
 private:
-    enum class Told { info, problem, unreachable };
+    enum class Told { info, problem, unreachable, signedOut };
     enum class About { account, charge };
 
     // The one wrapper of what users start: it marks the work and tells what failed. What `work`
@@ -126,7 +130,7 @@ private:
     QCoro::Task<> openDocument(QString purchaseId);
     QCoro::Task<> startGoogleLogin();
     QCoro::Task<> moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told);
-    QCoro::Task<CloudCopyConfig> configurationOrFallback(std::stop_token stop);
+    QCoro::Task<> configure();
 
     void receive(const AccountSummary& account);
     void changeUser(const AccountSummary& account);
