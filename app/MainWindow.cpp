@@ -746,6 +746,9 @@ void MainWindow::showStatus()
 {
     const Status status{.kind = kindOf(m_session.statusTone()), .sentence = m_session.status()};
     tell(m_exports->completed(status));
+    // The line lies under the gate.
+    if (isGated() && m_session.statusTone() == StatusTone::problem)
+        m_gate->login()->tellProblem(m_session.status());
 }
 
 // Whatever is told, the bar of what is going on stays.

@@ -119,7 +119,17 @@ void ExportReport::tell(const QString& sentence)
 
 void ExportReport::renamed(const QString& photo, const QString& path)
 {
-    tell(u"%1: otra foto se llama igual, se guarda como %2"_s.arg(photo, path.section(u'/', -1)));
+    const QString name = path.section(u'/', -1);
+    const bool isShortened = !name.startsWith(filenameOf(QUrl::fromLocalFile(photo)) + u'-');
+    tell((isShortened ? u"%1: el nombre es demasiado largo, se guarda como %2"_s
+                      : u"%1: otra foto se llama igual, se guarda como %2"_s)
+             .arg(photo, name));
+}
+
+void ExportReport::withoutTexts()
+{
+    ++m_failed;
+    tell(u"Ninguna fila de los textos corresponde a una de las fotos."_s);
 }
 
 void ExportReport::rowFailed(const RowProblem& problem)

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 class StudioSession;
+enum class StatusTone;
 
 // The exports of a session's batch and what they would cost.
 class StudioExports : public QObject {
@@ -43,6 +44,7 @@ Q_SIGNALS:
     void costsChanged();
 
 private:
+    void tellLater(const QString& sentence, StatusTone tone);
     std::optional<QList<int>> indicesOf(const QList<QUuid>& items);
     void start(ExportKind kind, const QList<int>& indices, const QStringList& destinations);
     static QCoro::Task<> runToEnd(QPointer<StudioExports> self, ExportRequest request,
