@@ -22,7 +22,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int panelWidth = 344, avatarSide = 40, scrollBar = 12, sectionGap = 12;
+constexpr int panelWidth = 344, sheetAvatarSide = 40, sheetScrollBar = 12, sectionGap = 12;
 
 // A column without margins of its own.
 QVBoxLayout* rowsOf(QWidget* widget, int spacing)
@@ -76,7 +76,7 @@ AccountPanelView::AccountPanelView(QWidget* owner)
 QWidget* AccountPanelView::header()
 {
     auto* section = new QWidget;
-    m_avatar = new Avatar(avatarSide);
+    m_avatar = new Avatar(sheetAvatarSide);
     m_name = new Caption(Type::largeSemibold, &Theme::text);
     m_balance = new Caption(Type::small, &Theme::text2);
     m_fold = new IconButton(Icon::fold, u"Ocultar detalles"_s, 32);
@@ -281,7 +281,7 @@ void AccountPanelView::fit()
 void AccountPanelView::resizeEvent(QResizeEvent*)
 {
     // The bar has its room in the padding.
-    m_area->setGeometry(content().adjusted(0, 0, scrollBar, 0));
+    m_area->setGeometry(content().adjusted(0, 0, sheetScrollBar, 0));
 }
 
 void AccountPanelView::keyPressEvent(QKeyEvent* event)

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int longestLine = 300;
-constexpr int longestText = 4000;    // with a long address in it
+constexpr int profileLongestText = 4000;    // with a long address in it
 
 QString harmless(const QString& text)
 {
@@ -41,7 +41,7 @@ QString shownLine(const QString& text)
 
 QString shownText(const QString& text)
 {
-    return shortened(harmless(text.left(2 * longestText)).trimmed(), longestText);
+    return shortened(harmless(text.left(2 * profileLongestText)).trimmed(), profileLongestText);
 }
 
 QString initialsOf(const QString& name)

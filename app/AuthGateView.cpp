@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int markSide = 56, spinnerSide = 24;
+constexpr int gateMarkSide = 56, spinnerSide = 24;
 
 QWidget* checkingPage()
 {
@@ -24,7 +24,7 @@ QWidget* checkingPage()
     auto* rows = new QVBoxLayout(page);
     rows->setSpacing(0);
     rows->addStretch(1);
-    rows->addWidget(new Mark(markSide), 0, Qt::AlignHCenter);
+    rows->addWidget(new Mark(gateMarkSide), 0, Qt::AlignHCenter);
     rows->addSpacing(28);
     rows->addWidget(new Spinner(spinnerSide), 0, Qt::AlignHCenter);
     rows->addSpacing(16);

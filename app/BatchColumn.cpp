@@ -6,8 +6,9 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int headerHeight = 40, footerHeight = 44, side = 16;
-constexpr int narrowest = 111, widest = 479;    // without the hairline at the right
+constexpr int batchHeaderHeight = 40, footerHeight = 44, batchColumnSide = 16;
+constexpr int narrowestBatch = 111,
+              widestBatch = 479;    // without the hairline at the right
 }    // namespace
 
 BatchColumn::BatchColumn(QWidget* parent)
@@ -15,8 +16,8 @@ BatchColumn::BatchColumn(QWidget* parent)
       m_selectAll(new IconButton(Icon::selectAll, u"Seleccionar todas las imágenes"_qs, 32, this)),
       m_discard(new IconButton(Icon::discard, u"Descartar imagen"_qs, 32, this))
 {
-    setMinimumWidth(narrowest);
-    setMaximumWidth(widest);
+    setMinimumWidth(narrowestBatch);
+    setMaximumWidth(widestBatch);
     connect(m_grid, &TileGrid::picturesWanted, this, &BatchColumn::picturesWanted);
     connect(m_grid, &TileGrid::clicked, this, &BatchColumn::clicked);
     connect(m_grid, &TileGrid::contextMenuRequested, this, &BatchColumn::contextMenuRequested);
@@ -72,10 +73,10 @@ void BatchColumn::resizeEvent(QResizeEvent*)
 
 void BatchColumn::place()
 {
-    m_grid->setGeometry(0, headerHeight, width(), height() - headerHeight - footerHeight);
+    m_grid->setGeometry(0, batchHeaderHeight, width(), height() - batchHeaderHeight - footerHeight);
     const QSize badge = m_count->sizeHint();
     const int title = qCeil(textWidth(Type::heading, u"Lote"_qs));
-    m_count->setGeometry(side + title + 6, 12, badge.width(), badge.height());
+    m_count->setGeometry(batchColumnSide + title + 6, 12, badge.width(), badge.height());
     const int top = height() - footerHeight + 7;
     const int pair = 2 * 32 + 2;
     const int left = narrow() ? (width() - pair) / 2 : width() - 8 - pair;
@@ -88,8 +89,8 @@ void BatchColumn::paintEvent(QPaintEvent*)
     const Theme& theme = themeOf(this);
     QPainter painter(this);
     painter.fillRect(rect(), theme.panel);
-    paintText(painter, QRectF(side, 12, width(), 20), Qt::AlignLeft, Type::heading, theme.text,
-              u"Lote"_qs);
+    paintText(painter, QRectF(batchColumnSide, 12, width(), 20), Qt::AlignLeft, Type::heading,
+              theme.text, u"Lote"_qs);
     const QRect footer(0, height() - footerHeight, width(), footerHeight);
     painter.fillRect(footer.left(), footer.top(), footer.width(), 1, theme.line);
     if (narrow())
@@ -97,6 +98,6 @@ void BatchColumn::paintEvent(QPaintEvent*)
     QString text = m_selected == 1 ? u"1 seleccionada"_qs : u"%1 seleccionadas"_qs.arg(m_selected);
     if (m_grid->tiles().isEmpty())
         text = u"Sin imágenes"_qs;
-    paintText(painter, footer.adjusted(side, 1, -80, 0), Qt::AlignLeft, Type::small,
+    paintText(painter, footer.adjusted(batchColumnSide, 1, -80, 0), Qt::AlignLeft, Type::small,
               m_selected > 1 ? theme.accentText : theme.text3, text);
 }

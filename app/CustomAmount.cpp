@@ -11,9 +11,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int rowHeight = 52, side = 16, radio = 20, fieldWidth = 200;
+constexpr int customAmountRowHeight = 52, customAmountSide = 16, customAmountRadio = 20,
+              fieldWidth = 200;
 
-QString help()
+QString customAmountHelp()
 {
     return u"Entre 1.000 y 1.000.000 créditos. Se ajusta a bloques de 1.000."_s;
 }
@@ -26,10 +27,10 @@ public:
         setAutoExclusive(true);
         setText(u"Otra cantidad"_s);
         setAccessibleName(u"Otra cantidad, mín. 1.000"_s);
-        setFixedHeight(rowHeight);
+        setFixedHeight(customAmountRowHeight);
         setProperty("focusRadius", Radius::card);
     }
-    QSize sizeHint() const override { return {400, rowHeight}; }
+    QSize sizeHint() const override { return {400, customAmountRowHeight}; }
 
 protected:
     void paintEvent(QPaintEvent*) override
@@ -43,9 +44,11 @@ protected:
         strokeRounded(painter, rect(), Radius::card,
                       isChecked() && isEnabled() ? theme.accentLine : theme.line,
                       isChecked() ? 1.5 : 1);
-        paintRadio(painter, QRectF(side, (height() - radio) / 2.0, radio, radio), theme,
-                   isChecked(), isEnabled());
-        double left = side + radio + 12;
+        paintRadio(painter,
+                   QRectF(customAmountSide, (height() - customAmountRadio) / 2.0, customAmountRadio,
+                          customAmountRadio),
+                   theme, isChecked(), isEnabled());
+        double left = customAmountSide + customAmountRadio + 12;
         const QColor ink2 = isEnabled() ? theme.text2 : theme.dis;
         const double name = textWidth(Type::bodyMedium, text());
         paintText(painter, QRectF(left, 0, name + 1, height()), Qt::AlignLeft, Type::bodyMedium,
@@ -54,8 +57,9 @@ protected:
         paintText(painter, QRectF(left, 0, 80, height()), Qt::AlignLeft, Type::small, ink2,
                   u"mín. 1.000"_s);
         if (!isChecked())    // then it stands beside the field
-            paintText(painter, QRectF(left + 80, 0, width() - left - 80 - side, height()),
-                      Qt::AlignRight, Type::small, ink2, help());
+            paintText(painter,
+                      QRectF(left + 80, 0, width() - left - 80 - customAmountSide, height()),
+                      Qt::AlignRight, Type::small, ink2, customAmountHelp());
     }
 };
 
@@ -67,12 +71,12 @@ CustomAmount::CustomAmount(QWidget* parent)
 {
     m_field->setFixedWidth(fieldWidth);
     m_field->edit()->setInputMethodHints(Qt::ImhDigitsOnly);
-    m_field->edit()->setAccessibleDescription(help());
+    m_field->edit()->setAccessibleDescription(customAmountHelp());
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(side, 8, side, 12);
-    row->setSpacing(side);
+    row->setContentsMargins(customAmountSide, 8, customAmountSide, 12);
+    row->setSpacing(customAmountSide);
     row->addWidget(m_field);
-    auto* text = new Paragraph(Type::small, &Theme::text2, help());
+    auto* text = new Paragraph(Type::small, &Theme::text2, customAmountHelp());
     row->addWidget(text, 1, Qt::AlignBottom);
     hide();
     connect(m_choice, &Control::toggled, this, [this](bool chosen) {

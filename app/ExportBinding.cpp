@@ -17,7 +17,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr std::chrono::seconds longestWait{5};
+constexpr std::chrono::seconds exportLongestWait{5};
 }
 
 ExportBinding::ExportBinding(StudioSession& session, AccountSession& account,
@@ -32,7 +32,7 @@ ExportBinding::ExportBinding(StudioSession& session, AccountSession& account,
     };
     m_buttons->setKeys(keyOf(Command::exportCurrent), keyOf(Command::exportAll));
     m_closing.setSingleShot(true);
-    m_closing.setInterval(longestWait);
+    m_closing.setInterval(exportLongestWait);
     connect(&m_closing, &QTimer::timeout, this, [this] {
         m_hasWaited = true;
         Q_EMIT closeRequested();

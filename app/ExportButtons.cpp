@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int seam = 1;
-constexpr int leastDigits = 3;    // of a number of images
+constexpr int exportButtonsLeastDigits = 3;    // of a number of images
 constexpr int currentDigits = 2, severalDigits = 5;
 
 QString severalText(qsizetype selected, ExportButtons::Wording wording)
@@ -83,7 +83,8 @@ void ExportButtons::word()
     m_several->setWording(severalText(m_offer.selected, m_wording),
                           exportSeveralText(m_offer.selected));
     const Type type = row(ButtonSize::regular).type;
-    const int digits = std::max(leastDigits, int(QString::number(m_offer.images).size()));
+    const int digits =
+        std::max(exportButtonsLeastDigits, int(QString::number(m_offer.images).size()));
     QString several = severalText(2, m_wording);
     several.chop(1);
     m_several->setTextRoom(qCeil(std::max(textWidth(type, severalText(0, m_wording)),

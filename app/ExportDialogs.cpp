@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString folderKey = u"moltiva.exportFolder"_s;
+const QString exportFolderKey = u"moltiva.exportFolder"_s;
 
 // By the name first: to see where a file really lies takes a look at each of its folders.
 bool isPhotoOf(const Batch& batch, const QString& path)
@@ -35,7 +35,7 @@ QString asPng(const QString& path)
 }    // namespace
 
 ExportDialogs::ExportDialogs(StudioSession& session, PreferencesStore& preferences, QWidget* window)
-    : QObject(window), m_session(session), m_window(window), m_folder(preferences, folderKey)
+    : QObject(window), m_session(session), m_window(window), m_folder(preferences, exportFolderKey)
 {
 }
 

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString folderKey = u"moltiva.importFolder"_s;
+const QString importFolderKey = u"moltiva.importFolder"_s;
 constexpr int moreMayCome = 1000;    // ms
 
 // What a file chooser shows; every file can be chosen, because what it holds decides.
@@ -36,7 +36,7 @@ bool isTextSheet(const QList<QUrl>& files)
 }    // namespace
 
 FileIntake::FileIntake(StudioSession& session, PreferencesStore& preferences, QWidget* window)
-    : QObject(window), m_session(session), m_window(window), m_folder(preferences, folderKey)
+    : QObject(window), m_session(session), m_window(window), m_folder(preferences, importFolderKey)
 {
     m_givenLately.setSingleShot(true);
     connect(&m_givenLately, &QTimer::timeout, this, [this] {

@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int paneWidth = 544, columnWidth = 400, markSide = 44, bottomMargin = 8;
+constexpr int paneWidth = 544, loginColumnWidth = 400, loginMarkSide = 44, bottomMargin = 8;
 // Of the form to sign in without its notice, and of the highest mode with it.
 constexpr int usualHeight = 536, highest = 688;
 
@@ -79,7 +79,7 @@ LoginView::LoginView(QWidget* parent)
 
     auto* heading = new QHBoxLayout;
     heading->setSpacing(14);
-    heading->addWidget(new Mark(markSide));
+    heading->addWidget(new Mark(loginMarkSide));
     heading->addWidget(new Caption(Type::display, &Theme::text, u"Moltiva"_s), 1);
     auto* rows = new QVBoxLayout(m_column);
     // Less where the window has no room for all of it.
@@ -262,7 +262,7 @@ void LoginView::place()
     m_wall->setGeometry(0, 0, left, height());
     // The same top in every mode, low enough for the usual one to be in the middle.
     const int top = std::max(16, std::min((height() - usualHeight) / 2, height() - highest - 24));
-    m_column->setGeometry(left + (pane - columnWidth) / 2, top, columnWidth,
+    m_column->setGeometry(left + (pane - loginColumnWidth) / 2, top, loginColumnWidth,
                           std::max(0, height() - top - bottomMargin));
 }
 

@@ -3,12 +3,12 @@
 #include <QScrollArea>
 
 namespace {
-constexpr int side = 16, top = 10, bottom = 16, scrollBar = 12, fieldGap = 8;
+constexpr int panelSide = 16, top = 10, panelBottom = 16, panelScrollBar = 12, fieldGap = 8;
 }
 
 PanelLayout::PanelLayout(QWidget* page) : QVBoxLayout(page)
 {
-    setContentsMargins(side, top, side - scrollBar, bottom);
+    setContentsMargins(panelSide, top, panelSide - panelScrollBar, panelBottom);
     setSpacing(0);
 }
 

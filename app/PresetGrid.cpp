@@ -10,7 +10,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int columnGap = 10, rowGap = 12, narrowestName = 160, previewAfter = 300;    // ms
+constexpr int columnGap = 10, presetRowGap = 12, narrowestName = 160, previewAfter = 300;    // ms
 }
 
 PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
@@ -194,10 +194,10 @@ void PresetGrid::place()
     const int down = PresetTile::heightFor(across, m_ratio);
     for (int i = 0; i < m_tiles.size(); ++i) {
         m_tiles[i]->setGeometry(i % m_columns * (across + columnGap),
-                                i / m_columns * (down + rowGap), across, down);
+                                i / m_columns * (down + presetRowGap), across, down);
     }
     const int rows = (int(m_tiles.size()) + m_columns - 1) / m_columns;
-    setFixedHeight(rows == 0 ? 0 : rows * (down + rowGap));    // room for a name field
+    setFixedHeight(rows == 0 ? 0 : rows * (down + presetRowGap));    // room for a name field
     placeName();
 }
 

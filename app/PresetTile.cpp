@@ -7,7 +7,8 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int captionGap = 4, captionHeight = 20, moreSide = 20, tickSide = 16, narrowTile = 88;
+constexpr int presetCaptionGap = 4, presetCaptionHeight = 20, moreSide = 20, tickSide = 16,
+              narrowTile = 88;
 constexpr double ringWidth = 2;
 }    // namespace
 
@@ -27,7 +28,7 @@ PresetTile::PresetTile(PresetOwner owner, QWidget* parent) : Control(parent), m_
 
 int PresetTile::heightFor(int width, double ratio)
 {
-    return qRound(width / ratio) + captionGap + captionHeight;
+    return qRound(width / ratio) + presetCaptionGap + presetCaptionHeight;
 }
 
 void PresetTile::setPreset(const Preset& preset)
@@ -61,7 +62,7 @@ void PresetTile::nameParts()
 
 QRect PresetTile::pictureRect() const
 {
-    return {0, 0, width(), std::max(1, height() - captionGap - captionHeight)};
+    return {0, 0, width(), std::max(1, height() - presetCaptionGap - presetCaptionHeight)};
 }
 
 QSize PresetTile::picturePixels() const
@@ -114,7 +115,7 @@ void PresetTile::leaveEvent(QEvent* event)
 
 QRect PresetTile::captionRect() const
 {
-    return {0, height() - captionHeight, width(), captionHeight};
+    return {0, height() - presetCaptionHeight, width(), presetCaptionHeight};
 }
 
 // Where the name needs the room, the ring is enough.
@@ -160,7 +161,7 @@ bool PresetTile::event(QEvent* event)
 void PresetTile::resizeEvent(QResizeEvent*)
 {
     if (m_more)
-        m_more->move(width() - moreSide, height() - captionHeight);
+        m_more->move(width() - moreSide, height() - presetCaptionHeight);
 }
 
 // All keys are the grid's.
@@ -212,7 +213,7 @@ void PresetTile::paintEvent(QPaintEvent*)
               m_refusal.isEmpty() ? theme.text : theme.text3, m_preset.name);
     if (hasTick()) {
         paintIcon(painter, Icon::check,
-                  QRectF(caption.right() + 2, caption.top(), tickSide, captionHeight), tickSide,
-                  theme.accentText);
+                  QRectF(caption.right() + 2, caption.top(), tickSide, presetCaptionHeight),
+                  tickSide, theme.accentText);
     }
 }

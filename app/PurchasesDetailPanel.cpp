@@ -19,7 +19,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int mostRows = 200, amountWidth = 120, documentWidth = 112;
+constexpr int purchasesMostRows = 200, amountWidth = 120, documentWidth = 112;
 }
 
 PurchasesDetailPanel::PurchasesDetailPanel(QWidget* parent)
@@ -102,16 +102,16 @@ void PurchasesDetailPanel::setPurchases(const QList<PurchaseHistoryItem>& purcha
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
     for (const PurchaseHistoryItem& purchase :
-         purchases.first(std::min<qsizetype>(purchases.size(), mostRows))) {
+         purchases.first(std::min<qsizetype>(purchases.size(), purchasesMostRows))) {
         if (rows->count() > 0)
             rows->addWidget(new Divider);
         rows->addWidget(rowOf(purchase));
     }
-    if (purchases.size() > mostRows) {
+    if (purchases.size() > purchasesMostRows) {
         rows->addWidget(new Divider);
         rows->addWidget(
             new Caption(Type::small, &Theme::text2,
-                        u"Se muestran %1 de %2."_s.arg(mostRows).arg(purchases.size())));
+                        u"Se muestran %1 de %2."_s.arg(purchasesMostRows).arg(purchases.size())));
     }
     rows->addStretch(1);
     form()->add(m_documents);

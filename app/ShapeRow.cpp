@@ -5,16 +5,17 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int rowHeight = 44, padding = 12, iconSide = 20, nameLeft = 42, colorSide = 20;
-constexpr int deleteSide = 32, percentWidth = 46, cardRadius = 10;
+constexpr int shapeRowHeight = 44, shapeRowPadding = 12, shapeRowIconSide = 20, nameLeft = 42,
+              colorSide = 20;
+constexpr int deleteSide = 32, percentWidth = 46, shapeRowRadius = 10;
 }    // namespace
 
 ShapeRow::ShapeRow(QWidget* parent)
     : Control(parent),
       m_delete(new IconButton(Icon::discard, u"Eliminar forma"_s, deleteSide, this))
 {
-    setFixedHeight(rowHeight);
-    setProperty("focusRadius", cardRadius);
+    setFixedHeight(shapeRowHeight);
+    setProperty("focusRadius", shapeRowRadius);
     connect(m_delete, &IconButton::clicked, this, [this] { Q_EMIT deleteRequested(m_shape.id); });
 }
 
@@ -41,11 +42,12 @@ void ShapeRow::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const bool selected = m_mark == Mark::selected;
-    fillRounded(painter, rect(), cardRadius, mixed(theme.card, theme.hover, hovered() * 0.6));
-    strokeRounded(painter, rect(), cardRadius, selected ? theme.accentLine : theme.line,
+    fillRounded(painter, rect(), shapeRowRadius, mixed(theme.card, theme.hover, hovered() * 0.6));
+    strokeRounded(painter, rect(), shapeRowRadius, selected ? theme.accentLine : theme.line,
                   selected ? 1.5 : 1);
-    paintIcon(painter, iconNamed(row(m_shape.kind).icon), QRectF(padding, 0, iconSide, height()),
-              iconSide, selected ? theme.accentText : theme.text2);
+    paintIcon(painter, iconNamed(row(m_shape.kind).icon),
+              QRectF(shapeRowPadding, 0, shapeRowIconSide, height()), shapeRowIconSide,
+              selected ? theme.accentText : theme.text2);
     // A line is drawn by its stroke alone.
     const bool line = m_shape.kind == ShapeKind::line;
     const CodableColor& color = line ? m_shape.stroke : m_shape.fill;

@@ -15,9 +15,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // A file may hold any number of shapes; a person looks for one among these at most.
-constexpr int mostRows = 60;
-constexpr SliderRange percent{SliderUnit::percent, 0, 1}, widthRange{SliderUnit::plain, 0, 40},
-    radiusRange{SliderUnit::plain, 0, 80};
+constexpr int shapesMostRows = 60;
+constexpr SliderRange shapesPercent{SliderUnit::percent, 0, 1},
+    widthRange{SliderUnit::plain, 0, 40}, shapesRadiusRange{SliderUnit::plain, 0, 80};
 
 QWidget* sectionTitle(const QString& text, QWidget* parent)
 {
@@ -31,11 +31,11 @@ ShapesPanel::ShapesPanel(QWidget* parent)
       m_note(new Caption(Type::small, &Theme::text3, {}, m_list)), m_header(new StyleHeader(this)),
       m_fill(new Swatch(u"Color del relleno"_s, this)),
       m_fillHex(new LineField(u"Color hexadecimal del relleno"_s, {}, Icon::none, this)),
-      m_fillOpacity(new SliderField(u"Opacidad"_s, percent, this)),
+      m_fillOpacity(new SliderField(u"Opacidad"_s, shapesPercent, this)),
       m_stroke(new Swatch(u"Color del trazo"_s, this)),
-      m_strokeOpacity(new SliderField(u"Opacidad"_s, percent, this)),
+      m_strokeOpacity(new SliderField(u"Opacidad"_s, shapesPercent, this)),
       m_strokeWidth(new SliderField(u"Grosor"_s, widthRange, this)),
-      m_radius(new SliderField(u"Radio"_s, radiusRange, this))
+      m_radius(new SliderField(u"Radio"_s, shapesRadiusRange, this))
 {
     m_fillHex->setMaxLength(7);
     m_fillOpacity->setAccessibleName(u"Opacidad del relleno"_s);
@@ -175,7 +175,7 @@ const ShapeLayer* ShapesPanel::selected() const
 void ShapesPanel::showRows()
 {
     const auto count = m_state.shapes.size();
-    const auto shown = std::min<qsizetype>(count, mostRows);
+    const auto shown = std::min<qsizetype>(count, shapesMostRows);
     auto* layout = static_cast<QVBoxLayout*>(m_list->layout());
     while (m_rows.size() < shown) {
         auto* shape = new ShapeRow(m_list);

@@ -20,7 +20,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int narrowest = 319, widest = 439;    // without the hairline at the left
+constexpr int narrowestPanel = 319,
+              widestPanel = 439;    // without the hairline at the left
 constexpr int tabsTop = 4, tabsSide = 8, tabsHeight = 48;
 
 }    // namespace
@@ -33,8 +34,8 @@ SidePanel::SidePanel(QWidget* parent)
       m_pages(new QStackedWidget(this)), m_textPages(new QStackedWidget), m_text(new TextPanel),
       m_shapes(new ShapesPanel), m_templates(new TemplatesPanel)
 {
-    setMinimumWidth(narrowest);
-    setMaximumWidth(widest);
+    setMinimumWidth(narrowestPanel);
+    setMaximumWidth(widestPanel);
     QScrollArea* texts = scrolled(m_text);
     m_textPages->addWidget(new EmptyNote(
         Icon::slotTitle, u"Aquí editarás los textos"_s,

@@ -6,7 +6,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int side = 56, bottom = 44;
+constexpr int wallSide = 56, wallBottom = 44;
 constexpr double leastShare = 0.8;    // of the height, where the picture is too wide for it
 }    // namespace
 
@@ -46,10 +46,10 @@ void SignInWall::paintEvent(QPaintEvent*)
 
     const QStringList rows =
         wrappedRows(u"De una carpeta de fotos\na una campaña lista para publicar."_s, Type::claim,
-                    width() - 2 * side, 3);
+                    width() - 2 * wallSide, 3);
     const double rowHeight = row(Type::claim).lineHeight;
-    QRectF line(side, height() - bottom - rowHeight * double(rows.size()), width() - 2 * side,
-                rowHeight);
+    QRectF line(wallSide, height() - wallBottom - rowHeight * double(rows.size()),
+                width() - 2 * wallSide, rowHeight);
     for (const QString& text : rows) {
         paintText(painter, line, Qt::AlignLeft, Type::claim, Qt::white, text);
         line.translate(0, rowHeight);

@@ -16,8 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int longestWait = 10000, retryPause = 40;    // ms
-constexpr qsizetype longestMessage = 16 << 20;         // a folder's worth of paths many times over
+constexpr int instanceLongestWait = 10000, retryPause = 40;    // ms
+constexpr qsizetype longestMessage = 16 << 20;    // a folder's worth of paths many times over
 const QByteArray answer = "1";
 
 QString lockPath(const QString& folder)
@@ -46,10 +46,10 @@ bool handOver(const InstanceFolders& folders, const QList<QUrl>& toOpen)
     QDataStream stream(&socket);
     stream << message;
     while (socket.bytesToWrite() > 0) {
-        if (!socket.waitForBytesWritten(longestWait))
+        if (!socket.waitForBytesWritten(instanceLongestWait))
             return false;
     }
-    return socket.waitForReadyRead(longestWait) && socket.readAll() == answer;
+    return socket.waitForReadyRead(instanceLongestWait) && socket.readAll() == answer;
 }
 
 }    // namespace
@@ -59,7 +59,7 @@ InstanceClaim claimInstance(const InstanceFolders& folders, const QList<QUrl>& t
     auto lock = std::make_unique<QLockFile>(lockPath(folders.data));
     lock->setStaleLockTime(0);    // held as long as its process lives
     QElapsedTimer watch;
-    for (watch.start(); watch.elapsed() < longestWait; QThread::msleep(retryPause)) {
+    for (watch.start(); watch.elapsed() < instanceLongestWait; QThread::msleep(retryPause)) {
         if (lock->tryLock(0))
             return {InstanceClaim::Outcome::first, std::move(lock)};
         if (handOver(folders, toOpen))
@@ -100,7 +100,7 @@ void SingleInstance::greet(QLocalSocket* socket)
     connect(socket, &QLocalSocket::readyRead, this, [this, socket] { read(socket); });
     connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
     connect(socket, &QObject::destroyed, this, [this, socket] { m_received.remove(socket); });
-    QTimer::singleShot(longestWait, socket, [socket] { socket->abort(); });
+    QTimer::singleShot(instanceLongestWait, socket, [socket] { socket->abort(); });
     read(socket);
 }
 

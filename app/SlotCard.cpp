@@ -12,9 +12,10 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int padding = 12, headerTop = 6, headerHeight = 24, textTop = 32, bottom = 8;
+constexpr int slotCardPadding = 12, headerTop = 6, slotHeaderHeight = 24, textTop = 32,
+              slotCardBottom = 8;
 constexpr int warningGap = 4, warningHeight = row(Type::caption).lineHeight;
-constexpr int iconSide = 16, eyeWidth = 28, cardRadius = 10;
+constexpr int slotCardIconSide = 16, eyeWidth = 28, slotCardRadius = 10;
 constexpr int releasePause = 50;    // ms between looks for the mouse to be let go
 }    // namespace
 
@@ -24,7 +25,7 @@ SlotCard::SlotCard(CopySlot slot, QWidget* parent)
       m_eye(new IconButton(Icon::visible, u"Ocultar %1"_s.arg(m_name), eyeWidth, this)),
       m_editor(new SlotEditor(m_name, this))
 {
-    m_eye->setFixedSize(eyeWidth, headerHeight);
+    m_eye->setFixedSize(eyeWidth, slotHeaderHeight);
     m_eye->setIconSize(18);
     setCursor(Qt::IBeamCursor);
     m_eye->setCursor(Qt::ArrowCursor);
@@ -107,9 +108,11 @@ void SlotCard::place()
     m_editor->setVisible(unfolded);
     const int before = height();
     const int text = m_editor->height() + (m_tellsWarning ? warningGap + warningHeight : 0);
-    setFixedHeight(unfolded ? textTop + text + bottom : headerTop + headerHeight + headerTop);
+    setFixedHeight(unfolded ? textTop + text + slotCardBottom
+                            : headerTop + slotHeaderHeight + headerTop);
     m_eye->move(width() - eyeWidth - 4, headerTop);
-    m_editor->setGeometry(padding, textTop, width() - 2 * padding, m_editor->height());
+    m_editor->setGeometry(slotCardPadding, textTop, width() - 2 * slotCardPadding,
+                          m_editor->height());
     if (height() != before)
         Q_EMIT grown();
 }
@@ -144,16 +147,18 @@ void SlotCard::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const bool selected = m_mark == CardMark::selected;
-    fillRounded(painter, rect(), cardRadius, theme.card);
-    strokeRounded(painter, rect(), cardRadius, selected ? theme.accentLine : theme.line,
+    fillRounded(painter, rect(), slotCardRadius, theme.card);
+    strokeRounded(painter, rect(), slotCardRadius, selected ? theme.accentLine : theme.line,
                   selected ? 1.5 : 1);
     QColor ink = m_visible ? theme.text2 : theme.text3;
     if (selected)
         ink = theme.accentText;
-    paintIcon(painter, m_icon, QRectF(padding, headerTop, iconSide, headerHeight), iconSide, ink);
-    double left = padding + iconSide + 8;
+    paintIcon(painter, m_icon,
+              QRectF(slotCardPadding, headerTop, slotCardIconSide, slotHeaderHeight),
+              slotCardIconSide, ink);
+    double left = slotCardPadding + slotCardIconSide + 8;
     const auto add = [&](Type type, const QColor& color, const QString& text) {
-        paintText(painter, QRectF(left, headerTop, width(), headerHeight), Qt::AlignLeft, type,
+        paintText(painter, QRectF(left, headerTop, width(), slotHeaderHeight), Qt::AlignLeft, type,
                   color, text, Qt::ElideNone);
         left += textWidth(type, text) + 10;
     };
@@ -161,11 +166,11 @@ void SlotCard::paintEvent(QPaintEvent*)
     if (!m_visible)
         add(Type::caption, theme.text3, u"Oculto"_s);
     if (!m_warnings.isEmpty())
-        paintIcon(painter, Icon::alert, QRectF(left - 2, headerTop, 14, headerHeight), 14,
+        paintIcon(painter, Icon::alert, QRectF(left - 2, headerTop, 14, slotHeaderHeight), 14,
                   theme.warn);
     if (m_tellsWarning && !m_warnings.isEmpty()) {
-        const QRectF line(padding, textTop + m_editor->height() + warningGap, width() - 2 * padding,
-                          warningHeight);
+        const QRectF line(slotCardPadding, textTop + m_editor->height() + warningGap,
+                          width() - 2 * slotCardPadding, warningHeight);
         paintText(painter, line, Qt::AlignLeft, Type::caption, theme.warn, m_warnings.first());
     }
 }

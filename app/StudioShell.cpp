@@ -64,7 +64,7 @@ private:
     bool isCovered() const { return static_cast<StudioShell*>(object())->isCovered(); }
 };
 
-QAccessibleInterface* accessibleOf(const QString&, QObject* object)
+QAccessibleInterface* accessibleShellOf(const QString&, QObject* object)
 {
     auto* shell = qobject_cast<StudioShell*>(object);
     return shell ? new ShellAccessible(shell) : nullptr;
@@ -79,7 +79,7 @@ StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
       m_veil(new DropVeil(this)), m_splitter(new QSplitter(Qt::Horizontal, this)),
       m_stages(new QStackedWidget)
 {
-    QAccessible::installFactory(accessibleOf);
+    QAccessible::installFactory(accessibleShellOf);
     setMinimumSize(1200, 720);
     auto* picture = new QWidget;
     auto* pictureRows = new QVBoxLayout(picture);

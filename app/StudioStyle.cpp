@@ -1,5 +1,7 @@
 #include "app/StudioStyle.h"
 
+#include "app/controls/Painting.h"
+
 #include <QFocusFrame>
 #include <QMenu>
 #include <QPainter>
@@ -11,13 +13,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int menuRow = 30, menuPadding = 5, menuIconBox = 36, menuShortcutGap = 28;
-
-void fillRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color)
-{
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color);
-    painter.drawRoundedRect(rect, radius, radius);
-}
 
 void paintFloating(QPainter& painter, const QRect& rect, double radius, const Theme& theme)
 {

@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr SliderRange sizeRange{SliderUnit::multiplier, 0.4, 2.5},
-    percent{SliderUnit::percent, 0, 1}, radiusRange{SliderUnit::plain, 0, 80},
+    textPercent{SliderUnit::percent, 0, 1}, textRadiusRange{SliderUnit::plain, 0, 80},
     shadowRange{SliderUnit::plain, 0, 50}, angleRange{SliderUnit::degrees, 0, 360};
 
 QList<Segment> alignments()
@@ -47,10 +47,10 @@ TextPanel::TextPanel(QWidget* parent)
       m_color(new Swatch(u"Color del texto"_s, this)),
       m_alignment(new SegmentedControl(alignments(), this)), m_box(new Switch(u"Caja"_s, this)),
       m_boxColor(new Swatch(u"Color de la caja"_s, this)),
-      m_boxOpacity(new SliderField(u"Opacidad"_s, percent, this)),
-      m_boxRadius(new SliderField(u"Radio"_s, radiusRange, this)),
+      m_boxOpacity(new SliderField(u"Opacidad"_s, textPercent, this)),
+      m_boxRadius(new SliderField(u"Radio"_s, textRadiusRange, this)),
       m_shadowColor(new Swatch(u"Color de la sombra"_s, this)),
-      m_shadowOpacity(new SliderField(u"Opacidad"_s, percent, this)),
+      m_shadowOpacity(new SliderField(u"Opacidad"_s, textPercent, this)),
       m_shadowBlur(new SliderField(u"Desenfoque"_s, shadowRange, this)),
       m_shadowDistance(new SliderField(u"Distancia"_s, shadowRange, this)),
       m_shadowAngle(new SliderField(u"Ángulo"_s, angleRange, this)), m_styles(new StyleShelf(this))

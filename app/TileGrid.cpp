@@ -16,10 +16,10 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Around the tiles; the right side is short because the scroll bar follows, the ring still fits.
-constexpr int leftPadding = 16, rightPadding = 4, topPadding = 8, gap = 10;
-constexpr int captionGap = 5, captionHeight = 16, rowGap = 12, bottomPadding = 4;
+constexpr int leftPadding = 16, rightPadding = 4, topPadding = 8, tileGap = 10;
+constexpr int tileCaptionGap = 5, tileCaptionHeight = 16, tileRowGap = 12, bottomPadding = 4;
 constexpr int columnUnit = 92;    // one more column from here on
-constexpr int ringReach = 5, frameTime = 33, turnTime = 1000;
+constexpr int ringReach = 5, tileFrameTime = 33, tileTurnTime = 1000;
 
 // Square corners of a photograph would stick out of the rounded tile.
 QImage rounded(const QImage& picture, double radius)
@@ -73,7 +73,7 @@ TileGrid::TileGrid(QWidget* parent) : QAbstractScrollArea(parent), m_ring(new Gr
     m_wishLater.setSingleShot(true);
     m_wishLater.setInterval(0);
     connect(&m_wishLater, &QTimer::timeout, this, &TileGrid::wish);
-    m_spin.setInterval(frameTime);
+    m_spin.setInterval(tileFrameTime);
     connect(&m_spin, &QTimer::timeout, this, &TileGrid::spin);
 }
 
@@ -160,20 +160,20 @@ void TileGrid::pictureOutdated(QUuid id)
 QSize TileGrid::tileSize() const
 {
     const int inner = std::max(1, viewport()->width() - leftPadding - rightPadding);
-    // Rounded up: rather a gap of nine than one of eleven.
-    const int width = std::max(1, (inner - (columns() - 1) * gap + columns() - 1) / columns());
+    // Rounded up: rather a tileGap of nine than one of eleven.
+    const int width = std::max(1, (inner - (columns() - 1) * tileGap + columns() - 1) / columns());
     return {width, std::max(1, qRound(width / m_ratio))};
 }
 
 int TileGrid::columns() const
 {
     const int inner = viewport()->width() - leftPadding - rightPadding;
-    return std::max(1, (inner + gap) / columnUnit);
+    return std::max(1, (inner + tileGap) / columnUnit);
 }
 
 int TileGrid::rowPitch() const
 {
-    return tileSize().height() + captionGap + captionHeight + rowGap;
+    return tileSize().height() + tileCaptionGap + tileCaptionHeight + tileRowGap;
 }
 
 QSize TileGrid::picturePixels() const
@@ -207,7 +207,9 @@ int TileGrid::tileAt(QPoint position) const
     for (int column = 0; column < columns(); ++column) {
         const int index = row * columns() + column;
         if (index >= 0 && index < m_tiles.size() &&
-            tileRect(index).adjusted(0, 0, 0, captionGap + captionHeight).contains(position))
+            tileRect(index)
+                .adjusted(0, 0, 0, tileCaptionGap + tileCaptionHeight)
+                .contains(position))
             return index;
     }
     return -1;
@@ -230,7 +232,7 @@ QList<int> TileGrid::visibleTiles() const
 void TileGrid::fitScrollBar()
 {
     const int rows = (int(m_tiles.size()) + columns() - 1) / columns();
-    const int content = topPadding + rows * rowPitch() - rowGap + bottomPadding;
+    const int content = topPadding + rows * rowPitch() - tileRowGap + bottomPadding;
     verticalScrollBar()->setPageStep(viewport()->height());
     verticalScrollBar()->setRange(0, std::max(0, content - viewport()->height()));
 }
@@ -240,8 +242,8 @@ void TileGrid::showCurrent()
     const int current = currentIndex();
     if (current < 0)
         return;
-    const QRect tile =
-        tileRect(current).adjusted(0, -topPadding, 0, captionGap + captionHeight + bottomPadding);
+    const QRect tile = tileRect(current).adjusted(
+        0, -topPadding, 0, tileCaptionGap + tileCaptionHeight + bottomPadding);
     QScrollBar* bar = verticalScrollBar();
     if (tile.bottom() >= viewport()->height())
         bar->setValue(bar->value() + tile.bottom() + 1 - viewport()->height());
@@ -301,13 +303,13 @@ void TileGrid::updateTile(int index)
 {
     if (index < 0 || index >= m_tiles.size())
         return;
-    viewport()->update(
-        tileRect(index).adjusted(-ringReach, -ringReach, ringReach, captionGap + captionHeight));
+    viewport()->update(tileRect(index).adjusted(-ringReach, -ringReach, ringReach,
+                                                tileCaptionGap + tileCaptionHeight));
 }
 
 void TileGrid::spin()
 {
-    m_turn = std::fmod(m_turn + double(frameTime) / turnTime, 1.0);
+    m_turn = std::fmod(m_turn + double(tileFrameTime) / tileTurnTime, 1.0);
     for (const int index : visibleTiles()) {
         if (m_tiles[index].state == TileState::generating)
             updateTile(index);
@@ -475,7 +477,7 @@ void TileGrid::paintEvent(QPaintEvent* event)
     painter.fillRect(event->rect(), theme.panel);
     if (m_tiles.isEmpty())
         return paintSkeleton(painter);
-    const int reach = captionGap + captionHeight;
+    const int reach = tileCaptionGap + tileCaptionHeight;
     const int top = event->rect().top() + verticalScrollBar()->value() - topPadding - reach;
     const int bottom = event->rect().bottom() + verticalScrollBar()->value() - topPadding + reach;
     const int first = std::max(0, top / rowPitch()) * columns();
@@ -544,10 +546,10 @@ void TileGrid::paintCaption(QPainter& painter, int index, const QRect& box) cons
 {
     const Theme& theme = themeOf(this);
     const Tile& tile = m_tiles[index];
-    QRectF line(box.left(), box.bottom() + 1 + captionGap, box.width(), captionHeight);
+    QRectF line(box.left(), box.bottom() + 1 + tileCaptionGap, box.width(), tileCaptionHeight);
     if (tile.paid || tile.state == TileState::generated) {
-        paintIcon(painter, Icon::done, QRectF(line.right() - 14, line.top(), 14, captionHeight), 14,
-                  theme.ok);
+        paintIcon(painter, Icon::done, QRectF(line.right() - 14, line.top(), 14, tileCaptionHeight),
+                  14, theme.ok);
         line.setRight(line.right() - 18);
     }
     const QString number = QString::number(index + 1);

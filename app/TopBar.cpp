@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int barHeight = 56, side = 14, gap = 12, fullLabelsFrom = 1400;
+constexpr int topBarHeight = 56, topBarSide = 14, topBarGap = 12, fullLabelsFrom = 1400;
 
 class MarkButton : public Control {
 public:
@@ -65,7 +65,7 @@ TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
       m_formats(new SegmentedControl(segmentsOf(formats), this)),
       m_exports(new ExportButtons(this)), m_account(new UserAccountButton(this))
 {
-    setFixedHeight(barHeight);
+    setFixedHeight(topBarHeight);
     setUndo(false);
     setRedo(false);
     connect(m_mark, &Control::clicked, this, [this] {
@@ -118,29 +118,29 @@ void TopBar::place()
 {
     const auto put = [](QWidget* widget, int left) {
         const QSize size = widget->sizeHint();
-        widget->setGeometry(QRect(QPoint(left, (barHeight - size.height()) / 2), size));
+        widget->setGeometry(QRect(QPoint(left, (topBarHeight - size.height()) / 2), size));
         return left + size.width();
     };
     const bool isNarrow = width() < fullLabelsFrom;
     m_import->setLabels(isNarrow ? Labels::hidden : Labels::shown);
     m_exports->setWording(isNarrow ? ExportButtons::Wording::brief : ExportButtons::Wording::whole);
     m_account->setNameForm(isNarrow ? NameForm::first : NameForm::whole);
-    m_mark->move(side, (barHeight - m_mark->height()) / 2);
-    int left = put(m_import, side + m_mark->width() + gap);
-    m_divider = left + gap + 1;
-    left = put(m_undo, m_divider + gap + 3);
+    m_mark->move(topBarSide, (topBarHeight - m_mark->height()) / 2);
+    int left = put(m_import, topBarSide + m_mark->width() + topBarGap);
+    m_divider = left + topBarGap + 1;
+    left = put(m_undo, m_divider + topBarGap + 3);
     left = put(m_redo, left);
 
-    int right = width() - side + 6 - m_account->sizeHint().width();
+    int right = width() - topBarSide + 6 - m_account->sizeHint().width();
     put(m_account, right);
-    m_accountDivider = right - gap;
-    right = m_accountDivider - gap - m_exports->sizeHint().width();
+    m_accountDivider = right - topBarGap;
+    right = m_accountDivider - topBarGap - m_exports->sizeHint().width();
     put(m_exports, right);
     right -= Space::small;
     // Centred in the bar as long as that is free, else between its neighbours.
     const int formats = m_formats->sizeHint().width();
     const int middle = (width() - formats) / 2;
-    const bool alone = middle > left + gap && middle + formats < right - gap;
+    const bool alone = middle > left + topBarGap && middle + formats < right - topBarGap;
     put(m_formats, alone ? middle : left + (right - left - formats) / 2);
     update();
 }

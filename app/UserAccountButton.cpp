@@ -6,8 +6,9 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int barHeight = 40, padding = 6, avatarSide = 28, gap = 9, chevron = 16, widestName = 150;
-constexpr int leastDigits = 4, coin = 12, coinGap = 4;
+constexpr int accountBarHeight = 40, accountPadding = 6, accountAvatarSide = 28, accountGap = 9,
+              chevron = 16, widestName = 150;
+constexpr int accountLeastDigits = 4, accountCoin = 12, accountCoinGap = 4;
 }    // namespace
 
 UserAccountButton::UserAccountButton(QWidget* parent) : Control(parent)
@@ -46,8 +47,8 @@ QString UserAccountButton::shownName() const
 double UserAccountButton::textRoom() const
 {
     const int digits = int(QString::number(m_balance).size());
-    const double balance = coin + coinGap +
-                           digitsWidth(Type::caption, std::max(leastDigits, digits)) +
+    const double balance = accountCoin + accountCoinGap +
+                           digitsWidth(Type::caption, std::max(accountLeastDigits, digits)) +
                            textWidth(Type::caption, u" créditos"_s);
     const double name = std::min(double(widestName), textWidth(Type::heading, shownName()));
     return std::ceil(std::max(balance, name)) + 1;
@@ -55,7 +56,9 @@ double UserAccountButton::textRoom() const
 
 QSize UserAccountButton::sizeHint() const
 {
-    return {2 * padding + avatarSide + gap + int(textRoom()) + gap + chevron, barHeight};
+    return {2 * accountPadding + accountAvatarSide + accountGap + int(textRoom()) + accountGap +
+                chevron,
+            accountBarHeight};
 }
 
 void UserAccountButton::paintEvent(QPaintEvent*)
@@ -65,15 +68,18 @@ void UserAccountButton::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     fillRounded(painter, rect(), Radius::button,
                 isDown() ? theme.seg : withOpacity(theme.hover, hovered()));
-    const double top = (height() - avatarSide) / 2.0;
-    paintAvatar(painter, QRectF(padding, top, avatarSide, avatarSide), theme, initialsOf(m_name));
-    const QRectF text(padding + avatarSide + gap, 0, textRoom(), height());
+    const double top = (height() - accountAvatarSide) / 2.0;
+    paintAvatar(painter, QRectF(accountPadding, top, accountAvatarSide, accountAvatarSide), theme,
+                initialsOf(m_name));
+    const QRectF text(accountPadding + accountAvatarSide + accountGap, 0, textRoom(), height());
     paintText(painter, QRectF(text.left(), 4, text.width(), 17), Qt::AlignLeft, Type::heading,
               theme.text, shownName());
-    paintIcon(painter, Icon::coin, QRectF(text.left(), 22, coin, coin), coin, theme.accentText);
-    const double left = text.left() + coin + coinGap;
+    paintIcon(painter, Icon::coin, QRectF(text.left(), 22, accountCoin, accountCoin), accountCoin,
+              theme.accentText);
+    const double left = text.left() + accountCoin + accountCoinGap;
     paintText(painter, QRectF(left, 21, text.right() - left, 14), Qt::AlignLeft, Type::caption,
               theme.text2, creditsText(m_balance));
-    paintIcon(painter, Icon::unfold, QRectF(width() - padding - chevron, 0, chevron, height()),
-              chevron, mixed(theme.text2, theme.text, hovered()));
+    paintIcon(painter, Icon::unfold,
+              QRectF(width() - accountPadding - chevron, 0, chevron, height()), chevron,
+              mixed(theme.text2, theme.text, hovered()));
 }

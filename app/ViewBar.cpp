@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int barHeight = 52, side = 12, buttonSide = 32, numberGap = 8;
+constexpr int viewBarHeight = 52, viewBarSide = 12, buttonSide = 32, numberGap = 8;
 constexpr int modesGap = 14, sliderGap = 8, percentGap = 6, groupGap = 16;
 constexpr int smallestPercent = 100, largestPercent = 300, percentStep = 10;
 
@@ -38,7 +38,7 @@ ViewBar::ViewBar(QWidget* parent)
       m_centre(new IconButton(Icon::centerPhoto, u"Centrar foto"_qs, buttonSide, this)),
       m_safeZone(new ToggleButton(Icon::safeZone, u"Zona segura"_qs, this))
 {
-    setFixedHeight(barHeight);
+    setFixedHeight(viewBarHeight);
     m_modes->setSize(SegmentSize::field);
     m_zoom->setAccessibleName(u"Zoom de la foto"_qs);
     connect(m_previous, &IconButton::clicked, this, &ViewBar::previousRequested);
@@ -145,11 +145,11 @@ void ViewBar::resizeEvent(QResizeEvent*)
 
 void ViewBar::place()
 {
-    const auto top = [](int height) { return (barHeight - height) / 2 + 1; };
-    m_previous->move(side, top(buttonSide));
+    const auto top = [](int height) { return (viewBarHeight - height) / 2 + 1; };
+    m_previous->move(viewBarSide, top(buttonSide));
     const double label = numberWidth() + textWidth(Type::body, u" de "_qs) +
                          digitsWidth(Type::body, int(QString::number(m_count).size()));
-    m_next->move(side + buttonSide + 2 * numberGap + qCeil(label), top(buttonSide));
+    m_next->move(viewBarSide + buttonSide + 2 * numberGap + qCeil(label), top(buttonSide));
 
     const int percent = digitsWidth(Type::body, 3) + qCeil(textWidth(Type::body, u" %"_qs));
     const QSize slider = m_zoom->sizeHint(), modes = m_modes->sizeHint();
@@ -159,13 +159,13 @@ void ViewBar::place()
     const int left = m_next->geometry().right() + 1 + groupGap;
     const auto roomBeside = [&](Labels labels) {
         m_safeZone->setLabels(labels);
-        return width() - side - m_safeZone->sizeHint().width() - groupGap - left;
+        return width() - viewBarSide - m_safeZone->sizeHint().width() - groupGap - left;
     };
     int room = roomBeside(m_labels);
     if (whole > room)
         room = roomBeside(Labels::hidden);
     m_safeZone->resize(m_safeZone->sizeHint());
-    m_safeZone->move(width() - side - m_safeZone->width(), top(m_safeZone->height()));
+    m_safeZone->move(width() - viewBarSide - m_safeZone->width(), top(m_safeZone->height()));
 
     // The middle stays in the middle while there is room; where there is none even without the
     // words at its right it loses its slider, then its number.
@@ -184,7 +184,7 @@ void ViewBar::place()
     if (showsSlider)
         put(m_zoom, slider, sliderGap);
     put(m_zoomIn, button, showsNumber ? percentGap : 0);
-    m_percentBox = showsNumber ? QRect(x, 1, percent, barHeight - 1) : QRect();
+    m_percentBox = showsNumber ? QRect(x, 1, percent, viewBarHeight - 1) : QRect();
     if (showsNumber)
         x += percent + percentGap;
     put(m_centre, button, 0);
@@ -200,7 +200,7 @@ void ViewBar::paintEvent(QPaintEvent*)
     painter.fillRect(0, 0, width(), 1, theme.line);
     if (m_count == 0)
         return;
-    const QRectF number(side + buttonSide + numberGap, 1, numberWidth(), height() - 1);
+    const QRectF number(viewBarSide + buttonSide + numberGap, 1, numberWidth(), height() - 1);
     paintText(painter, number, Qt::AlignRight, Type::heading, theme.text,
               QString::number(m_current + 1), Qt::ElideNone);
     paintText(painter, QRectF(number.right(), 1, 200, height() - 1), Qt::AlignLeft, Type::body,

@@ -26,8 +26,8 @@ namespace {
 // Of a photo in a command, the same whenever that is given again: a payment is named after it.
 QUuid itemId(const QString& file, int occurrence)
 {
-    const QUuid commands = QUuid::fromString(u"{a3a31d52-6a5e-4d0c-9d0c-3f0a4d5f7c21}"_s);
-    return QUuid::createUuidV5(commands, file + u'\n' + QString::number(occurrence));
+    const QUuid space = QUuid::fromString(u"{a3a31d52-6a5e-4d0c-9d0c-3f0a4d5f7c21}"_s);
+    return QUuid::createUuidV5(space, file + u'\n' + QString::number(occurrence));
 }
 
 // What came of the photos that were asked for.

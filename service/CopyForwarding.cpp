@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int longestWait = 240'000, lookAround = 200;    // ms
+constexpr int longestWait = 240'000, copyLookAround = 200;    // ms
 constexpr qint64 largestAnswer = 4 << 20;
 constexpr qsizetype longestText = 4000;
 constexpr int mostAtOnce = 8;
@@ -106,7 +106,7 @@ QByteArray post(const PreparedCopyOrder& order, const std::atomic_bool& isEnding
     });
     QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
     limit.start(longestWait);
-    look.start(lookAround);
+    look.start(copyLookAround);
     if (!reply->isFinished())
         loop.exec();
 

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int welcomeCredits = 10'000;
-constexpr qsizetype longestRequestId = 200;
+constexpr qsizetype ledgerLongestRequestId = 200;
 
 struct Entry {
     QString kind;
@@ -54,7 +54,7 @@ void checkOperation(int cost, const QString& requestId)
 {
     if (cost < 1 || cost > largestCost)
         throw Refusal(400, "invalid_credit_request", u"cost must be 1 to 1000000"_s);
-    if (requestId.isEmpty() || requestId.size() > longestRequestId || !isPrintable(requestId))
+    if (requestId.isEmpty() || requestId.size() > ledgerLongestRequestId || !isPrintable(requestId))
         throw Refusal(400, "invalid_credit_request", u"requestId must be 1 to 200 characters"_s);
 }
 

@@ -35,7 +35,7 @@ Checkout wantedCheckout(Visit& visit)
     return *checkout;
 }
 
-Html mark()
+Html testPaymentMark()
 {
     return paragraph(u"Pago de prueba: no se cobra nada"_s, u"aviso"_s);
 }
@@ -52,13 +52,13 @@ ServiceReply payPage(Visit& visit)
         break;
     case CheckoutState::paid:
         return pageReply(visit, u"Compra pagada"_s,
-                         mark() + price +
+                         testPaymentMark() + price +
                              paragraph(u"Los créditos ya están en tu cuenta. Vuelve a Moltiva y "
                                        "pulsa «Confirmar compra»."_s,
                                        u"bien"_s));
     case CheckoutState::cancelled:
         return pageReply(visit, u"Compra cancelada"_s,
-                         mark() + price +
+                         testPaymentMark() + price +
                              paragraph(u"No se ha añadido ningún crédito. Puedes empezar otra "
                                        "compra desde Moltiva."_s));
     }
@@ -66,7 +66,7 @@ ServiceReply payPage(Visit& visit)
         tag("div",
             button(u"Pagar"_s, u"pagar"_s, u"principal"_s) + button(u"Cancelar"_s, u"cancelar"_s),
             {{"class", u"acciones"_s}});
-    const Html content = mark() + price + form(visit, visit.request.path, buttons);
+    const Html content = testPaymentMark() + price + form(visit, visit.request.path, buttons);
     return pageReply(visit, u"Comprar créditos"_s, content);
 }
 

@@ -23,7 +23,7 @@ namespace {
 
 constexpr size_t mostThreads = 256, mostWaiting = 256;
 constexpr auto keepAlive = 1000ms, endingTime = 2000ms, afterEnding = 1000ms;
-constexpr auto lookAround = 1000ms, retryPause = 10ms;
+constexpr auto serverLookAround = 1000ms, serverRetryPause = 10ms;
 constexpr int mostRequests = 1000;    // on one connection
 constexpr int waitingConnections = 512;
 constexpr qsizetype longestPath = 512;
@@ -131,13 +131,13 @@ private:
     {
         while (!m_service.isEnding()) {
             pollfd poll{svr_sock_, POLLIN, 0};
-            if (::poll(&poll, 1, int(lookAround / 1ms)) <= 0)
+            if (::poll(&poll, 1, int(serverLookAround / 1ms)) <= 0)
                 continue;
             const socket_t socket = ::accept(svr_sock_, nullptr, nullptr);
             if (socket >= 0)
                 take(socket);
             else
-                std::this_thread::sleep_for(retryPause);    // too many files, say
+                std::this_thread::sleep_for(serverRetryPause);    // too many files, say
         }
     }
 
@@ -302,7 +302,8 @@ private:
             if (!isApi(result.path))
                 result.form = fieldsOf(result.body);
             // Small ones never wait behind large ones.
-            if (result.body.size() > uncountedBody && !handling.grow(result.body.size() * copiesOfBody))
+            if (result.body.size() > uncountedBody &&
+                !handling.grow(result.body.size() * copiesOfBody))
                 throw Refusal(503, "service_busy");
             result.letGo = [&] {
                 result.body = {};

@@ -21,7 +21,7 @@ QString titleOf(SocialNetwork network)
     return row(network).title.toString();
 }
 
-Html mark()
+Html testNetworkMark()
 {
     return paragraph(u"Conexión de prueba: no se entra en ninguna red social"_s, u"aviso"_s);
 }
@@ -96,7 +96,8 @@ ServiceReply expired(const Visit& visit)
 ServiceReply connectForm(Visit& visit, SocialNetwork network, const QString& sentence = {})
 {
     const Html fields = nameField(visit.request.form.value(u"nombre"_s)) + buttons();
-    const Html content = mark() + problem(sentence) + form(visit, visit.request.path, fields);
+    const Html content =
+        testNetworkMark() + problem(sentence) + form(visit, visit.request.path, fields);
     return pageReply(visit, u"Conectar %1"_s.arg(titleOf(network)), content,
                      sentence.isEmpty() ? 200 : 400);
 }
@@ -115,7 +116,8 @@ ServiceReply basicForm(Visit& visit, SocialNetwork network, const QString& sente
         field(u"clave"_s, u"Contraseña"_s,
               {{"type", u"password"_s}, {"autocomplete", u"current-password"_s}}) +
         nameField(sent.value(u"nombre"_s)) + buttons();
-    const Html content = mark() + problem(sentence) + form(visit, u"/conexion"_s, fields);
+    const Html content =
+        testNetworkMark() + problem(sentence) + form(visit, u"/conexion"_s, fields);
     return pageReply(visit, u"Conectar %1"_s.arg(titleOf(network)), content,
                      sentence.isEmpty() ? 200 : 400);
 }

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 mostPixels = 16'000'000;
-constexpr qsizetype longestCaption = 63'206, longestDisplayName = 80, longestRequestId = 200;
+constexpr qsizetype longestCaption = 63'206, longestDisplayName = 80, postLongestRequestId = 200;
 
 Refusal wrongRequest(const QString& reason)
 {
@@ -32,7 +32,7 @@ void check(const SocialPublishRequest& request)
         throw wrongRequest(u"placement must be feed, or story on Instagram"_s);
     if (request.caption.size() > longestCaption)
         throw wrongRequest(u"the caption is too long"_s);
-    if (request.requestId.isEmpty() || request.requestId.size() > longestRequestId ||
+    if (request.requestId.isEmpty() || request.requestId.size() > postLongestRequestId ||
         !isPrintable(request.requestId))
         throw wrongRequest(u"requestId must be 1 to 200 characters"_s);
     if (request.images.isEmpty() || request.images.size() > network.mostImages)

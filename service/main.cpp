@@ -27,7 +27,7 @@ namespace {
 
 enum ExitCode { exitDone, exitFailed, exitWrongUse, exitRunning };
 
-constexpr int endingWait = 6000, retryPause = 40;    // ms
+constexpr int endingWait = 6000, startRetryPause = 40;    // ms
 
 void tell(const QString& sentence)
 {
@@ -108,7 +108,7 @@ bool somebodyAnswers(const QString& folder)
 {
     QLocalSocket socket;
     socket.connectToServer(serviceSocketPath(folder));
-    return socket.waitForConnected(retryPause) && socket.waitForReadyRead(1000);
+    return socket.waitForConnected(startRetryPause) && socket.waitForReadyRead(1000);
 }
 
 // One that is just ending lets go soon; one that answers will not.
@@ -117,7 +117,7 @@ Claim claim(QLockFile& lock, const QString& folder)
 {
     lock.setStaleLockTime(0);    // held as long as its process lives
     QElapsedTimer watch;
-    for (watch.start(); watch.elapsed() < endingWait; QThread::msleep(retryPause)) {
+    for (watch.start(); watch.elapsed() < endingWait; QThread::msleep(startRetryPause)) {
         if (lock.tryLock(0))
             return Claim::ours;
         if (lock.error() != QLockFile::LockFailedError)

@@ -31,8 +31,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize windowSizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
-constexpr int longestWait = 5000;    // ms
+constexpr QSize accountWindowSizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
+constexpr int longestLook = 5000;    // ms
 const QByteArray purchases = R"({"purchases":[
 {"id":"1","kind":"credits","createdAt":"2026-11-20T10:15:00Z","amountCents":1000,
  "detail":"10.000 créditos","invoiceURL":"https://example.org/1"},
@@ -102,7 +102,7 @@ private:
         auto* button = found<UserAccountButton>();
         // A popover closes when the window changes its size.
         const auto takeOpen = [&](const QString& name, auto prepare) {
-            for (const QSize size : windowSizes) {
+            for (const QSize size : accountWindowSizes) {
                 m_window.resize(size);
                 button->click();
                 for (auto* view : m_window.findChildren<AccountPanelView*>()) {
@@ -177,7 +177,7 @@ private:
     bool waitFor(const std::function<bool()>& reached)
     {
         QElapsedTimer watch;
-        for (watch.start(); !reached() && watch.elapsed() < longestWait;)
+        for (watch.start(); !reached() && watch.elapsed() < longestLook;)
             QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
         return reached();
     }
@@ -203,7 +203,7 @@ private:
 
     void take(const QString& name)
     {
-        for (const QSize size : windowSizes) {
+        for (const QSize size : accountWindowSizes) {
             m_window.resize(size);
             grabBoth(name);
         }

@@ -3,7 +3,7 @@
 #include "app/controls/Painting.h"
 
 namespace {
-constexpr int padding = 6, iconSide = 14, iconGap = 5;
+constexpr int badgePadding = 6, badgeIconSide = 14, badgeIconGap = 5;
 }
 
 Badge::Badge(const QString& text, QWidget* parent) : QWidget(parent)
@@ -32,8 +32,8 @@ QSize Badge::sizeHint() const
 {
     if (m_text.isEmpty())
         return {0, 20};
-    const int icon = m_icon == Icon::none ? 0 : iconSide + iconGap;
-    return {2 * padding + icon + qCeil(textWidth(Type::smallMedium, m_text)), 20};
+    const int icon = m_icon == Icon::none ? 0 : badgeIconSide + badgeIconGap;
+    return {2 * badgePadding + icon + qCeil(textWidth(Type::smallMedium, m_text)), 20};
 }
 
 void Badge::paintEvent(QPaintEvent*)
@@ -46,10 +46,11 @@ void Badge::paintEvent(QPaintEvent*)
     const bool accent = m_kind == BadgeKind::accent;
     const QColor ink = accent ? theme.accentText : theme.text2;
     fillRounded(painter, rect(), Radius::chip, accent ? theme.accentSoft : theme.control);
-    QRectF line = QRectF(rect()).adjusted(padding, 0, -padding, 0);
+    QRectF line = QRectF(rect()).adjusted(badgePadding, 0, -badgePadding, 0);
     if (m_icon != Icon::none) {
-        paintIcon(painter, m_icon, QRectF(padding, 0, iconSide, height()), iconSide, ink);
-        line.setLeft(padding + iconSide + iconGap);
+        paintIcon(painter, m_icon, QRectF(badgePadding, 0, badgeIconSide, height()), badgeIconSide,
+                  ink);
+        line.setLeft(badgePadding + badgeIconSide + badgeIconGap);
     }
     paintText(painter, line, Qt::AlignHCenter, Type::smallMedium, ink, m_text, Qt::ElideNone);
 }

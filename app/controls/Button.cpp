@@ -76,7 +76,7 @@ void Control::glideTo(double hovered)
 }
 
 namespace {
-constexpr int iconSide = 20;
+constexpr int buttonIconSide = 20;
 }    // namespace
 
 PushButton::PushButton(Icon icon, const QString& text, ButtonKind kind, ButtonSize size,
@@ -228,10 +228,11 @@ void PushButton::paintEvent(QPaintEvent*)
         if (!hasPlace)
             return;
     } else if (hasPlace) {
-        paintIcon(painter, m_icon, QRectF(left - 2, 0, iconSide, height()), iconSide, ink);
+        paintIcon(painter, m_icon, QRectF(left - 2, 0, buttonIconSide, height()), buttonIconSide,
+                  ink);
     }
     if (hasPlace)
-        left += iconSide + size.gap - 2;
+        left += buttonIconSide + size.gap - 2;
     paintText(painter, QRectF(left, 0, width() - left - padding() + 1, height()), Qt::AlignLeft,
               textType(), ink, text());
 }

@@ -7,7 +7,7 @@
 #include <QPainterPath>
 
 namespace {
-constexpr double markSide = 14;
+constexpr double planeMarkSide = 14;
 }
 
 ColorPlane::ColorPlane(ColorPlaneKind kind, const QString& name, QWidget* parent)
@@ -71,9 +71,10 @@ void ColorPlane::paintEvent(QPaintEvent*)
         painter.fillPath(outline, down);
     }
     // Inside the edges, so that it can be seen whole.
-    const QPointF at(markSide / 2 + m_mark.x() * (width() - markSide),
-                     markSide / 2 + m_mark.y() * (height() - markSide));
-    const QRectF ring(at - QPointF(markSide, markSide) / 2, QSizeF(markSide, markSide));
+    const QPointF at(planeMarkSide / 2 + m_mark.x() * (width() - planeMarkSide),
+                     planeMarkSide / 2 + m_mark.y() * (height() - planeMarkSide));
+    const QRectF ring(at - QPointF(planeMarkSide, planeMarkSide) / 2,
+                      QSizeF(planeMarkSide, planeMarkSide));
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(QColor(0, 0, 0, 110), 4));
     painter.drawEllipse(ring.adjusted(2, 2, -2, -2));
@@ -89,9 +90,9 @@ void ColorPlane::mousePressEvent(QMouseEvent* event)
 
 void ColorPlane::mouseMoveEvent(QMouseEvent* event)
 {
-    const QPointF at = event->position() - QPointF(markSide, markSide) / 2;
-    moveTo(
-        {at.x() / std::max(1.0, width() - markSide), at.y() / std::max(1.0, height() - markSide)});
+    const QPointF at = event->position() - QPointF(planeMarkSide, planeMarkSide) / 2;
+    moveTo({at.x() / std::max(1.0, width() - planeMarkSide),
+            at.y() / std::max(1.0, height() - planeMarkSide)});
 }
 
 void ColorPlane::mouseReleaseEvent(QMouseEvent*)

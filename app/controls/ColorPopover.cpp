@@ -11,7 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int contentWidth = 224, shadeHeight = 140, hueHeight = 14, gap = 12, hexHeight = 32;
+constexpr int colorPopoverContentWidth = 224, shadeHeight = 140, hueHeight = 14,
+              colorPopoverGap = 12, hexHeight = 32;
 constexpr int offersInRow = 6, offerSide = 30, headingHeight = 18;
 
 // A colour to press.
@@ -48,7 +49,7 @@ ColorPopover::ColorPopover(QWidget* owner, const QColor& color, const ColorOffer
       m_hex(new LineField(u"Color hexadecimal"_s, {}, Icon::none, this))
 {
     setAccessibleName(owner->accessibleName());
-    m_height = shadeHeight + gap + hueHeight + gap + hexHeight;
+    m_height = shadeHeight + colorPopoverGap + hueHeight + colorPopoverGap + hexHeight;
     m_hex->setMaxLength(7);
     connect(m_shade, &ColorPlane::moved, this, [this](QPointF mark, Pace pace) {
         m_saturation = mark.x();
@@ -76,18 +77,18 @@ ColorPopover::ColorPopover(QWidget* owner, const QColor& color, const ColorOffer
 
 void ColorPopover::open(Qt::FocusReason reason)
 {
-    Popover::open({contentWidth, m_height});
+    Popover::open({colorPopoverContentWidth, m_height});
     const QPoint origin = content().topLeft();
     for (QObject* child : children()) {
         if (auto* chip = dynamic_cast<ColorChip*>(child))
             chip->move(chip->pos() + origin);
     }
-    m_shade->setGeometry(QRect(origin, QSize(contentWidth, shadeHeight)));
-    m_hueBar->setGeometry(
-        QRect(origin + QPoint(0, shadeHeight + gap), QSize(contentWidth, hueHeight)));
-    const int hexTop = shadeHeight + gap + hueHeight + gap;
-    m_hex->setGeometry(
-        QRect(origin + QPoint(hexHeight + 8, hexTop), QSize(contentWidth - hexHeight - 8, 32)));
+    m_shade->setGeometry(QRect(origin, QSize(colorPopoverContentWidth, shadeHeight)));
+    m_hueBar->setGeometry(QRect(origin + QPoint(0, shadeHeight + colorPopoverGap),
+                                QSize(colorPopoverContentWidth, hueHeight)));
+    const int hexTop = shadeHeight + colorPopoverGap + hueHeight + colorPopoverGap;
+    m_hex->setGeometry(QRect(origin + QPoint(hexHeight + 8, hexTop),
+                             QSize(colorPopoverContentWidth - hexHeight - 8, 32)));
     if (reason != Qt::MouseFocusReason)
         takeFocus(m_shade, reason);
 }
@@ -113,10 +114,10 @@ void ColorPopover::addOffers(const QString& title, const QList<QColor>& colors)
 {
     if (colors.isEmpty())
         return;
-    m_height += gap;
+    m_height += colorPopoverGap;
     m_headings.append({title, m_height});
     m_height += headingHeight + 4;
-    const int step = (contentWidth - offerSide) / (offersInRow - 1);
+    const int step = (colorPopoverContentWidth - offerSide) / (offersInRow - 1);
     for (int i = 0; i < std::min<int>(offersInRow, int(colors.size())); ++i) {
         auto* chip = new ColorChip(colors[i], this);
         chip->move(i * step, m_height);
@@ -173,12 +174,14 @@ void ColorPopover::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QPoint origin = content().topLeft();
-    const QRectF now(origin + QPoint(0, shadeHeight + gap + hueHeight + gap),
+    const QRectF now(origin +
+                         QPoint(0, shadeHeight + colorPopoverGap + hueHeight + colorPopoverGap),
                      QSizeF(hexHeight, hexHeight));
     fillRounded(painter, now, Radius::field, color());
     strokeRounded(painter, now, Radius::field, theme.line2);
     for (const Heading& heading : m_headings)
-        paintText(painter,
-                  QRectF(origin.x(), origin.y() + heading.top, contentWidth, headingHeight),
-                  Qt::AlignLeft, Type::smallMedium, theme.text2, heading.text);
+        paintText(
+            painter,
+            QRectF(origin.x(), origin.y() + heading.top, colorPopoverContentWidth, headingHeight),
+            Qt::AlignLeft, Type::smallMedium, theme.text2, heading.text);
 }

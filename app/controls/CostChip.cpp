@@ -7,7 +7,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int chipHeight = 20, coin = 14, coinGap = 4;
+constexpr int costChipHeight = 20, chipCoin = 14, chipCoinGap = 4;
 constexpr Type numberType = Type::small;
 
 int digitsOf(qint64 number)
@@ -47,7 +47,7 @@ int CostChip::shownDigits() const
 
 QSize CostChip::sizeHint() const
 {
-    return {coin + coinGap + qCeil(digitsWidth(numberType, m_digits)), chipHeight};
+    return {chipCoin + chipCoinGap + qCeil(digitsWidth(numberType, m_digits)), costChipHeight};
 }
 
 QColor CostChip::ink() const
@@ -65,7 +65,8 @@ void CostChip::paintEvent(QPaintEvent*)
     QPainter painter(this);
     const double number = std::ceil(digitsWidth(numberType, shownDigits()));
     const double left = width() - number;
-    paintIcon(painter, Icon::coin, QRectF(left - coinGap - coin, 0, coin, height()), coin, ink());
+    paintIcon(painter, Icon::coin, QRectF(left - chipCoinGap - chipCoin, 0, chipCoin, height()),
+              chipCoin, ink());
     paintText(painter, QRectF(left, 0, number + 1, height()), Qt::AlignLeft, numberType, ink(),
               m_cost.credits ? QString::number(*m_cost.credits) : u"…"_s, Qt::ElideNone);
 }

@@ -6,7 +6,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int padding = 10, iconSide = 16;
+constexpr int fontFieldPadding = 10, fontFieldIconSide = 16;
 }
 
 FontField::FontField(QWidget* parent) : Control(parent)
@@ -59,14 +59,15 @@ void FontField::paintEvent(QPaintEvent*)
     fillRounded(painter, rect(), Radius::field,
                 isEnabled() ? mixed(theme.control, theme.hover, hovered())
                             : mixed(theme.panel, theme.control, 0.65));
-    QRectF line = QRectF(rect()).adjusted(padding, 0, -padding, 0);
-    paintIcon(painter, Icon::unfold, QRectF(line.right() - iconSide, 0, iconSide, height()),
-              iconSide, isEnabled() ? theme.text2 : theme.dis);
-    line.setRight(line.right() - iconSide - 4);
+    QRectF line = QRectF(rect()).adjusted(fontFieldPadding, 0, -fontFieldPadding, 0);
+    paintIcon(painter, Icon::unfold,
+              QRectF(line.right() - fontFieldIconSide, 0, fontFieldIconSide, height()),
+              fontFieldIconSide, isEnabled() ? theme.text2 : theme.dis);
+    line.setRight(line.right() - fontFieldIconSide - 4);
     if (m_missing) {
-        paintIcon(painter, Icon::alert, QRectF(line.left() - 2, 0, iconSide, height()), iconSide,
-                  isEnabled() ? theme.warn : theme.dis);
-        line.setLeft(line.left() + iconSide + 4);
+        paintIcon(painter, Icon::alert, QRectF(line.left() - 2, 0, fontFieldIconSide, height()),
+                  fontFieldIconSide, isEnabled() ? theme.warn : theme.dis);
+        line.setLeft(line.left() + fontFieldIconSide + 4);
     }
     paintText(painter, line, Qt::AlignLeft, Type::body, isEnabled() ? theme.text : theme.dis,
               text());

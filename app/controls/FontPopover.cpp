@@ -14,8 +14,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int contentWidth = 292, contentHeight = 400, searchHeight = 32, gap = 8;
-constexpr int rowHeight = 34, rowPadding = 10, faceIndent = 18, iconSide = 16, samplePixels = 15;
+constexpr int fontPopoverContentWidth = 292, contentHeight = 400, searchHeight = 32,
+              fontPopoverGap = 8;
+constexpr int fontRowHeight = 34, rowPadding = 10, faceIndent = 18, fontPopoverIconSide = 16,
+              samplePixels = 15;
 
 class FontDelegate : public QStyledItemDelegate {
 public:
@@ -23,7 +25,7 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override
     {
-        return {contentWidth, rowHeight};
+        return {fontPopoverContentWidth, fontRowHeight};
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -39,9 +41,10 @@ public:
         QRectF line = QRectF(option.rect).adjusted(rowPadding, 0, -rowPadding, 0);
         const auto iconAtRight = [&](Icon icon, const QColor& color) {
             paintIcon(*painter, icon,
-                      QRectF(line.right() - iconSide, line.top(), iconSide, rowHeight), iconSide,
-                      color);
-            line.setRight(line.right() - iconSide - 6);
+                      QRectF(line.right() - fontPopoverIconSide, line.top(), fontPopoverIconSide,
+                             fontRowHeight),
+                      fontPopoverIconSide, color);
+            line.setRight(line.right() - fontPopoverIconSide - 6);
         };
         if (row.kind == FontRowKind::family && m_fonts->hasFaces(row.name))
             iconAtRight(m_fonts->isUnfolded(row.name) ? Icon::fold : Icon::unfold, theme.text3);
@@ -50,9 +53,10 @@ public:
         if (row.kind == FontRowKind::face)
             line.setLeft(line.left() + faceIndent);
         if (row.kind == FontRowKind::missing) {
-            paintIcon(*painter, Icon::alert, QRectF(line.left(), line.top(), iconSide, rowHeight),
-                      iconSide, theme.warn);
-            line.setLeft(line.left() + iconSide + 6);
+            paintIcon(*painter, Icon::alert,
+                      QRectF(line.left(), line.top(), fontPopoverIconSide, fontRowHeight),
+                      fontPopoverIconSide, theme.warn);
+            line.setLeft(line.left() + fontPopoverIconSide + 6);
         }
         const QFont font = sampleFont(row);
         painter->setFont(font);
@@ -104,7 +108,8 @@ FontPopover::FontPopover(QWidget* owner, const QString& current)
     });
     connect(m_view, &QListView::clicked, this, [this](const QModelIndex& index) {
         const FontRow& row = m_fonts->rowAt(index.row());
-        const bool onChevron = m_pressX > m_view->viewport()->width() - rowPadding - iconSide - 6;
+        const bool onChevron =
+            m_pressX > m_view->viewport()->width() - rowPadding - fontPopoverIconSide - 6;
         if (row.kind == FontRowKind::family && onChevron && m_fonts->hasFaces(row.name))
             setUnfolded(index.row(), !m_fonts->isUnfolded(row.name));
         else
@@ -114,10 +119,10 @@ FontPopover::FontPopover(QWidget* owner, const QString& current)
 
 void FontPopover::open()
 {
-    Popover::open({contentWidth, std::min(contentHeight, window()->height() - 120)});
+    Popover::open({fontPopoverContentWidth, std::min(contentHeight, window()->height() - 120)});
     const QRect area = content();
     m_search->setGeometry(area.left(), area.top(), area.width(), searchHeight);
-    m_view->setGeometry(area.adjusted(0, searchHeight + gap, 0, 0));
+    m_view->setGeometry(area.adjusted(0, searchHeight + fontPopoverGap, 0, 0));
     takeFocus(m_search, Qt::PopupFocusReason);
     const QModelIndex current = m_fonts->index(std::max(0, m_fonts->indexOf(m_fonts->current())));
     m_view->setCurrentIndex(current);
@@ -164,7 +169,7 @@ bool FontPopover::setUnfolded(int index, bool unfolded)
 
 bool FontPopover::pressKey(int key)
 {
-    const int page = std::max(1, m_view->height() / rowHeight - 1);
+    const int page = std::max(1, m_view->height() / fontRowHeight - 1);
     const bool atEnd = m_search->cursorPosition() == m_search->text().size();
     switch (key) {
     case Qt::Key_Up:
@@ -198,7 +203,8 @@ void FontPopover::paintEvent(QPaintEvent* event)
     if (m_fonts->rowCount() > 0)
         return;
     QPainter painter(this);
-    paintText(painter, QRectF(m_view->x() + rowPadding, m_view->y(), contentWidth, rowHeight),
+    paintText(painter,
+              QRectF(m_view->x() + rowPadding, m_view->y(), fontPopoverContentWidth, fontRowHeight),
               Qt::AlignLeft, Type::body, themeOf(this).text3, u"Ninguna fuente se llama así."_s,
               Qt::ElideNone);
 }

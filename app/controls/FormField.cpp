@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int iconSide = 20, eyeSide = 28, longestText = 2000;
+constexpr int formFieldIconSide = 20, eyeSide = 28, formFieldLongestText = 2000;
 struct SizeRow {
     FieldSize size;
     int height, padding, iconGap, radius;
@@ -34,10 +34,10 @@ FormEdit::FormEdit(const QString& name, FieldKind kind, FieldSize size, Icon ico
     setFrame(false);
     setFont(fontOf(Type::body));
     setAccessibleName(name);
-    setMaxLength(longestText);
+    setMaxLength(formFieldLongestText);
     setFixedHeight(row(size).height);
     const int padding = row(size).padding;
-    const int left = icon == Icon::none ? padding : padding + iconSide + row(size).iconGap;
+    const int left = icon == Icon::none ? padding : padding + formFieldIconSide + row(size).iconGap;
     int right = padding;
     if (kind == FieldKind::password) {
         m_eye = new IconButton(Icon::visible, u"Mostrar contraseña"_s, eyeSide, this);
@@ -167,7 +167,7 @@ void FormEdit::paintEvent(QPaintEvent* event)
             strokeRounded(painter, rect(), size.radius, theme.accentLine, 1.5);
         else if (m_size == FieldSize::large)
             strokeRounded(painter, rect(), size.radius, theme.line2);
-        paintIcon(painter, m_icon, QRectF(size.padding, 0, iconSide, height()), size.icon,
+        paintIcon(painter, m_icon, QRectF(size.padding, 0, formFieldIconSide, height()), size.icon,
                   lively ? theme.text2 : theme.dis);
     }
     QLineEdit::paintEvent(event);

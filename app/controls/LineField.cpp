@@ -5,7 +5,7 @@
 #include <QKeyEvent>
 
 namespace {
-constexpr int fieldHeight = 32, padding = 8, iconSide = 20, iconGap = 6;
+constexpr int fieldHeight = 32, lineFieldPadding = 8, lineFieldIconSide = 20, lineFieldIconGap = 6;
 }
 
 bool belongsToWindow(const QKeyEvent* event)
@@ -26,8 +26,10 @@ LineField::LineField(const QString& name, const QString& placeholder, Icon icon,
     setPlaceholderText(placeholder);
     setFixedHeight(fieldHeight);
     // Less the two pixels that a line edit always adds.
-    const int left = icon == Icon::none ? padding : padding + iconSide + iconGap - 2;
-    setTextMargins(left, 0, padding - 2, 0);
+    const int left = icon == Icon::none
+                         ? lineFieldPadding
+                         : lineFieldPadding + lineFieldIconSide + lineFieldIconGap - 2;
+    setTextMargins(left, 0, lineFieldPadding - 2, 0);
 }
 
 void LineField::setShown(const QString& text)
@@ -95,7 +97,7 @@ void LineField::paintEvent(QPaintEvent* event)
                     isEnabled() ? theme.control : mixed(theme.panel, theme.control, 0.65));
         if (hasFocus())
             strokeRounded(painter, rect(), Radius::field, theme.accentLine, 1.5);
-        paintIcon(painter, m_icon, QRectF(padding, 0, iconSide, height()), 16,
+        paintIcon(painter, m_icon, QRectF(lineFieldPadding, 0, lineFieldIconSide, height()), 16,
                   isEnabled() ? theme.text2 : theme.dis);
     }
     QLineEdit::paintEvent(event);

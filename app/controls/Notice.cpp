@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int iconSide = 16, iconGap = 8;
+constexpr int noticeIconSide = 16, noticeIconGap = 8;
 
 QString addressIn(const QString& text)
 {
@@ -34,7 +34,7 @@ Notice::Notice(int rows, Qt::Alignment place, QWidget* parent)
     m_copy->setFixedHeight(rowHeight);
     m_copy->hide();
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(iconSide + iconGap, 0, 0, 0);
+    layout->setContentsMargins(noticeIconSide + noticeIconGap, 0, 0, 0);
     layout->setSpacing(0);
     if (place & Qt::AlignVCenter)
         layout->addStretch(1);
@@ -78,6 +78,6 @@ void Notice::paintEvent(QPaintEvent*)
     QPainter painter(this);
     const bool isProblem = m_kind == NoticeKind::problem;
     paintIcon(painter, isProblem ? Icon::alert : Icon::info,
-              QRectF(0, m_text->y(), iconSide, iconSide), iconSide,
+              QRectF(0, m_text->y(), noticeIconSide, noticeIconSide), noticeIconSide,
               isProblem ? theme.err : theme.text2);
 }

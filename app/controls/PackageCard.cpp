@@ -3,7 +3,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int chipHeight = 32, cardHeight = 118, side = 16, radio = 20;
+constexpr int packageChipHeight = 32, cardHeight = 118, packageSide = 16, packageRadio = 20;
 }
 
 void paintRadio(QPainter& painter, const QRectF& box, const Theme& theme, bool checked,
@@ -28,7 +28,7 @@ PackageCard::PackageCard(PackageSize size, const Texts& texts, QWidget* parent)
 
 QSize PackageCard::sizeHint() const
 {
-    return m_size == PackageSize::chip ? QSize(60, chipHeight) : QSize(120, cardHeight);
+    return m_size == PackageSize::chip ? QSize(60, packageChipHeight) : QSize(120, cardHeight);
 }
 
 void PackageCard::paintEvent(QPaintEvent*)
@@ -51,9 +51,10 @@ void PackageCard::paintEvent(QPaintEvent*)
     const QColor ink2 = isEnabled() ? theme.text2 : theme.dis;
     if (isChip)
         return paintText(painter, rect(), Qt::AlignHCenter, Type::bodyMedium, ink, m_texts.amount);
-    const QRectF line(side, 0, width() - 2 * side, 20);
-    paintRadio(painter, QRectF(width() - side - radio, 17, radio, radio), theme, isChecked(),
-               isEnabled());
+    const QRectF line(packageSide, 0, width() - 2 * packageSide, 20);
+    paintRadio(painter,
+               QRectF(width() - packageSide - packageRadio, 17, packageRadio, packageRadio), theme,
+               isChecked(), isEnabled());
     paintText(painter, line.translated(0, 17), Qt::AlignLeft, Type::sheetTitle, ink,
               m_texts.amount);
     paintText(painter, line.translated(0, 37), Qt::AlignLeft, Type::small, ink2, m_texts.unit);

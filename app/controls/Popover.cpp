@@ -8,7 +8,7 @@
 #include <QKeyEvent>
 
 namespace {
-constexpr int shadowRoom = 28, gap = 6, windowMargin = 8;
+constexpr int shadowRoom = 28, popoverGap = 6, popoverWindowMargin = 8;
 }
 
 Popover::Popover(QWidget* owner) : QWidget(owner->window()), m_owner(owner)
@@ -39,9 +39,9 @@ void Popover::resizeContent(QSize content)
 
 QSize Popover::largestContent() const
 {
-    const int top = m_owner->mapTo(window(), QPoint(0, m_owner->height())).y() + gap;
-    return QSize(window()->width() - windowMargin, window()->height() - top) -
-           QSize(windowMargin + 2 * padding, windowMargin + 2 * padding);
+    const int top = m_owner->mapTo(window(), QPoint(0, m_owner->height())).y() + popoverGap;
+    return QSize(window()->width() - popoverWindowMargin, window()->height() - top) -
+           QSize(popoverWindowMargin + 2 * padding, popoverWindowMargin + 2 * padding);
 }
 
 void Popover::takeFocus(QWidget* target, Qt::FocusReason reason)
@@ -65,12 +65,12 @@ void Popover::place()
 {
     const QSize size = box().size();
     const QRect owner(m_owner->mapTo(window(), QPoint()), m_owner->size());
-    const QRect bounds =
-        window()->rect().adjusted(windowMargin, windowMargin, -windowMargin, -windowMargin);
-    const int below = bounds.bottom() - owner.bottom() - gap;
-    const int above = owner.top() - gap - bounds.top();
-    int top = below >= size.height() || below >= above ? owner.bottom() + 1 + gap
-                                                       : owner.top() - gap - size.height();
+    const QRect bounds = window()->rect().adjusted(popoverWindowMargin, popoverWindowMargin,
+                                                   -popoverWindowMargin, -popoverWindowMargin);
+    const int below = bounds.bottom() - owner.bottom() - popoverGap;
+    const int above = owner.top() - popoverGap - bounds.top();
+    int top = below >= size.height() || below >= above ? owner.bottom() + 1 + popoverGap
+                                                       : owner.top() - popoverGap - size.height();
     top = std::max(bounds.top(), std::min(top, bounds.bottom() + 1 - size.height()));
     const int left =
         std::max(bounds.left(), std::min(owner.left(), bounds.right() + 1 - size.width()));

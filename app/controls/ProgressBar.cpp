@@ -3,7 +3,7 @@
 #include "app/controls/Painting.h"
 
 namespace {
-constexpr int glideTime = 200, cycleTime = 1400, frameTime = 33;    // ms
+constexpr int glideTime = 200, cycleTime = 1400, progressFrameTime = 33;    // ms
 }
 
 ProgressBar::ProgressBar(QWidget* parent) : QWidget(parent)
@@ -11,13 +11,13 @@ ProgressBar::ProgressBar(QWidget* parent) : QWidget(parent)
     setFixedHeight(4);
     m_glide.setDuration(glideTime);
     m_glide.setEasingCurve(QEasingCurve::OutCubic);
-    m_cycle.setInterval(frameTime);
+    m_cycle.setInterval(progressFrameTime);
     connect(&m_glide, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
         m_shown = value.toDouble();
         update();
     });
     connect(&m_cycle, &QTimer::timeout, this, [this] {
-        m_phase = std::fmod(m_phase + double(frameTime) / cycleTime, 1.0);
+        m_phase = std::fmod(m_phase + double(progressFrameTime) / cycleTime, 1.0);
         update();
     });
 }

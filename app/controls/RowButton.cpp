@@ -1,7 +1,7 @@
 #include "app/controls/RowButton.h"
 
 namespace {
-constexpr int height36 = 36, padding = 10, iconSide = 20, iconGap = 10;
+constexpr int height36 = 36, rowButtonPadding = 10, rowButtonIconSide = 20, rowButtonIconGap = 10;
 }
 
 RowButton::RowButton(Icon icon, const QString& text, QWidget* parent)
@@ -21,7 +21,8 @@ void RowButton::setMark(Icon icon)
 
 QSize RowButton::sizeHint() const
 {
-    return {2 * padding + iconSide + iconGap + qCeil(textWidth(Type::bodyMedium, text())),
+    return {2 * rowButtonPadding + rowButtonIconSide + rowButtonIconGap +
+                qCeil(textWidth(Type::bodyMedium, text())),
             height36};
 }
 
@@ -35,10 +36,13 @@ void RowButton::paintEvent(QPaintEvent*)
     QColor ink = isChecked() ? theme.text : mixed(theme.text2, theme.text, hovered());
     if (!isEnabled())
         ink = theme.dis;
-    paintIcon(painter, m_icon, QRectF(padding, 0, iconSide, height()), iconSide, ink);
-    const double left = padding + iconSide + iconGap;
-    paintText(painter, QRectF(left, 0, width() - left - padding, height()), Qt::AlignLeft,
+    paintIcon(painter, m_icon, QRectF(rowButtonPadding, 0, rowButtonIconSide, height()),
+              rowButtonIconSide, ink);
+    const double left = rowButtonPadding + rowButtonIconSide + rowButtonIconGap;
+    paintText(painter, QRectF(left, 0, width() - left - rowButtonPadding, height()), Qt::AlignLeft,
               Type::bodyMedium, isEnabled() ? theme.text : theme.dis, text());
-    paintIcon(painter, m_mark, QRectF(width() - padding - iconSide, 0, iconSide, height()), 16,
-              ink);
+    paintIcon(
+        painter, m_mark,
+        QRectF(width() - rowButtonPadding - rowButtonIconSide, 0, rowButtonIconSide, height()), 16,
+        ink);
 }

@@ -16,9 +16,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int windowMargin = 24, riseTime = 180;    // ms
+constexpr int sheetWindowMargin = 24, riseTime = 180;    // ms
 constexpr double riseFrom = 0.98;
-constexpr int columnWidth = 216, columnSide = 12, columnTop = 20;
+constexpr int sheetColumnWidth = 216, columnSide = 12, columnTop = 20;
 constexpr int contentSide = 32, contentTop = 22, contentBottom = 24;
 
 // The ground of the box and of its column.
@@ -33,9 +33,9 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         fillRounded(painter, rect(), Radius::sheet, theme.panel);
-        fillRounded(painter, QRectF(0, 0, columnWidth, height()), Corners{Radius::sheet, 0},
+        fillRounded(painter, QRectF(0, 0, sheetColumnWidth, height()), Corners{Radius::sheet, 0},
                     theme.bg);
-        painter.fillRect(QRectF(columnWidth, 0, 1, height()), theme.line);
+        painter.fillRect(QRectF(sheetColumnWidth, 0, 1, height()), theme.line);
         strokeRounded(painter, rect(), Radius::sheet, theme.line2);
     }
 };
@@ -52,7 +52,7 @@ public:
     }
 };
 
-QAccessibleInterface* accessibleOf(const QString&, QObject* object)
+QAccessibleInterface* accessibleSheetOf(const QString&, QObject* object)
 {
     auto* sheet = qobject_cast<Sheet*>(object);
     return sheet ? new SheetAccessible(sheet) : nullptr;
@@ -64,7 +64,7 @@ Sheet::Sheet(const QString& title, QSize size, QWidget* window)
     : QWidget(window), m_size(size), m_box(new Box(this)), m_column(new QVBoxLayout),
       m_content(new QVBoxLayout), m_close(new IconButton(Icon::close, u"Cerrar"_s, 32, m_box))
 {
-    QAccessible::installFactory(accessibleOf);
+    QAccessible::installFactory(accessibleSheetOf);
     hide();
     setFocusPolicy(Qt::ClickFocus);
     setAccessibleName(title);
@@ -72,7 +72,7 @@ Sheet::Sheet(const QString& title, QSize size, QWidget* window)
     columns->setContentsMargins(0, 0, 0, 0);
     columns->setSpacing(0);
     auto* left = new QWidget;
-    left->setFixedWidth(columnWidth);
+    left->setFixedWidth(sheetColumnWidth);
     left->setLayout(m_column);
     m_column->setContentsMargins(columnSide, columnTop, columnSide, columnTop);
     m_column->setSpacing(2);
@@ -142,11 +142,11 @@ void Sheet::settle()
 void Sheet::place()
 {
     setGeometry(parentWidget()->rect());
-    const QSize room(width() - 2 * windowMargin, height() - 2 * windowMargin);
+    const QSize room(width() - 2 * sheetWindowMargin, height() - 2 * sheetWindowMargin);
     QRect box(QPoint(), m_size.boundedTo(room));
     box.moveCenter(rect().center());
     if (m_rise.state() == QAbstractAnimation::Running)
-        box.moveTop(height() + windowMargin);
+        box.moveTop(height() + sheetWindowMargin);
     m_box->setGeometry(box);
     m_close->move(m_box->width() - m_close->width() - 16, 16);
     m_close->raise();

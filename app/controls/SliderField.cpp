@@ -15,8 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int barHeight = 3, dragStart = 3;
-constexpr double padding = 10, leastPadding = 6, labelGap = 3;
+constexpr int sliderHeight = 3, dragStart = 3;
+constexpr double sliderPadding = 10, leastPadding = 6, labelGap = 3;
 constexpr double fineSpeed = 0.1;
 
 struct UnitRow {
@@ -70,7 +70,7 @@ private:
     SliderField* slider() const { return static_cast<SliderField*>(object()); }
 };
 
-QAccessibleInterface* accessibleOf(const QString&, QObject* object)
+QAccessibleInterface* accessibleSliderOf(const QString&, QObject* object)
 {
     auto* slider = qobject_cast<SliderField*>(object);
     return slider ? new SliderAccessible(slider) : nullptr;
@@ -82,7 +82,7 @@ SliderField::SliderField(const QString& label, SliderRange range, QWidget* paren
     : QWidget(parent), m_label(label), m_range(range), m_value(range.from), m_default(range.from),
       m_edit(new LineField(label, {}, Icon::none, this))
 {
-    QAccessible::installFactory(accessibleOf);
+    QAccessible::installFactory(accessibleSliderOf);
     setAccessibleName(label);
     setFixedHeight(32);
     setFocusPolicy(Qt::TabFocus);
@@ -252,7 +252,7 @@ void SliderField::paintEvent(QPaintEvent*)
     outline.addRoundedRect(rect(), Radius::field, Radius::field);
     const auto fillBar = [&](double width, const QColor& color) {
         QPainterPath bar;
-        bar.addRect(0, height() - barHeight, width, barHeight);
+        bar.addRect(0, height() - sliderHeight, width, sliderHeight);
         painter.fillPath(outline.intersected(bar), color);
     };
     const double share = (m_value - m_range.from) / (m_range.to - m_range.from);
@@ -267,7 +267,7 @@ void SliderField::paintEvent(QPaintEvent*)
     const double valueWidth = textWidth(Type::bodyMedium, value);
     // "Opacidad 100 %" in the narrowest panel: a closer edge is better than half a word.
     const double spare = width() - textWidth(Type::body, m_label) - labelGap - valueWidth;
-    const double side = std::clamp(spare / 2, leastPadding, padding);
+    const double side = std::clamp(spare / 2, leastPadding, sliderPadding);
     const QRectF line(side, 0, width() - 2 * side, height() - 1);
     paintText(painter, line, Qt::AlignRight, Type::bodyMedium, isEnabled() ? theme.text : theme.dis,
               value, Qt::ElideNone);

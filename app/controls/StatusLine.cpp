@@ -12,10 +12,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int lineHeight = 28, side = 16, historyLength = 10;
-constexpr int sentenceLeft = side + 24, linkGap = 8;
-constexpr int widestHistory = 720, mostRows = 6;    // of a sentence in the history
-constexpr int announcePause = 3000, turnTime = 1000, frameTime = 33;    // ms
+constexpr int statusLineHeight = 28, statusSide = 16, historyLength = 10;
+constexpr int sentenceLeft = statusSide + 24, linkGap = 8;
+constexpr int widestHistory = 720, statusMostRows = 6;    // of a sentence in the history
+constexpr int announcePause = 3000, statusTurnTime = 1000, statusFrameTime = 33;    // ms
 
 struct KindRow {
     StatusKind kind;
@@ -55,7 +55,7 @@ QStringList rowsOf(const QString& sentence, double width)
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(width);
-        if (rows.size() == mostRows - 1) {
+        if (rows.size() == statusMostRows - 1) {
             rows.append(sentence.mid(line.textStart()));
             break;
         }
@@ -168,18 +168,18 @@ StatusLine::StatusLine(QWidget* parent)
       m_hints(new KeyHints({}, this))
 {
     m_link->hide();
-    setFixedHeight(lineHeight);
+    setFixedHeight(statusLineHeight);
     m_stop->setIconSize(16);
     m_stop->hide();
     m_bar->hide();
-    m_spin.setInterval(frameTime);
+    m_spin.setInterval(statusFrameTime);
     m_announceLater.setSingleShot(true);
     connect(&m_announceLater, &QTimer::timeout, this, &StatusLine::announce);
     connect(m_stop, &IconButton::clicked, this, &StatusLine::stopRequested);
     connect(m_link, &Control::clicked, this, &StatusLine::linkRequested);
     connect(&m_spin, &QTimer::timeout, this, [this] {
-        m_turn = std::fmod(m_turn + double(frameTime) / turnTime, 1.0);
-        update(0, 0, side + 20, height());
+        m_turn = std::fmod(m_turn + double(statusFrameTime) / statusTurnTime, 1.0);
+        update(0, 0, statusSide + 20, height());
     });
 }
 
@@ -268,7 +268,7 @@ void StatusLine::resizeEvent(QResizeEvent*)
 
 void StatusLine::place()
 {
-    int right = width() - side;
+    int right = width() - statusSide;
     if (!m_stop->isHidden()) {
         m_stop->move(right - m_stop->width() + 6, (height() - m_stop->height()) / 2 + 1);
         right -= m_stop->width();
@@ -276,7 +276,7 @@ void StatusLine::place()
     const int percentage = 38;
     m_bar->setGeometry(right - percentage - 180, (height() - 4) / 2 + 1, 180, 4);
     const int hints = std::min(m_hints->sizeHint().width(), width() / 2);
-    m_hints->setGeometry(width() - side - hints, (height() - 20) / 2 + 1, hints, 20);
+    m_hints->setGeometry(width() - statusSide - hints, (height() - 20) / 2 + 1, hints, 20);
     const QSize link = m_link->sizeHint();
     const int after = sentenceLeft + qCeil(textWidth(Type::small, m_status.sentence)) + linkGap;
     const int left = std::max(sentenceLeft, std::min(after, sentenceEnd() - link.width()));
@@ -302,8 +302,8 @@ void StatusLine::paintEvent(QPaintEvent*)
     painter.fillRect(rect(), theme.panel);
     painter.fillRect(0, 0, width(), 1, theme.line);
     if (!m_status.sentence.isEmpty())
-        paintState(painter, QRectF(side, (height() - 16) / 2.0 + 1, 16, 16), m_status.kind, theme,
-                   m_turn);
+        paintState(painter, QRectF(statusSide, (height() - 16) / 2.0 + 1, 16, 16), m_status.kind,
+                   theme, m_turn);
     paintText(painter, sentenceRect(), Qt::AlignLeft, Type::small, theme.text2, m_status.sentence);
     if (!m_bar->isHidden() && m_status.progress) {
         const int percent = qRound(std::clamp(*m_status.progress, 0.0, 1.0) * 100);
@@ -341,7 +341,8 @@ void StatusLine::showHistory()
     if (m_history.isEmpty())
         return;
     const int above = mapTo(window(), QPoint()).y();
-    const QSize room(std::clamp(width() - 2 * side, 240, widestHistory), above - 2 * Space::small);
+    const QSize room(std::clamp(width() - 2 * statusSide, 240, widestHistory),
+                     above - 2 * Space::small);
     auto* popover = new HistoryPopover(m_history, room, this);
     popover->move(mapToGlobal(QPoint(8, -popover->height() - 4)));
     popover->show();

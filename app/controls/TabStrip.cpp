@@ -7,7 +7,7 @@
 #include <QKeyEvent>
 
 namespace {
-constexpr int stripHeight = 44, textHeight = 40, iconSide = 20, iconGap = 8, lineInset = 14;
+constexpr int stripHeight = 44, textHeight = 40, tabIconSide = 20, tabIconGap = 8, lineInset = 14;
 }
 
 TabStrip::TabStrip(const QList<PanelTab>& tabs, QWidget* parent) : QWidget(parent), m_tabs(tabs)
@@ -80,11 +80,12 @@ void TabStrip::paintEvent(QPaintEvent*)
         const QColor ink = chosen || i == m_hovered ? theme.text : theme.text2;
         const Type type = chosen ? Type::heading : Type::bodyMedium;
         const double text = textWidth(type, m_tabs[i].text);
-        const double left = box.center().x() - (iconSide + iconGap + text) / 2;
+        const double left = box.center().x() - (tabIconSide + tabIconGap + text) / 2;
         const QRectF line(left, 0, box.width(), textHeight);
-        paintIcon(painter, m_tabs[i].icon, QRectF(left, 0, iconSide, textHeight), iconSide, ink);
-        paintText(painter, line.adjusted(iconSide + iconGap, 0, 0, 0), Qt::AlignLeft, type, ink,
-                  m_tabs[i].text, Qt::ElideNone);
+        paintIcon(painter, m_tabs[i].icon, QRectF(left, 0, tabIconSide, textHeight), tabIconSide,
+                  ink);
+        paintText(painter, line.adjusted(tabIconSide + tabIconGap, 0, 0, 0), Qt::AlignLeft, type,
+                  ink, m_tabs[i].text, Qt::ElideNone);
         if (chosen)
             fillRounded(
                 painter,

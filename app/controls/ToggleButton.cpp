@@ -3,7 +3,8 @@
 #include <QEvent>
 
 namespace {
-constexpr int height32 = 32, padding = 10, iconSide = 20, iconGap = 8, foldedWidth = 36;
+constexpr int height32 = 32, togglePadding = 10, toggleIconSide = 20, toggleIconGap = 8,
+              foldedWidth = 36;
 }
 
 ToggleButton::ToggleButton(Icon icon, const QString& text, QWidget* parent)
@@ -49,7 +50,8 @@ QSize ToggleButton::sizeHint() const
 {
     if (m_labels == Labels::hidden)
         return {foldedWidth, height32};
-    return {2 * padding + iconSide + iconGap + qCeil(textWidth(Type::bodyMedium, text())),
+    return {2 * togglePadding + toggleIconSide + toggleIconGap +
+                qCeil(textWidth(Type::bodyMedium, text())),
             height32};
 }
 
@@ -69,9 +71,10 @@ void ToggleButton::paintEvent(QPaintEvent*)
     if (!isEnabled())
         ink = theme.dis;
     if (m_labels == Labels::hidden)
-        return paintIcon(painter, m_icon, rect(), iconSide, ink);
-    paintIcon(painter, m_icon, QRectF(padding, 0, iconSide, height()), iconSide, ink);
-    const double left = padding + iconSide + iconGap;
+        return paintIcon(painter, m_icon, rect(), toggleIconSide, ink);
+    paintIcon(painter, m_icon, QRectF(togglePadding, 0, toggleIconSide, height()), toggleIconSide,
+              ink);
+    const double left = togglePadding + toggleIconSide + toggleIconGap;
     paintText(painter, QRectF(left, 0, width() - left, height()), Qt::AlignLeft, Type::bodyMedium,
               ink, text(), Qt::ElideNone);
 }

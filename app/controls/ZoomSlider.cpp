@@ -11,7 +11,7 @@
 #include <utility>
 
 namespace {
-constexpr double trackHeight = 4, knobRadius = 7;
+constexpr double zoomTrackHeight = 4, knobRadius = 7;
 }
 
 ZoomSlider::ZoomSlider(int lowest, int highest, QWidget* parent) : QAbstractSlider(parent)
@@ -60,12 +60,12 @@ void ZoomSlider::paintEvent(QPaintEvent*)
     const Theme& theme = themeOf(this);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF track(0, (height() - trackHeight) / 2, width(), trackHeight);
-    fillRounded(painter, track, trackHeight / 2, theme.fill);
+    const QRectF track(0, (height() - zoomTrackHeight) / 2, width(), zoomTrackHeight);
+    fillRounded(painter, track, zoomTrackHeight / 2, theme.fill);
     const double knob = knobAt();
     if (isEnabled())
-        fillRounded(painter, QRectF(track.topLeft(), QSizeF(knob, trackHeight)), trackHeight / 2,
-                    theme.accentLine);
+        fillRounded(painter, QRectF(track.topLeft(), QSizeF(knob, zoomTrackHeight)),
+                    zoomTrackHeight / 2, theme.accentLine);
     const QRectF box(knob - knobRadius, height() / 2.0 - knobRadius, 2 * knobRadius,
                      2 * knobRadius);
     painter.setPen(QPen(theme.line2, 1));    // on a light panel white would drown

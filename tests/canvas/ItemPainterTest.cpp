@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSizeF canvas(200, 200);
+constexpr QSizeF paintedCanvas(200, 200);
 
 // An item without photo, texts and shapes, to be filled by a test; a white layer shows on the black
 // ground.
@@ -39,7 +39,8 @@ ShapeLayer whiteShape(ShapeKind kind, CodableRect frame)
     return shape;
 }
 
-QImage rendered(const PublicationItem& item, QSizeF size = canvas, QSizeF reference = canvas)
+QImage rendered(const PublicationItem& item, QSizeF size = paintedCanvas,
+                QSizeF reference = paintedCanvas)
 {
     return ExportCanvasRenderer::bitmap(item, size, reference).value_or(QImage());
 }
@@ -84,7 +85,8 @@ TEST(ItemPainter, aLineIsItsStrokeAndAStrokeBelowATenthIsNone)
     item.shapeLayers[0].strokeOpacity = 1;
     EXPECT_EQ(grey(rendered(item), 100, 100), 255);
     EXPECT_EQ(grey(rendered(item), 100, 103), 0) << "four wide";
-    EXPECT_EQ(grey(rendered(item, canvas, canvas / 2), 100, 103), 255) << "scaled with the design";
+    EXPECT_EQ(grey(rendered(item, paintedCanvas, paintedCanvas / 2), 100, 103), 255)
+        << "scaled with the design";
     item.shapeLayers[0].strokeWidth = 0.1;
     EXPECT_EQ(grey(rendered(item), 100, 100), 0);
 }
@@ -178,16 +180,18 @@ TEST(ItemPainter, thePhotoIsDrawnAtWholePixelsAndBlackSurroundsAFittedOne)
     QImage photo(100, 51, QImage::Format_RGB32);
     photo.fill(Qt::white);
     const auto source = [&](const PhotoHandle&, PhotoLevel) { return photo; };
-    const QImage image = *ExportCanvasRenderer::bitmap(item, canvas, canvas, source);
+    const QImage image = *ExportCanvasRenderer::bitmap(item, paintedCanvas, paintedCanvas, source);
     for (int y = 0; y < 200; ++y)
         EXPECT_EQ(grey(image, 100, y), y >= 49 && y < 151 ? 255 : 0) << y;
 
     QImage clear(100, 51, QImage::Format_ARGB32_Premultiplied);
     clear.fill(Qt::transparent);
     photo = clear;
-    EXPECT_EQ(*ExportCanvasRenderer::bitmap(item, canvas, canvas, source), rendered(emptyItem()));
+    EXPECT_EQ(*ExportCanvasRenderer::bitmap(item, paintedCanvas, paintedCanvas, source),
+              rendered(emptyItem()));
     photo = QImage();
-    EXPECT_EQ(ExportCanvasRenderer::bitmap(item, canvas, canvas, source), std::nullopt)
+    EXPECT_EQ(ExportCanvasRenderer::bitmap(item, paintedCanvas, paintedCanvas, source),
+              std::nullopt)
         << "a photo that cannot be decoded is no render";
 }
 
@@ -285,8 +289,9 @@ TEST(ItemPainter, hostileNumbersNeitherCrashNorHang)
             item.shapeLayers.last().strokeWidth = item.shapeLayers.last().cornerRadius = value;
         }
         item.placement = {ImageFitMode::fill, value, {value, -value}};
-        const auto image = ExportCanvasRenderer::bitmap(
-            item, canvas, canvas, [&](const PhotoHandle&, PhotoLevel) { return photo; });
+        const auto image =
+            ExportCanvasRenderer::bitmap(item, paintedCanvas, paintedCanvas,
+                                         [&](const PhotoHandle&, PhotoLevel) { return photo; });
         EXPECT_TRUE(image) << value;
     }
 }

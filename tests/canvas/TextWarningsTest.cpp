@@ -9,13 +9,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize canvas(400, 400);
+constexpr QSize warningCanvas(400, 400);
 
-// A text over the middle of a photo as large as the canvas.
+// A text over the middle of a photo as large as the warningCanvas.
 PublicationItem itemWith(const TextLayer& layer)
 {
     PublicationItem item = PublicationItem::make(
-        QUrl(), {.path = {}, .size = canvas, .reducible = false, .digest = {}});
+        QUrl(), {.path = {}, .size = warningCanvas, .reducible = false, .digest = {}});
     item.layers = {layer};
     return item;
 }
@@ -32,7 +32,7 @@ TextLayer smallText(QRgb color = 0xFFFFFFFF)
 
 QImage ground(QRgb color)
 {
-    QImage photo(canvas, QImage::Format_RGB32);
+    QImage photo(warningCanvas, QImage::Format_RGB32);
     photo.fill(color);
     return photo;
 }
@@ -46,7 +46,8 @@ QImage ground(QRgb color, const QRect& part, QRgb other)
 
 QList<TextWarning> warningsOf(const PublicationItem& item, const QImage& photo)
 {
-    return judgedItem(layOut(item, canvas, canvas), canvas / 4, photo).warnings;
+    return judgedItem(layOut(item, warningCanvas, warningCanvas), warningCanvas / 4, photo)
+        .warnings;
 }
 
 }    // namespace
@@ -129,25 +130,26 @@ TEST(TextWarnings, aTextThatDoesNotFitAtItsSmallestIsToldAlsoWhenItsLinesAreTake
 {
     PublicationItem item = itemWith(smallText());
     item.layers[0].text = u"palabra "_s.repeated(400);
-    const ItemLayout first = layOut(item, canvas, canvas);
+    const ItemLayout first = layOut(item, warningCanvas, warningCanvas);
     EXPECT_TRUE(first.texts[0].overflows);
     item.layers[0].frame.y = 0.2;
-    EXPECT_TRUE(layOut(item, canvas, canvas, first).texts[0].overflows);
+    EXPECT_TRUE(layOut(item, warningCanvas, warningCanvas, first).texts[0].overflows);
     const auto warnings = warningsOf(item, ground(0));
     ASSERT_EQ(warnings.size(), 1);
     EXPECT_TRUE(warnings[0].overflows);
     item.layers[0].text = u"palabra"_s;
-    EXPECT_FALSE(layOut(item, canvas, canvas, first).texts[0].overflows);
+    EXPECT_FALSE(layOut(item, warningCanvas, warningCanvas, first).texts[0].overflows);
     item.layers[0].frame.width = 0.1;
-    EXPECT_TRUE(layOut(item, canvas, canvas).texts[0].overflows) << "a word wider than its box";
+    EXPECT_TRUE(layOut(item, warningCanvas, warningCanvas).texts[0].overflows)
+        << "a word wider than its box";
 }
 
 TEST(TextWarnings, judgingLeavesNoTraceInThePicture)
 {
     PublicationItem item = PublicationItem::make(
-        QUrl(), {.path = {}, .size = canvas, .reducible = false, .digest = {}});
-    const ItemLayout layout = layOut(item, canvas, canvas);
-    const JudgedPicture judged = judgedItem(layout, canvas, ground(0xFFFFFF));
+        QUrl(), {.path = {}, .size = warningCanvas, .reducible = false, .digest = {}});
+    const ItemLayout layout = layOut(item, warningCanvas, warningCanvas);
+    const JudgedPicture judged = judgedItem(layout, warningCanvas, ground(0xFFFFFF));
     EXPECT_FALSE(judged.warnings.isEmpty());
-    EXPECT_EQ(judged.picture, paintedItem(layout, canvas, ground(0xFFFFFF)));
+    EXPECT_EQ(judged.picture, paintedItem(layout, warningCanvas, ground(0xFFFFFF)));
 }

@@ -6,9 +6,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSizeF canvas(400, 500);
+constexpr QSizeF shownCanvas(400, 500);
 
-// One text over one shape, beside a line; the photo has the shape of the canvas.
+// One text over one shape, beside a line; the photo has the shape of the shownCanvas.
 PublicationItem sampleItem()
 {
     PublicationItem item = PublicationItem::make(
@@ -24,7 +24,7 @@ PublicationItem sampleItem()
 struct Canvas : CanvasInteraction {
     explicit Canvas(const PublicationItem& shown = sampleItem())
     {
-        setCanvasSize(canvas);
+        setCanvasSize(shownCanvas);
         setItem(shown);
         onCommit = [this](const PublicationItem& edited) {
             log.append(u"commit"_s);
