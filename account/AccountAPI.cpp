@@ -255,7 +255,10 @@ QCoro::Task<QByteArray> AccountAPI::exchange(Call call, std::stop_token stop)
     try {
         answer = co_await std::move(sending);
     } catch (const TransportError& error) {
-        if (error.kind() != TransportError::Kind::notHttp)
+        using Kind = TransportError::Kind;
+        const bool isNoAnswer =
+            error.kind() == Kind::notHttp || (endsSession && error.kind() == Kind::brokenOff);
+        if (!isNoAnswer)
             throw;
         if (self && endsSession)
             forget(sent);

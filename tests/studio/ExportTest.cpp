@@ -140,7 +140,7 @@ TEST_F(ExportTest, AStoppedExportCostsNothing)
 {
     loadThree();
     // Of one that was killed while it wrote there.
-    QFile killed(world.file(u"salida/.moltiva-5d1f4c0e3d1c4a868b8e4b7d7b6f1a11.x"_s));
+    QFile killed(world.file(u"salida/.moltiva-5d1f4c0e-3d1c-4a86-8b8e-4b7d7b6f1a11.x"_s));
     EXPECT_TRUE(killed.open(QIODevice::WriteOnly));
     session().exportAll(world.file(u"salida"_s));
     EXPECT_TRUE(session().isExporting());
