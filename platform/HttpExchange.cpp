@@ -89,6 +89,7 @@ TransportError failureOf(const QNetworkReply& reply)
     case QNetworkReply::ProtocolInvalidOperationError:
         return {Kind::notHttp, text};
     case QNetworkReply::RemoteHostClosedError:
+    case QNetworkReply::ContentReSendError:
         return {Kind::brokenOff, text};
     default:
         return {Kind::unreachable, text};
