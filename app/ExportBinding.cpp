@@ -181,6 +181,8 @@ void ExportBinding::followLink()
     const QString folder = m_session.statusLink().folder;
     if (m_session.statusLink().isPurchase)
         return m_session.setAccountPanel(AccountPanelDestination::credits);
+    if (folder.isEmpty())
+        return;
     // Some systems say that they opened what is not there any more.
     if (!QFileInfo(folder).isDir() || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
         m_session.setStatus(u"No se ha podido abrir la carpeta."_s, StatusTone::problem);

@@ -76,7 +76,7 @@ public:
         const auto imported = importPhotos();
         if (!imported)
             return ended(stopped(), pathsOf(m_options.photos));
-        const PreparedBatch batch = prepared(*imported);
+        const PreparedBatch batch = prepared(imported->items);
         if (batch.lacksTexts) {
             m_report.withoutTexts();
             ExportOutcome outcome;
@@ -133,7 +133,7 @@ private:
         return outcome;
     }
 
-    std::optional<PublicationItems> importPhotos()
+    std::optional<PhotoImport::Imported> importPhotos()
     {
         m_import->progressed = [this](const PhotoImport::Progress& progress) {
             m_report.showProgress(u"Leyendo imagen"_s, progress.looked, progress.total);

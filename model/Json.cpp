@@ -11,7 +11,7 @@ struct JsonFields<PublicationItemSnapshot> {
     static constexpr auto fields =
         std::tuple{required("id", &Item::id),
                    required("url", &Item::url),
-                   optional("bookmarkData", &Item::bookmarkData),
+                   lenient("bookmarkData", &Item::bookmarkData),
                    required("analysis", &Item::analysis),
                    required("layers", &Item::layers),
                    optional("shapeLayers", &Item::shapeLayers),

@@ -261,13 +261,37 @@ std::optional<PhotoHeader> readWebp(QIODevice& file)
     return header;
 }
 
+// The start of the top-level box `meta`, which may stand behind the coded pictures; empty without
+// one.
+QByteArray heicProperties(QIODevice& file)
+{
+    constexpr qint64 longestProperties = 1 << 20;
+    constexpr int mostBoxes = 1000;
+    qint64 at = 0;
+    for (int i = 0; i < mostBoxes; ++i) {
+        const QByteArray start = bytesAt(file, at, 8);
+        if (start.isEmpty())
+            return {};
+        if (start.mid(4) == "meta")
+            return file.seek(at) ? file.read(longestProperties) : QByteArray();
+        // A size of 1 is written behind the type, with 64 bits; one of 0 means the rest of the
+        // file.
+        quint64 size = big<quint32>(start, 0);
+        if (size == 1) {
+            const QByteArray large = bytesAt(file, at + 8, 8);
+            size = large.isEmpty() ? 0 : big<quint64>(large, 0);
+        }
+        if (size < 8 || size > quint64(file.size() - at))
+            return {};
+        at += qint64(size);
+    }
+    return {};
+}
+
 // The largest picture the properties of the container announce: the photo, or a tile of it.
 std::optional<PhotoHeader> readHeic(QIODevice& file)
 {
-    constexpr qint64 longestProperties = 1 << 20;
-    if (!file.seek(0))
-        return {};
-    const QByteArray bytes = file.read(longestProperties);
+    const QByteArray bytes = heicProperties(file);
     PhotoHeader header{.format = PhotoFormat::heic, .size = {}};
     const QByteArray name("ispe");
     for (qsizetype at = bytes.indexOf(name); at >= 0; at = bytes.indexOf(name, at + 4)) {

@@ -3,17 +3,29 @@
 #include <QCollator>
 #include <QDir>
 #include <QLocale>
+#include <QStringDecoder>
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 using namespace Qt::StringLiterals;
 
-QList<QUrl> photosInFolder(const QString& folder)
+namespace {
+
+const QStringList& photoExtensions()
 {
     static const QStringList extensions{u"jpg"_s, u"jpeg"_s, u"png"_s, u"heic"_s, u"tiff"_s};
+    return extensions;
+}
+
+}    // namespace
+
+QList<QUrl> photosInFolder(const QString& folder)
+{
     QFileInfoList files = QDir(folder).entryInfoList(QDir::Files, QDir::Unsorted);
     files.removeIf(
-        [](const QFileInfo& file) { return !extensions.contains(file.suffix().toLower()); });
+        [](const QFileInfo& file) { return !photoExtensions().contains(file.suffix().toLower()); });
     // Numeric mode is ignored in the C locale of a fresh system.
     QCollator order(QLocale(u"es"_s));
     order.setNumericMode(true);
@@ -27,15 +39,38 @@ QList<QUrl> photosInFolder(const QString& folder)
     return urls;
 }
 
-QList<QUrl> photosIn(const QList<QUrl>& filesAndFolders)
+// The toolkit leaves such files out of its listings.
+QStringList unreachablePhotosInFolder(const QString& folder)
 {
-    QList<QUrl> photos;
+    namespace fs = std::filesystem;
+    QStringList names;
+    std::error_code failure;
+    for (fs::directory_iterator entry(folder.toStdU16String(), failure);
+         !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
+        const std::u8string bytes = entry->path().filename().u8string();
+        QStringDecoder decoder(QStringDecoder::Utf8);
+        const QString name = decoder(
+            QByteArrayView(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())));
+        std::error_code unknown;
+        if (decoder.hasError() && !name.startsWith(u'.') &&
+            photoExtensions().contains(QFileInfo(name).suffix().toLower()) &&
+            entry->is_regular_file(unknown))
+            names.append(name);
+    }
+    return names;
+}
+
+FoundPhotos photosIn(const QList<QUrl>& filesAndFolders)
+{
+    FoundPhotos found;
     for (const QUrl& url : filesAndFolders) {
         const QFileInfo file(url.toLocalFile());
-        if (file.isDir())
-            photos.append(photosInFolder(file.absoluteFilePath()));
-        else
-            photos.append(QUrl::fromLocalFile(file.absoluteFilePath()));
+        if (file.isDir()) {
+            found.photos.append(photosInFolder(file.absoluteFilePath()));
+            found.unreachable.append(unreachablePhotosInFolder(file.absoluteFilePath()));
+        } else {
+            found.photos.append(QUrl::fromLocalFile(file.absoluteFilePath()));
+        }
     }
-    return photos;
+    return found;
 }

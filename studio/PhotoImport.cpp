@@ -58,6 +58,16 @@ struct ImportRun {
         if (control->progressed)
             control->progressed(progress);
     }
+
+    QStringList unreadable() const
+    {
+        QStringList names;
+        for (qsizetype i = 0; i < photos.size(); ++i) {
+            if (!results[std::size_t(i)])
+                names.append(photos[i].fileName());
+        }
+        return names;
+    }
 };
 
 // One photo after the other, until none is left.
@@ -76,16 +86,17 @@ QCoro::Task<> lane(std::shared_ptr<ImportRun> run)
 
 }    // namespace
 
-QCoro::Task<std::optional<PublicationItems>>
+QCoro::Task<std::optional<PhotoImport::Imported>>
 PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCache> cache,
                           std::shared_ptr<Control> control)
 {
     // Named before they are awaited: the compiler destroys twice what is made inside an awaiting
     // expression.
-    QFuture<QList<QUrl>> listing =
+    QFuture<FoundPhotos> listing =
         runOnWorker([filesAndFolders] { return photosIn(filesAndFolders); });
     auto run = std::make_shared<ImportRun>();
-    run->photos = co_await listing;
+    const FoundPhotos found = co_await listing;
+    run->photos = found.photos;
     run->cache = cache;
     run->control = control;
     run->results.resize(std::size_t(run->photos.size()));
@@ -101,5 +112,6 @@ PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCach
         co_await each;
     if (control->stop)
         co_return std::nullopt;
-    co_return run->progress.accepted;
+    const Imported imported{run->progress.accepted, found.unreachable + run->unreadable()};
+    co_return imported;
 }

@@ -13,7 +13,7 @@
 #include <memory>
 
 // Photos becoming items. A photo is accepted when a reduced decoding of it succeeds, on the
-// workers; what is no photo is passed over in silence.
+// workers; the names of the others are kept.
 namespace PhotoImport {
 
 struct Progress {
@@ -27,11 +27,16 @@ struct Control {
     std::function<void(const Progress&)> progressed;    // on the caller's thread; may be empty
 };
 
+struct Imported {
+    PublicationItems items;
+    QStringList unreadable;    // names of files
+};
+
 // The items of these files and folders, in order; nothing when it was stopped. At most a few
 // decodings wait in the workers' queue at any time, so that what the screen needs meanwhile gets
 // its turn.
-QCoro::Task<std::optional<PublicationItems>> importPhotos(QList<QUrl> filesAndFolders,
-                                                          std::shared_ptr<PhotoCache> cache,
-                                                          std::shared_ptr<Control> control);
+QCoro::Task<std::optional<Imported>> importPhotos(QList<QUrl> filesAndFolders,
+                                                  std::shared_ptr<PhotoCache> cache,
+                                                  std::shared_ptr<Control> control);
 
 }    // namespace PhotoImport

@@ -3,10 +3,10 @@
 #include "canvas/ImagePlacementGeometry.h"
 #include "platform/PreferencesStore.h"
 #include "studio/BatchSelection.h"
+#include "studio/StepName.h"
 #include "studio/TextSheetFile.h"
 
 #include <QPointer>
-#include <QScopedValueRollback>
 
 #include <utility>
 
@@ -19,6 +19,11 @@ using namespace std::chrono_literals;
 QString startStatus()
 {
     return u"Importa una imagen o una carpeta para empezar."_s;
+}
+
+QString unreadableSentence(qsizetype files)
+{
+    return files == 1 ? u"1 no se ha podido leer."_s : u"%1 no se han podido leer."_s.arg(files);
 }
 
 QElapsedTimer started()
@@ -74,9 +79,24 @@ void StudioSession::change(Change apply, Pace pace)
                                                              ? StudioHistory::Changes::single
                                                              : StudioHistory::Changes::continuous);
     }
+    if (isEdit)
+        forgetOldStatus();
     // Going through the images with a key held is no reason to store each step.
     saveAfter(isEdit ? pace : Pace::held);
     Q_EMIT batchChanged();
+}
+
+StudioSession::ResultStep::ResultStep(StudioSession& session)
+    : m_session(session), m_isRecorded(session.m_isApplyingHistory, false)
+{
+    Q_EMIT session.aboutToMove();
+    session.endCanvasHistoryEdit({});
+    session.m_history.endContinuousChanges();
+}
+
+StudioSession::ResultStep::~ResultStep()
+{
+    m_session.m_history.endContinuousChanges();
 }
 
 void StudioSession::registerUndo(const Batch& before, StudioHistory::Changes changes)
@@ -89,7 +109,7 @@ void StudioSession::undo()
 {
     Q_EMIT aboutToMove();
     if (auto snapshot = m_history.undo(m_batch)) {
-        setStatus(u"Cambio deshecho."_s);
+        setStatus(u"Deshecho: %1."_s.arg(stepName(*snapshot, m_batch)));
         applyHistorySnapshot(*std::move(snapshot));
     }
 }
@@ -98,7 +118,7 @@ void StudioSession::redo()
 {
     Q_EMIT aboutToMove();
     if (auto snapshot = m_history.redo(m_batch)) {
-        setStatus(u"Cambio rehecho."_s);
+        setStatus(u"Rehecho: %1."_s.arg(stepName(m_batch, *snapshot)));
         applyHistorySnapshot(*std::move(snapshot));
     }
 }
@@ -313,16 +333,14 @@ QCoro::Task<> StudioSession::runRestoreAside(QPointer<StudioSession> session, QB
 void StudioSession::finishRestoreAside(const WorkspaceStore::Restored& restored)
 {
     m_isRestoringAside = false;
-    Q_EMIT aboutToMove();
     if (!restored.workspace) {
         setStatus(u"La sesión apartada sigue sin poder leerse. ¿Falta conectar un disco?"_s,
                   StatusTone::problem);
         return;
     }
+    const ResultStep step(*this);
     setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(restored.workspace->items.size()),
               StatusTone::done);
-    m_history.endCanvasEdit();
-    m_history.endContinuousChanges();
     change([&](Batch& batch) { batch = withPaymentsOfNow(*restored.workspace); });
     if (restored.isComplete && !m_saveFailed)
         WorkspaceStore::clearAside(m_preferences);
@@ -334,7 +352,23 @@ void StudioSession::setStatus(const QString& status, StatusTone tone, const Stat
     m_statusTone = tone;
     m_statusLink = link;
     m_statusTold.start();
+    if (!std::exchange(m_isStatusOfThisTurn, true)) {
+        QMetaObject::invokeMethod(
+            this, [this] { m_isStatusOfThisTurn = false; }, Qt::QueuedConnection);
+    }
     Q_EMIT statusChanged();
+}
+
+// What was told of an earlier command says nothing of the batch as it is now.
+void StudioSession::forgetOldStatus()
+{
+    const bool isUnread =
+        m_statusTone >= StatusTone::problem && m_statusTold.elapsed() < timeToRead;
+    if (m_isStatusOfThisTurn || isUnread || m_saveFailed || isImporting() || isExporting() ||
+        m_isRestoringAside || m_status.isEmpty())
+        return;
+    setStatus({});
+    m_isStatusOfThisTurn = false;
 }
 
 void StudioSession::load(const QList<QUrl>& filesAndFolders)
@@ -375,36 +409,42 @@ QCoro::Task<> StudioSession::runImport(QPointer<StudioSession> session, QList<QU
                                        std::shared_ptr<PhotoImport::Control> control)
 {
     auto importing = PhotoImport::importPhotos(urls, photos, control);
-    std::optional<PublicationItems> items;
+    std::optional<PhotoImport::Imported> imported;
     QString failure;
     try {
-        items = co_await importing;
+        imported = co_await importing;
     } catch (const std::exception& error) {
         failure = QString::fromLocal8Bit(error.what());
     }
     // It may have been replaced by another import, and the session may be gone by now.
     if (!session || session->m_import != control)
         co_return;
-    session->finishImport(items);
+    session->finishImport(imported);
     if (!failure.isEmpty()) {
         session->setStatus(u"No se pudieron importar las imágenes: %1."_s.arg(failure),
                            StatusTone::problem);
     }
 }
 
-void StudioSession::finishImport(const std::optional<PublicationItems>& items)
+void StudioSession::finishImport(const std::optional<PhotoImport::Imported>& imported)
 {
     m_import.reset();
     m_importProgress = {};
-    if (items && !items->isEmpty()) {
-        Q_EMIT aboutToMove();
+    const auto tell = [&](const QString& sentence, StatusTone tone) {
+        const qsizetype unread = imported->unreadable.size();
+        if (unread == 0)
+            return setStatus(sentence, tone);
+        setStatus(sentence + u' ' + unreadableSentence(unread), StatusTone::problem,
+                  {.details = imported->unreadable});
+    };
+    if (imported && !imported->items.isEmpty()) {
+        const ResultStep step(*this);
         // Told first: should it not be stored, that is the last word.
-        setStatus(u"%1 imagen(es) importada(s). Pulsa Generar con Gemma."_s.arg(items->size()),
-                  StatusTone::done);
-        m_history.endContinuousChanges();    // an import joins no step from before
-        change([&](Batch& batch) { BatchSelection::replaceItems(batch, *items); });
-    } else if (items) {
-        setStatus(u"No he encontrado imágenes compatibles."_s, StatusTone::problem);
+        tell(u"%1 imagen(es) importada(s). Pulsa Generar con Gemma."_s.arg(imported->items.size()),
+             StatusTone::done);
+        change([&](Batch& batch) { BatchSelection::replaceItems(batch, imported->items); });
+    } else if (imported) {
+        tell(u"No he encontrado imágenes compatibles."_s, StatusTone::problem);
     }
     Q_EMIT importChanged();
 }
@@ -422,17 +462,11 @@ void StudioSession::stopImport()
 
 void StudioSession::applyTexts(const TextSheet& sheet)
 {
-    Q_EMIT aboutToMove();
-    // A step of its own: a gesture under way, typing before and typing after are others, and an
-    // undo of a moment ago has no part in it.
-    endCanvasHistoryEdit({});
-    m_history.endContinuousChanges();
-    const QScopedValueRollback isStep(m_isApplyingHistory, false);
+    const ResultStep step(*this);
     PublicationItems items = m_batch.items;
     const SheetMatch match = applyTextSheet(items, sheet);
     setStatus(sentenceOn(match), match.problems.isEmpty() ? StatusTone::done : StatusTone::problem);
     change([&](Batch& batch) { batch.items = items; });
-    m_history.endContinuousChanges();
 }
 
 void StudioSession::setFormat(SocialFormat format)
@@ -609,12 +643,13 @@ void StudioSession::endCanvasHistoryEdit(QUuid movedLayer)
 {
     if (!m_history.isCanvasEditActive())
         return;
-    change([&](Batch& batch) {
-        LayerEdits::syncCurrentCanvasEditsToSelectedItems(batch, movedLayer);
-    });
+    LayerEdits::syncCurrentCanvasEditsToSelectedItems(m_batch, movedLayer);
     const Batch before = *m_history.endCanvasEdit();
+    if (before == m_batch)
+        return;
     registerUndo(before, StudioHistory::Changes::single);
     saveAfter(Pace::once);
+    Q_EMIT batchChanged();    // last: who hears of it asks for the step, too
 }
 
 void StudioSession::copyStyle()

@@ -16,6 +16,7 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
+#include <QScopedValueRollback>
 #include <QTimer>
 
 #include <functional>
@@ -29,8 +30,9 @@ struct TextSheet;
 // What a sentence in the status line tells, and where it leads.
 enum class StatusTone { info, done, problem, failure };
 struct StatusLink {
-    QString folder;             // of the files that it tells of; empty for none
-    bool isPurchase = false;    // of credits
+    QString folder = {};         // of the files that it tells of; empty for none
+    bool isPurchase = false;     // of credits
+    QStringList details = {};    // the names of what it only counts
 };
 
 // The state of the main window and its commands. Lives on the interface thread; whoever shows it
@@ -56,7 +58,8 @@ public:
     QString status() const { return m_status; }
     StatusTone statusTone() const { return m_statusTone; }
     const StatusLink& statusLink() const { return m_statusLink; }
-    // Also for who works with the session.
+    // Also for who works with the session. A sentence is gone with the next change of the batch,
+    // unless it was told in the same turn of the event loop; a problem that is not read yet stays.
     void setStatus(const QString& status, StatusTone tone = StatusTone::info,
                    const StatusLink& link = {});
     CopyGenerationMode generationMode() const { return m_generationMode; }
@@ -197,8 +200,23 @@ Q_SIGNALS:
 private:
     enum class Restore { notYet, running, done };
 
+    // While it lives, changes are what work that ran meanwhile brings back: a step of their own, no
+    // part of a gesture or of typing before or after them, and recorded also in the turn of an
+    // undo.
+    class ResultStep {
+    public:
+        explicit ResultStep(StudioSession& session);
+        ~ResultStep();
+        Q_DISABLE_COPY_MOVE(ResultStep)
+
+    private:
+        StudioSession& m_session;
+        const QScopedValueRollback<bool> m_isRecorded;
+    };
+
     template <typename Change>
     void change(Change apply, Pace pace = Pace::once);
+    void forgetOldStatus();
     void registerUndo(const Batch& before, StudioHistory::Changes changes);
     void applyHistorySnapshot(StudioHistorySnapshot snapshot);
     Batch withPaymentsOfNow(Batch batch) const;
@@ -217,7 +235,7 @@ private:
     static QCoro::Task<> runImport(QPointer<StudioSession> session, QList<QUrl> urls,
                                    std::shared_ptr<PhotoCache> photos,
                                    std::shared_ptr<PhotoImport::Control> control);
-    void finishImport(const std::optional<PublicationItems>& items);
+    void finishImport(const std::optional<PhotoImport::Imported>& imported);
 
     std::shared_ptr<PhotoCache> m_photos;
     PreferencesStore& m_preferences;
@@ -242,6 +260,7 @@ private:
     StatusTone m_statusTone = StatusTone::info;
     StatusLink m_statusLink;
     QElapsedTimer m_statusTold;
+    bool m_isStatusOfThisTurn = false;
     AccountSession* m_accountSession = nullptr;
     std::optional<AccountPanelDestination> m_accountPanel;
     bool m_isAppSettingsPresented = false;

@@ -57,7 +57,7 @@ struct JsonFields<JSONTextLayer> {
 template <>
 struct JsonFields<JSONShapeLayer> {
     using Shape = JSONShapeLayer;
-    static constexpr auto fields = std::tuple{required("kind", &Shape::kind),
+    static constexpr auto fields = std::tuple{required("kind", &Shape::kind, ShapeKind::rectangle),
                                               required("frame", &Shape::frame),
                                               lenient("fill", &Shape::fill),
                                               lenient("fillOpacity", &Shape::fillOpacity),

@@ -4,6 +4,7 @@
 #include "app/controls/ProgressBar.h"
 
 #include <QHelpEvent>
+#include <QListWidget>
 #include <QMouseEvent>
 #include <QTextLayout>
 #include <QToolTip>
@@ -130,6 +131,54 @@ private:
         int height() const { return int(rows.size()) * rowHeight + 2 * entryMargin; }
     };
     QList<Entry> m_entries;
+};
+
+// A list to scroll through, above the line.
+class DetailsPopover : public QFrame {
+public:
+    DetailsPopover(const QStringList& details, QSize room, QWidget* parent)
+        : QFrame(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
+    {
+        setAttribute(Qt::WA_TranslucentBackground);
+        setAttribute(Qt::WA_DeleteOnClose);
+        auto* list = new QListWidget(this);
+        list->setAccessibleName(u"Archivos que no se han podido leer"_qs);
+        list->setFrameShape(QFrame::NoFrame);
+        list->setFont(fontOf(Type::small));
+        list->setUniformItemSizes(true);
+        list->setTextElideMode(Qt::ElideMiddle);
+        list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        QPalette colors = list->palette();
+        colors.setColor(QPalette::Base, Qt::transparent);
+        colors.setColor(QPalette::Text, themeOf(this).text);
+        list->setPalette(colors);
+        double widest = 200;
+        for (const QString& detail : details) {
+            auto* row = new QListWidgetItem(detail, list);
+            row->setSizeHint({0, rowHeight});
+            row->setToolTip(u"<qt>%1</qt>"_qs.arg(detail.toHtmlEscaped()));
+            widest = std::max(widest, textWidth(Type::small, detail));
+        }
+        list->setCurrentRow(0);
+        setFocusProxy(list);
+        const qsizetype rows = std::clamp<qsizetype>((room.height() - 2 * edge) / rowHeight, 1, 12);
+        resize(std::min(room.width(), qCeil(widest) + 2 * edge + scrollBarRoom),
+               int(std::min(rows, details.size())) * rowHeight + 2 * edge);
+        list->setGeometry(rect().adjusted(edge, edge, -edge, -edge));
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        const Theme& theme = themeOf(this);
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        fillRounded(painter, rect(), Radius::popover, theme.elev);
+        strokeRounded(painter, rect(), Radius::popover, theme.line2);
+    }
+
+private:
+    static constexpr int edge = 8, rowHeight = 26, scrollBarRoom = 28;
 };
 
 // As small as the sentence that it follows.
@@ -340,10 +389,24 @@ void StatusLine::showHistory()
 {
     if (m_history.isEmpty())
         return;
+    popUp(new HistoryPopover(m_history, popoverRoom(), this));
+}
+
+void StatusLine::showDetails(const QStringList& details)
+{
+    if (!details.isEmpty())
+        popUp(new DetailsPopover(details, popoverRoom(), this));
+}
+
+QSize StatusLine::popoverRoom() const
+{
     const int above = mapTo(window(), QPoint()).y();
-    const QSize room(std::clamp(width() - 2 * statusSide, 240, widestHistory),
-                     above - 2 * Space::small);
-    auto* popover = new HistoryPopover(m_history, room, this);
+    return {std::clamp(width() - 2 * statusSide, 240, widestHistory), above - 2 * Space::small};
+}
+
+void StatusLine::popUp(QWidget* popover) const
+{
     popover->move(mapToGlobal(QPoint(8, -popover->height() - 4)));
     popover->show();
+    popover->setFocus(Qt::PopupFocusReason);
 }

@@ -33,6 +33,8 @@ public:
     const QList<Status>& history() const { return m_history; }
     // Above the line, whole sentences; it takes the keyboard until Esc or a press elsewhere.
     void showHistory();
+    // Likewise a list that the sentence only counts.
+    void showDetails(const QStringList& details);
     QList<QWidget*> focusOrder() const;
     QSize sizeHint() const override { return {600, 28}; }
 
@@ -49,6 +51,8 @@ protected:
 
 private:
     void remember(const Status& status);
+    QSize popoverRoom() const;
+    void popUp(QWidget* popover) const;
     void announce();
     void showParts();
     void place();

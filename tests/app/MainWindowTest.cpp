@@ -14,6 +14,7 @@
 #include "app/TextPanel.h"
 #include "app/ViewBar.h"
 #include "app/controls/CostButton.h"
+#include "app/controls/SegmentedControl.h"
 #include "app/controls/SliderField.h"
 #include "app/controls/SlotEditor.h"
 #include "app/controls/StatusLine.h"
@@ -31,6 +32,7 @@
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMimeData>
 #include <QTemporaryDir>
@@ -287,6 +289,9 @@ TEST_F(MainWindowTest, keysChangeTheImageUnlessAFieldHasThem)
     EXPECT_EQ(session.batch().selectedIndex, 1);
     QTest::keyClick(&window, Qt::Key_PageDown);
     EXPECT_EQ(session.batch().selectedIndex, 2);
+    QTest::keyClick(&window, Qt::Key_Left);
+    EXPECT_EQ(session.batch().selectedIndex, 1);
+    QTest::keyClick(&window, Qt::Key_Right);
     objective()->setFocus();
     QTest::keyClicks(objective(), u"ab"_s);
     QTest::keyClick(objective(), Qt::Key_Left);
@@ -363,6 +368,9 @@ TEST_F(MainWindowTest, anEditorKeepsItsKeysAndFollowsTheImage)
     session.selectLayer(current().layers[1].id);
     QTest::keyClick(canvas(), Qt::Key_Delete);
     EXPECT_FALSE(current().layers[1].isVisible);
+    session.selectLayer(current().layers[0].id);
+    QTest::keyClick(canvas(), Qt::Key_Backspace);
+    EXPECT_FALSE(current().layers[0].isVisible);
 }
 
 TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
@@ -376,8 +384,22 @@ TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
     EXPECT_EQ(session.batch().objective, QString());
     EXPECT_EQ(objective()->text(), QString());
     QTest::qWait(1);
-    QTest::keyClick(objective(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(session.batch().objective, u"Rebajas"_s);
+    for (const auto& redo : {QKeyCombination(Qt::ControlModifier | Qt::ShiftModifier, Qt::Key_Z),
+                             QKeyCombination(Qt::ControlModifier, Qt::Key_Y)}) {
+        QTest::keyClick(objective(), redo.key(), redo.keyboardModifiers());
+        EXPECT_EQ(session.batch().objective, u"Rebajas"_s);
+        QTest::qWait(1);
+        session.undo();
+        QTest::qWait(1);
+        EXPECT_EQ(session.batch().objective, QString());
+    }
+
+    // The bar shows the state that came back.
+    const auto* formats = window.shell()->topBar()->findChild<SegmentedControl*>();
+    session.setFormat(SocialFormat::square);
+    EXPECT_EQ(formats->current(), int(SocialFormat::square));
+    session.undo();
+    EXPECT_EQ(formats->current(), int(SocialFormat::carouselPortrait));
     QTest::qWait(1);
 
     SlotEditor* editor = editSelected();
@@ -667,10 +689,75 @@ TEST_F(MainWindowTest, exportsAreOfferedForWhatIsSelected)
     session.load({photos(4)});
     settle();
     EXPECT_EQ(entry(Command::exportAll)->text(), u"Exportar todo…"_s);
+    const auto* exports = window.shell()->topBar()->exports();
+    const auto costs = [&] {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return session.areCostsUpToDate(); }, 30000));
+        return std::pair(exports->current()->cost().credits, exports->several()->cost().credits);
+    };
+    EXPECT_EQ(costs(), std::pair(std::optional(50), std::optional(200)));
     session.selectItem(2, Qt::ShiftModifier);
+    EXPECT_EQ(costs(), std::pair(std::optional(50), std::optional(150)));
     EXPECT_EQ(entry(Command::exportAll)->text(), u"Exportar 3…"_s);
     EXPECT_EQ(window.shell()->topBar()->exports()->several()->accessibleName(), u"Exportar 3"_s);
     EXPECT_TRUE(entry(Command::exportCurrent)->isEnabled());
+    EXPECT_FALSE(entry(Command::pasteStyle)->isEnabled());
+    session.copyStyle();
+    EXPECT_TRUE(entry(Command::pasteStyle)->isEnabled());
+}
+
+TEST_F(MainWindowTest, theNextStartHasThePlacesOfThisOne)
+{
+    window.resize(1330, 815);
+    Q_EMIT window.shell()->batchWidthDragged(310);
+    Q_EMIT window.shell()->panelWidthDragged(410);
+    window.close();
+    MainWindow next(session, account.session(), m_photos, preferences);
+    next.show();
+    EXPECT_EQ(next.size(), QSize(1330, 815));
+    EXPECT_NEAR(next.shell()->batchColumn()->width(), 310, 1);
+    EXPECT_NEAR(next.shell()->sidePanel()->width(), 410, 1);
+}
+
+TEST_F(MainWindowTest, theNamesOfWhatCouldNotBeReadAreAPressAway)
+{
+    photos(2);
+    QFile broken(m_folder.filePath(u"rota.jpg"_s));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly) && broken.write("x") == 1);
+    broken.close();
+    window.open({QUrl::fromLocalFile(m_folder.path())});
+    settle();
+    QWidget* link = window.shell()->statusLine()->focusOrder().first();
+    ASSERT_TRUE(link->isVisible());
+    EXPECT_EQ(link->accessibleName(), u"Ver cuáles"_s);
+    link->setFocus();
+    QTest::keyClick(link, Qt::Key_Space);
+    const auto* list = window.findChild<QListWidget*>();
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->count(), 1);
+    EXPECT_EQ(list->item(0)->text(), u"rota.jpg"_s);
+    QTest::keyClick(list->window(), Qt::Key_Escape);
+    EXPECT_FALSE(list->isVisible());
+    session.load({QUrl::fromLocalFile(m_folder.filePath(u"f0.png"_s))});
+    settle();
+    EXPECT_FALSE(link->isVisible());
+}
+
+TEST_F(MainWindowTest, stoppingWhileItIsPaidGivesTheCreditsBack)
+{
+    session.load({photos(3)});
+    settle();
+    account.answer("POST /api/credits/social-copy/refund",
+                   R"({"ok":true,"balance":4280,"cost":50})");
+    holdAtCharging();
+    QWidget* stop = window.shell()->statusLine()->focusOrder().last();
+    press(*stop, stop->rect().center());
+    account.release();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !session.isExporting(); }, 30000));
+    EXPECT_FALSE(QFile::exists(m_data.filePath(u"f1.png"_s)));
+    EXPECT_FALSE(session.isPaid(session.batch().items[1].id));
+    EXPECT_TRUE(std::ranges::any_of(account.log(), [](const QByteArray& request) {
+        return request.startsWith("POST /api/credits/social-copy/refund");
+    }));
 }
 
 TEST_F(MainWindowTest, theKeysOfExportsActFromEverywhere)

@@ -4,6 +4,7 @@
 #include "model/JsonMapping.h"
 #include "model/ShapeLayer.h"
 #include "model/TextLayer.h"
+#include "model/WorkspaceSnapshot.h"
 
 #include <gtest/gtest.h>
 
@@ -75,6 +76,19 @@ TEST(Json, missingOptionalKeysTakeTheirDefaultAndMissingRequiredOnesDropTheRecor
                   toJson(GeneratedCopy::placeholder()).replace("Ver más", "\\\"Ven.\\\""))
                   ->callToAction,
               u"Ven"_s);
+}
+
+TEST(Json, anUnreadableBookmarkCostsNoItem)
+{
+    const QByteArray item =
+        R"({"id":"6C1B2E0A-0001-4A00-8000-000000000001","url":"file:///a.jpg","analysis":)" +
+        toJson(GeneratedCopy::placeholder()) + R"(,"layers":[],"shapeLayers":[],"placement":)" +
+        toJson(ImagePlacement()) + R"(,"paidRenderFingerprints":[],"bookmarkData":)";
+    for (const char* bookmark : {"\"?\"", "7", "null", "\"AP8Q\""}) {
+        const auto read = fromJson<PublicationItemSnapshot>(item + bookmark + '}');
+        ASSERT_TRUE(read) << bookmark;
+        EXPECT_EQ(read->bookmarkData.has_value(), QByteArray(bookmark).contains('A')) << bookmark;
+    }
 }
 
 TEST(Json, oneBadEntryIsDroppedAlone)

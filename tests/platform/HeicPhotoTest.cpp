@@ -1,5 +1,7 @@
 #include "platform/HeicPhoto.h"
 #include "platform/HeicCodedSize.h"
+#include "platform/PhotoDecoder.h"
+#include "tests/platform/PhotoSamples.h"
 
 #include <QtEndian>
 
@@ -27,6 +29,31 @@ TEST(HeicPhoto, linearLightIsConvertedWhateverThePrimaries)
     const QImage image = readHeicPhoto(greyHeic(), QSize(128, 96));
     ASSERT_EQ(image.size(), QSize(128, 96));
     EXPECT_NEAR(image.pixelColor(60, 40).green(), 168, 2);    // as sRGB says it
+}
+
+// As some telephones write it: the properties come after the pictures.
+TEST(HeicPhoto, propertiesBehindALargeBoxAreFound)
+{
+    const QByteArray heic = greyHeic();
+    const qsizetype start = heic.indexOf("meta") - 4;
+    QByteArray before(3 << 20, '\0');
+    for (const bool isLong : {false, true}) {
+        qToBigEndian(quint32(isLong ? 1 : before.size()), before.data());
+        before.replace(4, 4, "free");
+        qToBigEndian(quint64(before.size()), before.data() + 8);
+        QByteArray moved = QByteArray(heic).insert(start, before);
+        // The place of the coded picture in the file.
+        const qsizetype place = moved.indexOf("iloc") + 16;
+        ASSERT_EQ(qFromBigEndian<quint32>(moved.constData() + place), 0x17AU);
+        qToBigEndian(quint32(0x17A + before.size()), moved.data() + place);
+        const QTemporaryDir folder;
+        const auto photo = acceptPhoto(written(folder, u"a.heic"_qs, moved));
+        ASSERT_TRUE(photo) << isLong;
+        EXPECT_EQ(photo->info.size, QSize(128, 96));
+        // A box that claims more than there is.
+        qToBigEndian(quint64(1) << 62, moved.data() + start + 8);
+        EXPECT_EQ(acceptPhoto(written(folder, u"b.heic"_qs, moved)).has_value(), !isLong);
+    }
 }
 
 TEST(HeicPhoto, aPictureLargerThanItsContainerSaysIsNotDecoded)

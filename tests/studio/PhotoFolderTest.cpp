@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <fstream>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -26,8 +28,21 @@ TEST(PhotoFolder, givesPhotosInNaturalOrderWithoutHiddenFilesAndSubfolders)
 
     // A file named outright is taken whatever it is called.
     const QUrl odd = QUrl::fromLocalFile(folder.filePath(u"f.webp"_s));
-    const QList<QUrl> mixed = photosIn({odd, QUrl::fromLocalFile(folder.path())});
+    const QList<QUrl> mixed = photosIn({odd, QUrl::fromLocalFile(folder.path())}).photos;
     EXPECT_EQ(mixed.size(), 7);
     EXPECT_EQ(mixed.first(), odd);
     EXPECT_TRUE(photosInFolder(u"/no/such/folder"_s).isEmpty());
+    EXPECT_TRUE(unreachablePhotosInFolder(u"/no/such/folder"_s).isEmpty());
+
+    // Names in another encoding cannot be addressed, and are told.
+    for (const char* name : {"/ca\xf1"
+                             "a.jpg",
+                             "/.ca\xf1"
+                             "a.jpg",
+                             "/ca\xf1"
+                             "a.txt"})
+        ASSERT_TRUE(std::ofstream(folder.path().toStdString() + name).put('x'));
+    const FoundPhotos found = photosIn({QUrl::fromLocalFile(folder.path())});
+    EXPECT_EQ(found.photos.size(), 6);
+    EXPECT_EQ(found.unreachable, QStringList{u"ca\uFFFDa.jpg"_s});
 }

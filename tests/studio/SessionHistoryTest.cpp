@@ -164,6 +164,25 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     EXPECT_EQ(batch(), before);
 }
 
+// Who shows whether there is a step to undo asks when the batch has changed.
+TEST_F(SessionHistoryTest, theFirstGestureCanBeUndoneWhenItIsTold)
+{
+    session = opened();
+    bool couldUndo = false;
+    QObject::connect(session.get(), &StudioSession::batchChanged, session.get(),
+                     [&] { couldUndo = session->canUndo(); });
+    ASSERT_FALSE(session->canUndo());
+    session->selectSingleIndex(0);
+    session->beginCanvasHistoryEdit();
+    PublicationItem once = *batch().currentItem();
+    once.layers[0].frame.x = 0.07;
+    session->commitCanvasItem(once);
+    session->endCanvasHistoryEdit(once.layers[0].id);
+    EXPECT_TRUE(couldUndo);
+    undo();
+    EXPECT_FALSE(couldUndo);
+}
+
 // The canvas clears the selection before it hands the item back.
 TEST_F(SessionHistoryTest, anOperationGoesBackToBeforeItsFirstChange)
 {
@@ -176,6 +195,65 @@ TEST_F(SessionHistoryTest, anOperationGoesBackToBeforeItsFirstChange)
     session->endOperation();
     undo();
     EXPECT_EQ(batch(), before);
+}
+
+TEST_F(SessionHistoryTest, aResultInTheTurnOfAnUndoIsAStepOfItsOwn)
+{
+    restyle(1.5);
+    const Batch restyled = batch();
+    // The import ends in the turn of the loop that undoes: its photos are looked at already.
+    session->load({QUrl::fromLocalFile(file(0))});
+    QObject::connect(session.get(), &StudioSession::importChanged, session.get(), [&] {
+        if (session->importProgress().looked > 0)
+            session->undo();
+    });
+    EXPECT_TRUE(waitFor([&] { return !session->isImporting(); }));
+    ASSERT_EQ(batch().items.size(), 1);
+    undo();
+    EXPECT_EQ(batch().items.size(), 3);
+    EXPECT_EQ(title().fontScale, 1.0);
+    EXPECT_NE(batch(), restyled);
+}
+
+TEST_F(SessionHistoryTest, theStatusNamesWhatWasUndone)
+{
+    const auto undone = [&](const QString& name) {
+        undo();
+        EXPECT_EQ(session->status(), u"Deshecho: %1."_s.arg(name));
+        redo();
+        EXPECT_EQ(session->status(), u"Rehecho: %1."_s.arg(name));
+        now += 1s;
+    };
+    undone(u"importación"_s);
+    restyle(1.3);
+    undone(u"tamaño del título"_s);
+    session->setText(CopySlot::callToAction, u"Ven"_s);
+    undone(u"texto del CTA"_s);
+    session->setFormat(SocialFormat::square);
+    undone(u"cambio de formato"_s);
+    session->addShape(ShapeKind::line);
+    undone(u"forma añadida"_s);
+    ShapeLayer line = batch().currentItem()->shapeLayers[0];
+    line.strokeWidth = 9;
+    session->editShape(line);
+    undone(u"trazo de la línea"_s);
+    session->setPlacement({ImageFitMode::fill, 2, {}});
+    undone(u"encuadre de la foto"_s);
+    session->selectAll();
+    TextLayer both = title();
+    both.alignment = LayerTextAlignment::trailing;
+    session->editLayer(both);
+    undone(u"alineación del título en 3 imágenes"_s);
+    both.alignment = LayerTextAlignment::leading;
+    both.shadowAngle = 10;
+    session->editLayer(both);
+    undone(u"cambios del título en 3 imágenes"_s);
+    session->removeCurrentItem();
+    undone(u"descarte de 0"_s);
+
+    // A sentence of an earlier command is gone with the next change, and none of its own is told.
+    restyle(1.9);
+    EXPECT_EQ(session->status(), QString());
 }
 
 TEST_F(SessionHistoryTest, whatIsPaidStaysPaidWhateverIsUndone)
@@ -220,6 +298,14 @@ TEST_F(SessionHistoryTest, everyChangeIsStoredAtOnceAndAHeldValueWhenItRests)
     EXPECT_EQ(session->status(), u"Sesión restaurada con 3 imagen(es)."_s);
     EXPECT_EQ(batch().selectedItemIDs.size(), 3);
     EXPECT_FALSE(session->canUndo());
+
+    session->selectSingleIndex(1);
+    session->selectItem(2, Qt::ShiftModifier);
+    session.reset();
+    session = opened();
+    session->selectItem(0, Qt::ShiftModifier);
+    EXPECT_EQ(session->selectedIndicesForBatch(), (QList<int>{0, 1}))
+        << "the range kept its anchor";
 
     while (batch().currentItem())
         session->removeCurrentItem();

@@ -74,7 +74,12 @@ TEST_F(StudioSessionTest, anImportReplacesTheBatchOnceAndPassesOverWhatIsNoPhoto
     EXPECT_EQ(batch.items[0].image.digest.size(), 32);
     EXPECT_EQ(batch.selectedItemIDs, QSet<QUuid>{batch.items[0].id});
     EXPECT_EQ(batch.selectedLayerID, batch.items[0].layers[0].id);
-    EXPECT_EQ(session.status(), u"2 imagen(es) importada(s). Pulsa Generar con Gemma."_s);
+    EXPECT_EQ(session.status(), u"2 imagen(es) importada(s). Pulsa Generar con Gemma. "
+                                "2 no se han podido leer."_s);
+    EXPECT_EQ(session.statusLink().details, (QStringList{u"x.jpg"_s, u"missing.jpg"_s}));
+    load({url(u"a.jpg"_s)});
+    EXPECT_EQ(session.status(), u"1 imagen(es) importada(s). Pulsa Generar con Gemma."_s);
+    EXPECT_TRUE(session.statusLink().details.isEmpty());
 }
 
 TEST_F(StudioSessionTest, anImportOfNothingLeavesTheBatchAndSaysSo)
@@ -85,7 +90,9 @@ TEST_F(StudioSessionTest, anImportOfNothingLeavesTheBatchAndSaysSo)
          {QList<QUrl>{}, {textFile(u"x.jpg"_s)}, {url(u"no-such-folder"_s)}}) {
         load(nothing);
         EXPECT_EQ(session.batch(), before);
-        EXPECT_EQ(session.status(), u"No he encontrado imágenes compatibles."_s);
+        EXPECT_EQ(session.status(),
+                  u"No he encontrado imágenes compatibles."_s +
+                      (nothing.isEmpty() ? u""_s : u" 1 no se ha podido leer."_s));
         EXPECT_EQ(session.statusTone(), StatusTone::problem);
     }
 }

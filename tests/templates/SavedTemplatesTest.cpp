@@ -83,6 +83,21 @@ TEST_F(SavedTemplatesTest, ComesBackAtTheNextStart)
     EXPECT_TRUE(VisualTemplate().suits(portrait));
 }
 
+TEST_F(SavedTemplatesTest, GivesEachSlotItsOwnPlaceWhateverTheOrder)
+{
+    PublicationItem item = photographed();
+    VisualTemplate saved = VisualTemplate::of(item, u"Del revés"_s, portrait);
+    saved.textLayers.removeAt(1);    // the subtitle
+    std::ranges::reverse(saved.textLayers);
+    for (TextLayerTemplate& text : saved.textLayers)
+        text.frame = {0.1 * int(text.slot), 0, 0.5, 0.1};
+    const TextLayer subtitle = item.layers[1];
+    saved.apply(item);
+    EXPECT_EQ(item.layers[1], subtitle);
+    for (const CopySlot slot : {CopySlot::title, CopySlot::tagline, CopySlot::callToAction})
+        EXPECT_EQ(item.layer(slot)->frame.x, 0.1 * int(slot)) << int(slot);
+}
+
 TEST_F(SavedTemplatesTest, CallsBackWhatWasRemovedOrReplaced)
 {
     const auto saved = opened();
@@ -92,9 +107,12 @@ TEST_F(SavedTemplatesTest, CallsBackWhatWasRemovedOrReplaced)
     item.shapeLayers.clear();
     saved->updateTemplate(id, item, portrait);
     EXPECT_TRUE(saved->templates().find(id)->shapeLayers.isEmpty());
-    saved->removeTemplate(other);
-    saved->callBackTemplate();
-    EXPECT_TRUE(saved->templates().find(other));
+    for (const QUuid each : {id, other}) {
+        const auto order = saved->templates().entries();
+        saved->removeTemplate(each);
+        saved->callBackTemplate();
+        EXPECT_EQ(saved->templates().entries(), order) << "each comes back in its place";
+    }
     saved->callBackTemplate();    // how the updated one was, beside it
     ASSERT_EQ(saved->templates().entries().size(), 3);
     EXPECT_TRUE(saved->templates().lastRemoved().isEmpty());

@@ -66,6 +66,11 @@ TEST(TemplateDefinition, KeepsTextsAndWhatItDoesNotMention)
     EXPECT_TRUE(item.shapeLayers.isEmpty());    // a design without shapes takes them away
     EXPECT_EQ(design.visualTemplate(before, SocialFormat::square).textLayers.size(), 2);
 
+    // A word for a shape that is not known here.
+    const auto shaped = defined(QByteArray(fullDefinition).replace("Rectángulo", "Estrella"));
+    ASSERT_EQ(shaped.shapeLayers.size(), 1);
+    EXPECT_EQ(shaped.shapeLayers[0].kind, ShapeKind::rectangle);
+
     // A slot that the item lacks is passed over, though the template describes it.
     item.layers.removeFirst();
     const auto without = item.layers;

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "studio/StudioHistory.h"
+
+// What a step of the history changed, as a noun phrase in Spanish: "tamaño del título", or
+// "formato".
+QString stepName(const StudioHistorySnapshot& before, const StudioHistorySnapshot& after);
