@@ -125,7 +125,14 @@ bool prepare(const QSqlDatabase& database)
 }
 
 // SQLite's numbers of errors, without what it adds to tell them apart.
-enum class Fault { readOnly = 8, corrupt = 11, full = 13, cannotOpen = 14, noDatabase = 26 };
+enum class Fault {
+    busy = 5,
+    readOnly = 8,
+    corrupt = 11,
+    full = 13,
+    cannotOpen = 14,
+    noDatabase = 26
+};
 
 Fault faultOf(const QSqlError& error)
 {
@@ -156,8 +163,10 @@ QString reasonOf(const QString& file, const QSqlError& error)
         return u"no queda espacio en el disco"_qs;
     if (fault == Fault::readOnly || fault == Fault::cannotOpen || !folder.isWritable())
         return u"no se puede escribir en «%1»"_qs.arg(folder.filePath());
+    if (fault == Fault::busy)
+        return u"otro programa está usando «%1»"_qs.arg(file);
     return error.databaseText().isEmpty() ? u"no se puede abrir «%1»"_qs.arg(file)
-                                          : error.databaseText();
+                                          : u"el sistema dice «%1»"_qs.arg(error.databaseText());
 }
 
 // Why a file can never become ours; empty when it may.
@@ -255,14 +264,7 @@ bool PreferencesStore::open()
     if (!cause.isEmpty()) {
         QSqlDatabase::removeDatabase(m_connection);
         // Another program may have put it aside meanwhile, and made a new one.
-        const QString aside = found == identityOf(m_file) ? putAside(m_file) : QString();
-        m_reason = cause;
-        m_problem = aside.isEmpty()
-                        ? u"Los datos guardados de Moltiva no se pueden usar: %1. Lo que hagas "
-                          "ahora no se guardará."_qs.arg(cause)
-                        : u"Los datos guardados de Moltiva no se podían usar: %1. Se han apartado "
-                          "en «%2» y se empieza de nuevo."_qs.arg(cause, aside);
-        if (aside.isEmpty())
+        if (found == identityOf(m_file) && !replace(cause))
             return false;
         tryToOpen();
     }
@@ -273,6 +275,19 @@ bool PreferencesStore::open()
         m_readOnly = openedForReading(m_connection, m_file);
     }
     return m_open;
+}
+
+// Makes room for a new file. False when what lies there cannot be moved.
+bool PreferencesStore::replace(const QString& cause)
+{
+    const QString aside = putAside(m_file);
+    m_reason = cause;
+    m_problem = aside.isEmpty()
+                    ? u"Los datos guardados de Moltiva no se pueden usar: %1. Lo que hagas ahora "
+                      "no se guardará."_qs.arg(cause)
+                    : u"Los datos guardados de Moltiva no se podían usar: %1. Se han apartado en "
+                      "«%2» y se empieza de nuevo."_qs.arg(cause, aside);
+    return !aside.isEmpty();
 }
 
 // Gives why what lies there can never be used; empty when it is open, or may be another time.
@@ -383,8 +398,10 @@ bool PreferencesStore::transaction(const std::function<bool()>& work, Durability
     const QSqlDatabase database = QSqlDatabase::database(m_connection, false);
     if (durability == Durability::onDisk)
         run(database, u"PRAGMA synchronous=FULL"_qs);
-    const QString usualErasure = answerTo(database, u"PRAGMA secure_delete"_qs);
-    if (traces == Traces::erased)
+    const bool erases = traces == Traces::erased;
+    const QString usualErasure =
+        erases ? answerTo(database, u"PRAGMA secure_delete"_qs) : QString();
+    if (erases)
         run(database, u"PRAGMA secure_delete=ON"_qs);
     bool isStored = false;
     const auto end = qScopeGuard([&] {
@@ -392,7 +409,8 @@ bool PreferencesStore::transaction(const std::function<bool()>& work, Durability
         if (std::exchange(m_isInTransaction, false) && !isStored)
             run(database, u"ROLLBACK"_qs);
         run(database, usualDurability());
-        run(database, u"PRAGMA secure_delete=%1"_qs.arg(usualErasure));
+        if (erases)
+            run(database, u"PRAGMA secure_delete=%1"_qs.arg(usualErasure));
     });
     const auto execute = [&](const QString& statement) {
         QSqlQuery query(database);
@@ -405,7 +423,7 @@ bool PreferencesStore::transaction(const std::function<bool()>& work, Durability
         m_isInTransaction = false;
         checkpointWhenDue();
     }
-    if (isStored && traces == Traces::erased)
+    if (isStored && erases)
         emptyLog();
     return isStored;
 }

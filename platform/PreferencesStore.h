@@ -45,6 +45,7 @@ public:
 
 private:
     QString tryToOpen();
+    bool replace(const QString& cause);
     bool finished(QSqlQuery& query);
     void written(qint64 bytes);
     void checkpointWhenDue();
