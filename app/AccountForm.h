@@ -1,5 +1,5 @@
 #pragma once
-#include "app/AccountChecks.h"
+#include "account/AccountChecks.h"
 #include "app/AccountShown.h"
 
 #include <QHash>

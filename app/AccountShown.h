@@ -6,8 +6,8 @@
 struct AccountShown {
     QString name;    // the e-mail where there is none
     QString fullName, email;
-    int balance = 0;    // credits
-    QString message;    // of the last action
+    qint64 balance = 0;    // credits
+    QString message;       // of the last action
     bool isProblem = false;
     bool isWorking = false;
     bool hasPendingCheckout = false;

@@ -175,7 +175,7 @@ void MainWindow::connectPanels()
     connect(m_exports.get(), &ExportBinding::leaveRequested, this, &MainWindow::focusCanvas);
     connect(m_shell->statusLine(), &StatusLine::leaveRequested, this, &MainWindow::focusCanvas);
     connect(m_shell->statusLine(), &StatusLine::linkRequested, this,
-            [this] { m_shell->statusLine()->showDetails(m_session.statusDetails()); });
+            [this] { m_shell->statusLine()->showDetails(m_session.statusLink().details); });
     connect(m_shell, &StudioShell::batchWidthDragged, this, [this](int width) {
         m_preferences.setValue(batchWidthKey, QByteArray::number(width));
     });
@@ -747,9 +747,12 @@ void MainWindow::showHints()
 void MainWindow::showStatus()
 {
     Status status{.kind = kindOf(m_session.statusTone()), .sentence = m_session.status()};
-    if (!m_session.statusDetails().isEmpty())
+    if (!m_session.statusLink().details.isEmpty())
         status.link = u"Ver cuáles"_s;
     tell(m_exports->completed(status));
+    // The line lies under the gate.
+    if (isGated() && m_session.statusTone() == StatusTone::problem)
+        m_gate->login()->tellProblem(m_session.status());
 }
 
 // Whatever is told, the bar of what is going on stays.

@@ -140,11 +140,12 @@ private:
     {
         if (!m_parser.isSet(m_texts))
             return {};
-        m_options.texts = readTextSheetFile(m_parser.value(m_texts));
-        if (!m_options.texts.error.isEmpty()) {
+        const TextSheet texts = readTextSheetFile(m_parser.value(m_texts));
+        if (!texts.error.isEmpty()) {
             return wrongUse(u"no se pudieron leer los textos de %1: %2."_s.arg(
-                m_parser.value(m_texts), m_options.texts.error));
+                m_parser.value(m_texts), texts.error));
         }
+        m_options.texts = texts;
         return {};
     }
 
@@ -157,8 +158,11 @@ private:
             m_options.photos.append(photosInFolder(m_options.sample->path()));
         }
         for (const QString& path : m_parser.positionalArguments()) {
-            if (!QFileInfo::exists(path))
+            const QFileInfo place(path);
+            if (!place.exists())
                 return wrongUse(u"no existe «%1»."_s.arg(path));
+            if (place.isDir() && !(place.isReadable() && place.isExecutable()))
+                return wrongUse(u"no se puede leer la carpeta «%1»."_s.arg(path));
             m_options.photos.append(photosAt(path));
         }
         if (!m_parser.isSet(m_sample) && m_parser.positionalArguments().isEmpty())

@@ -165,16 +165,25 @@ void StudioSession::saveAfter(Pace pace)
         saveWorkspace();
 }
 
+// Where no lock could be had, on a full disk for instance, another window may be open.
+bool StudioSession::claimStore()
+{
+    const auto writer = WorkspaceStore::writer(m_preferences);
+    m_isStoreOfAnother = writer != m_writerSeen && writer != m_writer;
+    return !m_isStoreOfAnother &&
+           (writer == m_writer || WorkspaceStore::setWriter(m_preferences, m_writer));
+}
+
 // What was paid for is stored, and its payment settled, both or neither.
 bool StudioSession::store()
 {
     const auto save = [this] {
-        return WorkspaceStore::save(m_preferences, m_encoder, m_batch) &&
+        return claimStore() && WorkspaceStore::save(m_preferences, m_encoder, m_batch) &&
                std::ranges::all_of(m_settledEntries, [this](const QString& entry) {
                    return m_preferences.remove(entry);
                });
     };
-    const bool isStored = m_settledEntries.isEmpty() ? save() : m_preferences.transaction(save);
+    const bool isStored = m_preferences.transaction(save);
     if (isStored)
         m_settledEntries.clear();
     return isStored;
@@ -183,22 +192,38 @@ bool StudioSession::store()
 void StudioSession::saveWorkspace()
 {
     m_saveLater.stop();
-    if (!didRestoreWorkspace())
+    if (!didRestoreWorkspace() || m_isStoreOfAnother)
         return;
     keepWhatIsStored();
     const bool isAside = !m_notYetAside || WorkspaceStore::setAside(m_preferences, *m_notYetAside);
     if (isAside)
         m_notYetAside.reset();
     if (!isAside || !store()) {
-        m_saveLater.start(pauseBeforeRetry);
-        if (!std::exchange(m_saveFailed, true)) {
-            setStatus(u"No se pudo guardar la sesión. ¿Queda espacio en el disco? Puedes seguir: "
-                      "se vuelve a intentar con cada cambio."_s,
-                      StatusTone::problem);
-        }
+        const bool isNews = !std::exchange(m_saveFailed, true) || m_isStoreOfAnother;
+        if (!m_isStoreOfAnother)
+            m_saveLater.start(pauseBeforeRetry);
+        if (isNews)
+            setStatus(failedSaving(), StatusTone::problem);
     } else if (std::exchange(m_saveFailed, false)) {
         setStatus(u"La sesión vuelve a guardarse."_s, StatusTone::done);
+        tellOfStore();
     }
+}
+
+QString StudioSession::failedSaving() const
+{
+    if (m_isStoreOfAnother) {
+        return u"Otra ventana de Moltiva guarda ahora el lote: lo que cambies en esta no se "
+               "guardará."_s;
+    }
+    return u"No se pudo guardar la sesión: %1. Puedes seguir: se vuelve a intentar con cada cambio."_s
+        .arg(m_preferences.reason());
+}
+
+void StudioSession::tellOfStore()
+{
+    if (const QString problem = m_preferences.takeProblem(); !problem.isEmpty())
+        setStatus(problem, StatusTone::problem);
 }
 
 // A store that opens only now may hold a batch that nobody has seen yet.
@@ -207,6 +232,7 @@ void StudioSession::keepWhatIsStored()
     if (!m_isStoredUnseen || !m_preferences.open())
         return;
     m_isStoredUnseen = false;
+    m_writerSeen = WorkspaceStore::writer(m_preferences);
     if (const auto document = WorkspaceStore::stored(m_preferences))
         m_notYetAside = *document;
 }
@@ -217,6 +243,7 @@ void StudioSession::restoreWorkspaceIfNeeded()
         return;
     m_restore = Restore::running;
     m_isStoredUnseen = !m_preferences.isReadable();
+    m_writerSeen = WorkspaceStore::writer(m_preferences);
     const auto document = WorkspaceStore::stored(m_preferences);
     if (document && m_batch.items.isEmpty())
         runRestore(this, *document, m_photos);
@@ -263,6 +290,7 @@ void StudioSession::finishRestore(const WorkspaceStore::Restored& restored,
     }
     if (m_batch.items.isEmpty())
         setStatus(startStatus());    // and not how far the restoring came
+    tellOfStore();
     Q_EMIT batchChanged();
     m_exports.tellOfRefund();
     if (!m_loadAfterRestore.isEmpty())
@@ -318,13 +346,11 @@ void StudioSession::finishRestoreAside(const WorkspaceStore::Restored& restored)
         WorkspaceStore::clearAside(m_preferences);
 }
 
-void StudioSession::setStatus(const QString& status, StatusTone tone, const QString& folder,
-                              const QStringList& details)
+void StudioSession::setStatus(const QString& status, StatusTone tone, const StatusLink& link)
 {
     m_status = status;
     m_statusTone = tone;
-    m_statusFolder = folder;
-    m_statusDetails = details;
+    m_statusLink = link;
     m_statusTold.start();
     if (!std::exchange(m_isStatusOfThisTurn, true)) {
         QMetaObject::invokeMethod(
@@ -408,8 +434,8 @@ void StudioSession::finishImport(const std::optional<PhotoImport::Imported>& imp
         const qsizetype unread = imported->unreadable.size();
         if (unread == 0)
             return setStatus(sentence, tone);
-        setStatus(sentence + u' ' + unreadableSentence(unread), StatusTone::problem, {},
-                  imported->unreadable);
+        setStatus(sentence + u' ' + unreadableSentence(unread), StatusTone::problem,
+                  {.details = imported->unreadable});
     };
     if (imported && !imported->items.isEmpty()) {
         const ResultStep step(*this);

@@ -3,6 +3,7 @@
 #include "platform/AtomicFile.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -41,6 +42,9 @@ QString listed(const QStringList& numbers)
 TextSheet readTextSheetFile(const QString& path)
 {
     QFile file(path);
+    // Nor a pipe, which could be waited for without end.
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
+        return {{}, u"no es un archivo"_s};
     if (!file.open(QIODevice::ReadOnly))
         return {{}, u"no se puede abrir (%1)"_s.arg(file.errorString())};
     constexpr qint64 most = largestFile * 1024LL * 1024LL;

@@ -1,4 +1,4 @@
-#include "app/AccountChecks.h"
+#include "account/AccountChecks.h"
 #include "app/AccountDetailPanel.h"
 #include "app/AccountPanelView.h"
 #include "app/AccountSettingsWindow.h"

@@ -378,15 +378,29 @@ TEST_F(SessionHistoryTest, aFailedSaveIsToldOnceAndTriedAgain)
     lost.restoreWorkspaceIfNeeded();
     int told = 0;
     QObject::connect(&lost, &StudioSession::statusChanged, &lost,
-                     [&] { told += lost.status().startsWith(u"No se pudo guardar la sesión."_s); });
+                     [&] { told += lost.status().startsWith(u"No se pudo guardar la sesión:"_s); });
     lost.load({QUrl::fromLocalFile(file(0))});
     EXPECT_TRUE(waitFor([&] { return !lost.isImporting(); }));
-    EXPECT_TRUE(lost.status().startsWith(u"No se pudo guardar la sesión."_s));
+    EXPECT_TRUE(lost.status().startsWith(u"No se pudo guardar la sesión:"_s));
     lost.setFormat(SocialFormat::square);
     lost.setObjective(u"Sigue"_s);
     EXPECT_EQ(told, 1);
     EXPECT_EQ(lost.batch().objective, u"Sigue"_s);
     EXPECT_TRUE(lost.canUndo());
+}
+
+TEST_F(SessionHistoryTest, ofTwoWindowsThatKnowNothingOfEachOtherOneAloneSaves)
+{
+    const auto other = opened();
+    other->setObjective(u"De la otra"_s);
+    session->setObjective(u"De esta"_s);
+    EXPECT_EQ(stored().objective, u"De la otra"_s);
+    EXPECT_TRUE(session->status().startsWith(u"Otra ventana de Moltiva guarda"_s));
+    session->setStatus({});
+    session->setObjective(u"De esta, aún"_s);
+    other->setObjective(u"De la otra, aún"_s);
+    EXPECT_EQ(stored().objective, u"De la otra, aún"_s);
+    EXPECT_EQ(session->status(), QString()) << "told once";
 }
 
 TEST_F(SessionHistoryTest, aStyleIsCopiedWithoutItsTextAndPlace)
