@@ -46,6 +46,8 @@ Result orNothing(Draw draw)
 TilePictures::TilePictures(std::shared_ptr<PhotoCache> photos, QObject* parent)
     : QObject(parent), m_photos(std::move(photos))
 {
+    m_soon.setSingleShot(true);
+    connect(&m_soon, &QTimer::timeout, this, &TilePictures::startNext);
 }
 
 void TilePictures::want(const QList<PublicationItem>& items, SocialFormat format, QSize pixels)
@@ -56,9 +58,11 @@ void TilePictures::want(const QList<PublicationItem>& items, SocialFormat format
         if (!m_running.contains(request))
             m_wanted.append(request);
     }
-    startNext();
+    m_soon.start(0);
 }
 
+// In a turn of its own: a worker may be done before it is awaited, and pictures drawn while they
+// are still being asked for would be of wishes that the next one drops.
 void TilePictures::startNext()
 {
     while (m_running.size() < tilesAtOnce && !m_wanted.isEmpty()) {
@@ -80,7 +84,7 @@ QCoro::Task<> TilePictures::draw(QPointer<TilePictures> self, TileRequest reques
     self->m_running.removeOne(request);
     Q_EMIT self->ready(request, tile.judged.picture, tile.photo, tile.judged.warnings);
     if (self)
-        self->startNext();
+        self->m_soon.start(0);
 }
 
 StagePhoto::StagePhoto(std::shared_ptr<PhotoCache> photos, QObject* parent)

@@ -10,6 +10,7 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 #include <atomic>
 #include <memory>
@@ -35,7 +36,7 @@ public:
 
     // Most urgent first. `pixels`: of each picture.
     void want(const QList<PublicationItem>& items, SocialFormat format, QSize pixels);
-    bool isIdle() const { return m_running.isEmpty(); }
+    bool isIdle() const { return m_running.isEmpty() && !m_soon.isActive(); }
 
 Q_SIGNALS:
     // Of an item that may have changed since.
@@ -50,6 +51,7 @@ private:
     std::shared_ptr<PhotoCache> m_photos;
     QList<TileRequest> m_wanted;    // not begun yet
     QList<TileRequest> m_running;
+    QTimer m_soon;
 };
 
 // The decoded photo of the item on the stage: at once what is in memory, then the level that its
