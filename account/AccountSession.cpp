@@ -46,6 +46,11 @@ QString oauthMessage(const QString& code)
     return u"No se ha podido completar el acceso con Google."_s;
 }
 
+bool isPage(const QUrl& url)
+{
+    return url.scheme() == u"https"_s || url.scheme() == u"http"_s;
+}
+
 QString userOf(const AccountSummary& account)
 {
     return account.profile ? account.profile->id : QString();
@@ -423,8 +428,10 @@ QCoro::Task<> AccountSession::startCheckout(int credits)
         co_return;
     if (!start.url)
         throw AccountError::message(u"Stripe no ha devuelto URL de pago."_s);
-    if (start.sessionId)
+    if (start.sessionId) {
         m_pendingCheckout = start.sessionId;
+        m_checkoutPage = isPage(*start.url) ? *start.url : QUrl();
+    }
     openInBrowser(*start.url);
     tell(start.sessionId ? u"Checkout abierto. Cuando pagues, pulsa Confirmar compra."_s
                          : u"Checkout abierto. Después refresca créditos."_s);
@@ -588,8 +595,7 @@ AccountSession::Told AccountSession::toldOf(const std::exception& failure)
 // Addresses come from a server: only pages are opened, never files or programs.
 void AccountSession::openInBrowser(const QUrl& url)
 {
-    const bool isPage = url.scheme() == u"https"_s || url.scheme() == u"http"_s;
-    if (!isPage)
+    if (!isPage(url))
         throw AccountError::message(u"El servidor ha dado una dirección que no se puede abrir."_s);
     if (!m_surroundings.openInBrowser(url)) {
         throw AccountError::message(

@@ -54,6 +54,8 @@ public:
         return m_charges > 0 && m_charges == m_actions && !m_isSigningInOverWindow;
     }
     const std::optional<QString>& pendingCheckoutSessionId() const { return m_pendingCheckout; }
+    // Where the pending one is paid; a browser may not have opened it. Empty without one.
+    QUrl checkoutPage() const { return m_pendingCheckout ? m_checkoutPage : QUrl(); }
     const CloudCopyConfig& cloudCopyConfig() const { return m_cloudCopyConfig; }
     const QList<PurchaseHistoryItem>& purchaseHistory() const { return m_purchaseHistory; }
     // Rises by one whenever a social network was connected.
@@ -154,6 +156,7 @@ private:
     Told m_told = Told::info;    // by the message
     bool m_isAboutCharge = false;
     std::optional<QString> m_pendingCheckout;
+    QUrl m_checkoutPage;
     CloudCopyConfig m_cloudCopyConfig = CloudCopyConfig::fallback();
     QList<PurchaseHistoryItem> m_purchaseHistory;
     int m_socialConnectionRefreshToken = 0;

@@ -87,6 +87,7 @@ AccountShown AccountBinding::shown() const
         .isProblem = m_account.isAboutCharge() ? m_isProblem : m_account.isProblem(),
         .isWorking = m_account.isWorking(),
         .hasPendingCheckout = m_account.pendingCheckoutSessionId().has_value(),
+        .checkoutAddress = m_account.checkoutPage().toString(QUrl::FullyEncoded),
         .mayBeSignedIn = m_account.mayBeSignedIn(),
         .hasTestMail = !m_account.testMailURL().isEmpty(),
     };

@@ -11,6 +11,7 @@ struct AccountShown {
     bool isProblem = false;
     bool isWorking = false;
     bool hasPendingCheckout = false;
+    QString checkoutAddress;       // where the pending one is paid; may be empty
     bool mayBeSignedIn = false;    // the service that knows could not be asked
     bool hasTestMail = false;      // the service shows the mails that it does not send
     bool operator==(const AccountShown&) const = default;

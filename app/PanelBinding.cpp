@@ -5,6 +5,7 @@
 #include "app/ShapesPanel.h"
 #include "app/SidePanel.h"
 #include "app/TextPanel.h"
+#include "canvas/ItemLayout.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
@@ -118,6 +119,7 @@ void PanelBinding::show()
                  .layers = item->layers,
                  .warnings = m_batch.warningsOf(item->id),
                  .selectedLayer = batch.selectedLayerID,
+                 .sizeLimit = sizeLimit(*item),
                  .reachedImages = reached,
                  .canPaste = canPaste,
                  .colors = offers};
@@ -130,6 +132,15 @@ void PanelBinding::show()
     }
     m_panel->textPanel()->setState(texts);
     m_panel->shapesPanel()->setState(shapes);
+}
+
+std::optional<double> PanelBinding::sizeLimit(const PublicationItem& item) const
+{
+    const Batch& batch = m_session.batch();
+    const auto text = std::ranges::find(item.layers, batch.selectedLayerID, &TextLayer::id);
+    if (text == item.layers.end())
+        return std::nullopt;
+    return fontScaleInBox(*text, exportSize(batch.format), designSize(batch.format));
 }
 
 void PanelBinding::follow(QUuid layer)

@@ -112,13 +112,18 @@ bool breakAlike(const TextLayer& one, const TextLayer& other)
            one.frame.width == other.frame.width && one.frame.height == other.frame.height;
 }
 
+QRectF textArea(const QRectF& box, double scale)
+{
+    const double inset = textInset * scale;
+    return box.adjusted(inset, inset, -inset, -inset);
+}
+
 // `known`: of the same scale.
 LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double scale,
                                  const QList<LaidOutTextLayer>& known)
 {
     const QRectF box = toPixels(layer.frame, canvas);
-    const double inset = textInset * scale;
-    const QRectF area = box.adjusted(inset, inset, -inset, -inset);
+    const QRectF area = textArea(box, scale);
     const auto same = std::ranges::find_if(
         known, [&](const LaidOutTextLayer& other) { return breakAlike(other.source, layer); });
     const LaidOutText text = same != known.end()
@@ -165,6 +170,17 @@ ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF referen
                 layer, outputSize, scale, comparable ? known.texts : QList<LaidOutTextLayer>()));
     }
     return layout;
+}
+
+std::optional<double> fontScaleInBox(const TextLayer& layer, QSizeF outputSize, QSizeF reference)
+{
+    const double scale = ExportCanvasRenderer::designScale(outputSize, reference);
+    const QSizeF area = textArea(toPixels(layer.frame, outputSize), scale).size();
+    const double wanted = ExportCanvasRenderer::wantedFontSize(layer, area, scale);
+    const double fitted = ExportCanvasRenderer::fittedFontSize(layer, area, scale);
+    if (!(fitted < wanted))
+        return std::nullopt;
+    return layer.fontScale * fitted / wanted;
 }
 
 QRectF extentOf(const LaidOutShape& shape)

@@ -61,6 +61,10 @@ struct ItemLayout {
 ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF reference,
                   const ItemLayout& known = {});
 
+// The font scale at which the layer's type is as large as its box lets it be; nothing where it
+// wants no more than that.
+std::optional<double> fontScaleInBox(const TextLayer& layer, QSizeF outputSize, QSizeF reference);
+
 // What painting them may touch at most, in canvas pixels.
 QRectF extentOf(const LaidOutShape& shape);
 QRectF extentOf(const LaidOutTextLayer& layer);

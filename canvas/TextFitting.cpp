@@ -200,19 +200,24 @@ bool ExportCanvasRenderer::fits(QSizeF measured, QSizeF area)
            measured.height() <= area.height() + fitTolerance;
 }
 
+double ExportCanvasRenderer::wantedFontSize(const TextLayer& layer, QSizeF area, double designScale)
+{
+    const SlotType& type = typeOf(layer.slot);
+    const double base = std::min(area.height() * type.heightShare, area.width() * type.widthShare);
+    return clamp(base * layer.fontScale, smallestType * designScale, largestType * designScale);
+}
+
 LaidOutText ExportCanvasRenderer::fittedText(const TextLayer& layer, QSizeF area,
                                              double designScale)
 {
-    const double lower = smallestType * designScale, upper = largestType * designScale;
+    const double lower = smallestType * designScale;
     // Measuring knows no text in a width of 1 or less, but what does not fit is drawn all the same.
     const auto smallest = [&] {
         return LaidOutText(styledText(layer, lower), std::max(area.width(), 2.0));
     };
     if (!(area.width() > 8) || !(area.height() > 8))
         return smallest();
-    const SlotType& type = typeOf(layer.slot);
-    const double base = std::min(area.height() * type.heightShare, area.width() * type.widthShare);
-    const double start = clamp(base * layer.fontScale, lower, upper);
+    const double start = wantedFontSize(layer, area, designScale);
     const double step = std::max(1.0, designScale);
     const ImpossibleSizes impossible(layer, area);
 

@@ -4,6 +4,7 @@
 #include "cli/OutputFolder.h"
 #include "cli/SampleBatch.h"
 #include "cli/Terminal.h"
+#include "model/PlainText.h"
 #include "studio/BatchExport.h"
 #include "studio/PhotoFolder.h"
 #include "studio/RenderedOutput.h"
@@ -41,8 +42,10 @@ QList<QUrl> photosAt(const QString& path)
     const QList<QUrl> found = photosInFolder(path);
     QList<QUrl> kept = withoutOwnOutputs(found);
     if (kept.size() < found.size()) {
-        tellOfExport(u"%1: %2 publicación(es) de otra foto de la carpeta, no se exportan."_s.arg(
-            path, QString::number(found.size() - kept.size())));
+        const auto left = found.size() - kept.size();
+        tellOfExport(u"%1: %2 de otra foto de la carpeta, que no se %3."_s.arg(
+            path, counted(left, u"publicación", u"publicaciones"),
+            left == 1 ? u"exporta"_s : u"exportan"_s));
     }
     return kept;
 }

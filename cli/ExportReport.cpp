@@ -2,6 +2,7 @@
 
 #include "cli/Terminal.h"
 #include "model/JsonMapping.h"
+#include "model/PlainText.h"
 
 #include <QFileInfo>
 
@@ -201,7 +202,7 @@ void ExportReport::end(const ExportOutcome& outcome, double seconds, qint64 peak
     if (outcome.isDone())
         line += u" Tiempo: %1 s."_s.arg(seconds, 0, 'f', 1);
     if (m_skipped > 0)
-        line += u" %1 omitida(s)."_s.arg(m_skipped);
+        line += u" %1."_s.arg(counted(m_skipped, u"omitida", u"omitidas"));
     if (!m_json || !outcome.isDone())
         print(m_terminal && outcome.isDone() ? stdout : stderr, line);
     if (m_json) {

@@ -1,6 +1,7 @@
 #include "studio/StudioSession.h"
 
 #include "canvas/ImagePlacementGeometry.h"
+#include "model/PlainText.h"
 #include "platform/PreferencesStore.h"
 #include "studio/BatchSelection.h"
 #include "studio/StepName.h"
@@ -554,8 +555,8 @@ void StudioSession::removeItem(QUuid id)
     const auto item = std::ranges::find(m_batch.items, id, &PublicationItem::id);
     if (item == m_batch.items.end())
         return;
-    setStatus(u"%1 descartada. Quedan %2 imagen(es)."_s.arg(
-                  item->filename(), QString::number(m_batch.items.size() - 1)),
+    setStatus(u"%1 descartada. Quedan %2."_s.arg(
+                  item->filename(), counted(m_batch.items.size() - 1, u"imagen", u"imágenes")),
               StatusTone::done);
     change([id](Batch& batch) { BatchSelection::removeItem(batch, id); });
 }
@@ -697,9 +698,9 @@ void StudioSession::applyTemplate(const QString& name, const TemplateApplication
     if (reached.isEmpty())
         return;
     Q_EMIT aboutToMove();
-    setStatus(
-        u"Plantilla «%1» aplicada a %2 imagen(es)."_s.arg(name, QString::number(reached.size())),
-        StatusTone::done);
+    setStatus(u"Plantilla «%1» aplicada a %2."_s.arg(
+                  name, counted(reached.size(), u"imagen", u"imágenes")),
+              StatusTone::done);
     m_history.endContinuousChanges();    // a click is a step of its own
     change([&](Batch& batch) {
         for (const int index : reached)
@@ -721,8 +722,8 @@ void StudioSession::applyStyle(const DesignTemplate& style)
     }
     TextLayer changed = *text;
     style.style.apply(changed);
-    setStatus(u"Estilo «%1» aplicado a %2 imagen(es)."_s.arg(
-                  style.name, QString::number(selectedIndicesForBatch().size())),
+    setStatus(u"Estilo «%1» aplicado a %2."_s.arg(
+                  style.name, counted(selectedIndicesForBatch().size(), u"imagen", u"imágenes")),
               StatusTone::done);
     m_history.endContinuousChanges();
     editLayer(changed);

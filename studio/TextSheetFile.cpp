@@ -1,5 +1,6 @@
 #include "studio/TextSheetFile.h"
 
+#include "model/PlainText.h"
 #include "platform/AtomicFile.h"
 
 #include <QFile>
@@ -61,12 +62,13 @@ QString writeTextSheetFile(const QString& path, const PublicationItems& items)
 
 QString sentenceOn(const SheetMatch& match)
 {
-    QString sentence = u"Textos aplicados a %1 imagen(es)."_s.arg(match.filledImages());
+    QString sentence =
+        u"Textos aplicados a %1."_s.arg(counted(match.filledImages(), u"imagen", u"imágenes"));
     if (match.problems.isEmpty())
         return sentence;
     QStringList reasons;
     for (const Group& group : grouped(match.problems))
         reasons.append(u"%1 (%2)"_s.arg(listed(group.numbers), row(group.fault).reason));
-    return sentence + u" %1 fila(s) sin aplicar: %2."_s.arg(QString::number(match.problems.size()),
-                                                            reasons.join(u"; "_s));
+    return sentence + u" %1 sin aplicar: %2."_s.arg(
+                          counted(match.problems.size(), u"fila", u"filas"), reasons.join(u"; "_s));
 }

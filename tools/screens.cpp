@@ -47,7 +47,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize windowSizes[] = {{1280, 800}, {1440, 900}, {2560, 1440}};
+constexpr QSize windowSizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
 constexpr int longestWait = 60000;    // ms, for photos and pictures
 
 class Screens {

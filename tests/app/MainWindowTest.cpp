@@ -415,6 +415,7 @@ TEST_F(MainWindowTest, tabGoesFromTheBarThroughTheColumnAndTheCanvasToThePanel)
 {
     session.load({photos(2)});
     settle();
+    panel()->setTab(SideTab::text);
     window.activateWindow();
     canvas()->setFocus();
     QStringList stops;
@@ -436,6 +437,7 @@ TEST_F(MainWindowTest, theTabFollowsWhatIsPressedButNotAChangeOfImage)
 {
     session.load({photos(2)});
     settle();
+    panel()->setTab(SideTab::text);
     session.addShape(ShapeKind::rectangle);
     ShapeLayer shape = current().shapeLayers[0];
     shape.frame = {0.1, 0.85, 0.2, 0.1};    // below the texts
@@ -580,6 +582,7 @@ TEST_F(MainWindowTest, aClickIntoATextIsNoSelectionWhenTheCardAboveShrinks)
 {
     session.load({photos(1)});
     settle();
+    panel()->setTab(SideTab::text);
     for (const int i : {0, 1}) {
         TextLayer layer = current().layers[i];
         layer.hasBox = false;

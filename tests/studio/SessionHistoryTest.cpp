@@ -444,7 +444,7 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
     const Batch before = batch();
     run([&] { importTexts(session.get(), path); });
     EXPECT_EQ(session->status(),
-              u"Textos aplicados a 2 imagen(es). 3 fila(s) sin aplicar: "
+              u"Textos aplicados a 2 imágenes. 3 filas sin aplicar: "
               "3, 5 (no hay ninguna imagen con ese nombre); 6 (faltan columnas)."_s);
     EXPECT_EQ(session->statusTone(), StatusTone::problem);
     EXPECT_EQ(title().text, u"Uno"_s);
@@ -465,9 +465,9 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
     redo();
 
     run([&] { exportTexts(session.get(), path); });
-    EXPECT_EQ(session->status(), u"Textos de 3 imagen(es) guardados en textos.csv."_s);
+    EXPECT_EQ(session->status(), u"Textos de 3 imágenes guardados en textos.csv."_s);
     run([&] { importTexts(session.get(), path); });
-    EXPECT_EQ(session->status(), u"Textos aplicados a 3 imagen(es)."_s);
+    EXPECT_EQ(session->status(), u"Textos aplicados a 3 imágenes."_s);
     EXPECT_EQ(batch(), filled);
     EXPECT_TRUE(session->canRedo()) << "what changes nothing is no step";
     run([&] { importTexts(session.get(), m_folder.filePath(u"otro.csv"_s)); });

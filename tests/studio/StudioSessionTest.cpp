@@ -158,9 +158,9 @@ TEST_F(StudioSessionTest, discardingSaysWhatWentAndHowManyAreLeft)
 {
     load({photo(u"50%2.jpg"_s), photo(u"b.jpg"_s)});
     session.removeCurrentItem();
-    EXPECT_EQ(session.status(), u"50%2 descartada. Quedan 1 imagen(es)."_s);
+    EXPECT_EQ(session.status(), u"50%2 descartada. Quedan 1 imagen."_s);
     session.removeCurrentItem();
-    EXPECT_EQ(session.status(), u"b descartada. Quedan 0 imagen(es)."_s);
+    EXPECT_EQ(session.status(), u"b descartada. Quedan 0 imágenes."_s);
     session.removeCurrentItem();
     EXPECT_TRUE(session.batch().items.isEmpty());
 }

@@ -267,6 +267,18 @@ TEST_F(ViewTest, marksAreDrawnOverThePictureAndNeverInIt)
     m_view.setFocus(Qt::TabFocusReason);
     EXPECT_EQ(shown().pixelColor(36, 300), m_view.palette().color(QPalette::Highlight)) << "ring";
     EXPECT_EQ(m_view.canvasBuffer(), picture);
+
+    // At the upper edge the tag stands below the frame: nothing lies over the text.
+    PublicationItem high = m_item;
+    high.layers[0].frame = {0.1, 0.02, 0.6, 0.2};
+    m_view.setSafeZone(false);
+    m_view.setSelectedLayerID(QUuid());
+    m_view.setItem(high, SocialFormat::carouselPortrait);
+    const QRect inside = QRectF(at(0.1, 0.02), at(0.7, 0.22)).toRect().adjusted(4, 4, -20, -20);
+    const QImage bare = shown();
+    m_view.setSelectedLayerID(high.layers[0].id);
+    EXPECT_EQ(shown().copy(inside), bare.copy(inside));
+    EXPECT_NE(shown(), bare);
 }
 
 TEST_F(ViewTest, aPressMarksAtOnceAndReportsWhenItIsReleased)
