@@ -167,15 +167,16 @@ struct AccountAPI::Call {
     QByteArray path;
     std::optional<QByteArray> body = std::nullopt;
     Base base = Base::service;
-    bool endsSession = false;                           // where it is done
-    std::optional<QByteArray> cookie = std::nullopt;    // else that of the session
+    // Whether what comes back begins a session, or that it was done ends the one it went with.
+    bool beginsSession = false, endsSession = false;
+    std::optional<Session> session = std::nullopt;    // else the one held when it leaves
 };
 
 AccountAPI::AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
                        LocalService* local, RequestLimits limits, QObject* parent)
     : QObject(parent), m_configuration(configuration), m_preferences(preferences), m_local(local),
-      m_limits(limits), m_origin(originOf(configuration)),
-      m_sessionCookieHeader(storedCookie(preferences, m_origin))
+      m_limits(limits),
+      m_origin(originOf(configuration)), m_session{storedCookie(preferences, m_origin)}
 {
 }
 
@@ -195,7 +196,7 @@ QCoro::Task<> AccountAPI::locate(std::stop_token stop)
         co_await m_local->address(stop);
 }
 
-HttpRequest AccountAPI::prepared(Call call)
+HttpRequest AccountAPI::prepared(Call call, const Session& session) const
 {
     HttpRequest request;
     request.method = call.method;
@@ -204,29 +205,32 @@ HttpRequest AccountAPI::prepared(Call call)
     request.headers = {{"Accept", "application/json"}, {"X-Client", "Moltiva-macOS"}};
     if (call.body)
         request.headers.emplaceBack("Content-Type", "application/json");
-    setCookie(request, call.cookie.value_or(m_sessionCookieHeader));
+    setCookie(request, session.cookie);
     request.body = std::move(call.body);
     return request;
 }
 
 // The network layer would follow to any origin, with our cookie.
-QCoro::Task<AccountAPI::Answer> AccountAPI::sendFollowing(HttpRequest request, std::stop_token stop)
+QCoro::Task<AccountAPI::Answer> AccountAPI::sendFollowing(Call call, std::stop_token stop)
 {
     const QPointer<AccountAPI> self = this;
+    const bool beginsSession = call.beginsSession;
+    Answer answer;
+    answer.session = *call.session;
+    HttpRequest request = prepared(std::move(call), answer.session);
     const std::chrono::milliseconds limit = request.timeout;
     QElapsedTimer watch;
     watch.start();
-    Answer answer;
-    answer.cookie = m_sessionCookieHeader;
     for (int redirections = 0;; ++redirections) {
         request.timeout = limit - std::chrono::milliseconds(watch.elapsed());
         QCoro::Task<HttpReply> sending = m_http.send(request, stop);
         answer.reply = co_await std::move(sending);
         if (!self)
             throw TransportError::stopped();
-        if (const QByteArray cookie = sessionCookieIn(answer.reply.headers); !cookie.isEmpty()) {
-            rememberSessionCookie(cookie);
-            answer.cookie = cookie;
+        const QByteArray cookie = sessionCookieIn(answer.reply.headers);
+        if (!cookie.isEmpty() && (beginsSession || isStillHeld(answer.session))) {
+            remember(cookie);
+            answer.session = m_session;
             setCookie(request, cookie);
         }
         const std::optional<QUrl> location = locationIn(answer.reply, request.url);
@@ -244,24 +248,31 @@ QCoro::Task<QByteArray> AccountAPI::exchange(Call call, std::stop_token stop)
     if (!self)
         throw TransportError::stopped();
     const bool endsSession = call.endsSession;
-    QCoro::Task<Answer> sending = sendFollowing(prepared(std::move(call)), stop);
+    const Session sent = call.session.value_or(m_session);
+    call.session = sent;
+    QCoro::Task<Answer> sending = sendFollowing(std::move(call), stop);
     Answer answer;
     try {
         answer = co_await std::move(sending);
     } catch (const TransportError& error) {
-        if (error.kind() == TransportError::Kind::notHttp)
-            throw AccountError::invalidResponse();
-        throw;
+        using Kind = TransportError::Kind;
+        const bool isNoAnswer =
+            error.kind() == Kind::notHttp || (endsSession && error.kind() == Kind::brokenOff);
+        if (!isNoAnswer)
+            throw;
+        if (self && endsSession)
+            forget(sent);
+        throw AccountError::invalidResponse();
     }
     if (!self)
         throw TransportError::stopped();
     const bool isRefused = answer.reply.status == 401;
     const QString siteName = m_configuration.siteName;
     if (isRefused)
-        forgetSessionCookie(answer.cookie);
+        forget(answer.session);
     const QByteArray body = acceptedBody(answer.reply, siteName);
     if (endsSession)
-        forgetSessionCookie(answer.cookie);
+        forget(answer.session);
     co_return body;
 }
 
@@ -303,33 +314,49 @@ QCoro::Task<> AccountAPI::obey(Call call, std::stop_token stop)
     co_await std::move(asking);
 }
 
-void AccountAPI::rememberSessionCookie(const QByteArray& cookie)
+bool AccountAPI::isStillHeld(const Session& session) const
 {
-    m_sessionCookieHeader = cookie;
-    m_preferences.setValue(sessionCookieDefaultsKey, cookie);
-    m_preferences.setValue(sessionOriginKey, m_origin);
-    m_preferences.remove(legacyTokenKey);
+    return session.generation == m_session.generation;
 }
 
-// Only the one that was refused: another may have come meanwhile, to this process or to another
-// that keeps it in the same place.
-void AccountAPI::forgetSessionCookie(const QByteArray& cookie)
+void AccountAPI::hold(const QByteArray& cookie)
 {
-    if (cookie.isEmpty())
+    m_session = {cookie, m_session.generation + 1};
+}
+
+void AccountAPI::remember(const QByteArray& cookie)
+{
+    hold(cookie);
+    const auto store = [&] {
+        return m_preferences.setValue(sessionCookieDefaultsKey, cookie) &&
+               m_preferences.setValue(sessionOriginKey, m_origin) &&
+               m_preferences.remove(legacyTokenKey);
+    };
+    using Store = PreferencesStore;
+    m_isSessionKept =
+        m_preferences.transaction(store, Store::Durability::usual, Store::Traces::erased);
+}
+
+// Another program that keeps its session in the same place may have stored another one meanwhile.
+void AccountAPI::forget(const Session& session)
+{
+    if (session.cookie.isEmpty() || !isStillHeld(session))
         return;
-    if (storedCookie(m_preferences, m_origin) == cookie) {
-        m_preferences.remove(sessionCookieDefaultsKey);
-        m_preferences.remove(sessionOriginKey);
-        m_preferences.remove(legacyTokenKey);
-    }
-    if (m_sessionCookieHeader == cookie)
-        m_sessionCookieHeader.clear();
+    const auto remove = [&] {
+        return storedCookie(m_preferences, m_origin) == session.cookie &&
+               m_preferences.remove(sessionCookieDefaultsKey) &&
+               m_preferences.remove(sessionOriginKey) && m_preferences.remove(legacyTokenKey);
+    };
+    using Store = PreferencesStore;
+    m_preferences.transaction(remove, Store::Durability::usual, Store::Traces::erased);
+    if (m_session.cookie == session.cookie)
+        hold({});
 }
 
-QCoro::Task<AccountSummary> AccountAPI::meWith(const QByteArray& cookie, std::stop_token stop)
+QCoro::Task<AccountSummary> AccountAPI::meWith(const Session& session, std::stop_token stop)
 {
     Call call{"GET", "/api/auth/me"};
-    call.cookie = cookie;
+    call.session = session;
     return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
@@ -338,23 +365,23 @@ QCoro::Task<AccountSummary> AccountAPI::meWith(const QByteArray& cookie, std::st
 QCoro::Task<AccountSummary> AccountAPI::me(std::stop_token stop)
 {
     const QPointer<AccountAPI> self = this;
-    const QByteArray own = m_sessionCookieHeader;
-    if (!own.isEmpty()) {
+    const Session own = m_session;
+    if (!own.cookie.isEmpty()) {
         QCoro::Task<AccountSummary> asking = meWith(own, stop);
         try {
             const AccountSummary summary = co_await std::move(asking);
             co_return summary;
         } catch (const AccountError& error) {
             const bool isRefused = error.kind() == AccountError::Kind::unauthorized;
-            if (!self || !isRefused || holdsSession() || !holdsOtherThan(own))
+            if (!self || !isRefused || holdsSession() || !holdsOtherThan(own.cookie))
                 throw;
         }
     }
-    const QByteArray other = storedCookie(m_preferences, m_origin);
+    const Session other{storedCookie(m_preferences, m_origin), m_session.generation};
     QCoro::Task<AccountSummary> asking = meWith(other, stop);
     const AccountSummary summary = co_await std::move(asking);
-    if (self && m_sessionCookieHeader.isEmpty())
-        m_sessionCookieHeader = other;
+    if (self && isStillHeld(other))
+        hold(other.cookie);
     co_return summary;
 }
 
@@ -368,6 +395,7 @@ QCoro::Task<AccountSummary> AccountAPI::login(const QString& email, const QStrin
                                               std::stop_token stop)
 {
     Call call{"POST", "/api/auth/login", toWire(CredentialsRequest{email, password})};
+    call.beginsSession = true;
     return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
@@ -375,6 +403,7 @@ QCoro::Task<AccountSummary>
 AccountAPI::registerAccount(const QString& email, const QString& password, std::stop_token stop)
 {
     Call call{"POST", "/api/auth/register", toWire(CredentialsRequest{email, password})};
+    call.beginsSession = true;
     return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
@@ -410,6 +439,7 @@ QCoro::Task<AccountSummary> AccountAPI::exchangeDesktopAuthToken(const QString& 
                                                                  std::stop_token stop)
 {
     Call call{"POST", "/api/auth/desktop/exchange", toWire(DesktopAuthExchangeRequest{token})};
+    call.beginsSession = true;
     return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
@@ -442,7 +472,7 @@ AccountAPI::purchaseDocumentLink(const QString& purchaseId, std::stop_token stop
 }
 
 QCoro::Task<CreditOperationResponse>
-AccountAPI::reserveSocialCopyCredits(int cost, const QString& requestId, std::stop_token stop)
+AccountAPI::reserveSocialCopyCredits(qint64 cost, const QString& requestId, std::stop_token stop)
 {
     Call call{"POST", "/api/credits/social-copy/reserve",
               toWire(CreditOperationRequest{cost, requestId})};
@@ -450,7 +480,7 @@ AccountAPI::reserveSocialCopyCredits(int cost, const QString& requestId, std::st
 }
 
 QCoro::Task<CreditOperationResponse>
-AccountAPI::refundSocialCopyCredits(int cost, const QString& requestId, std::stop_token stop)
+AccountAPI::refundSocialCopyCredits(qint64 cost, const QString& requestId, std::stop_token stop)
 {
     Call call{"POST", "/api/credits/social-copy/refund",
               toWire(CreditOperationRequest{cost, requestId})};

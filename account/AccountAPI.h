@@ -57,9 +57,9 @@ public:
                                                                    std::stop_token stop = {});
 
     QCoro::Task<CreditOperationResponse>
-    reserveSocialCopyCredits(int cost, const QString& requestId, std::stop_token stop = {});
-    QCoro::Task<CreditOperationResponse> refundSocialCopyCredits(int cost, const QString& requestId,
-                                                                 std::stop_token stop = {});
+    reserveSocialCopyCredits(qint64 cost, const QString& requestId, std::stop_token stop = {});
+    QCoro::Task<CreditOperationResponse>
+    refundSocialCopyCredits(qint64 cost, const QString& requestId, std::stop_token stop = {});
 
     QCoro::Task<CloudCopyConfig> socialCopyConfig(std::stop_token stop = {});
     QCoro::Task<GeneratedCopy> generateSocialCopy(const QUrl& image, const QString& objective,
@@ -91,38 +91,48 @@ public:
     const QString& administratorEmail() const { return m_configuration.administratorEmail; }
     // Of the service; the same for a local one wherever it listens.
     const QByteArray& origin() const { return m_origin; }
-    bool holdsSession() const { return !m_sessionCookieHeader.isEmpty(); }
+    bool holdsSession() const { return !m_session.cookie.isEmpty(); }
+    // The session that is held outlives the program.
+    bool isSessionKept() const { return m_isSessionKept; }
 
 private:
     enum class Base { service, site };
     struct Call;
 
-    // A reply, and the cookie that went with it: what was sent, or what the reply brought.
+    // What a request carries of the session. Its reply may change or end the session only while no
+    // other one was taken since: a late one would bring back what has ended.
+    struct Session {
+        QByteArray cookie;         // "tallerio_session=…", empty without a session
+        quint64 generation = 0;    // rises with every change
+    };
     struct Answer {
         HttpReply reply;
-        QByteArray cookie;
+        Session session;    // that was sent last, or came with the reply
     };
-    QCoro::Task<Answer> sendFollowing(HttpRequest request, std::stop_token stop);
+    QCoro::Task<Answer> sendFollowing(Call call, std::stop_token stop);
     QCoro::Task<QByteArray> exchange(Call call, std::stop_token stop);
     template <typename Reply>
     QCoro::Task<Reply> request(Call call, std::stop_token stop);
     template <typename Reply>
     QCoro::Task<Reply> requestPrepared(Call call, QFuture<QByteArray> body, std::stop_token stop);
     QCoro::Task<> obey(Call call, std::stop_token stop);
-    HttpRequest prepared(Call call);
+    HttpRequest prepared(Call call, const Session& session) const;
 
-    QCoro::Task<AccountSummary> meWith(const QByteArray& cookie, std::stop_token stop);
+    QCoro::Task<AccountSummary> meWith(const Session& session, std::stop_token stop);
+    bool isStillHeld(const Session& session) const;
     bool holdsOtherThan(const QByteArray& cookie) const;
     QUrl address(Base base) const;
-    void rememberSessionCookie(const QByteArray& cookie);
-    void forgetSessionCookie(const QByteArray& cookie);
+    void hold(const QByteArray& cookie);
+    void remember(const QByteArray& cookie);
+    void forget(const Session& session);
 
     const ServiceConfiguration m_configuration;
     PreferencesStore& m_preferences;
     LocalService* m_local;
     const RequestLimits m_limits;
-    const QByteArray m_origin;           // that the cookie is for
-    QByteArray m_sessionCookieHeader;    // "tallerio_session=…", empty without a session
+    const QByteArray m_origin;    // that the session is of
+    Session m_session;
+    bool m_isSessionKept = true;
     HttpClient m_http;
 };
 

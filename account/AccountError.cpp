@@ -85,7 +85,8 @@ bool isUnreachable(const std::exception& error)
     using Kind = TransportError::Kind;
     const auto* transport = dynamic_cast<const TransportError*>(&error);
     return transport &&
-           (transport->kind() == Kind::unreachable || transport->kind() == Kind::timedOut);
+           (transport->kind() == Kind::unreachable || transport->kind() == Kind::brokenOff ||
+            transport->kind() == Kind::timedOut);
 }
 
 QString readable(const std::exception& error)

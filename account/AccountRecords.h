@@ -29,7 +29,7 @@ struct StorageSummary {
 
 // Without a profile: nobody is signed in.
 struct AccountSummary {
-    int balance = 0;    // credits
+    qint64 balance = 0;    // credits
     std::optional<AccountProfile> profile;
     std::optional<StorageSummary> storage;
     bool operator==(const AccountSummary&) const = default;
@@ -92,17 +92,17 @@ struct CheckoutConfirmRequest {
 
 struct CheckoutConfirmResponse {
     bool ok = false;
-    int balance = 0;
+    qint64 balance = 0;
 };
 
 struct CreditOperationRequest {
-    int cost = 0;
+    qint64 cost = 0;
     QString requestId;
 };
 
 struct CreditOperationResponse {
-    int balance = 0;
-    int cost = 0;
+    qint64 balance = 0;
+    qint64 cost = 0;
     bool ok = false;
 };
 

@@ -4,7 +4,6 @@
 #include "account/AccountError.h"
 #include "account/WebAuthentication.h"
 
-#include <QElapsedTimer>
 #include <QPointer>
 #include <QUrlQuery>
 
@@ -45,6 +44,11 @@ QString oauthMessage(const QString& code)
     if (code == u"invalid_credentials"_s)
         return u"Esta cuenta no puede acceder."_s;
     return u"No se ha podido completar el acceso con Google."_s;
+}
+
+bool isPage(const QUrl& url)
+{
+    return url.scheme() == u"https"_s || url.scheme() == u"http"_s;
 }
 
 QString userOf(const AccountSummary& account)
@@ -127,6 +131,7 @@ QCoro::Task<> AccountSession::attempt(Work work, About about)
     const QPointer<AccountSession> self = this;
     const std::stop_token ended = m_stop.get_token();
     const int charges = about == About::charge ? 1 : 0;
+    const int signIn = m_signIn;
     ++m_actions;
     m_charges += charges;
     Q_EMIT changed();
@@ -143,7 +148,7 @@ QCoro::Task<> AccountSession::attempt(Work work, About about)
     if (self && !ended.stop_requested()) {
         --m_actions;
         m_charges -= charges;
-        if (failure)
+        if (failure && signIn == m_signIn)    // else of a session that is another's by now
             tell(reason, told, about);
         else
             Q_EMIT changed();
@@ -172,9 +177,6 @@ QCoro::Task<bool> AccountSession::bootstrap()
     } catch (const std::exception& error) {
         failure = readable(error);
         told = toldOf(error);
-        const auto* refused = dynamic_cast<const AccountError*>(&error);
-        if (refused && refused->kind() == AccountError::Kind::unauthorized)
-            told = Told::info;    // nothing went wrong
     }
     if (!self || ended.stop_requested())
         co_return false;
@@ -192,43 +194,32 @@ QCoro::Task<> AccountSession::check()
 {
     std::stop_source limited;
     const std::stop_callback along(m_stop.get_token(), [&limited] { limited.request_stop(); });
-    const std::stop_token ended = m_stop.get_token();
     const std::chrono::milliseconds limit = m_surroundings.startLimit;
     const int signIn = m_signIn;
-    QElapsedTimer watch;
-    watch.start();
-    QCoro::Task<CloudCopyConfig> configuring = configurationOrFallback(limited.get_token());
+    configure();
     QCoro::Task<AccountSummary> asking = m_api.me(limited.get_token());
     QCoro::Task<AccountSummary> inTime = withTimeout(limit, std::move(asking), limited);
     const AccountSummary account = co_await std::move(inTime);
     if (signIn == m_signIn)
         changeUser(account);
-    // A configuration that takes longer than what is left is done without.
-    const auto left =
-        qMax(std::chrono::milliseconds(0), limit - std::chrono::milliseconds(watch.elapsed()));
-    CloudCopyConfig configuration = CloudCopyConfig::fallback();
-    try {
-        QCoro::Task<CloudCopyConfig> configured =
-            withTimeout(left, std::move(configuring), limited);
-        configuration = co_await std::move(configured);
-    } catch (const TransportError&) {
-        if (ended.stop_requested())
-            throw;
-    }
-    m_cloudCopyConfig = configuration;
     syncWhileSignedIn();
 }
 
-QCoro::Task<CloudCopyConfig> AccountSession::configurationOrFallback(std::stop_token stop)
+// By itself: nobody waits for what the program can do without.
+QCoro::Task<> AccountSession::configure()
 {
+    const QPointer<AccountSession> self = this;
     const std::stop_token ended = m_stop.get_token();
+    CloudCopyConfig configuration = CloudCopyConfig::fallback();
+    QCoro::Task<CloudCopyConfig> asking = m_api.socialCopyConfig(ended);
     try {
-        co_return co_await m_api.socialCopyConfig(stop);
+        configuration = co_await std::move(asking);
     } catch (const std::exception&) {
-        if (ended.stop_requested())
-            throw;
     }
-    co_return CloudCopyConfig::fallback();
+    if (!self || ended.stop_requested() || m_cloudCopyConfig == configuration)
+        co_return;
+    m_cloudCopyConfig = configuration;
+    Q_EMIT changed();
 }
 
 QCoro::Task<bool> AccountSession::refresh()
@@ -238,15 +229,14 @@ QCoro::Task<bool> AccountSession::refresh()
 
 QCoro::Task<> AccountSession::reload(std::stop_token stop)
 {
-    const int version = m_accountVersion;
-    QCoro::Task<CloudCopyConfig> configuring = configurationOrFallback(stop);
+    const int version = m_accountVersion, signIn = m_signIn;
+    configure();
     const AccountSummary account = co_await m_api.me(stop);
+    const bool isSame = signIn == m_signIn;
     if (version == m_accountVersion)
         receive(account);
-    const int received = m_signIn;
-    m_cloudCopyConfig = co_await std::move(configuring);
     syncWhileSignedIn();
-    if (received == m_signIn && isAuthenticated())
+    if (isSame && isAuthenticated())
         tell(u"Cuenta actualizada."_s);
 }
 
@@ -286,7 +276,7 @@ QCoro::Task<> AccountSession::enter(QCoro::Task<AccountSummary> signingIn, QStri
     const AccountSummary account = co_await std::move(signingIn);
     changeUser(account);
     tell(told);
-    m_cloudCopyConfig = co_await configurationOrFallback(m_stop.get_token());
+    configure();
     syncWhileSignedIn();
 }
 
@@ -438,8 +428,10 @@ QCoro::Task<> AccountSession::startCheckout(int credits)
         co_return;
     if (!start.url)
         throw AccountError::message(u"Stripe no ha devuelto URL de pago."_s);
-    if (start.sessionId)
+    if (start.sessionId) {
         m_pendingCheckout = start.sessionId;
+        m_checkoutPage = isPage(*start.url) ? *start.url : QUrl();
+    }
     openInBrowser(*start.url);
     tell(start.sessionId ? u"Checkout abierto. Cuando pagues, pulsa Confirmar compra."_s
                          : u"Checkout abierto. Después refresca créditos."_s);
@@ -506,7 +498,7 @@ QCoro::Task<> AccountSession::openDocument(QString purchaseId)
     tell(u"Factura abierta."_s);
 }
 
-QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, const QString& requestId)
+QCoro::Task<> AccountSession::reserveCloudCopyCredits(qint64 cost, const QString& requestId)
 {
     const auto reserving = [this, cost, requestId] {
         return moveCredits(m_api.reserveSocialCopyCredits(cost, requestId, m_stop.get_token()),
@@ -515,7 +507,7 @@ QCoro::Task<> AccountSession::reserveCloudCopyCredits(int cost, const QString& r
     return attempt(reserving, About::charge);
 }
 
-QCoro::Task<> AccountSession::refundCloudCopyCredits(int cost, const QString& requestId)
+QCoro::Task<> AccountSession::refundCloudCopyCredits(qint64 cost, const QString& requestId)
 {
     const auto refunding = [this, cost, requestId] {
         return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()),
@@ -524,7 +516,7 @@ QCoro::Task<> AccountSession::refundCloudCopyCredits(int cost, const QString& re
     return attempt(refunding, About::charge);
 }
 
-QCoro::Task<> AccountSession::refundCreditsSilently(int cost, const QString& requestId)
+QCoro::Task<> AccountSession::refundCreditsSilently(qint64 cost, const QString& requestId)
 {
     return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()), {});
 }
@@ -577,7 +569,7 @@ void AccountSession::setAccount(const AccountSummary& account)
     Q_EMIT changed();
 }
 
-void AccountSession::setBalance(int balance)
+void AccountSession::setBalance(qint64 balance)
 {
     AccountSummary account = m_account;
     account.balance = balance;
@@ -594,14 +586,16 @@ void AccountSession::tell(const QString& message, Told told, About about)
 
 AccountSession::Told AccountSession::toldOf(const std::exception& failure)
 {
+    const auto* refused = dynamic_cast<const AccountError*>(&failure);
+    if (refused && refused->kind() == AccountError::Kind::unauthorized)
+        return Told::signedOut;
     return ::isUnreachable(failure) ? Told::unreachable : Told::problem;
 }
 
 // Addresses come from a server: only pages are opened, never files or programs.
 void AccountSession::openInBrowser(const QUrl& url)
 {
-    const bool isPage = url.scheme() == u"https"_s || url.scheme() == u"http"_s;
-    if (!isPage)
+    if (!isPage(url))
         throw AccountError::message(u"El servidor ha dado una dirección que no se puede abrir."_s);
     if (!m_surroundings.openInBrowser(url)) {
         throw AccountError::message(

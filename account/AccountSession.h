@@ -40,9 +40,13 @@ public:
     bool isWorking() const { return m_actions > 0 || m_isSigningInOverWindow; }
     const QString& message() const { return m_message; }    // shown as it stands
     // Whether it tells that something could not be done.
-    bool isProblem() const { return m_told != Told::info; }
-    // And whether that was for want of an answer of the service.
+    bool isProblem() const
+    {
+        return m_told != Told::info && (m_told != Told::signedOut || isAuthenticated());
+    }
+    // And whether that was for want of an answer of the service, or of a session.
     bool isUnreachable() const { return m_told == Told::unreachable; }
+    bool needsSignIn() const { return m_told == Told::signedOut; }
     // Whether it tells of credits being reserved or given back, which whoever charges tells too.
     bool isAboutCharge() const { return m_isAboutCharge; }
     bool isOnlyCharging() const
@@ -50,6 +54,8 @@ public:
         return m_charges > 0 && m_charges == m_actions && !m_isSigningInOverWindow;
     }
     const std::optional<QString>& pendingCheckoutSessionId() const { return m_pendingCheckout; }
+    // Where the pending one is paid; a browser may not have opened it. Empty without one.
+    QUrl checkoutPage() const { return m_pendingCheckout ? m_checkoutPage : QUrl(); }
     const CloudCopyConfig& cloudCopyConfig() const { return m_cloudCopyConfig; }
     const QList<PurchaseHistoryItem>& purchaseHistory() const { return m_purchaseHistory; }
     // Rises by one whenever a social network was connected.
@@ -85,10 +91,10 @@ public:
 
     // Throw what the client throws, which is told too: who pays must know. A CreditJournal calls
     // them, for whoever charges something.
-    QCoro::Task<> reserveCloudCopyCredits(int cost, const QString& requestId);
-    QCoro::Task<> refundCloudCopyCredits(int cost, const QString& requestId);
+    QCoro::Task<> reserveCloudCopyCredits(qint64 cost, const QString& requestId);
+    QCoro::Task<> refundCloudCopyCredits(qint64 cost, const QString& requestId);
     // The same without a word.
-    QCoro::Task<> refundCreditsSilently(int cost, const QString& requestId);
+    QCoro::Task<> refundCreditsSilently(qint64 cost, const QString& requestId);
 
     // In the browser; only a failure is told. Gives whether it was opened.
     bool openPage(const QUrl& url);
@@ -104,7 +110,7 @@ Q_SIGNALS:
     void changed();
 
 private:
-    enum class Told { info, problem, unreachable };
+    enum class Told { info, problem, unreachable, signedOut };
     enum class About { account, charge };
 
     // The one wrapper of what users start: it marks the work and tells what failed. What `work`
@@ -126,13 +132,13 @@ private:
     QCoro::Task<> openDocument(QString purchaseId);
     QCoro::Task<> startGoogleLogin();
     QCoro::Task<> moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told);
-    QCoro::Task<CloudCopyConfig> configurationOrFallback(std::stop_token stop);
+    QCoro::Task<> configure();
 
     void receive(const AccountSummary& account);
     void changeUser(const AccountSummary& account);
     void syncWhileSignedIn();
     void setAccount(const AccountSummary& account);
-    void setBalance(int balance);
+    void setBalance(qint64 balance);
     void tell(const QString& message, Told told = Told::info, About about = About::account);
     static Told toldOf(const std::exception& failure);
     void openInBrowser(const QUrl& url);    // throws AccountError when it is not
@@ -150,6 +156,7 @@ private:
     Told m_told = Told::info;    // by the message
     bool m_isAboutCharge = false;
     std::optional<QString> m_pendingCheckout;
+    QUrl m_checkoutPage;
     CloudCopyConfig m_cloudCopyConfig = CloudCopyConfig::fallback();
     QList<PurchaseHistoryItem> m_purchaseHistory;
     int m_socialConnectionRefreshToken = 0;

@@ -17,11 +17,13 @@ using namespace Qt::StringLiterals;
 struct OpenReservation {
     QString requestId, account, what;
     QString run;    // of the program, that works on it
-    int cost = 0;
+    qint64 cost = 0;
     bool isReserved = false;    // the service said so, and the user was not told otherwise
     double lateUntil = 0;       // a reservation may still arrive until then; ms since the epoch
     double lateBefore = 0;      // the same of an entry that this one took over
     QStringList covers;         // what is paid for
+    double deniedAt =
+        0;    // when the service first denied what it had confirmed; ms, 0: it did not
 };
 
 template <>
@@ -34,7 +36,8 @@ struct json::JsonFields<OpenReservation> {
                                               required("isReserved", &OpenReservation::isReserved),
                                               required("lateUntil", &OpenReservation::lateUntil),
                                               required("lateBefore", &OpenReservation::lateBefore),
-                                              required("covers", &OpenReservation::covers)};
+                                              required("covers", &OpenReservation::covers),
+                                              optional("deniedAt", &OpenReservation::deniedAt)};
 };
 
 namespace {
@@ -58,6 +61,18 @@ std::optional<OpenReservation> entryAt(const QString& key, const PreferencesStor
     return stored && json::read(json::parsedWithCare(*stored), entry) ? std::optional(entry)
                                                                       : std::nullopt;
 }
+
+// What is told of several entries together.
+struct Total {
+    qint64 credits = 0;
+    QString what;
+
+    void add(const OpenReservation& entry)
+    {
+        credits += entry.cost;
+        what = what.isEmpty() || what == entry.what ? entry.what : u"una operación"_s;
+    }
+};
 
 // Of a refusal by the service; other errors may have come after it acted.
 bool isCode(const std::exception& error, QStringView code)
@@ -88,6 +103,18 @@ Refusal refusalOf(const std::exception& error)
 }
 
 }    // namespace
+
+QString refundSentence(qint64 credits, const QString& what)
+{
+    return u"Se han devuelto %1 créditos: %2 no llegó a terminar."_s.arg(QString::number(credits),
+                                                                         what);
+}
+
+QString lossSentence(qint64 credits, const QString& what)
+{
+    return u"No se han podido devolver %1 créditos de %2: el servicio no encuentra su reserva."_s
+        .arg(QString::number(credits), what);
+}
 
 CreditJournal::CreditJournal(AccountSession& account, PreferencesStore& preferences,
                              const QString& runs, Times times, QObject* parent)
@@ -189,7 +216,7 @@ QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation o
 
 // Waits until nobody gives back what is to be paid again, and does so himself with what was asked
 // for at another price. Gives why it cannot be paid now.
-QCoro::Task<QString> CreditJournal::freed(QString key, int cost)
+QCoro::Task<QString> CreditJournal::freed(QString key, qint64 cost)
 {
     const QPointer<CreditJournal> self = this;
     QString refusal;
@@ -223,7 +250,8 @@ QString CreditJournal::open(const QString& key, const ChargedOperation& operatio
                                  .isReserved = false,
                                  .lateUntil = soon(),
                                  .lateBefore = 0,
-                                 .covers = operation.covers};
+                                 .covers = operation.covers,
+                                 .deniedAt = 0};
     bool isOthers = false, isDue = true;
     const auto write = [&] {
         const auto before = entryAt(key, m_preferences);
@@ -239,8 +267,11 @@ QString CreditJournal::open(const QString& key, const ChargedOperation& operatio
         return u"Otra orden de Moltiva está pagando lo mismo. Espera a que termine."_s;
     if (!isDue)
         return u"Otra orden de Moltiva ha pagado una parte mientras tanto. Vuelve a intentarlo."_s;
-    if (!isOpen)
-        return u"No se pudo anotar el pago. ¿Queda espacio en el disco?"_s;
+    if (!isOpen) {
+        return u"No se pudo anotar el pago: %1."_s.arg(
+            opened.run.isEmpty() ? u"no se puede escribir en la carpeta de datos"_s
+                                 : m_preferences.reason());
+    }
     m_unsettled.remove(key);
     return {};
 }
@@ -341,6 +372,8 @@ QCoro::Task<CreditJournal::Refund> CreditJournal::askBack(QString key, Telling t
     }
     if (!self)
         co_return refund;
+    if (refund == Refund::neverReserved && entry->isReserved)
+        refund = settledDenial(key, *entry, asked);
     reached("refunded");
     // What is still on its way would otherwise arrive when nobody waits for it.
     const double late = std::min(entry->lateUntil, soon());    // the clock may have been set back
@@ -367,9 +400,19 @@ CreditJournal::Refund CreditJournal::refundAfter(const std::exception& error)
                                                                         : Refund::unreachable;
 }
 
+CreditJournal::Refund CreditJournal::settledDenial(const QString& key, const OpenReservation& entry,
+                                                   double asked)
+{
+    const bool isFirst = entry.deniedAt <= 0 || entry.deniedAt > asked;    // a clock set back
+    if (isFirst)
+        changeEntry(key, [asked](OpenReservation& kept) { kept.deniedAt = asked; });
+    const bool isFinal = !isFirst && asked - entry.deniedAt >= double(m_times.underWay.count());
+    return isFinal ? Refund::lost : Refund::denied;
+}
+
 bool CreditJournal::isPending(Refund refund)
 {
-    return refund == Refund::refused || refund == Refund::unreachable;
+    return refund == Refund::denied || refund == Refund::refused || refund == Refund::unreachable;
 }
 
 // An entry that cannot be removed is tried again, which moves no credits.
@@ -437,8 +480,7 @@ QCoro::Task<> CreditJournal::settleAll()
     m_isSettling = true;
     m_settledAll.reset();
     const QString account = m_account.accountKey();
-    int credits = 0;
-    QString what;
+    Total returned, gone;
     const QStringList keys = keysLeftOpen();
     bool isReached = true;    // else each of the others would wait its whole time
     for (qsizetype i = 0; i < keys.size() && isReached && account == m_account.accountKey(); ++i) {
@@ -447,17 +489,17 @@ QCoro::Task<> CreditJournal::settleAll()
             isLeftOpen(key) && claim(key) ? entryAt(key, m_preferences) : std::nullopt;
         if (!entry)
             continue;
-        const int balance = m_account.account().balance;
+        const qint64 balance = m_account.account().balance;
         QCoro::Task<Refund> refunding = giveBack(key, Telling::silently);
         const Refund refund = co_await std::move(refunding);
         if (!self)
             co_return;
         // Of one that was refunded already nothing comes back.
         const bool isNews = entry->isReserved || m_account.account().balance > balance;
-        if (refund == Refund::done && isNews) {
-            credits += entry->cost;
-            what = what.isEmpty() || what == entry->what ? entry->what : u"una operación"_s;
-        }
+        if (refund == Refund::done && isNews)
+            returned.add(*entry);
+        else if (refund == Refund::lost)
+            gone.add(*entry);
         isReached = refund != Refund::unreachable;
     }
     m_isSettling = false;
@@ -465,8 +507,10 @@ QCoro::Task<> CreditJournal::settleAll()
         m_retry.start(0);    // somebody else came meanwhile
     else
         m_retry.start(keysLeftOpen().isEmpty() ? m_times.look : m_times.retry);
-    if (credits > 0)
-        Q_EMIT refunded(credits, what);
+    if (returned.credits > 0)
+        Q_EMIT refunded(returned.credits, returned.what);
+    if (gone.credits > 0)
+        Q_EMIT lost(gone.credits, gone.what);
     m_settledAll.complete();
 }
 

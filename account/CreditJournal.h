@@ -15,11 +15,12 @@
 
 class AccountSession;
 class PreferencesStore;
+struct OpenReservation;
 
 // Something that costs credits.
 struct ChargedOperation {
     QString requestId;    // the same for the same thing done to the same items
-    int cost = 0;         // 0: nothing is charged
+    qint64 cost = 0;      // 0: nothing is charged
     QString what;         // for the user: "una exportación"
     QStringList
         covers;    // names of what is paid for: nobody pays for one of them at the same time
@@ -44,6 +45,10 @@ struct ChargeResult {
     Refusal refusal = Refusal::other;
 };
 
+// For the user, of what CreditJournal signals.
+QString refundSentence(qint64 credits, const QString& what);
+QString lossSentence(qint64 credits, const QString& what);
+
 // The one place where credits are charged: reserve, work, then record the result or give back the
 // credits under the same request identifier. A reservation is in the preferences before it is asked
 // for and until it is settled, so that whatever ends the program, the next start gives back what
@@ -56,7 +61,8 @@ public:
         std::chrono::milliseconds retry = std::chrono::seconds(30);
         // Between two looks for what other runs have left.
         std::chrono::milliseconds look = std::chrono::minutes(3);
-        // After it a request that was sent has reached the service, or never will.
+        // After it a request that was sent has reached the service, or never will; and an answer
+        // that contradicts an earlier one is no passing one any more.
         std::chrono::milliseconds underWay = std::chrono::minutes(5);
     };
 
@@ -86,12 +92,17 @@ public:
 
 Q_SIGNALS:
     // Credits came back that an earlier operation had left open.
-    void refunded(int credits, const QString& what);
+    void refunded(qint64 credits, const QString& what);
+    // Credits that the service had confirmed as reserved will not come back: it knows nothing of
+    // them, again and again.
+    void lost(qint64 credits, const QString& what);
 
 private:
     enum class Refund {
         done,
         neverReserved,
+        denied,         // what was confirmed as reserved is said not to be, which may pass
+        lost,           // and still after a while
         refused,        // this one
         unreachable,    // like any other now
     };
@@ -99,7 +110,7 @@ private:
 
     void accountChanged();
     QCoro::Task<ChargeResult> reserve(QString key, ChargedOperation operation);
-    QCoro::Task<QString> freed(QString key, int cost);
+    QCoro::Task<QString> freed(QString key, qint64 cost);
     QString open(const QString& key, const ChargedOperation& operation);
     bool isBeingPaid(const QStringList& what) const;
     template <typename Change>
@@ -112,6 +123,7 @@ private:
     QCoro::Task<Refund> giveBack(QString key, Telling telling);
     QCoro::Task<Refund> askBack(QString key, Telling telling);
     static Refund refundAfter(const std::exception& error);
+    Refund settledDenial(const QString& key, const OpenReservation& entry, double asked);
     static bool isPending(Refund refund);
     void endRefused(const QString& key);
     void strike(const QString& key);

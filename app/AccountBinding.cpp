@@ -83,10 +83,11 @@ AccountShown AccountBinding::shown() const
         .fullName = profile.fullName.value_or(QString()),
         .email = profile.email.value_or(QString()),
         .balance = m_account.account().balance,
-        .message = m_account.message(),
-        .isProblem = m_account.isProblem(),
+        .message = message(),
+        .isProblem = m_account.isAboutCharge() ? m_isProblem : m_account.isProblem(),
         .isWorking = m_account.isWorking(),
         .hasPendingCheckout = m_account.pendingCheckoutSessionId().has_value(),
+        .checkoutAddress = m_account.checkoutPage().toString(QUrl::FullyEncoded),
         .mayBeSignedIn = m_account.mayBeSignedIn(),
         .hasTestMail = !m_account.testMailURL().isEmpty(),
     };
@@ -117,17 +118,22 @@ bool AccountBinding::isAccountSeen() const
            (m_popover && m_popover->isVisible());
 }
 
+// Whoever charges something tells how that goes.
+QString AccountBinding::message() const
+{
+    return m_account.isAboutCharge() ? m_message : m_account.message();
+}
+
 void AccountBinding::tell()
 {
-    // Whoever charges something tells how that goes.
     const bool isWorking = m_account.isWorking() && !m_account.isOnlyCharging();
     const bool isDone = m_wasWorking && !isWorking && !m_isLoadingPurchases;
     const bool begins = isWorking && !m_wasWorking;
-    const QString message = m_account.isAboutCharge() ? m_message : m_account.message();
-    const bool isOutcome = isDone || message != m_message;
+    const QString now = message();
+    const bool isOutcome = isDone || now != m_message;
     if (!m_account.isAboutCharge())
         m_isProblem = m_account.isProblem();
-    m_message = message;
+    m_message = now;
     m_wasWorking = isWorking;
     if (begins && !isAccountSeen()) {
         m_toldWorking = true;

@@ -42,6 +42,7 @@ private:
     AccountShown shown() const;
     void show();
     void showGate();
+    QString message() const;
     void tell();
     void closeGate();
     bool isAccountSeen() const;

@@ -39,8 +39,10 @@ bool AccountForm::accepts(const CheckResult& failure)
 {
     markProblem(failure);
     m_missing = failure ? failure->sentence : QString();
-    if (FormField* field = failure ? m_fields.value(failure->field) : nullptr)
+    if (FormField* field = failure ? m_fields.value(failure->field) : nullptr) {
         field->edit()->setFocus(Qt::TabFocusReason);
+        attend(field);
+    }
     tell();
     return !failure;
 }
@@ -50,6 +52,7 @@ bool AccountForm::send(PushButton* button)
     if (m_isWorking)
         return false;
     m_pressed = button;
+    attend(button);
     forget();
     return true;
 }

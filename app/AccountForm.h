@@ -1,5 +1,5 @@
 #pragma once
-#include "app/AccountChecks.h"
+#include "account/AccountChecks.h"
 #include "app/AccountShown.h"
 
 #include <QHash>
@@ -34,9 +34,12 @@ public:
     void tellProblem(const QString& sentence);
     // What was told so far belongs to something else.
     void forget();
+    // What is told from now on is about this control.
+    void attend(QWidget* control) { Q_EMIT attended(control); }
 
 Q_SIGNALS:
-    void told();    // the notice may have changed
+    void attended(QWidget* control);    // pressed, or a field that something is wrong with
+    void told();                        // the notice may have changed
 
 private:
     void tell();

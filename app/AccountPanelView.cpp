@@ -8,6 +8,7 @@
 #include "app/PasswordForm.h"
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
+#include "app/controls/CopyButton.h"
 #include "app/controls/FocusRound.h"
 #include "app/controls/FormField.h"
 #include "app/controls/Grounds.h"
@@ -59,15 +60,16 @@ AccountPanelView::AccountPanelView(QWidget* owner)
         details->addWidget(section);
     }
     rows->addWidget(m_details);
-    rows->addWidget(m_notice);
+    m_notice->standIn(rows);
     rows->addWidget(new Divider);
     rows->addWidget(destinations());
     rows->addStretch(1);
     m_form->add(CheckedField::name, m_fullName);
     m_form->add(QList{m_save, m_buy, m_confirm});
     m_form->add(QList<QWidget*>(m_packages.begin(), m_packages.end()));
-    connect(m_form, &AccountForm::told, this,
-            [this] { m_notice->setVisible(!m_notice->text().isEmpty()); });
+    connect(m_form, &AccountForm::attended, this,
+            [this](QWidget* control) { m_notice->standBelow(control); });
+    connect(m_form, &AccountForm::told, this, &AccountPanelView::showNotice);
     setDetails(Fold::open);
     setPassword(Fold::folded);
     setAccount({});
@@ -150,11 +152,13 @@ QWidget* AccountPanelView::purchase()
     m_packages.first()->setChecked(true);
     m_buy = stretched(Icon::openOutside, u"Abrir Stripe"_s, ButtonKind::primary);
     m_confirm = stretched(Icon::check, u"Confirmar compra"_s, ButtonKind::soft);
+    m_copy = new CopyButton(u"Copiar dirección de pago"_s);
     auto* rows = rowsOf(section, Space::small);
     rows->addLayout(heading);
     rows->addWidget(group);
     rows->addWidget(m_buy);
     rows->addWidget(m_confirm);
+    rows->addWidget(m_copy, 0, Qt::AlignHCenter);
     connect(m_buy, &PushButton::clicked, this, [this] {
         if (m_form->send(m_buy))
             Q_EMIT purchaseRequested(chosenCredits());
@@ -216,6 +220,16 @@ void AccountPanelView::present()
         takeFocus(m_fold, Qt::TabFocusReason);
 }
 
+// Once its room is known, which may be out of sight.
+void AccountPanelView::showNotice()
+{
+    const bool isTold = !m_notice->text().isEmpty();
+    m_notice->setVisible(isTold);
+    if (isTold)
+        QMetaObject::invokeMethod(
+            this, [this] { showIn(m_area, m_notice); }, Qt::QueuedConnection);
+}
+
 void AccountPanelView::setAccount(const AccountShown& account)
 {
     m_avatar->setInitials(initialsOf(account.name));
@@ -223,6 +237,8 @@ void AccountPanelView::setAccount(const AccountShown& account)
     m_balance->setText(creditsText(account.balance));
     m_fullName->setShown(shownLine(account.fullName));
     m_confirm->setVisible(account.hasPendingCheckout);
+    m_copy->setAddress(account.checkoutAddress);
+    m_copy->setVisible(!account.checkoutAddress.isEmpty());
     m_form->show(account);
 }
 

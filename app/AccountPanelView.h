@@ -6,6 +6,7 @@
 class AccountForm;
 class Avatar;
 class Caption;
+class CopyButton;
 class FormField;
 class IconButton;
 class Notice;
@@ -52,6 +53,7 @@ private:
     QWidget* password();
     QWidget* destinations();
     void saveProfile();
+    void showNotice();
     int chosenCredits() const;
     void fit();
 
@@ -67,6 +69,7 @@ private:
     QList<PackageCard*> m_packages;
     PushButton* m_buy;
     PushButton* m_confirm;
+    CopyButton* m_copy;
     RowButton* m_passwordFold;
     PasswordForm* m_passwords;
     Notice* m_notice;

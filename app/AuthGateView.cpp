@@ -74,6 +74,9 @@ bool AuthGateView::event(QEvent* event)
 
 bool AuthGateView::focusNextPrevChild(bool next)
 {
+    // As it goes, its own stops are hidden and would keep the focus out of sight.
+    if (!isVisible())
+        return QWidget::focusNextPrevChild(next);
     moveFocusRound(this, next);
     return true;
 }

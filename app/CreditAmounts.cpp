@@ -25,6 +25,13 @@ std::optional<int> effectiveCredits(const QString& typed)
     return int((amount + creditBlock / 2) / creditBlock * creditBlock);
 }
 
+CheckResult checkAmount(const QString& typed)
+{
+    if (!effectiveCredits(typed))
+        return CheckFailure{CheckedField::amount, u"Escribe la cantidad en números."_s};
+    return std::nullopt;
+}
+
 int eurosOf(int credits)
 {
     return credits / creditBlock;

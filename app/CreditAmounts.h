@@ -1,5 +1,7 @@
 #pragma once
 
+#include "account/AccountChecks.h"
+
 #include <QString>
 
 #include <array>
@@ -13,6 +15,7 @@ inline constexpr int creditsOfAnExport = 50;
 // What is bought for a typed amount: within the limits, in whole blocks. Nothing where it is not a
 // whole number; points and spaces between the thousands are read over.
 std::optional<int> effectiveCredits(const QString& typed);
+CheckResult checkAmount(const QString& typed);
 
 int eurosOf(int credits);
 QString groupedThousands(qint64 number);    // 10.000

@@ -6,6 +6,7 @@
 #include "app/CustomAmount.h"
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
+#include "app/controls/CopyButton.h"
 #include "app/controls/FormField.h"
 #include "app/controls/Grounds.h"
 #include "app/controls/Notice.h"
@@ -24,6 +25,7 @@ CreditsDetailPanel::CreditsDetailPanel(QWidget* parent)
       m_balance(new Caption(Type::panelTitle, &Theme::text)), m_custom(new CustomAmount),
       m_pending(new CardGround(CardGround::Look::accent)),
       m_pendingText(new Paragraph(Type::body, &Theme::text)),
+      m_copy(new CopyButton(u"Copiar dirección de pago"_s)),
       m_confirm(new PushButton(Icon::check, u"Confirmar compra"_s, ButtonKind::raised,
                                ButtonSize::small)),
       m_hint(new Caption(Type::small, &Theme::text2, u"El pago se completa en tu navegador."_s)),
@@ -77,11 +79,12 @@ CreditsDetailPanel::CreditsDetailPanel(QWidget* parent)
     pending->setSpacing(Space::medium);
     pending->addWidget(new IconView(Icon::info, &Theme::accentText));
     pending->addWidget(m_pendingText, 1, Qt::AlignVCenter);
+    pending->addWidget(m_copy);
     pending->addWidget(m_confirm);
     m_pendingText->setMostRows(2);
     rows()->addWidget(m_pending);
 
-    foot()->insertWidget(1, m_hint, 1);
+    footNotice()->addWidget(m_hint);
     auto* total = new Caption(Type::body, &Theme::text2, u"Total"_s);
     foot()->addWidget(total);
     foot()->setSpacing(Space::small);
@@ -109,6 +112,8 @@ void CreditsDetailPanel::setAccount(const AccountShown& account)
     const QString message = account.isProblem ? QString() : shownText(account.message);
     m_pendingText->setText(message.isEmpty() ? u"Cuando pagues, pulsa Confirmar compra."_s
                                              : message);
+    m_copy->setAddress(account.checkoutAddress);
+    m_copy->setVisible(!account.checkoutAddress.isEmpty());
     m_pending->setVisible(account.hasPendingCheckout);
     SettingsPanel::setAccount(account);
 }

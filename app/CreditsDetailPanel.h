@@ -4,6 +4,7 @@
 #include <optional>
 
 class Caption;
+class CopyButton;
 class CardGround;
 class CustomAmount;
 class PackageCard;
@@ -33,6 +34,7 @@ private:
     CustomAmount* m_custom;
     CardGround* m_pending;
     Paragraph* m_pendingText;
+    CopyButton* m_copy;
     PushButton* m_confirm;
     Caption* m_hint;
     Caption* m_total;

@@ -2,15 +2,25 @@
 #include <QPixmap>
 #include <QWidget>
 
+#include <optional>
+
 class KeyHints;
 class PushButton;
+class Spinner;
 
-// The stage before the first import: all of it invites a drop.
+struct ImportShown {
+    int looked = 0, total = 0;    // files; none while folders are searched
+    bool operator==(const ImportShown&) const = default;
+};
+
+// The stage without images: all of it invites a drop, or says that images are coming.
 class EmptyState : public QWidget {
     Q_OBJECT
 public:
     explicit EmptyState(QWidget* parent = nullptr);
     QList<QWidget*> focusOrder() const;
+    void setImport(const std::optional<ImportShown>& import);
+    void takeFocus(Qt::FocusReason reason);    // by its first button
 
 Q_SIGNALS:
     void importImagesRequested();
@@ -22,9 +32,13 @@ protected:
 
 private:
     int blockTop() const;
+    void nameState();
+    void paintInvitation(QPainter& painter);
     void paintCards(QPainter& painter, const QPointF& middle);
 
     PushButton* m_images;
     PushButton* m_folder;
     KeyHints* m_hints;
+    Spinner* m_spinner;
+    std::optional<ImportShown> m_import;    // while one goes on
 };

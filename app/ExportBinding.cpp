@@ -40,7 +40,7 @@ ExportBinding::ExportBinding(StudioSession& session, AccountSession& account,
     connect(m_dialogs, &ExportDialogs::fileChosen, &session, &StudioSession::exportItem);
     connect(m_dialogs, &ExportDialogs::folderChosen, &session, &StudioSession::exportItems);
     connect(m_statusLine, &StatusLine::stopRequested, this, &ExportBinding::stop);
-    connect(m_statusLine, &StatusLine::linkRequested, this, &ExportBinding::openFolder);
+    connect(m_statusLine, &StatusLine::linkRequested, this, &ExportBinding::followLink);
     connect(&session, &StudioSession::costsChanged, this, &ExportBinding::show);
     connect(&session, &StudioSession::exportChanged, this, &ExportBinding::exportChanged);
     connect(&account, &AccountSession::changed, this, &ExportBinding::show);
@@ -49,8 +49,8 @@ ExportBinding::ExportBinding(StudioSession& session, AccountSession& account,
 ExportOffer ExportBinding::offer() const
 {
     const Batch& batch = m_session.batch();
-    const int balance = m_account.account().balance;
-    const auto atMost = [](qsizetype images) { return int(images) * exportCreditCost; };
+    const qint64 balance = m_account.account().balance;
+    const auto atMost = [](qsizetype images) { return images * exportCreditCost; };
     return {.images = batch.items.size(),
             .selected = m_session.selectedIndicesForBatch().size(),
             .isRunning = m_session.isExporting(),
@@ -136,7 +136,10 @@ void ExportBinding::exportChanged()
 
 Status ExportBinding::completed(Status told) const
 {
-    if (!m_session.isExporting() && !m_session.statusFolder().isEmpty())
+    const StatusLink& link = m_session.statusLink();
+    if (!m_session.isExporting() && link.isPurchase)
+        told.link = u"Comprar créditos"_s;
+    else if (!m_session.isExporting() && !link.folder.isEmpty())
         told.link = u"Abrir carpeta"_s;
     if (m_session.isExporting() && m_closing.isActive())
         told = {.sentence = u"Terminando la exportación antes de cerrar…"_s};
@@ -173,9 +176,11 @@ bool ExportBinding::delaysClosing()
     return true;
 }
 
-void ExportBinding::openFolder()
+void ExportBinding::followLink()
 {
-    const QString folder = m_session.statusFolder();
+    const QString folder = m_session.statusLink().folder;
+    if (m_session.statusLink().isPurchase)
+        return m_session.setAccountPanel(AccountPanelDestination::credits);
     if (folder.isEmpty())
         return;
     // Some systems say that they opened what is not there any more.

@@ -34,7 +34,7 @@ public:
     void exportItem(QUuid item);
     void exportSeveral();
     void stop();    // an export, else an import
-    // What the session told, with where its files are.
+    // What the session told, with where it leads.
     Status completed(Status told) const;
     // An export that goes on keeps its bar, whatever is told, and can still be stopped.
     Status withProgress(Status told) const;
@@ -53,7 +53,7 @@ private:
     ExportOffer offer() const;
     bool refuses();
     void exportChanged();
-    void openFolder();
+    void followLink();
 
     StudioSession& m_session;
     AccountSession& m_account;

@@ -1,5 +1,6 @@
 #include "app/ExportDialogs.h"
 
+#include "studio/BatchExport.h"
 #include "studio/StudioSession.h"
 
 #include <QFileDialog>
@@ -45,7 +46,7 @@ void ExportDialogs::chooseFile(QUuid id)
     if (item == items.end())
         return;
     // In the toolkit's chooser quotes separate the names of several files.
-    askForFile(id, item->filename().remove(u'"') + u"-publicacion.png"_s);
+    askForFile(id, exportName(item->url, m_folder.begin()).remove(u'"'));
 }
 
 void ExportDialogs::askForFile(QUuid item, const QString& name)

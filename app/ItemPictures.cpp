@@ -56,7 +56,9 @@ void TilePictures::want(const QList<PublicationItem>& items, SocialFormat format
         if (!m_running.contains(request))
             m_wanted.append(request);
     }
-    startNext();
+    // Not at once: a worker may be done before its drawing is awaited, and what a later wish of the
+    // same turn no longer names would be drawn and told.
+    QMetaObject::invokeMethod(this, &TilePictures::startNext, Qt::QueuedConnection);
 }
 
 void TilePictures::startNext()

@@ -33,9 +33,9 @@ class TilePictures : public QObject {
 public:
     explicit TilePictures(std::shared_ptr<PhotoCache> photos, QObject* parent = nullptr);
 
-    // Most urgent first. `pixels`: of each picture.
+    // Most urgent first; begun in the next turn of the event loop. `pixels`: of each picture.
     void want(const QList<PublicationItem>& items, SocialFormat format, QSize pixels);
-    bool isIdle() const { return m_running.isEmpty(); }
+    bool isIdle() const { return m_running.isEmpty() && m_wanted.isEmpty(); }
 
 Q_SIGNALS:
     // Of an item that may have changed since.

@@ -5,6 +5,7 @@
 #include "app/SignInWall.h"
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
+#include "app/controls/CopyButton.h"
 #include "app/controls/FormField.h"
 #include "app/controls/Grounds.h"
 #include "app/controls/Notice.h"
@@ -150,11 +151,10 @@ LoginView::LoginView(QWidget* parent)
         if (m_form->send(m_google))
             Q_EMIT googleRequested();
     });
-    QList<QWidget*> order{m_segments};
-    order += m_email->focusOrder() + m_password->focusOrder();
-    order.append(m_recover);
-    order += m_repeated->focusOrder();
+    // From a field to the next; what helps with one comes after the form.
+    QList<QWidget*> order{m_segments, m_email->edit(), m_password->edit(), m_repeated->edit()};
     order += QList<QWidget*>(m_primaries.begin(), m_primaries.end());
+    order += {m_recover, m_password->edit()->eye(), m_repeated->edit()->eye()};
     order += {m_google, m_notice->copyButton(), m_retry, m_testMail};
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);

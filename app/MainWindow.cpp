@@ -23,8 +23,10 @@
 #include "app/TextPanel.h"
 #include "app/Theme.h"
 #include "app/TopBar.h"
+#include "app/UserAccountButton.h"
 #include "app/ViewBar.h"
 #include "app/controls/FocusRound.h"
+#include "app/controls/KeyboardFocus.h"
 #include "app/controls/LineField.h"
 #include "app/controls/StatusLine.h"
 #include "canvas/interaction/CanvasInteractionView.h"
@@ -50,6 +52,7 @@ const QString batchWidthKey = u"moltiva.batchColumnWidth"_s;
 const QString geometryKey = u"moltiva.windowGeometry"_s;
 constexpr int narrowWindow = 1280;
 const QString panelWidthKey = u"moltiva.sidePanelWidth"_s;
+const QString importedKey = u"moltiva.hasImported"_s;
 const QString batchHiddenKey = u"moltiva.batchColumnHidden"_s;
 const QString panelHiddenKey = u"moltiva.sidePanelHidden"_s;
 constexpr double zoomStep = 0.1;
@@ -160,8 +163,11 @@ void MainWindow::connectPanels()
         tell({StatusKind::error, u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
                                      m_session.batch().currentItem()->filename())});
     });
-    connect(m_templates.get(), &TemplatesBinding::previewChanged, m_stage.get(),
-            &StageBinding::preview);
+    connect(m_templates.get(), &TemplatesBinding::previewChanged, this,
+            [this](const std::optional<PublicationItem>& item) {
+                m_shell->stage()->setPreviewed(item.has_value());
+                m_stage->preview(item);
+            });
     connect(m_templates.get(), &TemplatesBinding::told, this,
             [this](const QString& sentence, StatusTone tone) {
                 tell({kindOf(tone), sentence});
@@ -175,7 +181,7 @@ void MainWindow::connectPanels()
     connect(m_exports.get(), &ExportBinding::leaveRequested, this, &MainWindow::focusCanvas);
     connect(m_shell->statusLine(), &StatusLine::leaveRequested, this, &MainWindow::focusCanvas);
     connect(m_shell->statusLine(), &StatusLine::linkRequested, this,
-            [this] { m_shell->statusLine()->showDetails(m_session.statusDetails()); });
+            [this] { m_shell->statusLine()->showDetails(m_session.statusLink().details); });
     connect(m_shell, &StudioShell::batchWidthDragged, this, [this](int width) {
         m_preferences.setValue(batchWidthKey, QByteArray::number(width));
     });
@@ -195,6 +201,7 @@ void MainWindow::connectSession()
     connect(&m_session, &StudioSession::statusChanged, this, &MainWindow::showStatus);
     connect(&m_session, &StudioSession::importChanged, this, [this] {
         m_batch->show();
+        showStage();
         m_exports->show();
         showStatus();
     });
@@ -277,6 +284,7 @@ void MainWindow::restorePreferences()
     m_shell->setPanelWidth(number(panelWidthKey));
     showColumn(Command::batchColumn, m_preferences.value(batchHiddenKey) != yes);
     showColumn(Command::sidePanel, m_preferences.value(panelHiddenKey) != yes);
+    m_hasImported = m_preferences.value(importedKey) == yes;
     if (const auto geometry = m_preferences.value(geometryKey))
         restoreGeometry(*geometry);
 }
@@ -545,9 +553,36 @@ void MainWindow::goToRegion(int step)
     }
 }
 
+// Without images what invites to import them: a canvas that is hidden would not be heard of again.
 void MainWindow::focusCanvas()
 {
-    m_stage->canvas()->setFocus();
+    if (m_shell->isStage(StudioShell::Stage::picture))
+        m_stage->canvas()->setFocus();
+    else
+        m_shell->emptyState()->takeFocus(KeyboardFocus::reason());
+}
+
+// Who styles a text wants to see it, on the canvas and where it is typed.
+QList<QRect> MainWindow::keptClear(const QWidget* owner) const
+{
+    const SidePanel* panel = m_shell->sidePanel();
+    if (!panel->isAncestorOf(owner))
+        return {};
+    const auto inWindow = [this](const QWidget* widget, const QRect& part) {
+        return QRect(widget->mapTo(this, part.topLeft()), part.size());
+    };
+    const QWidget* account = m_shell->topBar()->account();
+    QList<QRect> areas{inWindow(owner, owner->rect()), inWindow(account, account->rect())};
+    const StagePanel* stage = m_shell->stage();
+    if (const auto layer =
+            m_stage->canvas()->interaction().layerRect(m_session.batch().selectedLayerID))
+        areas.append(inWindow(stage, layer->toAlignedRect()
+                                         .translated(stage->canvasRect().topLeft())
+                                         .intersected(stage->canvasRect())));
+    if (const QWidget* card = panel->textPanel()->selectedCard(); card && card->isVisible())
+        areas.append(inWindow(card, card->visibleRegion().boundingRect()));
+    areas.removeIf([](const QRect& area) { return area.isEmpty(); });
+    return areas;
 }
 
 void MainWindow::showTileMenu(int index, QPoint globalPosition)
@@ -606,8 +641,9 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
         return;
     if (pressFocused(event, m_shell))
         return;
-    // With others they mean something to fields that may happen to have no use for them now.
-    if (event->modifiers() & ~Qt::KeypadModifier)
+    // With others they mean something to fields that may happen to have no use for them now; and a
+    // batch that is not shown is not changed by them.
+    if (event->modifiers() & ~Qt::KeypadModifier || m_batch->showsIncoming())
         return QWidget::keyPressEvent(event);
     switch (event->key()) {
     case Qt::Key_Left:
@@ -662,16 +698,47 @@ void MainWindow::showBatch()
     top->setUndo(m_session.canUndo());
     top->setRedo(m_session.canRedo());
     m_shell->composeBar()->setObjective(batch.objective);
-    // The invitation to import waits until it is known that there is nothing to go on with.
-    const bool isEmpty = batch.items.isEmpty() && m_session.didRestoreWorkspace();
-    m_shell->setStage(isEmpty ? StudioShell::Stage::empty : StudioShell::Stage::picture);
     m_shell->batchColumn()->setRatio(row(batch.format).aspectRatio);
     m_batch->show();
+    showStage();
     m_templates->show();    // which ends a preview on the stage
     m_stage->show();
     m_panel->show();
     m_exports->show();
     showHints();
+}
+
+void MainWindow::showStage()
+{
+    // The invitation to import waits until it is known that there is nothing to go on with.
+    const bool isEmpty = m_session.batch().items.isEmpty() && m_session.didRestoreWorkspace();
+    // The canvas of the old batch does not stand beside the tiles of the new one.
+    const bool isImporting = m_session.isImporting() && (isEmpty || m_batch->showsIncoming());
+    if (isImporting) {
+        const PhotoImport::Progress& progress = m_session.importProgress();
+        m_shell->emptyState()->setImport({{int(progress.looked), int(progress.total)}});
+    } else {
+        m_shell->emptyState()->setImport(std::nullopt);
+    }
+    m_shell->setStage(isImporting || isEmpty ? StudioShell::Stage::empty
+                                             : StudioShell::Stage::picture);
+    if (!isGated() && (!focusWidget() || !focusWidget()->isVisibleTo(this)))
+        focusCanvas();
+    if (isEmpty)
+        m_wasEmpty = true;
+    else if (m_session.didRestoreWorkspace())
+        greetFirstImport();
+}
+
+// The usual boxes make a poor first picture, the designs of the gallery a good one.
+void MainWindow::greetFirstImport()
+{
+    if (m_hasImported)
+        return;
+    m_hasImported = true;
+    m_preferences.setValue(importedKey, yes);
+    if (m_wasEmpty)
+        showTab(SideTab::templates);
 }
 
 // What can be done now; looked at when the menu opens.
@@ -747,9 +814,12 @@ void MainWindow::showHints()
 void MainWindow::showStatus()
 {
     Status status{.kind = kindOf(m_session.statusTone()), .sentence = m_session.status()};
-    if (!m_session.statusDetails().isEmpty())
+    if (!m_session.statusLink().details.isEmpty())
         status.link = u"Ver cuáles"_s;
     tell(m_exports->completed(status));
+    // The line lies under the gate.
+    if (isGated() && m_session.statusTone() == StatusTone::problem)
+        m_gate->login()->tellProblem(m_session.status());
 }
 
 // Whatever is told, the bar of what is going on stays.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/controls/KeptClear.h"
+
 #include <QList>
 #include <QUrl>
 #include <QWidget>
@@ -26,7 +28,7 @@ enum class SideTab;
 struct Status;
 
 // Places the panels, connects them with the session, and runs what the menu and the keys ask for.
-class MainWindow : public QWidget {
+class MainWindow : public QWidget, public KeptClear {
     Q_OBJECT
 public:
     // The sessions and the preferences outlive the window.
@@ -57,6 +59,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    QList<QRect> keptClear(const QWidget* owner) const override;
     void connectPanels();
     void connectSession();
     void connectAccount();
@@ -83,6 +86,8 @@ private:
     void showTileMenu(int index, QPoint globalPosition);
 
     void showBatch();
+    void showStage();
+    void greetFirstImport();
     void showMenu();
     void showStatus();
     void tell(Status status);
@@ -104,4 +109,6 @@ private:
     std::unique_ptr<AccountBinding> m_account;
     // Files that came while nobody was signed in: given from outside, and dropped.
     QList<QUrl> m_given, m_dropped;
+    // Whether photos were ever imported here, and whether the window has been without any.
+    bool m_hasImported = false, m_wasEmpty = false;
 };

@@ -5,6 +5,7 @@
 #include "app/ShapesPanel.h"
 #include "app/SidePanel.h"
 #include "app/TextPanel.h"
+#include "canvas/ItemLayout.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
@@ -75,15 +76,16 @@ void PanelBinding::connectTexts()
         if (const TextLayer* layer = layerOf(slot)) {
             TextLayer changed = *layer;
             changed.isVisible = !changed.isVisible;
-            m_session.editLayer(changed, LayerEdits::Along::visibility);
+            m_session.editLayer(changed, LayerEdits::Copied::visibility);
         }
     });
     connect(texts, &TextPanel::slotFocused, this, [this, layerOf](CopySlot slot) {
         if (const TextLayer* layer = layerOf(slot))
             m_session.selectLayer(layer->id);
     });
-    connect(texts, &TextPanel::layerEdited, this,
-            [this](const TextLayer& layer, Pace pace) { m_session.editLayer(layer, {}, pace); });
+    connect(texts, &TextPanel::layerEdited, this, [this](const TextLayer& layer, Pace pace) {
+        m_session.editLayer(layer, LayerEdits::Copied::style, pace);
+    });
     connect(texts, &TextPanel::colorUsed, this, &PanelBinding::remember);
     connect(texts, &TextPanel::copyStyleRequested, &m_session, &StudioSession::copyStyle);
     connect(texts, &TextPanel::pasteStyleRequested, &m_session, &StudioSession::pasteStyle);
@@ -117,6 +119,7 @@ void PanelBinding::show()
                  .layers = item->layers,
                  .warnings = m_batch.warningsOf(item->id),
                  .selectedLayer = batch.selectedLayerID,
+                 .sizeLimit = sizeLimit(*item),
                  .reachedImages = reached,
                  .canPaste = canPaste,
                  .colors = offers};
@@ -129,6 +132,15 @@ void PanelBinding::show()
     }
     m_panel->textPanel()->setState(texts);
     m_panel->shapesPanel()->setState(shapes);
+}
+
+std::optional<double> PanelBinding::sizeLimit(const PublicationItem& item) const
+{
+    const Batch& batch = m_session.batch();
+    const auto text = std::ranges::find(item.layers, batch.selectedLayerID, &TextLayer::id);
+    if (text == item.layers.end())
+        return std::nullopt;
+    return fontScaleInBox(*text, exportSize(batch.format), designSize(batch.format));
 }
 
 void PanelBinding::follow(QUuid layer)

@@ -9,6 +9,7 @@
 #include <QUuid>
 
 #include <memory>
+#include <optional>
 
 class BatchBinding;
 class PhotoCache;
@@ -17,6 +18,7 @@ class SidePanel;
 class StudioSession;
 struct ColorOffers;
 struct PhotoHandle;
+struct PublicationItem;
 
 // The side panel as a view of the session's current item.
 class PanelBinding : public QObject {
@@ -41,6 +43,7 @@ private:
     void connectTexts();
     void connectShapes();
     ColorOffers colors();
+    std::optional<double> sizeLimit(const PublicationItem& item) const;
     void remember(const QColor& color);
     static QCoro::Task<> lookAtPhoto(QPointer<PanelBinding> self, QString path, QByteArray digest,
                                      std::shared_ptr<PhotoCache> photos);

@@ -24,6 +24,13 @@ PasswordForm::PasswordForm(QBoxLayout::Direction direction, const Labels& labels
     rows->addLayout(fields);
     rows->addWidget(m_change, 0,
                     direction == QBoxLayout::TopToBottom ? Qt::Alignment() : Qt::AlignLeft);
+    QWidget* before = m_current->edit();
+    for (QWidget* stop :
+         QList<QWidget*>{m_changed->edit(), m_repeated->edit(), m_change, m_current->edit()->eye(),
+                         m_changed->edit()->eye(), m_repeated->edit()->eye()}) {
+        setTabOrder(before, stop);    // from a field to the next, to their eyes after the form
+        before = stop;
+    }
     connect(m_change, &PushButton::clicked, this, &PasswordForm::send);
     m_form->add(CheckedField::currentPassword, m_current);
     m_form->add(CheckedField::password, m_changed);

@@ -10,7 +10,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int columnGap = 10, presetRowGap = 12, narrowestName = 160, previewAfter = 300;    // ms
+constexpr int columnGap = 10, presetRowGap = 12, narrowestName = 80, previewAfter = 300;    // ms
 }
 
 PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
@@ -25,7 +25,7 @@ PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
     connect(&m_resting, &QTimer::timeout, this, [this] {
         if (m_restedOn.isNull())
             return leave();
-        m_previewed = m_restedOn;
+        setPreviewed(m_restedOn);
         Q_EMIT previewWanted(m_previewed);
     });
 }
@@ -71,6 +71,13 @@ void PresetGrid::setPresets(const QList<Preset>& presets)
         mark(m_marked);
     else if (hasFocus())
         tellMarked();
+}
+
+void PresetGrid::setPreviewed(QUuid id)
+{
+    m_previewed = id;
+    for (PresetTile* each : std::as_const(m_tiles))
+        each->setPreviewed(each->preset().id == id);
 }
 
 void PresetGrid::setRefusal(const QString& reason)
@@ -160,7 +167,7 @@ void PresetGrid::rename(QUuid id)
     bringIntoView(id);
 }
 
-// Over the caption, and beyond it where the tile is narrow.
+// Over the caption; beyond it only where nothing could be read in it.
 void PresetGrid::placeName()
 {
     const PresetTile* shown = m_name ? tile(m_renamed) : nullptr;
@@ -215,8 +222,10 @@ void PresetGrid::rest(QUuid id)
 void PresetGrid::leave()
 {
     m_resting.stop();
-    if (!std::exchange(m_previewed, QUuid()).isNull())
-        Q_EMIT previewEnded();
+    if (m_previewed.isNull())
+        return;
+    setPreviewed({});
+    Q_EMIT previewEnded();
 }
 
 // A ring round the tile that the keyboard is on, which is told and previewed.
@@ -226,13 +235,12 @@ void PresetGrid::mark(int index)
         return;
     unmark();
     m_marked = index;
-    PresetTile* tile = m_tiles[index];
+    PresetTile* shown = m_tiles[index];
     const QFocusEvent byKeyboard(QEvent::FocusIn, Qt::TabFocusReason);
-    KeyboardFocus::entered(tile, &byKeyboard);
-    tile->setMark(PresetTile::Mark::keyboard);
+    KeyboardFocus::entered(shown, &byKeyboard);
     tellMarked();
-    rest(tile->preset().id);
-    bringIntoView(tile->preset().id);
+    rest(shown->preset().id);
+    bringIntoView(shown->preset().id);
 }
 
 // Once all has its place, and after a scroll area has brought the grid into view as a whole.
@@ -247,10 +255,8 @@ void PresetGrid::bringIntoView(QUuid id)
 
 void PresetGrid::unmark()
 {
-    if (m_marked >= m_tiles.size())
-        return;
-    KeyboardFocus::left(m_tiles[m_marked]);
-    m_tiles[m_marked]->setMark(PresetTile::Mark::none);
+    if (m_marked < m_tiles.size())
+        KeyboardFocus::left(m_tiles[m_marked]);
 }
 
 void PresetGrid::tellMarked()

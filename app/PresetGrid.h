@@ -19,6 +19,8 @@ public:
     void setShape(int columns, double ratio);
     void setPresets(const QList<Preset>& presets);
     const QList<Preset>& presets() const { return m_presets; }
+    // The one that is laid over the image to be looked at; null none.
+    void setPreviewed(QUuid id);
     // Why none can be chosen now; empty when they can.
     void setRefusal(const QString& reason);
     // In pixels of the screen.

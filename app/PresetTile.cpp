@@ -8,8 +8,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 constexpr int presetCaptionGap = 4, presetCaptionHeight = 20, moreSide = 20, tickSide = 16,
-              narrowTile = 88;
-constexpr double ringWidth = 2;
+              narrowTile = 88, roomForMore = 80;
+constexpr double ringWidth = 2, chipHeight = 18, chipPadding = 6, chipInset = 5;
 }    // namespace
 
 PresetTile::PresetTile(PresetOwner owner, QWidget* parent) : Control(parent), m_owner(owner)
@@ -22,7 +22,6 @@ PresetTile::PresetTile(PresetOwner owner, QWidget* parent) : Control(parent), m_
     m_more = new IconButton(Icon::more, u"Más acciones"_s, moreSide, this);
     m_more->setIconSize(16);
     m_more->setFocusPolicy(Qt::NoFocus);
-    m_more->hide();
     connect(m_more, &IconButton::clicked, this, &PresetTile::showMenu);
 }
 
@@ -51,7 +50,12 @@ void PresetTile::setRefusal(const QString& reason)
 
 void PresetTile::nameParts()
 {
-    setAccessibleName(m_preset.chosen ? m_preset.name + u", aplicada"_s : m_preset.name);
+    QString name = m_preset.name;
+    if (m_preset.chosen)
+        name += u", aplicada"_s;
+    else if (m_isPreviewed)
+        name += u", vista previa"_s;
+    setAccessibleName(name);
     setAccessibleDescription(m_refusal);
     // A name may come from a file, and look like markup.
     setToolTip(
@@ -88,16 +92,20 @@ void PresetTile::outdatePicture()
     update();
 }
 
-void PresetTile::setMark(Mark mark)
+void PresetTile::setPreviewed(bool previewed)
 {
-    m_mark = mark;
-    showMore();
+    if (previewed == m_isPreviewed)
+        return;
+    m_isPreviewed = previewed;
+    nameParts();
+    update();
 }
 
+// Where the name needs the room, only while the pointer is there.
 void PresetTile::showMore()
 {
     if (m_more)
-        m_more->setVisible(m_mark == Mark::keyboard || underMouse());
+        m_more->setVisible(width() >= roomForMore || underMouse());
     update();
 }
 
@@ -162,6 +170,7 @@ void PresetTile::resizeEvent(QResizeEvent*)
 {
     if (m_more)
         m_more->move(width() - moreSide, height() - presetCaptionHeight);
+    showMore();
 }
 
 // All keys are the grid's.
@@ -206,6 +215,16 @@ void PresetTile::paintEvent(QPaintEvent*)
         strokeRounded(painter, box, Radius::thumbnail, theme.accentLine, ringWidth);
         strokeRounded(painter, box.adjusted(ringWidth, ringWidth, -ringWidth, -ringWidth),
                       Radius::thumbnail - ringWidth, theme.panel, 1);
+    }
+    if (m_isPreviewed && !m_preset.chosen) {
+        const QString label = box.width() < narrowTile ? u"Previa"_s : u"Vista previa"_s;
+        const QSizeF chip(textWidth(Type::captionSemibold, label) + 2 * chipPadding, chipHeight);
+        const QRectF at(QPointF(box.left() + chipInset, box.bottom() - chipInset - chipHeight),
+                        chip);
+        strokeRounded(painter, box, Radius::thumbnail, theme.accentLine, 1.5);
+        fillRounded(painter, at, Radius::chip, theme.accent);
+        paintText(painter, at, Qt::AlignHCenter, Type::captionSemibold, Qt::white, label,
+                  Qt::ElideNone);
     }
     QRectF caption = captionRect();
     caption.setWidth(captionRoom());

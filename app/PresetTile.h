@@ -27,9 +27,8 @@ public:
     const Preset& preset() const { return m_preset; }
     QSize picturePixels() const;
     void setPicture(const QImage& picture);
-    void outdatePicture();    // another one is wanted, when it is seen
-    enum class Mark { none, keyboard };
-    void setMark(Mark mark);
+    void outdatePicture();                // another one is wanted, when it is seen
+    void setPreviewed(bool previewed);    // the canvas shows it, though it is not applied
     QRect captionRect() const;
     void showMenu();    // asks for it
 
@@ -61,6 +60,6 @@ private:
     PresetOwner m_owner;
     QImage m_picture;
     bool m_isOutdated = true, m_isAwaited = false;
-    Mark m_mark = Mark::none;
-    IconButton* m_more = nullptr;    // while it is pointed at
+    bool m_isPreviewed = false;
+    IconButton* m_more = nullptr;    // of the user's own
 };

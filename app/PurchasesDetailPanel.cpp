@@ -97,6 +97,7 @@ void PurchasesDetailPanel::setPurchases(const QList<PurchaseHistoryItem>& purcha
     m_purchases = purchases;
     form()->remove(m_documents);
     m_documents.clear();
+    bringNoticeHome();    // it may stand at a row that goes
     m_list = new QWidget;
     auto* rows = new QVBoxLayout(m_list);
     rows->setContentsMargins(0, 0, 0, 0);

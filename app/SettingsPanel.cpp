@@ -13,12 +13,18 @@ constexpr int roomOfTheCross = 40;
 
 SettingsPanel::SettingsPanel(const QString& title, const QString& sentence, QWidget* parent)
     : QWidget(parent), m_rows(new QVBoxLayout), m_foot(new QHBoxLayout),
-      m_notice(new Notice(2, Qt::AlignVCenter)), m_form(new AccountForm(m_notice, this))
+      m_footNotice(new QVBoxLayout), m_notice(new Notice(2, Qt::AlignVCenter)),
+      m_form(new AccountForm(m_notice, this))
 {
     setAccessibleName(title);
     m_rows->setSpacing(Space::medium);
     m_foot->setSpacing(Space::medium);
-    m_foot->addWidget(m_notice, 1);
+    auto* place = new QWidget;    // keeps its room without the notice
+    place->setMinimumHeight(m_notice->minimumHeight());
+    place->setLayout(m_footNotice);
+    m_footNotice->setContentsMargins(0, 0, 0, 0);
+    m_foot->addWidget(place, 1);
+    bringNoticeHome();
     auto* page = new QVBoxLayout(this);
     page->setContentsMargins(0, 0, 0, 0);
     page->setSpacing(0);
@@ -32,6 +38,22 @@ SettingsPanel::SettingsPanel(const QString& title, const QString& sentence, QWid
     page->addLayout(m_rows, 1);
     page->addSpacing(Space::small);
     page->addLayout(m_foot);
+    connect(m_form, &AccountForm::attended, this, &SettingsPanel::standAt);
+    connect(m_form, &AccountForm::told, this,
+            [this] { m_notice->setVisible(!m_notice->text().isEmpty()); });
+}
+
+void SettingsPanel::bringNoticeHome()
+{
+    m_notice->standIn(m_footNotice);
+}
+
+void SettingsPanel::standAt(QWidget* control)
+{
+    if (m_foot->indexOf(control) >= 0)
+        bringNoticeHome();
+    else
+        m_notice->standBelow(control);
 }
 
 void SettingsPanel::setAccount(const AccountShown& account)

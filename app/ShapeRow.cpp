@@ -19,13 +19,13 @@ ShapeRow::ShapeRow(QWidget* parent)
     connect(m_delete, &IconButton::clicked, this, [this] { Q_EMIT deleteRequested(m_shape.id); });
 }
 
-void ShapeRow::setShape(const ShapeLayer& shape, Mark mark)
+void ShapeRow::setShape(const ShapeLayer& shape, const QString& name, Mark mark)
 {
-    if (shape == m_shape && mark == m_mark)
+    if (shape == m_shape && name == text() && mark == m_mark)
         return;
     m_shape = shape;
     m_mark = mark;
-    const QString name = rawValue(shape.kind);
+    setText(name);
     setAccessibleName(mark == Mark::selected ? name + u", seleccionada"_s : name);
     m_delete->setMeaning(Icon::discard, u"Eliminar %1"_s.arg(name));
     update();
@@ -57,7 +57,7 @@ void ShapeRow::paintEvent(QPaintEvent*)
     const QRectF swatch(percent.left() - colorSide - 4, (height() - colorSide) / 2.0, colorSide,
                         colorSide);
     paintText(painter, QRectF(nameLeft, 0, swatch.left() - 8 - nameLeft, height()), Qt::AlignLeft,
-              Type::bodyMedium, theme.text, rawValue(m_shape.kind));
+              Type::bodyMedium, theme.text, text());
     paintColor(painter, swatch, color.withAlpha(1), theme);
     const double share = opacity > 0 ? std::min(opacity, 1.0) : 0.0;
     paintText(painter, percent, Qt::AlignRight, Type::small, theme.text2,

@@ -8,7 +8,7 @@ class ShapeRow : public Control {
 public:
     explicit ShapeRow(QWidget* parent = nullptr);
     enum class Mark { none, selected };
-    void setShape(const ShapeLayer& shape, Mark mark);
+    void setShape(const ShapeLayer& shape, const QString& name, Mark mark);
     QUuid shapeId() const { return m_shape.id; }
     IconButton* deleteButton() const { return m_delete; }
 

@@ -172,6 +172,21 @@ const ShapeLayer* ShapesPanel::selected() const
     return found == m_state.shapes.cend() ? nullptr : &*found;
 }
 
+// Those of one kind are numbered from the bottom, where there are several.
+QString ShapesPanel::nameOf(const ShapeLayer& shape) const
+{
+    int count = 0, number = 0;
+    for (const ShapeLayer& other : m_state.shapes) {
+        if (other.kind != shape.kind)
+            continue;
+        ++count;
+        if (other.id == shape.id)
+            number = count;
+    }
+    const QString kind = rawValue(shape.kind);
+    return count > 1 ? u"%1 %2"_s.arg(kind).arg(number) : kind;
+}
+
 void ShapesPanel::showRows()
 {
     const auto count = m_state.shapes.size();
@@ -203,8 +218,9 @@ void ShapesPanel::showRows()
         if (i >= shown)
             continue;
         const ShapeLayer& shape = m_state.shapes[count - 1 - i];    // the topmost comes first
-        m_rows[i]->setShape(shape, shape.id == m_state.selectedLayer ? ShapeRow::Mark::selected
-                                                                     : ShapeRow::Mark::none);
+        m_rows[i]->setShape(shape, nameOf(shape),
+                            shape.id == m_state.selectedLayer ? ShapeRow::Mark::selected
+                                                              : ShapeRow::Mark::none);
     }
     m_count->setText(count > 0 ? QString::number(count) : QString());
     m_note->setText(count == 0 ? u"Esta imagen no tiene formas."_s
@@ -219,7 +235,7 @@ void ShapesPanel::showStyle()
 {
     const ShapeLayer* shape = selected();
     const ShapeLayer shown = shape ? *shape : ShapeLayer({}, ShapeKind::rectangle, {});
-    m_header->setTitle(shape ? u"Estilo de %1"_s.arg(rawValue(shape->kind)) : u"Estilo"_s);
+    m_header->setTitle(shape ? u"Estilo de %1"_s.arg(nameOf(*shape)) : u"Estilo"_s);
     const int reached = shape ? m_state.reachedImages : 1;
     m_header->setReached(
         reached,
@@ -229,15 +245,21 @@ void ShapesPanel::showStyle()
         field->setDefault(usual.*number);
         field->setValue(shown.*number);
     };
+    // What the selected kind does not have is not shown either.
+    const bool hasFill = shape && shape->kind != ShapeKind::line;
+    m_fillOpacity->setBlank(!hasFill);
+    m_strokeOpacity->setBlank(!shape);
+    m_strokeWidth->setBlank(!shape);
+    m_radius->setBlank(!shape || shape->kind != ShapeKind::rectangle);
     showNumber(m_fillOpacity, &ShapeLayer::fillOpacity);
     showNumber(m_strokeOpacity, &ShapeLayer::strokeOpacity);
     showNumber(m_strokeWidth, &ShapeLayer::strokeWidth);
     showNumber(m_radius, &ShapeLayer::cornerRadius);
-    m_fillHex->setShown(shown.fill.hexRGB());
+    m_fillHex->setShown(hasFill ? shown.fill.hexRGB() : QString());
     for (Swatch* swatch : {m_fill, m_stroke})
         swatch->setOffers(m_state.colors);
-    m_fill->setColor(shown.fill.withAlpha(1));
-    m_stroke->setColor(shown.stroke.withAlpha(1));
+    m_fill->setColor(hasFill ? shown.fill.withAlpha(1) : QColor());
+    m_stroke->setColor(shape ? shown.stroke.withAlpha(1) : QColor());
     showRefusals(shape);
 }
 

@@ -43,6 +43,7 @@ Q_SIGNALS:
 
 private:
     const ShapeLayer* selected() const;
+    QString nameOf(const ShapeLayer& shape) const;
     void build();
     void connectStyle();
     template <typename Change>

@@ -41,9 +41,20 @@ void StagePanel::setPosition(int current, int count)
     nameCanvas();
 }
 
+void StagePanel::setPreviewed(bool previewed)
+{
+    if (previewed == m_isPreviewed)
+        return;
+    m_isPreviewed = previewed;
+    nameCanvas();
+    m_ground = {};
+    update();
+}
+
 void StagePanel::nameCanvas()
 {
-    QStringList parts{u"Lienzo"_qs, m_title, m_position};
+    QStringList parts{u"Lienzo"_qs, m_isPreviewed ? u"vista previa"_qs : QString(), m_title,
+                      m_position};
     parts.removeAll(QString());
     m_view->setAccessibleName(parts.join(u", "_qs));
 }
@@ -106,7 +117,9 @@ void StagePanel::paintGround(QPainter& painter) const
               QRectF(title, header.top(),
                      header.right() - textWidth(Type::small, size) - Space::medium - title,
                      header.height()),
-              Qt::AlignLeft, Type::small, theme.text2, m_title);
+              Qt::AlignLeft, m_isPreviewed ? Type::smallMedium : Type::small,
+              m_isPreviewed ? theme.accentText : theme.text2,
+              m_isPreviewed ? u"Vista previa de la plantilla, sin aplicar"_qs : m_title);
     painter.fillRect(m_canvas, theme.empty);
 }
 

@@ -17,6 +17,8 @@ public:
     void setFormat(const QString& title, const QString& ratio, QSize exportPixels);
     // For screen readers; `current` counts from 0.
     void setPosition(int current, int count);
+    // What is shown is only looked at, not applied.
+    void setPreviewed(bool previewed);
     QSize pictureSize() const { return m_pictureSize; }    // in pixels of the screen
     QRect canvasRect() const { return m_canvas; }
     QSize sizeHint() const override { return {640, 640}; }
@@ -36,6 +38,7 @@ private:
 
     QString m_title;
     QString m_position;
+    bool m_isPreviewed = false;
     QSize m_exportPixels;
     QSize m_pictureSize;
     QRect m_canvas;      // logical pixels, all around the picture

@@ -125,6 +125,11 @@ void StudioShell::setStage(Stage stage)
     m_stages->setCurrentIndex(stage == Stage::empty ? 0 : 1);
 }
 
+bool StudioShell::isStage(Stage stage) const
+{
+    return m_stages->currentIndex() == (stage == Stage::empty ? 0 : 1);
+}
+
 void StudioShell::setCovered(bool covered)
 {
     if (covered == m_isCovered)

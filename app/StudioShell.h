@@ -33,6 +33,7 @@ public:
 
     enum class Stage { empty, picture };
     void setStage(Stage stage);
+    bool isStage(Stage stage) const;
 
     // The widths the user gave the columns; nothing follows the size of the window.
     void setBatchWidth(std::optional<int> width);

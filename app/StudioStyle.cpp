@@ -2,6 +2,7 @@
 
 #include "app/controls/Painting.h"
 
+#include <QBitmap>
 #include <QFocusFrame>
 #include <QMenu>
 #include <QPainter>
@@ -12,6 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int menuRadius = 10, tipRadius = 7;
 constexpr int menuRow = 30, menuPadding = 5, menuIconBox = 36, menuShortcutGap = 28;
 
 void paintFloating(QPainter& painter, const QRect& rect, double radius, const Theme& theme)
@@ -19,6 +21,19 @@ void paintFloating(QPainter& painter, const QRect& rect, double radius, const Th
     painter.setPen(theme.line2);
     painter.setBrush(theme.elev);
     painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+}
+
+// Its pixels by their middles.
+QRegion roundedRegion(const QRect& rect, double radius)
+{
+    QBitmap mask(rect.size());
+    mask.clear();
+    QPainter painter(&mask);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::color1);
+    painter.drawRoundedRect(QRect(QPoint(), rect.size()), radius, radius);
+    painter.end();
+    return QRegion(mask).translated(rect.topLeft());
 }
 
 void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item)
@@ -72,7 +87,7 @@ StudioStyle::StudioStyle(Motion motion) : QProxyStyle(u"Fusion"_qs), m_motion(mo
 void StudioStyle::polish(QWidget* widget)
 {
     QProxyStyle::polish(widget);
-    // Without these the rounded corners would lie on a black square.
+    // Behind the soft edge of the rounded corners; where nothing composes the screen it is black.
     if (qobject_cast<QMenu*>(widget)) {
         widget->setAttribute(Qt::WA_TranslucentBackground);
         widget->setWindowFlag(Qt::FramelessWindowHint);
@@ -91,9 +106,9 @@ void StudioStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     if (element == PE_PanelMenu) {
-        paintFloating(*painter, option->rect, 10, theme);
+        paintFloating(*painter, option->rect, menuRadius, theme);
     } else if (element == PE_PanelTipLabel) {
-        paintFloating(*painter, option->rect, 7, theme);
+        paintFloating(*painter, option->rect, tipRadius, theme);
     } else if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
                element == PE_PanelLineEdit && frame && frame->lineWidth == 0) {
         // A bare edit lies on the box that its field paints.
@@ -232,9 +247,13 @@ int StudioStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
         return 500;
     case SH_FocusFrame_AboveWidget:
         return 1;
-    case SH_FocusFrame_Mask:
-    case SH_ToolTip_Mask:
     case SH_Menu_Mask:
+    case SH_ToolTip_Mask:
+        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(data); mask && option)
+            mask->region =
+                roundedRegion(option->rect, hint == SH_Menu_Mask ? menuRadius : tipRadius);
+        return 1;
+    case SH_FocusFrame_Mask:
     case SH_ScrollBar_Transient:
     case SH_UnderlineShortcut:
     case SH_EtchDisabledText:

@@ -308,7 +308,12 @@ void TemplatesBinding::apply(QUuid id)
 void TemplatesBinding::preview(QUuid id)
 {
     const PublicationItem* item = m_session.batch().currentItem();
-    const TemplateApplication design = id.isNull() ? TemplateApplication() : application(id);
+    // While images are coming the canvas does not show the one that the design would be laid over.
+    const TemplateApplication design =
+        id.isNull() || m_session.isImporting() ? TemplateApplication() : application(id);
+    for (PresetGrid* grid :
+         {m_panel->templatesPanel()->own(), m_panel->templatesPanel()->packaged()})
+        grid->setPreviewed(item && design ? id : QUuid());
     if (!item || !design) {
         if (std::exchange(m_isPreviewing, false))
             Q_EMIT previewChanged(std::nullopt);

@@ -44,6 +44,7 @@ TextPanel::TextPanel(QWidget* parent)
     : QWidget(parent), m_filename(new Caption(Type::small, &Theme::text3, {}, this)),
       m_header(new StyleHeader(this)), m_font(new FontField(this)),
       m_size(new SliderField(u"Tamaño"_s, sizeRange, this)),
+      m_sizeNote(new Caption(Type::caption, &Theme::warn, {}, this)),
       m_color(new Swatch(u"Color del texto"_s, this)),
       m_alignment(new SegmentedControl(alignments(), this)), m_box(new Switch(u"Caja"_s, this)),
       m_boxColor(new Swatch(u"Color de la caja"_s, this)),
@@ -56,6 +57,8 @@ TextPanel::TextPanel(QWidget* parent)
       m_shadowAngle(new SliderField(u"Ángulo"_s, angleRange, this)), m_styles(new StyleShelf(this))
 {
     m_alignment->setStretched();
+    m_sizeNote->setAlignment(Qt::AlignRight);
+    m_sizeNote->setFixedHeight(row(Type::caption).lineHeight);    // also without a text
     m_boxOpacity->setAccessibleName(u"Opacidad de la caja"_s);
     m_boxRadius->setAccessibleName(u"Radio de la caja"_s);
     m_shadowOpacity->setAccessibleName(u"Opacidad de la sombra"_s);
@@ -111,15 +114,16 @@ std::optional<CopySlot> TextPanel::editedSlot() const
 void TextPanel::buildStyle()
 {
     auto* layout = static_cast<PanelLayout*>(this->layout());
-    layout->addRow(m_header, 12);
+    layout->addRow(m_header, 8);
     layout->addRow({m_font, m_size}, 6);
-    layout->addRow({m_color, m_alignment}, 8);
-    layout->addRow({sectionTitle(u"Caja"_s, this), m_box}, 10);
+    layout->addRow(m_sizeNote, 2);
+    layout->addRow({m_color, m_alignment}, 2);
+    layout->addRow({sectionTitle(u"Caja"_s, this), m_box}, 8);
     layout->addRow({m_boxColor, m_boxOpacity, m_boxRadius}, 8);
     layout->addRow(sectionTitle(u"Sombra"_s, this), 12);
     layout->addRow({m_shadowColor, m_shadowOpacity, m_shadowBlur}, 10);
     layout->addRow({m_shadowDistance, m_shadowAngle}, 8);
-    layout->addRow(m_styles, 12);
+    layout->addRow(m_styles, 8);
     layout->addStretch(1);
 }
 
@@ -212,6 +216,12 @@ const TextLayer* TextPanel::selected() const
     return found == m_state.layers.cend() ? nullptr : &*found;
 }
 
+const QWidget* TextPanel::selectedCard() const
+{
+    const TextLayer* layer = selected();
+    return layer ? m_cards[std::size_t(layer->slot)] : nullptr;
+}
+
 const TextLayer* TextPanel::layerOf(CopySlot slot) const
 {
     const auto found = std::ranges::find(m_state.layers, slot, &TextLayer::slot);
@@ -238,19 +248,25 @@ void TextPanel::showCards()
 void TextPanel::showStyle()
 {
     const TextLayer* layer = selected();
-    // What is shown disabled, without a selection, are the usual values.
     const TextLayer shown = layer ? *layer : TextLayer();
     m_header->setTitle(layer ? u"Estilo de %1"_s.arg(row(layer->slot).displayName) : u"Estilo"_s);
     const int reached = layer ? m_state.reachedImages : 1;
     m_header->setReached(reached,
                          u"El estilo y la posición se aplican a las %1 imágenes seleccionadas. "
                          "El texto solo cambia en esta."_s.arg(reached));
-    m_font->setFontName(shown.fontName);
-    m_alignment->setCurrent(int(shown.alignment));
-    m_box->setChecked(shown.hasBox);
+    m_font->setFontName(layer ? shown.fontName : QString());
+    m_alignment->setCurrent(layer ? std::optional(int(shown.alignment)) : std::nullopt);
+    if (!layer)
+        m_alignment->setAccessibleName(u"Alineación"_s);
+    m_box->setChecked(layer && shown.hasBox);
+    const QString limit = m_state.sizeLimit && layer ? u"La caja limita el tamaño"_s : QString();
+    m_size->setLimit(layer ? m_state.sizeLimit : std::nullopt);
+    m_size->setAccessibleDescription(limit);
+    m_sizeNote->setText(limit);
 
     const TextLayerDesign usual(shown.slot);
     const auto showNumber = [&](SliderField* field, double TextLayerDesign::*number) {
+        field->setBlank(!layer);
         field->setDefault(usual.*number);
         field->setValue(shown.*number);
     };
@@ -263,7 +279,7 @@ void TextPanel::showStyle()
     showNumber(m_shadowAngle, &TextLayer::shadowAngle);
     const auto showColor = [&](Swatch* swatch, const CodableColor& color) {
         swatch->setOffers(m_state.colors);
-        swatch->setColor(color.withAlpha(1));
+        swatch->setColor(layer ? color.withAlpha(1) : QColor());
     };
     showColor(m_color, shown.foreground);
     showColor(m_boxColor, shown.background);
@@ -278,8 +294,9 @@ void TextPanel::showRefusals(bool hasBox)
     m_header->setCopyRefused(nothing);
     m_header->setPasteRefused(nothing.isEmpty() && !m_state.canPaste ? u"Copia antes un estilo."_s
                                                                      : nothing);
-    for (QWidget* widget : QList<QWidget*>{m_size, m_alignment, m_box})
+    for (QWidget* widget : QList<QWidget*>{m_alignment, m_box})
         setRefused(widget, nothing);
+    setRefused(m_size, nothing, m_size->accessibleDescription());
     setRefused(m_font, nothing, m_font->accessibleDescription());
     setRefused(m_color, nothing, m_color->accessibleName());
     const auto unlessBox = [&](const QString& reason) {

@@ -19,9 +19,10 @@ class Switch;
 struct TextPanelState {
     QString filename = {};
     QList<TextLayer> layers = {};
-    QList<TextWarning> warnings = {};    // about them
-    QUuid selectedLayer = {};            // a text or something else
-    int reachedImages = 1;               // by a change of style
+    QList<TextWarning> warnings = {};        // about them
+    QUuid selectedLayer = {};                // a text or something else
+    std::optional<double> sizeLimit = {};    // where the box lets the selected text be no larger
+    int reachedImages = 1;                   // by a change of style
     bool canPaste = false;
     ColorOffers colors = {};
     bool operator==(const TextPanelState&) const = default;
@@ -37,6 +38,7 @@ public:
     void setState(const TextPanelState& state);
     void editSlot(CopySlot slot);                  // its editor takes the focus, all text selected
     std::optional<CopySlot> editedSlot() const;    // whose editor has the focus
+    const QWidget* selectedCard() const;           // null without one
     StyleShelf* styles() const { return m_styles; }
     QList<QWidget*> focusOrder() const;
 
@@ -71,6 +73,7 @@ private:
     StyleHeader* m_header;
     FontField* m_font;
     SliderField* m_size;
+    Caption* m_sizeNote;
     Swatch* m_color;
     SegmentedControl* m_alignment;
     Switch* m_box;

@@ -56,6 +56,18 @@ protected:
     }
 };
 
+// The toolkit leaves out as much on both sides, and with it up to a letter's width beside the tick.
+QString middleElided(Type type, const QString& text, double width)
+{
+    const QString elided =
+        QFontMetricsF(fontOf(type)).elidedText(text, Qt::ElideMiddle, std::max(0.0, width));
+    const auto gap = elided.indexOf(u'…');
+    if (elided == text || gap < 0 || text.at(gap).isSurrogate())
+        return elided;
+    const QString longer = text.left(gap + 1) + elided.mid(gap);
+    return textWidth(type, longer) <= width ? longer : elided;
+}
+
 }    // namespace
 
 TileGrid::TileGrid(QWidget* parent) : QAbstractScrollArea(parent), m_ring(new GridRing(this))
@@ -557,7 +569,7 @@ void TileGrid::paintCaption(QPainter& painter, int index, const QRect& box) cons
               tile.current ? theme.text : theme.text2, number, Qt::ElideNone);
     line.setLeft(line.left() + std::ceil(textWidth(Type::captionSemibold, number)) + 5);
     paintText(painter, line, Qt::AlignLeft, Type::caption, tile.current ? theme.text : theme.text3,
-              tile.name, Qt::ElideMiddle);
+              middleElided(Type::caption, tile.name, line.width()), Qt::ElideNone);
 }
 
 // Where images will be, paler with every row.

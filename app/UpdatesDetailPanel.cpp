@@ -59,6 +59,7 @@ UpdatesDetailPanel::UpdatesDetailPanel(QWidget* parent)
     }
     connect(m_direct, &PushButton::clicked, this, [this] {
         form()->forget();
+        form()->attend(m_direct);
         Q_EMIT downloadRequested(m_download);
     });
     setLatest({}, {});
@@ -75,7 +76,10 @@ void UpdatesDetailPanel::setLatest(const std::optional<QString>& version,
     const QString latest = shownLine(version.value_or(QString()));
     m_latest->setText(latest.isEmpty() ? u"Sin datos"_s : latest);
     const bool isNewer = AppVersion::isRemoteVersionNewer(version);
-    if (isNewer)
+    if (latest.isEmpty())
+        m_state->setTexts(u"No se sabe si hay una versión nueva"_s,
+                          u"Tallerio no ha dado datos de la última versión."_s);
+    else if (isNewer)
         m_state->setTexts(u"Hay una versión nueva"_s,
                           u"Descárgala para tener las últimas mejoras."_s);
     else

@@ -17,7 +17,7 @@ UserAccountButton::UserAccountButton(QWidget* parent) : Control(parent)
     setAccount({}, 0);
 }
 
-void UserAccountButton::setAccount(const QString& name, int balance)
+void UserAccountButton::setAccount(const QString& name, qint64 balance)
 {
     const int before = sizeHint().width();
     m_name = shownLine(name);

@@ -8,7 +8,7 @@ class UserAccountButton final : public Control {
     Q_OBJECT
 public:
     explicit UserAccountButton(QWidget* parent = nullptr);
-    void setAccount(const QString& name, int balance);
+    void setAccount(const QString& name, qint64 balance);
     void setNameForm(NameForm form);
     QSize sizeHint() const override;
 
@@ -23,6 +23,6 @@ private:
     double textRoom() const;
 
     QString m_name;
-    int m_balance = 0;
+    qint64 m_balance = 0;
     NameForm m_form = NameForm::whole;
 };

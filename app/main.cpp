@@ -142,6 +142,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
 int main(int argc, char** argv)
 {
     settleAllocator();
+    ignoreRelativeFolders();
     qInstallMessageHandler(quietMessages);
     QStringList arguments;
     for (int i = 1; i < argc; ++i)

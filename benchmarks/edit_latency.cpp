@@ -33,7 +33,7 @@ struct Restyle {
         TextLayer title = session.batch().currentItem()->layers.first();
         title.fontScale = scales[std::size_t(++count) % scales.size()];
         title.cornerRadius = 10 + count % 90;
-        session.editLayer(title, {}, pace);
+        session.editLayer(title, LayerEdits::Copied::style, pace);
     }
 };
 

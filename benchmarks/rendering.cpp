@@ -81,7 +81,7 @@ void resampling(benchmark::State& state)
 {
     const QImage photo = noisyPhoto({3008, 2008});
     for ([[maybe_unused]] auto _ : state)
-        benchmark::DoNotOptimize(resampled(photo, {2022, 1350}, {471, 0, 1080, 1350}));
+        benchmark::DoNotOptimize(resampled(photo, QSize(2022, 1350), {471, 0, 1080, 1350}));
 }
 BENCHMARK(resampling)->Unit(benchmark::kMillisecond);
 

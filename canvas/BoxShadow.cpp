@@ -133,8 +133,7 @@ ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, c
     if (shown.isEmpty())
         return {};
     // A wide box is the same all along its middle: a short one is blurred and drawn out.
-    const double corner = std::min(cornerRadius, std::min(box.width(), box.height()) / 2);
-    if (const double end = corner + margin + 2;
+    if (const double end = cornerRadius + margin + 2;
         box.isValid() && sigma < widestFullBlur && end < widestEnd) {
         const Fold across = foldOf(box.width(), margin, int(std::ceil(end)));
         const Fold down = foldOf(box.height(), margin, int(std::ceil(end)));
@@ -158,8 +157,8 @@ ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, c
     const QRect part = shown.translated(-drawn.topLeft());
     if (reduction == 1)
         return {shown.topLeft(), tinted(alpha, part, color)};
-    return {shown.topLeft(),
-            resampled(tinted(alpha, alpha.rect(), color), alpha.size() * reduction, part)};
+    return {shown.topLeft(), resampled(tinted(alpha, alpha.rect(), color),
+                                       PixelRect(alpha.size() * reduction), part)};
 }
 
 struct ShadowKey {

@@ -14,8 +14,9 @@ struct ShadowPicture {
 // Standard deviations beyond which a blur is below 1/255.
 inline constexpr double blurReach = 3.2;
 
-// All in device pixels. The picture depends on the numbers alone and is remembered, because the
-// boxes of a batch are the same again and again. Any thread.
+// All in device pixels; `cornerRadius` at most half the box's shorter side. The picture depends on
+// the numbers alone and is remembered, because the boxes of a batch are the same again and again.
+// Any thread.
 ShadowPicture boxShadow(const QRectF& box, double cornerRadius, double sigma, const QColor& color,
                         const QRect& visible);
 

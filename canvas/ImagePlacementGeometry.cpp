@@ -1,11 +1,14 @@
 #include "canvas/ImagePlacementGeometry.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
 // Canvas pixels per photo pixel may not fall below this, whatever the zoom.
 constexpr double smallestScale = 0.1;
+// Pixels; a photo of one pixel's width and as long as one may be keeps below it.
+constexpr double furthestEdge = 1e12;
 
 double clampedOrigin(double origin, double length, double canvasOrigin, double canvasLength)
 {
@@ -51,4 +54,30 @@ ImagePlacement ImagePlacementGeometry::clamped(const ImagePlacement& placement, 
     result.offset.x = (rect.center().x() - canvas.width() / 2) / std::max(canvas.width(), 1.0);
     result.offset.y = (rect.center().y() - canvas.height() / 2) / std::max(canvas.height(), 1.0);
     return result;
+}
+
+std::optional<PixelRect> ImagePlacementGeometry::wholePixels(const QRectF& rect)
+{
+    const auto isUsable = [](double edge) { return std::abs(edge) <= furthestEdge; };
+    if (!(rect.width() > 0) || !(rect.height() > 0) || !isUsable(rect.left()) ||
+        !isUsable(rect.top()) || !isUsable(rect.right()) || !isUsable(rect.bottom()))
+        return std::nullopt;
+    const auto x = std::lround(rect.left()), y = std::lround(rect.top());
+    return PixelRect(x, y, std::max(std::lround(rect.right()) - x, 1L),
+                     std::max(std::lround(rect.bottom()) - y, 1L));
+}
+
+ImagePlacement ImagePlacementGeometry::moved(const ImagePlacement& current,
+                                             const ImagePlacement& wanted, QSizeF imageSize,
+                                             SocialFormat format)
+{
+    if (imageSize.isEmpty())
+        return {wanted.mode, wanted.zoom, current.offset};
+    const QSizeF canvas = exportSize(format);
+    const auto pixels = [&](const ImagePlacement& placement) {
+        return wholePixels(imageRect(imageSize, canvas, placement));
+    };
+    const bool isPan = wanted.mode == current.mode && wanted.zoom == current.zoom;
+    const ImagePlacement result = clamped(wanted, imageSize, canvas);
+    return isPan && pixels(result) == pixels(current) ? current : result;
 }

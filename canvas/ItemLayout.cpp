@@ -27,12 +27,20 @@ QRectF toPixels(const CodableRect& frame, QSizeF canvas)
             bounded(frame.width * canvas.width()), bounded(frame.height * canvas.height())};
 }
 
+// As round as a box gets: the toolkit would clamp the radius for each axis by itself and draw a
+// lens.
+double settledRadius(double cornerRadius, const QRectF& box)
+{
+    const double roundest = std::min(std::abs(box.width()), std::abs(box.height())) / 2;
+    return ExportCanvasRenderer::clamp(bounded(cornerRadius), 0, roundest);
+}
+
 QPainterPath outlineOf(const ShapeLayer& shape, const QRectF& rect, double scale)
 {
     QPainterPath path;
     switch (shape.kind) {
     case ShapeKind::rectangle: {
-        const double radius = std::max(bounded(shape.cornerRadius * scale), 0.0);
+        const double radius = settledRadius(shape.cornerRadius * scale, rect);
         path.addRoundedRect(rect, radius, radius);
         break;
     }
@@ -53,15 +61,27 @@ QPainterPath outlineOf(const ShapeLayer& shape, const QRectF& rect, double scale
     return path;
 }
 
+// How far the sharpest corner of a triangle's stroke reaches beyond its outline, in widths of the
+// stroke, measured along a side.
+double sharpestPoint(const QRectF& triangle)
+{
+    const double halfBase = std::abs(triangle.width()) / 2, height = std::abs(triangle.height());
+    const double apex = 2 * std::atan2(halfBase, height), base = std::atan2(height, halfBase);
+    return 0.5 / std::tan(std::min(apex, base) / 2);
+}
+
 LaidOutShape layOutShape(const ShapeLayer& shape, QSizeF canvas, double scale)
 {
     LaidOutShape result;
     result.source = shape;
-    result.outline = outlineOf(shape, toPixels(shape.frame, canvas), scale);
+    const QRectF rect = toPixels(shape.frame, canvas);
+    result.outline = outlineOf(shape, rect, scale);
     result.fill = shape.fill.withAlpha(shape.fillOpacity);
     result.stroke = shape.stroke.withAlpha(shape.strokeOpacity);
     if (shape.strokeWidth > leastStroke)
         result.strokeWidth = bounded(shape.strokeWidth * scale);
+    if (shape.kind == ShapeKind::triangle && sharpestPoint(rect) > plainMiterLimit)
+        result.miterLimit = sharpMiterLimit;
     return result;
 }
 
@@ -92,13 +112,18 @@ bool breakAlike(const TextLayer& one, const TextLayer& other)
            one.frame.width == other.frame.width && one.frame.height == other.frame.height;
 }
 
+QRectF textArea(const QRectF& box, double scale)
+{
+    const double inset = textInset * scale;
+    return box.adjusted(inset, inset, -inset, -inset);
+}
+
 // `known`: of the same scale.
 LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double scale,
                                  const QList<LaidOutTextLayer>& known)
 {
     const QRectF box = toPixels(layer.frame, canvas);
-    const double inset = textInset * scale;
-    const QRectF area = box.adjusted(inset, inset, -inset, -inset);
+    const QRectF area = textArea(box, scale);
     const auto same = std::ranges::find_if(
         known, [&](const LaidOutTextLayer& other) { return breakAlike(other.source, layer); });
     const LaidOutText text = same != known.end()
@@ -110,7 +135,7 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
 
     LaidOutTextLayer result{.source = layer,
                             .box = box,
-                            .cornerRadius = std::max(bounded(layer.cornerRadius * scale), 0.0),
+                            .cornerRadius = settledRadius(layer.cornerRadius * scale, box),
                             .fill = std::nullopt,
                             .shadow = layOutShadow(layer, scale),
                             .text = text,
@@ -147,10 +172,21 @@ ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF referen
     return layout;
 }
 
+std::optional<double> fontScaleInBox(const TextLayer& layer, QSizeF outputSize, QSizeF reference)
+{
+    const double scale = ExportCanvasRenderer::designScale(outputSize, reference);
+    const QSizeF area = textArea(toPixels(layer.frame, outputSize), scale).size();
+    const double wanted = ExportCanvasRenderer::wantedFontSize(layer, area, scale);
+    const double fitted = ExportCanvasRenderer::fittedFontSize(layer, area, scale);
+    if (!(fitted < wanted))
+        return std::nullopt;
+    return layer.fontScale * fitted / wanted;
+}
+
 QRectF extentOf(const LaidOutShape& shape)
 {
-    // A pointed corner of a stroke reaches two widths out at most.
-    const double reach = 2.5 * shape.strokeWidth;
+    // From the side of the stroke, half a width off the outline.
+    const double reach = (shape.miterLimit + 0.5) * shape.strokeWidth;
     return shape.outline.controlPointRect().adjusted(-reach, -reach, reach, reach);
 }
 

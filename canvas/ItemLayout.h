@@ -9,6 +9,10 @@
 #include <QRectF>
 #include <QSize>
 
+// How far the point of a stroked corner may reach, in widths of the stroke: a sharper corner is cut
+// there. The plain one leaves right angles whole.
+inline constexpr double plainMiterLimit = 2, sharpMiterLimit = 10;
+
 // A shape ready to paint, in canvas pixels.
 struct LaidOutShape {
     ShapeLayer source;
@@ -16,6 +20,7 @@ struct LaidOutShape {
     QColor fill;
     QColor stroke;
     double strokeWidth = 0;    // 0: no stroke
+    double miterLimit = plainMiterLimit;
 };
 
 // A shadow under a rounded box, in canvas pixels.
@@ -29,7 +34,7 @@ struct LaidOutShadow {
 struct LaidOutTextLayer {
     TextLayer source;
     QRectF box;
-    double cornerRadius = 0;
+    double cornerRadius = 0;       // at most half the box's shorter side
     std::optional<QColor> fill;    // of the box, where there is one
     std::optional<LaidOutShadow> shadow;
     LaidOutText text;
@@ -55,6 +60,10 @@ struct ItemLayout {
 // item before an edit.
 ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF reference,
                   const ItemLayout& known = {});
+
+// The font scale at which the layer's type is as large as its box lets it be; nothing where it
+// wants no more than that.
+std::optional<double> fontScaleInBox(const TextLayer& layer, QSizeF outputSize, QSizeF reference);
 
 // What painting them may touch at most, in canvas pixels.
 QRectF extentOf(const LaidOutShape& shape);

@@ -1,29 +1,13 @@
 #include "canvas/ItemPainter.h"
 
 #include "canvas/BoxShadow.h"
+#include "canvas/ImagePlacementGeometry.h"
 #include "canvas/PhotoResampler.h"
 
 #include <QPainter>
 #include <QPen>
 
-#include <cmath>
-
 namespace {
-
-// A photo that reaches further, in pixels, shows one colour at most.
-constexpr double largestPlace = 1e8;
-
-// Rounded by its edges, so that neighbours meet; nothing of an extent keeps one pixel.
-std::optional<QRect> wholePixels(const QRectF& rect)
-{
-    const auto isUsable = [](double edge) { return std::abs(edge) <= largestPlace; };
-    if (!(rect.width() > 0) || !(rect.height() > 0) || !isUsable(rect.left()) ||
-        !isUsable(rect.top()) || !isUsable(rect.right()) || !isUsable(rect.bottom()))
-        return std::nullopt;
-    const auto x = std::lround(rect.left()), y = std::lround(rect.top());
-    return QRect(int(x), int(y), int(std::max(std::lround(rect.right()) - x, 1L)),
-                 int(std::max(std::lround(rect.bottom()) - y, 1L)));
-}
 
 QRect devicePixels(const QPainter& painter)
 {
@@ -34,8 +18,9 @@ void paintShape(QPainter& painter, const LaidOutShape& shape)
 {
     painter.fillPath(shape.outline, shape.fill);
     if (shape.strokeWidth > 0) {
-        painter.strokePath(shape.outline, QPen(shape.stroke, shape.strokeWidth, Qt::SolidLine,
-                                               Qt::FlatCap, Qt::MiterJoin));
+        QPen pen(shape.stroke, shape.strokeWidth, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin);
+        pen.setMiterLimit(shape.miterLimit);
+        painter.strokePath(shape.outline, pen);
     }
 }
 
@@ -97,16 +82,16 @@ double pictureScale(const ItemLayout& layout, QSize pixels)
 std::optional<PhotoPlace> photoPlace(const ItemLayout& layout, QSize pixels)
 {
     const double scale = pictureScale(layout, pixels);
-    const auto whole = wholePixels(QTransform::fromScale(scale, scale).mapRect(layout.photoRect));
+    const auto whole = ImagePlacementGeometry::wholePixels(
+        QTransform::fromScale(scale, scale).mapRect(layout.photoRect));
     if (!whole)
         return std::nullopt;
-    return PhotoPlace{*whole,
-                      whole->intersected(QRect(QPoint(), pixels)).translated(-whole->topLeft())};
+    return PhotoPlace{*whole, whole->intersected(QRect(QPoint(), pixels))};
 }
 
 ResampledPhoto resampledPhoto(const QImage& photo, const PhotoPlace& place)
 {
-    return {photo.cacheKey(), place, resampled(photo, place.whole.size(), place.shown)};
+    return {photo.cacheKey(), place, resampled(photo, place.whole, place.shown)};
 }
 
 void paintItem(QImage& picture, const ItemLayout& layout, const ResampledPhoto& photo,
@@ -117,7 +102,7 @@ void paintItem(QImage& picture, const ItemLayout& layout, const ResampledPhoto& 
     painter.fillRect(part, Qt::black);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
                            QPainter::SmoothPixmapTransform);
-    painter.drawImage(photo.place.whole.topLeft() + photo.place.shown.topLeft(), photo.image);
+    painter.drawImage(photo.place.shown.topLeft(), photo.image);
     if (const double scale = pictureScale(layout, picture.size()); scale != 1)
         painter.scale(scale, scale);
     const auto shows = [&](const auto& layer) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "canvas/ItemLayout.h"
+#include "canvas/PixelRect.h"
 
 #include <QImage>
 #include <QRect>
@@ -10,8 +11,8 @@
 
 // Where a photo falls on a picture, in device pixels.
 struct PhotoPlace {
-    QRect whole;    // reaches beyond the picture where the photo is enlarged
-    QRect shown;    // its part on the picture, from the corner of `whole`
+    PixelRect whole;    // reaches beyond the picture where the photo is enlarged
+    QRect shown;        // its part on the picture
     bool operator==(const PhotoPlace&) const = default;
 };
 

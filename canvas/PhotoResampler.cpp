@@ -38,16 +38,16 @@ struct Taps {
     int sourceBegin = 0, sourceEnd = 0;
 };
 
-Taps tapsFor(int source, int target, int begin, int end)
+Taps tapsFor(int source, qint64 target, qint64 begin, qint64 end)
 {
-    const double ratio = double(source) / target;
+    const double ratio = double(source) / double(target);
     const double widening = std::max(ratio, 1.0);
     const double support = 2 * widening;
     Taps taps;
     taps.sourceBegin = source;
     std::vector<double> share;
-    for (int i = begin; i < end; ++i) {
-        const double centre = (i + 0.5) * ratio - 0.5;
+    for (qint64 i = begin; i < end; ++i) {
+        const double centre = (double(i) + 0.5) * ratio - 0.5;
         const int low = int(std::ceil(centre - support)), high = int(std::floor(centre + support));
         const int first = std::clamp(low, 0, source - 1), last = std::clamp(high, 0, source - 1);
         const int length = last - first + 1;
@@ -181,9 +181,9 @@ void limitToOpacity(QRgb* row, int width)
 
 }    // namespace
 
-QImage resampled(const QImage& source, QSize target, QRect window)
+QImage resampled(const QImage& source, const PixelRect& place, QRect window)
 {
-    window = window.intersected(QRect(QPoint(), target));
+    window = place.intersected(window);
     if (source.isNull() || window.isEmpty())
         return {};
     const bool opaque = source.format() == QImage::Format_RGB32;
@@ -193,8 +193,9 @@ QImage resampled(const QImage& source, QSize target, QRect window)
     if (result.isNull())
         return {};
 
-    const Taps columns = tapsFor(pixels.width(), target.width(), window.left(), window.right() + 1);
-    const Taps lines = tapsFor(pixels.height(), target.height(), window.top(), window.bottom() + 1);
+    const qint64 fromLeft = window.x() - place.x, fromTop = window.y() - place.y;
+    const Taps columns = tapsFor(pixels.width(), place.width, fromLeft, fromLeft + window.width());
+    const Taps lines = tapsFor(pixels.height(), place.height, fromTop, fromTop + window.height());
     const int left = columns.sourceBegin * 4;
     const int bytes = columns.sourceEnd * 4 - left;
     // One pixel more than needed: pairwise sums read it, with weight 0.

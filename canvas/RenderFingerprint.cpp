@@ -12,6 +12,7 @@
 #include <QRawFont>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 #include <utility>
@@ -49,6 +50,14 @@ public:
         add(rect.bottomRight());
     }
     void add(const QRect& rect) { m_stream << rect; }
+    // As a QRect wherever it fits one.
+    void add(const PixelRect& rect)
+    {
+        const std::array edges{rect.x, rect.y, rect.x + rect.width - 1, rect.y + rect.height - 1};
+        const bool fits = std::ranges::all_of(edges, std::in_range<qint32, qint64>);
+        for (const qint64 edge : edges)
+            fits ? m_stream << qint32(edge) : m_stream << edge;
+    }
     void add(quint32 number) { m_stream << number; }
     // With all that the painter may use of it, and as it is before any blending.
     void add(const QColor& color) { m_stream << quint64(color.rgba64()); }
@@ -109,29 +118,29 @@ void describeShape(Description& description, const LaidOutShape& shape)
         description.begin(Part::stroke);
         description.add(shape.stroke);
         description.add(shape.strokeWidth);
+        if (shape.miterLimit != plainMiterLimit)
+            description.add(shape.miterLimit);
         description.add(shape.outline);
     }
 }
 
 void describeBox(Description& description, const LaidOutTextLayer& layer, QSize canvas)
 {
-    // Rounder than half of the longer side is as round as it gets.
     const QRectF box = layer.box.normalized();
-    const double radius = std::min(layer.cornerRadius, std::max(box.width(), box.height()) / 2);
     if (layer.shadow && !isTransparent(layer.shadow->color) && isSeen(extentOf(layer), canvas)) {
         description.begin(Part::shadow);
         description.add(layer.shadow->color);
         description.add(settled(layer.shadow->offset));
         description.add(layer.shadow->sigma);
         description.add(layer.box);
-        description.add(radius);
+        description.add(layer.cornerRadius);
     }
     if (layer.fill && !isTransparent(*layer.fill) && isSeen(box, canvas)) {
         description.begin(Part::box);
         description.add(quint32(layer.shadow ? 2 : 1));    // times that it is filled
         description.add(*layer.fill);
         description.add(layer.box);
-        description.add(radius);
+        description.add(layer.cornerRadius);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <QFontMetricsF>
 #include <QHash>
 #include <QMutex>
+#include <QRawFont>
 
 #include <algorithm>
 #include <array>
@@ -127,21 +128,28 @@ class ImpossibleSizes {
 public:
     ImpossibleSizes(const TextLayer& layer, QSizeF area) : m_area(area)
     {
-        StyledText unit = ExportCanvasRenderer::styledText(layer, DesignFont::designPixelSize);
+        const StyledText unit =
+            ExportCanvasRenderer::styledText(layer, DesignFont::designPixelSize);
         const LaidOutText oneLine(unit, 1e9);
         const QFontMetricsF metrics(unit.font.face);
         m_widest = oneLine.narrowestWidth();
-        // A line all in another font, as emoji are, may be lower than the text's own.
-        const bool isLatin =
-            std::ranges::all_of(layer.text, [](QChar c) { return c < QChar(0x250); });
-        m_lineHeight = (metrics.ascent() + metrics.descent()) * (isLatin ? 1.0 : 0.6);
+        m_lineHeight = metrics.ascent() + metrics.descent();
+        double blank = metrics.horizontalAdvance(u' ');
+        // A line may be all in another font, as emoji are, with its blanks.
+        for (const QGlyphRun& run : oneLine.glyphRuns()) {
+            const QRawFont font = run.rawFont();
+            m_lineHeight = std::min(m_lineHeight, font.ascent() + font.descent());
+            const QList<quint32> glyphs = font.glyphIndexesForString(u" "_s);
+            for (const QPointF& advance : font.advancesForGlyphIndexes(glyphs))
+                blank = std::max(blank, advance.x());
+        }
         m_isEmpty = layer.text.isEmpty();
         // A line may swallow the blank it breaks at; of other blanks the width is not known.
         const bool hasPlainBlanks = std::ranges::all_of(
             layer.text, [](QChar c) { return c == u' ' || c == u'\n' || !c.isSpace(); });
         if (hasPlainBlanks) {
             const double blanks = double(layer.text.count(u' '));
-            m_ink = oneLine.naturalWidth() - blanks * metrics.horizontalAdvance(u' ');
+            m_ink = oneLine.naturalWidth() - blanks * blank;
         }
     }
 
@@ -192,19 +200,24 @@ bool ExportCanvasRenderer::fits(QSizeF measured, QSizeF area)
            measured.height() <= area.height() + fitTolerance;
 }
 
+double ExportCanvasRenderer::wantedFontSize(const TextLayer& layer, QSizeF area, double designScale)
+{
+    const SlotType& type = typeOf(layer.slot);
+    const double base = std::min(area.height() * type.heightShare, area.width() * type.widthShare);
+    return clamp(base * layer.fontScale, smallestType * designScale, largestType * designScale);
+}
+
 LaidOutText ExportCanvasRenderer::fittedText(const TextLayer& layer, QSizeF area,
                                              double designScale)
 {
-    const double lower = smallestType * designScale, upper = largestType * designScale;
+    const double lower = smallestType * designScale;
     // Measuring knows no text in a width of 1 or less, but what does not fit is drawn all the same.
     const auto smallest = [&] {
         return LaidOutText(styledText(layer, lower), std::max(area.width(), 2.0));
     };
     if (!(area.width() > 8) || !(area.height() > 8))
         return smallest();
-    const SlotType& type = typeOf(layer.slot);
-    const double base = std::min(area.height() * type.heightShare, area.width() * type.widthShare);
-    const double start = clamp(base * layer.fontScale, lower, upper);
+    const double start = wantedFontSize(layer, area, designScale);
     const double step = std::max(1.0, designScale);
     const ImpossibleSizes impossible(layer, area);
 

@@ -24,6 +24,8 @@ constexpr double clamp(double value, double lower, double upper)
 // is not installed, Inter in the slot's weight.
 DesignFont nsFont(const TextLayer& layer, double size);
 
+// The slot's share of the area at the layer's own scale: what fitting starts from.
+double wantedFontSize(const TextLayer& layer, QSizeF area, double designScale);
 // The largest size, in steps of max(1, designScale) down from the slot's share of the area, at
 // which the text fits; the lower bound when none does.
 double fittedFontSize(const TextLayer& layer, QSizeF area, double designScale);

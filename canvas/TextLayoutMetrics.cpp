@@ -23,32 +23,48 @@ bool isColourEmoji(QStringView cluster)
 {
     if (cluster.contains(asEmoji))
         return true;
-    const char32_t first = cluster.size() > 1 && cluster.front().isHighSurrogate()
-                               ? QChar::surrogateToUcs4(cluster[0], cluster[1])
-                               : cluster.front().unicode();
-    return u_hasBinaryProperty(UChar32(first), UCHAR_EMOJI_PRESENTATION) &&
-           !cluster.contains(asText);
+    const QList<uint> characters = cluster.toUcs4();
+    const auto isPresented = [](uint c) {
+        return u_hasBinaryProperty(UChar32(c), UCHAR_EMOJI_PRESENTATION);
+    };
+    // A plain sign in front is coloured by what follows it, as a hand is by its skin.
+    const bool isPicture =
+        isPresented(characters.first()) ||
+        (u_hasBinaryProperty(UChar32(characters.first()), UCHAR_EXTENDED_PICTOGRAPHIC) &&
+         std::ranges::any_of(characters, isPresented));
+    return isPicture && !cluster.contains(asText);
 }
+
+struct LayoutText {
+    QString text;
+    QList<QTextLayout::FormatRange> emoji;    // clusters of the text in the emoji font
+};
 
 // Left to itself the layout takes an emoji from any font that has it, which is often a plain black
 // one, and stays in the text's own font for one that asks for colour by U+FE0F. Naming the emoji
-// font for these clusters gives colour.
-QList<QTextLayout::FormatRange> colourEmojiFormats(const QString& text)
+// font for these clusters gives colour. The font has no glyph for U+FE0F itself, whose glyph from
+// another font would part a sequence in two: it is left out before the last character of one.
+LayoutText withColourEmoji(const QString& text)
 {
     if (std::ranges::none_of(text, [](QChar c) { return c >= firstEmoji; }))
-        return {};
+        return {text, {}};
     QTextCharFormat format;
     format.setFontFamilies({u"Noto Color Emoji"_s});
-    QList<QTextLayout::FormatRange> ranges;
+    LayoutText result;
     QTextBoundaryFinder clusters(QTextBoundaryFinder::Grapheme, text);
     qsizetype start = 0;
     while (clusters.toNextBoundary() != -1) {
         const qsizetype end = clusters.position();
-        if (isColourEmoji(QStringView(text).mid(start, end - start)))
-            ranges.append({int(start), int(end - start), format});
+        QString cluster = text.mid(start, end - start);
+        if (isColourEmoji(cluster)) {
+            const QChar last = cluster.back();
+            cluster = cluster.chopped(1).remove(asEmoji) + last;
+            result.emoji.append({int(result.text.size()), int(cluster.size()), format});
+        }
+        result.text += cluster;
         start = end;
     }
-    return ranges;
+    return result;
 }
 
 // Line breaks as the layout knows them.
@@ -111,31 +127,46 @@ LaidOutText::LaidOutText(const StyledText& text, double width) : m_scale(text.fo
 {
     if (!(width > 1) || text.text.isEmpty() || !(m_scale > 0))
         return;
-    const QString lines = withLineSeparators(text.text);
-    m_layout = std::make_shared<QTextLayout>(lines, text.font.face);
-    QTextOption option(qtAlignment(text.alignment));
+    const LayoutText lines = withColourEmoji(withLineSeparators(text.text));
+    m_layout = std::make_shared<QTextLayout>(lines.text, text.font.face);
+    // A justified line measures the whole width, which would never fit once it is rounded up.
+    QTextOption option(qtAlignment(LayerTextAlignment::leading));
+    option.setTextDirection(Qt::LayoutDirectionAuto);    // and not that of the program's language
     option.setWrapMode(QTextOption::WordWrap);
     option.setUseDesignMetrics(true);
     m_layout->setTextOption(option);
-    m_layout->setFormats(colourEmojiFormats(lines));
+    m_layout->setFormats(lines.emoji);
     m_layout->setCacheEnabled(true);
 
     // The layout counts in 1/64 of a pixel in 32 bits.
     const double designWidth = std::min(width / m_scale, 1e7);
     double y = 0;
-    QRectF used;
     m_layout->beginLayout();
     for (QTextLine line = m_layout->createLine(); line.isValid(); line = m_layout->createLine()) {
         line.setLeadingIncluded(true);
         line.setLineWidth(designWidth);
         line.setPosition({0, y});
         y += line.height();
+    }
+    m_layout->endLayout();
+    m_measured = m_used = linesRect();
+    if (text.alignment == LayerTextAlignment::leading)
+        return;
+    option.setAlignment(qtAlignment(text.alignment));
+    m_layout->setTextOption(option);
+    m_used = linesRect();
+}
+
+QRectF LaidOutText::linesRect() const
+{
+    QRectF used;
+    for (int i = 0; i < lineCount(); ++i) {
+        const QTextLine line = m_layout->lineAt(i);
         QRectF natural = line.naturalTextRect();
         natural.setHeight(line.height());
         used = used.isNull() ? natural : used.united(natural);
     }
-    m_layout->endLayout();
-    m_used = QRectF(used.topLeft() * m_scale, used.size() * m_scale);
+    return {used.topLeft() * m_scale, used.size() * m_scale};
 }
 
 QList<QRectF> LaidOutText::letterBands() const
@@ -169,6 +200,13 @@ QList<QGlyphRun> LaidOutText::glyphRuns() const
     return m_layout ? m_layout->glyphRuns() : QList<QGlyphRun>();
 }
 
+bool LaidOutText::lacksGlyphs() const
+{
+    return std::ranges::any_of(glyphRuns(), [](const QGlyphRun& run) {
+        return run.glyphIndexes().contains(0);    // stands for a missing one in every font
+    });
+}
+
 bool LaidOutText::isBold() const
 {
     return m_layout && QRawFont::fromFont(m_layout->font()).weight() >= QFont::Bold;
@@ -187,7 +225,7 @@ void LaidOutText::draw(QPainter& painter, QPointF topLeft) const
 
 QRectF TextLayoutMetrics::measuredRect(const StyledText& text, double width)
 {
-    return LaidOutText(text, width).usedRect();
+    return LaidOutText(text, width).measuredRect();
 }
 
 QSizeF TextLayoutMetrics::measuredSize(const StyledText& text, double width)
@@ -197,7 +235,7 @@ QSizeF TextLayoutMetrics::measuredSize(const StyledText& text, double width)
 
 QSizeF TextLayoutMetrics::measuredSize(const LaidOutText& text)
 {
-    return {std::ceil(text.usedRect().width()), std::ceil(text.usedRect().height())};
+    return {std::ceil(text.measuredRect().width()), std::ceil(text.measuredRect().height())};
 }
 
 QRectF TextLayoutMetrics::verticallyCenteredRect(const StyledText& text, const QRectF& box)

@@ -29,13 +29,16 @@ struct StyledText {
     LayerTextAlignment alignment = LayerTextAlignment::leading;
 };
 
-// Lines of a text in a width: word wrapping, no padding, no limit on the lines.
+// Lines of a text in a width: word wrapping, no padding, no limit on the lines. They are broken and
+// measured flush left and aligned when drawn, so that alignment never changes a size. A text runs
+// in its own direction, by its first letter that has one.
 class LaidOutText {
 public:
     LaidOutText(const StyledText& text, double width);
 
-    // The used rectangle, in canvas pixels, origin at the top left of the first line's box; empty
-    // for an empty text or a width of 1 or less.
+    // The used rectangle flush left, and where it is drawn; canvas pixels, origin at the top left
+    // of the first line's box. Empty for an empty text or a width of 1 or less.
+    QRectF measuredRect() const { return m_measured; }
     QRectF usedRect() const { return m_used; }
     double fontSize() const { return m_scale * DesignFont::designPixelSize; }    // canvas pixels
     int lineCount() const { return m_layout ? m_layout->lineCount() : 0; }
@@ -46,6 +49,8 @@ public:
     // What is drawn, in pixels of the design size from the top left of the box. On the thread that
     // made the layout.
     QList<QGlyphRun> glyphRuns() const;
+    // A character of it is in no installed font. On the thread that made the layout.
+    bool lacksGlyphs() const;
     bool isBold() const;    // by the face that is drawn, whatever its name says
     // Paints with the painter's pen colour; `topLeft` is that of the box. On the thread that made
     // the layout.
@@ -56,9 +61,11 @@ public:
     double narrowestWidth() const { return m_layout ? m_layout->minimumWidth() * m_scale : 0; }
 
 private:
+    QRectF linesRect() const;    // as they are aligned now
+
     std::shared_ptr<QTextLayout> m_layout;
     double m_scale = 1;
-    QRectF m_used;
+    QRectF m_measured, m_used;
 };
 
 namespace TextLayoutMetrics {

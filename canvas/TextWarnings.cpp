@@ -109,12 +109,13 @@ JudgedPicture judgedItem(const ItemLayout& layout, QSize pixels, const QImage& p
         TextWarning warning{.layer = layer.source.id,
                             .slot = layer.source.slot,
                             .overflows = layer.overflows,
+                            .lacksGlyphs = layer.text.lacksGlyphs(),
                             .contrast = std::nullopt,
                             .leastContrast = leastContrast(layer.text, layout.scale)};
         const auto contrast = contrasts.constFind(&layer);
         if (contrast != contrasts.cend() && *contrast < warning.leastContrast)
             warning.contrast = std::floor(*contrast * 10) / 10;
-        if (warning.overflows || warning.contrast)
+        if (warning.overflows || warning.lacksGlyphs || warning.contrast)
             judged.warnings.append(warning);
     }
     return judged;

@@ -7,6 +7,7 @@ struct TextWarning {
     QUuid layer;
     CopySlot slot = CopySlot::title;
     bool overflows = false;            // the smallest type does not fit the box
+    bool lacksGlyphs = false;          // no installed font has one of its characters
     std::optional<double> contrast;    // where it is too low; in tenths, rounded down
     double leastContrast = 0;          // for type of its size
     bool operator==(const TextWarning&) const = default;

@@ -1,5 +1,6 @@
 #include "cli/AccountCommands.h"
 
+#include "account/AccountChecks.h"
 #include "account/PurchaseTexts.h"
 #include "cli/AccountConnection.h"
 #include "cli/CommandLine.h"
@@ -8,6 +9,7 @@
 
 #include <QCommandLineParser>
 #include <QCoroTask>
+#include <QStringDecoder>
 
 using namespace Qt::StringLiterals;
 
@@ -16,7 +18,7 @@ namespace {
 struct AccountLine {
     QString name;
     std::optional<QString> email;
-    int balance = 0;
+    qint64 balance = 0;
 };
 
 struct PurchaseLine {
@@ -83,11 +85,18 @@ public:
         print(stderr, u"moltiva %1: %2"_s.arg(m_name, sentence));
         return status;
     }
+    // Why an action of the session was not done.
+    int failed(const AccountSession& session) const
+    {
+        return failed(session.message(), session.isUnreachable() ? exitNoNetwork
+                                         : session.needsSignIn() ? exitNotSignedIn
+                                                                 : exitSomeFailed);
+    }
     // How an action of the session ended.
     int ended(const AccountSession& session, bool done) const
     {
         if (!done)
-            return failed(session.message());
+            return failed(session);
         print(stdout, session.message());
         return exitDone;
     }
@@ -103,9 +112,16 @@ enum class SecretUse { known, chosen };
 // A password that is being chosen is asked for twice where its typing cannot be seen.
 std::optional<QString> askedPassword(const AccountCommand& command, SecretUse use)
 {
-    std::optional<QString> password = readSecret(u"Contraseña: "_s);
+    const std::optional<QByteArray> password = readSecret(u"Contraseña: "_s);
     if (!password || password->isEmpty()) {
         command.failed(u"falta la contraseña, o es demasiado larga."_s);
+        return std::nullopt;
+    }
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(*password);
+    // What cannot be read would make different passwords the same.
+    if (decoder.hasError()) {
+        command.failed(u"la contraseña no está escrita en UTF-8."_s);
         return std::nullopt;
     }
     if (use == SecretUse::chosen && isTerminal(stdin) &&
@@ -113,7 +129,7 @@ std::optional<QString> askedPassword(const AccountCommand& command, SecretUse us
         command.failed(u"las contraseñas no coinciden."_s);
         return std::nullopt;
     }
-    return password;
+    return text;
 }
 
 void tellOfRefund(const QString& sentence)
@@ -132,14 +148,24 @@ int runSignIn(AccountCommand command, SignIn signIn, SecretUse use, const QStrin
         return *status;
     if (!command.parser().isSet(email))
         return command.wrongUse(u"falta --email."_s);
+    const QString address = command.parser().value(email);
     const std::optional<QString> password = askedPassword(command, use);
     if (!password)
         return exitSomeFailed;
+    if (const CheckResult failure = use == SecretUse::chosen
+                                        ? checkRegistration(address, *password, *password)
+                                        : checkLogin(address, *password))
+        return command.wrongUse(failure->sentence);
     AccountConnection connection(configuration, &tellOfRefund);
     AccountSession& session = connection.session();
-    const bool done = QCoro::waitFor((session.*signIn)(command.parser().value(email), *password));
+    const bool done = QCoro::waitFor((session.*signIn)(address, *password));
     const int status = command.ended(session, done);
+    const QString reason = connection.preferences().reason();
     connection.settle();
+    if (done && !connection.isSessionKept()) {
+        return command.failed(u"la sesión no se ha podido guardar: %1. La próxima orden tendrá que "
+                              "iniciarla de nuevo."_s.arg(reason));
+    }
     return status;
 }
 
@@ -184,10 +210,10 @@ int runAccount(const QStringList& arguments, const ServiceConfiguration& configu
     AccountConnection connection(configuration, &tellOfRefund);
     AccountSession& session = connection.session();
     if (!QCoro::waitFor(session.bootstrap()))
-        return command.failed(session.message());
+        return command.failed(session);
     connection.settle();
     if (!session.isAuthenticated())
-        return command.failed(u"Necesitas iniciar sesión."_s);
+        return command.failed(u"Necesitas iniciar sesión."_s, exitNotSignedIn);
     const AccountLine line{session.displayName(), session.account().profile->email,
                            session.account().balance};
     if (command.parser().isSet(json)) {
@@ -209,7 +235,7 @@ int runHistory(const QStringList& arguments, const ServiceConfiguration& configu
     AccountConnection connection(configuration, &tellOfRefund);
     AccountSession& session = connection.session();
     if (!QCoro::waitFor(session.refreshPurchaseHistory()))
-        return command.failed(session.message());
+        return command.failed(session);
     const QList<PurchaseHistoryItem>& purchases = session.purchaseHistory();
     for (const PurchaseHistoryItem& each : purchases) {
         const PurchaseLine line{each.id, each.kind, each.detail, each.createdAt, each.amountCents};

@@ -11,11 +11,16 @@ AccountConnection::AccountConnection(const ServiceConfiguration& configuration,
     : m_account(configuration, m_preferences, userDataFolder(),
                 {.openInBrowser = [](const QUrl&) { return false; }})
 {
-    const auto tellOfRefund = [tell](int credits, const QString& what) {
-        tell(u"Se han devuelto %1 créditos: %2 no llegó a terminar."_s.arg(QString::number(credits),
-                                                                           printable(what)));
-    };
-    QObject::connect(&journal(), &CreditJournal::refunded, &journal(), tellOfRefund);
+    if (const QString problem = m_preferences.takeProblem(); !problem.isEmpty())
+        tell(problem);
+    QObject::connect(&journal(), &CreditJournal::refunded, &journal(),
+                     [tell](qint64 credits, const QString& what) {
+                         tell(refundSentence(credits, printable(what)));
+                     });
+    QObject::connect(&journal(), &CreditJournal::lost, &journal(),
+                     [tell](qint64 credits, const QString& what) {
+                         tell(lossSentence(credits, printable(what)));
+                     });
 }
 
 void AccountConnection::settle()

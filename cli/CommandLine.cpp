@@ -68,7 +68,9 @@ bool isCommandLine(const QStringList& arguments)
     return commandNamed(first) || (!QFileInfo::exists(first) && !address.match(first).hasMatch());
 }
 
-int runCommandLine(const QStringList& arguments, const ServiceConfiguration& configuration)
+namespace {
+
+int runNamed(const QStringList& arguments, const ServiceConfiguration& configuration)
 {
     const QString first = arguments.value(0);
     if (const Command* command = commandNamed(first))
@@ -83,4 +85,16 @@ int runCommandLine(const QStringList& arguments, const ServiceConfiguration& con
     }
     print(stderr, u"moltiva: no conozco «%1». Prueba «moltiva --help»."_s.arg(first));
     return exitWrongUse;
+}
+
+}    // namespace
+
+int runCommandLine(const QStringList& arguments, const ServiceConfiguration& configuration)
+{
+    const int status = runNamed(arguments, configuration);
+    // A full disk, for instance. What was printed before is lost as well.
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout))
+        return status;
+    print(stderr, u"moltiva: no se pudo escribir el resultado en la salida estándar."_s);
+    return status == exitDone ? exitSomeFailed : status;
 }

@@ -34,6 +34,7 @@ QUuid itemId(const QString& file, int occurrence)
 struct PreparedBatch {
     PublicationItems items;
     QStringList destinations;    // one an item
+    bool lacksTexts = false;     // none of those that were given fits a photo
 };
 
 QStringList pathsOf(const QList<QUrl>& photos)
@@ -76,6 +77,12 @@ public:
         if (!imported)
             return ended(stopped(), pathsOf(m_options.photos));
         const PreparedBatch batch = prepared(imported->items);
+        if (batch.lacksTexts) {
+            m_report.withoutTexts();
+            ExportOutcome outcome;
+            outcome.state = ExportOutcome::State::notPrepared;
+            return ended(outcome, photosOf(batch));
+        }
         const auto price = priceOf(batch.items);
         if (!price)
             return ended(stopped(), photosOf(batch));
@@ -88,7 +95,7 @@ public:
             return exitSomeFailed;
         }
         m_report.price(*price);
-        return exported(batch);
+        return exported(batch, *price);
     }
 
 private:
@@ -103,7 +110,7 @@ private:
         refused.state = ExportOutcome::State::notReserved;
         refused.refusal = session.isUnreachable() ? Refusal::unreachable : Refusal::other;
         refused.reason = session.message();
-        if (!session.isProblem()) {
+        if (session.needsSignIn()) {
             refused.refusal = Refusal::signedOut;
             refused.reason = u"Necesitas iniciar sesión: «moltiva login --email EMAIL», o «moltiva "
                              "register --email EMAIL» si aún no tienes cuenta."_s;
@@ -145,11 +152,13 @@ private:
         PublicationItems asked;
         for (const QUrl& photo : photos)
             asked.append(PublicationItem::make(photo, {}));
-        const SheetMatch texts = matchRows(m_options.texts, asked);
+        const TextSheet sheet = m_options.texts.value_or(TextSheet());
+        const SheetMatch texts = matchRows(sheet, asked);
         for (const RowProblem& problem : texts.problems)
             m_report.rowFailed(problem);
 
         PreparedBatch batch;
+        batch.lacksTexts = m_options.texts && texts.filledImages() == 0;
         QHash<QString, int> occurrences;    // by file
         qsizetype next = 0;                 // of the accepted ones, which are in the same order
         for (qsizetype i = 0; i < photos.size(); ++i) {
@@ -163,7 +172,7 @@ private:
             item.id = itemId(file, occurrences[file]++);
             item.paidRenderFingerprints = paid;
             if (const auto row = texts.rowOfImage[i])
-                fillTexts(item, m_options.texts.rows[*row]);
+                fillTexts(item, sheet.rows[*row]);
             if (m_options.design)
                 m_options.design(item);
             if (!paths[i].endsWith(filenameOf(photos[i]) + u"-publicacion.png"_s))
@@ -190,7 +199,7 @@ private:
         return price;
     }
 
-    int exported(const PreparedBatch& batch)
+    int exported(const PreparedBatch& batch, const ExportPrice& price)
     {
         const OutputFolder folder(m_options.folder);
         if (!folder.isThere()) {
@@ -205,6 +214,7 @@ private:
         request.format = m_options.format;
         request.jobs = m_options.jobs;
         request.payer = m_payer;
+        request.price = price.credits();
         const ExportServices services{
             .photos = m_photos,
             .account = &m_connection.session(),
@@ -215,35 +225,35 @@ private:
                     return addPaidRenders(m_connection.preferences(), m_payer, outputs, entry);
                 },
             .paidMeanwhile = [this] { return paidRenders(m_connection.preferences(), m_payer); }};
-        m_export->progressed = [this, &batch](const ExportProgress& progress) {
-            show(progress, batch);
+        m_export->progressed = [this](const ExportProgress& progress) { show(progress); };
+        m_export->wrote = [this, &batch](const QString& file, const QString& reason) {
+            const qsizetype index = batch.destinations.indexOf(file);
+            const QString photo = batch.items[index].image.path;
+            if (reason.isEmpty())
+                m_report.wrote(photo, file);
+            else
+                m_report.unwritten(photo, file, reason);
         };
         const ExportOutcome outcome = QCoro::waitFor(runExport(request, services, m_export));
         return ended(outcome, notReached(outcome, batch));
     }
 
-    // Tells of the one that failed, and gives the photos after it, or all, that were not reached.
+    // Tells of the one that could not be prepared, and gives the photos that were not reached.
     QStringList notReached(const ExportOutcome& outcome, const PreparedBatch& batch)
     {
         using State = ExportOutcome::State;
-        QStringList photos = photosOf(batch).mid(outcome.written.size());
-        if (outcome.isCacheFull) {
+        // They are written in order, and each was told.
+        QStringList photos = photosOf(batch).mid(outcome.written.size() + outcome.unwritten.size());
+        if (outcome.isCacheFull)
             m_report.unprepared(std::exchange(photos, {}), stagingPlace());
-        } else if (outcome.state == State::notPrepared && photos.removeOne(outcome.failed)) {
+        else if (outcome.state == State::notPrepared && photos.removeOne(outcome.failed))
             m_report.unreadable(outcome.failed);
-        } else if (outcome.state == State::notWritten && !outcome.failed.isEmpty()) {
-            m_report.unwritten(photos.takeFirst(), outcome.failed, outcome.reason);
-        }
         return photos;
     }
 
-    void show(const ExportProgress& progress, const PreparedBatch& batch)
+    void show(const ExportProgress& progress)
     {
         const bool isWriting = progress.stage == ExportProgress::Stage::writing;
-        if (isWriting && progress.done > 0) {
-            const qsizetype written = progress.done - 1;    // they are written in order
-            m_report.wrote(batch.items[written].image.path, batch.destinations[written]);
-        }
         if (progress.stage != ExportProgress::Stage::charging) {
             m_report.showProgress(isWriting ? u"Guardando imagen"_s : u"Preparando imagen"_s,
                                   progress.done, progress.total);

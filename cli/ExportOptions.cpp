@@ -4,6 +4,7 @@
 #include "cli/OutputFolder.h"
 #include "cli/SampleBatch.h"
 #include "cli/Terminal.h"
+#include "model/PlainText.h"
 #include "studio/BatchExport.h"
 #include "studio/PhotoFolder.h"
 #include "studio/RenderedOutput.h"
@@ -41,8 +42,10 @@ QList<QUrl> photosAt(const QString& path)
     const QList<QUrl> found = photosInFolder(path);
     QList<QUrl> kept = withoutOwnOutputs(found);
     if (kept.size() < found.size()) {
-        tellOfExport(u"%1: %2 publicación(es) de otra foto de la carpeta, no se exportan."_s.arg(
-            path, QString::number(found.size() - kept.size())));
+        const auto left = found.size() - kept.size();
+        tellOfExport(u"%1: %2 de otra foto de la carpeta, que no se %3."_s.arg(
+            path, counted(left, u"publicación", u"publicaciones"),
+            left == 1 ? u"exporta"_s : u"exportan"_s));
     }
     return kept;
 }
@@ -140,11 +143,12 @@ private:
     {
         if (!m_parser.isSet(m_texts))
             return {};
-        m_options.texts = readTextSheetFile(m_parser.value(m_texts));
-        if (!m_options.texts.error.isEmpty()) {
+        const TextSheet texts = readTextSheetFile(m_parser.value(m_texts));
+        if (!texts.error.isEmpty()) {
             return wrongUse(u"no se pudieron leer los textos de %1: %2."_s.arg(
-                m_parser.value(m_texts), m_options.texts.error));
+                m_parser.value(m_texts), texts.error));
         }
+        m_options.texts = texts;
         return {};
     }
 
@@ -157,8 +161,11 @@ private:
             m_options.photos.append(photosInFolder(m_options.sample->path()));
         }
         for (const QString& path : m_parser.positionalArguments()) {
-            if (!QFileInfo::exists(path))
+            const QFileInfo place(path);
+            if (!place.exists())
                 return wrongUse(u"no existe «%1»."_s.arg(path));
+            if (place.isDir() && !(place.isReadable() && place.isExecutable()))
+                return wrongUse(u"no se puede leer la carpeta «%1»."_s.arg(path));
             m_options.photos.append(photosAt(path));
         }
         if (!m_parser.isSet(m_sample) && m_parser.positionalArguments().isEmpty())

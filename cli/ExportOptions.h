@@ -17,7 +17,7 @@ struct ExportOptions {
     int jobs = 0;    // at most one a core; 0: one a core
     bool isJson = false;
     bool isDryRun = false;
-    TextSheet texts;
+    std::optional<TextSheet> texts;
     TemplateApplication design;               // none: as it is
     QList<QUrl> photos;                       // files
     std::shared_ptr<QTemporaryDir> sample;    // of photos, goes with the options

@@ -2,6 +2,7 @@
 
 #include "cli/Terminal.h"
 #include "model/JsonMapping.h"
+#include "model/PlainText.h"
 
 #include <QFileInfo>
 
@@ -19,7 +20,7 @@ struct FileLine {
 struct SummaryLine {
     QString outcome, message;
     int written = 0, skipped = 0;
-    int cost = 0;    // credits that were charged and not given back
+    qint64 cost = 0;    // credits that were charged and not given back
     bool refundPending = false;
     double seconds = 0;
     double peakMemoryBytes = 0;
@@ -27,7 +28,7 @@ struct SummaryLine {
 };
 
 struct PriceLine {
-    int images = 0, unpaid = 0, cost = 0, balance = 0;
+    qint64 images = 0, unpaid = 0, cost = 0, balance = 0;
 };
 
 }    // namespace
@@ -119,7 +120,17 @@ void ExportReport::tell(const QString& sentence)
 
 void ExportReport::renamed(const QString& photo, const QString& path)
 {
-    tell(u"%1: otra foto se llama igual, se guarda como %2"_s.arg(photo, path.section(u'/', -1)));
+    const QString name = path.section(u'/', -1);
+    const bool isShortened = !name.startsWith(filenameOf(QUrl::fromLocalFile(photo)) + u'-');
+    tell((isShortened ? u"%1: el nombre es demasiado largo, se guarda como %2"_s
+                      : u"%1: otra foto se llama igual, se guarda como %2"_s)
+             .arg(photo, name));
+}
+
+void ExportReport::withoutTexts()
+{
+    ++m_failed;
+    tell(u"Ninguna fila de los textos corresponde a una de las fotos."_s);
 }
 
 void ExportReport::rowFailed(const RowProblem& problem)
@@ -173,11 +184,11 @@ void ExportReport::price(const ExportPrice& price)
     tell(sentenceOf(price));
 }
 
-void ExportReport::priceAlone(const ExportPrice& price, int balance)
+void ExportReport::priceAlone(const ExportPrice& price, qint64 balance)
 {
     clearBar();
     if (m_json)
-        printJson(PriceLine{int(price.images), int(price.unpaid), price.credits(), balance});
+        printJson(PriceLine{price.images, price.unpaid, price.credits(), balance});
     else
         print(stdout, sentenceOf(price));
 }
@@ -191,7 +202,7 @@ void ExportReport::end(const ExportOutcome& outcome, double seconds, qint64 peak
     if (outcome.isDone())
         line += u" Tiempo: %1 s."_s.arg(seconds, 0, 'f', 1);
     if (m_skipped > 0)
-        line += u" %1 omitida(s)."_s.arg(m_skipped);
+        line += u" %1."_s.arg(counted(m_skipped, u"omitida", u"omitidas"));
     if (!m_json || !outcome.isDone())
         print(m_terminal && outcome.isDone() ? stdout : stderr, line);
     if (m_json) {

@@ -7,7 +7,7 @@
 struct ExportPrice {
     qsizetype images = 0, unpaid = 0;
 
-    int credits() const { return exportCreditCost * int(unpaid); }
+    qint64 credits() const { return exportCreditCost * unpaid; }
 };
 
 // What `moltiva export` prints: a bar on a terminal, else a line a file; or, as JSON, an object a
@@ -20,6 +20,7 @@ public:
     void showProgress(const QString& doing, qsizetype done, qsizetype total);
     void tell(const QString& sentence);
     void renamed(const QString& photo, const QString& path);
+    void withoutTexts();                          // no row of them reaches a photo
     void rowFailed(const RowProblem& problem);    // of the texts
     void unreadable(const QString& photo);
     void unwritten(const QString& photo, const QString& path, const QString& reason);
@@ -28,7 +29,7 @@ public:
     void wrote(const QString& photo, const QString& path);
 
     void price(const ExportPrice& price);
-    void priceAlone(const ExportPrice& price, int balance);    // the result of a dry run
+    void priceAlone(const ExportPrice& price, qint64 balance);    // the result of a dry run
     // `peakBytes`: the largest memory the process took.
     void end(const ExportOutcome& outcome, double seconds, qint64 peakBytes);
 

@@ -18,17 +18,19 @@ namespace {
 constexpr qsizetype longestLine = 4096;
 
 // Nothing when there is none, or more of it than a password has.
-std::optional<QString> readLine(std::FILE* stream)
+std::optional<QByteArray> readLine(std::FILE* stream)
 {
-    QByteArray line(longestLine, '\0');
-    if (!std::fgets(line.data(), int(line.size()), stream))
+    QByteArray line;
+    int c = std::fgetc(stream);
+    if (c == EOF)
         return std::nullopt;
-    line.truncate(qsizetype(qstrlen(line.constData())));
-    if (line.size() == longestLine - 1)
+    for (; c != EOF && c != '\n' && line.size() < longestLine; c = std::fgetc(stream))
+        line.append(char(c));
+    if (line.size() == longestLine)
         return std::nullopt;
-    while (line.endsWith('\n') || line.endsWith('\r'))
+    while (line.endsWith('\r'))
         line.chop(1);
-    return QString::fromLocal8Bit(line);
+    return line;
 }
 
 #ifdef Q_OS_UNIX
@@ -42,7 +44,7 @@ extern "C" void showAgain(int signal)
 }
 
 // The terminal goes on editing the line, and is as before however this ends.
-std::optional<QString> readUnseen()
+std::optional<QByteArray> readUnseen()
 {
     if (tcgetattr(STDIN_FILENO, &shown) != 0)
         return readLine(stdin);
@@ -106,7 +108,7 @@ bool isTerminal(std::FILE* stream)
 #endif
 }
 
-std::optional<QString> readSecret(const QString& prompt)
+std::optional<QByteArray> readSecret(const QString& prompt)
 {
 #ifdef Q_OS_UNIX
     if (isTerminal(stdin)) {

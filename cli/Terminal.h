@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <cstdio>
@@ -14,5 +15,5 @@ QString printable(const QString& text);
 bool isTerminal(std::FILE* stream);
 
 // A line that is not shown while it is typed; without a terminal, the next line of standard input.
-// Nothing when it was cancelled or there is none.
-std::optional<QString> readSecret(const QString& prompt);
+// Nothing when it was cancelled, is too long or there is none.
+std::optional<QByteArray> readSecret(const QString& prompt);

@@ -27,6 +27,7 @@
 #include <cmath>
 #include <concepts>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <tuple>
 
@@ -55,11 +56,30 @@ inline bool read(const Value& value, double& out)
     return value.is_number() && (out = value.get<double>(), true);
 }
 
-// Whole numbers of the int range; 3.0 counts as one.
+// Whole numbers of the range; 3.0 counts as one.
+inline bool read(const Value& value, qint64& out)
+{
+    if (value.is_number_unsigned()) {
+        const auto number = value.get<quint64>();
+        out = qint64(number);
+        return number <= quint64(std::numeric_limits<qint64>::max());
+    }
+    if (value.is_number_integer()) {
+        out = value.get<qint64>();
+        return true;
+    }
+    constexpr double beyond = 9'223'372'036'854'775'808.0;
+    const double number = value.is_number() ? value.get<double>() : beyond;
+    if (number != std::trunc(number) || std::abs(number) >= beyond)
+        return false;
+    out = qint64(number);
+    return true;
+}
+
 inline bool read(const Value& value, int& out)
 {
-    const double number = value.is_number() ? value.get<double>() : 0.5;
-    if (number != std::trunc(number) || std::abs(number) > 2147483647.0)
+    qint64 number = 0;
+    if (!read(value, number) || number != qint64(int(number)))
         return false;
     out = int(number);
     return true;
@@ -150,18 +170,33 @@ inline void append(QByteArray& text, bool value)
 }
 
 template <typename Number>
-requires std::same_as<Number, double> || std::same_as<Number, int>
-void append(QByteArray& text, Number value)
+requires std::same_as<Number, double> || std::same_as<Number, qint64>
+void appendNumber(QByteArray& text, Number value)
 {
-    if (!std::isfinite(double(value)))
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    text.append(digits.data(), qsizetype(end - digits.data()));
+}
+
+inline void append(QByteArray& text, qint64 value)
+{
+    appendNumber(text, value);
+}
+
+inline void append(QByteArray& text, int value)
+{
+    append(text, qint64(value));
+}
+
+inline void append(QByteArray& text, double value)
+{
+    if (!std::isfinite(value))
         value = 0;    // JSON has no word for it, and a record without the key would not read
     // The shortest that reads back as the same number, but no exponent for a count.
-    std::array<char, 32> digits{};
-    const bool isCount = value == std::trunc(value) && std::abs(value) < 1e15;
-    const auto begin = digits.data(), room = begin + digits.size();
-    const auto end = isCount ? std::to_chars(begin, room, qint64(value)).ptr
-                             : std::to_chars(begin, room, value).ptr;
-    text.append(digits.data(), qsizetype(end - digits.data()));
+    if (value == std::trunc(value) && std::abs(value) < 1e15)
+        appendNumber(text, qint64(value));
+    else
+        appendNumber(text, value);
 }
 
 // Characters of plain ASCII or UTF-8 that need no escape.

@@ -14,6 +14,13 @@ inline bool turnsDirection(QChar c)
     return (c >= QChar(0x202a) && c <= QChar(0x202e)) || (c >= QChar(0x2066) && c <= QChar(0x2069));
 }
 
+// "1 imagen", "3 imágenes".
+inline QString counted(qsizetype count, QStringView one, QStringView several)
+{
+    QString text = QString::number(count) + u' ';
+    return text.append(count == 1 ? one : several);
+}
+
 // A text from elsewhere as ours are: whatever ends a line is \n, other control characters go.
 inline QString plainText(QString text)
 {

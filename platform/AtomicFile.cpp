@@ -5,17 +5,18 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QScopeGuard>
+#include <QUuid>
 
 #include <cerrno>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
 
-QString writeAtomically(const QString& path, QByteArrayView bytes)
+QString writeAtomically(const QString& path, QByteArrayView bytes, const QString& run)
 {
     const QString number = QString::number(QRandomGenerator::system()->generate64(), 36);
     // Not a QTemporaryFile, which only its user may read whatever the mask for new files says.
-    QFile file(QFileInfo(path).dir().filePath(unfinishedPrefix() + number));
+    QFile file(QFileInfo(path).dir().filePath(unfinishedPrefix() + run + u'.' + number));
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return file.errorString();
     auto discard = qScopeGuard([&] { file.remove(); });
@@ -36,4 +37,16 @@ QString writeAtomically(const QString& path, QByteArrayView bytes)
 #endif
     discard.dismiss();
     return {};
+}
+
+void removeUnfinished(const QString& folder,
+                      const std::function<bool(const QString& run)>& isGoingOn)
+{
+    const QDir place(folder);
+    for (const QString& name :
+         place.entryList({unfinishedPrefix() + u'*'}, QDir::Files | QDir::Hidden)) {
+        const QString run = name.mid(unfinishedPrefix().size()).section(u'.', 0, 0);
+        if (!QUuid::fromString(run).isNull() && !isGoingOn(run))
+            QFile::remove(place.filePath(name));
+    }
 }

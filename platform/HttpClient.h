@@ -36,7 +36,8 @@ struct HttpReply {
 // The exchange came to no reply.
 class TransportError : public std::exception {
 public:
-    enum class Kind { unreachable, timedOut, stopped, tooLarge, notHttp };
+    // brokenOff: it was sent, and then nothing came that the toolkit takes for an answer.
+    enum class Kind { unreachable, timedOut, stopped, tooLarge, notHttp, brokenOff };
 
     TransportError(Kind kind, const QString& text)
         : m_kind(kind), m_text(text), m_what(text.toUtf8())

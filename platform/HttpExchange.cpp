@@ -88,6 +88,9 @@ TransportError failureOf(const QNetworkReply& reply)
     case QNetworkReply::ProtocolUnknownError:
     case QNetworkReply::ProtocolInvalidOperationError:
         return {Kind::notHttp, text};
+    case QNetworkReply::RemoteHostClosedError:
+    case QNetworkReply::ContentReSendError:
+        return {Kind::brokenOff, text};
     default:
         return {Kind::unreachable, text};
     }

@@ -7,7 +7,9 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
+#include <QStorageInfo>
 #include <QUrl>
 #include <QUuid>
 
@@ -15,9 +17,20 @@
 #include <mutex>
 #include <utility>
 
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 using namespace Qt::StringLiterals;
 
 namespace {
+
+QString storing()
+{
+    return u"INSERT INTO preference (key, value) VALUES (?, ?) "
+           "ON CONFLICT (key) DO UPDATE SET value = excluded.value"_qs;
+}
 
 QSqlDatabase opened(const QString& connection, const QString& file)
 {
@@ -25,19 +38,6 @@ QSqlDatabase opened(const QString& connection, const QString& file)
     database.setDatabaseName(file);
     database.open();
     return database;
-}
-
-// SQLite needs room for its side files even to read, unless it is told that nobody writes. What it
-// would have to bring in from a log would then be missing.
-bool openedReadOnly(const QString& connection, const QString& file)
-{
-    if (!QFile::exists(file) || QFileInfo(file + u"-wal"_qs).size() > 0)
-        return false;
-    QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_qs, connection);
-    database.setConnectOptions(u"QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"_qs);
-    database.setDatabaseName(QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded) +
-                             u"?immutable=1"_qs);
-    return database.open() && QSqlQuery(database).exec(u"SELECT key FROM preference LIMIT 1"_qs);
 }
 
 QString newConnectionName()
@@ -48,6 +48,39 @@ QString newConnectionName()
 bool run(const QSqlDatabase& database, const QString& statement)
 {
     return QSqlQuery(database).exec(statement);
+}
+
+QString answerTo(const QSqlDatabase& database, const QString& question)
+{
+    QSqlQuery query(database);
+    return query.exec(question) && query.next() ? query.value(0).toString() : QString();
+}
+
+QString logOf(const QString& file)
+{
+    return file + u"-wal"_qs;
+}
+
+bool openedReadOnly(const QString& connection, const QString& address)
+{
+    QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_qs, connection);
+    database.setConnectOptions(u"QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"_qs);
+    database.setDatabaseName(address);
+    return database.open() && QSqlQuery(database).exec(u"SELECT key FROM preference LIMIT 1"_qs);
+}
+
+// SQLite needs its side files even to read, unless it is told that nobody writes. What it would
+// have to bring in from a log would then be missing.
+bool openedForReading(const QString& connection, const QString& file)
+{
+    if (!QFileInfo(file).isFile())
+        return false;
+    const QString address = QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded);
+    if (openedReadOnly(connection, address))
+        return true;
+    QSqlDatabase::removeDatabase(connection);
+    return QFileInfo(logOf(file)).size() == 0 &&
+           openedReadOnly(connection, address + u"?immutable=1"_qs);
 }
 
 // Copies the log into the file, which takes up to 30 ms: the worker's business, with a connection
@@ -78,19 +111,6 @@ bool createPrivately(const QString& name)
     return file.setPermissions(owner);
 }
 
-// A file that is no database any more would refuse every value for ever.
-void putAsideIfDamaged(const QString& name)
-{
-    constexpr QByteArrayView header = "SQLite format 3";
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly) || file.size() == 0 || file.peek(header.size()) == header)
-        return;
-    file.close();
-    const QString damaged = name + u".damaged"_qs;
-    QFile::remove(damaged);
-    QFile::rename(name, damaged);
-}
-
 QString usualDurability()
 {
     return u"PRAGMA synchronous=NORMAL"_qs;
@@ -101,9 +121,114 @@ bool prepare(const QSqlDatabase& database)
     // Values of megabytes: with small pages each write walks long chains of them.
     return database.isOpen() && run(database, u"PRAGMA page_size=65536"_qs) &&
            run(database, u"PRAGMA journal_mode=WAL"_qs) && run(database, usualDurability()) &&
-           run(database, u"PRAGMA wal_autocheckpoint=0"_qs) &&
-           run(database, u"CREATE TABLE IF NOT EXISTS preference "
-                         "(key TEXT PRIMARY KEY NOT NULL, value BLOB NOT NULL)"_qs);
+           run(database, u"PRAGMA wal_autocheckpoint=0"_qs);
+}
+
+// SQLite's numbers of errors, without what it adds to tell them apart.
+enum class Fault {
+    busy = 5,
+    readOnly = 8,
+    corrupt = 11,
+    full = 13,
+    cannotOpen = 14,
+    noDatabase = 26
+};
+
+Fault faultOf(const QSqlError& error)
+{
+    return Fault(error.nativeErrorCode().toInt() & 0xff);
+}
+
+bool isDamage(Fault fault)
+{
+    return fault == Fault::corrupt || fault == Fault::noDatabase;
+}
+
+const QString damage = u"el archivo está dañado"_qs;
+
+bool hasNoRoom(const QString& file)
+{
+    constexpr qint64 leastRoom = 256 * 1024;    // for the side files and a page
+    const QStorageInfo storage(QFileInfo(file).path());
+    return storage.isValid() && !storage.isReadOnly() && storage.bytesAvailable() < leastRoom;
+}
+
+QString reasonOf(const QString& file, const QSqlError& error)
+{
+    const Fault fault = faultOf(error);
+    const QFileInfo folder(QFileInfo(file).path());
+    if (isDamage(fault))
+        return damage;
+    if (fault == Fault::full || hasNoRoom(file))
+        return u"no queda espacio en el disco"_qs;
+    if (fault == Fault::readOnly || fault == Fault::cannotOpen || !folder.isWritable())
+        return u"no se puede escribir en «%1»"_qs.arg(folder.filePath());
+    if (fault == Fault::busy)
+        return u"otro programa está usando «%1»"_qs.arg(file);
+    return error.databaseText().isEmpty() ? u"no se puede abrir «%1»"_qs.arg(file)
+                                          : u"el sistema dice «%1»"_qs.arg(error.databaseText());
+}
+
+// Why a file can never become ours; empty when it may.
+QString foreignness(const QString& name)
+{
+    const QFileInfo file(name);
+    if (file.isDir())
+        return u"en su lugar hay una carpeta"_qs;
+#ifdef Q_OS_UNIX
+    const bool mayAll = geteuid() == 0;
+    if (!mayAll && file.exists() && file.ownerId() != geteuid())
+        return u"el archivo es de otro usuario"_qs;
+#endif
+    return {};
+}
+
+// Which file it is, whatever its name.
+using FileIdentity = std::pair<quint64, quint64>;
+
+FileIdentity identityOf(const QString& name)
+{
+#ifdef Q_OS_UNIX
+    struct stat status = {};
+    if (lstat(QFile::encodeName(name).constData(), &status) == 0)
+        return {status.st_dev, status.st_ino};
+#endif
+    return {};
+}
+
+QString damageIn(const QSqlDatabase& database)
+{
+    QSqlQuery query(database);
+    const bool isChecked = query.exec(u"PRAGMA quick_check(1)"_qs) && query.next();
+    if (isChecked ? query.value(0).toString() != u"ok"_qs : isDamage(faultOf(query.lastError())))
+        return damage;
+    // A file of ours that was just made holds nothing yet.
+    const bool hasTables =
+        query.exec(u"SELECT count(*), sum(name = 'preference') FROM sqlite_master"_qs) &&
+        query.next() && query.value(0).toInt() > 0;
+    if (!hasTables)
+        return {};
+    const bool isOurs = query.value(1).toInt() > 0 && query.prepare(storing());
+    return isOurs ? QString() : u"el archivo no es de esta versión de Moltiva"_qs;
+}
+
+// Gives where it lies then; empty when it could not be moved. Its log goes with it: it would become
+// part of a new file of the name.
+QString putAside(const QString& name)
+{
+    constexpr int most = 99;
+    for (int number = 1; number <= most; ++number) {
+        const QString aside =
+            name + u".damaged"_qs + (number == 1 ? QString() : u"-%1"_qs.arg(number));
+        if (QFileInfo::exists(aside))
+            continue;
+        if (!QDir().rename(name, aside))
+            return {};
+        QFile::rename(logOf(name), logOf(aside));
+        QFile::remove(name + u"-shm"_qs);
+        return aside;
+    }
+    return {};
 }
 
 }    // namespace
@@ -119,21 +244,67 @@ struct PreferencesStore::Checkpoint {
 PreferencesStore::PreferencesStore(const QString& file)
     : m_file(file), m_connection(newConnectionName()), m_checkpoint(std::make_shared<Checkpoint>())
 {
-    open();
+    if (open() && hasNoRoom(file))
+        m_reason = reasonOf(file, {});
+    if (m_problem.isEmpty() && !m_reason.isEmpty()) {
+        m_problem = u"Ahora no se puede guardar nada: %1. Se volverá a intentar con cada "
+                    "cambio."_qs.arg(m_reason);
+    }
 }
 
 bool PreferencesStore::open()
 {
-    if (m_open)
-        return true;
+    if (m_open || m_isInTransaction)
+        return m_open;
     QSqlDatabase::removeDatabase(m_connection);
-    putAsideIfDamaged(m_file);
-    m_open = createPrivately(m_file) && prepare(opened(m_connection, m_file));
-    if (!m_open) {
+    const FileIdentity found = identityOf(m_file);
+    QString cause = foreignness(m_file);
+    if (cause.isEmpty())
+        cause = tryToOpen();
+    if (!cause.isEmpty()) {
         QSqlDatabase::removeDatabase(m_connection);
-        m_readOnly = openedReadOnly(m_connection, m_file);
+        // Another program may have put it aside meanwhile, and made a new one.
+        if (found == identityOf(m_file) && !replace(cause))
+            return false;
+        tryToOpen();
+    }
+    if (m_open) {
+        m_reason.clear();
+    } else {
+        QSqlDatabase::removeDatabase(m_connection);
+        m_readOnly = openedForReading(m_connection, m_file);
     }
     return m_open;
+}
+
+// Makes room for a new file. False when what lies there cannot be moved.
+bool PreferencesStore::replace(const QString& cause)
+{
+    const QString aside = putAside(m_file);
+    m_reason = cause;
+    m_problem = aside.isEmpty()
+                    ? u"Los datos guardados de Moltiva no se pueden usar: %1. Lo que hagas ahora "
+                      "no se guardará."_qs.arg(cause)
+                    : u"Los datos guardados de Moltiva no se podían usar: %1. Se han apartado en "
+                      "«%2» y se empieza de nuevo."_qs.arg(cause, aside);
+    return !aside.isEmpty();
+}
+
+// Gives why what lies there can never be used; empty when it is open, or may be another time.
+QString PreferencesStore::tryToOpen()
+{
+    const bool isCreated = createPrivately(m_file);
+    const QSqlDatabase database = opened(m_connection, m_file);
+    const QString cause = damageIn(database);
+    if (!cause.isEmpty())
+        return cause;
+    QSqlQuery query(database);
+    m_open = isCreated && prepare(database) &&
+             query.exec(u"CREATE TABLE IF NOT EXISTS preference "
+                        "(key TEXT PRIMARY KEY NOT NULL, value BLOB NOT NULL)"_qs);
+    if (!m_open)
+        m_reason = reasonOf(m_file, query.lastError());
+    return {};
 }
 
 PreferencesStore::~PreferencesStore()
@@ -172,12 +343,11 @@ bool PreferencesStore::setValue(const QString& key, const QByteArray& value)
     if (!open())
         return false;
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
-    query.prepare(u"INSERT INTO preference (key, value) VALUES (?, ?) "
-                  "ON CONFLICT (key) DO UPDATE SET value = excluded.value"_qs);
+    query.prepare(storing());
     query.addBindValue(key);
     // A null value would be stored as NULL.
     query.addBindValue(value.isNull() ? QByteArray("") : value);
-    if (!query.exec())
+    if (!finished(query))
         return false;
     written(value.size());
     return true;
@@ -190,7 +360,17 @@ bool PreferencesStore::remove(const QString& key)
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
     query.prepare(u"DELETE FROM preference WHERE key = ?"_qs);
     query.addBindValue(key);
-    return query.exec();
+    return finished(query);
+}
+
+// A file that turns out to be damaged is put aside when something is to be stored next.
+bool PreferencesStore::finished(QSqlQuery& query)
+{
+    const bool isDone = query.exec();
+    m_reason = isDone ? QString() : reasonOf(m_file, query.lastError());
+    if (!isDone && isDamage(faultOf(query.lastError())))
+        m_open = false;
+    return isDone;
 }
 
 QStringList PreferencesStore::keysBeginningWith(const QString& prefix) const
@@ -210,39 +390,69 @@ QStringList PreferencesStore::keysBeginningWith(const QString& prefix) const
     return keys;
 }
 
-bool PreferencesStore::transaction(const std::function<bool()>& work, Durability durability)
+bool PreferencesStore::transaction(const std::function<bool()>& work, Durability durability,
+                                   Traces traces)
 {
     if (!open())
         return false;
     const QSqlDatabase database = QSqlDatabase::database(m_connection, false);
     if (durability == Durability::onDisk)
         run(database, u"PRAGMA synchronous=FULL"_qs);
+    const bool erases = traces == Traces::erased;
+    const QString usualErasure =
+        erases ? answerTo(database, u"PRAGMA secure_delete"_qs) : QString();
+    if (erases)
+        run(database, u"PRAGMA secure_delete=ON"_qs);
     bool isStored = false;
     const auto end = qScopeGuard([&] {
         // Also when `work` threw.
         if (std::exchange(m_isInTransaction, false) && !isStored)
             run(database, u"ROLLBACK"_qs);
         run(database, usualDurability());
+        if (erases)
+            run(database, u"PRAGMA secure_delete=%1"_qs.arg(usualErasure));
     });
-    m_isInTransaction = run(database, u"BEGIN IMMEDIATE"_qs);
-    isStored = m_isInTransaction && work() && run(database, u"COMMIT"_qs);
+    const auto execute = [&](const QString& statement) {
+        QSqlQuery query(database);
+        query.prepare(statement);
+        return finished(query);
+    };
+    m_isInTransaction = execute(u"BEGIN IMMEDIATE"_qs);
+    isStored = m_isInTransaction && work() && execute(u"COMMIT"_qs);
+    if (isStored) {
+        m_isInTransaction = false;
+        checkpointWhenDue();
+    }
+    if (isStored && erases)
+        emptyLog();
     return isStored;
+}
+
+// The log holds what was there before. What somebody reads meanwhile stays until the next time.
+void PreferencesStore::emptyLog()
+{
+    const std::scoped_lock lock(m_checkpoint->running);
+    run(QSqlDatabase::database(m_connection, false), u"PRAGMA wal_checkpoint(TRUNCATE)"_qs);
 }
 
 // SQLite starts its log anew when a write finds all of it copied. Between edits the worker is done
 // long before the next one; writes without a pause keep ahead of it, and then we copy ourselves.
 void PreferencesStore::written(qint64 bytes)
 {
-    constexpr qint64 checkpointStep = 8 << 20;
-    constexpr qint64 longestLog = 32 << 20;
     constexpr qint64 page = 65536;
-    const bool working = m_checkpoint->isAsked;
-    if (std::exchange(m_checkpointIsLatest, false) && !working)
+    if (std::exchange(m_checkpointIsLatest, false) && !m_checkpoint->isAsked)
         m_logBytes = 0;
     m_logBytes += bytes + page;
     m_sinceCheckpoint += bytes + page;
-    if (m_isInTransaction)
-        return;
+    if (!m_isInTransaction)
+        checkpointWhenDue();
+}
+
+void PreferencesStore::checkpointWhenDue()
+{
+    constexpr qint64 checkpointStep = 8 << 20;
+    constexpr qint64 longestLog = 32 << 20;
+    const bool working = m_checkpoint->isAsked;
     if (m_logBytes >= longestLog) {
         const std::scoped_lock lock(m_checkpoint->running);
         run(QSqlDatabase::database(m_connection, false), passiveCheckpoint());

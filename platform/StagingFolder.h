@@ -14,6 +14,10 @@ public:
 
     static void removeLeftovers(const QString& place);
     bool isUsable() const { return !m_path.isEmpty(); }
+    // Of the run of the program that this folder belongs to, and whether one of such a name goes
+    // on.
+    QString runName() { return m_run.name(); }
+    bool isGoingOn(const QString& run) const { return m_run.isGoingOn(run); }
     QString filePath(const QString& name) const { return m_path + u'/' + name; }
 
 private:

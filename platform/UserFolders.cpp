@@ -15,6 +15,15 @@ QString cachePlace(const QString& name)
 
 }    // namespace
 
+void ignoreRelativeFolders()
+{
+    for (const char* name :
+         {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"}) {
+        if (!qgetenv(name).startsWith('/'))
+            qunsetenv(name);
+    }
+}
+
 QString userDataFolder()
 {
     QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);

@@ -2,6 +2,10 @@
 
 #include <QString>
 
+// Takes places of the user's folders out of the environment that are no absolute paths: they would
+// be others for each folder that a program is started in. Before anything asks for one.
+void ignoreRelativeFolders();
+
 // Where the user's data lie; made if missing.
 QString userDataFolder();
 

@@ -7,12 +7,17 @@
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSet>
+#include <QTextBoundaryFinder>
 
 #include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <thread>
 #include <vector>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
 
 using namespace Qt::StringLiterals;
 
@@ -49,6 +54,39 @@ ExportedFile guarded(const std::function<ExportedFile(qsizetype)>& work, qsizety
     } catch (const std::exception&) {
         return {.path = {}, .bytes = 0, .error = shortOfMemory, .times = {}};
     }
+}
+
+const QString outputEnding = u"-publicacion.png"_s;
+
+QString numberedEnding(int number)
+{
+    return number < 2 ? outputEnding : u"-publicacion-%1.png"_s.arg(number);
+}
+
+// Bytes that the name of a file may have in this folder, or in the one that it will be made in.
+qsizetype longestNameIn(QString folder)
+{
+    constexpr qsizetype usual = 255;
+#ifdef Q_OS_UNIX
+    while (!QFileInfo::exists(folder) && folder != QFileInfo(folder).path())
+        folder = QFileInfo(folder).path();
+    const long longest = pathconf(QFile::encodeName(folder).constData(), _PC_NAME_MAX);
+    return longest > 0 ? longest : usual;
+#else
+    return usual;
+#endif
+}
+
+QString nameWithin(qsizetype longest, QString stem, const QString& ending)
+{
+    const auto bytes = [&] { return QFile::encodeName(stem + ending).size(); };
+    if (bytes() <= longest)
+        return stem + ending;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, QString(stem));
+    finder.toEnd();
+    while (bytes() > longest && finder.toPreviousBoundary() > 0)
+        stem.truncate(finder.position());
+    return stem + ending;
 }
 
 // By the name, or as a link, which may lead to a file of any name.
@@ -106,6 +144,11 @@ ExportedFile exportPhoto(const QUrl& url, SocialFormat format, const QString& pa
     return file;
 }
 
+QString exportName(const QUrl& photo, const QString& folder)
+{
+    return nameWithin(longestNameIn(folder), filenameOf(photo), outputEnding);
+}
+
 QStringList exportPaths(const QList<QUrl>& photos, const QString& folder)
 {
     // Where files really lie: a link must not make an output fall on a photo.
@@ -119,12 +162,13 @@ QStringList exportPaths(const QList<QUrl>& photos, const QString& folder)
         if (mayLieOnAnOutput(file))
             taken.insert(file.canonicalFilePath().toCaseFolded());
     }
+    const qsizetype longest = longestNameIn(target.path());
     QStringList paths;
     for (const QUrl& photo : photos) {
         const QString name = filenameOf(photo);
-        QString path = target.filePath(name + u"-publicacion.png"_s);
+        QString path = target.filePath(nameWithin(longest, name, outputEnding));
         for (int number = 2; taken.contains(path.toCaseFolded()); ++number)
-            path = target.filePath(name + u"-publicacion-%1.png"_s.arg(number));
+            path = target.filePath(nameWithin(longest, name, numberedEnding(number)));
         taken.insert(path.toCaseFolded());
         paths.append(QDir(folder).filePath(QFileInfo(path).fileName()));
     }
@@ -133,15 +177,25 @@ QStringList exportPaths(const QList<QUrl>& photos, const QString& folder)
 
 QList<QUrl> withoutOwnOutputs(const QList<QUrl>& photos)
 {
-    static const QRegularExpression output(u"^(.+)-publicacion(-[0-9]+)?$"_s);
+    static const QRegularExpression output(u"^(.+)(-publicacion(-[0-9]+)?\\.png)$"_s);
     QSet<QString> names;
-    for (const QUrl& photo : photos)
-        names.insert(filenameOf(photo));
+    QStringList longNames;    // that an output shortens
+    for (const QUrl& photo : photos) {
+        const QString name = filenameOf(photo);
+        names.insert(name);
+        const qsizetype longest = longestNameIn(QFileInfo(photo.toLocalFile()).path());
+        if (QFile::encodeName(name + outputEnding).size() > longest)
+            longNames.append(name);
+    }
     QList<QUrl> kept = photos;
     kept.removeIf([&](const QUrl& photo) {
-        const auto match = output.match(filenameOf(photo));
-        return match.hasMatch() && photo.fileName().endsWith(u".png"_s) &&
-               names.contains(match.captured(1));
+        const auto match = output.match(photo.fileName());
+        const auto isShortened = [&](const QString& name) {
+            const qsizetype longest = longestNameIn(QFileInfo(photo.toLocalFile()).path());
+            return nameWithin(longest, name, match.captured(2)) == photo.fileName();
+        };
+        return match.hasMatch() &&
+               (names.contains(match.captured(1)) || std::ranges::any_of(longNames, isShortened));
     });
     return kept;
 }

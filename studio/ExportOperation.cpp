@@ -80,6 +80,18 @@ QCoro::Task<> renderLane(SharedRun run)
     }
 }
 
+// Of what exports that were killed have left where this one writes.
+QFuture<void> cleared(const SharedRun& run)
+{
+    QSet<QString> folders;
+    for (const QString& destination : run->request.destinations)
+        folders.insert(QFileInfo(destination).path());
+    return runOnWorker([folders, staging = run->control->staging] {
+        for (const QString& folder : folders)
+            removeUnfinished(folder, [&](const QString& name) { return staging->isGoingOn(name); });
+    });
+}
+
 QCoro::Task<> renderAll(SharedRun run)
 {
     const QString place = run->services.stagingPlace;
@@ -89,6 +101,8 @@ QCoro::Task<> renderAll(SharedRun run)
     });
     run->control->staging = co_await staging;
     run->isFailed = run->outcome.isCacheFull = !run->control->staging->isUsable();
+    QFuture<void> clearing = cleared(run);
+    co_await clearing;
     run->rendered.resize(std::size_t(run->request.items.size()));
     const int cores = workers().maxThreadCount();
     const int wanted = run->request.jobs > 0 ? std::min(run->request.jobs, cores) : cores + 1;
@@ -108,37 +122,44 @@ void addressAll(ExportRun& run)
 }
 
 // Gives the system's reason, empty when it is done.
-QString moved(const QString& from, const QString& to)
+QString moved(const QString& from, const QString& to, const QString& runName)
 {
     QFile source(from);
     if (!source.open(QIODevice::ReadOnly))
         return source.errorString();
     const QByteArray bytes = source.readAll();
     QString reason =
-        bytes.size() == source.size() ? writeAtomically(to, bytes) : source.errorString();
+        bytes.size() == source.size() ? writeAtomically(to, bytes, runName) : source.errorString();
     source.remove();
     return reason;
 }
 
+void tell(const ExportRun& run, const QString& file, const QString& problem)
+{
+    if (run.control->wrote)
+        run.control->wrote(file, problem);
+}
+
+// One that cannot be written keeps none of the others from it.
 QCoro::Task<bool> writeAll(SharedRun run)
 {
+    ExportOutcome& outcome = run->outcome;
+    const std::shared_ptr<StagingFolder> staging = run->control->staging;
+    const QString runName = staging ? staging->runName() : QString();
     for (const PendingExport& each : run->pending) {
         if (run->isStopped())
             co_return false;
         const QString from = each.output.file, to = each.destination;
-        QFuture<QString> writing = runOnWorker([from, to] { return moved(from, to); });
+        QFuture<QString> writing =
+            runOnWorker([from, to, runName] { return moved(from, to, runName); });
         const QString problem = co_await writing;
-        if (!problem.isEmpty()) {
-            run->outcome.failed = to;
-            run->outcome.reason = problem;
-            co_return false;
-        }
-        run->outcome.written.append(to);
-        run->progress(Stage::writing, run->outcome.written.size());
-        if (run->services.journal)
+        (problem.isEmpty() ? outcome.written : outcome.unwritten).append(to);
+        tell(*run, to, problem);
+        run->progress(Stage::writing, outcome.written.size() + outcome.unwritten.size());
+        if (run->services.journal && problem.isEmpty())
             run->services.journal->reached("wrote");
     }
-    co_return true;
+    co_return outcome.unwritten.isEmpty();
 }
 
 QList<RenderedOutput> outputsOf(const ExportRun& run)
@@ -208,7 +229,8 @@ State stateOf(const ExportRun& run, const ChargeResult& result)
     case ChargeResult::State::notReserved:
         return State::notReserved;
     case ChargeResult::State::failed:
-        return run.isStopped() && run.outcome.failed.isEmpty() ? State::stopped : State::notWritten;
+        return run.outcome.unwritten.isEmpty() && run.isStopped() ? State::stopped
+                                                                  : State::notWritten;
     }
     Q_UNREACHABLE();
 }
@@ -231,11 +253,37 @@ void refuse(ExportOutcome& outcome)
     outcome.refusal = ChargeResult::Refusal::signedOut;
 }
 
+// For what was never paid for, and so is not free whatever its pixels are.
+qint64 leastCost(const ExportRun& run)
+{
+    if (run.services.paidMeanwhile && !run.services.paidMeanwhile().isEmpty())
+        return 0;
+    return exportCreditCost * std::ranges::count_if(run.request.items, [](const auto& item) {
+               return item.paidRenderFingerprints.isEmpty();
+           });
+}
+
+QCoro::Task<bool> isOutOfReach(SharedRun run)
+{
+    const QPointer<AccountSession> account = run->services.account;
+    const qint64 price = run->request.price.value_or(0);
+    const qint64 least = leastCost(*run);
+    const auto isShort = [&] {
+        return account && account->isAuthenticated() && account->account().balance < least;
+    };
+    if (!isShort() || price <= account->account().balance)
+        co_return false;
+    // Some may have been bought elsewhere meanwhile.
+    QCoro::Task<bool> refreshing = account->refreshSilently();
+    co_await std::move(refreshing);
+    co_return isShort();
+}
+
 QCoro::Task<> chargeAndWrite(SharedRun run)
 {
     ExportOutcome& outcome = run->outcome;
     const QList<RenderedOutput> unpaid = unpaidOutputsOf(*run);
-    outcome.cost = exportCreditCost * int(unpaid.size());
+    outcome.cost = exportCreditCost * unpaid.size();
     const QPointer<AccountSession> account = run->services.account;
     const QPointer<CreditJournal> journal = run->services.journal;
     QString payer = run->request.payer;
@@ -281,9 +329,16 @@ QFuture<void> emptied(const std::shared_ptr<ExportControl>& control)
 
 QCoro::Task<ExportOutcome> runShared(SharedRun run)
 {
+    ExportOutcome& outcome = run->outcome;
+    QCoro::Task<bool> asking = isOutOfReach(run);
+    if (co_await std::move(asking)) {
+        outcome.state = State::tooFewCredits;
+        outcome.cost = *run->request.price;
+        const ExportOutcome refused = outcome;
+        co_return refused;
+    }
     QCoro::Task<> rendering = renderAll(run);
     co_await std::move(rendering);
-    ExportOutcome& outcome = run->outcome;
     if (run->isStopped()) {
         outcome.state = State::stopped;
     } else if (run->isFailed) {
@@ -314,8 +369,7 @@ QString ExportOutcome::sentence() const
         refund = u" Los %1 créditos se devolverán al recuperar la conexión."_s.arg(cost);
     else if (isCharged)
         refund = u" Se han devuelto los %1 créditos."_s.arg(cost);
-    const QString unrecorded =
-        isRecorded ? QString() : u" El pago no se ha podido anotar. ¿Queda espacio en el disco?"_s;
+    const QString unrecorded = isRecorded ? QString() : u" El pago no se ha podido anotar."_s;
     switch (state) {
     case State::done:
         if (isSingle)

@@ -39,6 +39,7 @@ struct ExportRequest {
     OutputSize outputSize = exportSizeOf;
     int jobs = 0;     // items rendered at once, at most one a core; 0: one a core
     QString payer;    // the account's key; empty: whoever is signed in when all is rendered
+    std::optional<qint64> price;    // that was shown, in credits; nothing: it was not known yet
 };
 
 // What an export works with. Account and journal may go while it runs.
@@ -58,8 +59,10 @@ struct ExportServices {
 struct ExportControl {
     std::atomic_bool stop = false;
     std::function<void(const ExportProgress&)> progressed;    // may be empty
-    std::function<void(int cost)> charging;                   // before the reservation; likewise
-    std::shared_ptr<StagingFolder> staging;                   // while it runs
+    std::function<void(qint64 cost)> charging;                // before the reservation; likewise
+    // A file that was written, or why it was not, in the system's words; likewise.
+    std::function<void(const QString& file, const QString& reason)> wrote;
+    std::shared_ptr<StagingFolder> staging;    // while it runs
 };
 
 struct ExportOutcome {
@@ -73,23 +76,28 @@ struct ExportOutcome {
     };
 
     State state = State::done;
-    int cost = 0;                    // credits that were charged, or would have been
+    qint64 cost = 0;                 // credits that were charged, or would have been
     bool isCharged = false;          // they were reserved
     bool isRefundPending = false;    // and come back later
     bool isRecorded = true;          // else a crash now would count as a failure
-    QString reason;                  // why nothing was reserved, or not written, in words of others
+    QString reason;                  // why nothing was reserved, in words of others
     ChargeResult::Refusal refusal = ChargeResult::Refusal::other;
-    QStringList written;         // files
-    QString failed;              // the photo that could not be prepared, or the file not written
-    bool isCacheFull = false;    // pictures could not be put aside
+    QStringList written, unwritten;    // files that were tried
+    QString failed;                    // the photo that could not be prepared
+    bool isCacheFull = false;          // pictures could not be put aside
     ExportKind kind = ExportKind::batch;
 
     bool isDone() const { return state == State::done; }
+    bool isShortOfCredits() const
+    {
+        return state == State::tooFewCredits || refusal == ChargeResult::Refusal::tooFewCredits;
+    }
     QString sentence() const;    // for the user
 };
 
 // Renders all items to the staging folder, asks for what is not paid yet, and only then writes the
-// files, one after the other; what cannot be written is given back. Nothing reaches the
-// destinations unpaid, and every file is whole.
+// files, one after the other; if one cannot be written, all is given back. Nothing reaches the
+// destinations unpaid, and every file is whole. What the account cannot pay whatever comes out is
+// refused before anything is drawn.
 QCoro::Task<ExportOutcome> runExport(ExportRequest request, ExportServices services,
                                      std::shared_ptr<ExportControl> control);

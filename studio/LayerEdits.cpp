@@ -39,36 +39,46 @@ void hideSlotInSelectedItems(Batch& batch, CopySlot slot)
 }    // namespace
 
 void LayerEdits::applyLayerChangeToSelectedItems(Batch& batch, const TextLayer& layer,
-                                                 AlongFlags along)
+                                                 Copied copied)
 {
     for (const int index : BatchSelection::otherSelectedIndices(batch)) {
         TextLayer* target = batch.items.edit(index).layer(layer.slot);
         if (!target)
             continue;
-        TextLayerDesign(layer).apply(*target);
-        target->alignment = layer.alignment;
-        if (along & Along::frame)
-            target->frame = layer.frame;
-        if (along & Along::visibility)
+        switch (copied) {
+        case Copied::style:
+            TextLayerDesign(layer).apply(*target);
+            target->alignment = layer.alignment;
+            break;
+        case Copied::visibility:
             target->isVisible = layer.isVisible;
+            break;
+        case Copied::frame:
+            target->frame = layer.frame;
+            break;
+        }
     }
 }
 
-void LayerEdits::applyShapeChangeToSelectedItems(Batch& batch, const ShapeLayer& shape)
+void LayerEdits::applyShapeChangeToSelectedItems(Batch& batch, const ShapeLayer& shape,
+                                                 Copied copied)
 {
     for (const int index : BatchSelection::otherSelectedIndices(batch)) {
-        if (ShapeLayer* target = find(batch.items.edit(index).shapeLayers, shape.id))
-            *target = shape;
+        ShapeLayer* target = find(batch.items.edit(index).shapeLayers, shape.id);
+        if (target && copied == Copied::style)
+            ShapeLayerDesign(shape).apply(*target);
+        else if (target && copied == Copied::frame)
+            target->frame = shape.frame;
     }
 }
 
-void LayerEdits::editLayer(Batch& batch, const TextLayer& layer, AlongFlags along)
+void LayerEdits::editLayer(Batch& batch, const TextLayer& layer, Copied copied)
 {
     if (!batch.currentItem())
         return;
     if (TextLayer* target = find(batch.items.edit(batch.selectedIndex).layers, layer.id)) {
         *target = layer;
-        applyLayerChangeToSelectedItems(batch, layer, along);
+        applyLayerChangeToSelectedItems(batch, layer, copied);
     }
 }
 
@@ -78,7 +88,7 @@ void LayerEdits::editShape(Batch& batch, const ShapeLayer& shape)
         return;
     if (ShapeLayer* target = find(batch.items.edit(batch.selectedIndex).shapeLayers, shape.id)) {
         *target = shape;
-        applyShapeChangeToSelectedItems(batch, shape);
+        applyShapeChangeToSelectedItems(batch, shape, Copied::style);
     }
 }
 
@@ -117,9 +127,9 @@ void LayerEdits::syncCurrentCanvasEditsToSelectedItems(Batch& batch, QUuid moved
         return;
     PublicationItem current = *batch.currentItem();
     if (const TextLayer* text = find(current.layers, movedLayer))
-        applyLayerChangeToSelectedItems(batch, *text, Along::frame);
+        applyLayerChangeToSelectedItems(batch, *text, Copied::frame);
     else if (const ShapeLayer* shape = find(current.shapeLayers, movedLayer))
-        applyShapeChangeToSelectedItems(batch, *shape);
+        applyShapeChangeToSelectedItems(batch, *shape, Copied::frame);
 }
 
 void LayerEdits::addShape(Batch& batch, ShapeKind kind)

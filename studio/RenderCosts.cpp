@@ -245,18 +245,18 @@ void RenderCosts::finishLook()
         lookAtPhotos();
 }
 
-std::optional<int> RenderCosts::renderCreditCost(const QList<int>& indices) const
+std::optional<qint64> RenderCosts::renderCreditCost(const QList<int>& indices) const
 {
     qsizetype unpaid = 0;
     bool isComplete = true;
     for (const int index : indices) {
         const Payment payment = m_rows.value(index).payment;
         if (payment == Payment::unrenderable)
-            return exportCreditCost * int(indices.size());
+            return exportCreditCost * indices.size();
         isComplete &= payment != Payment::unknown;
         unpaid += payment == Payment::unpaid;
     }
-    return isComplete ? std::optional(exportCreditCost * int(unpaid)) : std::nullopt;
+    return isComplete ? std::optional(exportCreditCost * unpaid) : std::nullopt;
 }
 
 bool RenderCosts::isPaid(QUuid item) const

@@ -31,7 +31,7 @@ public:
 
     // Credits for exporting these items of the batch; nothing as long as it is not known. Where one
     // cannot be rendered, no earlier payment counts.
-    std::optional<int> renderCreditCost(const QList<int>& indices) const;
+    std::optional<qint64> renderCreditCost(const QList<int>& indices) const;
     // As it is or, until that is found out, was.
     bool isPaid(QUuid item) const;
     int paidVersion() const { return m_paidVersion; }    // rises when the paid ones are others

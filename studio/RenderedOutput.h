@@ -9,7 +9,7 @@
 
 class PhotoCache;
 
-inline constexpr int exportCreditCost = 50;    // of a render that is not paid for
+inline constexpr qint64 exportCreditCost = 50;    // of a render that is not paid for
 
 // Pixels of an exported picture.
 using OutputSize = std::function<QSizeF(SocialFormat)>;

@@ -75,20 +75,28 @@ void StudioExports::setPayment(CreditJournal& journal, const QString& stagingPla
 {
     m_journal = &journal;
     m_stagingPlace = stagingPlace;
-    connect(&journal, &CreditJournal::refunded, this, [this](int credits, const QString& what) {
-        m_refundToTell +=
-            u" Se han devuelto %1 créditos: %2 no llegó a terminar."_s.arg(credits).arg(what);
-        if (m_session.didRestoreWorkspace() && !m_control)
-            m_session.setStatus(std::exchange(m_refundToTell, {}).mid(1), StatusTone::done);
+    connect(&journal, &CreditJournal::refunded, this, [this](qint64 credits, const QString& what) {
+        tellLater(refundSentence(credits, what), StatusTone::done);
+    });
+    connect(&journal, &CreditJournal::lost, this, [this](qint64 credits, const QString& what) {
+        tellLater(lossSentence(credits, what), StatusTone::problem);
     });
     runOnWorker([stagingPlace] { StagingFolder::removeLeftovers(stagingPlace); });
+}
+
+// Not over what an export or a start tells: after it.
+void StudioExports::tellLater(const QString& sentence, StatusTone tone)
+{
+    m_refundToTell += u' ' + sentence;
+    if (m_session.didRestoreWorkspace() && !m_control)
+        m_session.setStatus(std::exchange(m_refundToTell, {}).mid(1), tone);
 }
 
 void StudioExports::tellOfRefund()
 {
     if (!m_refundToTell.isEmpty())
         m_session.setStatus(m_session.status() + std::exchange(m_refundToTell, {}),
-                            m_session.statusTone(), m_session.statusFolder());
+                            m_session.statusTone(), m_session.statusLink());
 }
 
 void StudioExports::follow()
@@ -175,6 +183,7 @@ void StudioExports::start(ExportKind kind, const QList<int>& indices,
     request.format = m_session.batch().format;
     request.outputSize = m_outputSize;
     request.destinations = destinations;
+    request.price = m_costs.renderCreditCost(indices);
     for (const int index : indices)
         request.items.append(m_session.batch().items.mid(index, 1));
     const ExportServices services{
@@ -189,7 +198,7 @@ void StudioExports::start(ExportKind kind, const QList<int>& indices,
         .paidMeanwhile = {}};
     m_control = std::make_shared<ExportControl>();
     m_control->progressed = [this](const ExportProgress& progress) { showProgress(progress); };
-    m_control->charging = [this](int cost) {
+    m_control->charging = [this](qint64 cost) {
         m_session.setStatus(u"Descontando %1 créditos..."_s.arg(cost));
     };
     showProgress({ExportProgress::Stage::rendering, 0, request.items.size()});
@@ -218,9 +227,11 @@ void StudioExports::finish(const ExportOutcome& outcome)
     m_progress.reset();
     if (outcome.state == ExportOutcome::State::notPrepared)
         m_costs.lookAtPhotos();
-    const QString folder =
-        outcome.isDone() ? QFileInfo(outcome.written.value(0)).absolutePath() : QString();
-    m_session.setStatus(outcome.sentence(), toneOf(outcome), folder);
+    StatusLink link;
+    if (outcome.isDone())
+        link.folder = QFileInfo(outcome.written.value(0)).absolutePath();
+    link.isPurchase = outcome.isShortOfCredits();
+    m_session.setStatus(outcome.sentence(), toneOf(outcome), link);
     Q_EMIT changed();
     tellOfRefund();
 }

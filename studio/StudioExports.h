@@ -7,6 +7,7 @@
 #include <QTimer>
 
 class StudioSession;
+enum class StatusTone;
 
 // The exports of a session's batch and what they would cost.
 class StudioExports : public QObject {
@@ -22,8 +23,11 @@ public:
     // The session's batch was changed.
     void follow();
     void lookAtPhotos() { m_costs.lookAtPhotos(); }
-    std::optional<int> displayedExportCurrentCost() const { return m_displayedExportCurrentCost; }
-    std::optional<int> displayedExportAllCost() const { return m_displayedExportAllCost; }
+    std::optional<qint64> displayedExportCurrentCost() const
+    {
+        return m_displayedExportCurrentCost;
+    }
+    std::optional<qint64> displayedExportAllCost() const { return m_displayedExportAllCost; }
     bool isPaid(QUuid item) const { return m_costs.isPaid(item); }
     bool areCostsUpToDate() const { return m_costs.isUpToDate(); }
 
@@ -40,6 +44,7 @@ Q_SIGNALS:
     void costsChanged();
 
 private:
+    void tellLater(const QString& sentence, StatusTone tone);
     std::optional<QList<int>> indicesOf(const QList<QUuid>& items);
     void start(ExportKind kind, const QList<int>& indices, const QStringList& destinations);
     static QCoro::Task<> runToEnd(QPointer<StudioExports> self, ExportRequest request,
@@ -52,7 +57,7 @@ private:
     std::shared_ptr<PhotoCache> m_photos;
     const OutputSize m_outputSize;
     RenderCosts m_costs;
-    std::optional<int> m_displayedExportCurrentCost, m_displayedExportAllCost;
+    std::optional<qint64> m_displayedExportCurrentCost, m_displayedExportAllCost;
     int m_shownPaidVersion = 0;
     QTimer m_costsAreLate;
     QString m_refundToTell;    // that came back while something else was being told

@@ -1,6 +1,7 @@
 #include "studio/StudioSession.h"
 
 #include "canvas/ImagePlacementGeometry.h"
+#include "model/PlainText.h"
 #include "platform/PreferencesStore.h"
 #include "studio/BatchSelection.h"
 #include "studio/StepName.h"
@@ -165,16 +166,25 @@ void StudioSession::saveAfter(Pace pace)
         saveWorkspace();
 }
 
+// Where no lock could be had, on a full disk for instance, another window may be open.
+bool StudioSession::claimStore()
+{
+    const auto writer = WorkspaceStore::writer(m_preferences);
+    m_isStoreOfAnother = writer != m_writerSeen && writer != m_writer;
+    return !m_isStoreOfAnother &&
+           (writer == m_writer || WorkspaceStore::setWriter(m_preferences, m_writer));
+}
+
 // What was paid for is stored, and its payment settled, both or neither.
 bool StudioSession::store()
 {
     const auto save = [this] {
-        return WorkspaceStore::save(m_preferences, m_encoder, m_batch) &&
+        return claimStore() && WorkspaceStore::save(m_preferences, m_encoder, m_batch) &&
                std::ranges::all_of(m_settledEntries, [this](const QString& entry) {
                    return m_preferences.remove(entry);
                });
     };
-    const bool isStored = m_settledEntries.isEmpty() ? save() : m_preferences.transaction(save);
+    const bool isStored = m_preferences.transaction(save);
     if (isStored)
         m_settledEntries.clear();
     return isStored;
@@ -183,22 +193,38 @@ bool StudioSession::store()
 void StudioSession::saveWorkspace()
 {
     m_saveLater.stop();
-    if (!didRestoreWorkspace())
+    if (!didRestoreWorkspace() || m_isStoreOfAnother)
         return;
     keepWhatIsStored();
     const bool isAside = !m_notYetAside || WorkspaceStore::setAside(m_preferences, *m_notYetAside);
     if (isAside)
         m_notYetAside.reset();
     if (!isAside || !store()) {
-        m_saveLater.start(pauseBeforeRetry);
-        if (!std::exchange(m_saveFailed, true)) {
-            setStatus(u"No se pudo guardar la sesión. ¿Queda espacio en el disco? Puedes seguir: "
-                      "se vuelve a intentar con cada cambio."_s,
-                      StatusTone::problem);
-        }
+        const bool isNews = !std::exchange(m_saveFailed, true) || m_isStoreOfAnother;
+        if (!m_isStoreOfAnother)
+            m_saveLater.start(pauseBeforeRetry);
+        if (isNews)
+            setStatus(failedSaving(), StatusTone::problem);
     } else if (std::exchange(m_saveFailed, false)) {
         setStatus(u"La sesión vuelve a guardarse."_s, StatusTone::done);
+        tellOfStore();
     }
+}
+
+QString StudioSession::failedSaving() const
+{
+    if (m_isStoreOfAnother) {
+        return u"Otra ventana de Moltiva guarda ahora el lote: lo que cambies en esta no se "
+               "guardará."_s;
+    }
+    return u"No se pudo guardar la sesión: %1. Puedes seguir: se vuelve a intentar con cada cambio."_s
+        .arg(m_preferences.reason());
+}
+
+void StudioSession::tellOfStore()
+{
+    if (const QString problem = m_preferences.takeProblem(); !problem.isEmpty())
+        setStatus(problem, StatusTone::problem);
 }
 
 // A store that opens only now may hold a batch that nobody has seen yet.
@@ -207,6 +233,7 @@ void StudioSession::keepWhatIsStored()
     if (!m_isStoredUnseen || !m_preferences.open())
         return;
     m_isStoredUnseen = false;
+    m_writerSeen = WorkspaceStore::writer(m_preferences);
     if (const auto document = WorkspaceStore::stored(m_preferences))
         m_notYetAside = *document;
 }
@@ -217,6 +244,7 @@ void StudioSession::restoreWorkspaceIfNeeded()
         return;
     m_restore = Restore::running;
     m_isStoredUnseen = !m_preferences.isReadable();
+    m_writerSeen = WorkspaceStore::writer(m_preferences);
     const auto document = WorkspaceStore::stored(m_preferences);
     if (document && m_batch.items.isEmpty())
         runRestore(this, *document, m_photos);
@@ -263,6 +291,7 @@ void StudioSession::finishRestore(const WorkspaceStore::Restored& restored,
     }
     if (m_batch.items.isEmpty())
         setStatus(startStatus());    // and not how far the restoring came
+    tellOfStore();
     Q_EMIT batchChanged();
     m_exports.tellOfRefund();
     if (!m_loadAfterRestore.isEmpty())
@@ -318,13 +347,11 @@ void StudioSession::finishRestoreAside(const WorkspaceStore::Restored& restored)
         WorkspaceStore::clearAside(m_preferences);
 }
 
-void StudioSession::setStatus(const QString& status, StatusTone tone, const QString& folder,
-                              const QStringList& details)
+void StudioSession::setStatus(const QString& status, StatusTone tone, const StatusLink& link)
 {
     m_status = status;
     m_statusTone = tone;
-    m_statusFolder = folder;
-    m_statusDetails = details;
+    m_statusLink = link;
     m_statusTold.start();
     if (!std::exchange(m_isStatusOfThisTurn, true)) {
         QMetaObject::invokeMethod(
@@ -408,8 +435,8 @@ void StudioSession::finishImport(const std::optional<PhotoImport::Imported>& imp
         const qsizetype unread = imported->unreadable.size();
         if (unread == 0)
             return setStatus(sentence, tone);
-        setStatus(sentence + u' ' + unreadableSentence(unread), StatusTone::problem, {},
-                  imported->unreadable);
+        setStatus(sentence + u' ' + unreadableSentence(unread), StatusTone::problem,
+                  {.details = imported->unreadable});
     };
     if (imported && !imported->items.isEmpty()) {
         const ResultStep step(*this);
@@ -528,8 +555,8 @@ void StudioSession::removeItem(QUuid id)
     const auto item = std::ranges::find(m_batch.items, id, &PublicationItem::id);
     if (item == m_batch.items.end())
         return;
-    setStatus(u"%1 descartada. Quedan %2 imagen(es)."_s.arg(
-                  item->filename(), QString::number(m_batch.items.size() - 1)),
+    setStatus(u"%1 descartada. Quedan %2."_s.arg(
+                  item->filename(), counted(m_batch.items.size() - 1, u"imagen", u"imágenes")),
               StatusTone::done);
     change([id](Batch& batch) { BatchSelection::removeItem(batch, id); });
 }
@@ -553,9 +580,9 @@ void StudioSession::setText(CopySlot slot, const QString& text, Pace pace)
         pace);
 }
 
-void StudioSession::editLayer(const TextLayer& layer, LayerEdits::AlongFlags along, Pace pace)
+void StudioSession::editLayer(const TextLayer& layer, LayerEdits::Copied copied, Pace pace)
 {
-    change([&](Batch& batch) { LayerEdits::editLayer(batch, layer, along); }, pace);
+    change([&](Batch& batch) { LayerEdits::editLayer(batch, layer, copied); }, pace);
 }
 
 void StudioSession::editShape(const ShapeLayer& shape, Pace pace)
@@ -570,8 +597,8 @@ void StudioSession::setPlacement(const ImagePlacement& placement, Pace pace)
             if (!batch.currentItem())
                 return;
             PublicationItem& item = batch.items.edit(batch.selectedIndex);
-            item.placement = ImagePlacementGeometry::clamped(placement, item.image.size,
-                                                             designSize(batch.format));
+            item.placement = ImagePlacementGeometry::moved(item.placement, placement,
+                                                           item.image.size, batch.format);
         },
         pace);
 }
@@ -621,7 +648,9 @@ void StudioSession::endCanvasHistoryEdit(QUuid movedLayer)
     const Batch before = *m_history.endCanvasEdit();
     if (before == m_batch)
         return;
-    registerUndo(before, StudioHistory::Changes::single);
+    // What only selected another layer, as a pan that moves nothing does, is no step.
+    if (!(before.items == m_batch.items))
+        registerUndo(before, StudioHistory::Changes::single);
     saveAfter(Pace::once);
     Q_EMIT batchChanged();    // last: who hears of it asks for the step, too
 }
@@ -669,9 +698,9 @@ void StudioSession::applyTemplate(const QString& name, const TemplateApplication
     if (reached.isEmpty())
         return;
     Q_EMIT aboutToMove();
-    setStatus(
-        u"Plantilla «%1» aplicada a %2 imagen(es)."_s.arg(name, QString::number(reached.size())),
-        StatusTone::done);
+    setStatus(u"Plantilla «%1» aplicada a %2."_s.arg(
+                  name, counted(reached.size(), u"imagen", u"imágenes")),
+              StatusTone::done);
     m_history.endContinuousChanges();    // a click is a step of its own
     change([&](Batch& batch) {
         for (const int index : reached)
@@ -693,8 +722,8 @@ void StudioSession::applyStyle(const DesignTemplate& style)
     }
     TextLayer changed = *text;
     style.style.apply(changed);
-    setStatus(u"Estilo «%1» aplicado a %2 imagen(es)."_s.arg(
-                  style.name, QString::number(selectedIndicesForBatch().size())),
+    setStatus(u"Estilo «%1» aplicado a %2."_s.arg(
+                  style.name, counted(selectedIndicesForBatch().size(), u"imagen", u"imágenes")),
               StatusTone::done);
     m_history.endContinuousChanges();
     editLayer(changed);

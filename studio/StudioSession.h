@@ -27,8 +27,13 @@ class CreditJournal;
 class PreferencesStore;
 struct TextSheet;
 
-// What a sentence in the status line tells.
+// What a sentence in the status line tells, and where it leads.
 enum class StatusTone { info, done, problem, failure };
+struct StatusLink {
+    QString folder = {};         // of the files that it tells of; empty for none
+    bool isPurchase = false;     // of credits
+    QStringList details = {};    // the names of what it only counts
+};
 
 // The state of the main window and its commands. Lives on the interface thread; whoever shows it
 // looks again after batchChanged(), and compares the items it knew: unchanged ones are equal and
@@ -52,14 +57,11 @@ public:
     const Batch& batch() const { return m_batch; }
     QString status() const { return m_status; }
     StatusTone statusTone() const { return m_statusTone; }
-    // The folder of the files that the status tells of; empty for none.
-    const QString& statusFolder() const { return m_statusFolder; }
-    // The names of what the status only counts; empty for nothing.
-    const QStringList& statusDetails() const { return m_statusDetails; }
+    const StatusLink& statusLink() const { return m_statusLink; }
     // Also for who works with the session. A sentence is gone with the next change of the batch,
     // unless it was told in the same turn of the event loop; a problem that is not read yet stays.
     void setStatus(const QString& status, StatusTone tone = StatusTone::info,
-                   const QString& folder = {}, const QStringList& details = {});
+                   const StatusLink& link = {});
     CopyGenerationMode generationMode() const { return m_generationMode; }
     // The signed-in account; outlives the session.
     AccountSession* accountSession() const { return m_accountSession; }
@@ -123,8 +125,9 @@ public:
     void setCurrentItem(const PublicationItem& item, Pace pace = Pace::once);
     // The text of the current item alone. Typing into a hidden one shows it.
     void setText(CopySlot slot, const QString& text, Pace pace = Pace::once);
-    // An edit of a layer of the current item, which reaches the other selected items.
-    void editLayer(const TextLayer& layer, LayerEdits::AlongFlags along = {},
+    // An edit of a layer of the current item; what is copied of it reaches the other selected
+    // items.
+    void editLayer(const TextLayer& layer, LayerEdits::Copied copied = LayerEdits::Copied::style,
                    Pace pace = Pace::once);
     void editShape(const ShapeLayer& shape, Pace pace = Pace::once);
     void setPlacement(const ImagePlacement& placement, Pace pace = Pace::once);
@@ -150,11 +153,14 @@ public:
     void applyStyle(const DesignTemplate& style);
 
     // What exporting would cost now, in credits; nothing while that is being found out.
-    std::optional<int> displayedExportCurrentCost() const
+    std::optional<qint64> displayedExportCurrentCost() const
     {
         return m_exports.displayedExportCurrentCost();
     }
-    std::optional<int> displayedExportAllCost() const { return m_exports.displayedExportAllCost(); }
+    std::optional<qint64> displayedExportAllCost() const
+    {
+        return m_exports.displayedExportAllCost();
+    }
     bool areCostsUpToDate() const { return m_exports.areCostsUpToDate(); }
     // The item as it stands was paid for.
     bool isPaid(QUuid item) const { return m_exports.isPaid(item); }
@@ -215,9 +221,12 @@ private:
     void registerUndo(const Batch& before, StudioHistory::Changes changes);
     void applyHistorySnapshot(StudioHistorySnapshot snapshot);
     Batch withPaymentsOfNow(Batch batch) const;
+    bool claimStore();
     bool store();
     void keepWhatIsStored();
     void saveAfter(Pace pace);
+    QString failedSaving() const;
+    void tellOfStore();
     static QCoro::Task<> runRestore(QPointer<StudioSession> session, QByteArray document,
                                     std::shared_ptr<PhotoCache> photos);
     void finishRestore(const WorkspaceStore::Restored& restored, const QByteArray& document);
@@ -244,11 +253,13 @@ private:
     bool m_isStoredUnseen = false;              // the store could not be read when it was asked
     std::optional<QByteArray> m_notYetAside;    // to be set aside before anything is stored
     bool m_saveFailed = false;                  // and the user was told
+    const QByteArray m_writer = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
+    std::optional<QByteArray> m_writerSeen;    // the last one that may be replaced
+    bool m_isStoreOfAnother = false;           // of a window that began to store after this one
     StyleClipboard m_copiedStyle;
     QString m_status;
     StatusTone m_statusTone = StatusTone::info;
-    QString m_statusFolder;
-    QStringList m_statusDetails;
+    StatusLink m_statusLink;
     QElapsedTimer m_statusTold;
     bool m_isStatusOfThisTurn = false;
     AccountSession* m_accountSession = nullptr;

@@ -11,12 +11,71 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
+const QString notText = u"no es un archivo CSV"_s;
 constexpr int mostRows = 20'000;    // far more than a batch; a hostile file may hold millions
 
-// The text with \n as the only line end, the last line's included.
-QByteArray withPlainLineEnds(QByteArrayView bytes)
+// Nothing when it is cut off, or no text at all.
+std::optional<QByteArray> fromUtf16(QByteArrayView bytes)
 {
-    QByteArray text = bytes.toByteArray();
+    using Flag = QStringDecoder::Flag;
+    constexpr QByteArrayView bigEndianMark("\xFE\xFF"), littleEndianMark("\xFF\xFE");
+    const bool isBig = bytes.startsWith(bigEndianMark) || (bytes.size() > 1 && bytes[0] == '\0');
+    if (bytes.startsWith(bigEndianMark) || bytes.startsWith(littleEndianMark))
+        bytes = bytes.sliced(2);
+    QStringDecoder decoder(isBig ? QStringDecoder::Utf16BE : QStringDecoder::Utf16LE,
+                           Flag::Stateless);
+    const QString text = decoder(bytes);
+    if (decoder.hasError() || bytes.size() % 2 != 0 || !text.isValidUtf16())
+        return std::nullopt;
+    return text.toUtf8();
+}
+
+// By a mark, or by the zeros of the header's first character.
+bool isUtf16(QByteArrayView bytes)
+{
+    return bytes.startsWith("\xFE\xFF") || bytes.startsWith("\xFF\xFE") ||
+           (bytes.size() > 1 && (bytes[0] == '\0') != (bytes[1] == '\0'));
+}
+
+// Its letters beyond ASCII are single bytes, which among UTF-8 stand only in what is spoilt.
+bool isWindows1252(QByteArrayView bytes)
+{
+    qsizetype sequences = 0, strays = 0;
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        const auto lead = uchar(bytes[i]);
+        if (lead < 0x80)
+            continue;
+        const int more = lead >= 0xC2 && lead < 0xE0   ? 1
+                         : lead >= 0xE0 && lead < 0xF0 ? 2
+                         : lead >= 0xF0 && lead < 0xF5 ? 3
+                                                       : 0;
+        const QByteArrayView rest =
+            bytes.sliced(i + 1, std::min<qsizetype>(more, bytes.size() - i - 1));
+        const bool isWhole = more > 0 && rest.size() == more &&
+                             std::ranges::all_of(rest, [](char c) { return (c & 0xC0) == 0x80; });
+        ++(isWhole ? sequences : strays);
+        i += isWhole ? more : 0;
+    }
+    return strays > sequences && !bytes.contains('\0');
+}
+
+// The same text in UTF-8; nothing when it is none.
+std::optional<QByteArray> inUtf8(QByteArrayView bytes)
+{
+    if (bytes.startsWith(byteOrderMark))
+        return bytes.sliced(byteOrderMark.size()).toByteArray();
+    if (isUtf16(bytes))
+        return fromUtf16(bytes);
+    QStringDecoder windows("windows-1252", QStringDecoder::Flag::Stateless);
+    if (!isWindows1252(bytes) || !windows.isValid())
+        return bytes.toByteArray();
+    const QString text = windows(bytes);
+    return text.toUtf8();
+}
+
+// The text with \n as the only line end, the last line's included.
+QByteArray withPlainLineEnds(QByteArray text)
+{
     text.replace("\r\n", "\n").replace('\r', '\n');
     if (!text.endsWith('\n'))
         text.append('\n');
@@ -134,7 +193,7 @@ Header headerOf(const SheetRecord& record)
     for (const QByteArray& cell : record.cells) {
         const auto name = decoded(cell);
         if (!name || std::ranges::any_of(*name, isControl))
-            return {{}, u"no es un archivo CSV en UTF-8"_s};
+            return {{}, notText};
         const auto column = columnNamed(*name);
         if (column && header.columns.contains(column))
             return {{}, u"la columna «%1» está dos veces"_s.arg(rawValue(*column))};
@@ -187,9 +246,10 @@ SheetRow rowOf(const SheetRecord& record, const Header& header)
 
 TextSheet readTextSheet(QByteArrayView bytes)
 {
-    if (bytes.startsWith(byteOrderMark))
-        bytes = bytes.sliced(byteOrderMark.size());
-    const QByteArray text = withPlainLineEnds(bytes);
+    const std::optional<QByteArray> decodedText = inUtf8(bytes);
+    if (!decodedText)
+        return {{}, notText};
+    const QByteArray text = withPlainLineEnds(*decodedText);
     const auto start = headerStart(text);
     if (!start)
         return {{}, u"está vacío"_s};

@@ -84,8 +84,8 @@ struct TextSheet {
     QString error;           // why nothing of it can be read, as the end of a sentence
 };
 
-// What a file holds: UTF-8, a header row, commas or semicolons, any line ends. Whatever is wrong
-// with a row spoils no other one.
+// What a file holds: UTF-8, UTF-16 or, as older spreadsheets write it, Windows-1252; a header row,
+// commas or semicolons, any line ends. Whatever is wrong with a row spoils no other one.
 TextSheet readTextSheet(QByteArrayView bytes);
 
 // The name of a file as it is compared: without blanks around it, its accents in one form.

@@ -1,8 +1,10 @@
 #include "studio/TextSheetFile.h"
 
+#include "model/PlainText.h"
 #include "platform/AtomicFile.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -41,6 +43,9 @@ QString listed(const QStringList& numbers)
 TextSheet readTextSheetFile(const QString& path)
 {
     QFile file(path);
+    // Nor a pipe, which could be waited for without end.
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
+        return {{}, u"no es un archivo"_s};
     if (!file.open(QIODevice::ReadOnly))
         return {{}, u"no se puede abrir (%1)"_s.arg(file.errorString())};
     constexpr qint64 most = largestFile * 1024LL * 1024LL;
@@ -57,12 +62,13 @@ QString writeTextSheetFile(const QString& path, const PublicationItems& items)
 
 QString sentenceOn(const SheetMatch& match)
 {
-    QString sentence = u"Textos aplicados a %1 imagen(es)."_s.arg(match.filledImages());
+    QString sentence =
+        u"Textos aplicados a %1."_s.arg(counted(match.filledImages(), u"imagen", u"imágenes"));
     if (match.problems.isEmpty())
         return sentence;
     QStringList reasons;
     for (const Group& group : grouped(match.problems))
         reasons.append(u"%1 (%2)"_s.arg(listed(group.numbers), row(group.fault).reason));
-    return sentence + u" %1 fila(s) sin aplicar: %2."_s.arg(QString::number(match.problems.size()),
-                                                            reasons.join(u"; "_s));
+    return sentence + u" %1 sin aplicar: %2."_s.arg(
+                          counted(match.problems.size(), u"fila", u"filas"), reasons.join(u"; "_s));
 }

@@ -1,5 +1,6 @@
 #include "studio/TextTransfer.h"
 
+#include "model/PlainText.h"
 #include "platform/Workers.h"
 #include "studio/StudioSession.h"
 #include "studio/TextSheetFile.h"
@@ -64,9 +65,9 @@ QCoro::Task<> exportTexts(QPointer<StudioSession> session, QString path)
         co_return;
     const QString name = QFileInfo(path).fileName();
     if (failure.isEmpty())
-        session->setStatus(
-            u"Textos de %1 imagen(es) guardados en %2."_s.arg(QString::number(items.size()), name),
-            StatusTone::done);
+        session->setStatus(u"Textos de %1 guardados en %2."_s.arg(
+                               counted(items.size(), u"imagen", u"imágenes"), name),
+                           StatusTone::done);
     else
         session->setStatus(u"No se pudieron guardar los textos en %1 (%2)."_s.arg(name, failure),
                            StatusTone::problem);

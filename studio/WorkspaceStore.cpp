@@ -16,6 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString workspaceKey = u"moltiva.workspaceSnapshot"_s;
+const QString writerKey = u"moltiva.workspaceWriter"_s;
 constexpr int mostAside = 9;
 
 // Counted from 1.
@@ -146,6 +147,16 @@ bool WorkspaceStore::clear(PreferencesStore& preferences)
 std::optional<QByteArray> WorkspaceStore::stored(const PreferencesStore& preferences)
 {
     return preferences.value(workspaceKey);
+}
+
+std::optional<QByteArray> WorkspaceStore::writer(const PreferencesStore& preferences)
+{
+    return preferences.value(writerKey);
+}
+
+bool WorkspaceStore::setWriter(PreferencesStore& preferences, const QByteArray& writer)
+{
+    return preferences.setValue(writerKey, writer);
 }
 
 bool WorkspaceStore::setAside(PreferencesStore& preferences, const QByteArray& document)

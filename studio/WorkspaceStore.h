@@ -24,6 +24,11 @@ bool save(PreferencesStore& preferences, WorkspaceEncoder& encoder, const Batch&
 bool clear(PreferencesStore& preferences);
 std::optional<QByteArray> stored(const PreferencesStore& preferences);
 
+// Who stored the batch last, as a name that it gave itself: of two windows that know nothing of
+// each other, the one that finds another's name leaves what is stored alone.
+std::optional<QByteArray> writer(const PreferencesStore& preferences);
+bool setWriter(PreferencesStore& preferences, const QByteArray& writer);
+
 // Another place for a document that could not be read, or only in part, before another takes its
 // place: a drive may only be unplugged. What lies there already stays, the latest nine of it; the
 // last one is asked for first.

@@ -224,7 +224,10 @@ DefinitionFile readDefinition(QByteArrayView bytes)
 DefinitionFile readDefinitionFile(const QString& path)
 {
     QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+    // Nor a pipe, which could be waited for without end.
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
+        return {std::nullopt, u"no es un archivo"_s};
+    if (!file.open(QIODevice::ReadOnly))
         return {std::nullopt, u"no se puede abrir"_s};
     DefinitionFile read = readDefinition(file.read(largestFile + 1));
     if (read.definition)

@@ -29,7 +29,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int requestIds = 16;
-constexpr std::array costs{3, 250, 2500};    // all reserved at once is far more than there is
+constexpr std::array<qint64, 3> costs{3, 250,
+                                      2500};    // all reserved at once is far more than there is
 
 enum class Move { reserve, refund };
 
@@ -37,13 +38,13 @@ enum class Move { reserve, refund };
 struct Acknowledged {
     Move move;
     QString requestId;
-    int cost = 0;
+    qint64 cost = 0;
     qint64 asked = 0, known = 0;
 };
 
 struct Entry {
     QString kind, requestId;
-    int amount = 0, balance = 0;
+    qint64 amount = 0, balance = 0;
     qint64 created = 0;
 };
 
@@ -101,7 +102,7 @@ std::string registered(const RunningService& service)
     return reply && reply->status == 200 ? cookieOf(*reply) : std::string();
 }
 
-int reportedBalance(const RunningService& service, const std::string& cookie)
+qint64 reportedBalance(const RunningService& service, const std::string& cookie)
 {
     httplib::Client client(service.address());
     const auto reply = client.Get("/api/auth/me", httplib::Headers{{"Cookie", cookie}});
@@ -170,9 +171,9 @@ public:
 
     int violations() const { return m_violations; }
 
-    void judgeSums(int reported)
+    void judgeSums(qint64 reported)
     {
-        int sum = 0;
+        qint64 sum = 0;
         for (const Entry& entry : m_entries) {
             sum += entry.amount;
             expect(sum == entry.balance, "an entry's balance is not the sum so far");
@@ -286,7 +287,7 @@ int run(const Options& options)
     isOver = true;
     for (std::thread& client : clients)
         client.join();
-    const int reported = kills ? reportedBalance(service, cookie) : -1;
+    const qint64 reported = kills ? reportedBalance(service, cookie) : -1;
     const bool endedWell = service.end();
 
     const QList<Entry> entries = ledger(data.filePath(u"servicio.sqlite"_s));
@@ -306,11 +307,12 @@ int run(const Options& options)
         std::printf(status ? "status %d: %d\n" : "no answer (%d): %d\n", status, count);
         all += count;
     }
-    std::printf("%d clients, %d s: %.0f requests/s, %lld acknowledged, %lld entries, balance %d, "
+    std::printf("%d clients, %d s: %.0f requests/s, %lld acknowledged, %lld entries, balance %lld, "
                 "%d kills, %d violations%s\n",
                 options.clients, options.seconds, double(all) / options.seconds,
-                qlonglong(acknowledged), qlonglong(entries.size()), reported, kills.value_or(-1),
-                judge.violations(), endedWell ? "" : ", the service did not end well");
+                qlonglong(acknowledged), qlonglong(entries.size()), qlonglong(reported),
+                kills.value_or(-1), judge.violations(),
+                endedWell ? "" : ", the service did not end well");
     return judge.violations() == 0 && kills && endedWell && acknowledged > 0 ? 0 : 1;
 }
 

@@ -47,7 +47,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize windowSizes[] = {{1280, 800}, {1440, 900}, {2560, 1440}};
+constexpr QSize windowSizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
 constexpr int longestWait = 60000;    // ms, for photos and pictures
 
 class Screens {
@@ -134,6 +134,24 @@ private:
         return reached && take(u"exported"_s);
     }
 
+    // As on the canvas, in all selected images.
+    template <typename Layer>
+    void drag(Layer layer, const CodableRect& frame)
+    {
+        layer.frame = frame;
+        PublicationItem item = current();
+        const auto put = [](auto& layers, const auto& moved) {
+            *std::ranges::find(layers, moved.id, &Layer::id) = moved;
+        };
+        if constexpr (std::is_same_v<Layer, TextLayer>)
+            put(item.layers, layer);
+        else
+            put(item.shapeLayers, layer);
+        m_session.beginCanvasHistoryEdit();
+        m_session.commitCanvasItem(item);
+        m_session.endCanvasHistoryEdit(layer.id);
+    }
+
     // A design on four images: a headline without a box, a panel below with text and a button.
     void design()
     {
@@ -145,22 +163,23 @@ private:
                           u"Casas rurales con chimenea, a un paso del sendero."_s);
         m_session.setText(CopySlot::callToAction, u"Reserva ahora"_s);
         m_session.addShape(ShapeKind::rectangle);
+        drag(current().shapeLayers.last(), {0.07, 0.69, 0.86, 0.25});
         ShapeLayer box = current().shapeLayers.last();
-        box.frame = {0.07, 0.69, 0.86, 0.25};
         box.fill = CodableColor(QColor(0x10221A));
         box.fillOpacity = 0.84;
         m_session.editShape(box);
         m_session.addShape(ShapeKind::line);
+        drag(current().shapeLayers.last(), {0.07, 0.3, 0.13, 0.02});
         ShapeLayer line = current().shapeLayers.last();
-        line.frame = {0.07, 0.3, 0.13, 0.02};
         line.stroke = CodableColor(QColor(0xF7EBDD));
         line.strokeOpacity = 1;
         m_session.editShape(line);
         const auto edit = [this](CopySlot slot, const CodableRect& frame, auto change) {
             TextLayer layer = *std::ranges::find(current().layers, slot, &TextLayer::slot);
+            drag(layer, frame);
             layer.frame = frame;
             change(layer);
-            m_session.editLayer(layer, LayerEdits::Along::frame);
+            m_session.editLayer(layer);
         };
         edit(CopySlot::title, {0.05, 0.05, 0.9, 0.23}, [](TextLayer& layer) {
             layer.alignment = LayerTextAlignment::leading;

@@ -10,7 +10,7 @@ namespace {
 constexpr int costChipHeight = 20, chipCoin = 14, chipCoinGap = 4;
 constexpr Type numberType = Type::small;
 
-int digitsOf(int number)
+int digitsOf(qint64 number)
 {
     return int(QString::number(number).size());
 }
@@ -42,7 +42,7 @@ QString CostChip::spoken() const
 
 int CostChip::shownDigits() const
 {
-    return digitsOf(std::max(m_cost.most, m_cost.credits.value_or(0)));
+    return digitsOf(std::max(m_cost.most, m_cost.credits.value_or(qint64(0))));
 }
 
 QSize CostChip::sizeHint() const

@@ -5,9 +5,9 @@
 
 // What something costs, in credits, where there may be more than are left.
 struct Cost {
-    std::optional<int> credits = {};    // nothing while it is being found out
-    int balance = 0;
-    int most = 0;    // what it may cost at other times, which the coin leaves room for
+    std::optional<qint64> credits = {};    // nothing while it is being found out
+    qint64 balance = 0;
+    qint64 most = 0;    // what it may cost at other times, which the coin leaves room for
     bool isShort() const { return credits && *credits > balance; }
     bool operator==(const Cost&) const = default;
 };

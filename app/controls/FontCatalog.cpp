@@ -3,6 +3,7 @@
 #include "canvas/TextFitting.h"
 
 #include <QFontDatabase>
+#include <QRawFont>
 #include <QSet>
 
 using namespace Qt::StringLiterals;
@@ -12,6 +13,13 @@ namespace {
 QString joined(const QString& style)
 {
     return QString(style).remove(u' ').toCaseFolded();
+}
+
+// Foundries in brackets tell apart what a stored name does not.
+QString withoutFoundry(const QString& family)
+{
+    const auto bracket = family.indexOf(" ["_L1);
+    return bracket > 0 ? family.left(bracket) : family;
 }
 
 QFont drawnFont(const QString& storedName, CopySlot slot)
@@ -28,11 +36,8 @@ QStringList foldFamilies(const QStringList& families,
                          const std::function<QStringList(const QString&)>& stylesOf)
 {
     QStringList whole;
-    for (const QString& family : families) {
-        // Foundries in brackets tell apart what a stored name does not.
-        const auto bracket = family.indexOf(" ["_L1);
-        whole.append(bracket > 0 ? family.left(bracket) : family);
-    }
+    for (const QString& family : families)
+        whole.append(withoutFoundry(family));
     whole.removeDuplicates();
     const QSet<QString> known(whole.cbegin(), whole.cend());
     const auto isFace = [&](const QString& family) {
@@ -53,6 +58,12 @@ QStringList foldFamilies(const QStringList& families,
     return whole;
 }
 
+bool isForWords(const QString& family)
+{
+    return !QFontDatabase::writingSystems(family).contains(QFontDatabase::Symbol) &&
+           !family.split(u' ').contains("Math"_L1);
+}
+
 const QStringList& FontCatalog::families()
 {
     if (m_families.isEmpty()) {
@@ -64,6 +75,7 @@ const QStringList& FontCatalog::families()
         });
         m_families =
             foldFamilies(all, [](const QString& family) { return QFontDatabase::styles(family); });
+        std::ranges::stable_partition(m_families, &isForWords);
     }
     return m_families;
 }
@@ -73,9 +85,12 @@ const QList<FontFace>& FontCatalog::faces(const QString& family)
     if (const auto known = m_faces.constFind(family); known != m_faces.cend())
         return *known;
     QStringList styles = QFontDatabase::styles(family);
-    styles.removeIf([](const QString& style) {
-        return QStringList{u"Regular"_s, u"Book"_s, u"Roman"_s, u"Normal"_s}.contains(style);
-    });
+    // The system may leave the regular face out of its list; asked for one that is not there, it
+    // gives another.
+    const QString regular = u"Regular"_s;
+    if (!styles.contains(regular) &&
+        QRawFont::fromFont(QFontDatabase::font(family, regular, 12)).styleName() == regular)
+        styles.append(regular);
     const auto rank = [&family](const QString& style) {
         return std::tuple(QFontDatabase::weight(family, style),
                           QFontDatabase::italic(family, style), style);
@@ -85,6 +100,25 @@ const QList<FontFace>& FontCatalog::faces(const QString& family)
     for (const QString& style : styles)
         faces.append({style, family + u' ' + style});
     return *m_faces.insert(family, faces);
+}
+
+QString FontCatalog::usualFace(const QString& family)
+{
+    const QList<FontFace>& all = faces(family);
+    for (const QString& usual : {u"Regular"_s, u"Roman"_s, u"Normal"_s, u"Book"_s}) {
+        const auto face = std::ranges::find(all, usual, &FontFace::name);
+        if (face != all.end())
+            return face->storedName;
+    }
+    return drawnFace(family);
+}
+
+QString drawnFace(const QString& storedName)
+{
+    const QRawFont drawn = QRawFont::fromFont(drawnFont(storedName, CopySlot::subtitle));
+    return drawn.styleName().isEmpty()
+               ? storedName
+               : withoutFoundry(drawn.familyName()) + u' ' + drawn.styleName();
 }
 
 bool isInstalled(const QString& storedName)

@@ -14,11 +14,13 @@ struct FontFace {
 // The installed fonts as a person looks for them. Asks the system at the first question.
 class FontCatalog {
 public:
-    // Without families that are only a face of another, such as "Inter Black" beside "Inter".
+    // Without families that are only a face of another, such as "Inter Black" beside "Inter"; those
+    // of symbols and mathematics last.
     const QStringList& families();
-    // From thin to black, upright before slanted, without the regular one: its family stands for
-    // it.
+    // All that are installed, from thin to black, upright before slanted.
     const QList<FontFace>& faces(const QString& family);
+    // The stored name of its regular face, or of the one drawn for the family where it has none.
+    QString usualFace(const QString& family);
 
 private:
     QStringList m_families;
@@ -29,6 +31,9 @@ private:
 QStringList foldFamilies(const QStringList& families,
                          const std::function<QStringList(const QString&)>& stylesOf);
 
+bool isForWords(const QString& family);    // not for symbols or formulas
+// The full name of the face that stands for a stored name, "Bebas Neue Book" for "Bebas Neue".
+QString drawnFace(const QString& storedName);
 // Is it drawn as itself?
 bool isInstalled(const QString& storedName);
 // As texts in it are drawn.

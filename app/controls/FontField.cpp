@@ -23,9 +23,9 @@ void FontField::setFontName(const QString& storedName)
     if (storedName == m_fontName)
         return;
     m_fontName = storedName;
-    m_missing = !isInstalled(storedName);
+    m_missing = !storedName.isEmpty() && !isInstalled(storedName);
     setText(storedName == "System"_L1 ? u"Sistema"_s : storedName);
-    setAccessibleName(u"Fuente %1"_s.arg(text()));
+    setAccessibleName(u"Fuente %1"_s.arg(text()).trimmed());
     const QString problem = u"No está instalada; se dibuja con otra."_s;
     setAccessibleDescription(m_missing ? problem : QString());
     setToolTip(m_missing ? problem : QString());
@@ -70,5 +70,5 @@ void FontField::paintEvent(QPaintEvent*)
         line.setLeft(line.left() + fontFieldIconSide + 4);
     }
     paintText(painter, line, Qt::AlignLeft, Type::body, isEnabled() ? theme.text : theme.dis,
-              text());
+              m_fontName.isEmpty() ? u"Fuente"_s : text());
 }

@@ -10,7 +10,7 @@ class FontField : public Control {
     Q_OBJECT
 public:
     explicit FontField(QWidget* parent = nullptr);
-    void setFontName(const QString& storedName);    // shows; emits nothing
+    void setFontName(const QString& storedName);    // shows, empty none; emits nothing
     void closePopover();
     QSize sizeHint() const override { return {152, 32}; }
 

@@ -13,13 +13,14 @@ bool matches(const QString& name, const QStringList& words)
 }    // namespace
 
 FontList::FontList(const QString& current, QObject* parent)
-    : QAbstractListModel(parent), m_current(current)
+    : QAbstractListModel(parent), m_current(current),
+      m_drawn(current == "System"_L1 || !isInstalled(current) ? current : drawnFace(current))
 {
     // The family of a face that is the current one stands open.
     for (const QString& family : m_catalog.families()) {
-        if (current.startsWith(family + u' ') &&
+        if (m_drawn.startsWith(family + u' ') && m_catalog.usualFace(family) != m_drawn &&
             std::ranges::any_of(m_catalog.faces(family),
-                                [&](const FontFace& face) { return face.storedName == current; }))
+                                [&](const FontFace& face) { return face.storedName == m_drawn; }))
             m_unfolded.insert(family);
     }
     build();
@@ -66,10 +67,16 @@ void FontList::build()
             }
         }
         if (whole || !faces.isEmpty())
-            m_rows.append({FontRowKind::family, family, family});
+            m_rows.append({FontRowKind::family, family, m_catalog.usualFace(family)});
         m_rows.append(faces);
     }
     endResetModel();
+}
+
+bool FontList::isMarked(const FontRow& row) const
+{
+    // A family that stands open leaves the mark to its face.
+    return row.storedName == m_drawn && !(row.kind == FontRowKind::family && isUnfolded(row.name));
 }
 
 int FontList::indexOf(const QString& storedName) const

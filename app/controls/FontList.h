@@ -23,9 +23,11 @@ public:
     void setFilter(const QString& filter);
     void setUnfolded(const QString& family, bool unfolded);
     bool isUnfolded(const QString& family) const { return m_unfolded.contains(family); }
-    bool hasFaces(const QString& family) { return !m_catalog.faces(family).isEmpty(); }
+    bool hasFaces(const QString& family) { return m_catalog.faces(family).size() > 1; }
     const FontRow& rowAt(int index) const { return m_rows[index]; }
-    const QString& current() const { return m_current; }
+    // The stored name of the face that is drawn now.
+    const QString& current() const { return m_drawn; }
+    bool isMarked(const FontRow& row) const;    // as the current one
     int indexOf(const QString& storedName) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -35,7 +37,8 @@ private:
     void build();
 
     FontCatalog m_catalog;
-    QString m_current;
+    QString m_current;    // as it is stored
+    QString m_drawn;      // the face that stands for it
     QString m_filter;
     QSet<QString> m_unfolded;
     QList<FontRow> m_rows;

@@ -14,8 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int fontPopoverContentWidth = 292, contentHeight = 400, searchHeight = 32,
-              fontPopoverGap = 8;
+constexpr int fontPopoverContentWidth = 292, contentHeight = 400, leastHeight = 240,
+              searchHeight = 32, fontPopoverGap = 8;
 constexpr int fontRowHeight = 34, rowPadding = 10, faceIndent = 18, fontPopoverIconSide = 16,
               samplePixels = 15;
 
@@ -48,7 +48,7 @@ public:
         };
         if (row.kind == FontRowKind::family && m_fonts->hasFaces(row.name))
             iconAtRight(m_fonts->isUnfolded(row.name) ? Icon::fold : Icon::unfold, theme.text3);
-        if (row.storedName == m_fonts->current())
+        if (m_fonts->isMarked(row))
             iconAtRight(Icon::check, theme.accentText);
         if (row.kind == FontRowKind::face)
             line.setLeft(line.left() + faceIndent);
@@ -73,10 +73,10 @@ private:
         if (row.kind == FontRowKind::missing || row.kind == FontRowKind::system)
             return fontOf(Type::body);
         const QFont font = fontOfStored(row.storedName, samplePixels);
-        const auto systems = QFontDatabase::writingSystems(font.family());
-        const bool readable =
-            systems.contains(QFontDatabase::Latin) && !systems.contains(QFontDatabase::Symbol);
-        return readable ? font : fontOf(Type::body);
+        const bool isReadable =
+            isForWords(font.family()) &&
+            QFontDatabase::writingSystems(font.family()).contains(QFontDatabase::Latin);
+        return isReadable ? font : fontOf(Type::body);
     }
 
     FontList* m_fonts;
@@ -119,7 +119,8 @@ FontPopover::FontPopover(QWidget* owner, const QString& current)
 
 void FontPopover::open()
 {
-    Popover::open({fontPopoverContentWidth, std::min(contentHeight, window()->height() - 120)});
+    openWithin({fontPopoverContentWidth, std::min(contentHeight, window()->height() - 120)},
+               leastHeight);
     const QRect area = content();
     m_search->setGeometry(area.left(), area.top(), area.width(), searchHeight);
     m_view->setGeometry(area.adjusted(0, searchHeight + fontPopoverGap, 0, 0));

@@ -198,14 +198,6 @@ FormField::FormField(const QString& label, FieldKind kind, FieldSize size, Icon 
     });
 }
 
-QList<QWidget*> FormField::focusOrder() const
-{
-    QList<QWidget*> order{m_edit};
-    if (m_edit->eye())
-        order.append(m_edit->eye());
-    return order;
-}
-
 void FormField::addToLabel(QWidget* widget)
 {
     m_labelRow->layout()->addWidget(widget);

@@ -56,7 +56,6 @@ public:
     void addToLabel(QWidget* widget);
     QString text() const { return m_edit->text(); }
     FormEdit* edit() const { return m_edit; }
-    QList<QWidget*> focusOrder() const;
     // Shows; emits nothing, and leaves alone what is being typed.
     void setShown(const QString& text);
     // What was typed is what it was sent for: what is shown takes its place.

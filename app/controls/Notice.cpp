@@ -1,10 +1,8 @@
 #include "app/controls/Notice.h"
 
-#include "app/controls/Button.h"
+#include "app/controls/CopyButton.h"
 #include "app/controls/Paragraph.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QRegularExpression>
 #include <QVBoxLayout>
 
@@ -13,6 +11,35 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int noticeIconSide = 16, noticeIconGap = 8;
+
+bool holds(QLayout* layout, const QWidget* part)
+{
+    for (int i = 0; i < layout->count(); ++i) {
+        QLayoutItem* item = layout->itemAt(i);
+        if (item->widget() == part || (item->layout() && holds(item->layout(), part)))
+            return true;
+    }
+    return false;
+}
+
+// Below `part`, in the innermost rows of the layout that hold it; null where none do.
+QBoxLayout* insertBelow(QLayout* layout, const QWidget* part, QWidget* inserted)
+{
+    auto* rows = qobject_cast<QBoxLayout*>(layout);
+    for (int i = 0; i < layout->count(); ++i) {
+        QLayoutItem* item = layout->itemAt(i);
+        QLayout* inner = item->layout();
+        if (item->widget() != part && !(inner && holds(inner, part)))
+            continue;
+        if (QBoxLayout* place = inner ? insertBelow(inner, part, inserted) : nullptr)
+            return place;
+        if (!rows || rows->direction() != QBoxLayout::TopToBottom)
+            return nullptr;
+        rows->insertWidget(i + 1, inserted);
+        return rows;
+    }
+    return nullptr;
+}
 
 QString addressIn(const QString& text)
 {
@@ -24,7 +51,7 @@ QString addressIn(const QString& text)
 
 Notice::Notice(int rows, Qt::Alignment place, QWidget* parent)
     : QWidget(parent), m_rows(rows), m_text(new Paragraph(Type::small, &Theme::text2)),
-      m_copy(new PushButton(Icon::none, u"Copiar dirección"_s, ButtonKind::link, ButtonSize::small))
+      m_copy(new CopyButton(u"Copiar dirección"_s))
 {
     const int rowHeight = row(Type::small).lineHeight;
     setMinimumHeight(rows * rowHeight);
@@ -41,12 +68,6 @@ Notice::Notice(int rows, Qt::Alignment place, QWidget* parent)
     layout->addWidget(m_text);
     layout->addWidget(m_copy);
     layout->addStretch(1);
-    connect(m_copy, &PushButton::clicked, this, [this] {
-        QGuiApplication::clipboard()->setText(addressIn(m_text->text()));
-        m_copy->setAccessibleDescription(u"Copiada"_s);
-        m_copy->setText(u"Dirección copiada"_s);
-        m_copy->updateGeometry();
-    });
 }
 
 void Notice::tell(NoticeKind kind, const QString& text)
@@ -56,13 +77,33 @@ void Notice::tell(NoticeKind kind, const QString& text)
     m_kind = kind;
     m_text->setInk(kind == NoticeKind::problem ? &Theme::err : &Theme::text2);
     m_text->setText(text);
-    const bool hasAddress = !addressIn(text).isEmpty();
-    m_text->setMostRows(hasAddress ? m_rows - 1 : m_rows);
-    m_copy->setText(m_copy->accessibleName());
-    m_copy->setAccessibleDescription({});
-    m_copy->setVisible(hasAddress);
+    const QString address = addressIn(text);
+    m_text->setMostRows(address.isEmpty() ? m_rows : m_rows - 1);
+    m_copy->setAddress(address);
+    m_copy->setVisible(!address.isEmpty());
     setAccessibleName(text);
     update();
+}
+
+void Notice::standBelow(QWidget* control)
+{
+    if (m_place)
+        m_place->removeWidget(this);
+    m_place = nullptr;
+    for (QWidget* part = control; QWidget* around = part->parentWidget(); part = around) {
+        m_place = around->layout() ? insertBelow(around->layout(), part, this) : nullptr;
+        if (m_place)
+            break;
+    }
+    setTabOrder(control, m_copy);
+}
+
+void Notice::standIn(QBoxLayout* place)
+{
+    if (m_place)
+        m_place->removeWidget(this);
+    m_place = place;
+    place->addWidget(this);
 }
 
 QString Notice::text() const

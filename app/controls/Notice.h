@@ -1,8 +1,10 @@
 #pragma once
+#include <QPointer>
 #include <QWidget>
 
+class CopyButton;
 class Paragraph;
-class PushButton;
+class QBoxLayout;
 
 enum class NoticeKind { info, problem };
 
@@ -15,7 +17,10 @@ public:
     explicit Notice(int rows, Qt::Alignment place = Qt::AlignTop, QWidget* parent = nullptr);
     void tell(NoticeKind kind, const QString& text);
     QString text() const;
-    PushButton* copyButton() const { return m_copy; }
+    CopyButton* copyButton() const { return m_copy; }
+    // Moves it into the nearest rows round `control`, below it, and next to it in the order of Tab.
+    void standBelow(QWidget* control);
+    void standIn(QBoxLayout* place);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -24,5 +29,6 @@ private:
     const int m_rows;
     NoticeKind m_kind = NoticeKind::info;
     Paragraph* m_text;
-    PushButton* m_copy;
+    CopyButton* m_copy;
+    QPointer<QBoxLayout> m_place;
 };

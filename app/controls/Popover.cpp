@@ -1,11 +1,14 @@
 #include "app/controls/Popover.h"
 
 #include "app/controls/FocusRound.h"
+#include "app/controls/KeptClear.h"
 #include "app/controls/Painting.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
+
+#include <optional>
 
 namespace {
 constexpr int shadowRoom = 28, popoverGap = 6, popoverWindowMargin = 8;
@@ -28,6 +31,16 @@ void Popover::open(QSize content)
     show();
     raise();
     qApp->installEventFilter(this);
+}
+
+void Popover::openWithin(QSize content, int leastHeight)
+{
+    constexpr int step = 32;
+    const QSize paddings(2 * padding, 2 * padding);
+    QSize fitting = content;
+    while (fitting.height() > leastHeight && bestPlace(fitting + paddings).covers > 0)
+        fitting.rheight() -= step;
+    open(bestPlace(fitting + paddings).covers > 0 ? content : fitting);
 }
 
 void Popover::resizeContent(QSize content)
@@ -60,21 +73,49 @@ QRect Popover::content() const
     return box().adjusted(padding, padding, -padding, -padding);
 }
 
-// Below the owner, above it where there is more room, and never over the window's edge.
-void Popover::place()
+// Below the owner, above it where there is more room, or beside it where either would cover what
+// the window wants in sight; never over the window's edge.
+Popover::Place Popover::bestPlace(QSize size) const
 {
-    const QSize size = box().size();
     const QRect owner(m_owner->mapTo(window(), QPoint()), m_owner->size());
     const QRect bounds = window()->rect().adjusted(popoverWindowMargin, popoverWindowMargin,
                                                    -popoverWindowMargin, -popoverWindowMargin);
+    const auto* keeper = dynamic_cast<const KeptClear*>(window());
+    const QList<QRect> clear = keeper ? keeper->keptClear(m_owner) : QList<QRect>();
     const int below = bounds.bottom() - owner.bottom() - popoverGap;
     const int above = owner.top() - popoverGap - bounds.top();
-    int top = below >= size.height() || below >= above ? owner.bottom() + 1 + popoverGap
-                                                       : owner.top() - popoverGap - size.height();
-    top = std::max(bounds.top(), std::min(top, bounds.bottom() + 1 - size.height()));
-    const int left =
-        std::max(bounds.left(), std::min(owner.left(), bounds.right() + 1 - size.width()));
-    move(left - shadowRoom, top - shadowRoom);
+    const QPoint under(owner.left(), owner.bottom() + 1 + popoverGap);
+    const QPoint over(owner.left(), owner.top() - popoverGap - size.height());
+    QList<QPoint> places{under, over};
+    if (below < size.height() && below < above)
+        places.swapItemsAt(0, 1);
+    if (!clear.isEmpty()) {
+        const int beside = owner.left() - popoverGap - size.width();
+        places.append({beside, owner.center().y() - size.height() / 2});
+        for (const QRect& area : clear) {
+            places.append({beside, area.bottom() + 1 + popoverGap});
+            places.append({beside, area.top() - popoverGap - size.height()});
+        }
+    }
+    std::optional<Place> best;
+    for (const QPoint& wanted : std::as_const(places)) {
+        const QPoint at(
+            std::max(bounds.left(), std::min(wanted.x(), bounds.right() + 1 - size.width())),
+            std::max(bounds.top(), std::min(wanted.y(), bounds.bottom() + 1 - size.height())));
+        Place place{at};
+        for (const QRect& area : clear) {
+            const QRect covered = area.intersected(QRect(at, size));
+            place.covers += qint64(covered.width()) * covered.height();
+        }
+        if (!best || place.covers < best->covers)
+            best = place;
+    }
+    return *best;
+}
+
+void Popover::place()
+{
+    move(bestPlace(box().size()).at - QPoint(shadowRoom, shadowRoom));
 }
 
 bool Popover::isOutside(const QObject* object) const

@@ -12,6 +12,8 @@ public:
     // `content` is the size inside the paddings. Closed, it gives the focus back to what has it
     // now.
     void open(QSize content);
+    // As open(), as much lower as it takes to leave clear what the window wants in sight.
+    void openWithin(QSize content, int leastHeight);
     // The focus goes there now, and back with the same reason.
     void takeFocus(QWidget* target, Qt::FocusReason reason);
 
@@ -34,6 +36,11 @@ protected:
 
 private:
     bool isOutside(const QObject* object) const;
+    struct Place {
+        QPoint at;            // of the box, in the window
+        qint64 covers = 0;    // of what should be in sight, in pixels
+    };
+    Place bestPlace(QSize box) const;
     void place();
 
     QPointer<QWidget> m_owner;

@@ -8,7 +8,7 @@
 #include <QToolTip>
 
 namespace {
-constexpr int trackMargin = 2, iconAir = 2, aloneIconSide = 20;
+constexpr int trackMargin = 2, iconAir = 2, aloneIconSide = 20, noSegment = -1;
 }
 
 SegmentedControl::SegmentedControl(const QList<Segment>& segments, QWidget* parent)
@@ -49,13 +49,16 @@ void SegmentedControl::setStretched(SegmentSize size)
     updateGeometry();
 }
 
-void SegmentedControl::setCurrent(int index)
+void SegmentedControl::setCurrent(std::optional<int> index)
 {
-    if (index < 0 || index >= m_segments.size() ||
-        (index == m_current && accessibleName() == m_segments[index].name))
+    const int current = index.value_or(noSegment);
+    if (current < noSegment || current >= m_segments.size())
         return;
-    m_current = index;
-    setAccessibleName(m_segments[index].name);
+    const QString name = index ? m_segments[current].name : accessibleName();
+    if (current == m_current && accessibleName() == name)
+        return;
+    m_current = current;
+    setAccessibleName(name);
     update();
 }
 

@@ -5,6 +5,8 @@
 #include <QList>
 #include <QWidget>
 
+#include <optional>
+
 struct Segment {
     Icon icon = Icon::none;
     QString text = {};    // may be empty
@@ -23,7 +25,8 @@ public:
     void setSize(SegmentSize size);
     // As wide as its room, the segments alike.
     void setStretched(SegmentSize size = SegmentSize::field);
-    void setCurrent(int index);    // shows; emits nothing
+    // Empty: none is chosen, and the name is the owner's to give.
+    void setCurrent(std::optional<int> index);    // shows; emits nothing
     int current() const { return m_current; }
     QRect segmentRect(int index) const;
     QSize sizeHint() const override;

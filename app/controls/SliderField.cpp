@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int sliderHeight = 3, dragStart = 3;
+constexpr int sliderHeight = 3, limitHeight = 9, dragStart = 3;
 constexpr double sliderPadding = 10, leastPadding = 6, labelGap = 3;
 constexpr double fineSpeed = 0.1;
 
@@ -118,8 +118,29 @@ void SliderField::setDefault(double value)
     m_default = bounded(value, m_range);
 }
 
+void SliderField::setBlank(bool blank)
+{
+    m_blank = blank;
+    update();
+}
+
+void SliderField::setLimit(std::optional<double> limit)
+{
+    if (limit == m_limit)
+        return;
+    m_limit = limit;
+    update();
+}
+
+double SliderField::share(double value) const
+{
+    return (bounded(value, m_range) - m_range.from) / (m_range.to - m_range.from);
+}
+
 QString SliderField::valueText() const
 {
+    if (m_blank)
+        return {};
     const UnitRow& unit = row(m_range.unit);
     QString number = QString::number(m_value * unit.factor, 'f', unit.decimals);
     if (m_range.unit == SliderUnit::plain && number.endsWith(".0"_L1))
@@ -255,13 +276,18 @@ void SliderField::paintEvent(QPaintEvent*)
         bar.addRect(0, height() - sliderHeight, width, sliderHeight);
         painter.fillPath(outline.intersected(bar), color);
     };
-    const double share = (m_value - m_range.from) / (m_range.to - m_range.from);
     const bool lively = hasFocus() || m_press == Press::drag;
+    const QColor ink = !isEnabled() ? theme.dis : lively ? theme.accentLine : theme.text3;
+    const double reached = m_blank ? 0 : share(m_value);
     fillBar(width(), isEnabled() ? theme.fill : mixed(theme.panel, theme.fill, 0.5));
-    if (share > 0)
-        fillBar(std::max(2.0, share * width()), !isEnabled() ? theme.dis
-                                                : lively     ? theme.accentLine
-                                                             : theme.text3);
+    if (reached > 0)
+        fillBar(std::max(2.0, reached * width()), m_limit ? mixed(theme.fill, ink, 0.4) : ink);
+    if (m_limit) {
+        const double end = std::clamp(share(*m_limit) * width(), 4.0, width() - 4.0);
+        fillBar(end, ink);
+        fillRounded(painter, QRectF(end - 1, height() - limitHeight, 2, limitHeight), 1,
+                    theme.warn);
+    }
 
     const QString value = valueText();
     const double valueWidth = textWidth(Type::bodyMedium, value);

@@ -27,6 +27,10 @@ public:
     // Shows; emits nothing. What is out of range is shown as the nearest bound.
     void setValue(double value);
     void setDefault(double value);
+    // The value stands for nothing, and is not shown.
+    void setBlank(bool blank);
+    // Where something else stops what larger values would do; empty where nothing does.
+    void setLimit(std::optional<double> limit);
     void letGo() { rest(); }    // as if the mouse or the key were released now
     double value() const { return m_value; }
     SliderRange range() const { return m_range; }
@@ -58,6 +62,7 @@ protected:
 
 private:
     std::optional<double> read(const QString& text) const;
+    double share(double value) const;    // of the range
     double snapped(double value) const;
     void hold(double value);
     void rest();
@@ -69,6 +74,8 @@ private:
     SliderRange m_range;
     double m_value = 0;
     double m_default = 0;
+    bool m_blank = false;
+    std::optional<double> m_limit;
     bool m_holding = false;
     enum class Press { none, click, drag };
     Press m_press = Press::none;

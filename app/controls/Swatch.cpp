@@ -3,8 +3,8 @@
 void paintColor(QPainter& painter, const QRectF& box, const QColor& color, const Theme& theme,
                 bool enabled)
 {
-    const QColor shown = enabled ? color : mixed(theme.panel, color, 0.35);
-    fillRounded(painter, box, Radius::chip, shown);
+    if (color.isValid())
+        fillRounded(painter, box, Radius::chip, enabled ? color : mixed(theme.panel, color, 0.35));
     strokeRounded(painter, box, Radius::chip, mixed(theme.line2, theme.dis, enabled ? 0.6 : 0));
 }
 

@@ -13,10 +13,10 @@ constexpr double smallestWidth = 0.16, smallestHeight = 0.06;
 constexpr double smallestLineWidth = 0.08, smallestLineHeight = 0.01;
 constexpr double smallestZoom = 1, largestZoom = 3, zoomPerPixel = 0.01;
 
-// The lower limit where they cross and for what is no number.
+// The upper limit where they cross; what is no number counts as too low.
 double clamp(double value, double lowest, double highest)
 {
-    return value > lowest ? std::max(lowest, std::min(value, highest)) : lowest;
+    return std::min(value > lowest ? value : lowest, highest);
 }
 
 template <typename Callback, typename... Values>
@@ -152,7 +152,8 @@ void CanvasInteraction::drag(QPointF point, Qt::KeyboardModifiers modifiers)
         ImagePlacement placement = m_gesture->startPlacement;
         placement.offset.x += dx;
         placement.offset.y += dy;
-        m_item->placement = clamped(placement);
+        m_item->placement = ImagePlacementGeometry::moved(m_gesture->startPlacement, placement,
+                                                          m_item->image.size, m_format);
         break;
     }
     }
@@ -215,13 +216,6 @@ void CanvasInteraction::apply(const CodableRect& frame, DragTarget target, Publi
         item.layers[target.index].frame = frame;
     else
         item.shapeLayers[target.index].frame = frame;
-}
-
-ImagePlacement CanvasInteraction::clamped(const ImagePlacement& placement) const
-{
-    if (m_item->image.size.isEmpty() || m_canvas.isEmpty())
-        return placement;
-    return ImagePlacementGeometry::clamped(placement, m_item->image.size, m_canvas);
 }
 
 // The gesture is over before anyone hears of it: what a callback shows then is not taken for an
@@ -288,7 +282,8 @@ bool CanvasInteraction::scroll(double amount)
         return false;
     ImagePlacement placement = m_item->placement;
     placement.zoom = clamp(placement.zoom + amount * zoomPerPixel, smallestZoom, largestZoom);
-    m_item->placement = clamped(placement);
+    m_item->placement =
+        ImagePlacementGeometry::moved(m_item->placement, placement, m_item->image.size, m_format);
     commit();
     return true;
 }

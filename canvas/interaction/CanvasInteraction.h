@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/PublicationItem.h"
+#include "model/SocialFormat.h"
 
 #include <QPointF>
 #include <QRectF>
@@ -49,6 +50,7 @@ public:
     static constexpr double minimumVisibleLayerFraction = 0.08;
     static constexpr double resizeHandleSide = 26;
 
+    void setFormat(SocialFormat format) { m_format = format; }
     void setCanvasSize(QSizeF size) { m_canvas = size; }
     QSizeF canvasSize() const { return m_canvas; }
 
@@ -58,6 +60,8 @@ public:
     const std::optional<PublicationItem>& item() const { return m_item; }
     void setSelectedLayerID(QUuid id) { m_selectedLayerID = id; }
     QUuid selectedLayerID() const { return m_selectedLayerID; }
+    // The one to mark as selected: a press marks at once what is reported on release.
+    QUuid markedLayerID() const { return m_pendingSelection.value_or(m_selectedLayerID); }
 
     std::optional<DragMode> dragMode() const;
     bool isDraggingLayer() const { return m_gesture && m_gesture->target; }
@@ -113,7 +117,6 @@ private:
     CodableRect proportionalResize(CodableRect frame, DragTarget target) const;
     CodableRect snapped(CodableRect frame);
     static void apply(const CodableRect& frame, DragTarget target, PublicationItem& item);
-    ImagePlacement clamped(const ImagePlacement& placement) const;
 
     void deferSelectionChange(QUuid layer) { m_pendingSelection = layer; }
     void flushPendingSelectionChange();
@@ -121,7 +124,8 @@ private:
 
     std::optional<PublicationItem> m_item;
     QUuid m_selectedLayerID;
-    QSizeF m_canvas;
+    SocialFormat m_format = SocialFormat::carouselPortrait;
+    QSizeF m_canvas;    // as it is shown
     std::optional<Gesture> m_gesture;
     SnapGuides m_activeSnapGuides;
     std::optional<QUuid> m_pendingSelection;    // told on release

@@ -57,6 +57,7 @@ void CanvasInteractionView::setItem(const std::optional<PublicationItem>& item, 
     // A drag means nothing on a canvas of another shape.
     if (std::exchange(m_format, format) != format)
         m_interaction.setItem(std::nullopt);
+    m_interaction.setFormat(format);
     m_interaction.setItem(item);
     refresh();
 }
@@ -129,7 +130,7 @@ void CanvasInteractionView::updatePicture(const QRect& pixels)
 CanvasInteractionView::Marks CanvasInteractionView::currentMarks() const
 {
     Marks marks;
-    const QUuid selected = m_interaction.selectedLayerID();
+    const QUuid selected = m_interaction.markedLayerID();
     if (const auto rect = m_interaction.layerRect(selected)) {
         marks.selected = selected;
         marks.selection = *rect;

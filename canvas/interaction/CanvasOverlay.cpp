@@ -114,13 +114,14 @@ void CanvasOverlay::drawTag(const QRect& frame, const QString& name, const QColo
         std::min(QFontMetrics(font).horizontalAdvance(name) + 2 * screenPixels(tagPadding),
                  screenPixels(widestTag));
     const int height = screenPixels(tagHeight), gap = screenPixels(tagGap);
-    int top = frame.top() - gap - height;
-    if (top < m_canvas.top())    // no room above: inside
-        top = std::max(frame.top(), m_canvas.top()) + gap;
     const int lowest = m_canvas.bottom() + 1 - height;
     const int rightmost = m_canvas.right() + 1 - width;
-    const int inset = frame.top() - gap - height < m_canvas.top() ? gap : 0;
-    const QRect box(std::max(std::min(frame.left() + inset, rightmost), m_canvas.left()),
+    int top = frame.top() - gap - height;
+    if (top < m_canvas.top())    // no room above: below, clear of the text
+        top = frame.bottom() + 1 + gap;
+    if (top > lowest)    // nor there
+        top = std::max(frame.top(), m_canvas.top()) + gap;
+    const QRect box(std::max(std::min(frame.left(), rightmost), m_canvas.left()),
                     std::max(std::min(top, lowest), m_canvas.top()), width, height);
     m_painter.setRenderHint(QPainter::Antialiasing);
     m_painter.setPen(Qt::NoPen);
@@ -241,10 +242,14 @@ QRectF CanvasOverlay::selectionExtent(const QRectF& layer, const QSizeF& canvas)
     // The handle reaches furthest; the tag may be pushed back onto the canvas.
     const double reach = CanvasInteraction::resizeHandleSide / 2 + 2;
     const QRectF frame = layer.normalized().adjusted(-reach, -reach, reach, reach);
-    const double tagTop = layer.top() - tagGap - tagHeight;
-    const QRectF tag(std::clamp(layer.left(), 0.0, std::max(canvas.width() - widestTag, 0.0)) -
-                         widestTag,
-                     std::clamp(tagTop, 0.0, std::max(canvas.height() - tagHeight, 0.0)) - tagGap,
-                     3 * widestTag, 3 * tagHeight);
-    return frame.united(tag);
+    const double tagLeft = std::clamp(layer.left(), 0.0, std::max(canvas.width() - widestTag, 0.0));
+    const auto tagAt = [&](double top) {
+        return QRectF(tagLeft - widestTag,
+                      std::clamp(top, 0.0, std::max(canvas.height() - tagHeight, 0.0)) - tagGap,
+                      3 * widestTag, 3 * tagHeight);
+    };
+    const double above = layer.top() - tagGap - tagHeight;
+    const QRectF extent = frame.united(tagAt(above));
+    // Near the upper edge the tag stands below.
+    return above > tagGap ? extent : extent.united(tagAt(layer.bottom() + tagGap));
 }

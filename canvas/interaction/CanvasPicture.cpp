@@ -114,6 +114,11 @@ ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
         return quick;
     if (m_photo.hasAlphaChannel())
         quick.image.fill(Qt::transparent);
+    const PixelRect& whole = place.whole;
+    // Stretched further, the painter loses count of the photo's pixels.
+    constexpr qint64 furthest = 100'000'000;
+    if (std::max(whole.width, whole.height) > furthest)
+        return resampledPhoto(m_photo, place);
     QPainter painter(&quick.image);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
@@ -121,15 +126,19 @@ ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
     QRegion missing = place.shown;
     // A photo that only moves keeps the pixels it has, and what comes into view is added; rounding
     // may make it a pixel larger or smaller on its way.
-    const QSize grown = place.whole.size() - m_exact.place.whole.size();
+    const PixelRect& before = m_exact.place.whole;
     if (m_exact.source == m_photo.cacheKey() && !m_exact.image.isNull() &&
-        std::abs(grown.width()) <= 1 && std::abs(grown.height()) <= 1) {
-        painter.drawImage(m_exact.place.shown.topLeft(), m_exact.image);
-        missing -= m_exact.place.shown;
+        std::abs(whole.width - before.width) <= 1 && std::abs(whole.height - before.height) <= 1) {
+        const QRect kept =
+            m_exact.place.shown.translated(int(whole.x - before.x), int(whole.y - before.y));
+        painter.drawImage(kept.topLeft(), m_exact.image);
+        missing -= kept;
     }
     painter.setClipRegion(missing);
     if (!missing.isEmpty())
-        painter.drawImage(QRectF(QPointF(), QSizeF(place.whole.size())), m_photo);
+        painter.drawImage(
+            QRectF(double(whole.x), double(whole.y), double(whole.width), double(whole.height)),
+            m_photo);
     return quick;
 }
 

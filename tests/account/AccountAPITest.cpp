@@ -205,6 +205,8 @@ TEST_F(AccountAPITest, FailuresBecomeSentences)
         answer(row.status, row.body);
         EXPECT_EQ(outcome(api->me()), row.text);
     }
+    answer(200, R"({"balance":5000000000})");
+    EXPECT_EQ(awaited(api->me()).balance, 5'000'000'000);
     answer(400, R"({"error":"email_exists"})");
     try {
         awaited(api->me());
@@ -300,6 +302,74 @@ TEST_F(AccountAPITest, ARefusedSessionTakesNoNewerOneWithIt)
     EXPECT_TRUE(api->holdsSession());
 }
 
+TEST_F(AccountAPITest, ALateAnswerBringsNothingBackAndEndsNothingElse)
+{
+    preferences.setValue(cookieKey, "tallerio_session=old");
+    auto api = client();
+    const QByteArray renewed = "Set-Cookie: tallerio_session=renewed\r\n";
+    server.setAnswer([&](const ScriptedServer::Request& request) {
+        const bool isSignIn = request.target.endsWith("login");
+        return ScriptedServer::reply(
+            200, summary, isSignIn ? QByteArray("Set-Cookie: tallerio_session=new\r\n") : renewed);
+    });
+    server.hold("/api/auth/me");
+    QCoro::Task<AccountSummary> late = api->me();
+    outcome(api->logout());
+    server.release();
+    outcome(std::move(late));
+    EXPECT_FALSE(api->holdsSession() || preferences.contains(cookieKey)) << "after a sign-out";
+
+    preferences.setValue(cookieKey, "tallerio_session=of another");
+    api = client();
+    outcome(api->logout());
+    preferences.setValue(cookieKey, "tallerio_session=of another");
+    server.hold("/api/auth/me");
+    late = api->me();    // which looks whose that is
+    outcome(api->login(u"a"_s, u"b"_s));
+    server.release();
+    outcome(std::move(late));
+    EXPECT_EQ(preferences.value(cookieKey), "tallerio_session=new") << "after a sign-in";
+    outcome(api->me());
+    EXPECT_EQ(server.requests.last().header("Cookie"), "tallerio_session=new");
+
+    // One that is looked at and refused is not looked at again.
+    outcome(api->logout());
+    preferences.setValue(cookieKey, "tallerio_session=of another");
+    answer(401, "{}");
+    outcome(api->me());
+    EXPECT_FALSE(preferences.contains(cookieKey));
+}
+
+TEST_F(AccountAPITest, NothingOfASessionStaysInTheStoreAfterItsEnd)
+{
+    const auto api = client();
+    const auto isAnywhere = [&](const QByteArray& secret) {
+        bool isFound = false;
+        for (const QString& name : {u"p.sqlite"_s, u"p.sqlite-wal"_s}) {
+            QFile file(folder.filePath(name));
+            isFound =
+                isFound || (file.open(QIODevice::ReadOnly) && file.readAll().contains(secret));
+        }
+        return isFound;
+    };
+    for (const QByteArray secret : {"secret-1", "secret-2"}) {
+        answer(200, summary, "Set-Cookie: tallerio_session=" + secret + "\r\n");
+        outcome(api->login(u"a"_s, u"b"_s));
+        EXPECT_TRUE(api->isSessionKept() && isAnywhere(secret));
+        preferences.setValue(u"other"_s, QByteArray(300'000, 'x'));
+    }
+    EXPECT_FALSE(isAnywhere("secret-1")) << "replaced by another";
+    answer(200, "{}");
+    outcome(api->logout());
+    EXPECT_FALSE(isAnywhere("secret-2"));
+
+    PreferencesStore nowhere(u"/proc/moltiva/p.sqlite"_s);
+    AccountAPI forgetful(server.configuration(), nowhere);
+    answer(200, summary, "Set-Cookie: tallerio_session=a\r\n");
+    outcome(forgetful.login(u"a"_s, u"b"_s));
+    EXPECT_TRUE(forgetful.holdsSession() && !forgetful.isSessionKept());
+}
+
 TEST_F(AccountAPITest, ASessionIsOfTheServiceThatGaveItAlone)
 {
     answer(200, summary, "Set-Cookie: tallerio_session=mine\r\n");
@@ -321,6 +391,10 @@ TEST_F(AccountAPITest, ASignOutForgetsTheSessionAlsoWhereItHadEnded)
         EXPECT_EQ(outcome(api->logout()), QString());
         EXPECT_FALSE(preferences.contains(cookieKey));
     }
+    preferences.setValue(cookieKey, "tallerio_session=a");
+    answer("no HTTP at all\r\n\r\n");
+    EXPECT_EQ(outcome(client()->logout()), QString());
+    EXPECT_FALSE(preferences.contains(cookieKey));
     preferences.setValue(cookieKey, "tallerio_session=a");
     answer(500, "{}");
     EXPECT_NE(outcome(client()->logout()), QString());

@@ -77,6 +77,13 @@ protected:
     {
         return std::ranges::count(server.requests, target, &ScriptedServer::Request::target);
     }
+    static bool turnUntil(const std::function<bool()>& isDone)
+    {
+        QElapsedTimer watch;
+        for (watch.start(); !isDone() && watch.elapsed() < 10'000;)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+        return isDone();
+    }
     static void pass(std::chrono::milliseconds time)
     {
         QTimer timer;
@@ -105,12 +112,14 @@ TEST_F(AccountSessionTest, TheCheckAtTheStartSignsInOrOut)
     EXPECT_TRUE(signedIn.isAuthenticated());
     EXPECT_TRUE(signedIn.isBalanceSyncRunning());
     EXPECT_EQ(signedIn.message(), QString());
-    EXPECT_EQ(signedIn.cloudCopyConfig().costCredits, 12);
+    EXPECT_TRUE(turnUntil([&] { return signedIn.cloudCopyConfig().costCredits == 12; }));
     EXPECT_EQ(signedIn.displayName(), u"a@b.es"_s);
 
     // Without a configuration it goes on with its own.
     answers["/api/publicaciones/config"] = "500";
-    EXPECT_EQ(started().cloudCopyConfig(), CloudCopyConfig::fallback());
+    awaited(signedIn.refresh());
+    EXPECT_TRUE(
+        turnUntil([&] { return signedIn.cloudCopyConfig() == CloudCopyConfig::fallback(); }));
 
     answers["/api/auth/me"] = "401";
     session.emplace(api, surroundings());
@@ -122,11 +131,15 @@ TEST_F(AccountSessionTest, TheCheckAtTheStartSignsInOrOut)
 
 TEST_F(AccountSessionTest, AServiceThatIsLateLeavesTheUserSignedOut)
 {
-    // Signed in while the configuration is what is late.
-    startLimit = 2s;
+    // Signed in while the configuration is what is late, which comes by itself.
     server.hold("/api/publicaciones/config");
     EXPECT_TRUE(started().isAuthenticated());
+    EXPECT_TRUE(awaited(session->login(u"a"_s, u"b"_s)));
+    EXPECT_TRUE(awaited(session->refresh()));
+    EXPECT_FALSE(session->isWorking());
     EXPECT_EQ(session->cloudCopyConfig(), CloudCopyConfig::fallback());
+    server.release();
+    EXPECT_TRUE(turnUntil([&] { return session->cloudCopyConfig().costCredits == 12; }));
 
     startLimit = 300ms;
     server.answerNothing();
@@ -294,6 +307,39 @@ TEST_F(AccountSessionTest, ALinkSignsInWhileTheStartIsCheckedAndTakesNothingOfAn
     EXPECT_EQ(one.account().balance, 5);
     EXPECT_TRUE(one.isBalanceSyncRunning());
     EXPECT_FALSE(one.pendingCheckoutSessionId());
+    EXPECT_TRUE(one.purchaseHistory().isEmpty());
+}
+
+TEST_F(AccountSessionTest, WhatWasAskedForOneUserReachesNoOther)
+{
+    AccountSession& one = started();
+    const auto come = [&](const QByteArray& id) {
+        answers["/api/auth/me"] = R"({"balance":7,"profile":{"id":")" + id + "\"}}";
+        awaited(one.refresh());
+    };
+    answers["/api/credits/social-copy/reserve"] = R"({"balance":95,"cost":5,"ok":true})";
+    server.hold("/api/credits/social-copy/reserve");
+    QCoro::Task<> reserving = one.reserveCloudCopyCredits(5, u"r"_s);
+    come("2");
+    server.release();
+    EXPECT_THROW(awaited(std::move(reserving)), AccountError);
+    EXPECT_EQ(one.account().balance, 7);
+    EXPECT_EQ(one.message(), u"Cuenta actualizada."_s) << "nor is its failure told";
+
+    server.hold("/api/account/purchases");
+    QCoro::Task<bool> loading = one.refreshPurchaseHistory();
+    come("3");
+    server.release();
+    awaited(std::move(loading));
+    EXPECT_TRUE(one.purchaseHistory().isEmpty());
+
+    server.hold("/api/stripe/confirm");
+    awaited(one.buyCredits(1000));
+    QCoro::Task<bool> confirming = one.confirmPendingCheckout();
+    come("4");
+    server.release();
+    awaited(std::move(confirming));
+    EXPECT_EQ(one.account().balance, 7);
     EXPECT_TRUE(one.purchaseHistory().isEmpty());
 }
 

@@ -34,7 +34,7 @@ public:
                   return reply(200, "{}");
               log.append(request.target.mid(request.target.lastIndexOf('/') + 1));
               const bool isReserve = log.last() == "reserve";
-              if (!isReserve && !wasReserved)
+              if (!isReserve && (!wasReserved || forgets))
                   return reply(409, R"({"error":"credit_not_reserved"})");
               wasReserved = true;
               balance = isReserve ? 950 : 1000;
@@ -46,7 +46,8 @@ public:
     QByteArray user = "1";
     int balance = 1000;
     bool wasReserved = false;
-    QByteArrayList log;    // "reserve", "refund"
+    bool forgets = false;    // what it has reserved
+    QByteArrayList log;      // "reserve", "refund"
 };
 
 // As a full disk does.
@@ -75,7 +76,9 @@ struct Program {
           journal(account, preferences, folder + u"/runs"_s, times)
     {
         QObject::connect(&journal, &CreditJournal::refunded, &journal,
-                         [this](int credits) { returned += credits; });
+                         [this](qint64 credits) { returned += credits; });
+        QObject::connect(&journal, &CreditJournal::lost, &journal,
+                         [this](qint64 credits) { gone += credits; });
         awaited(account.refresh());
         awaited(journal.settle());
     }
@@ -102,7 +105,7 @@ struct Program {
     AccountAPI api;
     AccountSession account;
     CreditJournal journal;
-    int returned = 0;
+    qint64 returned = 0, gone = 0;
 };
 
 QCoro::Task<bool> succeed()
@@ -244,6 +247,24 @@ TEST_F(CreditJournalTest, AReservationThatComesLateIsGivenBackWhenItHasCome)
     EXPECT_TRUE(turnUntil([&] { return program.entries().isEmpty(); }));
 }
 
+TEST_F(CreditJournalTest, AReservationThatWasConfirmedIsNotGivenUpForOneAnswer)
+{
+    using namespace std::chrono_literals;
+    for (const bool isForEver : {false, true}) {
+        Program program(bank, folder.path(), {.retry = 50ms, .look = 1h, .underWay = 400ms});
+        bank.forgets = true;
+        const ChargeResult failed = program.pay(&fail);
+        EXPECT_EQ(failed.state, ChargeResult::State::failed);
+        EXPECT_TRUE(failed.isRefundPending);
+        EXPECT_EQ(program.entries().size(), 1);
+        bank.forgets = isForEver;
+        EXPECT_TRUE(turnUntil([&] { return program.entries().isEmpty(); }));
+        EXPECT_EQ(program.returned, isForEver ? 0 : 50);
+        EXPECT_EQ(program.gone, isForEver ? 50 : 0);
+    }
+    EXPECT_GE(bank.log.count("refund"), 4);
+}
+
 TEST_F(CreditJournalTest, AnotherPriceIsAnotherReservation)
 {
     Program program(bank, folder.path());
@@ -277,7 +298,7 @@ TEST_F(CreditJournalTest, AFullDiskAndEntriesThatDoNotReadChargeNothingAndBlockN
 
     refuseWrites(true);
     EXPECT_EQ(program.pay(&succeed).error,
-              u"No se pudo anotar el pago. ¿Queda espacio en el disco?"_s);
+              u"No se pudo anotar el pago: no se puede escribir en «%1»."_s.arg(folder.path()));
     EXPECT_TRUE(bank.log.isEmpty());
     refuseWrites(false);
     // Full while it works: what is given back cannot be struck, but is later.

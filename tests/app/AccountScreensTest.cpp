@@ -1,4 +1,4 @@
-#include "app/AccountChecks.h"
+#include "account/AccountChecks.h"
 #include "app/AccountDetailPanel.h"
 #include "app/AccountPanelView.h"
 #include "app/AccountSettingsWindow.h"
@@ -13,8 +13,10 @@
 #include "app/PurchasesDetailPanel.h"
 #include "app/StudioMenu.h"
 #include "app/StudioShell.h"
+#include "app/UpdatesDetailPanel.h"
 #include "app/UserAccountButton.h"
 #include "app/controls/Button.h"
+#include "app/controls/CopyButton.h"
 #include "app/controls/FormField.h"
 #include "app/controls/Notice.h"
 #include "app/controls/StatusLine.h"
@@ -215,7 +217,9 @@ TEST_F(AccountScreensTest, WhatIsMissingIsToldBeforeTheServiceIsAsked)
     EXPECT_EQ(account.log().size(), sent);
     login()->password()->edit()->setFocus();
     QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
-    EXPECT_EQ(window.focusWidget()->parentWidget(), login()->password()->edit());    // its eye
+    const auto* next = qobject_cast<FormEdit*>(window.focusWidget());
+    ASSERT_TRUE(next) << "not the eye of the first";
+    EXPECT_EQ(next->accessibleName(), u"Repetir contraseña"_s);
 
     account.answer("POST /api/auth/login", R"({"error":"invalid_credentials"})", 400);
     account.hold();
@@ -258,6 +262,9 @@ TEST_F(AccountScreensTest, ARevealedPasswordStillLeavesByNoCopy)
 TEST_F(AccountScreensTest, ASheetHoldsTheFocusAndGivesItBack)
 {
     signIn();
+    QWidget* first = QApplication::focusWidget();
+    ASSERT_TRUE(first && first->isVisible()) << "before any click";
+    EXPECT_EQ(first->accessibleName(), u"Importar imágenes"_s);
     auto* button = window.findChild<UserAccountButton*>();
     button->setFocus(Qt::TabFocusReason);
     window.menu()->action(Command::account)->trigger();
@@ -306,6 +313,9 @@ TEST_F(AccountScreensTest, CreditsAreBoughtAndThePasswordIsChanged)
     ASSERT_TRUE(isDone());
     EXPECT_TRUE(account.log().last().contains(R"("credits":49000)"));
     EXPECT_EQ(account.opened(), QList{QUrl(u"https://example.org/p"_s)});
+    // Also for who has no browser.
+    named<PushButton>(credits, u"Copiar dirección de pago"_s)->click();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"https://example.org/p"_s);
 
     session.setAccountPanel(AccountPanelDestination::account);
     const auto fields = sheet->accountPanel()->findChildren<FormField*>();
@@ -315,6 +325,15 @@ TEST_F(AccountScreensTest, CreditsAreBoughtAndThePasswordIsChanged)
     QTest::keyClick(fields.last()->edit(), Qt::Key_Return);
     ASSERT_TRUE(isDone());
     EXPECT_EQ(fields.last()->text(), u"novísima"_s);
+    const auto placeOf = [&](const QWidget* widget) {
+        return widget->mapTo(sheet->accountPanel(), QPoint()).y();
+    };
+    settle();
+    const auto* told = sheet->accountPanel()->findChild<Notice*>();
+    const auto* change = named<PushButton>(sheet->accountPanel(), u"Actualizar contraseña"_s);
+    EXPECT_TRUE(told->isVisible());
+    EXPECT_GT(placeOf(told), placeOf(change)) << "below what was pressed";
+    EXPECT_LT(placeOf(told), placeOf(change) + 2 * change->height());
     account.answer("POST /api/auth/password", R"({"ok":true})");
     QTest::keyClick(fields.last()->edit(), Qt::Key_Return);
     ASSERT_TRUE(isDone());
@@ -420,6 +439,21 @@ TEST_F(AccountScreensTest, ThePopoverFitsWhatItShows)
     QTest::keyClick(name->edit(), Qt::Key_Return);
     EXPECT_TRUE(QTest::qWaitFor([&] { return name->text() == u"LUCÍA"_s; }));
     EXPECT_EQ(view->findChild<Notice*>()->text(), u"Perfil guardado."_s);
+}
+
+TEST_F(AccountScreensTest, NothingIsUpToDateUnlessThatIsKnown)
+{
+    UpdatesDetailPanel panel;
+    const auto says = [&panel](const QString& text) {
+        return std::ranges::any_of(panel.findChildren<QWidget*>(), [&](const QWidget* part) {
+            return part->accessibleName().contains(text);
+        });
+    };
+    EXPECT_FALSE(says(u"al día"_s));
+    panel.setLatest(u"0.1"_s, {});
+    EXPECT_TRUE(says(u"al día"_s));
+    panel.setLatest(u"999.0"_s, {});
+    EXPECT_FALSE(says(u"al día"_s));
 }
 
 TEST_F(AccountScreensTest, AnAddressThatIsToldCanBeCopied)

@@ -369,7 +369,7 @@ TEST_F(MainWindowTest, anEditorKeepsItsKeysAndFollowsTheImage)
     QTest::keyClick(canvas(), Qt::Key_Delete);
     EXPECT_FALSE(current().layers[1].isVisible);
     session.selectLayer(current().layers[0].id);
-    QTest::keyClick(canvas(), Qt::Key_Backspace);
+    QTest::keyClick(&window, Qt::Key_Backspace);
     EXPECT_FALSE(current().layers[0].isVisible);
 }
 
@@ -415,6 +415,7 @@ TEST_F(MainWindowTest, tabGoesFromTheBarThroughTheColumnAndTheCanvasToThePanel)
 {
     session.load({photos(2)});
     settle();
+    panel()->setTab(SideTab::text);
     window.activateWindow();
     canvas()->setFocus();
     QStringList stops;
@@ -436,6 +437,7 @@ TEST_F(MainWindowTest, theTabFollowsWhatIsPressedButNotAChangeOfImage)
 {
     session.load({photos(2)});
     settle();
+    panel()->setTab(SideTab::text);
     session.addShape(ShapeKind::rectangle);
     ShapeLayer shape = current().shapeLayers[0];
     shape.frame = {0.1, 0.85, 0.2, 0.1};    // below the texts
@@ -580,6 +582,7 @@ TEST_F(MainWindowTest, aClickIntoATextIsNoSelectionWhenTheCardAboveShrinks)
 {
     session.load({photos(1)});
     settle();
+    panel()->setTab(SideTab::text);
     for (const int i : {0, 1}) {
         TextLayer layer = current().layers[i];
         layer.hasBox = false;
@@ -812,6 +815,10 @@ TEST_F(MainWindowTest, anExportIsShownFromItsBeginningToItsFiles)
     EXPECT_FALSE(grid()->tiles()[0].paid);
     EXPECT_TRUE(grid()->accessibleText(1).endsWith(u"pagada"_s));
     EXPECT_FALSE(seen.contains(u"50 créditos reservados."_s));
+    session.setAccountPanel(AccountPanelDestination::credits);
+    for (const QWidget* widget : window.findChildren<QWidget*>())
+        EXPECT_NE(widget->accessibleName(), u"50 créditos reservados."_s);
+    session.setAccountPanel(std::nullopt);
     EXPECT_FALSE(seen.contains(u"Conectando con tu cuenta…"_s));
     press(*link, link->rect().center());    // offscreen nothing opens folders
     EXPECT_EQ(session.status(), u"No se ha podido abrir la carpeta."_s);
@@ -851,13 +858,30 @@ TEST_F(MainWindowTest, aFolderThatIsGoneIsNotOpened)
     FolderOpener opener;
     const QTemporaryDir folder;
     QWidget* link = window.shell()->statusLine()->focusOrder().first();
-    session.setStatus(u"Exportada."_s, StatusTone::done, folder.path());
+    session.setStatus(u"Exportada."_s, StatusTone::done, {.folder = folder.path()});
     press(*link, link->rect().center());
     EXPECT_EQ(opener.opened, QStringList{folder.path()});
     ASSERT_TRUE(QDir(folder.path()).removeRecursively());
     press(*link, link->rect().center());
     EXPECT_EQ(opener.opened.size(), 1);
     EXPECT_EQ(session.status(), u"No se ha podido abrir la carpeta."_s);
+}
+
+TEST_F(MainWindowTest, wantOfCreditsLeadsToBuyingThem)
+{
+    session.load({photos(3)});
+    settle();
+    account.answer("GET /api/auth/me", ScriptedAccount::summary("Ana", 40));
+    account.session().refresh();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !account.session().isWorking(); }, 30000));
+    session.exportAll(m_data.path());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !session.isExporting(); }, 30000));
+    const Status last = window.shell()->statusLine()->history().last();
+    EXPECT_EQ(last.sentence, u"Necesitas 150 créditos para descargar estas imágenes."_s);
+    EXPECT_EQ(last.link, u"Comprar créditos"_s);
+    QWidget* link = window.shell()->statusLine()->focusOrder().first();
+    press(*link, link->rect().center());
+    EXPECT_EQ(session.accountPanel(), AccountPanelDestination::credits);
 }
 
 TEST_F(MainWindowTest, closingWaitsForTheExportToStop)

@@ -8,6 +8,7 @@
 #include "app/controls/SlotEditor.h"
 #include "app/controls/Switch.h"
 #include "app/controls/TabStrip.h"
+#include "canvas/ItemLayout.h"
 #include "model/PublicationItem.h"
 #include "tests/app/Events.h"
 
@@ -72,6 +73,7 @@ TEST_F(SidePanelTest, whatCannotBeChangedSaysWhy)
                                            {u"Opacidad de la sombra"_s, c.shadow}}) {
             EXPECT_EQ(slider(name)->isEnabled(), reason.isEmpty()) << qPrintable(name);
             EXPECT_EQ(slider(name)->toolTip(), reason);
+            EXPECT_EQ(slider(name)->valueText().isEmpty(), !c.selected) << qPrintable(name);
         }
         EXPECT_EQ(named<Switch>(text, u"Caja"_s)->isEnabled(), c.selected);
         auto* paste = named<IconButton>(text, u"Pegar estilo"_s);
@@ -139,8 +141,48 @@ TEST_F(SidePanelTest, aChangeIsTheSelectedLayerWithNothingElseChanged)
     expected.shadowOpacity = 0;
     ASSERT_EQ(changes.size(), 2);
     EXPECT_EQ(changes[1], std::pair(expected, Pace::once));
+    struct Slider {
+        QString name;
+        double TextLayerDesign::*number;
+        double most;
+    };
+    for (const Slider& each : {Slider{u"Tamaño"_s, &TextLayer::fontScale, 2.5},
+                               Slider{u"Opacidad de la caja"_s, &TextLayer::backgroundOpacity, 1},
+                               Slider{u"Radio de la caja"_s, &TextLayer::cornerRadius, 80},
+                               Slider{u"Opacidad de la sombra"_s, &TextLayer::shadowOpacity, 1},
+                               Slider{u"Desenfoque"_s, &TextLayer::shadowRadius, 50},
+                               Slider{u"Distancia"_s, &TextLayer::shadowDistance, 50},
+                               Slider{u"Ángulo"_s, &TextLayer::shadowAngle, 360}}) {
+        slider(each.name)->enter(each.most - 0.25);
+        expected = state.layers[0];
+        expected.*each.number = each.most - 0.25;
+        EXPECT_EQ(changes.last(), std::pair(expected, Pace::once)) << qPrintable(each.name);
+    }
     named<Switch>(text, u"Caja"_s)->click();
     EXPECT_FALSE(changes.last().first.hasBox);
+}
+
+TEST_F(SidePanelTest, theSizeSaysWhereTheBoxEndsIt)
+{
+    const SocialFormat format = SocialFormat::square;
+    const auto limitOf = [](const TextLayer& layer) {
+        return fontScaleInBox(layer, exportSize(format), designSize(format));
+    };
+    TextLayer title = state.layers[0];
+    title.fontScale = 0.5;
+    EXPECT_FALSE(limitOf(title));
+    title.fontScale = 2.5;
+    const std::optional<double> limit = limitOf(title);
+    ASSERT_TRUE(limit);
+    EXPECT_LT(*limit, 2.5);
+    title.fontScale = *limit;
+    EXPECT_FALSE(limitOf(title)) << "at the end itself the text is as large as it wants to be";
+
+    EXPECT_EQ(slider(u"Tamaño"_s)->accessibleDescription(), QString());
+    state.sizeLimit = limit;
+    text->setState(state);
+    EXPECT_EQ(slider(u"Tamaño"_s)->accessibleDescription(), u"La caja limita el tamaño"_s);
+    EXPECT_EQ(slider(u"Tamaño"_s)->toolTip(), u"La caja limita el tamaño"_s);
 }
 
 TEST_F(SidePanelTest, onlyTextFieldsTakeTheFocusFromTheMouse)
@@ -187,6 +229,14 @@ TEST_F(SidePanelTest, shapesAreListedFromTheTopAndALineHasNoFill)
     EXPECT_FALSE(hex->isEnabled());
     EXPECT_FALSE(radius->isEnabled());
     EXPECT_TRUE(named<SliderField>(shapes, u"Grosor del trazo"_s)->isEnabled());
+    EXPECT_EQ(hex->text() + radius->valueText(), QString()) << "values of nothing";
+    EXPECT_EQ(rows[0]->accessibleName(), u"Círculo"_s);
+    const ShapeLayer other(QUuid::createUuid(), ShapeKind::circle, {});
+    shown.shapes = {line, circle, other};
+    shapes->setState(shown);
+    EXPECT_EQ(shapes->findChildren<ShapeRow*>()[0]->accessibleName(), u"Círculo 2"_s);
+    EXPECT_EQ(shapes->findChildren<ShapeRow*>()[1]->deleteButton()->accessibleName(),
+              u"Eliminar Círculo 1"_s);
 
     ShapeLayer box(QUuid::createUuid(), ShapeKind::rectangle, {});
     box.fill.alpha = 0.5;

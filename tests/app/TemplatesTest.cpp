@@ -1,5 +1,6 @@
 #include "app/AuthGateView.h"
 #include "app/MainWindow.h"
+#include "app/PresetDrawing.h"
 #include "app/PresetGrid.h"
 #include "app/SidePanel.h"
 #include "app/StagePanel.h"
@@ -18,6 +19,7 @@
 #include "tests/support/ScriptedAccount.h"
 
 #include <QApplication>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QWheelEvent>
 
@@ -42,9 +44,7 @@ protected:
             EXPECT_TRUE(image.save(m_folder.filePath(u"f%1.png"_s.arg(i))));
         }
         session.load({QUrl::fromLocalFile(m_folder.path())});
-        settle();
-        side()->setTab(SideTab::templates);
-        settle();
+        settle();    // the first photos open the templates
     }
     void settle()
     {
@@ -83,35 +83,44 @@ TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
     const bool couldUndo = session.canUndo();
     const QByteArray shown = onCanvas();
     PresetTile* tile = packaged()->tile(packaged()->presets().first().id);
+    QSignalSpy begun(packaged(), &PresetGrid::previewWanted);
+    QSignalSpy ended(packaged(), &PresetGrid::previewEnded);
+    const auto isSaid = [&] {
+        const QString canvas = window.shell()->stage()->canvas()->accessibleName();
+        return std::pair(tile->accessibleName().contains(u"vista previa"_s),
+                         canvas.contains(u"vista previa"_s));
+    };
     hover(tile, QEvent::HoverEnter);
     EXPECT_EQ(onCanvas(), shown);    // not at once
-    QTest::qWait(400);
+    ASSERT_TRUE(begun.wait());
     settle();
     EXPECT_NE(onCanvas(), shown);
+    EXPECT_EQ(isSaid(), std::pair(true, true));
     EXPECT_EQ(session.batch(), before);
     hover(tile, QEvent::HoverLeave);
-    QTest::qWait(400);
+    ASSERT_TRUE(ended.wait());
     settle();
     EXPECT_EQ(onCanvas(), shown);
+    EXPECT_EQ(isSaid(), std::pair(false, false));
     EXPECT_EQ(session.canUndo(), couldUndo);
 
     // By the keyboard it stays while the wheel turns over the canvas: that edits nothing.
     window.activateWindow();
     packaged()->setFocus(Qt::TabFocusReason);
-    QTest::qWait(400);
+    ASSERT_TRUE(begun.wait());
     QWidget* canvas = window.shell()->stage()->canvas();
     const QPointF middle = canvas->rect().center();
     QWheelEvent wheel(middle, canvas->mapToGlobal(middle), {}, {0, 120}, Qt::NoButton,
                       Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(canvas, &wheel);
-    QTest::qWait(50);
+    settle();
     EXPECT_EQ(session.batch(), before);
     canvas->setFocus();
 
     session.selectAll();
     session.setText(CopySlot::title, u"Solo en esta"_s);
     hover(tile, QEvent::HoverEnter);
-    QTest::qWait(400);
+    ASSERT_TRUE(begun.wait());
     tile->click();
     settle();
     for (const PublicationItem& item : session.batch().items) {
@@ -121,11 +130,33 @@ TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
     EXPECT_EQ(current().layers[0].text, u"Solo en esta"_s);
     EXPECT_TRUE(tile->preset().chosen);
     EXPECT_EQ(session.status(),
-              u"Plantilla «%1» aplicada a 3 imagen(es)."_s.arg(tile->preset().name));
+              u"Plantilla «%1» aplicada a 3 imágenes."_s.arg(tile->preset().name));
     session.undo();
     EXPECT_EQ(session.batch().items[1], before.items[1]);    // one step for all
     EXPECT_EQ(session.batch().items[2], before.items[2]);
     EXPECT_EQ(current().layers[0].text, u"Solo en esta"_s);
+}
+
+TEST_F(TemplatesTest, OpenWithTheFirstPhotosAlone)
+{
+    EXPECT_EQ(side()->tab(), SideTab::templates);
+    side()->setTab(SideTab::text);
+    bool stood = false;
+    QObject::connect(&session, &StudioSession::importChanged, &window, [&] {
+        if (!session.isImporting() || session.importProgress().accepted.isEmpty())
+            return;
+        stood = true;
+        EXPECT_TRUE(window.shell()->isStage(StudioShell::Stage::empty))
+            << "the old canvas beside new tiles";
+    });
+    window.activateWindow();
+    window.shell()->stage()->canvas()->setFocus();
+    session.load({QUrl::fromLocalFile(m_folder.path())});
+    settle();
+    EXPECT_TRUE(stood);
+    EXPECT_TRUE(window.shell()->isStage(StudioShell::Stage::picture));
+    EXPECT_TRUE(window.shell()->stage()->canvas()->hasFocus());
+    EXPECT_EQ(side()->tab(), SideTab::text);
 }
 
 TEST_F(TemplatesTest, AreSavedRenamedAndFound)
@@ -135,6 +166,9 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     window.templates().saveTemplate();
     auto* name = qobject_cast<LineField*>(QApplication::focusWidget());
     ASSERT_TRUE(name);    // in place, ready to be typed over
+    const PresetTile* card = own()->tile(own()->presets().first().id);
+    EXPECT_LE(name->width(), card->width());
+    EXPECT_TRUE(card->findChild<IconButton*>()->isVisible()) << "its menu, without the pointer";
     QTest::keyClicks(name, u"Rutas de otono"_s);
     QTest::keyClick(name, Qt::Key_Return);
     QTest::qWait(1);
@@ -225,6 +259,13 @@ TEST_F(TemplatesTest, StylesReachTheSelectedTextOfAllSelectedImages)
     Q_EMIT shelf->saveRequested();
     ASSERT_EQ(shelf->grid()->presets().size(), 1);
     const QUuid style = shelf->grid()->presets().first().id;
+    // White letters on the bright photo of the third image.
+    title.foreground = codableWhite;
+    title.hasBox = false;
+    const PhotoHandle bright = session.batch().items[2].image;
+    const QImage card = drawnStyle(bright, title, {80, 50}, *m_photos);
+    const QImage photo = m_photos->thumbnail({bright.path, bright.digest});
+    EXPECT_LT(card.pixelColor(2, 2).lightnessF(), photo.pixelColor(2, 2).lightnessF() * 0.8F);
     EXPECT_TRUE(shelf->grid()->presets().first().chosen);
 
     session.selectAll();

@@ -1,9 +1,12 @@
 #include "app/Theme.h"
 #include "app/Icons.h"
 
+#include <QMenu>
 #include <QWidget>
 
 #include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -49,6 +52,17 @@ TEST(Theme, aWindowOfAnotherThemeKeepsItWithItsChildren)
     EXPECT_EQ(&themeOf(&child), &darkTheme());
     window.setPalette(paletteOf(lightTheme()));
     EXPECT_EQ(&themeOf(&child), &lightTheme());
+}
+
+TEST(Theme, aMenuHasNoCornersToBeBlack)
+{
+    QMenu menu;
+    menu.addAction(u"Uno"_s);
+    menu.popup({});
+    const QRegion seen = menu.mask();
+    EXPECT_FALSE(seen.contains(QPoint(0, 0)));
+    EXPECT_FALSE(seen.contains(menu.rect().bottomRight()));
+    EXPECT_TRUE(seen.contains(QPoint(menu.width() / 2, 0)));
 }
 
 TEST(Icons, everyIconIsInTheProgramAndTakesItsColour)

@@ -1,4 +1,5 @@
 #include "canvas/ItemPainter.h"
+#include "canvas/BoxShadow.h"
 #include "canvas/ExportCanvasRenderer.h"
 #include "canvas/PngEncoder.h"
 
@@ -89,6 +90,78 @@ TEST(ItemPainter, aLineIsItsStrokeAndAStrokeBelowATenthIsNone)
         << "scaled with the design";
     item.shapeLayers[0].strokeWidth = 0.1;
     EXPECT_EQ(grey(rendered(item), 100, 100), 0);
+}
+
+// As one stroked by hand, to the points of its corners.
+TEST(ItemPainter, sharpCornersOfAThickTriangleKeepTheirPoints)
+{
+    PublicationItem item = emptyItem();
+    item.shapeLayers = {whiteShape(ShapeKind::triangle, {0.45, 0.4, 0.1, 0.5})};
+    item.shapeLayers[0].fillOpacity = 0;
+    item.shapeLayers[0].strokeOpacity = 1;
+    item.shapeLayers[0].strokeWidth = 10;
+    const ItemLayout layout = layOut(item, paintedCanvas, paintedCanvas);
+    // The apex of 100 by 20: its point is half the stroke over the sine of half its angle above it.
+    const double point = 80 - 5 / std::sin(std::atan2(10, 100));
+    const QImage image = rendered(item);
+    EXPECT_GT(grey(image, 100, int(point) + 4), 50);
+    EXPECT_EQ(grey(image, 100, int(point) - 2), 0);
+    EXPECT_LT(extentOf(layout.shapes[0]).top(), point);
+    item.shapeLayers[0].frame = {0.2, 0.2, 0.6, 0.6};
+    EXPECT_EQ(layOut(item, paintedCanvas, paintedCanvas).shapes[0].miterLimit, plainMiterLimit);
+}
+
+// Rounder than half its shorter side a box is a pill, which its shadow follows.
+TEST(ItemPainter, aRadiusIsAtMostHalfTheShorterSide)
+{
+    for (const CodableRect& frame :
+         {CodableRect(0.1, 0.3, 0.8, 0.2), CodableRect(0.3, 0.1, 0.2, 0.8)}) {
+        PublicationItem pill = emptyItem();
+        pill.layers = {whiteBox(frame)};
+        pill.layers[0].shadowOpacity = 1;
+        pill.layers[0].shadowColor = {1, 0, 0, 1};
+        pill.shapeLayers = {whiteShape(ShapeKind::rectangle, frame)};
+        pill.layers[0].cornerRadius = pill.shapeLayers[0].cornerRadius = 20;
+        PublicationItem rounder = pill;
+        rounder.layers[0].cornerRadius = rounder.shapeLayers[0].cornerRadius = 80;
+        EXPECT_EQ(rendered(rounder), rendered(pill));
+        const LaidOutTextLayer box = layOut(rounder, paintedCanvas, paintedCanvas).texts[0];
+        QImage whole(200, 200, QImage::Format_Alpha8);
+        whole.fill(0);
+        QPainter painter(&whole);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Qt::black);
+        painter.drawRoundedRect(box.box, 20, 20);
+        painter.end();
+        gaussianBlur(whole, box.shadow->sigma);
+        const ShadowPicture shadow =
+            boxShadow(box.box, box.cornerRadius, box.shadow->sigma, Qt::black, whole.rect());
+        for (int y = 0; y < shadow.image.height(); ++y) {
+            for (int x = 0; x < shadow.image.width(); ++x) {
+                const QPoint at = QPoint(x, y) + shadow.position;
+                ASSERT_NEAR(qAlpha(shadow.image.pixel(x, y)), whole.constScanLine(at.y())[at.x()],
+                            1)
+                    << x << " " << y;
+            }
+        }
+    }
+}
+
+// Stretched to the width of the canvas it is millions of times as high.
+TEST(ItemPainter, aPhotoAsThinAsOneMayBeIsDrawn)
+{
+    PublicationItem item = emptyItem();
+    item.image.size = {1, 60'000'000};
+    item.placement.zoom = 3;
+    QImage photo(1, 64, QImage::Format_RGB32);
+    for (int y = 0; y < 64; ++y)
+        photo.setPixel(0, y, qRgb(4 * y, 0, 0));
+    const auto image = ExportCanvasRenderer::bitmap(
+        item, {1080, 1080}, {540, 540}, [&](const PhotoHandle&, PhotoLevel) { return photo; });
+    ASSERT_TRUE(image);
+    EXPECT_NEAR(qRed(image->pixel(540, 540)), 126, 2) << "its middle";
+    EXPECT_EQ(image->pixel(0, 0), image->pixel(1079, 1079));
 }
 
 TEST(ItemPainter, opacityOfAFillReplacesThatOfItsColour)

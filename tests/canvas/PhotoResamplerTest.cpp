@@ -81,11 +81,12 @@ TEST(PhotoResampler, flatColourStaysExactAndTransparencyStaysPremultiplied)
 {
     QImage flat(33, 21, QImage::Format_RGB32);
     flat.fill(QColor(10, 200, 255));
-    const QImage wide = resampled(flat, {101, 9}, {0, 0, 101, 9});
+    const QImage wide = resampled(flat, QSize(101, 9), {0, 0, 101, 9});
     for (int x = 0; x < 101; ++x)
         EXPECT_EQ(wide.pixel(x, 4), qRgb(10, 200, 255));
 
-    const QImage soft = resampled(noise({40, 40}, QImage::Format_ARGB32), {29, 53}, {0, 0, 29, 53});
+    const QImage soft =
+        resampled(noise({40, 40}, QImage::Format_ARGB32), QSize(29, 53), {0, 0, 29, 53});
     ASSERT_EQ(soft.format(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < soft.height(); ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(soft.constScanLine(y));
@@ -98,6 +99,6 @@ TEST(PhotoResampler, flatColourStaysExactAndTransparencyStaysPremultiplied)
 TEST(PhotoResampler, anEnormousTargetCostsOnlyItsWindow)
 {
     const QImage photo = noise({500, 4}, QImage::Format_RGB32);
-    const QImage part = resampled(photo, {50'000'000, 400'000}, {24'999'000, 200'000, 64, 64});
+    const QImage part = resampled(photo, QSize(50'000'000, 400'000), {24'999'000, 200'000, 64, 64});
     EXPECT_EQ(part.size(), QSize(64, 64));
 }

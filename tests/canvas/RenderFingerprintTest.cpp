@@ -86,6 +86,13 @@ TEST(RenderFingerprint, NothingThatCannotBeSeenIsInIt)
                              Edit([](PublicationItem& i) { i.layers[0].shadowAngle = 3; }),
                              Edit([](PublicationItem& i) { i.layers[0].background = {}; })})
         EXPECT_EQ(fingerprintAfter(boxless(edit)), withoutBox);
+
+    const auto rounded = [](double radius) {
+        return fingerprintAfter([radius](PublicationItem& i) {
+            i.layers[0].cornerRadius = i.shapeLayers[0].cornerRadius = radius;
+        });
+    };
+    EXPECT_EQ(rounded(80), rounded(500)) << "as round as they get";
 }
 
 TEST(RenderFingerprint, EverythingThatIsSeenIsInIt)

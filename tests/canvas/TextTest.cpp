@@ -3,6 +3,7 @@
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QPainter>
+#include <QRandomGenerator>
 
 #include <gtest/gtest.h>
 
@@ -60,6 +61,35 @@ TEST(TextFitting, skipsOnlySizesThatCannotFit)
             }
         }
     }
+}
+
+TEST(TextFitting, alignmentChangesNeitherSizeNorLines)
+{
+    const QStringList texts{u"Respira otoño en los Picos de Europa"_s,
+                            u"Casas rurales con chimenea, a un paso del sendero y de la sierra"_s,
+                            u"Una palabra larguísima: otorrinolaringología"_s,
+                            u"مرحبا (بالعالم)! هذا نص طويل"_s,
+                            u"Sol ☀️ y playa\nun día 🏖️"_s};
+    QRandomGenerator random(11);
+    for (int i = 0; i < 500; ++i) {
+        TextLayer layer = layerOf(CopySlot(i % 4), texts[i % texts.size()]);
+        layer.fontScale = 0.5 + 2.5 * random.generateDouble();
+        const QSizeF area(40 + 1000 * random.generateDouble(), 30 + 300 * random.generateDouble());
+        layer.alignment = LayerTextAlignment::leading;
+        const LaidOutText flushLeft = fittedText(layer, area, 2);
+        EXPECT_EQ(flushLeft.measuredRect(), flushLeft.usedRect());
+        for (const LayerTextAlignment alignment : allCases<LayerTextAlignment>()) {
+            layer.alignment = alignment;
+            const LaidOutText text = fittedText(layer, area, 2);
+            EXPECT_EQ(text.fontSize(), flushLeft.fontSize()) << area.width();
+            EXPECT_EQ(text.lineCount(), flushLeft.lineCount()) << area.width();
+            EXPECT_EQ(text.measuredRect(), flushLeft.measuredRect()) << area.width();
+        }
+    }
+    TextLayer justified = layerOf(CopySlot::title, texts[0]);
+    justified.alignment = LayerTextAlignment::justified;
+    EXPECT_NEAR(LaidOutText(styledText(justified, 40), 400).usedRect().width(), 400, 1)
+        << "drawn from edge to edge";
 }
 
 TEST(TextFitting, boundsHoldWhateverTheText)
@@ -153,23 +183,42 @@ TEST(LaidOutText, sidesAreAsWrittenAlsoFromRightToLeft)
     EXPECT_GT(left(LayerTextAlignment::trailing), 150);
 }
 
-TEST(LaidOutText, emojiAreInColour)
+TEST(LaidOutText, aTextRunsInTheDirectionOfItsOwnLetters)
+{
+    const auto drawn = [](const QString& text) {
+        QImage image(300, 60, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        painter.setPen(Qt::white);
+        LaidOutText(styledText(layerOf(CopySlot::title, text), 40), 300).draw(painter, {});
+        return image;
+    };
+    // A mark of direction at the end keeps the sign there on its side.
+    EXPECT_EQ(drawn(u"שלום!"_s), drawn(u"שלום!\u200f"_s));
+    EXPECT_EQ(drawn(u"Hola!"_s), drawn(u"Hola!\u200e"_s));
+}
+
+TEST(LaidOutText, emojiAreInColourAndSequencesWhole)
 {
     if (!QFontDatabase::hasFamily(u"Noto Color Emoji"_s))
         GTEST_SKIP() << "the emoji font is not installed";
     for (const QString& emoji :
-         {u"😀"_s, u"⭐"_s, u"❤️"_s, u"☀️"_s, u"🇪🇸"_s, u"👩‍🍳"_s}) {
+         {u"😀"_s, u"⭐"_s, u"❤️"_s, u"☀️"_s, u"🇪🇸"_s, u"👩‍🍳"_s, u"1️⃣"_s,
+          u"🏳️‍🌈"_s, u"❤️‍🔥"_s, u"👩‍❤️‍👨"_s, u"🕵️‍♂️"_s,
+          u"☝🏽"_s}) {
         QImage image(120, 120, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::black);
         QPainter painter(&image);
         painter.setPen(Qt::white);
-        LaidOutText(styledText(layerOf(CopySlot::title, emoji), 60), 120).draw(painter, {});
+        const LaidOutText text(styledText(layerOf(CopySlot::title, emoji), 60), 120);
+        text.draw(painter, {});
         painter.end();
+        EXPECT_LT(text.measuredRect().width(), 1.2 * 60) << qPrintable(emoji);
         int coloured = 0;
         for (int y = 0; y < 120; ++y) {
             for (int x = 0; x < 120; ++x)
-                coloured +=
-                    QColor(image.pixel(x, y)).saturation() > 120 && qRed(image.pixel(x, y)) > 90;
+                coloured += QColor(image.pixel(x, y)).saturation() > 60 &&
+                            QColor(image.pixel(x, y)).value() > 90;
         }
         EXPECT_GT(coloured, 200) << qPrintable(emoji);
     }

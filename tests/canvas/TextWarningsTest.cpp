@@ -144,6 +144,20 @@ TEST(TextWarnings, aTextThatDoesNotFitAtItsSmallestIsToldAlsoWhenItsLinesAreTake
         << "a word wider than its box";
 }
 
+TEST(TextWarnings, aCharacterThatNoFontHasIsTold)
+{
+    PublicationItem item = itemWith(smallText());
+    const auto lacksGlyphs = [&](const QString& text) {
+        item.layers[0].text = text;
+        const auto warnings = warningsOf(item, ground(0));
+        return !warnings.isEmpty() && warnings[0].lacksGlyphs;
+    };
+    EXPECT_TRUE(lacksGlyphs(u"mmmm \U000EFFFD"_s));
+    for (const QString& text : {u"mmmm 🎉 1️⃣ ❤️ ☝🏽 🏳️‍🌈 ¡ñandú!"_s,
+                                u"un\u00adi\u200bd\u200do\ufe0f\tdos\r\ntres\u2060"_s})
+        EXPECT_FALSE(lacksGlyphs(text)) << qPrintable(text);
+}
+
 TEST(TextWarnings, judgingLeavesNoTraceInThePicture)
 {
     PublicationItem item = PublicationItem::make(

@@ -197,6 +197,13 @@ TEST_F(ExportCommandTest, fillsTextsFromASheetAndTellsItsWrongRows)
     EXPECT_NE(second, untouched);
     EXPECT_EQ(runExport({photos[0]}).status, 0);
     EXPECT_EQ(QImage(path(u"out/f-publicacion.png"_s)), untouched) << "the texts it begins with";
+
+    const QStringList paid = charges();
+    const Outcome none =
+        runExport({u"--texts"_s, textSheet("archivo,titulo\nx,Uno\n"), photo(u"nueva.jpg"_s)});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_TRUE(none.err.contains(u"Ninguna fila de los textos"_s)) << qPrintable(none.err);
+    EXPECT_EQ(charges(), paid);
 }
 
 TEST_F(ExportCommandTest, wrongUseIsSaidAndHasItsOwnStatus)
@@ -211,6 +218,8 @@ TEST_F(ExportCommandTest, wrongUseIsSaidAndHasItsOwnStatus)
                                      {u"--template"_s, textFile(u"no.json"_s), one},
                                      {u"--texts"_s, path(u"missing.csv"_s), one},
                                      {u"--texts"_s, textSheet("titulo\n"), one},
+                                     {u"--texts"_s, u"/dev/zero"_s, one},
+                                     {u"--template"_s, u"/dev/zero"_s, one},
                                      {path(u"missing.jpg"_s)}}) {
         const Outcome outcome = runExport(wrong);
         EXPECT_EQ(outcome.status, 2) << qPrintable(wrong.join(u' '));
@@ -408,8 +417,9 @@ TEST_F(ExportCommandTest, whatCannotBeWrittenIsGivenBack)
     ASSERT_EQ(objects.size(), 4);
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(objects[i][u"photo"_s].toString(), photos[i]);
-        EXPECT_EQ(objects[i].contains(u"error"_s), i > 0);
+        EXPECT_EQ(objects[i].contains(u"error"_s), i == 1) << "the others were tried";
     }
+    EXPECT_EQ(objects[3][u"cost"_s].toInt(), 0);
     EXPECT_EQ(objects[3][u"outcome"_s].toString(), u"notWritten"_s);
     EXPECT_EQ(objects[3][u"message"_s].toString(),
               u"No se pudieron guardar todas las imágenes. Se han devuelto los 150 créditos."_s);

@@ -123,6 +123,7 @@ struct Parcel {
     QSet<QString> marks;
     int count = 7;
     QList<QUuid> ids;
+    std::optional<qint64> wide;
     bool operator==(const Parcel&) const = default;
 };
 
@@ -131,9 +132,9 @@ struct Parcel {
 template <>
 struct json::JsonFields<Parcel> {
     static constexpr auto fields =
-        std::tuple{required("url", &Parcel::url), optional("bookmark", &Parcel::bookmark),
+        std::tuple{required("url", &Parcel::url),     optional("bookmark", &Parcel::bookmark),
                    optional("marks", &Parcel::marks), optional("count", &Parcel::count),
-                   optional("ids", &Parcel::ids)};
+                   optional("ids", &Parcel::ids),     optional("wide", &Parcel::wide)};
 };
 
 TEST(Json, addressesBytesAndSetsHaveTheirForms)
@@ -146,15 +147,18 @@ TEST(Json, addressesBytesAndSetsHaveTheirForms)
                         QByteArray("\x00\xff\x10", 3),
                         {u"b"_s, u"a"_s},
                         3,
-                        {QUuid(u"a3bb189e-8bf9-3888-9912-ace4e6543002"_s)}};
+                        {QUuid(u"a3bb189e-8bf9-3888-9912-ace4e6543002"_s)},
+                        -9'007'199'254'740'993};    // a double would lose the last digit
     const QByteArray text = json::written(parcel);
     EXPECT_EQ(
         text,
         R"({"url":"file:///fotos/%C3%B1%201%25.jpg","bookmark":"AP8Q","marks":["a","b"],"count":3,)"
-        R"("ids":["A3BB189E-8BF9-3888-9912-ACE4E6543002"]})");
+        R"("ids":["A3BB189E-8BF9-3888-9912-ACE4E6543002"],"wide":-9007199254740993})");
     EXPECT_EQ(read(text.constData()), parcel);
     EXPECT_EQ(
-        json::written(Parcel{.url = parcel.url, .bookmark = {}, .marks = {}, .count = 0, .ids = {}})
+        json::written(
+            Parcel{
+                .url = parcel.url, .bookmark = {}, .marks = {}, .count = 0, .ids = {}, .wide = {}})
             .contains("bookmark"),
         false);
 
@@ -166,7 +170,8 @@ TEST(Json, addressesBytesAndSetsHaveTheirForms)
               1);
     for (const char* bad :
          {R"({"url":"relative"})", R"({"url":7})", R"({"url":"file:///a","count":3.5})",
-          R"({"url":"file:///a","count":1e10})", R"({"url":"file:///a","bookmark":"?"})",
-          R"({"url":"file:///a","marks":{}})"})
+          R"({"url":"file:///a","count":1e10})", R"({"url":"file:///a","count":5000000000})",
+          R"({"url":"file:///a","wide":9223372036854775808})", R"({"url":"file:///a","wide":1e19})",
+          R"({"url":"file:///a","bookmark":"?"})", R"({"url":"file:///a","marks":{}})"})
         EXPECT_EQ(read(bad), std::nullopt) << bad;
 }

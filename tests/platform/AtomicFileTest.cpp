@@ -67,6 +67,19 @@ TEST(AtomicFile, theLongestNameOfTheFileSystemIsNotTooLong)
     EXPECT_EQ(namesIn(folder), name);
 }
 
+TEST(AtomicFile, whatKilledRunsLeaveGoesWithTheNextOne)
+{
+    const QTemporaryDir folder;
+    const QString ended = u"5d1f4c0e-3d1c-4a86-8b8e-4b7d7b6f1a11"_qs,
+                  goingOn = u"6d1f4c0e-3d1c-4a86-8b8e-4b7d7b6f1a12"_qs;
+    const QStringList kept{unfinishedPrefix() + goingOn + u".1x"_qs, unfinishedPrefix() + u"x.2"_qs,
+                           u"a.png"_qs};
+    for (const QString& name : kept + QStringList{unfinishedPrefix() + ended + u".3z"_qs})
+        EXPECT_TRUE(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
+    removeUnfinished(folder.path(), [&](const QString& run) { return run == goingOn; });
+    EXPECT_EQ(namesIn(folder), kept.join(u' '));
+}
+
 TEST(AtomicFile, whoMayReadFollowsTheUsersMask)
 {
     const QTemporaryDir folder;

@@ -23,19 +23,20 @@ TEST(DecodeGate, whatAPassGivesBackLetsTheNextOneIn)
 TEST(DecodeGate, neverLetsMoreThanTheBudgetInAtOnce)
 {
     DecodeGate gate(100);
-    std::atomic<int> inside = 0, most = 0;
+    std::atomic<int> arrived = 0, inside = 0, most = 0;
     std::array<std::jthread, 6> threads;
     for (std::jthread& thread : threads) {
         thread = std::jthread([&] {
-            for (int turn = 0; turn < 50; ++turn) {
-                const auto pass = gate.enter(40);
-                const int now = ++inside;
-                int seen = most;
-                while (now > seen && !most.compare_exchange_weak(seen, now))
-                    ;
+            ++arrived;
+            const auto pass = gate.enter(40);
+            const int now = ++inside;
+            int seen = most;
+            while (now > seen && !most.compare_exchange_weak(seen, now))
+                ;
+            // Nobody leaves before all have come to the gate.
+            while (arrived < int(threads.size()))
                 std::this_thread::yield();
-                --inside;
-            }
+            --inside;
         });
     }
     for (std::jthread& thread : threads)

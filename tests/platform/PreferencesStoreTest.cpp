@@ -1,6 +1,9 @@
 #include "platform/PreferencesStore.h"
 
+#include <QDir>
 #include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -67,6 +70,65 @@ TEST(PreferencesStore, aFileThatIsNoDatabaseIsPutAsideNotOverwritten)
     QFile aside(file.fileName() + u".damaged"_qs);
     ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
     EXPECT_TRUE(aside.readAll().startsWith(text));
+}
+
+TEST(PreferencesStore, whatCannotBeUsedIsPutAsideAndTold)
+{
+    const auto fill = [](const QString& path) {
+        PreferencesStore store(path);
+        EXPECT_EQ(store.takeProblem(), QString());
+        for (int i = 0; i < 20; ++i)
+            store.setValue(u"key %1"_qs.arg(i), QByteArray(100'000, 'x'));
+    };
+    const auto overwrite = [](const QString& path, qint64 from, qint64 count) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.seek(from));
+        file.write(QByteArray(count, '\x5a'));
+    };
+    const auto rename = [](const QString& path) {
+        {
+            QSqlDatabase store = QSqlDatabase::addDatabase(u"QSQLITE"_qs, u"rename"_qs);
+            store.setDatabaseName(path);
+            EXPECT_TRUE(store.open());
+            QSqlQuery(store).exec(u"ALTER TABLE preference RENAME COLUMN value TO worth"_qs);
+        }
+        QSqlDatabase::removeDatabase(u"rename"_qs);
+    };
+    struct Row {
+        const char* label;
+        std::function<void(const QString& path)> spoil;
+        QString cause;
+    };
+    const QString damaged = u"el archivo está dañado"_qs;
+    const Row rows[] = {
+        {"its tree", [&](const QString& path) { overwrite(path, 65536, 400); }, damaged},
+        {"its schema's page", [&](const QString& path) { overwrite(path, 100, 3000); }, damaged},
+        {"cut short", [&](const QString& path) { QFile::resize(path, 70'000); }, damaged},
+        {"other columns", rename, u"el archivo no es de esta versión de Moltiva"_qs},
+        {"a folder",
+         [](const QString& path) {
+             QFile::remove(path);
+             QDir().mkpath(path + u"/inside"_qs);
+         },
+         u"en su lugar hay una carpeta"_qs},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.label);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"p.sqlite"_qs), aside = path + u".damaged"_qs;
+        fill(path);
+        row.spoil(path);
+        PreferencesStore store(path);
+        EXPECT_TRUE(store.isOpen());
+        const QString problem = store.takeProblem();
+        EXPECT_TRUE(problem.contains(row.cause)) << qPrintable(problem);
+        EXPECT_TRUE(problem.contains(aside));
+        EXPECT_TRUE(QFileInfo::exists(aside));
+        EXPECT_FALSE(store.value(u"key 1"_qs));
+        EXPECT_TRUE(store.setValue(u"key 1"_qs, "new"));
+    }
+    PreferencesStore nowhere(u"/proc/none/p.sqlite"_qs);
+    EXPECT_TRUE(nowhere.takeProblem().contains(u"no se puede escribir en «/proc/none»"_qs));
 }
 
 TEST(PreferencesStore, aTransactionIsStoredAsAWholeOrNotAtAll)

@@ -74,6 +74,26 @@ TEST(BatchExport, aFolderExportedIntoItselfGivesTheSamePhotosAgain)
     EXPECT_EQ(kept, (QStringList{u"a.jpg"_s, u"b-publicacion.png"_s, u"a-publicacion.jpg"_s}));
 }
 
+TEST(BatchExport, aNameThatIsTooLongIsShortenedAtACharacter)
+{
+    const QTemporaryDir folder;
+    const QString family = u"👩\u200d👩\u200d👧"_s;    // 18 bytes, one character
+    const QString stem = family.repeated(14), fits = family.repeated(13);
+    QList<QUrl> photos;
+    for (const QString& name : {u"a/%1.jpg"_s, u"b/%1.jpg"_s, u"c/x%1.jpg"_s, u"d/%1.jpg"_s})
+        photos.append(
+            QUrl::fromLocalFile(folder.filePath(name.arg(name.startsWith(u'd') ? fits : stem))));
+    QStringList names;
+    for (const QString& path : exportPaths(photos, folder.filePath(u"new/folder"_s)))
+        names.append(QFileInfo(path).fileName());
+    EXPECT_EQ(names,
+              (QStringList{fits + u"-publicacion.png"_s, fits + u"-publicacion-2.png"_s,
+                           u"x"_s + fits + u"-publicacion.png"_s, fits + u"-publicacion-3.png"_s}));
+    EXPECT_EQ(exportName(photos[0], folder.path()), names[0]);
+    const QList<QUrl> again{photos[0], QUrl::fromLocalFile(folder.filePath(u"a/"_s + names[1]))};
+    EXPECT_EQ(withoutOwnOutputs(again), QList<QUrl>{photos[0]});
+}
+
 TEST(BatchExport, anExceptionFailsItsOwnFileOnly)
 {
     int written = 0, failed = 0;

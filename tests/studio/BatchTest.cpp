@@ -118,8 +118,9 @@ TEST(LayerEdits, aStyleReachesTheOtherSelectedImagesWithoutTheText)
     title.frame = {0, 0, 1, 1};
     title.isVisible = false;
 
+    using enum LayerEdits::Copied;
     const Batch before = batch;
-    LayerEdits::applyLayerChangeToSelectedItems(batch, title);
+    LayerEdits::applyLayerChangeToSelectedItems(batch, title, style);
     TextLayer expected = before.items[0].layers[0];
     expected.fontScale = 1.4;
     expected.alignment = LayerTextAlignment::trailing;
@@ -129,10 +130,12 @@ TEST(LayerEdits, aStyleReachesTheOtherSelectedImagesWithoutTheText)
         << "the edited image itself is written by its editor";
     EXPECT_EQ(batch.items[3], before.items[3]) << "not selected";
 
-    using enum LayerEdits::Along;
-    LayerEdits::applyLayerChangeToSelectedItems(batch, title, frame | visibility);
-    expected.frame = title.frame;
+    title.fontScale = 3;
+    LayerEdits::applyLayerChangeToSelectedItems(batch, title, visibility);
     expected.isVisible = false;
+    EXPECT_EQ(batch.items[0].layers[0], expected) << "the eye";
+    LayerEdits::applyLayerChangeToSelectedItems(batch, title, frame);
+    expected.frame = title.frame;
     EXPECT_EQ(batch.items[0].layers[0], expected);
 }
 
@@ -145,11 +148,11 @@ TEST(LayerEdits, aSingleSelectedImageIsNotReachedFromAnother)
     TextLayer title = batch.items[1].layers[0];
     title.fontScale = 2;
     const Batch before = batch;
-    LayerEdits::applyLayerChangeToSelectedItems(batch, title);
+    LayerEdits::applyLayerChangeToSelectedItems(batch, title, LayerEdits::Copied::style);
     EXPECT_EQ(batch, before);
 }
 
-TEST(LayerEdits, aGestureSendsTheLayerItMoved)
+TEST(LayerEdits, aGestureSendsTheFrameThatItMovedAndAPanelTheStyle)
 {
     Batch batch = batchOf(2);
     selectAll(batch);
@@ -157,13 +160,26 @@ TEST(LayerEdits, aGestureSendsTheLayerItMoved)
     batch.items.edit(0).shapeLayers[0].frame = {0.5, 0.5, 0.1, 0.1};
     batch.items.edit(0).layers[0].frame = {0, 0, 0.2, 0.2};
     batch.items.edit(0).layers[1].frame = {0.3, 0.3, 0.2, 0.2};
-    const CodableRect untouched = batch.items[1].layers[1].frame;
+    batch.items.edit(1).layers[0].fontScale = 2;
+    batch.items.edit(1).shapeLayers[0].strokeWidth = 9;
+    const Batch before = batch;
+    const auto other = [&]() -> const PublicationItem& { return batch.items[1]; };
 
+    PublicationItem expected = before.items[1];
     LayerEdits::syncCurrentCanvasEditsToSelectedItems(batch, batch.items[0].layers[0].id);
-    EXPECT_EQ(batch.items[1].layers[0].frame, batch.items[0].layers[0].frame);
-    EXPECT_EQ(batch.items[1].layers[1].frame, untouched);
+    expected.layers[0].frame = {0, 0, 0.2, 0.2};
+    EXPECT_EQ(other(), expected) << "its own size stays";
     LayerEdits::syncCurrentCanvasEditsToSelectedItems(batch, batch.items[0].shapeLayers[0].id);
-    EXPECT_EQ(batch.items[1].shapeLayers, batch.items[0].shapeLayers);
+    expected.shapeLayers[0].frame = {0.5, 0.5, 0.1, 0.1};
+    EXPECT_EQ(other(), expected);
+
+    batch.items.edit(1).shapeLayers[0].frame = expected.shapeLayers[0].frame = {0.7, 0, 0.2, 0.2};
+    ShapeLayer edited = batch.items[0].shapeLayers[0];
+    edited.kind = ShapeKind::circle;
+    LayerEdits::editShape(batch, edited);
+    expected.shapeLayers[0].kind = ShapeKind::circle;
+    expected.shapeLayers[0].strokeWidth = edited.strokeWidth;
+    EXPECT_EQ(other(), expected) << "its own place stays";
 }
 
 TEST(LayerEdits, aShapeIsAddedAndDeletedUnderOneIdInAllSelectedImages)

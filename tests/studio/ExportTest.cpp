@@ -23,7 +23,7 @@ protected:
         studio->signIn();
     }
     StudioSession& session() { return studio->session; }
-    using Prices = std::pair<int, int>;
+    using Prices = std::pair<qint64, qint64>;
 
     PayingWorld world;
     std::unique_ptr<PayingStudio> studio = std::make_unique<PayingStudio>(world);
@@ -38,7 +38,7 @@ TEST_F(ExportTest, ARenderIsPaidOnceAndAnEditedOneAnew)
     EXPECT_EQ(studio->prices(), Prices(50, 150));
     EXPECT_EQ(studio->exportCurrent(), u"Exportado: una.png"_s);
     EXPECT_EQ(world.charged(), 50);
-    EXPECT_EQ(session().statusFolder(), world.file(u"salida"_s));
+    EXPECT_EQ(session().statusLink().folder, world.file(u"salida"_s));
     EXPECT_EQ(studio->prices(), Prices(0, 100));
     EXPECT_TRUE(session().isPaid(session().batch().items[0].id));
 
@@ -69,12 +69,6 @@ TEST_F(ExportTest, ARenderIsPaidOnceAndAnEditedOneAnew)
 TEST_F(ExportTest, WhatCannotBePaidOrPreparedCostsNothing)
 {
     loadThree();
-    world.leaveCredits(40);
-    EXPECT_EQ(studio->exportCurrent(), u"No tienes créditos suficientes."_s) << "says the service";
-    EXPECT_EQ(studio->exportCurrent(), u"Necesitas 50 créditos para descargar esta imagen."_s);
-    EXPECT_EQ(studio->exportAll(), u"Necesitas 150 créditos para descargar estas imágenes."_s);
-    EXPECT_EQ(world.exported(), QStringList());
-
     QFile::remove(world.file(u"fotos/b.png"_s));
     EXPECT_EQ(studio->exportAll(), u"No se pudieron preparar todas las imágenes para descargar."_s);
     session().selectSingleIndex(1);
@@ -83,7 +77,22 @@ TEST_F(ExportTest, WhatCannotBePaidOrPreparedCostsNothing)
     world.photo(u"b.png"_s, Qt::yellow);
     EXPECT_EQ(studio->exportCurrent(), u"No se pudo preparar la imagen para descargar."_s);
     world.photo(u"b.png"_s, Qt::red);
+
+    world.leaveCredits(40);
+    EXPECT_EQ(studio->exportCurrent(), u"No tienes créditos suficientes."_s) << "says the service";
+    EXPECT_TRUE(session().statusLink().isPurchase);
+    EXPECT_TRUE(turnUntil([&] { return studio->account.account().balance == 40; }));
+    // Known from now on, and told before anything is drawn.
+    bool isDrawing = false;
+    QObject::connect(&session(), &StudioSession::exportChanged, [&] {
+        const auto& progress = session().exportProgress();
+        isDrawing = isDrawing || (progress && progress->done > 0);
+    });
     EXPECT_EQ(studio->exportCurrent(), u"Necesitas 50 créditos para descargar esta imagen."_s);
+    EXPECT_TRUE(session().statusLink().isPurchase);
+    EXPECT_EQ(studio->exportAll(), u"Necesitas 150 créditos para descargar estas imágenes."_s);
+    EXPECT_FALSE(isDrawing);
+    EXPECT_EQ(world.exported(), QStringList());
     EXPECT_EQ(world.charged(), 0);
     EXPECT_TRUE(world.ledger().isEmpty());
     EXPECT_TRUE(QDir(world.file(u"espera"_s)).isEmpty()) << "rendered pictures stayed behind";
@@ -112,7 +121,7 @@ TEST_F(ExportTest, WhatCannotBeWrittenIsGivenBack)
     // The second of three names is taken by a folder: the first stays, whole.
     QDir(world.folder.path()).mkpath(u"salida/b-publicacion.png/x"_s);
     EXPECT_EQ(studio->exportAll(), wholeRefund);
-    EXPECT_EQ(world.exported(), QStringList({u"a-publicacion.png"_s}));
+    EXPECT_EQ(world.exported(), QStringList({u"a-publicacion.png"_s, u"c-publicacion.png"_s}));
     EXPECT_FALSE(QImage(world.file(u"salida/a-publicacion.png"_s)).isNull());
     EXPECT_EQ(studio->exportCurrent(u"salida/%1.png"_s.arg(QString(300, u'x'))),
               u"No se pudo guardar el archivo. Se han devuelto los 50 créditos."_s);
@@ -130,6 +139,9 @@ TEST_F(ExportTest, WhatCannotBeWrittenIsGivenBack)
 TEST_F(ExportTest, AStoppedExportCostsNothing)
 {
     loadThree();
+    // Of one that was killed while it wrote there.
+    QFile killed(world.file(u"salida/.moltiva-5d1f4c0e-3d1c-4a86-8b8e-4b7d7b6f1a11.x"_s));
+    EXPECT_TRUE(killed.open(QIODevice::WriteOnly));
     session().exportAll(world.file(u"salida"_s));
     EXPECT_TRUE(session().isExporting());
     session().stopExport();
@@ -201,9 +213,7 @@ TEST_F(ExportTest, WhatIsPaidIsStoredWithTheEndOfItsEntryOrLater)
         if (QByteArrayView(step) == "worked")
             refuseWrites(true);
     };
-    EXPECT_EQ(studio->exportCurrent(),
-              u"Exportado: una.png. El pago no se ha podido anotar. ¿Queda "
-              "espacio en el disco?"_s);
+    EXPECT_EQ(studio->exportCurrent(), u"Exportado: una.png. El pago no se ha podido anotar."_s);
     EXPECT_EQ(studio->prices().first, 0);
     EXPECT_EQ(entries().size(), 1);
     studio->journal.stepReached = {};

@@ -57,13 +57,13 @@ public:
     }
 
     // Moves credits of the account as another program of its user would.
-    void leaveCredits(int balance)
+    void leaveCredits(qint64 balance)
     {
-        const int now = service.get("/api/auth/me").json()["balance"];
+        const qint64 now = service.get("/api/auth/me").json()["balance"];
         service.post("/api/credits/social-copy/reserve",
                      {{"cost", now - balance}, {"requestId", "otro programa"}});
     }
-    int balance() { return service.get("/api/auth/me").json()["balance"]; }
+    qint64 balance() { return service.get("/api/auth/me").json()["balance"]; }
     QList<Entry> ledger() const
     {
         QList<Entry> entries;
@@ -148,7 +148,7 @@ public:
         return session.status();
     }
     // Of the current image and of all that exportAll() covers, once they are right.
-    std::pair<int, int> prices()
+    std::pair<qint64, qint64> prices()
     {
         EXPECT_TRUE(turnUntil([this] { return session.areCostsUpToDate(); }));
         return {session.displayedExportCurrentCost().value_or(-1),

@@ -17,7 +17,7 @@ constexpr int sequenceCount = 30, rounds = 12;    // MOLTIVA_PRICE_SEQUENCES: an
 
 class PriceOracle {
 public:
-    int price(const Batch& batch, const QList<int>& indices) const
+    qint64 price(const Batch& batch, const QList<int>& indices) const
     {
         int unpaid = 0;
         for (const int index : indices) {
@@ -157,9 +157,7 @@ private:
         default:
             layer.isVisible = !layer.isVisible;
         }
-        m_session.editLayer(layer, below(2) == 0
-                                       ? LayerEdits::AlongFlags()
-                                       : LayerEdits::Along::frame | LayerEdits::Along::visibility);
+        m_session.editLayer(layer, LayerEdits::Copied(below(3)));
     }
 
     void editShape()
@@ -345,7 +343,7 @@ private:
         const Batch batch = studio.session.batch();
         const QList<int> indices =
             isSingle ? QList<int>{batch.selectedIndex} : studio.session.exportIndices();
-        const int price = oracle.price(batch, indices), before = world.balance();
+        const qint64 price = oracle.price(batch, indices), before = world.balance();
         const QString told = isSingle ? studio.exportCurrent() : studio.exportAll();
         EXPECT_TRUE(told.startsWith(u"Exportad"_s)) << told.toStdString();
         EXPECT_EQ(before - world.balance(), price) << told.toStdString();

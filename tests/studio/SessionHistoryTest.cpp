@@ -69,7 +69,7 @@ protected:
     {
         TextLayer layer = title();
         layer.fontScale = scale;
-        session->editLayer(layer, {}, pace);
+        session->editLayer(layer, LayerEdits::Copied::style, pace);
     }
     // An undo is over only when the loop has turned.
     void undo()
@@ -145,6 +145,18 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     session->endCanvasHistoryEdit(moved.layers[0].id);
     EXPECT_EQ(batch().items[1].layers[0].frame.x, 0.05);
     EXPECT_EQ(stored().items[2].layers[0].frame.x, 0.05);
+
+    // A pan that moves nothing lets go of the layer, and is no step that wipes what may be redone.
+    undo();
+    session->selectLayer(moved.layers[1].id);
+    session->beginCanvasHistoryEdit();
+    session->commitCanvasItem(*batch().currentItem());
+    session->selectLayer(QUuid());
+    session->endCanvasHistoryEdit({});
+    EXPECT_TRUE(session->canRedo());
+    session->selectLayer(before.selectedLayerID);
+    redo();
+    EXPECT_EQ(batch().items[1].layers[0].frame.x, 0.05);
 
     // What the canvas hides or removes goes everywhere as well.
     now += 1s;
@@ -366,15 +378,29 @@ TEST_F(SessionHistoryTest, aFailedSaveIsToldOnceAndTriedAgain)
     lost.restoreWorkspaceIfNeeded();
     int told = 0;
     QObject::connect(&lost, &StudioSession::statusChanged, &lost,
-                     [&] { told += lost.status().startsWith(u"No se pudo guardar la sesión."_s); });
+                     [&] { told += lost.status().startsWith(u"No se pudo guardar la sesión:"_s); });
     lost.load({QUrl::fromLocalFile(file(0))});
     EXPECT_TRUE(waitFor([&] { return !lost.isImporting(); }));
-    EXPECT_TRUE(lost.status().startsWith(u"No se pudo guardar la sesión."_s));
+    EXPECT_TRUE(lost.status().startsWith(u"No se pudo guardar la sesión:"_s));
     lost.setFormat(SocialFormat::square);
     lost.setObjective(u"Sigue"_s);
     EXPECT_EQ(told, 1);
     EXPECT_EQ(lost.batch().objective, u"Sigue"_s);
     EXPECT_TRUE(lost.canUndo());
+}
+
+TEST_F(SessionHistoryTest, ofTwoWindowsThatKnowNothingOfEachOtherOneAloneSaves)
+{
+    const auto other = opened();
+    other->setObjective(u"De la otra"_s);
+    session->setObjective(u"De esta"_s);
+    EXPECT_EQ(stored().objective, u"De la otra"_s);
+    EXPECT_TRUE(session->status().startsWith(u"Otra ventana de Moltiva guarda"_s));
+    session->setStatus({});
+    session->setObjective(u"De esta, aún"_s);
+    other->setObjective(u"De la otra, aún"_s);
+    EXPECT_EQ(stored().objective, u"De la otra, aún"_s);
+    EXPECT_EQ(session->status(), QString()) << "told once";
 }
 
 TEST_F(SessionHistoryTest, aStyleIsCopiedWithoutItsTextAndPlace)
@@ -418,7 +444,7 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
     const Batch before = batch();
     run([&] { importTexts(session.get(), path); });
     EXPECT_EQ(session->status(),
-              u"Textos aplicados a 2 imagen(es). 3 fila(s) sin aplicar: "
+              u"Textos aplicados a 2 imágenes. 3 filas sin aplicar: "
               "3, 5 (no hay ninguna imagen con ese nombre); 6 (faltan columnas)."_s);
     EXPECT_EQ(session->statusTone(), StatusTone::problem);
     EXPECT_EQ(title().text, u"Uno"_s);
@@ -439,9 +465,9 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
     redo();
 
     run([&] { exportTexts(session.get(), path); });
-    EXPECT_EQ(session->status(), u"Textos de 3 imagen(es) guardados en textos.csv."_s);
+    EXPECT_EQ(session->status(), u"Textos de 3 imágenes guardados en textos.csv."_s);
     run([&] { importTexts(session.get(), path); });
-    EXPECT_EQ(session->status(), u"Textos aplicados a 3 imagen(es)."_s);
+    EXPECT_EQ(session->status(), u"Textos aplicados a 3 imágenes."_s);
     EXPECT_EQ(batch(), filled);
     EXPECT_TRUE(session->canRedo()) << "what changes nothing is no step";
     run([&] { importTexts(session.get(), m_folder.filePath(u"otro.csv"_s)); });

@@ -76,10 +76,10 @@ TEST_F(StudioSessionTest, anImportReplacesTheBatchOnceAndPassesOverWhatIsNoPhoto
     EXPECT_EQ(batch.selectedLayerID, batch.items[0].layers[0].id);
     EXPECT_EQ(session.status(), u"2 imagen(es) importada(s). Pulsa Generar con Gemma. "
                                 "2 no se han podido leer."_s);
-    EXPECT_EQ(session.statusDetails(), (QStringList{u"x.jpg"_s, u"missing.jpg"_s}));
+    EXPECT_EQ(session.statusLink().details, (QStringList{u"x.jpg"_s, u"missing.jpg"_s}));
     load({url(u"a.jpg"_s)});
     EXPECT_EQ(session.status(), u"1 imagen(es) importada(s). Pulsa Generar con Gemma."_s);
-    EXPECT_TRUE(session.statusDetails().isEmpty());
+    EXPECT_TRUE(session.statusLink().details.isEmpty());
 }
 
 TEST_F(StudioSessionTest, anImportOfNothingLeavesTheBatchAndSaysSo)
@@ -158,9 +158,9 @@ TEST_F(StudioSessionTest, discardingSaysWhatWentAndHowManyAreLeft)
 {
     load({photo(u"50%2.jpg"_s), photo(u"b.jpg"_s)});
     session.removeCurrentItem();
-    EXPECT_EQ(session.status(), u"50%2 descartada. Quedan 1 imagen(es)."_s);
+    EXPECT_EQ(session.status(), u"50%2 descartada. Quedan 1 imagen."_s);
     session.removeCurrentItem();
-    EXPECT_EQ(session.status(), u"b descartada. Quedan 0 imagen(es)."_s);
+    EXPECT_EQ(session.status(), u"b descartada. Quedan 0 imágenes."_s);
     session.removeCurrentItem();
     EXPECT_TRUE(session.batch().items.isEmpty());
 }

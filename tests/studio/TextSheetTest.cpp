@@ -1,5 +1,7 @@
 #include "studio/SheetMatch.h"
 
+#include <QStringEncoder>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -195,7 +197,17 @@ TEST(TextSheet, readsWhatSpreadsheetProgramsWrite)
         // With what people leave in: empty rows, the separator's name, blanks.
         "\n;;\nSep=,\n\narchivo,titulo,parrafo,texto_publicacion,;;;;;\n , ,\t\n"
         "  f.jpg ,\t\"Uno\nDos\" , con aire , \"Hola; \"\"tú\"\"\" ,\n"};
+    QByteArrayList sheets;
     for (const QByteArray& sheet : written) {
+        sheets.append(sheet);
+        QString whole = QString::fromUtf8(sheet);
+        whole.remove(QChar::ByteOrderMark);
+        for (const char* encoding : {"windows-1252", "UTF-16LE", "UTF-16BE"})
+            sheets.append(QStringEncoder(encoding)(whole));
+        for (const char* encoding : {"UTF-16LE", "UTF-16BE"})
+            sheets.append(QStringEncoder(encoding)(QChar::ByteOrderMark + whole));
+    }
+    for (const QByteArray& sheet : sheets) {
         PublicationItems items = itemsOf({u"/f.jpg"_s});
         items.edit(0).layers[0].isVisible = false;
         const SheetMatch match = applyTextSheet(items, readTextSheet(sheet));
@@ -217,9 +229,13 @@ TEST(TextSheet, saysWhyNothingOfAFileCanBeRead)
         {QByteArray("\xFF\xFE"
                     "a\0r\0",
                     6),
-         u"no es un archivo CSV en UTF-8"_s},
-        {"archivo;t\xEDtulo\n", u"no es un archivo CSV en UTF-8"_s},
-        {QByteArray("\x89PNG\r\n\x1A\n\0\0\0", 11), u"no es un archivo CSV en UTF-8"_s},
+         u"falta la columna «archivo»"_s},
+        {QByteArray("\xFF\xFE"
+                    "a\0r",
+                    5),
+         u"no es un archivo CSV"_s},
+        {QByteArray("a\0\0\xD8", 4), u"no es un archivo CSV"_s},
+        {QByteArray("\x89PNG\r\n\x1A\n\0\0\0", 11), u"no es un archivo CSV"_s},
         {"titulo;cta\nx;y\n", u"falta la columna «archivo»"_s},
         {"archivo;notas\nx;y\n", u"no tiene ninguna columna de textos"_s},
         {"archivo;parrafo;tagline\n", u"la columna «parrafo» está dos veces"_s},

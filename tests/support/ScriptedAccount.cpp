@@ -39,7 +39,7 @@ void ScriptedAccount::answer(const QByteArray& request, const QByteArray& json, 
     m_answers.insert(request, {status, json});
 }
 
-QByteArray ScriptedAccount::summary(const QByteArray& fullName, int balance)
+QByteArray ScriptedAccount::summary(const QByteArray& fullName, qint64 balance)
 {
     return R"({"balance":)" + QByteArray::number(balance) +
            R"(,"profile":{"id":"1","email":"lucia@casaliebana.es","fullName":")" + fullName +

@@ -24,7 +24,7 @@ public:
     QString address() const { return m_address; }    // for other programs
     // For one path, "POST /api/auth/login"; what nothing was said about is not found.
     void answer(const QByteArray& request, const QByteArray& json, int status = 200);
-    static QByteArray summary(const QByteArray& fullName = "Lucía Ferrer", int balance = 4280);
+    static QByteArray summary(const QByteArray& fullName = "Lucía Ferrer", qint64 balance = 4280);
     // Requests that begin so wait meanwhile.
     void hold(const QByteArray& requests = {});
     void release();

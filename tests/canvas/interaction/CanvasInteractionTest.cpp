@@ -1,5 +1,9 @@
 #include "canvas/interaction/CanvasInteraction.h"
 
+#include "canvas/ImagePlacementGeometry.h"
+
+#include <QRandomGenerator>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -209,6 +213,62 @@ TEST(CanvasInteraction, theWheelZoomsThePhotoWithinItsLimits)
     it.log.clear();
     EXPECT_FALSE(it.scroll(10));
     EXPECT_TRUE(it.log.isEmpty());
+}
+
+// What the photo does on the export counts, however large the canvas is shown.
+TEST(CanvasInteraction, aPanThatShowsNothingLeavesThePlacementAsItWas)
+{
+    QRandomGenerator random(3);
+    const auto between = [&](double low, double high) {
+        return low + (high - low) * random.generateDouble();
+    };
+    int seen = 0, unseen = 0;
+    for (int i = 0; i < 200; ++i) {
+        const SocialFormat format = SocialFormat(i % 4);
+        const QSizeF exported = exportSize(format);
+        PublicationItem item = sampleItem();
+        item.layers.clear();
+        item.shapeLayers.clear();
+        item.image.size = QSize(int(between(100, 16000)), int(between(100, 16000)));
+        item.placement = {
+            ImageFitMode(random.bounded(2)), between(0.5, 3), {between(-1, 1), between(-1, 1)}};
+        const auto pixels = [&](const ImagePlacement& placement) {
+            return ImagePlacementGeometry::wholePixels(
+                ImagePlacementGeometry::imageRect(item.image.size, exported, placement));
+        };
+        Canvas it(item);
+        it.setFormat(format);
+        const QSizeF view = exported * between(0.1, 2);
+        it.setCanvasSize(view);
+        const double reach = i % 5 == 0 ? 0.0002 : 0.5;    // of the canvas
+        const QPointF by(between(-reach, reach), i % 3 ? between(-reach, reach) : 0);
+        it.dragBy({5, 5}, {by.x() * view.width(), by.y() * view.height()});
+        it.release();
+        ImagePlacement wanted = item.placement;
+        wanted.offset.x += by.x();
+        wanted.offset.y += by.y();
+        const ImagePlacement& got = it.committed->placement;
+        EXPECT_EQ(pixels(got), pixels(wanted)) << i;
+        if (pixels(wanted) != pixels(item.placement)) {
+            ++seen;
+            EXPECT_LE(std::abs(got.offset.x), std::abs(wanted.offset.x) + 1e-9) << i;
+        } else {
+            ++unseen;
+            EXPECT_EQ(got, item.placement) << i;
+        }
+    }
+    EXPECT_GT(seen, 50);
+    EXPECT_GT(unseen, 50);
+}
+
+TEST(CanvasInteraction, whereTheLimitsOfASizeCrossTheLargestCounts)
+{
+    PublicationItem item = sampleItem();
+    item.layers[0].frame = {1.8, 0.1, 0.5, 0.2};
+    Canvas it(item);
+    it.setSelectedLayerID(it.text());
+    it.dragBy(it.layerRect(it.text())->bottomRight(), {-8, 0});
+    EXPECT_NEAR(it.item()->layers[0].frame.width, 1.92 - 1.8, 1e-9);
 }
 
 TEST(CanvasInteraction, textsAreHiddenAndShapesRemoved)

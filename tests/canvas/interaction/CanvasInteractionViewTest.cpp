@@ -267,6 +267,41 @@ TEST_F(ViewTest, marksAreDrawnOverThePictureAndNeverInIt)
     m_view.setFocus(Qt::TabFocusReason);
     EXPECT_EQ(shown().pixelColor(36, 300), m_view.palette().color(QPalette::Highlight)) << "ring";
     EXPECT_EQ(m_view.canvasBuffer(), picture);
+
+    // At the upper edge the tag stands below the frame: nothing lies over the text.
+    PublicationItem high = m_item;
+    high.layers[0].frame = {0.1, 0.02, 0.6, 0.2};
+    m_view.setSafeZone(false);
+    m_view.setSelectedLayerID(QUuid());
+    m_view.setItem(high, SocialFormat::carouselPortrait);
+    const QRect inside = QRectF(at(0.1, 0.02), at(0.7, 0.22)).toRect().adjusted(4, 4, -20, -20);
+    const QImage bare = shown();
+    m_view.setSelectedLayerID(high.layers[0].id);
+    EXPECT_EQ(shown().copy(inside), bare.copy(inside));
+    EXPECT_NE(shown(), bare);
+}
+
+TEST_F(ViewTest, aPressMarksAtOnceAndReportsWhenItIsReleased)
+{
+    const auto hasHandle = [this](QPointF corner) {
+        return m_view.grab().toImage().pixelColor(corner.toPoint() + QPoint(-6, -6)) ==
+               QColor(Qt::white);
+    };
+    const QPointF shape = at(0.4, 0.9), text = at(0.6, 0.3);
+    m_view.setSelectedLayerID(m_item.shapeLayers[0].id);
+    ASSERT_TRUE(hasHandle(shape));
+    send(m_view, QEvent::MouseButtonPress, at(0.3, 0.2));
+    EXPECT_TRUE(hasHandle(text) && !hasHandle(shape));
+    send(m_view, QEvent::MouseMove, at(0.3, 0.2) + QPointF(60, 0));
+    EXPECT_TRUE(hasHandle(text + QPointF(60, 0)) && !hasHandle(shape));
+    EXPECT_EQ(selected(), m_item.shapeLayers[0].id);
+    type(m_view, Qt::Key_Escape);
+    EXPECT_TRUE(hasHandle(shape) && !hasHandle(text)) << "taken back";
+    send(m_view, QEvent::MouseButtonRelease, at(0.3, 0.2));
+    send(m_view, QEvent::MouseButtonPress, at(0.9, 0.5));
+    EXPECT_FALSE(hasHandle(shape)) << "the photo is held";
+    send(m_view, QEvent::MouseButtonRelease, at(0.9, 0.5));
+    EXPECT_TRUE(selected().isNull());
 }
 
 TEST_F(ViewTest, aNotchOfTheWheelIsATenthAndSidewaysCountsToo)

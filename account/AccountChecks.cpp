@@ -1,6 +1,4 @@
-#include "app/AccountChecks.h"
-
-#include "app/CreditAmounts.h"
+#include "account/AccountChecks.h"
 
 using namespace Qt::StringLiterals;
 
@@ -77,12 +75,5 @@ CheckResult checkName(const QString& fullName)
 {
     if (fullName.trimmed().isEmpty())
         return CheckFailure{CheckedField::name, u"Escribe tu nombre."_s};
-    return std::nullopt;
-}
-
-CheckResult checkAmount(const QString& typed)
-{
-    if (!effectiveCredits(typed))
-        return CheckFailure{CheckedField::amount, u"Escribe la cantidad en números."_s};
     return std::nullopt;
 }

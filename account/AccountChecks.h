@@ -19,4 +19,3 @@ CheckResult checkPasswordReset(const QString& email);
 CheckResult checkPasswordChange(const QString& current, const QString& password,
                                 const QString& repeated);
 CheckResult checkName(const QString& fullName);
-CheckResult checkAmount(const QString& typed);

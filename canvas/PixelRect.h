@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QRect>
+#include <QSize>
+
+#include <algorithm>
+
+// A rectangle of whole pixels, which may reach further than a QRect.
+struct PixelRect {
+    qint64 x = 0, y = 0, width = 0, height = 0;
+
+    PixelRect() = default;
+    PixelRect(qint64 left, qint64 top, qint64 columns, qint64 rows)
+        : x(left), y(top), width(columns), height(rows)
+    {
+    }
+    PixelRect(QSize size) : width(size.width()), height(size.height()) {}
+    bool operator==(const PixelRect&) const = default;
+
+    // Empty where they do not meet.
+    QRect intersected(const QRect& other) const
+    {
+        const auto across = [&](qint64 edge) {
+            return int(std::clamp<qint64>(edge, other.x(), other.x() + other.width()));
+        };
+        const auto down = [&](qint64 edge) {
+            return int(std::clamp<qint64>(edge, other.y(), other.y() + other.height()));
+        };
+        const QPoint corner(across(x), down(y));
+        return {corner, QSize(across(x + width) - corner.x(), down(y + height) - corner.y())};
+    }
+};
