@@ -73,38 +73,43 @@ QRect Popover::content() const
     return box().adjusted(padding, padding, -padding, -padding);
 }
 
-// Below the owner, above it where there is more room, or beside it where either would cover what
-// the window wants in sight; never over the window's edge.
-Popover::Place Popover::bestPlace(QSize size) const
+// Where the box may go, what is best first: below the owner, above it where there is more room, and
+// beside it, level with the owner or clear of one of the areas.
+QList<QPoint> Popover::placesFor(QSize size, const QRect& bounds, const QList<QRect>& clear) const
 {
     const QRect owner(m_owner->mapTo(window(), QPoint()), m_owner->size());
+    const int below = bounds.bottom() - owner.bottom() - popoverGap;
+    const int above = owner.top() - popoverGap - bounds.top();
+    QList<QPoint> places{{owner.left(), owner.bottom() + 1 + popoverGap},
+                         {owner.left(), owner.top() - popoverGap - size.height()}};
+    if (below < size.height() && below < above)
+        places.swapItemsAt(0, 1);
+    const int beside = owner.left() - popoverGap - size.width();
+    for (const QRect& area : clear) {
+        places.append({beside, owner.center().y() - size.height() / 2});
+        places.append({beside, area.bottom() + 1 + popoverGap});
+        places.append({beside, area.top() - popoverGap - size.height()});
+    }
+    return places;
+}
+
+// The first that covers least of what the window wants in sight, and never over the window's edge.
+Popover::Place Popover::bestPlace(QSize size) const
+{
     const QRect bounds = window()->rect().adjusted(popoverWindowMargin, popoverWindowMargin,
                                                    -popoverWindowMargin, -popoverWindowMargin);
     const auto* keeper = dynamic_cast<const KeptClear*>(window());
     const QList<QRect> clear = keeper ? keeper->keptClear(m_owner) : QList<QRect>();
-    const int below = bounds.bottom() - owner.bottom() - popoverGap;
-    const int above = owner.top() - popoverGap - bounds.top();
-    const QPoint under(owner.left(), owner.bottom() + 1 + popoverGap);
-    const QPoint over(owner.left(), owner.top() - popoverGap - size.height());
-    QList<QPoint> places{under, over};
-    if (below < size.height() && below < above)
-        places.swapItemsAt(0, 1);
-    if (!clear.isEmpty()) {
-        const int beside = owner.left() - popoverGap - size.width();
-        places.append({beside, owner.center().y() - size.height() / 2});
-        for (const QRect& area : clear) {
-            places.append({beside, area.bottom() + 1 + popoverGap});
-            places.append({beside, area.top() - popoverGap - size.height()});
-        }
-    }
     std::optional<Place> best;
-    for (const QPoint& wanted : std::as_const(places)) {
-        const QPoint at(
-            std::max(bounds.left(), std::min(wanted.x(), bounds.right() + 1 - size.width())),
-            std::max(bounds.top(), std::min(wanted.y(), bounds.bottom() + 1 - size.height())));
-        Place place{at};
+    for (const QPoint& wanted : placesFor(size, bounds, clear)) {
+        QRect box(wanted, size);
+        box.moveLeft(
+            std::max(bounds.left(), std::min(box.left(), bounds.right() + 1 - box.width())));
+        box.moveTop(
+            std::max(bounds.top(), std::min(box.top(), bounds.bottom() + 1 - box.height())));
+        Place place{box.topLeft()};
         for (const QRect& area : clear) {
-            const QRect covered = area.intersected(QRect(at, size));
+            const QRect covered = area.intersected(box);
             place.covers += qint64(covered.width()) * covered.height();
         }
         if (!best || place.covers < best->covers)

@@ -40,6 +40,7 @@ private:
         QPoint at;            // of the box, in the window
         qint64 covers = 0;    // of what should be in sight, in pixels
     };
+    QList<QPoint> placesFor(QSize box, const QRect& bounds, const QList<QRect>& clear) const;
     Place bestPlace(QSize box) const;
     void place();
 

@@ -697,9 +697,9 @@ TEST_F(MainWindowTest, exportsAreOfferedForWhatIsSelected)
         EXPECT_TRUE(QTest::qWaitFor([&] { return session.areCostsUpToDate(); }, 30000));
         return std::pair(exports->current()->cost().credits, exports->several()->cost().credits);
     };
-    EXPECT_EQ(costs(), std::pair(std::optional(50), std::optional(200)));
+    EXPECT_EQ(costs(), std::pair(std::optional<qint64>(50), std::optional<qint64>(200)));
     session.selectItem(2, Qt::ShiftModifier);
-    EXPECT_EQ(costs(), std::pair(std::optional(50), std::optional(150)));
+    EXPECT_EQ(costs(), std::pair(std::optional<qint64>(50), std::optional<qint64>(150)));
     EXPECT_EQ(entry(Command::exportAll)->text(), u"Exportar 3…"_s);
     EXPECT_EQ(window.shell()->topBar()->exports()->several()->accessibleName(), u"Exportar 3"_s);
     EXPECT_TRUE(entry(Command::exportCurrent)->isEnabled());
