@@ -13,7 +13,7 @@
 #include <utility>
 
 #include <poll.h>
-#include <sys/pidfd.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -34,7 +34,7 @@ bool createPrivately(const QString& folder)
 // Also one whose end nobody has taken note of yet. Never true where the system cannot tell.
 bool hasEnded(qint64 process)
 {
-    const int handle = ::pidfd_open(pid_t(process), 0);
+    const int handle = int(::syscall(SYS_pidfd_open, pid_t(process), 0));
     if (handle < 0)
         return errno == ESRCH;
     pollfd ending{handle, POLLIN, 0};
