@@ -111,6 +111,7 @@ TEST(PrivateSocket, StandsInAFolderThatIsTheUsersAlone)
         QDir().mkdir(deep);
         EXPECT_EQ(pathWith({}, deep), QString()) << "it would be cut";
     }
-    if (::geteuid() == 0 && ::chown(runtime.path().toLocal8Bit().constData(), 65534, 65534) == 0)
+    if (::geteuid() == 0 && ::chown(runtime.path().toLocal8Bit().constData(), 65534, 65534) == 0) {
         EXPECT_EQ(pathWith(runtime.path(), data.path()), beside + u"/x.socket"_s) << "another's";
+    }
 }
