@@ -13,8 +13,11 @@
 #include <utility>
 
 #include <poll.h>
-#include <sys/pidfd.h>
 #include <unistd.h>
+
+extern "C" {    // which this header of glibc 2.36 leaves out
+#include <sys/pidfd.h>
+}
 
 using namespace Qt::StringLiterals;
 
