@@ -13,8 +13,11 @@
 #include <utility>
 
 #include <poll.h>
-#include <sys/syscall.h>
 #include <unistd.h>
+
+extern "C" {    // which this header of glibc 2.36 leaves out
+#include <sys/pidfd.h>
+}
 
 using namespace Qt::StringLiterals;
 
@@ -34,7 +37,7 @@ bool createPrivately(const QString& folder)
 // Also one whose end nobody has taken note of yet. Never true where the system cannot tell.
 bool hasEnded(qint64 process)
 {
-    const int handle = int(::syscall(SYS_pidfd_open, pid_t(process), 0));
+    const int handle = ::pidfd_open(pid_t(process), 0);
     if (handle < 0)
         return errno == ESRCH;
     pollfd ending{handle, POLLIN, 0};

@@ -157,6 +157,9 @@ private:
         for (const RowProblem& problem : texts.problems)
             m_report.rowFailed(problem);
 
+        for (const QString& photo : m_options.unreachable)
+            m_report.unreadable(photo);
+
         PreparedBatch batch;
         batch.lacksTexts = m_options.texts && texts.filledImages() == 0;
         QHash<QString, int> occurrences;    // by file

@@ -12,6 +12,7 @@
 #include "templates/TemplateDefinition.h"
 
 #include <QCommandLineParser>
+#include <QDir>
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
@@ -167,10 +168,12 @@ private:
             if (place.isDir() && !(place.isReadable() && place.isExecutable()))
                 return wrongUse(u"no se puede leer la carpeta «%1»."_s.arg(path));
             m_options.photos.append(photosAt(path));
+            for (const QString& name : unreachablePhotosInFolder(path))
+                m_options.unreachable.append(QDir(path).filePath(name));
         }
         if (!m_parser.isSet(m_sample) && m_parser.positionalArguments().isEmpty())
             return wrongUse(u"falta decir qué fotos. Prueba «moltiva export --help»."_s);
-        if (m_options.photos.isEmpty())
+        if (m_options.photos.isEmpty() && m_options.unreachable.isEmpty())
             tellOfExport(u"No he encontrado imágenes compatibles."_s);
         return {};
     }

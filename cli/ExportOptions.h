@@ -20,6 +20,7 @@ struct ExportOptions {
     std::optional<TextSheet> texts;
     TemplateApplication design;               // none: as it is
     QList<QUrl> photos;                       // files
+    QStringList unreachable;                  // names of photos that no address can be given
     std::shared_ptr<QTemporaryDir> sample;    // of photos, goes with the options
 };
 

@@ -94,6 +94,7 @@ MOLTIVA_JSON_RECORD(ShapeLayer)
 MOLTIVA_JSON_RECORD(ShapeLayerDesign)
 MOLTIVA_JSON_RECORD(QList<TextLayer>)
 MOLTIVA_JSON_RECORD(QList<ShapeLayer>)
+MOLTIVA_JSON_RECORD(PublicationItemSnapshot)
 MOLTIVA_JSON_RECORD(WorkspaceSnapshot)
 template QByteArray toJson(const QString&);
 template QByteArray toJson(const QUrl&);

@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using CreditOperation = void(Transaction&, qint64, int, const QString&, qint64);
+using CreditOperation = void(Transaction&, qint64, qint64, const QString&, qint64);
 
 ServiceReply moved(Visit& visit, CreditOperation* operation)
 {

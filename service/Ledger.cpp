@@ -50,7 +50,7 @@ std::optional<Reservation> lastReservation(Transaction& transaction, qint64 acco
     return Reservation{found.number(0), found.number(1), found.number(2) != 0};
 }
 
-void checkOperation(int cost, const QString& requestId)
+void checkOperation(qint64 cost, const QString& requestId)
 {
     if (cost < 1 || cost > largestCost)
         throw Refusal(400, "invalid_credit_request", u"cost must be 1 to 1000000"_s);
@@ -84,7 +84,7 @@ void addPurchase(Transaction& transaction, qint64 account, int credits, const QS
     append(transaction, account, {.kind = u"purchase"_s, .amount = credits, .note = order}, now);
 }
 
-void reserveCredits(Transaction& transaction, qint64 account, int cost, const QString& requestId,
+void reserveCredits(Transaction& transaction, qint64 account, qint64 cost, const QString& requestId,
                     qint64 now)
 {
     checkOperation(cost, requestId);
@@ -105,7 +105,7 @@ void reserveCredits(Transaction& transaction, qint64 account, int cost, const QS
            now);
 }
 
-void refundCredits(Transaction& transaction, qint64 account, int cost, const QString& requestId,
+void refundCredits(Transaction& transaction, qint64 account, qint64 cost, const QString& requestId,
                    qint64 now)
 {
     checkOperation(cost, requestId);

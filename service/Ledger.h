@@ -21,9 +21,9 @@ void addPurchase(Transaction& transaction, qint64 account, int credits, const QS
 
 // A request identifier is open from its reserve to its refund. Reserving an open one again with
 // the same cost moves nothing; so does refunding one again that was given back. Both throw Refusal.
-void reserveCredits(Transaction& transaction, qint64 account, int cost, const QString& requestId,
+void reserveCredits(Transaction& transaction, qint64 account, qint64 cost, const QString& requestId,
                     qint64 now);
-void refundCredits(Transaction& transaction, qint64 account, int cost, const QString& requestId,
+void refundCredits(Transaction& transaction, qint64 account, qint64 cost, const QString& requestId,
                    qint64 now);
 std::optional<int> reservedCost(Transaction& transaction, qint64 account, const QString& requestId);
 

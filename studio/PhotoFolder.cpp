@@ -65,7 +65,9 @@ FoundPhotos photosIn(const QList<QUrl>& filesAndFolders)
     FoundPhotos found;
     for (const QUrl& url : filesAndFolders) {
         const QFileInfo file(url.toLocalFile());
-        if (file.isDir()) {
+        if (file.isDir() && !(file.isReadable() && file.isExecutable())) {
+            found.unreachable.append(file.fileName());
+        } else if (file.isDir()) {
             found.photos.append(photosInFolder(file.absoluteFilePath()));
             found.unreachable.append(unreachablePhotosInFolder(file.absoluteFilePath()));
         } else {

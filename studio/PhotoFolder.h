@@ -15,7 +15,7 @@ QStringList unreachablePhotosInFolder(const QString& folder);
 
 struct FoundPhotos {
     QList<QUrl> photos;
-    QStringList unreachable;    // names
+    QStringList unreachable;    // names, also of folders that may not be read
 };
 
 // A mixed choice of files and folders, in order; folders give their photos. Files are taken

@@ -14,6 +14,8 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <fstream>
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -165,6 +167,17 @@ TEST_F(ExportCommandTest, skipsWhatIsNoPhotoAndKeepsEqualNamesApart)
     EXPECT_TRUE(outcome.err.contains(u"f-publicacion-2.png"_s)) << qPrintable(outcome.err);
     EXPECT_TRUE(outcome.err.contains(path(u"x.jpg"_s) + u": No se pudo leer la foto."_s))
         << qPrintable(outcome.err);
+
+    // One whose name is in another encoding.
+    photo(u"c/g.jpg"_s);
+    ASSERT_TRUE(std::ofstream(path(u"c"_s).toStdString() + "/ca\xf1"
+                                                           "a.jpg")
+                    .put('x'));
+    const Outcome mixed = runExport({path(u"c"_s)});
+    EXPECT_EQ(mixed.status, 1);
+    EXPECT_TRUE(mixed.err.contains(u"ca\uFFFDa.jpg: No se pudo leer la foto."_s))
+        << qPrintable(mixed.err);
+    EXPECT_TRUE(written().contains(u"g-publicacion.png"_s));
 }
 
 TEST_F(ExportCommandTest, jsonIsOneObjectAFileAndASummaryAndNothingElse)

@@ -204,6 +204,7 @@ TEST(Endpoints, creditsAndPurchases)
     expectRefused(service,
                   {{reserve, {{"cost", 20'000}, {"requestId", "b"}}, 402, "insufficient_credits"},
                    {reserve, {{"cost", 1.5}, {"requestId", "b"}}, 400, "invalid_credit_request"},
+                   {reserve, {{"cost", 4294967306}, {"requestId", "b"}}, 400, "invalid_credit_request"},
                    {"/api/credits/social-copy/refund",
                     {{"cost", 1}, {"requestId", "z"}},
                     409,
