@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int gateMarkSide = 56, spinnerSide = 24;
+constexpr int gateMarkSide = 56, gateSpinnerSide = 24;
 
 QWidget* checkingPage()
 {
@@ -26,7 +26,7 @@ QWidget* checkingPage()
     rows->addStretch(1);
     rows->addWidget(new Mark(gateMarkSide), 0, Qt::AlignHCenter);
     rows->addSpacing(28);
-    rows->addWidget(new Spinner(spinnerSide), 0, Qt::AlignHCenter);
+    rows->addWidget(new Spinner(gateSpinnerSide), 0, Qt::AlignHCenter);
     rows->addSpacing(16);
     rows->addWidget(new Caption(Type::body, &Theme::text2, u"Comprobando sesión..."_s), 0,
                     Qt::AlignHCenter);

@@ -12,7 +12,7 @@ namespace {
 // The block is centred in the frame; these are from its top.
 constexpr int cardsMiddle = 104, titleTop = 250, sentenceTop = 290, buttonsTop = 333,
               hintsTop = 398, blockHeight = 414;
-constexpr int spinnerSide = 32, spinnerTop = 196;
+constexpr int emptySpinnerSide = 32, spinnerTop = 196;
 constexpr int frameSide = 24, frameTop = 14, frameBottom = 12;
 
 }    // namespace
@@ -25,7 +25,7 @@ EmptyState::EmptyState(QWidget* parent)
       m_hints(new KeyHints({{{u"Ctrl"_qs, u"O"_qs}, u"imágenes"_qs},
                             {{u"Ctrl"_qs, u"Mayús"_qs, u"O"_qs}, u"carpeta"_qs}},
                            this)),
-      m_spinner(new Spinner(spinnerSide, this))
+      m_spinner(new Spinner(emptySpinnerSide, this))
 {
     m_spinner->hide();
     nameState();
@@ -90,7 +90,7 @@ void EmptyState::resizeEvent(QResizeEvent*)
     m_folder->setGeometry(QRect(QPoint(left + images.width() + gap, top + buttonsTop), folder));
     const QSize hints = m_hints->sizeHint();
     m_hints->setGeometry(QRect(QPoint((width() - hints.width()) / 2, top + hintsTop), hints));
-    m_spinner->move((width() - spinnerSide) / 2, top + spinnerTop);
+    m_spinner->move((width() - emptySpinnerSide) / 2, top + spinnerTop);
 }
 
 void EmptyState::paintEvent(QPaintEvent*)

@@ -160,18 +160,18 @@ void MainWindow::connectPanels()
     connect(m_stage.get(), &StageBinding::photoFound, m_batch.get(), &BatchBinding::photoFound);
     connect(m_stage.get(), &StageBinding::photoMissing, this, [this](QUuid item) {
         m_batch->photoMissing(item);
-        tell({StatusKind::error, u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
-                                     m_session.batch().currentItem()->filename())});
+        m_session.setStatus(u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
+                                m_session.batch().currentItem()->filename()),
+                            StatusTone::failure);
     });
     connect(m_templates.get(), &TemplatesBinding::previewChanged, this,
             [this](const std::optional<PublicationItem>& item) {
                 m_shell->stage()->setPreviewed(item.has_value());
                 m_stage->preview(item);
             });
-    connect(m_templates.get(), &TemplatesBinding::told, this,
-            [this](const QString& sentence, StatusTone tone) {
-                tell({kindOf(tone), sentence});
-            });
+    connect(
+        m_templates.get(), &TemplatesBinding::told, this,
+        [this](const QString& sentence, StatusTone tone) { m_session.setStatus(sentence, tone); });
     connect(m_panel.get(), &PanelBinding::leaveRequested, this, &MainWindow::focusCanvas);
 
     connect(top->exports(), &ExportButtons::currentRequested, this, runs(Command::exportCurrent));
@@ -198,7 +198,12 @@ void MainWindow::connectSession()
 {
     connect(&m_session, &StudioSession::aboutToMove, this, &MainWindow::endEdits);
     connect(&m_session, &StudioSession::batchChanged, this, &MainWindow::showBatch);
-    connect(&m_session, &StudioSession::statusChanged, this, &MainWindow::showStatus);
+    connect(&m_session, &StudioSession::statusChanged, this, [this] {
+        showStatus();
+        // The line lies under the gate.
+        if (isGated() && m_session.statusTone() == StatusTone::problem)
+            m_gate->login()->tellProblem(m_session.status());
+    });
     connect(&m_session, &StudioSession::importChanged, this, [this] {
         m_batch->show();
         showStage();
@@ -223,7 +228,12 @@ void MainWindow::connectAccount()
     });
     connect(m_account.get(), &AccountBinding::told, this,
             [this](const QString& message, bool isProblem) {
-                tell({isProblem ? StatusKind::warning : StatusKind::ok, message});
+                // The session's own sentence is told at the sign-in form, too.
+                if (isGated() || message.isEmpty())
+                    tell({isProblem ? StatusKind::warning : StatusKind::ok, message});
+                else
+                    m_session.setStatus(message,
+                                        isProblem ? StatusTone::problem : StatusTone::done);
             });
 }
 
@@ -553,11 +563,12 @@ void MainWindow::goToRegion(int step)
     }
 }
 
-// Without images what invites to import them: a canvas that is hidden would not be heard of again.
+// Without images, to what invites to import them: a hidden canvas would keep the focus out of
+// sight.
 void MainWindow::focusCanvas()
 {
     if (m_shell->isStage(StudioShell::Stage::picture))
-        m_stage->canvas()->setFocus();
+        m_stage->canvas()->setFocus(KeyboardFocus::reason());
     else
         m_shell->emptyState()->takeFocus(KeyboardFocus::reason());
 }
@@ -817,9 +828,6 @@ void MainWindow::showStatus()
     if (!m_session.statusLink().details.isEmpty())
         status.link = u"Ver cuáles"_s;
     tell(m_exports->completed(status));
-    // The line lies under the gate.
-    if (isGated() && m_session.statusTone() == StatusTone::problem)
-        m_gate->login()->tellProblem(m_session.status());
 }
 
 // Whatever is told, the bar of what is going on stays.

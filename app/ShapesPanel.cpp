@@ -239,7 +239,8 @@ void ShapesPanel::showStyle()
     const int reached = shape ? m_state.reachedImages : 1;
     m_header->setReached(
         reached,
-        u"El estilo y la posición se aplican a las %1 imágenes seleccionadas."_s.arg(reached));
+        u"El estilo se aplica a las %1 imágenes seleccionadas; la posición, al mover la forma."_s
+            .arg(reached));
     const ShapeLayerDesign usual(shown.kind);
     const auto showNumber = [&](SliderField* field, double ShapeLayerDesign::*number) {
         field->setDefault(usual.*number);

@@ -23,7 +23,7 @@ void paintFloating(QPainter& painter, const QRect& rect, double radius, const Th
     painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
 }
 
-// Its pixels by their middles.
+// A pixel belongs to it where its centre lies inside.
 QRegion roundedRegion(const QRect& rect, double radius)
 {
     QBitmap mask(rect.size());
@@ -87,7 +87,8 @@ StudioStyle::StudioStyle(Motion motion) : QProxyStyle(u"Fusion"_qs), m_motion(mo
 void StudioStyle::polish(QWidget* widget)
 {
     QProxyStyle::polish(widget);
-    // Behind the soft edge of the rounded corners; where nothing composes the screen it is black.
+    // The soft edge of the corners needs a transparent window; without a compositor the mask cuts
+    // them.
     if (qobject_cast<QMenu*>(widget)) {
         widget->setAttribute(Qt::WA_TranslucentBackground);
         widget->setWindowFlag(Qt::FramelessWindowHint);

@@ -172,7 +172,7 @@ void TileGrid::pictureOutdated(QUuid id)
 QSize TileGrid::tileSize() const
 {
     const int inner = std::max(1, viewport()->width() - leftPadding - rightPadding);
-    // Rounded up: rather a tileGap of nine than one of eleven.
+    // Rounded up: rather a gap of nine than one of eleven.
     const int width = std::max(1, (inner - (columns() - 1) * tileGap + columns() - 1) / columns());
     return {width, std::max(1, qRound(width / m_ratio))};
 }

@@ -78,7 +78,7 @@ void UpdatesDetailPanel::setLatest(const std::optional<QString>& version,
     const bool isNewer = AppVersion::isRemoteVersionNewer(version);
     if (latest.isEmpty())
         m_state->setTexts(u"No se sabe si hay una versión nueva"_s,
-                          u"Tallerio no ha dado datos de la última versión."_s);
+                          u"No hay datos de la última versión."_s);
     else if (isNewer)
         m_state->setTexts(u"Hay una versión nueva"_s,
                           u"Descárgala para tener las últimas mejoras."_s);

@@ -23,7 +23,7 @@ QStringList warningSentences(const QList<TextWarning>& warnings)
             sentences.append(u"%1: no cabe en su caja."_s.arg(name));
         if (warning.lacksGlyphs)
             sentences.append(
-                u"%1: ninguna fuente instalada tiene alguno de sus signos."_s.arg(name));
+                u"%1: alguno de sus signos no está en ninguna fuente instalada."_s.arg(name));
         if (warning.contrast) {
             sentences.append(u"%1: contraste bajo (%2; lo mínimo es %3)."_s.arg(
                 name, numberText(*warning.contrast), numberText(warning.leastContrast)));

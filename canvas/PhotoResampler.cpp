@@ -26,7 +26,7 @@ double kernel(double x)
     return 0;
 }
 
-// What each pixel of a stretch of the target takes from the source along unitWeight axis.
+// What each pixel of a stretch of the target takes from the source along one axis.
 struct Taps {
     struct Pixel {
         int first;       // source index

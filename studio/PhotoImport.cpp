@@ -1,5 +1,6 @@
 #include "studio/PhotoImport.h"
 
+#include "model/PlainText.h"
 #include "platform/ImageAccess.h"
 #include "platform/Workers.h"
 #include "studio/PhotoFolder.h"
@@ -31,6 +32,14 @@ Accepted acceptedItem(const QUrl& url, PhotoCache& cache, const PhotoImport::Con
     } catch (const std::exception&) {
         return std::nullopt;    // short of memory: like a photo that cannot be read
     }
+}
+
+// A name from elsewhere as one line, in the direction of the text around it.
+QString lineOf(const QString& name)
+{
+    QString line = plainText(name).replace(u'\n', u' ');
+    line.removeIf(turnsDirection);
+    return line;
 }
 
 // What the lanes of one import share.
@@ -112,6 +121,9 @@ PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCach
         co_await each;
     if (control->stop)
         co_return std::nullopt;
-    const Imported imported{run->progress.accepted, found.unreachable + run->unreadable()};
+    QStringList unreadable = found.unreachable + run->unreadable();
+    for (QString& name : unreadable)
+        name = lineOf(name);
+    const Imported imported{run->progress.accepted, unreadable};
     co_return imported;
 }

@@ -93,11 +93,12 @@ QString layerChange(const QStringList& changes, const QString& layer)
 // What differs in one image.
 QString itemChange(const PublicationItem& before, const PublicationItem& after)
 {
-    if (before.shapeLayers.size() != after.shapeLayers.size()) {
-        return before.shapeLayers.size() < after.shapeLayers.size() ? u"forma añadida"_s
-                                                                    : u"forma eliminada"_s;
-    }
     QStringList found;
+    const qsizetype added = after.shapeLayers.size() - before.shapeLayers.size();
+    if (added == 1 || added == -1)
+        found.append(added > 0 ? u"forma añadida"_s : u"forma eliminada"_s);
+    else if (added != 0)
+        found.append(u"formas"_s);
     if (before.placement != after.placement)
         found.append(u"encuadre de la foto"_s);
     for (qsizetype i = 0; i < std::min(before.layers.size(), after.layers.size()); ++i) {
@@ -105,14 +106,18 @@ QString itemChange(const PublicationItem& before, const PublicationItem& after)
             found.append(layerChange(changesOf(before.layers[i], after.layers[i]),
                                      textName(after.layers[i])));
     }
-    for (qsizetype i = 0; i < after.shapeLayers.size(); ++i) {
+    for (qsizetype i = 0; added == 0 && i < after.shapeLayers.size(); ++i) {
         if (before.shapeLayers[i] != after.shapeLayers[i])
             found.append(layerChange(changesOf(before.shapeLayers[i], after.shapeLayers[i]),
                                      shapeName(after.shapeLayers[i])));
     }
     if (found.isEmpty())
         return before.analysis == after.analysis ? QString() : u"texto de la publicación"_s;
-    return found.size() == 1 ? found.first() : u"cambios de diseño"_s;
+    if (found.size() == 1)
+        return found.first();
+    const bool isText = std::ranges::all_of(
+        found, [](const QString& change) { return change.startsWith(u"texto "_s); });
+    return isText ? u"textos"_s : u"cambios de diseño"_s;
 }
 
 // The names of what is in `of` and not in `other`.
@@ -134,7 +139,7 @@ QStringList missingFrom(const PublicationItems& other, const PublicationItems& o
 QString stepName(const StudioHistorySnapshot& before, const StudioHistorySnapshot& after)
 {
     if (!missingFrom(before.items, after.items).isEmpty())
-        return u"importación"_s;
+        return before.items.isEmpty() ? u"importación"_s : u"cambio de lote"_s;
     const QStringList discarded = missingFrom(after.items, before.items);
     if (!discarded.isEmpty()) {
         return discarded.size() == 1 ? u"descarte de %1"_s.arg(discarded.first())

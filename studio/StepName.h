@@ -2,6 +2,5 @@
 
 #include "studio/StudioHistory.h"
 
-// What a step of the history changed, as a noun phrase in Spanish: "tamaño del título", or
-// "formato".
+// What a step of the history changed, as a noun phrase in Spanish: "tamaño del título".
 QString stepName(const StudioHistorySnapshot& before, const StudioHistorySnapshot& after);

@@ -365,8 +365,9 @@ void StudioSession::forgetOldStatus()
 {
     const bool isUnread =
         m_statusTone >= StatusTone::problem && m_statusTold.elapsed() < timeToRead;
-    if (m_isStatusOfThisTurn || isUnread || m_saveFailed || isImporting() || isExporting() ||
-        m_isRestoringAside || m_status.isEmpty())
+    const bool leadsOn = !m_statusLink.details.isEmpty();    // to names that are told nowhere else
+    if (m_isStatusOfThisTurn || isUnread || leadsOn || m_saveFailed || isImporting() ||
+        isExporting() || m_isRestoringAside || m_status.isEmpty())
         return;
     setStatus({});
     m_isStatusOfThisTurn = false;

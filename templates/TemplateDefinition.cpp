@@ -224,7 +224,7 @@ DefinitionFile readDefinition(QByteArrayView bytes)
 DefinitionFile readDefinitionFile(const QString& path)
 {
     QFile file(path);
-    // Nor a pipe, which could be waited for without end.
+    // Opening a pipe could block without end.
     if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
         return {std::nullopt, u"no es un archivo"_s};
     if (!file.open(QIODevice::ReadOnly))

@@ -182,9 +182,9 @@ private:
 };
 
 // As small as the sentence that it follows.
-class StatusLink : public Control {
+class SentenceLink : public Control {
 public:
-    explicit StatusLink(QWidget* parent) : Control(parent)
+    explicit SentenceLink(QWidget* parent) : Control(parent)
     {
         setAccessibleName(u"Enlace del aviso"_qs);    // while it is hidden
         setCursor(Qt::PointingHandCursor);
@@ -213,7 +213,7 @@ private:
 
 StatusLine::StatusLine(QWidget* parent)
     : QWidget(parent), m_bar(new ProgressBar(this)),
-      m_stop(new IconButton(Icon::close, u"Cancelar"_qs, 24, this)), m_link(new StatusLink(this)),
+      m_stop(new IconButton(Icon::close, u"Cancelar"_qs, 24, this)), m_link(new SentenceLink(this)),
       m_hints(new KeyHints({}, this))
 {
     m_link->hide();

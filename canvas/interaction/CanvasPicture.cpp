@@ -115,7 +115,8 @@ ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
     if (m_photo.hasAlphaChannel())
         quick.image.fill(Qt::transparent);
     const PixelRect& whole = place.whole;
-    // Stretched further, the painter loses count of the photo's pixels.
+    // The painter's steps through the photo have fixed points, too coarse for one stretched
+    // further.
     constexpr qint64 furthest = 100'000'000;
     if (std::max(whole.width, whole.height) > furthest)
         return resampledPhoto(m_photo, place);

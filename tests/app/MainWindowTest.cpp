@@ -388,9 +388,9 @@ TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
                              QKeyCombination(Qt::ControlModifier, Qt::Key_Y)}) {
         QTest::keyClick(objective(), redo.key(), redo.keyboardModifiers());
         EXPECT_EQ(session.batch().objective, u"Rebajas"_s);
-        QTest::qWait(1);
+        QCoreApplication::processEvents();
         session.undo();
-        QTest::qWait(1);
+        QCoreApplication::processEvents();
         EXPECT_EQ(session.batch().objective, QString());
     }
 

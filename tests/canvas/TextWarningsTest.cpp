@@ -11,7 +11,7 @@ namespace {
 
 constexpr QSize warningCanvas(400, 400);
 
-// A text over the middle of a photo as large as the warningCanvas.
+// A text over the middle of a photo as large as the canvas.
 PublicationItem itemWith(const TextLayer& layer)
 {
     PublicationItem item = PublicationItem::make(

@@ -227,6 +227,17 @@ TEST_F(SessionHistoryTest, aResultInTheTurnOfAnUndoIsAStepOfItsOwn)
     EXPECT_NE(batch(), restyled);
 }
 
+TEST_F(SessionHistoryTest, aPanThatShowsNothingIsNoStep)
+{
+    restyle(1.5);
+    undo();
+    const Batch before = batch();
+    // The photo fills the canvas from top to bottom: nothing moves that way.
+    session->setPlacement({ImageFitMode::fill, 1, {0, 0.3}});
+    EXPECT_EQ(batch(), before);
+    EXPECT_TRUE(session->canRedo());
+}
+
 TEST_F(SessionHistoryTest, theStatusNamesWhatWasUndone)
 {
     const auto undone = [&](const QString& name) {

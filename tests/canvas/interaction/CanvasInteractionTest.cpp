@@ -12,7 +12,7 @@ namespace {
 
 constexpr QSizeF shownCanvas(400, 500);
 
-// One text over one shape, beside a line; the photo has the shape of the shownCanvas.
+// One text over one shape, beside a line; the photo has the shape of the canvas.
 PublicationItem sampleItem()
 {
     PublicationItem item = PublicationItem::make(
