@@ -326,6 +326,9 @@ void AccountAPI::hold(const QByteArray& cookie)
 
 void AccountAPI::remember(const QByteArray& cookie)
 {
+    // A service that renews its cookie with the same value begins no other session.
+    if (cookie == m_session.cookie && m_isSessionKept)
+        return;
     hold(cookie);
     const auto store = [&] {
         return m_preferences.setValue(sessionCookieDefaultsKey, cookie) &&

@@ -210,13 +210,16 @@ QCoro::Task<> AccountSession::configure()
 {
     const QPointer<AccountSession> self = this;
     const std::stop_token ended = m_stop.get_token();
+    const int question = ++m_configurationQuestion;
     CloudCopyConfig configuration = CloudCopyConfig::fallback();
     QCoro::Task<CloudCopyConfig> asking = m_api.socialCopyConfig(ended);
     try {
         configuration = co_await std::move(asking);
     } catch (const std::exception&) {
     }
-    if (!self || ended.stop_requested() || m_cloudCopyConfig == configuration)
+    // An earlier question that is answered late says nothing new.
+    if (!self || ended.stop_requested() || question != m_configurationQuestion ||
+        m_cloudCopyConfig == configuration)
         co_return;
     m_cloudCopyConfig = configuration;
     Q_EMIT changed();
@@ -546,7 +549,8 @@ void AccountSession::receive(const AccountSummary& account)
 // Nothing of the one before stays.
 void AccountSession::changeUser(const AccountSummary& account)
 {
-    ++m_signIn;
+    if (account.profile || isAuthenticated())
+        ++m_signIn;
     if (!account.profile || userOf(account) != userOf(m_account)) {
         m_pendingCheckout.reset();
         m_purchaseHistory.clear();

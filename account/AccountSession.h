@@ -149,7 +149,8 @@ private:
     const Surroundings m_surroundings;
     AccountSummary m_account;
     int m_accountVersion = 0;    // rises with every change: what was asked before is stale then
-    int m_signIn = 0;            // rises whenever somebody signs in or out
+    int m_configurationQuestion = 0;    // the number of the last one
+    int m_signIn = 0;                   // rises whenever somebody signs in or out
     bool m_isLoading = false, m_isSigningInOverWindow = false;
     int m_actions = 0, m_charges = 0;    // under way; charges are actions
     QString m_message;

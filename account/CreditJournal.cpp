@@ -232,7 +232,10 @@ QCoro::Task<QString> CreditJournal::freed(QString key, qint64 cost)
     const auto before = entryAt(key, m_preferences);
     if (before && before->cost != cost && isLeftOpen(key) && claim(key)) {
         QCoro::Task<Refund> refunding = giveBack(key, Telling::silently);
-        if (isPending(co_await std::move(refunding)))
+        const Refund refund = co_await std::move(refunding);
+        if (self && refund == Refund::lost)
+            Q_EMIT lost(before->cost, before->what);
+        if (isPending(refund))
             refusal = u"Hay un pago anterior de lo mismo por devolver. Prueba más tarde."_s;
     }
     co_return std::move(refusal);

@@ -145,7 +145,7 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
     if (layer.hasBox)
         result.fill = layer.background.withAlpha(layer.backgroundOpacity);
     result.textPosition =
-        TextLayoutMetrics::verticallyCenteredRect(text.usedRect(), area).topLeft();
+        TextLayoutMetrics::verticallyCenteredRect(text.measuredRect(), area).topLeft();
     return result;
 }
 

@@ -122,6 +122,14 @@ std::optional<QFont> namedFont(const QString& name)
     return found != known.cend() ? *found : *known.insert(name, lookUpNamedFont(name));
 }
 
+// Sure to be, at least: it has the letters and signs of Europe's Latin alphabets.
+bool isInSystemFont(const TextLayer& layer)
+{
+    return layer.fontName == "System"_L1 && std::ranges::all_of(layer.text, [](QChar c) {
+               return c == u'\n' || (c >= u' ' && c <= u'~') || (c >= u'\u00a1' && c <= u'\u017f');
+           });
+}
+
 // Tells sizes at which a text cannot fit, from one measurement, so that only the likely ones are
 // laid out. Never wrong about a size that fits: it bounds the lines from below.
 class ImpossibleSizes {
@@ -136,7 +144,9 @@ public:
         m_lineHeight = metrics.ascent() + metrics.descent();
         double blank = metrics.horizontalAdvance(u' ');
         // A line may be all in another font, as emoji are, with its blanks.
-        for (const QGlyphRun& run : oneLine.glyphRuns()) {
+        const QList<QGlyphRun> runs =
+            isInSystemFont(layer) ? QList<QGlyphRun>() : oneLine.glyphRuns();
+        for (const QGlyphRun& run : runs) {
             const QRawFont font = run.rawFont();
             m_lineHeight = std::min(m_lineHeight, font.ascent() + font.descent());
             const QList<quint32> glyphs = font.glyphIndexesForString(u" "_s);

@@ -149,15 +149,12 @@ LaidOutText::LaidOutText(const StyledText& text, double width) : m_scale(text.fo
         y += line.height();
     }
     m_layout->endLayout();
-    m_measured = m_used = linesRect();
-    if (text.alignment == LayerTextAlignment::leading)
-        return;
+    m_measured = usedRect();
     option.setAlignment(qtAlignment(text.alignment));
     m_layout->setTextOption(option);
-    m_used = linesRect();
 }
 
-QRectF LaidOutText::linesRect() const
+QRectF LaidOutText::usedRect() const
 {
     QRectF used;
     for (int i = 0; i < lineCount(); ++i) {

@@ -39,7 +39,7 @@ public:
     // The used rectangle flush left, and where it is drawn; canvas pixels, origin at the top left
     // of the first line's box. Empty for an empty text or a width of 1 or less.
     QRectF measuredRect() const { return m_measured; }
-    QRectF usedRect() const { return m_used; }
+    QRectF usedRect() const;    // on the thread that made the layout
     double fontSize() const { return m_scale * DesignFont::designPixelSize; }    // canvas pixels
     int lineCount() const { return m_layout ? m_layout->lineCount() : 0; }
     // Where the letters of each line stand, from their capitals' height down to the baseline;
@@ -61,11 +61,9 @@ public:
     double narrowestWidth() const { return m_layout ? m_layout->minimumWidth() * m_scale : 0; }
 
 private:
-    QRectF linesRect() const;    // as they are aligned now
-
     std::shared_ptr<QTextLayout> m_layout;
     double m_scale = 1;
-    QRectF m_measured, m_used;
+    QRectF m_measured;
 };
 
 namespace TextLayoutMetrics {

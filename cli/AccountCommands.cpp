@@ -159,13 +159,14 @@ int runSignIn(AccountCommand command, SignIn signIn, SecretUse use, const QStrin
     AccountConnection connection(configuration, &tellOfRefund);
     AccountSession& session = connection.session();
     const bool done = QCoro::waitFor((session.*signIn)(address, *password));
-    const int status = command.ended(session, done);
     const QString reason = connection.preferences().reason();
-    connection.settle();
     if (done && !connection.isSessionKept()) {
+        connection.settle();
         return command.failed(u"la sesión no se ha podido guardar: %1. La próxima orden tendrá que "
                               "iniciarla de nuevo."_s.arg(reason));
     }
+    const int status = command.ended(session, done);
+    connection.settle();
     return status;
 }
 

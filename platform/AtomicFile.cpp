@@ -10,6 +10,10 @@
 #include <cerrno>
 #include <cstdio>
 
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
 using namespace Qt::StringLiterals;
 
 QString writeAtomically(const QString& path, QByteArrayView bytes, const QString& run)
@@ -39,6 +43,21 @@ QString writeAtomically(const QString& path, QByteArrayView bytes, const QString
     return {};
 }
 
+namespace {
+
+// The runs of other users are not known here.
+bool isOurs(const QString& file)
+{
+#ifdef Q_OS_UNIX
+    return QFileInfo(file).ownerId() == ::geteuid();
+#else
+    Q_UNUSED(file)
+    return true;
+#endif
+}
+
+}    // namespace
+
 void removeUnfinished(const QString& folder,
                       const std::function<bool(const QString& run)>& isGoingOn)
 {
@@ -46,7 +65,7 @@ void removeUnfinished(const QString& folder,
     for (const QString& name :
          place.entryList({unfinishedPrefix() + u'*'}, QDir::Files | QDir::Hidden)) {
         const QString run = name.mid(unfinishedPrefix().size()).section(u'.', 0, 0);
-        if (!QUuid::fromString(run).isNull() && !isGoingOn(run))
+        if (!QUuid::fromString(run).isNull() && isOurs(place.filePath(name)) && !isGoingOn(run))
             QFile::remove(place.filePath(name));
     }
 }

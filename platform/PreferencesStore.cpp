@@ -177,7 +177,8 @@ QString foreignness(const QString& name)
         return u"en su lugar hay una carpeta"_qs;
 #ifdef Q_OS_UNIX
     const bool mayAll = geteuid() == 0;
-    if (!mayAll && file.exists() && file.ownerId() != geteuid())
+    // Where the owners of a network disk differ from ours, a file that can be written is ours.
+    if (!mayAll && file.exists() && file.ownerId() != geteuid() && !file.isWritable())
         return u"el archivo es de otro usuario"_qs;
 #endif
     return {};

@@ -38,7 +38,7 @@ QString whyNotWritable(const QString& folder, const QString& otherwise)
     if (disk.isValid() && disk.isReadOnly())
         return u"el disco es de solo lectura"_qs;
     if (disk.isValid() && disk.bytesAvailable() < someRoom)
-        return u"no queda sitio en el disco"_qs;
+        return u"no queda espacio en el disco"_qs;
     return otherwise;
 }
 

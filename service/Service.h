@@ -66,7 +66,7 @@ private:
     Database m_database;
     QByteArray m_formKey;
     QString m_address;
-    // Programs of our own user are many; tests are among them.
+    // The second limit is high because one user runs many programs.
     Attempts m_sourceAttempts{60, 60 * 60 * 1000}, m_ownAttempts{1200, 60 * 60 * 1000};
     Attempts m_signInAttempts{10, 10 * 60 * 1000};
     Attempts m_resetAttempts{5, 15 * 60 * 1000};

@@ -207,8 +207,8 @@ QString sentenceOfLoss(const DatabaseError& error, const QString& folder)
         return told + u" Tampoco se ha podido apartar."_s;
     QFile::remove(portFile(folder));
     return told +
-           (wasDamaged ? u" Se ha apartado como «%1»."_s.arg(QFileInfo(aside).fileName())
-                       : QString()) +
+           (aside.isEmpty() ? QString()
+                            : u" Se ha apartado como «%1»."_s.arg(QFileInfo(aside).fileName())) +
            u" La próxima vez se empezará una vacía."_s;
 }
 
@@ -218,7 +218,7 @@ int appointAdministrator(const Options& options)
     const auto email = normalizedEmail(options.namedAdministrator);
     std::optional<Account> account;
     if (email && QFile::exists(file)) {
-        Database database(file);
+        Database database(file, Database::History::usedBefore);
         Transaction transaction(database);
         account = accountWithEmail(transaction, *email);
         if (account)
@@ -308,6 +308,7 @@ int main(int argc, char** argv)
 {
     settleAllocator();    // posts of hundreds of megabytes would stay
     qInstallMessageHandler(quietMessages);
+    ignoreRelativeFolders();
     std::signal(SIGPIPE, SIG_IGN);
     QCoreApplication application(argc, argv);
     // That of the program whose data and configuration it shares.

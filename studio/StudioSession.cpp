@@ -170,7 +170,8 @@ void StudioSession::saveAfter(Pace pace)
 bool StudioSession::claimStore()
 {
     const auto writer = WorkspaceStore::writer(m_preferences);
-    m_isStoreOfAnother = writer != m_writerSeen && writer != m_writer;
+    // A store that was just made, in place of a damaged one, has no writer.
+    m_isStoreOfAnother = writer && writer != m_writerSeen && writer != m_writer;
     return !m_isStoreOfAnother &&
            (writer == m_writer || WorkspaceStore::setWriter(m_preferences, m_writer));
 }
