@@ -59,7 +59,9 @@ bool AccountForm::send(PushButton* button)
 
 void AccountForm::show(const AccountShown& account)
 {
-    m_message = shownText(account.message);
+    const QString message = shownText(account.message);
+    if (std::exchange(m_message, message) != message && !m_pressed)
+        attend(nullptr);
     m_isProblem = account.isProblem;
     if (account.isWorking != m_isWorking) {
         m_isWorking = account.isWorking;

@@ -38,8 +38,9 @@ public:
     void attend(QWidget* control) { Q_EMIT attended(control); }
 
 Q_SIGNALS:
-    void attended(QWidget* control);    // pressed, or a field that something is wrong with
-    void told();                        // the notice may have changed
+    // Pressed, or a field that something is wrong with; null when what is told came from elsewhere.
+    void attended(QWidget* control);
+    void told();    // the notice may have changed
 
 private:
     void tell();

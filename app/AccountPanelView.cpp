@@ -68,7 +68,7 @@ AccountPanelView::AccountPanelView(QWidget* owner)
     m_form->add(QList{m_save, m_buy, m_confirm});
     m_form->add(QList<QWidget*>(m_packages.begin(), m_packages.end()));
     connect(m_form, &AccountForm::attended, this,
-            [this](QWidget* control) { m_notice->standBelow(control); });
+            [this](QWidget* control) { m_notice->standBelow(control ? control : m_details); });
     connect(m_form, &AccountForm::told, this, &AccountPanelView::showNotice);
     setDetails(Fold::open);
     setPassword(Fold::folded);

@@ -3,6 +3,7 @@
 #include "app/SampleCards.h"
 #include "app/controls/Button.h"
 #include "app/controls/KeyHint.h"
+#include "app/controls/KeyboardFocus.h"
 #include "app/controls/Spinner.h"
 
 using namespace Qt::StringLiterals;
@@ -59,6 +60,8 @@ void EmptyState::setImport(const std::optional<ImportShown>& import)
         part->setVisible(!import);
     m_spinner->setVisible(import.has_value());
     nameState();
+    if (!import && hasFocus())
+        takeFocus(KeyboardFocus::reason());
     update();
 }
 

@@ -69,6 +69,17 @@ QList<FormatChoice> formatChoices()
     return choices;
 }
 
+// Of the batch, or among its images: while others are coming it is not seen.
+bool changesImages(Command command)
+{
+    using enum Command;
+    static const QSet<Command> commands{undo,        redo,       editText,     removeLayer,
+                                        copyStyle,   pasteStyle, addRectangle, addCircle,
+                                        addTriangle, addLine,    saveTemplate, previousImage,
+                                        nextImage,   fill,       fit,          centrePhoto};
+    return commands.contains(command);
+}
+
 StatusKind kindOf(StatusTone tone)
 {
     switch (tone) {
@@ -164,6 +175,8 @@ void MainWindow::connectPanels()
                                 m_session.batch().currentItem()->filename()),
                             StatusTone::failure);
     });
+    connect(m_stage.get(), &StageBinding::previewRefused, m_templates.get(),
+            &TemplatesBinding::endPreview);
     connect(m_templates.get(), &TemplatesBinding::previewChanged, this,
             [this](const std::optional<PublicationItem>& item) {
                 m_shell->stage()->setPreviewed(item.has_value());
@@ -207,6 +220,7 @@ void MainWindow::connectSession()
     connect(&m_session, &StudioSession::importChanged, this, [this] {
         m_batch->show();
         showStage();
+        m_panel->show();
         m_exports->show();
         showStatus();
     });
@@ -352,6 +366,11 @@ void MainWindow::comeForward()
 
 void MainWindow::run(Command command)
 {
+    if (m_batch->showsIncoming() && changesImages(command)) {
+        m_session.setStatus(u"Espera a que termine la importación de imágenes."_s,
+                            StatusTone::problem);
+        return;
+    }
     // A drag that a command comes upon is given up, and an objective that is being typed is an edit
     // like any other: to be undone it must be one first.
     m_stage->canvas()->interaction().cancel();

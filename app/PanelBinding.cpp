@@ -107,7 +107,8 @@ void PanelBinding::connectShapes()
 void PanelBinding::show()
 {
     const Batch& batch = m_session.batch();
-    const PublicationItem* item = batch.currentItem();
+    // While other images are coming, this one is not seen.
+    const PublicationItem* item = m_batch.showsIncoming() ? nullptr : batch.currentItem();
     m_panel->setContent(item ? SidePanel::Content::image : SidePanel::Content::none);
     const int reached = std::max(1, int(m_session.selectedIndicesForBatch().size()));
     TextPanelState texts;

@@ -50,7 +50,7 @@ void SettingsPanel::bringNoticeHome()
 
 void SettingsPanel::standAt(QWidget* control)
 {
-    if (m_foot->indexOf(control) >= 0)
+    if (!control || m_foot->indexOf(control) >= 0)
         bringNoticeHome();
     else
         m_notice->standBelow(control);

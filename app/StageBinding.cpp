@@ -68,7 +68,7 @@ void StageBinding::connectCanvas()
     };
     gestures.onCommit = [this](const PublicationItem& item) {
         if (m_preview)
-            return preview(std::nullopt);    // what is only looked at is not edited
+            return Q_EMIT previewRefused();    // what is only looked at is not edited
         m_session.commitCanvasItem(item);
     };
     gestures.onSelect = [this](QUuid layer) {

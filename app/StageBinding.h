@@ -43,6 +43,7 @@ Q_SIGNALS:
     void editRequested(CopySlot slot);
     void photoFound(QUuid item);
     void photoMissing(QUuid item);
+    void previewRefused();    // an edit was tried on what is only looked at
 
 private:
     void connectCanvas();

@@ -28,6 +28,8 @@ public:
     bool isIdle() const;
     SavedTemplates& saved() { return m_saved; }
 
+    void endPreview() { preview({}); }
+
     // The composition of the current item; its name is asked for in place.
     void saveTemplate();
     void chooseDefinition();

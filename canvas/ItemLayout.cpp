@@ -180,7 +180,7 @@ std::optional<double> fontScaleInBox(const TextLayer& layer, QSizeF outputSize, 
     const double fitted = ExportCanvasRenderer::fittedFontSize(layer, area, scale);
     if (!(fitted < wanted))
         return std::nullopt;
-    return layer.fontScale * fitted / wanted;
+    return fitted / ExportCanvasRenderer::baseFontSize(layer.slot, area);
 }
 
 QRectF extentOf(const LaidOutShape& shape)

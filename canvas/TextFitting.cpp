@@ -210,11 +210,16 @@ bool ExportCanvasRenderer::fits(QSizeF measured, QSizeF area)
            measured.height() <= area.height() + fitTolerance;
 }
 
+double ExportCanvasRenderer::baseFontSize(CopySlot slot, QSizeF area)
+{
+    const SlotType& type = typeOf(slot);
+    return std::min(area.height() * type.heightShare, area.width() * type.widthShare);
+}
+
 double ExportCanvasRenderer::wantedFontSize(const TextLayer& layer, QSizeF area, double designScale)
 {
-    const SlotType& type = typeOf(layer.slot);
-    const double base = std::min(area.height() * type.heightShare, area.width() * type.widthShare);
-    return clamp(base * layer.fontScale, smallestType * designScale, largestType * designScale);
+    return clamp(baseFontSize(layer.slot, area) * layer.fontScale, smallestType * designScale,
+                 largestType * designScale);
 }
 
 LaidOutText ExportCanvasRenderer::fittedText(const TextLayer& layer, QSizeF area,

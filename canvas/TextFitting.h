@@ -25,6 +25,7 @@ constexpr double clamp(double value, double lower, double upper)
 DesignFont nsFont(const TextLayer& layer, double size);
 
 // The slot's share of the area at the layer's own scale: what fitting starts from.
+double baseFontSize(CopySlot slot, QSizeF area);    // at a scale of 1, without bounds
 double wantedFontSize(const TextLayer& layer, QSizeF area, double designScale);
 // The largest size, in steps of max(1, designScale) down from the slot's share of the area, at
 // which the text fits; the lower bound when none does.

@@ -42,7 +42,7 @@ struct Marks {
     }
 };
 
-constexpr double unit = 1e-6;
+constexpr double unit = 1e-6, buttonLeft = 0.31;    // where a call to action begins
 
 Marks marksOf(const Batch& batch)
 {
@@ -52,11 +52,11 @@ Marks marksOf(const Batch& batch)
     const PublicationItem& item = batch.items.first();
     marks.numbers = {qRound((item.layers[0].fontScale - 1) / unit), batch.objective.toInt(),
                      item.layers[1].text.toInt(),
-                     qRound(std::max(0.0, item.layers[3].cornerRadius - 24) / unit),
+                     qRound((item.layers[3].frame.x - buttonLeft) / unit),
                      qRound((item.placement.zoom - 1) / unit)};
     marks.areEverywhere = std::ranges::all_of(batch.items, [&](const PublicationItem& other) {
         return other.layers[0].fontScale == item.layers[0].fontScale &&
-               other.layers[3].cornerRadius == item.layers[3].cornerRadius;
+               other.layers[3].frame == item.layers[3].frame;
     });
     return marks;
 }
@@ -77,7 +77,7 @@ void edit(StudioSession& session, int number)
         break;
     case 3:
         session.beginCanvasHistoryEdit();
-        item.layers[3].cornerRadius = 24 + number * unit;
+        item.layers[3].frame.x = buttonLeft + number * unit;
         session.commitCanvasItem(item);
         session.endCanvasHistoryEdit(item.layers[3].id);
         break;

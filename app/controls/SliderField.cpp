@@ -60,7 +60,10 @@ public:
     {
         return kind == QAccessible::Value ? slider()->valueText() : QAccessibleWidget::text(kind);
     }
-    QVariant currentValue() const override { return slider()->value(); }
+    QVariant currentValue() const override
+    {
+        return slider()->isBlank() ? QVariant() : QVariant(slider()->value());
+    }
     void setCurrentValue(const QVariant& value) override { slider()->enter(value.toDouble()); }
     QVariant maximumValue() const override { return slider()->range().to; }
     QVariant minimumValue() const override { return slider()->range().from; }

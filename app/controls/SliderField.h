@@ -29,6 +29,7 @@ public:
     void setDefault(double value);
     // The value stands for nothing, and is not shown.
     void setBlank(bool blank);
+    bool isBlank() const { return m_blank; }
     // Where something else stops what larger values would do; empty where nothing does.
     void setLimit(std::optional<double> limit);
     void letGo() { rest(); }    // as if the mouse or the key were released now

@@ -266,6 +266,8 @@ TEST_F(MainWindowTest, aBatchThatTheColumnDoesNotShowIsNotChangedFromIt)
     Q_EMIT window.shell()->batchColumn()->clicked(0, Qt::ControlModifier);
     Q_EMIT window.shell()->batchColumn()->discardRequested();
     Q_EMIT window.shell()->batchColumn()->selectAllRequested();
+    for (const Command command : {Command::nextImage, Command::addRectangle, Command::undo})
+        window.menu()->action(command)->trigger();
     const QWidget* several = window.shell()->topBar()->exports()->several();
     EXPECT_FALSE(several->isEnabled());
     window.menu()->action(Command::exportAll)->trigger();

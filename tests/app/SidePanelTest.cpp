@@ -177,6 +177,14 @@ TEST_F(SidePanelTest, theSizeSaysWhereTheBoxEndsIt)
     EXPECT_LT(*limit, 2.5);
     title.fontScale = *limit;
     EXPECT_FALSE(limitOf(title)) << "at the end itself the text is as large as it wants to be";
+    // Where the largest size of all ends it first.
+    TextLayer large = title;
+    large.frame = {0, 0, 1, 1};
+    large.text = QString(u"palabras "_s).repeated(60);
+    large.fontScale = 2.5;
+    large.fontScale = limitOf(large).value_or(0);
+    EXPECT_GT(large.fontScale, 0);
+    EXPECT_FALSE(limitOf(large));
 
     EXPECT_EQ(slider(u"Tamaño"_s)->accessibleDescription(), QString());
     state.sizeLimit = limit;
