@@ -126,7 +126,7 @@ TEST(Server, unreadBodyIsNeverTakenForARequest)
     }
 }
 
-TEST(Server, answersSoonWhileManyConnectionsAreIdleOrSlow)
+TEST(Server, answersBesideManyConnectionsThatAreIdleOrSlow)
 {
     TestService service;
     std::vector<std::unique_ptr<QTcpSocket>> idle;
@@ -191,8 +191,11 @@ TEST(Server, ofOneUserHearsNobodyElse)
     for (int i = 0; i < 200; ++i)
         ASSERT_EQ(requestAsNobody(service.port(), request.c_str(), 1 + i % 100), 0);
     upload->write(body.mid(10));
-    EXPECT_TRUE(upload->waitForReadyRead());
-    EXPECT_TRUE(upload->readAll().contains("invalid_credentials"));
+    // It may come in pieces.
+    QByteArray answer;
+    while (!answer.contains("invalid_credentials") && upload->waitForReadyRead())
+        answer += upload->readAll();
+    EXPECT_TRUE(answer.contains("invalid_credentials")) << answer.constData();
 }
 
 TEST(Server, ofEverybodyCountsNeighboursByTheirUser)
