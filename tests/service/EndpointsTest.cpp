@@ -201,25 +201,26 @@ TEST(Endpoints, creditsAndPurchases)
         service.post("/api/stripe/checkout", {{"credits", 20'000}, {"client", "x"}}).json();
     const auto confirm = "/api/stripe/confirm";
     const Json session{{"sessionId", start["sessionId"]}};
-    expectRefused(service,
-                  {{reserve, {{"cost", 20'000}, {"requestId", "b"}}, 402, "insufficient_credits"},
-                   {reserve, {{"cost", 1.5}, {"requestId", "b"}}, 400, "invalid_credit_request"},
-                   {reserve, {{"cost", 4294967306}, {"requestId", "b"}}, 400, "invalid_credit_request"},
-                   {"/api/credits/social-copy/refund",
-                    {{"cost", 1}, {"requestId", "z"}},
-                    409,
-                    "credit_not_reserved"},
-                   {"/api/stripe/checkout",
-                    {{"credits", 1500}, {"client", "x"}},
-                    400,
-                    "invalid_credit_amount"},
-                   {"/api/stripe/checkout",
-                    {{"credits", 1'001'000}, {"client", "x"}},
-                    400,
-                    "invalid_credit_amount"},
-                   {confirm, session, 402, "checkout_not_paid"},
-                   {confirm, {{"sessionId", "nada"}}, 404, "checkout_not_recorded"},
-                   {confirm, {{"sessionId", foreign["sessionId"]}}, 404, "checkout_not_recorded"}});
+    expectRefused(
+        service,
+        {{reserve, {{"cost", 20'000}, {"requestId", "b"}}, 402, "insufficient_credits"},
+         {reserve, {{"cost", 1.5}, {"requestId", "b"}}, 400, "invalid_credit_request"},
+         {reserve, {{"cost", 4294967306}, {"requestId", "b"}}, 400, "invalid_credit_request"},
+         {"/api/credits/social-copy/refund",
+          {{"cost", 1}, {"requestId", "z"}},
+          409,
+          "credit_not_reserved"},
+         {"/api/stripe/checkout",
+          {{"credits", 1500}, {"client", "x"}},
+          400,
+          "invalid_credit_amount"},
+         {"/api/stripe/checkout",
+          {{"credits", 1'001'000}, {"client", "x"}},
+          400,
+          "invalid_credit_amount"},
+         {confirm, session, 402, "checkout_not_paid"},
+         {confirm, {{"sessionId", "nada"}}, 404, "checkout_not_recorded"},
+         {confirm, {{"sessionId", foreign["sessionId"]}}, 404, "checkout_not_recorded"}});
 
     const std::string page = start["url"].get<std::string>().substr(service.address().size());
     for (int i = 0; i < 2; ++i)
