@@ -62,8 +62,8 @@ TEST(FontList, showsFacesUnderTheirFamilyAndFindsThem)
     EXPECT_EQ(fonts.rowAt(0).name, u"Sistema"_s);
     EXPECT_GT(rowNamed(fonts, u"Inter Display"_s), 0);
     EXPECT_FALSE(namesIn(fonts).contains(u"Inter Black"_s));
-    EXPECT_EQ(fonts.rowAt(fonts.rowCount() - 1).name, u"Standard Symbols PS"_s);
-    EXPECT_LT(rowNamed(fonts, u"Vollkorn"_s), rowNamed(fonts, u"DejaVu Math TeX Gyre"_s));
+    EXPECT_LT(rowNamed(fonts, u"Vollkorn"_s), rowNamed(fonts, u"Noto Color Emoji"_s))
+        << "what has no letters stands last";
     fonts.setUnfolded(u"Inter"_s, true);
     const QStringList names = namesIn(fonts);
     const auto family = names.indexOf(u"Inter Regular"_s);
