@@ -2,7 +2,6 @@
 
 #include "app/controls/Painting.h"
 
-#include <QBitmap>
 #include <QFocusFrame>
 #include <QMenu>
 #include <QPainter>
@@ -21,19 +20,6 @@ void paintFloating(QPainter& painter, const QRect& rect, double radius, const Th
     painter.setPen(theme.line2);
     painter.setBrush(theme.elev);
     painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
-}
-
-// A pixel belongs to it where its centre lies inside.
-QRegion roundedRegion(const QRect& rect, double radius)
-{
-    QBitmap mask(rect.size());
-    mask.clear();
-    QPainter painter(&mask);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Qt::color1);
-    painter.drawRoundedRect(QRect(QPoint(), rect.size()), radius, radius);
-    painter.end();
-    return QRegion(mask).translated(rect.topLeft());
 }
 
 void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item)

@@ -1,5 +1,6 @@
 #include "app/controls/Painting.h"
 
+#include <QBitmap>
 #include <QFontMetricsF>
 #include <QPainterPath>
 #include <QPixmapCache>
@@ -25,6 +26,18 @@ void fillRounded(QPainter& painter, const QRectF& rect, double radius, const QCo
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
     painter.drawRoundedRect(rect, radius, radius);
+}
+
+QRegion roundedRegion(const QRect& rect, double radius)
+{
+    QBitmap mask(rect.size());
+    mask.clear();
+    QPainter painter(&mask);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::color1);
+    painter.drawRoundedRect(QRect(QPoint(), rect.size()), radius, radius);
+    painter.end();
+    return QRegion(mask).translated(rect.topLeft());
 }
 
 void strokeRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color,

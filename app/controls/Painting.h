@@ -20,6 +20,8 @@ struct Corners {
 };
 void fillRounded(QPainter& painter, const QRectF& rect, Corners radii, const QColor& color);
 void fillRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color);
+// For the mask of a window; a pixel belongs to it where its centre lies inside.
+QRegion roundedRegion(const QRect& rect, double radius);
 // The line lies inside `rect`.
 void strokeRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color,
                    double width = 1);

@@ -95,6 +95,7 @@ public:
             m_entries.prepend(entry);
         }
         resize(width, height);
+        setMask(roundedRegion(rect(), Radius::popover));
     }
 
 protected:
@@ -164,6 +165,7 @@ public:
         const qsizetype rows = std::clamp<qsizetype>((room.height() - 2 * edge) / rowHeight, 1, 12);
         resize(std::min(room.width(), qCeil(widest) + 2 * edge + scrollBarRoom),
                int(std::min(rows, details.size())) * rowHeight + 2 * edge);
+        setMask(roundedRegion(rect(), Radius::popover));
         list->setGeometry(rect().adjusted(edge, edge, -edge, -edge));
     }
 
