@@ -167,7 +167,8 @@ struct AccountAPI::Call {
     QByteArray path;
     std::optional<QByteArray> body = std::nullopt;
     Base base = Base::service;
-    // Whether what comes back begins a session, or that it was done ends the one it went with.
+    // Whether the answer brings a new session, or its arrival ends the one that the request
+    // carried.
     bool beginsSession = false, endsSession = false;
     std::optional<Session> session = std::nullopt;    // else the one held when it leaves
 };

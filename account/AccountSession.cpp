@@ -148,7 +148,7 @@ QCoro::Task<> AccountSession::attempt(Work work, About about)
     if (self && !ended.stop_requested()) {
         --m_actions;
         m_charges -= charges;
-        if (failure && signIn == m_signIn)    // else of a session that is another's by now
+        if (failure && signIn == m_signIn)    // else somebody else signed in meanwhile
             tell(reason, told, about);
         else
             Q_EMIT changed();

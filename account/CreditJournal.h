@@ -101,8 +101,8 @@ private:
     enum class Refund {
         done,
         neverReserved,
-        denied,         // what was confirmed as reserved is said not to be, which may pass
-        lost,           // and still after a while
+        denied,    // the service does not find the reservation that it confirmed: asked again later
+        lost,      // the same answer minutes later: given up
         refused,        // this one
         unreachable,    // like any other now
     };

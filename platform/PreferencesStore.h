@@ -37,7 +37,7 @@ public:
     QStringList keysBeginningWith(const QString& prefix) const;    // in their order
 
     enum class Durability { usual, onDisk };    // on the disk it outlives a cut of the power
-    enum class Traces { left, erased };         // of what is removed or replaced, in the file
+    enum class Traces { left, erased };         // whether old values stay readable in the file
     // What `work` changes is stored as a whole; nothing of it when `work` gives false or it cannot
     // be stored. Nobody else writes meanwhile, so what it reads holds.
     bool transaction(const std::function<bool()>& work, Durability durability = Durability::usual,

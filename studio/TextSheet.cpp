@@ -59,7 +59,7 @@ bool isWindows1252(QByteArrayView bytes)
     return strays > sequences && !bytes.contains('\0');
 }
 
-// The same text in UTF-8; nothing when it is none.
+// The same text in UTF-8; nothing when the bytes are no text.
 std::optional<QByteArray> inUtf8(QByteArrayView bytes)
 {
     if (bytes.startsWith(byteOrderMark))

@@ -66,16 +66,34 @@ QStringList rowsOf(const QString& sentence, double width)
     return rows;
 }
 
-// The last sentences, the newest at the bottom, above the line that they came from.
-class HistoryPopover : public QWidget {
+// A frame above the line. As a popup it closes at Esc and gives the focus back by itself.
+class LinePopover : public QWidget {
 public:
-    // `room`: what it may take at most. The oldest sentences that find none are left out.
-    HistoryPopover(const QList<Status>& history, QSize room, QWidget* parent)
+    explicit LinePopover(QWidget* parent)
         : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
     {
         setAttribute(Qt::WA_TranslucentBackground);
         setAttribute(Qt::WA_DeleteOnClose);
-        // As a popup it closes at Esc and gives the focus back by itself.
+    }
+
+protected:
+    void resizeEvent(QResizeEvent*) override { setMask(roundedRegion(rect(), Radius::popover)); }
+    void paintEvent(QPaintEvent*) override
+    {
+        const Theme& theme = themeOf(this);
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        fillRounded(painter, rect(), Radius::popover, theme.elev);
+        strokeRounded(painter, rect(), Radius::popover, theme.line2);
+    }
+};
+
+// The last sentences, the newest at the bottom.
+class HistoryPopover : public LinePopover {
+public:
+    // `room`: what it may take at most. The oldest sentences that find none are left out.
+    HistoryPopover(const QList<Status>& history, QSize room, QWidget* parent) : LinePopover(parent)
+    {
         setFocusPolicy(Qt::StrongFocus);
         setFocus();
         double widest = 200;
@@ -95,17 +113,15 @@ public:
             m_entries.prepend(entry);
         }
         resize(width, height);
-        setMask(roundedRegion(rect(), Radius::popover));
     }
 
 protected:
-    void paintEvent(QPaintEvent*) override
+    void paintEvent(QPaintEvent* event) override
     {
+        LinePopover::paintEvent(event);
         const Theme& theme = themeOf(this);
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        fillRounded(painter, rect(), Radius::popover, theme.elev);
-        strokeRounded(painter, rect(), Radius::popover, theme.line2);
         int top = edge;
         for (const Entry& entry : m_entries) {
             const bool newest = &entry == &m_entries.last();
@@ -134,14 +150,11 @@ private:
     QList<Entry> m_entries;
 };
 
-// A list to scroll through, above the line.
-class DetailsPopover : public QFrame {
+// A list to scroll through.
+class DetailsPopover : public LinePopover {
 public:
-    DetailsPopover(const QStringList& details, QSize room, QWidget* parent)
-        : QFrame(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
+    DetailsPopover(const QStringList& details, QSize room, QWidget* parent) : LinePopover(parent)
     {
-        setAttribute(Qt::WA_TranslucentBackground);
-        setAttribute(Qt::WA_DeleteOnClose);
         auto* list = new QListWidget(this);
         list->setAccessibleName(u"Archivos que no se han podido leer"_qs);
         list->setFrameShape(QFrame::NoFrame);
@@ -157,7 +170,7 @@ public:
         for (const QString& detail : details) {
             auto* row = new QListWidgetItem(detail, list);
             row->setSizeHint({0, rowHeight});
-            row->setToolTip(u"<qt>%1</qt>"_qs.arg(detail.toHtmlEscaped()));
+            row->setToolTip(plainToolTip(detail));
             widest = std::max(widest, textWidth(Type::small, detail));
         }
         list->setCurrentRow(0);
@@ -165,18 +178,7 @@ public:
         const qsizetype rows = std::clamp<qsizetype>((room.height() - 2 * edge) / rowHeight, 1, 12);
         resize(std::min(room.width(), qCeil(widest) + 2 * edge + scrollBarRoom),
                int(std::min(rows, details.size())) * rowHeight + 2 * edge);
-        setMask(roundedRegion(rect(), Radius::popover));
         list->setGeometry(rect().adjusted(edge, edge, -edge, -edge));
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override
-    {
-        const Theme& theme = themeOf(this);
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        fillRounded(painter, rect(), Radius::popover, theme.elev);
-        strokeRounded(painter, rect(), Radius::popover, theme.line2);
     }
 
 private:
