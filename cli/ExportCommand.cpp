@@ -34,7 +34,7 @@ QUuid itemId(const QString& file, int occurrence)
 struct PreparedBatch {
     PublicationItems items;
     QStringList destinations;    // one an item
-    bool lacksTexts = false;     // none of those that were given fits a photo
+    bool lacksTexts = false;     // a file of texts was given, and none is for a photo that was read
 };
 
 QStringList pathsOf(const QList<QUrl>& photos)
@@ -77,10 +77,10 @@ public:
         if (!imported)
             return ended(stopped(), pathsOf(m_options.photos));
         const PreparedBatch batch = prepared(imported->items);
-        if (batch.lacksTexts) {
-            m_report.withoutTexts();
+        if (batch.lacksTexts && !batch.items.isEmpty()) {
             ExportOutcome outcome;
             outcome.state = ExportOutcome::State::notPrepared;
+            outcome.reason = u"Ninguna fila de los textos corresponde a una foto legible."_s;
             return ended(outcome, photosOf(batch));
         }
         const auto price = priceOf(batch.items);
@@ -161,7 +161,7 @@ private:
             m_report.unreadable(photo);
 
         PreparedBatch batch;
-        batch.lacksTexts = m_options.texts && texts.filledImages() == 0;
+        batch.lacksTexts = m_options.texts.has_value();
         QHash<QString, int> occurrences;    // by file
         qsizetype next = 0;                 // of the accepted ones, which are in the same order
         for (qsizetype i = 0; i < photos.size(); ++i) {
@@ -174,8 +174,10 @@ private:
             const QString file = QFileInfo(photo).canonicalFilePath();
             item.id = itemId(file, occurrences[file]++);
             item.paidRenderFingerprints = paid;
-            if (const auto row = texts.rowOfImage[i])
+            if (const auto row = texts.rowOfImage[i]) {
                 fillTexts(item, sheet.rows[*row]);
+                batch.lacksTexts = false;
+            }
             if (m_options.design)
                 m_options.design(item);
             if (!paths[i].endsWith(filenameOf(photos[i]) + u"-publicacion.png"_s))

@@ -127,12 +127,6 @@ void ExportReport::renamed(const QString& photo, const QString& path)
              .arg(photo, name));
 }
 
-void ExportReport::withoutTexts()
-{
-    ++m_failed;
-    tell(u"Ninguna fila de los textos corresponde a una de las fotos."_s);
-}
-
 void ExportReport::rowFailed(const RowProblem& problem)
 {
     ++m_failed;

@@ -20,7 +20,6 @@ public:
     void showProgress(const QString& doing, qsizetype done, qsizetype total);
     void tell(const QString& sentence);
     void renamed(const QString& photo, const QString& path);
-    void withoutTexts();                          // no row of them reaches a photo
     void rowFailed(const RowProblem& problem);    // of the texts
     void unreadable(const QString& photo);
     void unwritten(const QString& photo, const QString& path, const QString& reason);

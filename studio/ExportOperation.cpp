@@ -379,6 +379,8 @@ QString ExportOutcome::sentence() const
                (isCharged ? u"Coste: %1 créditos."_s.arg(cost) : u"Sin coste adicional."_s) +
                unrecorded;
     case State::notPrepared:
+        if (!reason.isEmpty())
+            return reason;
         return isSingle ? u"No se pudo preparar la imagen para descargar."_s
                         : u"No se pudieron preparar todas las imágenes para descargar."_s;
     case State::tooFewCredits:

@@ -80,7 +80,7 @@ struct ExportOutcome {
     bool isCharged = false;          // they were reserved
     bool isRefundPending = false;    // and come back later
     bool isRecorded = true;          // else a crash now would count as a failure
-    QString reason;                  // why nothing was reserved, in words of others
+    QString reason;    // why nothing was reserved or prepared, where there is more to say of it
     ChargeResult::Refusal refusal = ChargeResult::Refusal::other;
     QStringList written, unwritten;    // files that were tried
     QString failed;                    // the photo that could not be prepared

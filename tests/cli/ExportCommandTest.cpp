@@ -213,10 +213,13 @@ TEST_F(ExportCommandTest, fillsTextsFromASheetAndTellsItsWrongRows)
 
     const QStringList paid = charges();
     const Outcome none =
-        runExport({u"--texts"_s, textSheet("archivo,titulo\nx,Uno\n"), photo(u"nueva.jpg"_s)});
+        runExport({u"--json"_s, u"--texts"_s, textSheet("archivo,titulo\nx,Uno\nno,Dos\n"),
+                   photo(u"nueva.jpg"_s), textFile(u"no.jpg"_s)});
     EXPECT_EQ(none.status, 1);
-    EXPECT_TRUE(none.err.contains(u"Ninguna fila de los textos"_s)) << qPrintable(none.err);
-    EXPECT_EQ(charges(), paid);
+    const auto reason = u"Ninguna fila de los textos corresponde a una foto legible."_s;
+    EXPECT_EQ(none.err.count(reason), 1) << qPrintable(none.err);
+    EXPECT_TRUE(none.out.contains(u"\"message\":\""_s + reason)) << qPrintable(none.out);
+    EXPECT_EQ(charges(), paid) << "a row for a photo that cannot be read fills nothing";
 }
 
 TEST_F(ExportCommandTest, wrongUseIsSaidAndHasItsOwnStatus)
