@@ -43,11 +43,11 @@ QPainterPath ridge(const QSizeF& card, const Range& range)
         }
         reach *= 0.35 + 0.25 * range.roughness;
     }
-    const double highest = *std::ranges::max_element(heights);
+    const double peak = *std::ranges::max_element(heights);
     const double lowest = *std::ranges::min_element(heights);
     QPainterPath path(QPointF(0, card.height()));
     for (int i = 0; i < points; ++i) {
-        const double share = (heights[std::size_t(i)] - lowest) / (highest - lowest);
+        const double share = (heights[std::size_t(i)] - lowest) / (peak - lowest);
         path.lineTo(card.width() * i / (points - 1),
                     range.base - share * (range.base - range.height));
     }

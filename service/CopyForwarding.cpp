@@ -83,7 +83,7 @@ QString contentText(const json::Value& content)
     return text;
 }
 
-QByteArray post(const PreparedCopyOrder& order, const std::atomic_bool& isEnding)
+QByteArray answerOfProvider(const PreparedCopyOrder& order, const std::atomic_bool& isEnding)
 {
     QNetworkAccessManager manager;
     manager.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
@@ -200,7 +200,7 @@ GeneratedCopy forwardCopyOrder(const PreparedCopyOrder& order, const std::atomic
     const Turn turn;
     if (!turn.isMine())
         throw Refusal(502, "provider_request_failed", u"too many at once"_s);
-    const auto copy = copyFromAnswer(post(order, isEnding));
+    const auto copy = copyFromAnswer(answerOfProvider(order, isEnding));
     if (!copy)
         throw Refusal(502, "provider_invalid_response");
     return *copy;
