@@ -2,8 +2,8 @@
 // [--format KEY]
 
 #include "platform/Memory.h"
-#include "studio/BatchExport.h"
 #include "studio/PhotoFolder.h"
+#include "studio/export/BatchExport.h"
 
 #include <QCommandLineParser>
 #include <QDir>

@@ -3,8 +3,9 @@
 // Times each mouse event together with the repaint that it causes, for layers with and without a
 // shadow and for the photo itself. QT_SCALE_FACTOR=2 for a screen of twice the density.
 
-#include "app/StagePanel.h"
-#include "app/Theme.h"
+#include "app/stage/StagePanel.h"
+#include "app/theme/StudioStyle.h"
+#include "app/theme/Theme.h"
 #include "canvas/ExportCanvasRenderer.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "platform/Memory.h"

@@ -3,8 +3,9 @@
 //
 //     edit_latency PHOTOS     a folder; 500 photos for the figures that are compared
 
-#include "app/MainWindow.h"
-#include "app/Theme.h"
+#include "app/theme/StudioStyle.h"
+#include "app/theme/Theme.h"
+#include "app/window/MainWindow.h"
 #include "benchmarks/Measuring.h"
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"

@@ -4,18 +4,19 @@
 // import, and beside them, in the same run, one reduced decode of each photo on as many workers.
 // The thumbnails on disk start empty.
 
-#include "app/BatchColumn.h"
-#include "app/MainWindow.h"
-#include "app/StudioShell.h"
-#include "app/Theme.h"
+#include "app/batch/BatchColumn.h"
+#include "app/theme/StudioStyle.h"
+#include "app/theme/Theme.h"
+#include "app/window/MainWindow.h"
+#include "app/window/StudioShell.h"
 #include "benchmarks/Measuring.h"
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
-#include "studio/BatchExport.h"
 #include "studio/PhotoFolder.h"
 #include "studio/StudioSession.h"
+#include "studio/export/BatchExport.h"
 #include "tests/support/ScriptedAccount.h"
 
 #include <QScopeGuard>

@@ -9,8 +9,8 @@
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
-#include "studio/RenderCosts.h"
 #include "studio/StudioSession.h"
+#include "studio/export/RenderCosts.h"
 
 #include <QDir>
 #include <QScopeGuard>

@@ -3,12 +3,13 @@
 //
 //     template_latency PHOTOS     a folder; 500 photos for the figures that are compared
 
-#include "app/MainWindow.h"
-#include "app/PresetPictures.h"
-#include "app/SidePanel.h"
-#include "app/StudioShell.h"
-#include "app/TemplatesBinding.h"
-#include "app/Theme.h"
+#include "app/layers/SidePanel.h"
+#include "app/presets/PresetPictures.h"
+#include "app/presets/TemplatesBinding.h"
+#include "app/theme/StudioStyle.h"
+#include "app/theme/Theme.h"
+#include "app/window/MainWindow.h"
+#include "app/window/StudioShell.h"
 #include "benchmarks/Measuring.h"
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"

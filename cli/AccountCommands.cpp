@@ -3,7 +3,7 @@
 #include "account/AccountChecks.h"
 #include "account/PurchaseTexts.h"
 #include "cli/AccountConnection.h"
-#include "cli/CommandLine.h"
+#include "cli/ExitStatus.h"
 #include "cli/Terminal.h"
 #include "model/JsonMapping.h"
 

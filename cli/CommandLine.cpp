@@ -1,4 +1,5 @@
 #include "cli/CommandLine.h"
+#include "cli/ExitStatus.h"
 
 #include "account/ServiceConfiguration.h"
 #include "cli/AccountCommands.h"

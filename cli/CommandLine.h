@@ -4,16 +4,6 @@
 
 struct ServiceConfiguration;
 
-enum ExitStatus {
-    exitDone = 0,
-    exitSomeFailed = 1,
-    exitWrongUse = 2,
-    exitNotSignedIn = 3,
-    exitTooFewCredits = 4,
-    exitNoNetwork = 5,
-    exitInterrupted = 130,
-};
-
 // Whether these arguments (without the program's name) are for the command line and not for the
 // window.
 bool isCommandLine(const QStringList& arguments);

@@ -3,7 +3,7 @@
 #include "account/ServiceConfiguration.h"
 #include "canvas/RenderFingerprint.h"
 #include "cli/AccountConnection.h"
-#include "cli/CommandLine.h"
+#include "cli/ExitStatus.h"
 #include "cli/ExportOptions.h"
 #include "cli/ExportReport.h"
 #include "cli/Interrupt.h"

@@ -1,14 +1,14 @@
 #include "cli/ExportOptions.h"
 
-#include "cli/CommandLine.h"
+#include "cli/ExitStatus.h"
 #include "cli/OutputFolder.h"
 #include "cli/SampleBatch.h"
 #include "cli/Terminal.h"
 #include "model/PlainText.h"
-#include "studio/BatchExport.h"
 #include "studio/PhotoFolder.h"
-#include "studio/RenderedOutput.h"
-#include "studio/TextSheetFile.h"
+#include "studio/export/BatchExport.h"
+#include "studio/export/RenderedOutput.h"
+#include "studio/sheet/TextSheetFile.h"
 #include "templates/TemplateDefinition.h"
 
 #include <QCommandLineParser>

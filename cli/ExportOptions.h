@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/SocialFormat.h"
-#include "studio/TextSheet.h"
+#include "studio/sheet/TextSheet.h"
 #include "templates/VisualTemplate.h"
 
 #include <QTemporaryDir>

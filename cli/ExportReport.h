@@ -1,7 +1,7 @@
 #pragma once
 
-#include "studio/ExportOperation.h"
-#include "studio/SheetMatch.h"
+#include "studio/export/ExportOperation.h"
+#include "studio/sheet/SheetMatch.h"
 
 // What exporting costs, before it is charged.
 struct ExportPrice {

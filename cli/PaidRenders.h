@@ -1,6 +1,6 @@
 #pragma once
 
-#include "studio/RenderedOutput.h"
+#include "studio/export/RenderedOutput.h"
 
 class PreferencesStore;
 

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "platform/Completion.h"
-#include "platform/HttpClient.h"
+#include "platform/Http.h"
 
+#include <QObject>
 #include <QTimer>
 
 #include <functional>
+#include <stop_token>
 #include <variant>
 
 class QNetworkAccessManager;

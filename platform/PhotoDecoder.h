@@ -1,28 +1,20 @@
 #pragma once
 
+#include "platform/PhotoLevel.h"
+
 #include <QByteArray>
 #include <QImage>
-#include <QSize>
 #include <QString>
 
 #include <functional>
 #include <memory>
 #include <optional>
 
-// File pixels per decoded pixel, each way.
-enum class PhotoLevel { full = 1, half = 2, quarter = 4, eighth = 8 };
-
 struct PhotoInfo {
     QSize size;                // upright, in file pixels
     bool reducible = false;    // a JPEG: decodes at a level for less
     bool operator==(const PhotoInfo&) const = default;
 };
-
-// The picture of a photo at a level: what does not divide evenly is rounded up.
-QSize sizeAtLevel(QSize photo, PhotoLevel level);
-
-// The coarsest level whose picture still covers `needed` pixels both ways; full when none does.
-PhotoLevel coveringLevel(QSize photo, QSize needed);
 
 // Short side 320 pixels, long side at most 1280; never larger than the photo.
 QSize thumbnailSize(QSize photo);

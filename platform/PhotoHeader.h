@@ -1,8 +1,11 @@
 #pragma once
 
-#include "platform/PhotoDecoder.h"
+#include "platform/PhotoLevel.h"
 
+#include <QByteArray>
 #include <QIODevice>
+
+#include <optional>
 
 enum class PhotoFormat { jpeg, png, tiff, webp, heic, bmp, gif };
 

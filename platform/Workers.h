@@ -57,3 +57,16 @@ auto runOnWorker(Work&& work, Urgency urgency = Urgency::usual)
     startOnWorker(runJob, urgency);
     return future;
 }
+
+// The same for what may be missing: a default value arrives when memory is short.
+template <typename Work>
+auto tryOnWorker(Work work) -> QFuture<std::invoke_result_t<Work>>
+{
+    return runOnWorker([work = std::move(work)]() -> std::invoke_result_t<Work> {
+        try {
+            return work();
+        } catch (const std::exception&) {
+            return {};
+        }
+    });
+}

@@ -4,7 +4,7 @@
 #include "model/PlainText.h"
 #include "platform/HttpClient.h"
 #include "service/Http.h"
-#include "service/Turns.h"
+#include "service/store/Turns.h"
 
 #include <QEventLoop>
 #include <QNetworkAccessManager>

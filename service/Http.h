@@ -1,11 +1,12 @@
 #pragma once
 
+#include "service/store/Refusal.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QList>
 #include <QString>
 
-#include <exception>
 #include <functional>
 #include <utility>
 
@@ -31,23 +32,4 @@ struct ServiceReply {
     QByteArray type = "application/json; charset=utf-8";
     QByteArray body = {};
     QList<std::pair<QByteArray, QByteArray>> headers = {};
-};
-
-// Leaves a handler from any depth and becomes its answer.
-class Refusal : public std::exception {
-public:
-    // `reason` is for a developer, never shown to users.
-    Refusal(int status, const char* code, QString reason = {})
-        : m_status(status), m_code(code), m_reason(std::move(reason))
-    {
-    }
-    int status() const { return m_status; }
-    const char* code() const { return m_code; }
-    const QString& reason() const { return m_reason; }
-    const char* what() const noexcept override { return m_code; }
-
-private:
-    int m_status;
-    const char* m_code;    // a literal
-    QString m_reason;
 };

@@ -2,8 +2,8 @@
 
 #include "service/Handlers.h"
 #include "service/Service.h"
-#include "service/Sessions.h"
 #include "service/Visit.h"
+#include "service/store/Sessions.h"
 
 #include <algorithm>
 #include <array>

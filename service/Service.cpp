@@ -1,10 +1,11 @@
 #include "service/Service.h"
 
-#include "service/Accounts.h"
 #include "service/Http.h"
-#include "service/Ledger.h"
-#include "service/Secrets.h"
-#include "service/SocialPosts.h"
+#include "service/store/Accounts.h"
+#include "service/store/Ledger.h"
+#include "service/store/Schema.h"
+#include "service/store/Secrets.h"
+#include "service/store/SocialPosts.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -43,7 +44,7 @@ QString Service::databaseFile(const QString& dataFolder)
 
 Service::Service(const ServiceSettings& settings)
     : m_settings(completed(settings)),
-      m_database(databaseFile(m_settings.dataFolder), m_settings.history)
+      m_database(databaseFile(m_settings.dataFolder), &bringUpToDate, m_settings.history)
 {
     // What a crash left half-looked at.
     const QDir data(m_settings.dataFolder);

@@ -2,7 +2,7 @@
 
 #include "service/Attempts.h"
 #include "service/CopyForwarding.h"
-#include "service/Database.h"
+#include "service/store/Database.h"
 
 #include <QDir>
 #include <QString>

@@ -1,7 +1,7 @@
 #include "service/Visit.h"
 
-#include "service/Secrets.h"
 #include "service/Service.h"
+#include "service/store/Secrets.h"
 
 using namespace Qt::StringLiterals;
 using namespace html;

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "account/AccountRecords.h"
-#include "service/Accounts.h"
 #include "service/Html.h"
 #include "service/Http.h"
+#include "service/store/Accounts.h"
 
 #include <optional>
 

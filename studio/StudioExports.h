@@ -1,7 +1,7 @@
 #pragma once
 
-#include "studio/ExportOperation.h"
-#include "studio/RenderCosts.h"
+#include "studio/export/ExportOperation.h"
+#include "studio/export/RenderCosts.h"
 
 #include <QObject>
 #include <QTimer>

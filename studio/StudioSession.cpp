@@ -3,9 +3,9 @@
 #include "canvas/ImagePlacementGeometry.h"
 #include "model/PlainText.h"
 #include "platform/PreferencesStore.h"
-#include "studio/BatchSelection.h"
-#include "studio/StepName.h"
-#include "studio/TextSheetFile.h"
+#include "studio/batch/BatchSelection.h"
+#include "studio/batch/StepName.h"
+#include "studio/sheet/TextSheetFile.h"
 
 #include <QPointer>
 

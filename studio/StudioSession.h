@@ -3,14 +3,14 @@
 #include "account/AccountPanelDestination.h"
 #include "model/CopyGenerationMode.h"
 #include "model/Pace.h"
-#include "studio/Batch.h"
-#include "studio/LayerEdits.h"
 #include "studio/PhotoImport.h"
 #include "studio/StudioExports.h"
-#include "studio/StudioHistory.h"
-#include "studio/StyleClipboard.h"
 #include "studio/WorkspaceEncoder.h"
 #include "studio/WorkspaceStore.h"
+#include "studio/batch/Batch.h"
+#include "studio/batch/LayerEdits.h"
+#include "studio/batch/StudioHistory.h"
+#include "studio/batch/StyleClipboard.h"
 #include "templates/VisualTemplate.h"
 
 #include <QElapsedTimer>

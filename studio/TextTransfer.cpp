@@ -3,7 +3,7 @@
 #include "model/PlainText.h"
 #include "platform/Workers.h"
 #include "studio/StudioSession.h"
-#include "studio/TextSheetFile.h"
+#include "studio/sheet/TextSheetFile.h"
 
 #include <QCoroFuture>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "studio/Batch.h"
+#include "studio/batch/Batch.h"
 
 #include <QCoroTask>
 

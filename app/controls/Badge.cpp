@@ -1,6 +1,6 @@
 #include "app/controls/Badge.h"
 
-#include "app/controls/Painting.h"
+#include "app/theme/Painting.h"
 
 namespace {
 constexpr int badgePadding = 6, badgeIconSide = 14, badgeIconGap = 5;

@@ -1,5 +1,5 @@
 #pragma once
-#include "app/Icons.h"
+#include "app/theme/Icons.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
 #include "app/controls/Button.h"
 
-#include "app/controls/KeyboardFocus.h"
+#include "app/theme/KeyboardFocus.h"
 
 #include <QEvent>
 #include <QHBoxLayout>

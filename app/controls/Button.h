@@ -1,7 +1,7 @@
 #pragma once
-#include "app/Icons.h"
-#include "app/controls/Painting.h"
-#include "app/controls/SpinnerTurn.h"
+#include "app/theme/Icons.h"
+#include "app/theme/Painting.h"
+#include "app/theme/SpinnerTurn.h"
 
 #include <QAbstractButton>
 #include <QVariantAnimation>

@@ -1,6 +1,6 @@
 #include "app/controls/Caption.h"
 
-#include "app/controls/Painting.h"
+#include "app/theme/Painting.h"
 
 #include <QHelpEvent>
 #include <QToolTip>

@@ -1,5 +1,5 @@
 #pragma once
-#include "app/Theme.h"
+#include "app/theme/Theme.h"
 
 #include <QWidget>
 

@@ -1,8 +1,8 @@
 #include "app/controls/CostChip.h"
 
-#include "app/AccountTexts.h"
-#include "app/Icons.h"
-#include "app/controls/Painting.h"
+#include "account/AccountTexts.h"
+#include "app/theme/Icons.h"
+#include "app/theme/Painting.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,7 +1,7 @@
 #include "app/controls/Grounds.h"
 
-#include "app/Icons.h"
-#include "app/controls/Painting.h"
+#include "app/theme/Icons.h"
+#include "app/theme/Painting.h"
 
 CardGround::CardGround(Look look, QWidget* parent) : QWidget(parent), m_look(look) {}
 

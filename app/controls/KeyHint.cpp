@@ -1,6 +1,6 @@
 #include "app/controls/KeyHint.h"
 
-#include "app/controls/Painting.h"
+#include "app/theme/Painting.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "app/controls/Paragraph.h"
 
-#include "app/controls/Painting.h"
+#include "app/theme/Painting.h"
 
 #include <QHelpEvent>
 #include <QTextLayout>

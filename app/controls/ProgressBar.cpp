@@ -1,6 +1,6 @@
 #include "app/controls/ProgressBar.h"
 
-#include "app/controls/Painting.h"
+#include "app/theme/Painting.h"
 
 namespace {
 constexpr int glideTime = 200, cycleTime = 1400, progressFrameTime = 33;    // ms

@@ -1,6 +1,6 @@
 #include "app/controls/Spinner.h"
 
-#include "app/controls/Painting.h"
+#include "app/theme/Painting.h"
 
 Spinner::Spinner(int side, QWidget* parent) : QWidget(parent), m_turn(this)
 {

@@ -1,5 +1,5 @@
 #pragma once
-#include "app/controls/SpinnerTurn.h"
+#include "app/theme/SpinnerTurn.h"
 
 // Says that something goes on, while it is shown.
 class Spinner : public QWidget {

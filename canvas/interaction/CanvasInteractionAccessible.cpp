@@ -140,10 +140,15 @@ private:
     mutable QHash<QUuid, QAccessible::Id> m_children;
 };
 
-}    // namespace
-
 QAccessibleInterface* canvasInteractionAccessible(const QString&, QObject* object)
 {
     auto* view = qobject_cast<CanvasInteractionView*>(object);
     return view ? new CanvasAccessible(view) : nullptr;
+}
+
+}    // namespace
+
+void makeCanvasesAccessible()
+{
+    QAccessible::installFactory(canvasInteractionAccessible);
 }

@@ -1,8 +1,4 @@
 #pragma once
 
-class QAccessibleInterface;
-class QObject;
-class QString;
-
-// A canvas with one child a layer, topmost first. Installed as an accessibility factory.
-QAccessibleInterface* canvasInteractionAccessible(const QString& className, QObject* object);
+// A canvas has one child a layer, topmost first, for screen readers. Before the first one is made.
+void makeCanvasesAccessible();

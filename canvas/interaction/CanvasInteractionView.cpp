@@ -1,6 +1,5 @@
 #include "canvas/interaction/CanvasInteractionView.h"
 
-#include "canvas/interaction/CanvasInteractionAccessible.h"
 #include "canvas/interaction/CanvasOverlay.h"
 #include "platform/Workers.h"
 
@@ -36,7 +35,6 @@ double scrolledPixels(const QWheelEvent* event)
 
 CanvasInteractionView::CanvasInteractionView(QWidget* parent) : QWidget(parent)
 {
-    QAccessible::installFactory(canvasInteractionAccessible);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     m_rest.setSingleShot(true);

@@ -1,4 +1,5 @@
-#include "app/Theme.h"
+#include "app/theme/StudioStyle.h"
+#include "app/theme/Theme.h"
 #include "tests/Settle.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "service/Server.h"
 #include "service/Service.h"
+#include "service/http/Server.h"
 
 #include <QTemporaryDir>
 

@@ -2,8 +2,8 @@
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
 #include "studio/StudioSession.h"
-#include "studio/TextSheet.h"
 #include "studio/TextTransfer.h"
+#include "studio/sheet/TextSheet.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -1,0 +1,66 @@
+#include "account/AccountTexts.h"
+
+#include "model/PlainText.h"
+
+#include <QStringList>
+#include <QTextBoundaryFinder>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int longestLine = 300;
+constexpr int profileLongestText = 4000;    // with a long address in it
+
+QString harmless(const QString& text)
+{
+    QString plain = plainText(text);
+    plain.removeIf(turnsDirection);
+    return plain;
+}
+
+QString shortened(const QString& text, int longest)
+{
+    return text.size() > longest ? text.left(longest).trimmed() + u'…' : text;
+}
+
+// As it is seen: a letter with its accents, a whole emoji.
+QString firstLetter(const QString& word)
+{
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, word);
+    const auto end = finder.toNextBoundary();
+    return end > 0 ? word.left(end).toUpper() : QString();
+}
+
+}    // namespace
+
+QString shownLine(const QString& text)
+{
+    return shortened(harmless(text.left(10 * longestLine)).simplified(), longestLine);
+}
+
+QString shownText(const QString& text)
+{
+    return shortened(harmless(text.left(2 * profileLongestText)).trimmed(), profileLongestText);
+}
+
+QString initialsOf(const QString& name)
+{
+    const QString shown = shownLine(name);
+    const QStringList words = shown.split(u' ', Qt::SkipEmptyParts);
+    if (words.isEmpty())
+        return {};
+    if (words.size() == 1 || shown.contains(u'@'))
+        return firstLetter(words.first());
+    return firstLetter(words.first()) + firstLetter(words.last());
+}
+
+QString firstNameOf(const QString& name)
+{
+    return shownLine(name).section(u' ', 0, 0);
+}
+
+QString creditsText(qint64 balance)
+{
+    return u"%1 créditos"_s.arg(balance);
+}

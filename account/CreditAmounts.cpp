@@ -1,0 +1,47 @@
+#include "account/CreditAmounts.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+std::optional<int> effectiveCredits(const QString& typed)
+{
+    static const QRegularExpression whole(
+        u"^[+-]?(\\d{1,3}([. ]\\d{3})+|\\d+)$"_s);    // a point may stand for decimals too
+    QString digits = typed.simplified();
+    if (!whole.match(digits).hasMatch())
+        return std::nullopt;
+    digits.removeIf([](QChar c) { return c == u'.' || c == u' '; });
+    const bool isNegative = digits.startsWith(u'-');
+    if (isNegative || digits.startsWith(u'+'))
+        digits.remove(0, 1);
+    bool fits = false;
+    const qint64 read = digits.toLongLong(&fits);
+    // What is too long to be read is beyond the limit too.
+    const qint64 amount = std::clamp<qint64>(isNegative ? 0 : (fits ? read : qint64(maxCredits)),
+                                             minCredits, maxCredits);
+    return int((amount + creditBlock / 2) / creditBlock * creditBlock);
+}
+
+CheckResult checkAmount(const QString& typed)
+{
+    if (!effectiveCredits(typed))
+        return CheckFailure{CheckedField::amount, u"Escribe la cantidad en números."_s};
+    return std::nullopt;
+}
+
+int eurosOf(int credits)
+{
+    return credits / creditBlock;
+}
+
+// The locale's own grouping leaves four digits together.
+QString groupedThousands(qint64 number)
+{
+    QString text = QString::number(number);
+    for (qsizetype at = text.size() - 3; at > (number < 0 ? 1 : 0); at -= 3)
+        text.insert(at, u'.');
+    return text;
+}

@@ -1,8 +1,0 @@
-#pragma once
-#include "app/SettingsPanel.h"
-
-class StorageDetailPanel : public SettingsPanel {
-    Q_OBJECT
-public:
-    explicit StorageDetailPanel(QWidget* parent = nullptr);
-};

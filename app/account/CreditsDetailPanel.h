@@ -1,0 +1,42 @@
+#pragma once
+#include "app/forms/SettingsPanel.h"
+
+#include <optional>
+
+class Caption;
+class CopyButton;
+class CardGround;
+class CustomAmount;
+class PackageCard;
+class Paragraph;
+class PushButton;
+
+class CreditsDetailPanel : public SettingsPanel {
+    Q_OBJECT
+public:
+    explicit CreditsDetailPanel(QWidget* parent = nullptr);
+    void setAccount(const AccountShown& account) override;
+    CustomAmount* customAmount() const { return m_custom; }
+    QString total() const;
+
+Q_SIGNALS:
+    void purchaseRequested(int credits);
+    void checkoutConfirmed();
+
+private:
+    void buy();
+    void showTotal();
+    void showHint();
+    std::optional<int> credits() const;    // nothing where what was typed is no amount
+
+    Caption* m_balance;
+    QList<PackageCard*> m_packages;
+    CustomAmount* m_custom;
+    CardGround* m_pending;
+    Paragraph* m_pendingText;
+    CopyButton* m_copy;
+    PushButton* m_confirm;
+    Caption* m_hint;
+    Caption* m_total;
+    PushButton* m_buy;
+};

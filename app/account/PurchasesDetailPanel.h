@@ -1,0 +1,41 @@
+#pragma once
+#include "account/AccountRecords.h"
+#include "app/forms/SettingsPanel.h"
+
+class EmptyNote;
+class ProgressBar;
+class PushButton;
+class QScrollArea;
+
+class PurchasesDetailPanel : public SettingsPanel {
+    Q_OBJECT
+public:
+    explicit PurchasesDetailPanel(QWidget* parent = nullptr);
+    void setPurchases(const QList<PurchaseHistoryItem>& purchases);
+    enum class Loading { done, failed };
+    void setLoaded(Loading outcome);    // of what was asked for
+
+Q_SIGNALS:
+    void historyRequested();
+    void documentRequested(const QString& purchaseId);
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void load();
+    void makeReachable();
+    QWidget* rowOf(const PurchaseHistoryItem& purchase);
+    void showContent();
+
+    QList<PurchaseHistoryItem> m_purchases;
+    bool m_isLoading = false;
+    bool m_isKnown = false;    // there may be purchases before they came once
+    ProgressBar* m_progress;
+    QScrollArea* m_area;
+    EmptyNote* m_empty;
+    QWidget* m_list = nullptr;
+    QList<PushButton*> m_documents;    // of the rows that have one
+    PushButton* m_refresh;
+};

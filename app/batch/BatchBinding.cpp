@@ -1,0 +1,217 @@
+#include "app/batch/BatchBinding.h"
+
+#include "app/batch/BatchColumn.h"
+#include "app/batch/WarningSentences.h"
+#include "studio/StudioSession.h"
+
+BatchBinding::BatchBinding(StudioSession& session, BatchColumn* column,
+                           const std::shared_ptr<PhotoCache>& photos)
+    : m_session(session), m_column(column), m_pictures(new TilePictures(photos, this))
+{
+    connect(column, &BatchColumn::clicked, this,
+            [this](int index, Qt::KeyboardModifiers modifiers) {
+                if (!showsIncoming())
+                    m_session.selectItem(index, modifiers);
+            });
+    connect(column, &BatchColumn::picturesWanted, this, &BatchBinding::wish);
+    connect(m_pictures, &TilePictures::ready, this, &BatchBinding::showPicture);
+    connect(&session, &StudioSession::costsChanged, this,
+            [this] { m_column->setTiles(tilesOf(shownItems())); });
+}
+
+// While an import runs the batch is still the old one, and a click in the column would mean another
+// image than the one under it.
+bool BatchBinding::showsIncoming() const
+{
+    return m_session.isImporting() && !m_session.importProgress().accepted.isEmpty();
+}
+
+const PublicationItems& BatchBinding::shownItems() const
+{
+    return showsIncoming() ? m_session.importProgress().accepted : m_session.batch().items;
+}
+
+const PublicationItem* BatchBinding::find(QUuid id) const
+{
+    for (const PublicationItems* items : {&shownItems(), &m_session.batch().items}) {
+        const auto found = std::ranges::find(*items, id, &PublicationItem::id);
+        if (found != items->end())
+            return &*found;
+    }
+    return nullptr;
+}
+
+void BatchBinding::wish(const QList<QUuid>& ids)
+{
+    m_wished = ids;
+    ask();
+}
+
+void BatchBinding::ask()
+{
+    QList<PublicationItem> items;
+    const PublicationItem* current = m_session.batch().currentItem();
+    // Its warnings are shown beside the canvas as well, whether the column shows its tile or not.
+    if (current && !isJudged(*current) && !columnAsksFor(current->id))
+        items.append(*current);
+    if (m_column->grid()->isVisible()) {
+        for (const QUuid& id : m_wished) {
+            if (const PublicationItem* item = find(id))
+                items.append(*item);
+        }
+    }
+    m_pictures->want(items, m_session.batch().format, m_column->grid()->picturePixels());
+}
+
+bool BatchBinding::columnAsksFor(QUuid item) const
+{
+    const TileGrid* grid = m_column->grid();
+    return grid->isVisible() && std::ranges::any_of(grid->visibleTiles(), [&](int index) {
+               return grid->tiles()[index].id == item;
+           });
+}
+
+bool BatchBinding::isJudged(const PublicationItem& item) const
+{
+    const auto known = m_judgements.constFind(item.id);
+    return known != m_judgements.cend() && known->of.item == item &&
+           known->of.format == m_session.batch().format;
+}
+
+QList<TextWarning> BatchBinding::warningsOf(QUuid item) const
+{
+    const auto known = m_judgements.constFind(item);
+    return known != m_judgements.cend() ? known->warnings : QList<TextWarning>();
+}
+
+void BatchBinding::showPicture(const TileRequest& request, const QImage& picture, PhotoState photo,
+                               const QList<TextWarning>& warnings)
+{
+    const PublicationItem* item = find(request.item.id);
+    if (picture.isNull() || !item)
+        return;
+    // A thumbnail that is at hand says nothing of the file.
+    if (photo == PhotoState::missing)
+        setMissing(request.item.id, true);
+    // A picture begun before the last change comes too late: the newer one is on its way, and until
+    // then the warnings of before stay.
+    if (!(*item == request.item) || m_session.batch().format != request.format)
+        return;
+    m_wished.removeOne(request.item.id);
+    m_column->setPicture(request.item.id, picture);
+    judge(request, warnings);
+}
+
+void BatchBinding::judge(const TileRequest& request, const QList<TextWarning>& warnings)
+{
+    const QUuid id = request.item.id;
+    Judgement& known = m_judgements[id];
+    known.of = request;
+    if (known.warnings == warnings)
+        return;
+    known.warnings = warnings;
+    known.sentences = warningSentences(warnings);
+    show();
+    Q_EMIT warningsChanged(id);
+}
+
+void BatchBinding::forgetGone()
+{
+    QSet<QUuid> there;
+    for (const PublicationItems* items : {&shownItems(), &m_session.batch().items}) {
+        for (const PublicationItem& item : *items)
+            there.insert(item.id);
+    }
+    m_judgements.removeIf([&](const auto& known) { return !there.contains(known.key()); });
+}
+
+void BatchBinding::photoFound(QUuid item)
+{
+    if (!m_missing.contains(item))
+        return;
+    // What was said without the photo stays until the next picture, which is asked for anew.
+    m_judgements[item].of = {};
+    setMissing(item, false);
+    m_column->pictureOutdated(item);
+}
+
+void BatchBinding::photoMissing(QUuid item)
+{
+    setMissing(item, true);
+}
+
+void BatchBinding::setMissing(QUuid item, bool missing)
+{
+    if (missing == m_missing.contains(item))
+        return;
+    if (missing)
+        m_missing.insert(item);
+    else
+        m_missing.remove(item);
+    show();
+}
+
+QList<Tile> BatchBinding::tilesOf(const PublicationItems& items)
+{
+    const Batch& batch = m_session.batch();
+    const bool incoming = showsIncoming();
+    QList<Tile> tiles;
+    tiles.reserve(items.size());
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        const PublicationItem& item = items[i];
+        QString& name = m_names[item.id];
+        if (name.isNull())
+            name = item.filename();
+        const auto known = m_judgements.constFind(item.id);
+        tiles.append({.id = item.id,
+                      .name = name,
+                      .current = !incoming && i == batch.selectedIndex,
+                      .selected = !incoming && batch.selectedItemIDs.contains(item.id),
+                      .state = m_missing.contains(item.id) ? TileState::missing : TileState::normal,
+                      .paid = !incoming && m_session.isPaid(item.id),
+                      .warnings = known != m_judgements.cend() ? known->sentences : QStringList()});
+    }
+    return tiles;
+}
+
+void BatchBinding::show()
+{
+    const Batch& batch = m_session.batch();
+    const PublicationItems& items = shownItems();
+    m_column->setTiles(tilesOf(items));
+
+    const bool otherFormat = m_knownFormat != batch.format;
+    const bool sameOrder = m_known.size() == items.size();
+    bool cameOrWent = !sameOrder;
+    QHash<QUuid, qsizetype> places;
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        if (otherFormat) {
+            m_column->pictureOutdated(items[i].id);
+            continue;
+        }
+        if (sameOrder && m_known.shares(i, items, i))
+            continue;
+        // Found by its id where items came or went.
+        if (places.isEmpty()) {
+            for (qsizetype k = 0; k < m_known.size(); ++k)
+                places.insert(m_known[k].id, k);
+        }
+        const qsizetype before = places.value(items[i].id, -1);
+        cameOrWent |= before < 0;
+        // One that comes back may still have its picture, but what was said about it is forgotten.
+        const bool isOutdated =
+            before < 0 ? !isJudged(items[i])
+                       : !m_known.shares(before, items, i) && !(m_known[before] == items[i]);
+        if (isOutdated)
+            m_column->pictureOutdated(items[i].id);
+    }
+    if (cameOrWent)
+        forgetGone();
+    m_known = items;
+    m_knownFormat = batch.format;
+    if (m_names.size() > 2 * items.size() + 100)
+        m_names.clear();
+    const PublicationItem* current = batch.currentItem();
+    if (current && !isJudged(*current) && !columnAsksFor(current->id))
+        ask();
+}

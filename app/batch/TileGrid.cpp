@@ -1,0 +1,589 @@
+#include "app/batch/TileGrid.h"
+
+#include "app/theme/Icons.h"
+#include "app/theme/Painting.h"
+
+#include <QAccessible>
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QToolTip>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Around the tiles; the right side is short because the scroll bar follows, the ring still fits.
+constexpr int leftPadding = 16, rightPadding = 4, topPadding = 8, tileGap = 10;
+constexpr int tileCaptionGap = 5, tileCaptionHeight = 16, tileRowGap = 12, bottomPadding = 4;
+constexpr int columnUnit = 92;    // one more column from here on
+constexpr int ringReach = 5, tileFrameTime = 33, tileTurnTime = 1000;
+
+// Square corners of a photograph would stick out of the rounded tile.
+QImage rounded(const QImage& picture, double radius)
+{
+    QImage image = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QImage mask(image.size(), QImage::Format_ARGB32_Premultiplied);
+    mask.fill(Qt::transparent);
+    QPainter maskPainter(&mask);
+    maskPainter.setRenderHint(QPainter::Antialiasing);
+    fillRounded(maskPainter, mask.rect(), radius, Qt::white);
+    maskPainter.end();
+    image.setDevicePixelRatio(1);
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.drawImage(0, 0, mask);
+    return image;
+}
+
+// Above the tiles: the viewport ends before the ring does, where the scroll bar begins.
+class GridRing : public QWidget {
+public:
+    explicit GridRing(QWidget* parent) : QWidget(parent)
+    {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        hide();
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        strokeRounded(painter, rect(), Radius::button, themeOf(this).accentLine, 2);
+    }
+};
+
+// The toolkit leaves out as much on both sides, and with it up to a letter's width beside the tick.
+QString middleElided(Type type, const QString& text, double width)
+{
+    const QString elided =
+        QFontMetricsF(fontOf(type)).elidedText(text, Qt::ElideMiddle, std::max(0.0, width));
+    const auto gap = elided.indexOf(u'…');
+    if (elided == text || gap < 0 || text.at(gap).isSurrogate())
+        return elided;
+    const QString longer = text.left(gap + 1) + elided.mid(gap);
+    return textWidth(type, longer) <= width ? longer : elided;
+}
+
+}    // namespace
+
+TileGrid::TileGrid(QWidget* parent) : QAbstractScrollArea(parent), m_ring(new GridRing(this))
+{
+    setAccessibleName(u"Lote"_qs);
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::TabFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // Always there, painted only when there is something to scroll: the columns must not jump.
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    verticalScrollBar()->setSingleStep(48);
+    viewport()->setAttribute(Qt::WA_Hover);
+    viewport()->setAutoFillBackground(false);
+    m_wishLater.setSingleShot(true);
+    m_wishLater.setInterval(0);
+    connect(&m_wishLater, &QTimer::timeout, this, &TileGrid::wish);
+    m_spin.setInterval(tileFrameTime);
+    connect(&m_spin, &QTimer::timeout, this, &TileGrid::spin);
+}
+
+void TileGrid::setTiles(const QList<Tile>& tiles)
+{
+    const auto selected = std::ranges::count_if(tiles, &Tile::selected);
+    const bool allDiffer = tiles.size() != m_tiles.size() || (selected > 1) != m_severalSelected;
+    const int formerIndex = currentIndex();
+    const Tile former = formerIndex >= 0 ? m_tiles[formerIndex] : Tile();
+    const QString formerName = formerIndex >= 0 ? accessibleText(formerIndex) : QString();
+    const QList<Tile> before = std::exchange(m_tiles, tiles);
+    m_severalSelected = selected > 1;
+
+    if (allDiffer) {
+        fitScrollBar();
+        viewport()->update();
+    } else {
+        for (int i = 0; i < tiles.size(); ++i) {
+            if (!(before[i] == tiles[i]))
+                updateTile(i);
+        }
+    }
+    if (m_hovered >= tiles.size())
+        m_hovered = -1;
+    const bool generating =
+        std::ranges::any_of(tiles, [](const Tile& t) { return t.state == TileState::generating; });
+    if (generating)
+        m_spin.start();
+    else
+        m_spin.stop();
+
+    const int current = currentIndex();
+    const auto tell = [this, current](QAccessible::Event change) {
+        if (!QAccessible::isActive())
+            return;
+        QAccessibleEvent event(this, change);
+        event.setChild(current);
+        QAccessible::updateAccessibility(&event);
+    };
+    if (current >= 0 && tiles[current].id != former.id) {
+        showCurrent();
+        if (hasFocus())
+            tell(QAccessible::Focus);
+    } else if (current >= 0) {
+        if (accessibleText(current) != formerName)
+            tell(QAccessible::NameChanged);
+        if (tiles[current].warnings != former.warnings)
+            tell(QAccessible::DescriptionChanged);
+    }
+    forgetDistant();
+    wishLater();
+}
+
+void TileGrid::setRatio(double ratio)
+{
+    if (ratio <= 0 || ratio == m_ratio)
+        return;
+    m_ratio = ratio;
+    fitScrollBar();
+    showCurrent();
+    viewport()->update();
+    wishLater();
+}
+
+void TileGrid::setPicture(QUuid id, const QImage& picture)
+{
+    const auto tile = std::ranges::find(m_tiles, id, &Tile::id);
+    if (tile == m_tiles.end())
+        return;
+    m_pictures.insert(id, {rounded(picture, Radius::thumbnail * devicePixelRatioF())});
+    updateTile(int(tile - m_tiles.begin()));
+    forgetDistant();
+}
+
+void TileGrid::pictureOutdated(QUuid id)
+{
+    const auto picture = m_pictures.find(id);
+    if (picture != m_pictures.end())
+        picture->outdated = true;
+    m_wished.clear();
+    wishLater();
+}
+
+QSize TileGrid::tileSize() const
+{
+    const int inner = std::max(1, viewport()->width() - leftPadding - rightPadding);
+    // Rounded up: rather a gap of nine than one of eleven.
+    const int width = std::max(1, (inner - (columns() - 1) * tileGap + columns() - 1) / columns());
+    return {width, std::max(1, qRound(width / m_ratio))};
+}
+
+int TileGrid::columns() const
+{
+    const int inner = viewport()->width() - leftPadding - rightPadding;
+    return std::max(1, (inner + tileGap) / columnUnit);
+}
+
+int TileGrid::rowPitch() const
+{
+    return tileSize().height() + tileCaptionGap + tileCaptionHeight + tileRowGap;
+}
+
+QSize TileGrid::picturePixels() const
+{
+    const QSizeF pixels = QSizeF(tileSize()) * devicePixelRatioF();
+    return {qRound(pixels.width()), qRound(pixels.height())};
+}
+
+int TileGrid::currentIndex() const
+{
+    const auto current = std::ranges::find_if(m_tiles, &Tile::current);
+    return current == m_tiles.end() ? -1 : int(current - m_tiles.begin());
+}
+
+QRect TileGrid::tileRect(int index) const
+{
+    const int count = columns();
+    const QSize size = tileSize();
+    const int inner = viewport()->width() - leftPadding - rightPadding;
+    // What the whole pixels of the widths leave over goes between the columns.
+    const int column = index % count;
+    const int left = count == 1 ? 0 : column * (inner - size.width()) / (count - 1);
+    return {QPoint(leftPadding + left,
+                   topPadding + index / count * rowPitch() - verticalScrollBar()->value()),
+            size};
+}
+
+int TileGrid::tileAt(QPoint position) const
+{
+    const int row = (position.y() + verticalScrollBar()->value() - topPadding) / rowPitch();
+    for (int column = 0; column < columns(); ++column) {
+        const int index = row * columns() + column;
+        if (index >= 0 && index < m_tiles.size() &&
+            tileRect(index)
+                .adjusted(0, 0, 0, tileCaptionGap + tileCaptionHeight)
+                .contains(position))
+            return index;
+    }
+    return -1;
+}
+
+QList<int> TileGrid::visibleTiles() const
+{
+    const int top = verticalScrollBar()->value() - topPadding;
+    const int firstRow = std::max(0, top / rowPitch());
+    const int lastRow = std::max(0, (top + viewport()->height()) / rowPitch());
+    QList<int> visible;
+    const int end = std::min(int(m_tiles.size()), (lastRow + 1) * columns());
+    for (int i = firstRow * columns(); i < end; ++i) {
+        if (tileRect(i).intersects(viewport()->rect()))
+            visible.append(i);
+    }
+    return visible;
+}
+
+void TileGrid::fitScrollBar()
+{
+    const int rows = (int(m_tiles.size()) + columns() - 1) / columns();
+    const int content = topPadding + rows * rowPitch() - tileRowGap + bottomPadding;
+    verticalScrollBar()->setPageStep(viewport()->height());
+    verticalScrollBar()->setRange(0, std::max(0, content - viewport()->height()));
+}
+
+void TileGrid::showCurrent()
+{
+    const int current = currentIndex();
+    if (current < 0)
+        return;
+    const QRect tile = tileRect(current).adjusted(
+        0, -topPadding, 0, tileCaptionGap + tileCaptionHeight + bottomPadding);
+    QScrollBar* bar = verticalScrollBar();
+    if (tile.bottom() >= viewport()->height())
+        bar->setValue(bar->value() + tile.bottom() + 1 - viewport()->height());
+    const QRect moved = tileRect(current).adjusted(0, -topPadding, 0, 0);
+    if (moved.top() < 0)    // its top counts when it does not fit whole
+        bar->setValue(bar->value() + moved.top());
+}
+
+void TileGrid::wishLater()
+{
+    if (isVisible())
+        m_wishLater.start();
+}
+
+void TileGrid::wish()
+{
+    const QSize pixels = picturePixels();
+    QList<QUuid> ids;
+    for (const int index : visibleTiles()) {
+        const auto picture = m_pictures.constFind(m_tiles[index].id);
+        if (picture == m_pictures.constEnd() || picture->outdated ||
+            picture->image.size() != pixels)
+            ids.append(m_tiles[index].id);
+    }
+    if (ids == m_wished && pixels == m_wishedPixels)
+        return;
+    m_wished = ids;
+    m_wishedPixels = pixels;
+    Q_EMIT picturesWanted(ids, pixels);
+}
+
+void TileGrid::forgetDistant()
+{
+    const QList<int> visible = visibleTiles();
+    const int reach = int(visible.size());
+    // Twice the view on each side may stay before anything is swept.
+    if (m_pictures.size() <= qsizetype(5) * std::max(reach, 1))
+        return;
+    QSet<QUuid> near;
+    const int first = visible.isEmpty() ? 0 : std::max(0, visible.first() - reach);
+    const int last =
+        visible.isEmpty() ? -1 : std::min(int(m_tiles.size()) - 1, visible.last() + reach);
+    for (int i = first; i <= last; ++i)
+        near.insert(m_tiles[i].id);
+    m_pictures.removeIf([&](const auto& picture) { return !near.contains(picture.key()); });
+}
+
+void TileGrid::setHovered(int index)
+{
+    if (index == m_hovered)
+        return;
+    updateTile(std::exchange(m_hovered, index));
+    updateTile(index);
+}
+
+void TileGrid::updateTile(int index)
+{
+    if (index < 0 || index >= m_tiles.size())
+        return;
+    viewport()->update(tileRect(index).adjusted(-ringReach, -ringReach, ringReach,
+                                                tileCaptionGap + tileCaptionHeight));
+}
+
+void TileGrid::spin()
+{
+    m_turn = std::fmod(m_turn + double(tileFrameTime) / tileTurnTime, 1.0);
+    for (const int index : visibleTiles()) {
+        if (m_tiles[index].state == TileState::generating)
+            updateTile(index);
+    }
+}
+
+bool TileGrid::viewportEvent(QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::HoverEnter:
+    case QEvent::HoverMove:
+        setHovered(tileAt(static_cast<QHoverEvent*>(event)->position().toPoint()));
+        break;
+    case QEvent::HoverLeave:
+        setHovered(-1);
+        break;
+    case QEvent::ScreenChangeInternal:    // another pixel ratio wants other pictures
+        wishLater();
+        break;
+    case QEvent::ToolTip: {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        const int index = tileAt(help->pos());
+        if (index < 0) {
+            QToolTip::hideText();
+            return true;
+        }
+        const Tile& tile = m_tiles[index];
+        QString text = tile.name;
+        if (tile.paid)
+            text += u"\nPagada: volver a exportarla no descuenta créditos."_qs;
+        if (tile.state == TileState::missing)
+            text += u"\nNo se puede leer la foto. ¿Se ha movido o borrado?"_qs;
+        for (const QString& warning : tile.warnings)
+            text += u'\n' + warning;
+        QToolTip::showText(help->globalPos(), text, viewport(), tileRect(index));
+        return true;
+    }
+    default:
+        break;
+    }
+    return QAbstractScrollArea::viewportEvent(event);
+}
+
+void TileGrid::resizeEvent(QResizeEvent*)
+{
+    m_ring->setGeometry(6, 0, viewport()->width() - 3, height());
+    fitScrollBar();
+    showCurrent();
+    wishLater();
+}
+
+void TileGrid::scrollContentsBy(int, int)
+{
+    setHovered(viewport()->underMouse() ? tileAt(viewport()->mapFromGlobal(QCursor::pos())) : -1);
+    viewport()->update();
+    forgetDistant();
+    wishLater();
+}
+
+void TileGrid::showEvent(QShowEvent* event)
+{
+    QAbstractScrollArea::showEvent(event);
+    fitScrollBar();
+    showCurrent();
+    wishLater();
+}
+
+void TileGrid::mousePressEvent(QMouseEvent* event)
+{
+    const int index = tileAt(event->position().toPoint());
+    if (event->button() == Qt::LeftButton && index >= 0)
+        Q_EMIT clicked(index, event->modifiers());
+}
+
+void TileGrid::contextMenuEvent(QContextMenuEvent* event)
+{
+    const bool keyboard = event->reason() == QContextMenuEvent::Keyboard;
+    const int index = keyboard ? currentIndex() : tileAt(event->pos());
+    if (index < 0)
+        return;
+    const QPoint position =
+        keyboard ? viewport()->mapToGlobal(tileRect(index).center()) : event->globalPos();
+    Q_EMIT contextMenuRequested(index, position);
+}
+
+void TileGrid::keyPressEvent(QKeyEvent* event)
+{
+    const int last = int(m_tiles.size()) - 1;
+    const int current = currentIndex();
+    int target = -1;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        target = current - 1;
+        break;
+    case Qt::Key_Right:
+        target = current + 1;
+        break;
+    case Qt::Key_Up:
+        target = current - columns();
+        break;
+    case Qt::Key_Down:
+        target = current + columns();
+        break;
+    case Qt::Key_Home:
+        target = 0;
+        break;
+    case Qt::Key_End:
+        target = last;
+        break;
+    default:
+        event->ignore();    // the keys of the window
+        return;
+    }
+    if (target >= 0 && target <= last && target != current)
+        Q_EMIT clicked(target, event->modifiers() & Qt::ShiftModifier);
+}
+
+void TileGrid::focusInEvent(QFocusEvent* event)
+{
+    m_ring->setVisible(event->reason() == Qt::TabFocusReason ||
+                       event->reason() == Qt::BacktabFocusReason ||
+                       event->reason() == Qt::ShortcutFocusReason);
+    m_ring->raise();
+}
+
+void TileGrid::focusOutEvent(QFocusEvent*)
+{
+    m_ring->hide();
+}
+
+QString TileGrid::accessibleText(int index) const
+{
+    const Tile& tile = m_tiles[index];
+    QStringList parts{u"Imagen %1 de %2"_qs.arg(index + 1).arg(m_tiles.size()), tile.name};
+    if (tile.current)
+        parts.append(u"actual"_qs);
+    if (tile.selected)
+        parts.append(u"seleccionada"_qs);
+    switch (tile.state) {
+    case TileState::generating:
+        parts.append(u"generando"_qs);
+        break;
+    case TileState::queued:
+        parts.append(u"en cola"_qs);
+        break;
+    case TileState::missing:
+        parts.append(u"no se puede leer la foto"_qs);
+        break;
+    case TileState::normal:
+    case TileState::generated:
+        break;
+    }
+    if (tile.paid)
+        parts.append(u"pagada"_qs);
+    if (!tile.warnings.isEmpty())
+        parts.append(u"con avisos"_qs);
+    return parts.join(u", "_qs);
+}
+
+void TileGrid::paintEvent(QPaintEvent* event)
+{
+    const Theme& theme = themeOf(this);
+    QPainter painter(viewport());
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(event->rect(), theme.panel);
+    if (m_tiles.isEmpty())
+        return paintSkeleton(painter);
+    const int reach = tileCaptionGap + tileCaptionHeight;
+    const int top = event->rect().top() + verticalScrollBar()->value() - topPadding - reach;
+    const int bottom = event->rect().bottom() + verticalScrollBar()->value() - topPadding + reach;
+    const int first = std::max(0, top / rowPitch()) * columns();
+    const int end =
+        std::min(int(m_tiles.size()), (std::max(0, bottom / rowPitch()) + 1) * columns());
+    for (int i = first; i < end; ++i) {
+        if (tileRect(i)
+                .adjusted(-ringReach, -ringReach, ringReach, reach)
+                .intersects(event->rect()))
+            paintTile(painter, i);
+    }
+}
+
+void TileGrid::paintTile(QPainter& painter, int index) const
+{
+    const Theme& theme = themeOf(this);
+    const Tile& tile = m_tiles[index];
+    const QRect box = tileRect(index);
+    const auto picture = m_pictures.constFind(tile.id);
+    if (picture == m_pictures.constEnd()) {
+        fillRounded(painter, box, Radius::thumbnail, theme.empty);
+        strokeRounded(painter, box, Radius::thumbnail, theme.line);
+    } else {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform,
+                              picture->image.size() != picturePixels());
+        painter.drawImage(box, picture->image);
+    }
+    const QRectF middle(box.center().x() - 10, box.center().y() - 10, 20, 20);
+    const QRectF corner(box.right() + 1 - 22, box.top() + 3.5, 19, 19);
+    if (tile.state == TileState::generating) {
+        fillRounded(painter, box, Radius::thumbnail, QColor(5, 6, 8, 158));
+        paintSpinner(painter, middle, QColor(255, 255, 255, 70), Qt::white, m_turn, 2.2);
+    } else if (tile.state == TileState::queued) {
+        fillRounded(painter, box, Radius::thumbnail, QColor(5, 6, 8, 97));
+        fillRounded(painter, corner.adjusted(0.5, 0.5, -0.5, -0.5), 9, QColor(12, 13, 15, 220));
+        paintIcon(painter, Icon::queued, corner, 14, Qt::white);
+    } else if (index == m_hovered) {
+        strokeRounded(painter, box, Radius::thumbnail, QColor(255, 255, 255, 61));
+    }
+    if (tile.current) {
+        strokeRounded(painter, QRectF(box).adjusted(-4.5, -4.5, 4.5, 4.5), 10, theme.accentLine,
+                      2.5);
+    } else if (tile.selected) {
+        strokeRounded(painter, QRectF(box).adjusted(-3.5, -3.5, 3.5, 3.5), 9.5,
+                      withOpacity(theme.accentLine, 0.62), 1.5);
+    }
+    const bool busy = tile.state == TileState::generating || tile.state == TileState::queued;
+    if (tile.selected && m_severalSelected && !busy) {
+        fillRounded(painter, corner, 9.5, Qt::white);
+        fillRounded(painter, corner.adjusted(1.5, 1.5, -1.5, -1.5), 8, theme.accentLine);
+        paintIcon(painter, Icon::check, corner, 14, Qt::white);
+    }
+    // One sign for all that is wrong, in the colour of the worst. On the picture, for the caption
+    // has no room for two; the corner is the one that designs leave free most often.
+    if (tile.state == TileState::missing || !tile.warnings.isEmpty()) {
+        const QRectF sign(box.right() + 1 - 22, box.bottom() + 1 - 22.5, 19, 19);
+        const Theme& onDark = darkTheme();
+        fillRounded(painter, sign.adjusted(0.5, 0.5, -0.5, -0.5), 9, QColor(12, 13, 15, 220));
+        paintIcon(painter, Icon::alert, sign, 14,
+                  tile.state == TileState::missing ? onDark.err : onDark.warn);
+    }
+    paintCaption(painter, index, box);
+}
+
+void TileGrid::paintCaption(QPainter& painter, int index, const QRect& box) const
+{
+    const Theme& theme = themeOf(this);
+    const Tile& tile = m_tiles[index];
+    QRectF line(box.left(), box.bottom() + 1 + tileCaptionGap, box.width(), tileCaptionHeight);
+    if (tile.paid || tile.state == TileState::generated) {
+        paintIcon(painter, Icon::done, QRectF(line.right() - 14, line.top(), 14, tileCaptionHeight),
+                  14, theme.ok);
+        line.setRight(line.right() - 18);
+    }
+    const QString number = QString::number(index + 1);
+    paintText(painter, line, Qt::AlignLeft, Type::captionSemibold,
+              tile.current ? theme.text : theme.text2, number, Qt::ElideNone);
+    line.setLeft(line.left() + std::ceil(textWidth(Type::captionSemibold, number)) + 5);
+    paintText(painter, line, Qt::AlignLeft, Type::caption, tile.current ? theme.text : theme.text3,
+              middleElided(Type::caption, tile.name, line.width()), Qt::ElideNone);
+}
+
+// Where images will be, paler with every row.
+void TileGrid::paintSkeleton(QPainter& painter) const
+{
+    const Theme& theme = themeOf(this);
+    for (int row = 0; row < 6; ++row) {
+        painter.setOpacity(std::pow(0.68, row));
+        for (int column = 0; column < columns(); ++column) {
+            const QRectF box = tileRect(row * columns() + column);
+            fillRounded(painter, box, Radius::thumbnail, theme.empty);
+            strokeRounded(painter, box, Radius::thumbnail, theme.line);
+            fillRounded(painter,
+                        QRectF(box.left(), box.bottom() + 10, std::min(44.0, box.width()), 6), 3,
+                        theme.empty);
+        }
+    }
+    painter.setOpacity(1);
+}

@@ -1,0 +1,69 @@
+#include "app/batch/TilePictures.h"
+
+#include "canvas/ExportCanvasRenderer.h"
+#include "platform/Workers.h"
+
+#include <QCoroFuture>
+
+namespace {
+
+// Tiles drawn at a time: enough to keep the workers busy, few enough for a new wish to be heard
+// soon.
+constexpr int tilesAtOnce = 3;
+
+struct TileDrawing {
+    JudgedPicture judged;
+    PhotoState photo = PhotoState::shown;
+};
+
+TileDrawing drawn(const TileRequest& request, PhotoCache& photos)
+{
+    const PublicationItem& item = request.item;
+    const QImage thumbnail = photos.thumbnail({item.image.path, item.image.digest});
+    return {judgedItem(layOut(item, exportSize(request.format), designSize(request.format)),
+                       request.pixels, thumbnail),
+            thumbnail.isNull() ? PhotoState::missing : PhotoState::shown};
+}
+
+}    // namespace
+
+TilePictures::TilePictures(std::shared_ptr<PhotoCache> photos, QObject* parent)
+    : QObject(parent), m_photos(std::move(photos))
+{
+}
+
+void TilePictures::want(const QList<PublicationItem>& items, SocialFormat format, QSize pixels)
+{
+    m_wanted.clear();
+    for (const PublicationItem& item : items) {
+        const TileRequest request{item, format, pixels};
+        if (!m_running.contains(request))
+            m_wanted.append(request);
+    }
+    // Not at once: a worker may be done before its drawing is awaited, and what a later wish of the
+    // same turn no longer names would be drawn and told.
+    QMetaObject::invokeMethod(this, &TilePictures::startNext, Qt::QueuedConnection);
+}
+
+void TilePictures::startNext()
+{
+    while (m_running.size() < tilesAtOnce && !m_wanted.isEmpty()) {
+        const TileRequest request = m_wanted.takeFirst();
+        m_running.append(request);
+        draw(this, request, m_photos);
+    }
+}
+
+QCoro::Task<> TilePictures::draw(QPointer<TilePictures> self, TileRequest request,
+                                 std::shared_ptr<PhotoCache> photos)
+{
+    QFuture<TileDrawing> drawing =
+        tryOnWorker([request, photos] { return drawn(request, *photos); });
+    const TileDrawing tile = co_await drawing;
+    if (!self)
+        co_return;
+    self->m_running.removeOne(request);
+    Q_EMIT self->ready(request, tile.judged.picture, tile.photo, tile.judged.warnings);
+    if (self)
+        self->startNext();
+}

@@ -1,0 +1,20 @@
+#pragma once
+#include "app/theme/Icons.h"
+
+#include <QWidget>
+
+// What a page says while it has nothing to show, in its middle.
+class EmptyNote : public QWidget {
+    Q_OBJECT
+public:
+    // Either text may be empty.
+    EmptyNote(Icon icon, const QString& title, const QString& sentence, QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Icon m_icon;
+    QString m_title;
+    QString m_sentence;
+};

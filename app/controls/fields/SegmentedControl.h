@@ -1,0 +1,62 @@
+#pragma once
+#include "app/theme/Icons.h"
+#include "app/theme/Painting.h"
+
+#include <QList>
+#include <QWidget>
+
+#include <optional>
+
+struct Segment {
+    Icon icon = Icon::none;
+    QString text = {};    // may be empty
+    QString toolTip = {};
+    QString name = {};    // for screen readers
+};
+
+enum class SegmentSize { bar, field, large };    // 36 high; 32 and tighter; 44
+
+// One of several. A single stop for Tab, inside which the arrows choose.
+class SegmentedControl : public QWidget {
+    Q_OBJECT
+public:
+    explicit SegmentedControl(const QList<Segment>& segments, QWidget* parent = nullptr);
+
+    void setSize(SegmentSize size);
+    // As wide as its room, the segments alike.
+    void setStretched(SegmentSize size = SegmentSize::field);
+    // Empty: none is chosen, and the name is the owner's to give.
+    void setCurrent(std::optional<int> index);    // shows; emits nothing
+    int current() const { return m_current; }
+    QRect segmentRect(int index) const;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+Q_SIGNALS:
+    void chosen(int index);    // by the user; never the current one
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    bool isField() const { return m_size == SegmentSize::field; }
+    int trackHeight() const;
+    int segmentPadding() const { return isField() ? 10 : 12; }
+    int iconSide() const { return isField() ? 18 : 20; }
+    int iconGap() const { return isField() ? 6 : 8; }
+    int widthOf(const Segment& segment) const;
+    int segmentAt(QPoint position) const;
+    void choose(int index);
+    void setHovered(int index);
+
+    QList<Segment> m_segments;
+    int m_current = 0;
+    int m_hovered = -1;
+    SegmentSize m_size = SegmentSize::bar;
+    bool m_stretched = false;
+};

@@ -1,0 +1,167 @@
+#include "app/controls/fields/SlotEditor.h"
+
+#include "app/controls/fields/LineField.h"
+#include "app/theme/Theme.h"
+#include "model/PlainText.h"
+#include "model/TextLayer.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QTextBlock>
+
+namespace {
+constexpr int mostLines = 5;
+}
+
+SlotEditor::SlotEditor(const QString& name, QWidget* parent) : QTextEdit(parent)
+{
+    setAccessibleName(name);
+    setAcceptRichText(false);
+    setUndoRedoEnabled(false);
+    setTabChangesFocus(true);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setFont(fontOf(Type::body));
+    setContextMenuPolicy(Qt::NoContextMenu);
+    document()->setDocumentMargin(0);
+    viewport()->setAutoFillBackground(false);
+    setLineHeights();
+    connect(document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged, this,
+            &SlotEditor::fit);
+    connect(this, &QTextEdit::textChanged, this, [this] {
+        if (m_showing)
+            return;
+        m_shown = text();
+        Q_EMIT edited(m_shown, m_pace);
+    });
+    fit();
+}
+
+void SlotEditor::setText(const QString& text)
+{
+    if (text == m_shown)
+        return;
+    m_shown = text;
+    m_showing = true;
+    const int at = textCursor().position();
+    setPlainText(text.left(longestText));
+    setReadOnly(text.size() > longestText);
+    setLineHeights();
+    QTextCursor cursor = textCursor();
+    cursor.setPosition(hasFocus() ? std::min(at, document()->characterCount() - 1) : 0);
+    setTextCursor(cursor);
+    m_showing = false;
+}
+
+// The toolkit's own plain text would turn no-break spaces into spaces.
+QString SlotEditor::text() const
+{
+    return document()
+        ->toRawText()
+        .replace(QChar::ParagraphSeparator, u'\n')
+        .replace(QChar::LineSeparator, u'\n');
+}
+
+void SlotEditor::setLineHeights()
+{
+    QTextBlockFormat format;
+    format.setLineHeight(row(Type::body).lineHeight, QTextBlockFormat::FixedHeight);
+    QTextCursor cursor(document());
+    cursor.select(QTextCursor::Document);
+    cursor.mergeBlockFormat(format);
+}
+
+void SlotEditor::fit()
+{
+    const int line = row(Type::body).lineHeight;
+    const int lines = std::clamp(qRound(document()->size().height() / line), 1, mostLines);
+    if (height() == lines * line && maximumHeight() == height())
+        return;
+    setFixedHeight(lines * line);
+    Q_EMIT grown();
+}
+
+bool SlotEditor::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride &&
+        belongsToWindow(static_cast<QKeyEvent*>(event))) {
+        event->ignore();
+        return true;
+    }
+    return QTextEdit::event(event);
+}
+
+void SlotEditor::keyPressEvent(QKeyEvent* event)
+{
+    if (belongsToWindow(event))
+        return event->ignore();
+    if (event->key() == Qt::Key_Escape) {
+        clearFocus();
+        Q_EMIT leaveRequested();
+        return;
+    }
+    // One letter too many, and the text could not be edited when it is shown again.
+    const QString typed = event->text();
+    const bool adds = !typed.isEmpty() && (typed[0].isPrint() || typed[0] == u'\r');
+    if (adds && !textCursor().hasSelection() && text().size() >= longestText)
+        return;
+    m_pace = event->isAutoRepeat() ? Pace::held : Pace::once;
+    QTextEdit::keyPressEvent(event);
+    m_pace = Pace::once;
+    // What it has no use for, because it may not be written in, is not the window's either: there
+    // the same keys hide layers.
+    if (isReadOnly() && event->modifiers() == Qt::NoModifier)
+        event->accept();
+}
+
+void SlotEditor::inputMethodEvent(QInputMethodEvent* event)
+{
+    const auto kept = text().size() - textCursor().selectedText().size();
+    if (kept + event->commitString().size() <= longestText)
+        QTextEdit::inputMethodEvent(event);
+}
+
+void SlotEditor::insertFromMimeData(const QMimeData* source)
+{
+    const auto room = longestText - (text().size() - textCursor().selectedText().size());
+    if (source->hasText() && room > 0)
+        textCursor().insertText(plainText(source->text()).left(room));
+    ensureCursorVisible();
+}
+
+void SlotEditor::focusInEvent(QFocusEvent* event)
+{
+    QTextEdit::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        selectAll();
+    Q_EMIT focused();
+}
+
+void SlotEditor::focusOutEvent(QFocusEvent* event)
+{
+    QTextEdit::focusOutEvent(event);
+    // A menu or another window takes it for a while only.
+    if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason)
+        return;
+    QTextCursor cursor = textCursor();
+    cursor.clearSelection();    // else it looks as if typing still went here
+    setTextCursor(cursor);
+    Q_EMIT blurred();
+}
+
+void SlotEditor::resizeEvent(QResizeEvent* event)
+{
+    QTextEdit::resizeEvent(event);
+    fit();
+}
+
+void SlotEditor::wheelEvent(QWheelEvent* event)
+{
+    if (hasFocus() && verticalScrollBar()->maximum() > 0)
+        QTextEdit::wheelEvent(event);
+    else
+        event->ignore();
+}

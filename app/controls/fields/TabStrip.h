@@ -1,0 +1,39 @@
+#pragma once
+#include "app/theme/Icons.h"
+
+#include <QWidget>
+
+struct PanelTab {
+    Icon icon;
+    QString text;
+};
+
+// The chosen one has a line below. A single stop for Tab, inside which the arrows choose.
+class TabStrip : public QWidget {
+    Q_OBJECT
+public:
+    explicit TabStrip(const QList<PanelTab>& tabs, QWidget* parent = nullptr);
+    void setCurrent(int index);    // shows; emits nothing
+    int current() const { return m_current; }
+    QRect tabRect(int index) const;
+    QSize sizeHint() const override { return {327, 48}; }
+
+Q_SIGNALS:
+    void chosen(int index);    // by the user; never the current one
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    int tabAt(QPoint position) const;
+    void choose(int index);
+
+    QList<PanelTab> m_tabs;
+    int m_current = 0;
+    int m_hovered = -1;
+};

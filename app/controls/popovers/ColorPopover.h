@@ -1,0 +1,51 @@
+#pragma once
+#include "app/controls/popovers/Popover.h"
+#include "model/Pace.h"
+
+#include <QColor>
+#include <QList>
+
+class ColorPlane;
+class LineField;
+
+// Colours at hand.
+struct ColorOffers {
+    QList<QColor> photo;     // of the photograph
+    QList<QColor> recent;    // last used, the newest first
+    bool operator==(const ColorOffers&) const = default;
+};
+
+class ColorPopover : public Popover {
+    Q_OBJECT
+public:
+    ColorPopover(QWidget* owner, const QColor& color, const ColorOffers& offers);
+    void open(Qt::FocusReason reason);
+    void setColor(const QColor& color);    // shows; emits nothing
+
+Q_SIGNALS:
+    void colorChanged(const QColor& color, Pace pace);
+    void colorUsed(const QColor& color);    // the popover closes, and this one was chosen in it
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QColor color() const;
+    void showColor();
+    void choose(const QColor& color);
+    void addOffers(const QString& title, const QList<QColor>& colors);
+    void tell(Pace pace);
+
+    double m_hue = 0, m_saturation = 0, m_value = 0;    // the hue of a grey is kept as well
+    bool m_changed = false;
+    int m_height = 0;
+    ColorPlane* m_shade;
+    ColorPlane* m_hueBar;
+    LineField* m_hex;
+    struct Heading {
+        QString text;
+        int top;
+    };
+    QList<Heading> m_headings;
+};

@@ -1,0 +1,71 @@
+#pragma once
+#include "app/controls/popovers/ColorPopover.h"
+#include "model/Pace.h"
+#include "model/ShapeLayer.h"
+
+#include <array>
+
+class AddShapeButton;
+class Badge;
+class Caption;
+class LineField;
+class ShapeRow;
+class SliderField;
+class StyleHeader;
+class Swatch;
+
+struct ShapesPanelState {
+    bool hasImage = false;
+    QList<ShapeLayer> shapes = {};    // in drawing order
+    QUuid selectedLayer = {};         // a shape or something else
+    int reachedImages = 1;            // by a change of style
+    bool canPaste = false;
+    ColorOffers colors = {};
+    bool operator==(const ShapesPanelState&) const = default;
+};
+
+// The shapes of the current image, and the style of the selected one.
+class ShapesPanel : public QWidget {
+    Q_OBJECT
+public:
+    explicit ShapesPanel(QWidget* parent = nullptr);
+    void setState(const ShapesPanelState& state);    // shows; emits nothing
+    QList<QWidget*> focusOrder() const;
+
+Q_SIGNALS:
+    void addRequested(ShapeKind kind);
+    void shapeSelected(QUuid shape);
+    void shapeEdited(const ShapeLayer& changed, Pace pace);
+    void deleteRequested(QUuid shape);
+    void colorUsed(const QColor& color);
+    void copyStyleRequested();
+    void pasteStyleRequested();
+
+private:
+    const ShapeLayer* selected() const;
+    QString nameOf(const ShapeLayer& shape) const;
+    void build();
+    void connectStyle();
+    template <typename Change>
+    void edit(Pace pace, Change change);
+    void connectNumber(SliderField* field, double ShapeLayerDesign::*number);
+    void connectColor(Swatch* swatch, CodableColor ShapeLayerDesign::*color);
+    void showRows();
+    void showStyle();
+    void showRefusals(const ShapeLayer* shape);
+
+    ShapesPanelState m_state;
+    std::array<AddShapeButton*, Vocabulary<ShapeKind>::rows.size()> m_add{};
+    Badge* m_count;
+    QWidget* m_list;
+    QList<ShapeRow*> m_rows;    // as many as were ever needed
+    Caption* m_note;            // what the rows do not say
+    StyleHeader* m_header;
+    Swatch* m_fill;
+    LineField* m_fillHex;
+    SliderField* m_fillOpacity;
+    Swatch* m_stroke;
+    SliderField* m_strokeOpacity;
+    SliderField* m_strokeWidth;
+    SliderField* m_radius;
+};

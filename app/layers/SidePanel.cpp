@@ -1,0 +1,104 @@
+#include "app/layers/SidePanel.h"
+
+#include "app/controls/EmptyNote.h"
+#include "app/controls/PanelLayout.h"
+#include "app/controls/fields/SliderField.h"
+#include "app/controls/fields/TabStrip.h"
+#include "app/controls/popovers/FontField.h"
+#include "app/controls/popovers/Swatch.h"
+#include "app/layers/ShapesPanel.h"
+#include "app/layers/TextPanel.h"
+#include "app/presets/StyleShelf.h"
+#include "app/presets/TemplatesPanel.h"
+#include "app/theme/Painting.h"
+
+#include <QScrollArea>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int narrowestPanel = 319,
+              widestPanel = 439;    // without the hairline at the left
+constexpr int tabsTop = 4, tabsSide = 8, tabsHeight = 48;
+
+}    // namespace
+
+SidePanel::SidePanel(QWidget* parent)
+    : QWidget(parent), m_tabs(new TabStrip({{Icon::slotTitle, u"Texto"_s},
+                                            {Icon::shapes, u"Formas"_s},
+                                            {Icon::templates, u"Plantillas"_s}},
+                                           this)),
+      m_pages(new QStackedWidget(this)), m_textPages(new QStackedWidget), m_text(new TextPanel),
+      m_shapes(new ShapesPanel), m_templates(new TemplatesPanel)
+{
+    setMinimumWidth(narrowestPanel);
+    setMaximumWidth(widestPanel);
+    QScrollArea* texts = scrolled(m_text);
+    m_textPages->addWidget(new EmptyNote(
+        Icon::slotTitle, u"Aquí editarás los textos"_s,
+        u"Cada imagen lleva título, subtítulo, párrafo y CTA. Aparecerán en cuanto importes la primera."_s));
+    m_textPages->addWidget(texts);
+    m_pages->addWidget(m_textPages);
+    m_pages->addWidget(scrolled(m_shapes));
+    m_pages->addWidget(m_templates);    // it scrolls by itself
+
+    auto* tabs = new QHBoxLayout;
+    tabs->setContentsMargins(tabsSide, tabsTop, tabsSide, 0);
+    tabs->addWidget(m_tabs);
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    rows->addLayout(tabs);
+    rows->addWidget(m_pages, 1);
+    connect(m_tabs, &TabStrip::chosen, this, [this](int index) {
+        m_pages->setCurrentIndex(index);
+        Q_EMIT tabChosen(SideTab(index));
+    });
+    const auto follow = [texts](QWidget* wanted) { showIn(texts, wanted); };
+    connect(m_text, &TextPanel::visibleAreaWanted, texts, follow, Qt::QueuedConnection);
+    connect(m_text->styles(), &StyleShelf::visibleAreaWanted, texts, follow);
+    setContent(Content::none);
+}
+
+void SidePanel::setTab(SideTab tab)
+{
+    m_tabs->setCurrent(int(tab));
+    m_pages->setCurrentIndex(int(tab));
+}
+
+void SidePanel::endEdits()
+{
+    for (auto* field : findChildren<SliderField*>())
+        field->letGo();
+    for (auto* swatch : findChildren<Swatch*>())
+        swatch->closePopover();
+    for (auto* font : findChildren<FontField*>())
+        font->closePopover();
+}
+
+SideTab SidePanel::tab() const
+{
+    return SideTab(m_tabs->current());
+}
+
+void SidePanel::setContent(Content content)
+{
+    m_textPages->setCurrentIndex(content == Content::none ? 0 : 1);
+}
+
+QList<QWidget*> SidePanel::focusOrder() const
+{
+    return QList<QWidget*>{m_tabs} + m_text->focusOrder() + m_shapes->focusOrder() +
+           m_templates->focusOrder();
+}
+
+void SidePanel::paintEvent(QPaintEvent*)
+{
+    const Theme& theme = themeOf(this);
+    QPainter painter(this);
+    painter.fillRect(rect(), theme.panel);
+    painter.fillRect(0, tabsHeight - 1, width(), 1, theme.line);
+}

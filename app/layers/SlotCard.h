@@ -1,0 +1,59 @@
+#pragma once
+#include "app/theme/Icons.h"
+#include "model/CopySlot.h"
+#include "model/Pace.h"
+
+#include <QTimer>
+#include <QWidget>
+
+class IconButton;
+class SlotEditor;
+struct TextLayer;
+
+enum class CardMark { none, selected };
+
+// One text of the image, edited in place. Hidden, it folds to its header, and opens while it is
+// edited.
+class SlotCard : public QWidget {
+    Q_OBJECT
+public:
+    explicit SlotCard(CopySlot slot, QWidget* parent = nullptr);
+    void setLayer(const TextLayer& layer, CardMark mark);
+    // Sentences about the text, shown by a mark beside its name. Selected, it says the first.
+    void setWarnings(const QStringList& warnings);
+    QStringList warnings() const { return m_warnings; }
+    void edit();    // takes the focus, all text selected
+    SlotEditor* editor() const { return m_editor; }
+    IconButton* eye() const { return m_eye; }
+
+Q_SIGNALS:
+    void edited(const QString& text, Pace pace);
+    void visibilityToggled();
+    void focused();
+    void grown();
+    void leaveRequested();
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    void open();
+    void place();
+    void tellOrNot();
+
+    CopySlot m_slot;
+    Icon m_icon;
+    QString m_name;
+    bool m_isShown = false;    // anything yet
+    bool m_visible = true;
+    bool m_editing = false;
+    CardMark m_mark = CardMark::none;
+    QStringList m_warnings;
+    bool m_tellsWarning = false;
+    QTimer m_tellLater;
+    IconButton* m_eye;
+    SlotEditor* m_editor;
+};

@@ -1,0 +1,89 @@
+#pragma once
+#include "app/controls/popovers/ColorPopover.h"
+#include "canvas/TextWarnings.h"
+#include "model/Pace.h"
+#include "model/TextLayer.h"
+
+#include <array>
+
+class Caption;
+class FontField;
+class SegmentedControl;
+class SliderField;
+class SlotCard;
+class StyleHeader;
+class StyleShelf;
+class Swatch;
+class Switch;
+
+struct TextPanelState {
+    QString filename = {};
+    QList<TextLayer> layers = {};
+    QList<TextWarning> warnings = {};        // about them
+    QUuid selectedLayer = {};                // a text or something else
+    std::optional<double> sizeLimit = {};    // where the box lets the selected text be no larger
+    int reachedImages = 1;                   // by a change of style
+    bool canPaste = false;
+    ColorOffers colors = {};
+    bool operator==(const TextPanelState&) const = default;
+};
+
+// The texts of the current image, and the style of the selected one.
+class TextPanel : public QWidget {
+    Q_OBJECT
+public:
+    explicit TextPanel(QWidget* parent = nullptr);
+
+    // Shows; emits nothing, and leaves cursor and selection of an editor alone.
+    void setState(const TextPanelState& state);
+    void editSlot(CopySlot slot);                  // its editor takes the focus, all text selected
+    std::optional<CopySlot> editedSlot() const;    // whose editor has the focus
+    const QWidget* selectedCard() const;           // null without one
+    StyleShelf* styles() const { return m_styles; }
+    QList<QWidget*> focusOrder() const;
+
+Q_SIGNALS:
+    void textEdited(CopySlot slot, const QString& text, Pace pace);
+    void visibilityToggled(CopySlot slot);
+    void slotFocused(CopySlot slot);
+    void layerEdited(const TextLayer& changed, Pace pace);
+    void colorUsed(const QColor& color);
+    void copyStyleRequested();
+    void pasteStyleRequested();
+    void leaveRequested();                      // back to the canvas
+    void visibleAreaWanted(QWidget* editor);    // it has grown while it is edited
+
+private:
+    const TextLayer* selected() const;
+    const TextLayer* layerOf(CopySlot slot) const;
+    void buildCards();
+    void buildStyle();
+    void connectStyle();
+    template <typename Change>
+    void edit(Pace pace, Change change);
+    void connectNumber(SliderField* field, double TextLayerDesign::*number);
+    void connectColor(Swatch* swatch, CodableColor TextLayerDesign::*color);
+    void showCards();
+    void showStyle();
+    void showRefusals(bool hasBox);
+
+    TextPanelState m_state;
+    Caption* m_filename;
+    std::array<SlotCard*, Vocabulary<CopySlot>::rows.size()> m_cards{};
+    StyleHeader* m_header;
+    FontField* m_font;
+    SliderField* m_size;
+    Caption* m_sizeNote;
+    Swatch* m_color;
+    SegmentedControl* m_alignment;
+    Switch* m_box;
+    Swatch* m_boxColor;
+    SliderField* m_boxOpacity;
+    SliderField* m_boxRadius;
+    Swatch* m_shadowColor;
+    SliderField* m_shadowOpacity;
+    SliderField* m_shadowBlur;
+    SliderField* m_shadowDistance;
+    SliderField* m_shadowAngle;
+    StyleShelf* m_styles;
+};

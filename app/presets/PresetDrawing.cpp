@@ -1,0 +1,45 @@
+#include "app/presets/PresetDrawing.h"
+
+#include "app/theme/Theme.h"
+#include "canvas/TextWarnings.h"
+#include "platform/PhotoCache.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+QImage drawnItem(const PublicationItem& item, SocialFormat format, QSize pixels, PhotoCache& photos)
+{
+    return paintedItem(layOut(item, exportSize(format), designSize(format)), pixels,
+                       photos.thumbnail({item.image.path, item.image.digest}));
+}
+
+QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize pixels,
+                  PhotoCache& photos)
+{
+    // The tile in design units, and how large the letters come out there, whatever the size of the
+    // style's own text.
+    constexpr double tileWidth = 150, letterScale = 4;
+    const QSizeF tile(tileWidth, tileWidth * pixels.height() / std::max(1, pixels.width()));
+    PublicationItem item;
+    item.image = photo;
+    TextLayer letters(QUuid(), CopySlot::title, u"Aa"_s, true, {0.1, 0.1, 0.8, 0.8});
+    style.apply(letters);
+    letters.fontScale = letterScale;
+    item.layers = {letters};
+    const ItemLayout layout = layOut(item, QSizeF(pixels), tile);
+    // Letters that the photo would swallow stand on more and more of a plain ground.
+    const QColor ground = letters.foreground.color().lightnessF() > 0.5F ? Qt::black : Qt::white;
+    QImage picture = photos.thumbnail({photo.path, photo.digest});
+    JudgedPicture judged = judgedItem(layout, pixels, picture);
+    for (const double veil : {0.35, 0.5, 0.7}) {
+        if (std::ranges::none_of(judged.warnings,
+                                 [](const auto& w) { return w.contrast.has_value(); }))
+            break;
+        QPainter(&picture).fillRect(picture.rect(), withOpacity(ground, veil));
+        judged = judgedItem(layout, pixels, picture);
+    }
+    return judged.picture;
+}

@@ -1,0 +1,333 @@
+#include "app/presets/PresetGrid.h"
+
+#include "app/controls/fields/LineField.h"
+#include "app/theme/KeyboardFocus.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QKeyEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int columnGap = 10, presetRowGap = 12, narrowestName = 80, previewAfter = 300;    // ms
+}
+
+PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
+    : QWidget(parent), m_title(name), m_owner(owner)
+{
+    setFocusPolicy(Qt::TabFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setAccessibleName(name);
+    hide();    // until there is something in it
+    m_resting.setSingleShot(true);
+    m_resting.setInterval(previewAfter);
+    connect(&m_resting, &QTimer::timeout, this, [this] {
+        if (m_restedOn.isNull())
+            return leave();
+        setPreviewed(m_restedOn);
+        Q_EMIT previewWanted(m_previewed);
+    });
+}
+
+void PresetGrid::setShape(int columns, double ratio)
+{
+    if (columns == m_columns && ratio == m_ratio)
+        return;
+    m_columns = columns;
+    m_ratio = ratio;
+    outdatePictures();
+    place();
+}
+
+void PresetGrid::setPresets(const QList<Preset>& presets)
+{
+    if (presets == m_presets)
+        return;
+    const QUuid marked = m_marked < m_presets.size() ? m_presets[m_marked].id : QUuid();
+    QList<PresetTile*> old = std::exchange(m_tiles, {});
+    for (const Preset& preset : presets) {
+        const auto known = std::ranges::find_if(
+            old, [&](const PresetTile* tile) { return tile->preset().id == preset.id; });
+        PresetTile* tile = known != old.end() ? *known : newTile();
+        if (known != old.end())
+            old.erase(known);
+        tile->setPreset(preset);
+        tile->setRefusal(m_refusal);
+        m_tiles.append(tile);
+    }
+    for (PresetTile* gone : old) {
+        gone->hide();
+        gone->deleteLater();
+    }
+    m_presets = presets;
+    setVisible(!presets.isEmpty());
+    place();
+    // The mark goes with its preset; where that is gone, to the one that took its place.
+    const auto same = std::ranges::find(presets, marked, &Preset::id);
+    const int last = std::max(0, int(presets.size()) - 1);
+    m_marked = same != presets.end() ? int(same - presets.begin()) : std::clamp(m_marked, 0, last);
+    if (hasFocus() && same == presets.end())
+        mark(m_marked);
+    else if (hasFocus())
+        tellMarked();
+}
+
+void PresetGrid::setPreviewed(QUuid id)
+{
+    m_previewed = id;
+    for (PresetTile* each : std::as_const(m_tiles))
+        each->setPreviewed(each->preset().id == id);
+}
+
+void PresetGrid::setRefusal(const QString& reason)
+{
+    m_refusal = reason;
+    setAccessibleDescription(reason);
+    for (PresetTile* tile : std::as_const(m_tiles))
+        tile->setRefusal(reason);
+}
+
+PresetTile* PresetGrid::newTile()
+{
+    auto* tile = new PresetTile(m_owner, this);
+    tile->show();
+    connect(tile, &PresetTile::clicked, this, [this, tile] {
+        leave();
+        Q_EMIT chosen(tile->preset().id);    // also refused: who listens says why
+    });
+    connect(tile, &PresetTile::pointedAt, this, [this, tile] { rest(tile->preset().id); });
+    // From one to the next the preview stays until that of the next comes.
+    connect(tile, &PresetTile::pointerLeft, this, [this] { rest({}); });
+    connect(tile, &PresetTile::pictureWanted, this,
+            [this, tile] { Q_EMIT pictureWanted(tile->preset().id); });
+    connect(tile, &PresetTile::menuRequested, this, [this, tile](QPoint position) {
+        leave();
+        Q_EMIT menuRequested(tile->preset().id, position);
+    });
+    return tile;
+}
+
+QSize PresetGrid::picturePixels() const
+{
+    return m_tiles.isEmpty() ? QSize() : m_tiles.first()->picturePixels();
+}
+
+PresetTile* PresetGrid::tile(QUuid id) const
+{
+    const auto found = std::ranges::find_if(
+        m_tiles, [id](const PresetTile* tile) { return tile->preset().id == id; });
+    return found == m_tiles.cend() ? nullptr : *found;
+}
+
+void PresetGrid::setPicture(QUuid id, const QImage& picture)
+{
+    if (PresetTile* shown = tile(id))
+        shown->setPicture(picture);
+}
+
+void PresetGrid::outdatePicture(QUuid id)
+{
+    if (PresetTile* shown = tile(id))
+        shown->outdatePicture();
+}
+
+void PresetGrid::outdatePictures()
+{
+    for (PresetTile* tile : std::as_const(m_tiles))
+        tile->outdatePicture();
+}
+
+void PresetGrid::rename(QUuid id)
+{
+    const PresetTile* shown = tile(id);
+    if (!shown || m_owner == PresetOwner::program)
+        return;
+    if (m_name) {
+        m_name->clearFocus();    // what was typed counts
+        endRename(RenameEnd::kept);
+    }
+    m_focusBefore = QApplication::focusWidget();
+    m_renamed = id;
+    m_name = new LineField(u"Nombre"_s, {}, Icon::none, this);
+    m_name->setShown(shown->preset().name);
+    placeName();
+    // Once it has lost the focus, the last it tells is the name.
+    connect(m_name, &LineField::edited, this,
+            [this](const QString& name) { Q_EMIT renamed(m_renamed, name); });
+    connect(m_name, &LineField::abandoned, this, [this] { endRename(RenameEnd::abandoned); });
+    const auto finish = [this, name = m_name] {
+        if (name == m_name)
+            endRename(RenameEnd::kept);
+    };
+    connect(m_name, &LineField::editingFinished, this, finish, Qt::QueuedConnection);
+    m_name->show();
+    m_name->setFocus(Qt::OtherFocusReason);
+    m_name->selectAll();
+    bringIntoView(id);
+}
+
+// Over the caption; beyond it only where nothing could be read in it.
+void PresetGrid::placeName()
+{
+    const PresetTile* shown = m_name ? tile(m_renamed) : nullptr;
+    if (!shown)
+        return;
+    const QRect caption = shown->captionRect().translated(shown->pos());
+    const int across = std::min(width(), std::max(caption.width(), narrowestName));
+    m_name->setGeometry(std::min(caption.left(), width() - across), caption.top(), across,
+                        m_name->height());
+    m_name->raise();
+}
+
+void PresetGrid::endRename(RenameEnd end)
+{
+    LineField* name = std::exchange(m_name, nullptr);
+    if (!name)
+        return;
+    const QUuid id = m_renamed;
+    name->hide();
+    name->deleteLater();
+    // By Enter or Esc the focus belongs to nobody; pressed elsewhere, to what was pressed.
+    if (m_focusBefore && !QApplication::focusWidget())
+        m_focusBefore->setFocus(m_focusBefore == this ? Qt::ShortcutFocusReason
+                                                      : Qt::OtherFocusReason);
+    Q_EMIT renameEnded(id, end);
+}
+
+void PresetGrid::place()
+{
+    const int across = std::max(1, (width() - (m_columns - 1) * columnGap) / m_columns);
+    const int down = PresetTile::heightFor(across, m_ratio);
+    for (int i = 0; i < m_tiles.size(); ++i) {
+        m_tiles[i]->setGeometry(i % m_columns * (across + columnGap),
+                                i / m_columns * (down + presetRowGap), across, down);
+    }
+    const int rows = (int(m_tiles.size()) + m_columns - 1) / m_columns;
+    setFixedHeight(rows == 0 ? 0 : rows * (down + presetRowGap));    // room for a name field
+    placeName();
+}
+
+void PresetGrid::resizeEvent(QResizeEvent*)
+{
+    place();
+}
+
+void PresetGrid::rest(QUuid id)
+{
+    m_restedOn = id;
+    m_resting.start();
+}
+
+void PresetGrid::leave()
+{
+    m_resting.stop();
+    if (m_previewed.isNull())
+        return;
+    setPreviewed({});
+    Q_EMIT previewEnded();
+}
+
+// A ring round the tile that the keyboard is on, which is told and previewed.
+void PresetGrid::mark(int index)
+{
+    if (index < 0 || index >= m_tiles.size())
+        return;
+    unmark();
+    m_marked = index;
+    PresetTile* shown = m_tiles[index];
+    const QFocusEvent byKeyboard(QEvent::FocusIn, Qt::TabFocusReason);
+    KeyboardFocus::entered(shown, &byKeyboard);
+    tellMarked();
+    rest(shown->preset().id);
+    bringIntoView(shown->preset().id);
+}
+
+// Once all has its place, and after a scroll area has brought the grid into view as a whole.
+void PresetGrid::bringIntoView(QUuid id)
+{
+    const auto bring = [this, id] {
+        if (PresetTile* shown = tile(id))
+            Q_EMIT visibleAreaWanted(shown);
+    };
+    QMetaObject::invokeMethod(this, bring, Qt::QueuedConnection);
+}
+
+void PresetGrid::unmark()
+{
+    if (m_marked < m_tiles.size())
+        KeyboardFocus::left(m_tiles[m_marked]);
+}
+
+void PresetGrid::tellMarked()
+{
+    const QString name =
+        m_tiles.isEmpty() ? m_title
+                          : u"%1: %2, %3 de %4"_s.arg(m_title, m_tiles[m_marked]->accessibleName(),
+                                                      QString::number(m_marked + 1),
+                                                      QString::number(m_tiles.size()));
+    if (name == accessibleName())
+        return;
+    setAccessibleName(name);
+    QAccessibleEvent changed(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&changed);
+}
+
+void PresetGrid::keyPressEvent(QKeyEvent* event)
+{
+    if (m_tiles.isEmpty() || m_name)
+        return event->ignore();
+    const QUuid id = m_presets[m_marked].id;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        return mark(m_marked - 1);
+    case Qt::Key_Right:
+        return mark(m_marked + 1);
+    case Qt::Key_Up:
+        return mark(m_marked - m_columns);
+    case Qt::Key_Down:
+        return mark(m_marked + m_columns);
+    case Qt::Key_Home:
+        return mark(0);
+    case Qt::Key_End:
+        return mark(int(m_tiles.size()) - 1);
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        return m_tiles[m_marked]->click();
+    case Qt::Key_F2:
+        return rename(id);
+    case Qt::Key_Delete:
+    case Qt::Key_Backspace:
+        Q_EMIT removeRequested(id);
+        return;
+    default:
+        event->ignore();
+    }
+}
+
+void PresetGrid::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (event->reason() == QContextMenuEvent::Keyboard && !m_tiles.isEmpty())
+        m_tiles[m_marked]->showMenu();
+}
+
+void PresetGrid::focusInEvent(QFocusEvent* event)
+{
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
+        event->reason() == Qt::ShortcutFocusReason)
+        mark(m_marked);
+}
+
+void PresetGrid::focusOutEvent(QFocusEvent* event)
+{
+    leave();
+    // A menu or another window over it takes nothing away.
+    if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
+        unmark();
+}
+
+void PresetGrid::leaveEvent(QEvent*)
+{
+    leave();
+}

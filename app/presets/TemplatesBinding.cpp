@@ -1,0 +1,441 @@
+#include "app/presets/TemplatesBinding.h"
+
+#include "app/controls/ChooserFolder.h"
+#include "app/presets/PresetDrawing.h"
+#include "app/presets/PresetGrid.h"
+#include "app/presets/PresetPictures.h"
+#include "app/presets/StyleShelf.h"
+#include "app/presets/TemplateFiles.h"
+#include "app/presets/TemplatesPanel.h"
+#include "studio/StudioSession.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QMenu>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int restBeforeRedrawing = 120;    // ms
+
+QString beginning()
+{
+    return usualFolder(QStandardPaths::DocumentsLocation);
+}
+
+SocialFormat formatOf(const VisualTemplate& of, SocialFormat otherwise)
+{
+    for (const SocialFormat format : allCases<SocialFormat>()) {
+        if (of.aspectRatio && of.suits(format))
+            return format;
+    }
+    return otherwise;
+}
+
+}    // namespace
+
+TemplatesBinding::TemplatesBinding(StudioSession& session, TemplatesPanel* panel, StyleShelf* shelf,
+                                   const std::shared_ptr<PhotoCache>& photos,
+                                   PreferencesStore& preferences)
+    : m_session(session), m_panel(panel), m_shelf(shelf), m_photos(photos),
+      m_saved(preferences, photos), m_files(new TemplateFiles(m_saved, this)),
+      m_pictures(new PresetPictures(this))
+{
+    connectTemplates();
+    connectStyles();
+    m_redrawLater.setSingleShot(true);
+    m_redrawLater.setInterval(restBeforeRedrawing);
+    connect(&m_redrawLater, &QTimer::timeout, this, &TemplatesBinding::redraw);
+    connect(&m_saved, &SavedTemplates::storingFailed, this, [this] {
+        Q_EMIT told(u"No se pudieron guardar tus plantillas. ¿Queda espacio en el disco? Se vuelve "
+                    "a intentar con el próximo cambio."_s,
+                    StatusTone::problem);
+    });
+    connect(m_files, &TemplateFiles::told, this, &TemplatesBinding::told);
+    connect(m_files, &TemplateFiles::imported, this,
+            [this](const QString& name, SocialFormat format) {
+                Q_EMIT panelRequested();
+                if (!m_saved.isStored())
+                    return;    // which was told
+                const QString where = format == m_session.batch().format
+                                          ? QString()
+                                          : u" La verás en el formato %1."_s.arg(rawValue(format));
+                Q_EMIT told(u"Plantilla «%1» importada.%2"_s.arg(name, where), StatusTone::done);
+            });
+}
+
+void TemplatesBinding::connectTemplates()
+{
+    connect(m_panel, &TemplatesPanel::shown, this, &TemplatesBinding::show);
+    connect(m_panel, &TemplatesPanel::saveRequested, this, &TemplatesBinding::saveTemplate);
+    connect(m_panel, &TemplatesPanel::importRequested, this, &TemplatesBinding::chooseDefinition);
+    connect(m_panel, &TemplatesPanel::callBackRequested, this, [this] {
+        const QString name = m_saved.templates().lastRemoved();
+        Q_EMIT told(u"Plantilla «%1» recuperada."_s.arg(name), StatusTone::done);
+        m_saved.callBackTemplate();
+    });
+    connect(&m_saved, &SavedTemplates::templatesChanged, this, &TemplatesBinding::show);
+    connect(m_panel->own(), &PresetGrid::renamed, this,
+            [this](QUuid id, const QString& name) { m_saved.renameTemplate(id, name); });
+    connect(m_panel->own(), &PresetGrid::renameEnded, this, [this](QUuid id, RenameEnd end) {
+        const bool isNew = wasNew(id);
+        if (isNew && end == RenameEnd::abandoned) {
+            Q_EMIT told(u"Plantilla descartada."_s, StatusTone::info);
+            m_saved.removeTemplate(id);
+        } else if ((isNew || end == RenameEnd::kept) && m_saved.isStored()) {
+            Q_EMIT told(u"Plantilla «%1» guardada."_s.arg(nameOf(id)), StatusTone::done);
+        }
+    });
+    connect(m_panel->own(), &PresetGrid::removeRequested, this, &TemplatesBinding::remove);
+    for (const auto& [grid, owner] : {std::pair(m_panel->own(), PresetOwner::user),
+                                      std::pair(m_panel->packaged(), PresetOwner::program)}) {
+        connect(grid, &PresetGrid::chosen, this, &TemplatesBinding::apply);
+        connect(grid, &PresetGrid::previewWanted, this, &TemplatesBinding::preview);
+        connect(grid, &PresetGrid::previewEnded, this, [this] { preview({}); });
+        connect(grid, &PresetGrid::pictureWanted, this,
+                [this, grid = grid](QUuid id) { drawTemplate(grid, id); });
+        connect(grid, &PresetGrid::menuRequested, this,
+                [this, owner = owner](QUuid id, QPoint position) {
+                    showTemplateMenu(owner, id, position);
+                });
+        connect(m_pictures, &PresetPictures::ready, grid, &PresetGrid::setPicture);
+    }
+}
+
+void TemplatesBinding::connectStyles()
+{
+    connect(m_shelf, &StyleShelf::shown, this, &TemplatesBinding::show);
+    connect(&m_saved, &SavedTemplates::stylesChanged, this, &TemplatesBinding::show);
+    connect(m_shelf, &StyleShelf::saveRequested, this, [this] {
+        if (!selectedText())
+            return;
+        Q_EMIT told(u"Estilo guardado. Ponle nombre."_s, StatusTone::done);
+        m_new = m_saved.saveStyle(*selectedText());
+        m_shelf->rename(m_new);
+    });
+    connect(m_shelf, &StyleShelf::updateRequested, this, [this](QUuid id) {
+        if (!selectedText() || !m_saved.styles().find(id))
+            return;
+        const QString name = m_saved.styles().find(id)->name;
+        Q_EMIT told(u"Estilo «%1» actualizado."_s.arg(name), StatusTone::done);
+        m_saved.updateStyle(id, *selectedText());
+        m_shelf->grid()->outdatePicture(id);
+    });
+    connect(m_shelf, &StyleShelf::removeRequested, this, [this](QUuid id) {
+        if (!m_saved.styles().find(id))
+            return;
+        Q_EMIT told(
+            u"Estilo «%1» eliminado. Puedes recuperarlo."_s.arg(m_saved.styles().find(id)->name),
+            StatusTone::done);
+        m_saved.removeStyle(id);
+    });
+    connect(m_shelf, &StyleShelf::callBackRequested, this, [this] {
+        const QString name = m_saved.styles().lastRemoved();
+        Q_EMIT told(u"Estilo «%1» recuperado."_s.arg(name), StatusTone::done);
+        m_saved.callBackStyle();
+    });
+    connect(m_shelf->grid(), &PresetGrid::renamed, &m_saved, &SavedTemplates::renameStyle);
+    connect(m_shelf->grid(), &PresetGrid::renameEnded, this, [this](QUuid id, RenameEnd end) {
+        const bool isNew = wasNew(id);
+        const DesignTemplate* style = m_saved.styles().find(id);
+        if (!style)
+            return;
+        if (isNew && end == RenameEnd::abandoned) {
+            Q_EMIT told(u"Estilo descartado."_s, StatusTone::info);
+            m_saved.removeStyle(id);
+        } else if ((isNew || end == RenameEnd::kept) && m_saved.isStored()) {
+            Q_EMIT told(u"Estilo «%1» guardado."_s.arg(style->name), StatusTone::done);
+        }
+    });
+    connect(m_shelf->grid(), &PresetGrid::chosen, this, [this](QUuid id) {
+        const DesignTemplate* style = m_saved.styles().find(id);
+        if (style && !refusesWhileImporting())
+            m_session.applyStyle(*style);
+    });
+    connect(m_shelf->grid(), &PresetGrid::pictureWanted, this, &TemplatesBinding::drawStyle);
+    connect(m_pictures, &PresetPictures::ready, m_shelf->grid(), &PresetGrid::setPicture);
+}
+
+bool TemplatesBinding::isIdle() const
+{
+    return m_pictures->isIdle() && !m_redrawLater.isActive();
+}
+
+const BuiltInTemplateLibrary& TemplatesBinding::library()
+{
+    if (!m_library)
+        m_library.emplace();
+    return *m_library;
+}
+
+void TemplatesBinding::show()
+{
+    preview({});    // of what was there before
+    showTemplates();
+    showStyles();
+    const PublicationItem* item = m_session.batch().currentItem();
+    if (!item)
+        return;
+    // Of the item the styles show the photo alone.
+    if (m_shelf->isVisible() && m_drawnPhoto != item->image) {
+        m_drawnPhoto = item->image;
+        redraw();
+    }
+    const SocialFormat format = m_session.batch().format;
+    if (!m_panel->isVisible() || (m_drawn == *item && m_drawnFormat == format))
+        return;
+    // Another image is shown at once; one that is being changed when it has come to rest.
+    const bool isOther = !m_drawn || m_drawn->id != item->id;
+    m_drawn = *item;
+    m_drawnFormat = format;
+    m_redrawLater.start(isOther ? 0 : restBeforeRedrawing);
+}
+
+// Each picture once it is seen again.
+void TemplatesBinding::redraw()
+{
+    m_pictures->dropWishes();    // they are of the image as it was
+    for (PresetGrid* grid : {m_panel->packaged(), m_panel->own(), m_shelf->grid()})
+        grid->outdatePictures();
+}
+
+void TemplatesBinding::showTemplates()
+{
+    if (!m_panel->isVisible())
+        return;
+    const PublicationItem* item = m_session.batch().currentItem();
+    const SocialFormat format = m_session.batch().format;
+    TemplatesPanelState state{.hasImage = item != nullptr,
+                              .format = format,
+                              .own = {},
+                              .packaged = {},
+                              .recoverable = m_saved.templates().lastRemoved()};
+    if (item) {
+        for (const VisualTemplate& own : m_saved.templates().entries()) {
+            const auto apply = [&own](PublicationItem& changed) { own.apply(changed); };
+            if (own.suits(format))
+                state.own.append({own.id, own.name, isApplied(apply, *item)});
+        }
+        for (const JSONVisualTemplateDefinition& design : library().definitions(format)) {
+            state.packaged.append({design.id, design.name, isApplied(design.application(), *item)});
+        }
+    }
+    m_panel->setState(state);
+}
+
+const TextLayer* TemplatesBinding::selectedText() const
+{
+    const PublicationItem* item = m_session.batch().currentItem();
+    if (!item)
+        return nullptr;
+    const auto text =
+        std::ranges::find(item->layers, m_session.batch().selectedLayerID, &TextLayer::id);
+    return text == item->layers.end() ? nullptr : &*text;
+}
+
+void TemplatesBinding::showStyles()
+{
+    if (!m_shelf->isVisible())
+        return;
+    const TextLayer* text = selectedText();
+    QList<Preset> styles;
+    for (const DesignTemplate& style : m_saved.styles().entries()) {
+        styles.append({style.id, style.name,
+                       text && static_cast<const TextLayerDesign&>(*text) == style.style});
+    }
+    m_shelf->setStyles(styles, text ? QString() : u"Selecciona un texto para cambiar su estilo."_s,
+                       m_saved.styles().lastRemoved());
+}
+
+std::optional<JSONVisualTemplateDefinition> TemplatesBinding::packaged(QUuid id)
+{
+    for (const JSONVisualTemplateDefinition& design :
+         library().definitions(m_session.batch().format)) {
+        if (design.id == id)
+            return design;
+    }
+    return std::nullopt;
+}
+
+TemplateApplication TemplatesBinding::application(QUuid id)
+{
+    if (const VisualTemplate* own = m_saved.templates().find(id))
+        return [own = *own](PublicationItem& item) { own.apply(item); };
+    const auto design = packaged(id);
+    return design ? design->application() : TemplateApplication();
+}
+
+QString TemplatesBinding::nameOf(QUuid id)
+{
+    if (const VisualTemplate* own = m_saved.templates().find(id))
+        return own->name;
+    const auto design = packaged(id);
+    return design ? design->name : QString();
+}
+
+bool TemplatesBinding::wasNew(QUuid id)
+{
+    if (m_new != id)
+        return false;
+    m_new = {};
+    return true;
+}
+
+// What is being imported takes the place of all that would be changed.
+bool TemplatesBinding::refusesWhileImporting()
+{
+    if (m_session.isImporting())
+        m_session.setStatus(u"Espera a que termine la importación de imágenes."_s,
+                            StatusTone::problem);
+    return m_session.isImporting();
+}
+
+void TemplatesBinding::apply(QUuid id)
+{
+    if (const TemplateApplication design = application(id); design && !refusesWhileImporting())
+        m_session.applyTemplate(nameOf(id), design);
+}
+
+void TemplatesBinding::preview(QUuid id)
+{
+    const PublicationItem* item = m_session.batch().currentItem();
+    // While images are coming the canvas does not show the one that the design would be laid over.
+    const TemplateApplication design =
+        id.isNull() || m_session.isImporting() ? TemplateApplication() : application(id);
+    for (PresetGrid* grid : {m_panel->own(), m_panel->packaged()})
+        grid->setPreviewed(item && design ? id : QUuid());
+    if (!item || !design) {
+        if (std::exchange(m_isPreviewing, false))
+            Q_EMIT previewChanged(std::nullopt);
+        return;
+    }
+    PublicationItem previewed = *item;
+    design(previewed);
+    m_isPreviewing = true;
+    Q_EMIT previewChanged(previewed);
+}
+
+void TemplatesBinding::drawTemplate(PresetGrid* grid, QUuid id)
+{
+    const PublicationItem* item = m_session.batch().currentItem();
+    const TemplateApplication design = application(id);
+    if (!item || !design)
+        return;
+    PublicationItem changed = *item;
+    design(changed);
+    m_pictures->want(id,
+                     [changed, format = m_session.batch().format, pixels = grid->picturePixels(),
+                      photos = m_photos] { return drawnItem(changed, format, pixels, *photos); });
+}
+
+void TemplatesBinding::drawStyle(QUuid id)
+{
+    const PublicationItem* item = m_session.batch().currentItem();
+    const DesignTemplate* style = m_saved.styles().find(id);
+    if (!item || !style)
+        return;
+    const QSize pixels = m_shelf->grid()->picturePixels();
+    m_pictures->want(id, [image = item->image, design = style->style, pixels, photos = m_photos] {
+        return drawnStyle(image, design, pixels, *photos);
+    });
+}
+
+void TemplatesBinding::showTemplateMenu(PresetOwner owner, QUuid id, QPoint globalPosition)
+{
+    auto* menu = new QMenu(m_panel);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const auto add = [&](const QString& text, auto act) {
+        connect(menu->addAction(text), &QAction::triggered, this, act);
+    };
+    if (owner == PresetOwner::user) {
+        add(u"Renombrar"_s, [this, id] { m_panel->rename(id); });
+        add(u"Actualizar con esta composición"_s, [this, id] { update(id); });
+    }
+    add(u"Exportar plantilla…"_s, [this, id] { chooseExport(id); });
+    if (owner == PresetOwner::user) {
+        menu->addSeparator();
+        add(u"Eliminar"_s, [this, id] { remove(id); });
+    }
+    menu->popup(globalPosition);
+}
+
+void TemplatesBinding::saveTemplate()
+{
+    const PublicationItem* item = m_session.batch().currentItem();
+    if (!item)
+        return;
+    Q_EMIT panelRequested();
+    // Told first: should it not be stored, that is the last word.
+    Q_EMIT told(u"Plantilla guardada. Ponle nombre."_s, StatusTone::done);
+    m_new = m_saved.saveTemplate(*item, m_session.batch().format);
+    m_panel->rename(m_new);
+}
+
+void TemplatesBinding::update(QUuid id)
+{
+    const PublicationItem* item = m_session.batch().currentItem();
+    if (!item || !m_saved.templates().find(id))
+        return;
+    const QString name = nameOf(id);
+    Q_EMIT told(u"Plantilla «%1» actualizada con esta composición."_s.arg(name), StatusTone::done);
+    m_saved.updateTemplate(id, *item, m_session.batch().format);
+    m_panel->own()->outdatePicture(id);
+}
+
+void TemplatesBinding::remove(QUuid id)
+{
+    if (!m_saved.templates().find(id))
+        return;
+    Q_EMIT told(u"Plantilla «%1» eliminada. Puedes recuperarla en el menú de Mis plantillas."_s.arg(
+                    nameOf(id)),
+                StatusTone::done);
+    m_saved.removeTemplate(id);
+}
+
+void TemplatesBinding::chooseDefinition()
+{
+    auto* dialog = new QFileDialog(m_panel->window(), u"Importar plantilla"_s, beginning(),
+                                   u"Plantillas (*.json);;Todos los archivos (*)"_s);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFiles);
+    connect(dialog, &QFileDialog::accepted, this, [this, dialog] {
+        for (const QString& path : dialog->selectedFiles())
+            importDefinition(path);
+    });
+    dialog->open();
+}
+
+void TemplatesBinding::importDefinition(const QString& path)
+{
+    // What the file leaves out is taken from the image that it is read over.
+    const PublicationItem* current = m_session.batch().currentItem();
+    m_files->read(path, current ? *current : PublicationItem::make({}, {}));
+}
+
+void TemplatesBinding::chooseExport(QUuid id)
+{
+    QString name = nameOf(id);
+    name.replace(u'/', u'-');
+    auto* dialog =
+        new QFileDialog(m_panel->window(), u"Exportar plantilla"_s,
+                        QDir(beginning()).filePath(name + u".json"_s), u"Plantillas (*.json)"_s);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(u"json"_s);
+    connect(dialog, &QFileDialog::accepted, this,
+            [this, dialog, id] { exportDefinition(id, dialog->selectedFiles().value(0)); });
+    dialog->open();
+}
+
+void TemplatesBinding::exportDefinition(QUuid id, const QString& path)
+{
+    std::optional<JSONVisualTemplateDefinition> definition = packaged(id);
+    if (const VisualTemplate* own = m_saved.templates().find(id)) {
+        definition =
+            library().templateDefinition(*own, own->name, formatOf(*own, m_session.batch().format));
+    }
+    if (definition)
+        m_files->write(path, *definition);
+}

@@ -1,0 +1,60 @@
+#pragma once
+#include "app/presets/PresetTile.h"
+#include "model/SocialFormat.h"
+
+class Badge;
+class Caption;
+class EmptyNote;
+class LineField;
+class PresetGrid;
+class PushButton;
+class QScrollArea;
+
+struct TemplatesPanelState {
+    bool hasImage = false;
+    SocialFormat format = SocialFormat::carouselPortrait;
+    QList<Preset> own, packaged;    // of the format
+    QString recoverable;            // the name of the one that was removed last
+    bool operator==(const TemplatesPanelState&) const = default;
+};
+
+// Designs to lay over the selected images: the user's own, and those that come with the program.
+class TemplatesPanel : public QWidget {
+    Q_OBJECT
+public:
+    explicit TemplatesPanel(QWidget* parent = nullptr);
+
+    void setState(const TemplatesPanelState& state);
+    PresetGrid* own() const { return m_own; }
+    PresetGrid* packaged() const { return m_packaged; }
+    // Its name is typed in place, wherever the search had hidden it.
+    void rename(QUuid id);
+    QList<QWidget*> focusOrder() const;
+
+Q_SIGNALS:
+    void shown();
+    void saveRequested();
+    void importRequested();
+    void callBackRequested();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void show(const TemplatesPanelState& state);
+    void showMenu();
+
+    TemplatesPanelState m_state;
+    EmptyNote* m_empty;
+    QWidget* m_content;
+    QScrollArea* m_area;    // below the search
+    LineField* m_search;
+    PushButton* m_save;
+    Badge* m_count;
+    IconButton* m_more;
+    PresetGrid* m_own;
+    QWidget* m_note;
+    Badge* m_format;
+    PresetGrid* m_packaged;
+    Caption* m_nothingFound;
+};

@@ -1,0 +1,20 @@
+#pragma once
+#include "app/forms/SettingsSheet.h"
+#include "app/settings/AppSettingsDestination.h"
+
+class LocalAIDetailPanel;
+class UpdatesDetailPanel;
+
+// "Ajustes de Moltiva": the settings of the program itself.
+class AppSettingsWindow : public SettingsSheet {
+    Q_OBJECT
+public:
+    explicit AppSettingsWindow(QWidget* window);
+    void setDestination(AppSettingsDestination destination) { setPage(int(destination)); }
+    UpdatesDetailPanel* updatesPanel() const { return m_updates; }
+    LocalAIDetailPanel* localAIPanel() const { return m_localAI; }
+
+private:
+    UpdatesDetailPanel* m_updates;
+    LocalAIDetailPanel* m_localAI;
+};

@@ -1,0 +1,64 @@
+#include "app/settings/AppVersion.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringView withoutZeros(QStringView digits)
+{
+    while (digits.size() > 1 && digits.front() == u'0')
+        digits = digits.mid(1);
+    return digits;
+}
+
+// The next part of a version: digits, or what stands between them. Takes it from the text.
+QStringView takePart(QStringView& text)
+{
+    qsizetype length = 0;
+    const auto isDigit = [](QChar c) { return c >= u'0' && c <= u'9'; };
+    while (length < text.size() && isDigit(text[length]) == isDigit(text.front()))
+        ++length;
+    const QStringView part = text.left(length);
+    text = text.mid(length);
+    return part;
+}
+
+// By the numbers in them, which may be of any length.
+int compareVersions(QStringView left, QStringView right)
+{
+    while (!left.isEmpty() && !right.isEmpty()) {
+        const QStringView a = withoutZeros(takePart(left)), b = withoutZeros(takePart(right));
+        const bool areNumbers = a.front().isDigit() && b.front().isDigit();
+        if (areNumbers && a.size() != b.size())
+            return a.size() < b.size() ? -1 : 1;
+        if (const int order = a.compare(b, Qt::CaseInsensitive); order != 0)
+            return order;
+    }
+    return int(!left.isEmpty()) - int(!right.isEmpty());
+}
+
+}    // namespace
+
+QString AppVersion::current()
+{
+    const QString version = QCoreApplication::applicationVersion();
+    return version.isEmpty() ? u"1.0.1"_s : version;
+}
+
+QString AppVersion::build()
+{
+    return QStringLiteral(MOLTIVA_BUILD);
+}
+
+QString AppVersion::display()
+{
+    return u"%1 (%2)"_s.arg(current(), build());
+}
+
+bool AppVersion::isRemoteVersionNewer(const std::optional<QString>& remote)
+{
+    const QString version = remote.value_or(QString()).trimmed();
+    return !version.isEmpty() && compareVersions(version, current()) > 0;
+}

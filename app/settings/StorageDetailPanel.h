@@ -1,0 +1,8 @@
+#pragma once
+#include "app/forms/SettingsPanel.h"
+
+class StorageDetailPanel : public SettingsPanel {
+    Q_OBJECT
+public:
+    explicit StorageDetailPanel(QWidget* parent = nullptr);
+};

@@ -1,0 +1,30 @@
+#pragma once
+#include "app/forms/SettingsPanel.h"
+
+#include <QUrl>
+
+#include <optional>
+
+class Caption;
+class InfoCard;
+class PushButton;
+
+class UpdatesDetailPanel : public SettingsPanel {
+    Q_OBJECT
+public:
+    explicit UpdatesDetailPanel(QWidget* parent = nullptr);
+    // What the service knows of; an address only of the web.
+    void setLatest(const std::optional<QString>& version, const std::optional<QUrl>& download);
+    void tellProblem(const QString& sentence);
+
+Q_SIGNALS:
+    void downloadRequested(const QUrl& address);
+
+private:
+    QUrl m_download;
+    Caption* m_latest;
+    InfoCard* m_state;
+    PushButton* m_install;
+    PushButton* m_check;
+    PushButton* m_direct;
+};

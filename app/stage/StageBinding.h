@@ -1,0 +1,59 @@
+#pragma once
+#include "model/CopySlot.h"
+#include "model/ImagePlacement.h"
+#include "model/Pace.h"
+#include "model/PublicationItem.h"
+
+#include <QObject>
+#include <QUuid>
+
+#include <memory>
+
+class CanvasInteractionView;
+class PhotoCache;
+class StagePanel;
+class StagePhoto;
+class StudioSession;
+class ViewBar;
+
+// The canvas and the bar below it as a view of the session's current item: gestures become edits,
+// and how the photo lies can be changed.
+class StageBinding : public QObject {
+    Q_OBJECT
+public:
+    // All outlive it.
+    StageBinding(StudioSession& session, StagePanel* stage, ViewBar* bar,
+                 const std::shared_ptr<PhotoCache>& photos);
+    ~StageBinding() override;
+
+    void show();
+    // The current item in another state, to be looked at and not edited; none: as it is.
+    void preview(const std::optional<PublicationItem>& item);
+    bool isIdle() const;
+    CanvasInteractionView* canvas() const;
+
+    void setFitMode(ImageFitMode mode);
+    void zoomBy(double step);
+    void setZoom(double zoom, Pace pace = Pace::once);
+    void centrePhoto();
+    bool isSafeZoneShown() const { return m_safeZone; }
+    void setSafeZoneShown(bool shown);
+
+Q_SIGNALS:
+    void layerChosen(QUuid layer);    // by the user, on the canvas; null for none
+    void editRequested(CopySlot slot);
+    void photoFound(QUuid item);
+    void photoMissing(QUuid item);
+    void previewRefused();    // an edit was tried on what is only looked at
+
+private:
+    void connectCanvas();
+    void place(const std::function<void(ImagePlacement&)>& change, Pace pace = Pace::once);
+
+    StudioSession& m_session;
+    StagePanel* m_stage;
+    ViewBar* m_bar;
+    StagePhoto* m_photo;
+    bool m_safeZone = false;
+    std::optional<PublicationItem> m_preview;
+};

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "model/PublicationItem.h"
+#include "model/SocialFormat.h"
+#include "platform/PhotoCache.h"
+
+#include <QCoroTask>
+#include <QImage>
+#include <QObject>
+#include <QPointer>
+
+#include <atomic>
+#include <memory>
+#include <optional>
+
+// The decoded photo of the item on the stage: at once what is in memory, then the level that its
+// size there needs. Only the last request counts.
+class StagePhoto : public QObject {
+    Q_OBJECT
+public:
+    explicit StagePhoto(std::shared_ptr<PhotoCache> photos, QObject* parent = nullptr);
+
+    // `pixels`: of the whole canvas on screen. Asks for nothing that it has told already.
+    void show(const PublicationItem& item, SocialFormat format, QSize pixels);
+    void clear();
+    bool isIdle() const { return m_running == 0; }
+
+Q_SIGNALS:
+    void ready(const QImage& photo);
+    void photoRead();                          // from its file, just now or a while ago
+    void photoMissing(const QString& name);    // its pixels can no longer be read
+
+private:
+    struct Wish {
+        PhotoHandle photo;
+        PhotoLevel level = PhotoLevel::full;
+        bool operator==(const Wish&) const = default;
+    };
+    // The number of the last request; a worker looks before it begins something long.
+    using Latest = std::shared_ptr<std::atomic<quint64>>;
+    static QCoro::Task<> load(QPointer<StagePhoto> self, quint64 request, Wish wish, QString name,
+                              std::shared_ptr<PhotoCache> photos, Latest latest);
+
+    std::shared_ptr<PhotoCache> m_photos;
+    Latest m_latest = std::make_shared<std::atomic<quint64>>(0);
+    std::optional<Wish> m_wish;
+    int m_running = 0;
+};

@@ -1,0 +1,40 @@
+#pragma once
+#include "app/theme/Theme.h"
+
+#include <QProxyStyle>
+
+class QApplication;
+
+enum class Motion { full, reduced };
+
+// Menus, tooltips, scroll bars and the keyboard focus ring of the program, over Fusion.
+class StudioStyle : public QProxyStyle {
+    Q_OBJECT
+public:
+    explicit StudioStyle(Motion motion = Motion::full);
+    void setMotion(Motion motion) { m_motion = motion; }
+
+    using QProxyStyle::polish;
+    void polish(QWidget* widget) override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                            QPainter* painter, const QWidget* widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                         const QWidget* widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                           const QWidget* widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                    const QWidget* widget) const override;
+    // SH_Widget_Animation_Duration is the time of a hover, 0 with reduced motion.
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override;
+
+private:
+    Motion m_motion;
+};
+
+// Gives the program our style and font.
+void dress(QApplication& application, const Theme& theme, Motion motion = Motion::full);

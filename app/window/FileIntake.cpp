@@ -1,0 +1,139 @@
+#include "app/window/FileIntake.h"
+
+#include "studio/StudioSession.h"
+#include "studio/TextTransfer.h"
+
+#include <QFileInfo>
+#include <QMimeData>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString importFolderKey = u"moltiva.importFolder"_s;
+constexpr int moreMayCome = 1000;    // ms
+
+// What a file chooser shows; every file can be chosen, because what it holds decides.
+QString imageFilter()
+{
+    QStringList patterns;
+    for (const QString& extension : {u"jpg"_s, u"jpeg"_s, u"png"_s, u"heic"_s, u"heif"_s, u"tif"_s,
+                                     u"tiff"_s, u"webp"_s, u"bmp"_s, u"gif"_s}) {
+        patterns.append(u"*."_s + extension);
+        patterns.append(u"*."_s + extension.toUpper());
+    }
+    return u"Imágenes (%1);;Todos los archivos (*)"_s.arg(patterns.join(u' '));
+}
+
+bool isTextSheet(const QList<QUrl>& files)
+{
+    if (files.size() != 1)
+        return false;
+    const QFileInfo file(files.first().toLocalFile());
+    return file.isFile() && file.suffix().compare(u"csv"_s, Qt::CaseInsensitive) == 0;
+}
+
+}    // namespace
+
+FileIntake::FileIntake(StudioSession& session, PreferencesStore& preferences, QWidget* window)
+    : QObject(window), m_session(session), m_window(window), m_folder(preferences, importFolderKey)
+{
+    m_givenLately.setSingleShot(true);
+    connect(&m_givenLately, &QTimer::timeout, this, [this] {
+        if (m_session.isImporting())
+            m_givenLately.start(moreMayCome);
+        else
+            m_given.clear();
+    });
+}
+
+void FileIntake::choosePhotos()
+{
+    choose(u"Importar imágenes"_s, QFileDialog::ExistingFiles);
+}
+
+void FileIntake::chooseFolder()
+{
+    choose(u"Importar carpeta"_s, QFileDialog::Directory);
+}
+
+void FileIntake::choose(const QString& title, QFileDialog::FileMode mode)
+{
+    auto* dialog = new QFileDialog(m_window, title, m_folder.begin(), imageFilter());
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(mode);
+    // The signals that carry the choice differ between the systems' dialogs and the toolkit's own.
+    connect(dialog, &QFileDialog::accepted, this, [this, dialog] { load(dialog->selectedUrls()); });
+    dialog->open();
+}
+
+void FileIntake::chooseTexts(QFileDialog::AcceptMode mode)
+{
+    const bool isSaving = mode == QFileDialog::AcceptSave;
+    auto* dialog =
+        new QFileDialog(m_window, isSaving ? u"Exportar textos"_s : u"Importar textos"_s,
+                        m_folder.begin(), u"Textos (*.csv *.CSV);;Todos los archivos (*)"_s);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(mode);
+    dialog->setFileMode(isSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    if (isSaving) {
+        dialog->setDefaultSuffix(u"csv"_s);
+        dialog->selectFile(u"textos.csv"_s);
+    }
+    connect(dialog, &QFileDialog::accepted, this, [this, dialog, isSaving] {
+        const QString path = dialog->selectedFiles().value(0);
+        m_folder.remember(QFileInfo(path).absolutePath());
+        if (isSaving)
+            exportTexts(&m_session, path);
+        else
+            importTexts(&m_session, path);
+    });
+    dialog->open();
+}
+
+void FileIntake::load(const QList<QUrl>& filesAndFolders)
+{
+    if (filesAndFolders.isEmpty())
+        return;
+    m_given.clear();
+    const QFileInfo first(filesAndFolders.first().toLocalFile());
+    m_folder.remember(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
+    m_session.load(filesAndFolders);
+}
+
+QList<QUrl> FileIntake::localFiles(const QMimeData* data)
+{
+    QList<QUrl> files = data->urls();
+    files.removeIf([](const QUrl& url) { return !url.isLocalFile(); });
+    return files;
+}
+
+DropOffer FileIntake::offerOf(const QList<QUrl>& files) const
+{
+    DropOffer offer{.images = int(files.size())};
+    offer.replaces = !m_session.batch().items.isEmpty();
+    offer.texts = isTextSheet(files);
+    if (offer.texts)
+        offer.refusal = refusalOfTexts(m_session);
+    offer.folder = std::ranges::any_of(
+        files, [](const QUrl& url) { return QFileInfo(url.toLocalFile()).isDir(); });
+    return offer;
+}
+
+void FileIntake::drop(const QList<QUrl>& files)
+{
+    if (isTextSheet(files))
+        importTexts(&m_session, files.first().toLocalFile());
+    else
+        load(files);
+}
+
+void FileIntake::open(const QList<QUrl>& files)
+{
+    if (files.isEmpty())
+        return;
+    const QList<QUrl> all = m_given + files;
+    load(all);
+    m_given = all;
+    m_givenLately.start(moreMayCome);
+}

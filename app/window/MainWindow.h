@@ -1,0 +1,114 @@
+#pragma once
+
+#include "app/controls/popovers/KeptClear.h"
+
+#include <QList>
+#include <QUrl>
+#include <QWidget>
+
+#include <memory>
+
+class AccountBinding;
+class AccountSession;
+class AuthGateView;
+class BatchBinding;
+class ExportBinding;
+class FileIntake;
+class PanelBinding;
+class PhotoCache;
+class PreferencesStore;
+class StageBinding;
+class StudioMenu;
+class StudioSession;
+class StudioShell;
+class TemplatesBinding;
+enum class Command;
+enum class ShapeKind;
+enum class SideTab;
+struct Status;
+
+// Places the panels, connects them with the session, and runs what the menu and the keys ask for.
+class MainWindow : public QWidget, public KeptClear {
+    Q_OBJECT
+public:
+    // The sessions and the preferences outlive the window.
+    MainWindow(StudioSession& session, AccountSession& account,
+               const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences);
+    ~MainWindow() override;
+
+    StudioShell* shell() const { return m_shell; }
+    StudioMenu* menu() const { return m_menu; }
+    TemplatesBinding& templates() const { return *m_templates; }
+    ExportBinding& exports() const { return *m_exports; }
+    AuthGateView* gate() const { return m_gate; }
+    // No picture is being drawn and no photo looked at.
+    bool isSettled() const;
+
+    // Files, folders and links from outside; files wait until somebody is signed in. Several calls
+    // in a row bring one batch: file managers start a program once for each file.
+    void open(const QList<QUrl>& addresses);
+    void comeForward();
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    QList<QRect> keptClear(const QWidget* owner) const override;
+    void connectPanels();
+    void connectSession();
+    void connectAccount();
+    void restorePreferences();
+
+    bool isGated() const;
+    void refuseLink();
+    void lockStudio();
+    void showWaiting();
+    void openWaiting();
+
+    void run(Command command);
+    void step(int images);
+    void selectAll();
+    void discardCurrent();
+    void removeLayer();
+    void addShape(ShapeKind kind);
+    void chooseTheme(Command command);
+    void showColumn(Command command, bool visible);
+    void showTab(SideTab tab);
+    void goToRegion(int step);
+    void focusCanvas();
+    void endEdits();
+    void showTileMenu(int index, QPoint globalPosition);
+
+    void showBatch();
+    void showStage();
+    void greetFirstImport();
+    void showMenu();
+    void showStatus();
+    void tell(Status status);
+    void showHints();
+
+    StudioSession& m_session;
+    AccountSession& m_accountSession;
+    PreferencesStore& m_preferences;
+    StudioShell* m_shell;
+    // Gone before the panels that they are bound to.
+    std::unique_ptr<BatchBinding> m_batch;
+    std::unique_ptr<StageBinding> m_stage;
+    std::unique_ptr<PanelBinding> m_panel;
+    std::unique_ptr<TemplatesBinding> m_templates;
+    FileIntake* m_files;
+    StudioMenu* m_menu;
+    std::unique_ptr<ExportBinding> m_exports;
+    AuthGateView* m_gate;
+    std::unique_ptr<AccountBinding> m_account;
+    // Files that came while nobody was signed in: given from outside, and dropped.
+    QList<QUrl> m_given, m_dropped;
+    // Whether photos were ever imported here, and whether the window has been without any.
+    bool m_hasImported = false, m_wasEmpty = false;
+};

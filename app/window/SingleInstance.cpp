@@ -1,0 +1,136 @@
+#include "app/window/SingleInstance.h"
+
+#include "platform/PrivateSocket.h"
+
+#include <QCryptographicHash>
+#include <QDataStream>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QIODevice>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QThread>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int instanceLongestWait = 10000, retryPause = 40;    // ms
+constexpr qsizetype longestMessage = 16 << 20;    // a folder's worth of paths many times over
+const QByteArray answer = "1";
+
+QString lockPath(const QString& folder)
+{
+    return QDir(folder).filePath(u"moltiva.lock"_s);
+}
+
+// Its own for each place of data: the socket belongs to who holds the lock there.
+QString socketPath(const QString& dataFolder)
+{
+    const QString folder = QDir(dataFolder).canonicalPath();
+    const QByteArray place = QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1);
+    return privateSocketPath(u"moltiva-%1.socket"_s.arg(QString::fromLatin1(place.toHex().left(8))),
+                             folder);
+}
+
+bool handOver(const QString& path, const QList<QUrl>& toOpen)
+{
+    QLocalSocket socket;
+    socket.connectToServer(path);
+    if (!socket.waitForConnected(retryPause) || !leadsToOwnUser(socket))
+        return false;
+    QByteArray message;
+    QDataStream writer(&message, QIODevice::WriteOnly);
+    writer << toOpen;
+    QDataStream stream(&socket);
+    stream << message;
+    while (socket.bytesToWrite() > 0) {
+        if (!socket.waitForBytesWritten(instanceLongestWait))
+            return false;
+    }
+    return socket.waitForReadyRead(instanceLongestWait) && socket.readAll() == answer;
+}
+
+}    // namespace
+
+InstanceClaim claimInstance(const QString& dataFolder, const QList<QUrl>& toOpen)
+{
+    using enum InstanceClaim::Outcome;
+    const QString socket = socketPath(dataFolder);
+    QElapsedTimer watch;
+    for (watch.start(); watch.elapsed() < instanceLongestWait; QThread::msleep(retryPause)) {
+        auto lock = std::make_unique<SystemLock>(lockPath(dataFolder));
+        if (lock->isOurs())
+            return {first, std::move(lock)};
+        if (!socket.isEmpty() && handOver(socket, toOpen))
+            return {handedOver, nullptr};
+        // No lock can be written, on a full disk for instance: better a second window than none.
+        if (lock->state() == SystemLock::State::impossible)
+            return {first, nullptr};
+        if (socket.isEmpty())
+            return {unreachable, nullptr};
+    }
+    return {};
+}
+
+QList<QUrl> addressesOf(const QStringList& arguments)
+{
+    QList<QUrl> addresses;
+    for (const QString& argument : arguments) {
+        const QFileInfo file(argument);
+        const QUrl address(argument, QUrl::StrictMode);
+        const bool isAddress = !file.exists() && address.isValid() && address.scheme().size() > 1;
+        addresses.append(isAddress ? address : QUrl::fromLocalFile(file.absoluteFilePath()));
+    }
+    return addresses;
+}
+
+SingleInstance::SingleInstance(const QString& dataFolder, QObject* parent)
+    : QObject(parent), m_server(new QLocalServer(this))
+{
+    const QString path = socketPath(dataFolder);
+    if (path.isEmpty())
+        return;    // later starts say that they find none
+    m_server->setSocketOptions(QLocalServer::UserAccessOption);
+    QLocalServer::removeServer(path);    // of one that was killed: we hold the lock
+    m_server->listen(path);
+    connect(m_server, &QLocalServer::newConnection, this, [this] {
+        while (QLocalSocket* socket = m_server->nextPendingConnection())
+            greet(socket);
+    });
+}
+
+void SingleInstance::greet(QLocalSocket* socket)
+{
+    connect(socket, &QLocalSocket::readyRead, this, [this, socket] { read(socket); });
+    connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    connect(socket, &QObject::destroyed, this, [this, socket] { m_received.remove(socket); });
+    QTimer::singleShot(instanceLongestWait, socket, [socket] { socket->abort(); });
+    read(socket);
+}
+
+void SingleInstance::read(QLocalSocket* socket)
+{
+    QByteArray& received = m_received[socket];
+    received += socket->read(longestMessage + 1 - received.size());
+    if (received.size() > longestMessage) {
+        socket->abort();
+        return;
+    }
+    QDataStream stream(received);
+    QByteArray message;
+    stream.startTransaction();
+    stream >> message;
+    if (!stream.commitTransaction())
+        return;    // more is to come
+    QList<QUrl> toOpen;
+    QDataStream reader(message);
+    reader >> toOpen;
+    received.clear();
+    socket->write(answer);
+    socket->disconnectFromServer();
+    Q_EMIT handedOver(toOpen);
+}

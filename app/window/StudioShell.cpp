@@ -1,0 +1,212 @@
+#include "app/window/StudioShell.h"
+
+#include "app/batch/BatchColumn.h"
+#include "app/controls/StatusLine.h"
+#include "app/copy/ComposeBar.h"
+#include "app/layers/SidePanel.h"
+#include "app/stage/EmptyState.h"
+#include "app/stage/StagePanel.h"
+#include "app/stage/ViewBar.h"
+#include "app/theme/Painting.h"
+#include "app/window/DropVeil.h"
+#include "canvas/interaction/CanvasInteractionView.h"
+
+#include <QAccessibleWidget>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+struct WidthClass {
+    int from;            // width of the window
+    int batch, panel;    // widths of the columns, each with its hairline
+};
+constexpr std::array widthClasses{
+    WidthClass{0, 124, 320},
+    WidthClass{1400, 208, 344},
+    WidthClass{1800, 304, 376},
+    WidthClass{2560, 400, 376},
+};
+const WidthClass& widthClassOf(int window)
+{
+    const auto next =
+        std::ranges::find_if(widthClasses, [window](const auto& c) { return window < c.from; });
+    return *std::prev(next);
+}
+
+// Columns that were dragged wide in a larger window leave this much.
+constexpr int narrowestStage = 520;
+
+// The ground of the stage, behind the compose bar as well.
+class Ground : public QWidget {
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(rect(), themeOf(this).bg); }
+};
+
+class ShellAccessible : public QAccessibleWidget {
+public:
+    explicit ShellAccessible(StudioShell* shell) : QAccessibleWidget(shell, QAccessible::Client) {}
+    int childCount() const override { return isCovered() ? 0 : QAccessibleWidget::childCount(); }
+    QAccessibleInterface* child(int index) const override
+    {
+        return isCovered() ? nullptr : QAccessibleWidget::child(index);
+    }
+    QAccessibleInterface* focusChild() const override
+    {
+        return isCovered() ? nullptr : QAccessibleWidget::focusChild();
+    }
+
+private:
+    bool isCovered() const { return static_cast<StudioShell*>(object())->isCovered(); }
+};
+
+QAccessibleInterface* accessibleShellOf(const QString&, QObject* object)
+{
+    auto* shell = qobject_cast<StudioShell*>(object);
+    return shell ? new ShellAccessible(shell) : nullptr;
+}
+
+}    // namespace
+
+StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
+    : QWidget(parent), m_topBar(new TopBar(formats, this)), m_composeBar(new ComposeBar),
+      m_batch(new BatchColumn), m_stage(new StagePanel), m_viewBar(new ViewBar),
+      m_empty(new EmptyState), m_panel(new SidePanel), m_status(new StatusLine(this)),
+      m_veil(new DropVeil(this)), m_splitter(new QSplitter(Qt::Horizontal, this)),
+      m_stages(new QStackedWidget)
+{
+    QAccessible::installFactory(accessibleShellOf);
+    setMinimumSize(1200, 720);
+    auto* picture = new QWidget;
+    auto* pictureRows = new QVBoxLayout(picture);
+    pictureRows->setContentsMargins(0, 0, 0, 0);
+    pictureRows->setSpacing(0);
+    pictureRows->addWidget(m_stage, 1);
+    pictureRows->addWidget(m_viewBar);
+    m_stages->addWidget(m_empty);
+    m_stages->addWidget(picture);
+
+    auto* ground = new Ground;
+    auto* stageRows = new QVBoxLayout(ground);
+    stageRows->setContentsMargins(0, Space::medium, 0, 0);
+    stageRows->setSpacing(0);
+    auto* compose = new QHBoxLayout;
+    compose->setContentsMargins(Space::column, 0, Space::column, 0);
+    compose->addWidget(m_composeBar);
+    stageRows->addLayout(compose);
+    stageRows->addWidget(m_stages, 1);
+
+    m_splitter->setHandleWidth(1);
+    m_splitter->setChildrenCollapsible(false);
+    m_splitter->addWidget(m_batch);
+    m_splitter->addWidget(ground);
+    m_splitter->addWidget(m_panel);
+    m_splitter->setStretchFactor(0, 0);
+    m_splitter->setStretchFactor(1, 1);
+    m_splitter->setStretchFactor(2, 0);
+    connect(m_splitter, &QSplitter::splitterMoved, this,
+            [this](int, int divider) { tellDragged(divider); });
+
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    rows->addWidget(m_topBar);
+    rows->addWidget(m_splitter, 1);
+    rows->addWidget(m_status);
+    orderFocus();
+}
+
+void StudioShell::setStage(Stage stage)
+{
+    m_stages->setCurrentIndex(stage == Stage::empty ? 0 : 1);
+}
+
+bool StudioShell::isStage(Stage stage) const
+{
+    return m_stages->currentIndex() == (stage == Stage::empty ? 0 : 1);
+}
+
+void StudioShell::setCovered(bool covered)
+{
+    if (covered == m_isCovered)
+        return;
+    m_isCovered = covered;
+    QAccessibleEvent event(this, QAccessible::ObjectReorder);
+    QAccessible::updateAccessibility(&event);
+}
+
+void StudioShell::setBatchWidth(std::optional<int> width)
+{
+    m_batchWidth = width;
+    fitColumns();
+}
+
+void StudioShell::setPanelWidth(std::optional<int> width)
+{
+    m_panelWidth = width;
+    fitColumns();
+}
+
+void StudioShell::setBatchVisible(bool visible)
+{
+    m_batch->setVisible(visible);
+    fitColumns();
+}
+
+void StudioShell::setPanelVisible(bool visible)
+{
+    m_panel->setVisible(visible);
+    fitColumns();
+}
+
+void StudioShell::resizeEvent(QResizeEvent*)
+{
+    fitColumns();
+}
+
+void StudioShell::fitColumns()
+{
+    const WidthClass& usual = widthClassOf(width());
+    const int line = m_splitter->handleWidth();
+    const auto wanted = [line](const QWidget* column, int width) {
+        if (column->isHidden())
+            return 0;
+        return std::clamp(width, column->minimumWidth() + line, column->maximumWidth() + line);
+    };
+    const int panel = wanted(m_panel, m_panelWidth.value_or(usual.panel));
+    const int room = width() - panel - narrowestStage;
+    const int batch = wanted(m_batch, std::min(m_batchWidth.value_or(usual.batch), room));
+    // The hairline between a column and the stage counts as part of the column.
+    m_splitter->setSizes({std::max(0, batch - line), std::max(1, width() - batch - panel),
+                          std::max(0, panel - line)});
+}
+
+void StudioShell::tellDragged(int divider)
+{
+    const int line = m_splitter->handleWidth();
+    if (divider == 1) {
+        m_batchWidth = m_batch->width() + line;
+        Q_EMIT batchWidthDragged(*m_batchWidth);
+    } else {
+        m_panelWidth = m_panel->width() + line;
+        Q_EMIT panelWidthDragged(*m_panelWidth);
+    }
+}
+
+void StudioShell::orderFocus()
+{
+    QList<QWidget*> order = m_topBar->focusOrder();
+    order += m_batch->focusOrder();
+    order.append(m_composeBar->objectiveEdit());
+    order += m_empty->focusOrder();
+    order.append(m_stage->canvas());
+    order += m_viewBar->focusOrder();
+    order += m_panel->focusOrder();
+    order += m_status->focusOrder();
+    for (int i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
+}

@@ -1,0 +1,73 @@
+#pragma once
+#include "app/window/TopBar.h"
+
+#include <optional>
+
+class BatchColumn;
+class ComposeBar;
+class DropVeil;
+class EmptyState;
+class QSplitter;
+class QStackedWidget;
+class SidePanel;
+class StagePanel;
+class StatusLine;
+class ViewBar;
+
+// Places the panels of the main window. What they show and what they ask for is the window's
+// business.
+class StudioShell : public QWidget {
+    Q_OBJECT
+public:
+    explicit StudioShell(const QList<FormatChoice>& formats, QWidget* parent = nullptr);
+
+    TopBar* topBar() const { return m_topBar; }
+    ComposeBar* composeBar() const { return m_composeBar; }
+    BatchColumn* batchColumn() const { return m_batch; }
+    StagePanel* stage() const { return m_stage; }
+    ViewBar* viewBar() const { return m_viewBar; }
+    EmptyState* emptyState() const { return m_empty; }
+    SidePanel* sidePanel() const { return m_panel; }
+    StatusLine* statusLine() const { return m_status; }
+    DropVeil* dropVeil() const { return m_veil; }
+
+    enum class Stage { empty, picture };
+    void setStage(Stage stage);
+    bool isStage(Stage stage) const;
+
+    // The widths the user gave the columns; nothing follows the size of the window.
+    void setBatchWidth(std::optional<int> width);
+    void setPanelWidth(std::optional<int> width);
+    void setBatchVisible(bool visible);
+    void setPanelVisible(bool visible);
+
+    // Something lies over it: a screen reader finds nothing in it meanwhile.
+    void setCovered(bool covered);
+    bool isCovered() const { return m_isCovered; }
+
+Q_SIGNALS:
+    void batchWidthDragged(int width);
+    void panelWidthDragged(int width);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void fitColumns();
+    void tellDragged(int divider);
+    void orderFocus();
+
+    TopBar* m_topBar;
+    ComposeBar* m_composeBar;
+    BatchColumn* m_batch;
+    StagePanel* m_stage;
+    ViewBar* m_viewBar;
+    EmptyState* m_empty;
+    SidePanel* m_panel;
+    StatusLine* m_status;
+    DropVeil* m_veil;
+    QSplitter* m_splitter;
+    QStackedWidget* m_stages;
+    std::optional<int> m_batchWidth, m_panelWidth;
+    bool m_isCovered = false;
+};

@@ -1,0 +1,12 @@
+#pragma once
+
+// What the program tells whoever started a command.
+enum ExitStatus {
+    exitDone = 0,
+    exitSomeFailed = 1,
+    exitWrongUse = 2,
+    exitNotSignedIn = 3,
+    exitTooFewCredits = 4,
+    exitNoNetwork = 5,
+    exitInterrupted = 130,
+};

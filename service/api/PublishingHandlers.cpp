@@ -1,0 +1,141 @@
+#include "service/Handlers.h"
+#include "service/Service.h"
+#include "service/Visit.h"
+#include "service/store/CopyResults.h"
+#include "service/store/ImageCheck.h"
+#include "service/store/Ledger.h"
+#include "service/store/Sessions.h"
+#include "service/store/SocialPosts.h"
+#include "service/store/TemplateFiles.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 mostPixelsToDescribe = 50'000'000;
+constexpr qsizetype longestObjective = 4000;
+constexpr int connectSeconds = 600;
+
+std::optional<SocialFormat> knownFormat(const QString& name)
+{
+    const auto byTitle = fromRawValue<SocialFormat>(name);
+    return byTitle ? byTitle : fromTemplateKey(name);
+}
+
+// Of a text that was read as JSON already. A record drops what does not read in a list; an image
+// that is dropped would be missing in the post without a word.
+int objectsIn(QByteArrayView json)
+{
+    int count = 0;
+    bool isInString = false;
+    for (qsizetype i = 0; i < json.size(); ++i) {
+        if (isInString && json[i] == '\\')
+            ++i;
+        else if (json[i] == '"')
+            isInString = !isInString;
+        else if (!isInString && json[i] == '{')
+            ++count;
+    }
+    return count;
+}
+
+// The reply of before, when there was one. Throws Refusal.
+std::optional<QByteArray> madeBefore(Visit& visit, const QString& requestId)
+{
+    Transaction transaction(visit.service.database());
+    const auto cost = reservedCost(transaction, visit.account.id, requestId);
+    if (!cost || *cost < CloudCopyConfig{}.costCredits)
+        throw Refusal(409, "credit_not_reserved");
+    return copyResult(transaction, visit.account.id, requestId);
+}
+
+}    // namespace
+
+ServiceReply showCopyConfig(Visit& visit)
+{
+    const QString model = visit.service.copyProvider().model;
+    CloudCopyConfig config;
+    config.providerLabel = u"Servicio local"_s;
+    if (!model.isEmpty())
+        config.modelId = model;
+    return wireReply(config);
+}
+
+// Credits can be given back also after this: a client whose answer was lost on the way does not
+// know whether there was one, and must not pay for what it never saw.
+ServiceReply generateCopy(Visit& visit)
+{
+    Service& service = visit.service;
+    auto given = wireBody<SocialCopyGenerateRequest>(visit, "invalid_image");
+    const auto format = knownFormat(given.format);
+    if (!format || given.objective.size() > longestObjective)
+        throw Refusal(400, "invalid_credit_request", u"the format or the objective"_s);
+    if (const auto reply = madeBefore(visit, given.requestId))
+        return {.body = *reply};
+    if (!isImage(given.imageBase64, given.mimeType, mostPixelsToDescribe,
+                 service.folder(u"temporal"_s)))
+        throw Refusal(400, "invalid_image");
+    const PreparedCopyOrder order =
+        preparedCopyOrder(service.copyProvider(), {given.objective, *format, given.mimeType,
+                                                   std::exchange(given.imageBase64, {})});
+    visit.request.letGo();    // others would wait for the provider as well
+    const GeneratedCopy copy = forwardCopyOrder(order, service.isEnding());
+    const QByteArray reply = toWire(SocialCopyGenerateResponse{.ok = true, .copy = copy});
+    Transaction transaction(service.database());
+    const QByteArray kept =
+        keepCopyResult(transaction, visit.account.id, given.requestId, reply, service.now());
+    transaction.commit();
+    return {.body = kept};
+}
+
+ServiceReply uploadTemplate(Visit& visit)
+{
+    storeTemplate(visit.service.folder(u"plantillas"_s),
+                  wireBody<TemplateUploadRequest>(visit, "invalid_template"));
+    return okReply();
+}
+
+ServiceReply deleteTemplate(Visit& visit)
+{
+    removeTemplate(visit.service.folder(u"plantillas"_s),
+                   wireBody<TemplateDeleteRequest>(visit, "invalid_template").fileName);
+    return okReply();
+}
+
+ServiceReply showConnections(Visit& visit)
+{
+    Transaction transaction(visit.service.database());
+    return wireReply(SocialStatusResponse{
+        .ok = true, .networks = connections(transaction, visit.account.id, visit.request.base)});
+}
+
+ServiceReply giveConnectToken(Visit& visit)
+{
+    const auto given = wireBody<SocialConnectTokenRequest>(visit, "invalid_social_network");
+    const QString network = rawValue(knownNetwork(given.network));
+    Transaction transaction(visit.service.database());
+    const QByteArray token =
+        givePass(transaction, PassPurpose::socialConnection, visit.account.id, network,
+                 {visit.service.now(), qint64(connectSeconds) * 1000});
+    transaction.commit();
+    return wireReply(SocialConnectTokenResponse{
+        .ok = true,
+        .url = QUrl(visit.request.base + u"/conectar/"_s + QString::fromLatin1(token)),
+        .expiresInSeconds = connectSeconds});
+}
+
+ServiceReply publishPost(Visit& visit)
+{
+    const auto given = wireBody<SocialPublishRequest>(visit, "invalid_social_publish_request");
+    if (objectsIn(visit.request.body) != given.images.size() + 1)
+        throw Refusal(400, "invalid_social_publish_image");
+    const QString id =
+        publish(visit.service.database(),
+                {visit.service.folder(u"publicaciones"_s), visit.service.folder(u"temporal"_s)},
+                visit.account.id, given, visit.service.now());
+    return wireReply(
+        SocialPublishResponse{.ok = true,
+                              .id = id,
+                              .status = u"published"_s,
+                              .url = QUrl(visit.request.base + u"/publicacion/"_s + id)});
+}

@@ -1,0 +1,338 @@
+#include "account/ServiceRendezvous.h"
+#include "platform/EndingSignals.h"
+#include "platform/Memory.h"
+#include "platform/SystemLock.h"
+#include "platform/UserFolders.h"
+#include "service/Rendezvous.h"
+#include "service/Service.h"
+#include "service/http/Server.h"
+#include "service/store/Accounts.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLocalSocket>
+#include <QStandardPaths>
+#include <QThread>
+
+#include <csignal>
+#include <cstdio>
+#include <memory>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum ExitCode { exitDone, exitFailed, exitWrongUse, exitRunning };
+
+constexpr int endingWait = 6000, startRetryPause = 40;    // ms
+
+void tell(const QString& sentence)
+{
+    std::fprintf(stderr, "moltiva-service: %s\n", qPrintable(sentence));
+}
+
+// The toolkit's remarks on broken pictures are nobody's business here.
+void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    if (type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", qPrintable(text));
+}
+
+struct Options {
+    QString data, host;
+    QString administrator;         // of a service for its own user
+    QString namedAdministrator;    // is named, and nothing else happens
+    int port = 0;
+    bool untilUnused = false;
+};
+
+enum class Wish { run, help, version, wrong };
+
+QString usage()
+{
+    return uR"(Uso: moltiva-service [opciones]
+
+Servicio de cuentas y sitio web de Moltiva en este equipo.
+
+  --data DIR             carpeta de los datos; sin ella, la de Moltiva
+  --port N               puerto; 0 o nada: el de la última vez o uno libre
+  --host DIRECCIÓN       dónde escucha; sin ella, 127.0.0.1
+  --until-unused         solo para programas de este usuario; termina cuando
+                         ninguno lo usa
+  --administrator EMAIL  con --until-unused: la cuenta que puede subir
+                         plantillas
+  --name-administrator EMAIL
+                         da ese permiso, en vez de a la de antes, a una cuenta
+                         que ya existe, y termina; el servicio puede estar en
+                         marcha
+  --help, --version
+)"_s;
+}
+
+Wish readOptions(const QStringList& arguments, Options& options)
+{
+    QCommandLineParser parser;
+    const QString port = u"port"_s, data = u"data"_s, host = u"host"_s;
+    const QString administrator = u"administrator"_s, untilUnused = u"until-unused"_s;
+    const QString nameAdministrator = u"name-administrator"_s;
+    const QString help = u"help"_s, version = u"version"_s;
+    parser.addOptions({{data, {}, u"DIR"_s},
+                       {port, {}, u"N"_s, u"0"_s},
+                       {host, {}, u"ADDR"_s, u"127.0.0.1"_s},
+                       {administrator, {}, u"EMAIL"_s},
+                       {nameAdministrator, {}, u"EMAIL"_s},
+                       {untilUnused, {}},
+                       {{u"h"_s, help}, {}},
+                       {version, {}}});
+    if (!parser.parse(arguments) || !parser.positionalArguments().isEmpty())
+        return Wish::wrong;
+    if (parser.isSet(help))
+        return Wish::help;
+    if (parser.isSet(version))
+        return Wish::version;
+    bool isNumber = false;
+    options.port = parser.value(port).toInt(&isNumber);
+    options.data = parser.value(data);
+    options.host = parser.value(host);
+    options.administrator = parser.value(administrator);
+    options.namedAdministrator = parser.value(nameAdministrator);
+    options.untilUnused = parser.isSet(untilUnused);
+    if (options.data.isEmpty() && !parser.isSet(data))
+        options.data =
+            QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + u"/service"_s;
+    const bool isRight = isNumber && options.port >= 0 && options.port <= 65535 &&
+                         !options.data.isEmpty() && !options.host.isEmpty() &&
+                         (options.administrator.isEmpty() || options.untilUnused) &&
+                         parser.isSet(nameAdministrator) != options.namedAdministrator.isEmpty();
+    return isRight ? Wish::run : Wish::wrong;
+}
+
+bool preparePrivately(const QString& folder)
+{
+    // What there is already stays as its owner wanted it.
+    ::umask(077);
+    return QDir().mkpath(folder);
+}
+
+bool somebodyAnswers(const QString& folder)
+{
+    const QString path = serviceSocketPath(folder);
+    QLocalSocket socket;
+    socket.connectToServer(path);
+    return !path.isEmpty() && socket.waitForConnected(startRetryPause) && leadsToOwnUser(socket) &&
+           socket.waitForReadyRead(1000);
+}
+
+// One that is just ending lets go soon; one that answers will not.
+std::unique_ptr<SystemLock> claimed(const QString& folder)
+{
+    const QString file = QDir(folder).filePath(u"servicio.lock"_s);
+    auto lock = std::make_unique<SystemLock>(file);
+    QElapsedTimer watch;
+    watch.start();
+    while (lock->state() == SystemLock::State::others && watch.elapsed() < endingWait &&
+           !somebodyAnswers(folder)) {
+        QThread::msleep(startRetryPause);
+        lock = std::make_unique<SystemLock>(file);
+    }
+    return lock;
+}
+
+void allowManyConnections()
+{
+    rlimit files{};
+    if (::getrlimit(RLIMIT_NOFILE, &files) == 0) {
+        files.rlim_cur = std::min<rlim_t>(files.rlim_max, 4096);
+        ::setrlimit(RLIMIT_NOFILE, &files);
+    }
+}
+
+QString portFile(const QString& folder)
+{
+    return QDir(folder).filePath(u"puerto"_s);
+}
+
+// Pages that are open in a browser stay of use when the next service listens at the same port.
+int lastPort(const QString& file)
+{
+    QFile kept(file);
+    return kept.open(QIODevice::ReadOnly) ? std::clamp(kept.read(16).trimmed().toInt(), 0, 65535)
+                                          : 0;
+}
+
+void keepPort(const QString& file, int port)
+{
+    QFile kept(file);
+    if (kept.open(QIODevice::WriteOnly))
+        kept.write(QByteArray::number(port) + '\n');
+}
+
+QString sentence(const DatabaseError& error, const QString& folder)
+{
+    const QString place = u"la base de datos de cuentas y créditos de %1"_s.arg(folder);
+    switch (error.kind()) {
+    case DatabaseError::Kind::tooNew:
+        return place + u" es de una versión más nueva."_s;
+    case DatabaseError::Kind::wrongSums:
+        return u"los créditos de la base de datos de %1 no cuadran: alguien la ha cambiado."_s.arg(
+            folder);
+    case DatabaseError::Kind::inUse:
+        return place + u" está en uso por otro programa."_s;
+    case DatabaseError::Kind::damaged:
+        return place + u" está dañada."_s;
+    case DatabaseError::Kind::vanished:
+        return place + u" ha desaparecido."_s;
+    case DatabaseError::Kind::forbidden:
+        return u"no se puede abrir %1: %2."_s.arg(place, whyNotWritable(folder));
+    case DatabaseError::Kind::failed:
+        break;
+    }
+    return u"no se puede abrir %1: %2."_s.arg(
+        place, whyNotWritable(folder, QString::fromUtf8(error.what())));
+}
+
+// What was paid is in it: a new one begins only after the user was told, at the next start.
+QString sentenceOfLoss(const DatabaseError& error, const QString& folder)
+{
+    const bool wasDamaged = error.kind() == DatabaseError::Kind::damaged;
+    const QString aside = setDatabaseAside(Service::databaseFile(folder));
+    const QString told = sentence(error, folder);
+    if (wasDamaged && aside.isEmpty())
+        return told + u" Tampoco se ha podido apartar."_s;
+    QFile::remove(portFile(folder));
+    return told +
+           (aside.isEmpty() ? QString()
+                            : u" Se ha apartado como «%1»."_s.arg(QFileInfo(aside).fileName())) +
+           u" La próxima vez se empezará una vacía."_s;
+}
+
+int appointAdministrator(const Options& options)
+{
+    const QString file = Service::databaseFile(options.data);
+    const auto email = normalizedEmail(options.namedAdministrator);
+    std::optional<Account> account;
+    if (email && QFile::exists(file)) {
+        Database database(file, Database::History::usedBefore);
+        Transaction transaction(database);
+        account = accountWithEmail(transaction, *email);
+        if (account)
+            nameAdministrator(transaction, *account);
+        transaction.commit();
+    }
+    if (!account) {
+        tell(u"no hay ninguna cuenta con el email %1 en %2."_s.arg(options.namedAdministrator,
+                                                                   options.data));
+        return exitFailed;
+    }
+    std::printf("%s puede subir plantillas.\n", qPrintable(account->email));
+    return exitDone;
+}
+
+int serve(QCoreApplication& application, const Options& options)
+{
+    const QString folder = QDir(options.data).canonicalPath();
+    const QString kept = portFile(folder);
+    using History = Database::History;
+    Service service(
+        {.dataFolder = folder,
+         .history = QFile::exists(kept) ? History::usedBefore : History::perhapsNew,
+         .audience = options.untilUnused ? ServiceAudience::ownUser : ServiceAudience::everybody,
+         .administrator = options.administrator,
+         .now = {}});
+    Server server(service, options.host);
+    if (!server.start(options.port, lastPort(kept))) {
+        tell(u"no se puede escuchar en %1, puerto %2."_s.arg(options.host).arg(options.port));
+        return exitFailed;
+    }
+    keepPort(kept, server.port());
+
+    const QByteArray line = server.address().toUtf8() + '\n';
+    Rendezvous rendezvous(serviceSocketPath(folder), line, {});
+    if (!rendezvous.isListening() && options.untilUnused) {
+        tell(u"no hay una carpeta privada para el punto de encuentro con las ventanas."_s);
+        return exitFailed;
+    }
+    if (options.untilUnused)
+        QObject::connect(&rendezvous, &Rendezvous::unused, &application, &QCoreApplication::quit);
+    onEndingSignals(application, &QCoreApplication::quit);
+    std::fputs(line.constData(), stdout);
+    std::fflush(stdout);
+
+    const int result = QCoreApplication::exec();
+    rendezvous.close();    // who comes now must find nobody and start another
+    const bool hasEnded = server.stop();
+    service.database().checkpoint();
+    // Who waits for the next start has not all day, and what was acknowledged is on the disk.
+    if (!hasEnded)
+        ::_exit(result);    // the next one takes over the lock
+    return result;
+}
+
+int prepareAndServe(QCoreApplication& application, const Options& options)
+{
+    const QString& folder = options.data;
+    if (!preparePrivately(folder)) {
+        tell(u"no se puede crear la carpeta %1."_s.arg(folder));
+        return exitFailed;
+    }
+    allowManyConnections();
+    const auto lock = claimed(folder);
+    if (lock->state() == SystemLock::State::others) {
+        tell(u"ya hay un servicio en marcha con los datos de %1."_s.arg(folder));
+        return exitRunning;
+    }
+    if (!lock->isOurs()) {
+        tell(u"no se puede usar la carpeta %1: %2."_s.arg(folder, whyNotWritable(folder)));
+        return exitFailed;
+    }
+    try {
+        return serve(application, options);
+    } catch (const DatabaseError& error) {
+        using enum DatabaseError::Kind;
+        if (error.kind() != damaged && error.kind() != vanished)
+            throw;
+        tell(sentenceOfLoss(error, folder));
+        return exitFailed;
+    }
+}
+
+}    // namespace
+
+int main(int argc, char** argv)
+{
+    settleAllocator();    // posts of hundreds of megabytes would stay
+    qInstallMessageHandler(quietMessages);
+    ignoreRelativeFolders();
+    std::signal(SIGPIPE, SIG_IGN);
+    QCoreApplication application(argc, argv);
+    // That of the program whose data and configuration it shares.
+    QCoreApplication::setApplicationName(u"moltiva"_s);
+    Options options;
+    switch (readOptions(QCoreApplication::arguments(), options)) {
+    case Wish::run:
+        break;
+    case Wish::help:
+        std::fputs(qPrintable(usage()), stdout);
+        return exitDone;
+    case Wish::version:
+        std::puts("moltiva-service " MOLTIVA_VERSION);
+        return exitDone;
+    case Wish::wrong:
+        std::fputs(qPrintable(usage()), stderr);
+        return exitWrongUse;
+    }
+    try {
+        if (!options.namedAdministrator.isEmpty())
+            return appointAdministrator(options);
+        return prepareAndServe(application, options);
+    } catch (const DatabaseError& error) {
+        tell(sentence(error, options.data));
+        return exitFailed;
+    }
+}

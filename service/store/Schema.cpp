@@ -1,0 +1,119 @@
+#include "service/store/Schema.h"
+
+#include "service/store/Database.h"
+
+#include <array>
+
+namespace {
+
+constexpr int schemaVersion = 3;
+
+// Times are milliseconds since 1970. Of secrets that open something only hashes are kept; the
+// identifiers of pages (pay, invoice, post) are kept as they are, for their links must be shown
+// again.
+
+// Each entry carries the balance after it, as a bank statement does: reading a balance costs one
+// row, and the sums can be checked.
+constexpr std::array ledgerTable{
+    "CREATE TABLE ledger_entry (id INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " account INTEGER NOT NULL REFERENCES account,"
+    " kind TEXT NOT NULL CHECK (kind IN ('welcome', 'purchase', 'reserve', 'refund')),"
+    " amount INTEGER NOT NULL CHECK (amount <> 0 AND (amount < 0) = (kind = 'reserve')),"
+    " balance INTEGER NOT NULL CHECK (balance >= 0),"
+    " request_id TEXT, attempt INTEGER, note TEXT NOT NULL, created INTEGER NOT NULL,"
+    " CHECK ((kind IN ('reserve', 'refund')) = (request_id IS NOT NULL AND attempt IS NOT NULL)))"
+    " STRICT",
+};
+constexpr std::array ledgerRules{
+    "CREATE INDEX ledger_account ON ledger_entry (account, id)",
+    "CREATE UNIQUE INDEX ledger_request ON ledger_entry (account, request_id, attempt, kind)"
+    " WHERE request_id IS NOT NULL",
+    "CREATE TRIGGER ledger_adds_up BEFORE INSERT ON ledger_entry"
+    " WHEN NEW.balance <> NEW.amount + coalesce((SELECT balance FROM ledger_entry"
+    "  WHERE account = NEW.account ORDER BY id DESC LIMIT 1), 0)"
+    " BEGIN SELECT raise(ABORT, 'the ledger does not add up'); END",
+    "CREATE TRIGGER ledger_keeps BEFORE UPDATE ON ledger_entry"
+    " BEGIN SELECT raise(ABORT, 'entries of the ledger stay as they are'); END",
+    "CREATE TRIGGER ledger_keeps_all BEFORE DELETE ON ledger_entry"
+    " BEGIN SELECT raise(ABORT, 'entries of the ledger stay'); END",
+};
+
+constexpr std::array accountTables{
+    "CREATE TABLE account (id INTEGER PRIMARY KEY, public_id TEXT NOT NULL UNIQUE,"
+    " email TEXT NOT NULL UNIQUE, full_name TEXT, password TEXT, created INTEGER NOT NULL) STRICT",
+
+    "CREATE TABLE session (hash BLOB PRIMARY KEY, account INTEGER NOT NULL REFERENCES account,"
+    " created INTEGER NOT NULL, last_used INTEGER NOT NULL) STRICT, WITHOUT ROWID",
+    "CREATE INDEX session_account ON session (account)",
+
+    "CREATE TABLE pass (hash BLOB PRIMARY KEY, purpose TEXT NOT NULL,"
+    " account INTEGER NOT NULL REFERENCES account, detail TEXT NOT NULL,"
+    " expires INTEGER NOT NULL) STRICT, WITHOUT ROWID",
+
+    "CREATE TABLE checkout (id TEXT PRIMARY KEY, account INTEGER NOT NULL REFERENCES account,"
+    " credits INTEGER NOT NULL, state TEXT NOT NULL CHECK (state IN ('open', 'paid', 'cancelled')),"
+    " created INTEGER NOT NULL) STRICT, WITHOUT ROWID",
+    "CREATE TABLE purchase (number INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " id TEXT NOT NULL UNIQUE, account INTEGER NOT NULL REFERENCES account,"
+    " checkout TEXT NOT NULL UNIQUE REFERENCES checkout, credits INTEGER NOT NULL,"
+    " amount_cents INTEGER NOT NULL, created INTEGER NOT NULL, invoice TEXT NOT NULL UNIQUE)"
+    " STRICT",
+    "CREATE INDEX purchase_account ON purchase (account, number)",
+
+    "CREATE TABLE social_connection (account INTEGER NOT NULL REFERENCES account,"
+    " network TEXT NOT NULL, display_name TEXT NOT NULL, connected INTEGER NOT NULL,"
+    " PRIMARY KEY (account, network)) STRICT, WITHOUT ROWID",
+    "CREATE TABLE social_post (id TEXT PRIMARY KEY, account INTEGER NOT NULL REFERENCES account,"
+    " request_id TEXT NOT NULL, network TEXT NOT NULL, display_name TEXT NOT NULL,"
+    " placement TEXT NOT NULL, caption TEXT NOT NULL, image_types TEXT NOT NULL,"
+    " created INTEGER NOT NULL, UNIQUE (account, request_id)) STRICT, WITHOUT ROWID",
+
+    "CREATE TABLE setting (name TEXT PRIMARY KEY, value BLOB NOT NULL) STRICT, WITHOUT ROWID",
+};
+
+constexpr std::array copyTables{
+    // What was written for credits, for who asks again because the answer was lost.
+    "CREATE TABLE copy_result (account INTEGER NOT NULL REFERENCES account,"
+    " request_id TEXT NOT NULL, reply BLOB NOT NULL, created INTEGER NOT NULL,"
+    " PRIMARY KEY (account, request_id)) STRICT, WITHOUT ROWID",
+    "CREATE INDEX copy_result_age ON copy_result (created)",
+};
+
+// Of before version 3, whose check allowed a balance of 2,000,000,000 at most.
+constexpr std::array ledgerAside{"ALTER TABLE ledger_entry RENAME TO narrow_entry"};
+constexpr std::array ledgerBack{
+    "INSERT INTO ledger_entry SELECT * FROM narrow_entry ORDER BY id",
+    "DROP TABLE narrow_entry",
+};
+
+qint64 versionOf(Transaction& transaction)
+{
+    Rows version = transaction.rows("PRAGMA user_version");
+    return version.next() ? version.number(0) : 0;
+}
+
+}    // namespace
+
+void bringUpToDate(Transaction& transaction)
+{
+    const qint64 found = versionOf(transaction);
+    if (found > schemaVersion)
+        throw DatabaseError(DatabaseError::Kind::tooNew, "written by a newer version");
+    if (found == schemaVersion)
+        return;
+    const auto take = [&](const auto& statements) {
+        for (const char* statement : statements)
+            transaction.run(statement);
+    };
+    if (found < 1)
+        take(accountTables);
+    if (found < 2)
+        take(copyTables);
+    if (found > 0)
+        take(ledgerAside);
+    take(ledgerTable);
+    if (found > 0)
+        take(ledgerBack);
+    take(ledgerRules);
+    transaction.run("PRAGMA user_version = 3");
+}

@@ -1,6 +1,0 @@
-#pragma once
-
-#include "studio/StudioHistory.h"
-
-// What a step of the history changed, as a noun phrase in Spanish: "tamaño del título".
-QString stepName(const StudioHistorySnapshot& before, const StudioHistorySnapshot& after);

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "studio/batch/Batch.h"
+
+#include <chrono>
+#include <optional>
+
+// The whole editing state at one moment. Its containers are shared with the batch it was taken
+// from, so a step costs what changed since.
+using StudioHistorySnapshot = Batch;
+
+// Undo and redo as states to go back to. Continuous changes (typing, a slider) become one step as
+// long as no two of them lie further apart than a moment; a gesture on the canvas is one step
+// however long it takes. The time is passed in.
+class StudioHistory {
+public:
+    using Time = std::chrono::steady_clock::time_point;
+    enum class Changes { single, continuous };
+
+    bool canUndo() const { return !m_undoStack.isEmpty(); }
+    bool canRedo() const { return !m_redoStack.isEmpty(); }
+
+    // A change was made: `before` is the state it began with. Nothing is recorded of one that
+    // changed nothing or belongs to a gesture.
+    void registerUndo(const StudioHistorySnapshot& before, const StudioHistorySnapshot& current,
+                      Changes changes, Time now);
+    // The next continuous change begins a step of its own.
+    void endContinuousChanges() { m_lastCoalescedUndoDate.reset(); }
+
+    // The state to go back to, or forward; nothing when there is none.
+    std::optional<StudioHistorySnapshot> undo(const StudioHistorySnapshot& current);
+    std::optional<StudioHistorySnapshot> redo(const StudioHistorySnapshot& current);
+
+    // A second begin without an end goes on with the first gesture.
+    void beginCanvasEdit(const StudioHistorySnapshot& current);
+    bool isCanvasEditActive() const { return m_activeCanvasEditSnapshot.has_value(); }
+    // Ends the gesture; nothing when none was under way.
+    std::optional<StudioHistorySnapshot> endCanvasEdit();
+
+    // What was paid of which item since the history began, also of items that are gone.
+    using Payments = QHash<QUuid, QSet<QString>>;
+    const Payments& payments() const { return m_payments; }
+    static void collectPayments(const Batch& batch, Payments& payments);
+    // Renders are paid for: in every state that their items may come back in, and in `current`.
+    void recordPayments(const Payments& paid, Batch& current);
+
+    void clear();
+
+private:
+    static std::optional<StudioHistorySnapshot> step(QList<StudioHistorySnapshot>& from,
+                                                     QList<StudioHistorySnapshot>& to,
+                                                     const StudioHistorySnapshot& current);
+
+    QList<StudioHistorySnapshot> m_undoStack, m_redoStack;    // oldest first
+    Payments m_payments;
+    std::optional<Time> m_lastCoalescedUndoDate;
+    std::optional<StudioHistorySnapshot> m_activeCanvasEditSnapshot;
+};

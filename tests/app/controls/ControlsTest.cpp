@@ -1,0 +1,170 @@
+#include "app/controls/Button.h"
+#include "app/controls/StatusLine.h"
+#include "app/controls/fields/SegmentedControl.h"
+#include "app/controls/fields/TextField.h"
+#include "tests/app/Events.h"
+
+#include <QFocusFrame>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QList<Segment> threeSegments()
+{
+    return {{Icon::none, u"uno"_qs, {}, u"Uno"_qs},
+            {Icon::none, u"dos"_qs, {}, u"Dos"_qs},
+            {Icon::none, u"tres"_qs, {}, u"Tres"_qs}};
+}
+
+}    // namespace
+
+TEST(SegmentedControl, arrowsChooseAndStopAtTheEnds)
+{
+    SegmentedControl segments(threeSegments());
+    QList<int> chosen;
+    QObject::connect(&segments, &SegmentedControl::chosen,
+                     [&](int index) { chosen.append(index); });
+    segments.setCurrent(1);
+    for (const int key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Home, Qt::Key_Left, Qt::Key_Down})
+        type(segments, key);
+    EXPECT_EQ(chosen, (QList<int>{2, 0, 1}));
+    EXPECT_EQ(segments.accessibleName(), u"Dos"_qs);
+}
+
+TEST(SegmentedControl, pressingTheChosenSegmentAsksForNothing)
+{
+    SegmentedControl segments(threeSegments());
+    segments.resize(segments.sizeHint());
+    int asked = 0;
+    QObject::connect(&segments, &SegmentedControl::chosen, [&] { ++asked; });
+    press(segments, segments.segmentRect(2).center());
+    press(segments, segments.segmentRect(2).center());
+    EXPECT_EQ(segments.current(), 2);
+    EXPECT_EQ(asked, 1);
+}
+
+TEST(Controls, clicksLeaveTheFocusWhereItIs)
+{
+    QWidget window;
+    QVBoxLayout layout(&window);
+    TextField field(u"Campo"_qs, {});
+    PushButton button(Icon::undo, u"Botón"_qs);
+    IconButton icon(Icon::redo, u"Icono"_qs);
+    SegmentedControl segments(threeSegments());
+    for (QWidget* widget : QList<QWidget*>{&field, &button, &icon, &segments})
+        layout.addWidget(widget);
+    window.show();
+    window.activateWindow();
+    settle();
+    field.edit()->setFocus();
+    for (QWidget* widget : QList<QWidget*>{&button, &icon, &segments}) {
+        EXPECT_FALSE(widget->focusPolicy() & Qt::ClickFocus);
+        press(*widget, widget->rect().center());
+        EXPECT_TRUE(field.edit()->hasFocus());
+    }
+}
+
+TEST(Controls, theRingIsForFocusFromTheKeyboardAndDiesWithItsControl)
+{
+    QWidget window;
+    auto button = std::make_unique<PushButton>(Icon::undo, u"Botón"_qs, ButtonKind::neutral,
+                                               ButtonSize::regular, &window);
+    window.show();
+    window.activateWindow();
+    settle();
+    button->setFocus(Qt::OtherFocusReason);
+    EXPECT_EQ(window.findChild<QFocusFrame*>(), nullptr);
+    button->clearFocus();
+    button->setFocus(Qt::TabFocusReason);
+    const auto* frame = window.findChild<QFocusFrame*>();
+    ASSERT_NE(frame, nullptr);
+    EXPECT_EQ(frame->widget(), button.get());
+    button.reset();
+    EXPECT_EQ(frame->widget(), nullptr);
+    EXPECT_TRUE(frame->isHidden());
+}
+
+TEST(Controls, thereIsOneRingInAScrollAreaToo)
+{
+    QWidget window;
+    QScrollArea area(&window);
+    auto* page = new QWidget;
+    auto* first = new IconButton(Icon::undo, u"Uno"_qs, 32, page);
+    auto* second = new IconButton(Icon::redo, u"Dos"_qs, 32, page);
+    area.setWidget(page);
+    window.show();
+    window.activateWindow();
+    settle();
+    for (QWidget* button : {first, second, first})
+        button->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(window.findChildren<QFocusFrame*>().size(), 1);
+}
+
+TEST(TextField, tellsAnEditOnceWhenItEndsAndNothingWhenShown)
+{
+    QWidget window;
+    TextField field(u"Objetivo"_qs, {}, &window);
+    QStringList edits;
+    QObject::connect(&field, &TextField::edited, [&](const QString& text) { edits.append(text); });
+    window.show();
+    window.activateWindow();
+    settle();
+    field.setText(u"Otoño"_qs);
+    field.edit()->setFocus();
+    field.edit()->setText(u"Invierno"_qs);
+    type(*field.edit(), Qt::Key_Return);
+    EXPECT_EQ(edits, QStringList{u"Invierno"_qs});
+    EXPECT_FALSE(field.edit()->hasFocus()) << "the arrows would go on moving the cursor";
+
+    field.edit()->setFocus();
+    field.edit()->setText(u"Verano"_qs);
+    type(*field.edit(), Qt::Key_Escape);
+    EXPECT_EQ(edits, (QStringList{u"Invierno"_qs, u"Verano"_qs})) << "nothing typed is lost";
+
+    field.edit()->setFocus();
+    field.edit()->setText(u"Primavera"_qs);
+    field.setText(u"Verano"_qs);
+    EXPECT_EQ(field.text(), u"Primavera"_qs) << "shown again while it is edited";
+    field.setText(u"Otoño"_qs);
+    EXPECT_EQ(field.text(), u"Otoño"_qs);
+}
+
+TEST(StatusLine, remembersTheLastTenAndOneForAPieceOfWork)
+{
+    StatusLine line;
+    for (int i = 1; i <= 12; ++i)
+        line.setStatus({StatusKind::ok, u"Frase %1"_qs.arg(i)});
+    ASSERT_EQ(line.history().size(), 10);
+    EXPECT_EQ(line.history().first().sentence, u"Frase 3"_qs);
+    for (int i = 1; i <= 5; ++i)
+        line.setStatus({StatusKind::busy, u"Exportando %1 de 5"_qs.arg(i), i / 5.0});
+    line.setStatus({StatusKind::ok, u"Hecho"_qs});
+    EXPECT_EQ(line.history().last().sentence, u"Hecho"_qs);
+    EXPECT_EQ(line.history()[8].sentence, u"Exportando 5 de 5"_qs);
+    EXPECT_EQ(line.history()[7].sentence, u"Frase 12"_qs);
+}
+
+TEST(StatusLine, fastStepsAreNotAllAnnouncedButTheOutcomeIs)
+{
+    StatusLine line;
+    line.setStatus({StatusKind::busy, u"Paso 1"_qs, 0.1});
+    line.setStatus({StatusKind::busy, u"Paso 2"_qs, 0.2});
+    EXPECT_EQ(line.accessibleName(), u"Paso 1"_qs);
+    line.setStatus({StatusKind::error, u"No se pudo"_qs});
+    EXPECT_EQ(line.accessibleName(), u"No se pudo"_qs);
+}
+
+TEST(StatusLine, theStopButtonIsThereOnlyForWorkThatCanStop)
+{
+    StatusLine line;
+    const auto* stop = line.findChild<IconButton*>();
+    line.setStatus({StatusKind::busy, u"Exportando"_qs, 0.5, true});
+    EXPECT_FALSE(stop->isHidden());
+    line.setStatus({StatusKind::busy, u"Guardando"_qs, 0.5, false});
+    EXPECT_TRUE(stop->isHidden());
+}

@@ -1,0 +1,317 @@
+#include "app/account/AuthGateView.h"
+#include "app/controls/StatusLine.h"
+#include "app/controls/fields/LineField.h"
+#include "app/layers/SidePanel.h"
+#include "app/layers/TextPanel.h"
+#include "app/presets/PresetDrawing.h"
+#include "app/presets/PresetGrid.h"
+#include "app/presets/StyleShelf.h"
+#include "app/presets/TemplatesBinding.h"
+#include "app/presets/TemplatesPanel.h"
+#include "app/stage/StagePanel.h"
+#include "app/window/MainWindow.h"
+#include "app/window/StudioShell.h"
+#include "canvas/interaction/CanvasInteractionView.h"
+#include "platform/PhotoCache.h"
+#include "platform/PreferencesStore.h"
+#include "studio/StudioSession.h"
+#include "tests/app/Events.h"
+#include "tests/support/ScriptedAccount.h"
+
+#include <QApplication>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QWheelEvent>
+
+#include <QtTest/QTest>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The window with three photos, the templates open.
+class TemplatesTest : public ::testing::Test {
+protected:
+    TemplatesTest()
+    {
+        session.restoreWorkspaceIfNeeded();
+        window.resize(1280, 800);
+        window.show();
+        for (int i = 0; i < 3; ++i) {
+            QImage image(60, 40, QImage::Format_RGB32);
+            image.fill(QColor::fromHsv(i * 30, 200, 200));
+            EXPECT_TRUE(image.save(m_folder.filePath(u"f%1.png"_s.arg(i))));
+        }
+        session.load({QUrl::fromLocalFile(m_folder.path())});
+        settle();    // the first photos open the templates
+    }
+    void settle()
+    {
+        for (int turn = 0; turn < 3; ++turn) {
+            QTest::qWait(20);
+            ASSERT_TRUE(QTest::qWaitFor([this] { return window.isSettled(); }, 30000));
+        }
+    }
+    SidePanel* side() { return window.shell()->sidePanel(); }
+    PresetGrid* packaged() { return side()->templatesPanel()->packaged(); }
+    PresetGrid* own() { return side()->templatesPanel()->own(); }
+    SavedTemplates& saved() { return window.templates().saved(); }
+    const PublicationItem& current() { return *session.batch().currentItem(); }
+    QByteArray onCanvas()
+    {
+        const QImage image = window.shell()->stage()->canvas()->grab().toImage();
+        return {reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes()};
+    }
+
+    QTemporaryDir m_folder, m_data;
+    std::shared_ptr<PhotoCache> m_photos =
+        std::make_shared<PhotoCache>(m_data.filePath(u"cache"_s));
+    PreferencesStore preferences{m_data.filePath(u"preferences.sqlite"_s)};
+    StudioSession session{m_photos, preferences};
+    ScriptedAccount account{preferences, Scripted::signedIn};
+    MainWindow window{session, account.session(), m_photos, preferences};
+};
+
+}    // namespace
+
+TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
+{
+    session.selectLayer(QUuid());
+    settle();
+    const Batch before = session.batch();
+    const bool couldUndo = session.canUndo();
+    const QByteArray shown = onCanvas();
+    PresetTile* tile = packaged()->tile(packaged()->presets().first().id);
+    QSignalSpy begun(packaged(), &PresetGrid::previewWanted);
+    QSignalSpy ended(packaged(), &PresetGrid::previewEnded);
+    const auto isSaid = [&] {
+        const QString canvas = window.shell()->stage()->canvas()->accessibleName();
+        return std::pair(tile->accessibleName().contains(u"vista previa"_s),
+                         canvas.contains(u"vista previa"_s));
+    };
+    hover(tile, QEvent::HoverEnter);
+    EXPECT_EQ(onCanvas(), shown);    // not at once
+    ASSERT_TRUE(begun.wait());
+    settle();
+    EXPECT_NE(onCanvas(), shown);
+    EXPECT_EQ(isSaid(), std::pair(true, true));
+    EXPECT_EQ(session.batch(), before);
+    hover(tile, QEvent::HoverLeave);
+    ASSERT_TRUE(ended.wait());
+    settle();
+    EXPECT_EQ(onCanvas(), shown);
+    EXPECT_EQ(isSaid(), std::pair(false, false));
+    EXPECT_EQ(session.canUndo(), couldUndo);
+
+    // By the keyboard it stays while the wheel turns over the canvas: that edits nothing.
+    window.activateWindow();
+    packaged()->setFocus(Qt::TabFocusReason);
+    ASSERT_TRUE(begun.wait());
+    QWidget* canvas = window.shell()->stage()->canvas();
+    const QPointF middle = canvas->rect().center();
+    QWheelEvent wheel(middle, canvas->mapToGlobal(middle), {}, {0, 120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(canvas, &wheel);
+    settle();
+    EXPECT_EQ(session.batch(), before);
+    canvas->setFocus();
+
+    session.selectAll();
+    session.setText(CopySlot::title, u"Solo en esta"_s);
+    hover(tile, QEvent::HoverEnter);
+    ASSERT_TRUE(begun.wait());
+    tile->click();
+    settle();
+    for (const PublicationItem& item : session.batch().items) {
+        EXPECT_NE(item.layers[0].frame, before.items[0].layers[0].frame);
+        EXPECT_EQ(item.shapeLayers, current().shapeLayers);    // ids included
+    }
+    EXPECT_EQ(current().layers[0].text, u"Solo en esta"_s);
+    EXPECT_TRUE(tile->preset().chosen);
+    EXPECT_EQ(session.status(),
+              u"Plantilla «%1» aplicada a 3 imágenes."_s.arg(tile->preset().name));
+    session.undo();
+    EXPECT_EQ(session.batch().items[1], before.items[1]);    // one step for all
+    EXPECT_EQ(session.batch().items[2], before.items[2]);
+    EXPECT_EQ(current().layers[0].text, u"Solo en esta"_s);
+}
+
+TEST_F(TemplatesTest, OpenWithTheFirstPhotosAlone)
+{
+    EXPECT_EQ(side()->tab(), SideTab::templates);
+    side()->setTab(SideTab::text);
+    bool stood = false;
+    QObject::connect(&session, &StudioSession::importChanged, &window, [&] {
+        if (!session.isImporting() || session.importProgress().accepted.isEmpty())
+            return;
+        stood = true;
+        EXPECT_TRUE(window.shell()->isStage(StudioShell::Stage::empty))
+            << "the old canvas beside new tiles";
+    });
+    window.activateWindow();
+    window.shell()->stage()->canvas()->setFocus();
+    session.load({QUrl::fromLocalFile(m_folder.path())});
+    settle();
+    EXPECT_TRUE(stood);
+    EXPECT_TRUE(window.shell()->isStage(StudioShell::Stage::picture));
+    EXPECT_TRUE(window.shell()->stage()->canvas()->hasFocus());
+    EXPECT_EQ(side()->tab(), SideTab::text);
+}
+
+TEST_F(TemplatesTest, AreSavedRenamedAndFound)
+{
+    EXPECT_TRUE(own()->presets().isEmpty());
+    window.activateWindow();
+    window.templates().saveTemplate();
+    auto* name = qobject_cast<LineField*>(QApplication::focusWidget());
+    ASSERT_TRUE(name);    // in place, ready to be typed over
+    const PresetTile* card = own()->tile(own()->presets().first().id);
+    EXPECT_LE(name->width(), card->width());
+    EXPECT_TRUE(card->findChild<IconButton*>()->isVisible()) << "its menu, without the pointer";
+    QTest::keyClicks(name, u"Rutas de otono"_s);
+    QTest::keyClick(name, Qt::Key_Return);
+    QTest::qWait(1);
+    ASSERT_EQ(own()->presets().size(), 1);
+    EXPECT_EQ(own()->presets().first().name, u"Rutas de otono"_s);
+    EXPECT_TRUE(own()->presets().first().chosen);
+
+    // A second one while the first is named: what was typed is that of the first.
+    window.templates().saveTemplate();
+    QTest::keyClicks(QApplication::focusWidget(), u"Primera"_s);
+    window.templates().saveTemplate();
+    QTest::qWait(1);
+    EXPECT_EQ(own()->presets()[1].name, u"Primera"_s);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);    // on second thoughts
+    QTest::qWait(1);
+    saved().removeTemplate(own()->presets().first().id);
+    window.templates().saveTemplate();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    QTest::qWait(1);
+    EXPECT_EQ(saved().templates().entries().size(), 1);
+
+    auto* search = side()->templatesPanel()->findChild<LineField*>();
+    search->setText(u" ÓTONO"_s);
+    EXPECT_EQ(own()->presets().size(), 1);
+    EXPECT_TRUE(packaged()->presets().isEmpty());
+    search->setText(u"nada"_s);
+    EXPECT_TRUE(own()->presets().isEmpty());
+    search->clear();
+
+    session.setFormat(SocialFormat::storyReel);
+    settle();
+    EXPECT_TRUE(own()->presets().isEmpty());    // made for another format
+    EXPECT_FALSE(packaged()->presets().isEmpty());
+    session.setFormat(SocialFormat::carouselPortrait);
+    settle();
+
+    // The keyboard alone: the ring, the choice, the removal.
+    own()->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(own(), Qt::Key_Delete);
+    EXPECT_TRUE(saved().templates().entries().isEmpty());
+    Q_EMIT side()->templatesPanel()->callBackRequested();
+    EXPECT_EQ(own()->presets().size(), 1);
+    // The ring stays on its template when another one comes before it.
+    const QUuid older = own()->presets().first().id;
+    own()->setFocus(Qt::TabFocusReason);
+    saved().saveTemplate(current(), session.batch().format);
+    EXPECT_TRUE(own()->accessibleName().contains(u"Rutas de otono"_s));
+    QTest::keyClick(own(), Qt::Key_Delete);
+    EXPECT_FALSE(saved().templates().find(older));
+    EXPECT_TRUE(own()->accessibleName().contains(u"Plantilla 1"_s));
+    QTest::keyClick(own(), Qt::Key_F2);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QTest::qWait(1);
+    EXPECT_EQ(QApplication::focusWidget(), own()) << "or the next arrow changes the image";
+    packaged()->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(packaged(), Qt::Key_Right);
+    QTest::keyClick(packaged(), Qt::Key_Return);
+    EXPECT_TRUE(packaged()->presets()[1].chosen);
+}
+
+TEST_F(TemplatesTest, GoOutAndComeInAsFiles)
+{
+    const QString file = m_data.filePath(u"plantilla.json"_s);
+    const auto told = [this] { return window.shell()->statusLine()->accessibleName(); };
+    packaged()->tile(packaged()->presets().first().id)->click();
+    window.templates().exportDefinition(packaged()->presets().first().id, file);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return told().contains(u"exportada"_s); }, 10000));
+    window.templates().importDefinition(file);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return own()->presets().size() == 1; }, 10000));
+    EXPECT_EQ(own()->presets().first().name, packaged()->presets().first().name);
+    EXPECT_TRUE(own()->presets().first().chosen);    // it makes the same of the image
+    window.templates().importDefinition(file);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return told().contains(u"ya está"_s); }, 10000));
+    window.templates().importDefinition(m_folder.filePath(u"f0.png"_s));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return told().contains(u"no es una plantilla"_s); }, 10000));
+    EXPECT_EQ(saved().templates().entries().size(), 1);
+}
+
+TEST_F(TemplatesTest, StylesReachTheSelectedTextOfAllSelectedImages)
+{
+    side()->setTab(SideTab::text);
+    StyleShelf* shelf = side()->textPanel()->styles();
+    session.selectLayer(current().layers[0].id);
+    TextLayer title = current().layers[0];
+    title.foreground = {1, 0, 0};
+    title.alignment = LayerTextAlignment::trailing;
+    session.editLayer(title);
+    Q_EMIT shelf->saveRequested();
+    ASSERT_EQ(shelf->grid()->presets().size(), 1);
+    const QUuid style = shelf->grid()->presets().first().id;
+    // White letters on the bright photo of the third image.
+    title.foreground = codableWhite;
+    title.hasBox = false;
+    const PhotoHandle bright = session.batch().items[2].image;
+    const QImage card = drawnStyle(bright, title, {80, 50}, *m_photos);
+    const QImage photo = m_photos->thumbnail({bright.path, bright.digest});
+    EXPECT_LT(card.pixelColor(2, 2).lightnessF(), photo.pixelColor(2, 2).lightnessF() * 0.8F);
+    EXPECT_TRUE(shelf->grid()->presets().first().chosen);
+
+    session.selectAll();
+    session.selectLayer(current().layers[1].id);
+    shelf->grid()->tile(style)->click();
+    for (const PublicationItem& item : session.batch().items) {
+        EXPECT_EQ(item.layers[1].foreground, (CodableColor{1, 0, 0}));
+        EXPECT_EQ(item.layers[1].alignment, LayerTextAlignment::center);
+    }
+    session.undo();
+    EXPECT_EQ(current().layers[1].foreground, codableWhite);
+    session.selectLayer(QUuid());
+    const Batch before = session.batch();
+    shelf->grid()->tile(style)->click();    // no text to take it
+    EXPECT_EQ(session.batch(), before);
+    Q_EMIT shelf->removeRequested(style);
+    EXPECT_TRUE(shelf->grid()->presets().isEmpty());
+}
+
+TEST_F(TemplatesTest, TilesFollowWhatTheyStandFor)
+{
+    const QUuid id = saved().saveTemplate(current(), session.batch().format);
+    settle();
+    const auto tile = [&] { return own()->tile(id)->grab().toImage(); };
+    const QImage before = tile();
+    const JSONVisualTemplateDefinition design =
+        BuiltInTemplateLibrary().definitions(session.batch().format).first();
+    session.applyTemplate(design.name, design.application());
+    saved().updateTemplate(id, current(), session.batch().format);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return saved().templates().find(id)->previewPNG.has_value(); }, 20000));
+    settle();
+    EXPECT_NE(tile(), before);
+    EXPECT_TRUE(own()->tile(id)->preset().chosen);
+}
+
+TEST_F(TemplatesTest, AFailedStoreIsTheLastWord)
+{
+    PreferencesStore nowhere(u"/proc/moltiva/p.sqlite"_s);
+    TemplatesBinding templates(session, side(), m_photos, nowhere);
+    QString told;
+    QObject::connect(&templates, &TemplatesBinding::told, &templates,
+                     [&](const QString& sentence) { told = sentence; });
+    templates.saveTemplate();
+    if (QWidget* name = QApplication::focusWidget())
+        QTest::keyClick(name, Qt::Key_Return);
+    QTest::qWait(1);
+    EXPECT_TRUE(told.startsWith(u"No se pudieron guardar tus plantillas."_s)) << told.toStdString();
+}
