@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int longestLine = 300;
+constexpr int longestShownLine = 300;
 constexpr int profileLongestText = 4000;    // with a long address in it
 
 QString harmless(const QString& text)
@@ -36,7 +36,7 @@ QString firstLetter(const QString& word)
 
 QString shownLine(const QString& text)
 {
-    return shortened(harmless(text.left(10 * longestLine)).simplified(), longestLine);
+    return shortened(harmless(text.left(10 * longestShownLine)).simplified(), longestShownLine);
 }
 
 QString shownText(const QString& text)

@@ -1,5 +1,6 @@
 #include "app/controls/PanelLayout.h"
 
+#include "app/controls/Caption.h"
 #include <QScrollArea>
 
 namespace {
@@ -44,4 +45,9 @@ void showIn(QScrollArea* area, QWidget* widget)
 {
     constexpr int margin = 8;
     area->ensureWidgetVisible(widget, 0, margin);
+}
+
+QWidget* sectionTitle(const QString& text, QWidget* parent)
+{
+    return new Caption(Type::small, &Theme::text2, text, parent);
 }

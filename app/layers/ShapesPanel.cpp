@@ -19,11 +19,6 @@ constexpr int shapesMostRows = 60;
 constexpr SliderRange shapesPercent{SliderUnit::percent, 0, 1},
     widthRange{SliderUnit::plain, 0, 40}, shapesRadiusRange{SliderUnit::plain, 0, 80};
 
-QWidget* sectionTitle(const QString& text, QWidget* parent)
-{
-    return new Caption(Type::small, &Theme::text2, text, parent);
-}
-
 }    // namespace
 
 ShapesPanel::ShapesPanel(QWidget* parent)

@@ -33,11 +33,6 @@ QList<Segment> alignments()
     return segments;
 }
 
-QWidget* sectionTitle(const QString& text, QWidget* parent)
-{
-    return new Caption(Type::small, &Theme::text2, text, parent);
-}
-
 }    // namespace
 
 TextPanel::TextPanel(QWidget* parent)

@@ -14,20 +14,21 @@ class AuthGateView;
 class BatchBinding;
 class ExportBinding;
 class FileIntake;
+class KeptLook;
 class PanelBinding;
 class PhotoCache;
 class PreferencesStore;
 class StageBinding;
+class StudioCommands;
+class StudioFocus;
 class StudioMenu;
 class StudioSession;
 class StudioShell;
 class TemplatesBinding;
-enum class Command;
-enum class ShapeKind;
-enum class SideTab;
 struct Status;
 
-// Places the panels, connects them with the session, and runs what the menu and the keys ask for.
+// The studio in its window: connects panels, session and account, and takes what comes from outside
+// (keys, files, closing).
 class MainWindow : public QWidget, public KeptClear {
     Q_OBJECT
 public:
@@ -37,7 +38,8 @@ public:
     ~MainWindow() override;
 
     StudioShell* shell() const { return m_shell; }
-    StudioMenu* menu() const { return m_menu; }
+    StudioMenu* menu() const;
+    StudioCommands& commands() const { return *m_commands; }
     TemplatesBinding& templates() const { return *m_templates; }
     ExportBinding& exports() const { return *m_exports; }
     AuthGateView* gate() const { return m_gate; }
@@ -61,9 +63,9 @@ protected:
 private:
     QList<QRect> keptClear(const QWidget* owner) const override;
     void connectPanels();
+    void connectStage();
     void connectSession();
     void connectAccount();
-    void restorePreferences();
 
     bool isGated() const;
     void refuseLink();
@@ -71,24 +73,9 @@ private:
     void showWaiting();
     void openWaiting();
 
-    void run(Command command);
-    void step(int images);
-    void selectAll();
-    void discardCurrent();
-    void removeLayer();
-    void addShape(ShapeKind kind);
-    void chooseTheme(Command command);
-    void showColumn(Command command, bool visible);
-    void showTab(SideTab tab);
-    void goToRegion(int step);
-    void focusCanvas();
-    void endEdits();
-    void showTileMenu(int index, QPoint globalPosition);
-
     void showBatch();
     void showStage();
     void greetFirstImport();
-    void showMenu();
     void showStatus();
     void tell(Status status);
     void showHints();
@@ -103,8 +90,10 @@ private:
     std::unique_ptr<PanelBinding> m_panel;
     std::unique_ptr<TemplatesBinding> m_templates;
     FileIntake* m_files;
-    StudioMenu* m_menu;
     std::unique_ptr<ExportBinding> m_exports;
+    StudioFocus* m_focus;
+    KeptLook* m_look;
+    StudioCommands* m_commands;
     AuthGateView* m_gate;
     std::unique_ptr<AccountBinding> m_account;
     // Files that came while nobody was signed in: given from outside, and dropped.

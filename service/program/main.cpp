@@ -7,6 +7,7 @@
 #include "service/Service.h"
 #include "service/http/Server.h"
 #include "service/store/Accounts.h"
+#include "service/store/Schema.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -218,7 +219,7 @@ int appointAdministrator(const Options& options)
     const auto email = normalizedEmail(options.namedAdministrator);
     std::optional<Account> account;
     if (email && QFile::exists(file)) {
-        Database database(file, Database::History::usedBefore);
+        Database database(file, &bringUpToDate, Database::History::usedBefore);
         Transaction transaction(database);
         account = accountWithEmail(transaction, *email);
         if (account)

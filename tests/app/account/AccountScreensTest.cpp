@@ -155,15 +155,15 @@ TEST_F(AccountScreensTest, TheCheckRunsOnceAndTheStudioWaitsForIt)
     EXPECT_EQ(window.gate()->state(), Gate::checking);
     window.hide();
     window.show();
-    for (const Command command : {Command::importImages, Command::undo, Command::appSettings})
+    for (const QString& command : {u"Importar imágenes…"_s, u"Deshacer"_s, u"Ajustes de Moltiva"_s})
         EXPECT_FALSE(window.menu()->action(command)->isEnabled());
-    EXPECT_TRUE(window.menu()->action(Command::quit)->isEnabled());
+    EXPECT_TRUE(window.menu()->action(u"Salir"_s)->isEnabled());
     window.open({photo()});
     QTest::qWait(100);
     account.release();
     ASSERT_TRUE(isAt(Gate::signedOut));
     EXPECT_EQ(account.log().count("GET /api/auth/me"), 1);
-    EXPECT_FALSE(window.menu()->action(Command::importImages)->isEnabled());
+    EXPECT_FALSE(window.menu()->action(u"Importar imágenes…"_s)->isEnabled());
     // Neither Tab nor a key of the window leads into what lies behind.
     for (int i = 0; i < 20; ++i) {
         QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
@@ -179,7 +179,7 @@ TEST_F(AccountScreensTest, TheCheckRunsOnceAndTheStudioWaitsForIt)
     EXPECT_TRUE(account.log().contains(
         R"(POST /api/auth/login {"email":"lucia@casaliebana.es","password":"secreto"})"));
     EXPECT_TRUE(login()->password()->text().isEmpty());
-    EXPECT_TRUE(window.menu()->action(Command::importImages)->isEnabled());
+    EXPECT_TRUE(window.menu()->action(u"Importar imágenes…"_s)->isEnabled());
     // More of the same that was opened before.
     window.open({photo(u"g.png"_s)});
     EXPECT_TRUE(QTest::qWaitFor([this] { return session.batch().items.size() == 2; }));
@@ -188,10 +188,10 @@ TEST_F(AccountScreensTest, TheCheckRunsOnceAndTheStudioWaitsForIt)
     EXPECT_FALSE(login()->primary(LoginMode::signIn)->isWorking());
     EXPECT_FALSE(login()->email()->edit()->isReadOnly());
     account.answer("POST /api/auth/logout", R"({"ok":true})");
-    window.menu()->action(Command::signOut)->trigger();
+    window.menu()->action(u"Cerrar sesión"_s)->trigger();
     ASSERT_TRUE(isAt(Gate::signedOut));
     EXPECT_EQ(session.batch().items.size(), 2);
-    EXPECT_FALSE(window.menu()->action(Command::undo)->isEnabled());
+    EXPECT_FALSE(window.menu()->action(u"Deshacer"_s)->isEnabled());
     EXPECT_EQ(account.log().count("GET /api/auth/me"), 1);
 }
 
@@ -267,10 +267,10 @@ TEST_F(AccountScreensTest, ASheetHoldsTheFocusAndGivesItBack)
     EXPECT_EQ(first->accessibleName(), u"Importar imágenes"_s);
     auto* button = window.findChild<UserAccountButton*>();
     button->setFocus(Qt::TabFocusReason);
-    window.menu()->action(Command::account)->trigger();
+    window.menu()->action(u"Cuenta…"_s)->trigger();
     auto* sheet = window.findChild<AccountSettingsWindow*>();
     ASSERT_TRUE(sheet && sheet->isPresented());
-    EXPECT_FALSE(window.menu()->action(Command::undo)->isEnabled());
+    EXPECT_FALSE(window.menu()->action(u"Deshacer"_s)->isEnabled());
     for (int i = 0; i < 30; ++i) {
         QTest::keyClick(window.focusWidget(), i < 15 ? Qt::Key_Tab : Qt::Key_Backtab);
         ASSERT_TRUE(sheet->isAncestorOf(window.focusWidget()));
@@ -289,7 +289,7 @@ TEST_F(AccountScreensTest, ASheetHoldsTheFocusAndGivesItBack)
     EXPECT_FALSE(session.accountPanel());
     EXPECT_EQ(window.focusWidget(), button);
     EXPECT_GT(shell->childCount(), 0);
-    EXPECT_TRUE(window.menu()->action(Command::undo)->isEnabled());
+    EXPECT_TRUE(window.menu()->action(u"Deshacer"_s)->isEnabled());
 }
 
 TEST_F(AccountScreensTest, CreditsAreBoughtAndThePasswordIsChanged)
@@ -372,7 +372,7 @@ TEST_F(AccountScreensTest, OutcomesAreToldWhereNoScreenShowsThem)
     EXPECT_TRUE(isTold(u"Sesión iniciada."_s));
     account.answer("POST /api/auth/logout", R"({"error":"x"})", 500);
     for (int i = 0; i < 2; ++i) {    // the same again is told again
-        window.menu()->action(Command::signOut)->trigger();
+        window.menu()->action(u"Cerrar sesión"_s)->trigger();
         EXPECT_EQ(window.shell()->statusLine()->history().last().kind, StatusKind::busy);
         ASSERT_TRUE(isDone());
         EXPECT_TRUE(isTold(account.session().message()));

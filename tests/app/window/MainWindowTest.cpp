@@ -177,7 +177,7 @@ TEST_F(MainWindowTest, tileAndSlotWarnAlikeAlsoWithoutTheColumn)
     EXPECT_TRUE(grid()->accessibleText(0).endsWith(u"con avisos"_s));
     EXPECT_FALSE(grid()->tiles()[1].warnings.contains(sentence));
 
-    window.menu()->action(Command::batchColumn)->trigger();
+    window.menu()->action(u"Columna del lote"_s)->trigger();
     ASSERT_FALSE(grid()->isVisible());
     session.undo();
     settle();
@@ -186,7 +186,7 @@ TEST_F(MainWindowTest, tileAndSlotWarnAlikeAlsoWithoutTheColumn)
     paintTitleAway();
     settle();
     EXPECT_EQ(titleWarnings(), QStringList{sentence});
-    window.menu()->action(Command::batchColumn)->trigger();
+    window.menu()->action(u"Columna del lote"_s)->trigger();
     settle();
     endStep();
     session.removeCurrentItem();
@@ -266,12 +266,12 @@ TEST_F(MainWindowTest, aBatchThatTheColumnDoesNotShowIsNotChangedFromIt)
     Q_EMIT window.shell()->batchColumn()->clicked(0, Qt::ControlModifier);
     Q_EMIT window.shell()->batchColumn()->discardRequested();
     Q_EMIT window.shell()->batchColumn()->selectAllRequested();
-    for (const Command command : {Command::nextImage, Command::addRectangle, Command::undo})
+    for (const QString& command : {u"Imagen siguiente"_s, u"Rectángulo"_s, u"Deshacer"_s})
         window.menu()->action(command)->trigger();
     const QWidget* several = window.shell()->topBar()->exports()->several();
     EXPECT_FALSE(several->isEnabled());
-    window.menu()->action(Command::exportAll)->trigger();
-    window.menu()->action(Command::exportCurrent)->trigger();
+    window.menu()->action(u"Exportar todo…"_s)->trigger();
+    window.menu()->action(u"Exportar actual…"_s)->trigger();
     EXPECT_FALSE(chooser());
     EXPECT_EQ(session.batch(), before);
     EXPECT_FALSE(grid()->tiles()[0].current);
@@ -513,7 +513,7 @@ TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
 TEST_F(MainWindowTest, keysActAfterALookIntoTheMenu)
 {
     window.menu()->menu()->popup({});
-    EXPECT_FALSE(window.menu()->action(Command::selectAll)->isEnabled());
+    EXPECT_FALSE(window.menu()->action(u"Seleccionar todas las imágenes"_s)->isEnabled());
     window.menu()->menu()->close();
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
@@ -619,7 +619,7 @@ TEST_F(MainWindowTest, anExportNeverGoesOverAPhotoOfTheBatch)
     ASSERT_EQ(session.batch().items.size(), 3);
     for (const QString& path : {photo, alias, target}) {
         session.setStatus({});
-        window.menu()->action(Command::exportCurrent)->trigger();
+        window.menu()->action(u"Exportar actual…"_s)->trigger();
         EXPECT_TRUE(chooser()->selectedFiles().value(0).endsWith(u"/f0-publicacion.png"_s));
         choose(path);
         EXPECT_EQ(told().last(), u"Ese archivo es una foto del lote: elige otro nombre."_s);
@@ -636,7 +636,7 @@ TEST_F(MainWindowTest, whateverNameIsChosenBecomesThatOfOnePngFile)
     session.load({QUrl::fromLocalFile(quoted)});
     settle();
     const auto chooseVersion = [this] {
-        window.menu()->action(Command::exportCurrent)->trigger();
+        window.menu()->action(u"Exportar actual…"_s)->trigger();
         EXPECT_EQ(chooser()->selectedFiles().size(), 1);
         choose(m_data.filePath(u"foto.v2"_s));
     };
@@ -658,7 +658,7 @@ TEST_F(MainWindowTest, whatIsExportedIsSettledWhenTheChooserOpens)
     session.load({photos(4)});
     settle();
     session.selectItem(2, Qt::ShiftModifier);
-    window.menu()->action(Command::exportAll)->trigger();
+    window.menu()->action(u"Exportar todo…"_s)->trigger();
     session.selectSingleIndex(3);
     choose(m_data.path() + u"/."_s);
     ASSERT_TRUE(session.isExporting());
@@ -686,14 +686,14 @@ TEST_F(MainWindowTest, aKeyThatClosedAChooserAndIsStillHeldDoesNothing)
 
 TEST_F(MainWindowTest, exportsAreOfferedForWhatIsSelected)
 {
-    const auto entry = [this](Command command) {
+    const auto entry = [this](const QString& command) {
         Q_EMIT window.menu()->menu()->aboutToShow();
         return window.menu()->action(command);
     };
-    EXPECT_FALSE(entry(Command::exportCurrent)->isEnabled());
+    EXPECT_FALSE(entry(u"Exportar actual…"_s)->isEnabled());
     session.load({photos(4)});
     settle();
-    EXPECT_EQ(entry(Command::exportAll)->text(), u"Exportar todo…"_s);
+    EXPECT_EQ(entry(u"Exportar todo…"_s)->text(), u"Exportar todo…"_s);
     const auto* exports = window.shell()->topBar()->exports();
     const auto costs = [&] {
         EXPECT_TRUE(QTest::qWaitFor([&] { return session.areCostsUpToDate(); }, 30000));
@@ -702,12 +702,12 @@ TEST_F(MainWindowTest, exportsAreOfferedForWhatIsSelected)
     EXPECT_EQ(costs(), std::pair(std::optional<qint64>(50), std::optional<qint64>(200)));
     session.selectItem(2, Qt::ShiftModifier);
     EXPECT_EQ(costs(), std::pair(std::optional<qint64>(50), std::optional<qint64>(150)));
-    EXPECT_EQ(entry(Command::exportAll)->text(), u"Exportar 3…"_s);
+    EXPECT_EQ(entry(u"Exportar todo…"_s)->text(), u"Exportar 3…"_s);
     EXPECT_EQ(window.shell()->topBar()->exports()->several()->accessibleName(), u"Exportar 3"_s);
-    EXPECT_TRUE(entry(Command::exportCurrent)->isEnabled());
-    EXPECT_FALSE(entry(Command::pasteStyle)->isEnabled());
+    EXPECT_TRUE(entry(u"Exportar actual…"_s)->isEnabled());
+    EXPECT_FALSE(entry(u"Pegar estilo"_s)->isEnabled());
     session.copyStyle();
-    EXPECT_TRUE(entry(Command::pasteStyle)->isEnabled());
+    EXPECT_TRUE(entry(u"Pegar estilo"_s)->isEnabled());
 }
 
 TEST_F(MainWindowTest, theNextStartHasThePlacesOfThisOne)

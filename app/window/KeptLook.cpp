@@ -1,0 +1,95 @@
+#include "app/window/KeptLook.h"
+
+#include "app/batch/BatchColumn.h"
+#include "app/layers/SidePanel.h"
+#include "app/theme/Theme.h"
+#include "app/window/StudioShell.h"
+#include "platform/PreferencesStore.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString themeKey = u"moltiva.theme"_s;
+const QString batchWidthKey = u"moltiva.batchColumnWidth"_s;
+const QString panelWidthKey = u"moltiva.sidePanelWidth"_s;
+const QString batchHiddenKey = u"moltiva.batchColumnHidden"_s;
+const QString panelHiddenKey = u"moltiva.sidePanelHidden"_s;
+const QString geometryKey = u"moltiva.windowGeometry"_s;
+const QByteArray lightName = "light", darkName = "dark", hiddenName = "yes", seenName = "no";
+
+}    // namespace
+
+KeptLook::KeptLook(StudioShell* shell, PreferencesStore& preferences, QWidget* window)
+    : QObject(window), m_shell(shell), m_preferences(preferences), m_window(window)
+{
+    connect(shell, &StudioShell::batchWidthDragged, this, [this](int width) {
+        m_preferences.setValue(batchWidthKey, QByteArray::number(width));
+    });
+    connect(shell, &StudioShell::panelWidthDragged, this, [this](int width) {
+        m_preferences.setValue(panelWidthKey, QByteArray::number(width));
+    });
+}
+
+void KeptLook::restore()
+{
+    setLight(isLight());
+    const auto number = [this](const QString& key) -> std::optional<int> {
+        const auto stored = m_preferences.value(key);
+        return stored && stored->toInt() > 0 ? std::optional(stored->toInt()) : std::nullopt;
+    };
+    m_shell->setBatchWidth(number(batchWidthKey));
+    m_shell->setPanelWidth(number(panelWidthKey));
+    setBatchColumnSeen(m_preferences.value(batchHiddenKey) != hiddenName);
+    setSidePanelSeen(m_preferences.value(panelHiddenKey) != hiddenName);
+    if (const auto geometry = m_preferences.value(geometryKey))
+        m_window->restoreGeometry(*geometry);
+}
+
+void KeptLook::keepGeometry()
+{
+    m_preferences.setValue(geometryKey, m_window->saveGeometry());
+}
+
+bool KeptLook::isLight() const
+{
+    return m_preferences.value(themeKey) == lightName;
+}
+
+void KeptLook::setLight(bool light)
+{
+    applyTheme(light ? lightTheme() : darkTheme());
+    m_preferences.setValue(themeKey, light ? lightName : darkName);
+    Q_EMIT changed();
+}
+
+bool KeptLook::isBatchColumnSeen() const
+{
+    return !m_shell->batchColumn()->isHidden();
+}
+
+void KeptLook::setBatchColumnSeen(bool seen)
+{
+    m_shell->setBatchVisible(seen);
+    m_preferences.setValue(batchHiddenKey, seen ? seenName : hiddenName);
+    Q_EMIT changed();
+}
+
+bool KeptLook::isSidePanelSeen() const
+{
+    return !m_shell->sidePanel()->isHidden();
+}
+
+void KeptLook::setSidePanelSeen(bool seen)
+{
+    m_shell->setPanelVisible(seen);
+    m_preferences.setValue(panelHiddenKey, seen ? seenName : hiddenName);
+    Q_EMIT changed();
+}
+
+void KeptLook::showTab(SideTab tab)
+{
+    if (!isSidePanelSeen())
+        setSidePanelSeen(true);
+    m_shell->sidePanel()->setTab(tab);
+}

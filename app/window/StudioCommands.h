@@ -1,0 +1,70 @@
+#pragma once
+#include <QObject>
+#include <QPoint>
+#include <QUuid>
+
+class AccountSession;
+class BatchBinding;
+class ExportBinding;
+class FileIntake;
+class KeptLook;
+class PanelBinding;
+class StageBinding;
+class StudioFocus;
+class StudioMenu;
+class StudioSession;
+class StudioShell;
+class TemplatesBinding;
+enum class ShapeKind;
+struct MenuCommand;
+
+// What commands work with; all outlive them.
+struct CommandParts {
+    StudioSession& session;
+    AccountSession& account;
+    StudioShell* shell;
+    BatchBinding& batch;
+    StageBinding& stage;
+    PanelBinding& panel;
+    TemplatesBinding& templates;
+    ExportBinding& exports;
+    FileIntake* files;
+    StudioFocus* focus;
+    KeptLook* look;
+    QWidget* window;
+};
+
+// The commands of the window, whether a menu, a key or a button asks for them.
+class StudioCommands : public QObject {
+    Q_OBJECT
+public:
+    explicit StudioCommands(const CommandParts& parts);
+
+    StudioMenu* menu() const { return m_menu; }
+    void removeLayer();
+    void editSelected();
+
+private:
+    void connectButtons();
+    void run(const MenuCommand& command);
+    // Speaks of one tile, without losing a selection that the tile is part of.
+    void showTileMenu(int index, QPoint globalPosition);
+    QList<MenuCommand> table();
+    QList<MenuCommand> fileCommands();
+    QList<MenuCommand> editCommands();
+    QList<MenuCommand> viewCommands();
+    QList<MenuCommand> helpCommands();
+
+    bool hasImage() const;
+    bool isTextSelected() const;
+    bool isShapeSelected() const;
+    void importTexts();
+    void step(int images);
+    void selectAll();
+    void discardCurrent();
+    void addShape(ShapeKind kind);
+
+    const CommandParts m_parts;
+    StudioSession& m_session;
+    StudioMenu* m_menu;
+};
