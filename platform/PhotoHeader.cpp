@@ -3,6 +3,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace {
@@ -168,78 +169,101 @@ quint64 tiffNumber(const QByteArray& entry, bool isBigEndian, qsizetype valueOff
     return 0;
 }
 
+// How the numbers of a TIFF are written.
+struct TiffLayout {
+    bool isBigEndian = false;
+    bool isBig = false;    // BigTIFF: 64-bit offsets
+
+    int countLength() const { return isBig ? 8 : 2; }
+    int entryLength() const { return isBig ? 20 : 12; }
+    int valueOffset() const { return isBig ? 12 : 8; }
+    int inlineShorts() const { return isBig ? 4 : 2; }    // that an entry itself has room for
+    // An offset, or a count of values.
+    quint64 longNumber(const QByteArray& bytes, qsizetype offset) const
+    {
+        return isBig ? number<quint64>(bytes, offset, isBigEndian)
+                     : quint64(number<quint32>(bytes, offset, isBigEndian));
+    }
+};
+
+struct TiffTags {
+    quint64 width = 0, height = 0, tileWidth = 0, tileHeight = 0, bits = 1, samples = 1;
+    quint64 rowsOfStrip = std::numeric_limits<quint64>::max();
+
+    // A strip or a tile is one buffer; a tile's size has nothing to do with the photo's.
+    quint64 bufferPixels() const
+    {
+        return std::max(tileWidth * tileHeight, width * std::min(rowsOfStrip, height));
+    }
+    bool isSane() const
+    {
+        constexpr quint64 longest = 1 << 24, mostSamples = 8, mostBits = 64;
+        return width <= longest && height <= longest && tileWidth <= longest &&
+               tileHeight <= longest && tileWidth * tileHeight <= quint64(largestUnreduced) &&
+               samples <= mostSamples && bits <= mostBits;
+    }
+};
+
+constexpr quint16 bitsTag = 258;
+constexpr std::array tiffTags{
+    std::pair(quint16(256), &TiffTags::width),
+    std::pair(quint16(257), &TiffTags::height),
+    std::pair(bitsTag, &TiffTags::bits),
+    std::pair(quint16(277), &TiffTags::samples),
+    std::pair(quint16(278), &TiffTags::rowsOfStrip),
+    std::pair(quint16(322), &TiffTags::tileWidth),
+    std::pair(quint16(323), &TiffTags::tileHeight),
+};
+
+// `entries`: the bytes of a directory.
+TiffTags readTiffTags(QIODevice& file, const QByteArray& entries, const TiffLayout& layout)
+{
+    TiffTags tags;
+    for (qsizetype at = 0; at < entries.size(); at += layout.entryLength()) {
+        const QByteArray entry = entries.mid(at, layout.entryLength());
+        const auto tag = number<quint16>(entry, 0, layout.isBigEndian);
+        const auto known =
+            std::ranges::find(tiffTags, tag, [](const auto& row) { return row.first; });
+        if (known == tiffTags.end())
+            continue;
+        tags.*known->second = tiffNumber(entry, layout.isBigEndian, layout.valueOffset());
+        // Depths that do not fit into the entry lie elsewhere in the file; they are alike.
+        if (tag == bitsTag && layout.longNumber(entry, 4) > quint64(layout.inlineShorts())) {
+            const QByteArray first =
+                bytesAt(file, qint64(layout.longNumber(entry, layout.valueOffset())), 2);
+            tags.bits = first.isEmpty() ? 64 : number<quint16>(first, 0, layout.isBigEndian);
+        }
+    }
+    return tags;
+}
+
 std::optional<PhotoHeader> readTiff(QIODevice& file)
 {
     const QByteArray start = bytesAt(file, 0, 16);
     if (start.isEmpty())
         return {};
-    const bool isBigEndian = start[0] == 'M';
-    const bool wide = number<quint16>(start, 2, isBigEndian) == 43;    // BigTIFF: 64-bit offsets
-    const int countLength = wide ? 8 : 2, entryLength = wide ? 20 : 12;
-    // An offset, or a count of values.
-    const auto longNumber = [&](const QByteArray& bytes, qsizetype offset) {
-        return wide ? number<quint64>(bytes, offset, isBigEndian)
-                    : quint64(number<quint32>(bytes, offset, isBigEndian));
-    };
-    const qint64 directory = qint64(longNumber(start, wide ? 8 : 4));
-    const QByteArray countBytes = bytesAt(file, directory, countLength);
+    TiffLayout layout{.isBigEndian = start[0] == 'M'};
+    layout.isBig = number<quint16>(start, 2, layout.isBigEndian) == 43;
+    const qint64 directory = qint64(layout.longNumber(start, layout.isBig ? 8 : 4));
+    const QByteArray countBytes = bytesAt(file, directory, layout.countLength());
     if (countBytes.isEmpty())
         return {};
-    const quint64 entryCount = wide ? number<quint64>(countBytes, 0, isBigEndian)
-                                    : quint64(number<quint16>(countBytes, 0, isBigEndian));
+    const quint64 entryCount = layout.isBig
+                                   ? number<quint64>(countBytes, 0, layout.isBigEndian)
+                                   : quint64(number<quint16>(countBytes, 0, layout.isBigEndian));
     if (entryCount > 4096)
         return {};
     const QByteArray entries =
-        bytesAt(file, directory + countLength, qint64(entryCount) * entryLength);
-    quint64 width = 0, height = 0, tileWidth = 0, tileHeight = 0, bits = 1, samples = 1;
-    quint64 rowsOfStrip = std::numeric_limits<quint64>::max();
-    const int valueOffset = wide ? 12 : 8;
-    for (qsizetype at = 0; at < entries.size(); at += entryLength) {
-        const QByteArray entry = entries.mid(at, entryLength);
-        const quint64 value = tiffNumber(entry, isBigEndian, valueOffset);
-        switch (number<quint16>(entry, 0, isBigEndian)) {
-        case 256:
-            width = value;
-            break;
-        case 257:
-            height = value;
-            break;
-        case 258:
-            bits = value;
-            // Depths that do not fit into the entry lie elsewhere in the file; they are alike.
-            if (longNumber(entry, 4) > (wide ? 4 : 2)) {
-                const QByteArray first = bytesAt(file, qint64(longNumber(entry, valueOffset)), 2);
-                bits = first.isEmpty() ? 64 : number<quint16>(first, 0, isBigEndian);
-            }
-            break;
-        case 277:
-            samples = value;
-            break;
-        case 278:
-            rowsOfStrip = value;
-            break;
-        case 322:
-            tileWidth = value;
-            break;
-        case 323:
-            tileHeight = value;
-            break;
-        }
-    }
-    constexpr quint64 longest = 1 << 24, mostSamples = 8, mostBits = 64;
-    if (width > longest || height > longest || tileWidth > longest || tileHeight > longest ||
-        tileWidth * tileHeight > quint64(largestUnreduced) || samples > mostSamples ||
-        bits > mostBits)
+        bytesAt(file, directory + layout.countLength(), qint64(entryCount) * layout.entryLength());
+    const TiffTags tags = readTiffTags(file, entries, layout);
+    if (!tags.isSane())
         return {};
-    // A strip or a tile is one buffer; a tile's size has nothing to do with the photo's.
-    const quint64 bufferPixels =
-        std::max(tileWidth * tileHeight, width * std::min(rowsOfStrip, height));
     return PhotoHeader{.format = PhotoFormat::tiff,
-                       .size = QSize(int(width), int(height)),
-                       .bytesPerPixel = bits > 16  ? 16
-                                        : bits > 8 ? 8
-                                                   : 4,
-                       .workingBytes = qint64(bufferPixels * samples * bits / 8)};
+                       .size = QSize(int(tags.width), int(tags.height)),
+                       .bytesPerPixel = tags.bits > 16  ? 16
+                                        : tags.bits > 8 ? 8
+                                                        : 4,
+                       .workingBytes = qint64(tags.bufferPixels() * tags.samples * tags.bits / 8)};
 }
 
 std::optional<PhotoHeader> readWebp(QIODevice& file)

@@ -24,6 +24,11 @@ Q_SIGNALS:
     void checkoutConfirmed();
 
 private:
+    void buildBalance();
+    void buildChoices();
+    void buildPending();
+    void buildFoot();
+    void connectForm();
     void buy();
     void showTotal();
     void showHint();

@@ -72,6 +72,16 @@ LoginView::LoginView(QWidget* parent)
       m_waiting(new Caption(Type::small, &Theme::text2, {})),
       m_form(new AccountForm(m_notice, this))
 {
+    buildColumn();
+    nameFields();
+    connectActions();
+    orderFocus();
+    m_waiting->hide();
+    setMode(LoginMode::signIn);
+}
+
+void LoginView::buildColumn()
+{
     m_segments->setStretched(SegmentSize::large);
     m_recover->setFlush();
     m_recover->setFixedHeight(24);
@@ -102,18 +112,14 @@ LoginView::LoginView(QWidget* parent)
     auto* fields = new QVBoxLayout;
     fields->setSpacing(12);
     rows->addLayout(fields);
-    for (FormField* field : {m_email, m_password, m_repeated}) {
+    for (FormField* field : {m_email, m_password, m_repeated})
         fields->addWidget(field);
-        connect(field, &FormField::submitted, this, &LoginView::send);
-    }
     addGap(22);
     for (const ModeRow& mode : modes) {
-        auto* button = new PushButton(mode.icon, mode.action.toString(), ButtonKind::primary,
-                                      ButtonSize::large);
-        button->setStretched();
-        connect(button, &PushButton::clicked, this, &LoginView::send);
-        rows->addWidget(button);
-        m_primaries.append(button);
+        m_primaries.append(new PushButton(mode.icon, mode.action.toString(), ButtonKind::primary,
+                                          ButtonSize::large));
+        m_primaries.last()->setStretched();
+        rows->addWidget(m_primaries.last());
     }
     rows->addSpacing(18);
     rows->addWidget(new Divider(u"o"_s));
@@ -125,19 +131,30 @@ LoginView::LoginView(QWidget* parent)
         wayOut->setFlush();
         rows->addWidget(wayOut, 0, Qt::AlignLeft);
     }
-    connect(m_retry, &PushButton::clicked, this, [this] {
-        if (m_form->send(m_retry))
-            Q_EMIT retryRequested();
-    });
-    connect(m_testMail, &PushButton::clicked, this, &LoginView::testMailRequested);
     rows->addWidget(m_waiting);
     rows->addStretch(1);
+}
 
+void LoginView::nameFields()
+{
     m_form->add(m_primaries + QList{m_google, m_recover, m_retry, m_testMail});
     m_form->add(CheckedField::email, m_email);
     m_form->add(CheckedField::password, m_password);
     m_form->add(CheckedField::repeatedPassword, m_repeated);
     m_form->add(QList<QWidget*>{m_segments});
+}
+
+void LoginView::connectActions()
+{
+    for (const FormField* field : {m_email, m_password, m_repeated})
+        connect(field, &FormField::submitted, this, &LoginView::send);
+    for (const PushButton* primary : m_primaries)
+        connect(primary, &PushButton::clicked, this, &LoginView::send);
+    connect(m_retry, &PushButton::clicked, this, [this] {
+        if (m_form->send(m_retry))
+            Q_EMIT retryRequested();
+    });
+    connect(m_testMail, &PushButton::clicked, this, &LoginView::testMailRequested);
     connect(m_segments, &SegmentedControl::chosen, this, [this](int index) {
         setMode(LoginMode(index));
         if (!m_segments->hasFocus())
@@ -151,15 +168,17 @@ LoginView::LoginView(QWidget* parent)
         if (m_form->send(m_google))
             Q_EMIT googleRequested();
     });
-    // From a field to the next; what helps with one comes after the form.
+}
+
+// From a field to the next; what helps with one comes after the form.
+void LoginView::orderFocus()
+{
     QList<QWidget*> order{m_segments, m_email->edit(), m_password->edit(), m_repeated->edit()};
     order += QList<QWidget*>(m_primaries.begin(), m_primaries.end());
     order += {m_recover, m_password->edit()->eye(), m_repeated->edit()->eye()};
     order += {m_google, m_notice->copyButton(), m_retry, m_testMail};
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
-    m_waiting->hide();
-    setMode(LoginMode::signIn);
 }
 
 PushButton* LoginView::primary(LoginMode mode) const

@@ -43,6 +43,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void buildColumn();
+    void nameFields();
+    void connectActions();
+    void orderFocus();
     void showWaysOut();
     void send();
     void place();

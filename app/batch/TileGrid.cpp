@@ -1,5 +1,6 @@
 #include "app/batch/TileGrid.h"
 
+#include "app/batch/TilePainting.h"
 #include "app/theme/Icons.h"
 #include "app/theme/Painting.h"
 
@@ -16,7 +17,7 @@ namespace {
 
 // Around the tiles; the right side is short because the scroll bar follows, the ring still fits.
 constexpr int leftPadding = 16, rightPadding = 4, topPadding = 8, tileGap = 10;
-constexpr int tileCaptionGap = 5, tileCaptionHeight = 16, tileRowGap = 12, bottomPadding = 4;
+constexpr int tileRowGap = 12, bottomPadding = 4;
 constexpr int columnUnit = 92;    // one more column from here on
 constexpr int ringReach = 5, tileFrameTime = 33, tileTurnTime = 1000;
 
@@ -54,18 +55,6 @@ protected:
         strokeRounded(painter, rect(), Radius::button, themeOf(this).accentLine, 2);
     }
 };
-
-// The toolkit leaves out as much on both sides, and with it up to a letter's width beside the tick.
-QString middleElided(Type type, const QString& text, double width)
-{
-    const QString elided =
-        QFontMetricsF(fontOf(type)).elidedText(text, Qt::ElideMiddle, std::max(0.0, width));
-    const auto gap = elided.indexOf(u'…');
-    if (elided == text || gap < 0 || text.at(gap).isSurrogate())
-        return elided;
-    const QString longer = text.left(gap + 1) + elided.mid(gap);
-    return textWidth(type, longer) <= width ? longer : elided;
-}
 
 }    // namespace
 
@@ -452,31 +441,7 @@ void TileGrid::focusOutEvent(QFocusEvent*)
 
 QString TileGrid::accessibleText(int index) const
 {
-    const Tile& tile = m_tiles[index];
-    QStringList parts{u"Imagen %1 de %2"_qs.arg(index + 1).arg(m_tiles.size()), tile.name};
-    if (tile.current)
-        parts.append(u"actual"_qs);
-    if (tile.selected)
-        parts.append(u"seleccionada"_qs);
-    switch (tile.state) {
-    case TileState::generating:
-        parts.append(u"generando"_qs);
-        break;
-    case TileState::queued:
-        parts.append(u"en cola"_qs);
-        break;
-    case TileState::missing:
-        parts.append(u"no se puede leer la foto"_qs);
-        break;
-    case TileState::normal:
-    case TileState::generated:
-        break;
-    }
-    if (tile.paid)
-        parts.append(u"pagada"_qs);
-    if (!tile.warnings.isEmpty())
-        parts.append(u"con avisos"_qs);
-    return parts.join(u", "_qs);
+    return u"Imagen %1 de %2, "_qs.arg(index + 1).arg(m_tiles.size()) + spokenTile(m_tiles[index]);
 }
 
 void TileGrid::paintEvent(QPaintEvent* event)
@@ -486,7 +451,7 @@ void TileGrid::paintEvent(QPaintEvent* event)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(event->rect(), theme.panel);
     if (m_tiles.isEmpty())
-        return paintSkeleton(painter);
+        return paintEmptyTiles(painter);
     const int reach = tileCaptionGap + tileCaptionHeight;
     const int top = event->rect().top() + verticalScrollBar()->value() - topPadding - reach;
     const int bottom = event->rect().bottom() + verticalScrollBar()->value() - topPadding + reach;
@@ -503,87 +468,26 @@ void TileGrid::paintEvent(QPaintEvent* event)
 
 void TileGrid::paintTile(QPainter& painter, int index) const
 {
-    const Theme& theme = themeOf(this);
-    const Tile& tile = m_tiles[index];
-    const QRect box = tileRect(index);
-    const auto picture = m_pictures.constFind(tile.id);
-    if (picture == m_pictures.constEnd()) {
-        fillRounded(painter, box, Radius::thumbnail, theme.empty);
-        strokeRounded(painter, box, Radius::thumbnail, theme.line);
-    } else {
-        painter.setRenderHint(QPainter::SmoothPixmapTransform,
-                              picture->image.size() != picturePixels());
-        painter.drawImage(box, picture->image);
-    }
-    const QRectF middle(box.center().x() - 10, box.center().y() - 10, 20, 20);
-    const QRectF corner(box.right() + 1 - 22, box.top() + 3.5, 19, 19);
-    if (tile.state == TileState::generating) {
-        fillRounded(painter, box, Radius::thumbnail, QColor(5, 6, 8, 158));
-        paintSpinner(painter, middle, QColor(255, 255, 255, 70), Qt::white, m_turn, 2.2);
-    } else if (tile.state == TileState::queued) {
-        fillRounded(painter, box, Radius::thumbnail, QColor(5, 6, 8, 97));
-        fillRounded(painter, corner.adjusted(0.5, 0.5, -0.5, -0.5), 9, QColor(12, 13, 15, 220));
-        paintIcon(painter, Icon::queued, corner, 14, Qt::white);
-    } else if (index == m_hovered) {
-        strokeRounded(painter, box, Radius::thumbnail, QColor(255, 255, 255, 61));
-    }
-    if (tile.current) {
-        strokeRounded(painter, QRectF(box).adjusted(-4.5, -4.5, 4.5, 4.5), 10, theme.accentLine,
-                      2.5);
-    } else if (tile.selected) {
-        strokeRounded(painter, QRectF(box).adjusted(-3.5, -3.5, 3.5, 3.5), 9.5,
-                      withOpacity(theme.accentLine, 0.62), 1.5);
-    }
-    const bool busy = tile.state == TileState::generating || tile.state == TileState::queued;
-    if (tile.selected && m_severalSelected && !busy) {
-        fillRounded(painter, corner, 9.5, Qt::white);
-        fillRounded(painter, corner.adjusted(1.5, 1.5, -1.5, -1.5), 8, theme.accentLine);
-        paintIcon(painter, Icon::check, corner, 14, Qt::white);
-    }
-    // One sign for all that is wrong, in the colour of the worst. On the picture, for the caption
-    // has no room for two; the corner is the one that designs leave free most often.
-    if (tile.state == TileState::missing || !tile.warnings.isEmpty()) {
-        const QRectF sign(box.right() + 1 - 22, box.bottom() + 1 - 22.5, 19, 19);
-        const Theme& onDark = darkTheme();
-        fillRounded(painter, sign.adjusted(0.5, 0.5, -0.5, -0.5), 9, QColor(12, 13, 15, 220));
-        paintIcon(painter, Icon::alert, sign, 14,
-                  tile.state == TileState::missing ? onDark.err : onDark.warn);
-    }
-    paintCaption(painter, index, box);
-}
-
-void TileGrid::paintCaption(QPainter& painter, int index, const QRect& box) const
-{
-    const Theme& theme = themeOf(this);
-    const Tile& tile = m_tiles[index];
-    QRectF line(box.left(), box.bottom() + 1 + tileCaptionGap, box.width(), tileCaptionHeight);
-    if (tile.paid || tile.state == TileState::generated) {
-        paintIcon(painter, Icon::done, QRectF(line.right() - 14, line.top(), 14, tileCaptionHeight),
-                  14, theme.ok);
-        line.setRight(line.right() - 18);
-    }
-    const QString number = QString::number(index + 1);
-    paintText(painter, line, Qt::AlignLeft, Type::captionSemibold,
-              tile.current ? theme.text : theme.text2, number, Qt::ElideNone);
-    line.setLeft(line.left() + std::ceil(textWidth(Type::captionSemibold, number)) + 5);
-    paintText(painter, line, Qt::AlignLeft, Type::caption, tile.current ? theme.text : theme.text3,
-              middleElided(Type::caption, tile.name, line.width()), Qt::ElideNone);
+    const auto picture = m_pictures.constFind(m_tiles[index].id);
+    ::paintTile(
+        painter, themeOf(this),
+        {.tile = m_tiles[index],
+         .number = index + 1,
+         .box = tileRect(index),
+         .picture = picture == m_pictures.constEnd() ? QImage() : picture->image,
+         .isExact = picture != m_pictures.constEnd() && picture->image.size() == picturePixels(),
+         .isHovered = index == m_hovered,
+         .isOneOfSeveral = m_tiles[index].selected && m_severalSelected,
+         .turn = m_turn});
 }
 
 // Where images will be, paler with every row.
-void TileGrid::paintSkeleton(QPainter& painter) const
+void TileGrid::paintEmptyTiles(QPainter& painter) const
 {
-    const Theme& theme = themeOf(this);
     for (int row = 0; row < 6; ++row) {
         painter.setOpacity(std::pow(0.68, row));
-        for (int column = 0; column < columns(); ++column) {
-            const QRectF box = tileRect(row * columns() + column);
-            fillRounded(painter, box, Radius::thumbnail, theme.empty);
-            strokeRounded(painter, box, Radius::thumbnail, theme.line);
-            fillRounded(painter,
-                        QRectF(box.left(), box.bottom() + 10, std::min(44.0, box.width()), 6), 3,
-                        theme.empty);
-        }
+        for (int column = 0; column < columns(); ++column)
+            paintEmptyTile(painter, themeOf(this), tileRect(row * columns() + column));
     }
     painter.setOpacity(1);
 }

@@ -1,4 +1,6 @@
 #pragma once
+#include "app/batch/Tile.h"
+
 #include <QAbstractScrollArea>
 #include <QHash>
 #include <QImage>
@@ -6,19 +8,6 @@
 #include <QSet>
 #include <QTimer>
 #include <QUuid>
-
-// Missing: its photo can no longer be read.
-enum class TileState { normal, generating, queued, generated, missing };
-
-struct Tile {
-    QUuid id = {};
-    QString name = {};
-    bool current = false, selected = false;
-    TileState state = TileState::normal;
-    bool paid = false;
-    QStringList warnings = {};    // sentences about its texts
-    bool operator==(const Tile&) const = default;
-};
 
 // The batch as a list of pictures, of which only the visible ones are drawn and asked for.
 class TileGrid : public QAbstractScrollArea {
@@ -79,8 +68,7 @@ private:
     void updateTile(int index);
     void spin();
     void paintTile(QPainter& painter, int index) const;
-    void paintCaption(QPainter& painter, int index, const QRect& tile) const;
-    void paintSkeleton(QPainter& painter) const;
+    void paintEmptyTiles(QPainter& painter) const;
 
     QList<Tile> m_tiles;
     double m_ratio = 0.8;

@@ -1,4 +1,5 @@
 #include "app/batch/TileGrid.h"
+#include "app/batch/TileGridAccessible.h"
 #include "tests/app/Events.h"
 
 #include <QAccessible>
@@ -211,6 +212,7 @@ TEST(TileGrid, arrowsMoveByTileAndByRow)
 
 TEST(TileGrid, isReadAsAListOfNamedTiles)
 {
+    makeTileGridsAccessible();
     Grid grid;
     QList<Tile> tiles = tilesOf(24, 2);
     tiles[2].name = u"arroyo-hayedo"_qs;

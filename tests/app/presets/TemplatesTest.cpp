@@ -305,7 +305,8 @@ TEST_F(TemplatesTest, TilesFollowWhatTheyStandFor)
 TEST_F(TemplatesTest, AFailedStoreIsTheLastWord)
 {
     PreferencesStore nowhere(u"/proc/moltiva/p.sqlite"_s);
-    TemplatesBinding templates(session, side(), m_photos, nowhere);
+    TemplatesBinding templates(session, side()->templatesPanel(), side()->textPanel()->styles(),
+                               m_photos, nowhere);
     QString told;
     QObject::connect(&templates, &TemplatesBinding::told, &templates,
                      [&](const QString& sentence) { told = sentence; });

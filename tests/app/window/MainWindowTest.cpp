@@ -684,6 +684,67 @@ TEST_F(MainWindowTest, aKeyThatClosedAChooserAndIsStillHeldDoesNothing)
     }
 }
 
+TEST_F(MainWindowTest, theMenuOffersWhatCanBeDoneAndMarksWhatHolds)
+{
+    const auto marked = [this](bool (QAction::*state)() const, const QStringList& among) {
+        Q_EMIT window.menu()->menu()->aboutToShow();
+        QStringList names;
+        for (const QString& name : among) {
+            if ((window.menu()->action(name)->*state)())
+                names.append(name);
+        }
+        Q_EMIT window.menu()->menu()->aboutToHide();
+        return names;
+    };
+    const auto offered = [&] {
+        return marked(&QAction::isEnabled,
+                      {u"Exportar textos (CSV)…"_s, u"Recuperar la sesión apartada"_s,
+                       u"Deshacer"_s, u"Rehacer"_s, u"Editar el texto"_s,
+                       u"Ocultar texto o eliminar forma"_s, u"Copiar estilo"_s, u"Pegar estilo"_s,
+                       u"Línea"_s, u"Imagen anterior"_s, u"Imagen siguiente"_s, u"Acercar"_s,
+                       u"Zona segura"_s, u"Buscar actualizaciones..."_s});
+    };
+    const auto checked = [&] {
+        return marked(&QAction::isChecked,
+                      {u"Story / Reel"_s, u"Carrusel / Post vertical"_s, u"Llenar"_s, u"Encajar"_s,
+                       u"Zona segura"_s, u"Columna del lote"_s, u"Panel lateral"_s, u"Oscuro"_s,
+                       u"Claro"_s});
+    };
+    EXPECT_EQ(offered(), QStringList());
+    session.load({photos(2)});
+    settle();
+    session.selectLayer(current().layers[0].id);
+    const QStringList ofAnImage{u"Exportar textos (CSV)…"_s,
+                                u"Editar el texto"_s,
+                                u"Ocultar texto o eliminar forma"_s,
+                                u"Copiar estilo"_s,
+                                u"Línea"_s,
+                                u"Imagen siguiente"_s,
+                                u"Acercar"_s};
+    QStringList now = offered();
+    now.removeAll(u"Deshacer"_s);
+    EXPECT_EQ(now, ofAnImage);
+    EXPECT_EQ(checked(), (QStringList{u"Carrusel / Post vertical"_s, u"Llenar"_s,
+                                      u"Columna del lote"_s, u"Panel lateral"_s, u"Oscuro"_s}));
+    window.menu()->action(u"Línea"_s)->trigger();
+    session.nextItem();
+    session.setFormat(SocialFormat::storyReel);
+    session.undo();
+    settle();
+    for (const char16_t* command : {u"Encajar", u"Panel lateral", u"Claro"})
+        window.menu()->action(command)->trigger();
+    session.setFormat(SocialFormat::storyReel);
+    window.menu()->action(u"Zona segura")->trigger();
+    session.selectLayer({});
+    EXPECT_EQ(offered(), (QStringList{u"Exportar textos (CSV)…"_s, u"Deshacer"_s, u"Línea"_s,
+                                      u"Imagen anterior"_s, u"Acercar"_s, u"Zona segura"_s}));
+    EXPECT_EQ(checked(), (QStringList{u"Story / Reel"_s, u"Encajar"_s, u"Zona segura"_s,
+                                      u"Columna del lote"_s, u"Claro"_s}));
+    session.undo();
+    EXPECT_TRUE(offered().contains(u"Rehacer"_s));
+    window.menu()->action(u"Oscuro")->trigger();
+}
+
 TEST_F(MainWindowTest, exportsAreOfferedForWhatIsSelected)
 {
     const auto entry = [this](const QString& command) {

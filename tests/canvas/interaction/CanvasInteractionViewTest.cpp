@@ -1,5 +1,6 @@
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "canvas/ExportCanvasRenderer.h"
+#include "canvas/interaction/CanvasInteractionAccessible.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -359,6 +360,7 @@ TEST_F(ViewTest, keysAndPresses)
 
 TEST_F(ViewTest, aScreenReaderFindsTheLayersTopmostFirst)
 {
+    makeCanvasesAccessible();
     QAccessibleInterface* canvas = QAccessible::queryAccessibleInterface(&m_view);
     ASSERT_EQ(canvas->childCount(), 5);
     QAccessibleInterface* shape = canvas->child(4);
