@@ -20,6 +20,14 @@ const Activity* Activities::foremost() const
     return m_running.empty() ? nullptr : &m_running.rbegin()->second;
 }
 
+void Activities::stop(Activity::Kind kind) const
+{
+    const Activity* running = find(kind);
+    // A copy: the activity may end while it is asked to.
+    if (const auto ask = running ? running->stop : nullptr)
+        ask();
+}
+
 const Activity* Activities::delayingClosing() const
 {
     const auto found = std::ranges::find_if(

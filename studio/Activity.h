@@ -33,7 +33,9 @@ public:
     const Activity* find(Activity::Kind kind) const;
     // The one that is shown and that a request to stop means; null where nothing is under way.
     const Activity* foremost() const;
+    // One that has to end before the window closes; null for none.
     const Activity* delayingClosing() const;
+    void stop(Activity::Kind kind) const;
 
 private:
     std::map<Activity::Kind, Activity> m_running;

@@ -10,7 +10,6 @@
 #include "app/account/AuthGateView.h"
 #include "app/batch/BatchColumn.h"
 #include "app/controls/Button.h"
-#include "app/controls/StatusLine.h"
 #include "app/controls/popovers/FontField.h"
 #include "app/controls/popovers/Swatch.h"
 #include "app/layers/ShapesPanel.h"
@@ -23,6 +22,7 @@
 #include "app/theme/Theme.h"
 #include "app/window/DropVeil.h"
 #include "app/window/MainWindow.h"
+#include "app/window/StatusLine.h"
 #include "app/window/StudioShell.h"
 #include "cli/SampleBatch.h"
 #include "platform/Memory.h"
@@ -83,7 +83,7 @@ public:
             // It may be over before it is seen, where the photos are few and small.
             if (!m_session.isImporting())
                 return true;
-            return m_session.importProgress().accepted.size() >= 2 &&
+            return activity(Activity::Kind::importing)->incoming.size() >= 2 &&
                    m_window.shell()->batchColumn()->grid()->keptPictures() >= 2;
         });
         takeNow(u"importing"_s);
@@ -108,6 +108,10 @@ public:
 
 private:
     const PublicationItem& current() const { return *m_session.batch().currentItem(); }
+    const Activity* activity(Activity::Kind kind) const
+    {
+        return m_session.activities().find(kind);
+    }
 
     void select(CopySlot slot)
     {
@@ -117,7 +121,7 @@ private:
     // Of the images that are selected.
     bool takeExports()
     {
-        const int cost = int(m_session.exportIndices().size()) * exportCreditCost;
+        const int cost = int(m_session.exports().exportIndices().size()) * exportCreditCost;
         const int balance = m_account.session().account().balance - cost;
         m_account.answer(
             "POST /api/credits/social-copy/reserve",
@@ -126,7 +130,7 @@ private:
         m_session.exportAll(m_folder.path());
         waitFor([this] {
             return !m_session.isExporting() ||
-                   m_session.exportProgress()->stage == ExportProgress::Stage::charging;
+                   !activity(Activity::Kind::exporting)->fraction();    // at its reservation
         });
         bool reached = m_session.isExporting() && take(u"exporting"_s);
         m_account.answer("GET /api/auth/me", ScriptedAccount::summary("Lucía Ferrer", balance));

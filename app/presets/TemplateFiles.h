@@ -2,7 +2,7 @@
 
 #include "templates/SavedTemplates.h"
 
-enum class StatusTone;
+enum class StatusKind;
 
 // Definition files into the user's templates, and out of them.
 class TemplateFiles : public QObject {
@@ -17,7 +17,7 @@ public:
 
 Q_SIGNALS:
     void imported(const QString& name, SocialFormat format);
-    void told(const QString& sentence, StatusTone tone);
+    void told(const QString& sentence, StatusKind tone);
 
 private:
     static QCoro::Task<> runReading(QPointer<TemplateFiles> self, QString path,

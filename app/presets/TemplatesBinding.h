@@ -13,7 +13,7 @@ class StyleShelf;
 class StudioSession;
 class TemplateFiles;
 class TemplatesPanel;
-enum class StatusTone;
+enum class StatusKind;
 
 // The templates and the saved styles as the user sees and uses them: what the side panel shows of
 // them, and what happens when they are used.
@@ -40,7 +40,7 @@ public:
 Q_SIGNALS:
     // The current item as a template would make it; none: as it is.
     void previewChanged(const std::optional<PublicationItem>& item);
-    void told(const QString& sentence, StatusTone tone);
+    void told(const QString& sentence, StatusKind tone);
     void panelRequested();    // the templates are to be seen
 
 private:

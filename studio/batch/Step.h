@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtTypes>
+#include <QtGlobal>
 
 // Which changes of the batch one undo takes back together. Whoever changes the batch says it.
 class Step {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "studio/PhotoImport.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+
+// Imports of photos, one at a time: a second takes the place of the first. What comes of one is
+// told by `ended`, unless it was stopped.
+class StudioImports : public QObject {
+    Q_OBJECT
+public:
+    explicit StudioImports(std::shared_ptr<PhotoCache> photos) : m_photos(std::move(photos)) {}
+    ~StudioImports() override;
+
+    void start(const QList<QUrl>& filesAndFolders);
+    void stop();
+    bool isRunning() const { return m_control != nullptr; }
+
+Q_SIGNALS:
+    void progressed(const PhotoImport::Progress& progress);
+    // `failure`: why nothing could be imported at all, in the system's words.
+    void ended(const std::optional<PhotoImport::Imported>& imported, const QString& failure);
+
+private:
+    static QCoro::Task<> run(QPointer<StudioImports> self, QList<QUrl> urls,
+                             std::shared_ptr<PhotoCache> photos,
+                             std::shared_ptr<PhotoImport::Control> control);
+    void show(const PhotoImport::Progress& progress);
+
+    std::shared_ptr<PhotoCache> m_photos;
+    std::shared_ptr<PhotoImport::Control> m_control;    // of the import under way
+    QElapsedTimer m_shown;                              // since its last report
+};
