@@ -60,7 +60,7 @@ std::optional<TemplatePreviewRenderer::Encoded>
 TemplatePreviewRenderer::compactData(const PublicationItem& item, SocialFormat format,
                                      const PhotoSource& source)
 {
-    // Drawn once, whatever it ends as.
+    // All three file kinds are made from one drawing.
     const auto png = pngData(item, format, previewSize(format, compactWidth), source);
     if (!png)
         return std::nullopt;
