@@ -37,8 +37,8 @@ QRectF ImagePlacementGeometry::imageRect(QSizeF imageSize, QSizeF canvas,
     return clamped(rect, QRectF(QPointF(), canvas), placement.mode);
 }
 
-// Ignores the mode: with ImageFitMode::fit the photo is shorter than the canvas just on the axes
-// where it is centred.
+// Needs no rule for the mode: a photo is centred on each axis where it is smaller than the canvas,
+// as ImageFitMode::fit requires.
 QRectF ImagePlacementGeometry::clamped(const QRectF& rect, const QRectF& canvas, ImageFitMode)
 {
     return {clampedOrigin(rect.x(), rect.width(), canvas.x(), canvas.width()),

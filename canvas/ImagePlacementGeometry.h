@@ -20,7 +20,7 @@ QRectF imageRect(QSizeF imageSize, QSizeF canvas, const ImagePlacement& placemen
 // gap at the edges, and a shorter one is centred.
 QRectF clamped(const QRectF& rect, const QRectF& canvas, ImageFitMode mode);
 
-// The placement with the offset that its clamped rectangle has.
+// The placement with its offset changed to where the clamped rectangle lies.
 ImagePlacement clamped(const ImagePlacement& placement, QSizeF imageSize, QSizeF canvas);
 
 // The pixels that a photo at `rect` covers: its edges rounded, so that neighbours meet, and at

@@ -50,7 +50,7 @@ public:
         add(rect.bottomRight());
     }
     void add(const QRect& rect) { m_stream << rect; }
-    // Writes a rectangle that fits into a QRect just like that QRect.
+    // Writes the edges in 32 bits if all of them fit, as for a QRect, else in 64.
     void add(const PixelRect& rect)
     {
         const std::array edges{rect.x, rect.y, rect.x + rect.width - 1, rect.y + rect.height - 1};
@@ -241,8 +241,8 @@ QByteArray keyOf(const TextLayer& layer, const RenderSource& source)
     return digestOf(key.bytes());
 }
 
-// Remembers the letters of recent texts: when m_recent is full it becomes m_former, whose entries
-// are dropped.
+// Remembers the letters of recent texts. When m_recent is full, it takes the place of m_former,
+// whose older entries are dropped.
 class Memory {
 public:
     std::optional<Letters> find(const QByteArray& key)
@@ -357,8 +357,7 @@ public:
 private:
     const RenderSource& m_source;
     QString m_ground;
-    QList<quint32> m_partsBelow;    // for each visible layer, the number of parts of the ground
-                                    // painted before its letters
+    QList<quint32> m_partsBelow;    // of the ground, before the letters of each visible layer
 };
 
 }    // namespace

@@ -123,8 +123,8 @@ std::optional<QFont> namedFont(const QString& name)
     return found != known.cend() ? *found : *known.insert(name, lookUpNamedFont(name));
 }
 
-// Whether the system font surely has all characters: only Europe's Latin letters and signs are
-// known.
+// Whether the layer uses the system font and only characters that it surely has: Europe's Latin
+// letters and signs.
 bool isInSystemFont(const TextLayer& layer)
 {
     return layer.fontName == "System"_L1 && std::ranges::all_of(layer.text, [](QChar c) {

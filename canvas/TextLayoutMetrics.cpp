@@ -133,8 +133,7 @@ LaidOutText::LaidOutText(const StyledText& text, double width) : m_scale(text.fo
     // Lines are measured flush left: a justified line takes the whole width, which rounded up never
     // fits.
     QTextOption option(qtAlignment(LayerTextAlignment::leading));
-    option.setTextDirection(
-        Qt::LayoutDirectionAuto);    // from the text, not from the program's language
+    option.setTextDirection(Qt::LayoutDirectionAuto);    // not that of the program's language
     option.setWrapMode(QTextOption::WordWrap);
     option.setUseDesignMetrics(true);
     m_layout->setTextOption(option);

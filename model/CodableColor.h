@@ -21,7 +21,7 @@ struct CodableColor {
     QColor withAlpha(double opacity) const;
     // "#RRGGBB", each component rounded to 0..255; without the opacity.
     QString hexRGB() const;
-    // Six hexadecimal digits, with or without a leading number sign.
+    // Reads six hexadecimal digits, with or without a leading number sign.
     static std::optional<CodableColor> fromHexRGB(QStringView text);
 
     bool operator==(const CodableColor&) const = default;

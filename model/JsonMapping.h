@@ -7,7 +7,7 @@
 //     };
 //
 // and both directions follow. Reading never throws: a record with a missing required field or a
-// wrong type does not read (nothing), and in a list it is dropped alone. Only source files that
+// value of the wrong type cannot be read, and a list drops only that record. Only source files that
 // read or write JSON include this header.
 
 #include "model/Vocabulary.h"
@@ -191,8 +191,7 @@ inline void append(QByteArray& text, int value)
 inline void append(QByteArray& text, double value)
 {
     if (!std::isfinite(value))
-        value =
-            0;    // JSON has no NaN or infinity, and without the key the record could not be read
+        value = 0;    // JSON has no NaN, and a missing key would make the record unreadable
     // Writes the shortest digits that read back as the same number, but no exponent for whole
     // numbers.
     if (value == std::trunc(value) && std::abs(value) < 1e15)

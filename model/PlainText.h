@@ -22,8 +22,8 @@ inline QString counted(qsizetype count, QStringView one, QStringView several)
     return text.append(count == 1 ? one : several);
 }
 
-// A text from outside in the program's form: every line end is
-// , other control characters are removed.
+// The text with \n for every kind of line end and without other control characters, as all texts
+// of a batch are.
 inline QString plainText(QString text)
 {
     using namespace Qt::StringLiterals;

@@ -23,8 +23,7 @@ struct PublicationItem {
     QList<TextLayer> layers;          // one per slot, in drawing order
     QList<ShapeLayer> shapeLayers;    // in drawing order, all below the texts
     ImagePlacement placement;
-    QSet<QString>
-        paidRenderFingerprints;    // renderFingerprint() of renders of this item already paid for
+    QSet<QString> paidRenderFingerprints;    // see renderFingerprint()
 
     // A new item with the placeholder copy and its default layers.
     static PublicationItem make(const QUrl& url, const PhotoHandle& image);

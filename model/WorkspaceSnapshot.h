@@ -23,14 +23,13 @@ struct PublicationItemSnapshot {
     QList<ShapeLayer> shapeLayers;
     ImagePlacement placement;
     QSet<QString> paidRenderFingerprints;
-    qsizetype unreadableLayers = 0;    // without layers of a slot unknown to this version
+    qsizetype unreadableLayers = 0;    // not counting layers whose slot is unknown here
 
     bool operator==(const PublicationItemSnapshot&) const = default;
 };
 
 struct WorkspaceSnapshot {
-    SocialFormat format =
-        SocialFormat::storyReel;    // default also for an unknown word in the file
+    SocialFormat format = SocialFormat::storyReel;    // also for an unknown word in the file
     QString objective;
     int selectedIndex = 0;
     int selectionAnchorIndex = 0;

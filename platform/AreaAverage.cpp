@@ -27,8 +27,8 @@ struct Span {
     quint32 firstWeight, innerWeight, lastWeight;
 };
 
-// Adds rows only, whose sums stay below 32 bits: 255 times the longest side does, 255 times the
-// area does not.
+// Adds `row` times `weight` to the sums. They fit into 32 bits because only rows are added: 255
+// times the longest side does, 255 times the area does not.
 void addRow(std::vector<quint32>& sums, const uchar* row, quint32 weight)
 {
     quint32* const first = sums.data();

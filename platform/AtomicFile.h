@@ -16,8 +16,9 @@ QString writeAtomically(const QString& path, QByteArrayView bytes, const QString
 void removeUnfinished(const QString& folder,
                       const std::function<bool(const QString& run)>& isGoingOn);
 
-// Begins every temporary name; a crash leaves files of such names behind. The dot hides them.
-// `path` is not repeated in them: its name may already be as long as the file system allows.
+// Every temporary name begins with this prefix, whose dot hides the file; a crash leaves temporary
+// files behind. They do not repeat the name of `path`, which may already be as long as the file
+// system allows.
 inline QString unfinishedPrefix()
 {
     return QStringLiteral(".moltiva-");

@@ -56,7 +56,7 @@ qint64 codedPixels(QByteArray unit)
     }
     if (layers > 0)
         reader.skip(qsizetype(2) * (8 - layers) + layerBits);
-    reader.number();    // the set's own id
+    reader.number();    // id of the parameter set
     constexpr quint32 fullChroma = 3;
     if (reader.number() == fullChroma)
         reader.skip(1);

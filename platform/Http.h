@@ -30,7 +30,7 @@ struct HttpReply {
     QByteArray body;
 };
 
-// The end of an exchange without a reply.
+// An exchange that ended without a reply.
 class TransportError : public std::exception {
 public:
     // brokenOff: the request was sent, and the connection broke before a valid answer came.

@@ -11,7 +11,7 @@ void settleAllocator()
 #ifdef __GLIBC__
     mallopt(M_MMAP_THRESHOLD, 32 << 20);
     // Free memory above this goes back to the system. At the default of 128 kB, the pages of every
-    // picture would be mapped anew.
+    // picture would be paged in anew.
     mallopt(M_TRIM_THRESHOLD, 16 << 20);
 #endif
 }

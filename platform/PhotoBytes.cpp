@@ -60,8 +60,7 @@ bool isBounded(QByteArrayView name, QByteArrayView data)
     const qsizetype title = data.indexOf('\0');
     if (title < 0 || title + 2 > data.size())
         return false;
-    const QByteArrayView compressed =
-        data.sliced(title + 2);    // after the byte that names the compression
+    const QByteArrayView compressed = data.sliced(title + 2);    // after the compression method
     const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>
         inflater(libdeflate_alloc_decompressor(), &libdeflate_free_decompressor);
     const auto profile = std::make_unique_for_overwrite<char[]>(largestProfile);

@@ -19,8 +19,8 @@ struct PhotoId {
 };
 
 // The only source of the pixels of photos. Proxies (photos decoded at a level) and thumbnails each
-// have a budget in bytes of memory; the least recently used go first. Safe from any thread. The
-// functions that wait are not for the interface thread.
+// have a budget in bytes of memory; the least recently used go first. Safe from any thread. "Waits"
+// means for the disk, memory and the codec: not on the interface thread.
 class PhotoCache {
 public:
     explicit PhotoCache(QString thumbnailFolder, qint64 proxyBudget = qint64(128) << 20,
@@ -44,8 +44,7 @@ public:
     QImage thumbnail(const PhotoId& photo);
 
     QImage cachedProxy(const PhotoId& photo, PhotoLevel level) const;    // of this level, or null
-    QImage
-    anyProxy(const PhotoId& photo) const;    // the finest in memory, else the thumbnail, else null
+    QImage anyProxy(const PhotoId& photo) const;    // the finest in memory, else the thumbnail
     // The proxy from memory or decoding; null when the photo is gone, unreadable or has another
     // digest. One larger than half of the memory budget is averaged down to `level` if the codec
     // could not decode it reduced, and further while it exceeds the whole budget. Waits.
@@ -63,7 +62,7 @@ private:
         return qHashMulti(seed, key.path, key.digest, key.level);
     }
     struct Content {
-        QString file;    // ThumbnailStore::fileFor(), which changes with the photo's size, time and
+        QString file;    // ThumbnailStore::fileFor() when the digest was read
                          // inode
         QByteArray digest;
     };

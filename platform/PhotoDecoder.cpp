@@ -24,8 +24,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 sharedBytes = 280'000'000;     // of all decodings together
-constexpr qint64 largestAlone = 600'000'000;    // of one that runs alone
+constexpr qint64 sharedBytes = 280'000'000;     // budget of all decodings together
+constexpr qint64 largestAlone = 600'000'000;    // limit of a decoding that runs alone
 
 DecodeGate& gate()
 {

@@ -127,8 +127,7 @@ std::optional<PhotoHeader> readJpeg(QIODevice& file)
             if (body.isEmpty() || !frameComponents)
                 return {};
             if (uchar(body[0]) >= frameComponents)
-                header.workingBytes =
-                    0;    // one scan holds all components: the codec keeps no coefficients
+                header.workingBytes = 0;    // one scan holds all: no coefficients are kept
             return header;
         } else if (marker == 0xE1 && !hasExif) {
             const QByteArray body = bytesAt(file, at + 2, length - 2);
@@ -398,7 +397,7 @@ std::optional<PhotoHeader> readPhotoHeader(QIODevice& file)
 
 int exifOrientation(QByteArray exif)
 {
-    constexpr qsizetype nameLength = 6;    // JPEG puts it before the data, WebP as a rule does not
+    constexpr qsizetype nameLength = 6;    // "Exif" and two zeros, seldom there in a WebP
     if (exif.startsWith("Exif"))
         exif.remove(0, nameLength);
     const bool isBigEndian = exif.startsWith("MM");

@@ -34,7 +34,7 @@ void ProgramRun::removeEnded() const
 
 bool ProgramRun::isGoingOn(const QString& run) const
 {
-    // `run` may be the name of any file.
+    // `run` comes from file names, which may hold anything.
     if (QUuid::fromString(run).isNull())
         return false;
     if (is(run))

@@ -11,8 +11,8 @@
 #include <utility>
 
 // The pool for decoding, rendering and encoding: one thread per core. Not Qt's own pool: Qt divides
-// the scaling of a picture among that one's threads and waits, so the interface would wait behind
-// all of this. Work goes through runOnWorker().
+// the scaling of a picture among the threads of its pool and waits, so the interface would wait
+// behind all of this work. Start work with runOnWorker().
 QThreadPool& workers();
 
 // Waits for the work that has begun and drops the rest. Call before the application object is
@@ -35,8 +35,7 @@ auto runOnWorker(Work&& work, Urgency urgency = Urgency::usual)
 {
     using Result = std::invoke_result_t<std::decay_t<Work>>;
     struct Job {
-        QFutureInterface<Result>
-            promise;    // a QPromise would cancel the future when it is destroyed
+        QFutureInterface<Result> promise;    // a QPromise cancels when it is destroyed
         std::decay_t<Work> work;
     };
     // Shared, because the pool copies the function it runs.

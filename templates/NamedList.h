@@ -24,7 +24,7 @@ public:
         return found == m_entries.cend() ? nullptr : &*found;
     }
 
-    // "Plantilla 3": the first number that is not taken.
+    // `word` with the first number that gives an unused name: "Plantilla 3".
     QString freeName(const QString& word) const
     {
         for (int number = 1;; ++number) {

@@ -67,8 +67,8 @@ public:
     std::optional<DragMode> dragMode() const;
     bool isDraggingLayer() const { return m_gesture && m_gesture->target; }
     SnapGuides activeSnapGuides() const { return m_activeSnapGuides; }
-    // The layer that the last gesture moved; null for the photo or after cancel(). Read it in
-    // onEditingEnded.
+    // The layer that the last gesture moved; null for the photo, and for a gesture that was
+    // cancelled or interrupted. Read it in onEditingEnded.
     QUuid movedLayer() const { return m_movedLayer; }
 
     // Starts a gesture. False when there is no item.
@@ -80,7 +80,7 @@ public:
     // Zooms the photo. `amount`: the wheel's pixels, up is positive. False when the canvas does not
     // use the wheel.
     bool scroll(double amount);
-    // A text layer is hidden, a shape removed.
+    // Hides a selected text layer; removes a selected shape.
     void hideSelectedLayer();
     void select(QUuid layer);    // null: select nothing
 

@@ -53,9 +53,7 @@ TEST(RenderFingerprint, NothingThatCannotBeSeenIsInIt)
             i.placement.offset = {-0.0, -0.0};
         },
         [](PublicationItem& i) { i.layers[0].text += u"  "_s; },
-        [](PublicationItem& i) {
-            i.layers[0].shadowColor.alpha = 0.5;
-        },    // only shadowOpacity counts
+        [](PublicationItem& i) { i.layers[0].shadowColor.alpha = 0.5; },    // unused
         [](PublicationItem& i) { i.shapeLayers[0].stroke = codableBlack; },
         [](PublicationItem& i) { i.shapeLayers[1].cornerRadius = 40; },
         [](PublicationItem& i) { i.shapeLayers[2].fill = codableWhite; },

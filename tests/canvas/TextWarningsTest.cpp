@@ -54,8 +54,7 @@ QList<TextWarning> warningsOf(const PublicationItem& item, const QImage& photo)
 
 TEST(TextWarnings, contrastIsThatOfWhatLiesUnderTheLetters)
 {
-    constexpr QRgb white = 0xFFFFFF, black = 0,
-                   grey = 0x949494;    // white on this grey: a contrast of 3.03
+    constexpr QRgb white = 0xFFFFFF, black = 0, grey = 0x949494;    // 3.03 with white
     TextLayer boxed = smallText();
     boxed.hasBox = true;
     boxed.background = codableBlack;

@@ -87,8 +87,7 @@ TEST_F(PhotoCacheTest, whatWasUsedLongestAgoGoesFirst)
     EXPECT_TRUE(cache.cachedProxy(a, PhotoLevel::full).isNull());
     cache.proxy(a, PhotoLevel::full);
     cache.proxy(b, PhotoLevel::full);
-    EXPECT_FALSE(
-        cache.cachedProxy(a, PhotoLevel::full).isNull());    // use of a makes b the older one
+    EXPECT_FALSE(cache.cachedProxy(a, PhotoLevel::full).isNull());    // now b is the older one
     cache.proxy(c, PhotoLevel::full);
     EXPECT_FALSE(cache.cachedProxy(a, PhotoLevel::full).isNull());
     EXPECT_TRUE(cache.cachedProxy(b, PhotoLevel::full).isNull());

@@ -76,9 +76,7 @@ TEST(PhotoDecoder, theCoveringLevelIsTheCoarsestThatNeedsNoEnlarging)
         {{2560, 3837}, {1280, 1919}, PhotoLevel::half},    // 3837 halves to 1919, rounded up
         {{2560, 3837}, {1280, 1920}, PhotoLevel::full},
         {{2560, 3837}, {320, 480}, PhotoLevel::eighth},
-        {{4000, 3000},
-         {500, 376},
-         PhotoLevel::quarter},    // covers the width but not the height at 1/8
+        {{4000, 3000}, {500, 376}, PhotoLevel::quarter},    // 1/8 lacks height only
         {{100, 100}, {400, 400}, PhotoLevel::full},
     };
     for (const auto& row : rows)

@@ -63,8 +63,7 @@ TEST(TemplateDefinition, KeepsTextsAndWhatItDoesNotMention)
     expected.isVisible = true;
     expected.frame = {0, 0, 1, 1};
     EXPECT_EQ(item.layers[2], expected);
-    EXPECT_TRUE(
-        item.shapeLayers.isEmpty());    // a definition without shapes removes those of the item
+    EXPECT_TRUE(item.shapeLayers.isEmpty());    // the definition has no shapes
     EXPECT_EQ(design.visualTemplate(before, SocialFormat::square).textLayers.size(), 2);
 
     // An unknown kind of shape becomes a rectangle.
