@@ -16,7 +16,8 @@ struct PhotoPlace {
     bool operator==(const PhotoPlace&) const = default;
 };
 
-// Nothing without a photo, or with one that is too far out. `pixels`: size of the picture.
+// The place of the layout's photo; nothing if it has none or one too far out. `pixels`: size of the
+// picture.
 std::optional<PhotoPlace> photoPlace(const ItemLayout& layout, QSize pixels);
 
 // The shown part of a photo, resampled to the pixels of the picture.

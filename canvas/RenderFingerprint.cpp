@@ -224,7 +224,7 @@ ItemLayout layOutAlone(const TextLayer& layer, const RenderSource& source)
     return layOut(item, source.outputSize, source.reference);
 }
 
-// A key of everything that decides the letters, except their colour.
+// A digest of everything that decides the letters, except their colour.
 QByteArray keyOf(const TextLayer& layer, const RenderSource& source)
 {
     Description key;
@@ -357,7 +357,7 @@ public:
 private:
     const RenderSource& m_source;
     QString m_ground;
-    QList<quint32> m_partsBelow;    // of the ground, before the letters of each visible layer
+    QList<quint32> m_partsBelow;    // for each visible layer, the parts painted before its letters
 };
 
 }    // namespace

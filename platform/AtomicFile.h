@@ -7,8 +7,8 @@
 
 // Writes `bytes` beside `path` under a temporary name, then renames that file to `path`, so that
 // nobody ever reads half a file there. Not flushed to the disk: over a batch that costs more than
-// the drawing. Returns the system's message of the error, empty when all went well. `run`: the
-// ProgramRun's name, which becomes a part of the temporary name.
+// the drawing. Returns the system's error message, empty on success. `run`: name of the ProgramRun,
+// which becomes a part of the temporary name.
 QString writeAtomically(const QString& path, QByteArrayView bytes, const QString& run = {});
 
 // Removes from `folder` the temporary files of runs for which `isGoingOn` is false. Waits for the

@@ -69,7 +69,7 @@ qint64 codedPixels(QByteArray unit)
 qint64 largestIn(const QByteArray& configuration)
 {
     constexpr int parameterSet = 33;
-    qsizetype at = 22;    // the number of arrays, after profile, level and depths
+    qsizetype at = 22;    // offset of the number of arrays, after profile, level and depths
     const auto next = [&](int bytes) {
         quint32 value = 0;
         for (; bytes > 0; --bytes, ++at)

@@ -21,7 +21,7 @@ constexpr int firstFrame = 0xC0, firstRestart = 0xD0, startOfImage = 0xD8, endOf
 
 struct Segment {
     int marker;
-    qsizetype start, end;    // byte offsets; the compressed data after a scan are outside
+    qsizetype start, end;    // byte offsets; a scan ends before its compressed data
 };
 
 // Passes over stray bytes between segments, as libjpeg does. Markers below firstFrame are passed
@@ -118,7 +118,7 @@ std::optional<QByteArray> neededChunks(QByteArray png)
     char* const bytes = png.data();
     qsizetype at = 8, kept = 8;
     bool hasData = false;
-    // Each is kept once: removeOne() leaves its repetitions unwanted.
+    // The optional chunks to keep, each once: removeOne() makes a repeated chunk unwanted.
     QByteArrayList wanted{"tRNS", "iCCP", "sRGB", "gAMA", "cHRM", "sBIT", "bKGD", "pHYs", "eXIf"};
     while (png.size() - at >= around) {
         const qint64 length = qFromBigEndian<quint32>(bytes + at);

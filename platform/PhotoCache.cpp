@@ -74,7 +74,7 @@ std::optional<AcceptedPhoto> PhotoCache::reopen(const QString& path)
     if (auto known = m_disk.loadFacts(m_disk.fileFor(path)))
         return known;
     if (!info->reducible) {
-        // Only decoding tells the upright size of other formats than JPEG.
+        // For formats other than JPEG, only decoding tells the upright size.
         if (auto accepted = accept(path))
             return accepted;
     }

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-// Unsets the variables of the user's folders that hold no absolute path: a relative one would mean
+// Unsets XDG_DATA_HOME and its like where they hold no absolute path: a relative one would mean
 // another folder for each working directory. Call before asking for any folder.
 void ignoreRelativeFolders();
 

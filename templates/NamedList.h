@@ -104,5 +104,5 @@ public:
 
 private:
     QList<Entry> m_entries;
-    QList<std::pair<qsizetype, Entry>> m_removed;    // with the index where each was
+    QList<std::pair<qsizetype, Entry>> m_removed;    // each with its former index
 };

@@ -9,8 +9,7 @@
 #include <functional>
 #include <optional>
 
-// A complete copy of a shape for a template. Every item that the template is applied to gets its
-// id.
+// A shape as a template stores it. Applying the template gives every item shapes with these ids.
 using ShapeLayerSnapshot = ShapeLayer;
 
 // The place and style of the text layer of a slot.

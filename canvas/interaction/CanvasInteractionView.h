@@ -28,8 +28,8 @@ public:
     void setSelectedLayerID(QUuid id);
     // Sets the decoded photo, at any level, of the item set last.
     void setPhoto(const QImage& photo);
-    // Shows bands over the parts of a story that the network's buttons may cover; for that format
-    // only.
+    // Shows bands over the parts of a story that the network's buttons may cover; other formats
+    // have none.
     void setSafeZone(bool shown);
     // Sets the colour of frames and guides; by default the palette's highlight.
     void setLineColor(const QColor& color);
