@@ -69,16 +69,10 @@ void Paragraph::setMostRows(int rows)
     updateGeometry();
 }
 
-void Paragraph::setLeastRows(int rows)
-{
-    m_leastRows = rows;
-    updateGeometry();
-}
-
 int Paragraph::heightForWidth(int width) const
 {
     const int rows = int(wrappedRows(m_text, m_type, width, m_mostRows).size());
-    return std::max(rows, m_leastRows) * row(m_type).lineHeight;
+    return std::max(rows, 1) * row(m_type).lineHeight;
 }
 
 QSize Paragraph::sizeHint() const
@@ -90,7 +84,7 @@ QSize Paragraph::sizeHint() const
 
 QSize Paragraph::minimumSizeHint() const
 {
-    return {40, m_leastRows * row(m_type).lineHeight};
+    return {40, row(m_type).lineHeight};
 }
 
 bool Paragraph::event(QEvent* event)

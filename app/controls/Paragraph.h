@@ -22,7 +22,6 @@ public:
     void setSpoken(Spoken spoken);
     void setMostRows(int rows);
     // The room of so many rows is taken with fewer as well.
-    void setLeastRows(int rows);
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
@@ -38,5 +37,5 @@ private:
     QColor Theme::*m_ink;
     QString m_text;
     Spoken m_spoken = Spoken::byItself;
-    int m_mostRows = 8, m_leastRows = 1;
+    int m_mostRows = 8;
 };

@@ -12,7 +12,6 @@ class StudioStyle : public QProxyStyle {
     Q_OBJECT
 public:
     explicit StudioStyle(Motion motion = Motion::full);
-    void setMotion(Motion motion) { m_motion = motion; }
 
     using QProxyStyle::polish;
     void polish(QWidget* widget) override;
@@ -33,7 +32,7 @@ public:
                   QStyleHintReturn* data) const override;
 
 private:
-    Motion m_motion;
+    const Motion m_motion;
 };
 
 // Gives the program our style and font.

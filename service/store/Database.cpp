@@ -209,11 +209,6 @@ qint64 Transaction::lastId() const
     return sqlite3_last_insert_rowid(m_database.m_handle);
 }
 
-int Transaction::changedRows() const
-{
-    return sqlite3_changes(m_database.m_handle);
-}
-
 void Transaction::commit()
 {
     m_database.run("COMMIT");

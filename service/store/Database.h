@@ -100,7 +100,6 @@ public:
     Rows rows(const char* sql, std::initializer_list<SqlValue> values = {});
     void run(const char* sql, std::initializer_list<SqlValue> values = {});
     qint64 lastId() const;
-    int changedRows() const;
     void commit();
 
 private:
