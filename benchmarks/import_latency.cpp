@@ -9,11 +9,11 @@
 #include "app/StudioShell.h"
 #include "app/Theme.h"
 #include "benchmarks/Measuring.h"
+#include "benchmarks/PlainExport.h"
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
-#include "studio/BatchExport.h"
 #include "studio/PhotoFolder.h"
 #include "studio/StudioSession.h"
 #include "tests/support/ScriptedAccount.h"
@@ -31,16 +31,12 @@ double reducedDecodeOfEach(const QList<QUrl>& photos)
 {
     QElapsedTimer watch;
     watch.start();
-    runBatch(
-        photos.size(), workers().maxThreadCount(), false,
-        [&](qsizetype i) {
-            const auto thumbnailLevel = [](const PhotoInfo& info) {
-                return coveringLevel(info.size, thumbnailSize(info.size));
-            };
-            decodePhoto(photos[i].toLocalFile(), thumbnailLevel);
-            return ExportedFile();
-        },
-        [](qsizetype, const ExportedFile&) {});
+    runOnThreads(photos.size(), workers().maxThreadCount(), [&](qsizetype i) {
+        const auto thumbnailLevel = [](const PhotoInfo& info) {
+            return coveringLevel(info.size, thumbnailSize(info.size));
+        };
+        decodePhoto(photos[i].toLocalFile(), thumbnailLevel);
+    });
     return double(watch.elapsed()) / 1000;
 }
 
