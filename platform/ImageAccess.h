@@ -42,6 +42,10 @@ QUrl resolvedURL(const QUrl& fallback, const std::optional<QByteArray>& bookmark
 std::optional<AcceptedPhoto> image(const QUrl& url, const std::optional<QByteArray>& bookmarkData,
                                    PhotoCache& cache);
 
+// The same without its pixels; see PhotoCache::identify. Waits.
+std::optional<AcceptedPhoto>
+identified(const QUrl& url, const std::optional<QByteArray>& bookmarkData, PhotoCache& cache);
+
 // The same for a photo of an earlier run, without its pixels; see PhotoCache::reopen. Waits.
 std::optional<AcceptedPhoto>
 reopened(const QUrl& url, const std::optional<QByteArray>& bookmarkData, PhotoCache& cache);

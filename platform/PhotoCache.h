@@ -29,6 +29,9 @@ public:
     // As acceptPhoto(); a thumbnail on disk of the very same file answers without decoding. Waits.
     std::optional<AcceptedPhoto> accept(const QString& path);
 
+    // As identifyPhoto(), or what was stored when the very same file was accepted. Waits.
+    std::optional<AcceptedPhoto> identify(const QString& path);
+
     // A photo that was accepted in an earlier run: what is known of it, with the digest where that
     // is to be had without reading all of the file. Nothing when it is gone or no photo any more.
     // Waits, mostly for little.

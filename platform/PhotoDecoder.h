@@ -50,3 +50,7 @@ struct AcceptedPhoto {
     QImage thumbnail;     // as decodePhoto, area-averaged to thumbnailSize()
 };
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path);
+
+// The same without a thumbnail. A photo whose size its header tells for certain is not decoded, so
+// its decoding may still fail.
+std::optional<AcceptedPhoto> identifyPhoto(const QString& path);
