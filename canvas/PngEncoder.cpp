@@ -16,7 +16,7 @@ constexpr int bytesPerPixel = 4;
 constexpr uchar paethFilter = 4;
 constexpr int deflateLevel = 1;
 
-// Straight RGBA bytes of one row of RGB32 or ARGB32_Premultiplied.
+// Converts a row of RGB32 or ARGB32_Premultiplied to RGBA bytes that are not premultiplied.
 void toRgba(const QRgb* from, uchar* to, int width, bool opaque)
 {
     QRgb common = 0xffffffff;
@@ -25,7 +25,7 @@ void toRgba(const QRgb* from, uchar* to, int width, bool opaque)
     if (opaque || qAlpha(common) == 255) {
         for (int x = 0; x < width; ++x) {
             const QRgb pixel = from[x];
-            // In memory: red, green, blue, opaque.
+            // The bytes in memory are red, green, blue, 255.
             const uint32_t swapped = qToLittleEndian(uint32_t(
                 0xff000000u | (pixel & 0xff00u) | (pixel & 0xff) << 16 | (pixel >> 16 & 0xff)));
             std::memcpy(to + x * bytesPerPixel, &swapped, bytesPerPixel);
@@ -47,8 +47,8 @@ Short distance(Short a, Short b)
     return Short(std::max(a, b) - std::min(a, b));
 }
 
-// Without branches and in 16 bits, so that the compiler takes many bytes at once. `row` and `above`
-// have a zero pixel in front.
+// Applies the Paeth filter, without branches and in 16 bits, so that the compiler takes many bytes
+// at once. `row` and `above` have a zero pixel in front.
 void filterRow(const uchar* row, const uchar* above, uchar* out, int bytes)
 {
     for (int i = 0; i < bytes; ++i) {

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// What the picture must look like when the file says this orientation: the definition, as turnings.
+// The picture that an orientation stands for, by its definition as rotations and mirrorings.
 QImage turned(const QImage& image, int orientation)
 {
     const auto rotated = [](const QImage& of, int degrees) {
@@ -97,7 +97,7 @@ TEST(PhotoDecoder, theCoveringLevelIsTheCoarsestThatNeedsNoEnlarging)
         {{2560, 3837}, {1280, 1919}, PhotoLevel::half},    // 3837 halves to 1919, rounded up
         {{2560, 3837}, {1280, 1920}, PhotoLevel::full},
         {{2560, 3837}, {320, 480}, PhotoLevel::eighth},
-        {{4000, 3000}, {500, 376}, PhotoLevel::quarter},    // both ways, not one
+        {{4000, 3000}, {500, 376}, PhotoLevel::quarter},    // 1/8 lacks height only
         {{100, 100}, {400, 400}, PhotoLevel::full},
     };
     for (const auto& row : rows)
@@ -108,7 +108,8 @@ TEST(PhotoDecoder, theCoveringLevelIsTheCoarsestThatNeedsNoEnlarging)
 TEST(PhotoDecoder, oddSizesAreReducedWithoutASecondScaling)
 {
     const QTemporaryDir folder;
-    // Stripes of two pixels become one and one: a decoding at 5/8 scaled down would blur them.
+    // Stripes of two pixels become stripes of one at half the size; decoding at 5/8 and scaling
+    // would blur them.
     QImage stripes(258, 387, QImage::Format_RGB32);
     for (int y = 0; y < stripes.height(); ++y) {
         for (int x = 0; x < stripes.width(); ++x)
