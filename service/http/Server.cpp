@@ -365,8 +365,8 @@ private:
     Connections m_connections;
     MemoryGate m_receiving{receivedAtOnce, waitForMemory, m_service.isEnding()};
     MemoryGate m_handling{handledAtOnce, waitForMemory, m_service.isEnding()};
-    std::optional<Threads>
-        m_threads;    // declared last to be destroyed first: its jobs use the other members
+    // Declared last to be destroyed first: the jobs use the other members.
+    std::optional<Threads> m_threads;
 };
 
 Server::Server(Service& service, const QString& host)

@@ -9,8 +9,7 @@ class Transaction;
 // Entries of credits are added and never changed. An account's balance is the sum of its entries,
 // never negative. Callers commit the transaction.
 
-inline constexpr qint64 largestBalance =
-    9'007'199'254'740'991;    // 2^53 - 1: exact in any JSON reader
+inline constexpr qint64 largestBalance = 9'007'199'254'740'991;    // exact in any JSON reader
 inline constexpr int largestCost = 1'000'000;
 
 qint64 balance(Transaction& transaction, qint64 account);
