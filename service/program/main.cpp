@@ -199,8 +199,8 @@ QString sentence(const DatabaseError& error, const QString& folder)
         place, whyNotWritable(folder, QString::fromUtf8(error.what())));
 }
 
-// Tells that the database is lost, and sets a damaged one aside. Paid credits are in it, so the
-// user is told before the next start makes an empty one.
+// The sentence about a lost database, after setting aside what is left of it. Paid credits were in
+// it, so the user is told before the next start makes an empty one.
 QString sentenceOfLoss(const DatabaseError& error, const QString& folder)
 {
     const bool wasDamaged = error.kind() == DatabaseError::Kind::damaged;
