@@ -6,7 +6,8 @@
 
 #include <mutex>
 
-// Limits how often something may be tried under a key. Kept in memory only. Used from any thread.
+// Limits how often something may be tried under a key. The attempts are kept in memory only. Used
+// from any thread.
 class Attempts {
 public:
     Attempts(int most, qint64 window) : m_most(most), m_window(window) {}

@@ -7,7 +7,7 @@
 struct Cost {
     std::optional<qint64> credits = {};    // nothing while it is being calculated
     qint64 balance = 0;
-    qint64 most = 0;    // the highest cost it may have; the coin leaves room for it
+    qint64 most = 0;    // the highest cost to leave room for
     bool isShort() const { return credits && *credits > balance; }
     bool operator==(const Cost&) const = default;
 };

@@ -16,8 +16,8 @@ public:
 // The title of a group of rows.
 QWidget* sectionTitle(const QString& text, QWidget* parent);
 
-// A scroll area around `page`. The bar's room is always kept; without need of the bar, it stays
-// empty.
+// A scroll area around `page`. The bar's room is always kept, and stays empty while there is
+// nothing to scroll.
 QScrollArea* scrolled(QWidget* page);
 // Scrolls until the widget is visible.
 void showIn(QScrollArea* area, QWidget* widget);

@@ -9,7 +9,7 @@
 QStringList wrappedRows(const QString& text, Type type, double width, int mostRows)
 {
     QStringList rows;
-    qsizetype start = 0;    // of the line in `text`
+    qsizetype start = 0;    // where the line begins in `text`
     for (const QString& line : text.split(u'\n')) {
         QTextLayout layout(line, fontOf(type));
         QTextOption option;

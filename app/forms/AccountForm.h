@@ -12,13 +12,13 @@ class Notice;
 class PushButton;
 class QWidget;
 
-// What the forms of the account have in common. While an action runs, all widgets are locked but
-// the pressed button, which spins. The notice tells the outcome of the action, or what is missing
+// Common behaviour of the account's forms. While an action runs, all widgets are locked but the
+// pressed button, which spins. The notice tells the outcome of the action, or what is missing
 // before the form can be sent.
 class AccountForm : public QObject {
     Q_OBJECT
 public:
-    // The notice and every added widget must outlive the form, or be removed before they go.
+    // `notice` must outlive the form; an added widget, too, unless it is removed first.
     AccountForm(Notice* notice, QWidget* parent);
     void add(const QList<PushButton*>& buttons);
     void add(CheckedField checked, FormField* field);
@@ -35,14 +35,14 @@ public:
     // Tells a problem that is not the outcome of an action; it stays until something is typed or
     // sent.
     void tellProblem(const QString& sentence);
-    // Empties the notice and unmarks fields: they are about something else than what comes next.
+    // Empties the notice and unmarks all fields, before something else is told.
     void forget();
     // Makes the following notices be about this control.
     void attend(QWidget* control) { Q_EMIT attended(control); }
 
 Q_SIGNALS:
     // The control that the following notices are about: the pressed button, or the field with a
-    // problem; null when an outcome came without one of them.
+    // problem; null when an outcome comes and no button was pressed.
     void attended(QWidget* control);
     void told();    // the notice may have changed
 

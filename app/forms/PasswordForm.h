@@ -13,7 +13,8 @@ public:
     struct Labels {
         QString current, changed, repeated;
     };
-    // `form` checks what is typed, and locks these fields and the button `change` while it works.
+    // `form` tells what is wrong with the passwords, and locks the fields and the button `change`
+    // while an action runs.
     PasswordForm(QBoxLayout::Direction direction, const Labels& labels, PushButton* change,
                  AccountForm* form);
     void clear();

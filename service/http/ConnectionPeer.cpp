@@ -95,7 +95,8 @@ std::optional<uint> askedOwner(const End& theirs, const End& ours)
                             ::recv(system, &answer, sizeof(answer), MSG_DONTWAIT) >=
                                 ssize_t(sizeof(answer.head) + sizeof(answer.found));
     ::close(system);
-    // Without such a connection the kernel answers with the socket that listens at their port.
+    // Without such a connection the kernel answers with the socket that listens at the port of
+    // `theirs`.
     if (!isAnswered || answer.head.nlmsg_type != SOCK_DIAG_BY_FAMILY ||
         answer.found.id.idiag_dport != wanted.idiag_dport)
         return std::nullopt;
@@ -142,7 +143,7 @@ ConnectionPeer peerOf(int socket)
     const End theirs = endOf(socket, &::getpeername), ours = endOf(socket, &::getsockname);
     const bool isLoopback = theirs.address.isLoopback();
     auto user = askedOwner(theirs, ours);
-    // Some kernels do not answer askedOwner(): their tables in /proc do.
+    // Some kernels do not answer askedOwner(); /proc names the user, too.
     if (!user && isLoopback && theirs.isVersion4())
         user = readOwner(false, theirs, ours);
     if (!user && isLoopback)

@@ -32,8 +32,8 @@ int priceInCents(int credits);
 QString startCheckout(Transaction& transaction, qint64 account, int credits, qint64 now);
 std::optional<Checkout> checkoutWithId(Transaction& transaction, const QString& id);
 
-// Adds the credits and the purchase as soon as it is paid, whether or not the buyer's program ever
-// asks for the outcome. Does nothing when the checkout is not open.
+// Marks a checkout as paid, and adds its credits and its purchase at once: the buyer's program need
+// not confirm it. Does nothing when the checkout is not open.
 void payCheckout(Transaction& transaction, const QString& id, qint64 now);
 void cancelCheckout(Transaction& transaction, const QString& id);
 

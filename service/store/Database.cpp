@@ -57,7 +57,8 @@ void bind(sqlite3_stmt* statement, int place, const SqlValue& value)
 
 void createPrivately(const QString& name)
 {
-    // SQLite gives its side files the permissions of the database.
+    // The file is made before SQLite opens it: SQLite gives its side files the permissions of the
+    // database.
     constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
     QFile file(name);
     if (!file.exists() && !file.open(QIODevice::WriteOnly | QIODevice::NewOnly, owner))

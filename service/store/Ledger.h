@@ -20,7 +20,8 @@ void addPurchase(Transaction& transaction, qint64 account, int credits, const QS
                  qint64 now);
 
 // A request identifier is open from its reservation to its refund. Reserving an open one again with
-// its cost, or refunding a refunded one again, changes nothing. Both throw Refusal.
+// its cost, or refunding a refunded one again, changes nothing. Both throw Refusal: for another
+// cost, for a balance that is too small, for a refund without a reservation.
 void reserveCredits(Transaction& transaction, qint64 account, qint64 cost, const QString& requestId,
                     qint64 now);
 void refundCredits(Transaction& transaction, qint64 account, qint64 cost, const QString& requestId,

@@ -8,7 +8,7 @@
 // Mails are not sent: they are files in a folder, which a page of the service shows.
 
 struct MailEntry {
-    QString name;    // of its file
+    QString name;    // of the mail's file
     QString to, subject, date;
     QString text;
 };

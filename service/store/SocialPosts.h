@@ -23,7 +23,7 @@ struct SocialPost {
 
 struct PostFolders {
     QDir posts;
-    QDir scratch;    // temporary files of pictures being checked
+    QDir scratch;    // for temporary files of pictures being checked
 };
 
 // The network that a request names. Throws Refusal for an unknown one.

@@ -112,7 +112,7 @@ void ZoomSlider::wheelEvent(QWheelEvent* event)
     event->ignore();
 }
 
-// A slider that is hidden or disabled during a drag or a held key never gets the release.
+// Ends a drag or held key when the slider is hidden or disabled: it never gets the release then.
 bool ZoomSlider::event(QEvent* event)
 {
     if (event->type() == QEvent::Hide || (event->type() == QEvent::EnabledChange && !isEnabled()))

@@ -13,8 +13,8 @@ public:
     QSize sizeHint() const override { return {112, 28}; }
 
 Q_SIGNALS:
-    // The user has moved the knob. `held` during a drag or while a key repeats; at its end one
-    // follows that is not `held`.
+    // The user has moved the knob. `held` is true during a drag or while a key repeats; when that
+    // ends, moved() is emitted once more, with false.
     void moved(int value, bool held);
 
 protected:

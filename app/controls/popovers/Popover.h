@@ -12,8 +12,8 @@ public:
     // `content` is the size inside the paddings. On closing, the focus returns to the widget that
     // has it now.
     void open(QSize content);
-    // Like open(), but lower, down to `leastHeight`, if that keeps clear what the window wants in
-    // sight.
+    // Like open(), but with less height, down to `leastHeight`, if that keeps clear what the window
+    // wants in sight.
     void openWithin(QSize content, int leastHeight);
     // Moves the focus to `target`; on closing it returns with the same reason.
     void takeFocus(QWidget* target, Qt::FocusReason reason);

@@ -187,7 +187,7 @@ bool Sheet::focusNextPrevChild(bool next)
 
 void Sheet::keyPressEvent(QKeyEvent* event)
 {
-    event->accept();    // none of the window's keys takes effect
+    event->accept();    // also keeps other keys from the window
     if (event->key() == Qt::Key_Escape)
         Q_EMIT closeRequested();
     else

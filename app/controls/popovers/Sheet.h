@@ -15,7 +15,7 @@ enum class Type;
 class Sheet : public QWidget {
     Q_OBJECT
 public:
-    // `size` of the box; smaller where the window is too small.
+    // `size`: of the box, which is smaller where the window is too small.
     Sheet(const QString& title, QSize size, QWidget* window);
 
     void present();    // the focus goes to setFirstFocus()'s widget
