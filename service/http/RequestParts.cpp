@@ -94,7 +94,7 @@ std::optional<QString> ownHost(const httplib::Request& request, const QString& t
     const QString host = headerOf(request, "Host").toLower();
     const QUrl url(u"http://"_s + host, QUrl::StrictMode);
     const QHostAddress address = plain(url.host());
-    // Apart from loopback, the only address that is ours is the one that the connection came in on.
+    // Of addresses, only loopback and the one that the connection came in on are ours.
     const bool isOurs =
         url.host() == u"localhost" || address.isLoopback() ||
         (!isWildcard(address) &&

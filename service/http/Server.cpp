@@ -192,7 +192,8 @@ private:
                     stream.socket(),
                     announced == 0 ? Connections::State::busy : Connections::State::receiving);
                 isHeard = isOpen && !m_service.isEnding();
-                // The library would cut out ranges and compress as often as a hostile client asks.
+                // A hostile client could make the library cut an answer into many ranges, or
+                // compress it.
                 request.ranges.clear();
                 request.headers.erase("Accept-Encoding");
                 // Calls of the API get a connection each. A client that sends on a kept connection
