@@ -5,7 +5,7 @@
 
 namespace {
 
-// In connections. From mostAtEase on, a waiting one is ended for each new one.
+// In connections. From mostAtEase on, one that is not busy is ended for each new one.
 constexpr int mostAtEase = 192, mostOfOneSource = 64;
 
 }    // namespace

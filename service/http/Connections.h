@@ -12,7 +12,7 @@
 #include <sys/socket.h>
 
 // The open sockets of the server and what each is doing, so that they can be ended: all of them
-// when the service ends; the one that has been waiting the longest when there are too many.
+// when the service ends; one that is not busy when there are too many.
 class Connections {
 public:
     enum class State {
@@ -22,7 +22,7 @@ public:
     };
 
     // Returns false, and adds nothing, when the peer is not our own user and has its share of
-    // connections already. Ends a waiting connection when there are too many.
+    // connections already. Ends a connection that is not busy when there are too many.
     bool add(int socket, const ConnectionPeer& peer);
     void remove(int socket);
     // Returns whether `socket` is still open. If it has been ended, the request must not be carried
