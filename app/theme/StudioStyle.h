@@ -27,7 +27,8 @@ public:
                            const QWidget* widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
                     const QWidget* widget) const override;
-    // SH_Widget_Animation_Duration is the time of a hover, 0 with reduced motion.
+    // SH_Widget_Animation_Duration is the duration of a hover animation in ms; 0 with reduced
+    // motion.
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override;
 
@@ -35,5 +36,5 @@ private:
     const Motion m_motion;
 };
 
-// Gives the program our style and font.
+// Gives the program our style, font and theme.
 void dress(QApplication& application, const Theme& theme, Motion motion = Motion::full);
