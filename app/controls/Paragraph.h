@@ -22,7 +22,6 @@ public:
     // twice.
     void setSpoken(Spoken spoken);
     void setMostRows(int rows);
-    // Keeps the room of so many rows when the text has fewer.
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
