@@ -43,6 +43,11 @@ QUrl resolvedURL(const QUrl& fallback, const std::optional<QByteArray>& bookmark
 std::optional<AcceptedPhoto> image(const QUrl& url, const std::optional<QByteArray>& bookmarkData,
                                    PhotoCache& cache);
 
+// Calls PhotoCache::identify() for a photo that comes into the batch, through its bookmark. Waits
+// for the disk.
+std::optional<AcceptedPhoto>
+identified(const QUrl& url, const std::optional<QByteArray>& bookmarkData, PhotoCache& cache);
+
 // Calls PhotoCache::reopen() for a photo of an earlier run, through its bookmark. Waits for the
 // disk.
 std::optional<AcceptedPhoto>

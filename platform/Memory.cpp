@@ -16,6 +16,13 @@ void settleAllocator()
 #endif
 }
 
+void keepFreedMemory()
+{
+#ifdef __GLIBC__
+    mallopt(M_TRIM_THRESHOLD, 128 << 20);
+#endif
+}
+
 qint64 peakMemory()
 {
     QFile status(QStringLiteral("/proc/self/status"));

@@ -38,6 +38,17 @@ std::optional<AcceptedPhoto> PhotoCache::accept(const QString& path)
     return photo;
 }
 
+std::optional<AcceptedPhoto> PhotoCache::identify(const QString& path)
+{
+    const QString file = m_disk.fileFor(path);
+    auto photo = m_disk.loadFacts(file);
+    if (!photo)
+        photo = identifyPhoto(path);
+    if (photo)
+        rememberContent(path, {file, photo->digest});
+    return photo;
+}
+
 std::optional<QByteArray> PhotoCache::contentOf(const QString& path)
 {
     const QString file = m_disk.fileFor(path);

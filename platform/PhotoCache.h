@@ -30,6 +30,10 @@ public:
     // changed since. Waits.
     std::optional<AcceptedPhoto> accept(const QString& path);
 
+    // Looks at a photo as identifyPhoto() does, or reads what was stored when it was accepted if
+    // the file has not changed since. Waits.
+    std::optional<AcceptedPhoto> identify(const QString& path);
+
     // The facts of a photo accepted in an earlier run. Its digest is empty when only reading the
     // whole file would give it. Nothing when the file is gone or is no photo any more. Waits;
     // longest for a format that must be decoded to be known.

@@ -171,6 +171,12 @@ int copiesOfFile(PhotoFormat format)
     return format == PhotoFormat::webp || format == PhotoFormat::heic ? 2 : 1;
 }
 
+// The others may be turned by what stands behind their header.
+bool isSizeInHeader(PhotoFormat format)
+{
+    return format == PhotoFormat::jpeg || format == PhotoFormat::png || format == PhotoFormat::bmp;
+}
+
 std::optional<OpenPhoto> openPhoto(const QString& path, const LevelChoice& wantedLevel)
 {
     QFile file(path);
@@ -261,6 +267,20 @@ std::optional<PhotoInfo> readPhotoInfo(const QString& path)
         return {};
     const auto header = readPhotoHeader(file);
     return header ? std::optional(infoBeforeDecoding(*header)) : std::nullopt;
+}
+
+std::optional<AcceptedPhoto> identifyPhoto(const QString& path)
+{
+    auto photo = openPhoto(path, [](const PhotoInfo&) { return PhotoLevel::eighth; });
+    if (!photo)
+        return {};
+    const QByteArray digest = digestOf(photo->bytes);
+    if (isSizeInHeader(photo->header.format))
+        return AcceptedPhoto{infoBeforeDecoding(photo->header), digest, {}};
+    const auto decoded = decode(std::move(*photo));
+    if (!decoded)
+        return {};
+    return AcceptedPhoto{decoded->info, digest, {}};
 }
 
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path)

@@ -52,3 +52,7 @@ struct AcceptedPhoto {
     QImage thumbnail;     // upright, in sRGB, area-averaged to thumbnailSize()
 };
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path);
+
+// The same without a thumbnail. A photo whose size its header tells for certain is not decoded, so
+// its decoding may still fail.
+std::optional<AcceptedPhoto> identifyPhoto(const QString& path);

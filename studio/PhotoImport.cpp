@@ -13,9 +13,11 @@ namespace {
 
 using Accepted = std::optional<PublicationItem>;
 
-Accepted itemOf(const QUrl& url, PhotoCache& cache)
+Accepted itemOf(const QUrl& url, PhotoCache& cache, PhotoImport::Look look)
 {
-    const auto photo = ImageAccess::image(url, std::nullopt, cache);
+    const auto photo = look == PhotoImport::Look::picture
+                           ? ImageAccess::image(url, std::nullopt, cache)
+                           : ImageAccess::identified(url, std::nullopt, cache);
     if (!photo)
         return std::nullopt;
     const PhotoHandle handle{url.toLocalFile(), photo->info.size, photo->info.reducible,
@@ -23,12 +25,13 @@ Accepted itemOf(const QUrl& url, PhotoCache& cache)
     return PublicationItem::make(url, handle);
 }
 
-Accepted acceptedItem(const QUrl& url, PhotoCache& cache, const PhotoImport::Control& control)
+Accepted acceptedItem(const QUrl& url, PhotoCache& cache, PhotoImport::Look look,
+                      const PhotoImport::Control& control)
 {
     if (control.stop)
         return std::nullopt;
     try {
-        return itemOf(url, cache);
+        return itemOf(url, cache, look);
     } catch (const std::exception&) {
         return std::nullopt;    // short of memory: like a photo that cannot be read
     }
@@ -47,6 +50,7 @@ struct ImportRun {
     QList<QUrl> photos;
     std::shared_ptr<PhotoCache> cache;
     std::shared_ptr<PhotoImport::Control> control;
+    PhotoImport::Look look = PhotoImport::Look::picture;
     std::vector<Accepted> results;    // in the order of the photos
     std::vector<bool> isLooked;
     qsizetype next = 0;    // the first photo no lane has taken
@@ -85,8 +89,8 @@ QCoro::Task<> lane(std::shared_ptr<ImportRun> run)
     while (run->next < run->photos.size() && !run->control->stop) {
         const qsizetype index = run->next++;
         const QUrl url = run->photos[index];
-        QFuture<Accepted> looking =
-            runOnWorker([url, run] { return acceptedItem(url, *run->cache, *run->control); });
+        QFuture<Accepted> looking = runOnWorker(
+            [url, run] { return acceptedItem(url, *run->cache, run->look, *run->control); });
         const Accepted item = co_await looking;
         if (!run->control->stop)
             run->take(index, item);
@@ -97,7 +101,7 @@ QCoro::Task<> lane(std::shared_ptr<ImportRun> run)
 
 QCoro::Task<std::optional<PhotoImport::Imported>>
 PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCache> cache,
-                          std::shared_ptr<Control> control)
+                          std::shared_ptr<Control> control, Look look)
 {
     // Named before they are awaited: the compiler destroys twice what is made inside an awaiting
     // expression.
@@ -108,6 +112,7 @@ PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCach
     run->photos = found.photos;
     run->cache = cache;
     run->control = control;
+    run->look = look;
     run->results.resize(std::size_t(run->photos.size()));
     run->isLooked.resize(std::size_t(run->photos.size()));
     run->progress.total = run->photos.size();

@@ -12,9 +12,14 @@
 #include <functional>
 #include <memory>
 
-// Photos becoming items. A photo is accepted when a reduced decoding of it succeeds, on the
-// workers; the names of the others are kept.
+// Photos becoming items. A photo is accepted when the workers can look at it; the names of the
+// others are kept.
 namespace PhotoImport {
+
+enum class Look {
+    picture,    // a reduced decoding, whose thumbnail is kept
+    header,     // no decoding where the header tells the size: drawing it may still fail
+};
 
 struct Progress {
     qsizetype looked = 0, total = 0;    // files
@@ -37,6 +42,7 @@ struct Imported {
 // its turn.
 QCoro::Task<std::optional<Imported>> importPhotos(QList<QUrl> filesAndFolders,
                                                   std::shared_ptr<PhotoCache> cache,
-                                                  std::shared_ptr<Control> control);
+                                                  std::shared_ptr<Control> control,
+                                                  Look look = Look::picture);
 
 }    // namespace PhotoImport

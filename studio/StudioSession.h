@@ -13,7 +13,6 @@
 #include "studio/batch/StyleClipboard.h"
 #include "templates/VisualTemplate.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QScopedValueRollback>
@@ -260,7 +259,7 @@ private:
     QString m_status;
     StatusTone m_statusTone = StatusTone::info;
     StatusLink m_statusLink;
-    QElapsedTimer m_statusTold;
+    StudioHistory::Time m_statusTold;
     bool m_isStatusOfThisTurn = false;
     AccountSession* m_accountSession = nullptr;
     std::optional<AccountPanelDestination> m_accountPanel;
@@ -268,7 +267,7 @@ private:
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
     std::shared_ptr<PhotoImport::Control> m_import;    // of the import under way
     PhotoImport::Progress m_importProgress;
-    QElapsedTimer m_importTold;    // since the last report of it
+    std::optional<StudioHistory::Time> m_importTold;    // when it was last reported
     StudioExports m_exports;
     QStringList m_settledEntries;    // preferences to remove with the next storing
 };

@@ -31,7 +31,6 @@ public:
     void outdatePictures();
     // Its name is typed in place.
     void rename(QUuid id);
-    bool isRenaming() const { return m_name != nullptr; }
     PresetOwner owner() const { return m_owner; }
     PresetTile* tile(QUuid id) const;
 

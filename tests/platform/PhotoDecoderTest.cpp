@@ -56,6 +56,10 @@ TEST(PhotoDecoder, everyOrientationComesOutUprightOnce)
         const auto accepted = acceptPhoto(jpegFile);
         ASSERT_TRUE(accepted) << orientation;
         EXPECT_EQ(accepted->info.size, expected.size()) << orientation;
+        const auto identified = identifyPhoto(jpegFile);
+        ASSERT_TRUE(identified) << orientation;
+        EXPECT_EQ(identified->info, accepted->info) << orientation;
+        EXPECT_EQ(identified->digest, accepted->digest) << orientation;
 
         const QString webpFile =
             written(folder, u"a.webp"_qs, turnedWebp(webp, picture.size(), orientation));
@@ -63,6 +67,23 @@ TEST(PhotoDecoder, everyOrientationComesOutUprightOnce)
         ASSERT_TRUE(fromWebp) << orientation;
         EXPECT_EQ(fromWebp->info.size, expected.size()) << orientation;
         EXPECT_LT(meanDifference(fromWebp->thumbnail, expected), 4) << orientation;
+        EXPECT_EQ(identifyPhoto(webpFile)->info, fromWebp->info) << "by decoding it";
+    }
+}
+
+TEST(PhotoDecoder, whatIsSaidOfAPhotoWithoutDecodingItIsWhatDecodingFinds)
+{
+    const QTemporaryDir folder;
+    for (const char* format : {"jpeg", "png", "bmp", "gif", "tiff", "webp"}) {
+        const QByteArray bytes = encoded(quarters({97, 65}), format);
+        if (bytes.isEmpty())
+            continue;    // a format that is only read
+        const QString file = written(folder, QString::fromLatin1(format), bytes);
+        const auto accepted = acceptPhoto(file), identified = identifyPhoto(file);
+        ASSERT_TRUE(accepted && identified) << format;
+        EXPECT_EQ(identified->info, accepted->info) << format;
+        EXPECT_EQ(identified->digest, accepted->digest) << format;
+        EXPECT_TRUE(identified->thumbnail.isNull()) << format;
     }
 }
 
