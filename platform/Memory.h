@@ -7,8 +7,8 @@
 // main().
 void settleAllocator();
 
-// For a program that does one thing and ends: what it frees stays at hand. Paging the memory of
-// each picture in anew takes a tenth of an export's processor time.
+// Keeps freed memory in the process, for a program that does one thing and ends: paging the memory
+// of each picture in anew takes a tenth of an export's processor time.
 void keepFreedMemory();
 
 // The largest resident size of this process so far, in bytes; 0 where the system does not tell.

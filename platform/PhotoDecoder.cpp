@@ -171,7 +171,7 @@ int copiesOfFile(PhotoFormat format)
     return format == PhotoFormat::webp || format == PhotoFormat::heic ? 2 : 1;
 }
 
-// The others may be turned by what stands behind their header.
+// Whether the header gives the upright size: other formats keep their orientation behind it.
 bool isSizeInHeader(PhotoFormat format)
 {
     return format == PhotoFormat::jpeg || format == PhotoFormat::png || format == PhotoFormat::bmp;

@@ -53,6 +53,6 @@ struct AcceptedPhoto {
 };
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path);
 
-// The same without a thumbnail. A photo whose size its header tells for certain is not decoded, so
-// its decoding may still fail.
+// Looks at a photo without making a thumbnail. If its header gives the upright size for certain,
+// the photo is not decoded, so its decoding may still fail later.
 std::optional<AcceptedPhoto> identifyPhoto(const QString& path);

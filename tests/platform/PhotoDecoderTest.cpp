@@ -77,7 +77,7 @@ TEST(PhotoDecoder, whatIsSaidOfAPhotoWithoutDecodingItIsWhatDecodingFinds)
     for (const char* format : {"jpeg", "png", "bmp", "gif", "tiff", "webp"}) {
         const QByteArray bytes = encoded(quarters({97, 65}), format);
         if (bytes.isEmpty())
-            continue;    // a format that is only read
+            continue;    // Qt cannot write this format
         const QString file = written(folder, QString::fromLatin1(format), bytes);
         const auto accepted = acceptPhoto(file), identified = identifyPhoto(file);
         ASSERT_TRUE(accepted && identified) << format;

@@ -7,7 +7,7 @@ ScriptedAccount::ScriptedAccount(PreferencesStore& preferences, Scripted state)
                                 m_opened.append(url);
                                 return true;
                             },
-                        .startLimit = std::chrono::minutes(10)}),    // as long as it holds
+                        .startLimit = std::chrono::minutes(10)}),    // longer than any hold()
       m_journal(m_session, preferences, m_runs.path())
 {
     connect(&m_server, &QTcpServer::newConnection, this, [this] {
@@ -96,7 +96,7 @@ void ScriptedAccount::read(QTcpSocket* socket)
 void ScriptedAccount::reply(QTcpSocket* socket, const QByteArray& request)
 {
     const Answer answer = m_answers.value(request.split('?').first());
-    // As from the service: what is refused, or asked without an account, opens no session.
+    // Like the service, gives no session to a refused request or to one that needs no account.
     const bool opensSession = answer.status == 200 && request.contains(" /api/auth/");
     socket->write("HTTP/1.1 " + QByteArray::number(answer.status) +
                   " Answer\r\nContent-Type: application/json\r\nConnection: close\r\n" +
