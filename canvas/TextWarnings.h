@@ -27,6 +27,6 @@ struct JudgedPicture {
     QImage picture;
     QList<TextWarning> warnings;    // in drawing order; only texts with a problem
 };
-// Paints the item like paintedItem() and judges its texts meanwhile. Without a readable photo the
-// contrast is not judged: the ground is then plain black.
+// Paints the item like paintedItem() and judges its texts meanwhile. If the item's photo cannot be
+// read, contrasts are not judged: the ground is then plain black.
 JudgedPicture judgedItem(const ItemLayout& layout, QSize pixels, const QImage& photo);

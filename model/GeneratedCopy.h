@@ -9,7 +9,7 @@
 struct GeneratedCopy {
     QString title, subtitle, tagline, callToAction;
     QString publicationCaption;    // posted with the image
-    QString imageNotes;            // what the image shows; not drawn on the canvas
+    QString imageNotes;            // not drawn on the canvas
 
     GeneratedCopy() = default;
     GeneratedCopy(const QString& titleText, const QString& subtitleText, const QString& taglineText,

@@ -29,7 +29,8 @@ public:
     // A sentence for the user about a file that could not be used, given once; empty when all is
     // well.
     QString takeProblem() { return std::exchange(m_problem, {}); }
-    // Why the last write or opening failed, as a part of a Spanish sentence; empty when it did not.
+    // Why nothing can be stored, as a part of a Spanish sentence; empty when storing works or the
+    // reason is not known.
     const QString& reason() const { return m_reason; }
     std::optional<QByteArray> value(const QString& key) const;
     bool contains(const QString& key) const;    // without reading the value

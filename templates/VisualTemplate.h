@@ -39,7 +39,7 @@ struct VisualTemplate {
     QString name;
     QList<TextLayerTemplate> textLayers;
     QList<ShapeLayerSnapshot> shapeLayers;    // bottom first
-    std::optional<QByteArray> previewPNG;     // the bytes of an image file: PNG, WebP or JPEG
+    std::optional<QByteArray> previewPNG;     // the bytes of an image file, not always PNG
     std::optional<double> aspectRatio;        // width / height of the format it was made for
     std::optional<int> order;
     std::optional<QUrl> sourceFile;    // the definition file it comes from
