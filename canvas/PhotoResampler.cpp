@@ -26,7 +26,7 @@ double kernel(double x)
     return 0;
 }
 
-// The source pixels and weights for each target pixel from `begin` to `end`, along one axis.
+// The source pixels and weights for each pixel of a stretch of the target, along one axis.
 struct Taps {
     struct Pixel {
         int first;       // source index

@@ -23,7 +23,7 @@ public:
 
     const NamedList<VisualTemplate>& templates() const { return m_templates; }
     const NamedList<DesignTemplate>& styles() const { return m_styles; }
-    bool isStored() const { return m_isStored; }    // whether the last change is
+    bool isStored() const { return m_isStored; }    // whether the last change is stored
 
     // Saves the arrangement of an item as a template with a free name. The preview is drawn later,
     // on a worker.
