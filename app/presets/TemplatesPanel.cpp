@@ -76,7 +76,7 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
     m_area = scrolled(page);
     auto* fixed = new QWidget;
     auto* fixedLayout = new PanelLayout(fixed);
-    // Beside it there is no scroll bar.
+    // The search has no scroll bar beside it, so its right margin equals the left one.
     const QMargins beside = fixedLayout->contentsMargins();
     fixedLayout->setContentsMargins(beside.left(), beside.top(), beside.left(), 0);
     fixedLayout->addRow({m_search, m_save}, 4);
