@@ -57,7 +57,7 @@ TEST_F(SidePanelTest, whatCannotBeChangedSaysWhy)
 {
     struct Case {
         bool selected, hasBox;
-        QString size, box, shadow;    // the reasons
+        QString size, box, shadow;    // why the fields are disabled; empty: enabled
     };
     const QString nothing = u"Selecciona un texto para cambiar su estilo."_s;
     for (const Case& c :
@@ -102,7 +102,7 @@ TEST_F(SidePanelTest, aStateWithTheSameTextLeavesTheEditorAlone)
     text->setState(state);
     EXPECT_EQ(title->textCursor().position(), 4) << "the session's answer to the key";
 
-    state.layers[0].text = u"Tu"_s;    // undone
+    state.layers[0].text = u"Tu"_s;    // as undo does
     text->setState(state);
     EXPECT_EQ(title->text(), u"Tu"_s);
     EXPECT_EQ(edits.size(), 1) << "showing is not an edit";
