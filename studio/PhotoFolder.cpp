@@ -39,7 +39,7 @@ QList<QUrl> photosInFolder(const QString& folder)
     return urls;
 }
 
-// Reads the folder without Qt, whose listings leave out files with such names.
+// Reads the folder without Qt, whose listings leave out names that are no valid UTF-8.
 QStringList unreachablePhotosInFolder(const QString& folder)
 {
     namespace fs = std::filesystem;

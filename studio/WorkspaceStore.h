@@ -15,7 +15,7 @@ class WorkspaceEncoder;
 // Keeps the batch across restarts: one document under one key of the preferences store.
 namespace WorkspaceStore {
 
-// What a restore hands to the session.
+// The batch that restore() hands to the session.
 using RestoredWorkspace = Batch;
 
 // Stores the batch; one without items removes the stored document. False when it could not be

@@ -15,7 +15,7 @@ class UserAccountButton;
 struct AccountShown;
 
 // Connects the account with the gate, with its button and popover in the top bar, and with the
-// settings. Which of these lies over the window is the studio's state.
+// settings. StudioSession holds which settings lie over the window.
 class AccountBinding : public QObject {
     Q_OBJECT
 public:
@@ -32,7 +32,8 @@ Q_SIGNALS:
     void gateClosed();
     void sheetChanged();
     void textPanelRequested();
-    // Sent while no account screen is open, for the status line: an action began; its outcome.
+    // For the status line while no account screen is open: working() when an action begins, told()
+    // with its outcome.
     void working();
     void told(const QString& message, bool isProblem);
 

@@ -74,7 +74,7 @@ bool AuthGateView::event(QEvent* event)
 
 bool AuthGateView::focusNextPrevChild(bool next)
 {
-    // While the gate hides, Qt looks for the next focus: a widget inside would be invisible.
+    // Qt asks for the next focus while it hides the gate, whose own widgets are then invisible.
     if (!isVisible())
         return QWidget::focusNextPrevChild(next);
     moveFocusRound(this, next);

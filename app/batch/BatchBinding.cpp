@@ -51,7 +51,8 @@ void BatchBinding::ask()
 {
     QList<PublicationItem> items;
     const PublicationItem* current = m_session.batch().currentItem();
-    // The side panel shows the current item's warnings, even while its tile is out of view.
+    // The current item is drawn even while its tile is out of view: the side panel shows its
+    // warnings.
     if (current && !isJudged(*current) && !columnAsksFor(current->id))
         items.append(*current);
     if (m_column->grid()->isVisible()) {

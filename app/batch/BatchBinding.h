@@ -21,8 +21,7 @@ public:
     void photoFound(QUuid item);
     void photoMissing(QUuid item);
     bool isIdle() const { return m_pictures->isIdle(); }
-    // Whether the column shows the images of a running import. The batch is then not changed from
-    // it.
+    // Whether the column shows the images of a running import. It must not change the batch then.
     bool showsIncoming() const;
     // Warnings found when the item's picture was last drawn. All marks of warnings come from here.
     QList<TextWarning> warningsOf(QUuid item) const;

@@ -281,7 +281,8 @@ void TileGrid::forgetDistant()
 {
     const QList<int> visible = visibleTiles();
     const int reach = int(visible.size());
-    // Drops nothing until there are five viewfuls of pictures, then all but one on each side.
+    // Drops nothing until there are five viewfuls of pictures, then keeps three: the visible one
+    // and one on each side.
     if (m_pictures.size() <= qsizetype(5) * std::max(reach, 1))
         return;
     QSet<QUuid> near;

@@ -22,14 +22,14 @@ public:
     // A picture of another size than picturePixels() is shown scaled. Pictures far outside the view
     // are dropped.
     void setPicture(QUuid id, const QImage& picture);
-    // The outdated picture stays until a new one comes, wanted as soon as the tile is visible.
+    // Goes on showing the outdated picture, and asks for a new one as soon as the tile is visible.
     void pictureOutdated(QUuid id);
     qsizetype keptPictures() const { return m_pictures.size(); }
 
     int columns() const;
     int currentIndex() const;
     QRect tileRect(int index) const;      // of the picture, in the viewport
-    int tileAt(QPoint position) const;    // in the viewport; -1 beside the tiles
+    int tileAt(QPoint position) const;    // index at a point of the viewport; -1 beside the tiles
     QList<int> visibleTiles() const;      // indices of tiles whose picture is in view, ascending
     QSize picturePixels() const;          // size of a tile's picture in device pixels
     QString accessibleText(int index) const;

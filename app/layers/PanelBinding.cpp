@@ -177,7 +177,7 @@ void PanelBinding::editSelected()
         edit(text->slot);
 }
 
-// Has the recent colours at once; the photo's follow when a worker has found them.
+// Offers the recent colours at once, and the photo's colours once a worker has found them.
 ColorOffers PanelBinding::colors()
 {
     const PhotoHandle& photo = m_session.batch().currentItem()->image;

@@ -21,7 +21,7 @@ struct TextPanelState {
     QList<TextLayer> layers = {};
     QList<TextWarning> warnings = {};        // about the layers
     QUuid selectedLayer = {};                // a text, a shape or none
-    std::optional<double> sizeLimit = {};    // font scale that the selected text's box limits it to
+    std::optional<double> sizeLimit = {};    // font scale at which the selected text fills its box
     int reachedImages = 1;                   // number of images that a change of style reaches
     bool canPaste = false;
     ColorOffers colors = {};

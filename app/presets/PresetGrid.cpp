@@ -204,7 +204,8 @@ void PresetGrid::place()
                                 i / m_columns * (down + presetRowGap), across, down);
     }
     const int rows = (int(m_tiles.size()) + m_columns - 1) / m_columns;
-    setFixedHeight(rows == 0 ? 0 : rows * (down + presetRowGap));    // the last gap: for m_name
+    // The gap below the last row has room for the name field.
+    setFixedHeight(rows == 0 ? 0 : rows * (down + presetRowGap));
     placeName();
 }
 

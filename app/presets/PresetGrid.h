@@ -26,7 +26,8 @@ public:
     // Size of a tile's picture in device pixels.
     QSize picturePixels() const;
     void setPicture(QUuid id, const QImage& picture);
-    // An outdated picture stays until its tile is painted and pictureWanted() brings a new one.
+    // Goes on showing the outdated picture, and emits pictureWanted() when its tile is painted
+    // next.
     void outdatePicture(QUuid id);
     void outdatePictures();
     // Opens a field over the preset's caption, to type its name there.

@@ -8,7 +8,7 @@ enum class StatusTone;
 class TemplateFiles : public QObject {
     Q_OBJECT
 public:
-    // `saved` outlives it.
+    // `saved` outlives this object.
     TemplateFiles(SavedTemplates& saved, QObject* parent);
 
     // Properties that the file leaves out are taken from the item.

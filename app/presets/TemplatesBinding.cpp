@@ -172,7 +172,7 @@ const BuiltInTemplateLibrary& TemplatesBinding::library()
 
 void TemplatesBinding::show()
 {
-    preview({});    // the preview was of the former state
+    preview({});    // ends a preview of the former state
     showTemplates();
     showStyles();
     const PublicationItem* item = m_session.batch().currentItem();

@@ -142,7 +142,7 @@ void StageBinding::zoomBy(double step)
         [step](ImagePlacement& placement) {
             placement.zoom = std::clamp(placement.zoom + step, leastZoom, mostZoom);
         },
-        Pace::held);    // a key that repeats
+        Pace::held);    // the key may repeat
 }
 
 void StageBinding::setZoom(double zoom, Pace pace)

@@ -63,7 +63,7 @@ void StagePanel::nameCanvas()
 
 bool StagePanel::event(QEvent* event)
 {
-    // A move to a screen of another pixel ratio arrives as one of these.
+    // Qt tells of a move to a screen of another pixel ratio by one of these events.
     if (event->type() == QEvent::ScreenChangeInternal || event->type() == QEvent::Show)
         fit();
     if (event->type() == QEvent::PaletteChange)

@@ -28,8 +28,8 @@ public:
 
 Q_SIGNALS:
     void ready(const QImage& photo);
-    void photoRead();                          // its file could be read, now or earlier
-    void photoMissing(const QString& name);    // its pixels can no longer be read
+    void photoRead();                          // the photo's file could be read, now or earlier
+    void photoMissing(const QString& name);    // the photo's pixels can no longer be read
 
 private:
     struct Wish {

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString importFolderKey = u"moltiva.importFolder"_s;
-constexpr int moreMayCome = 1000;    // ms
+constexpr int moreMayCome = 1000;    // ms in which another open() adds to the batch
 
 // The chooser's filters. All files can be chosen, too: the content decides what is an image.
 QString imageFilter()

@@ -65,7 +65,8 @@ void prepare(QCoreApplication& application)
     auto* translator = new QTranslator(&application);
     if (translator->load(u"qtbase_es"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QCoreApplication::installTranslator(translator);
-    QCoreApplication::installTranslator(new KeyNames(&application));    // asked first
+    QCoreApplication::installTranslator(
+        new KeyNames(&application));    // the last one is asked first
     QLocale::setDefault(QLocale(u"es"_s));
 }
 

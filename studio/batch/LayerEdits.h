@@ -12,10 +12,10 @@ enum class Copied {
     frame,
 };
 
-// Copies that part of `layer` to the layer of its slot in every other selected item.
+// Copies the part `copied` of `layer` to the layer of its slot in every other selected item.
 void applyLayerChangeToSelectedItems(Batch& batch, const TextLayer& layer, Copied copied);
-// Copies that part of `shape` to the shapes of its id in the other selected items. A shape has no
-// visibility to copy.
+// Copies the part `copied` of `shape` to the shapes of its id in the other selected items. A shape
+// has no visibility to copy.
 void applyShapeChangeToSelectedItems(Batch& batch, const ShapeLayer& shape, Copied copied);
 
 // Replaces the current item's layer of this id by `layer`, and copies the part named by `copied` to
@@ -38,8 +38,8 @@ void syncCurrentCanvasEditsToSelectedItems(Batch& batch, QUuid movedLayer);
 // it.
 void addShape(Batch& batch, ShapeKind kind);
 
-// A selected shape is removed, here and in the other selected items that hold its id; a selected
-// text is hidden, because every item keeps one layer per slot.
+// Removes a selected shape from the current item and from the other selected items that hold its
+// id; hides a selected text, because every item keeps one layer per slot.
 void deleteSelectedLayer(Batch& batch);
 void deleteShape(Batch& batch, QUuid shape);
 

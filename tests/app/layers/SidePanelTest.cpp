@@ -177,7 +177,7 @@ TEST_F(SidePanelTest, theSizeSaysWhereTheBoxEndsIt)
     EXPECT_LT(*limit, 2.5);
     title.fontScale = *limit;
     EXPECT_FALSE(limitOf(title)) << "at the end itself the text is as large as it wants to be";
-    // Where the largest size of all ends it first.
+    // In a large box the size that no text may exceed comes before the box's limit.
     TextLayer large = title;
     large.frame = {0, 0, 1, 1};
     large.text = QString(u"palabras "_s).repeated(60);
