@@ -60,7 +60,7 @@ private:
     FormField* m_password;
     FormField* m_repeated;
     PushButton* m_recover;
-    QList<PushButton*> m_primaries;    // by LoginMode
+    QList<PushButton*> m_primaries;    // the buttons that send the form, by LoginMode
     PushButton* m_google;
     Notice* m_notice;
     PushButton* m_retry;

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int samplesAcross = 24, groups = 12, rounds = 8, mostColors = 6;
-constexpr double leastDistance = 60;    // below it two colours look alike in a small square
+constexpr double leastDistance = 60;    // nearer colours look alike in a small square
 
 struct Point {
     double r = 0, g = 0, b = 0;

@@ -26,7 +26,7 @@ struct MenuCommand {
     std::function<bool()> isPossible = {};    // empty: always
     std::function<bool()> isChecked = {};     // empty: no check mark
     std::function<QString()> wording = {};    // empty: `text`
-    bool changesImages = false;               // of the batch; refused while an import's are shown
+    bool changesImages = false;               // refused while the column shows an import's images
     bool keepsTyping = false;                 // does not end an edit that is being typed
     bool repeats = true;                      // runs again while its key is held
     bool isAlwaysUsable = false;              // even while the menu is locked

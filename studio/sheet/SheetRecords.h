@@ -11,7 +11,7 @@ struct SheetRecord {
     static constexpr int mostCells = 16'384;    // columns that spreadsheet programs can hold
 
     QByteArrayList cells;       // mostCells at most
-    qsizetype count = 0;        // of cells, beyond mostCells too; those read if not isWhole
+    qsizetype count = 0;        // of all cells; of the cells before the fault if not isWhole
     bool hasSurplus = false;    // a cell beyond mostCells is not blank
     bool isWhole = false;       // false: the record's quotes are wrong
 
