@@ -42,7 +42,7 @@ QString lineOf(const QString& name)
     return line;
 }
 
-// What the lanes of one import share.
+// The state that the lanes of one import share.
 struct ImportRun {
     QList<QUrl> photos;
     std::shared_ptr<PhotoCache> cache;

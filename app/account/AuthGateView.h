@@ -6,7 +6,7 @@ class QStackedWidget;
 
 enum class Gate { checking, signedOut, open };
 
-// Lies over the studio until somebody is signed in; neither a click nor a key gets past it.
+// Covers the studio until a user is signed in; neither a click nor a key gets past it.
 class AuthGateView : public QWidget {
     Q_OBJECT
 public:

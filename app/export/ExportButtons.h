@@ -6,7 +6,7 @@
 
 class CostButton;
 
-// What can be exported now.
+// The state of batch and session that decides what can be exported now.
 struct ExportOffer {
     qsizetype images = 0;       // in the batch
     qsizetype selected = 0;     // images; if 1, it is the current image

@@ -150,7 +150,7 @@ std::optional<QString> decoded(const QByteArray& cell)
 
 // Whether a spreadsheet would compute the cell, or warn of it: written() puts an apostrophe before
 // it, and withoutGuard() takes one away. Apostrophes of the text itself are skipped here, so that
-// such a text gets one more.
+// the text gets one more.
 bool isLikeFormula(QStringView cell)
 {
     while (cell.startsWith(u'\''))
