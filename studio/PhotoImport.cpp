@@ -37,7 +37,7 @@ Accepted acceptedItem(const QUrl& url, PhotoCache& cache, PhotoImport::Look look
     }
 }
 
-// A name from elsewhere as one line, in the direction of the text around it.
+// A file's name as one line, without characters that turn the direction of the text.
 QString lineOf(const QString& name)
 {
     QString line = plainText(name).replace(u'\n', u' ');
@@ -45,7 +45,7 @@ QString lineOf(const QString& name)
     return line;
 }
 
-// What the lanes of one import share.
+// The state that the lanes of one import share.
 struct ImportRun {
     QList<QUrl> photos;
     std::shared_ptr<PhotoCache> cache;
@@ -57,8 +57,8 @@ struct ImportRun {
     qsizetype told = 0;    // photos before this one are in the progress
     PhotoImport::Progress progress;
 
-    // Photos finish in any order; they are told in theirs, so that no picture moves once it is
-    // shown.
+    // Photos finish in any order, but are reported in the order of the files, so that no picture
+    // moves once it is shown.
     void take(qsizetype index, const Accepted& item)
     {
         results[std::size_t(index)] = item;
@@ -83,7 +83,7 @@ struct ImportRun {
     }
 };
 
-// One photo after the other, until none is left.
+// Looks at one photo after the other, until the run has none left.
 QCoro::Task<> lane(std::shared_ptr<ImportRun> run)
 {
     while (run->next < run->photos.size() && !run->control->stop) {
@@ -103,8 +103,7 @@ QCoro::Task<std::optional<PhotoImport::Imported>>
 PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCache> cache,
                           std::shared_ptr<Control> control, Look look)
 {
-    // Named before they are awaited: the compiler destroys twice what is made inside an awaiting
-    // expression.
+    // A variable of its own: GCC 12 destroys twice what is made inside an awaiting expression.
     QFuture<FoundPhotos> listing =
         runOnWorker([filesAndFolders] { return photosIn(filesAndFolders); });
     auto run = std::make_shared<ImportRun>();

@@ -12,8 +12,8 @@
 #include <functional>
 #include <memory>
 
-// Photos becoming items. A photo is accepted when the workers can look at it; the names of the
-// others are kept.
+// Makes items of photos. A photo is accepted when a worker could look at it as Look says; the names
+// of the others are reported.
 namespace PhotoImport {
 
 enum class Look {
@@ -23,10 +23,10 @@ enum class Look {
 
 struct Progress {
     qsizetype looked = 0, total = 0;    // files
-    PublicationItems accepted;          // so far, in order
+    PublicationItems accepted;          // so far, in the order of the files
 };
 
-// Shared by who runs an import and who may end it.
+// Shared by a running import and its caller, who may stop it.
 struct Control {
     std::atomic_bool stop = false;
     std::function<void(const Progress&)> progressed;    // on the caller's thread; may be empty
@@ -37,9 +37,8 @@ struct Imported {
     QStringList unreadable;    // names of files
 };
 
-// The items of these files and folders, in order; nothing when it was stopped. At most a few
-// decodings wait in the workers' queue at any time, so that what the screen needs meanwhile gets
-// its turn.
+// The items of these files and folders, in order; none when `control` stopped the import. Only a
+// few decodings wait in the workers' queue at any time, so that work for the screen gets its turn.
 QCoro::Task<std::optional<Imported>> importPhotos(QList<QUrl> filesAndFolders,
                                                   std::shared_ptr<PhotoCache> cache,
                                                   std::shared_ptr<Control> control,
