@@ -43,7 +43,7 @@ T number(const QByteArray& bytes, qsizetype offset, bool isBigEndian)
     return isBigEndian ? big<T>(bytes, offset) : little<T>(bytes, offset);
 }
 
-// From 32-bit fields of a file; what does not fit into an int is no size of ours.
+// A size from 32-bit fields of a file; invalid when a side is longer than any photo's.
 QSize sizeFrom(quint32 width, quint32 height)
 {
     constexpr quint32 largest = 1 << 24;
@@ -60,8 +60,8 @@ bool readJpegFrame(const QByteArray& frame, qint64 offset, PhotoHeader& header)
     header.workingBytes = pixels(header.size) * 2 * components;
     header.bytesPerPixel = components == 1 ? 1 : 4;
 
-    // Odd ratios of sampling (2 of 3) are the one case where a larger picture could have more
-    // blocks.
+    // With odd ratios of sampling (2 of 3), a larger announced size could ask for more blocks than
+    // the file holds; then the size must not be padded.
     const auto factors = [&](int i) { return uchar(frame[7 + 3 * i]); };
     int largestAcross = 1, largestDown = 1;
     for (int i = 0; i < components; ++i) {
@@ -121,13 +121,13 @@ std::optional<PhotoHeader> readJpeg(QIODevice& file)
             frameComponents = uchar(body[5]);
             const bool progressive = (marker & 3) == 2;
             if (progressive)
-                frameComponents = 5;    // more than any scan holds
+                frameComponents = 5;    // no scan can hold all of them
         } else if (marker == 0xDA) {
             const QByteArray body = bytesAt(file, at + 2, 1);
             if (body.isEmpty() || !frameComponents)
                 return {};
             if (uchar(body[0]) >= frameComponents)
-                header.workingBytes = 0;    // everything in one scan: nothing is held
+                header.workingBytes = 0;    // one scan holds all: no coefficients are kept
             return header;
         } else if (marker == 0xE1 && !hasExif) {
             const QByteArray body = bytesAt(file, at + 2, length - 2);
@@ -153,7 +153,7 @@ std::optional<PhotoHeader> readPng(QIODevice& file)
                        .bytesPerPixel = depth == 16 ? 8 : 4};
 }
 
-// One number of a TIFF directory entry; 0 for types that hold no count.
+// One number of a TIFF directory entry; 0 for types other than unsigned integers.
 quint64 tiffNumber(const QByteArray& entry, bool isBigEndian, qsizetype valueOffset)
 {
     switch (number<quint16>(entry, 2, isBigEndian)) {
@@ -169,7 +169,7 @@ quint64 tiffNumber(const QByteArray& entry, bool isBigEndian, qsizetype valueOff
     return 0;
 }
 
-// How the numbers of a TIFF are written.
+// Byte order and lengths of the fields of a TIFF.
 struct TiffLayout {
     bool isBigEndian = false;
     bool isBig = false;    // BigTIFF: 64-bit offsets
@@ -177,8 +177,8 @@ struct TiffLayout {
     int countLength() const { return isBig ? 8 : 2; }
     int entryLength() const { return isBig ? 20 : 12; }
     int valueOffset() const { return isBig ? 12 : 8; }
-    int inlineShorts() const { return isBig ? 4 : 2; }    // that an entry itself has room for
-    // An offset, or a count of values.
+    int inlineShorts() const { return isBig ? 4 : 2; }    // as many as an entry itself has room for
+    // Reads an offset, or a count of values.
     quint64 longNumber(const QByteArray& bytes, qsizetype offset) const
     {
         return isBig ? number<quint64>(bytes, offset, isBigEndian)
@@ -190,7 +190,7 @@ struct TiffTags {
     quint64 width = 0, height = 0, tileWidth = 0, tileHeight = 0, bits = 1, samples = 1;
     quint64 rowsOfStrip = std::numeric_limits<quint64>::max();
 
-    // A strip or a tile is one buffer; a tile's size has nothing to do with the photo's.
+    // libtiff allocates one strip or one tile; a tile's size has nothing to do with the photo's.
     quint64 bufferPixels() const
     {
         return std::max(tileWidth * tileHeight, width * std::min(rowsOfStrip, height));
@@ -227,7 +227,8 @@ TiffTags readTiffTags(QIODevice& file, const QByteArray& entries, const TiffLayo
         if (known == tiffTags.end())
             continue;
         tags.*known->second = tiffNumber(entry, layout.isBigEndian, layout.valueOffset());
-        // Depths that do not fit into the entry lie elsewhere in the file; they are alike.
+        // Bit depths that do not fit into the entry lie elsewhere in the file; all channels have
+        // one depth.
         if (tag == bitsTag && layout.longNumber(entry, 4) > quint64(layout.inlineShorts())) {
             const QByteArray first =
                 bytesAt(file, qint64(layout.longNumber(entry, layout.valueOffset())), 2);
@@ -298,8 +299,7 @@ QByteArray heicProperties(QIODevice& file)
             return {};
         if (start.mid(4) == "meta")
             return file.seek(at) ? file.read(longestProperties) : QByteArray();
-        // A size of 1 is written behind the type, with 64 bits; one of 0 means the rest of the
-        // file.
+        // 1 stands for a size in 64 bits behind the type, 0 for the rest of the file.
         quint64 size = big<quint32>(start, 0);
         if (size == 1) {
             const QByteArray large = bytesAt(file, at + 8, 8);
@@ -397,7 +397,7 @@ std::optional<PhotoHeader> readPhotoHeader(QIODevice& file)
 
 int exifOrientation(QByteArray exif)
 {
-    constexpr qsizetype nameLength = 6;    // JPEG puts it before the data, WebP as a rule does not
+    constexpr qsizetype nameLength = 6;    // "Exif" and two zeros, seldom there in a WebP
     if (exif.startsWith("Exif"))
         exif.remove(0, nameLength);
     const bool isBigEndian = exif.startsWith("MM");
@@ -433,7 +433,7 @@ PhotoLevel affordableLevel(const PhotoHeader& header, PhotoLevel wanted)
 
 qint64 decodingBytes(const PhotoHeader& header, PhotoLevel level)
 {
-    // The codec's picture and one more: of 32 bits, converted to sRGB, or turned.
+    // Two pictures: the codec's, and its copy with 32 bits per pixel, in sRGB or rotated.
     const qint64 decoded = pixels(sizeAtLevel(header.size, level));
     return header.workingBytes + decoded * (header.bytesPerPixel + 4);
 }

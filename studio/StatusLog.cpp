@@ -6,7 +6,7 @@
 namespace {
 
 constexpr qsizetype mostEntries = 50;
-constexpr qint64 timeToRead = 3000;    // ms
+constexpr std::chrono::seconds timeToRead{3};
 
 }    // namespace
 
@@ -22,7 +22,8 @@ const StatusEntry& StatusLog::current() const
 
 void StatusLog::append(StatusEntry entry)
 {
-    entry.time = m_clock();
+    entry.time = QDateTime::currentDateTime();
+    entry.told = m_clock();
     m_entries.append(entry);
     if (m_entries.size() > mostEntries)
         m_entries.removeFirst();
@@ -85,8 +86,7 @@ void StatusLog::outdate()
 bool StatusLog::isUnread(const StatusEntry& entry) const
 {
     const bool isProblem = entry.kind == StatusKind::warning || entry.kind == StatusKind::error;
-    const qint64 age = entry.time.msecsTo(m_clock());
-    return isProblem && age >= 0 && age < timeToRead;
+    return isProblem && m_clock() - entry.told < timeToRead;
 }
 
 bool StatusLog::isProblemUnread() const

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 
 // What a sentence tells: a warning is a problem that the user can go on with, an error the failure
@@ -24,9 +25,10 @@ struct StatusEntry {
     StatusKind kind = StatusKind::note;
     QString sentence = {};
     StatusLink link = {};
-    QDateTime time = {};                            // local, when it was told
-    std::optional<Activity::Kind> activity = {};    // of a `working` sentence
-    bool isOutdated = false;                        // it says nothing of the present any more
+    QDateTime time = {};                                // local, when it was told
+    std::chrono::steady_clock::time_point told = {};    // likewise, by the clock of the log
+    std::optional<Activity::Kind> activity = {};        // of a `working` sentence
+    bool isOutdated = false;                            // it says nothing of the present any more
     bool operator==(const StatusEntry&) const = default;
 };
 
@@ -35,9 +37,9 @@ struct StatusEntry {
 class StatusLog : public QObject {
     Q_OBJECT
 public:
-    using Clock = std::function<QDateTime()>;
+    using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
-    explicit StatusLog(Clock clock = &QDateTime::currentDateTime);
+    explicit StatusLog(Clock clock);
 
     // The newest that is not outdated; without a sentence where there is none.
     const StatusEntry& current() const;

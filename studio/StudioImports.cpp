@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr qint64 importStep = 30;    // ms between two reports of an import
+constexpr std::chrono::milliseconds importStep{30};    // between two reports of an import
 
 }    // namespace
 
@@ -24,7 +24,7 @@ void StudioImports::start(const QList<QUrl>& filesAndFolders)
     stop();
     auto control = std::make_shared<PhotoImport::Control>();
     m_control = control;
-    m_shown.invalidate();
+    m_shown.reset();
     control->progressed = [this,
                            weak = std::weak_ptr(control)](const PhotoImport::Progress& progress) {
         // A stopped import says nothing more; one that is not stopped has its owner.
@@ -37,9 +37,10 @@ void StudioImports::start(const QList<QUrl>& filesAndFolders)
 // Whoever shows the progress looks at every photo of it: with thousands, not at each step.
 void StudioImports::show(const PhotoImport::Progress& progress)
 {
-    if (m_shown.isValid() && m_shown.elapsed() < importStep && progress.looked < progress.total)
+    const Time now = m_clock();
+    if (m_shown && now - *m_shown < importStep && progress.looked < progress.total)
         return;
-    m_shown.start();
+    m_shown = now;
     Q_EMIT progressed(progress);
 }
 

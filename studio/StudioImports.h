@@ -2,16 +2,23 @@
 
 #include "studio/PhotoImport.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
+
+#include <chrono>
+#include <functional>
 
 // Imports of photos, one at a time: a second takes the place of the first. What comes of one is
 // told by `ended`, unless it was stopped.
 class StudioImports : public QObject {
     Q_OBJECT
 public:
-    explicit StudioImports(std::shared_ptr<PhotoCache> photos) : m_photos(std::move(photos)) {}
+    using Time = std::chrono::steady_clock::time_point;
+
+    StudioImports(std::shared_ptr<PhotoCache> photos, std::function<Time()> clock)
+        : m_photos(std::move(photos)), m_clock(std::move(clock))
+    {
+    }
     ~StudioImports() override;
 
     void start(const QList<QUrl>& filesAndFolders);
@@ -31,5 +38,6 @@ private:
 
     std::shared_ptr<PhotoCache> m_photos;
     std::shared_ptr<PhotoImport::Control> m_control;    // of the import under way
-    QElapsedTimer m_shown;                              // since its last report
+    std::function<Time()> m_clock;
+    std::optional<Time> m_shown;    // when it was last reported
 };

@@ -17,7 +17,7 @@ QString unreadableSentence(qsizetype files)
 
 StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
                              Clock clock, const OutputSize& outputSize)
-    : m_editing(std::move(clock)), m_workspace(photos, preferences), m_imports(photos),
+    : m_log(clock), m_editing(clock), m_workspace(photos, preferences), m_imports(photos, clock),
       m_exports(*this, photos, outputSize)
 {
     setStatus(u"Importa una imagen o una carpeta para empezar."_s);

@@ -61,7 +61,7 @@ void CreditsDetailPanel::buildChoices()
     heading->addWidget(new Caption(Type::heading, &Theme::text, u"Comprar créditos"_s), 1);
     heading->addWidget(new Caption(Type::small, &Theme::text2, u"1000 créditos = 1 EUR"_s));
     rows()->addLayout(heading);
-    auto* group = new QWidget;    // of which one is chosen
+    auto* group = new QWidget;    // auto-exclusive: one of the choices in it is checked
     auto* choices = new QVBoxLayout(group);
     choices->setContentsMargins(0, 0, 0, 0);
     choices->setSpacing(10);
@@ -126,7 +126,8 @@ void CreditsDetailPanel::connectForm()
     });
 }
 
-// While a purchase is pending, its banner has the message, unless that tells of a problem.
+// The banner of a pending purchase shows the account's message, unless it is a problem: the notice
+// shows those.
 void CreditsDetailPanel::setAccount(const AccountShown& account)
 {
     m_balance->setText(creditsText(account.balance));
@@ -139,7 +140,7 @@ void CreditsDetailPanel::setAccount(const AccountShown& account)
     SettingsPanel::setAccount(account);
 }
 
-// The hint stands where there is nothing to tell.
+// Shows the hint in the notice's place while the notice is hidden.
 void CreditsDetailPanel::showHint()
 {
     const QString told = notice()->text();

@@ -32,7 +32,7 @@ private:
     void buy();
     void showTotal();
     void showHint();
-    std::optional<int> credits() const;    // nothing where what was typed is no amount
+    std::optional<int> credits() const;    // empty while the custom field holds no valid amount
 
     Caption* m_balance;
     QList<PackageCard*> m_packages;

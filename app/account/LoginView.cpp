@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int paneWidth = 544, loginColumnWidth = 400, loginMarkSide = 44, bottomMargin = 8;
-// Of the form to sign in without its notice, and of the highest mode with it.
+// Heights of the column: signing in without a notice; the tallest mode with a notice.
 constexpr int usualHeight = 536, highest = 688;
 
 struct ModeRow {
@@ -93,7 +93,7 @@ void LoginView::buildColumn()
     heading->addWidget(new Mark(loginMarkSide));
     heading->addWidget(new Caption(Type::display, &Theme::text, u"Moltiva"_s), 1);
     auto* rows = new QVBoxLayout(m_column);
-    // Less where the window has no room for all of it.
+    // A gap shrinks where the window is too low for the column.
     const auto addGap = [rows](int height) {
         rows->addSpacerItem(new QSpacerItem(0, height, QSizePolicy::Minimum, QSizePolicy::Maximum));
     };
@@ -170,7 +170,7 @@ void LoginView::connectActions()
     });
 }
 
-// From a field to the next; what helps with one comes after the form.
+// Tab goes from field to field and to the buttons that send; "recuperar" and the eyes follow.
 void LoginView::orderFocus()
 {
     QList<QWidget*> order{m_segments, m_email->edit(), m_password->edit(), m_repeated->edit()};
@@ -189,7 +189,7 @@ PushButton* LoginView::primary(LoginMode mode) const
 void LoginView::setAccount(const AccountShown& account)
 {
     m_form->show(account);
-    // The next one typed replaces the one that was refused.
+    // Selects the refused password, so that typing replaces it.
     if (m_wasWorking && !account.isWorking && account.isProblem)
         m_password->edit()->selectAll();
     m_wasWorking = account.isWorking;
@@ -218,7 +218,8 @@ void LoginView::setMode(LoginMode mode)
     m_mode = mode;
     m_segments->setCurrent(int(mode));
     m_explanation->setText(row(mode).explanation.toString());
-    // Else the focus would go to whatever comes next.
+    // Qt moves the focus of a hidden field to an arbitrary next widget: takes it to the e-mail
+    // first.
     const bool losesFocus = (mode != LoginMode::createAccount && m_repeated->edit()->hasFocus()) ||
                             (mode == LoginMode::recover && m_password->edit()->hasFocus());
     if (losesFocus)
@@ -279,7 +280,8 @@ void LoginView::place()
     const int pane = std::min(width(), paneWidth);
     const int left = width() - pane;
     m_wall->setGeometry(0, 0, left, height());
-    // The same top in every mode, low enough for the usual one to be in the middle.
+    // The top is the same in every mode: it centres the sign-in form if the tallest mode still
+    // fits.
     const int top = std::max(16, std::min((height() - usualHeight) / 2, height() - highest - 24));
     m_column->setGeometry(left + (pane - loginColumnWidth) / 2, top, loginColumnWidth,
                           std::max(0, height() - top - bottomMargin));

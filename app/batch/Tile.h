@@ -3,7 +3,7 @@
 #include <QStringList>
 #include <QUuid>
 
-// Missing: its photo can no longer be read.
+// missing: the photo can no longer be read.
 enum class TileState { normal, generating, queued, generated, missing };
 
 struct Tile {

@@ -15,10 +15,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Around the tiles; the right side is short because the scroll bar follows, the ring still fits.
+// Around the tiles. The right padding is short because the scroll bar follows; the current tile's
+// outline still fits.
 constexpr int leftPadding = 16, rightPadding = 4, topPadding = 8, tileGap = 10;
 constexpr int tileRowGap = 12, bottomPadding = 4;
-constexpr int columnUnit = 92;    // one more column from here on
+constexpr int columnUnit = 92;    // width that each further column needs
 constexpr int ringReach = 5, tileFrameTime = 33, tileTurnTime = 1000;
 
 // Square corners of a photograph would stick out of the rounded tile.
@@ -38,7 +39,8 @@ QImage rounded(const QImage& picture, double radius)
     return image;
 }
 
-// Above the tiles: the viewport ends before the ring does, where the scroll bar begins.
+// The focus ring around the grid. A widget above the viewport, because the viewport ends where the
+// scroll bar begins.
 class GridRing : public QWidget {
 public:
     explicit GridRing(QWidget* parent) : QWidget(parent)
@@ -64,7 +66,8 @@ TileGrid::TileGrid(QWidget* parent) : QAbstractScrollArea(parent), m_ring(new Gr
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::TabFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    // Always there, painted only when there is something to scroll: the columns must not jump.
+    // The bar always takes its room, so that the columns do not jump; with nothing to scroll it
+    // paints nothing.
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     verticalScrollBar()->setSingleStep(48);
     viewport()->setAttribute(Qt::WA_Hover);
@@ -159,7 +162,7 @@ void TileGrid::pictureOutdated(QUuid id)
 QSize TileGrid::tileSize() const
 {
     const int inner = std::max(1, viewport()->width() - leftPadding - rightPadding);
-    // Rounded up: rather a gap of nine than one of eleven.
+    // The width is rounded up: a gap may be a pixel narrower than tileGap, not wider.
     const int width = std::max(1, (inner - (columns() - 1) * tileGap + columns() - 1) / columns());
     return {width, std::max(1, qRound(width / m_ratio))};
 }
@@ -192,7 +195,7 @@ QRect TileGrid::tileRect(int index) const
     const int count = columns();
     const QSize size = tileSize();
     const int inner = viewport()->width() - leftPadding - rightPadding;
-    // What the whole pixels of the widths leave over goes between the columns.
+    // Spreads the pixels left over by whole-pixel widths over the gaps between columns.
     const int column = index % count;
     const int left = count == 1 ? 0 : column * (inner - size.width()) / (count - 1);
     return {QPoint(leftPadding + left,
@@ -247,7 +250,7 @@ void TileGrid::showCurrent()
     if (tile.bottom() >= viewport()->height())
         bar->setValue(bar->value() + tile.bottom() + 1 - viewport()->height());
     const QRect moved = tileRect(current).adjusted(0, -topPadding, 0, 0);
-    if (moved.top() < 0)    // its top counts when it does not fit whole
+    if (moved.top() < 0)    // a tile higher than the view shows its top
         bar->setValue(bar->value() + moved.top());
 }
 
@@ -278,7 +281,8 @@ void TileGrid::forgetDistant()
 {
     const QList<int> visible = visibleTiles();
     const int reach = int(visible.size());
-    // Twice the view on each side may stay before anything is swept.
+    // Drops nothing until there are five viewfuls of pictures, then keeps three: the visible one
+    // and one on each side.
     if (m_pictures.size() <= qsizetype(5) * std::max(reach, 1))
         return;
     QSet<QUuid> near;
@@ -419,7 +423,7 @@ void TileGrid::keyPressEvent(QKeyEvent* event)
         target = last;
         break;
     default:
-        event->ignore();    // the keys of the window
+        event->ignore();    // leaves the key to the window
         return;
     }
     if (target >= 0 && target <= last && target != current)
@@ -481,7 +485,7 @@ void TileGrid::paintTile(QPainter& painter, int index) const
          .turn = m_turn});
 }
 
-// Where images will be, paler with every row.
+// Placeholders in an empty batch, paler with every row.
 void TileGrid::paintEmptyTiles(QPainter& painter) const
 {
     for (int row = 0; row < 6; ++row) {

@@ -11,7 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The toolkit leaves out as much on both sides, and with it up to a letter's width beside the tick.
+// Qt elides evenly on both sides of the ellipsis, which may waste up to a letter's width: tries one
+// more letter before it.
 QString middleElided(Type type, const QString& text, double width)
 {
     const QString elided =
@@ -75,8 +76,8 @@ void paintSelection(QPainter& painter, const Theme& theme, const TileLook& look)
     }
 }
 
-// One sign for all that is wrong, in the colour of the worst. On the picture, for the caption has
-// no room for two; the corner is the one that designs leave free most often.
+// Paints one sign for all problems, in the colour of the worst. It stands on the picture, for the
+// caption has no room, in the corner that designs leave free most often.
 void paintSign(QPainter& painter, const TileLook& look)
 {
     const bool isMissing = look.tile.state == TileState::missing;

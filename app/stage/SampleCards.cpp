@@ -20,12 +20,12 @@ QLinearGradient downwards(double from, double to, const QGradientStops& stops)
 }
 
 struct Range {
-    double base, height;    // of its foot and of its summits, from the top of the card
+    double base, height;    // y of its foot and of its highest summit, from the card's top
     double roughness;       // 0 smooth to 1
     quint32 seed;
 };
 
-// A ridge by moving midpoints: the same seed gives the same mountains everywhere.
+// A ridge by midpoint displacement. Equal seeds give equal ridges on every machine.
 QPainterPath ridge(const QSizeF& card, const Range& range)
 {
     constexpr int points = 65;

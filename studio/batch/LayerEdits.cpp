@@ -13,7 +13,7 @@ Layer* find(QList<Layer>& layers, QUuid id)
     return found == layers.end() ? nullptr : &*found;
 }
 
-// In the middle; a circle and a triangle as high as wide in the format's pixels.
+// A frame in the middle; that of a circle or triangle is as high as wide in the format's pixels.
 CodableRect newShapeFrame(ShapeKind kind, SocialFormat format)
 {
     double width = 0.4, height = 0.2;
@@ -99,7 +99,7 @@ void LayerEdits::replaceCurrentItem(Batch& batch, const PublicationItem& item)
     PublicationItem& current = batch.items.edit(batch.selectedIndex);
     const QSet<QString> paid = current.paidRenderFingerprints;
     current = item;
-    current.paidRenderFingerprints.unite(paid);    // one may be newer than the state given
+    current.paidRenderFingerprints.unite(paid);    // a payment may be newer than `item`
     BatchSelection::keepInvariants(batch, BatchSelection::LayerRule::anyOrNone);
 }
 

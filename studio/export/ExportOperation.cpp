@@ -32,10 +32,15 @@ struct ExportRun {
     bool isFailed = false;    // nothing more is begun
 
     bool isStopped() const { return control->stop; }
+    qsizetype total(ExportProgress::Stage stage) const
+    {
+        const bool isRendering = stage == ExportProgress::Stage::rendering;
+        return isRendering ? request.items.size() : pending.size();
+    }
     void progress(ExportProgress::Stage stage, qsizetype count) const
     {
         if (control->progressed)
-            control->progressed({stage, count, request.items.size()});
+            control->progressed({stage, count, total(stage)});
     }
 };
 using SharedRun = std::shared_ptr<ExportRun>;
@@ -43,10 +48,19 @@ using Stage = ExportProgress::Stage;
 
 using Rendering = std::variant<RenderedOutput, RenderFailure>;
 
-Rendering renderedGuarded(const ExportRun& run, const PublicationItem& item, const QString& file)
+// Pictures of many sizes, freed in another order, leave holes that add up. They are given back now
+// and then: what the next picture needs would be paged in anew.
+void releaseHolesAfter(qsizetype index)
 {
-    // Pictures of many sizes, freed in another order, leave holes that add up.
-    const auto tidy = qScopeGuard(&releaseFreedMemory);
+    constexpr qsizetype pictures = 8;
+    if (index % pictures == pictures - 1)
+        releaseFreedMemory();
+}
+
+Rendering renderedGuarded(const ExportRun& run, const PublicationItem& item, qsizetype index,
+                          const QString& file)
+{
+    const auto tidy = qScopeGuard([index] { releaseHolesAfter(index); });
     try {
         return renderedOutput(item, run.request.format, run.request.outputSize,
                               *run.services.photos, file);
@@ -59,9 +73,13 @@ void take(ExportRun& run, qsizetype index, const Rendering& rendering)
 {
     if (const auto* output = std::get_if<RenderedOutput>(&rendering)) {
         run.rendered[std::size_t(index)] = *output;
-    } else if (!std::exchange(run.isFailed, true)) {
-        run.outcome.failed = run.request.items[index].image.path;
-        run.outcome.isCacheFull = std::get<RenderFailure>(rendering) == RenderFailure::file;
+    } else {
+        const bool isCacheFull = std::get<RenderFailure>(rendering) == RenderFailure::file;
+        const bool isLeftOut = !isCacheFull && run.control->leftOut;
+        if (!isLeftOut && !std::exchange(run.isFailed, true)) {
+            run.outcome.failed = run.request.items[index].image.path;
+            run.outcome.isCacheFull = isCacheFull;
+        }
     }
     run.progress(Stage::rendering, ++run.done);
 }
@@ -73,8 +91,8 @@ QCoro::Task<> renderLane(SharedRun run)
         const qsizetype index = run->next++;
         const PublicationItem item = run->request.items[index];
         const QString file = run->control->staging->filePath(QString::number(index));
-        QFuture<Rendering> rendering =
-            runOnWorker([run, item, file] { return renderedGuarded(*run, item, file); });
+        QFuture<Rendering> rendering = runOnWorker(
+            [run, item, index, file] { return renderedGuarded(*run, item, index, file); });
         const Rendering rendered = co_await rendering;
         take(*run, index, rendered);
     }
@@ -116,8 +134,13 @@ QCoro::Task<> renderAll(SharedRun run)
 
 void addressAll(ExportRun& run)
 {
-    for (std::size_t i = 0; i < run.rendered.size(); ++i)
-        run.pending.append({run.request.destinations[qsizetype(i)], *run.rendered[i]});
+    for (std::size_t i = 0; i < run.rendered.size(); ++i) {
+        const QString& destination = run.request.destinations[qsizetype(i)];
+        if (run.rendered[i])
+            run.pending.append({destination, *run.rendered[i]});
+        else
+            run.control->leftOut(destination);
+    }
     run.rendered.clear();
 }
 

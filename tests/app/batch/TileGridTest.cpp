@@ -59,7 +59,7 @@ struct Grid : TileGrid {
     QList<std::pair<int, Qt::KeyboardModifiers>> clicks;
 };
 
-// Counts what the viewport was asked to repaint.
+// Collects the region that the viewport was asked to repaint.
 struct PaintWatch : QObject {
     bool eventFilter(QObject*, QEvent* event) override
     {

@@ -80,7 +80,7 @@ protected:
 
     CanvasInteractionView* canvas() { return window.shell()->stage()->canvas(); }
     SidePanel* panel() { return window.shell()->sidePanel(); }
-    // Opens the editor of the selected text as the keyboard does.
+    // Opens the editor of the selected text by its key, F2.
     SlotEditor* editSelected()
     {
         window.activateWindow();
@@ -109,7 +109,7 @@ protected:
         account.answer("POST /api/credits/social-copy/reserve",
                        R"({"ok":true,"balance":4230,"cost":50})");
     }
-    // An export that waits for its reservation.
+    // Starts an export that waits for the answer to its reservation.
     void holdAtCharging()
     {
         answerReservations();
@@ -168,7 +168,7 @@ TEST_F(MainWindowTest, tileAndSlotWarnAlikeAlsoWithoutTheColumn)
             CodableColor(QColor::fromHsv(session.batch().selectedIndex * 30, 200, 200));
         session.editLayer(title);
     };
-    // Ends a step of the history: rapid edits make one.
+    // Ends a step of the history: rapid edits would be merged into one.
     auto endStep = [this, step = 0]() mutable { session.setObjective(QString::number(++step)); };
     ASSERT_FALSE(titleWarnings().contains(sentence));
     endStep();
@@ -368,7 +368,7 @@ TEST_F(MainWindowTest, anEditorKeepsItsKeysAndFollowsTheImage)
     EXPECT_TRUE(current().layers[1].isVisible);
     session.nextItem();
     QTest::keyClicks(editor, u"Otra cosa"_s);
-    QTest::keyClick(editor, Qt::Key_PageDown);    // there is no next one
+    QTest::keyClick(editor, Qt::Key_PageDown);    // there is no next image
     EXPECT_EQ(editor->textCursor().selectedText(), QString());
     QTest::keyClick(editor, Qt::Key_Escape);
     EXPECT_EQ(QApplication::focusWidget(), canvas());
@@ -401,7 +401,7 @@ TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
         EXPECT_EQ(session.batch().objective, QString());
     }
 
-    // The bar shows the state that came back.
+    // The top bar shows the format that undo brought back.
     const auto* formats = window.shell()->topBar()->findChild<SegmentedControl*>();
     session.setFormat(SocialFormat::square);
     EXPECT_EQ(formats->current(), int(SocialFormat::square));
@@ -482,8 +482,8 @@ TEST_F(MainWindowTest, filesFromOneAfterTheOtherStartMakeOneBatch)
     EXPECT_EQ(session.batch().items[2].filename(), u"f1"_s);
 }
 
-// By the tree that a screen reader walks: what can take the focus has a name, the canvas has its
-// layers, and each can be selected from there.
+// In the tree that a screen reader walks, every widget that can take the focus has a name, and the
+// canvas has its layers, which can be selected from there.
 TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
 {
     session.load({photos(2)});
@@ -514,7 +514,7 @@ TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
     EXPECT_EQ(session.batch().selectedLayerID, current().layers[1].id);
 }
 
-// What a look into the menu disables is so for that look only.
+// Entries are disabled only while the menu is open: afterwards their keys work again.
 TEST_F(MainWindowTest, keysActAfterALookIntoTheMenu)
 {
     window.menu()->menu()->popup({});
@@ -548,7 +548,7 @@ TEST_F(MainWindowTest, aNumberBeingTypedBelongsToTheImageItWasBegunOn)
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     EXPECT_EQ(session.batch().items[1].layers[0].fontScale, 1.0);
 
-    // The same of one that is dragged.
+    // A held drag ends, too, when a key changes the image.
     QTest::mousePress(size, Qt::LeftButton, Qt::NoModifier, {20, 16});
     QTest::mouseMove(size, {30, 16});
     QTest::mouseMove(size, {50, 16});
