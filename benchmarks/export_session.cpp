@@ -54,7 +54,7 @@ public:
         TextLayer title = m_session.batch().currentItem()->layers[0];
         title.fontScale -= 0.001;
         m_session.editLayer(title);
-        turnUntil([this] { return m_session.areCostsUpToDate(); });
+        turnUntil([this] { return m_session.exports().areCostsUpToDate(); });
     }
     void exportAll(const QString& folder)
     {

@@ -95,7 +95,7 @@ void measureCosts(const std::shared_ptr<PhotoCache>& photos, const Batch& paid)
 
 void measureSession(StudioSession& session)
 {
-    const auto isRight = [&session] { return session.areCostsUpToDate(); };
+    const auto isRight = [&session] { return session.exports().areCostsUpToDate(); };
     turnUntil(isRight);
     const auto restyle = [&session](auto change) {
         TextLayer title = session.batch().currentItem()->layers[0];
@@ -160,7 +160,7 @@ int main(int argc, char** argv)
         session.setText(CopySlot::title, u"Respira otoño en los Picos número %1 y vuelve"_s.arg(i));
     }
     session.markRenderedOutputsAsPaid(outputsOf(session.batch()), {});
-    turnUntil([&] { return session.areCostsUpToDate(); });
+    turnUntil([&] { return session.exports().areCostsUpToDate(); });
     std::printf("%d photos, %lld credits\n", count,
                 qlonglong(session.displayedExportAllCost().value_or(-1)));
 

@@ -21,18 +21,18 @@ constexpr auto costDebounce = 15ms;
 // A price that is older than this is shown no longer.
 constexpr auto costPatience = 90ms;
 
-StatusTone toneOf(const ExportOutcome& outcome)
+StatusKind kindOf(const ExportOutcome& outcome)
 {
     switch (outcome.state) {
     case ExportOutcome::State::done:
-        return StatusTone::done;
+        return StatusKind::done;
     case ExportOutcome::State::stopped:
-        return StatusTone::info;
+        return StatusKind::note;
     case ExportOutcome::State::notPrepared:
     case ExportOutcome::State::notWritten:
-        return StatusTone::failure;
+        return StatusKind::error;
     default:
-        return StatusTone::problem;
+        return StatusKind::warning;
     }
 }
 
@@ -76,27 +76,28 @@ void StudioExports::setPayment(CreditJournal& journal, const QString& stagingPla
     m_journal = &journal;
     m_stagingPlace = stagingPlace;
     connect(&journal, &CreditJournal::refunded, this, [this](qint64 credits, const QString& what) {
-        tellLater(refundSentence(credits, what), StatusTone::done);
+        tellLater(refundSentence(credits, what), StatusKind::done);
     });
     connect(&journal, &CreditJournal::lost, this, [this](qint64 credits, const QString& what) {
-        tellLater(lossSentence(credits, what), StatusTone::problem);
+        tellLater(lossSentence(credits, what), StatusKind::warning);
     });
     runOnWorker([stagingPlace] { StagingFolder::removeLeftovers(stagingPlace); });
 }
 
 // Not over what an export or a start tells: after it.
-void StudioExports::tellLater(const QString& sentence, StatusTone tone)
+void StudioExports::tellLater(const QString& sentence, StatusKind kind)
 {
     m_refundToTell += u' ' + sentence;
     if (m_session.didRestoreWorkspace() && !m_control)
-        m_session.setStatus(std::exchange(m_refundToTell, {}).mid(1), tone);
+        m_session.setStatus(std::exchange(m_refundToTell, {}).mid(1), kind);
 }
 
 void StudioExports::tellOfRefund()
 {
-    if (!m_refundToTell.isEmpty())
-        m_session.setStatus(m_session.status() + std::exchange(m_refundToTell, {}),
-                            m_session.statusTone(), m_session.statusLink());
+    if (m_refundToTell.isEmpty())
+        return;
+    const StatusEntry told = m_session.statusLog().current();
+    m_session.setStatus(told.sentence + std::exchange(m_refundToTell, {}), told.kind, told.link);
 }
 
 void StudioExports::follow()
@@ -146,7 +147,7 @@ std::optional<QList<int>> StudioExports::indicesOf(const QList<QUuid>& items)
         if (!places.contains(item)) {
             m_session.setStatus(
                 u"El lote ha cambiado mientras elegías dónde exportar: no se ha exportado nada."_s,
-                StatusTone::problem);
+                StatusKind::warning);
             return std::nullopt;
         }
         indices.append(places.value(item));
@@ -199,7 +200,8 @@ void StudioExports::start(ExportKind kind, const QList<int>& indices,
     m_control = std::make_shared<ExportControl>();
     m_control->progressed = [this](const ExportProgress& progress) { showProgress(progress); };
     m_control->charging = [this](qint64 cost) {
-        m_session.setStatus(u"Descontando %1 créditos..."_s.arg(cost));
+        m_session.statusLog().tellStep(Activity::Kind::exporting,
+                                       u"Descontando %1 créditos..."_s.arg(cost));
     };
     showProgress({ExportProgress::Stage::rendering, 0, request.items.size()});
     runToEnd(this, request, services, m_control);
@@ -231,7 +233,7 @@ void StudioExports::finish(const ExportOutcome& outcome)
     if (outcome.isDone())
         link.folder = QFileInfo(outcome.written.value(0)).absolutePath();
     link.isPurchase = outcome.isShortOfCredits();
-    m_session.setStatus(outcome.sentence(), toneOf(outcome), link);
+    m_session.setStatus(outcome.sentence(), kindOf(outcome), link);
     Q_EMIT changed();
     tellOfRefund();
 }
@@ -243,7 +245,8 @@ void StudioExports::showProgress(const ExportProgress& progress)
         const QString doing = progress.stage == ExportProgress::Stage::rendering
                                   ? u"Preparando imagen %1 de %2"_s
                                   : u"Guardando imagen %1 de %2"_s;
-        m_session.setStatus(
+        m_session.statusLog().tellStep(
+            Activity::Kind::exporting,
             doing.arg(std::min(progress.done + 1, progress.total)).arg(progress.total));
     }
     Q_EMIT changed();
@@ -254,5 +257,5 @@ void StudioExports::stop()
     if (!m_control)
         return;
     m_control->stop = true;
-    m_session.setStatus(u"Deteniendo la exportación…"_s);
+    m_session.statusLog().tellStep(Activity::Kind::exporting, u"Deteniendo la exportación…"_s);
 }

@@ -7,7 +7,7 @@
 #include <QTimer>
 
 class StudioSession;
-enum class StatusTone;
+enum class StatusKind;
 
 // The exports of a session's batch and what they would cost.
 class StudioExports : public QObject {
@@ -22,15 +22,18 @@ public:
 
     // The session's batch was changed.
     void follow();
+    // Photos may have been moved or changed by others: looks at their files again.
     void lookAtPhotos() { m_costs.lookAtPhotos(); }
     std::optional<qint64> displayedExportCurrentCost() const
     {
         return m_displayedExportCurrentCost;
     }
     std::optional<qint64> displayedExportAllCost() const { return m_displayedExportAllCost; }
+    // The item as it stands was paid for.
     bool isPaid(QUuid item) const { return m_costs.isPaid(item); }
     bool areCostsUpToDate() const { return m_costs.isUpToDate(); }
 
+    // The images that are exported together: those selected when there are several, else all.
     QList<int> exportIndices() const;
     void exportItem(QUuid item, const QString& path);
     void exportItems(const QList<QUuid>& items, const QString& folder);
@@ -44,7 +47,7 @@ Q_SIGNALS:
     void costsChanged();
 
 private:
-    void tellLater(const QString& sentence, StatusTone tone);
+    void tellLater(const QString& sentence, StatusKind kind);
     std::optional<QList<int>> indicesOf(const QList<QUuid>& items);
     void start(ExportKind kind, const QList<int>& indices, const QStringList& destinations);
     static QCoro::Task<> runToEnd(QPointer<StudioExports> self, ExportRequest request,

@@ -2,23 +2,18 @@
 
 #include "account/AccountPanelDestination.h"
 #include "model/CopyGenerationMode.h"
-#include "model/Pace.h"
-#include "studio/PhotoImport.h"
+#include "studio/Activity.h"
+#include "studio/Editing.h"
+#include "studio/StatusLog.h"
 #include "studio/StudioExports.h"
-#include "studio/WorkspaceEncoder.h"
-#include "studio/WorkspaceStore.h"
-#include "studio/batch/Batch.h"
+#include "studio/StudioImports.h"
+#include "studio/Workspace.h"
 #include "studio/batch/LayerEdits.h"
-#include "studio/batch/StudioHistory.h"
 #include "studio/batch/StyleClipboard.h"
 #include "templates/VisualTemplate.h"
 
 #include <QObject>
-#include <QPointer>
-#include <QScopedValueRollback>
-#include <QTimer>
 
-#include <functional>
 #include <memory>
 
 class AccountSession;
@@ -26,24 +21,18 @@ class CreditJournal;
 class PreferencesStore;
 struct TextSheet;
 
-// What a sentence in the status line tells, and where it leads.
-enum class StatusTone { info, done, problem, failure };
-struct StatusLink {
-    QString folder = {};         // of the files that it tells of; empty for none
-    bool isPurchase = false;     // of credits
-    QStringList details = {};    // the names of what it only counts
-};
-
-// The state of the main window and its commands. Lives on the interface thread; whoever shows it
-// looks again after batchChanged(), and compares the items it knew: unchanged ones are equal and
-// share their data.
+// The state of the main window and its commands, over pieces that know nothing of it: what is told
+// (StatusLog), what is under way (Activities), the batch and its steps (Editing), what is stored
+// (Workspace), imports and exports. Lives on the interface thread; whoever shows the batch looks
+// again after batchChanged(), and compares the items it knew: unchanged ones are equal and share
+// their data.
 //
-// Every change of the batch is a step of the history and is stored at once. While a value is held
-// (Pace::held) the batch follows each of its ticks, and is stored when it has rested a moment.
+// Every change of the batch is stored at once. While a value is held (Pace::held) the batch follows
+// each of its ticks, and is stored when it has rested a moment.
 class StudioSession : public QObject {
     Q_OBJECT
 public:
-    using Clock = std::function<StudioHistory::Time()>;
+    using Clock = Editing::Clock;
 
     // The preferences outlive the session. Nothing is recorded or stored before the workspace was
     // restored.
@@ -53,14 +42,23 @@ public:
                   const OutputSize& outputSize = exportSizeOf);
     ~StudioSession() override;
 
-    const Batch& batch() const { return m_batch; }
-    QString status() const { return m_status; }
-    StatusTone statusTone() const { return m_statusTone; }
-    const StatusLink& statusLink() const { return m_statusLink; }
-    // Also for who works with the session. A sentence is gone with the next change of the batch,
-    // unless it was told in the same turn of the event loop; a problem that is not read yet stays.
-    void setStatus(const QString& status, StatusTone tone = StatusTone::info,
-                   const StatusLink& link = {});
+    const Batch& batch() const { return m_editing.batch(); }
+    QString status() const { return m_log.current().sentence; }
+    void setStatus(const QString& sentence, StatusKind kind = StatusKind::note,
+                   const StatusLink& link = {})
+    {
+        m_log.tell(sentence, kind, link);
+    }
+    StatusLog& statusLog() { return m_log; }
+    const StatusLog& statusLog() const { return m_log; }
+
+    const Activities& activities() const { return m_activities; }
+    bool isImporting() const { return m_activities.find(Activity::Kind::importing); }
+    bool isExporting() const { return m_activities.find(Activity::Kind::exporting); }
+    // For what is under way elsewhere and shown with the rest.
+    void setActivity(const Activity& activity);
+    void endActivity(Activity::Kind kind);
+
     CopyGenerationMode generationMode() const { return m_generationMode; }
     // The signed-in account; outlives the session.
     AccountSession* accountSession() const { return m_accountSession; }
@@ -74,33 +72,22 @@ public:
     bool isAppSettingsPresented() const { return m_isAppSettingsPresented; }
     void setAppSettingsPresented(bool presented);
 
-    // What an import has accepted so far; empty when none runs.
-    const PhotoImport::Progress& importProgress() const { return m_importProgress; }
-    bool isImporting() const { return m_import != nullptr; }
-
     // Once, when the window is first shown. Its photos are looked at on the workers.
-    void restoreWorkspaceIfNeeded();
-    bool didRestoreWorkspace() const { return m_restore == Restore::done; }
-    // A saved batch of which not everything could be brought back at a start; it stays until it
-    // can.
-    bool hasWorkspaceAside() const;
-    void restoreWorkspaceAside();
+    void restoreWorkspaceIfNeeded() { m_workspace.restore(batch().items.isEmpty()); }
+    bool didRestoreWorkspace() const { return m_workspace.didRestore(); }
+    bool hasWorkspaceAside() const { return m_workspace.hasAside(); }
+    void restoreWorkspaceAside() { m_workspace.restoreAside(); }
     // Stores what waits for a held value to rest.
-    void saveWorkspace();
+    void saveWorkspace() { m_workspace.save(batch()); }
 
-    // Changes between the two make one operation: a step of it goes back to before the first.
-    void beginOperation() { m_operationBefore = m_batch; }
-    void endOperation() { m_operationBefore.reset(); }
-
-    bool canUndo() const { return m_history.canUndo(); }
-    bool canRedo() const { return m_history.canRedo(); }
+    bool canUndo() const { return m_editing.history().canUndo(); }
+    bool canRedo() const { return m_editing.history().canRedo(); }
     void undo();
     void redo();
 
-    // Photos and folders of photos become the new batch, once all were looked at.
+    // Photos and folders of photos become the new batch, once all were looked at. While they are,
+    // the activity holds what has been accepted; stopped, it leaves the batch as it was.
     void load(const QList<QUrl>& filesAndFolders);
-    // The batch stays as it was.
-    void stopImport();
 
     // The texts of a spreadsheet into the images that it names, as one step.
     void applyTexts(const TextSheet& sheet);
@@ -136,9 +123,10 @@ public:
 
     // A gesture on the canvas: from its first movement to its end it is one step, and what it moved
     // reaches the other selected items at its end.
-    void beginCanvasHistoryEdit();
-    void commitCanvasItem(const PublicationItem& item);
-    void endCanvasHistoryEdit(QUuid movedLayer);
+    void beginCanvasHistoryEdit() { m_editing.beginCanvasHistoryEdit(); }
+    // `selected`: the layer to select with it, or null for none; nothing leaves the selection.
+    void commitCanvasItem(const PublicationItem& item, std::optional<QUuid> selected = {});
+    void endCanvasHistoryEdit(QUuid movedLayer) { m_editing.endCanvasHistoryEdit(movedLayer); }
 
     // The style of the selected layer; pasting reaches the other selected items.
     void copyStyle();
@@ -160,26 +148,14 @@ public:
     {
         return m_exports.displayedExportAllCost();
     }
-    bool areCostsUpToDate() const { return m_exports.areCostsUpToDate(); }
-    // The item as it stands was paid for.
-    bool isPaid(QUuid item) const { return m_exports.isPaid(item); }
-    // Photos may have been moved or changed by others: looks at their files again.
-    void lookAtPhotos() { m_exports.lookAtPhotos(); }
-    // The images that exportAll() covers: those selected when there are several, else all.
-    QList<int> exportIndices() const { return m_exports.exportIndices(); }
-    // To a file whose place was chosen, and to a folder. One export runs at a time; the status
-    // tells how it goes. Of items that are gone nothing is exported.
+    // More of the exports, which run one at a time: what is paid, and what is exported together.
+    StudioExports& exports() { return m_exports; }
+    const StudioExports& exports() const { return m_exports; }
+    // To a file or a folder that was chosen; nothing where the item is gone.
     void exportCurrent(const QString& path);
     void exportItem(QUuid item, const QString& path) { m_exports.exportItem(item, path); }
+    // The images selected when there are several, else all.
     void exportAll(const QString& folder);
-    void exportItems(const QList<QUuid>& items, const QString& folder)
-    {
-        m_exports.exportItems(items, folder);
-    }
-    bool isExporting() const { return exportProgress().has_value(); }
-    const std::optional<ExportProgress>& exportProgress() const { return m_exports.progress(); }
-    // What was charged is given back.
-    void stopExport() { m_exports.stop(); }
 
     // These renders are paid for, whatever is undone later. `entry`: the preference to remove in
     // the transaction that stores it; empty for none. Gives whether it is stored already.
@@ -193,81 +169,29 @@ Q_SIGNALS:
     void generationModeChanged();
     void presentationChanged();
     void copiedStyleChanged();
-    void importChanged();    // began, went on or ended
-    void exportChanged();    // likewise
-    void costsChanged();     // what exporting costs, or what is paid
+    void activityChanged(Activity::Kind kind);    // began, went on or ended
+    void costsChanged();                          // what exporting costs, or what is paid
 
 private:
-    enum class Restore { notYet, running, done };
-
-    // While it lives, changes are what work that ran meanwhile brings back: a step of their own, no
-    // part of a gesture or of typing before or after them, and recorded also in the turn of an
-    // undo.
-    class ResultStep {
-    public:
-        explicit ResultStep(StudioSession& session);
-        ~ResultStep();
-        Q_DISABLE_COPY_MOVE(ResultStep)
-
-    private:
-        StudioSession& m_session;
-        const QScopedValueRollback<bool> m_isRecorded;
-    };
-
-    template <typename Change>
-    void change(Change apply, Pace pace = Pace::once);
-    void forgetOldStatus();
-    void registerUndo(const Batch& before, StudioHistory::Changes changes);
-    void applyHistorySnapshot(StudioHistorySnapshot snapshot);
-    Batch withPaymentsOfNow(Batch batch) const;
-    bool claimStore();
-    bool store();
-    void keepWhatIsStored();
-    void saveAfter(Pace pace);
-    QString failedSaving() const;
-    void tellOfStore();
-    static QCoro::Task<> runRestore(QPointer<StudioSession> session, QByteArray document,
-                                    std::shared_ptr<PhotoCache> photos);
-    void finishRestore(const WorkspaceStore::Restored& restored, const QByteArray& document);
-    static QCoro::Task<> runRestoreAside(QPointer<StudioSession> session, QByteArray document,
-                                         std::shared_ptr<PhotoCache> photos);
+    void followChange(Editing::Outcome outcome, Pace pace);
+    void showImport(const PhotoImport::Progress& progress);
+    void stopImport();
+    void finishImport(const std::optional<PhotoImport::Imported>& imported, const QString& failure);
+    void followExport();
+    void finishRestore(const std::optional<Batch>& restored);
     void finishRestoreAside(const WorkspaceStore::Restored& restored);
-    static QCoro::Task<> runImport(QPointer<StudioSession> session, QList<QUrl> urls,
-                                   std::shared_ptr<PhotoCache> photos,
-                                   std::shared_ptr<PhotoImport::Control> control);
-    void finishImport(const std::optional<PhotoImport::Imported>& imported);
+    Batch withPaymentsOfNow(Batch batch) const;
 
-    std::shared_ptr<PhotoCache> m_photos;
-    PreferencesStore& m_preferences;
-    Clock m_clock;
-    Batch m_batch;
-    StudioHistory m_history;
-    bool m_isApplyingHistory = false;
-    std::optional<Batch> m_operationBefore;
-    bool m_isRestoringAside = false;
-    Restore m_restore = Restore::notYet;
-    QList<QUrl> m_loadAfterRestore;
-    WorkspaceEncoder m_encoder;
-    QTimer m_saveLater;                         // runs while a change waits to be stored
-    bool m_isStoredUnseen = false;              // the store could not be read when it was asked
-    std::optional<QByteArray> m_notYetAside;    // to be set aside before anything is stored
-    bool m_saveFailed = false;                  // and the user was told
-    const QByteArray m_writer = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
-    std::optional<QByteArray> m_writerSeen;    // the last one that may be replaced
-    bool m_isStoreOfAnother = false;           // of a window that began to store after this one
+    StatusLog m_log;
+    Activities m_activities;
+    Editing m_editing;
+    Workspace m_workspace;
+    StudioImports m_imports;
     StyleClipboard m_copiedStyle;
-    QString m_status;
-    StatusTone m_statusTone = StatusTone::info;
-    StatusLink m_statusLink;
-    StudioHistory::Time m_statusTold;
-    bool m_isStatusOfThisTurn = false;
+    QList<QUrl> m_loadAfterRestore;
     AccountSession* m_accountSession = nullptr;
     std::optional<AccountPanelDestination> m_accountPanel;
     bool m_isAppSettingsPresented = false;
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
-    std::shared_ptr<PhotoImport::Control> m_import;    // of the import under way
-    PhotoImport::Progress m_importProgress;
-    std::optional<StudioHistory::Time> m_importTold;    // when it was last reported
     StudioExports m_exports;
-    QStringList m_settledEntries;    // preferences to remove with the next storing
 };

@@ -23,7 +23,7 @@ QString refusalOfTexts(const StudioSession& session)
 QCoro::Task<> importTexts(QPointer<StudioSession> session, QString path)
 {
     if (const QString refusal = refusalOfTexts(*session); !refusal.isEmpty()) {
-        session->setStatus(refusal, StatusTone::problem);
+        session->setStatus(refusal, StatusKind::warning);
         co_return;
     }
     QFuture<TextSheet> reading = runOnWorker([path] { return readTextSheetFile(path); });
@@ -43,7 +43,7 @@ QCoro::Task<> importTexts(QPointer<StudioSession> session, QString path)
     if (problem.isEmpty())
         session->applyTexts(sheet);
     else
-        session->setStatus(problem, StatusTone::problem);
+        session->setStatus(problem, StatusKind::warning);
 }
 
 QCoro::Task<> exportTexts(QPointer<StudioSession> session, QString path)
@@ -67,8 +67,8 @@ QCoro::Task<> exportTexts(QPointer<StudioSession> session, QString path)
     if (failure.isEmpty())
         session->setStatus(u"Textos de %1 guardados en %2."_s.arg(
                                counted(items.size(), u"imagen", u"imágenes"), name),
-                           StatusTone::done);
+                           StatusKind::done);
     else
         session->setStatus(u"No se pudieron guardar los textos en %1 (%2)."_s.arg(name, failure),
-                           StatusTone::problem);
+                           StatusKind::warning);
 }

@@ -6,6 +6,7 @@
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
 #include "studio/WorkspaceEncoder.h"
+#include "studio/batch/BatchSelection.h"
 
 #include <QCoroFuture>
 
@@ -97,23 +98,16 @@ Reopened reopenedItems(const QList<PublicationItemSnapshot>& stored, PhotoCache&
 
 Batch workspaceOf(const WorkspaceSnapshot& stored, const PublicationItems& items)
 {
-    const auto clamped = [&](int index) { return std::clamp(index, 0, int(items.size()) - 1); };
     Batch batch;
     batch.format = stored.format;
     batch.objective = stored.objective;
     batch.items = items;
-    batch.selectedIndex = clamped(stored.selectedIndex);
-    batch.selectionAnchorIndex = clamped(stored.selectionAnchorIndex);
-    const PublicationItem& current = batch.items[batch.selectedIndex];
-    for (const PublicationItem& item : items) {
-        if (stored.selectedItemIDs.contains(item.id))
-            batch.selectedItemIDs.insert(item.id);
-    }
-    batch.selectedItemIDs.insert(current.id);
-    const QUuid layer = stored.selectedLayerID.value_or(QUuid());
-    const bool isText =
-        std::ranges::find(current.layers, layer, &TextLayer::id) != current.layers.end();
-    batch.selectedLayerID = isText ? layer : current.layers.first().id;
+    batch.selectedIndex = stored.selectedIndex;
+    batch.selectionAnchorIndex = stored.selectionAnchorIndex;
+    batch.selectedItemIDs = stored.selectedItemIDs;
+    batch.selectedLayerID = stored.selectedLayerID.value_or(QUuid());
+    BatchSelection::keepInvariants(batch, BatchSelection::LayerRule::text);
+    batch.selectedItemIDs.insert(batch.currentItem()->id);
     return batch;
 }
 

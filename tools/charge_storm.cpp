@@ -152,7 +152,7 @@ private:
         if (m_lastStep == QLatin1StringView(step) && --m_stepsLeft == 0)
             std::raise(SIGKILL);
         if (step == m_stopAt)
-            m_session.stopExport();
+            m_session.activities().stop(Activity::Kind::exporting);
     }
 
     // Waits until it was judged: the ledger must not move meanwhile.
@@ -195,13 +195,14 @@ private:
         static constexpr std::array<const char*, 8> stops{"opened", "reserved", "wrote"};
         m_stopAt = stops[std::size_t(below(int(stops.size())))];
         const Batch& batch = m_session.batch();
-        tellPlan(isSingle ? QList<int>{batch.selectedIndex} : m_session.exportIndices());
+        tellPlan(isSingle ? QList<int>{batch.selectedIndex} : m_session.exports().exportIndices());
         if (isSingle)
             m_session.exportCurrent(place + u'/' + batch.currentItem()->filename() + u".png"_s);
         else
             m_session.exportAll(place);
         turnUntil([this] { return !m_session.isExporting(); });
-        say(u"ended %1 %2"_s.arg(int(m_session.statusTone())).arg(m_session.status()));
+        say(u"ended %1 %2"_s.arg(int(m_session.statusLog().current().kind))
+                .arg(m_session.status()));
     }
 
     // What will be charged and for which renders, and how many files there will be.
@@ -303,7 +304,7 @@ public:
             if (m_step == u"recorded")
                 m_request.clear();
         } else if (word == u"ended") {
-            const bool isDone = words.value(1).toInt() == int(StatusTone::done);
+            const bool isDone = words.value(1).toInt() == int(StatusKind::done);
             m_exports += isDone;
             m_freeExports += isDone && m_isFree;
             m_request.clear();

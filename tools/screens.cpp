@@ -10,7 +10,6 @@
 #include "app/account/AuthGateView.h"
 #include "app/batch/BatchColumn.h"
 #include "app/controls/Button.h"
-#include "app/controls/StatusLine.h"
 #include "app/controls/popovers/FontField.h"
 #include "app/controls/popovers/Swatch.h"
 #include "app/layers/ShapesPanel.h"
@@ -23,6 +22,7 @@
 #include "app/theme/Theme.h"
 #include "app/window/DropVeil.h"
 #include "app/window/MainWindow.h"
+#include "app/window/StatusLine.h"
 #include "app/window/StudioShell.h"
 #include "cli/SampleBatch.h"
 #include "platform/Memory.h"
@@ -132,6 +132,10 @@ public:
 
 private:
     const PublicationItem& current() const { return *m_session.batch().currentItem(); }
+    const Activity* activity(Activity::Kind kind) const
+    {
+        return m_session.activities().find(kind);
+    }
 
     void select(CopySlot slot)
     {
@@ -147,10 +151,10 @@ private:
         HeldPhoto held(waitedFor.toLocalFile(), m_thumbnails);
         m_session.load({QUrl::fromLocalFile(m_photoFolder)});
         const bool reached = WindowPictures::waitFor([&] {
-            const PhotoImport::Progress& progress = m_session.importProgress();
-            return progress.looked == photos.size() - 1 &&
+            const Activity* import = activity(Activity::Kind::importing);
+            return import && import->done == photos.size() - 1 &&
                    m_window.shell()->batchColumn()->grid()->keptPictures() ==
-                       progress.accepted.size();
+                       import->incoming.size();
         });
         m_pictures.takeNow(u"importing"_s);
         held.release();
@@ -160,7 +164,7 @@ private:
     // Of the images that are selected.
     bool takeExports()
     {
-        const int cost = int(m_session.exportIndices().size()) * exportCreditCost;
+        const int cost = int(m_session.exports().exportIndices().size()) * exportCreditCost;
         const int balance = m_account.session().account().balance - cost;
         m_account.answer(
             "POST /api/credits/social-copy/reserve",
@@ -169,7 +173,7 @@ private:
         m_session.exportAll(m_folder.path());
         WindowPictures::waitFor([this] {
             return !m_session.isExporting() ||
-                   m_session.exportProgress()->stage == ExportProgress::Stage::charging;
+                   !activity(Activity::Kind::exporting)->fraction();    // at its reservation
         });
         bool reached = m_session.isExporting() && take(u"exporting"_s);
         m_account.answer("GET /api/auth/me", ScriptedAccount::summary("Lucía Ferrer", balance));

@@ -19,16 +19,24 @@ BatchBinding::BatchBinding(StudioSession& session, BatchColumn* column,
             [this] { m_column->setTiles(tilesOf(shownItems())); });
 }
 
+// What an import under way has accepted so far.
+const PublicationItems& BatchBinding::incoming() const
+{
+    static const PublicationItems nothing;
+    const Activity* import = m_session.activities().find(Activity::Kind::importing);
+    return import ? import->incoming : nothing;
+}
+
 // While an import runs the batch is still the old one: a click on a tile would mean another image
 // than the tile shows.
 bool BatchBinding::showsIncoming() const
 {
-    return m_session.isImporting() && !m_session.importProgress().accepted.isEmpty();
+    return !incoming().isEmpty();
 }
 
 const PublicationItems& BatchBinding::shownItems() const
 {
-    return showsIncoming() ? m_session.importProgress().accepted : m_session.batch().items;
+    return showsIncoming() ? incoming() : m_session.batch().items;
 }
 
 const PublicationItem* BatchBinding::find(QUuid id) const
@@ -169,7 +177,7 @@ QList<Tile> BatchBinding::tilesOf(const PublicationItems& items)
                       .current = !incoming && i == batch.selectedIndex,
                       .selected = !incoming && batch.selectedItemIDs.contains(item.id),
                       .state = m_missing.contains(item.id) ? TileState::missing : TileState::normal,
-                      .paid = !incoming && m_session.isPaid(item.id),
+                      .paid = !incoming && m_session.exports().isPaid(item.id),
                       .warnings = known != m_judgements.cend() ? known->sentences : QStringList()});
     }
     return tiles;

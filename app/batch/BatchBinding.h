@@ -35,6 +35,7 @@ private:
         QList<TextWarning> warnings;
         QStringList sentences;
     };
+    const PublicationItems& incoming() const;
     const PublicationItems& shownItems() const;
     const PublicationItem* find(QUuid id) const;
     void wish(const QList<QUuid>& ids);

@@ -72,12 +72,12 @@ void ExportDialogs::takeFile(QUuid item, const QString& path)
     m_folder.remember(file.absolutePath());
     if (isPhotoOf(m_session.batch(), file.filePath())) {
         m_session.setStatus(u"Ese archivo es una foto del lote: elige otro nombre."_s,
-                            StatusTone::problem);
+                            StatusKind::warning);
     } else if (file.filePath() != path && file.exists()) {
         // The chooser asked about replacing `path`, not the name with ".png" added.
         m_session.setStatus(
             u"Ya existe %1: confirma que lo sustituyes o elige otro nombre."_s.arg(file.fileName()),
-            StatusTone::problem);
+            StatusKind::warning);
         askForFile(item, file.fileName());
     } else {
         Q_EMIT fileChosen(item, file.filePath());

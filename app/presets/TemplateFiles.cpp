@@ -52,7 +52,7 @@ void TemplateFiles::finishReading(const DefinitionFile& file, const QString& pat
 {
     if (!file.definition) {
         Q_EMIT told(u"No se puede importar «%1»: %2."_s.arg(QFileInfo(path).fileName(), file.error),
-                    StatusTone::problem);
+                    StatusKind::warning);
         return;
     }
     const SocialFormat format = file.definition->socialFormat();
@@ -62,7 +62,7 @@ void TemplateFiles::finishReading(const DefinitionFile& file, const QString& pat
         made.previewPNG.reset();
     if (m_saved.addTemplate(made).isNull()) {
         Q_EMIT told(u"La plantilla «%1» ya está en Mis plantillas."_s.arg(made.name),
-                    StatusTone::info);
+                    StatusKind::note);
         return;
     }
     Q_EMIT imported(made.name, format);
@@ -89,9 +89,9 @@ QCoro::Task<> TemplateFiles::runWriting(QPointer<TemplateFiles> self, QString pa
     if (failure.isEmpty()) {
         Q_EMIT self->told(
             u"Plantilla «%1» exportada como %2."_s.arg(name, QFileInfo(path).fileName()),
-            StatusTone::done);
+            StatusKind::done);
     } else {
         Q_EMIT self->told(u"No se pudo exportar la plantilla «%1»: %2."_s.arg(name, failure),
-                          StatusTone::problem);
+                          StatusKind::warning);
     }
 }

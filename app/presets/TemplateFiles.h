@@ -2,7 +2,7 @@
 
 #include "templates/SavedTemplates.h"
 
-enum class StatusTone;
+enum class StatusKind;
 
 // Imports definition files into the user's templates, and exports templates to files.
 class TemplateFiles : public QObject {
@@ -17,7 +17,7 @@ public:
 
 Q_SIGNALS:
     void imported(const QString& name, SocialFormat format);
-    void told(const QString& sentence, StatusTone tone);
+    void told(const QString& sentence, StatusKind tone);
 
 private:
     static QCoro::Task<> runReading(QPointer<TemplateFiles> self, QString path,

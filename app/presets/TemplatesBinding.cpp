@@ -51,7 +51,7 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, TemplatesPanel* panel
     connect(&m_saved, &SavedTemplates::storingFailed, this, [this] {
         Q_EMIT told(u"No se pudieron guardar tus plantillas. ¿Queda espacio en el disco? Se vuelve "
                     "a intentar con el próximo cambio."_s,
-                    StatusTone::problem);
+                    StatusKind::warning);
     });
     connect(m_files, &TemplateFiles::told, this, &TemplatesBinding::told);
     connect(m_files, &TemplateFiles::imported, this,
@@ -62,7 +62,7 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, TemplatesPanel* panel
                 const QString where = format == m_session.batch().format
                                           ? QString()
                                           : u" La verás en el formato %1."_s.arg(rawValue(format));
-                Q_EMIT told(u"Plantilla «%1» importada.%2"_s.arg(name, where), StatusTone::done);
+                Q_EMIT told(u"Plantilla «%1» importada.%2"_s.arg(name, where), StatusKind::done);
             });
 }
 
@@ -73,7 +73,7 @@ void TemplatesBinding::connectTemplates()
     connect(m_panel, &TemplatesPanel::importRequested, this, &TemplatesBinding::chooseDefinition);
     connect(m_panel, &TemplatesPanel::callBackRequested, this, [this] {
         const QString name = m_saved.templates().lastRemoved();
-        Q_EMIT told(u"Plantilla «%1» recuperada."_s.arg(name), StatusTone::done);
+        Q_EMIT told(u"Plantilla «%1» recuperada."_s.arg(name), StatusKind::done);
         m_saved.callBackTemplate();
     });
     connect(&m_saved, &SavedTemplates::templatesChanged, this, &TemplatesBinding::show);
@@ -82,10 +82,10 @@ void TemplatesBinding::connectTemplates()
     connect(m_panel->own(), &PresetGrid::renameEnded, this, [this](QUuid id, RenameEnd end) {
         const bool isNew = wasNew(id);
         if (isNew && end == RenameEnd::abandoned) {
-            Q_EMIT told(u"Plantilla descartada."_s, StatusTone::info);
+            Q_EMIT told(u"Plantilla descartada."_s, StatusKind::note);
             m_saved.removeTemplate(id);
         } else if ((isNew || end == RenameEnd::kept) && m_saved.isStored()) {
-            Q_EMIT told(u"Plantilla «%1» guardada."_s.arg(nameOf(id)), StatusTone::done);
+            Q_EMIT told(u"Plantilla «%1» guardada."_s.arg(nameOf(id)), StatusKind::done);
         }
     });
     connect(m_panel->own(), &PresetGrid::removeRequested, this, &TemplatesBinding::remove);
@@ -111,7 +111,7 @@ void TemplatesBinding::connectStyles()
     connect(m_shelf, &StyleShelf::saveRequested, this, [this] {
         if (!selectedText())
             return;
-        Q_EMIT told(u"Estilo guardado. Ponle nombre."_s, StatusTone::done);
+        Q_EMIT told(u"Estilo guardado. Ponle nombre."_s, StatusKind::done);
         m_new = m_saved.saveStyle(*selectedText());
         m_shelf->rename(m_new);
     });
@@ -119,7 +119,7 @@ void TemplatesBinding::connectStyles()
         if (!selectedText() || !m_saved.styles().find(id))
             return;
         const QString name = m_saved.styles().find(id)->name;
-        Q_EMIT told(u"Estilo «%1» actualizado."_s.arg(name), StatusTone::done);
+        Q_EMIT told(u"Estilo «%1» actualizado."_s.arg(name), StatusKind::done);
         m_saved.updateStyle(id, *selectedText());
         m_shelf->grid()->outdatePicture(id);
     });
@@ -128,12 +128,12 @@ void TemplatesBinding::connectStyles()
             return;
         Q_EMIT told(
             u"Estilo «%1» eliminado. Puedes recuperarlo."_s.arg(m_saved.styles().find(id)->name),
-            StatusTone::done);
+            StatusKind::done);
         m_saved.removeStyle(id);
     });
     connect(m_shelf, &StyleShelf::callBackRequested, this, [this] {
         const QString name = m_saved.styles().lastRemoved();
-        Q_EMIT told(u"Estilo «%1» recuperado."_s.arg(name), StatusTone::done);
+        Q_EMIT told(u"Estilo «%1» recuperado."_s.arg(name), StatusKind::done);
         m_saved.callBackStyle();
     });
     connect(m_shelf->grid(), &PresetGrid::renamed, &m_saved, &SavedTemplates::renameStyle);
@@ -143,10 +143,10 @@ void TemplatesBinding::connectStyles()
         if (!style)
             return;
         if (isNew && end == RenameEnd::abandoned) {
-            Q_EMIT told(u"Estilo descartado."_s, StatusTone::info);
+            Q_EMIT told(u"Estilo descartado."_s, StatusKind::note);
             m_saved.removeStyle(id);
         } else if ((isNew || end == RenameEnd::kept) && m_saved.isStored()) {
-            Q_EMIT told(u"Estilo «%1» guardado."_s.arg(style->name), StatusTone::done);
+            Q_EMIT told(u"Estilo «%1» guardado."_s.arg(style->name), StatusKind::done);
         }
     });
     connect(m_shelf->grid(), &PresetGrid::chosen, this, [this](QUuid id) {
@@ -289,7 +289,7 @@ bool TemplatesBinding::refusesWhileImporting()
 {
     if (m_session.isImporting())
         m_session.setStatus(u"Espera a que termine la importación de imágenes."_s,
-                            StatusTone::problem);
+                            StatusKind::warning);
     return m_session.isImporting();
 }
 
@@ -369,7 +369,7 @@ void TemplatesBinding::saveTemplate()
         return;
     Q_EMIT panelRequested();
     // Told before saving, so that the message of a failed save replaces this one.
-    Q_EMIT told(u"Plantilla guardada. Ponle nombre."_s, StatusTone::done);
+    Q_EMIT told(u"Plantilla guardada. Ponle nombre."_s, StatusKind::done);
     m_new = m_saved.saveTemplate(*item, m_session.batch().format);
     m_panel->rename(m_new);
 }
@@ -380,7 +380,7 @@ void TemplatesBinding::update(QUuid id)
     if (!item || !m_saved.templates().find(id))
         return;
     const QString name = nameOf(id);
-    Q_EMIT told(u"Plantilla «%1» actualizada con esta composición."_s.arg(name), StatusTone::done);
+    Q_EMIT told(u"Plantilla «%1» actualizada con esta composición."_s.arg(name), StatusKind::done);
     m_saved.updateTemplate(id, *item, m_session.batch().format);
     m_panel->own()->outdatePicture(id);
 }
@@ -391,7 +391,7 @@ void TemplatesBinding::remove(QUuid id)
         return;
     Q_EMIT told(u"Plantilla «%1» eliminada. Puedes recuperarla en el menú de Mis plantillas."_s.arg(
                     nameOf(id)),
-                StatusTone::done);
+                StatusKind::done);
     m_saved.removeTemplate(id);
 }
 

@@ -13,7 +13,7 @@ class StyleShelf;
 class StudioSession;
 class TemplateFiles;
 class TemplatesPanel;
-enum class StatusTone;
+enum class StatusKind;
 
 // Connects templates and saved styles with the side panel: what the panel shows of them, and what
 // happens when the user applies, saves, renames or removes one.
@@ -40,7 +40,7 @@ public:
 Q_SIGNALS:
     // `item`: the current item with the previewed template applied; none when no preview is shown.
     void previewChanged(const std::optional<PublicationItem>& item);
-    void told(const QString& sentence, StatusTone tone);
+    void told(const QString& sentence, StatusKind kind);
     void panelRequested();    // the window shall open the templates' tab
 
 private:

@@ -67,16 +67,17 @@ void StageBinding::connectCanvas()
     gestures.onCommit = [this](const PublicationItem& item) {
         if (m_preview)
             return Q_EMIT previewRefused();    // a preview cannot be edited
-        m_session.commitCanvasItem(item);
+        m_session.commitCanvasItem(item, m_isHiding ? std::optional(QUuid()) : std::nullopt);
     };
+    // Hiding clears the selection first; the session does both at once, as one step.
     gestures.onSelect = [this](QUuid layer) {
+        if (m_isHiding && !m_preview)
+            return;
         m_session.selectLayer(layer);
         Q_EMIT layerChosen(layer);
     };
-    connect(canvas(), &CanvasInteractionView::hidingBegan, &m_session,
-            &StudioSession::beginOperation);
-    connect(canvas(), &CanvasInteractionView::hidingEnded, &m_session,
-            &StudioSession::endOperation);
+    connect(canvas(), &CanvasInteractionView::hidingBegan, this, [this] { m_isHiding = true; });
+    connect(canvas(), &CanvasInteractionView::hidingEnded, this, [this] { m_isHiding = false; });
     connect(canvas(), &CanvasInteractionView::editRequested, this, [this](QUuid id) {
         const PublicationItem* item = m_session.batch().currentItem();
         if (!item)

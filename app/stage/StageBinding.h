@@ -56,5 +56,6 @@ private:
     ViewBar* m_bar;
     StagePhoto* m_photo;
     bool m_safeZone = false;
+    bool m_isHiding = false;    // the canvas hides or removes a layer
     std::optional<PublicationItem> m_preview;
 };

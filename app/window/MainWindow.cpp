@@ -8,7 +8,6 @@
 #include "app/batch/BatchBinding.h"
 #include "app/batch/BatchColumn.h"
 #include "app/controls/KeyHint.h"
-#include "app/controls/StatusLine.h"
 #include "app/controls/popovers/FocusRound.h"
 #include "app/copy/ComposeBar.h"
 #include "app/export/ExportBinding.h"
@@ -22,6 +21,8 @@
 #include "app/stage/ViewBar.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
+#include "app/window/StatusBinding.h"
+#include "app/window/StatusLine.h"
 #include "app/window/StudioCommands.h"
 #include "app/window/StudioFocus.h"
 #include "app/window/StudioMenu.h"
@@ -35,6 +36,7 @@
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QKeyEvent>
+#include <QScopedValueRollback>
 #include <QScreen>
 
 using namespace Qt::StringLiterals;
@@ -56,21 +58,6 @@ QList<FormatChoice> formatChoices()
     return choices;
 }
 
-StatusKind kindOf(StatusTone tone)
-{
-    switch (tone) {
-    case StatusTone::info:
-        return StatusKind::info;
-    case StatusTone::done:
-        return StatusKind::ok;
-    case StatusTone::problem:
-        return StatusKind::warning;
-    case StatusTone::failure:
-        return StatusKind::error;
-    }
-    Q_UNREACHABLE();
-}
-
 }    // namespace
 
 MainWindow::MainWindow(StudioSession& session, AccountSession& account,
@@ -87,11 +74,12 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
           m_shell->sidePanel()->textPanel()->styles(), photos, preferences)),
       m_files(new FileIntake(session, preferences, this)),
       m_exports(std::make_unique<ExportBinding>(session, account, *m_batch,
-                                                m_shell->topBar()->exports(), m_shell->statusLine(),
-                                                preferences, this)),
+                                                m_shell->topBar()->exports(), preferences, this)),
+      m_status(std::make_unique<StatusBinding>(session, m_shell->statusLine())),
       m_focus(new StudioFocus(m_shell, this)), m_look(new KeptLook(m_shell, preferences, this)),
-      m_commands(new StudioCommands({session, account, m_shell, *m_batch, *m_stage, *m_panel,
-                                     *m_templates, *m_exports, m_files, m_focus, m_look, this})),
+      m_commands(
+          new StudioCommands({session, account, m_shell, *m_batch, *m_stage, *m_panel, *m_templates,
+                              *m_exports, *m_status, m_files, m_focus, m_look, this})),
       m_gate(new AuthGateView(this)),
       m_account(std::make_unique<AccountBinding>(account, session, m_gate,
                                                  m_shell->topBar()->account(), this))
@@ -109,7 +97,6 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     m_hasImported = preferences.value(importedKey) == yes;
     m_focus->goToCanvas();    // else the first button takes the focus, and with it the arrows
     showBatch();
-    showStatus();
     lockStudio();
 }
 
@@ -146,16 +133,13 @@ void MainWindow::connectPanels()
             });
     connect(
         m_templates.get(), &TemplatesBinding::told, this,
-        [this](const QString& sentence, StatusTone tone) { m_session.setStatus(sentence, tone); });
+        [this](const QString& sentence, StatusKind kind) { m_session.setStatus(sentence, kind); });
     connect(m_templates.get(), &TemplatesBinding::panelRequested, this,
             [this] { m_shell->sidePanel()->setTab(SideTab::templates); });
     connect(m_panel.get(), &PanelBinding::leaveRequested, m_focus, &StudioFocus::goToCanvas);
-    connect(m_exports.get(), &ExportBinding::statusOutdated, this, &MainWindow::showStatus);
-    connect(m_exports.get(), &ExportBinding::closeRequested, this, &QWidget::close);
+    connect(m_status.get(), &StatusBinding::closeRequested, this, &QWidget::close);
     connect(m_exports.get(), &ExportBinding::leaveRequested, m_focus, &StudioFocus::goToCanvas);
     connect(m_shell->statusLine(), &StatusLine::leaveRequested, m_focus, &StudioFocus::goToCanvas);
-    connect(m_shell->statusLine(), &StatusLine::linkRequested, this,
-            [this] { m_shell->statusLine()->showDetails(m_session.statusLink().details); });
     m_shell->topBar()->setMenu(menu()->menu());
     connect(qApp, &QApplication::focusChanged, this, &MainWindow::showHints);
 }
@@ -169,7 +153,7 @@ void MainWindow::connectStage()
         m_batch->photoMissing(item);
         m_session.setStatus(u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
                                 m_session.batch().currentItem()->filename()),
-                            StatusTone::failure);
+                            StatusKind::error);
     });
     connect(m_stage.get(), &StageBinding::previewRefused, m_templates.get(),
             &TemplatesBinding::endPreview);
@@ -180,17 +164,17 @@ void MainWindow::connectSession()
     connect(&m_session, &StudioSession::aboutToMove, m_focus, &StudioFocus::endEdits);
     connect(&m_session, &StudioSession::batchChanged, this, &MainWindow::showBatch);
     connect(&m_session, &StudioSession::statusChanged, this, [this] {
-        showStatus();
         // The line lies under the gate.
-        if (isGated() && m_session.statusTone() == StatusTone::problem)
+        if (isGated() && !m_isTellingOfAccount &&
+            m_session.statusLog().current().kind == StatusKind::warning)
             m_gate->login()->tellProblem(m_session.status());
     });
-    connect(&m_session, &StudioSession::importChanged, this, [this] {
+    connect(&m_session, &StudioSession::activityChanged, this, [this](Activity::Kind kind) {
+        if (kind != Activity::Kind::importing)
+            return;
         m_batch->show();
         showStage();
         m_panel->show();
-        m_exports->show();
-        showStatus();
     });
 }
 
@@ -206,16 +190,17 @@ void MainWindow::connectAccount()
     connect(m_account.get(), &AccountBinding::textPanelRequested, this,
             [this] { m_look->showTab(SideTab::text); });
     connect(m_account.get(), &AccountBinding::working, this, [this] {
-        tell({.kind = StatusKind::busy, .sentence = u"Conectando con tu cuenta…"_s});
+        m_session.statusLog().tellStep(Activity::Kind::account, u"Conectando con tu cuenta…"_s);
+        m_session.setActivity({.kind = Activity::Kind::account});
     });
     connect(m_account.get(), &AccountBinding::told, this,
             [this](const QString& message, bool isProblem) {
-                // The session's own sentence is told at the sign-in form, too.
-                if (isGated() || message.isEmpty())
-                    tell({isProblem ? StatusKind::warning : StatusKind::ok, message});
-                else
+                // The sign-in form tells it by itself.
+                const QScopedValueRollback telling(m_isTellingOfAccount, true);
+                if (!message.isEmpty())
                     m_session.setStatus(message,
-                                        isProblem ? StatusTone::problem : StatusTone::done);
+                                        isProblem ? StatusKind::warning : StatusKind::done);
+                m_session.endActivity(Activity::Kind::account);
             });
 }
 
@@ -258,12 +243,12 @@ void MainWindow::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
     // Whatever was in front may have moved or changed the photos.
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
-        m_session.lookAtPhotos();
+        m_session.exports().lookAtPhotos();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    if (m_exports->delaysClosing())
+    if (m_status->delaysClosing())
         return event->ignore();
     // What is still being typed counts.
     m_shell->composeBar()->finishEdit();
@@ -290,10 +275,7 @@ void MainWindow::open(const QList<QUrl>& addresses)
 
 void MainWindow::refuseLink()
 {
-    const QString sentence = u"Moltiva no reconoce el enlace que se ha abierto."_s;
-    tell({StatusKind::warning, sentence});
-    if (isGated())
-        m_gate->login()->tellProblem(sentence);
+    m_session.setStatus(u"Moltiva no reconoce el enlace que se ha abierto."_s, StatusKind::warning);
 }
 
 void MainWindow::comeForward()
@@ -418,10 +400,10 @@ void MainWindow::showStage()
     // The invitation to import waits until it is known that there is nothing to go on with.
     const bool isEmpty = m_session.batch().items.isEmpty() && m_session.didRestoreWorkspace();
     // The canvas of the old batch does not stand beside the tiles of the new one.
-    const bool isImporting = m_session.isImporting() && (isEmpty || m_batch->showsIncoming());
+    const Activity* import = m_session.activities().find(Activity::Kind::importing);
+    const bool isImporting = import && (isEmpty || m_batch->showsIncoming());
     if (isImporting) {
-        const PhotoImport::Progress& progress = m_session.importProgress();
-        m_shell->emptyState()->setImport({{int(progress.looked), int(progress.total)}});
+        m_shell->emptyState()->setImport({{int(import->done), int(import->total)}});
     } else {
         m_shell->emptyState()->setImport(std::nullopt);
     }
@@ -452,27 +434,4 @@ void MainWindow::showHints()
         isGated() || m_account->isSheetPresented();    // keys of the studio are off
     m_shell->statusLine()->setKeyHints(isLocked ? QList<KeyHint>()
                                                 : m_focus->hints(m_session.batch()));
-}
-
-void MainWindow::showStatus()
-{
-    Status status{.kind = kindOf(m_session.statusTone()), .sentence = m_session.status()};
-    if (!m_session.statusLink().details.isEmpty())
-        status.link = u"Ver cuáles"_s;
-    tell(m_exports->completed(status));
-}
-
-// Whatever is told, the bar of what is going on stays.
-void MainWindow::tell(Status status)
-{
-    if (m_session.isImporting()) {
-        const PhotoImport::Progress& progress = m_session.importProgress();
-        if (status.kind == StatusKind::info)
-            status.kind = StatusKind::busy;
-        status.goesOn = true;
-        status.progress =
-            progress.total > 0 ? double(progress.looked) / double(progress.total) : 0.0;
-        status.stoppable = true;
-    }
-    m_shell->statusLine()->setStatus(m_exports->withProgress(status));
 }

@@ -19,13 +19,13 @@ class PanelBinding;
 class PhotoCache;
 class PreferencesStore;
 class StageBinding;
+class StatusBinding;
 class StudioCommands;
 class StudioFocus;
 class StudioMenu;
 class StudioSession;
 class StudioShell;
 class TemplatesBinding;
-struct Status;
 
 // The studio in its window: connects panels, session and account, and takes what comes from outside
 // (keys, files, closing).
@@ -41,7 +41,7 @@ public:
     StudioMenu* menu() const;
     StudioCommands& commands() const { return *m_commands; }
     TemplatesBinding& templates() const { return *m_templates; }
-    ExportBinding& exports() const { return *m_exports; }
+    StatusBinding& status() const { return *m_status; }
     AuthGateView* gate() const { return m_gate; }
     // No picture is being drawn and no photo looked at.
     bool isSettled() const;
@@ -76,8 +76,6 @@ private:
     void showBatch();
     void showStage();
     void greetFirstImport();
-    void showStatus();
-    void tell(Status status);
     void showHints();
 
     StudioSession& m_session;
@@ -91,6 +89,7 @@ private:
     std::unique_ptr<TemplatesBinding> m_templates;
     FileIntake* m_files;
     std::unique_ptr<ExportBinding> m_exports;
+    std::unique_ptr<StatusBinding> m_status;
     StudioFocus* m_focus;
     KeptLook* m_look;
     StudioCommands* m_commands;
@@ -100,4 +99,5 @@ private:
     QList<QUrl> m_given, m_dropped;
     // Whether photos were ever imported here, and whether the window has been without any.
     bool m_hasImported = false, m_wasEmpty = false;
+    bool m_isTellingOfAccount = false;
 };

@@ -3,7 +3,6 @@
 #include "account/AccountSession.h"
 #include "app/batch/BatchBinding.h"
 #include "app/batch/BatchColumn.h"
-#include "app/controls/StatusLine.h"
 #include "app/copy/ComposeBar.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
@@ -15,6 +14,7 @@
 #include "app/theme/Icons.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
+#include "app/window/StatusBinding.h"
 #include "app/window/StudioFocus.h"
 #include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"
@@ -117,8 +117,12 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = u"Detener la importación"_s,
          .keys = u"Ctrl+.",
-         .run = [this] { m_parts.exports.stop(); },
-         .isPossible = [this] { return m_session.isExporting() || m_session.isImporting(); },
+         .run = [this] { m_parts.status.stop(); },
+         .isPossible =
+             [this] {
+                 const Activity* foremost = m_session.activities().foremost();
+                 return foremost && foremost->stop;
+             },
          .wording =
              [isExporting] {
                  return isExporting() ? u"Detener la exportación"_s : u"Detener la importación"_s;
@@ -376,7 +380,7 @@ QList<MenuCommand> StudioCommands::helpCommands()
     return {
         {.menu = helpMenu,
          .text = u"Últimos avisos"_s,
-         .run = [this] { m_parts.shell->statusLine()->showHistory(); }},
+         .run = [this] { m_parts.status.showHistory(); }},
         {.menu = helpMenu,
          .text = u"Buscar actualizaciones..."_s,
          .run = [] {},
@@ -405,7 +409,7 @@ void StudioCommands::run(const MenuCommand& command)
 {
     if (command.changesImages && m_parts.batch.showsIncoming()) {
         m_session.setStatus(u"Espera a que termine la importación de imágenes."_s,
-                            StatusTone::problem);
+                            StatusKind::warning);
         return;
     }
     // Cancels a drag on the canvas, and ends the typing of an objective, so that it is a step of
@@ -420,7 +424,7 @@ void StudioCommands::run(const MenuCommand& command)
 void StudioCommands::importTexts()
 {
     if (const QString refusal = refusalOfTexts(m_session); !refusal.isEmpty())
-        m_session.setStatus(refusal, StatusTone::problem);
+        m_session.setStatus(refusal, StatusKind::warning);
     else
         m_parts.files->chooseTexts(QFileDialog::AcceptOpen);
 }

@@ -10,6 +10,7 @@ class FileIntake;
 class KeptLook;
 class PanelBinding;
 class StageBinding;
+class StatusBinding;
 class StudioFocus;
 class StudioMenu;
 class StudioSession;
@@ -28,6 +29,7 @@ struct CommandParts {
     PanelBinding& panel;
     TemplatesBinding& templates;
     ExportBinding& exports;
+    StatusBinding& status;
     FileIntake* files;
     StudioFocus* focus;
     KeptLook* look;

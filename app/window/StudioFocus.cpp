@@ -2,7 +2,6 @@
 
 #include "app/batch/BatchColumn.h"
 #include "app/controls/KeyHint.h"
-#include "app/controls/StatusLine.h"
 #include "app/controls/fields/LineField.h"
 #include "app/copy/ComposeBar.h"
 #include "app/layers/SidePanel.h"
@@ -12,6 +11,7 @@
 #include "app/stage/StagePanel.h"
 #include "app/stage/ViewBar.h"
 #include "app/theme/KeyboardFocus.h"
+#include "app/window/StatusLine.h"
 #include "app/window/StudioShell.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "studio/batch/Batch.h"

@@ -1,7 +1,6 @@
 #include "app/window/StudioShell.h"
 
 #include "app/batch/BatchColumn.h"
-#include "app/controls/StatusLine.h"
 #include "app/copy/ComposeBar.h"
 #include "app/layers/SidePanel.h"
 #include "app/stage/EmptyState.h"
@@ -9,6 +8,7 @@
 #include "app/stage/ViewBar.h"
 #include "app/theme/Painting.h"
 #include "app/window/DropVeil.h"
+#include "app/window/StatusLine.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 
 #include <QAccessibleWidget>

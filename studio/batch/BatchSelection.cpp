@@ -2,12 +2,28 @@
 
 #include <algorithm>
 
-void BatchSelection::settleSelectedLayer(Batch& batch)
+void BatchSelection::keepInvariants(Batch& batch, LayerRule rule)
 {
+    const int last = std::max(0, int(batch.items.size()) - 1);
+    batch.selectedIndex = std::clamp(batch.selectedIndex, 0, last);
+    batch.selectionAnchorIndex = std::clamp(batch.selectionAnchorIndex, 0, last);
+    QSet<QUuid> selected;
+    for (const PublicationItem& item : batch.items) {
+        if (batch.selectedItemIDs.contains(item.id))
+            selected.insert(item.id);
+    }
     const PublicationItem* item = batch.currentItem();
-    if (item && item->hasLayer(batch.selectedLayerID))
-        return;
-    batch.selectedLayerID = item && !item->layers.isEmpty() ? item->layers.first().id : QUuid();
+    if (selected.isEmpty() && item)
+        selected.insert(item->id);
+    batch.selectedItemIDs = selected;
+
+    const QUuid layer = batch.selectedLayerID;
+    const bool isText =
+        item && std::ranges::find(item->layers, layer, &TextLayer::id) != item->layers.end();
+    const bool mayStay = rule == LayerRule::text ? isText : item && item->hasLayer(layer);
+    const bool isNone = layer.isNull() && rule == LayerRule::anyOrNone;
+    if (!mayStay && !isNone)
+        batch.selectedLayerID = item && !item->layers.isEmpty() ? item->layers.first().id : QUuid();
 }
 
 void BatchSelection::selectItem(Batch& batch, int index, Qt::KeyboardModifiers modifiers)
@@ -32,7 +48,7 @@ void BatchSelection::selectItem(Batch& batch, int index, Qt::KeyboardModifiers m
         selectSingleIndex(batch, index);
         return;
     }
-    settleSelectedLayer(batch);
+    keepInvariants(batch);
 }
 
 void BatchSelection::selectSingleIndex(Batch& batch, int index)
@@ -42,7 +58,7 @@ void BatchSelection::selectSingleIndex(Batch& batch, int index)
     batch.selectedIndex = index;
     batch.selectedItemIDs = {batch.items[index].id};
     batch.selectionAnchorIndex = index;
-    settleSelectedLayer(batch);
+    keepInvariants(batch);
 }
 
 void BatchSelection::selectAll(Batch& batch)
@@ -89,12 +105,8 @@ void BatchSelection::removeItem(Batch& batch, QUuid id)
         return;
     const int index = int(found - batch.items.begin());
     batch.items.removeAt(index);
-    batch.selectedItemIDs.remove(id);
-    const int last = std::max(0, int(batch.items.size()) - 1);
-    const auto moved = [&](int kept) { return std::min(kept > index ? kept - 1 : kept, last); };
+    const auto moved = [index](int kept) { return kept > index ? kept - 1 : kept; };
     batch.selectedIndex = moved(batch.selectedIndex);
     batch.selectionAnchorIndex = moved(batch.selectionAnchorIndex);
-    if (batch.selectedItemIDs.isEmpty() && batch.currentItem())
-        batch.selectedItemIDs.insert(batch.currentItem()->id);
-    settleSelectedLayer(batch);
+    keepInvariants(batch);
 }

@@ -28,7 +28,14 @@ void replaceItems(Batch& batch, const PublicationItems& items);
 // new last one.
 void removeItem(Batch& batch, QUuid id);
 
-// Keeps the selected layer if the current item has it, else selects the item's first text layer.
-void settleSelectedLayer(Batch& batch);
+// Which layer of the current item may stay selected; where it may not, the first text is.
+enum class LayerRule {
+    any,
+    anyOrNone,    // no selected layer stays no selected layer
+    text,
+};
+// Makes the batch keep what Batch.h promises, after items came or went, another became current or
+// lost a layer.
+void keepInvariants(Batch& batch, LayerRule rule = LayerRule::any);
 
 }    // namespace BatchSelection

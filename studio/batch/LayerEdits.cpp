@@ -100,8 +100,7 @@ void LayerEdits::replaceCurrentItem(Batch& batch, const PublicationItem& item)
     const QSet<QString> paid = current.paidRenderFingerprints;
     current = item;
     current.paidRenderFingerprints.unite(paid);    // a payment may be newer than `item`
-    if (!batch.selectedLayerID.isNull())
-        BatchSelection::settleSelectedLayer(batch);
+    BatchSelection::keepInvariants(batch, BatchSelection::LayerRule::anyOrNone);
 }
 
 void LayerEdits::commitCanvasItem(Batch& batch, const PublicationItem& item)
@@ -166,6 +165,5 @@ void LayerEdits::deleteShape(Batch& batch, QUuid shape)
         batch.items.edit(index).shapeLayers.removeIf(
             [shape](const ShapeLayer& candidate) { return candidate.id == shape; });
     }
-    if (batch.selectedLayerID == shape)
-        BatchSelection::settleSelectedLayer(batch);
+    BatchSelection::keepInvariants(batch, BatchSelection::LayerRule::anyOrNone);
 }

@@ -20,22 +20,21 @@ void push(QList<StudioHistorySnapshot>& stack, const StudioHistorySnapshot& snap
 }    // namespace
 
 void StudioHistory::registerUndo(const StudioHistorySnapshot& before,
-                                 const StudioHistorySnapshot& current, Changes changes, Time now)
+                                 const StudioHistorySnapshot& current, const Step& step, Time now)
 {
     if (isCanvasEditActive() || before == current)
         return;
-    const bool isContinuous = changes == Changes::continuous;
+    const bool mayJoin = step.isJoined() || step.isRun();
     // Measured from the last change, not from the first: a stream of them stays one step.
-    const bool isMerged = isContinuous && m_lastCoalescedUndoDate &&
-                          now - *m_lastCoalescedUndoDate < coalescingWindow &&
+    const bool isMerged = mayJoin && step == m_lastStep && m_lastCoalescedUndoDate &&
+                          (step.isRun() || now - *m_lastCoalescedUndoDate < coalescingWindow) &&
                           !m_undoStack.isEmpty();
-    if (isMerged) {
-        m_lastCoalescedUndoDate = now;
+    m_lastStep = step;
+    m_lastCoalescedUndoDate = mayJoin ? std::optional(now) : std::nullopt;
+    if (isMerged)
         return;
-    }
     if (m_undoStack.isEmpty() || !(m_undoStack.last() == before))
         push(m_undoStack, before);
-    m_lastCoalescedUndoDate = isContinuous ? std::optional(now) : std::nullopt;
     m_redoStack.clear();
 }
 
@@ -55,7 +54,7 @@ std::optional<StudioHistorySnapshot> StudioHistory::undo(const StudioHistorySnap
     auto target = step(m_undoStack, m_redoStack, current);
     if (target) {
         m_activeCanvasEditSnapshot.reset();
-        endContinuousChanges();
+        endStep();
     }
     return target;
 }
@@ -65,7 +64,7 @@ std::optional<StudioHistorySnapshot> StudioHistory::redo(const StudioHistorySnap
     auto target = step(m_redoStack, m_undoStack, current);
     if (target) {
         m_activeCanvasEditSnapshot.reset();
-        endContinuousChanges();
+        endStep();
     }
     return target;
 }
@@ -79,7 +78,7 @@ void StudioHistory::beginCanvasEdit(const StudioHistorySnapshot& current)
 std::optional<StudioHistorySnapshot> StudioHistory::endCanvasEdit()
 {
     if (m_activeCanvasEditSnapshot)
-        endContinuousChanges();
+        endStep();
     return std::exchange(m_activeCanvasEditSnapshot, std::nullopt);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "studio/batch/Batch.h"
+#include "studio/batch/Step.h"
 
 #include <chrono>
 #include <optional>
@@ -9,23 +10,21 @@
 // from, so a step costs what changed since.
 using StudioHistorySnapshot = Batch;
 
-// Undo and redo as states to go back to. Continuous changes (typing, a slider) become one step as
-// long as no two of them lie further apart than a moment; a gesture on the canvas is one step
-// however long it takes. The time is passed in.
+// Undo and redo as states to go back to. Joined changes become one step as long as no two of them
+// lie further apart than a moment. The time is passed in.
 class StudioHistory {
 public:
     using Time = std::chrono::steady_clock::time_point;
-    enum class Changes { single, continuous };
 
     bool canUndo() const { return !m_undoStack.isEmpty(); }
     bool canRedo() const { return !m_redoStack.isEmpty(); }
 
     // A change was made: `before` is the state it began with. Nothing is recorded of one that
-    // changed nothing or belongs to a gesture.
+    // changed nothing or belongs to a gesture under way.
     void registerUndo(const StudioHistorySnapshot& before, const StudioHistorySnapshot& current,
-                      Changes changes, Time now);
-    // The next continuous change begins a step of its own.
-    void endContinuousChanges() { m_lastCoalescedUndoDate.reset(); }
+                      const Step& step, Time now);
+    // The next change begins another step, whatever it would join.
+    void endStep() { m_lastCoalescedUndoDate.reset(); }
 
     // The state to go back to, or forward; nothing when there is none.
     std::optional<StudioHistorySnapshot> undo(const StudioHistorySnapshot& current);
@@ -53,6 +52,7 @@ private:
 
     QList<StudioHistorySnapshot> m_undoStack, m_redoStack;    // oldest first
     Payments m_payments;
-    std::optional<Time> m_lastCoalescedUndoDate;
+    Step m_lastStep = Step::own();                  // the one on top of the undo stack
+    std::optional<Time> m_lastCoalescedUndoDate;    // of the last change that may be joined
     std::optional<StudioHistorySnapshot> m_activeCanvasEditSnapshot;
 };

@@ -150,7 +150,7 @@ public:
     // Of the current image and of all that exportAll() covers, once they are right.
     std::pair<qint64, qint64> prices()
     {
-        EXPECT_TRUE(turnUntil([this] { return session.areCostsUpToDate(); }));
+        EXPECT_TRUE(turnUntil([this] { return session.exports().areCostsUpToDate(); }));
         return {session.displayedExportCurrentCost().value_or(-1),
                 session.displayedExportAllCost().value_or(-1)};
     }

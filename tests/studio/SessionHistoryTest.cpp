@@ -195,16 +195,14 @@ TEST_F(SessionHistoryTest, theFirstGestureCanBeUndoneWhenItIsTold)
     EXPECT_FALSE(couldUndo);
 }
 
-// The canvas clears the selection before it hands the item back.
-TEST_F(SessionHistoryTest, anOperationGoesBackToBeforeItsFirstChange)
+// The canvas clears the selection as it hides a layer.
+TEST_F(SessionHistoryTest, hidingALayerTakesItsSelectionIntoTheStep)
 {
     const Batch before = batch();
     PublicationItem hidden = *batch().currentItem();
     hidden.layers[0].isVisible = false;
-    session->beginOperation();
-    session->selectLayer(QUuid());
-    session->commitCanvasItem(hidden);
-    session->endOperation();
+    session->commitCanvasItem(hidden, QUuid());
+    EXPECT_TRUE(batch().selectedLayerID.isNull());
     undo();
     EXPECT_EQ(batch(), before);
 }
@@ -215,8 +213,9 @@ TEST_F(SessionHistoryTest, aResultInTheTurnOfAnUndoIsAStepOfItsOwn)
     const Batch restyled = batch();
     // The import ends in the turn of the loop that undoes: its photos are looked at already.
     session->load({QUrl::fromLocalFile(file(0))});
-    QObject::connect(session.get(), &StudioSession::importChanged, session.get(), [&] {
-        if (session->importProgress().looked > 0)
+    QObject::connect(session.get(), &StudioSession::activityChanged, session.get(), [&] {
+        const Activity* import = session->activities().find(Activity::Kind::importing);
+        if (import && import->done > 0)
             session->undo();
     });
     EXPECT_TRUE(waitFor([&] { return !session->isImporting(); }));
@@ -416,7 +415,7 @@ TEST_F(SessionHistoryTest, ofTwoWindowsThatKnowNothingOfEachOtherOneAloneSaves)
 
 TEST_F(SessionHistoryTest, aProblemStaysUntilThereWasTimeToReadIt)
 {
-    session->setStatus(u"No cabe."_s, StatusTone::problem);
+    session->setStatus(u"No cabe."_s, StatusKind::warning);
     QGuiApplication::processEvents();    // else it belongs to the command that follows
     now += 2s;
     restyle(1.7);
@@ -469,7 +468,7 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
     EXPECT_EQ(session->status(),
               u"Textos aplicados a 2 imágenes. 3 filas sin aplicar: "
               "3, 5 (no hay ninguna imagen con ese nombre); 6 (faltan columnas)."_s);
-    EXPECT_EQ(session->statusTone(), StatusTone::problem);
+    EXPECT_EQ(session->statusLog().current().kind, StatusKind::warning);
     EXPECT_EQ(title().text, u"Uno"_s);
     EXPECT_EQ(batch().currentItem()->layers[3].text, u"Una llamada con más de cuatro palabras."_s);
     const Batch filled = batch();
@@ -521,7 +520,7 @@ TEST_F(SessionHistoryTest, aSheetIsRefusedWhileOtherImagesAreOnTheirWay)
     session->load({QUrl::fromLocalFile(file(0))});
     importTexts(session.get(), path);
     EXPECT_EQ(session->status(), refusal);
-    EXPECT_EQ(session->statusTone(), StatusTone::problem);
+    EXPECT_EQ(session->statusLog().current().kind, StatusKind::warning);
     gate.release();
     EXPECT_TRUE(waitFor([&] { return !session->isImporting(); }));
     EXPECT_EQ(told.count(refusal), 2);

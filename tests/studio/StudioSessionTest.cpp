@@ -76,10 +76,11 @@ TEST_F(StudioSessionTest, anImportReplacesTheBatchOnceAndPassesOverWhatIsNoPhoto
     EXPECT_EQ(batch.selectedLayerID, batch.items[0].layers[0].id);
     EXPECT_EQ(session.status(), u"2 imagen(es) importada(s). Pulsa Generar con Gemma. "
                                 "2 no se han podido leer."_s);
-    EXPECT_EQ(session.statusLink().details, (QStringList{u"x.jpg"_s, u"missing.jpg"_s}));
+    EXPECT_EQ(session.statusLog().current().link.details,
+              (QStringList{u"x.jpg"_s, u"missing.jpg"_s}));
     load({url(u"a.jpg"_s)});
     EXPECT_EQ(session.status(), u"1 imagen(es) importada(s). Pulsa Generar con Gemma."_s);
-    EXPECT_TRUE(session.statusLink().details.isEmpty());
+    EXPECT_TRUE(session.statusLog().current().link.details.isEmpty());
 }
 
 TEST_F(StudioSessionTest, anImportOfNothingLeavesTheBatchAndSaysSo)
@@ -93,7 +94,7 @@ TEST_F(StudioSessionTest, anImportOfNothingLeavesTheBatchAndSaysSo)
         EXPECT_EQ(session.status(),
                   u"No he encontrado imágenes compatibles."_s +
                       (nothing.isEmpty() ? u""_s : u" 1 no se ha podido leer."_s));
-        EXPECT_EQ(session.statusTone(), StatusTone::problem);
+        EXPECT_EQ(session.statusLog().current().kind, StatusKind::warning);
     }
 }
 
@@ -103,10 +104,11 @@ TEST_F(StudioSessionTest, aStoppedImportLeavesTheBatchAsItWas)
     for (int i = 0; i < 30; ++i)
         photos.append(photo(u"%1.jpg"_s.arg(i)));
     bool showedSome = false;
-    QObject::connect(&session, &StudioSession::importChanged, &session, [&] {
-        if (session.importProgress().accepted.size() >= 3) {
+    QObject::connect(&session, &StudioSession::activityChanged, &session, [&] {
+        const Activity* import = session.activities().find(Activity::Kind::importing);
+        if (import && import->incoming.size() >= 3) {
             showedSome = true;
-            session.stopImport();
+            session.activities().stop(Activity::Kind::importing);
         }
     });
     load(photos);

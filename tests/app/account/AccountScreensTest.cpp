@@ -13,11 +13,11 @@
 #include "app/controls/Button.h"
 #include "app/controls/CopyButton.h"
 #include "app/controls/Notice.h"
-#include "app/controls/StatusLine.h"
 #include "app/controls/fields/FormField.h"
 #include "app/settings/AppVersion.h"
 #include "app/settings/UpdatesDetailPanel.h"
 #include "app/window/MainWindow.h"
+#include "app/window/StatusLine.h"
 #include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"
 #include "platform/PhotoCache.h"
@@ -64,7 +64,7 @@ protected:
     }
     LoginView* login() { return window.gate()->login(); }
     QString notice() { return login()->findChild<Notice*>()->text(); }
-    QString status() { return window.shell()->statusLine()->history().last().sentence; }
+    QString status() { return session.statusLog().current().sentence; }
     bool isTold(const QString& sentence)
     {
         return QTest::qWaitFor([&] { return status() == sentence; });
@@ -373,7 +373,7 @@ TEST_F(AccountScreensTest, OutcomesAreToldWhereNoScreenShowsThem)
     account.answer("POST /api/auth/logout", R"({"error":"x"})", 500);
     for (int i = 0; i < 2; ++i) {    // an equal failure is told a second time
         window.menu()->action(u"Cerrar sesión"_s)->trigger();
-        EXPECT_EQ(window.shell()->statusLine()->history().last().kind, StatusKind::busy);
+        EXPECT_EQ(session.statusLog().current().kind, StatusKind::working);
         ASSERT_TRUE(isDone());
         EXPECT_TRUE(isTold(account.session().message()));
     }

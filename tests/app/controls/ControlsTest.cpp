@@ -1,5 +1,4 @@
 #include "app/controls/Button.h"
-#include "app/controls/StatusLine.h"
 #include "app/controls/fields/SegmentedControl.h"
 #include "app/controls/fields/TextField.h"
 #include "tests/app/Events.h"
@@ -132,39 +131,4 @@ TEST(TextField, tellsAnEditOnceWhenItEndsAndNothingWhenShown)
     EXPECT_EQ(field.text(), u"Primavera"_qs) << "shown again while it is edited";
     field.setText(u"Otoño"_qs);
     EXPECT_EQ(field.text(), u"Otoño"_qs);
-}
-
-TEST(StatusLine, remembersTheLastTenAndOneForAPieceOfWork)
-{
-    StatusLine line;
-    for (int i = 1; i <= 12; ++i)
-        line.setStatus({StatusKind::ok, u"Frase %1"_qs.arg(i)});
-    ASSERT_EQ(line.history().size(), 10);
-    EXPECT_EQ(line.history().first().sentence, u"Frase 3"_qs);
-    for (int i = 1; i <= 5; ++i)
-        line.setStatus({StatusKind::busy, u"Exportando %1 de 5"_qs.arg(i), i / 5.0});
-    line.setStatus({StatusKind::ok, u"Hecho"_qs});
-    EXPECT_EQ(line.history().last().sentence, u"Hecho"_qs);
-    EXPECT_EQ(line.history()[8].sentence, u"Exportando 5 de 5"_qs);
-    EXPECT_EQ(line.history()[7].sentence, u"Frase 12"_qs);
-}
-
-TEST(StatusLine, fastStepsAreNotAllAnnouncedButTheOutcomeIs)
-{
-    StatusLine line;
-    line.setStatus({StatusKind::busy, u"Paso 1"_qs, 0.1});
-    line.setStatus({StatusKind::busy, u"Paso 2"_qs, 0.2});
-    EXPECT_EQ(line.accessibleName(), u"Paso 1"_qs);
-    line.setStatus({StatusKind::error, u"No se pudo"_qs});
-    EXPECT_EQ(line.accessibleName(), u"No se pudo"_qs);
-}
-
-TEST(StatusLine, theStopButtonIsThereOnlyForWorkThatCanStop)
-{
-    StatusLine line;
-    const auto* stop = line.findChild<IconButton*>();
-    line.setStatus({StatusKind::busy, u"Exportando"_qs, 0.5, true});
-    EXPECT_FALSE(stop->isHidden());
-    line.setStatus({StatusKind::busy, u"Guardando"_qs, 0.5, false});
-    EXPECT_TRUE(stop->isHidden());
 }

@@ -1,7 +1,6 @@
 #include "app/account/UserAccountButton.h"
 #include "app/controls/ChooserFolder.h"
 #include "app/controls/CostButton.h"
-#include "app/controls/StatusLine.h"
 #include "app/export/ExportButtons.h"
 #include "app/window/TopBar.h"
 #include "platform/PreferencesStore.h"
@@ -124,30 +123,4 @@ TEST(TopBar, everythingHasItsPlaceFromTheNarrowestWindowOn)
         EXPECT_EQ(bar.exports()->current()->text(),
                   width < 1400 ? u"Actual"_s : u"Exportar actual"_s);
     }
-}
-
-TEST(StatusLine, aLinkFollowsTheSentenceAndGoesWithIt)
-{
-    StatusLine line;
-    line.resize(600, 28);
-    line.show();
-    line.activateWindow();
-    settle();
-    QWidget* link = line.focusOrder().first();
-    int pressed = 0, left = 0;
-    QObject::connect(&line, &StatusLine::linkRequested, [&] { ++pressed; });
-    QObject::connect(&line, &StatusLine::leaveRequested, [&] { ++left; });
-    const QString sentence = u"Exportado: foto.png"_s;
-    for (const QString& told : {sentence, sentence.repeated(30)}) {
-        line.setStatus({.kind = StatusKind::ok, .sentence = told, .link = u"Abrir carpeta"_s});
-        EXPECT_TRUE(link->isVisible());
-        EXPECT_TRUE(line.rect().contains(link->geometry()));
-    }
-    EXPECT_EQ(link->accessibleName(), u"Abrir carpeta"_s);
-    link->setFocus(Qt::TabFocusReason);
-    press(*link, link->rect().center());
-    EXPECT_EQ(pressed, 1);
-    line.setStatus({.sentence = u"Cambio deshecho."_s});
-    EXPECT_FALSE(link->isVisible());
-    EXPECT_EQ(left, 1) << "the keyboard would act on whatever comes next";
 }

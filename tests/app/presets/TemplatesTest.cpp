@@ -1,5 +1,4 @@
 #include "app/account/AuthGateView.h"
-#include "app/controls/StatusLine.h"
 #include "app/controls/fields/LineField.h"
 #include "app/layers/SidePanel.h"
 #include "app/layers/TextPanel.h"
@@ -10,6 +9,7 @@
 #include "app/presets/TemplatesPanel.h"
 #include "app/stage/StagePanel.h"
 #include "app/window/MainWindow.h"
+#include "app/window/StatusLine.h"
 #include "app/window/StudioShell.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "platform/PhotoCache.h"
@@ -142,8 +142,9 @@ TEST_F(TemplatesTest, OpenWithTheFirstPhotosAlone)
     EXPECT_EQ(side()->tab(), SideTab::templates);
     side()->setTab(SideTab::text);
     bool stood = false;
-    QObject::connect(&session, &StudioSession::importChanged, &window, [&] {
-        if (!session.isImporting() || session.importProgress().accepted.isEmpty())
+    QObject::connect(&session, &StudioSession::activityChanged, &window, [&] {
+        const Activity* import = session.activities().find(Activity::Kind::importing);
+        if (!import || import->incoming.isEmpty())
             return;
         stood = true;
         EXPECT_TRUE(window.shell()->isStage(StudioShell::Stage::empty))

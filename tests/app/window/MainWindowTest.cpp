@@ -4,7 +4,6 @@
 #include "app/batch/BatchBinding.h"
 #include "app/batch/BatchColumn.h"
 #include "app/controls/CostButton.h"
-#include "app/controls/StatusLine.h"
 #include "app/controls/fields/SegmentedControl.h"
 #include "app/controls/fields/SliderField.h"
 #include "app/controls/fields/SlotEditor.h"
@@ -16,6 +15,8 @@
 #include "app/layers/TextPanel.h"
 #include "app/stage/StagePanel.h"
 #include "app/stage/ViewBar.h"
+#include "app/window/StatusBinding.h"
+#include "app/window/StatusLine.h"
 #include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"
 #include "canvas/interaction/CanvasInteractionView.h"
@@ -116,18 +117,19 @@ protected:
         session.exportItem(session.batch().items[1].id, m_data.filePath(u"f1.png"_s));
         ASSERT_TRUE(QTest::qWaitFor(
             [this] {
-                return session.exportProgress() &&
-                       session.exportProgress()->stage == ExportProgress::Stage::charging;
+                const Activity* running = activity(Activity::Kind::exporting);
+                return running && !running->fraction();
             },
             30000));
     }
     QStringList told()
     {
         QStringList sentences;
-        for (const Status& status : window.shell()->statusLine()->history())
-            sentences.append(status.sentence);
+        for (const StatusEntry& entry : session.statusLog().entries())
+            sentences.append(entry.sentence);
         return sentences;
     }
+    const Activity* activity(Activity::Kind kind) { return session.activities().find(kind); }
 
     QTemporaryDir m_folder, m_data;
     std::shared_ptr<PhotoCache> m_photos =
@@ -148,7 +150,7 @@ TEST_F(MainWindowTest, anImportFillsTheColumnAndTheStage)
     EXPECT_EQ(grid()->keptPictures(), 5);
     EXPECT_TRUE(grid()->tiles()[0].current);
     EXPECT_TRUE(window.shell()->stage()->isVisible());
-    EXPECT_EQ(window.shell()->statusLine()->history().last().sentence, session.status());
+    EXPECT_EQ(window.shell()->statusLine()->accessibleName(), session.status());
 }
 
 TEST_F(MainWindowTest, tileAndSlotWarnAlikeAlsoWithoutTheColumn)
@@ -260,9 +262,12 @@ TEST_F(MainWindowTest, aBatchThatTheColumnDoesNotShowIsNotChangedFromIt)
     const Batch before = session.batch();
     const QUrl more = photos(60);
     session.load({more});
-    ASSERT_TRUE(
-        QTest::qWaitFor([this] { return !session.importProgress().accepted.isEmpty(); }, 30000));
-    ASSERT_TRUE(session.isImporting());
+    ASSERT_TRUE(QTest::qWaitFor(
+        [this] {
+            const Activity* import = activity(Activity::Kind::importing);
+            return import && !import->incoming.isEmpty();
+        },
+        30000));
     Q_EMIT window.shell()->batchColumn()->clicked(0, Qt::ControlModifier);
     Q_EMIT window.shell()->batchColumn()->discardRequested();
     Q_EMIT window.shell()->batchColumn()->selectAllRequested();
@@ -275,7 +280,7 @@ TEST_F(MainWindowTest, aBatchThatTheColumnDoesNotShowIsNotChangedFromIt)
     EXPECT_FALSE(chooser());
     EXPECT_EQ(session.batch(), before);
     EXPECT_FALSE(grid()->tiles()[0].current);
-    session.stopImport();
+    session.activities().stop(Activity::Kind::importing);
     settle();
     EXPECT_EQ(grid()->tiles().size(), 12);
     EXPECT_TRUE(grid()->tiles()[0].current);
@@ -662,8 +667,8 @@ TEST_F(MainWindowTest, whatIsExportedIsSettledWhenTheChooserOpens)
     session.selectSingleIndex(3);
     choose(m_data.path() + u"/."_s);
     ASSERT_TRUE(session.isExporting());
-    EXPECT_EQ(session.exportProgress()->total, 3);
-    session.stopExport();
+    EXPECT_EQ(activity(Activity::Kind::exporting)->total, 3);
+    session.activities().stop(Activity::Kind::exporting);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !session.isExporting(); }, 30000));
 }
 
@@ -757,7 +762,7 @@ TEST_F(MainWindowTest, exportsAreOfferedForWhatIsSelected)
     EXPECT_EQ(entry(u"Exportar todo…"_s)->text(), u"Exportar todo…"_s);
     const auto* exports = window.shell()->topBar()->exports();
     const auto costs = [&] {
-        EXPECT_TRUE(QTest::qWaitFor([&] { return session.areCostsUpToDate(); }, 30000));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return session.exports().areCostsUpToDate(); }, 30000));
         return std::pair(exports->current()->cost().credits, exports->several()->cost().credits);
     };
     EXPECT_EQ(costs(), std::pair(std::optional<qint64>(50), std::optional<qint64>(200)));
@@ -820,7 +825,7 @@ TEST_F(MainWindowTest, stoppingWhileItIsPaidGivesTheCreditsBack)
     account.release();
     EXPECT_TRUE(QTest::qWaitFor([this] { return !session.isExporting(); }, 30000));
     EXPECT_FALSE(QFile::exists(m_data.filePath(u"f1.png"_s)));
-    EXPECT_FALSE(session.isPaid(session.batch().items[1].id));
+    EXPECT_FALSE(session.exports().isPaid(session.batch().items[1].id));
     EXPECT_TRUE(std::ranges::any_of(account.log(), [](const QByteArray& request) {
         return request.startsWith("POST /api/credits/social-copy/refund");
     }));
@@ -869,8 +874,7 @@ TEST_F(MainWindowTest, anExportIsShownFromItsBeginningToItsFiles)
     });
     holdAtCharging();
     EXPECT_FALSE(exports->current()->isEnabled());
-    EXPECT_EQ(line->history().last().kind, StatusKind::busy);
-    EXPECT_FALSE(line->history().last().progress) << "nobody knows how long it takes";
+    EXPECT_EQ(session.statusLog().current().kind, StatusKind::working);
     account.release();
     EXPECT_TRUE(QTest::qWaitFor([&] { return link->isVisible(); }, 30000));
     EXPECT_TRUE(exports->current()->isEnabled());
@@ -895,8 +899,8 @@ TEST_F(MainWindowTest, whatElseIsToldDuringAnExportStaysAndLeavesItsBar)
     StatusLine* line = window.shell()->statusLine();
     const QWidget* stop = line->focusOrder().last();
     holdAtCharging();
-    session.setStatus(u"No se pudo guardar."_s, StatusTone::failure);
-    EXPECT_EQ(line->history().last().kind, StatusKind::error);
+    session.setStatus(u"No se pudo guardar."_s, StatusKind::error);
+    EXPECT_EQ(session.statusLog().current().kind, StatusKind::error);
     EXPECT_TRUE(stop->isVisible());
     account.session().refresh();
     account.release();
@@ -921,7 +925,7 @@ TEST_F(MainWindowTest, aFolderThatIsGoneIsNotOpened)
     FolderOpener opener;
     const QTemporaryDir folder;
     QWidget* link = window.shell()->statusLine()->focusOrder().first();
-    session.setStatus(u"Exportada."_s, StatusTone::done, {.folder = folder.path()});
+    session.setStatus(u"Exportada."_s, StatusKind::done, {.folder = folder.path()});
     press(*link, link->rect().center());
     EXPECT_EQ(opener.opened, QStringList{folder.path()});
     ASSERT_TRUE(QDir(folder.path()).removeRecursively());
@@ -939,10 +943,10 @@ TEST_F(MainWindowTest, wantOfCreditsLeadsToBuyingThem)
     EXPECT_TRUE(QTest::qWaitFor([&] { return !account.session().isWorking(); }, 30000));
     session.exportAll(m_data.path());
     EXPECT_TRUE(QTest::qWaitFor([&] { return !session.isExporting(); }, 30000));
-    const Status last = window.shell()->statusLine()->history().last();
+    const StatusEntry last = session.statusLog().current();
     EXPECT_EQ(last.sentence, u"Necesitas 150 créditos para descargar estas imágenes."_s);
-    EXPECT_EQ(last.link, u"Comprar créditos"_s);
     QWidget* link = window.shell()->statusLine()->focusOrder().first();
+    EXPECT_EQ(link->accessibleName(), u"Comprar créditos"_s);
     press(*link, link->rect().center());
     EXPECT_EQ(session.accountPanel(), AccountPanelDestination::credits);
 }
@@ -965,7 +969,7 @@ TEST_F(MainWindowTest, closingDoesNotWaitForEver)
     session.load({photos(3)});
     settle();
     holdAtCharging();
-    window.exports().setLongestWait(std::chrono::milliseconds(50));
+    window.status().setLongestWait(std::chrono::milliseconds(50));
     window.close();
     EXPECT_TRUE(window.isVisible());
     EXPECT_TRUE(QTest::qWaitFor([this] { return !window.isVisible(); }, 4000));

@@ -1,7 +1,6 @@
 #include "app/window/StudioShell.h"
 #include "app/batch/BatchColumn.h"
 #include "app/controls/Button.h"
-#include "app/controls/StatusLine.h"
 #include "app/controls/fields/SegmentedControl.h"
 #include "app/copy/ComposeBar.h"
 #include "app/layers/SidePanel.h"
@@ -9,6 +8,7 @@
 #include "app/stage/StagePanel.h"
 #include "app/theme/Theme.h"
 #include "app/window/DropVeil.h"
+#include "app/window/StatusLine.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "tests/app/Events.h"
 

@@ -4,7 +4,6 @@
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
-using Changes = StudioHistory::Changes;
 
 namespace {
 
@@ -22,12 +21,12 @@ struct Studio {
     StudioHistory::Time now{};
     Batch current = state(0);
 
-    void change(int to, Changes changes, std::chrono::milliseconds after = 0ms)
+    void change(int to, const Step& step, std::chrono::milliseconds after = 0ms)
     {
         now += after;
         const Batch before = current;
         current = state(to);
-        history.registerUndo(before, current, changes, now);
+        history.registerUndo(before, current, step, now);
     }
     bool undo()
     {
@@ -49,7 +48,7 @@ TEST(StudioHistory, keepsTheLastTwentySteps)
 {
     Studio studio;
     for (int i = 1; i <= 25; ++i)
-        studio.change(i, Changes::single);
+        studio.change(i, Step::own());
     int steps = 0;
     while (studio.undo())
         ++steps;
@@ -64,10 +63,10 @@ TEST(StudioHistory, keepsTheLastTwentySteps)
 TEST(StudioHistory, mergesContinuousChangesByTheGapBetweenThem)
 {
     Studio studio;
-    studio.change(1, Changes::continuous);
+    studio.change(1, Step::joined());
     for (int i = 2; i < 10; ++i)
-        studio.change(i, Changes::continuous, 790ms);    // long in all, without a pause
-    studio.change(10, Changes::continuous, 800ms);    // exactly 800 ms later is too late to merge
+        studio.change(i, Step::joined(), 790ms);    // long in all, without a pause
+    studio.change(10, Step::joined(), 800ms);       // exactly 800 ms later is too late to merge
     ASSERT_TRUE(studio.undo());
     EXPECT_EQ(studio.current, state(9));
     ASSERT_TRUE(studio.undo());
@@ -75,9 +74,9 @@ TEST(StudioHistory, mergesContinuousChangesByTheGapBetweenThem)
     EXPECT_FALSE(studio.undo());
 
     studio = {};
-    studio.change(1, Changes::single);
-    studio.change(2, Changes::continuous, 100ms);    // is not merged with a single change
-    studio.change(3, Changes::single, 100ms);
+    studio.change(1, Step::own());
+    studio.change(2, Step::joined(), 100ms);    // is not merged with a single change
+    studio.change(3, Step::own(), 100ms);
     ASSERT_TRUE(studio.undo());
     EXPECT_EQ(studio.current, state(2));
     ASSERT_TRUE(studio.undo());
@@ -87,14 +86,14 @@ TEST(StudioHistory, mergesContinuousChangesByTheGapBetweenThem)
 TEST(StudioHistory, aNewChangeEndsTheWayForward)
 {
     Studio studio;
-    studio.change(1, Changes::continuous);
-    studio.change(2, Changes::single);
+    studio.change(1, Step::joined());
+    studio.change(2, Step::own());
     studio.undo();
     EXPECT_TRUE(studio.history.canRedo());
-    studio.change(1, Changes::single);    // changes nothing
+    studio.change(1, Step::own());    // changes nothing
     EXPECT_TRUE(studio.history.canRedo());
     // The undo ended the continuous changes: one that follows at once is a step of its own.
-    studio.change(3, Changes::continuous, 100ms);
+    studio.change(3, Step::joined(), 100ms);
     EXPECT_FALSE(studio.history.canRedo());
     studio.undo();
     EXPECT_EQ(studio.current, state(1));
@@ -103,14 +102,14 @@ TEST(StudioHistory, aNewChangeEndsTheWayForward)
 TEST(StudioHistory, aGestureIsOneStepAndAnUndoInItEndsIt)
 {
     Studio studio;
-    studio.change(1, Changes::single);
+    studio.change(1, Step::own());
     studio.history.beginCanvasEdit(studio.current);
-    studio.change(2, Changes::continuous);
+    studio.change(2, Step::joined());
     studio.history.beginCanvasEdit(studio.current);
-    studio.change(3, Changes::continuous, 2s);
+    studio.change(3, Step::joined(), 2s);
     const auto before = studio.history.endCanvasEdit();
     ASSERT_EQ(before, state(1));
-    studio.history.registerUndo(*before, studio.current, Changes::single, studio.now);
+    studio.history.registerUndo(*before, studio.current, Step::own(), studio.now);
     EXPECT_EQ(studio.history.endCanvasEdit(), std::nullopt);
     studio.undo();
     EXPECT_EQ(studio.current, state(1));
@@ -118,5 +117,26 @@ TEST(StudioHistory, aGestureIsOneStepAndAnUndoInItEndsIt)
     studio.history.beginCanvasEdit(studio.current);
     studio.undo();
     EXPECT_FALSE(studio.history.isCanvasEditActive());
+    EXPECT_EQ(studio.current, state(0));
+}
+
+TEST(StudioHistory, aRunIsOneStepHoweverLongUntilSomethingElseChangesTheBatch)
+{
+    Studio studio;
+    studio.change(1, Step::joined());
+    const Step run = Step::run(), other = Step::run();
+    studio.change(2, run, 100ms);    // typing just before is no part of it
+    studio.change(3, run, 5min);
+    studio.change(4, other, 100ms);
+    studio.change(5, Step::joined(), 100ms);
+    studio.change(6, other, 100ms);
+    studio.change(7, other, 5min);
+    for (const int before : {5, 4, 3, 1, 0}) {
+        ASSERT_TRUE(studio.undo());
+        EXPECT_EQ(studio.current, state(before));
+    }
+    EXPECT_FALSE(studio.undo());
+    studio.change(8, other, 100ms);    // what was undone is not gone on with
+    ASSERT_TRUE(studio.undo());
     EXPECT_EQ(studio.current, state(0));
 }

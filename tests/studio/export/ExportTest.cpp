@@ -38,9 +38,9 @@ TEST_F(ExportTest, ARenderIsPaidOnceAndAnEditedOneAnew)
     EXPECT_EQ(studio->prices(), Prices(50, 150));
     EXPECT_EQ(studio->exportCurrent(), u"Exportado: una.png"_s);
     EXPECT_EQ(world.charged(), 50);
-    EXPECT_EQ(session().statusLink().folder, world.file(u"salida"_s));
+    EXPECT_EQ(session().statusLog().current().link.folder, world.file(u"salida"_s));
     EXPECT_EQ(studio->prices(), Prices(0, 100));
-    EXPECT_TRUE(session().isPaid(session().batch().items[0].id));
+    EXPECT_TRUE(session().exports().isPaid(session().batch().items[0].id));
 
     EXPECT_EQ(studio->exportAll(), u"Exportadas 3 imágenes. Coste: 100 créditos."_s);
     EXPECT_EQ(studio->exportAll(), u"Exportadas 3 imágenes. Sin coste adicional."_s);
@@ -59,7 +59,7 @@ TEST_F(ExportTest, ARenderIsPaidOnceAndAnEditedOneAnew)
     session().selectItem(1, Qt::ShiftModifier);
     session().setText(CopySlot::title, u"Otro más"_s);
     EXPECT_EQ(studio->prices(), Prices(50, 50));
-    EXPECT_EQ(session().exportIndices(), QList<int>({0, 1}));
+    EXPECT_EQ(session().exports().exportIndices(), QList<int>({0, 1}));
 
     restart();
     EXPECT_EQ(studio->prices(), Prices(50, 50)) << "after a restart";
@@ -80,16 +80,16 @@ TEST_F(ExportTest, WhatCannotBePaidOrPreparedCostsNothing)
 
     world.leaveCredits(40);
     EXPECT_EQ(studio->exportCurrent(), u"No tienes créditos suficientes."_s) << "says the service";
-    EXPECT_TRUE(session().statusLink().isPurchase);
+    EXPECT_TRUE(session().statusLog().current().link.isPurchase);
     EXPECT_TRUE(turnUntil([&] { return studio->account.account().balance == 40; }));
     // Known from now on, and told before anything is drawn.
     bool isDrawing = false;
-    QObject::connect(&session(), &StudioSession::exportChanged, [&] {
-        const auto& progress = session().exportProgress();
-        isDrawing = isDrawing || (progress && progress->done > 0);
+    QObject::connect(&session(), &StudioSession::activityChanged, [&] {
+        const Activity* running = session().activities().find(Activity::Kind::exporting);
+        isDrawing = isDrawing || (running && running->done > 0);
     });
     EXPECT_EQ(studio->exportCurrent(), u"Necesitas 50 créditos para descargar esta imagen."_s);
-    EXPECT_TRUE(session().statusLink().isPurchase);
+    EXPECT_TRUE(session().statusLog().current().link.isPurchase);
     EXPECT_EQ(studio->exportAll(), u"Necesitas 150 créditos para descargar estas imágenes."_s);
     EXPECT_FALSE(isDrawing);
     EXPECT_EQ(world.exported(), QStringList());
@@ -104,11 +104,11 @@ TEST_F(ExportTest, APhotoThatChangedOrWentCountsAsNotRenderable)
     studio->exportAll();
     EXPECT_EQ(studio->prices(), Prices(0, 0));
     world.photo(u"b.png"_s, Qt::yellow);
-    session().lookAtPhotos();
+    session().exports().lookAtPhotos();
     EXPECT_TRUE(turnUntil([&] { return session().displayedExportAllCost() == 150; }));
     EXPECT_EQ(session().displayedExportCurrentCost(), 0);
     world.photo(u"b.png"_s, Qt::red);
-    session().lookAtPhotos();
+    session().exports().lookAtPhotos();
     EXPECT_TRUE(turnUntil([&] { return session().displayedExportAllCost() == 0; }));
 }
 
@@ -144,13 +144,13 @@ TEST_F(ExportTest, AStoppedExportCostsNothing)
     EXPECT_TRUE(killed.open(QIODevice::WriteOnly));
     session().exportAll(world.file(u"salida"_s));
     EXPECT_TRUE(session().isExporting());
-    session().stopExport();
+    session().activities().stop(Activity::Kind::exporting);
     EXPECT_EQ(studio->ended(), u"Exportación detenida."_s);
     EXPECT_TRUE(world.ledger().isEmpty());
 
     studio->journal.stepReached = [&](const char* step) {
         if (QByteArrayView(step) == "wrote")
-            session().stopExport();
+            session().activities().stop(Activity::Kind::exporting);
     };
     EXPECT_EQ(studio->exportAll(), u"Exportación detenida. Se han devuelto los 150 créditos."_s);
     EXPECT_EQ(world.exported(), QStringList({u"a-publicacion.png"_s}));

@@ -329,7 +329,7 @@ private:
         const Batch& batch = studio.session.batch();
         const auto [current, all] = studio.prices();
         const int drawnCurrent = oracle.price(batch, {batch.selectedIndex});
-        const int drawnAll = oracle.price(batch, studio.session.exportIndices());
+        const int drawnAll = oracle.price(batch, studio.session.exports().exportIndices());
         EXPECT_GE(current, drawnCurrent);
         EXPECT_GE(all, drawnAll);
         if (!isCovered) {
@@ -342,7 +342,7 @@ private:
     {
         const Batch batch = studio.session.batch();
         const QList<int> indices =
-            isSingle ? QList<int>{batch.selectedIndex} : studio.session.exportIndices();
+            isSingle ? QList<int>{batch.selectedIndex} : studio.session.exports().exportIndices();
         const qint64 price = oracle.price(batch, indices), before = world.balance();
         const QString told = isSingle ? studio.exportCurrent() : studio.exportAll();
         EXPECT_TRUE(told.startsWith(u"Exportad"_s)) << told.toStdString();

@@ -1,11 +1,14 @@
-#include "app/controls/StatusLine.h"
+#include "app/window/StatusLine.h"
 
 #include "app/controls/Button.h"
 #include "app/controls/ProgressBar.h"
 
 #include <QHelpEvent>
 #include <QListWidget>
+#include <QLocale>
 #include <QMouseEvent>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTextLayout>
 #include <QToolTip>
 
@@ -13,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int statusLineHeight = 28, statusSide = 16, historyLength = 10;
+constexpr int statusLineHeight = 28, statusSide = 16;
 constexpr int sentenceLeft = statusSide + 24, linkGap = 8;
 constexpr int widestHistory = 720, statusMostRows = 6;    // of a sentence in the history
 constexpr int announcePause = 3000, statusTurnTime = 1000, statusFrameTime = 33;    // ms
@@ -24,11 +27,11 @@ struct KindRow {
     QColor Theme::*color;
 };
 constexpr std::array kinds{
-    KindRow{StatusKind::info, Icon::info, &Theme::text2},
-    KindRow{StatusKind::ok, Icon::done, &Theme::ok},
+    KindRow{StatusKind::note, Icon::info, &Theme::text2},
+    KindRow{StatusKind::done, Icon::done, &Theme::ok},
     KindRow{StatusKind::warning, Icon::alert, &Theme::warn},
     KindRow{StatusKind::error, Icon::alert, &Theme::err},
-    KindRow{StatusKind::busy, Icon::none, &Theme::accentLine},
+    KindRow{StatusKind::working, Icon::none, &Theme::accentLine},
 };
 constexpr const KindRow& row(StatusKind kind)
 {
@@ -39,10 +42,20 @@ static_assert(std::ranges::all_of(kinds, [](const auto& r) { return &row(r.kind)
 void paintState(QPainter& painter, const QRectF& box, StatusKind kind, const Theme& theme,
                 double turn)
 {
-    if (kind == StatusKind::busy)
+    if (kind == StatusKind::working)
         paintSpinner(painter, box.adjusted(2, 2, -2, -2), theme.line2, theme.accentLine, turn, 1.8);
     else
         paintIcon(painter, row(kind).icon, box, 16, theme.*row(kind).color);
+}
+
+// Where a sentence leads, as a button says it; empty for nowhere.
+QString wordOf(const StatusLink& link)
+{
+    if (link.isPurchase)
+        return u"Comprar créditos"_s;
+    if (!link.folder.isEmpty())
+        return u"Abrir carpeta"_s;
+    return link.details.isEmpty() ? QString() : u"Ver cuáles"_s;
 }
 
 // A sentence broken into rows; the last one may be longer than the width.
@@ -88,48 +101,51 @@ protected:
     }
 };
 
-// The last sentences, the newest at the bottom.
-class HistoryPopover : public LinePopover {
+// Sentences with their times, the newest at the bottom.
+class HistoryRows : public QWidget {
 public:
-    // `room`: what it may take at most. The oldest sentences that find none are left out.
-    HistoryPopover(const QList<Status>& history, QSize room, QWidget* parent) : LinePopover(parent)
+    // No wider than `mostWidth`.
+    HistoryRows(const QList<StatusEntry>& history, int mostWidth, QWidget* parent) : QWidget(parent)
     {
-        setFocusPolicy(Qt::StrongFocus);
-        setFocus();
-        double widest = 200;
-        QStringList sentences;
-        for (const Status& status : history) {
-            widest = std::max(widest, textWidth(Type::small, status.sentence));
-            sentences.append(status.sentence);
+        double widest = 200, widestTime = 0;
+        for (const StatusEntry& told : history) {
+            widest = std::max(widest, textWidth(Type::small, told.sentence));
+            widestTime = std::max(widestTime, textWidth(Type::small, timeOf(told)));
         }
-        setAccessibleName(sentences.join(u'\n'));
-        const int width = std::min(room.width(), qCeil(widest) + textLeft + textRight);
+        m_timeWidth = qCeil(widestTime);
+        const int width = std::min(mostWidth, qCeil(widest) + textLeft + textRight());
         int height = 2 * edge;
-        for (auto status = history.crbegin(); status != history.crend(); ++status) {
-            const Entry entry{status->kind, rowsOf(status->sentence, width - textLeft - textRight)};
-            if (!m_entries.isEmpty() && height + entry.height() > room.height())
-                break;
+        for (const StatusEntry& told : history) {
+            // What was under way is over by the time that another sentence follows.
+            const bool isOver = told.kind == StatusKind::working && told.isOutdated;
+            const Entry entry{isOver ? StatusKind::note : told.kind,
+                              rowsOf(told.sentence, width - textLeft - textRight()), timeOf(told)};
             height += entry.height();
-            m_entries.prepend(entry);
+            m_entries.append(entry);
         }
         resize(width, height);
     }
+    QString spoken() const
+    {
+        QStringList sentences;
+        for (const Entry& entry : m_entries)
+            sentences.append(entry.time + u' ' + entry.rows.join(QString()));
+        return sentences.join(u'\n');
+    }
 
 protected:
-    void paintEvent(QPaintEvent* event) override
+    void paintEvent(QPaintEvent*) override
     {
-        LinePopover::paintEvent(event);
         const Theme& theme = themeOf(this);
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         int top = edge;
         for (const Entry& entry : m_entries) {
             const bool newest = &entry == &m_entries.last();
-            // What was under way is over by the time another sentence follows.
-            const StatusKind kind =
-                entry.kind == StatusKind::busy && !newest ? StatusKind::info : entry.kind;
-            paintState(painter, QRectF(12, top + entryMargin, 16, 16), kind, theme, 0);
-            QRectF row(textLeft, top + entryMargin, width() - textLeft - textRight, rowHeight);
+            paintState(painter, QRectF(12, top + entryMargin, 16, 16), entry.kind, theme, 0);
+            QRectF row(textLeft, top + entryMargin, width() - textLeft - textRight(), rowHeight);
+            paintText(painter, QRectF(row.right() + timeGap, row.y(), m_timeWidth, rowHeight),
+                      Qt::AlignRight, Type::small, theme.text3, entry.time, Qt::ElideNone);
             for (const QString& text : entry.rows) {
                 paintText(painter, row, Qt::AlignLeft, Type::small,
                           newest ? theme.text : theme.text2, text);
@@ -140,14 +156,59 @@ protected:
     }
 
 private:
-    static constexpr int edge = 8, textLeft = 36, textRight = 12, entryMargin = 5;
+    static constexpr int edge = 8, textLeft = 36, entryMargin = 5, timeGap = 16;
     static constexpr int rowHeight = row(Type::small).lineHeight;
     struct Entry {
         StatusKind kind;
         QStringList rows;
+        QString time;
         int height() const { return int(rows.size()) * rowHeight + 2 * entryMargin; }
     };
+    static QString timeOf(const StatusEntry& told)
+    {
+        const bool isOfToday = told.time.date() == QDate::currentDate();
+        return QLocale(QLocale::Spanish)
+            .toString(told.time, isOfToday ? u"HH:mm"_s : u"d MMM HH:mm"_s);
+    }
+    int textRight() const { return timeGap + m_timeWidth + 12; }
+
     QList<Entry> m_entries;
+    int m_timeWidth = 0;
+};
+
+// What was told, to scroll through where it finds no room.
+class HistoryPopover : public LinePopover {
+public:
+    // `room`: what it may take at most.
+    HistoryPopover(const QList<StatusEntry>& history, QSize room, QWidget* parent)
+        : LinePopover(parent)
+    {
+        auto* rows = new HistoryRows(history, room.width() - scrollBarRoom, this);
+        auto* area = new QScrollArea(this);
+        area->setAccessibleName(rows->spoken());
+        area->setFrameShape(QFrame::NoFrame);
+        area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        area->viewport()->setAutoFillBackground(false);
+        area->setWidget(rows);
+        rows->setAutoFillBackground(false);
+        const bool scrolls = rows->height() > room.height();
+        resize(rows->width() + (scrolls ? scrollBarRoom : 0),
+               std::min(rows->height(), room.height()));
+        area->setGeometry(rect());
+        setFocusProxy(area);
+    }
+
+protected:
+    // The layout of the scroll bar is settled when it is shown.
+    void showEvent(QShowEvent* event) override
+    {
+        LinePopover::showEvent(event);
+        for (QScrollBar* bar : findChildren<QScrollBar*>())
+            bar->setValue(bar->maximum());
+    }
+
+private:
+    static constexpr int scrollBarRoom = 16;
 };
 
 // A list to scroll through.
@@ -236,23 +297,21 @@ StatusLine::StatusLine(QWidget* parent)
     });
 }
 
-void StatusLine::setStatus(const Status& status)
+void StatusLine::setStatus(const StatusEntry& told, const std::optional<Activity>& underWay)
 {
-    if (status == m_status)
-        return;
-    const bool sameSentence = status.sentence == m_status.sentence && status.kind == m_status.kind;
-    m_status = status;
-    const bool busy = status.kind == StatusKind::busy;
+    const bool isSame = told.sentence == m_told.sentence && told.kind == m_told.kind;
+    m_told = told;
+    m_underWay = underWay;
+    const bool isStep = told.kind == StatusKind::working;
     showParts();
-    if (busy)
+    if (isStep)
         m_spin.start();
     else
         m_spin.stop();
-    if (!sameSentence) {
-        remember(status);
-        // Fast work would talk without end: while busy, one name in three seconds.
+    if (!isSame) {
+        // Fast work would talk without end: while it goes on, one name in three seconds.
         const qint64 since = m_announced.isValid() ? m_announced.elapsed() : announcePause;
-        if (busy && since < announcePause)
+        if (isStep && since < announcePause)
             m_announceLater.start(int(announcePause - since));
         else
             announce();
@@ -263,19 +322,19 @@ void StatusLine::setStatus(const Status& status)
 
 void StatusLine::showParts()
 {
-    const bool isUnderWay = m_status.isUnderWay();
-    const bool hasLink = !m_status.link.isEmpty();
-    const bool stops = isUnderWay && m_status.stoppable;
+    const QString link = wordOf(m_told.link);
+    const bool hasLink = !link.isEmpty();
+    const bool stops = m_underWay && m_underWay->stop;
     // The one that the window remembers, whether it is active or not.
     const QWidget* focused = window()->focusWidget();
     const bool losesFocus = (focused == m_link && !hasLink) || (focused == m_stop && !stops);
-    m_bar->setValue(m_status.progress);
-    m_bar->setVisible(isUnderWay);
+    m_bar->setValue(m_underWay ? m_underWay->fraction() : std::nullopt);
+    m_bar->setVisible(m_underWay.has_value());
     m_stop->setVisible(stops);
-    m_hints->setVisible(!isUnderWay);
+    m_hints->setVisible(!m_underWay);
     if (hasLink) {
-        m_link->setText(m_status.link);
-        m_link->setAccessibleName(m_status.link);
+        m_link->setText(link);
+        m_link->setAccessibleName(link);
     }
     m_link->setVisible(hasLink);
     if (losesFocus)
@@ -287,25 +346,11 @@ QList<QWidget*> StatusLine::focusOrder() const
     return {m_link, m_stop};
 }
 
-void StatusLine::remember(const Status& status)
-{
-    if (status.sentence.isEmpty())
-        return;
-    const bool nextStep =
-        !m_history.isEmpty() && m_history.last().kind == StatusKind::busy &&
-        (status.kind == StatusKind::busy || status.sentence == m_history.last().sentence);
-    if (nextStep)
-        m_history.removeLast();
-    m_history.append(status);
-    if (m_history.size() > historyLength)
-        m_history.removeFirst();
-}
-
 void StatusLine::announce()
 {
     m_announceLater.stop();
     m_announced.start();
-    setAccessibleName(m_status.sentence);
+    setAccessibleName(m_told.sentence);
 }
 
 void StatusLine::setKeyHints(const QList<KeyHint>& hints)
@@ -331,7 +376,7 @@ void StatusLine::place()
     const int hints = std::min(m_hints->sizeHint().width(), width() / 2);
     m_hints->setGeometry(width() - statusSide - hints, (height() - 20) / 2 + 1, hints, 20);
     const QSize link = m_link->sizeHint();
-    const int after = sentenceLeft + qCeil(textWidth(Type::small, m_status.sentence)) + linkGap;
+    const int after = sentenceLeft + qCeil(textWidth(Type::small, m_told.sentence)) + linkGap;
     const int left = std::max(sentenceLeft, std::min(after, sentenceEnd() - link.width()));
     m_link->setGeometry(QRect(QPoint(left, (height() - link.height()) / 2 + 1), link));
 }
@@ -354,12 +399,12 @@ void StatusLine::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(rect(), theme.panel);
     painter.fillRect(0, 0, width(), 1, theme.line);
-    if (!m_status.sentence.isEmpty())
-        paintState(painter, QRectF(statusSide, (height() - 16) / 2.0 + 1, 16, 16), m_status.kind,
+    if (!m_told.sentence.isEmpty())
+        paintState(painter, QRectF(statusSide, (height() - 16) / 2.0 + 1, 16, 16), m_told.kind,
                    theme, m_turn);
-    paintText(painter, sentenceRect(), Qt::AlignLeft, Type::small, theme.text2, m_status.sentence);
-    if (!m_bar->isHidden() && m_status.progress) {
-        const int percent = qRound(std::clamp(*m_status.progress, 0.0, 1.0) * 100);
+    paintText(painter, sentenceRect(), Qt::AlignLeft, Type::small, theme.text2, m_told.sentence);
+    if (const auto fraction = m_underWay ? m_underWay->fraction() : std::nullopt) {
+        const int percent = qRound(std::clamp(*fraction, 0.0, 1.0) * 100);
         paintText(painter, QRectF(m_bar->geometry().right() + 1, 1, 38, height() - 1),
                   Qt::AlignRight, Type::small, theme.text2, u"%1 %"_qs.arg(percent), Qt::ElideNone);
     }
@@ -371,13 +416,13 @@ bool StatusLine::event(QEvent* event)
     if (event->type() != QEvent::ToolTip)
         return QWidget::event(event);
     const auto* help = static_cast<QHelpEvent*>(event);
-    const bool isCut = textWidth(Type::small, m_status.sentence) > sentenceRect().width();
+    const bool isCut = textWidth(Type::small, m_told.sentence) > sentenceRect().width();
     if (!isCut || !sentenceRect().contains(help->pos())) {
         QToolTip::hideText();
     } else {
         // As rich text, which alone is broken into lines: a sentence may be longer than the screen.
         QToolTip::showText(help->globalPos(),
-                           u"<qt>%1</qt>"_qs.arg(m_status.sentence.toHtmlEscaped()), this,
+                           u"<qt>%1</qt>"_qs.arg(m_told.sentence.toHtmlEscaped()), this,
                            sentenceRect());
     }
     return true;
@@ -386,14 +431,13 @@ bool StatusLine::event(QEvent* event)
 void StatusLine::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton && sentenceRect().contains(event->position().toPoint()))
-        showHistory();
+        Q_EMIT historyRequested();
 }
 
-void StatusLine::showHistory()
+void StatusLine::showHistory(const QList<StatusEntry>& history)
 {
-    if (m_history.isEmpty())
-        return;
-    popUp(new HistoryPopover(m_history, popoverRoom(), this));
+    if (!history.isEmpty())
+        popUp(new HistoryPopover(history, popoverRoom(), this));
 }
 
 void StatusLine::showDetails(const QStringList& details)

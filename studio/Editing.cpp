@@ -1,0 +1,79 @@
+#include "studio/Editing.h"
+
+#include "studio/batch/BatchSelection.h"
+#include "studio/batch/LayerEdits.h"
+
+#include <QScopedValueRollback>
+
+void Editing::replace(const Batch& batch)
+{
+    m_batch = batch;
+    m_history.clear();
+}
+
+void Editing::change(const Change& apply, const Step& step, Pace pace)
+{
+    const Batch before = m_batch;
+    apply(m_batch);
+    if (m_batch == before) {
+        Q_EMIT changed(Outcome::nothing, pace);
+        return;
+    }
+    const bool isEdit = m_batch.format != before.format || m_batch.objective != before.objective ||
+                        !(m_batch.items == before.items);
+    if (isEdit)
+        registerUndo(before, m_run.value_or(step));
+    Q_EMIT changed(isEdit ? Outcome::edit : Outcome::selection, pace);
+}
+
+void Editing::bringBack(const Change& apply, const Step& run)
+{
+    Q_EMIT aboutToMove();
+    endCanvasHistoryEdit({});
+    const QScopedValueRollback during(m_run, std::optional(run));
+    change(apply);
+}
+
+void Editing::registerUndo(const Batch& before, const Step& step)
+{
+    if (m_isRecording && (!m_isApplyingHistory || step.isRun()))
+        m_history.registerUndo(before, m_batch, step, m_clock());
+}
+
+void Editing::beginCanvasHistoryEdit()
+{
+    if (!m_isApplyingHistory)
+        m_history.beginCanvasEdit(m_batch);
+}
+
+void Editing::endCanvasHistoryEdit(QUuid movedLayer)
+{
+    if (!isGestureActive())
+        return;
+    LayerEdits::syncCurrentCanvasEditsToSelectedItems(m_batch, movedLayer);
+    const Batch before = *m_history.endCanvasEdit();
+    if (before == m_batch)
+        return;
+    // What only selected another layer, as a pan that moves nothing does, is no step.
+    if (!(before.items == m_batch.items))
+        registerUndo(before, Step::gesture());
+    Q_EMIT changed(Outcome::state, Pace::once);    // last: who hears of it asks for the step, too
+}
+
+void Editing::applyHistorySnapshot(const StudioHistorySnapshot& snapshot)
+{
+    m_isApplyingHistory = true;
+    m_batch = snapshot;
+    BatchSelection::keepInvariants(m_batch, BatchSelection::LayerRule::anyOrNone);
+    Q_EMIT changed(Outcome::state, Pace::once);
+    // Only when whoever heard of the change is done: what they write back is no new step.
+    QMetaObject::invokeMethod(
+        this, [this] { m_isApplyingHistory = false; }, Qt::QueuedConnection);
+}
+
+void Editing::recordPayments(const StudioHistory::Payments& paid)
+{
+    m_history.recordPayments(paid, m_batch);
+    // Else a later change could join a step from before the payment.
+    m_history.endStep();
+}

@@ -1,0 +1,64 @@
+#include "studio/StudioImports.h"
+
+#include <utility>
+
+namespace {
+
+constexpr std::chrono::milliseconds importStep{30};    // between two reports of an import
+
+}    // namespace
+
+StudioImports::~StudioImports()
+{
+    stop();
+}
+
+void StudioImports::stop()
+{
+    if (const auto control = std::exchange(m_control, nullptr))
+        control->stop = true;
+}
+
+void StudioImports::start(const QList<QUrl>& filesAndFolders)
+{
+    stop();
+    auto control = std::make_shared<PhotoImport::Control>();
+    m_control = control;
+    m_shown.reset();
+    control->progressed = [this,
+                           weak = std::weak_ptr(control)](const PhotoImport::Progress& progress) {
+        // A stopped import says nothing more; one that is not stopped has its owner.
+        if (m_control == weak.lock())
+            show(progress);
+    };
+    run(this, filesAndFolders, m_photos, control);
+}
+
+// Whoever shows the progress looks at every photo of it: with thousands, not at each step.
+void StudioImports::show(const PhotoImport::Progress& progress)
+{
+    const auto now = m_clock();
+    if (m_shown && now - *m_shown < importStep && progress.looked < progress.total)
+        return;
+    m_shown = now;
+    Q_EMIT progressed(progress);
+}
+
+QCoro::Task<> StudioImports::run(QPointer<StudioImports> self, QList<QUrl> urls,
+                                 std::shared_ptr<PhotoCache> photos,
+                                 std::shared_ptr<PhotoImport::Control> control)
+{
+    auto importing = PhotoImport::importPhotos(urls, photos, control);
+    std::optional<PhotoImport::Imported> imported;
+    QString failure;
+    try {
+        imported = co_await importing;
+    } catch (const std::exception& error) {
+        failure = QString::fromLocal8Bit(error.what());
+    }
+    // It may have been replaced by another import, and its owner may be gone by now.
+    if (!self || self->m_control != control)
+        co_return;
+    self->m_control.reset();
+    Q_EMIT self->ended(imported, failure);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "studio/PhotoImport.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <chrono>
+
+// Imports of photos, one at a time: a second takes the place of the first. What comes of one is
+// told by `ended`, unless it was stopped.
+class StudioImports : public QObject {
+    Q_OBJECT
+public:
+    using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
+    StudioImports(std::shared_ptr<PhotoCache> photos, Clock clock)
+        : m_photos(std::move(photos)), m_clock(std::move(clock))
+    {
+    }
+    ~StudioImports() override;
+
+    void start(const QList<QUrl>& filesAndFolders);
+    void stop();
+    bool isRunning() const { return m_control != nullptr; }
+
+Q_SIGNALS:
+    void progressed(const PhotoImport::Progress& progress);
+    // `failure`: why nothing could be imported at all, in the system's words.
+    void ended(const std::optional<PhotoImport::Imported>& imported, const QString& failure);
+
+private:
+    static QCoro::Task<> run(QPointer<StudioImports> self, QList<QUrl> urls,
+                             std::shared_ptr<PhotoCache> photos,
+                             std::shared_ptr<PhotoImport::Control> control);
+    void show(const PhotoImport::Progress& progress);
+
+    std::shared_ptr<PhotoCache> m_photos;
+    std::shared_ptr<PhotoImport::Control> m_control;    // of the import under way
+    Clock m_clock;
+    std::optional<std::chrono::steady_clock::time_point>
+        m_shown;    // when its last report was made
+};
