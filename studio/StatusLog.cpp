@@ -10,7 +10,10 @@ constexpr std::chrono::seconds timeToRead{3};
 
 }    // namespace
 
-StatusLog::StatusLog(Clock clock) : m_clock(std::move(clock)) {}
+StatusLog::StatusLog(Clock clock, Calendar calendar)
+    : m_clock(std::move(clock)), m_calendar(std::move(calendar))
+{
+}
 
 const StatusEntry& StatusLog::current() const
 {
@@ -22,7 +25,7 @@ const StatusEntry& StatusLog::current() const
 
 void StatusLog::append(StatusEntry entry)
 {
-    entry.time = QDateTime::currentDateTime();
+    entry.time = m_calendar();
     entry.told = m_clock();
     m_entries.append(entry);
     if (m_entries.size() > mostEntries)
@@ -46,7 +49,7 @@ void StatusLog::tell(const QString& sentence, StatusKind kind, const StatusLink&
     };
     if (!m_entries.isEmpty() && isAgain(m_entries.last()))
         m_entries.removeLast();
-    outdateWhere([](const StatusEntry& entry) { return entry.kind != StatusKind::working; });
+    outdateWhere([](const StatusEntry& entry) { return !entry.activity; });
     if (!sentence.isEmpty())
         append({.kind = kind, .sentence = sentence, .link = link});
     if (!std::exchange(m_isToldInThisTurn, true)) {
@@ -76,8 +79,7 @@ void StatusLog::outdate()
     if (m_isToldInThisTurn)
         return;
     const bool isOther = outdateWhere([this](const StatusEntry& entry) {
-        return entry.kind != StatusKind::working && !isUnread(entry) &&
-               entry.link.details.isEmpty();
+        return !entry.activity && !isUnread(entry) && entry.link.details.isEmpty();
     });
     if (isOther)
         Q_EMIT changed();

@@ -26,7 +26,7 @@ struct StatusEntry {
     QString sentence = {};
     StatusLink link = {};
     QDateTime time = {};                                // local, when it was told
-    std::chrono::steady_clock::time_point told = {};    // likewise, by the clock of the log
+    std::chrono::steady_clock::time_point told = {};    // the same moment, for the entry's age
     std::optional<Activity::Kind> activity = {};        // of a `working` sentence
     bool isOutdated = false;                            // it says nothing of the present any more
     bool operator==(const StatusEntry&) const = default;
@@ -38,8 +38,10 @@ class StatusLog : public QObject {
     Q_OBJECT
 public:
     using Clock = std::function<std::chrono::steady_clock::time_point()>;
+    using Calendar = std::function<QDateTime()>;
 
-    explicit StatusLog(Clock clock);
+    // `clock` tells the age of sentences: the calendar may be set back.
+    explicit StatusLog(Clock clock, Calendar calendar = &QDateTime::currentDateTime);
 
     // The newest that is not outdated; without a sentence where there is none.
     const StatusEntry& current() const;
@@ -70,6 +72,7 @@ private:
     bool outdateWhere(Matches matches);
 
     Clock m_clock;
+    Calendar m_calendar;
     QList<StatusEntry> m_entries;
     bool m_isToldInThisTurn = false;
 };

@@ -37,7 +37,7 @@ void StudioImports::start(const QList<QUrl>& filesAndFolders)
 // Whoever shows the progress looks at every photo of it: with thousands, not at each step.
 void StudioImports::show(const PhotoImport::Progress& progress)
 {
-    const Time now = m_clock();
+    const auto now = m_clock();
     if (m_shown && now - *m_shown < importStep && progress.looked < progress.total)
         return;
     m_shown = now;

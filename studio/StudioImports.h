@@ -6,16 +6,15 @@
 #include <QPointer>
 
 #include <chrono>
-#include <functional>
 
 // Imports of photos, one at a time: a second takes the place of the first. What comes of one is
 // told by `ended`, unless it was stopped.
 class StudioImports : public QObject {
     Q_OBJECT
 public:
-    using Time = std::chrono::steady_clock::time_point;
+    using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
-    StudioImports(std::shared_ptr<PhotoCache> photos, std::function<Time()> clock)
+    StudioImports(std::shared_ptr<PhotoCache> photos, Clock clock)
         : m_photos(std::move(photos)), m_clock(std::move(clock))
     {
     }
@@ -38,6 +37,7 @@ private:
 
     std::shared_ptr<PhotoCache> m_photos;
     std::shared_ptr<PhotoImport::Control> m_control;    // of the import under way
-    std::function<Time()> m_clock;
-    std::optional<Time> m_shown;    // when it was last reported
+    Clock m_clock;
+    std::optional<std::chrono::steady_clock::time_point>
+        m_shown;    // when its last report was made
 };

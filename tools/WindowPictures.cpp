@@ -1,6 +1,6 @@
 #include "tools/WindowPictures.h"
 
-#include "app/Theme.h"
+#include "app/theme/Theme.h"
 #include "platform/Workers.h"
 
 #include <QApplication>

@@ -96,7 +96,7 @@ TEST_F(SingleInstanceTest, nonsenseOnTheSocketOpensNothing)
     ASSERT_TRUE(socket.waitForConnected());
     socket.write(QByteArray(4, '\x7f') + QByteArray(17 << 20, 'x'));
     EXPECT_TRUE(
-        QTest::qWaitFor([&] { return socket.state() == QLocalSocket::UnconnectedState; }, 10000));
+        QTest::qWaitFor([&] { return socket.state() == QLocalSocket::UnconnectedState; }, 30000));
     EXPECT_EQ(opened.count(), 0);
 }
 

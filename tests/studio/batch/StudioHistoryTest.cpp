@@ -66,7 +66,7 @@ TEST(StudioHistory, mergesContinuousChangesByTheGapBetweenThem)
     studio.change(1, Step::joined());
     for (int i = 2; i < 10; ++i)
         studio.change(i, Step::joined(), 790ms);    // long in all, without a pause
-    studio.change(10, Step::joined(), 800ms);    // exactly 800 ms later is too late to merge
+    studio.change(10, Step::joined(), 800ms);       // exactly 800 ms later is too late to merge
     ASSERT_TRUE(studio.undo());
     EXPECT_EQ(studio.current, state(9));
     ASSERT_TRUE(studio.undo());
