@@ -54,6 +54,12 @@ void StatusBinding::showHistory()
     m_line->showHistory(m_session.statusLog().entries());
 }
 
+bool StatusBinding::canStop() const
+{
+    const Activity* foremost = m_session.activities().foremost();
+    return foremost && foremost->stop;
+}
+
 void StatusBinding::stop()
 {
     if (const Activity* foremost = m_session.activities().foremost())

@@ -16,6 +16,7 @@ public:
     StatusBinding(StudioSession& session, StatusLine* line);
 
     void showHistory();
+    bool canStop() const;
     void stop();    // the foremost activity
     // The window has to wait with closing: what is under way is stopped first. It is asked to close
     // again when that is done, or has taken too long.

@@ -118,11 +118,7 @@ QList<MenuCommand> StudioCommands::fileCommands()
          .text = u"Detener la importación"_s,
          .keys = u"Ctrl+.",
          .run = [this] { m_parts.status.stop(); },
-         .isPossible =
-             [this] {
-                 const Activity* foremost = m_session.activities().foremost();
-                 return foremost && foremost->stop;
-             },
+         .isPossible = [this] { return m_parts.status.canStop(); },
          .wording =
              [isExporting] {
                  return isExporting() ? u"Detener la exportación"_s : u"Detener la importación"_s;
