@@ -88,7 +88,7 @@ public:
     // Why an action of the session was not done.
     int failed(const AccountSession& session) const
     {
-        return failed(session.message(), session.isUnreachable() ? exitNoNetwork
+        return failed(session.outcome(), session.isUnreachable() ? exitNoNetwork
                                          : session.needsSignIn() ? exitNotSignedIn
                                                                  : exitSomeFailed);
     }
@@ -97,7 +97,7 @@ public:
     {
         if (!done)
             return failed(session);
-        print(stdout, session.message());
+        print(stdout, session.outcome());
         return exitDone;
     }
 

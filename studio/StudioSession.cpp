@@ -43,10 +43,16 @@ constexpr std::chrono::milliseconds restBeforeSaving = 50ms, pauseBeforeRetry = 
 StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
                              Clock clock, const OutputSize& outputSize)
     : m_photos(std::move(photos)), m_preferences(preferences), m_clock(std::move(clock)),
-      m_status(startStatus()), m_exports(*this, m_photos, outputSize)
+      m_status(startStatus()), m_exports(m_photos, outputSize, chargeServices())
 {
     // Before anybody else hears of it, so that they find the prices of this batch.
-    connect(this, &StudioSession::batchChanged, &m_exports, &StudioExports::follow);
+    connect(this, &StudioSession::batchChanged, &m_exports, [this] { m_exports.follow(m_batch); });
+    connect(&m_exports, &StudioExports::working, this,
+            [this](const QString& sentence) { setStatus(sentence); });
+    connect(&m_exports, &StudioExports::told, this, &StudioSession::setStatus);
+    connect(&m_exports, &StudioExports::toldMore, this, [this](const QString& sentence) {
+        setStatus(m_status + sentence, m_statusTone, m_statusLink);
+    });
     connect(&m_exports, &StudioExports::changed, this, &StudioSession::exportChanged);
     connect(&m_exports, &StudioExports::costsChanged, this, &StudioSession::costsChanged);
     m_saveLater.setSingleShot(true);
@@ -124,23 +130,10 @@ void StudioSession::redo()
     }
 }
 
-// What has been paid stays paid.
-Batch StudioSession::withPaymentsOfNow(Batch batch) const
-{
-    StudioHistory::Payments paid = m_history.payments();
-    StudioHistory::collectPayments(m_batch, paid);
-    for (qsizetype i = 0; i < batch.items.size() && !paid.isEmpty(); ++i) {
-        const QSet<QString> payments = paid.value(batch.items[i].id);
-        if (!batch.items[i].paidRenderFingerprints.contains(payments))
-            batch.items.edit(i).paidRenderFingerprints.unite(payments);
-    }
-    return batch;
-}
-
 void StudioSession::applyHistorySnapshot(StudioHistorySnapshot snapshot)
 {
     m_isApplyingHistory = true;
-    snapshot = withPaymentsOfNow(std::move(snapshot));
+    m_payments.exchange(snapshot);
     QSet<QUuid> ids;
     for (const PublicationItem& item : snapshot.items)
         ids.insert(item.id);
@@ -181,13 +174,11 @@ bool StudioSession::store()
 {
     const auto save = [this] {
         return claimStore() && WorkspaceStore::save(m_preferences, m_encoder, m_batch) &&
-               std::ranges::all_of(m_settledEntries, [this](const QString& entry) {
-                   return m_preferences.remove(entry);
-               });
+               std::ranges::all_of(m_strikes, [](const Strike& strike) { return strike(); });
     };
     const bool isStored = m_preferences.transaction(save);
     if (isStored)
-        m_settledEntries.clear();
+        m_strikes.clear();
     return isStored;
 }
 
@@ -281,10 +272,8 @@ void StudioSession::finishRestore(const WorkspaceStore::Restored& restored,
         m_notYetAside = document;
     if (restored.workspace && m_batch.items.isEmpty()) {
         m_batch = *restored.workspace;
+        m_payments.exchange(m_batch);
         m_history.clear();
-        StudioHistory::Payments paid;
-        StudioHistory::collectPayments(m_batch, paid);
-        m_history.recordPayments(paid, m_batch);
         setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(m_batch.items.size()),
                   StatusTone::done);
     } else if (!restored.workspace && restored.isDecoded && !document.isEmpty() && !m_notYetAside) {
@@ -294,7 +283,7 @@ void StudioSession::finishRestore(const WorkspaceStore::Restored& restored,
         setStatus(startStatus());    // and not how far the restoring came
     tellOfStore();
     Q_EMIT batchChanged();
-    m_exports.tellOfRefund();
+    m_exports.startTelling();
     if (!m_loadAfterRestore.isEmpty())
         load(std::exchange(m_loadAfterRestore, {}));
 }
@@ -343,7 +332,10 @@ void StudioSession::finishRestoreAside(const WorkspaceStore::Restored& restored)
     const ResultStep step(*this);
     setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(restored.workspace->items.size()),
               StatusTone::done);
-    change([&](Batch& batch) { batch = withPaymentsOfNow(*restored.workspace); });
+    change([&](Batch& batch) {
+        batch = *restored.workspace;
+        m_payments.exchange(batch);
+    });
     if (restored.isComplete && !m_saveFailed)
         WorkspaceStore::clearAside(m_preferences);
 }
@@ -746,23 +738,39 @@ void StudioSession::exportAll(const QString& folder)
     exportItems(items, folder);
 }
 
+void StudioSession::setAccountSession(AccountSession& account)
+{
+    m_accountSession = &account;
+    m_exports.setAccount(account);
+}
+
 void StudioSession::setCreditJournal(CreditJournal& journal, const QString& stagingPlace)
 {
-    m_exports.setPayment(journal, stagingPlace);
+    m_exports.setJournal(journal, stagingPlace);
+}
+
+ChargeServices StudioSession::chargeServices()
+{
+    const QPointer<StudioSession> self = this;
+    ChargeServices services;
+    services.payments = [self] { return self ? self->m_payments : Payments(); };
+    services.record = [self](const QList<RenderedOutput>& outputs, const Strike& strike) {
+        return self && self->markRenderedOutputsAsPaid(outputs, strike);
+    };
+    return services;
 }
 
 bool StudioSession::markRenderedOutputsAsPaid(const QList<RenderedOutput>& outputs,
-                                              const QString& entry)
+                                              const Strike& strike)
 {
-    StudioHistory::Payments paid;
-    for (const RenderedOutput& output : outputs)
-        paid[output.item.id].unite({output.fingerprint, output.pixels});
-    // Also of an item that was discarded since: undoing brings it back.
-    m_history.recordPayments(paid, m_batch);
+    m_payments.add(outputs);
+    PublicationItems::Change change;
+    m_payments.exchange(m_batch, change);
+    m_history.amend([&](Batch& state) { m_payments.exchange(state, change); });
     // Else a later change could join a step from before the payment.
     m_history.endContinuousChanges();
-    if (!entry.isEmpty())
-        m_settledEntries.append(entry);
+    if (strike)
+        m_strikes.append(strike);
     saveWorkspace();
     Q_EMIT batchChanged();
     return !m_saveFailed;

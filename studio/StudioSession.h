@@ -4,6 +4,7 @@
 #include "model/CopyGenerationMode.h"
 #include "model/Pace.h"
 #include "studio/PhotoImport.h"
+#include "studio/Status.h"
 #include "studio/StudioExports.h"
 #include "studio/WorkspaceEncoder.h"
 #include "studio/WorkspaceStore.h"
@@ -26,14 +27,6 @@ class AccountSession;
 class CreditJournal;
 class PreferencesStore;
 struct TextSheet;
-
-// What a sentence in the status line tells, and where it leads.
-enum class StatusTone { info, done, problem, failure };
-struct StatusLink {
-    QString folder = {};         // of the files that it tells of; empty for none
-    bool isPurchase = false;     // of credits
-    QStringList details = {};    // the names of what it only counts
-};
 
 // The state of the main window and its commands. Lives on the interface thread; whoever shows it
 // looks again after batchChanged(), and compares the items it knew: unchanged ones are equal and
@@ -65,7 +58,7 @@ public:
     CopyGenerationMode generationMode() const { return m_generationMode; }
     // The signed-in account; outlives the session.
     AccountSession* accountSession() const { return m_accountSession; }
-    void setAccountSession(AccountSession& account) { m_accountSession = &account; }
+    void setAccountSession(AccountSession& account);
     // Pays the exports; outlives the session. Without one nothing can be exported. Rendered
     // pictures wait in folders at `stagingPlace` until they are paid.
     void setCreditJournal(CreditJournal& journal, const QString& stagingPlace);
@@ -182,9 +175,10 @@ public:
     // What was charged is given back.
     void stopExport() { m_exports.stop(); }
 
-    // These renders are paid for, whatever is undone later. `entry`: the preference to remove in
-    // the transaction that stores it; empty for none. Gives whether it is stored already.
-    bool markRenderedOutputsAsPaid(const QList<RenderedOutput>& outputs, const QString& entry);
+    const Payments& payments() const { return m_payments; }
+    // These renders are paid for, whatever is undone later. `strike` is called in the transaction
+    // that stores it; may be empty. Gives whether it is stored already.
+    bool markRenderedOutputsAsPaid(const QList<RenderedOutput>& outputs, const Strike& strike);
 
 Q_SIGNALS:
     // Another image, layer or state comes next: what is still being typed belongs to this one.
@@ -220,7 +214,7 @@ private:
     void forgetOldStatus();
     void registerUndo(const Batch& before, StudioHistory::Changes changes);
     void applyHistorySnapshot(StudioHistorySnapshot snapshot);
-    Batch withPaymentsOfNow(Batch batch) const;
+    ChargeServices chargeServices();
     bool claimStore();
     bool store();
     void keepWhatIsStored();
@@ -270,5 +264,6 @@ private:
     PhotoImport::Progress m_importProgress;
     QElapsedTimer m_importTold;    // since the last report of it
     StudioExports m_exports;
-    QStringList m_settledEntries;    // preferences to remove with the next storing
+    Payments m_payments;
+    QList<Strike> m_strikes;    // for the next storing
 };

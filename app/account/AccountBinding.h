@@ -42,7 +42,6 @@ private:
     AccountShown shown() const;
     void show();
     void showGate();
-    QString message() const;
     void tell();
     void closeGate();
     bool isAccountSeen() const;
@@ -66,7 +65,6 @@ private:
     bool m_didBootstrap = false;
     // What was told last, here or by what shows the account.
     QString m_message;
-    bool m_isProblem = false;
     bool m_wasWorking = false, m_toldWorking = false;
     bool m_isLoadingPurchases = false;    // which tells nothing when it is done
 };

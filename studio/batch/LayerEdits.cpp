@@ -99,7 +99,7 @@ void LayerEdits::replaceCurrentItem(Batch& batch, const PublicationItem& item)
     PublicationItem& current = batch.items.edit(batch.selectedIndex);
     const QSet<QString> paid = current.paidRenderFingerprints;
     current = item;
-    current.paidRenderFingerprints.unite(paid);    // one may be newer than the state given
+    current.paidRenderFingerprints = paid;    // no edit is a payment
     if (!batch.selectedLayerID.isNull())
         BatchSelection::settleSelectedLayer(batch);
 }

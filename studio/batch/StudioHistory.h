@@ -3,6 +3,7 @@
 #include "studio/batch/Batch.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 // The whole editing state at one moment. Its containers are shared with the batch it was taken
@@ -37,12 +38,8 @@ public:
     // Ends the gesture; nothing when none was under way.
     std::optional<StudioHistorySnapshot> endCanvasEdit();
 
-    // What was paid of which item since the history began, also of items that are gone.
-    using Payments = QHash<QUuid, QSet<QString>>;
-    const Payments& payments() const { return m_payments; }
-    static void collectPayments(const Batch& batch, Payments& payments);
-    // Renders are paid for: in every state that their items may come back in, and in `current`.
-    void recordPayments(const Payments& paid, Batch& current);
+    // Changes every state that may come back, by what is no edit: payments.
+    void amend(const std::function<void(StudioHistorySnapshot&)>& apply);
 
     void clear();
 
@@ -52,7 +49,6 @@ private:
                                                      const StudioHistorySnapshot& current);
 
     QList<StudioHistorySnapshot> m_undoStack, m_redoStack;    // oldest first
-    Payments m_payments;
     std::optional<Time> m_lastCoalescedUndoDate;
     std::optional<StudioHistorySnapshot> m_activeCanvasEditSnapshot;
 };

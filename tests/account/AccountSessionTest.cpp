@@ -195,8 +195,12 @@ TEST_F(AccountSessionTest, AFailedActionTellsWhyAndChangesNothing)
 
     answers["/api/credits/social-copy/reserve"] = "402";
     errorBody = R"({"error":"insufficient_credits"})";
-    EXPECT_THROW(awaited(one.reserveCloudCopyCredits(5, u"r"_s)), AccountError);
+    QCoro::Task<> reserving = one.reserveCloudCopyCredits(5, u"r"_s);
+    EXPECT_TRUE(one.isWorking() && !one.isActing());
+    EXPECT_THROW(awaited(std::move(reserving)), AccountError);
     EXPECT_EQ(one.message(), u"No tienes créditos suficientes."_s);
+    EXPECT_EQ(one.outcome(), u"Email o contraseña incorrectos."_s) << "screens show no charges";
+    EXPECT_FALSE(one.isWorking());
     answers["/api/credits/social-copy/refund"] = R"({"balance":95,"cost":5,"ok":true})";
     awaited(one.refundCloudCopyCredits(5, u"r"_s));
     EXPECT_EQ(one.message(), u"5 créditos devueltos."_s);
