@@ -282,7 +282,12 @@ QCoro::Task<> AccountSession::leave()
 {
     co_await m_api.logout(m_stop.get_token());
     changeUser({});
-    tell(u"Sesión cerrada."_s);
+    if (const auto reason = m_api.whyEndedSessionIsKept()) {
+        tell(u"Sesión cerrada, pero no se ha podido borrar de este equipo: %1."_s.arg(*reason),
+             Told::problem);
+    } else {
+        tell(u"Sesión cerrada."_s);
+    }
 }
 
 QCoro::Task<bool> AccountSession::updateProfile(const QString& fullName)

@@ -196,8 +196,9 @@ int runLogout(const QStringList& arguments, const ServiceConfiguration& configur
     if (const auto status = command.parse(arguments))
         return *status;
     AccountConnection connection(configuration, &tellOfRefund);
-    const bool done = QCoro::waitFor(connection.session().logout());
-    return command.ended(connection.session(), done);
+    AccountSession& session = connection.session();
+    const bool done = QCoro::waitFor(session.logout());
+    return command.ended(session, done && !session.isProblem());
 }
 
 int runAccount(const QStringList& arguments, const ServiceConfiguration& configuration)

@@ -3,6 +3,7 @@
 #include "account/AccountError.h"
 #include "account/WebAuthentication.h"
 #include "platform/PreferencesStore.h"
+#include "tests/FullDisk.h"
 #include "tests/account/Awaited.h"
 #include "tests/account/ScriptedServer.h"
 
@@ -176,6 +177,20 @@ TEST_F(AccountSessionTest, SigningOutLeavesNothingAndNothingBringsItBack)
     EXPECT_FALSE(one.pendingCheckoutSessionId());
     EXPECT_TRUE(one.purchaseHistory().isEmpty());
     EXPECT_EQ(one.message(), u"Sesión cerrada."_s);
+}
+
+TEST_F(AccountSessionTest, ASessionThatStaysOnAFullDiskIsTold)
+{
+    preferences.setValue(u"tallerioSessionCookieHeader"_s, "tallerio_session=abc");
+    AccountAPI holding(server.configuration(), preferences);
+    AccountSession one(holding, surroundings());
+    awaited(one.bootstrap());
+    refuseWrites(true);
+    EXPECT_TRUE(awaited(one.logout()));
+    EXPECT_EQ(one.message(), u"Sesión cerrada, pero no se ha podido borrar de este equipo: no se "
+                             "puede escribir en «%1»."_s.arg(folder.path()));
+    EXPECT_TRUE(one.isProblem() && !one.isAuthenticated());
+    refuseWrites(false);
 }
 
 TEST_F(AccountSessionTest, AFailedActionTellsWhyAndChangesNothing)
