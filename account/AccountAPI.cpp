@@ -353,6 +353,9 @@ void AccountAPI::forget(const Session& session)
     };
     using Store = PreferencesStore;
     m_preferences.transaction(remove, Store::Durability::usual, Store::Traces::erased);
+    const QString reason = m_preferences.reason();
+    const bool isKept = storedCookie(m_preferences, m_origin) == session.cookie;
+    m_endedSessionKept = isKept ? std::optional(reason) : std::nullopt;
     if (m_session.cookie == session.cookie)
         hold({});
 }

@@ -94,6 +94,9 @@ public:
     bool holdsSession() const { return !m_session.cookie.isEmpty(); }
     // The session that is held outlives the program.
     bool isSessionKept() const { return m_isSessionKept; }
+    // The session that ended last could not be removed, and the next program finds it; gives why,
+    // as a part of a sentence.
+    const std::optional<QString>& whyEndedSessionIsKept() const { return m_endedSessionKept; }
 
 private:
     enum class Base { service, site };
@@ -133,6 +136,7 @@ private:
     const QByteArray m_origin;    // that the session is of
     Session m_session;
     bool m_isSessionKept = true;
+    std::optional<QString> m_endedSessionKept;
     HttpClient m_http;
 };
 

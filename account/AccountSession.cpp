@@ -56,16 +56,6 @@ QString userOf(const AccountSummary& account)
     return account.profile ? account.profile->id : QString();
 }
 
-QCoro::Task<bool> wasDone(QCoro::Task<> attempt)
-{
-    try {
-        co_await std::move(attempt);
-    } catch (const std::exception&) {
-        co_return false;    // told already
-    }
-    co_return true;
-}
-
 std::optional<QString> queryItem(const QUrl& url, const QString& name)
 {
     const QUrlQuery query(url);
@@ -77,7 +67,7 @@ std::optional<QString> queryItem(const QUrl& url, const QString& name)
 }    // namespace
 
 AccountSession::AccountSession(AccountAPI& api, Surroundings surroundings, QObject* parent)
-    : QObject(parent), m_api(api), m_surroundings(std::move(surroundings))
+    : CreditAccount(parent), m_api(api), m_surroundings(std::move(surroundings))
 {
     m_balanceSync.setInterval(m_surroundings.balanceSyncInterval);
     m_balanceSync.callOnTimeout(this, [this] { refreshSilently(); });
@@ -126,41 +116,29 @@ QString AccountSession::accountKey() const
 }
 
 template <typename Work>
-QCoro::Task<> AccountSession::attempt(Work work, About about)
+QCoro::Task<bool> AccountSession::perform(Work work)
 {
     const QPointer<AccountSession> self = this;
     const std::stop_token ended = m_stop.get_token();
-    const int charges = about == About::charge ? 1 : 0;
     const int signIn = m_signIn;
     ++m_actions;
-    m_charges += charges;
     Q_EMIT changed();
-    std::exception_ptr failure;
-    QString reason;
+    std::optional<QString> failure;
     Told told = Told::info;
     try {
         co_await work();
     } catch (const std::exception& error) {
-        failure = std::current_exception();
-        reason = readable(error);
+        failure = readable(error);
         told = toldOf(error);
     }
     if (self && !ended.stop_requested()) {
         --m_actions;
-        m_charges -= charges;
         if (failure && signIn == m_signIn)    // else somebody else signed in meanwhile
-            tell(reason, told, about);
+            tell(*failure, told);
         else
             Q_EMIT changed();
     }
-    if (failure)
-        std::rethrow_exception(failure);
-}
-
-template <typename Work>
-QCoro::Task<bool> AccountSession::perform(Work work)
-{
-    return wasDone(attempt(std::move(work)));
+    co_return !failure;
 }
 
 QCoro::Task<bool> AccountSession::bootstrap()
@@ -304,7 +282,12 @@ QCoro::Task<> AccountSession::leave()
 {
     co_await m_api.logout(m_stop.get_token());
     changeUser({});
-    tell(u"Sesión cerrada."_s);
+    if (const auto reason = m_api.whyEndedSessionIsKept()) {
+        tell(u"Sesión cerrada, pero no se ha podido borrar de este equipo: %1."_s.arg(*reason),
+             Told::problem);
+    } else {
+        tell(u"Sesión cerrada."_s);
+    }
 }
 
 QCoro::Task<bool> AccountSession::updateProfile(const QString& fullName)
@@ -503,36 +486,46 @@ QCoro::Task<> AccountSession::openDocument(QString purchaseId)
 
 QCoro::Task<> AccountSession::reserveCloudCopyCredits(qint64 cost, const QString& requestId)
 {
-    const auto reserving = [this, cost, requestId] {
-        return moveCredits(m_api.reserveSocialCopyCredits(cost, requestId, m_stop.get_token()),
-                           u"%1 créditos reservados."_s.arg(cost));
-    };
-    return attempt(reserving, About::charge);
+    return moveCredits(Move::reserve, cost, requestId);
 }
 
 QCoro::Task<> AccountSession::refundCloudCopyCredits(qint64 cost, const QString& requestId)
 {
-    const auto refunding = [this, cost, requestId] {
-        return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()),
-                           u"%1 créditos devueltos."_s.arg(cost));
-    };
-    return attempt(refunding, About::charge);
+    return moveCredits(Move::refund, cost, requestId);
 }
 
-QCoro::Task<> AccountSession::refundCreditsSilently(qint64 cost, const QString& requestId)
+QCoro::Task<> AccountSession::moveCredits(Move move, qint64 cost, QString requestId)
 {
-    return moveCredits(m_api.refundSocialCopyCredits(cost, requestId, m_stop.get_token()), {});
-}
-
-QCoro::Task<> AccountSession::moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told)
-{
+    const QPointer<AccountSession> self = this;
+    const std::stop_token ended = m_stop.get_token();
+    const int signIn = m_signIn;
     const QString user = userOf(m_account);
-    const CreditOperationResponse moved = co_await std::move(moving);
-    if (user != userOf(m_account))    // who goes on would work on another's credits
-        throw AccountError::unauthorized();
-    setBalance(moved.balance);
-    if (!told.isEmpty())
-        tell(told, Told::info, About::charge);
+    const bool isReserve = move == Move::reserve;
+    m_reservations += int(isReserve);
+    Q_EMIT changed();
+    QString told =
+        (isReserve ? u"%1 créditos reservados."_s : u"%1 créditos devueltos."_s).arg(cost);
+    std::exception_ptr failure;
+    QCoro::Task<CreditOperationResponse> moving =
+        isReserve ? m_api.reserveSocialCopyCredits(cost, requestId, ended)
+                  : m_api.refundSocialCopyCredits(cost, requestId, ended);
+    try {
+        const CreditOperationResponse moved = co_await std::move(moving);
+        if (user != userOf(m_account))    // who goes on would work on another's credits
+            throw AccountError::unauthorized();
+        setBalance(moved.balance);
+    } catch (const std::exception& error) {
+        failure = std::current_exception();
+        told = readable(error);
+    }
+    if (self && !ended.stop_requested()) {
+        m_reservations -= int(isReserve);
+        if (!failure || signIn == m_signIn)    // else somebody else signed in meanwhile
+            m_message = told;
+        Q_EMIT changed();
+    }
+    if (failure)
+        std::rethrow_exception(failure);
 }
 
 // Another program that keeps its session in the same place may have signed in somebody else.
@@ -580,11 +573,10 @@ void AccountSession::setBalance(qint64 balance)
     setAccount(account);
 }
 
-void AccountSession::tell(const QString& message, Told told, About about)
+void AccountSession::tell(const QString& message, Told told)
 {
-    m_message = message;
+    m_message = m_outcome = message;
     m_told = told;
-    m_isAboutCharge = about == About::charge;
     Q_EMIT changed();
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "account/AccountRecords.h"
+#include "account/CreditAccount.h"
 
 #include <QCoroTask>
-#include <QObject>
 #include <QTimer>
 
 #include <chrono>
@@ -18,7 +18,7 @@ struct GoogleAuthenticationResult;
 
 // The signed-in account for the whole program, and what the screens can ask of it. Every outcome
 // ends in message(). Lives on the interface thread; whoever shows it looks again after changed().
-class AccountSession : public QObject {
+class AccountSession : public CreditAccount {
     Q_OBJECT
 public:
     // What the platform gives.
@@ -37,9 +37,16 @@ public:
 
     const AccountSummary& account() const { return m_account; }
     bool isLoading() const { return m_isLoading; }    // the check at the start runs
-    bool isWorking() const { return m_actions > 0 || m_isSigningInOverWindow; }
-    const QString& message() const { return m_message; }    // shown as it stands
-    // Whether it tells that something could not be done.
+    // Something that a screen or a link asked for goes on.
+    bool isActing() const { return m_actions > 0 || m_isSigningInOverWindow; }
+    // Likewise, or credits are being reserved.
+    bool isWorking() const { return isActing() || m_reservations > 0; }
+    // What was told last, of charges too; shown as it stands.
+    const QString& message() const { return m_message; }
+    // What was told last of anything that a screen or a link asked for. Whoever charges credits
+    // tells of that elsewhere.
+    const QString& outcome() const { return m_outcome; }
+    // Whether the outcome is that something could not be done.
     bool isProblem() const
     {
         return m_told != Told::info && (m_told != Told::signedOut || isAuthenticated());
@@ -47,12 +54,6 @@ public:
     // And whether that was for want of an answer of the service, or of a session.
     bool isUnreachable() const { return m_told == Told::unreachable; }
     bool needsSignIn() const { return m_told == Told::signedOut; }
-    // Whether it tells of credits being reserved or given back, which whoever charges tells too.
-    bool isAboutCharge() const { return m_isAboutCharge; }
-    bool isOnlyCharging() const
-    {
-        return m_charges > 0 && m_charges == m_actions && !m_isSigningInOverWindow;
-    }
     const std::optional<QString>& pendingCheckoutSessionId() const { return m_pendingCheckout; }
     // Where the pending one is paid; a browser may not have opened it. Empty without one.
     QUrl checkoutPage() const { return m_pendingCheckout ? m_checkoutPage : QUrl(); }
@@ -68,8 +69,8 @@ public:
     QUrl testMailURL() const;
     bool isAdministrator() const;
     QString displayName() const;
-    // The user at this service, the same on every run; empty when nobody is signed in.
-    QString accountKey() const;
+    QString accountKey() const override;
+    qint64 balance() const override { return m_account.balance; }
     bool isBalanceSyncRunning() const { return m_balanceSync.isActive(); }
 
     // Each gives whether it was done; if not, the message says why. Nobody needs to await them.
@@ -89,12 +90,9 @@ public:
     QCoro::Task<bool> refreshPurchaseHistory();
     QCoro::Task<bool> openPurchaseDocument(const QString& purchaseId);
 
-    // Throw what the client throws, which is told too: who pays must know. A CreditJournal calls
-    // them, for whoever charges something.
-    QCoro::Task<> reserveCloudCopyCredits(qint64 cost, const QString& requestId);
-    QCoro::Task<> refundCloudCopyCredits(qint64 cost, const QString& requestId);
-    // The same without a word.
-    QCoro::Task<> refundCreditsSilently(qint64 cost, const QString& requestId);
+    // Told in message() alone. A CreditJournal calls them, for whoever charges something.
+    QCoro::Task<> reserveCloudCopyCredits(qint64 cost, const QString& requestId) override;
+    QCoro::Task<> refundCloudCopyCredits(qint64 cost, const QString& requestId) override;
 
     // In the browser; only a failure is told. Gives whether it was opened.
     bool openPage(const QUrl& url);
@@ -106,19 +104,15 @@ public:
     void startBalanceSync();
     void stopBalanceSync();
 
-Q_SIGNALS:
-    void changed();
-
 private:
     enum class Told { info, problem, unreachable, signedOut };
-    enum class About { account, charge };
+    enum class Move { reserve, refund };    // of credits
 
-    // The one wrapper of what users start: it marks the work and tells what failed. What `work`
-    // gives is awaited; it may count on the session being there whenever it goes on.
+    // The one wrapper of what users start: it marks the work, tells what failed and gives whether
+    // it was done. What `work` gives is awaited; it may count on the session being there whenever
+    // it goes on.
     template <typename Work>
-    QCoro::Task<> attempt(Work work, About about = About::account);
-    template <typename Work>
-    QCoro::Task<bool> perform(Work work);    // gives whether it was done
+    QCoro::Task<bool> perform(Work work);
     QCoro::Task<> check();
     QCoro::Task<> reload(std::stop_token stop);
     QCoro::Task<> enter(QCoro::Task<AccountSummary> signingIn, QString told);
@@ -131,7 +125,7 @@ private:
     QCoro::Task<> loadPurchases();
     QCoro::Task<> openDocument(QString purchaseId);
     QCoro::Task<> startGoogleLogin();
-    QCoro::Task<> moveCredits(QCoro::Task<CreditOperationResponse> moving, QString told);
+    QCoro::Task<> moveCredits(Move move, qint64 cost, QString requestId);
     QCoro::Task<> configure();
 
     void receive(const AccountSummary& account);
@@ -139,7 +133,7 @@ private:
     void syncWhileSignedIn();
     void setAccount(const AccountSummary& account);
     void setBalance(qint64 balance);
-    void tell(const QString& message, Told told = Told::info, About about = About::account);
+    void tell(const QString& message, Told told = Told::info);
     static Told toldOf(const std::exception& failure);
     void openInBrowser(const QUrl& url);    // throws AccountError when it is not
     void handleAuthCallback(const QUrl& url);
@@ -152,10 +146,9 @@ private:
     int m_configurationQuestion = 0;    // the number of the last one
     int m_signIn = 0;                   // rises whenever somebody signs in or out
     bool m_isLoading = false, m_isSigningInOverWindow = false;
-    int m_actions = 0, m_charges = 0;    // under way; charges are actions
-    QString m_message;
-    Told m_told = Told::info;    // by the message
-    bool m_isAboutCharge = false;
+    int m_actions = 0, m_reservations = 0;    // under way
+    QString m_message, m_outcome;
+    Told m_told = Told::info;    // by the outcome
     std::optional<QString> m_pendingCheckout;
     QUrl m_checkoutPage;
     CloudCopyConfig m_cloudCopyConfig = CloudCopyConfig::fallback();

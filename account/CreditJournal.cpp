@@ -1,7 +1,7 @@
 #include "account/CreditJournal.h"
 
 #include "account/AccountError.h"
-#include "account/AccountSession.h"
+#include "account/CreditAccount.h"
 #include "model/GuardedJson.h"
 #include "model/JsonMapping.h"
 #include "platform/HttpClient.h"
@@ -116,13 +116,13 @@ QString lossSentence(qint64 credits, const QString& what)
         .arg(QString::number(credits), what);
 }
 
-CreditJournal::CreditJournal(AccountSession& account, PreferencesStore& preferences,
+CreditJournal::CreditJournal(CreditAccount& account, PreferencesStore& preferences,
                              const QString& runs, Times times, QObject* parent)
     : QObject(parent), m_account(account), m_preferences(preferences), m_run(runs), m_times(times)
 {
     m_retry.setSingleShot(true);
     connect(&m_retry, &QTimer::timeout, this, [this] { settle(); });
-    connect(&account, &AccountSession::changed, this, &CreditJournal::accountChanged);
+    connect(&account, &CreditAccount::changed, this, &CreditJournal::accountChanged);
     accountChanged();
 }
 
@@ -158,8 +158,8 @@ QCoro::Task<ChargeResult> CreditJournal::run(ChargedOperation operation)
     QCoro::Task<bool> working = operation.work();
     try {
         isDone = co_await std::move(working);
-    } catch (const std::exception&) {
-        isDone = false;
+    } catch (const std::exception& error) {
+        result.error = readable(error);
     }
     if (!self) {
         result.state = ChargeResult::State::failed;
@@ -173,7 +173,7 @@ QCoro::Task<ChargeResult> CreditJournal::run(ChargedOperation operation)
     }
     result.state = ChargeResult::State::failed;
     if (!entry.isEmpty()) {
-        QCoro::Task<Refund> refunding = giveBack(entry, Telling::aloud);
+        QCoro::Task<Refund> refunding = giveBack(entry);
         result.isRefundPending = isPending(co_await std::move(refunding));
     }
     co_return std::move(result);
@@ -208,7 +208,7 @@ QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation o
     } else {
         // Whatever else was answered, the service may have acted before, or may still act.
         noteLate(key);
-        QCoro::Task<Refund> refunding = giveBack(key, Telling::silently);
+        QCoro::Task<Refund> refunding = giveBack(key);
         result.isRefundPending = isPending(co_await std::move(refunding));
     }
     co_return std::move(result);
@@ -231,7 +231,7 @@ QCoro::Task<QString> CreditJournal::freed(QString key, qint64 cost)
     }
     const auto before = entryAt(key, m_preferences);
     if (before && before->cost != cost && isLeftOpen(key) && claim(key)) {
-        QCoro::Task<Refund> refunding = giveBack(key, Telling::silently);
+        QCoro::Task<Refund> refunding = giveBack(key);
         const Refund refund = co_await std::move(refunding);
         if (self && refund == Refund::lost)
             Q_EMIT lost(before->cost, before->what);
@@ -330,22 +330,29 @@ double CreditJournal::soon() const
     return now() + double(m_times.underWay.count());
 }
 
+Strike CreditJournal::strikeOf(const ChargedOperation& operation, const QString& entry) const
+{
+    return [preferences = &m_preferences, entry, alsoStore = operation.alsoStore] {
+        return (!alsoStore || alsoStore()) && (entry.isEmpty() || preferences->remove(entry));
+    };
+}
+
 // What cannot be stored now stays in the journal, and is given back should that be the last word.
-bool CreditJournal::isRecorded(const ChargedOperation& operation, const QString& entry)
+bool CreditJournal::isRecorded(const ChargedOperation& operation, const QString& entry) const
 {
     try {
-        return operation.record(entry);
+        return operation.record(strikeOf(operation, entry));
     } catch (const std::exception&) {
         return false;    // short of memory
     }
 }
 
-QCoro::Task<CreditJournal::Refund> CreditJournal::giveBack(QString key, Telling telling)
+QCoro::Task<CreditJournal::Refund> CreditJournal::giveBack(QString key)
 {
     const QPointer<CreditJournal> self = this;
     const auto given = std::make_shared<Completion>();
     m_givingBack.insert(key, given);
-    QCoro::Task<Refund> asking = askBack(key, telling);
+    QCoro::Task<Refund> asking = askBack(key);
     const Refund refund = co_await std::move(asking);
     if (self && !m_isEnding) {
         m_givingBack.remove(key);
@@ -354,7 +361,7 @@ QCoro::Task<CreditJournal::Refund> CreditJournal::giveBack(QString key, Telling 
     co_return refund;
 }
 
-QCoro::Task<CreditJournal::Refund> CreditJournal::askBack(QString key, Telling telling)
+QCoro::Task<CreditJournal::Refund> CreditJournal::askBack(QString key)
 {
     const QPointer<CreditJournal> self = this;
     const auto entry = entryAt(key, m_preferences);
@@ -365,9 +372,7 @@ QCoro::Task<CreditJournal::Refund> CreditJournal::askBack(QString key, Telling t
     reached("refunding");
     const double asked = now();
     Refund refund = Refund::done;
-    QCoro::Task<> refunding = telling == Telling::aloud
-                                  ? m_account.refundCloudCopyCredits(entry->cost, entry->requestId)
-                                  : m_account.refundCreditsSilently(entry->cost, entry->requestId);
+    QCoro::Task<> refunding = m_account.refundCloudCopyCredits(entry->cost, entry->requestId);
     try {
         co_await std::move(refunding);
     } catch (const std::exception& error) {
@@ -471,7 +476,7 @@ QCoro::Task<> CreditJournal::settle()
 {
     if (m_isSettling) {
         co_await m_settledAll.wait();
-    } else if (m_account.isAuthenticated()) {
+    } else if (!m_account.accountKey().isEmpty()) {
         QCoro::Task<> settling = settleAll();
         co_await std::move(settling);
     }
@@ -492,13 +497,13 @@ QCoro::Task<> CreditJournal::settleAll()
             isLeftOpen(key) && claim(key) ? entryAt(key, m_preferences) : std::nullopt;
         if (!entry)
             continue;
-        const qint64 balance = m_account.account().balance;
-        QCoro::Task<Refund> refunding = giveBack(key, Telling::silently);
+        const qint64 balance = m_account.balance();
+        QCoro::Task<Refund> refunding = giveBack(key);
         const Refund refund = co_await std::move(refunding);
         if (!self)
             co_return;
         // Of one that was refunded already nothing comes back.
-        const bool isNews = entry->isReserved || m_account.account().balance > balance;
+        const bool isNews = entry->isReserved || m_account.balance() > balance;
         if (refund == Refund::done && isNews)
             returned.add(*entry);
         else if (refund == Refund::lost)

@@ -13,9 +13,12 @@
 #include <functional>
 #include <memory>
 
-class AccountSession;
+class CreditAccount;
 class PreferencesStore;
 struct OpenReservation;
+
+// Removes the journal's entry of a charge from the preferences. False: it could not be done.
+using Strike = std::function<bool()>;
 
 // Something that costs credits.
 struct ChargedOperation {
@@ -28,9 +31,12 @@ struct ChargedOperation {
     std::function<bool()> isStillDue;
     // What is paid for, begun once the credits are reserved. False, or an exception: it failed.
     std::function<QCoro::Task<bool>()> work;
-    // Stores what came of it and removes the preference `entry`, both in one transaction, now or as
-    // soon as that can be done; gives whether it is done now. No entry: nothing was charged.
-    std::function<bool(const QString& entry)> record;
+    // Stores what came of it and calls `strike`, both in one transaction, now or as soon as that
+    // can be done; gives whether it is done now.
+    std::function<bool(const Strike& strike)> record;
+    // More to store when the entry is struck; may be empty. Like `strike` it is called again in the
+    // next transaction where one could not be stored.
+    std::function<bool()> alsoStore = {};
 };
 
 struct ChargeResult {
@@ -41,7 +47,7 @@ struct ChargeResult {
     State state = State::done;
     bool isRefundPending = false;    // what was charged comes back later
     bool isRecorded = true;          // else a crash now would count as a failure
-    QString error;                   // why nothing was reserved
+    QString error;    // why nothing was reserved, or what the work threw; for the user
     Refusal refusal = Refusal::other;
 };
 
@@ -68,9 +74,9 @@ public:
 
     // Account and preferences outlive the journal. `runs`: a folder in which the runs of the
     // program that share the preferences tell each other apart.
-    CreditJournal(AccountSession& account, PreferencesStore& preferences, const QString& runs,
+    CreditJournal(CreditAccount& account, PreferencesStore& preferences, const QString& runs,
                   Times times, QObject* parent = nullptr);
-    CreditJournal(AccountSession& account, PreferencesStore& preferences, const QString& runs)
+    CreditJournal(CreditAccount& account, PreferencesStore& preferences, const QString& runs)
         : CreditJournal(account, preferences, runs, Times())
     {
     }
@@ -106,7 +112,6 @@ private:
         refused,        // this one
         unreachable,    // like any other now
     };
-    enum class Telling { aloud, silently };
 
     void accountChanged();
     QCoro::Task<ChargeResult> reserve(QString key, ChargedOperation operation);
@@ -118,10 +123,12 @@ private:
     void noteReserved(const QString& key);
     void noteLate(const QString& key);
     double soon() const;
-    static bool isRecorded(const ChargedOperation& operation, const QString& entry);
+    // What strikes `entry`, if there is one, and stores what `operation` has beside it.
+    Strike strikeOf(const ChargedOperation& operation, const QString& entry) const;
+    bool isRecorded(const ChargedOperation& operation, const QString& entry) const;
     // Of an entry that this run works on.
-    QCoro::Task<Refund> giveBack(QString key, Telling telling);
-    QCoro::Task<Refund> askBack(QString key, Telling telling);
+    QCoro::Task<Refund> giveBack(QString key);
+    QCoro::Task<Refund> askBack(QString key);
     static Refund refundAfter(const std::exception& error);
     Refund settledDenial(const QString& key, const OpenReservation& entry, double asked);
     static bool isPending(Refund refund);
@@ -133,7 +140,7 @@ private:
     QStringList keysLeftOpen() const;
     QCoro::Task<> settleAll();
 
-    AccountSession& m_account;
+    CreditAccount& m_account;
     PreferencesStore& m_preferences;
     ProgramRun m_run;
     const Times m_times;

@@ -88,7 +88,7 @@ public:
     // Why an action of the session was not done.
     int failed(const AccountSession& session) const
     {
-        return failed(session.message(), session.isUnreachable() ? exitNoNetwork
+        return failed(session.outcome(), session.isUnreachable() ? exitNoNetwork
                                          : session.needsSignIn() ? exitNotSignedIn
                                                                  : exitSomeFailed);
     }
@@ -97,7 +97,7 @@ public:
     {
         if (!done)
             return failed(session);
-        print(stdout, session.message());
+        print(stdout, session.outcome());
         return exitDone;
     }
 
@@ -196,8 +196,9 @@ int runLogout(const QStringList& arguments, const ServiceConfiguration& configur
     if (const auto status = command.parse(arguments))
         return *status;
     AccountConnection connection(configuration, &tellOfRefund);
-    const bool done = QCoro::waitFor(connection.session().logout());
-    return command.ended(connection.session(), done);
+    AccountSession& session = connection.session();
+    const bool done = QCoro::waitFor(session.logout());
+    return command.ended(session, done && !session.isProblem());
 }
 
 int runAccount(const QStringList& arguments, const ServiceConfiguration& configuration)

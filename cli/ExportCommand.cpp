@@ -248,18 +248,10 @@ private:
         request.destinations = batch.destinations;
         request.format = m_options.format;
         request.jobs = m_options.jobs;
-        request.payer = m_payer;
         request.price = price.credits();
-        const ExportServices services{
-            .photos = m_photos,
-            .account = &m_connection.session(),
-            .journal = &m_connection.journal(),
-            .stagingPlace = stagingPlace(),
-            .record =
-                [this](const QList<RenderedOutput>& outputs, const QString& entry) {
-                    return addPaidRenders(m_connection.preferences(), m_payer, outputs, entry);
-                },
-            .paidMeanwhile = [this] { return paidRenders(m_connection.preferences(), m_payer); }};
+        const ExportServices services{.photos = m_photos,
+                                      .stagingPlace = stagingPlace(),
+                                      .charge = chargeServices(batch.items)};
         m_export->progressed = [this](const ExportProgress& progress) { show(progress); };
         m_export->leftOut = [this, &batch](const QString& file) {
             const qsizetype index = batch.destinations.indexOf(file);
@@ -281,6 +273,21 @@ private:
         };
         const ExportOutcome outcome = QCoro::waitFor(runExport(request, services, m_export));
         return ended(outcome, notReached(outcome, batch));
+    }
+
+    ChargeServices chargeServices(const PublicationItems& items)
+    {
+        PreferencesStore& preferences = m_connection.preferences();
+        return {
+            .account = &m_connection.session(),
+            .journal = &m_connection.journal(),
+            .payer = m_payer,
+            .payments = [this, &preferences,
+                         items] { return paymentsOf(items, paidRenders(preferences, m_payer)); },
+            .record =
+                [this, &preferences](const QList<RenderedOutput>& outputs, const Strike& strike) {
+                    return addPaidRenders(preferences, m_payer, outputs, strike);
+                }};
     }
 
     // The photos that were not reached; those that found no room to be prepared are told at once.

@@ -31,8 +31,16 @@ QSet<QString> paidRenders(const PreferencesStore& preferences, const QString& ac
     return namesIn(preferences.value(keyOf(account)).value_or(QByteArray()));
 }
 
+Payments paymentsOf(const PublicationItems& items, const QSet<QString>& paid)
+{
+    Payments payments;
+    for (const PublicationItem& item : items)
+        payments.add(item.id, paid);
+    return payments;
+}
+
 bool addPaidRenders(PreferencesStore& preferences, const QString& account,
-                    const QList<RenderedOutput>& outputs, const QString& entry)
+                    const QList<RenderedOutput>& outputs, const Strike& strike)
 {
     const QString key = keyOf(account);
     return preferences.transaction([&] {
@@ -50,6 +58,6 @@ bool addPaidRenders(PreferencesStore& preferences, const QString& account,
             }
         }
         const bool isStored = lines.size() == before || preferences.setValue(key, lines);
-        return isStored && (entry.isEmpty() || preferences.remove(entry));
+        return isStored && strike();
     });
 }

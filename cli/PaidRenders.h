@@ -1,6 +1,7 @@
 #pragma once
 
-#include "studio/export/RenderedOutput.h"
+#include "account/CreditJournal.h"
+#include "studio/export/Payments.h"
 
 class PreferencesStore;
 
@@ -9,7 +10,9 @@ class PreferencesStore;
 // Fingerprints and pixels of all renders that the account has paid for.
 QSet<QString> paidRenders(const PreferencesStore& preferences, const QString& account);
 
-// Adds these and removes the preference `entry`, if there is one, in one transaction. Gives whether
-// it is stored.
+// The same as payments of each of the items.
+Payments paymentsOf(const PublicationItems& items, const QSet<QString>& paid);
+
+// Adds these and calls `strike`, in one transaction. Gives whether it is stored.
 bool addPaidRenders(PreferencesStore& preferences, const QString& account,
-                    const QList<RenderedOutput>& outputs, const QString& entry);
+                    const QList<RenderedOutput>& outputs, const Strike& strike);

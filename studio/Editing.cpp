@@ -71,9 +71,10 @@ void Editing::applyHistorySnapshot(const StudioHistorySnapshot& snapshot)
         this, [this] { m_isApplyingHistory = false; }, Qt::QueuedConnection);
 }
 
-void Editing::recordPayments(const StudioHistory::Payments& paid)
+void Editing::amend(const Change& apply)
 {
-    m_history.recordPayments(paid, m_batch);
+    apply(m_batch);
+    m_history.amend(apply);
     // Else a later change could join a step from before the payment.
     m_history.endStep();
 }

@@ -42,8 +42,9 @@ public:
     std::optional<StudioHistorySnapshot> takeRedo() { return m_history.redo(m_batch); }
     void applyHistorySnapshot(const StudioHistorySnapshot& snapshot);
 
-    // Renders are paid for: in every state that their items may come back in. Nobody is told.
-    void recordPayments(const StudioHistory::Payments& paid);
+    // Changes the batch and every state that may come back by what is no edit: payments. Nobody is
+    // told.
+    void amend(const Change& apply);
 
 Q_SIGNALS:
     // Another state comes next: what is still being typed or dragged belongs to this one.

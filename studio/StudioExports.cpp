@@ -4,7 +4,7 @@
 #include "account/CreditJournal.h"
 #include "platform/StagingFolder.h"
 #include "platform/Workers.h"
-#include "studio/StudioSession.h"
+#include "studio/batch/BatchSelection.h"
 
 #include <QFileInfo>
 
@@ -46,10 +46,10 @@ QList<QUrl> filesOf(const PublicationItems& items)
 
 }    // namespace
 
-StudioExports::StudioExports(StudioSession& session, std::shared_ptr<PhotoCache> photos,
-                             const OutputSize& outputSize)
-    : m_session(session), m_photos(std::move(photos)), m_outputSize(outputSize),
-      m_costs(m_photos, outputSize)
+StudioExports::StudioExports(std::shared_ptr<PhotoCache> photos, const OutputSize& outputSize,
+                             const ChargeServices& payment)
+    : m_photos(std::move(photos)), m_outputSize(outputSize), m_costs(m_photos, outputSize),
+      m_payment(payment)
 {
     m_costsAreLate.setSingleShot(true);
     m_costsAreLate.setInterval(costPatience);
@@ -71,9 +71,14 @@ StudioExports::~StudioExports()
     m_control->staging.reset();
 }
 
-void StudioExports::setPayment(CreditJournal& journal, const QString& stagingPlace)
+void StudioExports::setAccount(AccountSession& account)
 {
-    m_journal = &journal;
+    m_payment.account = &account;
+}
+
+void StudioExports::setJournal(CreditJournal& journal, const QString& stagingPlace)
+{
+    m_payment.journal = &journal;
     m_stagingPlace = stagingPlace;
     connect(&journal, &CreditJournal::refunded, this, [this](qint64 credits, const QString& what) {
         tellLater(refundSentence(credits, what), StatusKind::done);
@@ -88,27 +93,31 @@ void StudioExports::setPayment(CreditJournal& journal, const QString& stagingPla
 void StudioExports::tellLater(const QString& sentence, StatusKind kind)
 {
     m_refundToTell += u' ' + sentence;
-    if (m_session.didRestoreWorkspace() && !m_control)
-        m_session.setStatus(std::exchange(m_refundToTell, {}).mid(1), kind);
+    if (m_isTelling && !m_control)
+        Q_EMIT told(std::exchange(m_refundToTell, {}).mid(1), kind, {});
+}
+
+void StudioExports::startTelling()
+{
+    m_isTelling = true;
+    tellOfRefund();
 }
 
 void StudioExports::tellOfRefund()
 {
-    if (m_refundToTell.isEmpty())
-        return;
-    const StatusEntry told = m_session.statusLog().current();
-    m_session.setStatus(told.sentence + std::exchange(m_refundToTell, {}), told.kind, told.link);
+    if (!m_refundToTell.isEmpty())
+        Q_EMIT toldMore(std::exchange(m_refundToTell, {}));
 }
 
-void StudioExports::follow()
+void StudioExports::follow(const Batch& batch)
 {
-    m_costs.scheduleRenderCostRefresh(m_session.batch(), costDebounce);
+    m_costs.scheduleRenderCostRefresh(batch, costDebounce);
 }
 
 // A price is shown until the next one is known, but not for long.
 void StudioExports::showCosts()
 {
-    const Batch& batch = m_session.batch();
+    const Batch& batch = m_costs.batch();
     const QList<int> current = batch.currentItem() ? QList<int>{batch.selectedIndex} : QList<int>();
     const auto currentCost = m_costs.renderCreditCost(current);
     const auto allCost = m_costs.renderCreditCost(exportIndices());
@@ -128,9 +137,10 @@ void StudioExports::showCosts()
 
 QList<int> StudioExports::exportIndices() const
 {
-    if (m_session.batch().selectedItemIDs.size() > 1)
-        return m_session.selectedIndicesForBatch();
-    QList<int> all(m_session.batch().items.size());
+    const Batch& batch = m_costs.batch();
+    if (batch.selectedItemIDs.size() > 1)
+        return BatchSelection::selectedIndicesForBatch(batch);
+    QList<int> all(batch.items.size());
     std::iota(all.begin(), all.end(), 0);
     return all;
 }
@@ -140,14 +150,14 @@ QList<int> StudioExports::exportIndices() const
 std::optional<QList<int>> StudioExports::indicesOf(const QList<QUuid>& items)
 {
     QHash<QUuid, int> places;
-    for (const PublicationItem& item : m_session.batch().items)
+    for (const PublicationItem& item : m_costs.batch().items)
         places.insert(item.id, int(places.size()));
     QList<int> indices;
     for (const QUuid& item : items) {
         if (!places.contains(item)) {
-            m_session.setStatus(
+            Q_EMIT told(
                 u"El lote ha cambiado mientras elegías dónde exportar: no se ha exportado nada."_s,
-                StatusKind::warning);
+                StatusKind::warning, {});
             return std::nullopt;
         }
         indices.append(places.value(item));
@@ -167,7 +177,7 @@ void StudioExports::exportItems(const QList<QUuid>& items, const QString& folder
     if (!indices)
         return;
     // Of the whole batch, so that an item has the same name whatever goes with it.
-    const QStringList paths = exportPaths(filesOf(m_session.batch().items), folder);
+    const QStringList paths = exportPaths(filesOf(m_costs.batch().items), folder);
     QStringList destinations;
     for (const int index : *indices)
         destinations.append(paths[index]);
@@ -181,27 +191,18 @@ void StudioExports::start(ExportKind kind, const QList<int>& indices,
         return;
     ExportRequest request;
     request.kind = kind;
-    request.format = m_session.batch().format;
+    request.format = m_costs.batch().format;
     request.outputSize = m_outputSize;
     request.destinations = destinations;
     request.price = m_costs.renderCreditCost(indices);
     for (const int index : indices)
-        request.items.append(m_session.batch().items.mid(index, 1));
+        request.items.append(m_costs.batch().items.mid(index, 1));
     const ExportServices services{
-        .photos = m_photos,
-        .account = m_session.accountSession(),
-        .journal = m_journal,
-        .stagingPlace = m_stagingPlace,
-        .record =
-            [session = QPointer(&m_session)](const auto& outputs, const QString& entry) {
-                return session && session->markRenderedOutputsAsPaid(outputs, entry);
-            },
-        .paidMeanwhile = {}};
+        .photos = m_photos, .stagingPlace = m_stagingPlace, .charge = m_payment};
     m_control = std::make_shared<ExportControl>();
     m_control->progressed = [this](const ExportProgress& progress) { showProgress(progress); };
     m_control->charging = [this](qint64 cost) {
-        m_session.statusLog().tellStep(Activity::Kind::exporting,
-                                       u"Descontando %1 créditos..."_s.arg(cost));
+        Q_EMIT working(u"Descontando %1 créditos..."_s.arg(cost));
     };
     showProgress({ExportProgress::Stage::rendering, 0, request.items.size()});
     runToEnd(this, request, services, m_control);
@@ -233,7 +234,7 @@ void StudioExports::finish(const ExportOutcome& outcome)
     if (outcome.isDone())
         link.folder = QFileInfo(outcome.written.value(0)).absolutePath();
     link.isPurchase = outcome.isShortOfCredits();
-    m_session.setStatus(outcome.sentence(), kindOf(outcome), link);
+    Q_EMIT told(outcome.sentence(), kindOf(outcome), link);
     Q_EMIT changed();
     tellOfRefund();
 }
@@ -245,9 +246,7 @@ void StudioExports::showProgress(const ExportProgress& progress)
         const QString doing = progress.stage == ExportProgress::Stage::rendering
                                   ? u"Preparando imagen %1 de %2"_s
                                   : u"Guardando imagen %1 de %2"_s;
-        m_session.statusLog().tellStep(
-            Activity::Kind::exporting,
-            doing.arg(std::min(progress.done + 1, progress.total)).arg(progress.total));
+        Q_EMIT working(doing.arg(std::min(progress.done + 1, progress.total)).arg(progress.total));
     }
     Q_EMIT changed();
 }
@@ -257,5 +256,5 @@ void StudioExports::stop()
     if (!m_control)
         return;
     m_control->stop = true;
-    m_session.statusLog().tellStep(Activity::Kind::exporting, u"Deteniendo la exportación…"_s);
+    Q_EMIT working(u"Deteniendo la exportación…"_s);
 }

@@ -1,27 +1,26 @@
 #pragma once
 
+#include "studio/StatusLog.h"
 #include "studio/export/ExportOperation.h"
 #include "studio/export/RenderCosts.h"
 
 #include <QObject>
 #include <QTimer>
 
-class StudioSession;
-enum class StatusKind;
-
 // The exports of a session's batch and what they would cost.
 class StudioExports : public QObject {
     Q_OBJECT
 public:
-    // Part of the session, which outlives it.
-    StudioExports(StudioSession& session, std::shared_ptr<PhotoCache> photos,
-                  const OutputSize& outputSize);
+    // `payment` may still lack account and journal. Without a journal nothing can be exported.
+    StudioExports(std::shared_ptr<PhotoCache> photos, const OutputSize& outputSize,
+                  const ChargeServices& payment);
     ~StudioExports() override;
 
-    void setPayment(CreditJournal& journal, const QString& stagingPlace);
+    void setAccount(AccountSession& account);
+    void setJournal(CreditJournal& journal, const QString& stagingPlace);
 
-    // The session's batch was changed.
-    void follow();
+    // The batch is this one from now on.
+    void follow(const Batch& batch);
     // Photos may have been moved or changed by others: looks at their files again.
     void lookAtPhotos() { m_costs.lookAtPhotos(); }
     std::optional<qint64> displayedExportCurrentCost() const
@@ -39,15 +38,19 @@ public:
     void exportItems(const QList<QUuid>& items, const QString& folder);
     const std::optional<ExportProgress>& progress() const { return m_progress; }
     void stop();
-    // Adds what came back meanwhile to what is told.
-    void tellOfRefund();
+    // From now on refunds are told: first those that came while the session was restored.
+    void startTelling();
 
 Q_SIGNALS:
     void changed();    // an export began, went on or ended
+    void working(const QString& sentence);
+    void told(const QString& sentence, StatusKind kind, const StatusLink& link);
+    void toldMore(const QString& sentence);    // to be added to what was told last
     void costsChanged();
 
 private:
     void tellLater(const QString& sentence, StatusKind kind);
+    void tellOfRefund();
     std::optional<QList<int>> indicesOf(const QList<QUuid>& items);
     void start(ExportKind kind, const QList<int>& indices, const QStringList& destinations);
     static QCoro::Task<> runToEnd(QPointer<StudioExports> self, ExportRequest request,
@@ -56,15 +59,15 @@ private:
     void showProgress(const ExportProgress& progress);
     void showCosts();
 
-    StudioSession& m_session;
     std::shared_ptr<PhotoCache> m_photos;
     const OutputSize m_outputSize;
     RenderCosts m_costs;
     std::optional<qint64> m_displayedExportCurrentCost, m_displayedExportAllCost;
     int m_shownPaidVersion = 0;
     QTimer m_costsAreLate;
+    bool m_isTelling = false;
     QString m_refundToTell;    // that came back while something else was being told
-    QPointer<CreditJournal> m_journal;
+    ChargeServices m_payment;
     QString m_stagingPlace;
     std::shared_ptr<ExportControl> m_control;    // of the export under way
     std::optional<ExportProgress> m_progress;

@@ -18,7 +18,7 @@ QString unreadableSentence(qsizetype files)
 StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
                              Clock clock, const OutputSize& outputSize)
     : m_log(clock), m_editing(clock), m_workspace(photos, preferences), m_imports(photos, clock),
-      m_exports(*this, photos, outputSize)
+      m_exports(photos, outputSize, chargeServices())
 {
     setStatus(u"Importa una imagen o una carpeta para empezar."_s);
     connect(&m_log, &StatusLog::changed, this, &StudioSession::statusChanged);
@@ -46,7 +46,15 @@ StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStor
     connect(&m_imports, &StudioImports::ended, this, &StudioSession::finishImport);
 
     // Before anybody else hears of it, so that they find the prices of this batch.
-    connect(this, &StudioSession::batchChanged, &m_exports, &StudioExports::follow);
+    connect(this, &StudioSession::batchChanged, &m_exports, [this] { m_exports.follow(batch()); });
+    connect(&m_exports, &StudioExports::working, this, [this](const QString& sentence) {
+        m_log.tellStep(Activity::Kind::exporting, sentence);
+    });
+    connect(&m_exports, &StudioExports::told, this, &StudioSession::setStatus);
+    connect(&m_exports, &StudioExports::toldMore, this, [this](const QString& sentence) {
+        const StatusEntry told = m_log.current();
+        setStatus(told.sentence + sentence, told.kind, told.link);
+    });
     connect(&m_exports, &StudioExports::changed, this, &StudioSession::followExport);
     connect(&m_exports, &StudioExports::costsChanged, this, &StudioSession::costsChanged);
 }
@@ -91,27 +99,17 @@ void StudioSession::endActivity(Activity::Kind kind)
     Q_EMIT activityChanged(kind);
 }
 
-// What has been paid stays paid.
-Batch StudioSession::withPaymentsOfNow(Batch restored) const
+Batch StudioSession::withPayments(Batch batch)
 {
-    StudioHistory::Payments paid = m_editing.history().payments();
-    StudioHistory::collectPayments(batch(), paid);
-    for (qsizetype i = 0; i < restored.items.size() && !paid.isEmpty(); ++i) {
-        const QSet<QString> payments = paid.value(restored.items[i].id);
-        if (!restored.items[i].paidRenderFingerprints.contains(payments))
-            restored.items.edit(i).paidRenderFingerprints.unite(payments);
-    }
-    return restored;
+    m_payments.exchange(batch);
+    return batch;
 }
 
 void StudioSession::finishRestore(const std::optional<Batch>& restored)
 {
     m_editing.start();
     if (restored && batch().items.isEmpty()) {
-        m_editing.replace(*restored);
-        StudioHistory::Payments paid;
-        StudioHistory::collectPayments(batch(), paid);
-        m_editing.recordPayments(paid);
+        m_editing.replace(withPayments(*restored));
         setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(batch().items.size()),
                   StatusKind::done);
     }
@@ -119,7 +117,7 @@ void StudioSession::finishRestore(const std::optional<Batch>& restored)
         setStatus(problem, StatusKind::warning);
     endActivity(Activity::Kind::restoring);
     Q_EMIT batchChanged();
-    m_exports.tellOfRefund();
+    m_exports.startTelling();
     if (!m_loadAfterRestore.isEmpty())
         load(std::exchange(m_loadAfterRestore, {}));
 }
@@ -129,7 +127,7 @@ void StudioSession::finishRestoreAside(const WorkspaceStore::Restored& restored)
     if (restored.workspace) {
         setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(restored.workspace->items.size()),
                   StatusKind::done);
-        m_editing.bringBack([&](Batch& batch) { batch = withPaymentsOfNow(*restored.workspace); });
+        m_editing.bringBack([&](Batch& batch) { batch = withPayments(*restored.workspace); });
         if (restored.isComplete)
             m_workspace.clearAside();
     } else {
@@ -245,21 +243,36 @@ void StudioSession::exportAll(const QString& folder)
     m_exports.exportItems(items, folder);
 }
 
+void StudioSession::setAccountSession(AccountSession& account)
+{
+    m_accountSession = &account;
+    m_exports.setAccount(account);
+}
+
 void StudioSession::setCreditJournal(CreditJournal& journal, const QString& stagingPlace)
 {
-    m_exports.setPayment(journal, stagingPlace);
+    m_exports.setJournal(journal, stagingPlace);
+}
+
+ChargeServices StudioSession::chargeServices()
+{
+    const QPointer<StudioSession> self = this;
+    ChargeServices services;
+    services.payments = [self] { return self ? self->m_payments : Payments(); };
+    services.record = [self](const QList<RenderedOutput>& outputs, const Strike& strike) {
+        return self && self->markRenderedOutputsAsPaid(outputs, strike);
+    };
+    return services;
 }
 
 bool StudioSession::markRenderedOutputsAsPaid(const QList<RenderedOutput>& outputs,
-                                              const QString& entry)
+                                              const Strike& strike)
 {
-    StudioHistory::Payments paid;
-    for (const RenderedOutput& output : outputs)
-        paid[output.item.id].unite({output.fingerprint, output.pixels});
-    // Also of an item that was discarded since: undoing brings it back.
-    m_editing.recordPayments(paid);
-    if (!entry.isEmpty())
-        m_workspace.removeWithNextSave(entry);
+    m_payments.add(outputs);
+    PublicationItems::Change change;
+    m_editing.amend([&](Batch& state) { m_payments.exchange(state, change); });
+    if (strike)
+        m_workspace.strikeWithNextSave(strike);
     saveWorkspace();
     Q_EMIT batchChanged();
     return !m_workspace.hasFailed();

@@ -62,7 +62,7 @@ public:
     CopyGenerationMode generationMode() const { return m_generationMode; }
     // The signed-in account; outlives the session.
     AccountSession* accountSession() const { return m_accountSession; }
-    void setAccountSession(AccountSession& account) { m_accountSession = &account; }
+    void setAccountSession(AccountSession& account);
     // Pays the exports; outlives the session. Without one nothing can be exported. Rendered
     // pictures wait in folders at `stagingPlace` until they are paid.
     void setCreditJournal(CreditJournal& journal, const QString& stagingPlace);
@@ -157,9 +157,10 @@ public:
     // The images selected when there are several, else all.
     void exportAll(const QString& folder);
 
-    // These renders are paid for, whatever is undone later. `entry`: the preference to remove in
-    // the transaction that stores it; empty for none. Gives whether it is stored already.
-    bool markRenderedOutputsAsPaid(const QList<RenderedOutput>& outputs, const QString& entry);
+    const Payments& payments() const { return m_payments; }
+    // These renders are paid for, whatever is undone later. `strike` is called in the transaction
+    // that stores it; may be empty. Gives whether it is stored already.
+    bool markRenderedOutputsAsPaid(const QList<RenderedOutput>& outputs, const Strike& strike);
 
 Q_SIGNALS:
     // Another image, layer or state comes next: what is still being typed belongs to this one.
@@ -180,7 +181,9 @@ private:
     void followExport();
     void finishRestore(const std::optional<Batch>& restored);
     void finishRestoreAside(const WorkspaceStore::Restored& restored);
-    Batch withPaymentsOfNow(Batch batch) const;
+    // The batch with all payments that are known of its items; those that it carries become known.
+    Batch withPayments(Batch batch);
+    ChargeServices chargeServices();
 
     StatusLog m_log;
     Activities m_activities;
@@ -194,4 +197,5 @@ private:
     bool m_isAppSettingsPresented = false;
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
     StudioExports m_exports;
+    Payments m_payments;
 };

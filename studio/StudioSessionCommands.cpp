@@ -15,7 +15,7 @@ void StudioSession::undo()
     Q_EMIT aboutToMove();
     if (const auto snapshot = m_editing.takeUndo()) {
         setStatus(u"Deshecho: %1."_s.arg(stepName(*snapshot, batch())));
-        m_editing.applyHistorySnapshot(withPaymentsOfNow(*snapshot));
+        m_editing.applyHistorySnapshot(withPayments(*snapshot));
     }
 }
 
@@ -24,7 +24,7 @@ void StudioSession::redo()
     Q_EMIT aboutToMove();
     if (const auto snapshot = m_editing.takeRedo()) {
         setStatus(u"Rehecho: %1."_s.arg(stepName(batch(), *snapshot)));
-        m_editing.applyHistorySnapshot(withPaymentsOfNow(*snapshot));
+        m_editing.applyHistorySnapshot(withPayments(*snapshot));
     }
 }
 

@@ -49,18 +49,16 @@ bool Workspace::claimStore()
            (writer == m_writer || WorkspaceStore::setWriter(m_preferences, m_writer));
 }
 
-// The batch is stored and its settled entries are removed, both or neither.
+// The batch is stored and the entries of its payments are struck, both or neither.
 bool Workspace::store(const Batch& batch)
 {
     const auto save = [&] {
         return claimStore() && WorkspaceStore::save(m_preferences, m_encoder, batch) &&
-               std::ranges::all_of(m_settledEntries, [this](const QString& entry) {
-                   return m_preferences.remove(entry);
-               });
+               std::ranges::all_of(m_strikes, [](const Strike& strike) { return strike(); });
     };
     const bool isStored = m_preferences.transaction(save);
     if (isStored)
-        m_settledEntries.clear();
+        m_strikes.clear();
     return isStored;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "account/CreditJournal.h"
 #include "studio/WorkspaceEncoder.h"
 #include "studio/WorkspaceStore.h"
 
@@ -36,8 +37,8 @@ public:
     void saveSoon();
     bool isSaveDue() const { return m_saveLater.isActive(); }
     bool hasFailed() const { return m_saveFailed; }
-    // The preference is removed in the transaction of the next save.
-    void removeWithNextSave(const QString& entry) { m_settledEntries.append(entry); }
+    // `strike` is called in the transaction of the next save.
+    void strikeWithNextSave(const Strike& strike) { m_strikes.append(strike); }
 
     // What the preferences store has to tell, once; empty for nothing.
     QString takeProblem();
@@ -76,5 +77,5 @@ private:
     const QByteArray m_writer = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
     std::optional<QByteArray> m_writerSeen;    // the last one that may be replaced
     bool m_isStoreOfAnother = false;           // of a window that began to store after this one
-    QStringList m_settledEntries;              // preferences to remove with the next save
+    QList<Strike> m_strikes;                   // for the next save
 };

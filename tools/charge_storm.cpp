@@ -219,7 +219,7 @@ private:
                                                smallSize(format), designSize(format)}),
                             {}});
         }
-        const QList<RenderedOutput> unpaid = unpaidRenderedOutputs(outputs);
+        const QList<RenderedOutput> unpaid = unpaidRenderedOutputs(outputs, m_session.payments());
         QString line = u"plan %1"_s.arg(outputs.size());
         if (!unpaid.isEmpty())
             line += u' ' + creditRequestID(unpaid, u"download"_s);

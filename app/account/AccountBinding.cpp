@@ -83,8 +83,8 @@ AccountShown AccountBinding::shown() const
         .fullName = profile.fullName.value_or(QString()),
         .email = profile.email.value_or(QString()),
         .balance = m_account.account().balance,
-        .message = message(),
-        .isProblem = m_account.isAboutCharge() ? m_isProblem : m_account.isProblem(),
+        .message = m_account.outcome(),
+        .isProblem = m_account.isProblem(),
         .isWorking = m_account.isWorking(),
         .hasPendingCheckout = m_account.pendingCheckoutSessionId().has_value(),
         .checkoutAddress = m_account.checkoutPage().toString(QUrl::FullyEncoded),
@@ -118,29 +118,20 @@ bool AccountBinding::isAccountSeen() const
            (m_popover && m_popover->isVisible());
 }
 
-// Leaves out messages about a charge: the export that charges shows them itself.
-QString AccountBinding::message() const
-{
-    return m_account.isAboutCharge() ? m_message : m_account.message();
-}
-
 void AccountBinding::tell()
 {
-    const bool isWorking = m_account.isWorking() && !m_account.isOnlyCharging();
+    const bool isWorking = m_account.isActing();
     const bool isDone = m_wasWorking && !isWorking && !m_isLoadingPurchases;
     const bool begins = isWorking && !m_wasWorking;
-    const QString now = message();
-    const bool isOutcome = isDone || now != m_message;
-    if (!m_account.isAboutCharge())
-        m_isProblem = m_account.isProblem();
-    m_message = now;
+    const bool isOutcome = isDone || m_account.outcome() != m_message;
+    m_message = m_account.outcome();
     m_wasWorking = isWorking;
     if (begins && !isAccountSeen()) {
         m_toldWorking = true;
         Q_EMIT working();
     } else if (!isWorking && (m_toldWorking || (isOutcome && !isAccountSeen()))) {
         m_toldWorking = false;
-        Q_EMIT told(shownText(m_message), m_isProblem);
+        Q_EMIT told(shownText(m_message), m_account.isProblem());
     }
 }
 

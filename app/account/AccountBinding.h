@@ -44,7 +44,6 @@ private:
     AccountShown shown() const;
     void show();
     void showGate();
-    QString message() const;
     void tell();
     void closeGate();
     bool isAccountSeen() const;
@@ -68,7 +67,6 @@ private:
     bool m_didBootstrap = false;
     // The account's last message that is not about a charge.
     QString m_message;
-    bool m_isProblem = false;
     bool m_wasWorking = false, m_toldWorking = false;
     bool m_isLoadingPurchases = false;    // its end is not told
 };

@@ -99,7 +99,7 @@ void LayerEdits::replaceCurrentItem(Batch& batch, const PublicationItem& item)
     PublicationItem& current = batch.items.edit(batch.selectedIndex);
     const QSet<QString> paid = current.paidRenderFingerprints;
     current = item;
-    current.paidRenderFingerprints.unite(paid);    // a payment may be newer than `item`
+    current.paidRenderFingerprints = paid;    // no edit is a payment
     BatchSelection::keepInvariants(batch, BatchSelection::LayerRule::anyOrNone);
 }
 

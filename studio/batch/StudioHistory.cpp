@@ -82,35 +82,12 @@ std::optional<StudioHistorySnapshot> StudioHistory::endCanvasEdit()
     return std::exchange(m_activeCanvasEditSnapshot, std::nullopt);
 }
 
-void StudioHistory::collectPayments(const Batch& batch, Payments& payments)
+void StudioHistory::amend(const std::function<void(StudioHistorySnapshot&)>& apply)
 {
-    for (const PublicationItem& item : batch.items) {
-        if (!item.paidRenderFingerprints.isEmpty())
-            payments[item.id].unite(item.paidRenderFingerprints);
-    }
-}
-
-void StudioHistory::recordPayments(const Payments& paid, Batch& current)
-{
-    for (auto payment = paid.cbegin(); payment != paid.cend(); ++payment)
-        m_payments[payment.key()].unite(payment.value());
-    PublicationItems::Change change;
-    const auto record = [&](StudioHistorySnapshot& snapshot) {
-        for (qsizetype i = 0; i < snapshot.items.size(); ++i) {
-            const PublicationItem& item = snapshot.items[i];
-            const auto payment = paid.constFind(item.id);
-            if (payment == paid.cend() || item.paidRenderFingerprints.contains(*payment))
-                continue;
-            snapshot.items.edit(i, change, [&](PublicationItem& edited) {
-                edited.paidRenderFingerprints.unite(*payment);
-            });
-        }
-    };
-    std::ranges::for_each(m_undoStack, record);
-    std::ranges::for_each(m_redoStack, record);
+    std::ranges::for_each(m_undoStack, apply);
+    std::ranges::for_each(m_redoStack, apply);
     if (m_activeCanvasEditSnapshot)
-        record(*m_activeCanvasEditSnapshot);
-    record(current);
+        apply(*m_activeCanvasEditSnapshot);
 }
 
 void StudioHistory::clear()

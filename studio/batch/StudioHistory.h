@@ -4,6 +4,7 @@
 #include "studio/batch/Step.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 // The whole editing state at one moment. Its containers are shared with the batch it was taken
@@ -36,12 +37,8 @@ public:
     // Ends the gesture; nothing when none was under way.
     std::optional<StudioHistorySnapshot> endCanvasEdit();
 
-    // What was paid of which item since the history began, also of items that are gone.
-    using Payments = QHash<QUuid, QSet<QString>>;
-    const Payments& payments() const { return m_payments; }
-    static void collectPayments(const Batch& batch, Payments& payments);
-    // Renders are paid for: in every state that their items may come back in, and in `current`.
-    void recordPayments(const Payments& paid, Batch& current);
+    // Changes every state that may come back, by what is no edit: payments.
+    void amend(const std::function<void(StudioHistorySnapshot&)>& apply);
 
     void clear();
 
@@ -51,8 +48,7 @@ private:
                                                      const StudioHistorySnapshot& current);
 
     QList<StudioHistorySnapshot> m_undoStack, m_redoStack;    // oldest first
-    Payments m_payments;
-    Step m_lastStep = Step::own();                  // the one on top of the undo stack
+    Step m_lastStep = Step::own();                            // the one on top of the undo stack
     std::optional<Time> m_lastCoalescedUndoDate;    // of the last change that may be joined
     std::optional<StudioHistorySnapshot> m_activeCanvasEditSnapshot;
 };

@@ -1,20 +1,14 @@
 #include "studio/export/ExportOperation.h"
 
-#include "account/AccountError.h"
-#include "account/AccountSession.h"
 #include "platform/AtomicFile.h"
 #include "platform/Memory.h"
-#include "platform/PhotoCache.h"
 #include "platform/StagingFolder.h"
 #include "platform/Workers.h"
+#include "studio/export/RenderLanes.h"
 
 #include <QCoroFuture>
 #include <QFile>
 #include <QFileInfo>
-#include <QScopeGuard>
-
-#include <algorithm>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -26,10 +20,7 @@ struct ExportRun {
     ExportServices services;
     std::shared_ptr<ExportControl> control;
     ExportOutcome outcome;
-    std::vector<std::optional<RenderedOutput>> rendered;    // in the order of the items
     QList<PendingExport> pending;
-    qsizetype next = 0, done = 0;
-    bool isFailed = false;    // nothing more is begun
 
     bool isStopped() const { return control->stop; }
     qsizetype total(ExportProgress::Stage stage) const
@@ -45,58 +36,7 @@ struct ExportRun {
 };
 using SharedRun = std::shared_ptr<ExportRun>;
 using Stage = ExportProgress::Stage;
-
-using Rendering = std::variant<RenderedOutput, RenderFailure>;
-
-// Pictures of many sizes, freed in another order, leave holes that add up. They are given back now
-// and then: what the next picture needs would be paged in anew.
-void releaseHolesAfter(qsizetype index)
-{
-    constexpr qsizetype pictures = 8;
-    if (index % pictures == pictures - 1)
-        releaseFreedMemory();
-}
-
-Rendering renderedGuarded(const ExportRun& run, const PublicationItem& item, qsizetype index,
-                          const QString& file)
-{
-    const auto tidy = qScopeGuard([index] { releaseHolesAfter(index); });
-    try {
-        return renderedOutput(item, run.request.format, run.request.outputSize,
-                              *run.services.photos, file);
-    } catch (const std::exception&) {
-        return RenderFailure::photo;    // short of memory
-    }
-}
-
-void take(ExportRun& run, qsizetype index, const Rendering& rendering)
-{
-    if (const auto* output = std::get_if<RenderedOutput>(&rendering)) {
-        run.rendered[std::size_t(index)] = *output;
-    } else {
-        const bool isCacheFull = std::get<RenderFailure>(rendering) == RenderFailure::file;
-        const bool isLeftOut = !isCacheFull && run.control->leftOut;
-        if (!isLeftOut && !std::exchange(run.isFailed, true)) {
-            run.outcome.failed = run.request.items[index].image.path;
-            run.outcome.isCacheFull = isCacheFull;
-        }
-    }
-    run.progress(Stage::rendering, ++run.done);
-}
-
-// One item after the other, until none is left.
-QCoro::Task<> renderLane(SharedRun run)
-{
-    while (run->next < run->request.items.size() && !run->isStopped() && !run->isFailed) {
-        const qsizetype index = run->next++;
-        const PublicationItem item = run->request.items[index];
-        const QString file = run->control->staging->filePath(QString::number(index));
-        QFuture<Rendering> rendering = runOnWorker(
-            [run, item, index, file] { return renderedGuarded(*run, item, index, file); });
-        const Rendering rendered = co_await rendering;
-        take(*run, index, rendered);
-    }
-}
+using State = ExportOutcome::State;
 
 // Of what exports that were killed have left where this one writes.
 QFuture<void> cleared(const SharedRun& run)
@@ -110,6 +50,46 @@ QFuture<void> cleared(const SharedRun& run)
     });
 }
 
+RenderOrder orderOf(const SharedRun& run)
+{
+    const ExportRequest& request = run->request;
+    return {.items = request.items,
+            .format = request.format,
+            .outputSize = request.outputSize,
+            .jobs = request.jobs,
+            .leavesOutUnreadable = bool(run->control->leftOut),
+            .file = [run](qsizetype index) {
+                return run->control->staging->filePath(QString::number(index));
+            }};
+}
+
+RenderWatch watchOf(const SharedRun& run)
+{
+    return {.isStopped = [run] { return run->isStopped(); },
+            .progressed = [run](qsizetype done) { run->progress(Stage::rendering, done); }};
+}
+
+// Gives every picture its destination, or the reason why there is none.
+void address(ExportRun& run, const RenderedItems& rendered)
+{
+    if (rendered.failure) {
+        run.outcome.failed = rendered.failedPhoto;
+        run.outcome.isCacheFull = rendered.failure == RenderFailure::file;
+    }
+    if (run.isStopped() || rendered.failure) {
+        run.outcome.state = run.isStopped() ? State::stopped : State::notPrepared;
+        return;
+    }
+    for (qsizetype i = 0; i < run.request.items.size(); ++i) {
+        const QString& destination = run.request.destinations[i];
+        if (const auto& output = rendered.outputs[std::size_t(i)])
+            run.pending.append({destination, *output});
+        else
+            run.control->leftOut(destination);
+    }
+}
+
+// Leaves the outcome at done where all is prepared.
 QCoro::Task<> renderAll(SharedRun run)
 {
     const QString place = run->services.stagingPlace;
@@ -118,30 +98,18 @@ QCoro::Task<> renderAll(SharedRun run)
         return std::make_shared<StagingFolder>(place);
     });
     run->control->staging = co_await staging;
-    run->isFailed = run->outcome.isCacheFull = !run->control->staging->isUsable();
     QFuture<void> clearing = cleared(run);
     co_await clearing;
-    run->rendered.resize(std::size_t(run->request.items.size()));
-    const int cores = workers().maxThreadCount();
-    const int wanted = run->request.jobs > 0 ? std::min(run->request.jobs, cores) : cores + 1;
-    std::vector<QCoro::Task<>> lanes;
-    lanes.reserve(std::size_t(wanted));
-    for (int i = 0; i < wanted; ++i)
-        lanes.push_back(renderLane(run));
-    for (QCoro::Task<>& lane : lanes)
-        co_await lane;
-}
-
-void addressAll(ExportRun& run)
-{
-    for (std::size_t i = 0; i < run.rendered.size(); ++i) {
-        const QString& destination = run.request.destinations[qsizetype(i)];
-        if (run.rendered[i])
-            run.pending.append({destination, *run.rendered[i]});
-        else
-            run.control->leftOut(destination);
+    RenderedItems rendered;
+    if (run->control->staging->isUsable()) {
+        const RenderOrder order = orderOf(run);
+        const RenderWatch watch = watchOf(run);
+        QCoro::Task<RenderedItems> rendering = renderItems(order, run->services.photos, watch);
+        rendered = co_await std::move(rendering);
+    } else {
+        rendered.failure = RenderFailure::file;
     }
-    run.rendered.clear();
+    address(*run, rendered);
 }
 
 // Gives the system's reason, empty when it is done.
@@ -179,8 +147,8 @@ QCoro::Task<bool> writeAll(SharedRun run)
         (problem.isEmpty() ? outcome.written : outcome.unwritten).append(to);
         tell(*run, to, problem);
         run->progress(Stage::writing, outcome.written.size() + outcome.unwritten.size());
-        if (run->services.journal && problem.isEmpty())
-            run->services.journal->reached("wrote");
+        if (run->services.charge.journal && problem.isEmpty())
+            run->services.charge.journal->reached("wrote");
     }
     co_return outcome.unwritten.isEmpty();
 }
@@ -193,154 +161,50 @@ QList<RenderedOutput> outputsOf(const ExportRun& run)
     return outputs;
 }
 
-QStringList namesOf(const QList<RenderedOutput>& outputs)
+bool isWanted(const ExportRun& run, qint64 cost)
 {
-    QStringList names;
-    for (const RenderedOutput& output : outputs)
-        names.append(output.item.id.toString(QUuid::WithoutBraces) + u' ' + output.fingerprint);
-    return names;
+    if (run.isStopped())
+        return false;
+    run.progress(cost > 0 ? Stage::charging : Stage::writing, 0);
+    if (cost > 0 && run.control->charging)
+        run.control->charging(cost);
+    return true;
 }
 
-bool isAmong(const QSet<QString>& paid, const RenderedOutput& output)
+RenderAction actionOf(const SharedRun& run)
 {
-    return paid.contains(output.fingerprint) || paid.contains(output.pixels);
+    return {.name = u"download"_s,
+            .what = u"una exportación"_s,
+            .isWanted = [run](qint64 cost) { return isWanted(*run, cost); },
+            .work = [run] { return writeAll(run); }};
 }
 
-// The items stay as they are: they may all share one set of a hundred thousand names.
-QList<RenderedOutput> unpaidOutputsOf(const ExportRun& run)
+State stateOf(const ExportRun& run, RenderCharge::State state)
 {
-    QList<RenderedOutput> unpaid = unpaidRenderedOutputs(outputsOf(run));
-    if (run.services.paidMeanwhile) {
-        unpaid.removeIf([paid = run.services.paidMeanwhile()](const RenderedOutput& output) {
-            return isAmong(paid, output);
-        });
-    }
-    return unpaid;
-}
-
-std::function<bool()> dueCheck(const SharedRun& run, const QList<RenderedOutput>& unpaid)
-{
-    if (!run->services.paidMeanwhile)
-        return {};
-    return [run, unpaid] {
-        const QSet<QString> paid = run->services.paidMeanwhile();
-        return std::ranges::none_of(
-            unpaid, [&](const RenderedOutput& output) { return isAmong(paid, output); });
-    };
-}
-
-ChargedOperation chargeOf(const SharedRun& run, const QList<RenderedOutput>& unpaid)
-{
-    return {
-        .requestId = creditRequestID(unpaid, u"download"_s),
-        .cost = run->outcome.cost,
-        .what = u"una exportación"_s,
-        .covers = namesOf(unpaid),
-        .isStillDue = dueCheck(run, unpaid),
-        .work = [run] { return writeAll(run); },
-        .record =
-            [run](const QString& entry) { return run->services.record(outputsOf(*run), entry); }};
-}
-
-using State = ExportOutcome::State;
-
-State stateOf(const ExportRun& run, const ChargeResult& result)
-{
-    switch (result.state) {
-    case ChargeResult::State::done:
+    switch (state) {
+    case RenderCharge::State::done:
         return State::done;
-    case ChargeResult::State::notReserved:
+    case RenderCharge::State::tooFewCredits:
+        return State::tooFewCredits;
+    case RenderCharge::State::notReserved:
         return State::notReserved;
-    case ChargeResult::State::failed:
+    case RenderCharge::State::notWanted:
+        return State::stopped;
+    case RenderCharge::State::failed:
         return run.outcome.unwritten.isEmpty() && run.isStopped() ? State::stopped
                                                                   : State::notWritten;
     }
     Q_UNREACHABLE();
 }
 
-void take(ExportOutcome& outcome, const ExportRun& run, const ChargeResult& result)
-{
-    outcome.state = stateOf(run, result);
-    outcome.isCharged = outcome.cost > 0 && outcome.state != State::notReserved;
-    outcome.isRefundPending = result.isRefundPending;
-    outcome.isRecorded = result.isRecorded || !outcome.isCharged;
-    outcome.refusal = result.refusal;
-    if (outcome.state == State::notReserved)
-        outcome.reason = result.error;
-}
-
-void refuse(ExportOutcome& outcome)
-{
-    outcome.state = State::notReserved;
-    outcome.reason = AccountError::unauthorized().text();
-    outcome.refusal = ChargeResult::Refusal::signedOut;
-}
-
-// For what was never paid for, and so is not free whatever its pixels are.
-qint64 leastCost(const ExportRun& run)
-{
-    if (run.services.paidMeanwhile && !run.services.paidMeanwhile().isEmpty())
-        return 0;
-    return exportCreditCost * std::ranges::count_if(run.request.items, [](const auto& item) {
-               return item.paidRenderFingerprints.isEmpty();
-           });
-}
-
-QCoro::Task<bool> isOutOfReach(SharedRun run)
-{
-    const QPointer<AccountSession> account = run->services.account;
-    const qint64 price = run->request.price.value_or(0);
-    const qint64 least = leastCost(*run);
-    const auto isShort = [&] {
-        return account && account->isAuthenticated() && account->account().balance < least;
-    };
-    if (!isShort() || price <= account->account().balance)
-        co_return false;
-    // Some may have been bought elsewhere meanwhile.
-    QCoro::Task<bool> refreshing = account->refreshSilently();
-    co_await std::move(refreshing);
-    co_return isShort();
-}
-
 QCoro::Task<> chargeAndWrite(SharedRun run)
 {
-    ExportOutcome& outcome = run->outcome;
-    const QList<RenderedOutput> unpaid = unpaidOutputsOf(*run);
-    outcome.cost = exportCreditCost * unpaid.size();
-    const QPointer<AccountSession> account = run->services.account;
-    const QPointer<CreditJournal> journal = run->services.journal;
-    QString payer = run->request.payer;
-    if (payer.isEmpty() && account)
-        payer = account->accountKey();
-    if (outcome.cost > 0 && account && account->account().balance < outcome.cost) {
-        // Some may have been bought elsewhere meanwhile.
-        QCoro::Task<bool> refreshing = account->refreshSilently();
-        co_await std::move(refreshing);
-    }
-    const bool isSignedIn = account && !payer.isEmpty() && account->accountKey() == payer;
-    if (!journal || (outcome.cost > 0 && !isSignedIn)) {
-        refuse(outcome);
-        co_return;
-    }
-    if (outcome.cost > 0 && account->account().balance < outcome.cost) {
-        outcome.state = State::tooFewCredits;
-        co_return;
-    }
-    if (run->isStopped()) {
-        outcome.state = State::stopped;
-        co_return;
-    }
-    run->progress(outcome.cost > 0 ? Stage::charging : Stage::writing, 0);
-    if (outcome.cost > 0 && run->control->charging)
-        run->control->charging(outcome.cost);
-    const ChargedOperation operation = chargeOf(run, unpaid);
-    QCoro::Task<ChargeResult> charging = journal->run(operation);
-    const ChargeResult result = co_await std::move(charging);
-    take(outcome, *run, result);
-    // After a refusal too: the balance that is known was another.
-    const bool isNews = outcome.isDone() || outcome.refusal == ChargeResult::Refusal::tooFewCredits;
-    if (account && isNews)
-        account->refreshSilently();
+    const RenderAction action = actionOf(run);
+    QCoro::Task<RenderCharge> charging =
+        chargeRenders(outputsOf(*run), action, run->services.charge);
+    const RenderCharge charge = co_await std::move(charging);
+    static_cast<Charge&>(run->outcome) = charge;
+    run->outcome.state = stateOf(*run, charge.state);
 }
 
 // Removing a thousand files takes a while.
@@ -352,22 +216,17 @@ QFuture<void> emptied(const std::shared_ptr<ExportControl>& control)
 
 QCoro::Task<ExportOutcome> runShared(SharedRun run)
 {
-    ExportOutcome& outcome = run->outcome;
-    QCoro::Task<bool> asking = isOutOfReach(run);
+    const qint64 price = run->request.price.value_or(0);
+    QCoro::Task<bool> asking = isOutOfReach(run->request.items, price, run->services.charge);
     if (co_await std::move(asking)) {
-        outcome.state = State::tooFewCredits;
-        outcome.cost = *run->request.price;
-        const ExportOutcome refused = outcome;
+        run->outcome.state = State::tooFewCredits;
+        run->outcome.cost = price;
+        const ExportOutcome refused = run->outcome;
         co_return refused;
     }
     QCoro::Task<> rendering = renderAll(run);
     co_await std::move(rendering);
-    if (run->isStopped()) {
-        outcome.state = State::stopped;
-    } else if (run->isFailed) {
-        outcome.state = State::notPrepared;
-    } else {
-        addressAll(*run);
+    if (run->outcome.isDone()) {
         QCoro::Task<> charging = chargeAndWrite(run);
         co_await std::move(charging);
     }

@@ -1,17 +1,15 @@
 #pragma once
 
-#include "account/CreditJournal.h"
 #include "studio/export/BatchExport.h"
-#include "studio/export/RenderedOutput.h"
+#include "studio/export/RenderCharge.h"
 
 #include <QCoroTask>
-#include <QPointer>
 
 #include <atomic>
 #include <functional>
 #include <memory>
 
-class AccountSession;
+class PhotoCache;
 class StagingFolder;
 
 // How far an export is.
@@ -37,22 +35,15 @@ struct ExportRequest {
     QStringList destinations;    // one an item
     SocialFormat format = SocialFormat::carouselPortrait;
     OutputSize outputSize = exportSizeOf;
-    int jobs = 0;     // items rendered at once, at most one a core; 0: one a core
-    QString payer;    // the account's key; empty: whoever is signed in when all is rendered
+    int jobs = 0;                   // see RenderOrder
     std::optional<qint64> price;    // that was shown, in credits; nothing: it was not known yet
 };
 
-// What an export works with. Account and journal may go while it runs.
+// What an export works with.
 struct ExportServices {
     std::shared_ptr<PhotoCache> photos;
-    QPointer<AccountSession> account;
-    QPointer<CreditJournal> journal;
     QString stagingPlace;    // for rendered pictures that are not paid yet
-    // Stores that these are paid, and removes the preference `entry`, in one transaction. Gives
-    // whether it is stored already.
-    std::function<bool(const QList<RenderedOutput>& outputs, const QString& entry)> record;
-    // What was paid for by others since the items were made; may be empty.
-    std::function<QSet<QString>()> paidMeanwhile;
+    ChargeServices charge;
 };
 
 // Shared by who runs an export and who may end it.
@@ -68,7 +59,7 @@ struct ExportControl {
     std::shared_ptr<StagingFolder> staging;    // while it runs
 };
 
-struct ExportOutcome {
+struct ExportOutcome : Charge {
     enum class State {
         done,
         notPrepared,    // an image could not be rendered
@@ -79,12 +70,6 @@ struct ExportOutcome {
     };
 
     State state = State::done;
-    qint64 cost = 0;                 // credits that were charged, or would have been
-    bool isCharged = false;          // they were reserved
-    bool isRefundPending = false;    // and come back later
-    bool isRecorded = true;          // else a crash now would count as a failure
-    QString reason;    // why nothing was reserved or prepared, where there is more to say of it
-    ChargeResult::Refusal refusal = ChargeResult::Refusal::other;
     QStringList written, unwritten;    // files that were tried
     QString failed;                    // the photo that could not be prepared
     bool isCacheFull = false;          // pictures could not be put aside

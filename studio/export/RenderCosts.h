@@ -25,6 +25,7 @@ public:
     // what changes until then; what is known of the others stays.
     void scheduleRenderCostRefresh(const Batch& batch, std::chrono::milliseconds debounce);
     void refreshRenderCostsNow();
+    const Batch& batch() const { return m_batch; }
 
     // Looks whether the photos are still those that came into the batch.
     void lookAtPhotos();

@@ -8,8 +8,6 @@
 
 #include <QCryptographicHash>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 std::optional<QByteArray> usableContent(const PhotoHandle& photo,
@@ -46,14 +44,6 @@ std::variant<RenderedOutput, RenderFailure> renderedOutput(const PublicationItem
         return RenderFailure::file;
     return RenderedOutput{item, file, renderFingerprint({item, *content, size, designSize(format)}),
                           pixelFingerprint(png)};
-}
-
-QList<RenderedOutput> unpaidRenderedOutputs(const QList<RenderedOutput>& outputs)
-{
-    QList<RenderedOutput> unpaid;
-    std::ranges::copy_if(outputs, std::back_inserter(unpaid),
-                         [](const RenderedOutput& output) { return !output.isPaid(); });
-    return unpaid;
 }
 
 QString creditRequestID(const QList<RenderedOutput>& outputs, const QString& action)

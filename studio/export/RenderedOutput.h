@@ -24,13 +24,6 @@ struct RenderedOutput {
     QString file;
     QString fingerprint;    // of what it was made of
     QString pixels;         // of what came out
-
-    // Either of the two was paid for.
-    bool isPaid() const
-    {
-        return item.paidRenderFingerprints.contains(fingerprint) ||
-               item.paidRenderFingerprints.contains(pixels);
-    }
 };
 
 enum class RenderFailure {
@@ -43,8 +36,6 @@ std::variant<RenderedOutput, RenderFailure> renderedOutput(const PublicationItem
                                                            SocialFormat format,
                                                            const OutputSize& outputSize,
                                                            PhotoCache& photos, const QString& file);
-
-QList<RenderedOutput> unpaidRenderedOutputs(const QList<RenderedOutput>& outputs);
 
 // Names one payment: for the same action on the same outputs, in any order, always the same.
 QString creditRequestID(const QList<RenderedOutput>& outputs, const QString& action);

@@ -3,6 +3,7 @@
 #include "account/AccountError.h"
 #include "account/WebAuthentication.h"
 #include "platform/PreferencesStore.h"
+#include "tests/FullDisk.h"
 #include "tests/account/Awaited.h"
 #include "tests/account/ScriptedServer.h"
 
@@ -178,6 +179,20 @@ TEST_F(AccountSessionTest, SigningOutLeavesNothingAndNothingBringsItBack)
     EXPECT_EQ(one.message(), u"Sesión cerrada."_s);
 }
 
+TEST_F(AccountSessionTest, ASessionThatStaysOnAFullDiskIsTold)
+{
+    preferences.setValue(u"tallerioSessionCookieHeader"_s, "tallerio_session=abc");
+    AccountAPI holding(server.configuration(), preferences);
+    AccountSession one(holding, surroundings());
+    awaited(one.bootstrap());
+    refuseWrites(true);
+    EXPECT_TRUE(awaited(one.logout()));
+    EXPECT_EQ(one.message(), u"Sesión cerrada, pero no se ha podido borrar de este equipo: no se "
+                             "puede escribir en «%1»."_s.arg(folder.path()));
+    EXPECT_TRUE(one.isProblem() && !one.isAuthenticated());
+    refuseWrites(false);
+}
+
 TEST_F(AccountSessionTest, AFailedActionTellsWhyAndChangesNothing)
 {
     AccountSession& one = started();
@@ -195,8 +210,12 @@ TEST_F(AccountSessionTest, AFailedActionTellsWhyAndChangesNothing)
 
     answers["/api/credits/social-copy/reserve"] = "402";
     errorBody = R"({"error":"insufficient_credits"})";
-    EXPECT_THROW(awaited(one.reserveCloudCopyCredits(5, u"r"_s)), AccountError);
+    QCoro::Task<> reserving = one.reserveCloudCopyCredits(5, u"r"_s);
+    EXPECT_TRUE(one.isWorking() && !one.isActing());
+    EXPECT_THROW(awaited(std::move(reserving)), AccountError);
     EXPECT_EQ(one.message(), u"No tienes créditos suficientes."_s);
+    EXPECT_EQ(one.outcome(), u"Email o contraseña incorrectos."_s) << "screens show no charges";
+    EXPECT_FALSE(one.isWorking());
     answers["/api/credits/social-copy/refund"] = R"({"balance":95,"cost":5,"ok":true})";
     awaited(one.refundCloudCopyCredits(5, u"r"_s));
     EXPECT_EQ(one.message(), u"5 créditos devueltos."_s);

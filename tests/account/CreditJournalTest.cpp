@@ -1,15 +1,15 @@
 #include "account/CreditJournal.h"
 
 #include "account/AccountAPI.h"
+#include "account/AccountError.h"
 #include "account/AccountSession.h"
 #include "platform/PreferencesStore.h"
+#include "tests/FullDisk.h"
 #include "tests/account/Awaited.h"
 #include "tests/account/ScriptedServer.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -50,15 +50,6 @@ public:
     QByteArrayList log;      // "reserve", "refund"
 };
 
-// As a full disk does.
-void refuseWrites(bool refuse)
-{
-    for (const QString& name : QSqlDatabase::connectionNames()) {
-        QSqlQuery query(QSqlDatabase::database(name, false));
-        query.exec(u"PRAGMA query_only=%1"_s.arg(refuse ? u"ON"_s : u"OFF"_s));
-    }
-}
-
 bool turnUntil(const std::function<bool()>& isDone)
 {
     QElapsedTimer watch;
@@ -94,7 +85,7 @@ struct Program {
                 .covers = {u"a"_s, u"b"_s},
                 .isStillDue = {},
                 .work = work,
-                .record = [this](const QString& entry) { return preferences.remove(entry); }};
+                .record = [this](const Strike& strike) { return preferences.transaction(strike); }};
     }
     QStringList entries() const
     {
@@ -156,6 +147,32 @@ TEST_F(CreditJournalTest, AnEntryIsThereFromBeforeTheReservationUntilItsEnd)
     EXPECT_EQ(steps, QByteArrayList({"opened11", "reserved12", "refunding12", "refunded13"}));
     EXPECT_TRUE(program.entries().isEmpty());
     EXPECT_EQ(bank.log, QByteArrayList({"reserve", "reserve", "refund"}));
+}
+
+TEST_F(CreditJournalTest, AFailureIsHandedOnAndMoreIsStoredOnlyWithTheEndOfItsEntry)
+{
+    Program program(bank, folder.path());
+    const ChargeResult failed = program.pay([]() -> QCoro::Task<bool> {
+        throw AccountError::message(u"La red no responde."_s);
+        co_return false;
+    });
+    EXPECT_EQ(failed.state, ChargeResult::State::failed);
+    EXPECT_EQ(failed.error, u"La red no responde."_s);
+
+    ChargedOperation writing = program.operation(&succeed);
+    bool isRoom = false;
+    Strike again;
+    writing.alsoStore = [&] { return program.preferences.setValue(u"texto"_s, "Otoño") && isRoom; };
+    writing.record = [&](const Strike& strike) {
+        again = strike;
+        return program.preferences.transaction(strike);
+    };
+    EXPECT_FALSE(awaited(program.journal.run(writing)).isRecorded);
+    EXPECT_FALSE(program.preferences.contains(u"texto"_s));
+    EXPECT_EQ(program.entries().size(), 1);
+    isRoom = true;
+    EXPECT_TRUE(program.preferences.transaction(again));
+    EXPECT_TRUE(program.preferences.contains(u"texto"_s) && program.entries().isEmpty());
 }
 
 TEST_F(CreditJournalTest, WhatADeadProgramLeftIsGivenBackOnceAndToItsOwner)

@@ -21,9 +21,11 @@ TEST(PaidRenders, manyCommandsAddToWhateverIsThere)
         many[i].fingerprint = u"fingerprint-%1"_s.arg(i);
         many[i].pixels = u"pixels-%1"_s.arg(i);
     }
-    EXPECT_TRUE(addPaidRenders(one, account, many, u"entry"_s));
-    EXPECT_TRUE(addPaidRenders(other, account, {{{}, {}, u"a"_s, u"b"_s}}, {}));
-    EXPECT_TRUE(addPaidRenders(one, account, many, {}));
+    const auto strike = [&one] { return one.remove(u"entry"_s); };
+    const auto nothing = [] { return true; };
+    EXPECT_TRUE(addPaidRenders(one, account, many, strike));
+    EXPECT_TRUE(addPaidRenders(other, account, {{{}, {}, u"a"_s, u"b"_s}}, nothing));
+    EXPECT_TRUE(addPaidRenders(one, account, many, nothing));
     EXPECT_FALSE(one.contains(u"entry"_s));
     const QSet<QString> paid = paidRenders(one, account);
     EXPECT_TRUE(paid.contains({u"pixels-49999"_s, u"fingerprint-0"_s, u"a"_s, u"b"_s}));

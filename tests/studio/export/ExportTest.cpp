@@ -1,3 +1,5 @@
+#include "canvas/RenderFingerprint.h"
+#include "tests/FullDisk.h"
 #include "tests/studio/PayingStudio.h"
 
 #include <QFile>
@@ -202,12 +204,6 @@ TEST_F(ExportTest, WhatIsPaidIsStoredWithTheEndOfItsEntryOrLater)
     const auto entries = [&] {
         return studio->preferences.keysBeginningWith(u"moltiva.creditReservation."_s);
     };
-    const auto refuseWrites = [](bool refuse) {
-        for (const QString& name : QSqlDatabase::connectionNames()) {
-            QSqlQuery query(QSqlDatabase::database(name, false));
-            query.exec(u"PRAGMA query_only=%1"_s.arg(refuse ? u"ON"_s : u"OFF"_s));
-        }
-    };
     loadThree();
     studio->journal.stepReached = [&](const char* step) {
         if (QByteArrayView(step) == "worked")
@@ -224,6 +220,24 @@ TEST_F(ExportTest, WhatIsPaidIsStoredWithTheEndOfItsEntryOrLater)
     restart();
     EXPECT_EQ(studio->prices().first, 0);
     EXPECT_EQ(world.charged(), 50);
+}
+
+// By another operation of the same window.
+TEST_F(ExportTest, WhatIsPaidMeanwhileIsNotPaidAgain)
+{
+    loadThree();
+    const PublicationItem item = session().batch().items[1];
+    const SocialFormat format = session().batch().format;
+    const RenderSource source{item, item.image.digest, PayingStudio::smallSize(format),
+                              designSize(format)};
+    const RenderedOutput output{item, {}, renderFingerprint(source), u"pixels-x"_s};
+    bool isPaid = false;
+    QObject::connect(&session(), &StudioSession::exportChanged, [&] {
+        if (session().isExporting() && !std::exchange(isPaid, true))
+            session().markRenderedOutputsAsPaid({output}, {});
+    });
+    EXPECT_EQ(studio->exportAll(), u"Exportadas 3 imágenes. Coste: 100 créditos."_s);
+    EXPECT_EQ(world.charged(), 100);
 }
 
 TEST_F(ExportTest, APaymentDuringAGestureOutlivesItsUndo)

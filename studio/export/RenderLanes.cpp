@@ -1,0 +1,108 @@
+#include "studio/export/RenderLanes.h"
+
+#include "platform/Memory.h"
+#include "platform/PhotoCache.h"
+#include "platform/Workers.h"
+
+#include <QCoroFuture>
+#include <QScopeGuard>
+
+#include <algorithm>
+
+namespace {
+
+using Rendering = std::variant<RenderedOutput, RenderFailure>;
+
+// What the lanes of one order share.
+struct LaneRun {
+    RenderOrder order;
+    std::shared_ptr<PhotoCache> photos;
+    RenderWatch watch;
+    RenderedItems rendered;
+    qsizetype next = 0, done = 0;
+
+    bool isOver() const
+    {
+        return next == order.items.size() || rendered.failure ||
+               (watch.isStopped && watch.isStopped());
+    }
+};
+using SharedLaneRun = std::shared_ptr<LaneRun>;
+
+// Pictures of many sizes, freed in another order, leave holes that add up. They are given back only
+// now and then: the next picture would have to get its memory from the system again.
+void releaseHolesAfter(qsizetype index)
+{
+    constexpr qsizetype pictures = 8;
+    if (index % pictures == pictures - 1)
+        releaseFreedMemory();
+}
+
+Rendering renderedGuarded(const LaneRun& run, const PublicationItem& item, qsizetype index,
+                          const QString& file)
+{
+    const auto tidy = qScopeGuard([index] { releaseHolesAfter(index); });
+    try {
+        return renderedOutput(item, run.order.format, run.order.outputSize, *run.photos, file);
+    } catch (const std::exception&) {
+        return RenderFailure::photo;    // short of memory
+    }
+}
+
+void take(LaneRun& run, qsizetype index, const Rendering& rendering)
+{
+    if (const auto* output = std::get_if<RenderedOutput>(&rendering)) {
+        run.rendered.outputs[std::size_t(index)] = *output;
+    } else {
+        const auto failure = std::get<RenderFailure>(rendering);
+        const bool isLeftOut = failure == RenderFailure::photo && run.order.leavesOutUnreadable;
+        if (!isLeftOut && !run.rendered.failure) {
+            run.rendered.failure = failure;
+            run.rendered.failedPhoto = run.order.items[index].image.path;
+        }
+    }
+    ++run.done;
+    if (run.watch.progressed)
+        run.watch.progressed(run.done);
+}
+
+// One item after the other, until none is left.
+QCoro::Task<> renderLane(SharedLaneRun run)
+{
+    while (!run->isOver()) {
+        const qsizetype index = run->next++;
+        const PublicationItem item = run->order.items[index];
+        const QString file = run->order.file(index);
+        QFuture<Rendering> rendering = runOnWorker(
+            [run, item, index, file] { return renderedGuarded(*run, item, index, file); });
+        const Rendering rendered = co_await rendering;
+        take(*run, index, rendered);
+    }
+}
+
+QCoro::Task<RenderedItems> renderShared(SharedLaneRun run)
+{
+    const int cores = workers().maxThreadCount();
+    const int wanted = run->order.jobs > 0 ? std::min(run->order.jobs, cores) : cores + 1;
+    std::vector<QCoro::Task<>> lanes;
+    lanes.reserve(std::size_t(wanted));
+    for (int i = 0; i < wanted; ++i)
+        lanes.push_back(renderLane(run));
+    for (QCoro::Task<>& lane : lanes)
+        co_await lane;
+    const RenderedItems rendered = run->rendered;
+    co_return rendered;
+}
+
+}    // namespace
+
+QCoro::Task<RenderedItems> renderItems(RenderOrder order, std::shared_ptr<PhotoCache> photos,
+                                       RenderWatch watch)
+{
+    const auto run = std::make_shared<LaneRun>();
+    run->rendered.outputs.resize(std::size_t(order.items.size()));
+    run->order = std::move(order);
+    run->photos = std::move(photos);
+    run->watch = std::move(watch);
+    return renderShared(run);
+}
