@@ -139,9 +139,3 @@ private:
     std::optional<QString> m_endedSessionKept;
     HttpClient m_http;
 };
-
-// What to send back as "Cookie", of a reply's headers; empty when they hold no session.
-QByteArray sessionCookieIn(const HttpHeaders& headers);
-
-// The body of a reply, or the error that the reply stands for.
-QByteArray acceptedBody(const HttpReply& reply, const QString& siteName);

@@ -2,64 +2,20 @@
 
 #include "account/AccountError.h"
 #include "account/CreditAccount.h"
-#include "model/GuardedJson.h"
-#include "model/JsonMapping.h"
+#include "account/JournalEntry.h"
 #include "platform/HttpClient.h"
 #include "platform/PreferencesStore.h"
 
 #include <QDateTime>
 #include <QPointer>
-#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
-// What is asked for and neither settled nor given back.
-struct OpenReservation {
-    QString requestId, account, what;
-    QString run;    // of the program, that works on it
-    qint64 cost = 0;
-    bool isReserved = false;    // the service said so, and the user was not told otherwise
-    double lateUntil = 0;       // a reservation may still arrive until then; ms since the epoch
-    double lateBefore = 0;      // the same of an entry that this one took over
-    QStringList covers;         // what is paid for
-    double deniedAt =
-        0;    // when the service first denied what it had confirmed; ms, 0: it did not
-};
-
-template <>
-struct json::JsonFields<OpenReservation> {
-    static constexpr auto fields = std::tuple{required("requestId", &OpenReservation::requestId),
-                                              required("account", &OpenReservation::account),
-                                              required("what", &OpenReservation::what),
-                                              required("run", &OpenReservation::run),
-                                              required("cost", &OpenReservation::cost),
-                                              required("isReserved", &OpenReservation::isReserved),
-                                              required("lateUntil", &OpenReservation::lateUntil),
-                                              required("lateBefore", &OpenReservation::lateBefore),
-                                              required("covers", &OpenReservation::covers),
-                                              optional("deniedAt", &OpenReservation::deniedAt)};
-};
-
 namespace {
-
-const QString entryPrefix = u"moltiva.creditReservation."_s;
-
-QString keyPrefixOf(const QString& account)
-{
-    return entryPrefix + QString::fromLatin1(QUrl::toPercentEncoding(account)) + u' ';
-}
 
 double now()
 {
     return double(QDateTime::currentMSecsSinceEpoch());
-}
-
-std::optional<OpenReservation> entryAt(const QString& key, const PreferencesStore& preferences)
-{
-    const auto stored = preferences.value(key);
-    OpenReservation entry;
-    return stored && json::read(json::parsedWithCare(*stored), entry) ? std::optional(entry)
-                                                                      : std::nullopt;
 }
 
 // What is told of several entries together.
@@ -262,7 +218,7 @@ QString CreditJournal::open(const QString& key, const ChargedOperation& operatio
         isDue = !operation.isStillDue || operation.isStillDue();
         OpenReservation entry = opened;
         entry.lateBefore = before ? before->lateUntil : 0;
-        return !isOthers && isDue && m_preferences.setValue(key, json::written(entry));
+        return !isOthers && isDue && m_preferences.setValue(key, writtenEntry(entry));
     };
     const bool isOpen = !opened.run.isEmpty() &&
                         m_preferences.transaction(write, PreferencesStore::Durability::onDisk);
@@ -298,7 +254,7 @@ bool CreditJournal::changeEntry(const QString& key, Change change)
     if (!entry)
         return false;
     change(*entry);
-    return m_preferences.setValue(key, json::written(*entry));
+    return m_preferences.setValue(key, writtenEntry(*entry));
 }
 
 void CreditJournal::noteReserved(const QString& key)

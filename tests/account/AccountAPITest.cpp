@@ -1,5 +1,6 @@
 #include "account/AccountAPI.h"
 #include "account/AccountError.h"
+#include "account/AccountHttp.h"
 #include "platform/PreferencesStore.h"
 #include "tests/account/Awaited.h"
 #include "tests/account/ScriptedServer.h"

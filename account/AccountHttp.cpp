@@ -1,0 +1,94 @@
+#include "account/AccountHttp.h"
+
+#include "account/AccountError.h"
+#include "account/AccountRecords.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool isRedirection(int status)
+{
+    constexpr std::array statuses{301, 302, 303, 307, 308};
+    return std::ranges::find(statuses, status) != statuses.end();
+}
+
+}    // namespace
+
+QByteArray sessionCookieIn(const HttpHeaders& headers)
+{
+    QByteArray found;
+    for (const auto& [name, value] : headers) {
+        if (name.compare("set-cookie", Qt::CaseInsensitive) != 0)
+            continue;
+        const qsizetype start = value.indexOf(sessionCookiePrefix);
+        if (start < 0)
+            continue;
+        const qsizetype end = value.indexOf(';', start);
+        const QByteArray cookie = value.mid(start, end < 0 ? -1 : end - start).trimmed();
+        if (cookie.size() > sessionCookiePrefix.size() && isHeaderText(cookie))
+            found = cookie;
+    }
+    return found;
+}
+
+QByteArray acceptedBody(const HttpReply& reply, const QString& siteName)
+{
+    if (reply.status >= 200 && reply.status <= 299)
+        return reply.body;
+    const auto payload = fromWire<APIErrorPayload>(reply.body).value_or(APIErrorPayload());
+    if (reply.status == 401)
+        throw AccountError::unauthorized(payload.error.value_or(QString()));
+    const QString code = payload.error.value_or(u"server_error"_s);
+    throw AccountError::message(userMessage(code, siteName), code);
+}
+
+bool isHeaderText(QByteArrayView text)
+{
+    return std::ranges::all_of(text, [](char c) { return c >= 0x20 && c < 0x7f; });
+}
+
+std::optional<QUrl> locationIn(const HttpReply& reply, const QUrl& asked)
+{
+    const auto found = std::ranges::find_if(reply.headers, [](const auto& header) {
+        return header.first.compare("location", Qt::CaseInsensitive) == 0;
+    });
+    if (!isRedirection(reply.status) || found == reply.headers.end())
+        return std::nullopt;
+    const QUrl location = QUrl::fromEncoded(found->second, QUrl::StrictMode);
+    if (location.isEmpty() || !location.isValid())
+        return std::nullopt;
+    return asked.resolved(location);
+}
+
+bool sameOrigin(const QUrl& one, const QUrl& other)
+{
+    const auto port = [](const QUrl& url) {
+        return url.port(url.scheme() == u"https"_s ? 443 : 80);
+    };
+    return one.scheme() == other.scheme() && one.host() == other.host() && port(one) == port(other);
+}
+
+// What a POST was answered with lies elsewhere, as every client reads 301 and 302; so does anything
+// with 303. The others ask for the same again.
+void redirect(HttpRequest& request, const QUrl& location, int status)
+{
+    request.url = location;
+    const bool isElsewhere =
+        status == 303 || ((status == 301 || status == 302) && request.method == "POST");
+    if (!isElsewhere || request.method == "GET")
+        return;
+    request.method = "GET";
+    request.body.reset();
+    request.headers.removeIf([](const auto& header) { return header.first == "Content-Type"; });
+}
+
+void setCookie(HttpRequest& request, const QByteArray& cookie)
+{
+    request.headers.removeIf([](const auto& header) { return header.first == "Cookie"; });
+    if (!cookie.isEmpty())
+        request.headers.emplaceBack("Cookie", cookie);
+}

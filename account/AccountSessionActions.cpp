@@ -1,0 +1,297 @@
+// What the user does with his account: sign-in and its links, profile and password, purchases.
+#include "account/AccountAPI.h"
+#include "account/AccountError.h"
+#include "account/AccountSession.h"
+#include "account/WebAuthentication.h"
+
+#include <QUrlQuery>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString linkScheme = u"moltiva"_s;
+
+QString oauthMessage(const QString& code)
+{
+    if (code == u"oauth_not_configured"_s)
+        return u"El acceso con Google todavía no está configurado en Tallerio."_s;
+    if (code == u"oauth_invalid_state"_s)
+        return u"La sesión de Google ha caducado. Inténtalo otra vez."_s;
+    if (code == u"invalid_credentials"_s)
+        return u"Esta cuenta no puede acceder."_s;
+    return u"No se ha podido completar el acceso con Google."_s;
+}
+
+bool isPage(const QUrl& url)
+{
+    return url.scheme() == u"https"_s || url.scheme() == u"http"_s;
+}
+
+std::optional<QString> queryItem(const QUrl& url, const QString& name)
+{
+    const QUrlQuery query(url);
+    if (!query.hasQueryItem(name))
+        return std::nullopt;
+    return query.queryItemValue(name, QUrl::FullyDecoded);
+}
+
+}    // namespace
+
+QCoro::Task<bool> AccountSession::login(const QString& email, const QString& password)
+{
+    return perform([this, email, password] {
+        return enter(m_api.login(email, password, m_stop.get_token()), u"Sesión iniciada."_s);
+    });
+}
+
+QCoro::Task<bool> AccountSession::registerAccount(const QString& email, const QString& password)
+{
+    return perform([this, email, password] {
+        return enter(m_api.registerAccount(email, password, m_stop.get_token()),
+                     u"Cuenta creada."_s);
+    });
+}
+
+QCoro::Task<> AccountSession::enter(QCoro::Task<AccountSummary> signingIn, QString told)
+{
+    const AccountSummary account = co_await std::move(signingIn);
+    changeUser(account);
+    tell(told);
+    configure();
+    syncWhileSignedIn();
+}
+
+QCoro::Task<bool> AccountSession::requestPasswordReset(const QString& email)
+{
+    return perform([this, email] { return requestReset(email); });
+}
+
+QCoro::Task<> AccountSession::requestReset(QString email)
+{
+    co_await m_api.requestPasswordReset(email, m_stop.get_token());
+    tell(u"Si existe una cuenta con ese email, recibirás un enlace para crear una nueva "
+         "contraseña."_s);
+}
+
+QCoro::Task<bool> AccountSession::logout()
+{
+    return perform([this] { return leave(); });
+}
+
+QCoro::Task<> AccountSession::leave()
+{
+    co_await m_api.logout(m_stop.get_token());
+    changeUser({});
+    if (const auto reason = m_api.whyEndedSessionIsKept()) {
+        tell(u"Sesión cerrada, pero no se ha podido borrar de este equipo: %1."_s.arg(*reason),
+             Told::problem);
+    } else {
+        tell(u"Sesión cerrada."_s);
+    }
+}
+
+QCoro::Task<bool> AccountSession::updateProfile(const QString& fullName)
+{
+    return perform([this, fullName] { return saveProfile(fullName); });
+}
+
+QCoro::Task<> AccountSession::saveProfile(QString fullName)
+{
+    const int signIn = m_signIn;
+    const AccountSummary account = co_await m_api.updateProfile(fullName, m_stop.get_token());
+    if (signIn != m_signIn)
+        co_return;    // another user's by now
+    setAccount(account);
+    tell(u"Perfil guardado."_s);
+}
+
+QCoro::Task<bool> AccountSession::changePassword(const QString& currentPassword,
+                                                 const QString& newPassword,
+                                                 const QString& confirmNewPassword)
+{
+    return perform([this, currentPassword, newPassword, confirmNewPassword] {
+        return savePassword(currentPassword, newPassword, confirmNewPassword);
+    });
+}
+
+QCoro::Task<> AccountSession::savePassword(QString current, QString changed, QString confirmed)
+{
+    co_await m_api.changePassword(current, changed, confirmed, m_stop.get_token());
+    tell(u"Contraseña actualizada."_s);
+}
+
+QCoro::Task<bool> AccountSession::openGoogleLogin()
+{
+    return perform([this] { return startGoogleLogin(); });
+}
+
+QCoro::Task<> AccountSession::startGoogleLogin()
+{
+    const QPointer<AccountSession> self = this;
+    m_isSigningInOverWindow = false;
+    tell(u"Completa el acceso con Google."_s);
+    co_await m_api.locate();
+    if (!self)
+        co_return;
+    const QUrl url = m_api.googleOAuthURL();
+    WebAuthentication* overWindow = m_surroundings.webAuthentication;
+    const auto completed = [self](const GoogleAuthenticationResult& result) {
+        if (self)
+            self->handleGoogleAuthenticationResult(result);
+    };
+    if (overWindow && overWindow->start(url, linkScheme, completed)) {
+        m_isSigningInOverWindow = true;
+        co_return;
+    }
+    openInBrowser(url);
+    tell(u"Completa el acceso con Google en el navegador."_s);
+}
+
+void AccountSession::handleGoogleAuthenticationResult(const GoogleAuthenticationResult& result)
+{
+    using Failure = GoogleAuthenticationResult::Failure;
+    m_isSigningInOverWindow = false;
+    Q_EMIT changed();
+    if (result.error == Failure::cancelled)
+        tell(u"Acceso con Google cancelado."_s);
+    else if (result.error)
+        tell(u"No se ha podido completar el acceso con Google."_s, Told::problem);
+    else if (result.callbackURL)
+        handleDeepLink(*result.callbackURL);
+}
+
+bool AccountSession::handleDeepLink(const QUrl& url)
+{
+    if (url.scheme() != linkScheme)
+        return false;
+    if (url.host() == u"auth"_s)
+        handleAuthCallback(url);
+    else if (url.host() == u"social-connected"_s)
+        handleSocialConnectionCallback(url);
+    else
+        return false;
+    return true;
+}
+
+void AccountSession::handleAuthCallback(const QUrl& url)
+{
+    if (const auto code = queryItem(url, u"error"_s)) {
+        tell(oauthMessage(*code), Told::problem);
+        return;
+    }
+    const auto token = queryItem(url, u"token"_s);
+    if (!token) {
+        tell(oauthMessage({}), Told::problem);
+        return;
+    }
+    perform([this, token] {
+        return enter(m_api.exchangeDesktopAuthToken(*token, m_stop.get_token()),
+                     u"Sesión iniciada con Google."_s);
+    });
+}
+
+void AccountSession::handleSocialConnectionCallback(const QUrl& url)
+{
+    if (queryItem(url, u"status"_s) != u"ok"_s) {
+        tell(u"No se ha completado la conexión de la red social."_s, Told::problem);
+        return;
+    }
+    ++m_socialConnectionRefreshToken;
+    tell(u"Red social conectada. Ya puedes volver a la ventana de publicar."_s);
+    refreshSilently();
+}
+
+QCoro::Task<bool> AccountSession::buyCredits(int credits)
+{
+    return perform([this, credits] { return startCheckout(credits); });
+}
+
+QCoro::Task<> AccountSession::startCheckout(int credits)
+{
+    const int signIn = m_signIn;
+    const CheckoutStart start = co_await m_api.startCheckout(credits, m_stop.get_token());
+    if (signIn != m_signIn)
+        co_return;
+    if (!start.url)
+        throw AccountError::message(u"Stripe no ha devuelto URL de pago."_s);
+    if (start.sessionId) {
+        m_pendingCheckout = start.sessionId;
+        m_checkoutPage = isPage(*start.url) ? *start.url : QUrl();
+    }
+    openInBrowser(*start.url);
+    tell(start.sessionId ? u"Checkout abierto. Cuando pagues, pulsa Confirmar compra."_s
+                         : u"Checkout abierto. Después refresca créditos."_s);
+}
+
+QCoro::Task<bool> AccountSession::confirmPendingCheckout()
+{
+    return perform([this] { return confirmCheckout(m_pendingCheckout); });
+}
+
+QCoro::Task<> AccountSession::confirmCheckout(std::optional<QString> sessionId)
+{
+    if (!sessionId)
+        throw AccountError::message(u"No hay una compra pendiente."_s);
+    const int signIn = m_signIn;
+    const AccountSummary confirmed = co_await m_api.confirmCheckout(*sessionId, m_stop.get_token());
+    if (signIn != m_signIn)
+        co_return;
+    setBalance(confirmed.balance);
+    if (m_pendingCheckout == sessionId)    // not another one opened meanwhile
+        m_pendingCheckout.reset();
+    tell(u"Compra confirmada."_s);
+    // The purchase is confirmed whether or not the list of them comes.
+    try {
+        co_await loadPurchases();
+    } catch (const std::exception&) {
+    }
+}
+
+QCoro::Task<bool> AccountSession::refreshPurchaseHistory()
+{
+    return perform([this] { return loadPurchases(); });
+}
+
+QCoro::Task<> AccountSession::loadPurchases()
+{
+    const int signIn = m_signIn;
+    const PurchaseHistoryResponse response = co_await m_api.purchaseHistory(m_stop.get_token());
+    if (signIn != m_signIn)
+        co_return;
+    m_purchaseHistory = response.purchases;
+}
+
+bool AccountSession::openPage(const QUrl& url)
+{
+    try {
+        openInBrowser(url);
+    } catch (const AccountError& error) {
+        tell(error.text(), Told::problem);
+        return false;
+    }
+    return true;
+}
+
+QCoro::Task<bool> AccountSession::openPurchaseDocument(const QString& purchaseId)
+{
+    return perform([this, purchaseId] { return openDocument(purchaseId); });
+}
+
+QCoro::Task<> AccountSession::openDocument(QString purchaseId)
+{
+    const auto link = co_await m_api.purchaseDocumentLink(purchaseId, m_stop.get_token());
+    openInBrowser(link.url);
+    tell(u"Factura abierta."_s);
+}
+
+void AccountSession::openInBrowser(const QUrl& url)
+{
+    if (!isPage(url))
+        throw AccountError::message(u"El servidor ha dado una dirección que no se puede abrir."_s);
+    if (!m_surroundings.openInBrowser(url)) {
+        throw AccountError::message(
+            u"No se ha podido abrir el navegador. Abre tú esta dirección: %1"_s.arg(
+                url.toString(QUrl::FullyEncoded)));
+    }
+}
