@@ -18,14 +18,14 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString sessionCookieDefaultsKey = u"tallerioSessionCookieHeader"_s;
-const QString sessionOriginKey = u"moltiva.sessionOrigin"_s;    // whose the cookie is
+const QString sessionOriginKey = u"moltiva.sessionOrigin"_s;    // whose the session cookie is
 const QString legacyTokenKey = u"tallerioSessionToken"_s;       // the bare token of earlier builds
 
 const QString clientIdentifier = u"moltiva-macos"_s;
 const QString checkoutClient = u"macos-native"_s;
 constexpr int mostRedirections = 5;
 
-// That of an earlier build, which kept no origin, is anybody's.
+// Earlier builds stored a cookie without its origin: such a cookie is taken for any origin.
 QByteArray storedCookie(const PreferencesStore& preferences, const QByteArray& origin)
 {
     if (preferences.value(sessionOriginKey).value_or(origin) != origin)
@@ -37,7 +37,7 @@ QByteArray storedCookie(const PreferencesStore& preferences, const QByteArray& o
     return isHeaderText(cookie) ? cookie : QByteArray();
 }
 
-// The service on this machine changes its port.
+// "local" for the service on this machine, whose port changes with each start.
 QByteArray originOf(const ServiceConfiguration& configuration)
 {
     return configuration.service
@@ -54,8 +54,8 @@ QCoro::Task<AccountSummary> confirmed(QCoro::Task<CheckoutConfirmResponse> askin
     co_return summary;
 }
 
-// A session that had ended already is as good as ended, and so is one whose end was answered with
-// something else than was agreed.
+// Waits for a sign-out. Fails only with a message of the service: an ended session (unauthorized)
+// and an unreadable reply both count as signed out.
 QCoro::Task<> unlessRefused(QCoro::Task<> signingOut)
 {
     try {
@@ -74,18 +74,18 @@ QCoro::Task<GeneratedCopy> generated(QCoro::Task<SocialCopyGenerateResponse> ask
 
 }    // namespace
 
-// A request as it is asked for: path and query are encoded, the body is JSON. Calls are put
-// together outside of the coroutines that send them: GCC 12 destroys twice what those initialise
-// member by member.
+// A request before its address is resolved: path and query are encoded, the body is JSON. Functions
+// that are no coroutines build it: GCC 12 destroys twice what a coroutine initialises member by
+// member.
 struct AccountAPI::Call {
     QByteArray method;
     QByteArray path;
     std::optional<QByteArray> body = std::nullopt;
     Base base = Base::service;
-    // Whether the answer brings a new session, or its arrival ends the one that the request
-    // carried.
+    // `beginsSession`: the reply's cookie becomes the session. `endsSession`: the reply's arrival
+    // ends the session that the request carried.
     bool beginsSession = false, endsSession = false;
-    std::optional<Session> session = std::nullopt;    // else the one held when it leaves
+    std::optional<Session> session = std::nullopt;    // empty: the one held when it is sent
 };
 
 AccountAPI::AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
@@ -126,7 +126,8 @@ HttpRequest AccountAPI::prepared(Call call, const Session& session) const
     return request;
 }
 
-// The network layer would follow to any origin, with our cookie.
+// Follows redirections within the origin only: the network layer would send the cookie to any
+// origin.
 QCoro::Task<AccountAPI::Answer> AccountAPI::sendFollowing(Call call, std::stop_token stop)
 {
     const QPointer<AccountAPI> self = this;
@@ -211,7 +212,7 @@ QCoro::Task<Reply> AccountAPI::request(Call call, std::stop_token stop)
     co_return std::move(*reply);
 }
 
-// With a body that is still being written out.
+// Waits for `body`, which a worker thread still writes, then sends the request.
 template <typename Reply>
 QCoro::Task<Reply> AccountAPI::requestPrepared(Call call, QFuture<QByteArray> body,
                                                std::stop_token stop)
@@ -242,7 +243,7 @@ void AccountAPI::hold(const QByteArray& cookie)
 
 void AccountAPI::remember(const QByteArray& cookie)
 {
-    // A service that renews its cookie with the same value begins no other session.
+    // The service may renew the cookie with its old value: the session is the old one.
     if (cookie == m_session.cookie && m_isSessionKept)
         return;
     hold(cookie);
@@ -256,7 +257,8 @@ void AccountAPI::remember(const QByteArray& cookie)
         m_preferences.transaction(store, Store::Durability::usual, Store::Traces::erased);
 }
 
-// Another program that keeps its session in the same place may have stored another one meanwhile.
+// Removes the session from the preferences only if it is stored there: another program with the
+// same preferences may have stored its own meanwhile.
 void AccountAPI::forget(const Session& session)
 {
     if (session.cookie.isEmpty() || !isStillHeld(session))
@@ -282,8 +284,9 @@ QCoro::Task<AccountSummary> AccountAPI::meWith(const Session& session, std::stop
     return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
-// Another program may have signed in meanwhile, as somebody else even: nothing is asked in that
-// name before it is known.
+// Asks with the own session; if the service refuses it, with the one that another program has
+// stored meanwhile. That session may be another user's: it is held only once the service has said
+// whose it is.
 QCoro::Task<AccountSummary> AccountAPI::me(std::stop_token stop)
 {
     const QPointer<AccountAPI> self = this;
@@ -419,7 +422,7 @@ QCoro::Task<GeneratedCopy>
 AccountAPI::generateSocialCopy(const QUrl& image, const QString& objective, SocialFormat format,
                                const QString& requestId, std::stop_token stop)
 {
-    // Reading, encoding and writing out take longer than a frame.
+    // On a worker thread: to read and encode the image takes longer than a frame.
     const auto prepare = [path = image.toLocalFile(), objective, format, requestId] {
         const ImagePayload payload = preparedImagePayload(path);
         return toWire(SocialCopyGenerateRequest{requestId, objective, rawValue(format),

@@ -15,22 +15,22 @@
 class LocalService;
 class PreferencesStore;
 
-// From start to last byte. What carries images and templates may be slow.
+// Time limits of one request, from its start to the last byte of the reply. Requests with a body
+// may carry images and templates, which are slow on a poor line.
 struct RequestLimits {
     std::chrono::milliseconds withoutBody = std::chrono::seconds(35);
     std::chrono::milliseconds withBody = std::chrono::seconds(260);
 };
 
-// The client of the account service and of the public web site: one function an endpoint. It holds
-// the cookie of the session, in the preferences between runs, and sends it with every request.
-//
-// All functions throw AccountError, or TransportError when there was no reply; a stop asked for is
-// the latter. Requests may overlap. Lives on the interface thread.
+// The client of the account service and of the public web site: one function an endpoint. It keeps
+// the session cookie in the preferences between runs and sends it with every request.
+// All functions throw AccountError; without a reply, and after a stop was requested,
+// TransportError. Requests may overlap. Lives on the interface thread.
 class AccountAPI : public QObject {
     Q_OBJECT
 public:
-    // The preferences and the local service outlive the client; the latter answers for what is not
-    // configured.
+    // `preferences` and `local` outlive the client. `local` stands in for an address that
+    // `configuration` leaves out.
     AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
                LocalService* local = nullptr, RequestLimits limits = {}, QObject* parent = nullptr);
     ~AccountAPI() override;
@@ -40,7 +40,7 @@ public:
                                       std::stop_token stop = {});
     QCoro::Task<AccountSummary> registerAccount(const QString& email, const QString& password,
                                                 std::stop_token stop = {});
-    // The cookie is forgotten afterwards. A session that has ended already counts as ended.
+    // Forgets the cookie afterwards. Succeeds also when the service had ended the session already.
     QCoro::Task<> logout(std::stop_token stop = {});
     QCoro::Task<AccountSummary> updateProfile(const QString& fullName, std::stop_token stop = {});
     QCoro::Task<> changePassword(const QString& currentPassword, const QString& newPassword,
@@ -80,37 +80,40 @@ public:
                       QList<SocialPublishImage> images, const QString& requestId,
                       const QString& placement = QStringLiteral("feed"), std::stop_token stop = {});
 
-    // For the browser. The address of a local service is known once it has answered.
+    // Starts the local service if one is needed; its address, and so the three addresses below, is
+    // known only afterwards.
     QCoro::Task<> locate(std::stop_token stop = {});
     QUrl googleOAuthURL() const;
     QUrl socialConnectionURL(const QString& network) const;
-    // Where the local service shows the mails that it does not send; empty for any other.
+    // The page on which the local service shows the mails it does not send; empty for any other
+    // service.
     QUrl testMailURL() const;
 
     const QString& siteName() const { return m_configuration.siteName; }
     const QString& administratorEmail() const { return m_configuration.administratorEmail; }
-    // Of the service; the same for a local one wherever it listens.
+    // Scheme, host and port of the service, or "local" for the local one, whose port changes.
     const QByteArray& origin() const { return m_origin; }
     bool holdsSession() const { return !m_session.cookie.isEmpty(); }
-    // The session that is held outlives the program.
+    // Whether the preferences keep the session for the next run.
     bool isSessionKept() const { return m_isSessionKept; }
-    // The session that ended last could not be removed, and the next program finds it; gives why,
-    // as a part of a sentence.
+    // Why a session that has ended could not be removed from the preferences, where the next run
+    // finds it: part of a sentence. Nothing when it was removed.
     const std::optional<QString>& whyEndedSessionIsKept() const { return m_endedSessionKept; }
 
 private:
     enum class Base { service, site };
     struct Call;
 
-    // What a request carries of the session. Its reply may change or end the session only while no
-    // other one was taken since: a late one would bring back what has ended.
+    // The session that a request carries. Its reply may change or end the session only while
+    // `generation` is still the current one: a late reply would bring back a session that has
+    // ended.
     struct Session {
         QByteArray cookie;         // "tallerio_session=…", empty without a session
-        quint64 generation = 0;    // rises with every change
+        quint64 generation = 0;    // rises whenever the cookie is replaced or removed
     };
     struct Answer {
         HttpReply reply;
-        Session session;    // that was sent last, or came with the reply
+        Session session;    // the one sent last, or the one that came with the reply
     };
     QCoro::Task<Answer> sendFollowing(Call call, std::stop_token stop);
     QCoro::Task<QByteArray> exchange(Call call, std::stop_token stop);
@@ -133,7 +136,7 @@ private:
     PreferencesStore& m_preferences;
     LocalService* m_local;
     const RequestLimits m_limits;
-    const QByteArray m_origin;    // that the session is of
+    const QByteArray m_origin;    // stored beside the cookie, which is sent to no other origin
     Session m_session;
     bool m_isSessionKept = true;
     std::optional<QString> m_endedSessionKept;

@@ -13,7 +13,7 @@ CheckResult checkEmail(const QString& email)
     return std::nullopt;
 }
 
-// The rest of it is the service's to judge.
+// Requires text on both sides of the "@"; the service judges the rest of the address.
 CheckResult checkNewEmail(const QString& email)
 {
     if (CheckResult failure = checkEmail(email))

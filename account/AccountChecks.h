@@ -4,7 +4,8 @@
 
 #include <optional>
 
-// What can be seen to be missing before the service is asked, and in which field.
+// Checks of a form before it is sent to the service: the first field that is missing or wrong, and
+// the sentence for it.
 enum class CheckedField { email, password, repeatedPassword, currentPassword, name, amount };
 struct CheckFailure {
     CheckedField field;

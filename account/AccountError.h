@@ -4,13 +4,13 @@
 
 #include <exception>
 
-// What the account service refused, or could not be understood; the text is the user's. An exchange
-// that came to no reply throws TransportError instead.
+// A refusal of the account service, or a reply that cannot be understood; `text` is written for the
+// user. Without any reply, TransportError is thrown instead.
 class AccountError : public std::exception {
 public:
     enum class Kind { message, invalidResponse, unauthorized };
 
-    // `code`: the machine code of the server that the text stands for, if there is one.
+    // `code`: the service's machine code for this error; empty if there is none.
     static AccountError message(const QString& text, const QString& code = {});
     static AccountError invalidResponse();
     static AccountError unauthorized(const QString& code = {});
@@ -27,12 +27,12 @@ private:
     QString m_text, m_code;
 };
 
-// For the user, of a machine code of the service; codes that are not known get a general sentence.
-// `siteName`: of the public web site, which some sentences name.
+// The Spanish sentence for a machine code of the service; a general one for an unknown code.
+// `siteName`: name of the public web site, which some sentences mention.
 QString userMessage(QStringView code, const QString& siteName = {});
 
-// There was no answer at all: the service cannot be reached, or took too long.
+// Whether the service gave no reply: it cannot be reached, or took too long.
 bool isUnreachable(const std::exception& error);
 
-// Of any failure of an account's operation.
+// The Spanish sentence for a failure of any account operation.
 QString readable(const std::exception& error);

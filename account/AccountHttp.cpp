@@ -72,8 +72,8 @@ bool sameOrigin(const QUrl& one, const QUrl& other)
     return one.scheme() == other.scheme() && one.host() == other.host() && port(one) == port(other);
 }
 
-// What a POST was answered with lies elsewhere, as every client reads 301 and 302; so does anything
-// with 303. The others ask for the same again.
+// After a 303, and a 301 or 302 for a POST, the new address is fetched with GET, as browsers do.
+// Any other redirection repeats the method and the body.
 void redirect(HttpRequest& request, const QUrl& location, int status)
 {
     request.url = location;

@@ -2,15 +2,16 @@
 
 #include "platform/Http.h"
 
-// How requests to the account service carry a session, and what its answers mean, on the level of
-// HTTP.
+// HTTP level of the account service: how requests carry the session cookie, and which replies are
+// errors.
 
 inline constexpr QByteArrayView sessionCookiePrefix = "tallerio_session=";
 
-// What to send back as "Cookie", of a reply's headers; empty when they hold no session.
+// The "Cookie" value to send back after a reply with these headers; empty when they hold no
+// session.
 QByteArray sessionCookieIn(const HttpHeaders& headers);
 
-// The body of a reply, or the error that the reply stands for.
+// The body of an accepted reply; throws AccountError for any other status.
 QByteArray acceptedBody(const HttpReply& reply, const QString& siteName);
 
 // Whether a value may stand in a header: printable ASCII.

@@ -21,7 +21,7 @@ MOLTIVA_FIELDS(StorageSummary, required("limitMb", &R::limitMb), required("perce
                required("usedMb", &R::usedMb))
 MOLTIVA_FIELDS(AccountSummary, required("balance", &R::balance), optional("profile", &R::profile),
                optional("storage", &R::storage))
-// An address that cannot be read counts as none.
+// An unreadable macDownloadURL counts as missing.
 MOLTIVA_FIELDS(CloudCopyConfig, required("enabled", &R::enabled), optional("modelId", &R::modelId),
                required("providerLabel", &R::providerLabel), optional("endpoint", &R::endpoint),
                required("costCredits", &R::costCredits),

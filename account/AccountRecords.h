@@ -9,8 +9,8 @@
 
 #include <optional>
 
-// What the client and the account service say to each other, as JSON objects whose keys are the
-// names of the fields. Dates travel as plain text.
+// Requests and replies of the account service: JSON objects whose keys are the names of the fields.
+// Dates travel as plain text.
 
 struct AccountProfile {
     std::optional<QString> email, fullName;
@@ -27,7 +27,7 @@ struct StorageSummary {
     bool operator==(const StorageSummary&) const = default;
 };
 
-// Without a profile: nobody is signed in.
+// Nobody is signed in when `profile` is empty.
 struct AccountSummary {
     qint64 balance = 0;    // credits
     std::optional<AccountProfile> profile;
@@ -35,18 +35,18 @@ struct AccountSummary {
     bool operator==(const AccountSummary&) const = default;
 };
 
-// How texts are written in the cloud, and what versions of the program there are.
+// The service's settings for writing texts in the cloud, and the newest version of the program.
 struct CloudCopyConfig {
     bool enabled = true;
     std::optional<QString> modelId;
     QString providerLabel;
     std::optional<QString> endpoint;
-    int costCredits = 10;    // an image
+    int costCredits = 10;    // for each image
     std::optional<QString> latestMacVersion;
     std::optional<QUrl> macDownloadURL;
     bool operator==(const CloudCopyConfig&) const = default;
 
-    // Where the service gives none.
+    // The defaults, for when the service sends no settings.
     static CloudCopyConfig fallback() { return {}; }
 };
 
@@ -179,7 +179,7 @@ struct APIErrorPayload {
 
 struct PurchaseHistoryItem {
     QString id;
-    QString kind;    // "credits", or of storage
+    QString kind;    // "credits", or a kind of storage
     std::optional<int> orderIndex;
     std::optional<QString> orderNumber, createdAt;
     int amountCents = 0;    // of a euro
@@ -203,6 +203,6 @@ struct PurchaseDocumentLinkResponse {
 template <typename Record>
 QByteArray toWire(const Record& record);
 
-// Nothing when the bytes are not JSON or not such a record; never throws.
+// Empty when the bytes are not JSON or lack a required field; never throws.
 template <typename Record>
 std::optional<Record> fromWire(QByteArrayView bytes);

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Throws a TransportError when the operation takes longer; it is stopped then.
+// Stops `operation` and throws a TransportError when it takes longer than `limit`.
 template <typename Result>
 QCoro::Task<Result> withTimeout(std::chrono::milliseconds limit, QCoro::Task<Result> operation,
                                 std::stop_source stop)
@@ -46,7 +46,7 @@ AccountSession::AccountSession(AccountAPI& api, Surroundings surroundings, QObje
     m_balanceSync.callOnTimeout(this, [this] { refreshSilently(); });
 }
 
-// Whatever is under way goes on here with an exception, while the session is still there.
+// Stopped requests resume here with an exception, while the members still exist.
 AccountSession::~AccountSession()
 {
     m_stop.request_stop();
@@ -156,7 +156,7 @@ QCoro::Task<> AccountSession::check()
     syncWhileSignedIn();
 }
 
-// By itself: nobody waits for what the program can do without.
+// Starts without being awaited: the program works with the fallback settings.
 QCoro::Task<> AccountSession::configure()
 {
     const QPointer<AccountSession> self = this;
@@ -168,7 +168,7 @@ QCoro::Task<> AccountSession::configure()
         configuration = co_await std::move(asking);
     } catch (const std::exception&) {
     }
-    // An earlier question that is answered late says nothing new.
+    // A later question is under way: its reply is the newer one.
     if (!self || ended.stop_requested() || question != m_configurationQuestion ||
         m_cloudCopyConfig == configuration)
         co_return;
@@ -237,7 +237,7 @@ QCoro::Task<> AccountSession::moveCredits(Move move, qint64 cost, QString reques
                   : m_api.refundSocialCopyCredits(cost, requestId, ended);
     try {
         const CreditOperationResponse moved = co_await std::move(moving);
-        if (user != userOf(m_account))    // who goes on would work on another's credits
+        if (user != userOf(m_account))    // the caller would work with another user's credits
             throw AccountError::unauthorized();
         setBalance(moved.balance);
     } catch (const std::exception& error) {
@@ -254,7 +254,7 @@ QCoro::Task<> AccountSession::moveCredits(Move move, qint64 cost, QString reques
         std::rethrow_exception(failure);
 }
 
-// Another program that keeps its session in the same place may have signed in somebody else.
+// Another program with the same preferences may have signed in as another user.
 void AccountSession::receive(const AccountSummary& account)
 {
     const bool isSame =
@@ -265,7 +265,7 @@ void AccountSession::receive(const AccountSummary& account)
         changeUser(account);
 }
 
-// Nothing of the one before stays.
+// Drops the pending checkout and the purchases of another user.
 void AccountSession::changeUser(const AccountSummary& account)
 {
     if (account.profile || isAuthenticated())
@@ -314,7 +314,6 @@ AccountSession::Told AccountSession::toldOf(const std::exception& failure)
     return ::isUnreachable(failure) ? Told::unreachable : Told::problem;
 }
 
-// Addresses come from a server: only pages are opened, never files or programs.
 void AccountSession::startBalanceSync()
 {
     m_balanceSync.start();

@@ -16,54 +16,58 @@ class AccountAPI;
 class WebAuthentication;
 struct GoogleAuthenticationResult;
 
-// The signed-in account for the whole program, and what the screens can ask of it. Every outcome
-// ends in message(). Lives on the interface thread; whoever shows it looks again after changed().
+// The signed-in account of the whole program and the actions that screens offer on it. Each action
+// ends in a sentence in message(). Emits changed() whenever anything shown may differ. Lives on the
+// interface thread.
 class AccountSession : public CreditAccount {
     Q_OBJECT
 public:
-    // What the platform gives.
+    // What the platform provides.
     struct Surroundings {
-        // Gives whether a browser took the address.
+        // Returns whether a browser took the address.
         std::function<bool(const QUrl&)> openInBrowser;
-        // Signs in over the window; where there is none, Google goes through the browser.
+        // The sign-in sheet over the window; without one, the Google sign-in goes through the
+        // browser.
         WebAuthentication* webAuthentication = nullptr;
         std::chrono::milliseconds startLimit = std::chrono::seconds(8);
         std::chrono::milliseconds balanceSyncInterval = std::chrono::seconds(180);
     };
 
-    // The client outlives the session.
+    // `api` outlives the session.
     AccountSession(AccountAPI& api, Surroundings surroundings, QObject* parent = nullptr);
     ~AccountSession() override;
 
     const AccountSummary& account() const { return m_account; }
-    bool isLoading() const { return m_isLoading; }    // the check at the start runs
-    // Something that a screen or a link asked for goes on.
+    bool isLoading() const { return m_isLoading; }    // bootstrap() runs
+    // An action that a screen or a link started is under way.
     bool isActing() const { return m_actions > 0 || m_isSigningInOverWindow; }
-    // Likewise, or credits are being reserved.
+    // An action is under way, or credits are being reserved.
     bool isWorking() const { return isActing() || m_reservations > 0; }
-    // What was told last, of charges too; shown as it stands.
+    // The last sentence for the user, about charged credits too; shown as it stands.
     const QString& message() const { return m_message; }
-    // What was told last of anything that a screen or a link asked for. Whoever charges credits
-    // tells of that elsewhere.
+    // The last sentence about an action that a screen or a link started. Not about charged credits:
+    // the charging code tells of those elsewhere.
     const QString& outcome() const { return m_outcome; }
-    // Whether the outcome is that something could not be done.
+    // Whether outcome() says that an action failed.
     bool isProblem() const
     {
         return m_told != Told::info && (m_told != Told::signedOut || isAuthenticated());
     }
-    // And whether that was for want of an answer of the service, or of a session.
+    // Whether that failure was a service that does not answer, or (needsSignIn()) a missing
+    // session.
     bool isUnreachable() const { return m_told == Told::unreachable; }
     bool needsSignIn() const { return m_told == Told::signedOut; }
     const std::optional<QString>& pendingCheckoutSessionId() const { return m_pendingCheckout; }
-    // Where the pending one is paid; a browser may not have opened it. Empty without one.
+    // The page where the pending checkout is paid, for when no browser opened it. Empty without
+    // one.
     QUrl checkoutPage() const { return m_pendingCheckout ? m_checkoutPage : QUrl(); }
     const CloudCopyConfig& cloudCopyConfig() const { return m_cloudCopyConfig; }
     const QList<PurchaseHistoryItem>& purchaseHistory() const { return m_purchaseHistory; }
-    // Rises by one whenever a social network was connected.
+    // Rises by one whenever a social network is connected.
     int socialConnectionRefreshToken() const { return m_socialConnectionRefreshToken; }
 
     bool isAuthenticated() const { return m_account.profile.has_value(); }
-    // A session is held that could not be looked up yet: another refresh() may sign in.
+    // A session is held, but the service has not said whose it is: another refresh() may sign in.
     bool mayBeSignedIn() const;
     // Where a local service shows its mails; empty for any other.
     QUrl testMailURL() const;
@@ -73,10 +77,10 @@ public:
     qint64 balance() const override { return m_account.balance; }
     bool isBalanceSyncRunning() const { return m_balanceSync.isActive(); }
 
-    // Each gives whether it was done; if not, the message says why. Nobody needs to await them.
+    // Each returns whether it succeeded; if not, message() says why. Callers need not await them.
     QCoro::Task<bool> bootstrap();
     QCoro::Task<bool> refresh();
-    QCoro::Task<bool> refreshSilently();    // leaves message and isWorking alone
+    QCoro::Task<bool> refreshSilently();    // leaves message() and isWorking() alone
     QCoro::Task<bool> login(const QString& email, const QString& password);
     QCoro::Task<bool> registerAccount(const QString& email, const QString& password);
     QCoro::Task<bool> requestPasswordReset(const QString& email);
@@ -90,14 +94,14 @@ public:
     QCoro::Task<bool> refreshPurchaseHistory();
     QCoro::Task<bool> openPurchaseDocument(const QString& purchaseId);
 
-    // Told in message() alone. A CreditJournal calls them, for whoever charges something.
+    // Both report in message() alone, not in outcome(). Called by CreditJournal.
     QCoro::Task<> reserveCloudCopyCredits(qint64 cost, const QString& requestId) override;
     QCoro::Task<> refundCloudCopyCredits(qint64 cost, const QString& requestId) override;
 
-    // In the browser; only a failure is told. Gives whether it was opened.
+    // Opens `url` in the browser and returns whether one took it; only a failure is reported.
     bool openPage(const QUrl& url);
 
-    // Links of the scheme "moltiva"; others are ignored. Gives whether it was one of ours.
+    // Acts on a link of the scheme "moltiva" and returns true; ignores any other link.
     bool handleDeepLink(const QUrl& url);
     void handleGoogleAuthenticationResult(const GoogleAuthenticationResult& result);
 
@@ -108,9 +112,9 @@ private:
     enum class Told { info, problem, unreachable, signedOut };
     enum class Move { reserve, refund };    // of credits
 
-    // The one wrapper of what users start: it marks the work, tells what failed and gives whether
-    // it was done. What `work` gives is awaited; it may count on the session being there whenever
-    // it goes on.
+    // Wraps each action of the user: counts it in m_actions, reports its failure and returns
+    // whether it succeeded. The task that `work` returns may rely on this session to exist whenever
+    // it resumes: the destructor stops its requests first.
     template <typename Work>
     QCoro::Task<bool> perform(Work work);
     QCoro::Task<> check();
@@ -142,18 +146,18 @@ private:
     AccountAPI& m_api;
     const Surroundings m_surroundings;
     AccountSummary m_account;
-    int m_accountVersion = 0;    // rises with every change: what was asked before is stale then
-    int m_configurationQuestion = 0;    // the number of the last one
+    int m_accountVersion = 0;           // rises with every change: a reply from before is stale
+    int m_configurationQuestion = 0;    // the number of the last request for the settings
     int m_signIn = 0;                   // rises whenever somebody signs in or out
     bool m_isLoading = false, m_isSigningInOverWindow = false;
     int m_actions = 0, m_reservations = 0;    // under way
     QString m_message, m_outcome;
-    Told m_told = Told::info;    // by the outcome
+    Told m_told = Told::info;    // the kind of m_outcome
     std::optional<QString> m_pendingCheckout;
     QUrl m_checkoutPage;
     CloudCopyConfig m_cloudCopyConfig = CloudCopyConfig::fallback();
     QList<PurchaseHistoryItem> m_purchaseHistory;
     int m_socialConnectionRefreshToken = 0;
     QTimer m_balanceSync;
-    std::stop_source m_stop;    // of all that is under way
+    std::stop_source m_stop;    // stops all requests under way
 };

@@ -1,4 +1,4 @@
-// What the user does with his account: sign-in and its links, profile and password, purchases.
+// Actions of the user: sign-in and its links, profile and password, purchases.
 #include "account/AccountAPI.h"
 #include "account/AccountError.h"
 #include "account/AccountSession.h"
@@ -101,7 +101,7 @@ QCoro::Task<> AccountSession::saveProfile(QString fullName)
     const int signIn = m_signIn;
     const AccountSummary account = co_await m_api.updateProfile(fullName, m_stop.get_token());
     if (signIn != m_signIn)
-        co_return;    // another user's by now
+        co_return;    // the profile is another user's by now
     setAccount(account);
     tell(u"Perfil guardado."_s);
 }
@@ -238,7 +238,7 @@ QCoro::Task<> AccountSession::confirmCheckout(std::optional<QString> sessionId)
     if (signIn != m_signIn)
         co_return;
     setBalance(confirmed.balance);
-    if (m_pendingCheckout == sessionId)    // not another one opened meanwhile
+    if (m_pendingCheckout == sessionId)    // not if another checkout was opened meanwhile
         m_pendingCheckout.reset();
     tell(u"Compra confirmada."_s);
     // The purchase is confirmed whether or not the list of them comes.
@@ -285,6 +285,7 @@ QCoro::Task<> AccountSession::openDocument(QString purchaseId)
     tell(u"Factura abierta."_s);
 }
 
+// Opens web pages only, never files or programs: addresses come from a server.
 void AccountSession::openInBrowser(const QUrl& url)
 {
     if (!isPage(url))

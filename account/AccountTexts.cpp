@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int longestShownLine = 300;
-constexpr int profileLongestText = 4000;    // with a long address in it
+constexpr int profileLongestText = 4000;    // in characters; leaves room for a long address
 
 QString harmless(const QString& text)
 {
@@ -24,7 +24,7 @@ QString shortened(const QString& text, int longest)
     return text.size() > longest ? text.left(longest).trimmed() + u'…' : text;
 }
 
-// As it is seen: a letter with its accents, a whole emoji.
+// The first grapheme: a letter with its accents, or a whole emoji.
 QString firstLetter(const QString& word)
 {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, word);

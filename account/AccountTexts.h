@@ -2,12 +2,12 @@
 
 #include <QString>
 
-// How the screens write what the account service tells. All of it is somebody else's: one line
-// without control characters, and only so long.
+// Texts from the account service as the screens show them: foreign text, so cut to a limit and
+// without control characters. shownLine() puts all on one line.
 QString shownLine(const QString& text);
-// The same, with its line breaks.
+// Keeps the line breaks.
 QString shownText(const QString& text);
 
-QString initialsOf(const QString& name);    // "LF"; of an address its first letter
+QString initialsOf(const QString& name);    // "LF"; for an e-mail address its first letter
 QString firstNameOf(const QString& name);
 QString creditsText(qint64 balance);    // "4280 créditos"

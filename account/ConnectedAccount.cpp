@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Installed beside this program.
+// The local service's executable, installed beside this program.
 QString serviceProgram()
 {
     return QDir(QCoreApplication::applicationDirPath()).filePath(u"moltiva-service"_s);

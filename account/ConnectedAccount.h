@@ -5,11 +5,11 @@
 #include "account/CreditJournal.h"
 #include "account/LocalService.h"
 
-// The session over the service that is configured, with all that it needs: what a window or a
-// command holds while it runs.
+// The account session with its client, journal and local service: what a window or a command holds
+// while it runs.
 class ConnectedAccount {
 public:
-    // The preferences outlive it. The local service, should it be needed, works in `dataFolder`.
+    // `preferences` outlives it. The local service, if one is needed, works in `dataFolder`.
     ConnectedAccount(const ServiceConfiguration& configuration, PreferencesStore& preferences,
                      const QString& dataFolder, AccountSession::Surroundings surroundings);
 
@@ -18,7 +18,7 @@ public:
     CreditJournal& journal() { return m_journal; }
 
 private:
-    // Each is gone before those that it uses.
+    // Declared in the order of use: each member is destroyed before those that it refers to.
     LocalService m_local;
     AccountAPI m_api;
     AccountSession m_session;

@@ -3,17 +3,18 @@
 #include <QCoroTask>
 #include <QObject>
 
-// The credits of whoever is signed in, as a CreditJournal moves them.
+// The signed-in user's credits. CreditJournal reserves and refunds them.
 class CreditAccount : public QObject {
     Q_OBJECT
 public:
     using QObject::QObject;
 
-    // The user at this service, the same on every run; empty when nobody is signed in.
+    // Names the user and the service; the same on every run. Empty when nobody is signed in.
     virtual QString accountKey() const = 0;
     virtual qint64 balance() const = 0;    // credits, as far as known here
 
-    // Both throw what the service refused, or what kept it from answering: it may have acted then.
+    // Both throw the service's refusal, or the reason why no reply came: the service may have acted
+    // nevertheless.
     virtual QCoro::Task<> reserveCloudCopyCredits(qint64 cost, const QString& requestId) = 0;
     virtual QCoro::Task<> refundCloudCopyCredits(qint64 cost, const QString& requestId) = 0;
 

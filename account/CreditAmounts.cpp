@@ -8,8 +8,8 @@ using namespace Qt::StringLiterals;
 
 std::optional<int> effectiveCredits(const QString& typed)
 {
-    static const QRegularExpression whole(
-        u"^[+-]?(\\d{1,3}([. ]\\d{3})+|\\d+)$"_s);    // a point may stand for decimals too
+    // A point counts only before three digits: before others it may mark decimals.
+    static const QRegularExpression whole(u"^[+-]?(\\d{1,3}([. ]\\d{3})+|\\d+)$"_s);
     QString digits = typed.simplified();
     if (!whole.match(digits).hasMatch())
         return std::nullopt;
@@ -19,7 +19,7 @@ std::optional<int> effectiveCredits(const QString& typed)
         digits.remove(0, 1);
     bool fits = false;
     const qint64 read = digits.toLongLong(&fits);
-    // What is too long to be read is beyond the limit too.
+    // A number too long for qint64 is above the limit anyway.
     const qint64 amount = std::clamp<qint64>(isNegative ? 0 : (fits ? read : qint64(maxCredits)),
                                              minCredits, maxCredits);
     return int((amount + creditBlock / 2) / creditBlock * creditBlock);
@@ -37,7 +37,7 @@ int eurosOf(int credits)
     return credits / creditBlock;
 }
 
-// The locale's own grouping leaves four digits together.
+// Always groups: the Spanish locale leaves a number of four digits together.
 QString groupedThousands(qint64 number)
 {
     QString text = QString::number(number);

@@ -7,13 +7,13 @@
 #include <array>
 #include <optional>
 
-// What can be bought, in credits.
+// Amounts of credits on offer.
 inline constexpr std::array creditPackages{10'000, 20'000, 50'000, 100'000};
 inline constexpr int minCredits = 1'000, maxCredits = 1'000'000, creditBlock = 1'000;
 inline constexpr int creditsOfAnExport = 50;
 
-// What is bought for a typed amount: within the limits, in whole blocks. Nothing where it is not a
-// whole number; points and spaces between the thousands are read over.
+// The credits to buy for a typed amount: within the limits, rounded to whole blocks. Empty if it is
+// not a whole number; ignores points and spaces between thousands.
 std::optional<int> effectiveCredits(const QString& typed);
 CheckResult checkAmount(const QString& typed);
 

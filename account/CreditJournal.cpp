@@ -18,7 +18,7 @@ double now()
     return double(QDateTime::currentMSecsSinceEpoch());
 }
 
-// What is told of several entries together.
+// Sum of several entries for one sentence to the user.
 struct Total {
     qint64 credits = 0;
     QString what;
@@ -30,7 +30,7 @@ struct Total {
     }
 };
 
-// Of a refusal by the service; other errors may have come after it acted.
+// Whether the service refused with `code`. After any other error it may have acted.
 bool isCode(const std::exception& error, QStringView code)
 {
     const auto* refusal = dynamic_cast<const AccountError*>(&error);
@@ -162,7 +162,7 @@ QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation o
     } else if (result.refusal == Refusal::tooFewCredits) {
         endRefused(key);
     } else {
-        // Whatever else was answered, the service may have acted before, or may still act.
+        // After any other error the service may have reserved the credits, or may still do so.
         noteLate(key);
         QCoro::Task<Refund> refunding = giveBack(key);
         result.isRefundPending = isPending(co_await std::move(refunding));
@@ -170,8 +170,8 @@ QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation o
     co_return std::move(result);
 }
 
-// Waits until nobody gives back what is to be paid again, and does so himself with what was asked
-// for at another price. Gives why it cannot be paid now.
+// An earlier charge of `key` may still be open: waits for its refund, or refunds it here if its
+// price differs. Returns why payment is refused; empty when it is free to go on.
 QCoro::Task<QString> CreditJournal::freed(QString key, qint64 cost)
 {
     const QPointer<CreditJournal> self = this;
@@ -197,8 +197,8 @@ QCoro::Task<QString> CreditJournal::freed(QString key, qint64 cost)
     co_return std::move(refusal);
 }
 
-// Gives why it cannot be done. An entry of the same identifier is taken over, so that there are
-// never two.
+// Writes the entry of `operation` and returns why that failed; empty if it did not. Replaces a
+// left-open entry of the same identifier, so that there are never two.
 QString CreditJournal::open(const QString& key, const ChargedOperation& operation)
 {
     const OpenReservation opened{.requestId = operation.requestId,
@@ -235,7 +235,7 @@ QString CreditJournal::open(const QString& key, const ChargedOperation& operatio
     return {};
 }
 
-// By a run that goes on, this one included.
+// Whether an entry that a running program works on, this one included, covers any of `what`.
 bool CreditJournal::isBeingPaid(const QStringList& what) const
 {
     const QStringList keys = m_preferences.keysBeginningWith(keyPrefixOf(m_account.accountKey()));
@@ -265,7 +265,7 @@ void CreditJournal::noteReserved(const QString& key)
     });
 }
 
-// Nothing was reserved this time; the time before it may be on its way.
+// The service reserved nothing this time; the request of the replaced entry may still arrive.
 void CreditJournal::endRefused(const QString& key)
 {
     const auto entry = entryAt(key, m_preferences);
@@ -280,7 +280,7 @@ void CreditJournal::noteLate(const QString& key)
     changeEntry(key, [this](OpenReservation& entry) { entry.lateUntil = soon(); });
 }
 
-// Until then a request that is sent now has reached the service, or never will.
+// Time in ms since the epoch by which a request sent now has arrived or is lost.
 double CreditJournal::soon() const
 {
     return now() + double(m_times.underWay.count());
@@ -293,7 +293,8 @@ Strike CreditJournal::strikeOf(const ChargedOperation& operation, const QString&
     };
 }
 
-// What cannot be stored now stays in the journal, and is given back should that be the last word.
+// A result that cannot be stored leaves the entry in the journal; if it never is, a later run
+// refunds the entry.
 bool CreditJournal::isRecorded(const ChargedOperation& operation, const QString& entry) const
 {
     try {
@@ -339,7 +340,7 @@ QCoro::Task<CreditJournal::Refund> CreditJournal::askBack(QString key)
     if (refund == Refund::neverReserved && entry->isReserved)
         refund = settledDenial(key, *entry, asked);
     reached("refunded");
-    // What is still on its way would otherwise arrive when nobody waits for it.
+    // A reservation that arrives after this refund needs another one: the entry stays until `late`.
     const double late = std::min(entry->lateUntil, soon());    // the clock may have been set back
     if (isPending(refund)) {
         leaveUnsettled(key);
@@ -379,7 +380,7 @@ bool CreditJournal::isPending(Refund refund)
     return refund == Refund::denied || refund == Refund::refused || refund == Refund::unreachable;
 }
 
-// An entry that cannot be removed is tried again, which moves no credits.
+// An entry that cannot be removed is refunded again later, which moves no credits.
 void CreditJournal::strike(const QString& key)
 {
     if (m_preferences.remove(key))
@@ -388,7 +389,7 @@ void CreditJournal::strike(const QString& key)
         leaveUnsettled(key);
 }
 
-// Any run may go on with it.
+// Leaves the entry to the next attempt, of any run.
 void CreditJournal::leaveUnsettled(const QString& key)
 {
     changeEntry(key, [](OpenReservation& entry) { entry.run.clear(); });
@@ -397,8 +398,8 @@ void CreditJournal::leaveUnsettled(const QString& key)
         m_retry.start(m_times.retry);
 }
 
-// Whoever gives something back makes it his own first: two runs that find the same entry must not
-// both do it, for between their refunds the user may have paid for it again.
+// Makes the entry this run's own before its refund: two runs must not both refund it, because the
+// user may pay again between their refunds.
 bool CreditJournal::claim(const QString& key)
 {
     const bool isClaimed = m_preferences.transaction([&] {
@@ -411,7 +412,7 @@ bool CreditJournal::claim(const QString& key)
     return isClaimed;
 }
 
-// Of a run that has ended, or of this one, which then waits for it.
+// Whether nobody works on the entry: its run has ended, or it is this run's and waits for a refund.
 bool CreditJournal::isLeftOpen(const QString& key) const
 {
     const auto entry = entryAt(key, m_preferences);
@@ -446,7 +447,8 @@ QCoro::Task<> CreditJournal::settleAll()
     const QString account = m_account.accountKey();
     Total returned, gone;
     const QStringList keys = keysLeftOpen();
-    bool isReached = true;    // else each of the others would wait its whole time
+    // Without a service, each further refund would wait for its whole timeout.
+    bool isReached = true;
     for (qsizetype i = 0; i < keys.size() && isReached && account == m_account.accountKey(); ++i) {
         const QString key = keys[i];
         const auto entry =
@@ -458,7 +460,7 @@ QCoro::Task<> CreditJournal::settleAll()
         const Refund refund = co_await std::move(refunding);
         if (!self)
             co_return;
-        // Of one that was refunded already nothing comes back.
+        // A reservation that was refunded before moves no credits now.
         const bool isNews = entry->isReserved || m_account.balance() > balance;
         if (refund == Refund::done && isNews)
             returned.add(*entry);
@@ -468,7 +470,7 @@ QCoro::Task<> CreditJournal::settleAll()
     }
     m_isSettling = false;
     if (account != m_account.accountKey())
-        m_retry.start(0);    // somebody else came meanwhile
+        m_retry.start(0);    // another user signed in meanwhile
     else
         m_retry.start(keysLeftOpen().isEmpty() ? m_times.look : m_times.retry);
     if (returned.credits > 0)

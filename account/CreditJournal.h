@@ -17,63 +17,64 @@ class CreditAccount;
 class PreferencesStore;
 struct OpenReservation;
 
-// Removes the journal's entry of a charge from the preferences. False: it could not be done.
+// Removes an operation's entry from the journal. False: the preferences could not be changed.
 using Strike = std::function<bool()>;
 
-// Something that costs credits.
+// Work that costs credits.
 struct ChargedOperation {
-    QString requestId;    // the same for the same thing done to the same items
-    qint64 cost = 0;      // 0: nothing is charged
-    QString what;         // for the user: "una exportación"
-    QStringList
-        covers;    // names of what is paid for: nobody pays for one of them at the same time
-    // Asked when nobody else can pay any more; may be empty. False: it was paid for meanwhile.
+    QString requestId;     // equal for equal work on equal items
+    qint64 cost = 0;       // 0: nothing is charged
+    QString what;          // for the user: "una exportación"
+    QStringList covers;    // names of renders that it pays for: no other running operation may pay
+                           // for one of them
+    // Called before the entry is written, in its transaction; may be empty. False: another run of
+    // the program has paid meanwhile.
     std::function<bool()> isStillDue;
-    // What is paid for, begun once the credits are reserved. False, or an exception: it failed.
+    // Does the work once the credits are reserved. False or an exception: it failed.
     std::function<QCoro::Task<bool>()> work;
-    // Stores what came of it and calls `strike`, both in one transaction, now or as soon as that
-    // can be done; gives whether it is done now.
+    // Stores the result and calls `strike` in one transaction, now or as soon as that can be done.
+    // Returns whether both are done now.
     std::function<bool(const Strike& strike)> record;
-    // More to store when the entry is struck; may be empty. Like `strike` it is called again in the
-    // next transaction where one could not be stored.
+    // Stores more in the transaction that strikes the entry; may be empty. Called again in the next
+    // transaction if one fails.
     std::function<bool()> alsoStore = {};
 };
 
 struct ChargeResult {
     enum class State { done, notReserved, failed };
-    // What kept the credits from being reserved.
+    // Why the credits were not reserved.
     enum class Refusal { other, signedOut, tooFewCredits, unreachable };
 
     State state = State::done;
-    bool isRefundPending = false;    // what was charged comes back later
-    bool isRecorded = true;          // else a crash now would count as a failure
-    QString error;    // why nothing was reserved, or what the work threw; for the user
+    bool isRefundPending = false;    // the credits come back later
+    bool isRecorded = true;          // false: after a crash now, the next run would refund it
+    QString error;    // for the user: why the reservation failed, or what the work threw
     Refusal refusal = Refusal::other;
 };
 
-// For the user, of what CreditJournal signals.
+// Sentences for the signals refunded() and lost().
 QString refundSentence(qint64 credits, const QString& what);
 QString lossSentence(qint64 credits, const QString& what);
 
-// The one place where credits are charged: reserve, work, then record the result or give back the
-// credits under the same request identifier. A reservation is in the preferences before it is asked
-// for and until it is settled, so that whatever ends the program, the next start gives back what
-// was paid for nothing. Lives on the interface thread.
+// Charges credits: reserves them, does the work, then records the result or refunds the credits
+// under the same request identifier. The preferences keep an entry from before the reservation is
+// requested until it is recorded or refunded, so that after a crash the next run refunds it. The
+// only charging code. Lives on the interface thread.
 class CreditJournal : public QObject {
     Q_OBJECT
 public:
     struct Times {
-        // Between two attempts to give something back.
+        // Pause between two attempts at a refund.
         std::chrono::milliseconds retry = std::chrono::seconds(30);
-        // Between two looks for what other runs have left.
+        // Pause between two searches for entries that other runs left open.
         std::chrono::milliseconds look = std::chrono::minutes(3);
-        // After it a request that was sent has reached the service, or never will; and an answer
-        // that contradicts an earlier one is no passing one any more.
+        // By then a request that was sent has reached the service or is lost, and a denial that the
+        // service repeats is final.
         std::chrono::milliseconds underWay = std::chrono::minutes(5);
     };
 
-    // Account and preferences outlive the journal. `runs`: a folder in which the runs of the
-    // program that share the preferences tell each other apart.
+    // `account` and `preferences` outlive the journal. `runs`: a folder in which the runs of the
+    // program with these preferences mark that they are going on.
     CreditJournal(CreditAccount& account, PreferencesStore& preferences, const QString& runs,
                   Times times, QObject* parent = nullptr);
     CreditJournal(CreditAccount& account, PreferencesStore& preferences, const QString& runs)
@@ -85,32 +86,32 @@ public:
 
     QCoro::Task<ChargeResult> run(ChargedOperation operation);
 
-    // Gives back what was left open for the signed-in account by runs that have ended, or could not
-    // be given back in this one. Starts by itself after each sign-in and from time to time; while
-    // it goes on, another one only waits for it.
+    // Refunds the signed-in account's open entries: those of runs that have ended and those that
+    // this run could not refund. Starts by itself after each sign-in and at intervals; a call while
+    // it runs waits for its end.
     QCoro::Task<> settle();
     bool isSettled() const { return m_unsettled.isEmpty(); }
 
-    // Called at each step of an operation, by name; for trying what a crash there would do. Whoever
-    // works for an operation tells of its own.
+    // Called with the name of each step of an operation, so that a test can crash there. Code that
+    // works for an operation calls reached() with steps of its own.
     std::function<void(const char* step)> stepReached;
     void reached(const char* step) const;
 
 Q_SIGNALS:
-    // Credits came back that an earlier operation had left open.
+    // Credits of an earlier operation came back.
     void refunded(qint64 credits, const QString& what);
-    // Credits that the service had confirmed as reserved will not come back: it knows nothing of
-    // them, again and again.
+    // Credits that the service had confirmed as reserved will not come back: it keeps denying the
+    // reservation.
     void lost(qint64 credits, const QString& what);
 
 private:
     enum class Refund {
         done,
         neverReserved,
-        denied,    // the service does not find the reservation that it confirmed: asked again later
-        lost,      // the same answer minutes later: given up
-        refused,        // this one
-        unreachable,    // like any other now
+        denied,         // the service denies a reservation that it had confirmed: asked again later
+        lost,           // denied again after Times::underWay: given up
+        refused,        // this refund; the next entry may succeed
+        unreachable,    // no answer: no refund can succeed now
     };
 
     void accountChanged();
@@ -123,10 +124,10 @@ private:
     void noteReserved(const QString& key);
     void noteLate(const QString& key);
     double soon() const;
-    // What strikes `entry`, if there is one, and stores what `operation` has beside it.
+    // Makes the function that removes `entry` (empty: nothing) and calls `operation.alsoStore`.
     Strike strikeOf(const ChargedOperation& operation, const QString& entry) const;
     bool isRecorded(const ChargedOperation& operation, const QString& entry) const;
-    // Of an entry that this run works on.
+    // Refunds an entry that this run has claimed or opened.
     QCoro::Task<Refund> giveBack(QString key);
     QCoro::Task<Refund> askBack(QString key);
     static Refund refundAfter(const std::exception& error);
@@ -144,10 +145,10 @@ private:
     PreferencesStore& m_preferences;
     ProgramRun m_run;
     const Times m_times;
-    QString m_accountKey;         // of who was signed in last
-    QSet<QString> m_unsettled;    // entries of this run that wait to be given back
+    QString m_accountKey;         // of the user signed in last
+    QSet<QString> m_unsettled;    // entries of this run that wait for a refund
     bool m_isSettling = false, m_isEnding = false;
     Completion m_settledAll;
-    QHash<QString, std::shared_ptr<Completion>> m_givingBack;    // the entries under way
+    QHash<QString, std::shared_ptr<Completion>> m_givingBack;    // refunds under way, by entry
     QTimer m_retry;
 };

@@ -24,7 +24,7 @@ QSize fittingSize(QSize photo)
         .expandedTo(QSize(1, 1));
 }
 
-// On white where it lets through: a JPEG cannot.
+// Transparent pixels become white: JPEG has no alpha channel.
 QImage redrawn(const QImage& picture, QSize size)
 {
     QImage drawn(size, QImage::Format_RGB32);

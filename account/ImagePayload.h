@@ -3,16 +3,16 @@
 #include <QByteArray>
 #include <QString>
 
-// An image as a vision model is sent it.
+// An image as it is sent to a vision model.
 struct ImagePayload {
     QString mimeType;
     QByteArray bytes;
 };
 
-// A photo as a JPEG whose longer side is at most 1600 pixels, upright; what is no photo, as it
-// stands. Waits for the disk and the codec. Throws AccountError when the file cannot be read or is
-// too large to be sent.
+// A photo as an upright JPEG whose longer side is at most 1600 pixels; a file that cannot be
+// decoded, unchanged. Waits for the disk and the codec. Throws AccountError when the file cannot be
+// read or is too large to be sent.
 ImagePayload preparedImagePayload(const QString& path);
 
-// By the file's extension.
+// The MIME type for the file's extension.
 QString mimeType(const QString& path);

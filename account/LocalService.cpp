@@ -15,7 +15,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-extern "C" {    // which this header of glibc 2.36 leaves out
+extern "C" {    // glibc 2.36 leaves it out of <sys/pidfd.h>
 #include <sys/pidfd.h>
 }
 
@@ -28,13 +28,14 @@ constexpr qint64 longestLine = 200, longestReason = 400;    // bytes, characters
 
 constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
 
-// The folder's name is part of the socket's, so it must exist to be looked up.
+// Creates the data folder for its user only. The socket's name contains the canonical path, which
+// only an existing folder has.
 bool createPrivately(const QString& folder)
 {
     return QDir(folder).exists() || (QDir().mkpath(folder) && QFile::setPermissions(folder, owner));
 }
 
-// Also one whose end nobody has taken note of yet. Never true where the system cannot tell.
+// Also true for a process that has not been reaped. Never true where the system cannot tell.
 bool hasEnded(qint64 process)
 {
     const int handle = ::pidfd_open(pid_t(process), 0);
@@ -89,7 +90,7 @@ QCoro::Task<QUrl> LocalService::address(std::stop_token stop)
             TransportError::Kind::unreachable,
             u"No se ha podido arrancar el servicio local de cuentas: %1"_s.arg(m_problem));
     }
-    const QUrl found = m_address;    // a member would be moved away: the result takes any lvalue
+    const QUrl found = m_address;    // co_return would move out of a member
     co_return found;
 }
 
@@ -99,7 +100,7 @@ void LocalService::begin()
     m_isLastLook = false;
     m_process = 0;
     m_giveUp.start(m_place.longestStart);
-    m_retry.start(0);    // never settled before anybody can wait for it
+    m_retry.start(0);    // the attempt must not end before address() waits for it
 }
 
 void LocalService::connectAgain()
@@ -135,15 +136,15 @@ void LocalService::read()
     settle();
 }
 
-// It does not run yet, or has gone.
+// The socket is not connected: the service does not run yet, or has ended.
 void LocalService::lost()
 {
     m_address.clear();
     if (!m_isStarting)
-        return;    // started again when it is next needed
+        return;    // address() starts it again
     if (m_process == 0 && !launch())
         return;
-    // One that found another at work ends as well; that one answers by now.
+    // A second service ends at once when another runs; that one answers at the next attempt.
     if (hasEnded(m_process) && std::exchange(m_isLastLook, true)) {
         settle(reasonInLog());
         return;
@@ -162,7 +163,7 @@ bool LocalService::launch()
     process.setProgram(m_place.program);
     process.setArguments({u"--data"_s, m_place.data, u"--port"_s, u"0"_s, u"--until-unused"_s,
                           u"--administrator"_s, m_place.administrator});
-    process.setWorkingDirectory(m_place.data);    // not to hold on to the user's
+    process.setWorkingDirectory(m_place.data);    // leaves the user's folder free to be unmounted
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(logFile());
@@ -177,7 +178,7 @@ QString LocalService::logFile() const
     return QDir(m_place.data).filePath(u"servicio.log"_s);
 }
 
-// Its last line: the service's own sentence, or what kept the system from running it.
+// The log's last line: the service's own sentence, or the system's reason for not running it.
 QString LocalService::reasonInLog() const
 {
     QFile log(logFile());

@@ -13,9 +13,8 @@
 #include <memory>
 #include <stop_token>
 
-// The account service on this machine. It is started when its address is first asked for, shared
-// with whoever works on the same data, and ends when the last of them is gone; a new one is started
-// should it be gone before.
+// The account service on this machine. Started when its address is first asked for, and again if it
+// has ended; shared with all programs on the same data. Ends with the last of them.
 class LocalService : public QObject {
     Q_OBJECT
 public:
@@ -29,10 +28,10 @@ public:
     explicit LocalService(Place place, QObject* parent = nullptr);
     ~LocalService() override;
 
-    // Throws TransportError when it cannot be started, or does not answer; with the reason, as far
-    // as it left one.
+    // Starts or finds the service. Throws TransportError when it cannot be started or does not
+    // answer, with the reason it logged, if any.
     QCoro::Task<QUrl> address(std::stop_token stop = {});
-    // Empty while it does not run.
+    // Empty while the service does not run.
     const QUrl& knownAddress() const { return m_address; }
 
 private:
@@ -40,18 +39,18 @@ private:
     void connectAgain();
     void read();
     void lost();
-    // An attempt to reach it has ended, well when there is no problem.
+    // Ends the attempt to reach the service; an empty `problem` means success.
     void settle(const QString& problem = {});
     bool launch();
     QString logFile() const;
     QString reasonInLog() const;
 
     const Place m_place;
-    QLocalSocket m_socket;    // held open: it tells the service that it is needed
+    QLocalSocket m_socket;    // stays connected: the service ends without connections
     QTimer m_retry, m_giveUp;
     QUrl m_address;
     QString m_problem;       // of the last attempt, as the end of a Spanish sentence
-    qint64 m_process = 0;    // that was started in this attempt
+    qint64 m_process = 0;    // process started in this attempt; 0: none
     QList<std::shared_ptr<Completion>> m_waiting;
     bool m_isStarting = false, m_isLastLook = false;
 };

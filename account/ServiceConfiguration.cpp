@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The last one counts, as usual.
+// Removes all occurrences of the option; returns the value of the last one.
 std::optional<QString> takenOption(QStringList& arguments, const QString& name)
 {
     std::optional<QString> value;
@@ -34,7 +34,7 @@ struct Source {
     QString name, text;
 };
 
-// The first that says anything.
+// The first non-empty one of option, environment variable and file.
 std::optional<Source> firstGiven(const std::optional<QString>& flag, const QString& flagName,
                                  const char* variable, const QSettings& file, const QString& key)
 {
@@ -47,7 +47,7 @@ std::optional<Source> firstGiven(const std::optional<QString>& flag, const QStri
     return std::nullopt;
 }
 
-// Passwords and the session travel there: in the clear only within this machine.
+// Passwords and the session travel there: plain HTTP only within this machine.
 bool isUsable(const QUrl& address)
 {
     return address.isValid() && !address.host().isEmpty() && address.userInfo().isEmpty() &&
@@ -87,7 +87,7 @@ ServiceConfiguration takenConfiguration(QStringList& arguments, const QString& f
         made.problem);
     made.site = addressOf(
         firstGiven(siteFlag, u"--site"_s, "MOLTIVA_SITE_URL", settings, u"site"_s), made.problem);
-    // Who names a service alone means one that is the site as well.
+    // A configured service without a site is the site as well.
     if (made.service && !made.site)
         made.site = made.service;
     made.siteName = settings.value(u"siteName"_s).toString();

@@ -6,17 +6,18 @@
 
 #include <optional>
 
-// Where the account service and the public web site are, and who they belong to.
+// Addresses and names of the account service and the public web site.
 struct ServiceConfiguration {
-    // Without one: the service on this machine, which is the site as well.
+    // Without `service`, the local one is used, which is the site as well.
     std::optional<QUrl> service, site;
-    QString siteName;    // as messages show it; that of the site's host when not configured
+    QString siteName;    // for messages; from the site's host when not configured
     QString administratorEmail;
-    QString problem;    // why it cannot be used, for the user; empty when it can
+    QString problem;    // why the addresses cannot be used, for the user; empty when they can
 };
 
-// Takes --service URL and --site URL out of the arguments, wherever they stand; then looks at the
-// environment (MOLTIVA_SERVICE_URL, MOLTIVA_SITE_URL), then at the file, which need not exist:
+// Removes --service URL and --site URL from the arguments, wherever they stand. Options win over
+// the environment (MOLTIVA_SERVICE_URL, MOLTIVA_SITE_URL), which wins over the file; the file need
+// not exist:
 //
 //     service=https://…
 //     site=https://…

@@ -6,12 +6,11 @@
 #include <QDir>
 #include <QString>
 
-// Where the local service of a data folder is met: a local socket that gives one line,
-// "http://127.0.0.1:PORT\n", to each who connects. As long as somebody stays connected, a service
-// that was started with --until-unused goes on.
-//
-// The folder should exist, so that every way to write it gives the same name. Empty where no socket
-// of ours is safe.
+// Path of the local socket at which programs find the local service of `dataFolder`. The service
+// sends one line, "http://127.0.0.1:PORT\n", to each connection. A service that was started with
+// --until-unused runs as long as one connection is open.
+// The folder must exist, or two spellings of its path give two sockets. Empty where no private
+// place for a socket exists.
 inline QString serviceSocketPath(const QString& dataFolder)
 {
     const QDir folder(dataFolder);
