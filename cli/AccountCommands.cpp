@@ -46,7 +46,7 @@ struct json::JsonFields<PurchaseLine> {
 
 namespace {
 
-// What every one of the commands has.
+// Parser, messages and exit statuses of one account command.
 class AccountCommand {
 public:
     AccountCommand(const QString& name, const QString& description,
@@ -59,7 +59,7 @@ public:
 
     QCommandLineParser& parser() { return m_parser; }
 
-    // Nothing to go on with the command, else its exit status.
+    // Empty when the command is to go on, else its exit status.
     std::optional<int> parse(const QStringList& arguments)
     {
         if (!m_parser.parse(QStringList{u"moltiva "_s + m_name} + arguments))
@@ -85,14 +85,14 @@ public:
         print(stderr, u"moltiva %1: %2"_s.arg(m_name, sentence));
         return status;
     }
-    // Why an action of the session was not done.
+    // Prints why an action of the session failed; returns the exit status.
     int failed(const AccountSession& session) const
     {
         return failed(session.outcome(), session.isUnreachable() ? exitNoNetwork
                                          : session.needsSignIn() ? exitNotSignedIn
                                                                  : exitSomeFailed);
     }
-    // How an action of the session ended.
+    // Prints the outcome of an action of the session; returns the exit status.
     int ended(const AccountSession& session, bool done) const
     {
         if (!done)
@@ -109,7 +109,7 @@ private:
 
 enum class SecretUse { known, chosen };
 
-// A password that is being chosen is asked for twice where its typing cannot be seen.
+// Asks for a newly chosen password twice on a terminal, where it cannot be seen.
 std::optional<QString> askedPassword(const AccountCommand& command, SecretUse use)
 {
     const std::optional<QByteArray> password = readSecret(u"Contraseña: "_s);
@@ -119,7 +119,7 @@ std::optional<QString> askedPassword(const AccountCommand& command, SecretUse us
     }
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = decoder(*password);
-    // What cannot be read would make different passwords the same.
+    // Wrong bytes all decode to U+FFFD, so that different passwords would be equal.
     if (decoder.hasError()) {
         command.failed(u"la contraseña no está escrita en UTF-8."_s);
         return std::nullopt;

@@ -4,9 +4,9 @@
 
 struct ServiceConfiguration;
 
-// The account from the command line, with the session that the window uses too. Passwords come from
-// the terminal or standard input, never from an argument, which every process may read. They give
-// the exit status.
+// Account commands, on the session that the window uses too. They read passwords from the terminal
+// or standard input, never from an argument, which every process may see. Each returns the exit
+// status.
 int runLogin(const QStringList& arguments, const ServiceConfiguration& configuration);
 int runRegister(const QStringList& arguments, const ServiceConfiguration& configuration);
 int runLogout(const QStringList& arguments, const ServiceConfiguration& configuration);

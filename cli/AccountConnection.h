@@ -6,21 +6,22 @@
 
 #include <functional>
 
-// The account of a command, which opens no browser.
+// A command's connection to the account. It opens no browser.
 class AccountConnection {
 public:
-    // `tell` is given a sentence about what was found in the place of the preferences, and about
-    // credits that came back from an earlier command.
+    // `tell` receives sentences for the user: a problem with the preferences' file, and credits
+    // that came back from an earlier command.
     AccountConnection(const ServiceConfiguration& configuration,
                       const std::function<void(const QString& sentence)>& tell);
 
     AccountSession& session() { return m_account.session(); }
     CreditJournal& journal() { return m_account.journal(); }
     PreferencesStore& preferences() { return m_preferences; }
-    // Later commands have the session too.
+    // Whether later commands find this session in the preferences.
     bool isSessionKept() { return m_account.api().isSessionKept(); }
 
-    // Waits until what earlier commands left open has come back, as far as it can.
+    // Waits until the credits that earlier commands left reserved have been refunded, as far as
+    // that is possible.
     void settle();
 
 private:

@@ -4,9 +4,9 @@
 
 struct ServiceConfiguration;
 
-// Whether these arguments (without the program's name) are for the command line and not for the
+// Whether the arguments (without the program's name) are a command, not files or an address for the
 // window.
 bool isCommandLine(const QStringList& arguments);
 
-// Runs the command they name and gives the exit status. Needs a QGuiApplication, but no display.
+// Runs the named command and returns the exit status. Needs a QGuiApplication, but no display.
 int runCommandLine(const QStringList& arguments, const ServiceConfiguration& configuration);

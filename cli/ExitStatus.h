@@ -1,6 +1,6 @@
 #pragma once
 
-// What the program tells whoever started a command.
+// Exit statuses of all commands, as `--help` lists them.
 enum ExitStatus {
     exitDone = 0,
     exitSomeFailed = 1,

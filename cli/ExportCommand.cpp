@@ -23,18 +23,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Of a photo in a command, the same whenever that is given again: a payment is named after it.
+// Identifies a photo by its path and occurrence, equally in every run: payments are stored under
+// it.
 QUuid itemId(const QString& file, int occurrence)
 {
     const QUuid space = QUuid::fromString(u"{a3a31d52-6a5e-4d0c-9d0c-3f0a4d5f7c21}"_s);
     return QUuid::createUuidV5(space, file + u'\n' + QString::number(occurrence));
 }
 
-// What came of the photos that were asked for.
+// The readable photos, with the files that they become.
 struct PreparedBatch {
     PublicationItems items;
     QStringList destinations;    // one an item
-    bool lacksTexts = false;     // a file of texts was given, and none is for a photo that was read
+    bool lacksTexts = false;     // a file of texts was given, but no row is for a readable photo
 };
 
 QStringList pathsOf(const QList<QUrl>& photos)
@@ -68,7 +69,7 @@ public:
     {
         if (const auto refused = signIn())
             return ended(*refused, pathsOf(m_options.photos));
-        // Before the price is held against the balance.
+        // Refunds come first: the balance is compared with the price.
         m_connection.settle();
         m_interrupt.emplace();
         m_look.start(stopLatency);
@@ -86,8 +87,8 @@ public:
         }
         const qint64 balance = m_connection.session().account().balance;
         auto price = priceOf(batch.items);
-        // Too few credits are told before anything is drawn. Photos that could not be drawn cost
-        // nothing: they must not be why.
+        // Stops before drawing if the credits do not suffice. Photos that cannot be drawn cost
+        // nothing, so they are left out of the price first.
         if (price && !m_options.isDryRun && price->credits() > balance)
             price = leaveOutUnreadable(batch) ? priceOf(batch.items) : std::nullopt;
         if (!price)
@@ -148,7 +149,7 @@ private:
         return QCoro::waitFor(PhotoImport::importPhotos(photos, m_photos, m_import, look));
     }
 
-    // Decodes the photos. False when it was interrupted.
+    // Decodes the photos and drops the unreadable ones. False when interrupted.
     bool leaveOutUnreadable(PreparedBatch& batch)
     {
         QList<QUrl> photos;
@@ -159,7 +160,8 @@ private:
             return false;
         PreparedBatch readable;
         for (qsizetype i = 0; i < photos.size(); ++i) {
-            const qsizetype next = readable.items.size();    // of the accepted, in the same order
+            // Of the accepted items, which keep the photos' order.
+            const qsizetype next = readable.items.size();
             if (next == looked->items.size() || looked->items[next].url != photos[i]) {
                 m_report.unreadable(photos[i].toLocalFile());
                 continue;
@@ -171,8 +173,8 @@ private:
         return true;
     }
 
-    // Rows of texts and names of files are of all photos, so that one that cannot be read moves
-    // neither from where they were.
+    // Assigns rows of texts and names of files by the place among all photos, so that an unreadable
+    // photo does not shift the others.
     PreparedBatch prepared(const PublicationItems& accepted)
     {
         const QList<QUrl>& photos = m_options.photos;
@@ -193,7 +195,7 @@ private:
         PreparedBatch batch;
         batch.lacksTexts = m_options.texts.has_value();
         QHash<QString, int> occurrences;    // by file
-        qsizetype next = 0;                 // of the accepted ones, which are in the same order
+        qsizetype next = 0;                 // of the accepted items, which keep the photos' order
         for (qsizetype i = 0; i < photos.size(); ++i) {
             const QString photo = photos[i].toLocalFile();
             if (next == accepted.size() || accepted[next].url != photos[i]) {
@@ -218,8 +220,8 @@ private:
         return batch;
     }
 
-    // By what is known without drawing: the pixels may still turn out to be paid. Nothing when it
-    // was interrupted: texts are laid out for it.
+    // Price before drawing: a render may still turn out to have paid pixels. Lays out texts, which
+    // takes a while; empty when interrupted.
     std::optional<ExportPrice> priceOf(const PublicationItems& items) const
     {
         const QSizeF size = exportSizeOf(m_options.format),
@@ -290,10 +292,11 @@ private:
                 }};
     }
 
-    // The photos that were not reached; those that found no room to be prepared are told at once.
+    // Photos that the export did not reach. With a full staging folder they are reported here, and
+    // none is returned.
     QStringList notReached(const ExportOutcome& outcome, const PreparedBatch& batch)
     {
-        // They are written in order, and each was told.
+        // Files are written in the items' order, and each was reported.
         QStringList photos = photosOf(batch).mid(outcome.written.size() + outcome.unwritten.size());
         if (outcome.isCacheFull)
             m_report.unprepared(std::exchange(photos, {}), stagingPlace());
@@ -347,7 +350,7 @@ private:
     }
 
     static constexpr std::chrono::milliseconds stopLatency{30};
-    static constexpr qint64 pictureBudget = qint64(1) << 20;    // nothing is shown
+    static constexpr qint64 pictureBudget = qint64(1) << 20;    // minimal: nothing is shown
 
     const ExportOptions& m_options;
     ExportReport m_report;
@@ -357,7 +360,7 @@ private:
     const std::shared_ptr<PhotoImport::Control> m_import = std::make_shared<PhotoImport::Control>();
     const std::shared_ptr<ExportControl> m_export = std::make_shared<ExportControl>();
     std::optional<Interrupt> m_interrupt;
-    QTimer m_look;      // for an interrupt
+    QTimer m_look;      // polls m_interrupt
     QString m_payer;    // key of the account that the price is for
     QElapsedTimer m_watch;
 };
@@ -374,7 +377,7 @@ int runExport(const QStringList& arguments, const ServiceConfiguration& configur
         return exitWrongUse;
     }
     keepFreedMemory();
-    // What workers keep for drawing goes with the toolkit.
+    // The workers' drawing caches must be freed before the application's end.
     const auto finish = qScopeGuard(&finishWorkers);
     return ExportRun(std::get<ExportOptions>(asked), configuration).run();
 }

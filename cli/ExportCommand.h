@@ -4,6 +4,6 @@
 
 struct ServiceConfiguration;
 
-// `moltiva export`: photos with their texts to PNG files, paid for by the account that is signed
-// in. Gives the exit status.
+// `moltiva export`: writes photos with their texts to PNG files, paid for by the signed-in account.
+// Returns the exit status.
 int runExport(const QStringList& arguments, const ServiceConfiguration& configuration);

@@ -35,7 +35,7 @@ int wrongUse(const QString& sentence)
     return exitWrongUse;
 }
 
-// Of a folder, without what an earlier export of it left there.
+// The photos of a folder without the outputs of an earlier export into it; or the one file.
 QList<QUrl> photosAt(const QString& path)
 {
     if (!QFileInfo(path).isDir())
@@ -51,8 +51,8 @@ QList<QUrl> photosAt(const QString& path)
     return kept;
 }
 
-// The parser, and its arguments become options one after the other; each gives an exit status
-// where it cannot be done.
+// Parses the arguments into options one after the other; each step returns an exit status on
+// failure.
 class ExportArguments {
 public:
     ExportArguments()
@@ -88,7 +88,7 @@ private:
 
     QString helpText() const
     {
-        // The parser names the program alone.
+        // QCommandLineParser prints the program's name without the command.
         QString text = m_parser.helpText();
         text.replace(0, text.indexOf(u'\n'), u"Uso: moltiva export [opciones] foto|carpeta…"_s);
         return text + u"\nEstado de salida:\n"

@@ -10,7 +10,7 @@
 #include <memory>
 #include <variant>
 
-// What `moltiva export` is asked for.
+// The parsed arguments of `moltiva export`.
 struct ExportOptions {
     SocialFormat format = SocialFormat::carouselPortrait;
     QString folder;
@@ -18,14 +18,15 @@ struct ExportOptions {
     bool isJson = false;
     bool isDryRun = false;
     std::optional<TextSheet> texts;
-    TemplateApplication design;               // none: as it is
-    QList<QUrl> photos;                       // files
-    QStringList unreachable;                  // names of photos that no address can be given
-    std::shared_ptr<QTemporaryDir> sample;    // of photos, goes with the options
+    TemplateApplication design;    // a template's design; none: the photos' own
+    QList<QUrl> photos;            // files
+    QStringList unreachable;       // names of photos that no URL can hold
+    // Folder of the sample photos; deleted with the options.
+    std::shared_ptr<QTemporaryDir> sample;
 };
 
-// One line of standard error.
+// Prints one line to standard error.
 void tellOfExport(const QString& sentence);
 
-// What the arguments ask for, else the exit status; what is to be said was said then.
+// The options, or an exit status after the reason (or the help) was printed.
 std::variant<ExportOptions, int> exportOptions(const QStringList& arguments);

@@ -20,7 +20,7 @@ struct FileLine {
 struct SummaryLine {
     QString outcome, message;
     int written = 0, skipped = 0;
-    qint64 cost = 0;    // credits that were charged and not given back
+    qint64 cost = 0;    // credits charged and not refunded
     bool refundPending = false;
     double seconds = 0;
     double peakMemoryBytes = 0;
@@ -76,7 +76,7 @@ QString sentenceOf(const ExportPrice& price)
         .arg(price.images);
 }
 
-// For programs: these words stay.
+// Words of the JSON output, which other programs read: they must not change.
 QString wordOf(ExportOutcome::State state)
 {
     using State = ExportOutcome::State;

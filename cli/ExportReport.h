@@ -3,16 +3,16 @@
 #include "studio/export/ExportOperation.h"
 #include "studio/sheet/SheetMatch.h"
 
-// What exporting costs, before it is charged.
+// Number of images in an export and how many of them cost credits.
 struct ExportPrice {
     qsizetype images = 0, unpaid = 0;
 
     qint64 credits() const { return exportCreditCost * unpaid; }
 };
 
-// What `moltiva export` prints: a bar on a terminal, else a line a file; or, as JSON, an object a
-// file and a summary. Results go to standard output, the price and what went wrong to standard
-// error.
+// Output of `moltiva export`: a progress bar on a terminal, else one line for each file; with JSON,
+// one object for each file and a summary. Results go to standard output, the price and failures to
+// standard error.
 class ExportReport {
 public:
     explicit ExportReport(bool json);
@@ -23,13 +23,13 @@ public:
     void rowFailed(const RowProblem& problem);    // of the texts
     void unreadable(const QString& photo);
     void unwritten(const QString& photo, const QString& path, const QString& reason);
-    void unprepared(const QStringList& photos, const QString& place);    // for want of room there
-    void notReached(const QStringList& photos);    // for another one, or for the whole
+    void unprepared(const QStringList& photos, const QString& place);    // `place` has no room left
+    void notReached(const QStringList& photos);    // the export stopped or failed before them
     void wrote(const QString& photo, const QString& path);
 
     void price(const ExportPrice& price);
-    void priceAlone(const ExportPrice& price, qint64 balance);    // the result of a dry run
-    // `peakBytes`: the largest memory the process took.
+    void priceAlone(const ExportPrice& price, qint64 balance);    // the result of --dry-run
+    // `peakBytes`: the largest memory use of the process.
     void end(const ExportOutcome& outcome, double seconds, qint64 peakBytes);
 
     bool isAnyFailed() const { return m_failed > 0; }
@@ -42,6 +42,6 @@ private:
 
     bool m_json, m_terminal;
     QString m_bar;
-    qsizetype m_written = 0, m_failed = 0;    // photos; rows of the texts are failures too
+    qsizetype m_written = 0, m_failed = 0;    // photos; m_failed counts rows of the texts too
     qsizetype m_skipped = 0;                  // photos
 };

@@ -2,8 +2,8 @@
 
 #include <atomic>
 
-// While it lives, the first Ctrl+C (or request to end) only raises a flag, so that files under way
-// are finished; a second one ends the program. One at a time.
+// While an Interrupt exists, the first Ctrl+C (or SIGTERM) only raises the flag, so that files
+// under way are finished; a second one ends the program. At most one may exist.
 class Interrupt {
 public:
     Interrupt();

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The innermost first.
+// The folders of `path` that do not exist, the innermost first.
 QStringList missingFolders(const QString& path)
 {
     QStringList missing;

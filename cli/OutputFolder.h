@@ -3,8 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-// The folder that files go to, made with those above it if missing. What it made and nobody put
-// anything into goes with it.
+// Makes a folder and its missing parents. The destructor removes those that it made and that are
+// still empty.
 class OutputFolder {
 public:
     explicit OutputFolder(const QString& path);
@@ -14,10 +14,10 @@ public:
 
     bool isThere() const { return m_isThere; }
 
-    // As far as can be told without making it.
+    // Whether making the folder looks possible; makes nothing.
     static bool canBeMade(const QString& path);
 
 private:
-    QStringList m_made;    // the innermost first
+    QStringList m_made;    // folders that did not exist, the innermost first
     bool m_isThere;
 };

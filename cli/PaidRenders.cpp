@@ -6,8 +6,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// One name a line: any text reads, what is no name of a render matches none and stays where it is,
-// and adding leaves alone what is there.
+// Preferences key of an account's paid renders. The value has one name a line; lines that are no
+// names are ignored and kept.
 QString keyOf(const QString& account)
 {
     return u"moltiva.paidRenders."_s + account;
@@ -44,7 +44,7 @@ bool addPaidRenders(PreferencesStore& preferences, const QString& account,
 {
     const QString key = keyOf(account);
     return preferences.transaction([&] {
-        // Read again: another command may have paid meanwhile.
+        // Reads the value again: another command may have paid meanwhile.
         QByteArray lines = preferences.value(key).value_or(QByteArray());
         if (!lines.isEmpty() && !lines.endsWith('\n'))
             lines.append('\n');

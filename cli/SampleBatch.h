@@ -2,6 +2,5 @@
 
 #include <QString>
 
-// Paints a few pictures that stand for photographs into the folder, for trying the program where
-// there are none.
+// Paints a few landscapes as JPEG files into the folder, for trying the program without photos.
 bool paintSampleBatch(const QString& folder);

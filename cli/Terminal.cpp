@@ -17,7 +17,7 @@ namespace {
 
 constexpr qsizetype longestLine = 4096;
 
-// Nothing when there is none, or more of it than a password has.
+// Empty at the end of the input, and for a line longer than any password.
 std::optional<QByteArray> readLine(std::FILE* stream)
 {
     QByteArray line;
@@ -34,7 +34,7 @@ std::optional<QByteArray> readLine(std::FILE* stream)
 }
 
 #ifdef Q_OS_UNIX
-termios shown;    // how the terminal was
+termios shown;    // the terminal's settings before the password
 
 extern "C" void showAgain(int signal)
 {
@@ -43,7 +43,8 @@ extern "C" void showAgain(int signal)
     raise(signal);
 }
 
-// The terminal goes on editing the line, and is as before however this ends.
+// Reads without echo; the terminal edits the line, and its settings are restored even after a
+// signal.
 std::optional<QByteArray> readUnseen()
 {
     if (tcgetattr(STDIN_FILENO, &shown) != 0)
@@ -69,8 +70,8 @@ bool steers(QChar c)
     return c.category() == QChar::Other_Control || turnsDirection(c);
 }
 
-// Names of files and sentences of servers hold anything; what steers is replaced, not removed, so
-// that a name still looks like another one.
+// Replaces control characters in names of files and sentences of servers. Does not remove them: a
+// name must not become another one.
 QString tamed(QString line)
 {
     constexpr qsizetype most = 8192;    // the longest path, and a sentence about it

@@ -6,14 +6,14 @@
 #include <cstdio>
 #include <optional>
 
-// One line, at once. Where people read it, on standard error or a terminal, it steers nothing.
+// Prints one line and flushes it. Replaces control characters on standard error and on a terminal.
 void print(std::FILE* stream, const QString& line);
 
-// Text from elsewhere on part of a line: short, without what would steer a terminal.
+// Foreign text for a part of a line: shortened, without terminal control characters.
 QString printable(const QString& text);
 
 bool isTerminal(std::FILE* stream);
 
-// A line that is not shown while it is typed; without a terminal, the next line of standard input.
-// Nothing when it was cancelled, is too long or there is none.
+// Reads a line that is not shown while typed; without a terminal, the next line of standard input.
+// Empty when cancelled, too long or at the end of the input.
 std::optional<QByteArray> readSecret(const QString& prompt);
