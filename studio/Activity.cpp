@@ -23,7 +23,7 @@ const Activity* Activities::foremost() const
 void Activities::stop(Activity::Kind kind) const
 {
     const Activity* running = find(kind);
-    // A copy: the activity may end while it is asked to.
+    // Calls a copy: the activity may end, and its function with it, during the call.
     if (const auto ask = running ? running->stop : nullptr)
         ask();
 }

@@ -6,34 +6,34 @@
 #include <map>
 #include <optional>
 
-// Something that takes longer than a moment, with all that the window needs to show it, to stop it
-// and to close around it. A value.
+// Work that takes longer than a moment: what the window needs to show it, stop it and close around
+// it. A value.
 struct Activity {
-    // Of several at once the last of these is the foremost.
+    // In rising order of importance, for Activities::foremost().
     enum class Kind { account, restoring, importing, exporting };
     static constexpr qsizetype unknown = -1;
 
     Kind kind = Kind::account;
-    qsizetype done = 0, total = unknown;    // images, or whatever it counts
-    std::function<void()> stop = {};        // asks for its end; empty: it cannot be stopped
-    bool delaysClosing = false;    // it is stopped before the window closes, and its end awaited
-    PublicationItems incoming = {};    // of an import: what will replace the batch, so far
+    qsizetype done = 0, total = unknown;    // images, or another unit of the work
+    std::function<void()> stop = {};        // requests its end; empty: it cannot be stopped
+    bool delaysClosing = false;        // the window stops it and waits for its end before closing
+    PublicationItems incoming = {};    // of an import: the photos accepted so far
 
-    // From 0 to 1; nothing where nobody knows how much there is to do.
+    // From 0 to 1; empty while the total is unknown.
     std::optional<double> fraction() const;
 };
 
-// What is under way, at most one activity of each kind.
+// The activities under way, at most one of each kind.
 class Activities {
 public:
     void set(const Activity& activity) { m_running[activity.kind] = activity; }
     void end(Activity::Kind kind) { m_running.erase(kind); }
 
-    // Null where there is none.
+    // Null when no activity of this kind is under way.
     const Activity* find(Activity::Kind kind) const;
-    // The one that is shown and that a request to stop means; null where nothing is under way.
+    // The activity that the status line shows and stops; null when none is under way.
     const Activity* foremost() const;
-    // One that has to end before the window closes; null for none.
+    // An activity that must end before the window closes; null when none must.
     const Activity* delayingClosing() const;
     void stop(Activity::Kind kind) const;
 

@@ -54,10 +54,11 @@ void Editing::endCanvasHistoryEdit(QUuid movedLayer)
     const Batch before = *m_history.endCanvasEdit();
     if (before == m_batch)
         return;
-    // What only selected another layer, as a pan that moves nothing does, is no step.
+    // A gesture that changed only the selection, as a pan that moves nothing does, is no step.
     if (!(before.items == m_batch.items))
         registerUndo(before, Step::gesture());
-    Q_EMIT changed(Outcome::state, Pace::once);    // last: who hears of it asks for the step, too
+    // After the step is recorded: receivers read the history.
+    Q_EMIT changed(Outcome::state, Pace::once);
 }
 
 void Editing::applyHistorySnapshot(const StudioHistorySnapshot& snapshot)
@@ -66,7 +67,7 @@ void Editing::applyHistorySnapshot(const StudioHistorySnapshot& snapshot)
     m_batch = snapshot;
     BatchSelection::keepInvariants(m_batch, BatchSelection::LayerRule::anyOrNone);
     Q_EMIT changed(Outcome::state, Pace::once);
-    // Only when whoever heard of the change is done: what they write back is no new step.
+    // Ends after the receivers' queued replies to the change: those are no new steps.
     QMetaObject::invokeMethod(
         this, [this] { m_isApplyingHistory = false; }, Qt::QueuedConnection);
 }
@@ -75,6 +76,6 @@ void Editing::amend(const Change& apply)
 {
     apply(m_batch);
     m_history.amend(apply);
-    // Else a later change could join a step from before the payment.
+    // A later change must not join a step from before the payment.
     m_history.endStep();
 }

@@ -32,7 +32,7 @@ void StatusLog::append(StatusEntry entry)
         m_entries.removeFirst();
 }
 
-// Gives whether another sentence is the current one now.
+// Returns whether current() is another sentence afterwards.
 template <typename Matches>
 bool StatusLog::outdateWhere(Matches matches)
 {

@@ -9,15 +9,15 @@
 #include <chrono>
 #include <functional>
 
-// What a sentence tells: a warning is a problem that the user can go on with, an error the failure
-// of what was asked for; `working` passes with the activity whose step it is.
+// Kind of a sentence. `warning`: a problem that the user can go on with; `error`: what the user
+// asked for has failed; `working`: a step of an activity, outdated when the activity ends.
 enum class StatusKind { note, done, warning, error, working };
 
-// Where a sentence leads.
+// What the button behind a sentence opens.
 struct StatusLink {
-    QString folder = {};         // of the files that it tells of; empty for none
-    bool isPurchase = false;     // of credits
-    QStringList details = {};    // the names of what it only counts
+    QString folder = {};         // of the files in the sentence; empty: none
+    bool isPurchase = false;     // the purchase of credits
+    QStringList details = {};    // the names that the sentence only counts
     bool operator==(const StatusLink&) const = default;
 };
 
@@ -25,15 +25,15 @@ struct StatusEntry {
     StatusKind kind = StatusKind::note;
     QString sentence = {};
     StatusLink link = {};
-    QDateTime time = {};                                // local, when it was told
+    QDateTime time = {};                                // local time of tell()
     std::chrono::steady_clock::time_point told = {};    // the same moment, for the entry's age
-    std::optional<Activity::Kind> activity = {};        // of a `working` sentence
-    bool isOutdated = false;                            // it says nothing of the present any more
+    std::optional<Activity::Kind> activity = {};        // whose step a `working` sentence is
+    bool isOutdated = false;                            // no longer true of the present
     bool operator==(const StatusEntry&) const = default;
 };
 
-// Every sentence that the user was told. A sentence outdates those before it, but for the steps of
-// an activity: when that ends, the sentence from before it is the newest again.
+// All sentences told to the user. A new sentence outdates the earlier ones. An activity's step does
+// not: when the activity ends, the sentence from before it is current again.
 class StatusLog : public QObject {
     Q_OBJECT
 public:
@@ -43,7 +43,7 @@ public:
     // `clock` tells the age of sentences: the calendar may be set back.
     explicit StatusLog(Clock clock, Calendar calendar = &QDateTime::currentDateTime);
 
-    // The newest that is not outdated; without a sentence where there is none.
+    // The newest sentence that is not outdated; an empty entry if there is none.
     const StatusEntry& current() const;
     // The last fifty, oldest first. All steps of an activity are one entry.
     const QList<StatusEntry>& entries() const { return m_entries; }
@@ -53,13 +53,13 @@ public:
               const StatusLink& link = {});
     // A step of the activity takes the place of the step before.
     void tellStep(Activity::Kind activity, const QString& sentence);
-    // The activity is over: its step is outdated.
+    // Outdates the activity's step: the activity is over.
     void endSteps(Activity::Kind activity);
-    // The batch was changed: what was told in an earlier turn of the event loop is outdated, but
-    // for a problem that nobody can have read yet and a sentence that leads to names, which are
+    // Outdates what was told before this turn of the event loop, because the batch changed. Spares
+    // a problem that is too new to have been read, and a sentence with names in its link, which are
     // told nowhere else.
     void outdate();
-    // The newest sentence tells a problem, and nobody can have read it yet.
+    // Whether the current sentence is a problem that is too new to have been read.
     bool isProblemUnread() const;
 
 Q_SIGNALS:

@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto costDebounce = 15ms;
-// A price that is older than this is shown no longer.
+// A shown price is removed when the new one takes longer than this.
 constexpr auto costPatience = 90ms;
 
 StatusKind kindOf(const ExportOutcome& outcome)
@@ -57,7 +57,7 @@ StudioExports::StudioExports(std::shared_ptr<PhotoCache> photos, const OutputSiz
     connect(&m_costsAreLate, &QTimer::timeout, this, [this] {
         m_displayedExportCurrentCost = m_displayedExportAllCost = std::nullopt;
         Q_EMIT costsChanged();
-        showCosts();    // one of the two may be known
+        showCosts();    // one of the two prices may be known
     });
 }
 
@@ -89,7 +89,8 @@ void StudioExports::setJournal(CreditJournal& journal, const QString& stagingPla
     runOnWorker([stagingPlace] { StagingFolder::removeLeftovers(stagingPlace); });
 }
 
-// Not over what an export or a start tells: after it.
+// Tells of a refund now, or after the export or the restore under way, whose sentences it must not
+// replace.
 void StudioExports::tellLater(const QString& sentence, StatusKind kind)
 {
     m_refundToTell += u' ' + sentence;
@@ -114,7 +115,7 @@ void StudioExports::follow(const Batch& batch)
     m_costs.scheduleRenderCostRefresh(batch, costDebounce);
 }
 
-// A price is shown until the next one is known, but not for long.
+// Shows the prices as far as they are known; an unknown one keeps its old value for costPatience.
 void StudioExports::showCosts()
 {
     const Batch& batch = m_costs.batch();
@@ -145,8 +146,8 @@ QList<int> StudioExports::exportIndices() const
     return all;
 }
 
-// Nothing, which is told, when one of them is gone: the batch may have been replaced while the
-// place was chosen.
+// Empty, with a sentence for the user, when an item is gone: the batch may have been replaced while
+// the user chose the folder.
 std::optional<QList<int>> StudioExports::indicesOf(const QList<QUuid>& items)
 {
     QHash<QUuid, int> places;
@@ -176,7 +177,7 @@ void StudioExports::exportItems(const QList<QUuid>& items, const QString& folder
     const auto indices = indicesOf(items);
     if (!indices)
         return;
-    // Of the whole batch, so that an item has the same name whatever goes with it.
+    // Names are made for the whole batch: an item's name must not depend on the others exported.
     const QStringList paths = exportPaths(filesOf(m_costs.batch().items), folder);
     QStringList destinations;
     for (const int index : *indices)

@@ -11,7 +11,7 @@
 class StudioExports : public QObject {
     Q_OBJECT
 public:
-    // `payment` may still lack account and journal. Without a journal nothing can be exported.
+    // `payment` may still lack account and journal; without a journal nothing can be exported.
     StudioExports(std::shared_ptr<PhotoCache> photos, const OutputSize& outputSize,
                   const ChargeServices& payment);
     ~StudioExports() override;
@@ -19,33 +19,35 @@ public:
     void setAccount(AccountSession& account);
     void setJournal(CreditJournal& journal, const QString& stagingPlace);
 
-    // The batch is this one from now on.
+    // Takes `batch` as the batch to price and export from now on.
     void follow(const Batch& batch);
-    // Photos may have been moved or changed by others: looks at their files again.
+    // Compares the photos' files with the imported ones again: other programs may have moved or
+    // changed them.
     void lookAtPhotos() { m_costs.lookAtPhotos(); }
     std::optional<qint64> displayedExportCurrentCost() const
     {
         return m_displayedExportCurrentCost;
     }
     std::optional<qint64> displayedExportAllCost() const { return m_displayedExportAllCost; }
-    // The item as it stands was paid for.
+    // Whether the item's render, as the item stands, is paid for.
     bool isPaid(QUuid item) const { return m_costs.isPaid(item); }
     bool areCostsUpToDate() const { return m_costs.isUpToDate(); }
 
-    // The images that are exported together: those selected when there are several, else all.
+    // The images that exporting several takes: the selected ones if there are several, else all.
     QList<int> exportIndices() const;
     void exportItem(QUuid item, const QString& path);
     void exportItems(const QList<QUuid>& items, const QString& folder);
     const std::optional<ExportProgress>& progress() const { return m_progress; }
     void stop();
-    // From now on refunds are told: first those that came while the session was restored.
+    // Emits sentences about refunds from now on; the first ones are those that waited for the
+    // session's restore.
     void startTelling();
 
 Q_SIGNALS:
-    void changed();    // an export began, went on or ended
+    void changed();    // progress() changed
     void working(const QString& sentence);
     void told(const QString& sentence, StatusKind kind, const StatusLink& link);
-    void toldMore(const QString& sentence);    // to be added to what was told last
+    void toldMore(const QString& sentence);    // adds to the last sentence
     void costsChanged();
 
 private:
@@ -66,9 +68,9 @@ private:
     int m_shownPaidVersion = 0;
     QTimer m_costsAreLate;
     bool m_isTelling = false;
-    QString m_refundToTell;    // that came back while something else was being told
+    QString m_refundToTell;    // sentences about refunds that wait for the end of an export
     ChargeServices m_payment;
     QString m_stagingPlace;
-    std::shared_ptr<ExportControl> m_control;    // of the export under way
+    std::shared_ptr<ExportControl> m_control;    // null without an export under way
     std::optional<ExportProgress> m_progress;
 };

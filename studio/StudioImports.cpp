@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds importStep{30};    // between two reports of an import
+constexpr std::chrono::milliseconds importStep{30};    // between two progressed()
 
 }    // namespace
 
@@ -27,14 +27,14 @@ void StudioImports::start(const QList<QUrl>& filesAndFolders)
     m_shown.reset();
     control->progressed = [this,
                            weak = std::weak_ptr(control)](const PhotoImport::Progress& progress) {
-        // A stopped import says nothing more; one that is not stopped has its owner.
+        // A stopped import does not call this, so `this` is alive: the destructor stops the import.
         if (m_control == weak.lock())
             show(progress);
     };
     run(this, filesAndFolders, m_photos, control);
 }
 
-// Whoever shows the progress looks at every photo of it: with thousands, not at each step.
+// Emits progressed() at most every importStep: its receiver looks at every photo so far.
 void StudioImports::show(const PhotoImport::Progress& progress)
 {
     const auto now = m_clock();
@@ -56,7 +56,7 @@ QCoro::Task<> StudioImports::run(QPointer<StudioImports> self, QList<QUrl> urls,
     } catch (const std::exception& error) {
         failure = QString::fromLocal8Bit(error.what());
     }
-    // It may have been replaced by another import, and its owner may be gone by now.
+    // The import may have been stopped, and its owner destroyed, meanwhile.
     if (!self || self->m_control != control)
         co_return;
     self->m_control.reset();

@@ -45,7 +45,7 @@ StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStor
     connect(&m_imports, &StudioImports::progressed, this, &StudioSession::showImport);
     connect(&m_imports, &StudioImports::ended, this, &StudioSession::finishImport);
 
-    // Before anybody else hears of it, so that they find the prices of this batch.
+    // Connected first: later receivers of batchChanged() find this batch's prices.
     connect(this, &StudioSession::batchChanged, &m_exports, [this] { m_exports.follow(batch()); });
     connect(&m_exports, &StudioExports::working, this, [this](const QString& sentence) {
         m_log.tellStep(Activity::Kind::exporting, sentence);
@@ -68,16 +68,16 @@ StudioSession::~StudioSession()
 void StudioSession::followChange(Editing::Outcome outcome, Pace pace)
 {
     if (outcome == Editing::Outcome::nothing) {
-        // A value that was held is released where it is.
+        // The end of a held value changes nothing, but is when the value is stored.
         if (pace == Pace::once && m_workspace.isSaveDue())
             saveWorkspace();
         return;
     }
-    // That nothing can be stored stays true whatever is edited.
+    // A failure to store stays true after an edit, so its sentence stays.
     if (outcome == Editing::Outcome::edit && !m_workspace.hasFailed())
         m_log.outdate();
     if (!m_editing.isGestureActive()) {
-        // Going through the images with a key held is no reason to store each step.
+        // A held arrow key selects image after image: not each one is stored.
         if (outcome == Editing::Outcome::selection || pace == Pace::held)
             m_workspace.saveSoon();
         else
@@ -150,7 +150,7 @@ void StudioSession::load(const QList<QUrl>& filesAndFolders)
 
 void StudioSession::showImport(const PhotoImport::Progress& progress)
 {
-    // What was refused meanwhile can be read before the count goes on.
+    // A fresh problem stays readable before the count replaces it.
     if (!m_log.isProblemUnread()) {
         m_log.tellStep(Activity::Kind::importing,
                        u"Importando %1 de %2"_s.arg(progress.looked).arg(progress.total));
@@ -172,7 +172,8 @@ void StudioSession::stopImport()
 void StudioSession::finishImport(const std::optional<PhotoImport::Imported>& imported,
                                  const QString& failure)
 {
-    m_activities.end(Activity::Kind::importing);    // whoever shows the batch finds the new one
+    // Receivers of batchChanged() show the batch again.
+    m_activities.end(Activity::Kind::importing);
     const auto tell = [&](const QString& sentence, StatusKind kind) {
         const qsizetype unread = imported->unreadable.size();
         if (unread == 0)
@@ -181,7 +182,7 @@ void StudioSession::finishImport(const std::optional<PhotoImport::Imported>& imp
                   {.details = imported->unreadable});
     };
     if (imported && !imported->items.isEmpty()) {
-        // Told first: should it not be stored, that is the last word.
+        // Told before storing: a failure to store must be the last sentence.
         tell(u"%1 imagen(es) importada(s). Pulsa Generar con Gemma."_s.arg(imported->items.size()),
              StatusKind::done);
         m_editing.bringBack(
@@ -200,7 +201,7 @@ void StudioSession::followExport()
     const std::optional<ExportProgress>& progress = m_exports.progress();
     if (!progress)
         return endActivity(Activity::Kind::exporting);
-    // Nobody knows how long a reservation takes.
+    // The duration of a reservation is unknown.
     const bool isCharging = progress->stage == ExportProgress::Stage::charging;
     setActivity({.kind = Activity::Kind::exporting,
                  .done = progress->done,

@@ -21,22 +21,19 @@ class CreditJournal;
 class PreferencesStore;
 struct TextSheet;
 
-// The state of the main window and its commands, over pieces that know nothing of it: what is told
-// (StatusLog), what is under way (Activities), the batch and its steps (Editing), what is stored
-// (Workspace), imports and exports. Lives on the interface thread; whoever shows the batch looks
-// again after batchChanged(), and compares the items it knew: unchanged ones are equal and share
-// their data.
-//
-// Every change of the batch is stored at once. While a value is held (Pace::held) the batch follows
-// each of its ticks, and is stored when it has rested a moment.
+// State and commands of the main window. Puts together parts that do not know the session:
+// StatusLog, Activities, Editing (the batch and its undo steps), Workspace (storage), imports and
+// exports. Lives on the interface thread. Views compare their items with the batch after
+// batchChanged(): unchanged items are equal and share their data.
+// Every change of the batch is stored at once. While a value is held (Pace::held), the batch
+// follows each tick, and is stored after a short rest.
 class StudioSession : public QObject {
     Q_OBJECT
 public:
     using Clock = Editing::Clock;
 
-    // The preferences outlive the session. Nothing is recorded or stored before the workspace was
-    // restored.
-    // Exported pictures have the size of their format unless another is given.
+    // `preferences` outlive the session. Nothing is recorded in the history or stored before the
+    // workspace has been restored. `outputSize`: pixels of exported pictures.
     StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
                   Clock clock = &std::chrono::steady_clock::now,
                   const OutputSize& outputSize = exportSizeOf);
@@ -55,7 +52,7 @@ public:
     const Activities& activities() const { return m_activities; }
     bool isImporting() const { return m_activities.find(Activity::Kind::importing); }
     bool isExporting() const { return m_activities.find(Activity::Kind::exporting); }
-    // For what is under way elsewhere and shown with the rest.
+    // Shows an activity that runs outside of the session.
     void setActivity(const Activity& activity);
     void endActivity(Activity::Kind kind);
 
@@ -63,21 +60,22 @@ public:
     // The signed-in account; outlives the session.
     AccountSession* accountSession() const { return m_accountSession; }
     void setAccountSession(AccountSession& account);
-    // Pays the exports; outlives the session. Without one nothing can be exported. Rendered
-    // pictures wait in folders at `stagingPlace` until they are paid.
+    // Pays for exports; the journal outlives the session. Without one nothing can be exported.
+    // Rendered pictures wait in folders at `stagingPlace` until they are paid.
     void setCreditJournal(CreditJournal& journal, const QString& stagingPlace);
-    // The screen of the account that lies over the window, if one does; then those of the program.
+    // The account screen over the window, if one is open; below, whether the program's settings
+    // are.
     std::optional<AccountPanelDestination> accountPanel() const { return m_accountPanel; }
     void setAccountPanel(std::optional<AccountPanelDestination> panel);
     bool isAppSettingsPresented() const { return m_isAppSettingsPresented; }
     void setAppSettingsPresented(bool presented);
 
-    // Once, when the window is first shown. Its photos are looked at on the workers.
+    // Call once, when the window is first shown. Workers look at the photos.
     void restoreWorkspaceIfNeeded() { m_workspace.restore(batch().items.isEmpty()); }
     bool didRestoreWorkspace() const { return m_workspace.didRestore(); }
     bool hasWorkspaceAside() const { return m_workspace.hasAside(); }
     void restoreWorkspaceAside() { m_workspace.restoreAside(); }
-    // Stores what waits for a held value to rest.
+    // Stores a change that waits for the end of a held value.
     void saveWorkspace() { m_workspace.save(batch()); }
 
     bool canUndo() const { return m_editing.history().canUndo(); }
@@ -85,11 +83,11 @@ public:
     void undo();
     void redo();
 
-    // Photos and folders of photos become the new batch, once all were looked at. While they are,
-    // the activity holds what has been accepted; stopped, it leaves the batch as it was.
+    // Replaces the batch with the photos of files and folders once all were looked at. Until then
+    // the activity holds the accepted ones; stopping it leaves the batch unchanged.
     void load(const QList<QUrl>& filesAndFolders);
 
-    // The texts of a spreadsheet into the images that it names, as one step.
+    // Writes a spreadsheet's texts into the images that it names, as one step.
     void applyTexts(const TextSheet& sheet);
 
     void setFormat(SocialFormat format);
@@ -99,19 +97,19 @@ public:
     void selectItem(int index, Qt::KeyboardModifiers modifiers);
     void selectSingleIndex(int index);
     void selectAll();
-    void selectLayer(QUuid layer);    // of the current item, or null for none; others are ignored
+    void selectLayer(QUuid layer);    // of the current item; null: none. Ignores others
     void previousItem();
     void nextItem();
     QList<int> selectedIndicesForBatch() const;
     void removeCurrentItem();
-    // The same for any item; whatever else is current stays so.
+    // Removes any item; the current one stays current if it is another.
     void removeItem(QUuid id);
 
     // Replaces the current item; an item of another id is refused.
     void setCurrentItem(const PublicationItem& item, Pace pace = Pace::once);
-    // The text of the current item alone. Typing into a hidden one shows it.
+    // Changes the current item only. Typing into a hidden text shows it.
     void setText(CopySlot slot, const QString& text, Pace pace = Pace::once);
-    // An edit of a layer of the current item; what is copied of it reaches the other selected
+    // Edits a layer of the current item; `copied` says which part of it reaches the other selected
     // items.
     void editLayer(const TextLayer& layer, LayerEdits::Copied copied = LayerEdits::Copied::style,
                    Pace pace = Pace::once);
@@ -121,25 +119,25 @@ public:
     void deleteSelectedLayer();
     void deleteShape(QUuid shape);
 
-    // A gesture on the canvas: from its first movement to its end it is one step, and what it moved
-    // reaches the other selected items at its end.
+    // Begins a gesture on the canvas. All changes until its end are one step; at the end the moved
+    // layer is copied to the other selected items.
     void beginCanvasHistoryEdit() { m_editing.beginCanvasHistoryEdit(); }
-    // `selected`: the layer to select with it, or null for none; nothing leaves the selection.
+    // `selected`: the layer to select, null for no layer; empty: the selection stays.
     void commitCanvasItem(const PublicationItem& item, std::optional<QUuid> selected = {});
     void endCanvasHistoryEdit(QUuid movedLayer) { m_editing.endCanvasHistoryEdit(movedLayer); }
 
-    // The style of the selected layer; pasting reaches the other selected items.
+    // Copies the style of the selected layer; pasting reaches the other selected items.
     void copyStyle();
-    void copyStyleOf(QUuid item);    // of its layer that is selected in the current one
+    void copyStyleOf(QUuid item);    // of its text in the selected slot, or its selected shape
     bool canPasteStyle() const;
     void pasteStyle();
 
-    // Over every selected item, in one step. `name` is told.
+    // Applies the design to every selected item, as one step. `name` is for the status.
     void applyTemplate(const QString& name, const TemplateApplication& design);
-    // To the selected text, which reaches the other selected items.
+    // Applies the style to the selected text, and to that of the other selected items.
     void applyStyle(const DesignTemplate& style);
 
-    // What exporting would cost now, in credits; nothing while that is being found out.
+    // The price of an export now, in credits; empty while unknown.
     std::optional<qint64> displayedExportCurrentCost() const
     {
         return m_exports.displayedExportCurrentCost();
@@ -148,22 +146,23 @@ public:
     {
         return m_exports.displayedExportAllCost();
     }
-    // More of the exports, which run one at a time: what is paid, and what is exported together.
+    // Exports run one at a time; this object also knows what is paid.
     StudioExports& exports() { return m_exports; }
     const StudioExports& exports() const { return m_exports; }
-    // To a file or a folder that was chosen; nothing where the item is gone.
+    // Exports to a file or folder that the user chose; does nothing if the item is gone.
     void exportCurrent(const QString& path);
     void exportItem(QUuid item, const QString& path) { m_exports.exportItem(item, path); }
-    // The images selected when there are several, else all.
+    // Exports the selected images if there are several, else all.
     void exportAll(const QString& folder);
 
     const Payments& payments() const { return m_payments; }
-    // These renders are paid for, whatever is undone later. `strike` is called in the transaction
-    // that stores it; may be empty. Gives whether it is stored already.
+    // Stores that these renders are paid, whatever is undone later. `strike` is called in the
+    // transaction that stores it; may be empty. Returns whether it is stored already.
     bool markRenderedOutputsAsPaid(const QList<RenderedOutput>& outputs, const Strike& strike);
 
 Q_SIGNALS:
-    // Another image, layer or state comes next: what is still being typed belongs to this one.
+    // Another image, layer or state comes next: receivers now end what is being typed, as an edit
+    // of this one.
     void aboutToMove();
     void batchChanged();
     void statusChanged();
@@ -171,7 +170,7 @@ Q_SIGNALS:
     void presentationChanged();
     void copiedStyleChanged();
     void activityChanged(Activity::Kind kind);    // began, went on or ended
-    void costsChanged();                          // what exporting costs, or what is paid
+    void costsChanged();                          // prices, or which items are paid
 
 private:
     void followChange(Editing::Outcome outcome, Pace pace);
@@ -181,7 +180,7 @@ private:
     void followExport();
     void finishRestore(const std::optional<Batch>& restored);
     void finishRestoreAside(const WorkspaceStore::Restored& restored);
-    // The batch with all payments that are known of its items; those that it carries become known.
+    // The batch with all known payments of its items; learns those that `batch` carries.
     Batch withPayments(Batch batch);
     ChargeServices chargeServices();
 

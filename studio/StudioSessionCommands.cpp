@@ -76,7 +76,7 @@ void StudioSession::selectLayer(QUuid layer)
     });
 }
 
-// No wrap-around: beyond the ends there is no index, and nothing happens.
+// Stops at the ends: selectSingleIndex() ignores an index outside of the batch.
 void StudioSession::previousItem()
 {
     selectSingleIndex(batch().selectedIndex - 1);

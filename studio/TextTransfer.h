@@ -7,10 +7,9 @@
 
 class StudioSession;
 
-// Imports the batch's texts from a spreadsheet's file, and exports them to one. The outcome becomes
-// the session's status.
+// Texts of the batch from and to a spreadsheet file. The outcome becomes the session's status.
 
-// Why no texts can be imported now, as a sentence; empty when they can.
+// The reason why no texts can be imported now, as a sentence; empty when they can.
 QString refusalOfTexts(const StudioSession& session);
 
 QCoro::Task<> importTexts(QPointer<StudioSession> session, QString path);

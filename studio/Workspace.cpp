@@ -39,17 +39,18 @@ void Workspace::saveSoon()
         m_saveLater.start(restBeforeSaving);
 }
 
-// Where no lock could be had, on a full disk for instance, another window may be open.
+// Makes this window the writer. Another window may store too where no lock could be had, on a full
+// disk for instance; the later one wins.
 bool Workspace::claimStore()
 {
     const auto writer = WorkspaceStore::writer(m_preferences);
-    // A store that was just made, in place of a damaged one, has no writer.
+    // A store that was just made in place of a damaged one has no writer.
     m_isStoreOfAnother = writer && writer != m_writerSeen && writer != m_writer;
     return !m_isStoreOfAnother &&
            (writer == m_writer || WorkspaceStore::setWriter(m_preferences, m_writer));
 }
 
-// The batch is stored and the entries of its payments are struck, both or neither.
+// Stores the batch and strikes the journal entries of its payments, both or neither.
 bool Workspace::store(const Batch& batch)
 {
     const auto save = [&] {
@@ -99,7 +100,7 @@ QString Workspace::takeProblem()
     return m_preferences.takeProblem();
 }
 
-// A store that opens only now may hold a batch that nobody has seen yet.
+// Keeps the batch of a store that could not be read at restore() and opens only now.
 void Workspace::keepWhatIsStored()
 {
     if (!m_isStoredUnseen || !m_preferences.open())
@@ -137,7 +138,7 @@ QCoro::Task<> Workspace::runRestore(QPointer<Workspace> self, QByteArray documen
     try {
         restored = co_await restoring;
     } catch (const std::exception&) {
-        // Short of memory: kept aside, like what cannot be read.
+        // Short of memory: the document is set aside, like one that cannot be read.
         restored.workspace.reset();
     }
     if (self)

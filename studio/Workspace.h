@@ -11,43 +11,43 @@
 
 enum class StatusKind;
 
-// The batch across restarts: when it is stored and brought back, what is set aside because it could
-// not be brought back, and which of two windows may store.
+// Storage of the batch across restarts: when it is stored and restored, a document set aside
+// because it could not be restored, and which of two windows may store.
 class Workspace : public QObject {
     Q_OBJECT
 public:
-    // The preferences outlive it. Nothing is stored before the restore has ended.
+    // `preferences` outlive it. Nothing is stored before the restore has ended.
     Workspace(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences);
 
-    // Once. What is stored is only looked for where the studio `isEmpty`, and then opened on the
-    // workers.
+    // Call once. Restores the stored batch on the workers if the studio `isEmpty`; else only ends
+    // the restore.
     void restore(bool isEmpty);
     bool isRestoring() const { return m_restore == Restore::running; }
     bool didRestore() const { return m_restore == Restore::done; }
 
-    // A saved batch of which not everything could be brought back at a start; it stays until it
-    // can.
+    // Whether a document is set aside: a saved batch that a start could restore only in part. It
+    // stays aside until it can be restored whole.
     bool hasAside() const;
     void restoreAside();
-    // All of what was set aside last is in the batch again.
+    // Drops the last document set aside: all of it is in the batch again.
     void clearAside();
 
     void save(const Batch& batch);
-    // When the value that is held has rested a moment.
+    // Emits saveDue() when no further call comes for a moment.
     void saveSoon();
     bool isSaveDue() const { return m_saveLater.isActive(); }
     bool hasFailed() const { return m_saveFailed; }
-    // `strike` is called in the transaction of the next save.
+    // Calls `strike` in the transaction of the next save.
     void strikeWithNextSave(const Strike& strike) { m_strikes.append(strike); }
 
-    // What the preferences store has to tell, once; empty for nothing.
+    // The preferences store's problem, once; empty for none.
     QString takeProblem();
 
 Q_SIGNALS:
     void saveDue();
     void told(const QString& sentence, StatusKind kind);
     void restoreProgressed(qsizetype looked, qsizetype total);
-    // Nothing where no batch could be brought back.
+    // Empty when no batch was restored.
     void restored(const std::optional<Batch>& batch);
     void asideRestoring();
     void asideRestored(const WorkspaceStore::Restored& restored);
@@ -71,11 +71,12 @@ private:
     Restore m_restore = Restore::notYet;
     bool m_isRestoringAside = false;
     QTimer m_saveLater;                         // runs while a change waits to be stored
-    bool m_isStoredUnseen = false;              // the store could not be read when it was asked
-    std::optional<QByteArray> m_notYetAside;    // to be set aside before anything is stored
-    bool m_saveFailed = false;                  // and the user was told
+    bool m_isStoredUnseen = false;              // the store was unreadable at restore()
+    std::optional<QByteArray> m_notYetAside;    // the document to set aside before the next save
+    bool m_saveFailed = false;                  // the last save failed, and told() said so
     const QByteArray m_writer = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
-    std::optional<QByteArray> m_writerSeen;    // the last one that may be replaced
-    bool m_isStoreOfAnother = false;           // of a window that began to store after this one
-    QList<Strike> m_strikes;                   // for the next save
+    // Writer at the restore, which this window may replace.
+    std::optional<QByteArray> m_writerSeen;
+    bool m_isStoreOfAnother = false;    // another window began to store after this one
+    QList<Strike> m_strikes;            // for the next save
 };

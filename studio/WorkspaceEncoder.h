@@ -7,8 +7,8 @@
 
 #include <utility>
 
-// Writes a batch as the JSON document that is stored. Keeps the JSON of every layer, shape, copy
-// and placement from one call to the next, and writes anew only what changed.
+// Encodes a batch as the JSON document that is stored. Keeps the JSON of every layer, shape, copy
+// and placement between calls and encodes only what changed.
 class WorkspaceEncoder {
 public:
     // The document is valid until the next call.
@@ -16,7 +16,8 @@ public:
 
 private:
     struct Pieces {
-        PublicationItems item;    // the single item that they were made of, shared with the batch
+        // The encoded item: a list of one, which shares the item's data with the batch.
+        PublicationItems item;
         QByteArray head, analysis, placement, paid, shapes;
         QList<QByteArray> layers;
         QByteArray whole;

@@ -2,18 +2,18 @@
 
 #include <QtGlobal>
 
-// Which changes of the batch one undo takes back together. Whoever changes the batch says it.
+// Decides which changes of the batch one undo takes back together. Each change is made with a step.
 class Step {
 public:
-    // With the changes just before, if those were joined too and came a moment ago: typing, a
+    // Joins the changes just before, if those were joined() too and came a moment ago: typing, a
     // slider, several quick removals.
     static Step joined() { return Step(Kind::joined); }
-    // Alone.
+    // A step of this change alone.
     static Step own() { return Step(Kind::own); }
-    // Everything between the begin and the end of a gesture on the canvas, and nothing else.
+    // All changes between the begin and the end of one gesture on the canvas.
     static Step gesture() { return Step(Kind::gesture); }
-    // Everything that one operation brings back, even minutes apart, until something else changes
-    // the batch. Each call makes the step of another operation.
+    // All results of one operation, even minutes apart, until another change comes between them.
+    // Each call makes the step of another operation.
     static Step run();
 
     bool isJoined() const { return m_kind == Kind::joined; }

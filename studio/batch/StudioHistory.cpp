@@ -25,7 +25,7 @@ void StudioHistory::registerUndo(const StudioHistorySnapshot& before,
     if (isCanvasEditActive() || before == current)
         return;
     const bool mayJoin = step.isJoined() || step.isRun();
-    // Measured from the last change, not from the first: a stream of them stays one step.
+    // The pause since the last change counts, not since the first: a long stream is one step.
     const bool isMerged = mayJoin && step == m_lastStep && m_lastCoalescedUndoDate &&
                           (step.isRun() || now - *m_lastCoalescedUndoDate < coalescingWindow) &&
                           !m_undoStack.isEmpty();

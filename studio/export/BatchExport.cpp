@@ -22,7 +22,7 @@ QString numberedEnding(int number)
     return number < 2 ? outputEnding : u"-publicacion-%1.png"_s.arg(number);
 }
 
-// Bytes that the name of a file may have in this folder, or in the one that it will be made in.
+// Longest file name in bytes that the folder, or its nearest existing parent, allows.
 qsizetype longestNameIn(QString folder)
 {
     constexpr qsizetype usual = 255;
@@ -48,7 +48,7 @@ QString nameWithin(qsizetype longest, QString stem, const QString& ending)
     return stem + ending;
 }
 
-// By the name, or as a link, which may lead to a file of any name.
+// Whether the photo's file may have an output's path: by its name, or through a link.
 bool mayLieOnAnOutput(const QFileInfo& photo)
 {
     const QString name = photo.fileName().toCaseFolded();
@@ -64,14 +64,14 @@ QString exportName(const QUrl& photo, const QString& folder)
 
 QStringList exportPaths(const QList<QUrl>& photos, const QString& folder)
 {
-    // Where files really lie: a link must not make an output fall on a photo.
+    // Resolves links: an output must not replace a photo that the folder links to.
     const QString real = QFileInfo(folder).canonicalFilePath();
     const QDir target(real.isEmpty() ? QDir(folder).absolutePath() : real);
     QSet<QString> taken;
     for (const QUrl& photo : photos) {
         const QFileInfo file(photo.toLocalFile());
         taken.insert(file.filePath().toCaseFolded());
-        // To see where a file really lies takes a look at each of its folders.
+        // Only some photos are resolved: each resolution reads every folder of the path.
         if (mayLieOnAnOutput(file))
             taken.insert(file.canonicalFilePath().toCaseFolded());
     }
@@ -92,7 +92,7 @@ QList<QUrl> withoutOwnOutputs(const QList<QUrl>& photos)
 {
     static const QRegularExpression output(u"^(.+)(-publicacion(-[0-9]+)?\\.png)$"_s);
     QSet<QString> names;
-    QStringList longNames;    // that an output shortens
+    QStringList longNames;    // too long for their outputs, which are shortened
     for (const QUrl& photo : photos) {
         const QString name = filenameOf(photo);
         names.insert(name);

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// What the parts of one export share.
+// State of one export, shared by its coroutines and its work on other threads.
 struct ExportRun {
     ExportRequest request;
     ExportServices services;
@@ -38,7 +38,7 @@ using SharedRun = std::shared_ptr<ExportRun>;
 using Stage = ExportProgress::Stage;
 using State = ExportOutcome::State;
 
-// Of what exports that were killed have left where this one writes.
+// Removes unfinished files that killed exports left in the destinations' folders.
 QFuture<void> cleared(const SharedRun& run)
 {
     QSet<QString> folders;
@@ -69,7 +69,7 @@ RenderWatch watchOf(const SharedRun& run)
             .progressed = [run](qsizetype done) { run->progress(Stage::rendering, done); }};
 }
 
-// Gives every picture its destination, or the reason why there is none.
+// Pairs each picture with its destination, or sets the outcome's failure.
 void address(ExportRun& run, const RenderedItems& rendered)
 {
     if (rendered.failure) {
@@ -89,12 +89,12 @@ void address(ExportRun& run, const RenderedItems& rendered)
     }
 }
 
-// Leaves the outcome at done where all is prepared.
+// The outcome stays `done` if everything was rendered.
 QCoro::Task<> renderAll(SharedRun run)
 {
     const QString place = run->services.stagingPlace;
     QFuture<std::shared_ptr<StagingFolder>> staging = runOnWorker([place] {
-        releaseFreedMemory();    // of the import, which is as much again
+        releaseFreedMemory();    // the import's, about as much as the export needs
         return std::make_shared<StagingFolder>(place);
     });
     run->control->staging = co_await staging;
@@ -112,7 +112,7 @@ QCoro::Task<> renderAll(SharedRun run)
     address(*run, rendered);
 }
 
-// Gives the system's reason, empty when it is done.
+// Returns the system's reason for a failure; empty when done.
 QString moved(const QString& from, const QString& to, const QString& runName)
 {
     QFile source(from);
@@ -131,7 +131,7 @@ void tell(const ExportRun& run, const QString& file, const QString& problem)
         run.control->wrote(file, problem);
 }
 
-// One that cannot be written keeps none of the others from it.
+// Tries every file, even after one could not be written.
 QCoro::Task<bool> writeAll(SharedRun run)
 {
     ExportOutcome& outcome = run->outcome;
@@ -207,7 +207,7 @@ QCoro::Task<> chargeAndWrite(SharedRun run)
     run->outcome.state = stateOf(*run, charge.state);
 }
 
-// Removing a thousand files takes a while.
+// Deletes the staging folder on a worker: a thousand files take a while.
 QFuture<void> emptied(const std::shared_ptr<ExportControl>& control)
 {
     return runOnWorker(

@@ -12,7 +12,6 @@
 class PhotoCache;
 class StagingFolder;
 
-// How far an export is.
 struct ExportProgress {
     enum class Stage { rendering, charging, writing };
 
@@ -35,28 +34,27 @@ struct ExportRequest {
     QStringList destinations;    // one an item
     SocialFormat format = SocialFormat::carouselPortrait;
     OutputSize outputSize = exportSizeOf;
-    int jobs = 0;                   // see RenderOrder
-    std::optional<qint64> price;    // that was shown, in credits; nothing: it was not known yet
+    int jobs = 0;                   // as in RenderOrder
+    std::optional<qint64> price;    // the price shown to the user, in credits; empty: unknown
 };
 
-// What an export works with.
 struct ExportServices {
     std::shared_ptr<PhotoCache> photos;
     QString stagingPlace;    // for rendered pictures that are not paid yet
     ChargeServices charge;
 };
 
-// Shared by who runs an export and who may end it.
+// Shared by an export and its caller, who may stop it. All functions may be empty.
 struct ExportControl {
     std::atomic_bool stop = false;
     std::function<void(const ExportProgress&)> progressed;    // may be empty
-    std::function<void(qint64 cost)> charging;                // before the reservation; likewise
-    // An image that cannot be rendered is left out, and told by the file that it would have become,
-    // when all others are rendered; empty: nothing is exported then.
+    std::function<void(qint64 cost)> charging;                // before the reservation
+    // Called after rendering for each image that could not be rendered, with the file that it would
+    // have become; the others are exported. Empty: then nothing is exported.
     std::function<void(const QString& file)> leftOut;
-    // A file that was written, or why it was not, in the system's words; likewise.
+    // Called for each file, with the system's reason why it was not written; empty: it was.
     std::function<void(const QString& file, const QString& reason)> wrote;
-    std::shared_ptr<StagingFolder> staging;    // while it runs
+    std::shared_ptr<StagingFolder> staging;    // null before and after the run
 };
 
 struct ExportOutcome : Charge {
@@ -70,9 +68,10 @@ struct ExportOutcome : Charge {
     };
 
     State state = State::done;
-    QStringList written, unwritten;    // files that were tried
-    QString failed;                    // the photo that could not be prepared
-    bool isCacheFull = false;          // pictures could not be put aside
+    // Files, in the order of the items; later ones were not tried.
+    QStringList written, unwritten;
+    QString failed;              // the photo that could not be prepared
+    bool isCacheFull = false;    // no room to stage the rendered pictures
     ExportKind kind = ExportKind::batch;
 
     bool isDone() const { return state == State::done; }
@@ -83,9 +82,9 @@ struct ExportOutcome : Charge {
     QString sentence() const;    // for the user
 };
 
-// Renders all items to the staging folder, asks for what is not paid yet, and only then writes the
-// files, one after the other; if one cannot be written, all is given back. Nothing reaches the
-// destinations unpaid, and every file is whole. What the account cannot pay whatever comes out is
-// refused before anything is drawn.
+// Renders all items to the staging folder, charges what is not paid yet, and only then writes the
+// files one after the other. Refunds all if one cannot be written. Nothing unpaid reaches the
+// destinations, and every file is whole. If the balance cannot suffice whatever the pixels are,
+// refuses before rendering.
 QCoro::Task<ExportOutcome> runExport(ExportRequest request, ExportServices services,
                                      std::shared_ptr<ExportControl> control);

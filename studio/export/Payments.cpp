@@ -12,7 +12,7 @@ void Payments::add(QUuid item, const QSet<QString>& names)
         return;
     QSet<QString>& known = m_names[item];
     if (known.isEmpty())
-        known = names;    // shared with whoever gives it
+        known = names;    // shares the caller's data
     else if (!known.contains(names))
         known.unite(names);
 }

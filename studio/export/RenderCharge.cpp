@@ -12,7 +12,7 @@ qint64 costOf(const QList<RenderedOutput>& unpaid)
     return exportCreditCost * unpaid.size();
 }
 
-// For what was never paid for, and so is not free whatever its pixels are.
+// Price of the items without any payment: their pixels cannot be paid.
 qint64 leastCost(const PublicationItems& items, const Payments& payments)
 {
     return exportCreditCost * std::ranges::count_if(items, [&](const PublicationItem& item) {
@@ -93,7 +93,7 @@ QCoro::Task<bool> isOutOfReach(PublicationItems items, qint64 price, ChargeServi
     };
     if (!isShort() || price <= account->balance())
         co_return false;
-    // Credits may have been bought elsewhere meanwhile.
+    // Credits may have been bought elsewhere meanwhile: asks the service for the balance.
     QCoro::Task<bool> refreshing = account->refreshSilently();
     co_await std::move(refreshing);
     co_return isShort();
@@ -108,7 +108,8 @@ QCoro::Task<RenderCharge> chargeRenders(QList<RenderedOutput> outputs, RenderAct
         services.payer.isEmpty() && account ? account->accountKey() : services.payer;
     QList<RenderedOutput> unpaid = unpaidRenderedOutputs(outputs, services.payments());
     if (account && account->balance() < costOf(unpaid)) {
-        // Credits may have been bought elsewhere meanwhile, and renders paid by other operations.
+        // Asks the service for the balance: credits may have been bought elsewhere, and other
+        // operations may have paid for renders.
         QCoro::Task<bool> refreshing = account->refreshSilently();
         co_await std::move(refreshing);
         unpaid = unpaidRenderedOutputs(outputs, services.payments());
@@ -130,7 +131,7 @@ QCoro::Task<RenderCharge> chargeRenders(QList<RenderedOutput> outputs, RenderAct
     QCoro::Task<ChargeResult> charging = journal->run(operation);
     const ChargeResult result = co_await std::move(charging);
     charge = chargeOf(result, charge.cost);
-    // After a refusal too: the balance that is known was another.
+    // A refusal for too few credits means that the known balance is outdated.
     const bool isNews = charge.state == RenderCharge::State::done ||
                         charge.refusal == ChargeResult::Refusal::tooFewCredits;
     if (account && isNews)

@@ -10,34 +10,33 @@
 
 class AccountSession;
 
-// What paying for renders works with. Account and journal may go while an operation runs.
+// What charging for renders needs. Account and journal may be destroyed while it runs.
 struct ChargeServices {
     QPointer<AccountSession> account;
     QPointer<CreditJournal> journal;
-    QString payer;    // key of the account; empty: whoever is signed in when all is rendered
-    std::function<Payments()> payments;    // as of now: others pay, too
-    // Stores that these are paid and strikes the entry, in one transaction. Gives whether it is
-    // stored already.
+    QString payer;    // key of the paying account; empty: the one signed in once all is rendered
+    std::function<Payments()> payments;    // current payments: other operations add some meanwhile
+    // Stores the outputs as paid and strikes the journal entry, in one transaction. Returns whether
+    // it is stored already.
     std::function<bool(const QList<RenderedOutput>& outputs, const Strike& strike)> record;
 };
 
-// What is done with renders, and costs what of them is not paid yet.
+// An action on renders; costs credits for those that are not paid.
 struct RenderAction {
     QString name;    // in the request identifier: "download"
-    QString what;    // for the user, should it be given back: "una exportación"
-    // Told the price in credits when it is final. False: the action is not wanted any more.
+    QString what;    // for the user, in a sentence about a refund: "una exportación"
+    // Receives the final price in credits. False: the user does not want the action any more.
     std::function<bool(qint64 cost)> isWanted;
-    std::function<QCoro::Task<bool>()> work;    // see ChargedOperation; likewise
+    std::function<QCoro::Task<bool>()> work;    // as in ChargedOperation, like alsoStore
     std::function<bool()> alsoStore = {};
 };
 
-// What an operation cost and what became of it.
 struct Charge {
     qint64 cost = 0;                 // credits that were charged, or would have been
-    bool isCharged = false;          // they were reserved
-    bool isRefundPending = false;    // and come back later
-    bool isRecorded = true;          // else a crash now would count as a failure
-    QString reason;    // why nothing was reserved, or what the work threw; for the user
+    bool isCharged = false;          // the credits were reserved
+    bool isRefundPending = false;    // the credits come back later
+    bool isRecorded = true;          // false: after a crash now, the next run would refund it
+    QString reason;    // for the user: why the reservation failed, or what the work threw
     ChargeResult::Refusal refusal = ChargeResult::Refusal::other;
 };
 
@@ -47,10 +46,10 @@ struct RenderCharge : Charge {
     State state = State::done;
 };
 
-// Whether the account cannot pay for the items whatever their pixels turn out to be; `price`: in
-// credits, that was shown for them.
+// Whether the balance cannot suffice for the items whatever their pixels are. `price`: shown for
+// them before, in credits.
 QCoro::Task<bool> isOutOfReach(PublicationItems items, qint64 price, ChargeServices services);
 
-// Has what is not paid yet of the outputs paid, and the action done.
+// Charges for the outputs that are not paid, then does the action.
 QCoro::Task<RenderCharge> chargeRenders(QList<RenderedOutput> outputs, RenderAction action,
                                         ChargeServices services);

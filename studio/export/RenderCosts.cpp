@@ -38,7 +38,7 @@ void RenderCosts::scheduleRenderCostRefresh(const Batch& batch, std::chrono::mil
             setPayment(i, knownAtOnce(item));
     }
     m_unknown = std::ranges::count(m_rows, Payment::unknown, &Row::payment);
-    // Another batch.
+    // With another number of items isPaid() may answer differently.
     m_paidVersion += before.items.size() != batch.items.size();
     if (m_unknown > 0)
         m_refresh.start(debounce);
@@ -47,7 +47,7 @@ void RenderCosts::scheduleRenderCostRefresh(const Batch& batch, std::chrono::mil
 
 namespace {
 
-// Characters to lay out.
+// Number of characters to lay out, a measure of the work.
 qsizetype lengthOf(const PublicationItem& item)
 {
     qsizetype length = 0;
@@ -61,7 +61,7 @@ qsizetype lengthOf(const PublicationItem& item)
 void RenderCosts::refreshRenderCostsNow()
 {
     m_refresh.stop();
-    // Few are done before a worker would have begun.
+    // A few short items are quicker here than on a worker.
     constexpr qsizetype mostAtOnce = 2, longestAtOnce = 600;
     QList<qsizetype> open;
     bool mustLook = false;
@@ -87,7 +87,7 @@ void RenderCosts::refreshRenderCostsNow()
         Q_EMIT changed();
 }
 
-// What needs no fingerprint.
+// The payment as far as it is known without a fingerprint.
 RenderCosts::Payment RenderCosts::knownAtOnce(const PublicationItem& item) const
 {
     if (!isLookedAt(item))
@@ -106,7 +106,7 @@ RenderCosts::Payment RenderCosts::answer(const Question& question)
     return isPaid ? Payment::paid : Payment::unpaid;
 }
 
-// A photo that was just accepted needs no look at its file.
+// The import has just read the file of a photo with a digest.
 bool RenderCosts::isLookedAt(const PublicationItem& item) const
 {
     return !item.image.digest.isEmpty() || m_contents.contains(item.id);
@@ -159,7 +159,7 @@ QCoro::Task<> RenderCosts::runJob(QPointer<RenderCosts> self, int job, QList<QUu
     try {
         payments = co_await working;
     } catch (const std::exception&) {
-        // Short of memory: as for what cannot be rendered, no payment counts.
+        // Short of memory: like an item that cannot be rendered.
         payments = QList<Payment>(items.size(), Payment::unrenderable);
     }
     if (self)
@@ -170,7 +170,7 @@ void RenderCosts::finishJob(int job, const QList<QUuid>& items, const QList<Paym
 {
     for (qsizetype i = 0; i < items.size(); ++i) {
         const qsizetype place = m_places.value(items[i], -1);
-        // Not of an item that was edited meanwhile.
+        // The answer is stale if the item was edited meanwhile: its row then has another job.
         if (place >= 0 && m_rows[place].job == job)
             setPayment(place, payments[i]);
     }

@@ -12,30 +12,29 @@
 #include <chrono>
 #include <memory>
 
-// Which renders of a batch are paid for, and so what exporting costs: known without drawing
-// anything, for the items that changed since the last look at them. Lives on the interface thread;
-// what takes longer than a moment runs on the workers.
+// Knows which renders of a batch are paid, and so the price of an export, without drawing. Only
+// items that changed are looked at. Lives on the interface thread; longer work runs on the workers.
 class RenderCosts : public QObject {
     Q_OBJECT
 public:
     RenderCosts(std::shared_ptr<PhotoCache> photos, OutputSize outputSize,
                 QObject* parent = nullptr);
 
-    // The batch is this one from now on. What changed is looked at after `debounce`, together with
-    // what changes until then; what is known of the others stays.
+    // Takes `batch` as the current one. Changed items are looked at after `debounce`; the others
+    // keep their answer.
     void scheduleRenderCostRefresh(const Batch& batch, std::chrono::milliseconds debounce);
     void refreshRenderCostsNow();
     const Batch& batch() const { return m_batch; }
 
-    // Looks whether the photos are still those that came into the batch.
+    // Checks whether the photos' files are still those that were imported.
     void lookAtPhotos();
 
-    // Credits for exporting these items of the batch; nothing as long as it is not known. Where one
-    // cannot be rendered, no earlier payment counts.
+    // Price of exporting the items at `indices`, in credits; empty while unknown. If one cannot be
+    // rendered, no payment counts.
     std::optional<qint64> renderCreditCost(const QList<int>& indices) const;
-    // As it is or, until that is found out, was.
+    // Whether the item is paid; while that is unknown, whether it was.
     bool isPaid(QUuid item) const;
-    int paidVersion() const { return m_paidVersion; }    // rises when the paid ones are others
+    int paidVersion() const { return m_paidVersion; }    // rises when an answer of isPaid() changes
     bool isUpToDate() const { return m_unknown == 0 && !m_refresh.isActive(); }
 
 Q_SIGNALS:
@@ -45,18 +44,18 @@ private:
     enum class Payment { unknown, unpaid, paid, unrenderable };
     struct Row {
         Payment payment = Payment::unknown;
-        bool wasPaid = false;    // when that was known last
-        int job = 0;             // that is finding it out
+        bool wasPaid = false;    // the last known answer
+        int job = 0;             // the job that asks for it; 0: none
     };
-    // What is to be found out of one item.
+    // The parts of an item that decide whether its render is paid.
     struct Question {
         PublicationItem item;
         SocialFormat format;
         OutputSize outputSize;
-        QByteArray content;    // of the photo's file
+        QByteArray content;    // digest of the photo's file
     };
     using Questions = QList<Question>;
-    // What the files of photos hold as of the last look; none: nothing that can be rendered.
+    // Digests of the photos' files at the last look; none for a file that is gone or no photo.
     using Contents = QHash<QUuid, std::optional<QByteArray>>;
 
     static Payment answer(const Question& question);
@@ -77,8 +76,8 @@ private:
     const OutputSize m_outputSize;
     Batch m_batch;
     QList<Row> m_rows;                   // one an item
-    QHash<QUuid, qsizetype> m_places;    // of the items
-    qsizetype m_unknown = 0;             // rows
+    QHash<QUuid, qsizetype> m_places;    // index of each item
+    qsizetype m_unknown = 0;             // number of rows with an unknown payment
     Contents m_contents;
     int m_lastJob = 0, m_paidVersion = 0;
     bool m_isLooking = false, m_mustLookAgain = false;

@@ -13,7 +13,7 @@ namespace {
 
 using Rendering = std::variant<RenderedOutput, RenderFailure>;
 
-// What the lanes of one order share.
+// State of one order, shared by its lanes.
 struct LaneRun {
     RenderOrder order;
     std::shared_ptr<PhotoCache> photos;
@@ -29,8 +29,8 @@ struct LaneRun {
 };
 using SharedLaneRun = std::shared_ptr<LaneRun>;
 
-// Pictures of many sizes, freed in another order, leave holes that add up. They are given back only
-// now and then: the next picture would have to get its memory from the system again.
+// Returns freed memory to the system after every few pictures. Pictures of many sizes leave holes
+// that add up; after every picture, the next one would have to ask the system for memory again.
 void releaseHolesAfter(qsizetype index)
 {
     constexpr qsizetype pictures = 8;
@@ -66,7 +66,7 @@ void take(LaneRun& run, qsizetype index, const Rendering& rendering)
         run.watch.progressed(run.done);
 }
 
-// One item after the other, until none is left.
+// Renders one item after the other, until none is left.
 QCoro::Task<> renderLane(SharedLaneRun run)
 {
     while (!run->isOver()) {

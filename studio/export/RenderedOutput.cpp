@@ -25,7 +25,8 @@ std::variant<RenderedOutput, RenderFailure> renderedOutput(const PublicationItem
     const auto content = usableContent(item.image, photos.contentOf(item.image.path));
     if (!content)
         return RenderFailure::photo;
-    std::shared_ptr<const void> share;    // of the memory for decoded photos
+    // Keeps the picture's part of the decoding memory reserved.
+    std::shared_ptr<const void> share;
     const auto decoded = [&](const PhotoHandle& photo, PhotoLevel level) {
         const auto picture = decodePhoto(
             photo.path, [level](const PhotoInfo&) { return level; }, *content);

@@ -9,21 +9,21 @@
 
 class PhotoCache;
 
-inline constexpr qint64 exportCreditCost = 50;    // of a render that is not paid for
+inline constexpr qint64 exportCreditCost = 50;    // price of a render that is not paid
 
-// Pixels of an exported picture.
+// Size of an exported picture in pixels.
 using OutputSize = std::function<QSizeF(SocialFormat)>;
 inline QSizeF exportSizeOf(SocialFormat format)
 {
     return exportSize(format);
 }
 
-// A finished picture, encoded, in a file of its own.
+// A rendered picture in a PNG file.
 struct RenderedOutput {
-    PublicationItem item;    // as rendered
+    PublicationItem item;    // the item that was rendered
     QString file;
-    QString fingerprint;    // of what it was made of
-    QString pixels;         // of what came out
+    QString fingerprint;    // of the ingredients: item, format and photo
+    QString pixels;         // digest of the rendered pixels
 };
 
 enum class RenderFailure {
@@ -31,16 +31,16 @@ enum class RenderFailure {
     file,     // cannot be written
 };
 
-// Or why there is none. Waits.
+// Renders an item into `file`; takes long, so call it on a worker. Returns the reason if it fails.
 std::variant<RenderedOutput, RenderFailure> renderedOutput(const PublicationItem& item,
                                                            SocialFormat format,
                                                            const OutputSize& outputSize,
                                                            PhotoCache& photos, const QString& file);
 
-// Names one payment: for the same action on the same outputs, in any order, always the same.
+// Request identifier of a charge: equal for the same action on the same outputs in any order.
 QString creditRequestID(const QList<RenderedOutput>& outputs, const QString& action);
 
-// The digest of an item's photo; nothing when it cannot be rendered as it stands. `content`: of the
-// file by now.
+// The digest of the photo's file; empty when it cannot be rendered as it is. `content`: digest of
+// the file now.
 std::optional<QByteArray> usableContent(const PhotoHandle& photo,
                                         const std::optional<QByteArray>& content);
