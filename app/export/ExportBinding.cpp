@@ -38,14 +38,14 @@ ExportOffer ExportBinding::offer() const
 
 void ExportBinding::show()
 {
-    // Also while a chooser has the keyboard: the window remembers what it gives it back to.
+    // focusWidget() counts while a file dialog is active too: the window gives it the focus back.
     const bool hadFocus = m_buttons->focusOrder().contains(m_buttons->window()->focusWidget());
     m_buttons->setOffer(offer());
     if (hadFocus && !m_buttons->current()->isEnabled())
         Q_EMIT leaveRequested();
 }
 
-// A key asks at any time.
+// Says why exporting is impossible now. A shortcut may ask while the buttons are disabled.
 bool ExportBinding::refuses()
 {
     const QString refusal = refusalOf(offer());

@@ -9,11 +9,11 @@ class ExportDialogs;
 class PreferencesStore;
 class StudioSession;
 
-// Exports as the window offers them: the buttons with their costs, and where the files go.
+// Exports from the window: the export buttons with their costs, and the choice of the files' place.
 class ExportBinding : public QObject {
     Q_OBJECT
 public:
-    // All outlive it; the choosers belong to the window.
+    // All arguments outlive this object. The file dialogs are children of `window`.
     ExportBinding(StudioSession& session, AccountSession& account, const BatchBinding& column,
                   ExportButtons* buttons, PreferencesStore& preferences, QWidget* window);
 
@@ -24,7 +24,7 @@ public:
     void exportSeveral();
 
 Q_SIGNALS:
-    void leaveRequested();    // what had the focus cannot be pressed any more
+    void leaveRequested();    // the focused button was disabled
 
 private:
     bool refuses();

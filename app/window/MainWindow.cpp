@@ -87,7 +87,7 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     setWindowTitle(u"Moltiva"_s);
     setAcceptDrops(true);
     setMinimumSize(1200, 720);
-    // Less than the screen where that is small, with room for the frame that the system adds.
+    // The available size of a small screen, less 40 pixels for the window's frame.
     resize(QSize(1440, 900).boundedTo(screen()->availableSize() - QSize(0, 40)));
     connectPanels();
     connectStage();
@@ -95,13 +95,13 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     connectAccount();
     m_look->restore();
     m_hasImported = preferences.value(importedKey) == yes;
-    m_focus->goToCanvas();    // else the first button takes the focus, and with it the arrows
+    m_focus->goToCanvas();    // else the first button takes the focus and the arrow keys
     showBatch();
     lockStudio();
 }
 
-// A field that still has the focus ends its edit as it goes: that reaches the session, but must not
-// come back to a window whose members are gone.
+// A focused field ends its edit when it is destroyed, which changes the session: nothing of that
+// may reach this window, whose members are gone by then.
 MainWindow::~MainWindow()
 {
     disconnect(&m_session, nullptr, this, nullptr);
@@ -164,7 +164,7 @@ void MainWindow::connectSession()
     connect(&m_session, &StudioSession::aboutToMove, m_focus, &StudioFocus::endEdits);
     connect(&m_session, &StudioSession::batchChanged, this, &MainWindow::showBatch);
     connect(&m_session, &StudioSession::statusChanged, this, [this] {
-        // The line lies under the gate.
+        // The gate covers the status line.
         if (isGated() && !m_isTellingOfAccount &&
             m_session.statusLog().current().kind == StatusKind::warning)
             m_gate->login()->tellProblem(m_session.status());
@@ -195,7 +195,7 @@ void MainWindow::connectAccount()
     });
     connect(m_account.get(), &AccountBinding::told, this,
             [this](const QString& message, bool isProblem) {
-                // The sign-in form tells it by itself.
+                // The sign-in form shows this sentence itself.
                 const QScopedValueRollback telling(m_isTellingOfAccount, true);
                 if (!message.isEmpty())
                     m_session.setStatus(message,
@@ -209,8 +209,8 @@ bool MainWindow::isGated() const
     return m_gate->state() != Gate::open;
 }
 
-// What lies over the studio takes its keys and commands; the gate also what could reach it by Tab
-// or by a screen reader.
+// Disables menu and keys under the gate and under sheets. The gate also disables the shell, which
+// Tab and screen readers could reach.
 void MainWindow::lockStudio()
 {
     const bool isLocked = isGated() || m_account->isSheetPresented();
@@ -241,7 +241,7 @@ void MainWindow::showWaiting()
 void MainWindow::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
-    // Whatever was in front may have moved or changed the photos.
+    // Another program may have moved or changed the photos.
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
         m_session.exports().lookAtPhotos();
 }
@@ -250,7 +250,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
 {
     if (m_status->delaysClosing())
         return event->ignore();
-    // What is still being typed counts.
+    // Text that is still being typed belongs to the stored batch.
     m_shell->composeBar()->finishEdit();
     m_focus->goToCanvas();
     m_session.saveWorkspace();
@@ -286,7 +286,8 @@ void MainWindow::comeForward()
     activateWindow();
 }
 
-// Who styles a text wants to see it, on the canvas and where it is typed.
+// Parts of the window that a popover of the side panel must not cover: the styled text on the
+// canvas and its field.
 QList<QRect> MainWindow::keptClear(const QWidget* owner) const
 {
     const SidePanel* panel = m_shell->sidePanel();
@@ -316,20 +317,20 @@ void MainWindow::resizeEvent(QResizeEvent*)
     m_shell->viewBar()->setLabels(width() < narrowWindow ? Labels::hidden : Labels::shown);
 }
 
-// Reached only by keys that whatever has the focus did not take: a text field keeps its arrows.
+// Receives only keys that the focused widget did not use: a text field keeps its arrows.
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
     if (isGated() || m_account->isSheetPresented())
         return;
-    // Keys that close a chooser may still be held when the window has the keyboard again.
+    // Enter or Esc may still be held after it closed a file dialog.
     const bool closes = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
                         event->key() == Qt::Key_Escape;
     if (closes && event->isAutoRepeat())
         return;
     if (pressFocused(event, m_shell))
         return;
-    // With others they mean something to fields that may happen to have no use for them now; and a
-    // batch that is not shown is not changed by them.
+    // Keys with modifiers are left alone: a text field may only now have no use for one. While the
+    // column shows an import's images, no key changes the hidden batch.
     if (event->modifiers() & ~Qt::KeypadModifier || m_batch->showsIncoming())
         return QWidget::keyPressEvent(event);
     switch (event->key()) {
@@ -388,7 +389,7 @@ void MainWindow::showBatch()
     m_shell->batchColumn()->setRatio(row(batch.format).aspectRatio);
     m_batch->show();
     showStage();
-    m_templates->show();    // which ends a preview on the stage
+    m_templates->show();    // ends a preview on the stage
     m_stage->show();
     m_panel->show();
     m_exports->show();
@@ -397,9 +398,9 @@ void MainWindow::showBatch()
 
 void MainWindow::showStage()
 {
-    // The invitation to import waits until it is known that there is nothing to go on with.
+    // The invitation to import waits until the restore found nothing.
     const bool isEmpty = m_session.batch().items.isEmpty() && m_session.didRestoreWorkspace();
-    // The canvas of the old batch does not stand beside the tiles of the new one.
+    // During an import the stage is empty: the old canvas must not stand beside the new tiles.
     const Activity* import = m_session.activities().find(Activity::Kind::importing);
     const bool isImporting = import && (isEmpty || m_batch->showsIncoming());
     if (isImporting) {
@@ -417,7 +418,7 @@ void MainWindow::showStage()
         greetFirstImport();
 }
 
-// The usual boxes make a poor first picture, the designs of the gallery a good one.
+// Opens the templates' tab after the very first import: default text boxes look poor, designs good.
 void MainWindow::greetFirstImport()
 {
     if (m_hasImported)
@@ -431,7 +432,7 @@ void MainWindow::greetFirstImport()
 void MainWindow::showHints()
 {
     const bool isLocked =
-        isGated() || m_account->isSheetPresented();    // keys of the studio are off
+        isGated() || m_account->isSheetPresented();    // the studio's keys are off
     m_shell->statusLine()->setKeyHints(isLocked ? QList<KeyHint>()
                                                 : m_focus->hints(m_session.batch()));
 }

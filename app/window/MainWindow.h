@@ -27,12 +27,12 @@ class StudioSession;
 class StudioShell;
 class TemplatesBinding;
 
-// The studio in its window: connects panels, session and account, and takes what comes from outside
-// (keys, files, closing).
+// The window of the studio: connects panels, session and account, and handles keys, opened and
+// dropped files, and closing.
 class MainWindow : public QWidget, public KeptClear {
     Q_OBJECT
 public:
-    // The sessions and the preferences outlive the window.
+    // `session`, `account` and `preferences` outlive the window.
     MainWindow(StudioSession& session, AccountSession& account,
                const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences);
     ~MainWindow() override;
@@ -43,11 +43,11 @@ public:
     TemplatesBinding& templates() const { return *m_templates; }
     StatusBinding& status() const { return *m_status; }
     AuthGateView* gate() const { return m_gate; }
-    // No picture is being drawn and no photo looked at.
+    // True when no picture is being drawn and no photo looked at.
     bool isSettled() const;
 
-    // Files, folders and links from outside; files wait until somebody is signed in. Several calls
-    // in a row bring one batch: file managers start a program once for each file.
+    // Opens files, folders and links from outside; files wait until somebody is signed in. Several
+    // calls in a row bring one batch: file managers may start the program once for each file.
     void open(const QList<QUrl>& addresses);
     void comeForward();
 
@@ -82,7 +82,7 @@ private:
     AccountSession& m_accountSession;
     PreferencesStore& m_preferences;
     StudioShell* m_shell;
-    // Gone before the panels that they are bound to.
+    // Bindings, destroyed before the panels that they refer to.
     std::unique_ptr<BatchBinding> m_batch;
     std::unique_ptr<StageBinding> m_stage;
     std::unique_ptr<PanelBinding> m_panel;
@@ -95,9 +95,10 @@ private:
     StudioCommands* m_commands;
     AuthGateView* m_gate;
     std::unique_ptr<AccountBinding> m_account;
-    // Files that came while nobody was signed in: given from outside, and dropped.
+    // Files that wait for a sign-in: opened from outside, and dropped.
     QList<QUrl> m_given, m_dropped;
-    // Whether photos were ever imported here, and whether the window has been without any.
+    // m_hasImported: photos were imported, in this run or an earlier one. m_wasEmpty: the window
+    // has been without images.
     bool m_hasImported = false, m_wasEmpty = false;
     bool m_isTellingOfAccount = false;
 };

@@ -35,7 +35,7 @@ void StatusBinding::show()
     const Activity* foremost = m_session.activities().foremost();
     std::optional<Activity> underWay = foremost ? std::optional(*foremost) : std::nullopt;
     if (underWay && m_closing.isActive())
-        underWay->stop = {};    // it is being stopped already
+        underWay->stop = {};    // the stop button disappears: the activity is already being stopped
     m_line->setStatus(m_session.statusLog().current(), underWay);
 }
 
@@ -44,7 +44,7 @@ void StatusBinding::followActivity()
     show();
     if (m_closing.isActive() && !m_session.activities().delayingClosing()) {
         m_closing.stop();
-        // The session is in the middle of telling everybody.
+        // Queued: other receivers of activityChanged() still have to run.
         QMetaObject::invokeMethod(this, &StatusBinding::closeRequested, Qt::QueuedConnection);
     }
 }
@@ -90,7 +90,7 @@ void StatusBinding::followLink()
         return m_session.setAccountPanel(AccountPanelDestination::credits);
     if (!link.details.isEmpty())
         return m_line->showDetails(link.details);
-    // Some systems say that they opened what is not there any more.
+    // openUrl() succeeds on some systems even for a missing folder.
     if (!QFileInfo(link.folder).isDir() ||
         !QDesktopServices::openUrl(QUrl::fromLocalFile(link.folder)))
         m_session.setStatus(u"No se ha podido abrir la carpeta."_s, StatusKind::warning);

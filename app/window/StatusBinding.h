@@ -7,19 +7,19 @@
 class StatusLine;
 class StudioSession;
 
-// What was told and what is under way, as the status line shows them; stopping it, and closing the
-// window around it.
+// Shows the session's sentences and activities in the status line, stops activities and delays
+// closing until they have ended.
 class StatusBinding : public QObject {
     Q_OBJECT
 public:
-    // Both outlive it.
+    // `session` and `line` outlive this object.
     StatusBinding(StudioSession& session, StatusLine* line);
 
     void showHistory();
     bool canStop() const;
     void stop();    // the foremost activity
-    // The window has to wait with closing: what is under way is stopped first. It is asked to close
-    // again when that is done, or has taken too long.
+    // Whether the window must not close yet. Stops the activity in the way and emits
+    // closeRequested() when it has ended, or after the longest wait.
     bool delaysClosing();
     void setLongestWait(std::chrono::milliseconds wait) { m_closing.setInterval(wait); }
 

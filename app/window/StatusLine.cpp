@@ -18,7 +18,7 @@ namespace {
 
 constexpr int statusLineHeight = 28, statusSide = 16;
 constexpr int sentenceLeft = statusSide + 24, linkGap = 8;
-constexpr int widestHistory = 720, statusMostRows = 6;    // of a sentence in the history
+constexpr int widestHistory = 720, statusMostRows = 6;    // rows of one sentence in the history
 constexpr int announcePause = 3000, statusTurnTime = 1000, statusFrameTime = 33;    // ms
 
 struct KindRow {
@@ -48,7 +48,7 @@ void paintState(QPainter& painter, const QRectF& box, StatusKind kind, const The
         paintIcon(painter, row(kind).icon, box, 16, theme.*row(kind).color);
 }
 
-// Where a sentence leads, as a button says it; empty for nowhere.
+// Text of the button that opens the link; empty for no link.
 QString wordOf(const StatusLink& link)
 {
     if (link.isPurchase)
@@ -79,7 +79,7 @@ QStringList rowsOf(const QString& sentence, double width)
     return rows;
 }
 
-// A frame above the line. As a popup it closes at Esc and gives the focus back by itself.
+// Base of the popups above the line. Qt::Popup closes at Esc and restores the focus.
 class LinePopover : public QWidget {
 public:
     explicit LinePopover(QWidget* parent)
@@ -116,7 +116,7 @@ public:
         const int width = std::min(mostWidth, qCeil(widest) + textLeft + textRight());
         int height = 2 * edge;
         for (const StatusEntry& told : history) {
-            // What was under way is over by the time that another sentence follows.
+            // An outdated step shows no spinner: its work is over.
             const bool isOver = told.kind == StatusKind::working && told.isOutdated;
             const Entry entry{isOver ? StatusKind::note : told.kind,
                               rowsOf(told.sentence, width - textLeft - textRight()), timeOf(told)};
@@ -176,10 +176,10 @@ private:
     int m_timeWidth = 0;
 };
 
-// What was told, to scroll through where it finds no room.
+// Scrolls when the sentences find no room.
 class HistoryPopover : public LinePopover {
 public:
-    // `room`: what it may take at most.
+    // `room`: the largest size.
     HistoryPopover(const QList<StatusEntry>& history, QSize room, QWidget* parent)
         : LinePopover(parent)
     {
@@ -199,7 +199,7 @@ public:
     }
 
 protected:
-    // The layout of the scroll bar is settled when it is shown.
+    // The scroll bar has its range only once the layout is done, when it is shown.
     void showEvent(QShowEvent* event) override
     {
         LinePopover::showEvent(event);
@@ -211,7 +211,7 @@ private:
     static constexpr int scrollBarRoom = 16;
 };
 
-// A list to scroll through.
+// A scrolling list of names.
 class DetailsPopover : public LinePopover {
 public:
     DetailsPopover(const QStringList& details, QSize room, QWidget* parent) : LinePopover(parent)
@@ -246,12 +246,12 @@ private:
     static constexpr int edge = 8, rowHeight = 26, scrollBarRoom = 28;
 };
 
-// As small as the sentence that it follows.
+// A button as small as the sentence before it.
 class SentenceLink : public Control {
 public:
     explicit SentenceLink(QWidget* parent) : Control(parent)
     {
-        setAccessibleName(u"Enlace del aviso"_qs);    // while it is hidden
+        setAccessibleName(u"Enlace del aviso"_qs);    // for screen readers, while it has no text
         setCursor(Qt::PointingHandCursor);
         setProperty("focusRadius", Radius::chip);
     }
@@ -309,7 +309,7 @@ void StatusLine::setStatus(const StatusEntry& told, const std::optional<Activity
     else
         m_spin.stop();
     if (!isSame) {
-        // Fast work would talk without end: while it goes on, one name in three seconds.
+        // Fast work would make a screen reader talk without end: one step in three seconds.
         const qint64 since = m_announced.isValid() ? m_announced.elapsed() : announcePause;
         if (isStep && since < announcePause)
             m_announceLater.start(int(announcePause - since));
@@ -325,7 +325,7 @@ void StatusLine::showParts()
     const QString link = wordOf(m_told.link);
     const bool hasLink = !link.isEmpty();
     const bool stops = m_underWay && m_underWay->stop;
-    // The one that the window remembers, whether it is active or not.
+    // The window's focusWidget() counts whether the window is active or not.
     const QWidget* focused = window()->focusWidget();
     const bool losesFocus = (focused == m_link && !hasLink) || (focused == m_stop && !stops);
     m_bar->setValue(m_underWay ? m_underWay->fraction() : std::nullopt);
@@ -410,7 +410,7 @@ void StatusLine::paintEvent(QPaintEvent*)
     }
 }
 
-// Not the widget's own tooltip, whose markup a screen reader would be given as its description.
+// Replaces the widget's own tooltip, whose markup screen readers would read as the description.
 bool StatusLine::event(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip)
@@ -420,7 +420,8 @@ bool StatusLine::event(QEvent* event)
     if (!isCut || !sentenceRect().contains(help->pos())) {
         QToolTip::hideText();
     } else {
-        // As rich text, which alone is broken into lines: a sentence may be longer than the screen.
+        // Rich text, because Qt breaks only that into lines: a sentence may be wider than the
+        // screen.
         QToolTip::showText(help->globalPos(),
                            u"<qt>%1</qt>"_qs.arg(m_told.sentence.toHtmlEscaped()), this,
                            sentenceRect());

@@ -11,18 +11,18 @@ class Control;
 class IconButton;
 class ProgressBar;
 
-// What happened last, and at the right how far the work is or which keys help.
+// Shows the last sentence; on the right the progress of the work or the keys that help.
 class StatusLine : public QWidget {
     Q_OBJECT
 public:
     explicit StatusLine(QWidget* parent = nullptr);
-    // Whatever is told, the bar of what is under way stays.
+    // The bar of `underWay` stays, whatever sentence is told.
     void setStatus(const StatusEntry& told, const std::optional<Activity>& underWay = {});
     void setKeyHints(const QList<KeyHint>& hints);
-    // What was told, oldest first, above the line; it takes the keyboard until Esc or a press
-    // elsewhere.
+    // Opens a popup above the line with the sentences, oldest first. It has the keyboard until Esc
+    // or a press elsewhere.
     void showHistory(const QList<StatusEntry>& history);
-    // Likewise a list that the sentence only counts.
+    // Opens a popup with the names that the sentence only counts.
     void showDetails(const QStringList& details);
     QList<QWidget*> focusOrder() const;
     QSize sizeHint() const override { return {600, 28}; }
@@ -31,7 +31,7 @@ Q_SIGNALS:
     void stopRequested();
     void linkRequested();
     void historyRequested();
-    void leaveRequested();    // what had the focus is gone
+    void leaveRequested();    // the focused button was hidden
 
 protected:
     bool event(QEvent* event) override;

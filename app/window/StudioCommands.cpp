@@ -91,8 +91,8 @@ void StudioCommands::run(const MenuCommand& command)
                             StatusKind::warning);
         return;
     }
-    // Cancels a drag on the canvas, and ends the typing of an objective, so that it is a step of
-    // its own that the command may undo.
+    // Cancels a drag on the canvas. Ends the typing of an objective, which becomes a step that the
+    // command may undo.
     m_parts.stage.canvas()->interaction().cancel();
     m_parts.shell->composeBar()->finishEdit();
     if (!command.keepsTyping)
@@ -108,7 +108,8 @@ void StudioCommands::importTexts()
         m_parts.files->chooseTexts(QFileDialog::AcceptOpen);
 }
 
-// While a text is edited, the text of that slot in the other image gets the focus, all selected.
+// Goes to another image. If a text is being edited, focuses the text of its slot there, all
+// selected.
 void StudioCommands::step(int images)
 {
     const std::optional<CopySlot> slot = m_parts.shell->sidePanel()->textPanel()->editedSlot();
@@ -121,7 +122,7 @@ void StudioCommands::step(int images)
         m_parts.panel.edit(*slot);
 }
 
-// While the column shows an import's images, it must not change the batch.
+// Ignored while the column shows an import's images: the batch is not shown.
 void StudioCommands::selectAll()
 {
     if (!m_parts.batch.showsIncoming())

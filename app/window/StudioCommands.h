@@ -36,7 +36,7 @@ struct CommandParts {
     QWidget* window;
 };
 
-// Runs the commands of the window, whether a menu, a key or a button asks for them.
+// The commands of the window, for menu, keys and buttons alike.
 class StudioCommands : public QObject {
     Q_OBJECT
 public:
@@ -49,7 +49,7 @@ public:
 private:
     void connectButtons();
     void run(const MenuCommand& command);
-    // Selects the tile, unless it is part of the selection, and opens a menu for it.
+    // Opens a menu for a tile; selects the tile first unless it is part of the selection.
     void showTileMenu(int index, QPoint globalPosition);
     QList<MenuCommand> table();
     QList<MenuCommand> fileCommands();

@@ -6,7 +6,7 @@ class StudioShell;
 struct Batch;
 struct KeyHint;
 
-// Moves the keyboard's focus in the window, and knows the keys that can be used where it is.
+// Moves the keyboard focus between the parts of the window, and knows the keys of the focused one.
 class StudioFocus : public QObject {
     Q_OBJECT
 public:
