@@ -24,6 +24,7 @@ struct RequestLimits {
 
 // The client of the account service and of the public web site: one function an endpoint. It keeps
 // the session cookie in the preferences between runs and sends it with every request.
+//
 // All functions throw AccountError; without a reply, and after a stop was requested,
 // TransportError. Requests may overlap. Lives on the interface thread.
 class AccountAPI : public QObject {

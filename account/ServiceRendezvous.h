@@ -9,6 +9,7 @@
 // Path of the local socket at which programs find the local service of `dataFolder`. The service
 // sends one line, "http://127.0.0.1:PORT\n", to each connection. A service that was started with
 // --until-unused runs as long as one connection is open.
+//
 // The folder must exist, or two spellings of its path give two sockets. Empty where no private
 // place for a socket exists.
 inline QString serviceSocketPath(const QString& dataFolder)

@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <vector>
 
-// What the benchmarks of the window share.
+// Helpers of the benchmarks that run an event loop.
 
 inline void turnFor(int milliseconds)
 {
@@ -25,7 +25,7 @@ void turnUntil(Done done)
         turnFor(20);
 }
 
-// Milliseconds.
+// Prints median, 95th percentile and longest of `times`, in milliseconds.
 inline void report(const char* what, std::vector<double> times)
 {
     if (times.empty())
@@ -48,7 +48,7 @@ double timeOf(Work work)
     return double(watch.nsecsElapsed()) / 1e6;
 }
 
-// Milliseconds of each of `count` times; the events go on for `pause` ms after each.
+// Times `work` `count` times, in milliseconds; runs the event loop for `pause` ms after each.
 template <typename Work>
 std::vector<double> timed(int count, int pause, Work work)
 {
@@ -60,7 +60,7 @@ std::vector<double> timed(int count, int pause, Work work)
     return times;
 }
 
-// Times every event that reaches a receiver from outside another.
+// Measures each event that the event loop delivers, including those that it sends on.
 class TimedApplication : public QApplication {
 public:
     using QApplication::QApplication;

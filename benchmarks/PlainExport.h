@@ -7,8 +7,8 @@
 
 #include <functional>
 
-// The reference that the product's exports are compared with: decode, draw, encode and write on
-// plain threads, without an account, a staging folder or an event loop.
+// Reference for the program's exports: decodes, draws, encodes and writes on plain threads, without
+// account, staging folder or event loop.
 
 // Seconds that one export spent.
 struct ExportTimes {
@@ -20,8 +20,8 @@ struct PlainFile {
     ExportTimes times;
 };
 
-// A photo with its default texts straight to its file: it is decoded once, at the level the file
-// needs.
+// Exports a photo with its default texts straight to `path`. Decodes it once, at the level that the
+// export needs.
 PlainFile exportPlainly(const QUrl& photo, SocialFormat format, const QString& path);
 
 // Runs `work` for each index below `count` on `jobs` threads. Returns when all have ended.

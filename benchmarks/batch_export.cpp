@@ -1,5 +1,6 @@
-// The reference over a folder, time per stage: batch_export PHOTOS OUT [--jobs N] [--format KEY]
-// The same through the product: export_lanes.
+// Plain export of a folder, with the time of each stage: batch_export PHOTOS OUT [--jobs N]
+// [--format KEY]
+// export_lanes measures the program's own export of the folder.
 
 #include "benchmarks/PlainExport.h"
 #include "platform/Memory.h"

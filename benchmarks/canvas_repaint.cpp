@@ -53,7 +53,7 @@ void send(QWidget& view, QEvent::Type type, QPointF at)
     QApplication::sendEvent(&view, &event);
 }
 
-// Round in a circle, so that snapping and edges come by too.
+// Drags in a circle, which also passes snapping lines and edges.
 void time(const char* name, CanvasInteractionView& view, QPointF from)
 {
     std::vector<double> milliseconds;
@@ -103,7 +103,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "%s cannot be read\n", argv[1]);
         return 1;
     }
-    // As large as in a window of 1440 × 900 with both columns.
+    // The canvas' size in a window of 1440 × 900 with both columns.
     StagePanel stage;
     stage.resize(888, 692);
     const auto& row = ::row(format);

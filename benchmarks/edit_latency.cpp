@@ -1,5 +1,4 @@
-// What an edit costs on the interface thread: through the session alone, and with a window that
-// shows it.
+// Time of an edit on the interface thread: in the session alone, and with a window that shows it.
 //
 //     edit_latency PHOTOS     a folder; 500 photos for the figures that are compared
 
@@ -23,7 +22,7 @@ namespace {
 
 constexpr int edits = 60;
 
-// The same edit of the title again and again, each time of another length in the document.
+// Edits the title's scale; each value has another length in the stored document.
 struct Restyle {
     StudioSession& session;
     int count = 0;
@@ -38,8 +37,8 @@ struct Restyle {
     }
 };
 
-// A session without a window. A store that cannot be opened refuses at once: the edit without the
-// one write.
+// A session without a window. With a `file` that cannot be opened, storing fails at once: measures
+// the edit without the write.
 struct Studio {
     Studio(const std::shared_ptr<PhotoCache>& photos, const QString& file, const QList<QUrl>& urls)
         : preferences(file), session(photos, preferences)
@@ -110,7 +109,7 @@ int main(int argc, char** argv)
         session.selectAll();
         turnFor(1000);
         Restyle restyle{session};
-        // A tick of a slider: the edit, and every event that it sets off, the repaint included.
+        // A tick of a slider: the edit and all events that follow, including the repaint.
         report("window, held slider, all selected", timed(edits, 16, [&] {
                    restyle(Pace::held);
                    QApplication::sendPostedEvents();

@@ -1,5 +1,5 @@
-// The lanes of an export over a folder, as the window and `moltiva export` run them: photos looked
-// at, rendered, paid by an account that agrees at once, written.
+// Exports a folder as the window and `moltiva export` do: imports, renders, pays with an account
+// that agrees at once, writes.
 //
 //     export_lanes PHOTOS OUT [--jobs N] [--format KEY]
 
@@ -29,7 +29,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Seconds that all threads of this process have worked.
+// Processor time of all threads of this process, in seconds.
 double processorTime()
 {
     rusage usage;

@@ -1,5 +1,5 @@
-// What an export of the session costs over drawing and writing the same pictures: both in turns,
-// each round paid anew by an account that agrees at once.
+// Cost of the session's export compared with only drawing and writing the same pictures, in turns.
+// An account that agrees at once pays each round.
 //
 //     export_session PHOTOS OUT [--rounds N]     0: one export of the session alone, for its memory
 
@@ -48,7 +48,7 @@ public:
         turnUntil([this] { return !m_session.isImporting(); });
         m_session.selectAll();
     }
-    // So that they are to be paid again.
+    // Changes the selected images, so that their next export costs credits again.
     void edit()
     {
         TextLayer title = m_session.batch().currentItem()->layers[0];

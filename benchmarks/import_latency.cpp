@@ -1,8 +1,8 @@
 // Importing a folder in the real window, without a display: import_latency PHOTOS
 //
-// Times the first pictures on screen, the longest event on the interface thread and the whole
-// import, and beside them, in the same run, one reduced decode of each photo on as many workers.
-// The thumbnails on disk start empty.
+// Measures the first pictures on screen, the longest event on the interface thread and the whole
+// import; for comparison one reduced decoding of each photo on as many workers. The folder of
+// thumbnails starts empty.
 
 #include "app/batch/BatchColumn.h"
 #include "app/theme/StudioStyle.h"

@@ -1,5 +1,5 @@
-// What it costs to know the price of an export after a command: time of the interface thread, and
-// the time until the price is right again. Every image of the batch is paid for.
+// Time to find the price of an export after a command: on the interface thread, and until the price
+// is right again. All images of the batch are paid for.
 //
 //     price_latency PHOTOS     a folder; 500 photos for the figures that are compared
 
@@ -38,7 +38,7 @@ QList<RenderedOutput> outputsOf(const Batch& batch)
     return outputs;
 }
 
-// Milliseconds that this thread has run; waiting for others, also for a core, is not in it.
+// Processor time of this thread in milliseconds; waiting does not count.
 double ownTime()
 {
     timespec time{};
@@ -46,7 +46,7 @@ double ownTime()
     return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
 }
 
-// `work` is timed, and all that it sets off until `isRight`.
+// Measures `work` and the events after it, until `isRight`.
 template <typename Work, typename IsRight>
 void measure(const char* what, Work work, IsRight isRight)
 {
@@ -68,7 +68,7 @@ void measure(const char* what, Work work, IsRight isRight)
     report("  until the price is right", waits);
 }
 
-// The prices alone, of batches that others changed.
+// Measures RenderCosts alone, with batches that change outside of a session.
 void measureCosts(const std::shared_ptr<PhotoCache>& photos, const Batch& paid)
 {
     RenderCosts costs(photos, exportSizeOf);

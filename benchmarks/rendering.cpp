@@ -1,4 +1,4 @@
-// The pieces of a render by themselves. The batch as a whole: batch_export.
+// Steps of a render, each by itself; batch_export measures whole renders.
 
 #include "canvas/BoxShadow.h"
 #include "canvas/ImagePlacementGeometry.h"
@@ -98,7 +98,7 @@ void painting(benchmark::State& state)
 }
 BENCHMARK(painting)->Unit(benchmark::kMillisecond);
 
-// What drawing a tile costs without and with the warnings about its texts.
+// Measures drawing a tile, without or with the warnings about its texts (`judged`).
 template <bool judged>
 void tile(benchmark::State& state)
 {
@@ -119,7 +119,7 @@ void shadow(benchmark::State& state)
 {
     double sigma = 14;
     for ([[maybe_unused]] auto _ : state) {
-        sigma += 1e-6;    // never the remembered one
+        sigma += 1e-6;    // a new value each time, which is not cached
         benchmark::DoNotOptimize(
             boxShadow({119, 389, 842, 216}, 32, sigma, Qt::black, {0, 0, 1080, 1350}));
     }

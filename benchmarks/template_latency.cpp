@@ -1,4 +1,4 @@
-// What templates cost on the interface thread: laying one over all items, and opening the tab with
+// Time of templates on the interface thread: applying one to all items, and opening the tab with
 // forty of them.
 //
 //     template_latency PHOTOS     a folder; 500 photos for the figures that are compared
@@ -28,7 +28,7 @@ namespace {
 
 constexpr int clicks = 40, designs = 40;
 
-// One design after another, each a step of its own.
+// Applies the gallery's designs in turn, each as a step of its own.
 struct Apply {
     StudioSession& session;
     QList<JSONVisualTemplateDefinition> gallery =
@@ -59,7 +59,8 @@ int main(int argc, char** argv)
     const QTemporaryDir own;
     const auto photos = std::make_shared<PhotoCache>(own.filePath(u"thumbnails"_s));
 
-    // A store that cannot be opened refuses at once: the click without the write.
+    // A store that cannot be opened refuses at once: this round measures the click without the
+    // write.
     for (const QString& store : {own.filePath(u"a.sqlite"_s), u"/proc/nowhere/b.sqlite"_s}) {
         PreferencesStore preferences(store);
         StudioSession session(photos, preferences);
@@ -85,7 +86,7 @@ int main(int argc, char** argv)
         session.load({folder});
         turnUntil([&] { return !session.isImporting() && window.isSettled(); });
         Apply apply{session};
-        // Those of the user fill the tab up to forty.
+        // Saves templates of the user until the tab has forty designs.
         const auto missing = designs - apply.gallery.size();
         for (qsizetype i = 0; i < missing; ++i) {
             apply();
@@ -111,7 +112,7 @@ int main(int argc, char** argv)
                              ++drawn;
                              lastDrawn = watch.elapsed();
                          });
-        // The press of the tab is one event too.
+        // The press of the tab is measured like an event.
         const double press =
             timeOf([&] { window.shell()->sidePanel()->setTab(SideTab::templates); });
         application.milliseconds.push_back(press);

@@ -25,6 +25,7 @@ struct TextSheet;
 // StatusLog, Activities, Editing (the batch and its undo steps), Workspace (storage), imports and
 // exports. Lives on the interface thread. Views compare their items with the batch after
 // batchChanged(): unchanged items are equal and share their data.
+//
 // Every change of the batch is stored at once. While a value is held (Pace::held), the batch
 // follows each tick, and is stored after a short rest.
 class StudioSession : public QObject {

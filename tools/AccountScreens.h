@@ -2,5 +2,6 @@
 
 class QDir;
 
-// Signing in, the account and the settings as PNG files. False when a state was not reached.
+// Takes pictures of signing in, the account and the settings as PNG files. False when a state was
+// not reached.
 bool takeAccountScreens(const QDir& out);

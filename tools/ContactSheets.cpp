@@ -14,10 +14,10 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int photosShown = 6, gap = 16;
-// Of one post, in pixels: what three in a row leave on a screen.
+// Area of one post in pixels, so that three in a row fit on a screen.
 constexpr double postArea = 560.0 * 560.0;
 
-// Short, usual and long, as people write them.
+// Texts of short, usual and long length.
 const QList<GeneratedCopy>& copies()
 {
     static const QString none;

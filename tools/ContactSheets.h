@@ -2,7 +2,7 @@
 
 #include <QDir>
 
-// One picture a design: the first six photos of a folder with texts of different lengths, each as
-// the design makes it. False when a sheet could not be made.
+// Makes one picture for each design: the first six photos of a folder, with texts of different
+// lengths, in that design. False when one could not be made.
 bool makeContactSheets(const QDir& out, const QString& photoFolder,
                        const QString& definitionFolder);

@@ -16,7 +16,8 @@ namespace {
 
 constexpr int longestWait = 60000;    // ms
 
-// Timers that repeat drive the frames of animations; those that fire once bring what was asked for.
+// Drops the events of repeating timers, which drive animations; single-shot timers bring requested
+// work.
 class FrameFilter : public QObject {
 public:
     using QObject::QObject;
@@ -57,8 +58,8 @@ bool WindowPictures::waitFor(const std::function<bool()>& reached)
     return reached();
 }
 
-// Panels ask for pictures a moment after they changed, and what a worker brings may be the reason
-// to ask for more: only a window that stays settled for some turns has all.
+// The window must stay complete for several turns: panels request pictures a moment after a change,
+// and a result of a worker may cause further requests.
 bool WindowPictures::settle()
 {
     constexpr int calmTurns = 3, turn = 60;    // ms

@@ -8,28 +8,28 @@
 class QApplication;
 class QWidget;
 
-// Nothing moves by itself any more: spinners, progress and carets stand still.
+// Stops spinners, progress bars and blinking carets, so that pictures do not differ.
 void stopAnimations(QApplication& application);
 
-// Pictures of one window as PNG files, the same from run to run.
+// Pictures of one window as PNG files. Two runs give equal bytes.
 class WindowPictures {
 public:
-    // `isSettled`: whether the window shows all that it asked for.
+    // `isSettled`: whether the window shows everything that it has requested.
     WindowPictures(const QDir& out, QWidget& window, std::function<bool()> isSettled);
 
     static constexpr QSize sizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
 
-    // Lets events pass until then; false after too long a time.
+    // Runs the event loop until `reached`; false after a minute.
     static bool waitFor(const std::function<bool()>& reached);
 
-    // Waits until the window has all that it asked for; false after too long a time.
+    // Waits until the window shows everything that it has requested; false after a minute.
     bool settle();
 
-    // In both themes, of each of the sizes or of the one that the window has. False when the window
-    // did not settle.
+    // Takes pictures in both themes: take() in each of the sizes, takeAtThisSize() in the window's
+    // own. False when the window still lacked pictures after a minute.
     bool take(const QString& name);
     bool takeAtThisSize(const QString& name);
-    // In the theme that is on, without waiting.
+    // Takes a picture in the current theme without waiting.
     void takeNow(const QString& name);
 
 private:

@@ -1,12 +1,13 @@
-// Edits and exports without pause, is killed at random moments and at each step of a charge, and
-// starts again: after each start the ledger of the service must hold a charge for every render that
-// is known as paid, and for no other.
+// Edits and exports without pause while it is killed at random moments and at each step of a
+// charge. After each restart the ledger of the service must hold a charge for every render that the
+// batch knows as paid, and for no other.
 //
-//     charge_storm SERVICE_PROGRAM FOLDER KILLS            runs and judges it
-//     charge_storm --child FOLDER ADDRESS [STEP TIMES]     exports until it is killed, by itself
-//                                                          when it comes to that step that often
-//     charge_storm --child FOLDER ADDRESS calm             only loads the photos and settles what
-//     was left
+//     charge_storm SERVICE_PROGRAM FOLDER KILLS
+//         runs children and judges the ledger
+//     charge_storm --child FOLDER ADDRESS [STEP TIMES]
+//         exports until it is killed; kills itself when it reaches STEP for the TIMES-th time
+//     charge_storm --child FOLDER ADDRESS calm
+//         only loads the photos and refunds what earlier children left open
 
 #include "account/AccountAPI.h"
 #include "account/AccountSession.h"
@@ -109,7 +110,7 @@ public:
         m_stepsLeft = times;
     }
 
-    // Whether it came to a state that can be judged.
+    // Returns whether the child reached a state that can be judged.
     bool start()
     {
         m_session.restoreWorkspaceIfNeeded();
@@ -155,7 +156,8 @@ private:
             m_session.activities().stop(Activity::Kind::exporting);
     }
 
-    // Waits until it was judged: the ledger must not move meanwhile.
+    // Prints what the child knows as paid, then waits for the judge's answer: the ledger must not
+    // change meanwhile.
     void tellState() const
     {
         for (const PublicationItem& item : m_session.batch().items) {
@@ -205,7 +207,7 @@ private:
                 .arg(m_session.status()));
     }
 
-    // What will be charged and for which renders, and how many files there will be.
+    // Prints the coming charge with its renders, and the number of files.
     void tellPlan(const QList<int>& indices) const
     {
         const SocialFormat format = m_session.batch().format;
@@ -255,7 +257,7 @@ int runChild(const QStringList& arguments)
 
 // ---- who kills and judges
 
-// An open charge of this service's account, as the ledger has it.
+// An unrefunded charge in the ledger of the account.
 struct Charge {
     int amount = 0;    // negative
     bool isOpen = false;
@@ -282,7 +284,7 @@ public:
         return result == SQLITE_OK && rows == 1;
     }
 
-    // One line of what a child says. Gives whether it waits for an answer.
+    // Takes one line of a child's output. Returns whether the child waits for an answer.
     bool hear(const QString& line)
     {
         const QStringList words = line.split(u' ');
@@ -316,7 +318,7 @@ public:
     void childDied(bool isByItself)
     {
         ++m_kills[isByItself ? m_step : u"random, last at "_s + m_step];
-        // All files are there and nobody knows that they are paid.
+        // The child was killed after writing all files and before recording the payment.
         if (!m_request.isEmpty() && m_written == m_files)
             m_unrecorded.insert(m_request);
         m_request.clear();
@@ -420,10 +422,11 @@ private:
     }
 
     QString m_ledgerFile;
-    std::map<QString, QStringList> m_plans;    // request identifiers and what they pay for
-    std::set<QString> m_paid, m_left;          // what the child under way says
-    std::set<QString> m_unrecorded;            // requests whose files are there
-    QString m_request, m_step = u"none"_s;     // under way
+    // Renders by the request identifier that pays for them.
+    std::map<QString, QStringList> m_plans;
+    std::set<QString> m_paid, m_left;         // reported by the running child
+    std::set<QString> m_unrecorded;           // requests whose files are all written
+    QString m_request, m_step = u"none"_s;    // of the export under way
     bool m_isFree = false;
     int m_files = 0, m_written = 0;
     std::map<QString, int> m_kills;
@@ -438,8 +441,8 @@ public:
     {
     }
 
-    // One run of the program; `life` in ms, where it does not end by itself. Gives whether it ended
-    // as it should.
+    // Runs the program once; kills it after `life` ms unless empty. Returns whether it ended as
+    // expected.
     bool run(const QStringList& how, std::optional<int> life)
     {
         QProcess child;
@@ -493,7 +496,7 @@ bool paintPhotos(const QDir& folder)
     return true;
 }
 
-// The cookie stays in the preferences of the children.
+// Leaves the session's cookie in the preferences of the children.
 bool signUp(const QDir& folder, const QString& address)
 {
     PreferencesStore preferences(folder.filePath(u"moltiva.sqlite"_s));
@@ -521,12 +524,13 @@ int judgeStorm(const QString& program, const QDir& folder, int kills)
         return 1;
     }
     Storm storm(folder.path(), address, judge);
-    // The import must not be among what the others undo: no payment is known of a discarded batch.
+    // The import gets a run of its own, which no later child can undo: payments of a discarded
+    // batch are unknown.
     const QStringList calmly{u"calm"_s};
     if (!storm.run(calmly, {}))
         judge.fail("the first run did not end well", {});
     for (int kill = 0; kill < kills; ++kill) {
-        // Each step as often as any moment.
+        // Kills at each step as often as at a random moment.
         const std::size_t kind = std::size_t(kill) % (steps.size() + 1);
         const bool isAsMeant =
             kind == steps.size()

@@ -1,4 +1,4 @@
-// How often the contrast mark agrees with the eye: contrast_labels LABELS PHOTOS
+// Measures how often the contrast mark agrees with the eye: contrast_labels LABELS PHOTOS
 //
 // Each entry of LABELS puts one text on a photo of the folder PHOTOS and says whether it was found
 // readable by eye, at the size of a telephone: every word at a glance, nothing washed out. Texts
@@ -62,7 +62,7 @@ PublicationItem itemOf(const Label& label, const AcceptedPhoto& photo, const QSt
     return item;
 }
 
-// The text with some of its surroundings.
+// Writes a picture of the text with some of its surroundings.
 bool writeCrop(const PublicationItem& item, SocialFormat format, const QString& file)
 {
     const auto picture = ExportCanvasRenderer::bitmap(item, exportSize(format), designSize(format));

@@ -1,7 +1,8 @@
-// Edits a stored batch without pause, is killed at random moments, and starts again: what a start
-// finds must be the state after the last edit that was reported done, or after the one under way.
+// Edits a stored batch without pause while it is killed at random moments. After each restart the
+// batch must be the state after the last edit that was reported done, or after the one then under
+// way.
 //
-//     edit_storm FOLDER KILLS     runs and judges it
+//     edit_storm FOLDER KILLS     runs children and judges the batch
 //     edit_storm FOLDER           edits until it is killed
 
 #include "platform/PhotoCache.h"
@@ -25,13 +26,13 @@ namespace {
 
 constexpr int itemCount = 40, editKinds = 5;
 
-// Edit number n leaves n in one of these places, in turn.
+// Numbers of the last edits: edit n writes n into one of these places, in turn.
 struct Marks {
     std::array<int, editKinds> numbers{};
     bool areEverywhere = true;    // an edit of all items reached all
 
     int last() const { return *std::ranges::max_element(numbers); }
-    // Each place holds the newest number of its own kind.
+    // Whether each place holds the newest number of its kind.
     bool areWhole() const
     {
         for (int number = last(); number > std::max(0, last() - editKinds); --number) {
@@ -136,7 +137,7 @@ int judge(const QDir& folder, int kills)
     for (int kill = 0; kill <= kills; ++kill) {
         QProcess child;
         child.start(QCoreApplication::applicationFilePath(), {folder.path()});
-        // The first run has its import to do.
+        // Waits longer in the first run, until its import is done.
         const QByteArray begun = kill == 0 ? "done" : "\n";
         QByteArray output;
         while (!output.contains(begun) && child.waitForReadyRead(60000))

@@ -1,5 +1,5 @@
-// Has many clients of one account reserve and refund credits at random, and judges the ledger that
-// they leave: nothing charged twice, nothing lost that was acknowledged, never below zero.
+// Lets many clients of one account reserve and refund credits at random, then judges the ledger:
+// nothing charged twice, nothing acknowledged lost, never below zero.
 //
 //     ledger_storm SERVICE_PROGRAM [--seconds 60] [--clients 32] [--kill]
 //
@@ -29,12 +29,12 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int requestIds = 16;
-constexpr std::array<qint64, 3> costs{3, 250,
-                                      2500};    // all reserved at once is far more than there is
+// Reservations of all request ids at once would go far beyond the balance.
+constexpr std::array<qint64, 3> costs{3, 250, 2500};
 
 enum class Move { reserve, refund };
 
-// What a client was told, and when it asked and knew.
+// An answer to a client, with the times of the request and the reply.
 struct Acknowledged {
     Move move;
     QString requestId;
@@ -194,7 +194,8 @@ public:
         }
     }
 
-    // A moment of the time between question and answer must show what the answer said.
+    // Checks that the ledger showed what was acknowledged, at some moment between request and
+    // reply.
     void judgeAcknowledged(const QList<Acknowledged>& all)
     {
         const auto byId = movesById();
@@ -244,7 +245,7 @@ struct Options {
     bool kill = false;
 };
 
-// How often the service was killed; nothing when it did not come back.
+// Number of times that the service was killed; empty when it did not come back.
 std::optional<int> waitOut(const Options& options, RunningService& service)
 {
     using Clock = std::chrono::steady_clock;

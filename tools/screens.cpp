@@ -51,13 +51,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A second later at each look.
+// A clock that is a second later at each call.
 StudioSession::Clock steppingClock()
 {
     return [now = StudioHistory::Time()]() mutable { return now += std::chrono::seconds(1); };
 }
 
-// Holds whoever looks at a photo: its stored thumbnail is a pipe, which waits for a writer.
+// Blocks every reader of a photo: its stored thumbnail is a pipe, which waits for a writer.
 class HeldPhoto {
 public:
     HeldPhoto(const QString& photo, const QString& thumbnailFolder)
@@ -67,7 +67,7 @@ public:
     }
     ~HeldPhoto() { release(); }
 
-    // The photo is decoded as if nothing was stored of it.
+    // Lets readers go on; they decode the photo as if it had no stored thumbnail.
     void release()
     {
         QFile pipe(m_pipe);
@@ -143,7 +143,7 @@ private:
         m_session.selectLayer(std::ranges::find(current().layers, slot, &TextLayer::slot)->id);
     }
 
-    // All photos are looked at but one of the first: those behind it wait for it.
+    // Takes an import that waits for one of the first photos; the others are already looked at.
     bool takeImport()
     {
         const QList<QUrl> photos = photosInFolder(m_photoFolder);
@@ -162,7 +162,7 @@ private:
         return reached;
     }
 
-    // Of the images that are selected.
+    // Takes an export of the selected images, under way and done.
     bool takeExports()
     {
         const int cost = int(m_session.exports().exportIndices().size()) * exportCreditCost;
@@ -170,7 +170,7 @@ private:
         m_account.answer(
             "POST /api/credits/social-copy/reserve",
             uR"({"ok":true,"balance":%1,"cost":%2})"_s.arg(balance).arg(cost).toUtf8());
-        m_account.hold();    // at its reservation
+        m_account.hold();    // stops the export at its reservation
         m_session.exportAll(m_folder.path());
         WindowPictures::waitFor([this] {
             return !m_session.isExporting() ||
@@ -183,7 +183,7 @@ private:
         return reached && take(u"exported"_s);
     }
 
-    // As on the canvas, in all selected images.
+    // Moves a layer as a drag on the canvas does, in all selected images.
     template <typename Layer>
     void drag(Layer layer, const CodableRect& frame)
     {
@@ -201,7 +201,7 @@ private:
         m_session.endCanvasHistoryEdit(layer.id);
     }
 
-    // A design on four images: a headline without a box, a panel below with text and a button.
+    // Designs four images: a headline without a box, a panel below with text and a button.
     void design()
     {
         m_session.setFormat(SocialFormat::carouselPortrait);
@@ -289,7 +289,7 @@ private:
         return reached & takePresets();
     }
 
-    // Templates and styles of the user's own, and what comes with the program.
+    // Takes the templates and styles of the user and of the program.
     bool takePresets()
     {
         SidePanel* panel = m_window.shell()->sidePanel();

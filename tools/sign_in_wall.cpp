@@ -1,4 +1,4 @@
-// The picture beside the sign-in form, made of posts: sign_in_wall OUT.jpg PHOTOS
+// Makes the picture beside the sign-in form, a wall of posts: sign_in_wall OUT.jpg PHOTOS
 // Run by hand when the designs or the photographs change; the result lies in resources/pictures.
 
 #include "canvas/ExportCanvasRenderer.h"
@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// In logical pixels of a window of 1440 x 900, of which the picture holds `ratio` each.
+// Sizes in logical pixels of a window of 1440 x 900; the picture has `ratio` pixels for each.
 constexpr QSize wall(896, 900);
 constexpr double ratio = 1.5, gap = 14, radius = 8;
 constexpr int quality = 82;
@@ -36,7 +36,7 @@ GeneratedCopy copy(const QString& title, const QString& subtitle, const QString&
     return {title, subtitle, tagline, callToAction, {}, {}};
 }
 
-// Column by column, from the top.
+// The wall's posts by column, from the top.
 QList<QList<Post>> posts()
 {
     return {

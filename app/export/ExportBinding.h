@@ -17,7 +17,7 @@ public:
     ExportBinding(StudioSession& session, AccountSession& account, const BatchBinding& column,
                   ExportButtons* buttons, PreferencesStore& preferences, QWidget* window);
 
-    void show();    // the batch, an activity, the costs or the balance went on
+    void show();    // after a change of the batch, an activity, the costs or the balance
     ExportOffer offer() const;
     void exportCurrent();
     void exportItem(QUuid item);

@@ -160,7 +160,8 @@ void StudioCommands::showTileMenu(int index, QPoint globalPosition)
     auto* menu = new QMenu(m_parts.window);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const QUuid id = m_session.batch().items[index].id;
-    // Shows the key of the program menu's command, whose action alone reacts to the key.
+    // Shows the key of the menu's command without registering it: two actions with one key run
+    // neither.
     const auto add = [&](Icon icon, QStringView command, QStringView text, auto act) {
         QAction* action =
             menu->addAction(menuIcon(icon), text.toString() + u'\t' + m_menu->keyOf(command));
