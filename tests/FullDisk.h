@@ -4,7 +4,7 @@
 #include <QSqlQuery>
 #include <QStringList>
 
-// Whether all open databases refuse to be written to, as they do on a full disk.
+// Makes all open databases refuse writes, as on a full disk, or accept them again.
 inline void refuseWrites(bool refuse)
 {
     for (const QString& name : QSqlDatabase::connectionNames()) {

@@ -11,8 +11,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// What another user of the machine does, in a process of its own that only root can make. Between
-// fork and end there are system calls alone, for other threads may hold any lock.
+// Acts as another user of the machine, in a child process that only root can make. The child makes
+// only system calls between fork and end: another thread may hold any lock.
 
 inline bool canBeNobody()
 {
@@ -25,7 +25,7 @@ inline bool becomeNobody()
     return ::setgroups(0, nullptr) == 0 && ::setgid(nobody) == 0 && ::setuid(nobody) == 0;
 }
 
-// Gives what `act` returns, 0 to 99.
+// Returns the result of `act`, which must be 0 to 99; 100 and 101 are failures of the child.
 template <typename Act>
 int asNobody(const Act& act)
 {
@@ -37,7 +37,8 @@ int asNobody(const Act& act)
     return WIFEXITED(status) ? WEXITSTATUS(status) : 101;
 }
 
-// The first digit of the status that comes back, from 127.0.0.`source`; 0 for none at all.
+// Returns the first digit of the HTTP status for a request from 127.0.0.`source`; 0 without a
+// reply.
 inline int requestAsNobody(int port, const char* request, int source = 1)
 {
     return asNobody([=] {
@@ -56,10 +57,10 @@ inline int requestAsNobody(int port, const char* request, int source = 1)
     });
 }
 
-// Listens at a path that only we could take, as one who was there before us might.
+// Listens as another user at a path where the program expects its own socket.
 class NobodyListening {
 public:
-    // Sends `line` to the first who connects and hears them to the end.
+    // Sends `line` to the first client, then reads what the client sends.
     NobodyListening(const char* path, const char* line)
     {
         int ready[2];
@@ -80,7 +81,7 @@ public:
             ::waitpid(m_child, nullptr, 0);
         }
     }
-    // Waits until who connected has left; how many bytes they gave, up to 99.
+    // Waits until the client has left; returns the number of bytes that the client sent, up to 99.
     int heardBytes()
     {
         int status = 0;

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-// While it lives, programs and this one find the user's runtime folder there, or none.
+// Sets the user's runtime folder of this process and its children, until destroyed.
 class RuntimeFolder {
 public:
     explicit RuntimeFolder(const QString& path) { qputenv(variable, path.toLocal8Bit()); }

@@ -10,8 +10,8 @@
 
 #include <algorithm>
 
-// Lets coroutines that a test left behind come to their end: what is still under way when the event
-// loop goes would count as leaked.
+// Ends coroutines that a test left running: those still suspended when the event loop is destroyed
+// would count as leaks.
 inline void settleWorkers()
 {
     for (int turn = 0; turn < 20; ++turn) {
@@ -23,8 +23,8 @@ inline void settleWorkers()
     QThreadPool::globalInstance()->waitForDone();
 }
 
-// When the application object is gone, and with it the toolkit's own pools: a thread that was
-// waited for may still be on its way out, and what only it holds would count as leaked.
+// Waits until the threads of all pools have exited; call after the application object is destroyed.
+// A joined thread may still be exiting, and what only that thread holds would count as a leak.
 inline void letThreadsGo()
 {
     const auto isPooled = [](const QFileInfo& thread) {

@@ -40,7 +40,7 @@ protected:
     }
 };
 
-// What a call ended in, as the user would read it; "" when it was done.
+// The message for the user of a call that failed; empty when it succeeded.
 template <typename Result>
 QString outcome(QCoro::Task<Result> task)
 {
@@ -250,7 +250,7 @@ TEST_F(AccountAPITest, TheSessionIsOneCookieThatOutlivesTheProgram)
 {
     preferences.setValue(legacyKey, "old");
     auto api = client();
-    // Whatever the status; among others; up to its own end.
+    // A cookie is taken with any status, from among other cookies, up to its first attribute.
     answer(500, "{}",
            "Set-Cookie: other=1; Path=/\r\n"
            "set-cookie: tallerio_session=abc; Path=/; HttpOnly\r\nSet-Cookie: last=2\r\n");
@@ -285,15 +285,15 @@ TEST_F(AccountAPITest, ARefusedSessionTakesNoNewerOneWithIt)
                    : ScriptedServer::reply(200, summary, "Set-Cookie: tallerio_session=new\r\n");
     });
     server.hold("/api/auth/me");
-    QCoro::Task<AccountSummary> late = api->me();    // asked with the old one
+    QCoro::Task<AccountSummary> late = api->me();    // sent with the old session
     outcome(api->login(u"a"_s, u"b"_s));
     server.release();
     EXPECT_NE(outcome(std::move(late)), QString());
     EXPECT_TRUE(api->holdsSession());
     EXPECT_EQ(preferences.value(cookieKey), "tallerio_session=new");
 
-    // Another program signed in where this one still has what it had: nothing is asked for in that
-    // name before it is known whose it is.
+    // Another program stored its session: this one asks for nothing with that session before it
+    // knows whose it is.
     preferences.setValue(cookieKey, "tallerio_session=of another");
     EXPECT_NE(outcome(api->reserveSocialCopyCredits(5, u"r"_s)), QString());
     EXPECT_NE(outcome(api->reserveSocialCopyCredits(5, u"r"_s)), QString());
@@ -325,7 +325,7 @@ TEST_F(AccountAPITest, ALateAnswerBringsNothingBackAndEndsNothingElse)
     outcome(api->logout());
     preferences.setValue(cookieKey, "tallerio_session=of another");
     server.hold("/api/auth/me");
-    late = api->me();    // which looks whose that is
+    late = api->me();    // asks with the stored session
     outcome(api->login(u"a"_s, u"b"_s));
     server.release();
     outcome(std::move(late));
@@ -333,7 +333,7 @@ TEST_F(AccountAPITest, ALateAnswerBringsNothingBackAndEndsNothingElse)
     outcome(api->me());
     EXPECT_EQ(server.requests.last().header("Cookie"), "tallerio_session=new");
 
-    // One that is looked at and refused is not looked at again.
+    // A stored session that the service refuses is removed.
     outcome(api->logout());
     preferences.setValue(cookieKey, "tallerio_session=of another");
     answer(401, "{}");
@@ -486,7 +486,7 @@ TEST_F(AccountAPITest, WaitsNoLongerThanItsLimitsAndTakesNoMoreThanItsMemory)
     AccountAPI patient(endless.configuration(), preferences);
     EXPECT_EQ(transportFailure(patient.me()), TransportError::Kind::tooLarge);
 
-    // A client that goes takes what it waits for with it.
+    // Destroying a client stops its requests.
     auto leaving = client();
     QCoro::Task<AccountSummary> left = leaving->me();
     leaving.reset();

@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Signs in over the window when it is told to.
+// Ends the sign-in over the window when a test says so.
 class FakeWebAuthentication : public WebAuthentication {
 public:
     bool start(const QUrl&, const QString& callbackScheme, Completion completion) override
@@ -95,7 +95,7 @@ protected:
     QTemporaryDir folder;
     PreferencesStore preferences{folder.filePath(u"p.sqlite"_s)};
     ScriptedServer server;
-    QHash<QByteArray, QByteArray> answers;    // by target: an object, or a status
+    QHash<QByteArray, QByteArray> answers;    // by target: a JSON object, or a status
     QByteArray errorBody = "{}";
     AccountAPI api{server.configuration(), preferences};
     FakeWebAuthentication web;
@@ -116,7 +116,7 @@ TEST_F(AccountSessionTest, TheCheckAtTheStartSignsInOrOut)
     EXPECT_TRUE(turnUntil([&] { return signedIn.cloudCopyConfig().costCredits == 12; }));
     EXPECT_EQ(signedIn.displayName(), u"a@b.es"_s);
 
-    // Without a configuration it goes on with its own.
+    // Without settings from the service the session uses its fallback.
     answers["/api/publicaciones/config"] = "500";
     awaited(signedIn.refresh());
     EXPECT_TRUE(
@@ -132,7 +132,7 @@ TEST_F(AccountSessionTest, TheCheckAtTheStartSignsInOrOut)
 
 TEST_F(AccountSessionTest, AServiceThatIsLateLeavesTheUserSignedOut)
 {
-    // Signed in while the configuration is what is late, which comes by itself.
+    // Signs in although the settings are late; they arrive by themselves.
     server.hold("/api/publicaciones/config");
     EXPECT_TRUE(started().isAuthenticated());
     EXPECT_TRUE(awaited(session->login(u"a"_s, u"b"_s)));
@@ -153,7 +153,7 @@ TEST_F(AccountSessionTest, AServiceThatIsLateLeavesTheUserSignedOut)
     EXPECT_TRUE(session->isUnreachable());
     EXPECT_FALSE(session->isLoading() || session->isAuthenticated());
 
-    // Going away while it asks is no trouble either.
+    // The session may be destroyed while a request is under way.
     QCoro::Task<bool> left = session->login(u"a"_s, u"b"_s);
     EXPECT_TRUE(session->isWorking());
     session.reset();
@@ -166,7 +166,7 @@ TEST_F(AccountSessionTest, SigningOutLeavesNothingAndNothingBringsItBack)
     awaited(one.refreshPurchaseHistory());
     awaited(one.buyCredits(10000));
     server.hold("/api/auth/me");
-    QCoro::Task<bool> late = one.refreshSilently();    // asked while still signed in
+    QCoro::Task<bool> late = one.refreshSilently();    // sent while still signed in
     QCoro::Task<bool> latest = one.refresh();
     EXPECT_TRUE(awaited(one.logout()));
     server.release();
@@ -242,7 +242,7 @@ TEST_F(AccountSessionTest, ACheckoutStaysPendingUntilItIsConfirmed)
     answers["/api/stripe/confirm"] = confirmation;
     EXPECT_TRUE(awaited(one.confirmPendingCheckout()));
     EXPECT_EQ(one.account().balance, 1100);
-    EXPECT_TRUE(one.isAuthenticated());    // the profile stays
+    EXPECT_TRUE(one.isAuthenticated());    // the confirmation has no profile
     EXPECT_FALSE(one.pendingCheckoutSessionId());
     EXPECT_EQ(one.purchaseHistory().size(), 1);
     EXPECT_EQ(one.message(), u"Compra confirmada."_s);
@@ -395,7 +395,7 @@ TEST_F(AccountSessionTest, TheBalanceIsAskedForAgainAndAgainByOneTimer)
     EXPECT_EQ(one.account().balance, 42);
     EXPECT_LE(asked("/api/auth/me"), 1 + watch.elapsed() / 30);    // one timer's worth
     one.stopBalanceSync();
-    pass(300ms);    // what is under way
+    pass(300ms);    // for requests under way
     server.requests.clear();
     pass(100ms);
     EXPECT_EQ(asked("/api/auth/me"), 0);

@@ -26,8 +26,8 @@ inline QCoro::Task<> caught(QCoro::Task<> task, std::exception_ptr* failure)
     }
 }
 
-// Runs the event loop until the task has ended and gives what it gave, or throws what it threw:
-// QCoro::waitFor() would wait for ever for a task that throws.
+// Runs the event loop until the task has ended; returns its result or throws its exception.
+// QCoro::waitFor() alone would wait for ever for a task that throws.
 template <typename Result>
 Result awaited(QCoro::Task<Result> task)
 {

@@ -16,12 +16,12 @@
 
 using namespace Qt::StringLiterals;
 
-// What the service is asked for while programs come, go and share their preferences. With a real
-// ledger behind it: tests/studio.
+// Requests of the journal while programs start, end and share their preferences. Tests with a real
+// ledger are in tests/studio.
 
 namespace {
 
-// A service with one identifier in its ledger.
+// A service whose ledger holds one reservation.
 class Bank : public ScriptedServer {
 public:
     Bank()
@@ -46,7 +46,7 @@ public:
     QByteArray user = "1";
     int balance = 1000;
     bool wasReserved = false;
-    bool forgets = false;    // what it has reserved
+    bool forgets = false;    // drops its reservation
     QByteArrayList log;      // "reserve", "refund"
 };
 
@@ -112,7 +112,7 @@ QCoro::Task<bool> fail()
 
 class CreditJournalTest : public ::testing::Test {
 protected:
-    // As a program leaves it that dies while it works.
+    // Leaves an open entry, as a program does that is killed at work.
     void leaveOpen()
     {
         Program doomed(bank, folder.path());
@@ -217,7 +217,7 @@ TEST_F(CreditJournalTest, ALiveProgramIsLeftAlone)
 TEST_F(CreditJournalTest, TheSameAgainTakesTheOpenEntryOver)
 {
     Program program(bank, folder.path());
-    leaveOpen();    // after that one looked
+    leaveOpen();    // after the program has looked for open entries
     EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::done);
     EXPECT_TRUE(program.entries().isEmpty());
     awaited(program.journal.settle());
@@ -247,8 +247,7 @@ TEST_F(CreditJournalTest, WhatIsBeingGivenBackIsNotPaidMeanwhile)
     EXPECT_EQ(bank.log, QByteArrayList({"reserve", "refund", "reserve"}));
 }
 
-// The second time the service says of a refund that it is done, whether or not the reservation has
-// come.
+// The service confirms the second refund, whether or not the reservation has arrived.
 TEST_F(CreditJournalTest, AReservationThatComesLateIsGivenBackWhenItHasCome)
 {
     using namespace std::chrono_literals;
@@ -259,7 +258,7 @@ TEST_F(CreditJournalTest, AReservationThatComesLateIsGivenBackWhenItHasCome)
     bank.hold("/api/credits/social-copy/reserve");
     EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::notReserved);
     EXPECT_EQ(program.entries().size(), 1);
-    bank.balance = 950;    // there it is
+    bank.balance = 950;    // the reservation arrives
     EXPECT_TRUE(turnUntil([&] { return bank.balance == 1000; }));
     EXPECT_TRUE(turnUntil([&] { return program.entries().isEmpty(); }));
 }
@@ -318,7 +317,7 @@ TEST_F(CreditJournalTest, AFullDiskAndEntriesThatDoNotReadChargeNothingAndBlockN
               u"No se pudo anotar el pago: no se puede escribir en «%1»."_s.arg(folder.path()));
     EXPECT_TRUE(bank.log.isEmpty());
     refuseWrites(false);
-    // Full while it works: what is given back cannot be struck, but is later.
+    // The disk fills up during the work: the refunded entry is struck later.
     const ChargeResult failed = program.pay([&] {
         refuseWrites(true);
         return fail();

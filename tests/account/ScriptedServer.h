@@ -13,7 +13,7 @@
 #include <functional>
 #include <utility>
 
-// Answers each request as it is told to, byte by byte if need be, and remembers what it was asked.
+// An HTTP server that answers as a test says and remembers the requests.
 class ScriptedServer : public QTcpServer {
 public:
     struct Request {
@@ -29,7 +29,7 @@ public:
             return {};
         }
     };
-    // Gives the bytes of the answer, after which the connection is closed.
+    // Returns the whole reply; the connection is closed after it.
     using Answer = std::function<QByteArray(const Request&)>;
 
     explicit ScriptedServer(Answer answer = {}) : m_answer(std::move(answer))
@@ -49,7 +49,7 @@ public:
     }
     void setAnswer(Answer answer) { m_answer = std::move(answer); }
     void answerNothing() { m_isSilent = true; }
-    // What is asked of the target waits for release().
+    // Requests for `target` wait for release().
     void hold(const QByteArray& target) { m_heldTarget = target; }
     void release()
     {

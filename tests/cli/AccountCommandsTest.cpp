@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The program as its users start it, with the local service, in a home of its own.
+// Runs the program with its local service in a home folder of its own.
 class AccountCommandsTest : public ::testing::Test {
 protected:
     struct Outcome {
@@ -43,7 +43,7 @@ protected:
     }
 
     QTemporaryDir m_home;
-    QString m_output;    // a file that takes the place of standard output
+    QString m_output;    // a file for standard output; empty: a pipe
 };
 
 }    // namespace
@@ -97,7 +97,7 @@ TEST_F(AccountCommandsTest, ASessionThatCannotBeKeptIsNoSignIn)
     EXPECT_EQ(run({u"account"_s}).status, 0);
     run({u"logout"_s});
 
-    // No name is left to put it aside under.
+    // All names for setting the damaged store aside are taken.
     const QString store = m_home.filePath(u"data/moltiva/moltiva.sqlite"_s);
     QFile::remove(store);
     QDir().mkpath(store);

@@ -58,7 +58,7 @@ protected:
         return QDir(path(u"out"_s)).entryList(QDir::Files | QDir::Hidden, QDir::Name);
     }
 
-    // Of an export under way; as on a machine without a display, in a home of its own.
+    // Starts the program without a display, in a home folder of its own.
     std::unique_ptr<QProcess> started(const QStringList& arguments)
     {
         auto process = std::make_unique<QProcess>();
@@ -68,15 +68,14 @@ protected:
         for (const char* name : {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME"})
             environment.insert(QString::fromLatin1(name), path(u"home"_s));
         environment.insert(u"MOLTIVA_SERVICE_URL"_s, m_service);
-        // Threads of the toolkit that are on their way out when a program ends hold what the leak
-        // checker then takes for lost, once in a dozen runs. The same code is checked in this
-        // process by other tests.
+        // Exiting threads of Qt hold memory that the leak checker of the child takes for leaked,
+        // once in a dozen runs. Other tests check this code in this process.
         environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s);
         process->setProcessEnvironment(environment);
         process->start(QStringLiteral(MOLTIVA_PROGRAM), arguments);
         return process;
     }
-    // The service that answers it runs here.
+    // Runs the event loop: the service that answers the program lives in this process.
     static void wait(const std::function<bool()>& until)
     {
         QElapsedTimer watch;
@@ -107,7 +106,7 @@ protected:
     }
     Outcome runExport(const QStringList& arguments) { return run(exportTo(arguments)); }
 
-    // What was charged and given back, "reserve 50 #1": requests are numbered as they first come.
+    // Charges and refunds, as "reserve 50 #1"; requests are numbered by first use.
     QStringList charges() const
     {
         QStringList charges, ids;
@@ -168,7 +167,7 @@ TEST_F(ExportCommandTest, skipsWhatIsNoPhotoAndKeepsEqualNamesApart)
     EXPECT_TRUE(outcome.err.contains(path(u"x.jpg"_s) + u": No se pudo leer la foto."_s))
         << qPrintable(outcome.err);
 
-    // One whose name is in another encoding.
+    // A photo whose name is in another encoding.
     photo(u"c/g.jpg"_s);
     ASSERT_TRUE(std::ofstream(path(u"c"_s).toStdString() + "/ca\xf1"
                                                            "a.jpg")
@@ -184,7 +183,7 @@ TEST_F(ExportCommandTest, aPhotoThatFailsOnlyWhenItIsDrawnIsSkippedAndCostsNothi
 {
     const QString good = photo(u"f.jpg"_s), damaged = photo(u"a.png"_s);
     QFile file(damaged);
-    ASSERT_TRUE(file.resize(file.size() / 2));    // its header is whole
+    ASSERT_TRUE(file.resize(file.size() / 2));    // leaves the header whole
     const QString skipped = damaged + u": No se pudo leer la foto.\n"_s;
 
     const Outcome dry = runExport({u"--dry-run"_s, damaged, good});
@@ -479,7 +478,7 @@ TEST_F(ExportCommandTest, whatCannotBeWrittenIsGivenBack)
 TEST_F(ExportCommandTest, anInterruptCostsNothing)
 {
     const QString one = photo(u"f.jpg"_s);
-    // Drawing them takes longer than the signal.
+    // Drawing sixty images takes longer than the signal.
     const auto early = started(exportTo(QStringList{u"--jobs"_s, u"1"_s} + QStringList(60, one)));
     QByteArray said;
     wait([&] { return (said += early->readAllStandardError()).contains("Coste:"); });
@@ -539,7 +538,7 @@ TEST_F(ExportCommandTest, laysATemplateOverEveryPhoto)
     EXPECT_EQ(done.status, 0) << done.err.toStdString();
     for (const QString& name : {u"a"_s, u"b"_s}) {
         const QImage image(path(u"out/%1-publicacion.png"_s.arg(name)));
-        EXPECT_EQ(image.size(), QSize(1080, 1080));    // the format of the template
+        EXPECT_EQ(image.size(), QSize(1080, 1080));    // of the template's format
         EXPECT_EQ(image.pixelColor(540, 200), QColor(0xFF8000));
         EXPECT_EQ(image.pixelColor(540, 800), QColor(Qt::darkGreen));
     }

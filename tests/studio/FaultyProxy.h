@@ -12,17 +12,17 @@
 enum class Fault {
     none,
     noConnection,
-    resetBefore,    // the service never hears of it
-    resetAfter,     // it acts, and its answer is lost
+    resetBefore,    // the service never gets the request
+    resetAfter,     // the service acts, and its answer is lost
     errorBefore,    // 500
     errorAfter,
     signedOutBefore,    // 401
     signedOutAfter,
-    lateAnswer,     // it acts at once, and its answer is held back
-    lateRequest,    // it hears of it when nobody waits any more
+    lateAnswer,     // the service acts at once, and its answer is held back
+    lateRequest,    // the service gets the request when the client no longer waits
 };
 
-// Stands between a client and a service and spoils what is asked of one target.
+// Passes requests to a service, and spoils those for one target.
 class FaultyProxy : public QTcpServer {
 public:
     explicit FaultyProxy(int servicePort) : m_servicePort(servicePort)
@@ -42,7 +42,8 @@ public:
         m_target = target;
         m_fault = fault;
     }
-    // From the first spoiled request on nobody listens any more, with Fault::noConnection.
+    // Ends the fault. After Fault::noConnection listens again, which the first spoiled request
+    // ended.
     void heal()
     {
         m_fault = Fault::none;
@@ -87,7 +88,7 @@ private:
     void forward(QByteArray request, const QPointer<QTcpSocket>& client, Fault fault)
     {
         request.replace("Connection: Keep-Alive", "Connection: close");
-        // The service answers to its own name alone.
+        // The service accepts only its own address as host.
         request.replace(url().authority().toUtf8(),
                         "127.0.0.1:" + QByteArray::number(m_servicePort));
         auto* service = new QTcpSocket(this);

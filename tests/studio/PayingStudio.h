@@ -24,7 +24,7 @@ bool turnUntil(Done done, int milliseconds = 30'000)
     return done();
 }
 
-// What outlives a run of the program: photos, preferences and the service with its ledger.
+// Photos, preferences and a service with its ledger, which outlive a run of the program.
 class PayingWorld {
 public:
     struct Entry {
@@ -56,7 +56,7 @@ public:
             .entryList(QDir::Files | QDir::Hidden, QDir::Name);
     }
 
-    // Moves credits of the account as another program of its user would.
+    // Reserves credits, as another program of the user would, until `balance` is left.
     void leaveCredits(qint64 balance)
     {
         const qint64 now = service.get("/api/auth/me").json()["balance"];
@@ -83,7 +83,7 @@ public:
         QSqlDatabase::removeDatabase(QStringLiteral("ledger"));
         return entries;
     }
-    // What the ledger says that renders cost; refunds taken off.
+    // The sum that the ledger charges for renders, less refunds.
     int charged() const
     {
         int sum = 0;
@@ -96,8 +96,8 @@ public:
     mutable TestService service;
 };
 
-// One run of the program over such a world, signed in. `address`: of the service, where that is not
-// spoken to directly.
+// One run of the program in a PayingWorld. `address`: of a proxy before the service; empty: the
+// service itself.
 class PayingStudio {
 public:
     explicit PayingStudio(PayingWorld& ofWorld, const QUrl& address = {},
@@ -120,7 +120,7 @@ public:
 
     void signIn()
     {
-        // With patience, whatever the limits are: hashing a password takes its time.
+        // Without the tests' short time limits: hashing a password takes its time.
         AccountAPI patient(m_configuration, preferences);
         awaited(patient.login(QStringLiteral("ana@ejemplo.es"),
                               QString::fromUtf8(TestService::password)));
@@ -131,7 +131,7 @@ public:
         session.load(photos);
         EXPECT_TRUE(turnUntil([this] { return !session.isImporting(); }));
     }
-    // Gives the status that it ends with.
+    // Returns the status at the end of the export.
     QString exportAll(const QString& folder = QStringLiteral("salida"))
     {
         session.exportAll(world.file(folder));
@@ -147,7 +147,7 @@ public:
         EXPECT_TRUE(turnUntil([this] { return !session.isExporting(); }));
         return session.status();
     }
-    // Of the current image and of all that exportAll() covers, once they are right.
+    // Prices of the current image and of exportAll(), once they are up to date.
     std::pair<qint64, qint64> prices()
     {
         EXPECT_TRUE(turnUntil([this] { return session.exports().areCostsUpToDate(); }));

@@ -14,7 +14,7 @@
 
 #include <gtest/gtest.h>
 
-// The session as it works with its history and its stored workspace.
+// Tests of the session with its history and its stored workspace.
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -61,7 +61,7 @@ protected:
             QGuiApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
         return done();
     }
-    // What another start would find.
+    // The batch that another start of the program would restore.
     Batch stored() { return opened()->batch(); }
     const Batch& batch() const { return session->batch(); }
     TextLayer title() const { return batch().currentItem()->layers[0]; }
@@ -71,7 +71,7 @@ protected:
         layer.fontScale = scale;
         session->editLayer(layer, LayerEdits::Copied::style, pace);
     }
-    // An undo is over only when the loop has turned.
+    // An undo ends in the next turn of the event loop.
     void undo()
     {
         session->undo();
@@ -87,7 +87,7 @@ protected:
     std::shared_ptr<PhotoCache> m_photos = std::make_shared<PhotoCache>(m_data.path());
     PreferencesStore preferences{m_data.filePath(u"p.sqlite"_s)};
     StudioHistory::Time now{};
-    // Its render, by the two names that it has.
+    // Marks the item's render as paid, with one name for ingredients and pixels.
     void markPaid(QUuid item, const QString& fingerprint)
     {
         RenderedOutput output{{}, {}, fingerprint, fingerprint};
@@ -103,7 +103,7 @@ protected:
 TEST_F(SessionHistoryTest, eachKindOfChangeIsTakenBackWithItsSelection)
 {
     const Batch imported = batch();
-    session->selectAll();    // no step, but part of the state before the next one
+    session->selectAll();    // no step, but part of the state before restyle()
     const Batch selected = batch();
     restyle(1.5);
     const Batch restyled = batch();
@@ -146,7 +146,7 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     EXPECT_EQ(batch().items[1].layers[0].frame.x, 0.05);
     EXPECT_EQ(stored().items[2].layers[0].frame.x, 0.05);
 
-    // A pan that moves nothing lets go of the layer, and is no step that wipes what may be redone.
+    // A pan that moves nothing deselects the layer; it is no step, so redo stays possible.
     undo();
     session->selectLayer(moved.layers[1].id);
     session->beginCanvasHistoryEdit();
@@ -158,7 +158,7 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     redo();
     EXPECT_EQ(batch().items[1].layers[0].frame.x, 0.05);
 
-    // What the canvas hides or removes goes everywhere as well.
+    // Hiding and removing on the canvas reach all selected items too.
     now += 1s;
     session->addShape(ShapeKind::circle);
     PublicationItem hidden = *batch().currentItem();
@@ -176,7 +176,7 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     EXPECT_EQ(batch(), before);
 }
 
-// Who shows whether there is a step to undo asks when the batch has changed.
+// Receivers of batchChanged() ask canUndo().
 TEST_F(SessionHistoryTest, theFirstGestureCanBeUndoneWhenItIsTold)
 {
     session = opened();
@@ -195,7 +195,7 @@ TEST_F(SessionHistoryTest, theFirstGestureCanBeUndoneWhenItIsTold)
     EXPECT_FALSE(couldUndo);
 }
 
-// The canvas clears the selection as it hides a layer.
+// The canvas clears the selection when it hides a layer.
 TEST_F(SessionHistoryTest, hidingALayerTakesItsSelectionIntoTheStep)
 {
     const Batch before = batch();
@@ -211,7 +211,7 @@ TEST_F(SessionHistoryTest, aResultInTheTurnOfAnUndoIsAStepOfItsOwn)
 {
     restyle(1.5);
     const Batch restyled = batch();
-    // The import ends in the turn of the loop that undoes: its photos are looked at already.
+    // The import ends in the turn of the event loop that undoes.
     session->load({QUrl::fromLocalFile(file(0))});
     QObject::connect(session.get(), &StudioSession::activityChanged, session.get(), [&] {
         const Activity* import = session->activities().find(Activity::Kind::importing);
@@ -231,7 +231,7 @@ TEST_F(SessionHistoryTest, aPanThatShowsNothingIsNoStep)
     restyle(1.5);
     undo();
     const Batch before = batch();
-    // The photo fills the canvas from top to bottom: nothing moves that way.
+    // The photo fills the canvas vertically: a vertical offset changes nothing.
     session->setPlacement({ImageFitMode::fill, 1, {0, 0.3}});
     EXPECT_EQ(batch(), before);
     EXPECT_TRUE(session->canRedo());
@@ -273,7 +273,7 @@ TEST_F(SessionHistoryTest, theStatusNamesWhatWasUndone)
     session->removeCurrentItem();
     undone(u"descarte de 0"_s);
 
-    // A sentence of an earlier command is gone with the next change, and none of its own is told.
+    // restyle() outdates the earlier sentence and tells none.
     restyle(1.9);
     EXPECT_EQ(session->status(), QString());
 }
@@ -294,7 +294,7 @@ TEST_F(SessionHistoryTest, whatIsPaidStaysPaidWhateverIsUndone)
     EXPECT_TRUE(isPaid());
     redo();
     EXPECT_TRUE(isPaid());
-    redo();    // discarded again, and paid a second time while it is
+    redo();    // discards it again, to be paid a second time meanwhile
     markPaid(id, u"otra"_s);
     undo();
     EXPECT_EQ(batch().items[0].paidRenderFingerprints.size(), 2);
@@ -312,10 +312,10 @@ TEST_F(SessionHistoryTest, everyChangeIsStoredAtOnceAndAHeldValueWhenItRests)
     EXPECT_EQ(stored().items[0].layers[0].fontScale, 1.0);
     EXPECT_TRUE(waitFor([&] { return stored() == batch(); }));
     restyle(1.3, Pace::held);
-    restyle(1.3);    // released where it is
+    restyle(1.3);    // released at the held value
     EXPECT_EQ(stored(), batch());
     session->selectAll();
-    session.reset();    // ends before the selection has rested
+    session.reset();    // before the selection was stored
     session = opened();
     EXPECT_EQ(session->status(), u"Sesión restaurada con 3 imagen(es)."_s);
     EXPECT_EQ(batch().selectedItemIDs.size(), 3);
@@ -351,9 +351,9 @@ TEST_F(SessionHistoryTest, whatCannotBeBroughtBackIsSetAsideUntilItCan)
     markPaid(batch().items[0].id, u"huella"_s);
     ASSERT_TRUE(QFile::rename(file(9), file(1)));
     ASSERT_TRUE(QFile::rename(file(8), file(2)));
-    // Two losses, one after the other: the newer comes back first.
+    // Two documents are set aside, one after the other: the newer is restored first.
     session->restoreWorkspaceAside();
-    session->restoreWorkspaceAside();    // asked for twice, it is done once
+    session->restoreWorkspaceAside();    // the second call does nothing
     EXPECT_TRUE(waitFor([&] { return batch().items.size() == 2; }));
     EXPECT_TRUE(session->hasWorkspaceAside());
     now += 1s;
@@ -416,7 +416,7 @@ TEST_F(SessionHistoryTest, ofTwoWindowsThatKnowNothingOfEachOtherOneAloneSaves)
 TEST_F(SessionHistoryTest, aProblemStaysUntilThereWasTimeToReadIt)
 {
     session->setStatus(u"No cabe."_s, StatusKind::warning);
-    QGuiApplication::processEvents();    // else it belongs to the command that follows
+    QGuiApplication::processEvents();    // ends the turn of the command that told it
     now += 2s;
     restyle(1.7);
     EXPECT_EQ(session->status(), u"No cabe."_s);
@@ -459,7 +459,7 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
         EXPECT_TRUE(waitFor([&] { return isTold; }));
         QObject::disconnect(told);
     };
-    // In the middle of a drag, and with no time between it and the changes around it.
+    // Imports in the middle of a drag, without a pause before and after the other changes.
     restyle(1.5);
     session->beginCanvasHistoryEdit();
     restyle(1.6);
@@ -478,7 +478,7 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
     EXPECT_EQ(batch(), filled);
     undo();
     EXPECT_EQ(batch(), before);
-    session->redo();    // and the loop has not turned
+    session->redo();    // and still in the turn of the redo
     session->applyTexts(readTextSheet("archivo;titulo\n0;Otro"));
     EXPECT_EQ(title().text, u"Otro"_s);
     undo();
@@ -511,7 +511,7 @@ TEST_F(SessionHistoryTest, aSheetIsRefusedWhileOtherImagesAreOnTheirWay)
                      [&] { told.append(session->status()); });
     const QString refusal =
         u"Espera a que termine la importación de imágenes para importar los textos."_s;
-    // One worker, and it waits: the sheet is read first, and other images are loaded by then.
+    // Blocks the only worker: the sheet is read before the images, which were loaded later.
     const int threads = workers().maxThreadCount();
     workers().setMaxThreadCount(1);
     QSemaphore gate;

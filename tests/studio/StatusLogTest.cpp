@@ -12,7 +12,7 @@ namespace {
 class StatusLogTest : public ::testing::Test {
 protected:
     QString shown() const { return log.current().sentence; }
-    // What was told before is of an earlier turn, and old enough to have been read.
+    // Ends the turn of the event loop and the time to read what was told.
     void later()
     {
         QGuiApplication::processEvents();
@@ -118,7 +118,7 @@ TEST(Activities, theLastKindIsTheForemostAndMayEndWhileItIsStopped)
     EXPECT_EQ(activities.foremost()->kind, Kind::exporting);
     EXPECT_EQ(activities.foremost()->fraction(), 0.25);
     EXPECT_EQ(activities.delayingClosing(), activities.foremost());
-    activities.stop(Kind::importing);    // which nothing can stop
+    activities.stop(Kind::importing);    // has no stop function
     activities.stop(Kind::exporting);
     EXPECT_EQ(activities.foremost()->kind, Kind::importing);
     EXPECT_EQ(activities.foremost()->fraction(), 0.0);

@@ -94,7 +94,7 @@ TEST_F(WorkspaceStoreTest, whatIsKeptOfTheLastDocumentGivesTheSameTextAsABlankSt
         edits[i]();
         EXPECT_EQ(encoder.encode(batch), encoded(batch)) << "edit " << i;
     }
-    // Both ways of writing know the same keys.
+    // WorkspaceEncoder and WorkspaceSnapshot write the same keys.
     const auto read = fromJson<WorkspaceSnapshot>(encoded(batch));
     ASSERT_TRUE(read);
     EXPECT_EQ(toJson(*read), encoded(batch));
@@ -152,7 +152,7 @@ TEST_F(WorkspaceStoreTest, hostileDocumentsGiveNothingOrWhatReads)
           QByteArray(good).replace("items", "x")})
         EXPECT_FALSE(restored(bad).isDecoded) << bad.left(40).constData();
 
-    // A layer that does not read is a loss, unlike one of a slot from elsewhere.
+    // An unreadable layer makes the restore incomplete; a layer of an unknown slot does not.
     EXPECT_FALSE(
         restored(QByteArray(good).replace("\"hasBox\":true", "\"hasBox\":\"sí\"")).isComplete);
     QByteArray sameIds = good;
@@ -164,7 +164,7 @@ TEST_F(WorkspaceStoreTest, hostileDocumentsGiveNothingOrWhatReads)
     const auto layers = restored(sameIds).workspace->items[0].layers;
     EXPECT_NE(layers[0].id, layers[1].id);
 
-    // The same item twice, and entries that are none.
+    // Inserts a repeated item and entries that are no items.
     QByteArray twice = good;
     const auto begin = twice.indexOf("\"items\":[") + 9;
     const QByteArray items = twice.mid(begin, twice.size() - begin - 2);

@@ -75,7 +75,7 @@ TEST_F(ExportTest, WhatCannotBePaidOrPreparedCostsNothing)
     EXPECT_EQ(studio->exportAll(), u"No se pudieron preparar todas las imágenes para descargar."_s);
     session().selectSingleIndex(1);
     EXPECT_EQ(studio->exportCurrent(), u"No se pudo preparar la imagen para descargar."_s);
-    // Another photo by that name is not the one of the batch.
+    // A different photo under the name of the batch's photo is refused.
     world.photo(u"b.png"_s, Qt::yellow);
     EXPECT_EQ(studio->exportCurrent(), u"No se pudo preparar la imagen para descargar."_s);
     world.photo(u"b.png"_s, Qt::red);
@@ -84,7 +84,7 @@ TEST_F(ExportTest, WhatCannotBePaidOrPreparedCostsNothing)
     EXPECT_EQ(studio->exportCurrent(), u"No tienes créditos suficientes."_s) << "says the service";
     EXPECT_TRUE(session().statusLog().current().link.isPurchase);
     EXPECT_TRUE(turnUntil([&] { return studio->account.account().balance == 40; }));
-    // Known from now on, and told before anything is drawn.
+    // The balance is known from now on: the next export is refused before drawing.
     bool isDrawing = false;
     QObject::connect(&session(), &StudioSession::activityChanged, [&] {
         const Activity* running = session().activities().find(Activity::Kind::exporting);
@@ -120,7 +120,7 @@ TEST_F(ExportTest, WhatCannotBeWrittenIsGivenBack)
     const QString wholeRefund =
         u"No se pudieron guardar todas las imágenes. Se han devuelto los 150 créditos."_s;
     EXPECT_EQ(studio->exportAll(u"no existe"_s), wholeRefund);
-    // The second of three names is taken by a folder: the first stays, whole.
+    // A folder takes the second of three paths: the first file stays, and is whole.
     QDir(world.folder.path()).mkpath(u"salida/b-publicacion.png/x"_s);
     EXPECT_EQ(studio->exportAll(), wholeRefund);
     EXPECT_EQ(world.exported(), QStringList({u"a-publicacion.png"_s, u"c-publicacion.png"_s}));
@@ -141,7 +141,7 @@ TEST_F(ExportTest, WhatCannotBeWrittenIsGivenBack)
 TEST_F(ExportTest, AStoppedExportCostsNothing)
 {
     loadThree();
-    // Of one that was killed while it wrote there.
+    // An unfinished file of an export that was killed.
     QFile killed(world.file(u"salida/.moltiva-5d1f4c0e-3d1c-4a86-8b8e-4b7d7b6f1a11.x"_s));
     EXPECT_TRUE(killed.open(QIODevice::WriteOnly));
     session().exportAll(world.file(u"salida"_s));
@@ -180,7 +180,7 @@ TEST_F(ExportTest, PixelsThatWerePaidAreFreeWhateverTheyAreMadeOf)
 {
     loadThree();
     studio->exportCurrent();
-    // Something under an opaque rectangle that covers all.
+    // An opaque rectangle covers everything: shapes below it do not show.
     PublicationItem item = session().batch().items[0];
     ShapeLayer cover(QUuid::createUuid(), ShapeKind::rectangle, {-0.1, -0.1, 1.2, 1.2});
     cover.cornerRadius = 0;
@@ -214,7 +214,7 @@ TEST_F(ExportTest, WhatIsPaidIsStoredWithTheEndOfItsEntryOrLater)
     EXPECT_EQ(entries().size(), 1);
     studio->journal.stepReached = {};
     refuseWrites(false);
-    session().setText(CopySlot::subtitle, u"Sigue"_s);    // the next storing takes it along
+    session().setText(CopySlot::subtitle, u"Sigue"_s);    // the next save strikes the entry
     EXPECT_TRUE(entries().isEmpty());
     session().undo();
     restart();
@@ -222,7 +222,7 @@ TEST_F(ExportTest, WhatIsPaidIsStoredWithTheEndOfItsEntryOrLater)
     EXPECT_EQ(world.charged(), 50);
 }
 
-// By another operation of the same window.
+// Another operation of the window pays for the second render.
 TEST_F(ExportTest, WhatIsPaidMeanwhileIsNotPaidAgain)
 {
     loadThree();

@@ -8,8 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
-// Random edits and exports against an oracle that draws every price: it remembers the pictures that
-// were paid for, and knows nothing of fingerprints.
+// Random edits and exports, judged by an oracle that draws the batch for every price. The oracle
+// remembers the paid pictures and knows nothing of fingerprints.
 
 namespace {
 
@@ -50,8 +50,8 @@ private:
     QHash<QUuid, QSet<QByteArray>> m_paid;
 };
 
-// Edits by chance, many of which change nothing that can be seen. Steps are coarse: at this size
-// finer ones end in the same pixels, which only drawing can tell.
+// Makes random edits, many without a visible effect. Steps are coarse: at this size, finer ones
+// often give equal pixels, which only drawing can tell.
 class RandomEdits {
 public:
     RandomEdits(StudioSession& session, unsigned seed) : m_session(session), m_random(seed) {}
@@ -82,7 +82,7 @@ public:
         m_session.redo();
     }
 
-    // The only thing that hides others.
+    // Adds the only shape that hides others.
     void cover()
     {
         PublicationItem item = *m_session.batch().currentItem();
@@ -168,7 +168,7 @@ private:
         ShapeLayer shape = shapes[below(int(shapes.size()))];
         const int kind = below(8);
         m_log += '.' + std::to_string(kind);
-        // What covers all stays as it is, or goes.
+        // The covering shape is never changed, only removed.
         if (kind == 0 || shape.frame.width > 1)
             return m_session.deleteShape(shape.id);
         switch (kind) {
@@ -206,7 +206,7 @@ private:
         m_session.editShape(shape);
     }
 
-    // What stands in an item and reaches no pixel.
+    // Changes properties that affect no pixel.
     void editUnseen()
     {
         PublicationItem item = *m_session.batch().currentItem();
@@ -235,7 +235,7 @@ private:
         m_session.setCurrentItem(item);
     }
 
-    // Most offsets are brought back to where the photo still fills the canvas.
+    // Most offsets are limited to those at which the photo still fills the canvas.
     ImagePlacement placement()
     {
         return {.mode = one({ImageFitMode::fill, ImageFitMode::fit}),
@@ -265,7 +265,8 @@ private:
     std::string m_log;
 };
 
-// Nothing stays black, as the canvas is beside the photo. Rounder than round is no other picture.
+// Colors everything unlike the black canvas beside the photo. Radii stay below the roundest: larger
+// ones give equal pictures.
 void colorAll(StudioSession& session)
 {
     session.selectAll();
@@ -281,7 +282,7 @@ void colorAll(StudioSession& session)
 
 class PriceOracleTest : public ::testing::Test {
 protected:
-    // Enough for whatever comes.
+    // Buys enough credits for the whole test.
     void topUp()
     {
         {
@@ -299,14 +300,14 @@ protected:
 
     void runSequence(unsigned seed)
     {
-        // Another run did what must not be undone.
+        // The edits of an earlier run cannot be undone in this one.
         {
             PayingStudio first(world);
             first.load(photos);
             colorAll(first.session);
         }
         PayingStudio studio(world);
-        // The cookie of the first stays.
+        // The session of the first run may still be valid.
         if (!awaited(studio.account.refresh()) || !studio.account.isAuthenticated())
             studio.signIn();
         RandomEdits edits(studio.session, seed);
