@@ -25,8 +25,7 @@ struct ChargedOperation {
     QString requestId;     // equal for equal work on equal items
     qint64 cost = 0;       // 0: nothing is charged
     QString what;          // for the user: "una exportación"
-    QStringList covers;    // names of renders that it pays for: no other running operation may pay
-                           // for one of them
+    QStringList covers;    // names of the renders it pays for; two operations must not share one
     // Called before the entry is written, in its transaction; may be empty. False: another run of
     // the program has paid meanwhile.
     std::function<bool()> isStillDue;
@@ -110,7 +109,7 @@ private:
         neverReserved,
         denied,         // the service denies a reservation that it had confirmed: asked again later
         lost,           // denied again after Times::underWay: given up
-        refused,        // this refund; the next entry may succeed
+        refused,        // the service refuses this refund; that of the next entry may succeed
         unreachable,    // no answer: no refund can succeed now
     };
 

@@ -14,7 +14,7 @@ struct OpenReservation {
     QString what;               // what it pays for, for the user
     QString run;                // the run of the program that works on it
     qint64 cost = 0;            // credits
-    bool isReserved = false;    // the service confirmed it, and the user was told nothing else
+    bool isReserved = false;    // the service confirmed it, and has not refunded it since
     double lateUntil = 0;       // ms since the epoch; the reservation may still arrive until then
     double lateBefore = 0;      // `lateUntil` of the entry that this one replaced
     QStringList covers;         // names of the renders that it pays for

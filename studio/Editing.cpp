@@ -67,7 +67,7 @@ void Editing::applyHistorySnapshot(const StudioHistorySnapshot& snapshot)
     m_batch = snapshot;
     BatchSelection::keepInvariants(m_batch, BatchSelection::LayerRule::anyOrNone);
     Q_EMIT changed(Outcome::state, Pace::once);
-    // Ends after the receivers' queued replies to the change: those are no new steps.
+    // Queued: receivers of changed() may write the restored values back, which is no new step.
     QMetaObject::invokeMethod(
         this, [this] { m_isApplyingHistory = false; }, Qt::QueuedConnection);
 }

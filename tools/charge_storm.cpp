@@ -87,8 +87,7 @@ bool turnUntil(Done done, int milliseconds = 60'000)
     return done();
 }
 
-// ---- what is killed
-
+// The program that edits, exports and is killed.
 class Child {
 public:
     Child(const QString& folder, const QUrl& address)
@@ -254,8 +253,6 @@ int runChild(const QStringList& arguments)
         return child.settleAll() ? 0 : 1;
     child.storm();
 }
-
-// ---- who kills and judges
 
 // An unrefunded charge in the ledger of the account.
 struct Charge {

@@ -1,11 +1,12 @@
-// The main states of the program as PNG files, without a display: screens OUT [--photos DIR]
-// The designs of a folder of definition files instead, each on six photos:
-// screens OUT --photos DIR --designs DIR
-// Only those of signing in, the account and the settings: screens OUT --account
+// Takes pictures of the program as PNG files, without a display.
 //
-// Each state is reached as a user reaches it, through the session and the window, then taken in
-// both themes and at several sizes. Two runs over the same photos give the same bytes. Without
-// --photos a painted sample batch stands in.
+//     screens OUT [--photos DIR]                 the main states
+//     screens OUT --photos DIR --designs DIR     each design of a folder, on six photos
+//     screens OUT --account                      signing in, the account and the settings
+//
+// Each state is reached through the session and the window, then taken in both themes and at
+// several sizes. Two runs over the same photos give equal bytes. Without --photos, a painted sample
+// batch is used.
 
 #include "app/account/AuthGateView.h"
 #include "app/batch/BatchColumn.h"

@@ -44,7 +44,7 @@ public:
     QString keyOf(QStringView text) const;      // as menus show the key; may be empty
     // Disables entries and keys while a sheet or the sign-in gate covers the studio.
     void setLocked(bool locked);
-    void showChecks();    // after a change of what check marks show
+    void showChecks();    // call when an answer of isChecked() may have changed
 
 Q_SIGNALS:
     void chosen(const MenuCommand& command);

@@ -62,7 +62,7 @@ TEST_P(ChargeFaultsTest, AReservationThatGoesWrongCostsNothing)
     const bool isSignedOut =
         GetParam() == Fault::signedOutBefore || GetParam() == Fault::signedOutAfter;
     EXPECT_EQ(told.contains(u"Necesitas iniciar sesión."_s), isSignedOut) << told.toStdString();
-    // The refund gets no answer either.
+    // The refund of the failed reservation fails too.
     const bool isPending = isSignedOut || GetParam() == Fault::noConnection;
     EXPECT_EQ(told.endsWith(u" Si se habían descontado, los 50 créditos se devolverán al recuperar "
                             "la conexión."_s),
