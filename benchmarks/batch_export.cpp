@@ -1,6 +1,7 @@
-// The export path over a folder, without window or account: batch_export PHOTOS OUT [--jobs N]
-// [--format KEY]
+// The reference over a folder, time per stage: batch_export PHOTOS OUT [--jobs N] [--format KEY]
+// The same through the product: export_lanes.
 
+#include "benchmarks/PlainExport.h"
 #include "platform/Memory.h"
 #include "studio/PhotoFolder.h"
 #include "studio/export/BatchExport.h"
@@ -12,6 +13,7 @@
 
 #include <cstdio>
 #include <thread>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -37,21 +39,22 @@ int main(int argc, char** argv)
     const QList<QUrl> photos = photosInFolder(parser.positionalArguments().at(0));
     const QStringList paths = exportPaths(photos, out);
 
-    ExportTimes sum;
-    qint64 bytes = 0, written = 0;
+    std::vector<PlainFile> files(std::size_t(photos.size()));
     QElapsedTimer watch;
     watch.start();
-    runBatch(
-        photos.size(), parser.value(jobs).toInt(), false,
-        [&](qsizetype i) { return exportPhoto(photos[i], *format, paths[i]); },
-        [&](qsizetype, const ExportedFile& file) {
-            sum.decode += file.times.decode;
-            sum.draw += file.times.draw;
-            sum.encode += file.times.encode;
-            sum.write += file.times.write;
-            bytes += file.bytes;
-            written += file.isWritten();
-        });
+    runOnThreads(photos.size(), parser.value(jobs).toInt(), [&](qsizetype i) {
+        files[std::size_t(i)] = exportPlainly(photos[i], *format, paths[i]);
+    });
+    ExportTimes sum;
+    qint64 bytes = 0, written = 0;
+    for (const PlainFile& file : files) {
+        sum.decode += file.times.decode;
+        sum.draw += file.times.draw;
+        sum.encode += file.times.encode;
+        sum.write += file.times.write;
+        bytes += file.bytes;
+        written += file.bytes > 0;
+    }
     const double count = double(std::max<qint64>(written, 1));
     std::printf("%lld of %lld photos in %.3f s; per photo: decode %.1f ms, draw %.1f, encode %.1f, "
                 "write %.1f, %.0f kB; peak memory %.0f MB\n",

@@ -5,6 +5,7 @@
 
 #include "account/CreditJournal.h"
 #include "benchmarks/Measuring.h"
+#include "benchmarks/PlainExport.h"
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
@@ -70,15 +71,12 @@ private:
     StudioSession m_session;
 };
 
-void exportPlainly(const QList<QUrl>& photos, const QString& folder)
+void exportAllPlainly(const QList<QUrl>& photos, const QString& folder)
 {
     const QStringList paths = exportPaths(photos, folder);
-    runBatch(
-        photos.size(), int(std::thread::hardware_concurrency()), false,
-        [&](qsizetype i) {
-            return exportPhoto(photos[i], SocialFormat::carouselPortrait, paths[i]);
-        },
-        [](qsizetype, const ExportedFile&) {});
+    runOnThreads(photos.size(), int(std::thread::hardware_concurrency()), [&](qsizetype i) {
+        exportPlainly(photos[i], SocialFormat::carouselPortrait, paths[i]);
+    });
 }
 
 double median(std::vector<double> values)
@@ -114,7 +112,7 @@ int main(int argc, char** argv)
     std::vector<double> plain, paid, ratios;
     for (int round = 0; round < parser.value(roundCount).toInt(); ++round) {
         session.edit();
-        plain.push_back(timeOf([&] { exportPlainly(photos, out); }));
+        plain.push_back(timeOf([&] { exportAllPlainly(photos, out); }));
         paid.push_back(timeOf([&] { session.exportAll(out); }));
         ratios.push_back(paid.back() / plain.back());
         std::printf("plain %.0f ms, session %.0f ms: %.3f; %s\n", plain.back(), paid.back(),

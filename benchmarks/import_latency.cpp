@@ -10,6 +10,7 @@
 #include "app/window/MainWindow.h"
 #include "app/window/StudioShell.h"
 #include "benchmarks/Measuring.h"
+#include "benchmarks/PlainExport.h"
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
@@ -32,16 +33,12 @@ double reducedDecodeOfEach(const QList<QUrl>& photos)
 {
     QElapsedTimer watch;
     watch.start();
-    runBatch(
-        photos.size(), workers().maxThreadCount(), false,
-        [&](qsizetype i) {
-            const auto thumbnailLevel = [](const PhotoInfo& info) {
-                return coveringLevel(info.size, thumbnailSize(info.size));
-            };
-            decodePhoto(photos[i].toLocalFile(), thumbnailLevel);
-            return ExportedFile();
-        },
-        [](qsizetype, const ExportedFile&) {});
+    runOnThreads(photos.size(), workers().maxThreadCount(), [&](qsizetype i) {
+        const auto thumbnailLevel = [](const PhotoInfo& info) {
+            return coveringLevel(info.size, thumbnailSize(info.size));
+        };
+        decodePhoto(photos[i].toLocalFile(), thumbnailLevel);
+    });
     return double(watch.elapsed()) / 1000;
 }
 

@@ -161,7 +161,8 @@ int main(int argc, char** argv)
     }
     session.markRenderedOutputsAsPaid(outputsOf(session.batch()), {});
     turnUntil([&] { return session.areCostsUpToDate(); });
-    std::printf("%d photos, %d credits\n", count, session.displayedExportAllCost().value_or(-1));
+    std::printf("%d photos, %lld credits\n", count,
+                qlonglong(session.displayedExportAllCost().value_or(-1)));
 
     measureCosts(photos, session.batch());
     measureSession(session);

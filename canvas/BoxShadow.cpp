@@ -16,12 +16,12 @@
 namespace {
 
 constexpr int blurPasses = 3;
-constexpr double widestFullBlur = 60;    // device pixels of deviation; twice what the sliders reach
-constexpr double widestEnd = 1000;       // device pixels
+constexpr double widestFullBlur = 60;    // device pixels of deviation; twice what the sliders allow
+constexpr double widestEnd = 1000;       // device pixels from the corner to where the box is even
 constexpr qsizetype cacheBytes = 24 << 20;
 
-// A box of 2·radius + 1 full samples and two ends of weight `end`; the passes' variances add up to
-// sigma².
+// A filter of 2·radius + 1 samples of weight `full` and two ends of weight `end`. The variances of
+// all passes add up to sigma².
 struct FractionalBox {
     int radius;
     float full, end;
@@ -54,7 +54,7 @@ void blurLine(const float* in, float* out, int count, const FractionalBox& box)
     }
 }
 
-// Blurs the rows of `in` and leaves them as columns, so that two calls do both directions.
+// Blurs the rows of `in` and returns them as columns, so that two calls blur both directions.
 std::vector<float> blurRowsTransposed(const std::vector<float>& in, int width, int height,
                                       const FractionalBox& box)
 {
@@ -72,16 +72,15 @@ std::vector<float> blurRowsTransposed(const std::vector<float>& in, int width, i
     return out;
 }
 
-// Where a line of a blurred box may be cut short: between the reaches of its two ends all samples
-// are the same.
+// The part left out in the middle of a line of a blurred box, where all samples are equal.
 struct Fold {
-    int at = 0;      // sample that stands for the ones left out
-    int left = 0;    // how many are left out after it
+    int at = 0;      // the sample that stands for those left out
+    int left = 0;    // number of samples left out after it
 
     int folded(int i) const { return i <= at ? i : std::max(at, i - left); }
 };
 
-// `length`: of the box; `end`: samples at each end that it takes for the box to become even.
+// `length`: of the box; `end`: samples from each end of the box to where it is even.
 Fold foldOf(double length, int margin, int end)
 {
     const double even = length - 2.0 * end;
@@ -105,7 +104,7 @@ QImage tinted(const QImage& alpha, const QRect& part, const QColor& color, const
     return image;
 }
 
-// In a picture of `size`, made smaller by `reduction`.
+// The opacity of a blurred box in a picture of `size`, divided by `reduction`.
 QImage blurredBox(const QRectF& box, double cornerRadius, double sigma, QSize size, int reduction)
 {
     QImage alpha((size + QSize(reduction - 1, reduction - 1)) / reduction, QImage::Format_Alpha8);
@@ -132,7 +131,7 @@ ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, c
     const QRect shown = blurred.intersected(visible);
     if (shown.isEmpty())
         return {};
-    // A wide box is the same all along its middle: a short one is blurred and drawn out.
+    // The middle of a wide box is even: a shorter box is blurred, and its middle repeated.
     if (const double end = cornerRadius + margin + 2;
         box.isValid() && sigma < widestFullBlur && end < widestEnd) {
         const Fold across = foldOf(box.width(), margin, int(std::ceil(end)));
@@ -145,10 +144,9 @@ ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, c
         return {shown.topLeft(),
                 tinted(alpha, shown.translated(-blurred.topLeft()), color, across, down)};
     }
-    // What lies beyond the margin of the shown part cannot reach it.
+    // Parts further than `margin` from `shown` do not reach it.
     const QRect drawn = shown.adjusted(-margin, -margin, margin, margin).intersected(blurred);
-    // A wide blur shows no detail: it is drawn smaller, so that its margin costs no more than its
-    // middle.
+    // A wide blur has no detail: drawn at a reduced size, it takes no longer than a narrow one.
     const int reduction = std::max(1, int(sigma / widestFullBlur));
     const QImage alpha =
         blurredBox(box.translated(-drawn.topLeft()), cornerRadius, sigma, drawn.size(), reduction);
@@ -212,7 +210,7 @@ ShadowPicture boxShadow(const QRectF& box, double cornerRadius, double sigma, co
         if (const ShadowPicture* found = known.object(key))
             return *found;
     }
-    // Drawn outside the lock: two threads may draw the same one once, and get the same pixels.
+    // Drawn outside the lock: two threads may both draw one shadow, and get equal pixels.
     ShadowPicture picture = drawShadow(box, cornerRadius, sigma, color, visible);
     const QMutexLocker lock(&mutex);
     known.insert(key, std::make_unique<ShadowPicture>(picture).release(),

@@ -4,22 +4,20 @@
 #include <QImage>
 #include <QRectF>
 
-// A soft shadow as a picture: the rounded box blurred by a Gaussian, where it falls inside
-// `visible`.
+// A soft shadow as a picture: the part inside `visible` of a rounded box blurred by a Gaussian.
 struct ShadowPicture {
-    QPoint position;    // of the picture's top left pixel
-    QImage image;       // ARGB32_Premultiplied; null where nothing shows
+    QPoint position;    // of the top left pixel of `image`
+    QImage image;       // ARGB32_Premultiplied; null when no part is visible
 };
 
-// Standard deviations beyond which a blur is below 1/255.
+// A blur is below 1/255 beyond this many standard deviations.
 inline constexpr double blurReach = 3.2;
 
-// All in device pixels; `cornerRadius` at most half the box's shorter side. The picture depends on
-// the numbers alone and is remembered, because the boxes of a batch are the same again and again.
-// Any thread.
+// The shadow of `box`, in device pixels. `cornerRadius` is at most half of the box's shorter side.
+// Pictures are remembered by the arguments, as the boxes of a batch repeat. Any thread.
 ShadowPicture boxShadow(const QRectF& box, double cornerRadius, double sigma, const QColor& color,
                         const QRect& visible);
 
-// Blurs one 8-bit channel in place: three passes of a box with fractional ends, whose variance is
-// exactly sigma².
+// Blurs an 8-bit channel in place: three passes of a box filter with fractional ends, whose
+// variances add up to sigma² exactly.
 void gaussianBlur(QImage& alpha, double sigma);

@@ -20,7 +20,7 @@ PhotoLevel ExportCanvasRenderer::photoLevel(const PhotoHandle& photo,
     if (!photo.reducible)
         return PhotoLevel::full;
     const QRectF place = ImagePlacementGeometry::imageRect(photo.size, canvas, placement);
-    // Beyond its own size a photo is decoded whole; the conversion must not overflow first.
+    // boundedTo() keeps huge sizes from overflowing int; a photo drawn enlarged is decoded whole.
     const QSizeF drawn = (place.size() * shown).boundedTo(QSizeF(photo.size));
     return coveringLevel(photo.size,
                          QSize(int(std::lround(drawn.width())), int(std::lround(drawn.height()))));

@@ -11,21 +11,22 @@
 #include <functional>
 #include <optional>
 
-// Turns an item into a finished picture at any output size. Holds no state, runs on the caller's
-// thread, waits for the decoding. Failures give nothing; callers decide what to say.
+// Renders an item as a picture of any output size. Holds no state, runs on the caller's thread,
+// waits for the decoding. A failure returns nothing; the caller tells the user.
 namespace ExportCanvasRenderer {
 
-// Where the pixels of a photo come from: decoded at a level, null when it cannot be.
+// Gives the pixels of a photo decoded at a level; null when it cannot be decoded.
 using PhotoSource = std::function<QImage(const PhotoHandle&, PhotoLevel)>;
 QImage decodedFromFile(const PhotoHandle& photo, PhotoLevel level);
 
-// The level an output needs: the coarsest that covers what is drawn. Depends on the photo, its
-// placement and the output size alone, never on what happens to be decoded already: that is what
-// makes two exports equal. `shown`: screen pixels per canvas pixel, 1 for an export.
+// The level an output needs: the coarsest that covers the drawn photo. It depends only on the
+// arguments, never on what is decoded already, so that two exports are equal. `shown`: screen
+// pixels per canvas pixel, 1 for an export.
 PhotoLevel photoLevel(const PhotoHandle& photo, const ImagePlacement& placement, QSizeF canvas,
                       double shown = 1);
 
-// `outputSize` in pixels, each side rounded to the nearest; `referenceCanvasSize` in design units.
+// Renders the item. `outputSize` in pixels, each side rounded; `referenceCanvasSize` in design
+// units.
 std::optional<QImage> bitmap(const PublicationItem& item, QSizeF outputSize,
                              QSizeF referenceCanvasSize,
                              const PhotoSource& source = decodedFromFile);
@@ -36,7 +37,7 @@ std::optional<QByteArray> pngData(const PublicationItem& item, SocialFormat form
 std::optional<QByteArray> pngData(const PublicationItem& item, QSizeF outputSize,
                                   QSizeF referenceCanvasSize,
                                   const PhotoSource& source = decodedFromFile);
-// `quality` 0..1.
+// Waits for cwebp. `quality` 0..1.
 std::optional<QByteArray> webPData(const PublicationItem& item, QSizeF outputSize,
                                    QSizeF referenceCanvasSize, double quality,
                                    const PhotoSource& source = decodedFromFile);

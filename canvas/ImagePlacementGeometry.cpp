@@ -5,9 +5,9 @@
 
 namespace {
 
-// Canvas pixels per photo pixel may not fall below this, whatever the zoom.
+// The least number of canvas pixels per photo pixel, whatever the zoom.
 constexpr double smallestScale = 0.1;
-// Pixels; a photo of one pixel's width and as long as one may be keeps below it.
+// Pixels; beyond the edge of the longest photo one pixel wide.
 constexpr double furthestEdge = 1e12;
 
 double clampedOrigin(double origin, double length, double canvasOrigin, double canvasLength)
@@ -37,8 +37,8 @@ QRectF ImagePlacementGeometry::imageRect(QSizeF imageSize, QSizeF canvas,
     return clamped(rect, QRectF(QPointF(), canvas), placement.mode);
 }
 
-// The mode needs no rule of its own: a photo that fits is smaller than the canvas on the axes where
-// it is centred.
+// Needs no rule for the mode: a photo is centred on each axis where it is smaller than the canvas,
+// as ImageFitMode::fit requires.
 QRectF ImagePlacementGeometry::clamped(const QRectF& rect, const QRectF& canvas, ImageFitMode)
 {
     return {clampedOrigin(rect.x(), rect.width(), canvas.x(), canvas.width()),

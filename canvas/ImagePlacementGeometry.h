@@ -9,28 +9,27 @@
 
 #include <optional>
 
-// Where the photo lies on a canvas. One answer for the screen, the export and the mouse; sizes in
-// canvas pixels.
+// Where the photo lies on a canvas, for the screen, the export and the mouse. Sizes in canvas
+// pixels.
 namespace ImagePlacementGeometry {
 
-// The zero rectangle when either size is empty.
+// The photo's rectangle on the canvas; null when either size is empty.
 QRectF imageRect(QSizeF imageSize, QSizeF canvas, const ImagePlacement& placement);
 
-// The rectangle moved, never resized: an overhanging photo covers the canvas from edge to edge, a
-// smaller one is centred. Each axis by itself.
+// Moves the rectangle without resizing it. On each axis, a photo longer than the canvas leaves no
+// gap at the edges, and a shorter one is centred.
 QRectF clamped(const QRectF& rect, const QRectF& canvas, ImageFitMode mode);
 
-// The placement whose offset is the one that the clamped rectangle really has.
+// The placement with its offset changed to where the clamped rectangle lies.
 ImagePlacement clamped(const ImagePlacement& placement, QSizeF imageSize, QSizeF canvas);
 
-// The pixels on which a photo with that rectangle is drawn, rounded by its edges, so that
-// neighbours meet; nothing of an extent keeps one pixel. Nothing for an empty rectangle, and for
-// one that reaches beyond any photo's.
+// The pixels that a photo at `rect` covers: its edges rounded, so that neighbours meet, and at
+// least one pixel each way. Nothing for an empty rectangle, or one further out than any photo's.
 std::optional<PixelRect> wholePixels(const QRectF& rect);
 
-// What a pan or a zoom that asks for `wanted` makes of `current`: clamped on the format's export
-// canvas, whatever the size that it is shown at. A pan that leaves the photo on its pixels there
-// changes nothing.
+// The placement after a pan or a zoom from `current` towards `wanted`, clamped on the format's
+// export canvas, whatever size is shown. A pan that leaves the photo on its export pixels returns
+// `current`.
 ImagePlacement moved(const ImagePlacement& current, const ImagePlacement& wanted, QSizeF imageSize,
                      SocialFormat format);
 

@@ -9,11 +9,11 @@
 
 namespace {
 
-// Design units by which a text keeps off the edge of its box, whether the box is drawn or not.
+// Design units between a text and the edge of its box, whether the box is drawn or not.
 constexpr double textInset = 10;
-// Below these nothing would be seen.
+// Shadows and strokes below these cannot be seen.
 constexpr double leastShadow = 0.001, leastStroke = 0.1;
-// A frame from a file may hold any number; beyond this many pixels nothing on a canvas changes.
+// Pixels. A frame from a file may hold any number; further away nothing on the canvas changes.
 constexpr double farAway = 100000;
 
 double bounded(double value)
@@ -27,7 +27,7 @@ QRectF toPixels(const CodableRect& frame, QSizeF canvas)
             bounded(frame.width * canvas.width()), bounded(frame.height * canvas.height())};
 }
 
-// As round as a box gets: the toolkit would clamp the radius for each axis by itself and draw a
+// The radius limited to half the shorter side: Qt would limit it for each axis by itself and draw a
 // lens.
 double settledRadius(double cornerRadius, const QRectF& box)
 {
@@ -61,8 +61,8 @@ QPainterPath outlineOf(const ShapeLayer& shape, const QRectF& rect, double scale
     return path;
 }
 
-// How far the sharpest corner of a triangle's stroke reaches beyond its outline, in widths of the
-// stroke, measured along a side.
+// The distance from the triangle's sharpest corner to the point of its stroke, along a side, in
+// stroke widths.
 double sharpestPoint(const QRectF& triangle)
 {
     const double halfBase = std::abs(triangle.width()) / 2, height = std::abs(triangle.height());
@@ -93,18 +93,18 @@ std::optional<LaidOutShadow> layOutShadow(const TextLayer& layer, double scale)
     const double angle = layer.shadowAngle * std::numbers::pi / 180;
     const double distance = bounded(layer.shadowDistance * scale);
     LaidOutShadow shadow;
-    // Angles count with y upwards.
+    // shadowAngle has y upwards, the canvas downwards.
     shadow.offset =
         QPointF(bounded(std::cos(angle) * distance), bounded(-std::sin(angle) * distance));
     shadow.sigma = std::min(bounded(layer.shadowRadius * scale), 2000.0) / 2;
-    // The box that casts it lets light through.
+    // A translucent box throws a lighter shadow.
     const double opacity = ExportCanvasRenderer::clamp(layer.shadowOpacity, 0, 1) *
                            ExportCanvasRenderer::clamp(layer.backgroundOpacity, 0, 1);
     shadow.color = layer.shadowColor.withAlpha(opacity);
     return shadow;
 }
 
-// Whether both come out with the same lines at the same size, wherever they lie.
+// Whether two layers have equal lines at an equal size, wherever their boxes lie.
 bool breakAlike(const TextLayer& one, const TextLayer& other)
 {
     return one.text == other.text && one.slot == other.slot && one.fontName == other.fontName &&
@@ -118,7 +118,7 @@ QRectF textArea(const QRectF& box, double scale)
     return box.adjusted(inset, inset, -inset, -inset);
 }
 
-// `known`: of the same scale.
+// `known`: the texts of a layout with an equal scale.
 LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double scale,
                                  const QList<LaidOutTextLayer>& known)
 {
@@ -129,7 +129,8 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
     const LaidOutText text = same != known.end()
                                  ? same->text
                                  : ExportCanvasRenderer::fittedText(layer, area.size(), scale);
-    // Above the smallest size fitting takes none that does not fit.
+    // Only type at the smallest size can be too large: above it, fittedText() takes only sizes that
+    // fit.
     const bool overflows =
         !ExportCanvasRenderer::fits(TextLayoutMetrics::measuredSize(text), area.size());
 
@@ -185,7 +186,8 @@ std::optional<double> fontScaleInBox(const TextLayer& layer, QSizeF outputSize, 
 
 QRectF extentOf(const LaidOutShape& shape)
 {
-    // From the side of the stroke, half a width off the outline.
+    // The point of a miter join is measured from the side of the stroke, half a width off the
+    // outline.
     const double reach = (shape.miterLimit + 0.5) * shape.strokeWidth;
     return shape.outline.controlPointRect().adjusted(-reach, -reach, reach, reach);
 }
@@ -199,7 +201,7 @@ QRectF extentOf(const LaidOutTextLayer& layer)
                                    .translated(layer.shadow->offset)
                                    .adjusted(-blur, -blur, blur, blur));
     }
-    // Slanted and swash letters leave the box that the font gives them.
+    // Slanted and swash letters reach beyond the box that the font gives them.
     const double overhang = layer.text.fontSize();
     return extent.united(layer.text.usedRect()
                              .translated(layer.textPosition)

@@ -9,8 +9,8 @@
 #include <QRectF>
 #include <QSize>
 
-// How far the point of a stroked corner may reach, in widths of the stroke: a sharper corner is cut
-// there. The plain one leaves right angles whole.
+// How far the point of a stroked corner may reach, in stroke widths; a sharper corner is cut off.
+// plainMiterLimit leaves right angles whole.
 inline constexpr double plainMiterLimit = 2, sharpMiterLimit = 10;
 
 // A shape ready to paint, in canvas pixels.
@@ -19,7 +19,7 @@ struct LaidOutShape {
     QPainterPath outline;
     QColor fill;
     QColor stroke;
-    double strokeWidth = 0;    // 0: no stroke
+    double strokeWidth = 0;    // canvas pixels; 0 for no stroke
     double miterLimit = plainMiterLimit;
 };
 
@@ -35,36 +35,34 @@ struct LaidOutTextLayer {
     TextLayer source;
     QRectF box;
     double cornerRadius = 0;       // at most half the box's shorter side
-    std::optional<QColor> fill;    // of the box, where there is one
+    std::optional<QColor> fill;    // colour of the box; nothing without a box
     std::optional<LaidOutShadow> shadow;
     LaidOutText text;
-    bool overflows = false;    // the smallest size is still too large for the box
+    bool overflows = false;    // even the smallest type does not fit the box
     QPointF textPosition;
     QColor foreground;
 };
 
-// An item laid out once for one output size: every size fitted, every line broken. Whatever shows
-// the item paints this, through a transform of its own, and never fits again. Painted on the thread
-// that made it.
+// An item laid out for one output size: every text fitted, every line broken. To show the item at
+// another scale, paint this layout through a transform instead of fitting again. Paint it on the
+// thread that made it.
 struct ItemLayout {
     QSize canvas;        // whole pixels
     double scale = 0;    // pixels per design unit
-    QRectF photoRect;    // empty: no photo
+    QRectF photoRect;    // empty without a photo
     QList<LaidOutShape> shapes;
     QList<LaidOutTextLayer> texts;
 };
 
-// `outputSize` in pixels, each side rounded to the nearest; `reference` is the canvas size in
-// design units.
-// `known`: a layout whose texts may be taken over where they would come out the same, as of the
-// item before an edit.
+// Lays the item out. `outputSize` in pixels, each side rounded; `reference` is the canvas size in
+// design units. `known`: an earlier layout, as before an edit, whose texts are reused where they
+// have not changed.
 ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF reference,
                   const ItemLayout& known = {});
 
-// The font scale at which the layer's type is as large as its box lets it be; nothing where it
-// wants no more than that.
+// The font scale at which the layer's type just fits its box; nothing when it already fits.
 std::optional<double> fontScaleInBox(const TextLayer& layer, QSizeF outputSize, QSizeF reference);
 
-// What painting them may touch at most, in canvas pixels.
+// The canvas pixels that painting may touch at most.
 QRectF extentOf(const LaidOutShape& shape);
 QRectF extentOf(const LaidOutTextLayer& layer);

@@ -46,8 +46,8 @@ void fillBox(QPainter& painter, const LaidOutTextLayer& layer)
 
 void paintTextBox(QPainter& painter, const LaidOutTextLayer& layer)
 {
-    // A box with a shadow is filled twice, once with the shadow and once over it: half-transparent
-    // boxes are denser for it, and saved designs count on that.
+    // A box with a shadow is filled twice, which makes translucent boxes denser; saved designs rely
+    // on it.
     if (layer.shadow) {
         paintShadow(painter, layer);
         fillBox(painter, layer);
@@ -62,7 +62,7 @@ void paintText(QPainter& painter, const LaidOutTextLayer& layer)
     layer.text.draw(painter, layer.textPosition);
 }
 
-// The pixels that painting an extent of canvas pixels may touch.
+// The device pixels that painting `extent`, in canvas pixels, may touch.
 QRect touched(const QPainter& painter, const QRectF& extent)
 {
     return painter.deviceTransform().mapRect(extent).toAlignedRect().adjusted(-1, -1, 1, 1);
@@ -74,7 +74,7 @@ double pictureScale(const ItemLayout& layout, QSize pixels)
 {
     if (pixels == layout.canvas || layout.canvas.isEmpty())
         return 1;
-    // The larger of the two, so that rounding leaves no black line at an edge.
+    // The larger ratio, so that rounding leaves no black line at an edge.
     return std::max(double(pixels.width()) / layout.canvas.width(),
                     double(pixels.height()) / layout.canvas.height());
 }

@@ -9,40 +9,42 @@
 #include <functional>
 #include <optional>
 
-// Where a photo falls on a picture, in device pixels.
+// The place of a photo on a picture, in device pixels.
 struct PhotoPlace {
-    PixelRect whole;    // reaches beyond the picture where the photo is enlarged
-    QRect shown;        // its part on the picture
+    PixelRect whole;    // the whole photo; beyond the picture where it is enlarged
+    QRect shown;        // the part on the picture
     bool operator==(const PhotoPlace&) const = default;
 };
 
-// Nothing when there is no photo. `pixels`: of the picture.
+// The place of the layout's photo; nothing if it has none or one too far out. `pixels`: size of the
+// picture.
 std::optional<PhotoPlace> photoPlace(const ItemLayout& layout, QSize pixels);
 
-// The part of a photo that a picture shows, in the pixels of the picture.
+// The shown part of a photo, resampled to the pixels of the picture.
 struct ResampledPhoto {
     qint64 source = 0;    // QImage::cacheKey of the decoded photo
     PhotoPlace place;
     QImage image;
 };
 
-// `photo`: decoded at any level. Takes longer than all the rest of a picture; any thread.
+// Resamples a photo decoded at any level. Takes longer than painting all the rest. Any thread.
 ResampledPhoto resampledPhoto(const QImage& photo, const PhotoPlace& place);
 
-// Device pixels per canvas pixel of a picture that has the shape of the layout's canvas.
+// Device pixels per canvas pixel in a picture of size `pixels`, with the aspect ratio of
+// layout.canvas.
 double pictureScale(const ItemLayout& layout, QSize pixels);
 
-// Told of each text on the picture just before its letters are drawn: everything that they will lie
-// on is there. The picture is being painted on: it may be read, through what does not detach it.
+// Called for each text just before its letters are drawn, when everything below them is painted. A
+// painter is active on `picture`: read it only without detaching it (constBits, constScanLine).
 using TextObserver = std::function<void(const LaidOutTextLayer&, const QImage& picture)>;
 
-// The one painter of the program: export, canvas, tiles and previews all call it. Paints the
-// `part` of the picture, in its pixels, and nothing beside it; painted part by part a picture comes
-// out as painted at once. `photo` is for the size of the picture, null for none.
+// Paints the item for exports, canvas, tiles and previews. Touches only `part`, in pixels of the
+// picture; painting all parts one by one gives the pixels of painting the whole. `photo` is
+// resampled for this picture; a null image paints no photo.
 void paintItem(QImage& picture, const ItemLayout& layout, const ResampledPhoto& photo,
                const QRect& part, const TextObserver& aboutToDraw = {});
 
-// A picture of the whole item; `pixels` has the shape of its canvas. `photo` is the decoded photo
-// at any level, null for none.
+// Paints the whole item. `pixels` has the aspect ratio of layout.canvas; `photo` is decoded at any
+// level, null for none.
 QImage paintedItem(const ItemLayout& layout, QSize pixels, const QImage& photo,
                    const TextObserver& aboutToDraw = {});

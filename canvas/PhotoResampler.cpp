@@ -26,15 +26,15 @@ double kernel(double x)
     return 0;
 }
 
-// What each pixel of a stretch of the target takes from the source along one axis.
+// The source pixels and weights for each pixel of a stretch of the target, along one axis.
 struct Taps {
     struct Pixel {
         int first;       // source index
-        int count;       // even, for the pairwise sums
-        int weightAt;    // index of the first of `count` weights
+        int count;       // even, because the sums go pair by pair
+        int weightAt;    // index of the first of its `count` weights
     };
     std::vector<Pixel> pixels;
-    std::vector<int16_t> weights;    // in 1/unitWeight, adding up to unitWeight for each pixel
+    std::vector<int16_t> weights;    // in 1/unitWeight; those of one pixel add up to unitWeight
     int sourceBegin = 0, sourceEnd = 0;
 };
 
@@ -53,7 +53,7 @@ Taps tapsFor(int source, qint64 target, qint64 begin, qint64 end)
         const int length = last - first + 1;
         share.assign(std::size_t(length), 0.0);
         double sum = 0;
-        // Beyond the edge the outermost pixel repeats.
+        // The outermost pixel repeats beyond the edge.
         for (int j = low; j <= high; ++j) {
             const double weight = kernel((j - centre) / widening);
             share[std::size_t(std::clamp(j, first, last) - first)] += weight;
@@ -96,7 +96,8 @@ __m128i rounded(__m128i sums)
     return _mm_srai_epi32(_mm_add_epi32(sums, _mm_set1_epi32(unitWeight / 2)), weightBits);
 }
 
-// out[b] = sum over the taps of weight · row[b], for each byte b below `bytes`; rows come in pairs.
+// Sums weight · row[b] over the rows, into out[b], for blocks of 16 bytes; returns how many bytes
+// are done. The number of rows is even.
 int sumRowsFast(const std::vector<const uchar*>& rows, const int16_t* weights, int bytes,
                 uchar* out)
 {
@@ -121,7 +122,7 @@ int sumRowsFast(const std::vector<const uchar*>& rows, const int16_t* weights, i
     return b;
 }
 
-// One pixel: the sum over `count` neighbouring pixels.
+// The weighted sum of `count` neighbouring pixels.
 uint32_t sumPixels(const uchar* pixels, const int16_t* weights, int count)
 {
     const __m128i zero = _mm_setzero_si128();
@@ -169,7 +170,8 @@ void sumRows(const std::vector<const uchar*>& rows, const int16_t* weights, int 
     }
 }
 
-// The kernel overshoots at edges; a premultiplied component may not exceed the opacity.
+// Limits the components to the opacity, as a premultiplied pixel requires: the kernel overshoots at
+// edges.
 void limitToOpacity(QRgb* row, int width)
 {
     for (int x = 0; x < width; ++x) {
@@ -198,7 +200,7 @@ QImage resampled(const QImage& source, const PixelRect& place, QRect window)
     const Taps lines = tapsFor(pixels.height(), place.height, fromTop, fromTop + window.height());
     const int left = columns.sourceBegin * 4;
     const int bytes = columns.sourceEnd * 4 - left;
-    // One pixel more than needed: pairwise sums read it, with weight 0.
+    // sumPixels() reads one pixel beyond, with weight 0, as it goes pair by pair.
     std::vector<uchar> blended(std::size_t(bytes) + 8, 0);
     std::vector<const uchar*> rows;
 

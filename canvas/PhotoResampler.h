@@ -4,8 +4,8 @@
 
 #include <QImage>
 
-// The pixels that `window` shows of `source` resampled to those of `place`: Catmull-Rom, widened by
-// the ratio when it shrinks, in integers, so that the same numbers give the same bytes everywhere.
-// `window` is cut to the place. Only what the window shows is computed, however large the place.
-// RGB32 stays RGB32, all else becomes ARGB32_Premultiplied. Null when anything is empty.
+// Resizes `source` to `place` and returns the part inside `window`, which is cut to `place`. Only
+// that part is computed, however large the place. The filter is Catmull-Rom, widened by the ratio
+// when shrinking, in integers, so that equal input gives equal bytes everywhere. RGB32 stays RGB32,
+// all else becomes ARGB32_Premultiplied. Null when anything is empty.
 QImage resampled(const QImage& source, const PixelRect& place, QRect window);

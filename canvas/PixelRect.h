@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-// A rectangle of whole pixels, which may reach further than a QRect.
+// A rectangle of whole pixels, with a wider range than a QRect.
 struct PixelRect {
     qint64 x = 0, y = 0, width = 0, height = 0;
 
@@ -17,7 +17,7 @@ struct PixelRect {
     PixelRect(QSize size) : width(size.width()), height(size.height()) {}
     bool operator==(const PixelRect&) const = default;
 
-    // Empty where they do not meet.
+    // Empty when the two do not meet.
     QRect intersected(const QRect& other) const
     {
         const auto across = [&](qint64 edge) {

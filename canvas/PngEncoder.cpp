@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -17,7 +16,7 @@ constexpr int bytesPerPixel = 4;
 constexpr uchar paethFilter = 4;
 constexpr int deflateLevel = 1;
 
-// Straight RGBA bytes of one row of RGB32 or ARGB32_Premultiplied.
+// Converts a row of RGB32 or ARGB32_Premultiplied to RGBA bytes that are not premultiplied.
 void toRgba(const QRgb* from, uchar* to, int width, bool opaque)
 {
     QRgb common = 0xffffffff;
@@ -26,7 +25,7 @@ void toRgba(const QRgb* from, uchar* to, int width, bool opaque)
     if (opaque || qAlpha(common) == 255) {
         for (int x = 0; x < width; ++x) {
             const QRgb pixel = from[x];
-            // In memory: red, green, blue, opaque.
+            // The bytes in memory are red, green, blue, 255.
             const uint32_t swapped = qToLittleEndian(uint32_t(
                 0xff000000u | (pixel & 0xff00u) | (pixel & 0xff) << 16 | (pixel >> 16 & 0xff)));
             std::memcpy(to + x * bytesPerPixel, &swapped, bytesPerPixel);
@@ -41,16 +40,23 @@ void toRgba(const QRgb* from, uchar* to, int width, bool opaque)
     }
 }
 
-// Without branches, so that the compiler takes many bytes at once. `row` and `above` have a zero
-// pixel in front.
+using Short = std::int16_t;
+
+Short distance(Short a, Short b)
+{
+    return Short(std::max(a, b) - std::min(a, b));
+}
+
+// Applies the Paeth filter, without branches and in 16 bits, so that the compiler takes many bytes
+// at once. `row` and `above` have a zero pixel in front.
 void filterRow(const uchar* row, const uchar* above, uchar* out, int bytes)
 {
     for (int i = 0; i < bytes; ++i) {
-        const int left = row[i - bytesPerPixel], up = above[i], corner = above[i - bytesPerPixel];
-        const int toLeft = std::abs(up - corner), toUp = std::abs(left - corner);
-        const int toCorner = std::abs(left + up - 2 * corner);
-        const int upOrCorner = toUp <= toCorner ? up : corner;
-        const int guess = (toLeft <= toUp && toLeft <= toCorner) ? left : upOrCorner;
+        const Short left = row[i - bytesPerPixel], up = above[i], corner = above[i - bytesPerPixel];
+        const Short toLeft = distance(up, corner), toUp = distance(left, corner);
+        const Short toCorner = distance(Short(left + up), Short(2 * corner));
+        const Short upOrCorner = toUp <= toCorner ? up : corner;
+        const Short guess = toLeft <= std::min(toUp, toCorner) ? left : upOrCorner;
         out[i] = uchar(row[i] - guess);
     }
 }
@@ -84,12 +90,13 @@ QByteArray encodePng(const QImage& image)
     const QImage pixels =
         opaque ? image : image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     const int stride = image.width() * bytesPerPixel;
-    std::vector<uchar> filtered(std::size_t(stride + 1) * std::size_t(image.height()));
+    const std::size_t size = std::size_t(stride + 1) * std::size_t(image.height());
+    const auto filtered = std::make_unique_for_overwrite<uchar[]>(size);
     std::vector<uchar> row(std::size_t(stride + bytesPerPixel), 0), above(row);
     for (int y = 0; y < image.height(); ++y) {
         toRgba(reinterpret_cast<const QRgb*>(pixels.constScanLine(y)), row.data() + bytesPerPixel,
                image.width(), opaque);
-        uchar* out = filtered.data() + std::size_t(y) * std::size_t(stride + 1);
+        uchar* out = filtered.get() + std::size_t(y) * std::size_t(stride + 1);
         *out = paethFilter;
         filterRow(row.data() + bytesPerPixel, above.data() + bytesPerPixel, out + 1, stride);
         row.swap(above);
@@ -99,11 +106,10 @@ QByteArray encodePng(const QImage& image)
         libdeflate_alloc_compressor(deflateLevel), &libdeflate_free_compressor);
     if (!compressor)
         return {};
-    QByteArray data(qsizetype(libdeflate_zlib_compress_bound(compressor.get(), filtered.size())),
+    QByteArray data(qsizetype(libdeflate_zlib_compress_bound(compressor.get(), size)),
                     Qt::Uninitialized);
-    data.truncate(
-        qsizetype(libdeflate_zlib_compress(compressor.get(), filtered.data(), filtered.size(),
-                                           data.data(), std::size_t(data.size()))));
+    data.truncate(qsizetype(libdeflate_zlib_compress(compressor.get(), filtered.get(), size,
+                                                     data.data(), std::size_t(data.size()))));
     if (data.isEmpty())
         return {};
     QByteArray png("\x89PNG\r\n\x1a\n", 8);

@@ -26,7 +26,7 @@ QByteArray digestOf(const QByteArray& bytes)
     return QCryptographicHash::hash(bytes, QCryptographicHash::Blake2b_256);
 }
 
-// The canonical form: numbers one after the other, each part beginning with its tag.
+// The bytes to be digested: numbers one after another, each part beginning with its tag.
 class Description {
 public:
     Description() { m_stream.setVersion(QDataStream::Qt_6_4); }
@@ -50,7 +50,7 @@ public:
         add(rect.bottomRight());
     }
     void add(const QRect& rect) { m_stream << rect; }
-    // As a QRect wherever it fits one.
+    // Writes the edges in 32 bits if all of them fit, as for a QRect, else in 64.
     void add(const PixelRect& rect)
     {
         const std::array edges{rect.x, rect.y, rect.x + rect.width - 1, rect.y + rect.height - 1};
@@ -59,7 +59,7 @@ public:
             fits ? m_stream << qint32(edge) : m_stream << edge;
     }
     void add(quint32 number) { m_stream << number; }
-    // With all that the painter may use of it, and as it is before any blending.
+    // Full 16-bit channels, not premultiplied: the painter may use all of them.
     void add(const QColor& color) { m_stream << quint64(color.rgba64()); }
     void add(const QByteArray& bytes) { m_stream << bytes; }
     void add(const QPainterPath& path)
@@ -88,7 +88,7 @@ bool isTransparent(const QColor& color)
     return color.rgba64().alpha() == 0;
 }
 
-// Without what rounding leaves of two ways to one place.
+// Rounds away the differences between two ways of computing one position.
 double settled(double pixels)
 {
     constexpr double step = 1e-6;
@@ -107,7 +107,7 @@ bool isSeen(const QRectF& extent, QSize canvas)
 
 void describeShape(Description& description, const LaidOutShape& shape)
 {
-    // An open line encloses nothing.
+    // A line has no inside to fill.
     const bool hasInside = shape.source.kind != ShapeKind::line;
     if (!isTransparent(shape.fill) && hasInside) {
         description.begin(Part::fill);
@@ -137,39 +137,39 @@ void describeBox(Description& description, const LaidOutTextLayer& layer, QSize 
     }
     if (layer.fill && !isTransparent(*layer.fill) && isSeen(box, canvas)) {
         description.begin(Part::box);
-        description.add(quint32(layer.shadow ? 2 : 1));    // times that it is filled
+        description.add(quint32(layer.shadow ? 2 : 1));    // number of times the box is filled
         description.add(*layer.fill);
         description.add(layer.box);
         description.add(layer.cornerRadius);
     }
 }
 
-// The face by what is in its file: its name alone stays the same over its versions. A face that has
-// no slanted or heavy one is slanted or made heavier by the toolkit.
+// Identifies a font face by its `head` table, which differs between versions of one name. Style and
+// weight are added because Qt slants or thickens a face that has no variant of its own.
 QByteArray identityOf(const QRawFont& font)
 {
     return font.fontTable("head") + font.familyName().toUtf8() + '/' + font.styleName().toUtf8() +
            QByteArray::number(font.style()) + '/' + QByteArray::number(font.weight());
 }
 
-// Its glyphs bring their own colours and take nothing of the pen's: a font of pictures alone. Of
-// one with outlines too these may be drawn.
+// Whether the font draws all its glyphs in their own colours, not the pen's. A font that also has
+// outlines may draw with those, so it counts as not coloured.
 bool isColoured(const QRawFont& font)
 {
     return !font.fontTable("CBLC").isEmpty() && font.fontTable("glyf").isEmpty() &&
            font.fontTable("CFF ").isEmpty();
 }
 
-// What is drawn of the letters, whatever their colour.
+// The drawn letters of a text, without the pen's colour.
 struct Letters {
-    QByteArray penned, coloured;    // digests; empty for none
+    QByteArray penned, coloured;    // digests; empty when there are no letters of this kind
 };
 
 QByteArray describedRun(const QGlyphRun& run, const LaidOutTextLayer& layer)
 {
     const QRawFont font = run.rawFont();
     QList<quint32> blanks = font.glyphIndexesForString(u" \u00a0"_s);
-    blanks.removeAll(0);    // what stands for a missing glyph is seen
+    blanks.removeAll(0);    // glyph 0 stands for a missing one and is visible
     const QList<quint32> glyphs = run.glyphIndexes();
     const QList<QPointF> positions = run.positions();
     const double scale = layer.text.fontSize() / DesignFont::designPixelSize;
@@ -192,7 +192,7 @@ QByteArray describedRun(const QGlyphRun& run, const LaidOutTextLayer& layer)
 
 QByteArray digestOfRuns(QByteArrayList runs)
 {
-    // The toolkit gives them in an order of its own, another one in every process.
+    // QTextLayout returns the runs in an order that changes from process to process.
     std::ranges::sort(runs);
     const QByteArray all = runs.join();
     return all.isEmpty() ? all : digestOf(all);
@@ -206,7 +206,8 @@ Letters describedLetters(const LaidOutTextLayer& layer)
     return {digestOfRuns(penned), digestOfRuns(coloured)};
 }
 
-// Slanted and swash letters leave the box that the font gives them.
+// The canvas pixels that the letters may touch. Slanted and swash letters reach beyond the box that
+// the font gives them.
 QRectF extentOfLetters(const LaidOutTextLayer& layer)
 {
     const double overhang = layer.text.fontSize();
@@ -215,7 +216,7 @@ QRectF extentOfLetters(const LaidOutTextLayer& layer)
         .adjusted(-overhang, -overhang, overhang, overhang);
 }
 
-// An item of that text alone.
+// Lays out an item that has only this text.
 ItemLayout layOutAlone(const TextLayer& layer, const RenderSource& source)
 {
     PublicationItem item;
@@ -223,7 +224,7 @@ ItemLayout layOutAlone(const TextLayer& layer, const RenderSource& source)
     return layOut(item, source.outputSize, source.reference);
 }
 
-// Everything that its letters come from but their colour, and more.
+// A digest of everything that decides the letters, except their colour.
 QByteArray keyOf(const TextLayer& layer, const RenderSource& source)
 {
     Description key;
@@ -235,12 +236,13 @@ QByteArray keyOf(const TextLayer& layer, const RenderSource& source)
     key.add(quint32(layer.slot));
     key.add(quint32(layer.alignment));
     key.add(layer.fontName.toUtf8());
-    // As it is: broken halves of a character are told apart.
+    // UTF-16 and not UTF-8, which would make all unpaired surrogates equal.
     key.add(QByteArray(reinterpret_cast<const char*>(layer.text.utf16()), 2 * layer.text.size()));
     return digestOf(key.bytes());
 }
 
-// What was asked for before the last so many is forgotten.
+// Remembers the letters of recent texts. When m_recent is full, it takes the place of m_former,
+// whose older entries are dropped.
 class Memory {
 public:
     std::optional<Letters> find(const QByteArray& key)
@@ -266,8 +268,8 @@ private:
     QHash<QByteArray, Letters> m_recent, m_former;
 };
 
-// The letters on the canvas. Fitting and breaking a text takes nearly all the time of a
-// fingerprint, and most of a batch's texts stay as they are from one edit to the next.
+// The visible letters of a text, remembered: fitting and breaking texts takes nearly all the time
+// of a fingerprint, and most texts of a batch stay unchanged between edits.
 Letters lettersOf(const TextLayer& layer, const RenderSource& source)
 {
     static Memory memory;
@@ -289,7 +291,7 @@ QString inHexadecimal(const QByteArray& digest)
     return QString::fromLatin1(digest.toHex());
 }
 
-// The same item with nothing to read in it: its boxes stay where they are.
+// The item with empty texts; their boxes stay where they are.
 PublicationItem withoutWords(PublicationItem item)
 {
     for (TextLayer& layer : item.layers)
@@ -297,7 +299,8 @@ PublicationItem withoutWords(PublicationItem item)
     return item;
 }
 
-// A fingerprint as it comes about: first all but the letters, then these.
+// Computes a fingerprint in two steps: the ground, which is everything but the letters, then the
+// letters.
 class Fingerprint {
 public:
     explicit Fingerprint(const RenderSource& source) : m_source(source)
@@ -354,7 +357,7 @@ public:
 private:
     const RenderSource& m_source;
     QString m_ground;
-    QList<quint32> m_partsBelow;    // of the ground, under the letters of each visible layer
+    QList<quint32> m_partsBelow;    // for each visible layer, the parts painted before its letters
 };
 
 }    // namespace

@@ -4,28 +4,28 @@
 
 #include <QSizeF>
 
-// Rises when the same item comes out with other pixels than before, and only then: everything that
-// users have paid for counts as unpaid afterwards.
+// Increase this only when some item is painted with other pixels than before: renders that users
+// have paid for then count as unpaid.
 inline constexpr int rendererVersion = 1;
 
-// What one render is made of, as far as a fingerprint needs it.
+// One render, as far as a fingerprint needs it.
 struct RenderSource {
     const PublicationItem& item;
-    QByteArray photoDigest;    // of the photo's content
+    QByteArray photoDigest;    // of the photo file's bytes
     QSizeF outputSize;         // pixels
     QSizeF reference;          // design units
 };
 
-// Names a render without drawing it: a digest of what reaches the pixels, in the order in which it
-// is painted. What cannot be seen is not in it: ids, hidden layers, the style of a box that is not
-// drawn, names of files, what lies beside the canvas. Equal fingerprints are equal pixels; the
-// other way round not where something visible covers another thing, or where two outlines fill the
-// same pixels. Any thread; takes as long as laying out the texts, which is remembered.
+// A digest of everything that decides the pixels, in painting order, computed without painting.
+// Left out is what cannot be seen: ids, hidden layers, the style of a box that is not drawn, file
+// names, what lies beside the canvas. Equal fingerprints mean equal pixels. Equal pixels may have
+// different fingerprints, when something visible covers something else or two outlines fill the
+// same pixels. Any thread. Takes as long as laying out the texts, whose results are remembered.
 QString renderFingerprint(const RenderSource& source);
 
-// Whether the render's fingerprint is one of these: no text is laid out where all the rest says
-// already that it is not.
+// Whether the render's fingerprint is in the set. Lays out no text when the rest of the render
+// already differs from all of them.
 bool isRenderAmong(const QSet<QString>& fingerprints, const RenderSource& source);
 
-// Names the pixels of a file that encodePng() made: the same pixels give the same bytes.
+// A digest of a PNG from encodePng(), where equal pixels give equal bytes.
 QString pixelFingerprint(const QByteArray& png);

@@ -17,8 +17,8 @@ namespace {
 constexpr double smallestType = 8, largestType = 128;    // design units
 constexpr double fitTolerance = 0.5;                     // canvas pixels on each side
 
-// The size a slot starts from, as a share of the text area's height and width, and its weight in
-// the system font.
+// Type of a slot: its size, as shares of the text area's height and width of which the smaller
+// counts, and its weight in the system font.
 struct SlotType {
     CopySlot slot;
     double heightShare, widthShare;
@@ -57,7 +57,7 @@ struct FaceStyle {
     bool operator==(const FaceStyle&) const = default;
 };
 
-// What a style's English name says; nothing when it says something else.
+// The style that an English name describes (spaces removed); nothing for unknown words.
 std::optional<FaceStyle> faceStyle(const QString& words)
 {
     struct Word {
@@ -79,8 +79,9 @@ std::optional<FaceStyle> faceStyle(const QString& words)
     return known == weights.end() ? std::nullopt : std::optional(FaceStyle{known->weight, italic});
 }
 
-// A style by its name. The system may list it in the user's language, which must not change what a
-// stored name stands for.
+// The installed style with the wanted name, or else with the weight and slant it describes: the
+// system may list styles in the user's language, but a stored name must find one and the same
+// style.
 std::optional<QString> styleNamed(const QString& family, const QString& wanted)
 {
     const QStringList styles = QFontDatabase::styles(family);
@@ -110,7 +111,7 @@ std::optional<QFont> lookUpNamedFont(const QString& name)
     return atDesignSize(QFont(name));
 }
 
-// Looking a name up walks the font list; a batch asks for the same few again and again.
+// Remembers names: a lookup walks the font list, and the texts of a batch use few fonts.
 std::optional<QFont> namedFont(const QString& name)
 {
     static QMutex mutex;
@@ -122,7 +123,8 @@ std::optional<QFont> namedFont(const QString& name)
     return found != known.cend() ? *found : *known.insert(name, lookUpNamedFont(name));
 }
 
-// Sure to be, at least: it has the letters and signs of Europe's Latin alphabets.
+// Whether the layer uses the system font and only characters that it surely has: Europe's Latin
+// letters and signs.
 bool isInSystemFont(const TextLayer& layer)
 {
     return layer.fontName == "System"_L1 && std::ranges::all_of(layer.text, [](QChar c) {
@@ -130,8 +132,8 @@ bool isInSystemFont(const TextLayer& layer)
            });
 }
 
-// Tells sizes at which a text cannot fit, from one measurement, so that only the likely ones are
-// laid out. Never wrong about a size that fits: it bounds the lines from below.
+// Finds sizes at which a text cannot fit, from one measurement, so that fittedText() lays out only
+// likely ones. Its lower bounds for the lines never exclude a size that fits.
 class ImpossibleSizes {
 public:
     ImpossibleSizes(const TextLayer& layer, QSizeF area) : m_area(area)
@@ -143,7 +145,7 @@ public:
         m_widest = oneLine.narrowestWidth();
         m_lineHeight = metrics.ascent() + metrics.descent();
         double blank = metrics.horizontalAdvance(u' ');
-        // A line may be all in another font, as emoji are, with its blanks.
+        // A line may be in another font altogether, blanks included, as with emoji.
         const QList<QGlyphRun> runs =
             isInSystemFont(layer) ? QList<QGlyphRun>() : oneLine.glyphRuns();
         for (const QGlyphRun& run : runs) {
@@ -154,7 +156,8 @@ public:
                 blank = std::max(blank, advance.x());
         }
         m_isEmpty = layer.text.isEmpty();
-        // A line may swallow the blank it breaks at; of other blanks the width is not known.
+        // A line may swallow the blank it breaks at. The width of other kinds of blanks is not
+        // known.
         const bool hasPlainBlanks = std::ranges::all_of(
             layer.text, [](QChar c) { return c == u' ' || c == u'\n' || !c.isSpace(); });
         if (hasPlainBlanks) {
@@ -167,7 +170,7 @@ public:
     {
         if (m_isEmpty)
             return false;
-        constexpr double surely = 0.98;    // room for what rounding may do
+        constexpr double surely = 0.98;    // allows for rounding
         const double scale = surely * size / DesignFont::designPixelSize;
         const double width = m_area.width() + 1, height = m_area.height() + 1;
         const double lines = std::max(1.0, std::ceil(m_ink * scale / width));
@@ -226,7 +229,7 @@ LaidOutText ExportCanvasRenderer::fittedText(const TextLayer& layer, QSizeF area
                                              double designScale)
 {
     const double lower = smallestType * designScale;
-    // Measuring knows no text in a width of 1 or less, but what does not fit is drawn all the same.
+    // Text that does not fit is drawn all the same, but a width of 1 or less gives no layout.
     const auto smallest = [&] {
         return LaidOutText(styledText(layer, lower), std::max(area.width(), 2.0));
     };

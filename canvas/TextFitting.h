@@ -8,11 +8,10 @@
 
 #include <algorithm>
 
-// How big a layer's type may be. Sizes in canvas pixels; `designScale` is canvas pixels per design
-// unit.
+// The size of a layer's type, in canvas pixels. `designScale`: canvas pixels per design unit.
 namespace ExportCanvasRenderer {
 
-// 1 for a reference of 1 or less on either side.
+// Canvas pixels per design unit; 1 when a side of `reference` is 1 or less.
 double designScale(QSizeF exportSize, QSizeF reference);
 
 constexpr double clamp(double value, double lower, double upper)
@@ -20,23 +19,24 @@ constexpr double clamp(double value, double lower, double upper)
     return std::min(std::max(value, lower), upper);
 }
 
-// The named font (a full name, else a family in its regular face) or, for "System" and for one that
-// is not installed, Inter in the slot's weight.
+// The font that layer.fontName names: a full name, or a family in its regular face. "System" and
+// fonts that are not installed give Inter in the slot's weight.
 DesignFont nsFont(const TextLayer& layer, double size);
 
-// The slot's share of the area at the layer's own scale: what fitting starts from.
-double baseFontSize(CopySlot slot, QSizeF area);    // at a scale of 1, without bounds
+// baseFontSize() is the slot's share of the area; wantedFontSize() multiplies it by the layer's
+// font scale, within bounds. Fitting starts from there.
+double baseFontSize(CopySlot slot, QSizeF area);    // no bounds, font scale 1
 double wantedFontSize(const TextLayer& layer, QSizeF area, double designScale);
-// The largest size, in steps of max(1, designScale) down from the slot's share of the area, at
-// which the text fits; the lower bound when none does.
+// The largest size at which the text fits, in steps of max(1, designScale) down from
+// wantedFontSize(); the smallest allowed size when none fits.
 double fittedFontSize(const TextLayer& layer, QSizeF area, double designScale);
-// The layer's text laid out at that size, as wide as the area.
+// The layer's text laid out at fittedFontSize(), as wide as the area.
 LaidOutText fittedText(const TextLayer& layer, QSizeF area, double designScale);
 
-// Whether a measured text keeps inside its area.
+// Whether a measured text stays inside its area, but for half a pixel.
 bool fits(QSizeF measured, QSizeF area);
 
-// The layer's text at that size.
+// The layer's text in a font of `size` canvas pixels.
 StyledText styledText(const TextLayer& layer, double size);
 
 }    // namespace ExportCanvasRenderer

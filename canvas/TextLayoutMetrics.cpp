@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QChar asText = QChar(0xFE0E), asEmoji = QChar(0xFE0F);
-// The first character beyond Latin letters and signs that may be an emoji.
+// No character before this one is drawn as an emoji by itself.
 constexpr QChar firstEmoji = QChar(0x203C);
 
 bool isColourEmoji(QStringView cluster)
@@ -27,7 +27,8 @@ bool isColourEmoji(QStringView cluster)
     const auto isPresented = [](uint c) {
         return u_hasBinaryProperty(UChar32(c), UCHAR_EMOJI_PRESENTATION);
     };
-    // A plain sign in front is coloured by what follows it, as a hand is by its skin.
+    // The first character may be a plain sign that a later one turns into an emoji, as a skin tone
+    // does.
     const bool isPicture =
         isPresented(characters.first()) ||
         (u_hasBinaryProperty(UChar32(characters.first()), UCHAR_EXTENDED_PICTOGRAPHIC) &&
@@ -37,13 +38,13 @@ bool isColourEmoji(QStringView cluster)
 
 struct LayoutText {
     QString text;
-    QList<QTextLayout::FormatRange> emoji;    // clusters of the text in the emoji font
+    QList<QTextLayout::FormatRange> emoji;    // the parts of `text` to be drawn in the emoji font
 };
 
-// Left to itself the layout takes an emoji from any font that has it, which is often a plain black
-// one, and stays in the text's own font for one that asks for colour by U+FE0F. Naming the emoji
-// font for these clusters gives colour. The font has no glyph for U+FE0F itself, whose glyph from
-// another font would part a sequence in two: it is left out before the last character of one.
+// Assigns the emoji font to emoji. QTextLayout by itself takes an emoji from any font that has it,
+// often a black one, and U+FE0F does not make it leave the text's font. U+FE0F is removed except at
+// the end of a cluster: the emoji font has no glyph for it, and another font's glyph would split
+// the sequence in two.
 LayoutText withColourEmoji(const QString& text)
 {
     if (std::ranges::none_of(text, [](QChar c) { return c >= firstEmoji; }))
@@ -67,7 +68,7 @@ LayoutText withColourEmoji(const QString& text)
     return result;
 }
 
-// Line breaks as the layout knows them.
+// Replaces line breaks with the separator that QTextLayout breaks at.
 QString withLineSeparators(QString text)
 {
     text.replace("\r\n"_L1, "\n"_L1);
@@ -81,8 +82,8 @@ struct Stretch {
     double left, right;
 };
 
-// The emoji of a line, with the blanks beside them, from left to right; design pixels. `emoji`: of
-// the whole text.
+// The emoji of a line and the blanks beside them, from left to right, in design pixels. `emoji`:
+// those of the whole text.
 QList<Stretch> emojiStretches(const QList<QTextLayout::FormatRange>& emoji, const QString& text,
                               const QTextLine& line)
 {
@@ -105,7 +106,7 @@ QList<Stretch> emojiStretches(const QList<QTextLayout::FormatRange>& emoji, cons
     return stretches;
 }
 
-// Sides as written: a right-to-left paragraph does not mirror them.
+// Absolute sides: right-to-left text does not mirror them.
 Qt::Alignment qtAlignment(LayerTextAlignment alignment)
 {
     switch (alignment) {
@@ -129,16 +130,17 @@ LaidOutText::LaidOutText(const StyledText& text, double width) : m_scale(text.fo
         return;
     const LayoutText lines = withColourEmoji(withLineSeparators(text.text));
     m_layout = std::make_shared<QTextLayout>(lines.text, text.font.face);
-    // A justified line measures the whole width, which would never fit once it is rounded up.
+    // Lines are measured flush left: a justified line takes the whole width, which rounded up never
+    // fits.
     QTextOption option(qtAlignment(LayerTextAlignment::leading));
-    option.setTextDirection(Qt::LayoutDirectionAuto);    // and not that of the program's language
+    option.setTextDirection(Qt::LayoutDirectionAuto);    // not that of the program's language
     option.setWrapMode(QTextOption::WordWrap);
     option.setUseDesignMetrics(true);
     m_layout->setTextOption(option);
     m_layout->setFormats(lines.emoji);
     m_layout->setCacheEnabled(true);
 
-    // The layout counts in 1/64 of a pixel in 32 bits.
+    // QTextLayout calculates in 1/64 pixel with 32 bits.
     const double designWidth = std::min(width / m_scale, 1e7);
     double y = 0;
     m_layout->beginLayout();
@@ -179,7 +181,7 @@ QList<QRectF> LaidOutText::letterBands() const
         const double baseline = line.y() + line.ascent();
         double left = natural.left();
         const auto add = [&](double right) {
-            if (right - left > 1)    // less is what rounding leaves between two emoji
+            if (right - left > 1)    // rounding leaves less between two emoji
                 bands.append({left * m_scale, (baseline - capitals) * m_scale,
                               (right - left) * m_scale, capitals * m_scale});
         };
@@ -200,7 +202,7 @@ QList<QGlyphRun> LaidOutText::glyphRuns() const
 bool LaidOutText::lacksGlyphs() const
 {
     return std::ranges::any_of(glyphRuns(), [](const QGlyphRun& run) {
-        return run.glyphIndexes().contains(0);    // stands for a missing one in every font
+        return run.glyphIndexes().contains(0);    // in every font, glyph 0 stands for a missing one
     });
 }
 

@@ -7,10 +7,10 @@
 namespace {
 
 constexpr double leastOfText = 4.5, leastOfLargeText = 3;
-// Design units; 18 and 14 points at the size that posts are designed for.
+// Design units, equal to 18 and 14 points at the size that posts are designed for.
 constexpr double largeType = 24, largeBoldType = 19;
-// The share of a text that may lie on worse ground: less than that is read from the rest. On the
-// texts of tools/contrast_labels a tenth tells too many, and three tenths overlook whole words.
+// The share of a text's pixels that may have a worse contrast without counting. On the texts of
+// tools/contrast_labels, a tenth warns too often, and three tenths miss whole words.
 constexpr double overlookedShare = 0.2;
 
 double linear(double component)
@@ -29,7 +29,7 @@ const std::array<float, 256>& linearBytes()
     return table;
 }
 
-// Relative luminance, 0..1.
+// Relative luminance of WCAG 2, 0..1.
 float luminance(QRgb pixel)
 {
     const auto& light = linearBytes();
@@ -42,7 +42,7 @@ float ratio(float one, float other)
     return (std::max(one, other) + 0.05F) / (std::min(one, other) + 0.05F);
 }
 
-// `pen` with its opacity over an opaque pixel.
+// The colour of `pen`, with its opacity, over an opaque pixel.
 QRgb over(QRgb pen, QRgb ground)
 {
     const int opacity = qAlpha(pen);

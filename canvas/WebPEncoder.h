@@ -6,18 +6,18 @@
 
 #include <optional>
 
-// WebP through the external program cwebp. There is no other encoder: without it callers fall back
-// themselves.
+// Encodes WebP with the external program cwebp. There is no other encoder: callers handle its
+// absence.
 namespace WebPEncoder {
 
-// The first executable of the places where cwebp is installed.
+// The first of the usual places of cwebp that holds an executable.
 std::optional<QString> executableURL();
 std::optional<QString> executableURL(const QStringList& candidates);
 
-// Its arguments; `quality` 0..1, anything beyond is brought to the nearest bound.
+// Arguments of cwebp. `quality` is brought into 0..1.
 QStringList arguments(double quality, const QString& input, const QString& output);
 
-// Waits for the program. Nothing on any failure; its working folder is removed on every way out.
+// Waits for cwebp. Nothing on any failure. The temporary folder is always removed.
 std::optional<QByteArray> convert(const QByteArray& pngData, double quality);
 
 }    // namespace WebPEncoder

@@ -73,21 +73,27 @@ public:
         m_interrupt.emplace();
         m_look.start(stopLatency);
 
-        const auto imported = importPhotos();
-        if (!imported)
+        // The header is enough for the price: each photo is decoded once, to be drawn.
+        const auto looked = importPhotos(m_options.photos, PhotoImport::Look::header);
+        if (!looked)
             return ended(stopped(), pathsOf(m_options.photos));
-        const PreparedBatch batch = prepared(imported->items);
+        PreparedBatch batch = prepared(looked->items);
         if (batch.lacksTexts && !batch.items.isEmpty()) {
             ExportOutcome outcome;
             outcome.state = ExportOutcome::State::notPrepared;
             outcome.reason = u"Ninguna fila de los textos corresponde a una foto legible."_s;
             return ended(outcome, photosOf(batch));
         }
-        const auto price = priceOf(batch.items);
+        const qint64 balance = m_connection.session().account().balance;
+        auto price = priceOf(batch.items);
+        // Too few credits are told before anything is drawn. Photos that could not be drawn cost
+        // nothing: they must not be why.
+        if (price && !m_options.isDryRun && price->credits() > balance)
+            price = leaveOutUnreadable(batch) ? priceOf(batch.items) : std::nullopt;
         if (!price)
             return ended(stopped(), photosOf(batch));
         if (m_options.isDryRun) {
-            m_report.priceAlone(*price, m_connection.session().account().balance);
+            m_report.priceAlone(*price, balance);
             return m_report.isAnyFailed() || batch.items.isEmpty() ? exitSomeFailed : exitDone;
         }
         if (batch.items.isEmpty()) {
@@ -133,12 +139,36 @@ private:
         return outcome;
     }
 
-    std::optional<PhotoImport::Imported> importPhotos()
+    std::optional<PhotoImport::Imported> importPhotos(const QList<QUrl>& photos,
+                                                      PhotoImport::Look look)
     {
         m_import->progressed = [this](const PhotoImport::Progress& progress) {
             m_report.showProgress(u"Leyendo imagen"_s, progress.looked, progress.total);
         };
-        return QCoro::waitFor(PhotoImport::importPhotos(m_options.photos, m_photos, m_import));
+        return QCoro::waitFor(PhotoImport::importPhotos(photos, m_photos, m_import, look));
+    }
+
+    // Decodes the photos. False when it was interrupted.
+    bool leaveOutUnreadable(PreparedBatch& batch)
+    {
+        QList<QUrl> photos;
+        for (const PublicationItem& item : batch.items)
+            photos.append(item.url);
+        const auto looked = importPhotos(photos, PhotoImport::Look::picture);
+        if (!looked)
+            return false;
+        PreparedBatch readable;
+        for (qsizetype i = 0; i < photos.size(); ++i) {
+            const qsizetype next = readable.items.size();    // of the accepted, in the same order
+            if (next == looked->items.size() || looked->items[next].url != photos[i]) {
+                m_report.unreadable(photos[i].toLocalFile());
+                continue;
+            }
+            readable.items.append(batch.items[i]);
+            readable.destinations.append(batch.destinations[i]);
+        }
+        batch = readable;
+        return true;
     }
 
     // Rows of texts and names of files are of all photos, so that one that cannot be read moves
@@ -204,7 +234,7 @@ private:
         return price;
     }
 
-    int exported(const PreparedBatch& batch, const ExportPrice& price)
+    int exported(PreparedBatch& batch, const ExportPrice& price)
     {
         const OutputFolder folder(m_options.folder);
         if (!folder.isThere()) {
@@ -223,6 +253,16 @@ private:
                                       .stagingPlace = stagingPlace(),
                                       .charge = chargeServices(batch.items)};
         m_export->progressed = [this](const ExportProgress& progress) { show(progress); };
+        m_export->leftOut = [this, &batch](const QString& file) {
+            const qsizetype index = batch.destinations.indexOf(file);
+            m_report.unreadable(batch.items[index].image.path);
+            batch.items.removeAt(index);
+            batch.destinations.removeAt(index);
+        };
+        m_export->charging = [this, &batch, &price](qint64 credits) {
+            if (batch.items.size() < price.images)
+                m_report.price({batch.items.size(), credits / exportCreditCost});
+        };
         m_export->wrote = [this, &batch](const QString& file, const QString& reason) {
             const qsizetype index = batch.destinations.indexOf(file);
             const QString photo = batch.items[index].image.path;
@@ -250,16 +290,13 @@ private:
                 }};
     }
 
-    // Tells of the one that could not be prepared, and gives the photos that were not reached.
+    // The photos that were not reached; those that found no room to be prepared are told at once.
     QStringList notReached(const ExportOutcome& outcome, const PreparedBatch& batch)
     {
-        using State = ExportOutcome::State;
         // They are written in order, and each was told.
         QStringList photos = photosOf(batch).mid(outcome.written.size() + outcome.unwritten.size());
         if (outcome.isCacheFull)
             m_report.unprepared(std::exchange(photos, {}), stagingPlace());
-        else if (outcome.state == State::notPrepared && photos.removeOne(outcome.failed))
-            m_report.unreadable(outcome.failed);
         return photos;
     }
 
@@ -336,6 +373,7 @@ int runExport(const QStringList& arguments, const ServiceConfiguration& configur
         tellOfExport(configuration.problem);
         return exitWrongUse;
     }
+    keepFreedMemory();
     // What workers keep for drawing goes with the toolkit.
     const auto finish = qScopeGuard(&finishWorkers);
     return ExportRun(std::get<ExportOptions>(asked), configuration).run();

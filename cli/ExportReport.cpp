@@ -180,6 +180,8 @@ void ExportReport::price(const ExportPrice& price)
 
 void ExportReport::priceAlone(const ExportPrice& price, qint64 balance)
 {
+    tell(u"Es el precio de las fotos cuya cabecera se puede leer. Las que no se puedan abrir al "
+         "exportar no se cobran."_s);
     clearBar();
     if (m_json)
         printJson(PriceLine{price.images, price.unpaid, price.credits(), balance});

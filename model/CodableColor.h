@@ -5,7 +5,7 @@
 
 #include <optional>
 
-// A colour as files hold it: sRGB components and opacity, each 0..1, in full precision.
+// A colour as files store it: sRGB components and opacity, each 0..1, in full precision.
 struct CodableColor {
     double red = 0, green = 0, blue = 0, alpha = 1;
 
@@ -15,13 +15,13 @@ struct CodableColor {
     }
     explicit CodableColor(const QColor& color);
 
-    // Components outside 0..1 are brought to the nearest bound; the toolkit would paint them black.
+    // Components outside 0..1 are brought to the nearest bound; Qt would paint them black.
     QColor color() const;
-    // The colour at this opacity, which replaces its own.
+    // The colour with this opacity in place of `alpha`.
     QColor withAlpha(double opacity) const;
-    // "#RRGGBB", each component to the nearest of 0..255; the opacity is not printed.
+    // "#RRGGBB", each component rounded to 0..255; without the opacity.
     QString hexRGB() const;
-    // Six hexadecimal digits, with or without a leading number sign.
+    // Reads six hexadecimal digits, with or without a leading number sign.
     static std::optional<CodableColor> fromHexRGB(QStringView text);
 
     bool operator==(const CodableColor&) const = default;

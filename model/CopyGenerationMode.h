@@ -8,7 +8,7 @@ enum class CopyGenerationMode { local, cloud };
 struct CopyGenerationModeRow {
     CopyGenerationMode value;
     QStringView rawValue;
-    int cost;    // credits per image, where the service has not told its own price
+    int cost;    // credits per image, unless the service names its own price
     QStringView explanation;
 };
 

@@ -2,14 +2,13 @@
 
 #include "model/Vocabulary.h"
 
-// The role of a text layer; every item has one layer of each.
+// The role of a text layer; an item has one layer of each slot.
 enum class CopySlot { title, subtitle, tagline, callToAction };
 
 struct CopySlotRow {
     CopySlot value;
     QStringView rawValue;
-    QStringView
-        displayName;    // differs for the tagline only: files written earlier carry "Tagline"
+    QStringView displayName;    // only the tagline's differs from rawValue, which files hold
     QStringView icon;
 };
 
@@ -24,7 +23,7 @@ struct Vocabulary<CopySlot> {
 };
 static_assert(rowsAreInOrder<CopySlot>());
 
-// Reads a stored name and also the one shown for the tagline.
+// The slot of a stored name; the name shown for the tagline is read as well.
 inline std::optional<CopySlot> storedValue(QStringView name)
 {
     return name == row(CopySlot::tagline).displayName ? CopySlot::tagline

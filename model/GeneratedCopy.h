@@ -4,12 +4,12 @@
 
 #include <QString>
 
-// The copy of one image. Whoever builds one from texts passes them through the constructor, which
-// cleans the call to action.
+// The copy of one image. Build it from texts through the constructor, which cleans the call to
+// action.
 struct GeneratedCopy {
     QString title, subtitle, tagline, callToAction;
     QString publicationCaption;    // posted with the image
-    QString imageNotes;            // not shown on the canvas
+    QString imageNotes;            // not drawn on the canvas
 
     GeneratedCopy() = default;
     GeneratedCopy(const QString& titleText, const QString& subtitleText, const QString& taglineText,
@@ -20,8 +20,8 @@ struct GeneratedCopy {
 
     const QString& text(CopySlot slot) const;
 
-    // What a model wrote as call to action, without quotation marks, line breaks and punctuation
-    // around it; a text over 24 characters or 4 words, or with a period inside, becomes a canned
+    // A model's call to action without quotation marks, line breaks and surrounding punctuation. A
+    // text of more than 24 characters or 4 words, or with a period inside, is replaced by a canned
     // one.
     static QString normalizedCallToAction(const QString& text);
 

@@ -4,10 +4,9 @@
 
 namespace json {
 
-// Looks a text over without keeping anything of it. Stops at the first object with more keys than
-// any record has: looking each of them up among the others takes a time that grows with their
-// square. Stops as well at more values than any document has: a tree takes some forty bytes for
-// each, of which the text needs but two.
+// Checks a JSON text without storing it. Stops at an object with more keys than any record has,
+// because each key is looked up among the others, which takes quadratic time. Stops at more values
+// than any document has, because the parsed tree takes some forty bytes for a value of two bytes.
 class Guard final : public nlohmann::json_sax<Value> {
 public:
     bool null() override { return count(); }
@@ -43,11 +42,12 @@ private:
     bool count() { return ++m_values <= mostValues; }
 
     static constexpr int mostKeys = 200, deepest = 100, mostValues = 200'000;
-    QList<int> m_keys;    // of each object that is open
+    QList<int> m_keys;    // for each open object, the number of its keys
     int m_arrays = 0, m_values = 0;
 };
 
-// What a file from anywhere holds; discarded when it is no JSON, or none that a record could be in.
+// Parses JSON of unknown origin. Returns a discarded value for bytes that are no JSON or that Guard
+// refuses.
 inline Value parsedWithCare(QByteArrayView bytes)
 {
     Guard guard;

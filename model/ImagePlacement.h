@@ -19,16 +19,16 @@ struct Vocabulary<ImageFitMode> {
 };
 static_assert(rowsAreInOrder<ImageFitMode>());
 
-// Fractions of the canvas size by which the photo's centre lies off the canvas centre.
+// The photo's centre relative to the canvas centre, in fractions of the canvas size.
 struct CanvasOffset {
     double x = 0, y = 0;
     bool operator==(const CanvasOffset&) const = default;
 };
 
-// How the photo sits in the canvas.
+// How the photo lies on the canvas.
 struct ImagePlacement {
     ImageFitMode mode = ImageFitMode::fill;
-    double zoom = 1.0;    // 1 = the natural size of the mode
+    double zoom = 1.0;    // factor on the size that `mode` gives
     CanvasOffset offset;
     bool operator==(const ImagePlacement&) const = default;
 };

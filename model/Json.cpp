@@ -23,7 +23,8 @@ struct JsonFields<PublicationItemSnapshot> {
             unreadableIn<TextLayer>(object, "layers", item.layers.size()) +
             unreadableIn<ShapeLayer>(object, "shapeLayers", item.shapeLayers.size());
     }
-    // Entries of a list that are no such layer, where not all `known` were read.
+    // Number of entries in the list that cannot be read as a Layer; `known`: number of those that
+    // were read. A layer of an unknown slot does not count.
     template <typename Layer>
     static qsizetype unreadableIn(const Value& object, const char* key, qsizetype known)
     {

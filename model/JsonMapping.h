@@ -7,7 +7,7 @@
 //     };
 //
 // and both directions follow. Reading never throws: a record with a missing required field or a
-// wrong type does not read (nothing), and in a list it is dropped alone. Only source files that
+// value of the wrong type cannot be read, and a list drops only that record. Only source files that
 // read or write JSON include this header.
 
 #include "model/Vocabulary.h"
@@ -44,7 +44,7 @@ concept Mapped = requires
     JsonFields<T>::fields;
 };
 
-// Readers say whether the value had the right type; `out` is only then of use.
+// read() returns whether the value had the right type; only then is `out` of use.
 
 inline bool read(const Value& value, bool& out)
 {
@@ -56,7 +56,7 @@ inline bool read(const Value& value, double& out)
     return value.is_number() && (out = value.get<double>(), true);
 }
 
-// Whole numbers of the range; 3.0 counts as one.
+// Reads whole numbers of qint64's range; 3.0 counts as whole.
 inline bool read(const Value& value, qint64& out)
 {
     if (value.is_number_unsigned()) {
@@ -161,8 +161,8 @@ bool read(const Value& value, QSet<T>& out)
     return isList;
 }
 
-// Writers append to the text at once: a batch is written at every change, and a tree of values in
-// between costs ten times as much.
+// append() writes straight to the text: a batch is written at every change, and building a tree of
+// values first costs ten times as much.
 
 inline void append(QByteArray& text, bool value)
 {
@@ -191,15 +191,16 @@ inline void append(QByteArray& text, int value)
 inline void append(QByteArray& text, double value)
 {
     if (!std::isfinite(value))
-        value = 0;    // JSON has no word for it, and a record without the key would not read
-    // The shortest that reads back as the same number, but no exponent for a count.
+        value = 0;    // JSON has no NaN, and a missing key would make the record unreadable
+    // Writes the shortest digits that read back as the same number, but no exponent for whole
+    // numbers.
     if (value == std::trunc(value) && std::abs(value) < 1e15)
         appendNumber(text, qint64(value));
     else
         appendNumber(text, value);
 }
 
-// Characters of plain ASCII or UTF-8 that need no escape.
+// `utf8`: text that needs no escapes.
 inline void appendQuoted(QByteArray& text, const QByteArray& utf8)
 {
     text.append('"').append(utf8).append('"');
@@ -257,7 +258,7 @@ void append(QByteArray& text, const QList<T>& values)
     text.append(']');
 }
 
-// In order, so that equal sets give equal bytes.
+// Sorted, so that equal sets give equal bytes.
 template <typename T>
 void append(QByteArray& text, const QSet<T>& values)
 {
@@ -268,13 +269,14 @@ void append(QByteArray& text, const QSet<T>& values)
 
 enum class Presence { required, optional, lenient };
 
-// One field: its key, how to reach it in a record, and what absence or an unknown word do.
+// One field: its key, its place in a record, and what to do when it is absent or holds an unknown
+// word.
 template <typename Access, typename Fallback>
 struct Field {
     const char* key;
     Access access;
     Presence presence;
-    Fallback fallback;    // std::nullopt_t, or the case that an unknown string stands for
+    Fallback fallback;    // std::nullopt_t, or the value for an unknown word
 
     template <typename Record>
     bool readInto(const Value& object, Record& record) const
@@ -304,28 +306,28 @@ constexpr auto required(const char* key, Access access)
     return Field<Access, std::nullopt_t>{key, access, Presence::required, std::nullopt};
 }
 
-// Keeps the record's default when absent.
+// A field that keeps the record's default when absent.
 template <typename Access>
 constexpr auto optional(const char* key, Access access)
 {
     return Field<Access, std::nullopt_t>{key, access, Presence::optional, std::nullopt};
 }
 
-// Keeps the record's default when absent or not readable.
+// A field that keeps the record's default when absent or unreadable.
 template <typename Access>
 constexpr auto lenient(const char* key, Access access)
 {
     return Field<Access, std::nullopt_t>{key, access, Presence::lenient, std::nullopt};
 }
 
-// A required word of a vocabulary; an unknown one reads as `fallback`.
+// A required word of a vocabulary; an unknown one is read as `fallback`.
 template <typename Access, ClosedVocabulary E>
 constexpr auto required(const char* key, Access access, E fallback)
 {
     return Field<Access, E>{key, access, Presence::required, fallback};
 }
 
-// The fields of a base or a member, after those of the record itself.
+// Joins the fields of a record with those of its base or of a member.
 template <typename... Fields, typename... More>
 constexpr auto operator+(const std::tuple<Fields...>& fields, const std::tuple<More...>& more)
 {
@@ -352,7 +354,7 @@ bool read(const Value& value, Record& out)
     const bool complete =
         std::apply([&](const auto&... field) { return (field.readInto(value, out) && ...); },
                    JsonFields<Record>::fields);
-    // The place for an invariant that a file could break.
+    // settle() restores the record's invariants, which a file may break.
     if constexpr (requires { JsonFields<Record>::settle(out); })
         JsonFields<Record>::settle(out);
     else if constexpr (requires { JsonFields<Record>::settle(out, value); })

@@ -8,8 +8,8 @@ struct LayerTextAlignmentRow {
     LayerTextAlignment value;
     QStringView rawValue;
     QStringView icon;
-    LayerTextAlignment text;     // of the lines, where justification is not supported
-    LayerTextAlignment frame;    // of the block inside its frame
+    LayerTextAlignment text;     // of the lines, where justified text is not supported
+    LayerTextAlignment frame;    // of the text block inside its frame
 };
 
 template <>

@@ -4,11 +4,11 @@
 #include <QSize>
 #include <QString>
 
-// A photo by name: cheap to copy, never the pixels. They come from the photo cache.
+// Names a photo without its pixels, which come from PhotoCache; cheap to copy.
 struct PhotoHandle {
     QString path;
     QSize size;                // upright, in pixels of the file
-    bool reducible = false;    // its format decodes at a reduced size for less
-    QByteArray digest;         // of the file's bytes: the identity of the content
+    bool reducible = false;    // its format decodes at a reduced size in less time and memory
+    QByteArray digest;         // of the file's bytes; identifies the content
     bool operator==(const PhotoHandle&) const = default;
 };

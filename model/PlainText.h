@@ -2,13 +2,14 @@
 
 #include <QString>
 
-// The control characters that no text holds: all but the tab and the line end.
+// Whether `c` is a control character other than the tab and the line end; no text holds one.
 inline bool isControl(QChar c)
 {
     return c.category() == QChar::Other_Control && c != u'\t' && c != u'\n';
 }
 
-// What turns the direction of the text around it; in a name from elsewhere it would turn ours.
+// Whether `c` changes the writing direction of text around it. In a name from a file it would also
+// turn the program's sentence around the name.
 inline bool turnsDirection(QChar c)
 {
     return (c >= QChar(0x202a) && c <= QChar(0x202e)) || (c >= QChar(0x2066) && c <= QChar(0x2069));
@@ -21,7 +22,8 @@ inline QString counted(qsizetype count, QStringView one, QStringView several)
     return text.append(count == 1 ? one : several);
 }
 
-// A text from elsewhere as ours are: whatever ends a line is \n, other control characters go.
+// The text with \n for every kind of line end and without other control characters, as all texts
+// of a batch are.
 inline QString plainText(QString text)
 {
     using namespace Qt::StringLiterals;

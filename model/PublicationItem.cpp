@@ -10,7 +10,7 @@ struct DefaultLayer {
     double x, y, width, height;
 };
 
-// The tagline waits hidden, so that a template or the user can show it without making it.
+// The tagline is hidden, so that a template or the user can show it without creating it.
 constexpr std::array defaultLayerTable{
     DefaultLayer{CopySlot::title, true, 0.11, 0.30, 0.78, 0.16},
     DefaultLayer{CopySlot::subtitle, true, 0.16, 0.47, 0.68, 0.13},

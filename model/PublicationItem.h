@@ -23,18 +23,18 @@ struct PublicationItem {
     QList<TextLayer> layers;          // one per slot, in drawing order
     QList<ShapeLayer> shapeLayers;    // in drawing order, all below the texts
     ImagePlacement placement;
-    QSet<QString> paidRenderFingerprints;    // digests of renders of this item already paid for
+    QSet<QString> paidRenderFingerprints;    // see renderFingerprint()
 
     // A new item with the placeholder copy and its default layers.
     static PublicationItem make(const QUrl& url, const PhotoHandle& image);
-    // The default text layers of a copy, with new ids; the same for every format.
+    // The default text layers with the texts of `copy`, with new ids; equal for every format.
     static QList<TextLayer> defaultLayers(const GeneratedCopy& copy);
 
     QString filename() const { return filenameOf(url); }
 
     // The first layer of the slot; null when the item has none.
     TextLayer* layer(CopySlot slot);
-    bool hasLayer(QUuid layerId) const;    // text or shape
+    bool hasLayer(QUuid layerId) const;    // a text layer or a shape
 
     bool operator==(const PublicationItem&) const = default;
 };

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-// In lower case and without accents, so that "Título" is found as "titulo".
+// The text in lower case and without accents, so that "titulo" finds "Título".
 inline QString foldedForSearch(const QString& text)
 {
     QString folded = text.normalized(QString::NormalizationForm_D).toCaseFolded();

@@ -28,7 +28,7 @@ static_assert(rowsAreInOrder<ShapeKind>());
 
 struct ShapeLayer;
 
-// A shape's style without its place. Sizes are in design units.
+// The style of a shape, without its place. Sizes are in design units; see designSize().
 struct ShapeLayerDesign {
     ShapeKind kind = ShapeKind::rectangle;
     CodableColor fill = codableBlack;
@@ -51,7 +51,7 @@ struct ShapeLayerDesign {
     bool operator==(const ShapeLayerDesign&) const = default;
 };
 
-// A vector shape on the canvas. Copied into a ShapeLayerDesign it gives its style.
+// A vector shape on the canvas. Assigned to a ShapeLayerDesign, it gives its style.
 struct ShapeLayer : ShapeLayerDesign {
     QUuid id;
     CodableRect frame;
@@ -62,7 +62,7 @@ struct ShapeLayer : ShapeLayerDesign {
     {
     }
 
-    // Everything of `shape` but its identity.
+    // A copy of `shape` with another id.
     static ShapeLayer preservingID(QUuid id, ShapeLayer shape)
     {
         shape.id = id;

@@ -7,9 +7,9 @@
 #include <compare>
 #include <iterator>
 
-// A list whose entries are shared one by one: copying it, or changing one entry of a copy, costs
-// nothing of the size of the others, and entries that are still shared compare at once. Reading
-// never detaches; edit() is the one way to an entry that may be written to.
+// A list with implicitly shared entries: copying the list, or changing one entry of a copy, does
+// not copy the other entries, and two shared entries are equal without a comparison. Reading never
+// detaches; only edit() gives write access to an entry.
 template <typename T>
 class SharedList {
     struct Node : QSharedData {
@@ -80,7 +80,7 @@ public:
     const_iterator end() const { return const_iterator(m_nodes.cend()); }
 
     T& edit(qsizetype index) { return m_nodes[index]->value; }
-    // The same change made to several lists: entries that they share stay shared.
+    // One change applied to several lists: entries that the lists share stay shared.
     class Change {
         friend class SharedList;
         struct Step {
@@ -112,7 +112,7 @@ public:
     void removeAt(qsizetype index) { m_nodes.removeAt(index); }
     void swapItemsAt(qsizetype a, qsizetype b) { m_nodes.swapItemsAt(a, b); }
 
-    // Whether an entry of each is one and the same, not only equal.
+    // Whether the two entries are one shared object, not only equal.
     bool shares(qsizetype index, const SharedList& other, qsizetype otherIndex) const
     {
         return m_nodes[index].constData() == other.m_nodes[otherIndex].constData();

@@ -9,8 +9,8 @@ enum class SocialFormat { storyReel, horizontal, carouselPortrait, square };
 
 struct SocialFormatRow {
     SocialFormat value;
-    QStringView rawValue;       // the Spanish title
-    QStringView templateKey;    // template files, the service and the command line
+    QStringView rawValue;       // the Spanish title; written to files
+    QStringView templateKey;    // used in template files, by the service and on the command line
     QStringView icon;
     QStringView ratioLabel;
     double aspectRatio;    // width / height
@@ -37,14 +37,14 @@ constexpr QSizeF exportSize(SocialFormat format)
     return row(format).exportSize;
 }
 
-// The canvas size that type sizes, padding, radii and shadows refer to: half the export size,
-// whatever the window.
+// The canvas size in design units: half the export size, whatever the window. Type sizes, padding,
+// radii and shadows are in these units.
 inline QSizeF designSize(SocialFormat format)
 {
     return exportSize(format) / 2;
 }
 
-// Exact and case-sensitive.
+// The format of a template key; exact and case-sensitive.
 inline std::optional<SocialFormat> fromTemplateKey(QStringView key)
 {
     for (const auto& r : Vocabulary<SocialFormat>::rows) {

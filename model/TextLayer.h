@@ -10,14 +10,14 @@
 
 struct TextLayer;
 
-// Of a text that can be edited, in UTF-16 units.
+// The longest text that can be edited, in UTF-16 units.
 inline constexpr int longestText = 10'000;
 
-// The style of a text layer without its place or text. Sizes are in design units; see
-// SocialFormat's designSize.
+// The style of a text layer, without its place and text. Sizes are in design units; see
+// designSize().
 struct TextLayerDesign {
     CodableColor foreground = codableWhite;
-    QString fontName = QStringLiteral("System");    // else a full font name, or a family
+    QString fontName = QStringLiteral("System");    // "System", a full font name, or a family
     double fontScale = 1.0;
     bool hasBox = true;
     CodableColor background = codableBlack;
@@ -45,7 +45,7 @@ struct TextLayerDesign {
     bool operator==(const TextLayerDesign&) const = default;
 };
 
-// One editable text block on the canvas. Copied into a TextLayerDesign it gives its style.
+// One text block on the canvas. Assigned to a TextLayerDesign, it gives its style.
 struct TextLayer : TextLayerDesign {
     QUuid id;
     CopySlot slot = CopySlot::title;
@@ -62,7 +62,7 @@ struct TextLayer : TextLayerDesign {
     {
     }
 
-    // Everything of `layer` but its identity.
+    // A copy of `layer` with another id.
     static TextLayer preservingID(QUuid id, TextLayer layer)
     {
         layer.id = id;

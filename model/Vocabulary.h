@@ -8,9 +8,8 @@
 #include <cstddef>
 #include <optional>
 
-// A closed vocabulary is an enum class and one table: `Vocabulary<E>::rows`, in declaration order,
-// whose rows begin with the case and its raw value. The raw value is what files hold: never rename
-// one.
+// The table of a closed vocabulary, an enum class E: `Vocabulary<E>::rows`, in declaration order. A
+// row begins with the enumerator and its raw value. Files hold raw values: never rename one.
 template <typename E>
 struct Vocabulary;
 
@@ -39,7 +38,7 @@ QString rawValue(E value)
     return row(value).rawValue.toString();
 }
 
-// Exact and case-sensitive.
+// The enumerator of a raw value; exact and case-sensitive.
 template <ClosedVocabulary E>
 std::optional<E> fromRawValue(QStringView name)
 {
@@ -50,14 +49,15 @@ std::optional<E> fromRawValue(QStringView name)
     return std::nullopt;
 }
 
-// What a file's word stands for; a vocabulary that accepts more than its raw values specialises it.
+// The enumerator of a word in a file. Specialised for a vocabulary that accepts more than its raw
+// values.
 template <ClosedVocabulary E>
 std::optional<E> fromStored(QStringView name)
 {
     return fromRawValue<E>(name);
 }
 
-// In declaration order, for pickers.
+// All enumerators in declaration order, for pickers.
 template <ClosedVocabulary E>
 constexpr auto allCases()
 {

@@ -7,8 +7,9 @@
 
 namespace {
 
-// Along a line of `from` pixels that becomes one of `to`, each old pixel is `to` units long and
-// each new one `from`: the weights are whole numbers whose sum is `from`.
+// The old pixels under the new pixel `index`, when a line of `from` pixels becomes one of `to`.
+// Each old pixel is `to` units long and each new one `from`, so the weights are whole numbers whose
+// sum is `from`.
 struct Span {
     Span(int index, int from, int to)
         : first(int(qint64(index) * from / to)), last(int((qint64(index + 1) * from - 1) / to)),
@@ -26,7 +27,8 @@ struct Span {
     quint32 firstWeight, innerWeight, lastWeight;
 };
 
-// 255 times the longest side stays below 32 bits, 255 times the area does not.
+// Adds `row` times `weight` to the sums. They fit into 32 bits because only rows are added: 255
+// times the longest side does, 255 times the area does not.
 void addRow(std::vector<quint32>& sums, const uchar* row, quint32 weight)
 {
     quint32* const first = sums.data();
@@ -35,8 +37,8 @@ void addRow(std::vector<quint32>& sums, const uchar* row, quint32 weight)
         first[i] += row[i] * weight;
 }
 
-// Doubles hold these whole numbers exactly, and a division of whole numbers for each channel would
-// take longer than all else.
+// Calculates with doubles, which hold these whole numbers exactly: an integer division for each
+// channel would take longer than all else.
 QRgb meanAcross(const quint32* sums, const Span& columns, double perArea)
 {
     double mean[4]{};

@@ -19,18 +19,18 @@ using namespace Qt::StringLiterals;
 QString writeAtomically(const QString& path, QByteArrayView bytes, const QString& run)
 {
     const QString number = QString::number(QRandomGenerator::system()->generate64(), 36);
-    // Not a QTemporaryFile, which only its user may read whatever the mask for new files says.
+    // QTemporaryFile would make a file that only its user may read, whatever the umask says.
     QFile file(QFileInfo(path).dir().filePath(unfinishedPrefix() + run + u'.' + number));
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return file.errorString();
     auto discard = qScopeGuard([&] { file.remove(); });
     if (file.write(bytes.data(), bytes.size()) != bytes.size() || !file.flush()) {
-        // A full disk takes a part and calls that no error.
+        // A full disk takes a part of the bytes, and QFile reports no error then.
         return file.error() == QFile::NoError ? qt_error_string(ENOSPC) : file.errorString();
     }
     file.close();
 #ifdef Q_OS_UNIX
-    // QFile::rename never replaces.
+    // QFile::rename() never replaces a file; std::rename() does.
     if (std::rename(QFile::encodeName(file.fileName()).constData(),
                     QFile::encodeName(path).constData()) != 0)
         return qt_error_string();
@@ -45,7 +45,7 @@ QString writeAtomically(const QString& path, QByteArrayView bytes, const QString
 
 namespace {
 
-// The runs of other users are not known here.
+// `isGoingOn` knows only runs of this user, so the files of other users stay.
 bool isOurs(const QString& file)
 {
 #ifdef Q_OS_UNIX

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QCoroTask>    // brings std::coroutine_handle past moc, which cannot read its header
+#include <QCoroTask>    // declares std::coroutine_handle; moc cannot read <coroutine>
 
 #include <utility>
 #include <vector>
 
-// Something that coroutines wait for: `co_await completion.wait();`. They go on inside complete(),
-// so that nothing that is about to go leaves them waiting. Of one thread.
+// An event that coroutines await: `co_await completion.wait();`. They resume inside complete(), so
+// an object that completes it in its destructor leaves none of them waiting. For one thread.
 class Completion {
 public:
     Completion() = default;
@@ -19,7 +19,7 @@ public:
         for (const std::coroutine_handle<>& each : std::exchange(m_waiting, {}))
             each.resume();
     }
-    // Whoever waits from now on waits for the next time.
+    // Makes later calls of wait() wait for the next complete().
     void reset() { m_isComplete = false; }
 
     struct Wait {

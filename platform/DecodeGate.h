@@ -6,13 +6,14 @@
 #include <mutex>
 #include <utility>
 
-// Stands before all decoders and counts the bytes each will need. They start in the order they
-// came, while the sum stays within the budget; one that needs more than the budget runs alone.
+// Limits the memory of all decoders together: each enters with the bytes that it will need.
+// Decoders start in the order in which they came, while the sum stays within the budget; one that
+// needs more than the budget runs alone.
 class DecodeGate {
 public:
     explicit DecodeGate(qint64 budget) : m_budget(budget) {}
 
-    // Holds its bytes until it goes; the gate must outlive it.
+    // Counts its bytes against the budget until it is destroyed; the gate must outlive it.
     class Pass {
     public:
         Pass(Pass&& other) noexcept
@@ -21,7 +22,7 @@ public:
         }
         Pass& operator=(Pass&&) = delete;
         ~Pass();
-        void shrinkTo(qint64 bytes);    // gives back what is above
+        void shrinkTo(qint64 bytes);    // gives the bytes above these back to the budget
 
     private:
         friend class DecodeGate;
@@ -30,7 +31,7 @@ public:
         qint64 m_bytes;
     };
 
-    Pass enter(qint64 bytes);    // waits
+    Pass enter(qint64 bytes);    // blocks until the budget allows `bytes`
 
 private:
     std::mutex m_mutex;

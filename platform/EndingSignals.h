@@ -4,6 +4,6 @@
 
 #include <functional>
 
-// Calls `end` on the application's thread when the system or the user wants the program to end; a
-// second signal ends it at once. Signals that whoever started it wants ignored stay so.
+// Calls `end` on the application's thread on SIGINT, SIGTERM or SIGHUP; the second signal of a kind
+// kills the program at once. A signal that the parent process set to be ignored stays ignored.
 void onEndingSignals(QCoreApplication& application, const std::function<void()>& end);

@@ -9,7 +9,7 @@ class BitReader {
 public:
     explicit BitReader(QByteArray bytes) : m_bytes(std::move(bytes)) {}
 
-    // At most 32; zeros after the end.
+    // `count` is at most 32. Reads zeros after the end.
     quint32 bits(int count)
     {
         quint32 value = 0;
@@ -23,7 +23,7 @@ public:
     }
     void skip(qsizetype count) { m_at += count; }
 
-    // A number that is written with as many zeros ahead as it has bits after its first.
+    // Reads an exponential-Golomb code: n zeros, a one, then n bits.
     quint32 number()
     {
         constexpr int most = 31;
@@ -38,14 +38,14 @@ private:
     qsizetype m_at = 0;
 };
 
-// Of a sequence parameter set, with the two bytes of its unit's header.
+// Width times height from a sequence parameter set. `unit` begins with its two-byte header.
 qint64 codedPixels(QByteArray unit)
 {
-    // A 3 after two zeros only keeps them from looking like a start.
+    // The encoder puts a 3 after two zeros, lest they look like the start of a unit.
     BitReader reader(unit.replace(QByteArray("\0\0\3", 3), QByteArray("\0\0", 2)));
     constexpr int unitHeader = 16, profileLength = 88, levelLength = 8;
     reader.skip(unitHeader + 4);
-    const int layers = int(reader.bits(3));    // besides the base
+    const int layers = int(reader.bits(3));    // sub-layers above the base
     reader.skip(1 + profileLength + levelLength);
     qsizetype layerBits = 0;
     for (int i = 0; i < layers; ++i) {
@@ -56,7 +56,7 @@ qint64 codedPixels(QByteArray unit)
     }
     if (layers > 0)
         reader.skip(qsizetype(2) * (8 - layers) + layerBits);
-    reader.number();    // its own
+    reader.number();    // id of the parameter set
     constexpr quint32 fullChroma = 3;
     if (reader.number() == fullChroma)
         reader.skip(1);
@@ -69,7 +69,7 @@ qint64 codedPixels(QByteArray unit)
 qint64 largestIn(const QByteArray& configuration)
 {
     constexpr int parameterSet = 33;
-    qsizetype at = 22;    // after profile, level and depths
+    qsizetype at = 22;    // offset of the number of arrays, after profile, level and depths
     const auto next = [&](int bytes) {
         quint32 value = 0;
         for (; bytes > 0; --bytes, ++at)

@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 
-// Pixels of the largest picture that the decoder configurations of a HEIC file announce; the
-// container may say less, and the decoder allocates what these say. Parameters repeated among the
-// compressed data are not seen. Endless for more configurations than any photo has.
+// Pixels of the largest picture that the decoder configurations (hvcC) of a HEIC file announce. The
+// decoder allocates that many, even where the container gives a smaller size. Parameter sets among
+// the compressed data are not read. The largest qint64 for more configurations than any photo has.
 qint64 largestCodedPicture(const QByteArray& heic);

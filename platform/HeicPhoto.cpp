@@ -38,7 +38,8 @@ QByteArray rawProfile(const heif_image_handle* handle)
     return profile;
 }
 
-// A profile given as code points. Broadcast curves are taken for sRGB's, which they resemble.
+// The colour space of a profile that is given as code points (nclx). Broadcast curves are treated
+// as sRGB's, which they resemble.
 QColorSpace codedSpace(const heif_image_handle* handle)
 {
     heif_color_profile_nclx* found = nullptr;
@@ -63,12 +64,12 @@ QColorSpace codedSpace(const heif_image_handle* handle)
 
 QImage readHeicPhoto(const QByteArray& bytes, QSize announced)
 {
-    // Coded pictures are whole blocks.
+    // The codec rounds the sides of a picture up to whole blocks.
     constexpr qint64 block = 64;
     const qint64 mostPixels = (announced.width() + block) * (announced.height() + block);
     if (largestCodedPicture(bytes) > mostPixels)
         return {};
-    constexpr int longestSide = 8000;    // of a square: the limit is its area
+    constexpr int longestSide = 8000;    // of a square with the largest allowed area
     const Context context(heif_context_alloc());
     heif_context_set_maximum_image_size_limit(context.get(), longestSide);
     if (heif_context_read_from_memory_without_copy(context.get(), bytes.constData(),

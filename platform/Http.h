@@ -10,7 +10,7 @@
 #include <optional>
 #include <utility>
 
-// A name or an address of this machine.
+// Whether `host` is a name or an address of this machine.
 bool isLoopback(const QString& host);
 
 using HttpHeaders = QList<std::pair<QByteArray, QByteArray>>;
@@ -30,10 +30,10 @@ struct HttpReply {
     QByteArray body;
 };
 
-// The exchange came to no reply.
+// An exchange that ended without a reply.
 class TransportError : public std::exception {
 public:
-    // brokenOff: it was sent, and then nothing came that the toolkit takes for an answer.
+    // brokenOff: the request was sent, and the connection broke before a valid answer came.
     enum class Kind { unreachable, timedOut, stopped, tooLarge, notHttp, brokenOff };
 
     TransportError(Kind kind, const QString& text)
@@ -41,7 +41,7 @@ public:
     {
     }
     static TransportError timedOut();
-    static TransportError stopped();    // as was asked for
+    static TransportError stopped();    // by a stop_token, or by the end of the HttpClient
 
     Kind kind() const { return m_kind; }
     const QString& text() const { return m_text; }    // for the user, in Spanish

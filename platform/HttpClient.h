@@ -7,9 +7,9 @@
 
 #include <stop_token>
 
-// Sends requests and brings back whole replies. Keeps no cookies; follows no redirections;
-// certificates are checked. Requests with a body leave once: they are never sent again unasked.
-// Lives on the interface thread. When it goes, what is under way ends as stopped.
+// Sends requests and returns whole replies. Keeps no cookies, follows no redirections, checks
+// certificates. A request with a body is sent only once: Qt is kept from repeating it by itself.
+// Lives on the interface thread. Its destructor ends the open requests as stopped.
 class HttpClient : public QObject {
     Q_OBJECT
 public:

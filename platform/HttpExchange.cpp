@@ -11,8 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A body that cannot be rewound. The network layer sends a request again, by itself, when the
-// server hangs up before answering; what is asked for with a body may have been done by then.
+// A body that cannot be rewound. Qt repeats a request by itself when the server hangs up before
+// answering; a server that got the body may have acted on it by then.
 class OnceReadable final : public QIODevice {
 public:
     OnceReadable(const QByteArray& data, QObject* parent) : QIODevice(parent), m_data(data)
@@ -39,7 +39,7 @@ private:
     qint64 m_read = 0;
 };
 
-// The system's, but never for this machine itself.
+// The system's proxies, but none for this machine itself.
 class SystemProxies final : public QNetworkProxyFactory {
 public:
     QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery& query) override
@@ -49,7 +49,7 @@ public:
     }
 };
 
-// What the toolkit's catalogue says too tersely, or not at all.
+// Texts for errors that Qt describes too tersely or not at all.
 struct Sentence {
     QNetworkReply::NetworkError error;
     QStringView text;
@@ -96,8 +96,8 @@ TransportError failureOf(const QNetworkReply& reply)
     }
 }
 
-// An answer is one whatever its status; the toolkit counts every status above 399 as an error, and
-// to be sent elsewhere with a body that it cannot rewind.
+// Whether the server answered, with any status. Qt reports every status above 399 as an error, and
+// a redirection (307, 308) of a body that it cannot rewind as ContentReSendError.
 bool isAnswer(const QNetworkReply& reply)
 {
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -105,7 +105,7 @@ bool isAnswer(const QNetworkReply& reply)
     case QNetworkReply::ContentReSendError:
         return status == 307 || status == 308;
     case QNetworkReply::ProxyAuthenticationRequiredError:
-        return status == 407;    // which a server may answer that is none
+        return status == 407;    // a server that is no proxy may send it too
     case QNetworkReply::ProtocolUnknownError:
     case QNetworkReply::ProtocolFailure:
         return false;
@@ -115,7 +115,7 @@ bool isAnswer(const QNetworkReply& reply)
     }
 }
 
-// Several headers of one name arrive joined by line breaks.
+// Qt joins the headers of one name with line breaks.
 HttpHeaders headersOf(const QNetworkReply& reply)
 {
     HttpHeaders headers;
@@ -131,7 +131,7 @@ QNetworkRequest prepared(const HttpRequest& request)
     QNetworkRequest network(request.url);
     for (const auto& [name, value] : request.headers)
         network.setRawHeader(name, value);
-    network.setRawHeader("Connection", "close");    // nobody would use it again
+    network.setRawHeader("Connection", "close");    // each connection serves one exchange
     const auto manual = QNetworkRequest::Manual;
     network.setAttribute(QNetworkRequest::CookieLoadControlAttribute, manual);
     network.setAttribute(QNetworkRequest::CookieSaveControlAttribute, manual);
@@ -154,7 +154,7 @@ QNetworkRequest prepared(const HttpRequest& request)
 HttpExchange::HttpExchange(const HttpRequest& request, std::stop_token stop, QObject* parent)
     : QObject(parent), m_largest(request.largestReply), m_manager(new QNetworkAccessManager(this))
 {
-    m_manager->setProxyFactory(new SystemProxies);    // taken over
+    m_manager->setProxyFactory(new SystemProxies);    // the manager owns it
     if (stop.stop_requested()) {
         finish(TransportError::stopped());
         return;
@@ -172,7 +172,7 @@ HttpExchange::HttpExchange(const HttpRequest& request, std::stop_token stop, QOb
 
 HttpExchange::~HttpExchange()
 {
-    m_onStop.reset();    // would call into what is going
+    m_onStop.reset();    // a stop request must not reach a half-destroyed object
     if (m_reply)
         m_reply->disconnect(this);
 }

@@ -13,7 +13,7 @@
 class QNetworkAccessManager;
 class QNetworkReply;
 
-// One request and what came of it.
+// One request and its outcome: a reply or an error.
 class HttpExchange : public QObject {
     Q_OBJECT
 public:
@@ -23,7 +23,7 @@ public:
     ~HttpExchange() override;
 
     Completion& finished() { return m_finished; }
-    const Outcome& outcome() const { return *m_outcome; }    // once it is finished
+    const Outcome& outcome() const { return *m_outcome; }    // valid after finished()
     void stop();
 
 private:
@@ -32,7 +32,8 @@ private:
     void finish(Outcome outcome);
 
     const qint64 m_largest;
-    // Its own: a shared one would send over a connection that the server is about to close.
+    // A manager for each exchange: a shared one would reuse a connection that the server is about
+    // to close.
     QNetworkAccessManager* m_manager;
     QNetworkReply* m_reply = nullptr;
     QByteArray m_body;

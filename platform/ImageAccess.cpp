@@ -20,6 +20,16 @@ std::optional<AcceptedPhoto> ImageAccess::image(const QUrl& url,
     return withSecurityScope(resolved, [&] { return cache.accept(resolved.toLocalFile()); });
 }
 
+std::optional<AcceptedPhoto> ImageAccess::identified(const QUrl& url,
+                                                     const std::optional<QByteArray>& bookmarkData,
+                                                     PhotoCache& cache)
+{
+    const QUrl resolved = resolvedURL(url, bookmarkData);
+    if (!resolved.isLocalFile())
+        return {};
+    return withSecurityScope(resolved, [&] { return cache.identify(resolved.toLocalFile()); });
+}
+
 std::optional<AcceptedPhoto> ImageAccess::reopened(const QUrl& url,
                                                    const std::optional<QByteArray>& bookmarkData,
                                                    PhotoCache& cache)

@@ -9,19 +9,19 @@
 #include <optional>
 #include <utility>
 
-// Reaching a photo the user once chose. Some systems hand out bookmarks that outlive the program
-// and ask that access be started and stopped around each use; here a path is enough, and the calls
-// stay so that their users need not know.
+// Access to photos that the user chose in an earlier run. Some systems give out bookmarks for that
+// and require access to be started and stopped around each use. Here a path is enough: the calls
+// exist so that callers look alike on all systems.
 namespace ImageAccess {
 
-// How this system starts and stops access. Starting may answer that there was nothing to start.
+// Starts and stops access on this system. `start` returns false when there was nothing to start.
 struct SecurityScope {
     std::function<bool(const QUrl&)> start = [](const QUrl&) { return false; };
     std::function<void(const QUrl&)> stop = [](const QUrl&) {};
 };
 
-// Runs `work` while access is open and passes on its result or its exception. What did not start is
-// not stopped, and the work is tried all the same.
+// Runs `work` between start() and stop() of `scope`, and passes on its result or its exception.
+// When start() returns false, `work` runs all the same and stop() is not called.
 template <typename Work>
 decltype(auto) withSecurityScope(const QUrl& url, Work&& work, const SecurityScope& scope = {})
 {
@@ -35,14 +35,21 @@ decltype(auto) withSecurityScope(const QUrl& url, Work&& work, const SecuritySco
 
 std::optional<QByteArray> bookmarkData(const QUrl& url);
 
-// Where the bookmark leads now; the fallback without a bookmark or when it leads nowhere.
+// The place the bookmark leads to now; `fallback` without a bookmark or when it leads nowhere.
 QUrl resolvedURL(const QUrl& fallback, const std::optional<QByteArray>& bookmarkData);
 
-// The photo, through its bookmark; nothing when it cannot be read. Waits.
+// Accepts the photo into `cache`, through its bookmark; nothing when it cannot be read. Waits for
+// the disk and the codec.
 std::optional<AcceptedPhoto> image(const QUrl& url, const std::optional<QByteArray>& bookmarkData,
                                    PhotoCache& cache);
 
-// The same for a photo of an earlier run, without its pixels; see PhotoCache::reopen. Waits.
+// Calls PhotoCache::identify() for a photo that comes into the batch, through its bookmark. Waits
+// for the disk.
+std::optional<AcceptedPhoto>
+identified(const QUrl& url, const std::optional<QByteArray>& bookmarkData, PhotoCache& cache);
+
+// Calls PhotoCache::reopen() for a photo of an earlier run, through its bookmark. Waits for the
+// disk.
 std::optional<AcceptedPhoto>
 reopened(const QUrl& url, const std::optional<QByteArray>& bookmarkData, PhotoCache& cache);
 

@@ -10,9 +10,16 @@ void settleAllocator()
 {
 #ifdef __GLIBC__
     mallopt(M_MMAP_THRESHOLD, 32 << 20);
-    // What is freed above this goes back to the system. At the default of 128 kB every picture is
-    // paged in anew.
+    // Free memory above this goes back to the system. At the default of 128 kB, the pages of every
+    // picture would be paged in anew.
     mallopt(M_TRIM_THRESHOLD, 16 << 20);
+#endif
+}
+
+void keepFreedMemory()
+{
+#ifdef __GLIBC__
+    mallopt(M_TRIM_THRESHOLD, 128 << 20);
 #endif
 }
 

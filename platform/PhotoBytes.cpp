@@ -21,11 +21,11 @@ constexpr int firstFrame = 0xC0, firstRestart = 0xD0, startOfImage = 0xD8, endOf
 
 struct Segment {
     int marker;
-    qsizetype start, end;    // without the compressed data that follows a scan's
+    qsizetype start, end;    // byte offsets; a scan ends before its compressed data
 };
 
-// What stands between segments is passed over, as libjpeg does. So are markers below the frames':
-// where libjpeg searches damaged data for a restart it does not heed a length after them.
+// Passes over stray bytes between segments, as libjpeg does. Markers below firstFrame are passed
+// over too: libjpeg, searching damaged data for a restart, heeds no length after them.
 std::optional<Segment> nextSegment(const QByteArray& jpeg, qsizetype from)
 {
     for (qsizetype at = jpeg.indexOf('\xFF', from); at >= 0 && at + 1 < jpeg.size();
@@ -51,7 +51,7 @@ bool isColourProfile(const QByteArray& jpeg, const Segment& segment)
     return segment.marker == Marker::app2 && body.startsWith("ICC_PROFILE");
 }
 
-// libpng inflates a profile before it looks whether it is one.
+// Whether a chunk stays small once inflated: libpng inflates a profile before it checks what it is.
 bool isBounded(QByteArrayView name, QByteArrayView data)
 {
     constexpr qsizetype longest = 1 << 20;
@@ -60,7 +60,7 @@ bool isBounded(QByteArrayView name, QByteArrayView data)
     const qsizetype title = data.indexOf('\0');
     if (title < 0 || title + 2 > data.size())
         return false;
-    const QByteArrayView compressed = data.sliced(title + 2);    // after the method of compression
+    const QByteArrayView compressed = data.sliced(title + 2);    // after the compression method
     const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>
         inflater(libdeflate_alloc_decompressor(), &libdeflate_free_decompressor);
     const auto profile = std::make_unique_for_overwrite<char[]>(largestProfile);
@@ -114,11 +114,11 @@ int scanCount(const QByteArray& jpeg)
 
 std::optional<QByteArray> neededChunks(QByteArray png)
 {
-    constexpr qsizetype around = 12;    // length, name, checksum
+    constexpr qsizetype around = 12;    // bytes of length, name and checksum
     char* const bytes = png.data();
     qsizetype at = 8, kept = 8;
     bool hasData = false;
-    // One of each: what repeats is not even looked at.
+    // The optional chunks to keep, each once: removeOne() makes a repeated chunk unwanted.
     QByteArrayList wanted{"tRNS", "iCCP", "sRGB", "gAMA", "cHRM", "sBIT", "bKGD", "pHYs", "eXIf"};
     while (png.size() - at >= around) {
         const qint64 length = qFromBigEndian<quint32>(bytes + at);

@@ -9,7 +9,7 @@ namespace {
 
 constexpr qint64 kilobyte = 1024;
 
-// In kilobytes, of pictures of 32 bits.
+// Kilobytes of a picture with 32 bits per pixel.
 qsizetype costOf(QSize size)
 {
     return qsizetype(qint64(size.width()) * size.height() * 4 / kilobyte + 1);
@@ -35,6 +35,17 @@ std::optional<AcceptedPhoto> PhotoCache::accept(const QString& path)
     }
     keep(Key{path, photo->digest, 0}, photo->thumbnail);
     rememberContent(path, {file, photo->digest});
+    return photo;
+}
+
+std::optional<AcceptedPhoto> PhotoCache::identify(const QString& path)
+{
+    const QString file = m_disk.fileFor(path);
+    auto photo = m_disk.loadFacts(file);
+    if (!photo)
+        photo = identifyPhoto(path);
+    if (photo)
+        rememberContent(path, {file, photo->digest});
     return photo;
 }
 
@@ -74,7 +85,7 @@ std::optional<AcceptedPhoto> PhotoCache::reopen(const QString& path)
     if (auto known = m_disk.loadFacts(m_disk.fileFor(path)))
         return known;
     if (!info->reducible) {
-        // Only its decoding tells how it will stand.
+        // For formats other than JPEG, only decoding tells the upright size.
         if (auto accepted = accept(path))
             return accepted;
     }
@@ -142,8 +153,8 @@ void PhotoCache::keep(const Key& key, const QImage& image)
     shelf(key).insert(key, std::make_unique<QImage>(image).release(), costOf(image.size()));
 }
 
-// Who asks for what another thread is making waits for it; when that thread failed, the next one
-// tries itself.
+// A thread that asks for the picture another thread is making waits for it. If that one fails, the
+// next thread tries itself.
 QImage PhotoCache::findOrMake(const Key& key, const std::function<QImage()>& make)
 {
     {

@@ -10,50 +10,55 @@
 #include <functional>
 #include <mutex>
 
-// A photo as the cache knows it: where it lies and what was in it when it was accepted; without a
-// digest, whatever lies there.
+// A photo in the cache: its path, and the digest of its bytes when it was accepted. Without a
+// digest, the photo is whatever lies at the path.
 struct PhotoId {
     QString path;
     QByteArray digest;
     bool operator==(const PhotoId&) const = default;
 };
 
-// The one place pixels of photos come from. Proxies and thumbnails each have a budget in memory,
-// and what was used longest ago goes first. Safe from any thread; what waits is not for the
-// interface's.
+// The only source of the pixels of photos. Proxies (photos decoded at a level) and thumbnails each
+// have a budget in bytes of memory; the least recently used go first. Safe from any thread. "Waits"
+// means for the disk, memory and the codec: not on the interface thread.
 class PhotoCache {
 public:
     explicit PhotoCache(QString thumbnailFolder, qint64 proxyBudget = qint64(128) << 20,
                         qint64 thumbnailBudget = qint64(64) << 20);
 
-    // As acceptPhoto(); a thumbnail on disk of the very same file answers without decoding. Waits.
+    // Accepts a photo as acceptPhoto() does, or reads its thumbnail on disk if the file has not
+    // changed since. Waits.
     std::optional<AcceptedPhoto> accept(const QString& path);
 
-    // A photo that was accepted in an earlier run: what is known of it, with the digest where that
-    // is to be had without reading all of the file. Nothing when it is gone or no photo any more.
-    // Waits, mostly for little.
+    // Looks at a photo as identifyPhoto() does, or reads what was stored when it was accepted if
+    // the file has not changed since. Waits.
+    std::optional<AcceptedPhoto> identify(const QString& path);
+
+    // The facts of a photo accepted in an earlier run. Its digest is empty when only reading the
+    // whole file would give it. Nothing when the file is gone or is no photo any more. Waits;
+    // longest for a format that must be decoded to be known.
     std::optional<AcceptedPhoto> reopen(const QString& path);
 
-    // The digest of what lies there now; nothing when that is gone or no photo that can be read.
-    // Remembered by size, time and inode: asked again it costs a look at the folder. Waits.
+    // The digest of the file at `path` now; nothing when it is gone or no photo. It is remembered
+    // by size, time and inode, so a second call costs one look at the folder. Waits.
     std::optional<QByteArray> contentOf(const QString& path);
 
-    // Memory, disk or decoding; null when the photo is gone, unreadable or another one by now.
-    // Waits.
+    // The thumbnail from memory, disk or decoding; null when the photo is gone, unreadable or has
+    // another digest by now. Waits.
     QImage thumbnail(const PhotoId& photo);
 
-    QImage cachedProxy(const PhotoId& photo, PhotoLevel level) const;    // that level or null
+    QImage cachedProxy(const PhotoId& photo, PhotoLevel level) const;    // of this level, or null
     QImage anyProxy(const PhotoId& photo) const;    // the finest in memory, else the thumbnail
-    // Memory or decoding; null as the thumbnail. Waits. What would fill the memory comes smaller:
-    // averaged to the level where the codec cannot decode reduced, and beyond it when it would not
-    // fit at all.
+    // The proxy from memory or decoding; null when the photo is gone, unreadable or has another
+    // digest. One larger than half of the memory budget is averaged down to `level` if the codec
+    // could not decode it reduced, and further while it exceeds the whole budget. Waits.
     QImage proxy(const PhotoId& photo, PhotoLevel level);
 
 private:
     struct Key {
         QString path;
         QByteArray digest;
-        int level;    // of a proxy; 0 for the thumbnail
+        int level;    // the PhotoLevel of a proxy; 0 for the thumbnail
         bool operator==(const Key&) const = default;
     };
     friend size_t qHash(const Key& key, size_t seed) noexcept
@@ -61,7 +66,8 @@ private:
         return qHashMulti(seed, key.path, key.digest, key.level);
     }
     struct Content {
-        QString file;    // of its thumbnail: another for another size, time or inode
+        QString file;    // ThumbnailStore::fileFor() when the digest was read
+                         // inode
         QByteArray digest;
     };
     static Key keyOf(const PhotoId& photo, int level) { return {photo.path, photo.digest, level}; }
@@ -73,7 +79,7 @@ private:
     QImage findOrMake(const Key& key, const std::function<QImage()>& make);
 
     ThumbnailStore m_disk;
-    mutable std::mutex m_mutex;                             // what follows
+    mutable std::mutex m_mutex;                             // guards the members below
     mutable QCache<Key, QImage> m_proxies, m_thumbnails;    // costs in kilobytes
     QSet<Key> m_inWork;
     QHash<QString, Content> m_contents;    // by path

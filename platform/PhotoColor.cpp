@@ -10,7 +10,8 @@
 
 namespace {
 
-// Sixteen bits a channel are converted as such: linear light in eight would break into bands.
+// Keeps sixteen bits per channel where a picture has them: linear light in eight would break into
+// bands.
 QImage inConvertibleFormat(QImage picture)
 {
     const bool deep = picture.depth() > 32 || picture.format() == QImage::Format_Grayscale16 ||
@@ -23,7 +24,7 @@ QImage inConvertibleFormat(QImage picture)
     return picture;
 }
 
-// In strips too small for Qt to share out among the threads of its own pool: they run at the
+// Works in strips too small for Qt to share out among the threads of its own pool: those run at the
 // interface's priority, and the other cores have photos of their own.
 void convertByMatrix(QImage& picture, const QColorTransform& transform)
 {
@@ -43,7 +44,7 @@ struct LcmsDeleter {
 };
 using LcmsProfile = std::unique_ptr<void, LcmsDeleter>;
 
-// Table-based profiles, which QColorSpace refuses.
+// Converts from a table-based profile, which QColorSpace refuses.
 void convertByTables(QImage& picture, const QByteArray& rawProfile)
 {
     const LcmsProfile from(

@@ -24,8 +24,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 sharedBytes = 280'000'000;     // of all decodings together
-constexpr qint64 largestAlone = 600'000'000;    // of one that runs alone
+constexpr qint64 sharedBytes = 280'000'000;     // budget of all decodings together
+constexpr qint64 largestAlone = 600'000'000;    // limit of a decoding that runs alone
 
 DecodeGate& gate()
 {
@@ -54,8 +54,8 @@ const char* readerName(PhotoFormat format)
     return "";
 }
 
-// libtiff writes its opinions to standard error. The plugin loads it, so there is no header of it
-// here: only the two functions that take its handlers away.
+// libtiff writes its warnings to standard error. Only Qt's plugin links it, so there is no header
+// here: the two functions that set its handlers are looked up by name.
 void silenceTiff()
 {
     static std::once_flag once;
@@ -113,8 +113,8 @@ QImage uprightFrom(QImage image, int orientation)
     return degrees ? image.transformed(QTransform().rotate(degrees)) : image;
 }
 
-// What is known of a JPEG before its pixels: the size as it will stand. Other formats are decoded
-// whole, and the level chosen for them changes nothing.
+// The facts of a photo before its pixels; the upright size for a JPEG. Other formats are decoded
+// whole, so the level chosen from their size changes nothing.
 PhotoInfo infoBeforeDecoding(const PhotoHeader& header)
 {
     return {isTurned(header.orientation) ? header.size.transposed() : header.size,
@@ -124,7 +124,7 @@ PhotoInfo infoBeforeDecoding(const PhotoHeader& header)
 std::optional<DecodedPhoto> readWithQt(const PhotoHeader& header, QByteArray bytes,
                                        PhotoLevel level)
 {
-    // Qt refuses pictures above a limit of its own, lower than what the gate lets pass.
+    // Qt's default limit is lower than the gate's.
     static std::once_flag once;
     std::call_once(once, [] { QImageReader::setAllocationLimit(int(largestAlone >> 20)); });
     if (header.format == PhotoFormat::tiff)
@@ -156,7 +156,7 @@ std::optional<DecodedPhoto> readWithQt(const PhotoHeader& header, QByteArray byt
     return DecodedPhoto{info, inSrgb(std::move(image)), nullptr};
 }
 
-// A photo whose bytes are read and whose share of memory is taken.
+// The bytes of a photo and the gate's pass for decoding them.
 struct OpenPhoto {
     PhotoHeader header;
     PhotoLevel level;
@@ -164,10 +164,17 @@ struct OpenPhoto {
     QByteArray bytes;
 };
 
-// Most readers take the bytes as they come, a strip or a row at a time; these two copy them whole.
+// Copies of the file's bytes in memory. Most readers take them a strip or a row at a time; these
+// two copy them whole.
 int copiesOfFile(PhotoFormat format)
 {
     return format == PhotoFormat::webp || format == PhotoFormat::heic ? 2 : 1;
+}
+
+// Whether the header gives the upright size: other formats keep their orientation behind it.
+bool isSizeInHeader(PhotoFormat format)
+{
+    return format == PhotoFormat::jpeg || format == PhotoFormat::png || format == PhotoFormat::bmp;
 }
 
 std::optional<OpenPhoto> openPhoto(const QString& path, const LevelChoice& wantedLevel)
@@ -185,7 +192,7 @@ std::optional<OpenPhoto> openPhoto(const QString& path, const LevelChoice& wante
         return {};
     OpenPhoto photo{*header, level, gate().enter(needed), file.read(fileBytes)};
     if (header->format == PhotoFormat::jpeg) {
-        constexpr qint64 mostWork = 5'000'000'000;    // pixels, each scan counted
+        constexpr qint64 mostWork = 5'000'000'000;    // pixels times scans
         const QSize size = header->size;
         if (qint64(size.width()) * size.height() * scanCount(photo.bytes) > mostWork)
             return {};
@@ -206,7 +213,7 @@ std::optional<DecodedPhoto> decodeHeic(const PhotoHeader& header, const QByteArr
     return DecodedPhoto{{image.size(), false}, image, nullptr};
 }
 
-// The picture goes on holding its own share of the memory; that of the decoding is given back.
+// Decodes the photo. Its pass shrinks to the bytes of the picture and goes along as `share`.
 std::optional<DecodedPhoto> decode(OpenPhoto photo)
 {
     auto decoded = photo.header.format == PhotoFormat::heic
@@ -260,6 +267,20 @@ std::optional<PhotoInfo> readPhotoInfo(const QString& path)
         return {};
     const auto header = readPhotoHeader(file);
     return header ? std::optional(infoBeforeDecoding(*header)) : std::nullopt;
+}
+
+std::optional<AcceptedPhoto> identifyPhoto(const QString& path)
+{
+    auto photo = openPhoto(path, [](const PhotoInfo&) { return PhotoLevel::eighth; });
+    if (!photo)
+        return {};
+    const QByteArray digest = digestOf(photo->bytes);
+    if (isSizeInHeader(photo->header.format))
+        return AcceptedPhoto{infoBeforeDecoding(photo->header), digest, {}};
+    const auto decoded = decode(std::move(*photo));
+    if (!decoded)
+        return {};
+    return AcceptedPhoto{decoded->info, digest, {}};
 }
 
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path)

@@ -12,41 +12,47 @@
 
 struct PhotoInfo {
     QSize size;                // upright, in file pixels
-    bool reducible = false;    // a JPEG: decodes at a level for less
+    bool reducible = false;    // a JPEG: a coarser level decodes in less time and memory
     bool operator==(const PhotoInfo&) const = default;
 };
 
 // Short side 320 pixels, long side at most 1280; never larger than the photo.
 QSize thumbnailSize(QSize photo);
 
-// Pixels upright, in sRGB, RGB32 or ARGB32_Premultiplied; nothing when the file is no photo or
-// would need too much memory. What cannot be decoded reduced comes at full size whatever the level,
-// and a JPEG too large for the level comes at the next one that fits. Nothing as well when a digest
-// is expected and the bytes have another. Any thread but the interface's: it waits for the disk,
-// for its share of memory and for the codec.
+// Decodes a photo, upright, in sRGB, as RGB32 or ARGB32_Premultiplied. Nothing when the file is no
+// photo, would need too much memory, or has another digest than the expected one. A format that
+// cannot be decoded reduced comes at full size whatever the level; a JPEG too large for the level
+// comes at the next one that fits. Not for the interface thread: waits for the disk, the DecodeGate
+// and the codec.
 std::optional<QImage> decodePhoto(const QString& path, PhotoLevel level,
                                   const QByteArray& expectedDigest = {});
 
-// The same for who knows the level only from the photo: one reading serves both.
+// A decoded picture and its photo's facts.
 struct DecodedPhoto {
     PhotoInfo info;
     QImage image;
-    // Counts the picture's bytes against what all decodings may take together, until it goes: hold
-    // it as long as the picture, and no longer, for others may be waiting.
+    // Counts the picture's bytes against the memory budget of all decodings, until it is released.
+    // Hold it as long as the picture and no longer: other decodings may be waiting.
     std::shared_ptr<const void> share;
 };
+// Chooses the level from the photo's facts, so that the file is read only once.
 using LevelChoice = std::function<PhotoLevel(const PhotoInfo&)>;
 std::optional<DecodedPhoto> decodePhoto(const QString& path, const LevelChoice& level,
                                         const QByteArray& expectedDigest = {});
 
-// What the first bytes say of a photo, without decoding it: of a TIFF, a WebP or a HEIC the size
-// may be that before turning. Nothing when they are not those of a photo. Waits for the disk.
+// The facts in the first bytes of a photo, without decoding it: for a TIFF, a WebP or a HEIC, the
+// size may be that before rotation. Nothing when the bytes are not those of a photo. Waits for the
+// disk.
 std::optional<PhotoInfo> readPhotoInfo(const QString& path);
 
-// What accepting a photo into a batch yields, from one reading and one reduced decoding.
+// The result of accepting a photo into a batch, from one reading and one reduced decoding.
 struct AcceptedPhoto {
     PhotoInfo info;
     QByteArray digest;    // BLAKE2b-256 of the file's bytes
-    QImage thumbnail;     // as decodePhoto, area-averaged to thumbnailSize()
+    QImage thumbnail;     // upright, in sRGB, area-averaged to thumbnailSize()
 };
 std::optional<AcceptedPhoto> acceptPhoto(const QString& path);
+
+// Looks at a photo without making a thumbnail. If its header gives the upright size for certain,
+// the photo is not decoded, so its decoding may still fail later.
+std::optional<AcceptedPhoto> identifyPhoto(const QString& path);

@@ -3,6 +3,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace {
@@ -42,7 +43,7 @@ T number(const QByteArray& bytes, qsizetype offset, bool isBigEndian)
     return isBigEndian ? big<T>(bytes, offset) : little<T>(bytes, offset);
 }
 
-// From 32-bit fields of a file; what does not fit into an int is no size of ours.
+// A size from 32-bit fields of a file; invalid when a side is longer than any photo's.
 QSize sizeFrom(quint32 width, quint32 height)
 {
     constexpr quint32 largest = 1 << 24;
@@ -59,8 +60,8 @@ bool readJpegFrame(const QByteArray& frame, qint64 offset, PhotoHeader& header)
     header.workingBytes = pixels(header.size) * 2 * components;
     header.bytesPerPixel = components == 1 ? 1 : 4;
 
-    // Odd ratios of sampling (2 of 3) are the one case where a larger picture could have more
-    // blocks.
+    // With odd ratios of sampling (2 of 3), a larger announced size could ask for more blocks than
+    // the file holds; then the size must not be padded.
     const auto factors = [&](int i) { return uchar(frame[7 + 3 * i]); };
     int largestAcross = 1, largestDown = 1;
     for (int i = 0; i < components; ++i) {
@@ -120,13 +121,13 @@ std::optional<PhotoHeader> readJpeg(QIODevice& file)
             frameComponents = uchar(body[5]);
             const bool progressive = (marker & 3) == 2;
             if (progressive)
-                frameComponents = 5;    // more than any scan holds
+                frameComponents = 5;    // no scan can hold all of them
         } else if (marker == 0xDA) {
             const QByteArray body = bytesAt(file, at + 2, 1);
             if (body.isEmpty() || !frameComponents)
                 return {};
             if (uchar(body[0]) >= frameComponents)
-                header.workingBytes = 0;    // everything in one scan: nothing is held
+                header.workingBytes = 0;    // one scan holds all: no coefficients are kept
             return header;
         } else if (marker == 0xE1 && !hasExif) {
             const QByteArray body = bytesAt(file, at + 2, length - 2);
@@ -152,7 +153,7 @@ std::optional<PhotoHeader> readPng(QIODevice& file)
                        .bytesPerPixel = depth == 16 ? 8 : 4};
 }
 
-// One number of a TIFF directory entry; 0 for types that hold no count.
+// One number of a TIFF directory entry; 0 for types other than unsigned integers.
 quint64 tiffNumber(const QByteArray& entry, bool isBigEndian, qsizetype valueOffset)
 {
     switch (number<quint16>(entry, 2, isBigEndian)) {
@@ -168,78 +169,102 @@ quint64 tiffNumber(const QByteArray& entry, bool isBigEndian, qsizetype valueOff
     return 0;
 }
 
+// Byte order and lengths of the fields of a TIFF.
+struct TiffLayout {
+    bool isBigEndian = false;
+    bool isBig = false;    // BigTIFF: 64-bit offsets
+
+    int countLength() const { return isBig ? 8 : 2; }
+    int entryLength() const { return isBig ? 20 : 12; }
+    int valueOffset() const { return isBig ? 12 : 8; }
+    int inlineShorts() const { return isBig ? 4 : 2; }    // as many as an entry itself has room for
+    // Reads an offset, or a count of values.
+    quint64 longNumber(const QByteArray& bytes, qsizetype offset) const
+    {
+        return isBig ? number<quint64>(bytes, offset, isBigEndian)
+                     : quint64(number<quint32>(bytes, offset, isBigEndian));
+    }
+};
+
+struct TiffTags {
+    quint64 width = 0, height = 0, tileWidth = 0, tileHeight = 0, bits = 1, samples = 1;
+    quint64 rowsOfStrip = std::numeric_limits<quint64>::max();
+
+    // libtiff allocates one strip or one tile; a tile's size has nothing to do with the photo's.
+    quint64 bufferPixels() const
+    {
+        return std::max(tileWidth * tileHeight, width * std::min(rowsOfStrip, height));
+    }
+    bool isSane() const
+    {
+        constexpr quint64 longest = 1 << 24, mostSamples = 8, mostBits = 64;
+        return width <= longest && height <= longest && tileWidth <= longest &&
+               tileHeight <= longest && tileWidth * tileHeight <= quint64(largestUnreduced) &&
+               samples <= mostSamples && bits <= mostBits;
+    }
+};
+
+constexpr quint16 bitsTag = 258;
+constexpr std::array tiffTags{
+    std::pair(quint16(256), &TiffTags::width),
+    std::pair(quint16(257), &TiffTags::height),
+    std::pair(bitsTag, &TiffTags::bits),
+    std::pair(quint16(277), &TiffTags::samples),
+    std::pair(quint16(278), &TiffTags::rowsOfStrip),
+    std::pair(quint16(322), &TiffTags::tileWidth),
+    std::pair(quint16(323), &TiffTags::tileHeight),
+};
+
+// `entries`: the bytes of a directory.
+TiffTags readTiffTags(QIODevice& file, const QByteArray& entries, const TiffLayout& layout)
+{
+    TiffTags tags;
+    for (qsizetype at = 0; at < entries.size(); at += layout.entryLength()) {
+        const QByteArray entry = entries.mid(at, layout.entryLength());
+        const auto tag = number<quint16>(entry, 0, layout.isBigEndian);
+        const auto known =
+            std::ranges::find(tiffTags, tag, [](const auto& row) { return row.first; });
+        if (known == tiffTags.end())
+            continue;
+        tags.*known->second = tiffNumber(entry, layout.isBigEndian, layout.valueOffset());
+        // Bit depths that do not fit into the entry lie elsewhere in the file; all channels have
+        // one depth.
+        if (tag == bitsTag && layout.longNumber(entry, 4) > quint64(layout.inlineShorts())) {
+            const QByteArray first =
+                bytesAt(file, qint64(layout.longNumber(entry, layout.valueOffset())), 2);
+            tags.bits = first.isEmpty() ? 64 : number<quint16>(first, 0, layout.isBigEndian);
+        }
+    }
+    return tags;
+}
+
 std::optional<PhotoHeader> readTiff(QIODevice& file)
 {
     const QByteArray start = bytesAt(file, 0, 16);
     if (start.isEmpty())
         return {};
-    const bool isBigEndian = start[0] == 'M';
-    const bool wide = number<quint16>(start, 2, isBigEndian) == 43;    // BigTIFF: 64-bit offsets
-    const int countLength = wide ? 8 : 2, entryLength = wide ? 20 : 12;
-    // An offset, or a count of values.
-    const auto longNumber = [&](const QByteArray& bytes, qsizetype offset) {
-        return wide ? number<quint64>(bytes, offset, isBigEndian)
-                    : quint64(number<quint32>(bytes, offset, isBigEndian));
-    };
-    const qint64 directory = qint64(longNumber(start, wide ? 8 : 4));
-    const QByteArray countBytes = bytesAt(file, directory, countLength);
+    TiffLayout layout{.isBigEndian = start[0] == 'M'};
+    layout.isBig = number<quint16>(start, 2, layout.isBigEndian) == 43;
+    const qint64 directory = qint64(layout.longNumber(start, layout.isBig ? 8 : 4));
+    const QByteArray countBytes = bytesAt(file, directory, layout.countLength());
     if (countBytes.isEmpty())
         return {};
-    const quint64 entryCount = wide ? number<quint64>(countBytes, 0, isBigEndian)
-                                    : quint64(number<quint16>(countBytes, 0, isBigEndian));
+    const quint64 entryCount = layout.isBig
+                                   ? number<quint64>(countBytes, 0, layout.isBigEndian)
+                                   : quint64(number<quint16>(countBytes, 0, layout.isBigEndian));
     if (entryCount > 4096)
         return {};
     const QByteArray entries =
-        bytesAt(file, directory + countLength, qint64(entryCount) * entryLength);
-    quint64 width = 0, height = 0, tileWidth = 0, tileHeight = 0, bits = 1, samples = 1;
-    quint64 rowsOfStrip = std::numeric_limits<quint64>::max();
-    const int valueOffset = wide ? 12 : 8;
-    for (qsizetype at = 0; at < entries.size(); at += entryLength) {
-        const QByteArray entry = entries.mid(at, entryLength);
-        const quint64 value = tiffNumber(entry, isBigEndian, valueOffset);
-        switch (number<quint16>(entry, 0, isBigEndian)) {
-        case 256:
-            width = value;
-            break;
-        case 257:
-            height = value;
-            break;
-        case 258:
-            bits = value;
-            // Depths that do not fit into the entry lie elsewhere in the file; they are alike.
-            if (longNumber(entry, 4) > (wide ? 4 : 2)) {
-                const QByteArray first = bytesAt(file, qint64(longNumber(entry, valueOffset)), 2);
-                bits = first.isEmpty() ? 64 : number<quint16>(first, 0, isBigEndian);
-            }
-            break;
-        case 277:
-            samples = value;
-            break;
-        case 278:
-            rowsOfStrip = value;
-            break;
-        case 322:
-            tileWidth = value;
-            break;
-        case 323:
-            tileHeight = value;
-            break;
-        }
-    }
-    constexpr quint64 longest = 1 << 24, mostSamples = 8, mostBits = 64;
-    if (width > longest || height > longest || tileWidth > longest || tileHeight > longest ||
-        tileWidth * tileHeight > quint64(largestUnreduced) || samples > mostSamples ||
-        bits > mostBits)
+        bytesAt(file, directory + layout.countLength(), qint64(entryCount) * layout.entryLength());
+    const TiffTags tags = readTiffTags(file, entries, layout);
+    if (!tags.isSane())
         return {};
-    // A strip or a tile is one buffer; a tile's size has nothing to do with the photo's.
-    const quint64 bufferPixels =
-        std::max(tileWidth * tileHeight, width * std::min(rowsOfStrip, height));
     return PhotoHeader{.format = PhotoFormat::tiff,
-                       .size = QSize(int(width), int(height)),
-                       .bytesPerPixel = bits > 16  ? 16
-                                        : bits > 8 ? 8
-                                                   : 4,
-                       .workingBytes = qint64(bufferPixels * samples * bits / 8)};
+                       .size = QSize(int(tags.width), int(tags.height)),
+                       .bytesPerPixel = tags.bits > 16  ? 16
+                                        : tags.bits > 8 ? 8
+                                                        : 4,
+                       .workingBytes = qint64(tags.bufferPixels() * tags.samples * tags.bits / 8)};
 }
 
 std::optional<PhotoHeader> readWebp(QIODevice& file)
@@ -274,8 +299,7 @@ QByteArray heicProperties(QIODevice& file)
             return {};
         if (start.mid(4) == "meta")
             return file.seek(at) ? file.read(longestProperties) : QByteArray();
-        // A size of 1 is written behind the type, with 64 bits; one of 0 means the rest of the
-        // file.
+        // 1 stands for a size in 64 bits behind the type, 0 for the rest of the file.
         quint64 size = big<quint32>(start, 0);
         if (size == 1) {
             const QByteArray large = bytesAt(file, at + 8, 8);
@@ -373,7 +397,7 @@ std::optional<PhotoHeader> readPhotoHeader(QIODevice& file)
 
 int exifOrientation(QByteArray exif)
 {
-    constexpr qsizetype nameLength = 6;    // JPEG puts it before the data, WebP as a rule does not
+    constexpr qsizetype nameLength = 6;    // "Exif" and two zeros, seldom there in a WebP
     if (exif.startsWith("Exif"))
         exif.remove(0, nameLength);
     const bool isBigEndian = exif.startsWith("MM");
@@ -409,7 +433,7 @@ PhotoLevel affordableLevel(const PhotoHeader& header, PhotoLevel wanted)
 
 qint64 decodingBytes(const PhotoHeader& header, PhotoLevel level)
 {
-    // The codec's picture and one more: of 32 bits, converted to sRGB, or turned.
+    // Two pictures: the codec's, and its copy with 32 bits per pixel, in sRGB or rotated.
     const qint64 decoded = pixels(sizeAtLevel(header.size, level));
     return header.workingBytes + decoded * (header.bytesPerPixel + 4);
 }

@@ -69,8 +69,8 @@ bool openedReadOnly(const QString& connection, const QString& address)
     return database.open() && QSqlQuery(database).exec(u"SELECT key FROM preference LIMIT 1"_qs);
 }
 
-// SQLite needs its side files even to read, unless it is told that nobody writes. What it would
-// have to bring in from a log would then be missing.
+// SQLite needs its side files even to read, unless `immutable` says that nobody writes. It ignores
+// the log then, so the log must be empty.
 bool openedForReading(const QString& connection, const QString& file)
 {
     if (!QFileInfo(file).isFile())
@@ -83,8 +83,8 @@ bool openedForReading(const QString& connection, const QString& file)
            openedReadOnly(connection, address + u"?immutable=1"_qs);
 }
 
-// Copies the log into the file, which takes up to 30 ms: the worker's business, with a connection
-// of its own. Passive: what a reader hinders is left for the next time.
+// Copies the log into the file, which takes up to 30 ms: a worker does it, with a connection of its
+// own. Passive: pages that a reader still uses stay for the next checkpoint.
 QString passiveCheckpoint()
 {
     return u"PRAGMA wal_checkpoint(PASSIVE)"_qs;
@@ -100,7 +100,7 @@ void checkpoint(const QString& file)
     QSqlDatabase::removeDatabase(connection);
 }
 
-// SQLite gives its side files the permissions of the database.
+// Makes the file readable by its user only; SQLite gives its side files the same permissions.
 bool createPrivately(const QString& name)
 {
     constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
@@ -118,13 +118,13 @@ QString usualDurability()
 
 bool prepare(const QSqlDatabase& database)
 {
-    // Values of megabytes: with small pages each write walks long chains of them.
+    // Values take megabytes: with small pages, each write walks long chains of pages.
     return database.isOpen() && run(database, u"PRAGMA page_size=65536"_qs) &&
            run(database, u"PRAGMA journal_mode=WAL"_qs) && run(database, usualDurability()) &&
            run(database, u"PRAGMA wal_autocheckpoint=0"_qs);
 }
 
-// SQLite's numbers of errors, without what it adds to tell them apart.
+// SQLite's primary error codes: the lowest eight bits of its extended ones.
 enum class Fault {
     busy = 5,
     readOnly = 8,
@@ -148,7 +148,7 @@ const QString damage = u"el archivo está dañado"_qs;
 
 bool hasNoRoom(const QString& file)
 {
-    constexpr qint64 leastRoom = 256 * 1024;    // for the side files and a page
+    constexpr qint64 leastRoom = 256 * 1024;    // bytes, for the side files and a page
     const QStorageInfo storage(QFileInfo(file).path());
     return storage.isValid() && !storage.isReadOnly() && storage.bytesAvailable() < leastRoom;
 }
@@ -169,7 +169,7 @@ QString reasonOf(const QString& file, const QSqlError& error)
                                           : u"el sistema dice «%1»"_qs.arg(error.databaseText());
 }
 
-// Why a file can never become ours; empty when it may.
+// Why a file can never be used, in Spanish; empty when it may be.
 QString foreignness(const QString& name)
 {
     const QFileInfo file(name);
@@ -177,14 +177,14 @@ QString foreignness(const QString& name)
         return u"en su lugar hay una carpeta"_qs;
 #ifdef Q_OS_UNIX
     const bool mayAll = geteuid() == 0;
-    // Where the owners of a network disk differ from ours, a file that can be written is ours.
+    // A network disk may give its files other owners: a writable file counts as the user's own.
     if (!mayAll && file.exists() && file.ownerId() != geteuid() && !file.isWritable())
         return u"el archivo es de otro usuario"_qs;
 #endif
     return {};
 }
 
-// Which file it is, whatever its name.
+// Device and inode, which tell a file from another of the same name.
 using FileIdentity = std::pair<quint64, quint64>;
 
 FileIdentity identityOf(const QString& name)
@@ -203,7 +203,7 @@ QString damageIn(const QSqlDatabase& database)
     const bool isChecked = query.exec(u"PRAGMA quick_check(1)"_qs) && query.next();
     if (isChecked ? query.value(0).toString() != u"ok"_qs : isDamage(faultOf(query.lastError())))
         return damage;
-    // A file of ours that was just made holds nothing yet.
+    // A file that was just made has no tables yet.
     const bool hasTables =
         query.exec(u"SELECT count(*), sum(name = 'preference') FROM sqlite_master"_qs) &&
         query.next() && query.value(0).toInt() > 0;
@@ -213,8 +213,8 @@ QString damageIn(const QSqlDatabase& database)
     return isOurs ? QString() : u"el archivo no es de esta versión de Moltiva"_qs;
 }
 
-// Gives where it lies then; empty when it could not be moved. Its log goes with it: it would become
-// part of a new file of the name.
+// Renames a file that cannot be used and returns its new name; empty when that failed. Its log is
+// renamed too: SQLite would read it into a new file of the old name.
 QString putAside(const QString& name)
 {
     constexpr int most = 99;
@@ -234,10 +234,10 @@ QString putAside(const QString& name)
 
 }    // namespace
 
-// The store never waits for a checkpoint that has not begun: when the program ends, the workers
-// drop it.
+// A checkpoint on a worker. The store's destructor waits for one that is running, never for one
+// still in the queue: the workers drop that when the program ends.
 struct PreferencesStore::Checkpoint {
-    std::atomic<bool> isAsked = false;    // until it is done
+    std::atomic<bool> isAsked = false;    // from the request until the worker is done
     std::mutex running;
     bool isUnwanted = false;
 };
@@ -264,7 +264,7 @@ bool PreferencesStore::open()
         cause = tryToOpen();
     if (!cause.isEmpty()) {
         QSqlDatabase::removeDatabase(m_connection);
-        // Another program may have put it aside meanwhile, and made a new one.
+        // Another program may have moved the file aside meanwhile, and made a new one.
         if (found == identityOf(m_file) && !replace(cause))
             return false;
         tryToOpen();
@@ -278,7 +278,7 @@ bool PreferencesStore::open()
     return m_open;
 }
 
-// Makes room for a new file. False when what lies there cannot be moved.
+// Moves the file aside for a new one. False when it cannot be moved.
 bool PreferencesStore::replace(const QString& cause)
 {
     const QString aside = putAside(m_file);
@@ -291,7 +291,7 @@ bool PreferencesStore::replace(const QString& cause)
     return !aside.isEmpty();
 }
 
-// Gives why what lies there can never be used; empty when it is open, or may be another time.
+// Returns why the file can never be used; empty when it is open or may open another time.
 QString PreferencesStore::tryToOpen()
 {
     const bool isCreated = createPrivately(m_file);
@@ -346,7 +346,7 @@ bool PreferencesStore::setValue(const QString& key, const QByteArray& value)
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
     query.prepare(storing());
     query.addBindValue(key);
-    // A null value would be stored as NULL.
+    // SQLite would store a null QByteArray as NULL.
     query.addBindValue(value.isNull() ? QByteArray("") : value);
     if (!finished(query))
         return false;
@@ -364,7 +364,8 @@ bool PreferencesStore::remove(const QString& key)
     return finished(query);
 }
 
-// A file that turns out to be damaged is put aside when something is to be stored next.
+// Runs a query and keeps the reason of its failure. A damaged file counts as closed, so that the
+// next open() moves it aside.
 bool PreferencesStore::finished(QSqlQuery& query)
 {
     const bool isDone = query.exec();
@@ -379,7 +380,7 @@ QStringList PreferencesStore::keysBeginningWith(const QString& prefix) const
     if (!isReadable())
         return {};
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
-    // Nothing that begins so comes after this, as long as it goes on with characters of the basic
+    // The upper end of the keys with this prefix, as long as they use characters of the basic
     // plane.
     query.prepare(u"SELECT key FROM preference WHERE key >= ? AND key < ? ORDER BY key"_qs);
     query.addBindValue(prefix);
@@ -406,7 +407,7 @@ bool PreferencesStore::transaction(const std::function<bool()>& work, Durability
         run(database, u"PRAGMA secure_delete=ON"_qs);
     bool isStored = false;
     const auto end = qScopeGuard([&] {
-        // Also when `work` threw.
+        // `work` may have thrown.
         if (std::exchange(m_isInTransaction, false) && !isStored)
             run(database, u"ROLLBACK"_qs);
         run(database, usualDurability());
@@ -429,15 +430,17 @@ bool PreferencesStore::transaction(const std::function<bool()>& work, Durability
     return isStored;
 }
 
-// The log holds what was there before. What somebody reads meanwhile stays until the next time.
+// Empties the log, which still holds the old values. Pages that another process reads meanwhile
+// stay until the next checkpoint.
 void PreferencesStore::emptyLog()
 {
     const std::scoped_lock lock(m_checkpoint->running);
     run(QSqlDatabase::database(m_connection, false), u"PRAGMA wal_checkpoint(TRUNCATE)"_qs);
 }
 
-// SQLite starts its log anew when a write finds all of it copied. Between edits the worker is done
-// long before the next one; writes without a pause keep ahead of it, and then we copy ourselves.
+// Counts the bytes in the log. SQLite starts its log anew when a write finds all of it copied.
+// Between edits the worker has finished long before the next write; writes without a pause outrun
+// it, and then this thread copies the log itself.
 void PreferencesStore::written(qint64 bytes)
 {
     constexpr qint64 page = 65536;

@@ -10,8 +10,8 @@
 
 class QSqlQuery;
 
-// Values by key in one SQLite file that only its user may read. Each value is replaced as a whole:
-// after a crash there is the old one or the new one. Used from the thread that made it.
+// Values by key in one SQLite file that only its user may read. A value is replaced as a whole: a
+// crash leaves the old one or the new one. Used only from the thread that made the store.
 class PreferencesStore {
 public:
     explicit PreferencesStore(const QString& file);
@@ -20,26 +20,29 @@ public:
     PreferencesStore& operator=(const PreferencesStore&) = delete;
 
     bool isOpen() const { return m_open; }
-    // Values can be read: also of a file that cannot be opened for writing, on a full disk.
+    // Whether values can be read; true also for a file that only opens for reading, as on a full
+    // disk.
     bool isReadable() const { return m_open || m_readOnly; }
-    // Tries again where it failed before; every setValue() does. What cannot be used for good (a
-    // damaged file, a folder, a file of another user) is put aside for a new one.
+    // Opens the file if that failed before; every setValue() tries it too. A file that can never be
+    // used (damaged, a folder, another user's) is moved aside, and a new one is made.
     bool open();
-    // A sentence for the user about what was found in the place of the file, once; empty when all
-    // is well.
+    // A sentence for the user about a file that could not be used, given once; empty when all is
+    // well.
     QString takeProblem() { return std::exchange(m_problem, {}); }
-    // Why nothing can be stored, as a part of a sentence; empty when that is not known.
+    // Why nothing can be stored, as a part of a Spanish sentence; empty when storing works or the
+    // reason is not known.
     const QString& reason() const { return m_reason; }
     std::optional<QByteArray> value(const QString& key) const;
     bool contains(const QString& key) const;    // without reading the value
     bool setValue(const QString& key, const QByteArray& value);
     bool remove(const QString& key);
-    QStringList keysBeginningWith(const QString& prefix) const;    // in their order
+    QStringList keysBeginningWith(const QString& prefix) const;    // sorted
 
-    enum class Durability { usual, onDisk };    // on the disk it outlives a cut of the power
-    enum class Traces { left, erased };         // whether old values stay readable in the file
-    // What `work` changes is stored as a whole; nothing of it when `work` gives false or it cannot
-    // be stored. Nobody else writes meanwhile, so what it reads holds.
+    enum class Durability { usual, onDisk };    // onDisk: survives a power cut as well
+    enum class Traces { left, erased };         // erased: old values are overwritten in the file
+    // Stores all changes that `work` makes, or none when `work` returns false or storing fails. No
+    // other process can write meanwhile, so the values that `work` reads stay valid. Returns
+    // whether the changes are stored.
     bool transaction(const std::function<bool()>& work, Durability durability = Durability::usual,
                      Traces traces = Traces::left);
 
@@ -55,7 +58,7 @@ private:
     QString m_problem, m_reason;
     bool m_open = false, m_readOnly = false, m_isInTransaction = false;
     qint64 m_sinceCheckpoint = 0, m_logBytes = 0;
-    bool m_checkpointIsLatest = false;    // nothing was written since it was asked for
+    bool m_checkpointIsLatest = false;    // no write since the checkpoint was asked for
     struct Checkpoint;
     std::shared_ptr<Checkpoint> m_checkpoint;    // shared with the worker
 };

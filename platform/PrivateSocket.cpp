@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Nobody else can look into it, and it is no link that could be led elsewhere.
+// Whether no other user can look into the folder. A link is refused: it could be led elsewhere.
 bool isOursAlone(const QString& folder)
 {
     struct stat status = {};
@@ -36,7 +36,7 @@ QString privateSocketPath(const QString& name, const QString& dataFolder)
         const QString path = QDir(folder).filePath(name);
         return isOursAlone(folder) && fits(path) ? path : QString();
     };
-    // Programs that no session manager started do not know of the folder that one made.
+    // A program that no session manager started lacks the variable, though the folder may exist.
     for (const QString& runtime :
          {qEnvironmentVariable("XDG_RUNTIME_DIR"), u"/run/user/%1"_s.arg(::geteuid())}) {
         if (const QString path = pathIn(runtime); !path.isEmpty())

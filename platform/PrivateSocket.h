@@ -4,12 +4,12 @@
 
 class QLocalSocket;
 
-// Local sockets by which programs of one user meet, out of the reach of the machine's other users.
+// Local sockets by which programs of one user meet, out of reach of the machine's other users.
 
-// An absolute path in a folder that is ours alone: the runtime folder of the user, else one that is
-// made in `dataFolder`, which exists. Empty when neither will do, or the path is too long for a
-// socket.
+// An absolute path for a socket `name` in a folder that only this user can enter: the user's
+// runtime folder, else one made in `dataFolder`, which must exist. Empty when neither will do, or
+// the path is too long for a socket.
 QString privateSocketPath(const QString& name, const QString& dataFolder);
 
-// Whether a program of our own user listens at the other end of a connected socket.
+// Whether the program that listens at the other end of a connected socket is this user's.
 bool leadsToOwnUser(const QLocalSocket& socket);

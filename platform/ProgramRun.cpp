@@ -13,7 +13,7 @@ ProgramRun::~ProgramRun() = default;
 
 QString ProgramRun::name()
 {
-    // Somebody who looks whether it goes on may hold a lock for a moment before we do.
+    // isGoingOn() in another process may hold the new lock for a moment before this one does.
     constexpr int attempts = 3;
     for (int i = 0; i < attempts && !m_lock && QDir().mkpath(m_folder); ++i) {
         removeEnded();
@@ -29,12 +29,12 @@ void ProgramRun::removeEnded() const
 {
     const QStringList locks = QDir(m_folder).entryList({u"*.lock"_s}, QDir::Files);
     for (const QString& lock : locks)
-        isGoingOn(QFileInfo(lock).baseName());    // which removes the lock of one that does not
+        isGoingOn(QFileInfo(lock).baseName());    // removes the lock file of an ended run
 }
 
 bool ProgramRun::isGoingOn(const QString& run) const
 {
-    // Names come from a file.
+    // `run` comes from file names, which may hold anything.
     if (QUuid::fromString(run).isNull())
         return false;
     if (is(run))

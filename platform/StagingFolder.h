@@ -2,11 +2,12 @@
 
 #include "platform/ProgramRun.h"
 
-// A folder of files on their way elsewhere that only their user may read. It goes with all that is
-// in it; what a crash leaves behind goes with the next one that is made.
+// A folder for files on their way elsewhere, which only their user may read. The destructor removes
+// it with its contents; after a crash the next StagingFolder does.
 class StagingFolder {
 public:
-    // `place`: of all such folders. What ended runs left there is removed, which waits.
+    // `place`: the parent of all staging folders. Removes those of ended runs, and waits for the
+    // disk.
     explicit StagingFolder(const QString& place);
     ~StagingFolder();
     StagingFolder(const StagingFolder&) = delete;
@@ -14,8 +15,7 @@ public:
 
     static void removeLeftovers(const QString& place);
     bool isUsable() const { return !m_path.isEmpty(); }
-    // Of the run of the program that this folder belongs to, and whether one of such a name goes
-    // on.
+    // The program run that owns this folder.
     QString runName() { return m_run.name(); }
     bool isGoingOn(const QString& run) const { return m_run.isGoingOn(run); }
     QString filePath(const QString& name) const { return m_path + u'/' + name; }

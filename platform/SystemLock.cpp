@@ -32,7 +32,7 @@ int openedLock(const QByteArray& path, int flags)
                       ownerOnly);
     };
     const int descriptor = attempt();
-    // A file of our own whose permissions were lost.
+    // The user's own file may have lost its permissions.
     if (descriptor < 0 && errno == EACCES && ::chmod(path.constData(), ownerOnly) == 0)
         return attempt();
     return descriptor;
@@ -43,7 +43,7 @@ SystemLock::State taken(int descriptor)
     if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0)
         return errno == EWOULDBLOCK ? SystemLock::State::others : SystemLock::State::impossible;
     struct stat status = {};
-    // Who held it may have removed the file after we opened it.
+    // The last holder may have removed the file after it was opened here.
     const bool isThere = ::fstat(descriptor, &status) == 0 && status.st_nlink > 0;
     return isThere ? SystemLock::State::ours : SystemLock::State::others;
 }

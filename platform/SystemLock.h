@@ -2,15 +2,15 @@
 
 #include <QString>
 
-// The lock of a file, which the system keeps for this process and takes back however it ends. What
-// the file holds never matters, nor that an ended process has left one.
+// A lock on a file, which the system releases however this process ends. The contents of the file
+// do not matter, nor does a file that an ended process left behind.
 class SystemLock {
 public:
     enum class Open { any, existing, fresh };
     enum class State {
         ours,
-        others,        // or somebody is just letting go of it: worth another attempt
-        missing,       // no file, where an existing one was asked for
+        others,        // or the holder is just removing the file: worth another attempt
+        missing,       // there is no file, and Open::existing makes none
         impossible,    // the file can neither be opened nor made
     };
 

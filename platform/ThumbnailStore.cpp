@@ -31,7 +31,8 @@ QString suffix()
     return u".thumbnail"_qs;
 }
 
-// "1 6016 4016 jpeg <digest in hexadecimal>": format of this line, upright size, kind, content.
+// "1 6016 4016 reducible <digest in hexadecimal>": version of this line, upright size, whether the
+// photo decodes reduced, digest.
 QString describe(const AcceptedPhoto& photo)
 {
     return u"1 %1 %2 %3 %4"_qs.arg(photo.info.size.width())
@@ -111,7 +112,7 @@ ThumbnailStore::ThumbnailStore(QString folder, qint64 budget)
     : m_folder(std::move(folder)), m_budget(budget)
 {
     QDir().mkpath(m_folder);
-    // What is in the photos of one user is not for the others.
+    // Other users of the machine must not see the photos.
     QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
@@ -138,7 +139,7 @@ std::optional<AcceptedPhoto> ThumbnailStore::loadFacts(const QString& file) cons
     return read(file, Part::facts);
 }
 
-// Not flushed to the disk: what a crash damages is made again.
+// Writes without flushing to the disk: a thumbnail damaged by a crash is made again.
 void ThumbnailStore::save(const QString& file, const AcceptedPhoto& photo)
 {
     if (file.isEmpty())
@@ -168,7 +169,7 @@ void pruneThumbnails(const QString& folder, qint64 budget)
     const QDateTime abandoned = QDateTime::currentDateTime().addSecs(-3600);
     qint64 total = 0;
     constexpr auto filter = QDir::Files | QDir::Hidden;
-    // Newest first.
+    // QDir::Time lists the newest file first.
     for (const QFileInfo& info : QDir(folder).entryInfoList(filter, QDir::Time)) {
         if (!info.fileName().endsWith(suffix())) {
             if (info.fileName().startsWith(unfinishedPrefix()) && info.lastModified() < abandoned)

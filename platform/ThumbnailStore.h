@@ -5,24 +5,24 @@
 #include <atomic>
 #include <limits>
 
-// Thumbnails on disk, one small picture a photo with the facts of the photo inside it. A damaged
-// file counts as absent and is written again. Safe from any thread.
+// Thumbnails on disk: one small picture per photo, with the photo's facts inside its file. A
+// damaged file counts as absent and is written again. Safe from any thread.
 class ThumbnailStore {
 public:
     explicit ThumbnailStore(QString folder, qint64 budget = 200'000'000);
 
-    // The file for a photo as it lies on disk now: another size, time or inode is another name.
-    // Empty when the photo is gone.
+    // The thumbnail's file for a photo as it lies on disk now: its name changes with the photo's
+    // size, time and inode. Empty when the photo is gone.
     QString fileFor(const QString& photo) const;
     std::optional<AcceptedPhoto> load(const QString& file) const;
-    // The same without the picture, for a fraction of the time.
+    // Reads the file without decoding its picture, in a fraction of the time.
     std::optional<AcceptedPhoto> loadFacts(const QString& file) const;
     void save(const QString& file, const AcceptedPhoto& photo);
 
 private:
     QString m_folder;
     qint64 m_budget;    // bytes
-    // Full at the start: the first write of a run prunes what earlier runs left.
+    // Starts high, so that the first write of a run prunes what earlier runs left.
     std::atomic<qint64> m_writtenSincePruning = std::numeric_limits<qint64>::max() / 2;
 };
 

@@ -2,17 +2,18 @@
 
 #include <QString>
 
-// Takes places of the user's folders out of the environment that are no absolute paths: they would
-// be others for each folder that a program is started in. Before anything asks for one.
+// Unsets XDG_DATA_HOME and its like where they hold no absolute path: a relative one would mean
+// another folder for each working directory. Call before asking for any folder.
 void ignoreRelativeFolders();
 
-// Where the user's data lie; made if missing.
+// The folder of the user's data; made if missing.
 QString userDataFolder();
 
-// Why a folder takes no files, as the end of a Spanish sentence: its disk, or else what is given.
+// Why `folder` takes no files, as the end of a Spanish sentence: the state of its disk, else
+// `otherwise`.
 QString whyNotWritable(const QString& folder,
                        const QString& otherwise = QStringLiteral("no hay permiso para escribir"));
 
-// In the user's cache; whoever writes there makes them.
+// Folders in the user's cache. The code that writes there makes them.
 QString thumbnailFolder();
-QString stagingPlace();    // of finished images until they are paid
+QString stagingPlace();    // finished images, until they are paid for

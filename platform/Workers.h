@@ -10,36 +10,35 @@
 #include <type_traits>
 #include <utility>
 
-// The pool for decoding, rendering and encoding: one thread a core. Not Qt's own pool: Qt splits
-// the scaling of a picture over that one and waits, which would hold the interface behind all of
-// this. Work goes through runOnWorker().
+// The pool for decoding, rendering and encoding: one thread per core. Not Qt's own pool: Qt divides
+// the scaling of a picture among the threads of its pool and waits, so the interface would wait
+// behind all of this work. Start work with runOnWorker().
 QThreadPool& workers();
 
-// Before the application object goes, since what works on pictures needs it: waits for the work
-// that has begun and drops the rest. What is dropped, or asked for afterwards, never finishes, and
-// its future is not cancelled either: a coroutine that awaits it would read a result that is not
-// there.
+// Waits for the work that has begun and drops the rest. Call before the application object is
+// destroyed: work on pictures needs it. The future of dropped or later work never finishes. It is
+// not cancelled either: a coroutine that awaits it would read a result that is not there.
 void finishWorkers();
 
-// Gives the calling worker thread less of the processor than the interface, and its name.
+// Lowers the calling worker thread's priority below the interface's, and names the thread.
 void yieldToInterface();
 inline constexpr const char* workerThreadName = "moltiva worker";
 
-// What is short and waited for goes before the work that waits for a thread, for pictures mostly.
+// Urgent: short work that somebody waits for. It starts before the usual work in the queue.
 enum class Urgency { usual, urgent };
 void startOnWorker(std::function<void()> work, Urgency urgency = Urgency::usual);
 
-// Runs `work` on a worker. An exception arrives at the future.
+// Runs `work` on a worker. The future rethrows its exception.
 template <typename Work>
 auto runOnWorker(Work&& work, Urgency urgency = Urgency::usual)
     -> QFuture<std::invoke_result_t<std::decay_t<Work>>>
 {
     using Result = std::invoke_result_t<std::decay_t<Work>>;
     struct Job {
-        QFutureInterface<Result> promise;    // a QPromise cancels when it is dropped
+        QFutureInterface<Result> promise;    // a QPromise cancels when it is destroyed
         std::decay_t<Work> work;
     };
-    // Shared, because the pool copies what it runs.
+    // Shared, because the pool copies the function it runs.
     auto job = std::shared_ptr<Job>(new Job{QFutureInterface<Result>(), std::forward<Work>(work)});
     job->promise.reportStarted();
     auto future = job->promise.future();
@@ -58,7 +57,7 @@ auto runOnWorker(Work&& work, Urgency urgency = Urgency::usual)
     return future;
 }
 
-// The same for what may be missing: a default value arrives when memory is short.
+// Runs `work` on a worker and gives a default value if it throws, as when memory is short.
 template <typename Work>
 auto tryOnWorker(Work work) -> QFuture<std::invoke_result_t<Work>>
 {

@@ -6,14 +6,15 @@
 
 #include <mutex>
 
-// Counts what may be tried only so often. Forgotten when the program ends. Any thread.
+// Limits how often something may be tried under a key. The attempts are kept in memory only. Used
+// from any thread.
 class Attempts {
 public:
     Attempts(int most, qint64 window) : m_most(most), m_window(window) {}
 
-    // Counts one, unless there were too many within the window (milliseconds).
+    // Counts an attempt and returns true, unless `most` were made within the window (milliseconds).
     bool allow(const QString& key, qint64 now);
-    void forget(const QString& key);    // what was tried succeeded
+    void forget(const QString& key);    // after a success: counts from 0 again
 
 private:
     void dropOld(qint64 now);

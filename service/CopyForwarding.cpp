@@ -62,7 +62,7 @@ QUrl endpoint(const QString& address)
     return QUrl(whole.endsWith(path) ? whole : whole + path, QUrl::StrictMode);
 }
 
-// What a member of an object holds; a null when there is none.
+// The member `key` of an object; a JSON null when there is none.
 const json::Value& member(const json::Value& object, const char* key)
 {
     static const json::Value none;
@@ -70,7 +70,7 @@ const json::Value& member(const json::Value& object, const char* key)
     return object.is_object() && found != object.end() ? *found : none;
 }
 
-// Some give the text whole, some in parts.
+// Some providers give the content as one string, some as a list of parts.
 QString contentText(const json::Value& content)
 {
     QString text;
@@ -160,7 +160,7 @@ std::optional<GeneratedCopy> copyFromAnswer(QByteArrayView answer)
     if (!choices.is_array() || choices.empty())
         return std::nullopt;
     const QString text = contentText(member(member(choices.front(), "message"), "content"));
-    // Models like to wrap it in a fence or to say a word before it.
+    // Models like to wrap the object in a code fence or to put words before it.
     const qsizetype begin = text.indexOf(u'{'), end = text.lastIndexOf(u'}');
     if (begin < 0 || end < begin)
         return std::nullopt;

@@ -10,14 +10,14 @@
 #include <atomic>
 #include <optional>
 
-// Who writes texts for an image: anything that answers as "chat completions" do.
+// A server that writes texts for an image. It speaks the interface known as "chat completions".
 struct CopyProvider {
     QString address;    // with or without /chat/completions
     QString key;        // may be empty; never sent in the clear to another machine
     QString model;
 };
 
-// From MOLTIVA_COPY_URL, _KEY and _MODEL, else from the group [copy] of moltiva.conf.
+// Read from MOLTIVA_COPY_URL, _KEY and _MODEL, else from the group [copy] of moltiva.conf.
 CopyProvider configuredCopyProvider();
 
 struct CopyOrder {
@@ -36,7 +36,8 @@ struct PreparedCopyOrder {
 // Throws Refusal when the provider is not set up.
 PreparedCopyOrder preparedCopyOrder(const CopyProvider& provider, const CopyOrder& order);
 
-// Asks and waits, at most four minutes and until `isEnding`. Throws Refusal.
+// Sends the order and blocks until it is answered, four minutes at most and not beyond `isEnding`.
+// Throws Refusal.
 GeneratedCopy forwardCopyOrder(const PreparedCopyOrder& order, const std::atomic_bool& isEnding);
 
 // The texts in the answer of a provider; nothing unless all five are there.

@@ -3,7 +3,7 @@
 struct ServiceReply;
 struct Visit;
 
-// What the table of routes names; each throws Refusal.
+// The handlers of the table of routes; each throws Refusal.
 
 ServiceReply signIn(Visit& visit);
 ServiceReply registerAccount(Visit& visit);

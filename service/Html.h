@@ -5,7 +5,7 @@
 
 #include <utility>
 
-// A piece of a page. Texts become one only through html::text and attributes, which escape them.
+// A piece of HTML. Plain text becomes one only through html::text and Attributes, which escape it.
 struct Html {
     QString code;
 };
@@ -19,14 +19,14 @@ namespace html {
 
 using Attributes = QList<std::pair<const char*, QString>>;
 
-// What means something to a browser is written so that it means itself; also within quotes.
+// Replaces the characters that mean something in HTML, quotes included, by their entities.
 QString escaped(const QString& text);
 
 Html text(const QString& text);
-// Input and img have no end and no content.
+// For input and img, which have no end tag, `content` is dropped.
 Html tag(const char* name, const Html& content = {}, const Attributes& attributes = {});
 Html paragraph(const QString& text, const QString& kind = {});
-// What was wrong in a form; nothing when nothing was.
+// The error of a form; nothing for an empty sentence.
 Html problem(const QString& sentence);
 Html link(const QString& address, const QString& label, const QString& kind = {});
 

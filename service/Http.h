@@ -12,18 +12,18 @@
 
 enum class ServiceMethod { get, post, patch };
 
-// What a handler needs to know of a request; no part of it has been checked.
+// A request as its handler sees it; no part of it has been checked.
 struct ServiceRequest {
     ServiceMethod method = ServiceMethod::get;
     QString path;                           // decoded
     QString base;                           // "http://127.0.0.1:4321", as the client wrote it
-    QHash<QString, QString> query, form;    // the first of equal names
+    QHash<QString, QString> query, form;    // of equal names the first
     QHash<QByteArray, QByteArray> cookies;
     QByteArray body = {};
     QString source = {};    // the client's user on this machine, or its address
     bool isLocal = true;    // the client is a program of our own user on this machine
-    // Called before a long wait for others: what was taken for the body is given back, and the body
-    // is gone.
+    // A handler calls it before a long wait: empties `body` and gives back the memory that was
+    // taken for it, for which other requests may be waiting.
     std::function<void()> letGo = [] {};
 };
 

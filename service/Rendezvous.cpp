@@ -8,7 +8,7 @@ Rendezvous::Rendezvous(const QString& socketPath, const QByteArray& line, Patien
     : QObject(parent), m_server(new QLocalServer(this)), m_line(line), m_after(patience.after)
 {
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    QLocalServer::removeServer(socketPath);    // of one that was killed: we hold the lock
+    QLocalServer::removeServer(socketPath);    // left by a killed service; ours holds the lock
     m_server->listen(socketPath);
     connect(m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* socket = m_server->nextPendingConnection())
@@ -37,12 +37,13 @@ void Rendezvous::greet(QLocalSocket* socket)
     connect(socket, &QLocalSocket::disconnected, this, [this, socket] { leave(socket); });
     socket->write(m_line);
     socket->flush();
-    // It may have gone before anything listened to it.
+    // The socket may have disconnected before its signal was connected.
     if (socket->state() == QLocalSocket::UnconnectedState)
         leave(socket);
 }
 
-// Writing to one that has gone says so at once, and perhaps once more later.
+// Does nothing when called again: a socket may report its disconnection while greet() writes to it,
+// and once more later.
 void Rendezvous::leave(QLocalSocket* socket)
 {
     if (!m_present.remove(socket))

@@ -9,14 +9,14 @@
 class QLocalServer;
 class QLocalSocket;
 
-// Tells who connects where the service is, and knows whether anybody is still there: a connection
-// ends with its process, however that ends.
+// Tells each program that connects where the service is, and knows whether any is still connected:
+// a connection ends with its process, however that ends.
 class Rendezvous : public QObject {
     Q_OBJECT
 public:
     struct Patience {
-        int first = 20'000;    // ms until somebody has to come
-        int after = 3'000;     // ms after the last one went
+        int first = 20'000;    // ms until the first program has to connect
+        int after = 3'000;     // ms after the last one has disconnected
     };
 
     Rendezvous(const QString& socketPath, const QByteArray& line, Patience patience,
@@ -26,6 +26,7 @@ public:
     void close();
 
 Q_SIGNALS:
+    // No program has connected in time, or the last one has left.
     void unused();
 
 private:

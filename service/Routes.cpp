@@ -95,7 +95,7 @@ Account signedIn(Service& service, const ServiceRequest& request)
     return *account;
 }
 
-// What a handler of the route may rely on.
+// Checks all needs of the route but `ourForm`, and fills in the account. Throws Refusal.
 void checkNeeds(const Route& route, Visit& visit)
 {
     if (route.needs == session || route.needs == administrator)

@@ -9,12 +9,12 @@ enum class RouteNeeds {
     nothing,
     session,
     administrator,    // as well as a session
-    ourForm,          // was shown by us to the same browser
+    ourForm,          // a form that we showed in the same browser
 };
 
 enum class RouteKind {
-    byPath,    // below /api records, else pages
-    page,      // is opened by a browser, wherever it lies
+    byPath,    // below /api for JSON records, else for pages
+    page,      // opened by a browser, also below /api
 };
 
 struct Route {
@@ -26,14 +26,14 @@ struct Route {
     RouteKind kind = RouteKind::byPath;
 };
 
-// What may be said before the body is there: throws Refusal for an unknown path, a wrong method or
-// a missing session; else gives how large the body may be.
+// Checks a request before its body is read. Throws Refusal for an unknown path, a wrong method or a
+// missing session; else returns how many bytes the body may have.
 qint64 admit(Service& service, const ServiceRequest& head);
 
-// As a page where a browser asked for one.
+// The reply that tells a refusal: a page where a browser asked for one, else a JSON record.
 ServiceReply refused(Service& service, const ServiceRequest& request, const Refusal& refusal);
 
-// Never throws.
+// The reply of the route's handler, or one that tells what went wrong. Never throws.
 ServiceReply answer(Service& service, const ServiceRequest& request);
 
 inline bool isApi(const QString& path)

@@ -24,7 +24,8 @@ ServiceSettings completed(ServiceSettings settings)
     return settings;
 }
 
-// Kept, so that the forms of open pages outlive a start of the service.
+// The key of the forms' seals, stored so that forms in open pages stay valid when the service
+// starts again.
 QByteArray keptFormKey(Transaction& transaction)
 {
     Rows found = transaction.rows("SELECT value FROM setting WHERE name = 'form_key'");
@@ -46,7 +47,7 @@ Service::Service(const ServiceSettings& settings)
     : m_settings(completed(settings)),
       m_database(databaseFile(m_settings.dataFolder), &bringUpToDate, m_settings.history)
 {
-    // What a crash left half-looked at.
+    // A crash may have left temporary pictures.
     const QDir data(m_settings.dataFolder);
     QDir(data.filePath(u"temporal"_s)).removeRecursively();
     Transaction transaction(m_database);

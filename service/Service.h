@@ -12,15 +12,15 @@
 
 enum class ServiceAudience {
     everybody,
-    ownUser,    // nobody but programs of the user that we run as, on this machine
+    ownUser,    // only programs of the user that the service runs as, on this machine
 };
 
 struct ServiceSettings {
-    QString dataFolder;                                           // exists
+    QString dataFolder;                                           // must exist
     Database::History history = Database::History::perhapsNew;    // of the database in it
     ServiceAudience audience = ServiceAudience::everybody;
-    // Of a service for its own user: whoever registers this e-mail address; may be empty. Elsewhere
-    // anybody could do so first.
+    // E-mail address of the administrator; may be empty. Counts only with ServiceAudience::ownUser:
+    // elsewhere anybody could register that address first.
     QString administrator = {};
     std::function<CopyProvider()> copyProvider = configuredCopyProvider;
     std::function<qint64()> now;    // milliseconds since 1970; the system's clock when empty
@@ -29,7 +29,7 @@ struct ServiceSettings {
 struct Account;
 struct ServiceRequest;
 
-// What all requests share. Any thread.
+// The state that all requests share. Used from any thread.
 class Service {
 public:
     static QString databaseFile(const QString& dataFolder);
@@ -44,21 +44,22 @@ public:
     bool isAdministrator(Transaction& transaction, const Account& account) const;
     const QByteArray& formKey() const { return m_formKey; }
 
-    // Where programs of this machine find the service; before the first request comes.
+    // The address at which programs of this machine reach the service; set before the first
+    // request.
     void setAddress(const QString& address) { m_address = address; }
     const QString& address() const { return m_address; }
 
-    // Counts what costs a password's hash, or an account, by who asks for it. Throws Refusal when
-    // it is too much.
+    // Counts a request that hashes a password or adds an account, by the client's source. Throws
+    // Refusal when there are too many.
     void countSource(const ServiceRequest& request);
     Attempts& signInAttempts() { return m_signInAttempts; }
     Attempts& resetAttempts() { return m_resetAttempts; }
 
-    // Made when it is missing, and then only the user may enter.
+    // A sub-folder of the data folder; created, for this user only, when it is missing.
     QDir folder(const QString& name) const;
     const QString& dataFolder() const { return m_settings.dataFolder; }
 
-    // Requests that take long look at it.
+    // True once the service is ending; requests that take long look at it.
     std::atomic_bool& isEnding() { return m_isEnding; }
 
 private:
@@ -66,7 +67,7 @@ private:
     Database m_database;
     QByteArray m_formKey;
     QString m_address;
-    // The second limit is high because one user runs many programs.
+    // By source. Programs of our own user have the higher limit, because one user runs many.
     Attempts m_sourceAttempts{60, 60 * 60 * 1000}, m_ownAttempts{1200, 60 * 60 * 1000};
     Attempts m_signInAttempts{10, 10 * 60 * 1000};
     Attempts m_resetAttempts{5, 15 * 60 * 1000};

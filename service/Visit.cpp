@@ -63,7 +63,8 @@ ServiceReply seeOther(const QString& path)
 
 Html form(Visit& visit, const QString& action, const Html& content)
 {
-    // One secret for all pages of a browser, or opening a second page would spoil the first.
+    // All pages in a browser share one secret; opening a second page would invalidate the form of
+    // the first otherwise.
     if (visit.formSecret.isEmpty()) {
         const QByteArray held = visit.request.cookies.value(formCookie);
         visit.formSecret = looksLikeToken(held) ? held : newToken();

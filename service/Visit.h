@@ -13,8 +13,8 @@ class Service;
 struct Visit {
     Service& service;
     const ServiceRequest& request;
-    Account account;               // where the route needs a session
-    QByteArray formSecret = {};    // of the browser; see form()
+    Account account;               // filled in where the route needs a session
+    QByteArray formSecret = {};    // identifies the browser; see form()
 };
 
 // The part of the path after its last slash.
@@ -29,7 +29,7 @@ ServiceReply wireReply(const Record& record)
     return {.body = toWire(record)};
 }
 
-// Throws Refusal with `code` when the body is no such record.
+// The body as a Record. Throws Refusal with `code` when it is none.
 template <typename Record>
 Record wireBody(const Visit& visit, const char* code = "invalid_request")
 {
@@ -42,22 +42,24 @@ Record wireBody(const Visit& visit, const char* code = "invalid_request")
 ServiceReply okReply();
 ServiceReply refusalReply(const Refusal& refusal);
 
-// A page of our own look.
+// A page with the header and the style sheet of the service.
 ServiceReply pageReply(const Visit& visit, const QString& title, const Html& content,
                        int status = 200);
 ServiceReply seeOther(const QString& path);
 
-// A form that only the browser it was shown in can send, and only to `action`.
+// A form that only the browser it was shown in can send, and only to `action`. Must be made before
+// the page's reply: pageReply() sends the browser the cookie that goes with it.
 Html form(Visit& visit, const QString& action, const Html& content);
 bool formIsOurs(const Visit& visit);
 
-// A page that ends in a link of ours, which the browser may not know how to open.
+// A page with a link back to the studio (moltiva://), which the browser may not know how to open.
 ServiceReply deepLinkPage(const Visit& visit, const QString& title, const QString& sentence,
                           const QString& label, const QString& link);
-// A page for what cannot be shown.
+// A page that holds one sentence, such as why something cannot be shown.
 ServiceReply sentencePage(const Visit& visit, int status, const QString& title,
                           const QString& sentence);
-// Throws Refusal. Pages that show what a mailbox or a password would protect elsewhere.
+// Throws Refusal unless the client is our own user on this machine. For pages that show what a
+// mailbox or a password would protect elsewhere.
 void needThisMachine(const Visit& visit);
 
 QByteArray styleSheet();

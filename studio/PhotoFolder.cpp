@@ -26,7 +26,7 @@ QList<QUrl> photosInFolder(const QString& folder)
     QFileInfoList files = QDir(folder).entryInfoList(QDir::Files, QDir::Unsorted);
     files.removeIf(
         [](const QFileInfo& file) { return !photoExtensions().contains(file.suffix().toLower()); });
-    // Numeric mode is ignored in the C locale of a fresh system.
+    // Names a locale, because QCollator ignores the numeric mode in the C locale of a fresh system.
     QCollator order(QLocale(u"es"_s));
     order.setNumericMode(true);
     std::ranges::sort(files, [&](const QFileInfo& a, const QFileInfo& b) {
@@ -39,7 +39,7 @@ QList<QUrl> photosInFolder(const QString& folder)
     return urls;
 }
 
-// The toolkit leaves such files out of its listings.
+// Reads the folder without Qt, whose listings leave out names that are no valid UTF-8.
 QStringList unreachablePhotosInFolder(const QString& folder)
 {
     namespace fs = std::filesystem;

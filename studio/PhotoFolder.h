@@ -9,15 +9,15 @@
 // order; hidden files and sub-folders are skipped.
 QList<QUrl> photosInFolder(const QString& folder);
 
-// The names of the photos of a folder that no address can be given, because they are no valid
-// UTF-8; what is not, is shown as U+FFFD.
+// Names of the folder's photos that cannot be opened: no URL can hold a name that is no valid
+// UTF-8. Its wrong bytes are given as U+FFFD.
 QStringList unreachablePhotosInFolder(const QString& folder);
 
 struct FoundPhotos {
     QList<QUrl> photos;
-    QStringList unreachable;    // names, also of folders that may not be read
+    QStringList unreachable;    // names of photos without a URL, and of unreadable folders
 };
 
-// A mixed choice of files and folders, in order; folders give their photos. Files are taken
-// whatever their name: what they hold decides later.
+// The photos of files and folders, in order. A folder gives its photos; a file is taken whatever
+// its name, because its content decides later.
 FoundPhotos photosIn(const QList<QUrl>& filesAndFolders);

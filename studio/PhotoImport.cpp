@@ -13,9 +13,11 @@ namespace {
 
 using Accepted = std::optional<PublicationItem>;
 
-Accepted itemOf(const QUrl& url, PhotoCache& cache)
+Accepted itemOf(const QUrl& url, PhotoCache& cache, PhotoImport::Look look)
 {
-    const auto photo = ImageAccess::image(url, std::nullopt, cache);
+    const auto photo = look == PhotoImport::Look::picture
+                           ? ImageAccess::image(url, std::nullopt, cache)
+                           : ImageAccess::identified(url, std::nullopt, cache);
     if (!photo)
         return std::nullopt;
     const PhotoHandle handle{url.toLocalFile(), photo->info.size, photo->info.reducible,
@@ -23,18 +25,19 @@ Accepted itemOf(const QUrl& url, PhotoCache& cache)
     return PublicationItem::make(url, handle);
 }
 
-Accepted acceptedItem(const QUrl& url, PhotoCache& cache, const PhotoImport::Control& control)
+Accepted acceptedItem(const QUrl& url, PhotoCache& cache, PhotoImport::Look look,
+                      const PhotoImport::Control& control)
 {
     if (control.stop)
         return std::nullopt;
     try {
-        return itemOf(url, cache);
+        return itemOf(url, cache, look);
     } catch (const std::exception&) {
         return std::nullopt;    // short of memory: like a photo that cannot be read
     }
 }
 
-// A name from elsewhere as one line, in the direction of the text around it.
+// A file's name as one line, without characters that turn the direction of the text.
 QString lineOf(const QString& name)
 {
     QString line = plainText(name).replace(u'\n', u' ');
@@ -42,19 +45,20 @@ QString lineOf(const QString& name)
     return line;
 }
 
-// What the lanes of one import share.
+// The state that the lanes of one import share.
 struct ImportRun {
     QList<QUrl> photos;
     std::shared_ptr<PhotoCache> cache;
     std::shared_ptr<PhotoImport::Control> control;
+    PhotoImport::Look look = PhotoImport::Look::picture;
     std::vector<Accepted> results;    // in the order of the photos
     std::vector<bool> isLooked;
     qsizetype next = 0;    // the first photo no lane has taken
     qsizetype told = 0;    // photos before this one are in the progress
     PhotoImport::Progress progress;
 
-    // Photos finish in any order; they are told in theirs, so that no picture moves once it is
-    // shown.
+    // Photos finish in any order, but are reported in the order of the files, so that no picture
+    // moves once it is shown.
     void take(qsizetype index, const Accepted& item)
     {
         results[std::size_t(index)] = item;
@@ -79,14 +83,14 @@ struct ImportRun {
     }
 };
 
-// One photo after the other, until none is left.
+// Looks at one photo after the other, until the run has none left.
 QCoro::Task<> lane(std::shared_ptr<ImportRun> run)
 {
     while (run->next < run->photos.size() && !run->control->stop) {
         const qsizetype index = run->next++;
         const QUrl url = run->photos[index];
-        QFuture<Accepted> looking =
-            runOnWorker([url, run] { return acceptedItem(url, *run->cache, *run->control); });
+        QFuture<Accepted> looking = runOnWorker(
+            [url, run] { return acceptedItem(url, *run->cache, run->look, *run->control); });
         const Accepted item = co_await looking;
         if (!run->control->stop)
             run->take(index, item);
@@ -97,10 +101,9 @@ QCoro::Task<> lane(std::shared_ptr<ImportRun> run)
 
 QCoro::Task<std::optional<PhotoImport::Imported>>
 PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCache> cache,
-                          std::shared_ptr<Control> control)
+                          std::shared_ptr<Control> control, Look look)
 {
-    // Named before they are awaited: the compiler destroys twice what is made inside an awaiting
-    // expression.
+    // A variable of its own: GCC 12 destroys twice what is made inside an awaiting expression.
     QFuture<FoundPhotos> listing =
         runOnWorker([filesAndFolders] { return photosIn(filesAndFolders); });
     auto run = std::make_shared<ImportRun>();
@@ -108,6 +111,7 @@ PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCach
     run->photos = found.photos;
     run->cache = cache;
     run->control = control;
+    run->look = look;
     run->results.resize(std::size_t(run->photos.size()));
     run->isLooked.resize(std::size_t(run->photos.size()));
     run->progress.total = run->photos.size();

@@ -7,6 +7,7 @@
 #include "studio/batch/StepName.h"
 #include "studio/sheet/TextSheetFile.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
 
 #include <utility>
@@ -34,8 +35,8 @@ QElapsedTimer started()
     return watch;
 }
 
-constexpr qint64 importStep = 30;      // ms between two reports of an import
-constexpr qint64 timeToRead = 3000;    // ms
+constexpr std::chrono::milliseconds importStep = 30ms;    // between two reports of an import
+constexpr std::chrono::milliseconds timeToRead = 3s;      // for a problem
 constexpr std::chrono::milliseconds restBeforeSaving = 50ms, pauseBeforeRetry = 5s;
 
 }    // namespace
@@ -345,7 +346,7 @@ void StudioSession::setStatus(const QString& status, StatusTone tone, const Stat
     m_status = status;
     m_statusTone = tone;
     m_statusLink = link;
-    m_statusTold.start();
+    m_statusTold = m_clock();
     if (!std::exchange(m_isStatusOfThisTurn, true)) {
         QMetaObject::invokeMethod(
             this, [this] { m_isStatusOfThisTurn = false; }, Qt::QueuedConnection);
@@ -357,7 +358,7 @@ void StudioSession::setStatus(const QString& status, StatusTone tone, const Stat
 void StudioSession::forgetOldStatus()
 {
     const bool isUnread =
-        m_statusTone >= StatusTone::problem && m_statusTold.elapsed() < timeToRead;
+        m_statusTone >= StatusTone::problem && m_clock() - m_statusTold < timeToRead;
     const bool leadsOn = !m_statusLink.details.isEmpty();    // to names that are told nowhere else
     if (m_isStatusOfThisTurn || isUnread || leadsOn || m_saveFailed || isImporting() ||
         isExporting() || m_isRestoringAside || m_status.isEmpty())
@@ -377,20 +378,20 @@ void StudioSession::load(const QList<QUrl>& filesAndFolders)
     auto control = std::make_shared<PhotoImport::Control>();
     m_import = control;
     m_importProgress = {};
-    m_importTold.invalidate();
+    m_importTold.reset();
     control->progressed = [this,
                            weak = std::weak_ptr(control)](const PhotoImport::Progress& progress) {
         // A stopped import says nothing more; one that is not stopped has its session.
         if (m_import != weak.lock())
             return;
         // Whoever shows the progress looks at every photo of it: with thousands, not at each step.
-        if (m_importTold.isValid() && m_importTold.elapsed() < importStep &&
-            progress.looked < progress.total)
+        const StudioHistory::Time now = m_clock();
+        if (m_importTold && now - *m_importTold < importStep && progress.looked < progress.total)
             return;
-        m_importTold.start();
+        m_importTold = now;
         m_importProgress = progress;
         // What was refused meanwhile can be read before the count goes on.
-        if (m_statusTone != StatusTone::problem || m_statusTold.elapsed() > timeToRead)
+        if (m_statusTone != StatusTone::problem || now - m_statusTold > timeToRead)
             setStatus(u"Importando %1 de %2"_s.arg(progress.looked).arg(progress.total));
         Q_EMIT importChanged();
     };

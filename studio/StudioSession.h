@@ -14,7 +14,6 @@
 #include "studio/batch/StyleClipboard.h"
 #include "templates/VisualTemplate.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QScopedValueRollback>
@@ -254,7 +253,7 @@ private:
     QString m_status;
     StatusTone m_statusTone = StatusTone::info;
     StatusLink m_statusLink;
-    QElapsedTimer m_statusTold;
+    StudioHistory::Time m_statusTold;
     bool m_isStatusOfThisTurn = false;
     AccountSession* m_accountSession = nullptr;
     std::optional<AccountPanelDestination> m_accountPanel;
@@ -262,7 +261,7 @@ private:
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
     std::shared_ptr<PhotoImport::Control> m_import;    // of the import under way
     PhotoImport::Progress m_importProgress;
-    QElapsedTimer m_importTold;    // since the last report of it
+    std::optional<StudioHistory::Time> m_importTold;    // when it was last reported
     StudioExports m_exports;
     Payments m_payments;
     QList<Strike> m_strikes;    // for the next storing

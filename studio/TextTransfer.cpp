@@ -35,7 +35,7 @@ QCoro::Task<> importTexts(QPointer<StudioSession> session, QString path)
     }
     if (!session)
         co_return;
-    QString problem = refusalOfTexts(*session);    // other images may be on their way by now
+    QString problem = refusalOfTexts(*session);    // an import of images may have begun meanwhile
     if (!sheet.error.isEmpty()) {
         problem = u"No se pudieron leer los textos de %1: %2."_s.arg(QFileInfo(path).fileName(),
                                                                      sheet.error);

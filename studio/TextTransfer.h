@@ -7,10 +7,10 @@
 
 class StudioSession;
 
-// The texts of the batch from and to a file of a spreadsheet. What came of it is told in the
-// session's status.
+// Imports the batch's texts from a spreadsheet's file, and exports them to one. The outcome becomes
+// the session's status.
 
-// Why no texts can come in now, as a sentence; empty when they can.
+// Why no texts can be imported now, as a sentence; empty when they can.
 QString refusalOfTexts(const StudioSession& session);
 
 QCoro::Task<> importTexts(QPointer<StudioSession> session, QString path);

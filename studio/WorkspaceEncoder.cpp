@@ -15,7 +15,8 @@ QByteArray headOf(const PublicationItem& item)
 
 }    // namespace
 
-// Identity, slot and text come first in a layer; all else is mostly that of the item before.
+// The JSON of a layer: id, slot and text come first, and the rest mostly equals that of the
+// previous item's layer.
 QByteArray WorkspaceEncoder::textOf(const TextLayer& layer, qsizetype place, Shared& shared)
 {
     const QByteArray head = "{\"id\":" + toJson(layer.id) +

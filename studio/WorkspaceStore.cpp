@@ -19,7 +19,7 @@ const QString workspaceKey = u"moltiva.workspaceSnapshot"_s;
 const QString writerKey = u"moltiva.workspaceWriter"_s;
 constexpr int mostAside = 9;
 
-// Counted from 1.
+// `number` counts from 1.
 QString asideKey(int number)
 {
     const QString key = u"moltiva.workspaceSnapshot.setAside"_s;
@@ -34,7 +34,7 @@ int asideCount(const PreferencesStore& preferences)
     return count;
 }
 
-// One layer a slot, in slot order; the default one of the item's copy where none is stored.
+// One layer per slot, in slot order: the stored one, else a default layer with its text of `copy`.
 QList<TextLayer> normalizedLayers(const QList<TextLayer>& stored, const GeneratedCopy& copy)
 {
     QList<TextLayer> layers = PublicationItem::defaultLayers(copy);
@@ -46,7 +46,7 @@ QList<TextLayer> normalizedLayers(const QList<TextLayer>& stored, const Generate
     return layers;
 }
 
-// Two layers of one id would be one to every command.
+// Replaces repeated ids: every command would take two layers of one id for the same layer.
 template <typename Layer>
 void giveOwnIds(QList<Layer>& layers, QSet<QUuid>& taken)
 {
@@ -117,7 +117,7 @@ Batch workspaceOf(const WorkspaceSnapshot& stored, const PublicationItems& items
     return batch;
 }
 
-// Two items of one id would be one to every command.
+// Drops items with repeated ids: every command would take two items of one id for the same item.
 PublicationItems withoutRepeatedIds(const PublicationItems& items)
 {
     PublicationItems kept;
@@ -191,8 +191,7 @@ QCoro::Task<WorkspaceStore::Restored>
 WorkspaceStore::restore(QByteArray document, std::shared_ptr<PhotoCache> photos,
                         std::function<void(qsizetype looked, qsizetype total)> looked)
 {
-    // Named before they are awaited: the compiler destroys twice what is made inside an awaiting
-    // expression.
+    // A variable of its own: GCC 12 destroys twice what is made inside an awaiting expression.
     QFuture<std::optional<WorkspaceSnapshot>> decoding =
         runOnWorker([document] { return fromJson<WorkspaceSnapshot>(document); });
     const std::optional<WorkspaceSnapshot> stored = co_await decoding;
@@ -200,7 +199,7 @@ WorkspaceStore::restore(QByteArray document, std::shared_ptr<PhotoCache> photos,
         const Restored nothing{std::nullopt, false, false};
         co_return nothing;
     }
-    // A few at a time, all asked for at once: the workers take them as they come.
+    // Gives the workers portions of a few items, all queued at once, so that they share the work.
     constexpr qsizetype portion = 16;
     const QList<PublicationItemSnapshot>& snapshots = stored->items;
     std::vector<QFuture<Reopened>> portions;

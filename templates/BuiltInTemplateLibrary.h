@@ -2,16 +2,16 @@
 
 #include "templates/TemplateDefinition.h"
 
-// The designs of a folder of definition files; by default those that come with the program.
+// The template definitions in a folder; by default those that come with the program.
 class BuiltInTemplateLibrary {
 public:
     explicit BuiltInTemplateLibrary(const QString& folder = QStringLiteral(":/templates/gallery"));
 
-    // In the order of the list. What does not read is passed over.
+    // Sorted by their `order`. Files that cannot be read are left out.
     QList<JSONVisualTemplateDefinition> definitions(SocialFormat format) const;
 
-    // A template as a definition file holds it. Without an order of its own it comes after those of
-    // the format.
+    // The template as a definition for a file. A template without `order` goes after the others of
+    // its format.
     JSONVisualTemplateDefinition templateDefinition(const VisualTemplate& from, const QString& name,
                                                     SocialFormat format) const;
 

@@ -9,8 +9,8 @@
 #include <optional>
 #include <utility>
 
-// What the user keeps under names of his own, newest first. What is removed or replaced can be
-// called back as long as the program runs.
+// Entries that the user keeps under names of their own, newest first. Removed and replaced ones can
+// be called back while the program runs.
 template <typename Entry>
 class NamedList {
 public:
@@ -24,7 +24,7 @@ public:
         return found == m_entries.cend() ? nullptr : &*found;
     }
 
-    // "Plantilla 3": the first number that is not taken.
+    // `word` with the first number that gives an unused name: "Plantilla 3".
     QString freeName(const QString& word) const
     {
         for (int number = 1;; ++number) {
@@ -36,14 +36,15 @@ public:
 
     void add(const Entry& entry) { m_entries.prepend(entry); }
 
-    // A name of nothing but blanks is no name. False: nothing changed.
+    // A name of blanks only is refused. Returns whether anything changed.
     bool rename(QUuid id, const QString& text)
     {
         const QString name = templateName(text);
         return !name.isEmpty() && change(id, [&](Entry& entry) { entry.name = name; });
     }
 
-    // False when there is no such entry, or it stays as it is.
+    // Applies a change to an entry. False when there is no entry of this id, or `apply` changed
+    // nothing.
     template <typename Change>
     bool change(QUuid id, Change apply)
     {
@@ -58,7 +59,8 @@ public:
         return true;
     }
 
-    // The same with what it replaces kept, to be called back as an entry of its own.
+    // Changes an entry like change(), and keeps the old one, which callBack() inserts as another
+    // entry.
     template <typename Change>
     bool replace(QUuid id, Change apply)
     {
@@ -83,7 +85,7 @@ public:
         return true;
     }
 
-    // Empty when nothing was removed.
+    // The name of the entry that callBack() would bring back; empty when there is none.
     QString lastRemoved() const
     {
         return m_removed.isEmpty() ? QString() : m_removed.last().second.name;
@@ -94,7 +96,7 @@ public:
         if (m_removed.isEmpty())
             return std::nullopt;
         auto [index, entry] = m_removed.takeLast();
-        if (find(entry.id))    // it came back from a file meanwhile
+        if (find(entry.id))    // it was added again from a file meanwhile
             entry.id = QUuid::createUuid();
         m_entries.insert(std::min(index, m_entries.size()), entry);
         return entry;
@@ -102,5 +104,5 @@ public:
 
 private:
     QList<Entry> m_entries;
-    QList<std::pair<qsizetype, Entry>> m_removed;    // where they were
+    QList<std::pair<qsizetype, Entry>> m_removed;    // each with its former index
 };

@@ -12,7 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Whether two make the same of every item. A file keeps no ids of shapes.
+// Whether two templates have the same effect on every item. The ids of shapes do not count: a file
+// keeps none.
 bool areAlike(const VisualTemplate& one, const VisualTemplate& other)
 {
     const auto isSameShape = [](const ShapeLayer& a, const ShapeLayer& b) {
@@ -56,7 +57,8 @@ void SavedTemplates::updateTemplate(QUuid id, const PublicationItem& item, Socia
     drawPreview(this, id, item, format, m_photos);
 }
 
-// One that was renamed or changed here stays, beside what the file brings.
+// A saved template that was renamed or changed differs from the one in the file, so it stays beside
+// it.
 QUuid SavedTemplates::addTemplate(VisualTemplate added)
 {
     const auto& known = m_templates.entries();
@@ -148,14 +150,14 @@ QCoro::Task<> SavedTemplates::drawPreview(QPointer<SavedTemplates> self, QUuid i
                 const auto preview = TemplatePreviewRenderer::compactData(item, format, source);
                 return preview ? std::optional(preview->data) : std::nullopt;
             } catch (const std::exception&) {
-                return std::nullopt;    // short of memory: without a picture of its own
+                return std::nullopt;    // short of memory: no preview
             }
         });
     const std::optional<QByteArray> preview = co_await drawing;
     if (!self || !preview)
         co_return;
     const auto keep = [&](VisualTemplate& entry) {
-        // It may have been updated with another arrangement since.
+        // The template may have been given another arrangement while this preview was drawn.
         if (areAlike(entry, VisualTemplate::of(item, entry.name, format)))
             entry.previewPNG = preview;
     };

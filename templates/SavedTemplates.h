@@ -12,24 +12,26 @@
 class PhotoCache;
 class PreferencesStore;
 
-// The templates and styles that the user has saved. Every change is stored at once; it lives on the
+// The templates and styles that the user has saved. Every change is stored at once. Lives on the
 // interface thread.
 class SavedTemplates : public QObject {
     Q_OBJECT
 public:
-    // The preferences outlive it.
+    // `preferences` must outlive this object.
     SavedTemplates(PreferencesStore& preferences, std::shared_ptr<PhotoCache> photos,
                    QObject* parent = nullptr);
 
     const NamedList<VisualTemplate>& templates() const { return m_templates; }
     const NamedList<DesignTemplate>& styles() const { return m_styles; }
-    bool isStored() const { return m_isStored; }    // the last change is
+    bool isStored() const { return m_isStored; }    // whether the last change is stored
 
-    // The arrangement of an item, under a name of ours. Its preview follows in a moment.
+    // Saves the arrangement of an item as a template with a free name. The preview is drawn later,
+    // on a worker.
     QUuid saveTemplate(const PublicationItem& item, SocialFormat format);
-    // Another arrangement under the same name.
+    // Replaces the arrangement of a template, keeping its name.
     void updateTemplate(QUuid id, const PublicationItem& item, SocialFormat format);
-    // From a file. One that is here already is not added again: null.
+    // Adds a template from a file. Returns a null id if an equal one (but for ids) is saved
+    // already.
     QUuid addTemplate(VisualTemplate added);
     void renameTemplate(QUuid id, const QString& name);
     void removeTemplate(QUuid id);
@@ -44,7 +46,7 @@ public:
 Q_SIGNALS:
     void templatesChanged();
     void stylesChanged();
-    // What is here is kept, and stored with the next change.
+    // The change stays in memory; the next change tries to store it again.
     void storingFailed();
 
 private:

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 largestFile = qint64(16) << 20;
-// More than any design has, and few enough to be painted.
+// Limits well above any design, at which painting is still fast.
 constexpr qsizetype mostLayers = 500, longestFontName = 200;
 
 template <typename T>
@@ -96,7 +96,7 @@ JSONTextLayer::JSONTextLayer(const TextLayerTemplate& text)
 
 std::optional<TextLayer> JSONTextLayer::textLayer(const PublicationItem& item) const
 {
-    const auto known = storedValue(slot);    // the raw values are among what it reads
+    const auto known = storedValue(slot);    // accepts raw values as well
     if (!known)
         return std::nullopt;
     const auto existing = std::ranges::find(item.layers, *known, &TextLayer::slot);
@@ -186,7 +186,7 @@ QList<ShapeLayerSnapshot> JSONVisualTemplateDefinition::shapes() const
 
 TemplateApplication JSONVisualTemplateDefinition::application() const
 {
-    // Once for all items: their texts differ, their shapes do not.
+    // Shapes are made once for all items; only texts differ from item to item.
     return [texts = textLayers, all = shapes()](PublicationItem& item) {
         for (const JSONTextLayer& text : texts) {
             const auto layer = text.textLayer(item);
@@ -224,7 +224,7 @@ DefinitionFile readDefinition(QByteArrayView bytes)
 DefinitionFile readDefinitionFile(const QString& path)
 {
     QFile file(path);
-    // Opening a pipe could block without end.
+    // Opening a named pipe could block without end.
     if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
         return {std::nullopt, u"no es un archivo"_s};
     if (!file.open(QIODevice::ReadOnly))
@@ -237,7 +237,7 @@ DefinitionFile readDefinitionFile(const QString& path)
 
 QByteArray definitionBytes(const JSONVisualTemplateDefinition& definition)
 {
-    // A designer may want to read it.
+    // Indented, for designers who read the file.
     constexpr int indent = 2;
     const QByteArray compact = json::written(definition);
     return QByteArray::fromStdString(

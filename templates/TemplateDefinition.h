@@ -2,10 +2,10 @@
 
 #include "templates/VisualTemplate.h"
 
-// Template definition files, as they are written. What a file leaves out stays as it is in the item
-// that the template is applied to.
+// Template definition files as they are written. A member without a value leaves that of the item
+// unchanged when the template is applied.
 
-// Colours are "#RRGGBB"; one that is not reads as left out.
+// Colours are "#RRGGBB"; any other text counts as no value.
 struct JSONTextLayer {
     QString slot;
     std::optional<bool> visible;
@@ -27,8 +27,8 @@ struct JSONTextLayer {
     explicit JSONTextLayer(const TextLayerTemplate& text);
     JSONTextLayer() = default;
 
-    // The item's layer of the slot, or a new one with the item's copy, as this describes it.
-    // Nothing for a slot that is not known.
+    // The item's layer of this slot, or a new one with the item's copy, changed to this
+    // description. Nothing for an unknown slot.
     std::optional<TextLayer> textLayer(const PublicationItem& item) const;
 };
 
@@ -50,37 +50,37 @@ struct JSONShapeLayer {
 
 struct JSONVisualTemplateDefinition {
     QUuid id;
-    int order = 0;    // among those of its format
+    int order = 0;    // position among the definitions of its format
     QString name;
-    std::optional<QString> format;                                    // a template key
-    std::optional<QByteArray> previewPNGBase64, previewWebPBase64;    // decoded
+    std::optional<QString> format;    // SocialFormatRow::templateKey
+    std::optional<QByteArray> previewPNGBase64, previewWebPBase64;    // the bytes, decoded
     QList<JSONTextLayer> textLayers;
     QList<JSONShapeLayer> shapeLayers;    // bottom first
-    QUrl sourceURL;                       // the file it was read from; not written
+    QUrl sourceURL;                       // the file that was read; never written
 
-    // The format of its key; the first one for a missing or unknown key.
+    // The format of the key; the first of all formats if the key is missing or unknown.
     SocialFormat socialFormat() const;
     bool matches(SocialFormat asked) const { return socialFormat() == asked; }
 
-    // The stored preview, the WebP one rather than the PNG one.
+    // The stored preview: WebP if there is one, else PNG.
     std::optional<QByteArray> previewImage() const;
 
     VisualTemplate visualTemplate(const PublicationItem& item, SocialFormat made) const;
 
-    // The same ids for every item and every time.
+    // The shapes with ids that depend only on the definition: equal for every item and every call.
     QList<ShapeLayerSnapshot> shapes() const;
 
-    // visualTemplate() for each item in turn.
+    // Applies the texts of visualTemplate() and the shapes to each item it is called with.
     TemplateApplication application() const;
 };
 
-// Either a definition or the reason, the end of a Spanish sentence.
+// Either a definition, or the reason why there is none, as the end of a Spanish sentence.
 struct DefinitionFile {
     std::optional<JSONVisualTemplateDefinition> definition;
     QString error;
 };
 
-// A missing name or id is made up; what cannot be read of the layers is passed over. Any bytes.
+// Reads any bytes. A missing name or id is made up; layers that cannot be read are left out.
 DefinitionFile readDefinition(QByteArrayView bytes);
 DefinitionFile readDefinitionFile(const QString& path);
 

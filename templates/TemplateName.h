@@ -2,7 +2,7 @@
 
 #include <QString>
 
-// What may stand as the name of a template or a style: one line, not too long; may be empty.
+// The text as a name of a template or a style: one line of at most 80 characters; may be empty.
 inline QString templateName(const QString& text)
 {
     constexpr qsizetype longest = 80;

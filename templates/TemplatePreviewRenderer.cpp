@@ -1,7 +1,5 @@
 #include "templates/TemplatePreviewRenderer.h"
 
-#include "canvas/WebPEncoder.h"
-
 #include <QBuffer>
 #include <QImage>
 
@@ -60,11 +58,11 @@ std::optional<TemplatePreviewRenderer::Encoded>
 TemplatePreviewRenderer::compactData(const PublicationItem& item, SocialFormat format,
                                      const PhotoSource& source)
 {
-    // Drawn once, whatever it ends as.
-    const auto png = pngData(item, format, previewSize(format, compactWidth), source);
-    if (!png)
-        return std::nullopt;
-    if (const auto webP = WebPEncoder::convert(*png, webPQuality))
+    const QSizeF size = previewSize(format, compactWidth);
+    if (const auto webP = webPData(item, format, size, source))
         return Encoded{*webP, true};
-    return Encoded{jpegOf(*png, compactQuality).value_or(*png), false};
+    if (const auto jpeg = jpegData(item, format, size, compactQuality, source))
+        return Encoded{*jpeg, false};
+    const auto png = pngData(item, format, size, source);
+    return png ? std::optional(Encoded{*png, false}) : std::nullopt;
 }

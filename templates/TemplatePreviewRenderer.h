@@ -2,18 +2,18 @@
 
 #include "canvas/ExportCanvasRenderer.h"
 
-// Small pictures of items, to be stored with templates. The size given is both the output and the
-// reference, so that type comes out as large as on the canvas. Nothing when the photo cannot be
-// read. Waits for the decoding.
+// Small pictures of items, to be stored with templates. The canvas size is both the output size and
+// the reference, so type is as large as on the canvas. Nothing when the photo cannot be read. Waits
+// for the decoding.
 namespace TemplatePreviewRenderer {
 
 using ExportCanvasRenderer::decodedFromFile;
 using ExportCanvasRenderer::PhotoSource;
 
-// `width` pixels wide, in the format's shape.
+// A size `width` pixels wide with the format's aspect ratio.
 QSizeF previewSize(SocialFormat format, double width = 540);
 
-// Without `canvasSize`: previewSize().
+// `canvasSize` is previewSize() if not given.
 std::optional<QByteArray> pngData(const PublicationItem& item, SocialFormat format,
                                   std::optional<QSizeF> canvasSize = {},
                                   const PhotoSource& source = decodedFromFile);
@@ -30,7 +30,7 @@ struct Encoded {
     bool isWebP = false;    // else JPEG or PNG
 };
 
-// 360 wide, as WebP, else as JPEG, else as PNG.
+// A picture 360 pixels wide: WebP if it can be made, else JPEG, else PNG.
 std::optional<Encoded> compactData(const PublicationItem& item, SocialFormat format,
                                    const PhotoSource& source = decodedFromFile);
 

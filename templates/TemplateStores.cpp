@@ -28,7 +28,7 @@ struct JsonFields<VisualTemplate> {
                                               lenient("aspectRatio", &Template::aspectRatio),
                                               lenient("order", &Template::order),
                                               lenient("sourceFile", &Template::sourceFile)};
-    // What is done to a shape goes by its id.
+    // Gives shapes with a repeated id a new one: editing finds a shape by its id.
     static void settle(Template& made)
     {
         QSet<QUuid> ids;

@@ -4,8 +4,8 @@
 
 class PreferencesStore;
 
-// What the user has saved, each list as one value of the preferences. A value that does not read is
-// an empty list; of a readable one, entries that do not read are passed over.
+// The user's saved styles and templates, each list in one value of the preferences. An unreadable
+// value gives an empty list; unreadable entries of a readable one are dropped.
 
 namespace DesignTemplateStore {
 QList<DesignTemplate> load(const PreferencesStore& preferences);

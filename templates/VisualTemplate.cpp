@@ -17,7 +17,7 @@ VisualTemplate VisualTemplate::of(const PublicationItem& item, const QString& na
     made.id = QUuid::createUuid();
     made.name = name;
     for (const TextLayer& layer : item.layers) {
-        // A second layer of a slot is out of a template's reach.
+        // Only the first layer of a slot: a template holds one text per slot.
         if (std::ranges::find(made.textLayers, layer.slot, &TextLayerTemplate::slot) ==
             made.textLayers.end())
             made.textLayers.append(TextLayerTemplate(layer));
@@ -38,7 +38,7 @@ void VisualTemplate::apply(PublicationItem& item) const
 
 bool VisualTemplate::suits(SocialFormat format) const
 {
-    constexpr double rounding = 0.001;    // of what other programs write
+    constexpr double rounding = 0.001;    // other programs write rounded ratios
     return !aspectRatio || std::abs(*aspectRatio - row(format).aspectRatio) < rounding;
 }
 

@@ -9,10 +9,10 @@
 #include <functional>
 #include <optional>
 
-// A complete, storable copy of a shape; applied to items it gives them all the same identity.
+// A shape as a template stores it. Applying the template gives every item shapes with these ids.
 using ShapeLayerSnapshot = ShapeLayer;
 
-// Where the text of a slot sits and how it looks.
+// The place and style of the text layer of a slot.
 struct TextLayerTemplate {
     CopySlot slot = CopySlot::title;
     bool isVisible = true;
@@ -27,7 +27,7 @@ struct TextLayerTemplate {
     {
     }
 
-    // The layer's identity, slot and text stay.
+    // Overwrites place and style; the layer's id, slot and text stay.
     void apply(TextLayer& layer) const;
 
     bool operator==(const TextLayerTemplate&) const = default;
@@ -39,18 +39,18 @@ struct VisualTemplate {
     QString name;
     QList<TextLayerTemplate> textLayers;
     QList<ShapeLayerSnapshot> shapeLayers;    // bottom first
-    std::optional<QByteArray> previewPNG;     // an image file, of whatever kind
+    std::optional<QByteArray> previewPNG;     // the bytes of an image file, not always PNG
     std::optional<double> aspectRatio;        // width / height of the format it was made for
     std::optional<int> order;
-    std::optional<QUrl> sourceFile;    // its definition
+    std::optional<QUrl> sourceFile;    // the definition file it comes from
 
-    // The arrangement of an item, under a new id.
+    // The arrangement of an item as a template with a new id.
     static VisualTemplate of(const PublicationItem& item, const QString& name, SocialFormat format);
 
-    // Texts keep what they say, and those of a slot that is not mentioned stay as they are; slots
-    // that the item lacks are passed over. The shapes replace all that the item had.
+    // Places and styles the item's texts, and replaces all its shapes. Texts keep their words.
+    // Slots missing in the template or in the item are left alone.
     void apply(PublicationItem& item) const;
-    // One that was made for no format suits all.
+    // A template without an aspect ratio suits every format.
     bool suits(SocialFormat format) const;
 
     bool operator==(const VisualTemplate&) const = default;
@@ -65,8 +65,8 @@ struct DesignTemplate {
     bool operator==(const DesignTemplate&) const = default;
 };
 
-// Lays a design over an item; the same one for all items of a click.
+// Applies a design to an item. One click uses one application for all selected items.
 using TemplateApplication = std::function<void(PublicationItem&)>;
 
-// Whether laying it over the item would change nothing that can be seen.
+// Whether applying the design to the item would change nothing that can be seen.
 bool isApplied(const TemplateApplication& design, const PublicationItem& item);

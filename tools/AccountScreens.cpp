@@ -18,21 +18,15 @@
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 #include "tests/support/ScriptedAccount.h"
+#include "tools/WindowPictures.h"
 
-#include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
-
-#include <cstdio>
-#include <functional>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize accountWindowSizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
-constexpr int longestLook = 5000;    // ms
 const QByteArray purchases = R"({"purchases":[
 {"id":"1","kind":"credits","createdAt":"2026-11-20T10:15:00Z","amountCents":1000,
  "detail":"10.000 créditos","invoiceURL":"https://example.org/1"},
@@ -44,7 +38,11 @@ const QByteArray purchases = R"({"purchases":[
 
 class AccountScreens {
 public:
-    explicit AccountScreens(const QDir& out) : m_out(out) { m_account.hold(); }
+    explicit AccountScreens(const QDir& out)
+        : m_pictures(out, m_window, [this] { return m_window.isSettled(); })
+    {
+        m_account.hold();
+    }
 
     bool takeAll()
     {
@@ -52,7 +50,8 @@ public:
         m_session.restoreWorkspaceIfNeeded();
         take(u"gate-checking"_s);
         m_account.release();
-        return waitFor([this] { return m_window.gate()->state() == Gate::signedOut; }) &&
+        return WindowPictures::waitFor(
+                   [this] { return m_window.gate()->state() == Gate::signedOut; }) &&
                takeGate() && takePopover() && takeSheets();
     }
 
@@ -82,12 +81,13 @@ private:
         m_account.answer("POST /api/auth/login", ScriptedAccount::summary());
         m_account.answer("GET /api/auth/me", ScriptedAccount::summary());
         login->primary(LoginMode::signIn)->click();
-        return waitFor([this] { return m_window.gate()->state() == Gate::open; }) && reached;
+        return WindowPictures::waitFor([this] { return m_window.gate()->state() == Gate::open; }) &&
+               reached;
     }
 
     bool isDone()
     {
-        return waitFor([this] { return !m_account.session().isWorking(); });
+        return WindowPictures::waitFor([this] { return !m_account.session().isWorking(); });
     }
 
     template <typename Widget>
@@ -102,16 +102,16 @@ private:
         auto* button = found<UserAccountButton>();
         // A popover closes when the window changes its size.
         const auto takeOpen = [&](const QString& name, auto prepare) {
-            for (const QSize size : accountWindowSizes) {
+            for (const QSize size : WindowPictures::sizes) {
                 m_window.resize(size);
                 button->click();
                 for (auto* view : m_window.findChildren<AccountPanelView*>()) {
                     if (view->isVisible())
                         prepare(*view);
                 }
-                grabBoth(name);
+                m_pictures.takeAtThisSize(name);
                 button->click();
-                settle();
+                m_pictures.settle();
             }
         };
         takeOpen(u"popover"_s, [](AccountPanelView&) {});
@@ -120,8 +120,8 @@ private:
         m_account.answer("POST /api/stripe/checkout",
                          R"({"url":"https://example.org","sessionId":"s1"})");
         m_account.session().buyCredits(10000);
-        const bool reached =
-            waitFor([this] { return m_account.session().pendingCheckoutSessionId().has_value(); });
+        const bool reached = WindowPictures::waitFor(
+            [this] { return m_account.session().pendingCheckoutSessionId().has_value(); });
         takeOpen(u"popover-pending-password"_s,
                  [](AccountPanelView& view) { view.setPassword(AccountPanelView::Fold::open); });
         return reached;
@@ -174,42 +174,8 @@ private:
         return reached;
     }
 
-    bool waitFor(const std::function<bool()>& reached)
-    {
-        QElapsedTimer watch;
-        for (watch.start(); !reached() && watch.elapsed() < longestLook;)
-            QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-        return reached();
-    }
+    bool take(const QString& name) { return m_pictures.take(name); }
 
-    void settle()
-    {
-        QElapsedTimer pause;
-        for (pause.start(); pause.elapsed() < 60;)
-            QApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-
-    void grabBoth(const QString& name)
-    {
-        for (const auto& [theme, label] :
-             {std::pair(&darkTheme(), u"dark"_s), std::pair(&lightTheme(), u"light"_s)}) {
-            applyTheme(*theme);
-            settle();
-            const QString file = u"%1-%2-%3.png"_s.arg(name, label).arg(m_window.width());
-            if (m_window.grab().save(m_out.filePath(file)))
-                std::printf("%s\n", qPrintable(file));
-        }
-    }
-
-    void take(const QString& name)
-    {
-        for (const QSize size : accountWindowSizes) {
-            m_window.resize(size);
-            grabBoth(name);
-        }
-    }
-
-    QDir m_out;
     QTemporaryDir m_folder;
     std::shared_ptr<PhotoCache> m_cache =
         std::make_shared<PhotoCache>(m_folder.filePath(u"cache"_s));
@@ -217,6 +183,7 @@ private:
     StudioSession m_session{m_cache, m_preferences};
     ScriptedAccount m_account{m_preferences, Scripted::signedOut};
     MainWindow m_window{m_session, m_account.session(), m_cache, m_preferences};
+    WindowPictures m_pictures;
 };
 
 }    // namespace

@@ -4,8 +4,8 @@
 // Only those of signing in, the account and the settings: screens OUT --account
 //
 // Each state is reached as a user reaches it, through the session and the window, then taken in
-// both themes and at the window sizes of `windowSizes`. Without --photos a painted sample batch
-// stands in.
+// both themes and at several sizes. Two runs over the same photos give the same bytes. Without
+// --photos a painted sample batch stands in.
 
 #include "app/account/AuthGateView.h"
 #include "app/batch/BatchColumn.h"
@@ -28,43 +28,75 @@
 #include "platform/Memory.h"
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
+#include "platform/ThumbnailStore.h"
 #include "platform/Workers.h"
+#include "studio/PhotoFolder.h"
 #include "studio/StudioSession.h"
 #include "tests/support/ScriptedAccount.h"
 #include "tools/AccountScreens.h"
 #include "tools/ContactSheets.h"
+#include "tools/WindowPictures.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
-#include <QElapsedTimer>
+#include <QFile>
 #include <QScopeGuard>
 #include <QScrollBar>
 #include <QTemporaryDir>
 
-#include <cstdio>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize windowSizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
-constexpr int longestWait = 60000;    // ms, for photos and pictures
+// A second later at each look.
+StudioSession::Clock steppingClock()
+{
+    return [now = StudioHistory::Time()]() mutable { return now += std::chrono::seconds(1); };
+}
+
+// Holds whoever looks at a photo: its stored thumbnail is a pipe, which waits for a writer.
+class HeldPhoto {
+public:
+    HeldPhoto(const QString& photo, const QString& thumbnailFolder)
+        : m_pipe(ThumbnailStore(thumbnailFolder).fileFor(photo))
+    {
+        m_isHeld = mkfifo(QFile::encodeName(m_pipe).constData(), S_IRUSR | S_IWUSR) == 0;
+    }
+    ~HeldPhoto() { release(); }
+
+    // The photo is decoded as if nothing was stored of it.
+    void release()
+    {
+        QFile pipe(m_pipe);
+        if (std::exchange(m_isHeld, false) && pipe.open(QIODevice::ReadWrite))
+            pipe.remove();    // closes it, too
+    }
+
+private:
+    QString m_pipe;
+    bool m_isHeld = false;
+};
 
 class Screens {
 public:
-    Screens(const QDir& out, const QUrl& photos)
-        : m_out(out), m_photos(photos),
-          m_cache(std::make_shared<PhotoCache>(m_folder.filePath(u"cache"_s))),
+    Screens(const QDir& out, const QString& photoFolder)
+        : m_photoFolder(photoFolder), m_thumbnails(m_folder.filePath(u"cache"_s)),
+          m_cache(std::make_shared<PhotoCache>(m_thumbnails)),
           m_preferences(m_folder.filePath(u"preferences.sqlite"_s)),
-          m_session(m_cache, m_preferences), m_account(m_preferences, Scripted::signedIn),
-          m_window(m_session, m_account.session(), m_cache, m_preferences)
+          m_session(m_cache, m_preferences, steppingClock()),
+          m_account(m_preferences, Scripted::signedIn),
+          m_window(m_session, m_account.session(), m_cache, m_preferences),
+          m_pictures(out, m_window,
+                     [this] { return m_window.isSettled() && m_session.areCostsUpToDate(); })
     {
         m_session.setAccountSession(m_account.session());
         m_session.setCreditJournal(m_account.journal(), m_folder.filePath(u"exports"_s));
         m_window.show();
         m_session.restoreWorkspaceIfNeeded();
-        waitFor([this] { return m_window.gate()->state() == Gate::open; });
+        WindowPictures::waitFor([this] { return m_window.gate()->state() == Gate::open; });
     }
 
     // False when a state was not reached.
@@ -78,15 +110,7 @@ public:
         m_session.load({QUrl::fromLocalFile(m_folder.path())});
         reached &= take(u"nothing-found"_s);
 
-        m_session.load({m_photos});
-        waitFor([this] {
-            // It may be over before it is seen, where the photos are few and small.
-            if (!m_session.isImporting())
-                return true;
-            return m_session.importProgress().accepted.size() >= 2 &&
-                   m_window.shell()->batchColumn()->grid()->keptPictures() >= 2;
-        });
-        takeNow(u"importing"_s);
+        reached &= takeImport();
         reached &= take(u"batch"_s);
         const int last = int(m_session.batch().items.size()) - 1;
         m_session.selectItem(std::min(3, last), Qt::ShiftModifier);
@@ -114,6 +138,25 @@ private:
         m_session.selectLayer(std::ranges::find(current().layers, slot, &TextLayer::slot)->id);
     }
 
+    // All photos are looked at but one of the first: those behind it wait for it.
+    bool takeImport()
+    {
+        const QList<QUrl> photos = photosInFolder(m_photoFolder);
+        const QUrl waitedFor = photos[std::min<qsizetype>(2, photos.size() - 1)];
+        workers().setMaxThreadCount(std::max(2, workers().maxThreadCount()));
+        HeldPhoto held(waitedFor.toLocalFile(), m_thumbnails);
+        m_session.load({QUrl::fromLocalFile(m_photoFolder)});
+        const bool reached = WindowPictures::waitFor([&] {
+            const PhotoImport::Progress& progress = m_session.importProgress();
+            return progress.looked == photos.size() - 1 &&
+                   m_window.shell()->batchColumn()->grid()->keptPictures() ==
+                       progress.accepted.size();
+        });
+        m_pictures.takeNow(u"importing"_s);
+        held.release();
+        return reached;
+    }
+
     // Of the images that are selected.
     bool takeExports()
     {
@@ -124,14 +167,14 @@ private:
             uR"({"ok":true,"balance":%1,"cost":%2})"_s.arg(balance).arg(cost).toUtf8());
         m_account.hold();    // at its reservation
         m_session.exportAll(m_folder.path());
-        waitFor([this] {
+        WindowPictures::waitFor([this] {
             return !m_session.isExporting() ||
                    m_session.exportProgress()->stage == ExportProgress::Stage::charging;
         });
         bool reached = m_session.isExporting() && take(u"exporting"_s);
         m_account.answer("GET /api/auth/me", ScriptedAccount::summary("Lucía Ferrer", balance));
         m_account.release();
-        reached &= waitFor([this] { return !m_session.isExporting(); });
+        reached &= WindowPictures::waitFor([this] { return !m_session.isExporting(); });
         return reached && take(u"exported"_s);
     }
 
@@ -214,12 +257,14 @@ private:
             if (swatch->accessibleName() != u"Color de la caja"_s)
                 continue;
             swatch->click();
-            takeNow(u"panel-color"_s);
+            m_pictures.settle();
+            m_pictures.takeNow(u"panel-color"_s);
             swatch->click();
         }
         auto* font = panel->textPanel()->findChild<FontField*>();
         font->click();
-        takeNow(u"panel-fonts"_s);
+        m_pictures.settle();
+        m_pictures.takeNow(u"panel-fonts"_s);
         m_window.setFocus();
         font->click();
         TextLayer unreadable =
@@ -279,63 +324,17 @@ private:
         return reached;
     }
 
-    bool waitFor(const std::function<bool()>& reached)
-    {
-        QElapsedTimer watch;
-        for (watch.start(); !reached() && watch.elapsed() < longestWait;)
-            QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-        return reached();
-    }
+    bool take(const QString& name) { return m_pictures.take(name); }
 
-    bool settle()
-    {
-        // Panels ask for pictures a moment after they changed.
-        for (int turn = 0; turn < 3; ++turn) {
-            QElapsedTimer pause;
-            for (pause.start(); pause.elapsed() < 60;)
-                QApplication::processEvents(QEventLoop::AllEvents, 20);
-            if (!waitFor([this] { return m_window.isSettled(); }))
-                return false;
-        }
-        return true;
-    }
-
-    void grab(const QString& name, const QString& theme)
-    {
-        const QString file = u"%1-%2-%3.png"_s.arg(name, theme, QString::number(m_window.width()));
-        if (m_window.grab().save(m_out.filePath(file)))
-            std::printf("%s\n", qPrintable(file));
-    }
-
-    bool take(const QString& name)
-    {
-        bool settled = true;
-        for (const QSize size : windowSizes) {
-            m_window.resize(size);
-            for (const auto& [theme, label] :
-                 {std::pair(&darkTheme(), u"dark"_s), std::pair(&lightTheme(), u"light"_s)}) {
-                applyTheme(*theme);
-                settled &= settle();
-                grab(name, label);
-            }
-        }
-        if (!settled)
-            std::fprintf(stderr, "%s: not settled after %d s\n", qPrintable(name),
-                         longestWait / 1000);
-        return settled;
-    }
-
-    // A state that passes, in the theme that is on.
-    void takeNow(const QString& name) { grab(name, u"light"_s); }
-
-    QDir m_out;
-    QUrl m_photos;
+    QString m_photoFolder;
     QTemporaryDir m_folder;
+    QString m_thumbnails;
     std::shared_ptr<PhotoCache> m_cache;
     PreferencesStore m_preferences;
     StudioSession m_session;
     ScriptedAccount m_account;
     MainWindow m_window;
+    WindowPictures m_pictures;
 };
 
 }    // namespace
@@ -347,6 +346,7 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     const auto finish = qScopeGuard(&finishWorkers);
     dress(application, darkTheme(), Motion::reduced);
+    stopAnimations(application);
     QCommandLineParser parser;
     const QCommandLineOption photos(u"photos"_s, u"folder of photographs"_s, u"dir"_s);
     const QCommandLineOption designs(u"designs"_s, u"folder of template definitions"_s, u"dir"_s);
@@ -371,6 +371,6 @@ int main(int argc, char** argv)
     }
     if (parser.isSet(designs))
         return makeContactSheets(out, folder, parser.value(designs)) ? 0 : 1;
-    Screens screens(out, QUrl::fromLocalFile(QDir(folder).absolutePath()));
+    Screens screens(out, QDir(folder).absolutePath());
     return screens.takeAll() && takeAccountScreens(out) ? 0 : 1;
 }

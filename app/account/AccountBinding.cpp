@@ -53,7 +53,7 @@ void AccountBinding::connectGate()
             [this] { m_account.openPage(m_account.testMailURL()); });
 }
 
-// Once, however often the gate is shown.
+// Starts the account at the first appearance of the gate only.
 void AccountBinding::start()
 {
     if (m_didBootstrap)
@@ -155,7 +155,7 @@ void AccountBinding::showGate()
     }
 }
 
-// What was typed goes with the screens: whoever comes next may be somebody else.
+// Deletes the sheets with all that was typed in them: the next user may be another person.
 void AccountBinding::closeGate()
 {
     if (m_popover)
@@ -206,7 +206,7 @@ void AccountBinding::togglePopover()
     m_popover->present();
 }
 
-// What the popover and the sheet have both.
+// Connects the profile, password and purchase forms, of which each panel has some.
 template <typename Panel>
 void AccountBinding::connectForms(Panel* panel)
 {
@@ -266,7 +266,7 @@ AppSettingsWindow* AccountBinding::appSettings()
     return m_appSettings;
 }
 
-// What was typed goes once it is of no more use.
+// Clears the typed passwords only after a success, so that a refused one can be mended.
 QCoro::Task<> AccountBinding::changePassword(QString current, QString password, QString repeated)
 {
     const QPointer<AccountBinding> self(this);

@@ -15,11 +15,12 @@ class UserAccountButton;
 struct AccountShown;
 
 // Connects the account with the gate, with its button and popover in the top bar, and with the
-// settings. Which of these lies over the window is the studio's state.
+// settings. StudioSession holds which settings lie over the window.
 class AccountBinding : public QObject {
     Q_OBJECT
 public:
-    // All outlive it. The sheets belong to the window, and are made when they are first wanted.
+    // The arguments outlive the binding. It makes the sheets when they are first shown; the window
+    // owns them.
     AccountBinding(AccountSession& account, StudioSession& studio, AuthGateView* gate,
                    UserAccountButton* button, QWidget* window);
 
@@ -31,7 +32,8 @@ Q_SIGNALS:
     void gateClosed();
     void sheetChanged();
     void textPanelRequested();
-    // What nothing of the account that is seen shows: that an action goes on, and its outcome.
+    // For the status line while no account screen is open: working() when an action begins, told()
+    // with its outcome.
     void working();
     void told(const QString& message, bool isProblem);
 
@@ -63,8 +65,8 @@ private:
     QPointer<AccountSettingsWindow> m_accountSettings;
     QPointer<AppSettingsWindow> m_appSettings;
     bool m_didBootstrap = false;
-    // What was told last, here or by what shows the account.
+    // The account's last message that is not about a charge.
     QString m_message;
     bool m_wasWorking = false, m_toldWorking = false;
-    bool m_isLoadingPurchases = false;    // which tells nothing when it is done
+    bool m_isLoadingPurchases = false;    // its end is not told
 };

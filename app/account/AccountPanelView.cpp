@@ -136,7 +136,7 @@ QWidget* AccountPanelView::purchase()
     auto* heading = new QHBoxLayout;
     heading->addWidget(new Caption(Type::heading, &Theme::text, u"Comprar créditos"_s), 1);
     heading->addWidget(new Caption(Type::small, &Theme::text2, u"1000 créditos = 1 EUR"_s));
-    auto* group = new QWidget;    // of which one is chosen
+    auto* group = new QWidget;    // auto-exclusive: one of the packages in it is checked
     auto* packages = new QHBoxLayout(group);
     packages->setContentsMargins(0, 0, 0, 0);
     packages->setSpacing(6);
@@ -215,12 +215,12 @@ void AccountPanelView::present()
     m_form->forget();
     open(QSize(panelWidth - 2 * padding, m_page->sizeHint().height()));
     fit();
-    // A click leaves the focus, and with it the arrows, where they were.
+    // After a click the focus stays where it was, so that the arrow keys keep working there.
     if (byKeyboard)
         takeFocus(m_fold, Qt::TabFocusReason);
 }
 
-// Once its room is known, which may be out of sight.
+// Scrolls to the notice after the layout has placed it: it may stand outside the visible part.
 void AccountPanelView::showNotice()
 {
     const bool isTold = !m_notice->text().isEmpty();
@@ -280,7 +280,7 @@ int AccountPanelView::chosenCredits() const
     return creditPackages[std::size_t(std::max<qsizetype>(0, chosen - m_packages.begin()))];
 }
 
-// As high as the page, which says so by an event once something in it was folded or came.
+// Fits the popover to the page's height whenever the page is laid out again, as when it folds.
 bool AccountPanelView::eventFilter(QObject* object, QEvent* event)
 {
     if (object == m_page && event->type() == QEvent::LayoutRequest)
@@ -296,7 +296,7 @@ void AccountPanelView::fit()
 
 void AccountPanelView::resizeEvent(QResizeEvent*)
 {
-    // The bar has its room in the padding.
+    // The scroll bar stands in the popover's right padding.
     m_area->setGeometry(content().adjusted(0, 0, sheetScrollBar, 0));
 }
 

@@ -16,8 +16,8 @@ class PushButton;
 class QScrollArea;
 class RowButton;
 
-// The account in short, below its button: what is most often done with it, and the ways to the
-// rest.
+// The popover below the account button: the most frequent actions, and the ways to the account's
+// screens.
 class AccountPanelView : public Popover {
     Q_OBJECT
 public:

@@ -74,7 +74,7 @@ bool AuthGateView::event(QEvent* event)
 
 bool AuthGateView::focusNextPrevChild(bool next)
 {
-    // As it goes, its own stops are hidden and would keep the focus out of sight.
+    // Qt asks for the next focus while it hides the gate, whose own widgets are then invisible.
     if (!isVisible())
         return QWidget::focusNextPrevChild(next);
     moveFocusRound(this, next);
@@ -83,7 +83,7 @@ bool AuthGateView::focusNextPrevChild(bool next)
 
 void AuthGateView::keyPressEvent(QKeyEvent* event)
 {
-    event->accept();    // the window's keys are off
+    event->accept();    // keeps the key from the window's shortcuts
     pressFocused(event, this);
 }
 

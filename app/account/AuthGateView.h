@@ -6,18 +6,18 @@ class QStackedWidget;
 
 enum class Gate { checking, signedOut, open };
 
-// Lies over the studio until somebody is signed in; neither a click nor a key gets past it.
+// Covers the studio until a user is signed in; neither a click nor a key gets past it.
 class AuthGateView : public QWidget {
     Q_OBJECT
 public:
     explicit AuthGateView(QWidget* window);
-    // Open, it is not shown.
+    // Gate::open hides the view.
     void setState(Gate state);
     Gate state() const { return m_state; }
     LoginView* login() const { return m_login; }
 
 Q_SIGNALS:
-    void appeared();    // whenever it is shown
+    void appeared();    // the gate was shown, for the first time or again
 
 protected:
     bool event(QEvent* event) override;

@@ -32,6 +32,16 @@ CreditsDetailPanel::CreditsDetailPanel(QWidget* parent)
       m_total(new Caption(Type::heading, &Theme::text)),
       m_buy(new PushButton(Icon::openOutside, u"Comprar con Stripe"_s, ButtonKind::primary))
 {
+    buildBalance();
+    buildChoices();
+    buildPending();
+    buildFoot();
+    connectForm();
+    showTotal();
+}
+
+void CreditsDetailPanel::buildBalance()
+{
     auto* card = new CardGround;
     auto* balance = new QHBoxLayout(card);
     balance->setContentsMargins(16, 11, 16, 11);
@@ -43,12 +53,15 @@ CreditsDetailPanel::CreditsDetailPanel(QWidget* parent)
     lines->addWidget(m_balance);
     balance->addLayout(lines, 1);
     rows()->addWidget(card);
+}
 
+void CreditsDetailPanel::buildChoices()
+{
     auto* heading = new QHBoxLayout;
     heading->addWidget(new Caption(Type::heading, &Theme::text, u"Comprar créditos"_s), 1);
     heading->addWidget(new Caption(Type::small, &Theme::text2, u"1000 créditos = 1 EUR"_s));
     rows()->addLayout(heading);
-    auto* group = new QWidget;    // of which one is chosen
+    auto* group = new QWidget;    // auto-exclusive: one of the choices in it is checked
     auto* choices = new QVBoxLayout(group);
     choices->setContentsMargins(0, 0, 0, 0);
     choices->setSpacing(10);
@@ -73,7 +86,10 @@ CreditsDetailPanel::CreditsDetailPanel(QWidget* parent)
     m_packages.first()->setChecked(true);
     connect(m_custom, &CustomAmount::changed, this, &CreditsDetailPanel::showTotal);
     connect(m_custom, &CustomAmount::submitted, this, &CreditsDetailPanel::buy);
+}
 
+void CreditsDetailPanel::buildPending()
+{
     auto* pending = new QHBoxLayout(m_pending);
     pending->setContentsMargins(16, 10, 12, 10);
     pending->setSpacing(Space::medium);
@@ -83,7 +99,10 @@ CreditsDetailPanel::CreditsDetailPanel(QWidget* parent)
     pending->addWidget(m_confirm);
     m_pendingText->setMostRows(2);
     rows()->addWidget(m_pending);
+}
 
+void CreditsDetailPanel::buildFoot()
+{
     footNotice()->addWidget(m_hint);
     auto* total = new Caption(Type::body, &Theme::text2, u"Total"_s);
     foot()->addWidget(total);
@@ -91,7 +110,10 @@ CreditsDetailPanel::CreditsDetailPanel(QWidget* parent)
     foot()->addWidget(m_total);
     foot()->addSpacing(Space::small);
     foot()->addWidget(m_buy);
+}
 
+void CreditsDetailPanel::connectForm()
+{
     form()->add(QList{m_buy, m_confirm});
     form()->add(CheckedField::amount, m_custom->field());
     form()->add(QList<QWidget*>(m_packages.begin(), m_packages.end()) +
@@ -102,10 +124,10 @@ CreditsDetailPanel::CreditsDetailPanel(QWidget* parent)
         if (form()->send(m_confirm))
             Q_EMIT checkoutConfirmed();
     });
-    showTotal();
 }
 
-// While a purchase is pending, its banner has the message, unless that tells of a problem.
+// The banner of a pending purchase shows the account's message, unless it is a problem: the notice
+// shows those.
 void CreditsDetailPanel::setAccount(const AccountShown& account)
 {
     m_balance->setText(creditsText(account.balance));
@@ -118,7 +140,7 @@ void CreditsDetailPanel::setAccount(const AccountShown& account)
     SettingsPanel::setAccount(account);
 }
 
-// The hint stands where there is nothing to tell.
+// Shows the hint in the notice's place while the notice is hidden.
 void CreditsDetailPanel::showHint()
 {
     const QString told = notice()->text();

@@ -24,10 +24,15 @@ Q_SIGNALS:
     void checkoutConfirmed();
 
 private:
+    void buildBalance();
+    void buildChoices();
+    void buildPending();
+    void buildFoot();
+    void connectForm();
     void buy();
     void showTotal();
     void showHint();
-    std::optional<int> credits() const;    // nothing where what was typed is no amount
+    std::optional<int> credits() const;    // empty while the custom field holds no valid amount
 
     Caption* m_balance;
     QList<PackageCard*> m_packages;

@@ -4,8 +4,8 @@
 class FormField;
 class Control;
 
-// "Otra cantidad": the row that chooses it, and once chosen the field that takes it. The row stands
-// among the packages, as one of which it is chosen.
+// The card with the field for "Otra cantidad", visible while choice() is checked. The caller places
+// choice() among the packages, so that either a package or the custom amount is checked.
 class CustomAmount : public CardGround {
     Q_OBJECT
 public:

@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int paneWidth = 544, loginColumnWidth = 400, loginMarkSide = 44, bottomMargin = 8;
-// Of the form to sign in without its notice, and of the highest mode with it.
+// Heights of the column: signing in without a notice; the tallest mode with a notice.
 constexpr int usualHeight = 536, highest = 688;
 
 struct ModeRow {
@@ -72,6 +72,16 @@ LoginView::LoginView(QWidget* parent)
       m_waiting(new Caption(Type::small, &Theme::text2, {})),
       m_form(new AccountForm(m_notice, this))
 {
+    buildColumn();
+    nameFields();
+    connectActions();
+    orderFocus();
+    m_waiting->hide();
+    setMode(LoginMode::signIn);
+}
+
+void LoginView::buildColumn()
+{
     m_segments->setStretched(SegmentSize::large);
     m_recover->setFlush();
     m_recover->setFixedHeight(24);
@@ -83,7 +93,7 @@ LoginView::LoginView(QWidget* parent)
     heading->addWidget(new Mark(loginMarkSide));
     heading->addWidget(new Caption(Type::display, &Theme::text, u"Moltiva"_s), 1);
     auto* rows = new QVBoxLayout(m_column);
-    // Less where the window has no room for all of it.
+    // A gap shrinks where the window is too low for the column.
     const auto addGap = [rows](int height) {
         rows->addSpacerItem(new QSpacerItem(0, height, QSizePolicy::Minimum, QSizePolicy::Maximum));
     };
@@ -102,18 +112,14 @@ LoginView::LoginView(QWidget* parent)
     auto* fields = new QVBoxLayout;
     fields->setSpacing(12);
     rows->addLayout(fields);
-    for (FormField* field : {m_email, m_password, m_repeated}) {
+    for (FormField* field : {m_email, m_password, m_repeated})
         fields->addWidget(field);
-        connect(field, &FormField::submitted, this, &LoginView::send);
-    }
     addGap(22);
     for (const ModeRow& mode : modes) {
-        auto* button = new PushButton(mode.icon, mode.action.toString(), ButtonKind::primary,
-                                      ButtonSize::large);
-        button->setStretched();
-        connect(button, &PushButton::clicked, this, &LoginView::send);
-        rows->addWidget(button);
-        m_primaries.append(button);
+        m_primaries.append(new PushButton(mode.icon, mode.action.toString(), ButtonKind::primary,
+                                          ButtonSize::large));
+        m_primaries.last()->setStretched();
+        rows->addWidget(m_primaries.last());
     }
     rows->addSpacing(18);
     rows->addWidget(new Divider(u"o"_s));
@@ -125,19 +131,30 @@ LoginView::LoginView(QWidget* parent)
         wayOut->setFlush();
         rows->addWidget(wayOut, 0, Qt::AlignLeft);
     }
-    connect(m_retry, &PushButton::clicked, this, [this] {
-        if (m_form->send(m_retry))
-            Q_EMIT retryRequested();
-    });
-    connect(m_testMail, &PushButton::clicked, this, &LoginView::testMailRequested);
     rows->addWidget(m_waiting);
     rows->addStretch(1);
+}
 
+void LoginView::nameFields()
+{
     m_form->add(m_primaries + QList{m_google, m_recover, m_retry, m_testMail});
     m_form->add(CheckedField::email, m_email);
     m_form->add(CheckedField::password, m_password);
     m_form->add(CheckedField::repeatedPassword, m_repeated);
     m_form->add(QList<QWidget*>{m_segments});
+}
+
+void LoginView::connectActions()
+{
+    for (const FormField* field : {m_email, m_password, m_repeated})
+        connect(field, &FormField::submitted, this, &LoginView::send);
+    for (const PushButton* primary : m_primaries)
+        connect(primary, &PushButton::clicked, this, &LoginView::send);
+    connect(m_retry, &PushButton::clicked, this, [this] {
+        if (m_form->send(m_retry))
+            Q_EMIT retryRequested();
+    });
+    connect(m_testMail, &PushButton::clicked, this, &LoginView::testMailRequested);
     connect(m_segments, &SegmentedControl::chosen, this, [this](int index) {
         setMode(LoginMode(index));
         if (!m_segments->hasFocus())
@@ -151,15 +168,17 @@ LoginView::LoginView(QWidget* parent)
         if (m_form->send(m_google))
             Q_EMIT googleRequested();
     });
-    // From a field to the next; what helps with one comes after the form.
+}
+
+// Tab goes from field to field and to the buttons that send; "recuperar" and the eyes follow.
+void LoginView::orderFocus()
+{
     QList<QWidget*> order{m_segments, m_email->edit(), m_password->edit(), m_repeated->edit()};
     order += QList<QWidget*>(m_primaries.begin(), m_primaries.end());
     order += {m_recover, m_password->edit()->eye(), m_repeated->edit()->eye()};
     order += {m_google, m_notice->copyButton(), m_retry, m_testMail};
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
-    m_waiting->hide();
-    setMode(LoginMode::signIn);
 }
 
 PushButton* LoginView::primary(LoginMode mode) const
@@ -170,7 +189,7 @@ PushButton* LoginView::primary(LoginMode mode) const
 void LoginView::setAccount(const AccountShown& account)
 {
     m_form->show(account);
-    // The next one typed replaces the one that was refused.
+    // Selects the refused password, so that typing replaces it.
     if (m_wasWorking && !account.isWorking && account.isProblem)
         m_password->edit()->selectAll();
     m_wasWorking = account.isWorking;
@@ -199,7 +218,8 @@ void LoginView::setMode(LoginMode mode)
     m_mode = mode;
     m_segments->setCurrent(int(mode));
     m_explanation->setText(row(mode).explanation.toString());
-    // Else the focus would go to whatever comes next.
+    // Qt moves the focus of a hidden field to an arbitrary next widget: takes it to the e-mail
+    // first.
     const bool losesFocus = (mode != LoginMode::createAccount && m_repeated->edit()->hasFocus()) ||
                             (mode == LoginMode::recover && m_password->edit()->hasFocus());
     if (losesFocus)
@@ -260,7 +280,8 @@ void LoginView::place()
     const int pane = std::min(width(), paneWidth);
     const int left = width() - pane;
     m_wall->setGeometry(0, 0, left, height());
-    // The same top in every mode, low enough for the usual one to be in the middle.
+    // The top is the same in every mode: it centres the sign-in form if the tallest mode still
+    // fits.
     const int top = std::max(16, std::min((height() - usualHeight) / 2, height() - highest - 24));
     m_column->setGeometry(left + (pane - loginColumnWidth) / 2, top, loginColumnWidth,
                           std::max(0, height() - top - bottomMargin));

@@ -13,18 +13,18 @@ class SegmentedControl;
 
 enum class LoginMode { signIn, createAccount, recover };
 
-// Signing in, beside a wall of finished posts.
+// The forms to sign in, register and recover a password, beside a wall of finished posts.
 class LoginView : public QWidget {
     Q_OBJECT
 public:
     explicit LoginView(QWidget* parent = nullptr);
     void setAccount(const AccountShown& account);
-    // Files that are opened once somebody is signed in.
+    // Tells how many files wait to be opened after the sign-in.
     void setWaitingFiles(int count);
     void setMode(LoginMode mode);
     void clearPasswords();
     void focusFirst();
-    void tellProblem(const QString& sentence);    // of something else than signing in
+    void tellProblem(const QString& sentence);    // one that has nothing to do with signing in
     FormField* email() const { return m_email; }
     FormField* password() const { return m_password; }
     FormField* repeated() const { return m_repeated; }
@@ -43,6 +43,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void buildColumn();
+    void nameFields();
+    void connectActions();
+    void orderFocus();
     void showWaysOut();
     void send();
     void place();
@@ -56,7 +60,7 @@ private:
     FormField* m_password;
     FormField* m_repeated;
     PushButton* m_recover;
-    QList<PushButton*> m_primaries;    // one a mode
+    QList<PushButton*> m_primaries;    // the buttons that send the form, by LoginMode
     PushButton* m_google;
     Notice* m_notice;
     PushButton* m_retry;

@@ -50,7 +50,8 @@ PurchasesDetailPanel::PurchasesDetailPanel(QWidget* parent)
     showContent();
 }
 
-// Rows without a button are read by scrolling: what scrolls takes the focus, and with it the keys.
+// The area takes the focus while it can scroll: rows without a button are read by scrolling with
+// the keys.
 void PurchasesDetailPanel::makeReachable()
 {
     m_area->setAccessibleName(u"Compras"_s);
@@ -86,7 +87,7 @@ void PurchasesDetailPanel::setLoaded(Loading outcome)
     m_isLoading = false;
     m_isKnown |= outcome == Loading::done;
     if (outcome == Loading::done)
-        form()->forget();    // nothing is told of what came, so that all that is told is older
+        form()->forget();    // loading has no message of its own: the one shown is older
     showContent();
 }
 
@@ -97,7 +98,7 @@ void PurchasesDetailPanel::setPurchases(const QList<PurchaseHistoryItem>& purcha
     m_purchases = purchases;
     form()->remove(m_documents);
     m_documents.clear();
-    bringNoticeHome();    // it may stand at a row that goes
+    bringNoticeHome();    // the notice may stand in a row that is deleted now
     m_list = new QWidget;
     auto* rows = new QVBoxLayout(m_list);
     rows->setContentsMargins(0, 0, 0, 0);
@@ -116,7 +117,7 @@ void PurchasesDetailPanel::setPurchases(const QList<PurchaseHistoryItem>& purcha
     }
     rows->addStretch(1);
     form()->add(m_documents);
-    m_area->setWidget(m_list);    // the one before goes with it
+    m_area->setWidget(m_list);    // deletes the former list
     showContent();
 }
 

@@ -13,7 +13,7 @@ public:
     explicit PurchasesDetailPanel(QWidget* parent = nullptr);
     void setPurchases(const QList<PurchaseHistoryItem>& purchases);
     enum class Loading { done, failed };
-    void setLoaded(Loading outcome);    // of what was asked for
+    void setLoaded(Loading outcome);    // ends what historyRequested() began
 
 Q_SIGNALS:
     void historyRequested();
@@ -31,11 +31,11 @@ private:
 
     QList<PurchaseHistoryItem> m_purchases;
     bool m_isLoading = false;
-    bool m_isKnown = false;    // there may be purchases before they came once
+    bool m_isKnown = false;    // loaded once; before, no list does not mean no purchases
     ProgressBar* m_progress;
     QScrollArea* m_area;
     EmptyNote* m_empty;
     QWidget* m_list = nullptr;
-    QList<PushButton*> m_documents;    // of the rows that have one
+    QList<PushButton*> m_documents;    // one for each row with a document
     PushButton* m_refresh;
 };

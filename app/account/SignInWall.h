@@ -2,7 +2,8 @@
 #include <QPixmap>
 #include <QWidget>
 
-// Finished posts, dark towards the bottom, with what the program is for. The same in both themes.
+// A picture of finished posts with the program's claim, dark towards the bottom. It looks alike in
+// both themes.
 class SignInWall : public QWidget {
     Q_OBJECT
 public:
@@ -13,5 +14,5 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    QPixmap m_picture;    // only while it is shown
+    QPixmap m_picture;    // loaded only while the wall is visible
 };

@@ -43,7 +43,7 @@ QString UserAccountButton::shownName() const
     return m_form == NameForm::first ? firstNameOf(m_name) : m_name;
 }
 
-// Wide enough for every balance of as many digits, so that spending moves nothing.
+// Wide enough for every balance with this number of digits, so that spending does not move the bar.
 double UserAccountButton::textRoom() const
 {
     const int digits = int(QString::number(m_balance).size());

@@ -19,8 +19,8 @@ BatchBinding::BatchBinding(StudioSession& session, BatchColumn* column,
             [this] { m_column->setTiles(tilesOf(shownItems())); });
 }
 
-// While an import runs the batch is still the old one, and a click in the column would mean another
-// image than the one under it.
+// While an import runs the batch is still the old one: a click on a tile would mean another image
+// than the tile shows.
 bool BatchBinding::showsIncoming() const
 {
     return m_session.isImporting() && !m_session.importProgress().accepted.isEmpty();
@@ -51,7 +51,8 @@ void BatchBinding::ask()
 {
     QList<PublicationItem> items;
     const PublicationItem* current = m_session.batch().currentItem();
-    // Its warnings are shown beside the canvas as well, whether the column shows its tile or not.
+    // The current item is drawn even while its tile is out of view: the side panel shows its
+    // warnings.
     if (current && !isJudged(*current) && !columnAsksFor(current->id))
         items.append(*current);
     if (m_column->grid()->isVisible()) {
@@ -90,11 +91,11 @@ void BatchBinding::showPicture(const TileRequest& request, const QImage& picture
     const PublicationItem* item = find(request.item.id);
     if (picture.isNull() || !item)
         return;
-    // A thumbnail that is at hand says nothing of the file.
+    // Only a missing thumbnail tells of the file: one from the cache does not prove that it exists.
     if (photo == PhotoState::missing)
         setMissing(request.item.id, true);
-    // A picture begun before the last change comes too late: the newer one is on its way, and until
-    // then the warnings of before stay.
+    // A picture of an earlier state comes too late: the newer one is on its way, and until then the
+    // earlier warnings stay.
     if (!(*item == request.item) || m_session.batch().format != request.format)
         return;
     m_wished.removeOne(request.item.id);
@@ -129,7 +130,7 @@ void BatchBinding::photoFound(QUuid item)
 {
     if (!m_missing.contains(item))
         return;
-    // What was said without the photo stays until the next picture, which is asked for anew.
+    // The warnings found without the photo stay until the next picture, which is asked for anew.
     m_judgements[item].of = {};
     setMissing(item, false);
     m_column->pictureOutdated(item);
@@ -191,14 +192,14 @@ void BatchBinding::show()
         }
         if (sameOrder && m_known.shares(i, items, i))
             continue;
-        // Found by its id where items came or went.
+        // Looks up by id where the item was before: items may have come, gone or moved.
         if (places.isEmpty()) {
             for (qsizetype k = 0; k < m_known.size(); ++k)
                 places.insert(m_known[k].id, k);
         }
         const qsizetype before = places.value(items[i].id, -1);
         cameOrWent |= before < 0;
-        // One that comes back may still have its picture, but what was said about it is forgotten.
+        // An item that came back may still have its picture, but forgetGone() dropped its warnings.
         const bool isOutdated =
             before < 0 ? !isJudged(items[i])
                        : !m_known.shares(before, items, i) && !(m_known[before] == items[i]);

@@ -8,22 +8,22 @@ class BatchColumn;
 class StudioSession;
 struct Tile;
 
-// The batch column as a view of the session. While an import runs, it shows what that has accepted
-// so far.
+// The batch column as a view of the session. While an import runs, the column shows the images
+// accepted so far.
 class BatchBinding : public QObject {
     Q_OBJECT
 public:
-    // Both outlive it.
+    // The session and the column outlive the binding.
     BatchBinding(StudioSession& session, BatchColumn* column,
                  const std::shared_ptr<PhotoCache>& photos);
 
-    void show();    // the batch or the import went on
+    void show();    // after a change of the batch or of the import's progress
     void photoFound(QUuid item);
     void photoMissing(QUuid item);
     bool isIdle() const { return m_pictures->isIdle(); }
-    // A batch that the column does not show is not changed from it.
+    // Whether the column shows the images of a running import. It must not change the batch then.
     bool showsIncoming() const;
-    // By the last picture of the item. Marks in the column and elsewhere show these and no others.
+    // Warnings found when the item's picture was last drawn. All marks of warnings come from here.
     QList<TextWarning> warningsOf(QUuid item) const;
 
 Q_SIGNALS:
@@ -51,11 +51,11 @@ private:
     StudioSession& m_session;
     BatchColumn* m_column;
     TilePictures* m_pictures;
-    // What the column shows now, to tell what has changed.
+    // The items and the format shown last, to find what changed.
     PublicationItems m_known;
     std::optional<SocialFormat> m_knownFormat;
     QHash<QUuid, QString> m_names;
     QSet<QUuid> m_missing;
     QHash<QUuid, Judgement> m_judgements;    // by item
-    QList<QUuid> m_wished;                   // by the column, and not drawn yet
+    QList<QUuid> m_wished;                   // wanted by the column and not drawn yet
 };

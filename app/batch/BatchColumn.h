@@ -4,14 +4,14 @@
 class Badge;
 class IconButton;
 
-// The batch: how many, which, and what can be done with the selection as a whole.
+// The batch at the left: number of images, their tiles, and buttons to select all and to discard.
 class BatchColumn : public QWidget {
     Q_OBJECT
 public:
     explicit BatchColumn(QWidget* parent = nullptr);
 
     void setTiles(const QList<Tile>& tiles);
-    void setRatio(double ratio);    // width by height
+    void setRatio(double ratio);    // width / height of a tile's picture
     void setPicture(QUuid id, const QImage& picture);
     void pictureOutdated(QUuid id);
     TileGrid* grid() const { return m_grid; }
@@ -36,5 +36,5 @@ private:
     Badge* m_count;
     IconButton* m_selectAll;
     IconButton* m_discard;
-    qsizetype m_selected = -1;    // none shown yet
+    qsizetype m_selected = -1;    // number of selected tiles; -1 before the first setTiles
 };

@@ -1,5 +1,6 @@
 #include "app/batch/TileGrid.h"
 
+#include "app/batch/TilePainting.h"
 #include "app/theme/Icons.h"
 #include "app/theme/Painting.h"
 
@@ -14,10 +15,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Around the tiles; the right side is short because the scroll bar follows, the ring still fits.
+// Around the tiles. The right padding is short because the scroll bar follows; the current tile's
+// outline still fits.
 constexpr int leftPadding = 16, rightPadding = 4, topPadding = 8, tileGap = 10;
-constexpr int tileCaptionGap = 5, tileCaptionHeight = 16, tileRowGap = 12, bottomPadding = 4;
-constexpr int columnUnit = 92;    // one more column from here on
+constexpr int tileRowGap = 12, bottomPadding = 4;
+constexpr int columnUnit = 92;    // width that each further column needs
 constexpr int ringReach = 5, tileFrameTime = 33, tileTurnTime = 1000;
 
 // Square corners of a photograph would stick out of the rounded tile.
@@ -37,7 +39,8 @@ QImage rounded(const QImage& picture, double radius)
     return image;
 }
 
-// Above the tiles: the viewport ends before the ring does, where the scroll bar begins.
+// The focus ring around the grid. A widget above the viewport, because the viewport ends where the
+// scroll bar begins.
 class GridRing : public QWidget {
 public:
     explicit GridRing(QWidget* parent) : QWidget(parent)
@@ -55,18 +58,6 @@ protected:
     }
 };
 
-// The toolkit leaves out as much on both sides, and with it up to a letter's width beside the tick.
-QString middleElided(Type type, const QString& text, double width)
-{
-    const QString elided =
-        QFontMetricsF(fontOf(type)).elidedText(text, Qt::ElideMiddle, std::max(0.0, width));
-    const auto gap = elided.indexOf(u'…');
-    if (elided == text || gap < 0 || text.at(gap).isSurrogate())
-        return elided;
-    const QString longer = text.left(gap + 1) + elided.mid(gap);
-    return textWidth(type, longer) <= width ? longer : elided;
-}
-
 }    // namespace
 
 TileGrid::TileGrid(QWidget* parent) : QAbstractScrollArea(parent), m_ring(new GridRing(this))
@@ -75,7 +66,8 @@ TileGrid::TileGrid(QWidget* parent) : QAbstractScrollArea(parent), m_ring(new Gr
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::TabFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    // Always there, painted only when there is something to scroll: the columns must not jump.
+    // The bar always takes its room, so that the columns do not jump; with nothing to scroll it
+    // paints nothing.
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     verticalScrollBar()->setSingleStep(48);
     viewport()->setAttribute(Qt::WA_Hover);
@@ -170,7 +162,7 @@ void TileGrid::pictureOutdated(QUuid id)
 QSize TileGrid::tileSize() const
 {
     const int inner = std::max(1, viewport()->width() - leftPadding - rightPadding);
-    // Rounded up: rather a gap of nine than one of eleven.
+    // The width is rounded up: a gap may be a pixel narrower than tileGap, not wider.
     const int width = std::max(1, (inner - (columns() - 1) * tileGap + columns() - 1) / columns());
     return {width, std::max(1, qRound(width / m_ratio))};
 }
@@ -203,7 +195,7 @@ QRect TileGrid::tileRect(int index) const
     const int count = columns();
     const QSize size = tileSize();
     const int inner = viewport()->width() - leftPadding - rightPadding;
-    // What the whole pixels of the widths leave over goes between the columns.
+    // Spreads the pixels left over by whole-pixel widths over the gaps between columns.
     const int column = index % count;
     const int left = count == 1 ? 0 : column * (inner - size.width()) / (count - 1);
     return {QPoint(leftPadding + left,
@@ -258,7 +250,7 @@ void TileGrid::showCurrent()
     if (tile.bottom() >= viewport()->height())
         bar->setValue(bar->value() + tile.bottom() + 1 - viewport()->height());
     const QRect moved = tileRect(current).adjusted(0, -topPadding, 0, 0);
-    if (moved.top() < 0)    // its top counts when it does not fit whole
+    if (moved.top() < 0)    // a tile higher than the view shows its top
         bar->setValue(bar->value() + moved.top());
 }
 
@@ -289,7 +281,8 @@ void TileGrid::forgetDistant()
 {
     const QList<int> visible = visibleTiles();
     const int reach = int(visible.size());
-    // Twice the view on each side may stay before anything is swept.
+    // Drops nothing until there are five viewfuls of pictures, then keeps three: the visible one
+    // and one on each side.
     if (m_pictures.size() <= qsizetype(5) * std::max(reach, 1))
         return;
     QSet<QUuid> near;
@@ -430,7 +423,7 @@ void TileGrid::keyPressEvent(QKeyEvent* event)
         target = last;
         break;
     default:
-        event->ignore();    // the keys of the window
+        event->ignore();    // leaves the key to the window
         return;
     }
     if (target >= 0 && target <= last && target != current)
@@ -452,31 +445,7 @@ void TileGrid::focusOutEvent(QFocusEvent*)
 
 QString TileGrid::accessibleText(int index) const
 {
-    const Tile& tile = m_tiles[index];
-    QStringList parts{u"Imagen %1 de %2"_qs.arg(index + 1).arg(m_tiles.size()), tile.name};
-    if (tile.current)
-        parts.append(u"actual"_qs);
-    if (tile.selected)
-        parts.append(u"seleccionada"_qs);
-    switch (tile.state) {
-    case TileState::generating:
-        parts.append(u"generando"_qs);
-        break;
-    case TileState::queued:
-        parts.append(u"en cola"_qs);
-        break;
-    case TileState::missing:
-        parts.append(u"no se puede leer la foto"_qs);
-        break;
-    case TileState::normal:
-    case TileState::generated:
-        break;
-    }
-    if (tile.paid)
-        parts.append(u"pagada"_qs);
-    if (!tile.warnings.isEmpty())
-        parts.append(u"con avisos"_qs);
-    return parts.join(u", "_qs);
+    return u"Imagen %1 de %2, "_qs.arg(index + 1).arg(m_tiles.size()) + spokenTile(m_tiles[index]);
 }
 
 void TileGrid::paintEvent(QPaintEvent* event)
@@ -486,7 +455,7 @@ void TileGrid::paintEvent(QPaintEvent* event)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(event->rect(), theme.panel);
     if (m_tiles.isEmpty())
-        return paintSkeleton(painter);
+        return paintEmptyTiles(painter);
     const int reach = tileCaptionGap + tileCaptionHeight;
     const int top = event->rect().top() + verticalScrollBar()->value() - topPadding - reach;
     const int bottom = event->rect().bottom() + verticalScrollBar()->value() - topPadding + reach;
@@ -503,87 +472,26 @@ void TileGrid::paintEvent(QPaintEvent* event)
 
 void TileGrid::paintTile(QPainter& painter, int index) const
 {
-    const Theme& theme = themeOf(this);
-    const Tile& tile = m_tiles[index];
-    const QRect box = tileRect(index);
-    const auto picture = m_pictures.constFind(tile.id);
-    if (picture == m_pictures.constEnd()) {
-        fillRounded(painter, box, Radius::thumbnail, theme.empty);
-        strokeRounded(painter, box, Radius::thumbnail, theme.line);
-    } else {
-        painter.setRenderHint(QPainter::SmoothPixmapTransform,
-                              picture->image.size() != picturePixels());
-        painter.drawImage(box, picture->image);
-    }
-    const QRectF middle(box.center().x() - 10, box.center().y() - 10, 20, 20);
-    const QRectF corner(box.right() + 1 - 22, box.top() + 3.5, 19, 19);
-    if (tile.state == TileState::generating) {
-        fillRounded(painter, box, Radius::thumbnail, QColor(5, 6, 8, 158));
-        paintSpinner(painter, middle, QColor(255, 255, 255, 70), Qt::white, m_turn, 2.2);
-    } else if (tile.state == TileState::queued) {
-        fillRounded(painter, box, Radius::thumbnail, QColor(5, 6, 8, 97));
-        fillRounded(painter, corner.adjusted(0.5, 0.5, -0.5, -0.5), 9, QColor(12, 13, 15, 220));
-        paintIcon(painter, Icon::queued, corner, 14, Qt::white);
-    } else if (index == m_hovered) {
-        strokeRounded(painter, box, Radius::thumbnail, QColor(255, 255, 255, 61));
-    }
-    if (tile.current) {
-        strokeRounded(painter, QRectF(box).adjusted(-4.5, -4.5, 4.5, 4.5), 10, theme.accentLine,
-                      2.5);
-    } else if (tile.selected) {
-        strokeRounded(painter, QRectF(box).adjusted(-3.5, -3.5, 3.5, 3.5), 9.5,
-                      withOpacity(theme.accentLine, 0.62), 1.5);
-    }
-    const bool busy = tile.state == TileState::generating || tile.state == TileState::queued;
-    if (tile.selected && m_severalSelected && !busy) {
-        fillRounded(painter, corner, 9.5, Qt::white);
-        fillRounded(painter, corner.adjusted(1.5, 1.5, -1.5, -1.5), 8, theme.accentLine);
-        paintIcon(painter, Icon::check, corner, 14, Qt::white);
-    }
-    // One sign for all that is wrong, in the colour of the worst. On the picture, for the caption
-    // has no room for two; the corner is the one that designs leave free most often.
-    if (tile.state == TileState::missing || !tile.warnings.isEmpty()) {
-        const QRectF sign(box.right() + 1 - 22, box.bottom() + 1 - 22.5, 19, 19);
-        const Theme& onDark = darkTheme();
-        fillRounded(painter, sign.adjusted(0.5, 0.5, -0.5, -0.5), 9, QColor(12, 13, 15, 220));
-        paintIcon(painter, Icon::alert, sign, 14,
-                  tile.state == TileState::missing ? onDark.err : onDark.warn);
-    }
-    paintCaption(painter, index, box);
+    const auto picture = m_pictures.constFind(m_tiles[index].id);
+    ::paintTile(
+        painter, themeOf(this),
+        {.tile = m_tiles[index],
+         .number = index + 1,
+         .box = tileRect(index),
+         .picture = picture == m_pictures.constEnd() ? QImage() : picture->image,
+         .isExact = picture != m_pictures.constEnd() && picture->image.size() == picturePixels(),
+         .isHovered = index == m_hovered,
+         .isOneOfSeveral = m_tiles[index].selected && m_severalSelected,
+         .turn = m_turn});
 }
 
-void TileGrid::paintCaption(QPainter& painter, int index, const QRect& box) const
+// Placeholders in an empty batch, paler with every row.
+void TileGrid::paintEmptyTiles(QPainter& painter) const
 {
-    const Theme& theme = themeOf(this);
-    const Tile& tile = m_tiles[index];
-    QRectF line(box.left(), box.bottom() + 1 + tileCaptionGap, box.width(), tileCaptionHeight);
-    if (tile.paid || tile.state == TileState::generated) {
-        paintIcon(painter, Icon::done, QRectF(line.right() - 14, line.top(), 14, tileCaptionHeight),
-                  14, theme.ok);
-        line.setRight(line.right() - 18);
-    }
-    const QString number = QString::number(index + 1);
-    paintText(painter, line, Qt::AlignLeft, Type::captionSemibold,
-              tile.current ? theme.text : theme.text2, number, Qt::ElideNone);
-    line.setLeft(line.left() + std::ceil(textWidth(Type::captionSemibold, number)) + 5);
-    paintText(painter, line, Qt::AlignLeft, Type::caption, tile.current ? theme.text : theme.text3,
-              middleElided(Type::caption, tile.name, line.width()), Qt::ElideNone);
-}
-
-// Where images will be, paler with every row.
-void TileGrid::paintSkeleton(QPainter& painter) const
-{
-    const Theme& theme = themeOf(this);
     for (int row = 0; row < 6; ++row) {
         painter.setOpacity(std::pow(0.68, row));
-        for (int column = 0; column < columns(); ++column) {
-            const QRectF box = tileRect(row * columns() + column);
-            fillRounded(painter, box, Radius::thumbnail, theme.empty);
-            strokeRounded(painter, box, Radius::thumbnail, theme.line);
-            fillRounded(painter,
-                        QRectF(box.left(), box.bottom() + 10, std::min(44.0, box.width()), 6), 3,
-                        theme.empty);
-        }
+        for (int column = 0; column < columns(); ++column)
+            paintEmptyTile(painter, themeOf(this), tileRect(row * columns() + column));
     }
     painter.setOpacity(1);
 }

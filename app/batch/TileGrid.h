@@ -1,4 +1,6 @@
 #pragma once
+#include "app/batch/Tile.h"
+
 #include <QAbstractScrollArea>
 #include <QHash>
 #include <QImage>
@@ -7,46 +9,34 @@
 #include <QTimer>
 #include <QUuid>
 
-// Missing: its photo can no longer be read.
-enum class TileState { normal, generating, queued, generated, missing };
-
-struct Tile {
-    QUuid id = {};
-    QString name = {};
-    bool current = false, selected = false;
-    TileState state = TileState::normal;
-    bool paid = false;
-    QStringList warnings = {};    // sentences about its texts
-    bool operator==(const Tile&) const = default;
-};
-
-// The batch as a list of pictures, of which only the visible ones are drawn and asked for.
+// The batch as a grid of pictures, of which only the visible ones are painted and asked for.
 class TileGrid : public QAbstractScrollArea {
     Q_OBJECT
 public:
     explicit TileGrid(QWidget* parent = nullptr);
 
-    // Repaints what differs, and scrolls to the current tile when it is another.
+    // Repaints the tiles that differ, and scrolls to the current one when another became current.
     void setTiles(const QList<Tile>& tiles);
     const QList<Tile>& tiles() const { return m_tiles; }
-    void setRatio(double ratio);    // width by height
-    // A picture of another size than was wanted is shown scaled. Far from the view none is kept.
+    void setRatio(double ratio);    // width / height of a tile's picture
+    // A picture of another size than picturePixels() is shown scaled. Pictures far outside the view
+    // are dropped.
     void setPicture(QUuid id, const QImage& picture);
-    // Goes on to be shown, and is wanted anew as soon as it is visible.
+    // Goes on showing the outdated picture, and asks for a new one as soon as the tile is visible.
     void pictureOutdated(QUuid id);
     qsizetype keptPictures() const { return m_pictures.size(); }
 
     int columns() const;
     int currentIndex() const;
     QRect tileRect(int index) const;      // of the picture, in the viewport
-    int tileAt(QPoint position) const;    // in the viewport; -1 beside the tiles
-    QList<int> visibleTiles() const;      // by their pictures, in order
-    QSize picturePixels() const;          // of each picture that is wanted
+    int tileAt(QPoint position) const;    // index at a point of the viewport; -1 beside the tiles
+    QList<int> visibleTiles() const;      // indices of tiles whose picture is in view, ascending
+    QSize picturePixels() const;          // size of a tile's picture in device pixels
     QString accessibleText(int index) const;
     QSize minimumSizeHint() const override { return {80, 80}; }
 
 Q_SIGNALS:
-    // The visible tiles without an up-to-date picture. Takes the place of the last such wish.
+    // `ids`: the visible tiles without an up-to-date picture. Replaces the previous request.
     void picturesWanted(const QList<QUuid>& ids, QSize pixels);
     void clicked(int index, Qt::KeyboardModifiers modifiers);
     void contextMenuRequested(int index, QPoint globalPosition);
@@ -79,8 +69,7 @@ private:
     void updateTile(int index);
     void spin();
     void paintTile(QPainter& painter, int index) const;
-    void paintCaption(QPainter& painter, int index, const QRect& tile) const;
-    void paintSkeleton(QPainter& painter) const;
+    void paintEmptyTiles(QPainter& painter) const;
 
     QList<Tile> m_tiles;
     double m_ratio = 0.8;

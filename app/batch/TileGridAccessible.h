@@ -1,4 +1,4 @@
 #pragma once
 
-// A tile grid is a list with one child a tile, for screen readers. Before the first one is made.
+// Shows each TileGrid to screen readers as a list of its tiles. Call before the first grid is made.
 void makeTileGridsAccessible();

@@ -7,8 +7,8 @@
 
 namespace {
 
-// Tiles drawn at a time: enough to keep the workers busy, few enough for a new wish to be heard
-// soon.
+// Tiles drawn at a time: enough to keep the workers busy, few enough for a new want() to take
+// effect soon.
 constexpr int tilesAtOnce = 3;
 
 struct TileDrawing {
@@ -40,8 +40,8 @@ void TilePictures::want(const QList<PublicationItem>& items, SocialFormat format
         if (!m_running.contains(request))
             m_wanted.append(request);
     }
-    // Not at once: a worker may be done before its drawing is awaited, and what a later wish of the
-    // same turn no longer names would be drawn and told.
+    // Waits for the next turn: a later want() of this turn may drop items, and a fast worker would
+    // already have drawn and reported them.
     QMetaObject::invokeMethod(this, &TilePictures::startNext, Qt::QueuedConnection);
 }
 

@@ -13,7 +13,7 @@
 
 #include <memory>
 
-// One picture of one item, as it was when it was asked for.
+// A wanted picture of an item, with the item as it was when the picture was asked for.
 struct TileRequest {
     PublicationItem item;
     SocialFormat format = SocialFormat::carouselPortrait;
@@ -24,19 +24,20 @@ struct TileRequest {
 // Whether a picture of an item shows its photo.
 enum class PhotoState { shown, missing };
 
-// Pictures of items for the batch column, drawn on the workers from thumbnails. Only the last wish
-// counts: what it no longer names is not begun.
+// Pictures of items for the batch column, drawn on the workers from thumbnails. Only the last
+// want() counts: a picture that it no longer names is not begun.
 class TilePictures : public QObject {
     Q_OBJECT
 public:
     explicit TilePictures(std::shared_ptr<PhotoCache> photos, QObject* parent = nullptr);
 
-    // Most urgent first; begun in the next turn of the event loop. `pixels`: of each picture.
+    // `items`: most urgent first. `pixels`: the size of each picture. Drawing begins in the next
+    // turn of the event loop.
     void want(const QList<PublicationItem>& items, SocialFormat format, QSize pixels);
     bool isIdle() const { return m_running.isEmpty() && m_wanted.isEmpty(); }
 
 Q_SIGNALS:
-    // Of an item that may have changed since.
+    // The item may have changed since the request.
     void ready(const TileRequest& request, const QImage& picture, PhotoState photo,
                const QList<TextWarning>& warnings);
 

@@ -3,5 +3,5 @@
 
 #include <QStringList>
 
-// One sentence for each thing that is to be said, for tooltips and screen readers.
+// One sentence for each problem of a text, for tooltips and screen readers.
 QStringList warningSentences(const QList<TextWarning>& warnings);

@@ -171,7 +171,7 @@ QSize PushButton::sizeHint() const
     return {2 * padding() + icon + qCeil(textWidth(textType(), text())), size.height};
 }
 
-// What has no ground stands nearly flush with what is above and below it.
+// A link has a small padding: without a background, its text aligns with what is above and below.
 int PushButton::padding() const
 {
     if (m_isFlush)

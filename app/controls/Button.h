@@ -6,13 +6,13 @@
 #include <QAbstractButton>
 #include <QVariantAnimation>
 
-// What all our buttons share: no focus from the mouse, a ring for focus from the keyboard, a hover
-// that glides.
+// What all our buttons share: no focus by mouse, a ring for focus by keyboard, an animated hover.
 class Control : public QAbstractButton {
     Q_OBJECT
 public:
     explicit Control(QWidget* parent);
-    // A menu over it keeps from it that the pointer has left: whoever opened one tells.
+    // Ends the hover if the pointer has left. Call it when a menu over the button has closed: the
+    // menu kept the leave event from the button.
     void lookForPointer();
 
 protected:
@@ -29,7 +29,7 @@ private:
     double m_hovered = 0;
 };
 
-// `raised` is the neutral one on the ground of the stage; `link` has no ground of its own.
+// `raised` is a neutral button on the stage's background; `link` has no background.
 enum class ButtonKind { neutral, raised, soft, primary, link };
 enum class ButtonSize { small, regular, large };
 struct ButtonSizeRow {
@@ -48,7 +48,7 @@ constexpr const ButtonSizeRow& row(ButtonSize size)
 }
 static_assert(std::ranges::all_of(buttonSizes, [](const auto& r) { return &row(r.size) == &r; }));
 
-enum class Joined { no, left, right };    // where in a joined pair
+enum class Joined { no, left, right };    // place in a pair of JoinedButtons
 enum class Labels { shown, hidden };
 
 // The text is the accessible name too.
@@ -58,14 +58,14 @@ public:
     PushButton(Icon icon, const QString& text, ButtonKind kind = ButtonKind::neutral,
                ButtonSize size = ButtonSize::regular, QWidget* parent = nullptr);
     void setJoined(Joined joined);
-    // Hidden, the label becomes the tooltip.
+    // Hidden labels become tooltips.
     void setLabels(Labels labels);
-    // As wide as its room, with icon and text in the middle.
+    // Takes the whole width of its place; icon and text stay in the middle.
     void setStretched();
-    // Of a link: its text ends where it ends.
+    // Removes the padding of a link.
     void setFlush();
-    // What it asked for goes on: a spinner stands for its icon, and presses have no effect. It
-    // stays enabled, and so keeps the focus.
+    // Shows that the button's action is running: a spinner replaces the icon, and presses have no
+    // effect. The button stays enabled, and so keeps the focus.
     void setWorking(bool working);
     bool isWorking() const { return m_isWorking; }
     QSize sizeHint() const override;
@@ -88,14 +88,14 @@ private:
     Labels m_labels = Labels::shown;
     bool m_isFlush = false;
     bool m_isWorking = false;
-    QString m_description;    // what it has while it does not work
+    QString m_description;    // the accessible description while it is not working
     SpinnerTurn m_turn;
 };
 
 class IconButton : public Control {
     Q_OBJECT
 public:
-    // The name is what a screen reader says; it is the tooltip as well until another is set.
+    // `name` is what a screen reader says; it is the tooltip as well until another is set.
     IconButton(Icon icon, const QString& name, int side = 32, QWidget* parent = nullptr);
     void setIconSize(int size);
     void setMeaning(Icon icon, const QString& name);
@@ -110,7 +110,7 @@ private:
     int m_iconSize = 20;
 };
 
-// Two buttons that read as one.
+// Two buttons that look like one.
 class JoinedButtons : public QWidget {
     Q_OBJECT
 public:

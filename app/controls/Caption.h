@@ -3,7 +3,7 @@
 
 #include <QWidget>
 
-// A line of text that is only read, elided where it does not fit; its tooltip has it whole then.
+// A line of read-only text. Elided where it does not fit; a tooltip then shows all of it.
 class Caption : public QWidget {
     Q_OBJECT
 public:

@@ -3,15 +3,15 @@
 
 class PreferencesStore;
 
-// The user's folder of that kind, or the home of a user who has none.
+// The user's folder of this kind; the home folder if there is none.
 QString usualFolder(QStandardPaths::StandardLocation kind);
 
-// Where file choosers begin: in the folder of the last choice, kept among the preferences.
+// Where file choosers begin: in the folder of the last choice, stored in the preferences by `key`.
 class ChooserFolder {
 public:
-    // The preferences outlive it.
+    // `preferences` must outlive it.
     ChooserFolder(PreferencesStore& preferences, const QString& key);
-    QString begin() const;    // one that is there
+    QString begin() const;    // a folder that exists
     void remember(const QString& folder);
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 #include "app/controls/Button.h"
 
-// Copies an address, and says so until it gets another one.
+// Copies an address to the clipboard. Its text says so until the button gets another address.
 class CopyButton : public PushButton {
     Q_OBJECT
 public:

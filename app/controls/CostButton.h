@@ -2,14 +2,14 @@
 #include "app/controls/Button.h"
 #include "app/controls/CostChip.h"
 
-// A button for what costs credits: how many stands at its right end.
+// A button whose action costs credits; the cost stands at its right end.
 class CostButton : public PushButton {
     Q_OBJECT
 public:
     CostButton(Icon icon, const QString& text, int digits, QWidget* parent = nullptr);
-    // What is seen may be shorter than what a screen reader says.
+    // `shown` may be shorter than `spoken`, which a screen reader says.
     void setWording(const QString& shown, const QString& spoken);
-    // The least that the text takes, in pixels: for texts that take each other's place.
+    // The least width of the text, in pixels: keeps the button's width when its text changes.
     void setTextRoom(int width);
     void setCost(const Cost& cost);
     const Cost& cost() const { return m_chip->cost(); }

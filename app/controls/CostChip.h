@@ -3,20 +3,20 @@
 
 #include <optional>
 
-// What something costs, in credits, where there may be more than are left.
+// The cost of something in credits, and the balance to pay it from.
 struct Cost {
-    std::optional<qint64> credits = {};    // nothing while it is being found out
+    std::optional<qint64> credits = {};    // nothing while it is being calculated
     qint64 balance = 0;
-    qint64 most = 0;    // what it may cost at other times, which the coin leaves room for
+    qint64 most = 0;    // the highest cost to leave room for
     bool isShort() const { return credits && *credits > balance; }
     bool operator==(const Cost&) const = default;
 };
 
-// The cost of what a button does. Its width stays the same, so that nothing shifts.
+// The cost of a button's action. Its width stays the same, so that nothing shifts.
 class CostChip : public QWidget {
     Q_OBJECT
 public:
-    // Room for so many digits; a wider number makes it wider for good.
+    // Keeps room for so many digits; a longer cost makes the chip wider for good.
     explicit CostChip(int digits, QWidget* parent = nullptr);
     void setCost(const Cost& cost);
     const Cost& cost() const { return m_cost; }

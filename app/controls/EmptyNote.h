@@ -3,7 +3,7 @@
 
 #include <QWidget>
 
-// What a page says while it has nothing to show, in its middle.
+// An icon, a title and a sentence in the middle of a page that has nothing to show.
 class EmptyNote : public QWidget {
     Q_OBJECT
 public:

@@ -7,7 +7,7 @@ class QPainter;
 class QRectF;
 enum class Icon;
 
-// A ground for what belongs together.
+// The background of controls that belong together.
 class CardGround : public QWidget {
     Q_OBJECT
 public:
@@ -21,7 +21,7 @@ private:
     Look m_look;
 };
 
-// A hairline over the whole width, with a short word in its middle where there is one.
+// A horizontal hairline, broken in the middle by a short word if there is one.
 class Divider : public QWidget {
     Q_OBJECT
 public:

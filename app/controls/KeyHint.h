@@ -10,7 +10,7 @@ struct KeyHint {
     bool operator==(const KeyHint&) const = default;
 };
 
-// A row of key caps with what they do.
+// A row of key caps, each with its meaning.
 class KeyHints : public QWidget {
     Q_OBJECT
 public:

@@ -4,7 +4,7 @@
 class QPainter;
 struct Theme;
 
-// The program's mark, 28 pixels wide and high.
+// Paints the program's logo, 28 pixels wide and high.
 void paintMark(QPainter& painter, const Theme& theme);
 
 class Mark : public QWidget {

@@ -22,7 +22,8 @@ bool holds(QLayout* layout, const QWidget* part)
     return false;
 }
 
-// Below `part`, in the innermost rows of the layout that hold it; null where none do.
+// Inserts a widget below `part`, in the innermost vertical layout that holds `part`. Returns that
+// layout; null where there is none.
 QBoxLayout* insertBelow(QLayout* layout, const QWidget* part, QWidget* inserted)
 {
     auto* rows = qobject_cast<QBoxLayout*>(layout);

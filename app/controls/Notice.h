@@ -8,17 +8,18 @@ class QBoxLayout;
 
 enum class NoticeKind { info, problem };
 
-// What came of the last action, with its icon. Its room is kept when it is empty, so that nothing
-// jumps when it comes. An address in it can be copied: its last row is then the button for that.
+// A message about the last action, with an icon. Keeps its room while it is empty, so that nothing
+// shifts. If the message holds an address, its last row is a button to copy the address.
 class Notice : public QWidget {
     Q_OBJECT
 public:
-    // `place`: of less text than its rows, at the top or in the middle.
+    // `place`: where a message of fewer than `rows` rows stands, at the top or in the middle.
     explicit Notice(int rows, Qt::Alignment place = Qt::AlignTop, QWidget* parent = nullptr);
     void tell(NoticeKind kind, const QString& text);
     QString text() const;
     CopyButton* copyButton() const { return m_copy; }
-    // Moves it into the nearest rows round `control`, below it, and next to it in the order of Tab.
+    // Moves the notice below `control`, into the innermost vertical layout around it. Its button
+    // follows `control` in the order of Tab.
     void standBelow(QWidget* control);
     void standIn(QBoxLayout* place);
 

@@ -3,8 +3,8 @@
 
 enum class PackageSize { chip, card };
 
-// An amount of credits to choose among others: with what it costs and is good for, or the bare
-// number.
+// An amount of credits to choose among others. A card shows its price and its use as well; a chip,
+// the bare number.
 class PackageCard : public Control {
     Q_OBJECT
 public:

@@ -1,6 +1,7 @@
 #include "app/controls/PanelLayout.h"
 
 #include "app/controls/Caption.h"
+
 #include <QScrollArea>
 
 namespace {

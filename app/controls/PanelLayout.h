@@ -4,8 +4,8 @@
 class QScrollArea;
 class QString;
 
-// The common measures of the side panel's pages. The scroll bar has its room beside them, so that
-// it moves nothing when it comes.
+// The margins and gaps of the side panel's pages. The right margin is smaller by the scroll bar,
+// whose room scrolled() always keeps.
 class PanelLayout : public QVBoxLayout {
 public:
     explicit PanelLayout(QWidget* page);
@@ -16,7 +16,8 @@ public:
 // The title of a group of rows.
 QWidget* sectionTitle(const QString& text, QWidget* parent);
 
-// What is too high scrolls. The bar's room is always kept; without need of it, it paints nothing.
+// A scroll area around `page`. The bar's room is always kept, and stays empty while there is
+// nothing to scroll.
 QScrollArea* scrolled(QWidget* page);
-// Moves it so that the widget is seen.
+// Scrolls until the widget is visible.
 void showIn(QScrollArea* area, QWidget* widget);

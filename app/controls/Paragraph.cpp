@@ -9,7 +9,7 @@
 QStringList wrappedRows(const QString& text, Type type, double width, int mostRows)
 {
     QStringList rows;
-    qsizetype start = 0;    // of the line
+    qsizetype start = 0;    // where the line begins in `text`
     for (const QString& line : text.split(u'\n')) {
         QTextLayout layout(line, fontOf(type));
         QTextOption option;
@@ -33,7 +33,7 @@ QStringList wrappedRows(const QString& text, Type type, double width, int mostRo
 Paragraph::Paragraph(Type type, QColor Theme::*ink, const QString& text, QWidget* parent)
     : QWidget(parent), m_type(type), m_ink(ink)
 {
-    // Not fixed: a layout would hold it to the height of the hint, of another width.
+    // Not Fixed: a layout would keep the height of the size hint, which belongs to another width.
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
@@ -69,16 +69,10 @@ void Paragraph::setMostRows(int rows)
     updateGeometry();
 }
 
-void Paragraph::setLeastRows(int rows)
-{
-    m_leastRows = rows;
-    updateGeometry();
-}
-
 int Paragraph::heightForWidth(int width) const
 {
     const int rows = int(wrappedRows(m_text, m_type, width, m_mostRows).size());
-    return std::max(rows, m_leastRows) * row(m_type).lineHeight;
+    return std::max(rows, 1) * row(m_type).lineHeight;
 }
 
 QSize Paragraph::sizeHint() const
@@ -90,7 +84,7 @@ QSize Paragraph::sizeHint() const
 
 QSize Paragraph::minimumSizeHint() const
 {
-    return {40, m_leastRows * row(m_type).lineHeight};
+    return {40, row(m_type).lineHeight};
 }
 
 bool Paragraph::event(QEvent* event)

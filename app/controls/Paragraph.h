@@ -4,13 +4,13 @@
 #include <QStringList>
 #include <QWidget>
 
-// The rows that `text` breaks into, at most `mostRows`; the last one has all the rest, and
-// may be longer than the width.
+// The rows that `text` breaks into, at most `mostRows`. The last one holds all the rest, and may be
+// longer than `width`.
 QStringList wrappedRows(const QString& text, Type type, double width, int mostRows);
 
 enum class Spoken { byItself, byOwner };
 
-// Text that is only read, over several rows. What finds no room is elided, and told by a tooltip.
+// Read-only text over several rows. What does not fit is elided; a tooltip then shows all of it.
 class Paragraph : public QWidget {
     Q_OBJECT
 public:
@@ -18,11 +18,10 @@ public:
     void setText(const QString& text);
     const QString& text() const { return m_text; }
     void setInk(QColor Theme::*ink);
-    // By its owner, whose accessible name is the text: it is not to be heard twice.
+    // Spoken::byOwner: the owner has the text as its accessible name, so that it is not heard
+    // twice.
     void setSpoken(Spoken spoken);
     void setMostRows(int rows);
-    // The room of so many rows is taken with fewer as well.
-    void setLeastRows(int rows);
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
@@ -38,5 +37,5 @@ private:
     QColor Theme::*m_ink;
     QString m_text;
     Spoken m_spoken = Spoken::byItself;
-    int m_mostRows = 8, m_leastRows = 1;
+    int m_mostRows = 8;
 };

@@ -2,6 +2,8 @@
 
 #include "app/theme/Painting.h"
 
+#include <QStyle>
+
 namespace {
 constexpr int glideTime = 200, cycleTime = 1400, progressFrameTime = 33;    // ms
 }
@@ -33,7 +35,8 @@ void ProgressBar::setValue(std::optional<double> value)
     m_value = value;
     m_glide.stop();
     m_shown = value.value_or(0);
-    if (forward && isVisible()) {
+    const bool moves = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
+    if (forward && moves && isVisible()) {
         m_shown = from;
         m_glide.setStartValue(from);
         m_glide.setEndValue(*value);

@@ -5,7 +5,7 @@
 
 #include <optional>
 
-// Four pixels high. Without a value it shows that something goes on, not how far it is.
+// A bar four pixels high. Without a value it shows that work goes on, not how far it is.
 class ProgressBar : public QWidget {
     Q_OBJECT
 public:
@@ -23,7 +23,7 @@ private:
 
     std::optional<double> m_value;
     double m_shown = 0;
-    double m_phase = 0;    // of the wait without a value, 0 to 1
+    double m_phase = 0;    // of the animation without a value, 0 to 1
     QVariantAnimation m_glide;
     QTimer m_cycle;
 };

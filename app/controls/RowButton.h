@@ -1,13 +1,13 @@
 #pragma once
 #include "app/controls/Button.h"
 
-// A row of a list that leads somewhere, as wide as its room. Checkable, it is one of several, of
-// which the arrows choose.
+// A row of a list, as wide as its place. A checkable one belongs to a group, in which the arrow
+// keys choose.
 class RowButton : public Control {
     Q_OBJECT
 public:
     RowButton(Icon icon, const QString& text, QWidget* parent = nullptr);
-    // At the right end, of what it does with what is below.
+    // An icon at the right end, such as the one for folding what is below.
     void setMark(Icon icon);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

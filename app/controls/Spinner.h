@@ -1,7 +1,7 @@
 #pragma once
 #include "app/theme/SpinnerTurn.h"
 
-// Says that something goes on, while it is shown.
+// Shows that work goes on. Turns while it is visible.
 class Spinner : public QWidget {
     Q_OBJECT
 public:

@@ -6,12 +6,12 @@
 
 class CostButton;
 
-// What can be exported now.
+// The state of batch and session that decides what can be exported now.
 struct ExportOffer {
     qsizetype images = 0;       // in the batch
-    qsizetype selected = 0;     // of them; one alone is the current one
-    bool isRunning = false;     // an export
-    bool isIncoming = false;    // the images that are seen are those of an import under way
+    qsizetype selected = 0;     // images; if 1, it is the current image
+    bool isRunning = false;     // an export runs
+    bool isIncoming = false;    // the window shows the images of a running import, not the batch's
     Cost current = {}, several = {};
     bool operator==(const ExportOffer&) const = default;
 };
@@ -21,15 +21,15 @@ QString exportSeveralText(qsizetype selected);
 // Why nothing can be exported now; empty when something can.
 QString refusalOf(const ExportOffer& offer);
 
-// The joined pair that exports the current image, and all or those selected. Its width stays the
-// same whatever is selected. A short balance disables nothing.
+// The joined pair of buttons: export the current image; export all images or the selected ones. The
+// width does not depend on the selection. Too few credits disable nothing.
 class ExportButtons : public QWidget {
     Q_OBJECT
 public:
     explicit ExportButtons(QWidget* parent = nullptr);
     void setOffer(const ExportOffer& offer);
     const ExportOffer& offer() const { return m_offer; }
-    void setKeys(const QString& current, const QString& several);    // told in the tooltips
+    void setKeys(const QString& current, const QString& several);    // shown in the tooltips
     enum class Wording { whole, brief };
     void setWording(Wording wording);
     CostButton* current() const { return m_current; }

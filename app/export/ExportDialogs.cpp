@@ -12,7 +12,8 @@ namespace {
 
 const QString exportFolderKey = u"moltiva.exportFolder"_s;
 
-// By the name first: to see where a file really lies takes a look at each of its folders.
+// Compares names first: canonicalFilePath() reads every folder of a path, too slow for a whole
+// batch.
 bool isPhotoOf(const Batch& batch, const QString& path)
 {
     const QString file = QFileInfo(path).canonicalFilePath();
@@ -25,7 +26,7 @@ bool isPhotoOf(const Batch& batch, const QString& path)
     });
 }
 
-// The chooser adds an ending only to a name that seems to have none.
+// QFileDialog adds ".png" only to a name that seems to have no suffix.
 QString asPng(const QString& path)
 {
     const bool isPng = QFileInfo(path).suffix().compare(u"png"_s, Qt::CaseInsensitive) == 0;
@@ -45,7 +46,7 @@ void ExportDialogs::chooseFile(QUuid id)
     const auto item = std::ranges::find(items, id, &PublicationItem::id);
     if (item == items.end())
         return;
-    // In the toolkit's chooser quotes separate the names of several files.
+    // QFileDialog takes quotes as separators of several file names.
     askForFile(id, exportName(item->url, m_folder.begin()).remove(u'"'));
 }
 
@@ -73,7 +74,7 @@ void ExportDialogs::takeFile(QUuid item, const QString& path)
         m_session.setStatus(u"Ese archivo es una foto del lote: elige otro nombre."_s,
                             StatusTone::problem);
     } else if (file.filePath() != path && file.exists()) {
-        // Whether to replace it was asked of another name.
+        // The chooser asked about replacing `path`, not the name with ".png" added.
         m_session.setStatus(
             u"Ya existe %1: confirma que lo sustituyes o elige otro nombre."_s.arg(file.fileName()),
             StatusTone::problem);

@@ -7,14 +7,14 @@
 
 class StudioSession;
 
-// Where exports go: asked for each time, beginning in the folder of the last one.
+// Asks where each export goes, beginning in the folder of the last one.
 class ExportDialogs : public QObject {
     Q_OBJECT
 public:
-    // All outlive it; the choosers belong to the window.
+    // The arguments outlive this object; the window owns the choosers.
     ExportDialogs(StudioSession& session, PreferencesStore& preferences, QWidget* window);
 
-    // What is exported is settled now, whatever is selected by the time a place was chosen.
+    // The items given here are exported, even if the selection changes while the chooser is open.
     void chooseFile(QUuid item);
     void chooseFolder(const QList<QUuid>& items);
 

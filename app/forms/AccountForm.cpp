@@ -68,7 +68,7 @@ void AccountForm::show(const AccountShown& account)
         lock();
         if (!m_isWorking) {
             m_pressed = nullptr;
-            m_forgotten.clear();    // the outcome may be the same as before
+            m_forgotten.clear();    // so that an outcome equal to the last one is told
         }
     }
     tell();
@@ -76,7 +76,8 @@ void AccountForm::show(const AccountShown& account)
 
 void AccountForm::lock()
 {
-    // What is disabled would hand the focus on to anything. Only the keyboard gave it to these.
+    // Disabling the widget with the focus would give the focus to an arbitrary one, so the pressed
+    // button takes it. These widgets get the focus by keyboard only, hence the reason.
     const auto keepFocus = [this](const QWidget* from) {
         if (m_isWorking && m_pressed && from != m_pressed && from->hasFocus())
             m_pressed->setFocus(Qt::TabFocusReason);

@@ -12,33 +12,37 @@ class Notice;
 class PushButton;
 class QWidget;
 
-// What the forms of the account have in common. While an action runs, everything is locked but the
-// pressed button, which spins; what came of it, or what is missing before it, is told below.
+// Common behaviour of the account's forms. While an action runs, all widgets are locked but the
+// pressed button, which spins. The notice tells the outcome of the action, or what is missing
+// before the form can be sent.
 class AccountForm : public QObject {
     Q_OBJECT
 public:
-    // The notice and everything added outlive it, or are taken away before they go.
+    // `notice` must outlive the form; an added widget, too, unless it is removed first.
     AccountForm(Notice* notice, QWidget* parent);
     void add(const QList<PushButton*>& buttons);
     void add(CheckedField checked, FormField* field);
     void add(const QList<QWidget*>& others);
     void remove(const QList<PushButton*>& buttons);
 
-    // Whether the form can be sent; if not, says why, and the field takes the focus.
+    // Returns whether the form can be sent, which is when no check has failed. Otherwise tells the
+    // failure's sentence, marks its field and gives it the focus.
     bool accepts(const CheckResult& failure);
-    // Its action is to be asked for, and the button spins as long as that goes on. False where one
-    // goes on already.
+    // Call it before asking for the button's action; the button spins while the action runs.
+    // Returns false when an action is running already.
     [[nodiscard]] bool send(PushButton* button);
     void show(const AccountShown& account);
-    // A problem of something else than an action, until something is typed or sent.
+    // Tells a problem that is not the outcome of an action; it stays until something is typed or
+    // sent.
     void tellProblem(const QString& sentence);
-    // What was told so far belongs to something else.
+    // Empties the notice and unmarks all fields, before something else is told.
     void forget();
-    // What is told from now on is about this control.
+    // Makes the following notices be about this control.
     void attend(QWidget* control) { Q_EMIT attended(control); }
 
 Q_SIGNALS:
-    // Pressed, or a field that something is wrong with; null when what is told came from elsewhere.
+    // The control that the following notices are about: the pressed button, or the field with a
+    // problem; null when an outcome comes and no button was pressed.
     void attended(QWidget* control);
     void told();    // the notice may have changed
 
@@ -53,7 +57,7 @@ private:
     QList<QWidget*> m_others;
     PushButton* m_pressed = nullptr;
     bool m_isWorking = false;
-    QString m_missing;    // of the form itself, before anything is sent
+    QString m_missing;    // why the form cannot be sent
     QString m_message, m_forgotten;
     bool m_isProblem = false;
 };

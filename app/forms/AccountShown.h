@@ -2,17 +2,17 @@
 
 #include <QString>
 
-// What the screens of the account show of it; each takes what it needs.
+// The state of the account as its screens show it; each screen shows a part.
 struct AccountShown {
-    QString name;    // the e-mail where there is none
+    QString name;    // the full name, or the e-mail address without one
     QString fullName, email;
     qint64 balance = 0;    // credits
-    QString message;       // of the last action
+    QString message;       // the outcome of the last action
     bool isProblem = false;
     bool isWorking = false;
     bool hasPendingCheckout = false;
-    QString checkoutAddress;       // where the pending one is paid; may be empty
-    bool mayBeSignedIn = false;    // the service that knows could not be asked
+    QString checkoutAddress;       // where the pending checkout is paid; may be empty
+    bool mayBeSignedIn = false;    // unknown: the service could not be reached
     bool hasTestMail = false;      // the service shows the mails that it does not send
     bool operator==(const AccountShown&) const = default;
 };

@@ -4,7 +4,7 @@
 class Caption;
 class Paragraph;
 
-// An icon, what there is, and a sentence about it.
+// A card with an icon, a title and a sentence.
 class InfoCard : public CardGround {
     Q_OBJECT
 public:

@@ -6,14 +6,15 @@ class AccountForm;
 class FormField;
 class PushButton;
 
-// The fields for another password, above the button that asks for it.
+// The fields for changing the password, above the button that does so.
 class PasswordForm : public QWidget {
     Q_OBJECT
 public:
     struct Labels {
         QString current, changed, repeated;
     };
-    // Belongs to `form`, which has what is typed checked.
+    // `form` tells what is wrong with the passwords, and locks the fields and the button `change`
+    // while an action runs.
     PasswordForm(QBoxLayout::Direction direction, const Labels& labels, PushButton* change,
                  AccountForm* form);
     void clear();

@@ -8,8 +8,8 @@ class Notice;
 class QHBoxLayout;
 class QVBoxLayout;
 
-// A page of a settings sheet: what it is about, its rows, and its foot with buttons. What came of
-// the last action stands at the control that it was asked for with, else in the foot.
+// A page of a settings sheet: its title with a sentence, its rows, and a foot with buttons. The
+// notice about an action stands below the control that asked for it, or in the foot.
 class SettingsPanel : public QWidget {
     Q_OBJECT
 public:
@@ -19,8 +19,8 @@ public:
 protected:
     QVBoxLayout* rows() const { return m_rows; }
     QHBoxLayout* foot() const { return m_foot; }
-    QVBoxLayout* footNotice() const { return m_footNotice; }    // the first part of the foot
-    void bringNoticeHome();                                     // to the foot
+    QVBoxLayout* footNotice() const { return m_footNotice; }    // the notice's place in the foot
+    void bringNoticeHome();                                     // moves the notice to the foot
     AccountForm* form() const { return m_form; }
     Notice* notice() const { return m_notice; }
 

@@ -7,12 +7,12 @@ class RowButton;
 class SettingsPanel;
 struct AccountShown;
 
-// A sheet whose column chooses among pages.
+// A sheet of several pages; the rows in its column choose the page.
 class SettingsSheet : public Sheet {
     Q_OBJECT
 public:
     SettingsSheet(const QString& title, QSize size, QWidget* window);
-    void setPage(int index);    // shows; emits nothing
+    void setPage(int index);    // emits nothing
     virtual void setAccount(const AccountShown& account);
 
 Q_SIGNALS:
@@ -23,7 +23,7 @@ protected:
 
 private:
     QStackedWidget* m_pages;
-    QWidget* m_group;    // of the rows of which one is chosen
+    QWidget* m_group;    // holds the rows
     QList<RowButton*> m_rows;
     QList<SettingsPanel*> m_panels;
 };

@@ -107,7 +107,7 @@ void PanelBinding::connectShapes()
 void PanelBinding::show()
 {
     const Batch& batch = m_session.batch();
-    // While other images are coming, this one is not seen.
+    // While the column shows an import's images, the panel shows no item of the batch.
     const PublicationItem* item = m_batch.showsIncoming() ? nullptr : batch.currentItem();
     m_panel->setContent(item ? SidePanel::Content::image : SidePanel::Content::none);
     const int reached = std::max(1, int(m_session.selectedIndicesForBatch().size()));
@@ -177,7 +177,7 @@ void PanelBinding::editSelected()
         edit(text->slot);
 }
 
-// Those of the photo come when a worker has looked at it.
+// Offers the recent colours at once, and the photo's colours once a worker has found them.
 ColorOffers PanelBinding::colors()
 {
     const PhotoHandle& photo = m_session.batch().currentItem()->image;

@@ -24,15 +24,15 @@ struct PublicationItem;
 class PanelBinding : public QObject {
     Q_OBJECT
 public:
-    // All outlive it.
+    // The arguments outlive the binding.
     PanelBinding(StudioSession& session, SidePanel* panel,
                  const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences,
                  const BatchBinding& batch);
 
     void show();
-    // The tab for a layer that was chosen on the canvas; the templates stay open.
+    // Opens the tab of a layer that was selected on the canvas, unless the templates are open.
     void follow(QUuid layer);
-    // Opens the tab and gives the editor the focus.
+    // Opens the text tab and gives the slot's editor the focus.
     void edit(CopySlot slot);
     void editSelected();
 
@@ -52,7 +52,7 @@ private:
     SidePanel* m_panel;
     std::shared_ptr<PhotoCache> m_photos;
     PreferencesStore& m_preferences;
-    const BatchBinding& m_batch;                    // knows what is to be said about the texts
-    QHash<QString, QList<QColor>> m_photoColors;    // by path; empty while they are looked for
+    const BatchBinding& m_batch;                    // has the warnings about the texts
+    QHash<QString, QList<QColor>> m_photoColors;    // by the photo's path; empty until found
     QList<QColor> m_recentColors;
 };

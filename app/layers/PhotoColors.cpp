@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int samplesAcross = 24, groups = 12, rounds = 8, mostColors = 6;
-constexpr double leastDistance = 60;    // below it two colours look alike in a small square
+constexpr double leastDistance = 60;    // nearer colours look alike in a small square
 
 struct Point {
     double r = 0, g = 0, b = 0;
@@ -18,7 +18,7 @@ struct Point {
 
 double squaredDistance(const Point& a, const Point& b)
 {
-    // Roughly as the eye weighs them.
+    // The weights follow roughly what the eye sees.
     return 2 * (a.r - b.r) * (a.r - b.r) + 4 * (a.g - b.g) * (a.g - b.g) +
            3 * (a.b - b.b) * (a.b - b.b);
 }
@@ -54,7 +54,7 @@ std::size_t nearest(const std::vector<Group>& found, const Point& sample)
         found.begin());
 }
 
-// Each starts from the sample farthest from those before it.
+// Each group starts at the sample farthest from the groups found before.
 std::vector<Group> startingGroups(const std::vector<Point>& samples)
 {
     std::vector<Group> found{{samples[samples.size() / 2], {}, 0}};

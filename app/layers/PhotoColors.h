@@ -4,6 +4,6 @@
 
 class QImage;
 
-// Up to six colours that stand for the picture, the most common first; the same for the same
-// picture. A plain one has fewer.
+// Up to six typical colours of the picture, the most common first; a plain picture has fewer. Equal
+// pictures give equal colours.
 QList<QColor> colorsOf(const QImage& picture);

@@ -2,7 +2,7 @@
 #include "app/controls/Button.h"
 #include "model/ShapeLayer.h"
 
-// A shape in the list of the image's shapes; pressed, it is wanted as the selected one.
+// A row in the list of the image's shapes. A click on it asks to select the shape.
 class ShapeRow : public Control {
     Q_OBJECT
 public:

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A file may hold any number of shapes; a person looks for one among these at most.
+// Rows shown at most: a file may hold any number of shapes.
 constexpr int shapesMostRows = 60;
 constexpr SliderRange shapesPercent{SliderUnit::percent, 0, 1},
     widthRange{SliderUnit::plain, 0, 40}, shapesRadiusRange{SliderUnit::plain, 0, 80};
@@ -132,7 +132,7 @@ void ShapesPanel::connectStyle()
                 shape.fill.alpha = alpha;
             });
         }
-        showStyle();    // also what cannot be read is gone again
+        showStyle();    // replaces also a text that is no colour
     });
     connect(m_header, &StyleHeader::copyRequested, this, &ShapesPanel::copyStyleRequested);
     connect(m_header, &StyleHeader::pasteRequested, this, &ShapesPanel::pasteStyleRequested);
@@ -167,7 +167,7 @@ const ShapeLayer* ShapesPanel::selected() const
     return found == m_state.shapes.cend() ? nullptr : &*found;
 }
 
-// Those of one kind are numbered from the bottom, where there are several.
+// The kind, with a number from the bottom where the image has several shapes of that kind.
 QString ShapesPanel::nameOf(const ShapeLayer& shape) const
 {
     int count = 0, number = 0;
@@ -201,7 +201,7 @@ void ShapesPanel::showRows()
         connect(shape, &ShapeRow::deleteRequested, this, &ShapesPanel::deleteRequested);
     }
     for (qsizetype i = 0; i < m_rows.size(); ++i) {
-        // The focus of a row that goes stays near it.
+        // Moves the focus out of a row that is about to be hidden, to the last row shown.
         QWidget* focus = window()->focusWidget();
         if (i >= shown && focus && m_rows[i]->isAncestorOf(focus)) {
             QWidget* next = m_add.front();
@@ -241,7 +241,7 @@ void ShapesPanel::showStyle()
         field->setDefault(usual.*number);
         field->setValue(shown.*number);
     };
-    // What the selected kind does not have is not shown either.
+    // Blanks the fields of properties that this kind of shape does not have.
     const bool hasFill = shape && shape->kind != ShapeKind::line;
     m_fillOpacity->setBlank(!hasFill);
     m_strokeOpacity->setBlank(!shape);

@@ -17,8 +17,8 @@ class Swatch;
 struct ShapesPanelState {
     bool hasImage = false;
     QList<ShapeLayer> shapes = {};    // in drawing order
-    QUuid selectedLayer = {};         // a shape or something else
-    int reachedImages = 1;            // by a change of style
+    QUuid selectedLayer = {};         // a shape, a text or none
+    int reachedImages = 1;            // number of images that a change of style reaches
     bool canPaste = false;
     ColorOffers colors = {};
     bool operator==(const ShapesPanelState&) const = default;
@@ -58,8 +58,8 @@ private:
     std::array<AddShapeButton*, Vocabulary<ShapeKind>::rows.size()> m_add{};
     Badge* m_count;
     QWidget* m_list;
-    QList<ShapeRow*> m_rows;    // as many as were ever needed
-    Caption* m_note;            // what the rows do not say
+    QList<ShapeRow*> m_rows;    // as many as were ever needed; unused ones are hidden
+    Caption* m_note;            // that there are no shapes, or how many have no row
     StyleHeader* m_header;
     Swatch* m_fill;
     LineField* m_fillHex;

@@ -43,7 +43,7 @@ SidePanel::SidePanel(QWidget* parent)
     m_textPages->addWidget(texts);
     m_pages->addWidget(m_textPages);
     m_pages->addWidget(scrolled(m_shapes));
-    m_pages->addWidget(m_templates);    // it scrolls by itself
+    m_pages->addWidget(m_templates);    // has a scroll area of its own
 
     auto* tabs = new QHBoxLayout;
     tabs->setContentsMargins(tabsSide, tabsTop, tabsSide, 0);

@@ -9,7 +9,8 @@ class TextPanel;
 
 enum class SideTab { text, shapes, templates };
 
-// What can be changed in the current image, by kind. Pages that are too high scroll below the tabs.
+// Tabs for the texts and the shapes of the current image and for templates. A page that is too high
+// scrolls below the tabs.
 class SidePanel : public QWidget {
     Q_OBJECT
 public:
@@ -20,7 +21,7 @@ public:
     TemplatesPanel* templatesPanel() const { return m_templates; }
 
     void setTab(SideTab tab);    // shows; emits nothing
-    void endEdits();             // lets go of held values and closes what is open over it
+    void endEdits();             // lets go of held sliders and closes the popovers of the panel
     SideTab tab() const;
     enum class Content { none, image };
     void setContent(Content content);

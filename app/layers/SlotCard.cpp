@@ -16,7 +16,7 @@ constexpr int slotCardPadding = 12, headerTop = 6, slotHeaderHeight = 24, textTo
               slotCardBottom = 8;
 constexpr int warningGap = 4, warningHeight = row(Type::caption).lineHeight;
 constexpr int slotCardIconSide = 16, eyeWidth = 28, slotCardRadius = 10;
-constexpr int releasePause = 50;    // ms between looks for the mouse to be let go
+constexpr int releasePause = 50;    // ms between checks whether the mouse button is released
 }    // namespace
 
 SlotCard::SlotCard(CopySlot slot, QWidget* parent)
@@ -50,7 +50,7 @@ SlotCard::SlotCard(CopySlot slot, QWidget* parent)
 
 void SlotCard::setLayer(const TextLayer& layer, CardMark mark)
 {
-    // A style changes at every tick of a slider, and none of it shows here.
+    // Skips changes of style: a slider makes many, and the card shows none of them.
     const bool isShown =
         m_visible == layer.isVisible && m_mark == mark && m_editor->text() == layer.text;
     if (m_isShown && isShown)
@@ -88,8 +88,8 @@ void SlotCard::open()
     m_editor->setFocus(Qt::OtherFocusReason);
 }
 
-// The card that is typed in tells its warning. Nothing moves under a pressed mouse: a click would
-// become a selection of text, and a slider slip away.
+// Shows the warning while the text is edited. Waits for a pressed mouse button to be released: the
+// card changes its height, which would turn a click into a selection and move a held slider away.
 void SlotCard::tellOrNot()
 {
     const bool tells = !m_warnings.isEmpty() && m_editing;

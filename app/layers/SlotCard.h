@@ -12,17 +12,18 @@ struct TextLayer;
 
 enum class CardMark { none, selected };
 
-// One text of the image, edited in place. Hidden, it folds to its header, and opens while it is
-// edited.
+// One text of the image, edited in place. The card of a hidden text is folded to its header, except
+// while the text is edited.
 class SlotCard : public QWidget {
     Q_OBJECT
 public:
     explicit SlotCard(CopySlot slot, QWidget* parent = nullptr);
     void setLayer(const TextLayer& layer, CardMark mark);
-    // Sentences about the text, shown by a mark beside its name. Selected, it says the first.
+    // Sentences about the text. A mark beside its name tells of them; while the text is edited, the
+    // card shows the first.
     void setWarnings(const QStringList& warnings);
     QStringList warnings() const { return m_warnings; }
-    void edit();    // takes the focus, all text selected
+    void edit();    // gives the editor the focus, with all its text selected
     SlotEditor* editor() const { return m_editor; }
     IconButton* eye() const { return m_eye; }
 
@@ -47,7 +48,7 @@ private:
     CopySlot m_slot;
     Icon m_icon;
     QString m_name;
-    bool m_isShown = false;    // anything yet
+    bool m_isShown = false;    // setLayer was called once
     bool m_visible = true;
     bool m_editing = false;
     CardMark m_mark = CardMark::none;

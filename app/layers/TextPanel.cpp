@@ -53,7 +53,7 @@ TextPanel::TextPanel(QWidget* parent)
 {
     m_alignment->setStretched();
     m_sizeNote->setAlignment(Qt::AlignRight);
-    m_sizeNote->setFixedHeight(row(Type::caption).lineHeight);    // also without a text
+    m_sizeNote->setFixedHeight(row(Type::caption).lineHeight);    // keeps its room while empty
     m_boxOpacity->setAccessibleName(u"Opacidad de la caja"_s);
     m_boxRadius->setAccessibleName(u"Radio de la caja"_s);
     m_shadowOpacity->setAccessibleName(u"Opacidad de la sombra"_s);
@@ -192,7 +192,7 @@ void TextPanel::editSlot(CopySlot slot)
 
 QList<QWidget*> TextPanel::focusOrder() const
 {
-    // The texts first: Tab in one goes to the next.
+    // The editors come first, so that Tab goes from one text to the next.
     QList<QWidget*> order;
     for (const SlotCard* card : m_cards)
         order.append(card->editor());

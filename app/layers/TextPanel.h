@@ -19,10 +19,10 @@ class Switch;
 struct TextPanelState {
     QString filename = {};
     QList<TextLayer> layers = {};
-    QList<TextWarning> warnings = {};        // about them
-    QUuid selectedLayer = {};                // a text or something else
-    std::optional<double> sizeLimit = {};    // where the box lets the selected text be no larger
-    int reachedImages = 1;                   // by a change of style
+    QList<TextWarning> warnings = {};        // about the layers
+    QUuid selectedLayer = {};                // a text, a shape or none
+    std::optional<double> sizeLimit = {};    // font scale at which the selected text fills its box
+    int reachedImages = 1;                   // number of images that a change of style reaches
     bool canPaste = false;
     ColorOffers colors = {};
     bool operator==(const TextPanelState&) const = default;
@@ -36,9 +36,9 @@ public:
 
     // Shows; emits nothing, and leaves cursor and selection of an editor alone.
     void setState(const TextPanelState& state);
-    void editSlot(CopySlot slot);                  // its editor takes the focus, all text selected
-    std::optional<CopySlot> editedSlot() const;    // whose editor has the focus
-    const QWidget* selectedCard() const;           // null without one
+    void editSlot(CopySlot slot);                  // focuses the slot's editor, all text selected
+    std::optional<CopySlot> editedSlot() const;    // the slot whose editor has the focus
+    const QWidget* selectedCard() const;           // null if no text is selected
     StyleShelf* styles() const { return m_styles; }
     QList<QWidget*> focusOrder() const;
 
@@ -51,7 +51,7 @@ Q_SIGNALS:
     void copyStyleRequested();
     void pasteStyleRequested();
     void leaveRequested();                      // back to the canvas
-    void visibleAreaWanted(QWidget* editor);    // it has grown while it is edited
+    void visibleAreaWanted(QWidget* editor);    // the editor has grown and may need scrolling
 
 private:
     const TextLayer* selected() const;

@@ -19,8 +19,8 @@ QImage drawnItem(const PublicationItem& item, SocialFormat format, QSize pixels,
 QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize pixels,
                   PhotoCache& photos)
 {
-    // The tile in design units, and how large the letters come out there, whatever the size of the
-    // style's own text.
+    // `tileWidth` is in design units; `letterScale` replaces the font scale of the style's own
+    // text.
     constexpr double tileWidth = 150, letterScale = 4;
     const QSizeF tile(tileWidth, tileWidth * pixels.height() / std::max(1, pixels.width()));
     PublicationItem item;
@@ -30,7 +30,7 @@ QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize 
     letters.fontScale = letterScale;
     item.layers = {letters};
     const ItemLayout layout = layOut(item, QSizeF(pixels), tile);
-    // Letters that the photo would swallow stand on more and more of a plain ground.
+    // While the letters lack contrast, a denser veil of plain colour covers the photo.
     const QColor ground = letters.foreground.color().lightnessF() > 0.5F ? Qt::black : Qt::white;
     QImage picture = photos.thumbnail({photo.path, photo.digest});
     JudgedPicture judged = judgedItem(layout, pixels, picture);

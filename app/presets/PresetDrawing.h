@@ -7,10 +7,10 @@
 
 class PhotoCache;
 
-// The pictures of presets. They wait for the photo's thumbnail: on the workers.
+// Pictures of presets. The functions wait for the photo's thumbnail, so call them on the workers.
 
 QImage drawnItem(const PublicationItem& item, SocialFormat format, QSize pixels,
                  PhotoCache& photos);
-// Two letters in the style, over the middle of the photo.
+// "Aa" in the style, over the middle of the photo.
 QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize pixels,
                   PhotoCache& photos);

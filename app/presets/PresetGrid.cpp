@@ -19,7 +19,7 @@ PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAccessibleName(name);
-    hide();    // until there is something in it
+    hide();    // until there are presets
     m_resting.setSingleShot(true);
     m_resting.setInterval(previewAfter);
     connect(&m_resting, &QTimer::timeout, this, [this] {
@@ -63,7 +63,7 @@ void PresetGrid::setPresets(const QList<Preset>& presets)
     m_presets = presets;
     setVisible(!presets.isEmpty());
     place();
-    // The mark goes with its preset; where that is gone, to the one that took its place.
+    // The mark follows its preset; if that is gone, the preset now at its index is marked.
     const auto same = std::ranges::find(presets, marked, &Preset::id);
     const int last = std::max(0, int(presets.size()) - 1);
     m_marked = same != presets.end() ? int(same - presets.begin()) : std::clamp(m_marked, 0, last);
@@ -94,10 +94,10 @@ PresetTile* PresetGrid::newTile()
     tile->show();
     connect(tile, &PresetTile::clicked, this, [this, tile] {
         leave();
-        Q_EMIT chosen(tile->preset().id);    // also refused: who listens says why
+        Q_EMIT chosen(tile->preset().id);    // even while refused: the receiver tells why
     });
     connect(tile, &PresetTile::pointedAt, this, [this, tile] { rest(tile->preset().id); });
-    // From one to the next the preview stays until that of the next comes.
+    // The preview stays while the pointer goes on to the next tile, until that one's preview comes.
     connect(tile, &PresetTile::pointerLeft, this, [this] { rest({}); });
     connect(tile, &PresetTile::pictureWanted, this,
             [this, tile] { Q_EMIT pictureWanted(tile->preset().id); });
@@ -144,7 +144,7 @@ void PresetGrid::rename(QUuid id)
     if (!shown || m_owner == PresetOwner::program)
         return;
     if (m_name) {
-        m_name->clearFocus();    // what was typed counts
+        m_name->clearFocus();    // makes the field send the name typed so far
         endRename(RenameEnd::kept);
     }
     m_focusBefore = QApplication::focusWidget();
@@ -152,7 +152,7 @@ void PresetGrid::rename(QUuid id)
     m_name = new LineField(u"Nombre"_s, {}, Icon::none, this);
     m_name->setShown(shown->preset().name);
     placeName();
-    // Once it has lost the focus, the last it tells is the name.
+    // The field sends edited() as it loses the focus, before the queued editingFinished().
     connect(m_name, &LineField::edited, this,
             [this](const QString& name) { Q_EMIT renamed(m_renamed, name); });
     connect(m_name, &LineField::abandoned, this, [this] { endRename(RenameEnd::abandoned); });
@@ -167,7 +167,7 @@ void PresetGrid::rename(QUuid id)
     bringIntoView(id);
 }
 
-// Over the caption; beyond it only where nothing could be read in it.
+// The name field covers the caption, and more only where the caption is too narrow to read.
 void PresetGrid::placeName()
 {
     const PresetTile* shown = m_name ? tile(m_renamed) : nullptr;
@@ -188,7 +188,7 @@ void PresetGrid::endRename(RenameEnd end)
     const QUuid id = m_renamed;
     name->hide();
     name->deleteLater();
-    // By Enter or Esc the focus belongs to nobody; pressed elsewhere, to what was pressed.
+    // After Enter or Esc no widget has the focus; after a click elsewhere the clicked one has it.
     if (m_focusBefore && !QApplication::focusWidget())
         m_focusBefore->setFocus(m_focusBefore == this ? Qt::ShortcutFocusReason
                                                       : Qt::OtherFocusReason);
@@ -204,7 +204,8 @@ void PresetGrid::place()
                                 i / m_columns * (down + presetRowGap), across, down);
     }
     const int rows = (int(m_tiles.size()) + m_columns - 1) / m_columns;
-    setFixedHeight(rows == 0 ? 0 : rows * (down + presetRowGap));    // room for a name field
+    // The gap below the last row has room for the name field.
+    setFixedHeight(rows == 0 ? 0 : rows * (down + presetRowGap));
     placeName();
 }
 
@@ -228,7 +229,7 @@ void PresetGrid::leave()
     Q_EMIT previewEnded();
 }
 
-// A ring round the tile that the keyboard is on, which is told and previewed.
+// Moves the keyboard to a tile: shows the focus ring there, tells screen readers, starts a preview.
 void PresetGrid::mark(int index)
 {
     if (index < 0 || index >= m_tiles.size())
@@ -243,7 +244,7 @@ void PresetGrid::mark(int index)
     bringIntoView(shown->preset().id);
 }
 
-// Once all has its place, and after a scroll area has brought the grid into view as a whole.
+// Queued, so that tiles are laid out and a scroll area has first shown the grid as a whole.
 void PresetGrid::bringIntoView(QUuid id)
 {
     const auto bring = [this, id] {
@@ -322,7 +323,7 @@ void PresetGrid::focusInEvent(QFocusEvent* event)
 void PresetGrid::focusOutEvent(QFocusEvent* event)
 {
     leave();
-    // A menu or another window over it takes nothing away.
+    // The mark stays while a menu or another window has the focus.
     if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
         unmark();
 }

@@ -8,43 +8,43 @@ class LineField;
 
 enum class RenameEnd { kept, abandoned };
 
-// Presets in rows. One stop of the keyboard: arrows go from one to the next, Enter chooses, the
-// menu key opens the menu.
+// Preset tiles in rows. Tab stops once at the grid; arrow keys go from tile to tile, Enter chooses
+// a preset, the menu key opens its menu.
 class PresetGrid : public QWidget {
     Q_OBJECT
 public:
     PresetGrid(const QString& name, PresetOwner owner, QWidget* parent = nullptr);
 
-    // `ratio`: of a picture, width to height.
+    // `ratio`: width / height of a picture.
     void setShape(int columns, double ratio);
     void setPresets(const QList<Preset>& presets);
     const QList<Preset>& presets() const { return m_presets; }
-    // The one that is laid over the image to be looked at; null none.
+    // Marks the preset that the canvas previews; null: none.
     void setPreviewed(QUuid id);
-    // Why none can be chosen now; empty when they can.
+    // Why no preset can be chosen now; empty when they can.
     void setRefusal(const QString& reason);
-    // In pixels of the screen.
+    // Size of a tile's picture in device pixels.
     QSize picturePixels() const;
     void setPicture(QUuid id, const QImage& picture);
-    // Each is wanted anew once it is seen.
+    // Goes on showing the outdated picture, and emits pictureWanted() when its tile is painted
+    // next.
     void outdatePicture(QUuid id);
     void outdatePictures();
-    // Its name is typed in place.
+    // Opens a field over the preset's caption, to type its name there.
     void rename(QUuid id);
-    bool isRenaming() const { return m_name != nullptr; }
     PresetOwner owner() const { return m_owner; }
     PresetTile* tile(QUuid id) const;
 
 Q_SIGNALS:
     void chosen(QUuid id);
-    void previewWanted(QUuid id);    // the pointer or the keyboard rests on it
+    void previewWanted(QUuid id);    // the pointer or the keyboard rests on its tile
     void previewEnded();
     void pictureWanted(QUuid id);
     void menuRequested(QUuid id, QPoint globalPosition);
     void renamed(QUuid id, const QString& name);
     void renameEnded(QUuid id, RenameEnd end);
     void removeRequested(QUuid id);
-    void visibleAreaWanted(QWidget* tile);    // the keyboard is on it, or its name is typed
+    void visibleAreaWanted(QWidget* tile);    // the keyboard is on the tile, or it is renamed
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -72,11 +72,11 @@ private:
     double m_ratio = 1;
     QList<Preset> m_presets;
     QList<PresetTile*> m_tiles;    // in the order of the presets
-    int m_marked = 0;              // where the keyboard is
+    int m_marked = 0;              // index of the tile that the keyboard is on
     QString m_refusal;
-    LineField* m_name = nullptr;    // while one is renamed
+    LineField* m_name = nullptr;    // null unless a preset is renamed
     QUuid m_renamed;
-    QPointer<QWidget> m_focusBefore;    // a name took it
+    QPointer<QWidget> m_focusBefore;    // had the focus before m_name took it
     QTimer m_resting;
     QUuid m_restedOn, m_previewed;
 };

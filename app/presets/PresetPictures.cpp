@@ -5,7 +5,7 @@
 #include <QCoroFuture>
 
 namespace {
-constexpr int atOnce = 2;    // a new wish is heard soon
+constexpr int atOnce = 2;    // pictures drawn at a time; few, so that new wishes begin soon
 }
 
 void PresetPictures::want(QUuid id, const Draw& draw)
@@ -37,7 +37,7 @@ QCoro::Task<> PresetPictures::run(QPointer<PresetPictures> self, Wish wish)
         try {
             return draw();
         } catch (const std::exception&) {
-            return QImage();    // short of memory: it stays as it is
+            return QImage();    // short of memory: the tile keeps its old picture
         }
     });
     const QImage picture = co_await drawing;

@@ -10,17 +10,17 @@
 
 #include <functional>
 
-// Small pictures drawn on the workers, one for each id. The last wish for an id is the one that
-// counts; those that were wished for first are drawn first.
+// Draws small pictures on the workers, one for each id, in the order in which they were wanted.
+// Only the last want() for an id counts.
 class PresetPictures : public QObject {
     Q_OBJECT
 public:
     using QObject::QObject;
-    // Runs on any thread; a null picture when it cannot be drawn.
+    // Runs on any thread; gives a null picture if it cannot draw.
     using Draw = std::function<QImage()>;
 
     void want(QUuid id, const Draw& draw);
-    // Whatever was wished for is not wished for any more, not even what is being drawn.
+    // Forgets all pictures that were wanted; one that is being drawn is not delivered either.
     void dropWishes();
     bool isIdle() const { return m_running == 0; }
 

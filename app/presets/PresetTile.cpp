@@ -14,7 +14,7 @@ constexpr double ringWidth = 2, chipHeight = 18, chipPadding = 6, chipInset = 5;
 
 PresetTile::PresetTile(PresetOwner owner, QWidget* parent) : Control(parent), m_owner(owner)
 {
-    // The grid is one stop of the keyboard; it hands the focus ring around.
+    // The grid takes the keyboard's focus and gives the focus ring to one of its tiles.
     setFocusPolicy(Qt::NoFocus);
     setProperty("focusRadius", Radius::thumbnail);
     if (owner == PresetOwner::program)
@@ -76,7 +76,8 @@ QSize PresetTile::picturePixels() const
 
 void PresetTile::setPicture(const QImage& picture)
 {
-    // What cannot be drawn leaves what is there, and is not asked for again before it changes.
+    // A picture that could not be drawn leaves the old one; m_isAwaited stays, so that it is not
+    // asked for again before outdatePicture().
     if (picture.isNull())
         return;
     m_isAwaited = false;
@@ -101,7 +102,7 @@ void PresetTile::setPreviewed(bool previewed)
     update();
 }
 
-// Where the name needs the room, only while the pointer is there.
+// In a narrow tile the name needs the room: the menu button shows only under the pointer.
 void PresetTile::showMore()
 {
     if (m_more)
@@ -126,7 +127,7 @@ QRect PresetTile::captionRect() const
     return {0, height() - presetCaptionHeight, width(), presetCaptionHeight};
 }
 
-// Where the name needs the room, the ring is enough.
+// In a narrow tile the name needs the room: the ring alone marks the chosen preset.
 bool PresetTile::hasTick() const
 {
     return m_preset.chosen && width() >= narrowTile;
@@ -162,7 +163,7 @@ bool PresetTile::event(QEvent* event)
         Q_EMIT pointerLeft();
     else if (event->type() == QEvent::ToolTip && m_refusal.isEmpty() &&
              textWidth(Type::small, m_preset.name) <= captionRoom())
-        return true;    // the name can be read below the picture
+        return true;    // no tooltip: the whole name can be read below the picture
     return Control::event(event);
 }
 
@@ -173,7 +174,7 @@ void PresetTile::resizeEvent(QResizeEvent*)
     showMore();
 }
 
-// All keys are the grid's.
+// Leaves all keys to the grid.
 void PresetTile::keyPressEvent(QKeyEvent* event)
 {
     event->ignore();

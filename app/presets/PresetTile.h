@@ -4,17 +4,17 @@
 #include <QImage>
 #include <QUuid>
 
-// Something by name that can be laid over images.
+// A template or a text style, as a tile shows it.
 struct Preset {
     QUuid id;
     QString name;
-    bool chosen = false;    // the current image is as it would make it
+    bool chosen = false;    // the current image already looks as this preset would make it
     bool operator==(const Preset&) const = default;
 };
 
 enum class PresetOwner { user, program };
 
-// A picture with its name below. Those of the user have a menu of their own.
+// A preset's picture with its name below. The user's own presets have a menu button.
 class PresetTile : public Control {
     Q_OBJECT
 public:
@@ -22,18 +22,18 @@ public:
 
     static int heightFor(int width, double ratio);
     void setPreset(const Preset& preset);
-    // Why it cannot be chosen now; empty when it can.
+    // Why the preset cannot be chosen now; empty when it can.
     void setRefusal(const QString& reason);
     const Preset& preset() const { return m_preset; }
     QSize picturePixels() const;
     void setPicture(const QImage& picture);
-    void outdatePicture();                // another one is wanted, when it is seen
-    void setPreviewed(bool previewed);    // the canvas shows it, though it is not applied
+    void outdatePicture();                // asks for a new one when the tile is painted next
+    void setPreviewed(bool previewed);    // whether the canvas shows the preset without applying it
     QRect captionRect() const;
-    void showMenu();    // asks for it
+    void showMenu();    // emits menuRequested
 
 Q_SIGNALS:
-    void pictureWanted();    // it is seen without the right one
+    void pictureWanted();    // the tile was painted without an up-to-date picture
     void menuRequested(QPoint globalPosition);
     void pointedAt();
     void pointerLeft();
@@ -61,5 +61,5 @@ private:
     QImage m_picture;
     bool m_isOutdated = true, m_isAwaited = false;
     bool m_isPreviewed = false;
-    IconButton* m_more = nullptr;    // of the user's own
+    IconButton* m_more = nullptr;    // null for the program's presets
 };

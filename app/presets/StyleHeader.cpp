@@ -47,7 +47,7 @@ void StyleHeader::setReached(int images, const QString& explanation)
     showReached();
 }
 
-// Where title and chip do not both fit, the number is enough.
+// Shows the number alone where the title and "4 imágenes" do not both fit.
 void StyleHeader::showReached()
 {
     if (m_images <= 1)

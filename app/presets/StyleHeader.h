@@ -5,15 +5,15 @@ class Badge;
 class Caption;
 class IconButton;
 
-// Whose style the fields below are, how many images a change reaches, and the style's own copy and
-// paste.
+// The heading above the style fields: whose style they show, how many images a change reaches, and
+// buttons to copy and paste the style.
 class StyleHeader : public QWidget {
     Q_OBJECT
 public:
     explicit StyleHeader(QWidget* parent = nullptr);
     void setTitle(const QString& title);
     void setReached(int images, const QString& explanation);
-    // A reason disables, and is told in the tooltip.
+    // A reason disables the button and is its tooltip; an empty one enables it.
     void setCopyRefused(const QString& reason);
     void setPasteRefused(const QString& reason);
     QList<QWidget*> focusOrder() const;
@@ -35,5 +35,5 @@ private:
     IconButton* m_paste;
 };
 
-// Empty, the widget is enabled; else disabled, with the reason as its tooltip.
+// Disables the widget, with the reason as its tooltip; an empty reason enables it.
 void setRefused(QWidget* widget, const QString& reason, const QString& usualToolTip = {});

@@ -5,7 +5,7 @@ class Caption;
 class PresetGrid;
 class PushButton;
 
-// The styles that the user has saved, to be laid on the selected text.
+// The tiles of the styles that the user has saved, to apply them to the selected text.
 class StyleShelf : public QWidget {
     Q_OBJECT
 public:

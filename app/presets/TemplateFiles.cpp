@@ -11,7 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// More than a preview takes; it is stored with every change of the list.
+// Bytes, more than a preview takes. Larger ones are dropped: previews are stored with every change
+// of the list.
 constexpr qsizetype largestPreview = 1 << 20;
 
 QString noMemory()
@@ -56,7 +57,7 @@ void TemplateFiles::finishReading(const DefinitionFile& file, const QString& pat
     }
     const SocialFormat format = file.definition->socialFormat();
     VisualTemplate made = file.definition->visualTemplate(item, format);
-    made.order.reset();    // its place is the one that the user gives it
+    made.order.reset();    // the user orders the templates, not the file
     if (made.previewPNG && made.previewPNG->size() > largestPreview)
         made.previewPNG.reset();
     if (m_saved.addTemplate(made).isNull()) {

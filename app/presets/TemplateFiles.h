@@ -4,14 +4,14 @@
 
 enum class StatusTone;
 
-// Definition files into the user's templates, and out of them.
+// Imports definition files into the user's templates, and exports templates to files.
 class TemplateFiles : public QObject {
     Q_OBJECT
 public:
-    // `saved` outlives it.
+    // `saved` outlives this object.
     TemplateFiles(SavedTemplates& saved, QObject* parent);
 
-    // What the file leaves out is taken from the item.
+    // Properties that the file leaves out are taken from the item.
     void read(const QString& path, const PublicationItem& item);
     void write(const QString& path, const JSONVisualTemplateDefinition& definition);
 

@@ -58,7 +58,7 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, TemplatesPanel* panel
             [this](const QString& name, SocialFormat format) {
                 Q_EMIT panelRequested();
                 if (!m_saved.isStored())
-                    return;    // which was told
+                    return;    // SavedTemplates has told the failure
                 const QString where = format == m_session.batch().format
                                           ? QString()
                                           : u" La verás en el formato %1."_s.arg(rawValue(format));
@@ -172,13 +172,13 @@ const BuiltInTemplateLibrary& TemplatesBinding::library()
 
 void TemplatesBinding::show()
 {
-    preview({});    // of what was there before
+    preview({});    // ends a preview of the former state
     showTemplates();
     showStyles();
     const PublicationItem* item = m_session.batch().currentItem();
     if (!item)
         return;
-    // Of the item the styles show the photo alone.
+    // The styles' pictures depend on the item's photo alone.
     if (m_shelf->isVisible() && m_drawnPhoto != item->image) {
         m_drawnPhoto = item->image;
         redraw();
@@ -186,17 +186,18 @@ void TemplatesBinding::show()
     const SocialFormat format = m_session.batch().format;
     if (!m_panel->isVisible() || (m_drawn == *item && m_drawnFormat == format))
         return;
-    // Another image is shown at once; one that is being changed when it has come to rest.
+    // Pictures of another item are drawn at once; those of an item being edited when the edits
+    // pause.
     const bool isOther = !m_drawn || m_drawn->id != item->id;
     m_drawn = *item;
     m_drawnFormat = format;
     m_redrawLater.start(isOther ? 0 : restBeforeRedrawing);
 }
 
-// Each picture once it is seen again.
+// Outdates all pictures; each is drawn when its tile is painted.
 void TemplatesBinding::redraw()
 {
-    m_pictures->dropWishes();    // they are of the image as it was
+    m_pictures->dropWishes();    // they are for the item's former state
     for (PresetGrid* grid : {m_panel->packaged(), m_panel->own(), m_shelf->grid()})
         grid->outdatePictures();
 }
@@ -283,7 +284,7 @@ bool TemplatesBinding::wasNew(QUuid id)
     return true;
 }
 
-// What is being imported takes the place of all that would be changed.
+// During an import designs are refused: its images will replace the batch.
 bool TemplatesBinding::refusesWhileImporting()
 {
     if (m_session.isImporting())
@@ -301,7 +302,7 @@ void TemplatesBinding::apply(QUuid id)
 void TemplatesBinding::preview(QUuid id)
 {
     const PublicationItem* item = m_session.batch().currentItem();
-    // While images are coming the canvas does not show the one that the design would be laid over.
+    // During an import the canvas does not show the current item, so there is no preview.
     const TemplateApplication design =
         id.isNull() || m_session.isImporting() ? TemplateApplication() : application(id);
     for (PresetGrid* grid : {m_panel->own(), m_panel->packaged()})
@@ -367,7 +368,7 @@ void TemplatesBinding::saveTemplate()
     if (!item)
         return;
     Q_EMIT panelRequested();
-    // Told first: should it not be stored, that is the last word.
+    // Told before saving, so that the message of a failed save replaces this one.
     Q_EMIT told(u"Plantilla guardada. Ponle nombre."_s, StatusTone::done);
     m_new = m_saved.saveTemplate(*item, m_session.batch().format);
     m_panel->rename(m_new);
@@ -409,7 +410,7 @@ void TemplatesBinding::chooseDefinition()
 
 void TemplatesBinding::importDefinition(const QString& path)
 {
-    // What the file leaves out is taken from the image that it is read over.
+    // Properties that the file leaves out come from the current item, or from an empty one.
     const PublicationItem* current = m_session.batch().currentItem();
     m_files->read(path, current ? *current : PublicationItem::make({}, {}));
 }

@@ -15,33 +15,33 @@ class TemplateFiles;
 class TemplatesPanel;
 enum class StatusTone;
 
-// The templates and the saved styles as the user sees and uses them: what the side panel shows of
-// them, and what happens when they are used.
+// Connects templates and saved styles with the side panel: what the panel shows of them, and what
+// happens when the user applies, saves, renames or removes one.
 class TemplatesBinding : public QObject {
     Q_OBJECT
 public:
-    // All outlive it.
+    // The arguments outlive the binding.
     TemplatesBinding(StudioSession& session, TemplatesPanel* panel, StyleShelf* shelf,
                      const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences);
 
-    // Costs next to nothing while neither is seen.
+    // Costs next to nothing while neither the panel nor the shelf is visible.
     void show();
     bool isIdle() const;
     SavedTemplates& saved() { return m_saved; }
 
     void endPreview() { preview({}); }
 
-    // The composition of the current item; its name is asked for in place.
+    // Saves the current item's composition as a template; the user then types its name in the grid.
     void saveTemplate();
     void chooseDefinition();
     void importDefinition(const QString& path);
     void exportDefinition(QUuid id, const QString& path);
 
 Q_SIGNALS:
-    // The current item as a template would make it; none: as it is.
+    // `item`: the current item with the previewed template applied; none when no preview is shown.
     void previewChanged(const std::optional<PublicationItem>& item);
     void told(const QString& sentence, StatusTone tone);
-    void panelRequested();    // the templates are to be seen
+    void panelRequested();    // the window shall open the templates' tab
 
 private:
     void connectTemplates();
@@ -52,9 +52,9 @@ private:
     const BuiltInTemplateLibrary& library();
     std::optional<JSONVisualTemplateDefinition> packaged(QUuid id);
     QString nameOf(QUuid id);
-    TemplateApplication application(QUuid id);    // none for an unknown id
+    TemplateApplication application(QUuid id);    // empty for an unknown id
     bool wasNew(QUuid id);
-    bool refusesWhileImporting();    // and says so
+    bool refusesWhileImporting();    // tells the user when it refuses
     void apply(QUuid id);
     void preview(QUuid id);
     void drawTemplate(PresetGrid* grid, QUuid id);
@@ -70,15 +70,15 @@ private:
     StyleShelf* m_shelf;
     std::shared_ptr<PhotoCache> m_photos;
     SavedTemplates m_saved;
-    std::optional<BuiltInTemplateLibrary> m_library;    // once it was looked at
+    std::optional<BuiltInTemplateLibrary> m_library;    // made at its first use
     TemplateFiles* m_files;
     PresetPictures* m_pictures;
-    // What the pictures were drawn from; those of templates are drawn anew when it has rested a
-    // moment.
+    // What the pictures were drawn from: the styles from m_drawnPhoto, the templates from m_drawn.
+    // The templates are drawn anew only when the edits of the item pause.
     PhotoHandle m_drawnPhoto;
     std::optional<PublicationItem> m_drawn;
     SocialFormat m_drawnFormat{};
     QTimer m_redrawLater;
     bool m_isPreviewing = false;
-    QUuid m_new;    // until it has a name
+    QUuid m_new;    // the template or style saved last, until the user has named it
 };

@@ -76,7 +76,7 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
     m_area = scrolled(page);
     auto* fixed = new QWidget;
     auto* fixedLayout = new PanelLayout(fixed);
-    // Beside it there is no scroll bar.
+    // The search has no scroll bar beside it, so its right margin equals the left one.
     const QMargins beside = fixedLayout->contentsMargins();
     fixedLayout->setContentsMargins(beside.left(), beside.top(), beside.left(), 0);
     fixedLayout->addRow({m_search, m_save}, 4);
@@ -115,7 +115,7 @@ void TemplatesPanel::show(const TemplatesPanelState& state)
     const QList<Preset> own = named(state.own, m_search->text());
     const QList<Preset> packaged = named(state.packaged, m_search->text());
     const double ratio = row(state.format).aspectRatio;
-    // Stories are narrow.
+    // Stories are narrow: three fit in a row.
     const int columns = ratio < 0.7 ? 3 : 2;
     for (PresetGrid* grid : {m_own, m_packaged})
         grid->setShape(columns, ratio);

@@ -13,12 +13,12 @@ class QScrollArea;
 struct TemplatesPanelState {
     bool hasImage = false;
     SocialFormat format = SocialFormat::carouselPortrait;
-    QList<Preset> own, packaged;    // of the format
-    QString recoverable;            // the name of the one that was removed last
+    QList<Preset> own, packaged;    // those that suit the format
+    QString recoverable;            // name of the template that was removed last
     bool operator==(const TemplatesPanelState&) const = default;
 };
 
-// Designs to lay over the selected images: the user's own, and those that come with the program.
+// Templates to apply to the selected images: the user's own, and those that come with the program.
 class TemplatesPanel : public QWidget {
     Q_OBJECT
 public:
@@ -27,7 +27,7 @@ public:
     void setState(const TemplatesPanelState& state);
     PresetGrid* own() const { return m_own; }
     PresetGrid* packaged() const { return m_packaged; }
-    // Its name is typed in place, wherever the search had hidden it.
+    // Lets the user type the template's name on its tile, even if the search had hidden the tile.
     void rename(QUuid id);
     QList<QWidget*> focusOrder() const;
 

@@ -13,7 +13,7 @@ QStringView withoutZeros(QStringView digits)
     return digits;
 }
 
-// The next part of a version: digits, or what stands between them. Takes it from the text.
+// Removes the next part of a version from `text`: a run of digits, or of anything else.
 QStringView takePart(QStringView& text)
 {
     qsizetype length = 0;
@@ -25,7 +25,7 @@ QStringView takePart(QStringView& text)
     return part;
 }
 
-// By the numbers in them, which may be of any length.
+// Below, equal to or above 0, as `left` is older, equal or newer. Numbers may have any length.
 int compareVersions(QStringView left, QStringView right)
 {
     while (!left.isEmpty() && !right.isEmpty()) {

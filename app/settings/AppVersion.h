@@ -4,13 +4,13 @@
 
 #include <optional>
 
-// What version of the program runs.
+// The version of the running program.
 namespace AppVersion {
 
 QString current();
-QString build();      // rises with every build of a version that is given out
-QString display();    // both
-// Compares the numbers, part by part; letters after them by the alphabet. Nothing is not newer.
+QString build();      // rises with every released build of one version
+QString display();    // version and build
+// Compares numbers part by part, and letters by the alphabet. False without a remote version.
 bool isRemoteVersionNewer(const std::optional<QString>& remote);
 
 }    // namespace AppVersion

@@ -13,7 +13,7 @@ class UpdatesDetailPanel : public SettingsPanel {
     Q_OBJECT
 public:
     explicit UpdatesDetailPanel(QWidget* parent = nullptr);
-    // What the service knows of; an address only of the web.
+    // The latest version that the service knows of. Only an http or https address can be opened.
     void setLatest(const std::optional<QString>& version, const std::optional<QUrl>& download);
     void tellProblem(const QString& sentence);
 

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The block is centred in the frame; these are from its top.
+// Pixels from the top of the block, which is centred in the frame.
 constexpr int cardsMiddle = 104, titleTop = 250, sentenceTop = 290, buttonsTop = 333,
               hintsTop = 398, blockHeight = 414;
 constexpr int emptySpinnerSide = 32, spinnerTop = 196;
@@ -51,7 +51,8 @@ void EmptyState::setImport(const std::optional<ImportShown>& import)
 {
     if (import == m_import)
         return;
-    // A button that goes would hand the focus on to the panel beside it.
+    // Takes the focus from a button that is about to be hidden: Qt would give it to the panel
+    // beside.
     if (import && (m_images->hasFocus() || m_folder->hasFocus()))
         setFocus(Qt::OtherFocusReason);
     m_import = import;

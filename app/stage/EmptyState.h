@@ -9,18 +9,18 @@ class PushButton;
 class Spinner;
 
 struct ImportShown {
-    int looked = 0, total = 0;    // files; none while folders are searched
+    int looked = 0, total = 0;    // files; total is 0 while folders are searched
     bool operator==(const ImportShown&) const = default;
 };
 
-// The stage without images: all of it invites a drop, or says that images are coming.
+// The stage without images: invites to drop or import some, or shows how far an import is.
 class EmptyState : public QWidget {
     Q_OBJECT
 public:
     explicit EmptyState(QWidget* parent = nullptr);
     QList<QWidget*> focusOrder() const;
     void setImport(const std::optional<ImportShown>& import);
-    void takeFocus(Qt::FocusReason reason);    // by its first button
+    void takeFocus(Qt::FocusReason reason);    // focuses the first button
 
 Q_SIGNALS:
     void importImagesRequested();
@@ -40,5 +40,5 @@ private:
     PushButton* m_folder;
     KeyHints* m_hints;
     Spinner* m_spinner;
-    std::optional<ImportShown> m_import;    // while one goes on
+    std::optional<ImportShown> m_import;    // empty while no import runs
 };

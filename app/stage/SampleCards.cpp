@@ -20,12 +20,12 @@ QLinearGradient downwards(double from, double to, const QGradientStops& stops)
 }
 
 struct Range {
-    double base, height;    // of its foot and of its summits, from the top of the card
+    double base, height;    // y of its foot and of its highest summit, from the card's top
     double roughness;       // 0 smooth to 1
     quint32 seed;
 };
 
-// A ridge by moving midpoints: the same seed gives the same mountains everywhere.
+// A ridge by midpoint displacement. Equal seeds give equal ridges on every machine.
 QPainterPath ridge(const QSizeF& card, const Range& range)
 {
     constexpr int points = 65;
@@ -110,17 +110,8 @@ void paintWords(QPainter& painter, const QRectF& rect, double pixels, QFont::Wei
     painter.drawText(QRectF(QPointF(), rect.size() / scale), Qt::AlignLeft | Qt::AlignTop, text);
 }
 
-void paintMountain(QPainter& painter, const QSizeF& card)
+void paintPeak(QPainter& painter, const QSizeF& card)
 {
-    const QRectF all(QPointF(), card);
-    painter.fillRect(
-        all, downwards(0, card.height() * 0.6, {{0, 0x2B4A7E}, {0.45, 0x4E7BB4}, {1, 0xB9D2E6}}));
-    paintCloud(painter, {card.width() * 0.24, card.height() * 0.40}, 26);
-    paintCloud(painter, {card.width() * 0.06, card.height() * 0.47}, 22);
-
-    const QPainterPath far = ridge(card, {card.height() * 0.72, card.height() * 0.46, 0.5, 23});
-    painter.fillPath(
-        far, downwards(card.height() * 0.4, card.height() * 0.7, {{0, 0x6F7C95}, {1, 0x9AA6B8}}));
     QPainterPath peak(QPointF(card.width() * 0.22, card.height()));
     const std::array outline{QPointF(0.20, 0.64), QPointF(0.33, 0.52), QPointF(0.40, 0.50),
                              QPointF(0.44, 0.37), QPointF(0.50, 0.33), QPointF(0.54, 0.25),
@@ -149,6 +140,10 @@ void paintMountain(QPainter& painter, const QSizeF& card)
             painter.drawPolygon(patch);
         }
     }
+}
+
+void paintMeadow(QPainter& painter, const QSizeF& card)
+{
     QPainterPath meadow(QPointF(0, card.height() * 0.53));
     meadow.cubicTo(card.width() * 0.3, card.height() * 0.58, card.width() * 0.5,
                    card.height() * 0.66, card.width(), card.height() * 0.70);
@@ -165,7 +160,10 @@ void paintMountain(QPainter& painter, const QSizeF& card)
                  card.height() * 0.71, card.width() * 0.515, card.height() * 0.647);
     painter.fillPath(
         path, downwards(card.height() * 0.64, card.height(), {{0, 0x9A7F62}, {1, 0x5D4634}}));
+}
 
+void paintMountainWords(QPainter& painter, const QSizeF& card)
+{
     const std::array headline{u"Respira otoño en"_qs, u"los Picos"_qs};
     for (std::size_t line = 0; line < headline.size(); ++line)
         paintWords(painter, {11, 10.0 + 18.5 * double(line), card.width(), 24}, 17, QFont::Bold,
@@ -179,6 +177,22 @@ void paintMountain(QPainter& painter, const QSizeF& card)
     fillRounded(painter, call, 3, QColor(0xF7EBDD));
     paintWords(painter, call.adjusted(10, 3.4, 0, 0), 6.8, QFont::Bold, QColor(0x16241C),
                u"Reserva ahora"_qs);
+}
+
+void paintMountain(QPainter& painter, const QSizeF& card)
+{
+    const QRectF all(QPointF(), card);
+    painter.fillRect(
+        all, downwards(0, card.height() * 0.6, {{0, 0x2B4A7E}, {0.45, 0x4E7BB4}, {1, 0xB9D2E6}}));
+    paintCloud(painter, {card.width() * 0.24, card.height() * 0.40}, 26);
+    paintCloud(painter, {card.width() * 0.06, card.height() * 0.47}, 22);
+
+    const QPainterPath far = ridge(card, {card.height() * 0.72, card.height() * 0.46, 0.5, 23});
+    painter.fillPath(
+        far, downwards(card.height() * 0.4, card.height() * 0.7, {{0, 0x6F7C95}, {1, 0x9AA6B8}}));
+    paintPeak(painter, card);
+    paintMeadow(painter, card);
+    paintMountainWords(painter, card);
 }
 
 void paintValley(QPainter& painter, const QSizeF& card)

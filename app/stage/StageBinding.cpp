@@ -8,7 +8,7 @@
 
 namespace {
 
-// What the bar offers; a file may hold more.
+// The zooms that the bar offers; a file may hold a larger one.
 constexpr double leastZoom = 1, mostZoom = 3;
 
 }    // namespace
@@ -37,7 +37,7 @@ StageBinding::StageBinding(StudioSession& session, StagePanel* stage, ViewBar* b
     });
 }
 
-// The canvas may outlive it for a moment, and end a gesture as it goes.
+// Removes the callbacks: the canvas may be destroyed later, and ends a gesture then.
 StageBinding::~StageBinding()
 {
     CanvasInteraction& gestures = canvas()->interaction();
@@ -66,7 +66,7 @@ void StageBinding::connectCanvas()
     };
     gestures.onCommit = [this](const PublicationItem& item) {
         if (m_preview)
-            return Q_EMIT previewRefused();    // what is only looked at is not edited
+            return Q_EMIT previewRefused();    // a preview cannot be edited
         m_session.commitCanvasItem(item);
     };
     gestures.onSelect = [this](QUuid layer) {
@@ -97,7 +97,7 @@ void StageBinding::show()
     m_stage->setPosition(batch.selectedIndex, int(batch.items.size()));
     m_stage->setFormat(format.rawValue.toString(), format.ratioLabel.toString(),
                        format.exportSize.toSize());
-    // The item first: the photo is taken for that of the item shown.
+    // Sets the item before the photo: the canvas takes a photo for that of the item it shows.
     const bool isPreview = m_preview && item && m_preview->id == item->id;
     if (isPreview)
         item = &*m_preview;
@@ -142,7 +142,7 @@ void StageBinding::zoomBy(double step)
         [step](ImagePlacement& placement) {
             placement.zoom = std::clamp(placement.zoom + step, leastZoom, mostZoom);
         },
-        Pace::held);    // by a key that may repeat
+        Pace::held);    // the key may repeat
 }
 
 void StageBinding::setZoom(double zoom, Pace pace)

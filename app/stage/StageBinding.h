@@ -17,17 +17,18 @@ class StudioSession;
 class ViewBar;
 
 // The canvas and the bar below it as a view of the session's current item: gestures become edits,
-// and how the photo lies can be changed.
+// and the bar changes the photo's placement.
 class StageBinding : public QObject {
     Q_OBJECT
 public:
-    // All outlive it.
+    // The arguments outlive the binding.
     StageBinding(StudioSession& session, StagePanel* stage, ViewBar* bar,
                  const std::shared_ptr<PhotoCache>& photos);
     ~StageBinding() override;
 
     void show();
-    // The current item in another state, to be looked at and not edited; none: as it is.
+    // Shows `item`, which cannot be edited, in place of the current item; none: the current item
+    // again.
     void preview(const std::optional<PublicationItem>& item);
     bool isIdle() const;
     CanvasInteractionView* canvas() const;
@@ -44,7 +45,7 @@ Q_SIGNALS:
     void editRequested(CopySlot slot);
     void photoFound(QUuid item);
     void photoMissing(QUuid item);
-    void previewRefused();    // an edit was tried on what is only looked at
+    void previewRefused();    // the user tried to edit a previewed item
 
 private:
     void connectCanvas();

@@ -63,7 +63,7 @@ void StagePanel::nameCanvas()
 
 bool StagePanel::event(QEvent* event)
 {
-    // A move to a screen of another pixel ratio arrives as one of these.
+    // Qt tells of a move to a screen of another pixel ratio by one of these events.
     if (event->type() == QEvent::ScreenChangeInternal || event->type() == QEvent::Show)
         fit();
     if (event->type() == QEvent::PaletteChange)
@@ -103,7 +103,8 @@ void StagePanel::fit()
     }
 }
 
-// The ground with its wide shadow is kept as a picture: a drag uncovers strips of it at each step.
+// Paints into m_ground, which is kept: a drag uncovers strips of the ground at each step, and its
+// wide shadow is slow to paint.
 void StagePanel::paintGround(QPainter& painter) const
 {
     const Theme& theme = themeOf(this);
@@ -127,7 +128,7 @@ void StagePanel::paintGround(QPainter& painter) const
 
 void StagePanel::paintEvent(QPaintEvent* event)
 {
-    // Under the picture there is nothing to see; it may leave a part of its outermost pixels free.
+    // The picture hides the ground below it, except for parts of its outermost pixels.
     const bool hasPicture = !m_view->canvasBuffer().isNull();
     if (hasPicture && m_canvas.adjusted(1, 1, -1, -1).contains(event->rect()))
         return;

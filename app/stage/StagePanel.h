@@ -11,15 +11,15 @@ class StagePanel : public QWidget {
 public:
     explicit StagePanel(QWidget* parent = nullptr);
 
-    // What is seen and edited; it covers the whole panel.
+    // The view covers the whole panel; the canvas within it is canvasRect().
     CanvasInteractionView* canvas() const { return m_view; }
 
     void setFormat(const QString& title, const QString& ratio, QSize exportPixels);
     // For screen readers; `current` counts from 0.
     void setPosition(int current, int count);
-    // What is shown is only looked at, not applied.
+    // Says above the canvas that a template is previewed and not applied.
     void setPreviewed(bool previewed);
-    QSize pictureSize() const { return m_pictureSize; }    // in pixels of the screen
+    QSize pictureSize() const { return m_pictureSize; }    // device pixels
     QRect canvasRect() const { return m_canvas; }
     QSize sizeHint() const override { return {640, 640}; }
 
@@ -41,8 +41,8 @@ private:
     bool m_isPreviewed = false;
     QSize m_exportPixels;
     QSize m_pictureSize;
-    QRect m_canvas;      // logical pixels, all around the picture
-    QPixmap m_ground;    // all below the picture; null when it has to be painted anew
+    QRect m_canvas;      // logical pixels; encloses the picture
+    QPixmap m_ground;    // everything beneath the picture; null when outdated
     Badge* m_ratio;
     CanvasInteractionView* m_view;
 };

@@ -13,22 +13,23 @@
 #include <memory>
 #include <optional>
 
-// The decoded photo of the item on the stage: at once what is in memory, then the level that its
-// size there needs. Only the last request counts.
+// Loads the photo of the item on the stage: at once what is in memory, then the level that its size
+// on screen needs. Only the last show() counts.
 class StagePhoto : public QObject {
     Q_OBJECT
 public:
     explicit StagePhoto(std::shared_ptr<PhotoCache> photos, QObject* parent = nullptr);
 
-    // `pixels`: of the whole canvas on screen. Asks for nothing that it has told already.
+    // `pixels`: size of the whole canvas in device pixels. Does nothing while the photo and the
+    // level it needs stay the same.
     void show(const PublicationItem& item, SocialFormat format, QSize pixels);
     void clear();
     bool isIdle() const { return m_running == 0; }
 
 Q_SIGNALS:
     void ready(const QImage& photo);
-    void photoRead();                          // from its file, just now or a while ago
-    void photoMissing(const QString& name);    // its pixels can no longer be read
+    void photoRead();                          // the photo's file could be read, now or earlier
+    void photoMissing(const QString& name);    // the photo's pixels can no longer be read
 
 private:
     struct Wish {
@@ -36,7 +37,7 @@ private:
         PhotoLevel level = PhotoLevel::full;
         bool operator==(const Wish&) const = default;
     };
-    // The number of the last request; a worker looks before it begins something long.
+    // The number of the last request. A worker compares it with its own before long work.
     using Latest = std::shared_ptr<std::atomic<quint64>>;
     static QCoro::Task<> load(QPointer<StagePhoto> self, quint64 request, Wish wish, QString name,
                               std::shared_ptr<PhotoCache> photos, Latest latest);

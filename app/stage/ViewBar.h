@@ -9,19 +9,19 @@ class SegmentedControl;
 class ToggleButton;
 class ZoomSlider;
 
-// Which image of the batch, with the way to its neighbours; how its photo lies in the canvas; the
-// safe zone of stories.
+// The bar below the canvas: which image of the batch it shows, with the way to its neighbours; the
+// placement of its photo; the safe zone of stories.
 class ViewBar : public QWidget {
     Q_OBJECT
 public:
     explicit ViewBar(QWidget* parent = nullptr);
     // `current` counts from 0; without images the bar is disabled.
     void setPosition(int current, int count);
-    // A zoom beyond what the bar offers is shown as the nearest it has.
+    // A zoom beyond the slider's range is shown as its nearest end.
     void setPlacement(const ImagePlacement& placement);
     void setFormat(SocialFormat format);
     void setSafeZone(bool shown);
-    // Of the safe zone's button; hidden in a narrow window.
+    // Whether the safe zone's button shows its label; there is no room in a narrow window.
     void setLabels(Labels labels);
     void endEdits();    // lets go of a held zoom
     QList<QWidget*> focusOrder() const;
@@ -31,7 +31,7 @@ Q_SIGNALS:
     void previousRequested();
     void nextRequested();
     void fitModeChosen(ImageFitMode mode);
-    // `held` while the slider is dragged or a key repeats; then a last one without.
+    // `held` while the slider is dragged or a key repeats; the last signal comes without it.
     void zoomRequested(double zoom, bool held);
     void centreRequested();
     void safeZoneToggled(bool shown);

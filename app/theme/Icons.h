@@ -163,18 +163,20 @@ constexpr const IconRow& row(Icon icon)
 }
 static_assert(std::ranges::all_of(icons, [](const auto& r) { return &row(r.icon) == &r; }));
 
-// Vocabularies of the model name their icons by the file.
+// The icon with this file name; Icon::none if there is none. The model's vocabularies name their
+// icons by it.
 constexpr Icon iconNamed(QStringView file)
 {
     const auto found = std::ranges::find(icons, file, &IconRow::file);
     return found == icons.end() ? Icon::none : found->icon;
 }
 
-// `size` in logical pixels. Small sizes keep the line width of the 20 pixel drawing.
+// `size` in logical pixels; `ratio` device pixels per logical one. Sizes below 20 keep the line
+// width of the drawing at 20.
 QPixmap iconPixmap(Icon icon, int size, const QColor& color, qreal ratio);
-// Centred in `box`, on whole device pixels.
+// Paints the icon centred in `box`, on whole device pixels.
 void paintIcon(QPainter& painter, Icon icon, const QRectF& box, int size, const QColor& color);
-// For menus: the style paints it in the colour of its row.
+// An icon for menus, black: the style paints it in the colour of its menu row.
 QIcon menuIcon(Icon icon);
-// A name as part of an entry: without it an ampersand would name a key.
+// `name` as a part of a menu entry: doubles its ampersands, which would mark a shortcut key.
 QString inMenu(const QString& name);

@@ -27,7 +27,8 @@ private:
     bool m_wasKey = false;
 };
 
-// One a window. Inside of a scroll area it moves there, to be clipped with its control.
+// The focus ring of the control's window; null until it is first needed. Inside a scroll area Qt
+// moves the ring into that area, so that it is clipped with its control.
 QFocusFrame* frameOf(const QWidget* control)
 {
     return control->window()->findChild<QFocusFrame*>();

@@ -6,13 +6,13 @@ class QApplication;
 class QFocusEvent;
 class QWidget;
 
-// The focus ring outside of a control, for focus that the keyboard gave. A control calls these from
-// its focus events; its dynamic property "focusRadius" rounds the ring.
+// The ring around a control that has the focus by keyboard. A control calls entered() and left()
+// from its focus events; its dynamic property "focusRadius" rounds the ring.
 namespace KeyboardFocus {
 void entered(QWidget* control, const QFocusEvent* event);
 void left(QWidget* control);
 
-// Of focus that the program moves: as by the keyboard where a key was what came last.
+// The reason for the program's own setFocus() calls: as by keyboard when the last input was a key.
 Qt::FocusReason reason();
-void watch(QApplication& application);    // for `reason`
+void watch(QApplication& application);    // tells reason() about the last input
 }    // namespace KeyboardFocus

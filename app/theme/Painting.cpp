@@ -114,7 +114,8 @@ void paintShadow(QPainter& painter, const QRectF& rect, const Shadow& shadow)
                             .arg(shadow.color.rgba());
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
-        const double spread = shadow.blur / 2 * std::numbers::sqrt2;    // of a style sheet's blur
+        // As in a style sheet, sigma is half the blur.
+        const double spread = shadow.blur / 2 * std::numbers::sqrt2;
         const auto profile = [&](int count, double length) {
             std::vector<double> values;
             for (int i = 0; i < count; ++i) {

@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <QRectF>
 
-// A painter's state lives as long as this.
+// Saves a painter's state, and restores it in the destructor.
 class SavedPainter {
 public:
     explicit SavedPainter(QPainter& painter) : m_painter(painter) { m_painter.save(); }
@@ -20,26 +20,26 @@ struct Corners {
 };
 void fillRounded(QPainter& painter, const QRectF& rect, Corners radii, const QColor& color);
 void fillRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color);
-// For the mask of a window; a pixel belongs to it where its centre lies inside.
+// The pixels whose centre lies inside the rounded `rect`; for the mask of a window.
 QRegion roundedRegion(const QRect& rect, double radius);
-// The line lies inside `rect`.
+// Paints an outline inside `rect`, `width` pixels wide.
 void strokeRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color,
                    double width = 1);
 
-// One line, elided at its right end, vertically centred.
+// Paints one line of text, vertically centred, elided when it is wider than `rect`.
 void paintText(QPainter& painter, const QRectF& rect, Qt::Alignment alignment, Type type,
                const QColor& color, const QString& text, Qt::TextElideMode elide = Qt::ElideRight);
 double textWidth(Type type, const QString& text);
-// For a tooltip: a text from elsewhere as it stands, never read as markup, and not endless.
+// A tooltip that shows `text` as it stands, never as markup, cut off when it is very long.
 QString plainToolTip(const QString& text);
-// The room that a number of so many digits may take: Inter's digits differ in width here.
+// The room that a number of so many digits may take: in Inter the digits differ in width.
 double digitsWidth(Type type, int digits);
 
-// An arc of a third of a circle; `turn` from 0 to 1.
+// Paints a ring with an arc over a third of it; `turn`, from 0 to 1, turns the arc.
 void paintSpinner(QPainter& painter, const QRectF& box, const QColor& track, const QColor& arc,
                   double turn, double width);
 
-// The blurred shadow of a rectangle with square corners, without the rectangle itself.
+// The blurred shadow of a rectangle with square corners, in logical pixels.
 struct Shadow {
     double offset = 18, blur = 50;
     QColor color;

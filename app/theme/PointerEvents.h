@@ -2,7 +2,8 @@
 
 #include <QEvent>
 
-// Of the mouse and its wheel: what lies over others takes these, so that none reaches them.
+// Whether the mouse or its wheel caused the event. A widget that lies over others takes these
+// events, so that none passes through it.
 inline bool isPointerEvent(const QEvent* event)
 {
     switch (event->type()) {

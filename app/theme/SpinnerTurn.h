@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-// How far round a spinner is, from 0 to 1. While it runs, its widget is painted anew.
+// How far a spinner has turned, from 0 to 1. Repaints its widget while it runs.
 class SpinnerTurn {
 public:
     explicit SpinnerTurn(QWidget* widget)

@@ -75,7 +75,7 @@ StudioStyle::StudioStyle(Motion motion) : QProxyStyle(u"Fusion"_qs), m_motion(mo
 void StudioStyle::polish(QWidget* widget)
 {
     QProxyStyle::polish(widget);
-    // The soft edge of the corners needs a transparent window; without a compositor the mask cuts
+    // Soft corners need a transparent window; without a compositor the masks of styleHint() cut
     // them.
     if (qobject_cast<QMenu*>(widget)) {
         widget->setAttribute(Qt::WA_TranslucentBackground);
@@ -100,7 +100,7 @@ void StudioStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         paintFloating(*painter, option->rect, tipRadius, theme);
     } else if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
                element == PE_PanelLineEdit && frame && frame->lineWidth == 0) {
-        // A bare edit lies on the box that its field paints.
+        // A bare edit paints nothing: the field around it paints its box.
     } else if (element != PE_FrameMenu) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
@@ -231,7 +231,7 @@ int StudioStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
     case SH_Widget_Animation_Duration:
         return m_motion == Motion::reduced ? 0 : 90;
     case SH_LineEdit_PasswordCharacter:
-        return 0x2022;    // a bullet; the toolkit's own choice is a large disc
+        return 0x2022;    // a bullet; Fusion's own is a large disc
     case SH_ToolTip_WakeUpDelay:
         return 500;
     case SH_FocusFrame_AboveWidget:

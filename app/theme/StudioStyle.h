@@ -12,7 +12,6 @@ class StudioStyle : public QProxyStyle {
     Q_OBJECT
 public:
     explicit StudioStyle(Motion motion = Motion::full);
-    void setMotion(Motion motion) { m_motion = motion; }
 
     using QProxyStyle::polish;
     void polish(QWidget* widget) override;
@@ -28,13 +27,14 @@ public:
                            const QWidget* widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
                     const QWidget* widget) const override;
-    // SH_Widget_Animation_Duration is the time of a hover, 0 with reduced motion.
+    // SH_Widget_Animation_Duration is the duration of a hover animation in ms; 0 with reduced
+    // motion.
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override;
 
 private:
-    Motion m_motion;
+    const Motion m_motion;
 };
 
-// Gives the program our style and font.
+// Gives the program our style, font and theme.
 void dress(QApplication& application, const Theme& theme, Motion motion = Motion::full);

@@ -8,8 +8,7 @@
 
 class QWidget;
 
-// The colours of one look. State is never carried by one of them alone: an icon or a word goes with
-// it.
+// The colours of one theme. None alone may tell a state: an icon or a word goes with it.
 struct Theme {
     QColor bg;         // the stage around the canvas
     QColor panel;      // bars, columns, dialogs
@@ -18,7 +17,7 @@ struct Theme {
     QColor hover;      // a control or menu row under the pointer
     QColor seg;        // the chosen segment; never with text3 on it
     QColor fill;       // the empty part of a value bar
-    QColor raised;     // a button on bg, where control would drown
+    QColor raised;     // a button on bg, where `control` would not stand out
     QColor empty;      // where a picture will be
     QColor line;       // hairlines
     QColor line2;      // outlines, progress tracks
@@ -36,8 +35,8 @@ struct Theme {
 const Theme& darkTheme();
 const Theme& lightTheme();
 
-// A theme travels as the palette, so every widget, stock or ours, learns of a change by itself, and
-// windows with different themes can live side by side.
+// Widgets get their theme as their palette: all of them, Qt's or ours, learn of a change by
+// themselves, and windows with different themes can stand side by side.
 QPalette paletteOf(const Theme& theme);
 const Theme& themeOf(const QPalette& palette);
 const Theme& themeOf(const QWidget* widget);

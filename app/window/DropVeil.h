@@ -1,22 +1,23 @@
 #pragma once
 #include <QWidget>
 
-// What a drop would bring.
+// What a drop would import.
 struct DropOffer {
     int images = 0;
     bool folder = false;      // a folder is dragged; its images are not counted yet
     bool replaces = false;    // there is a batch already
-    bool texts = false;       // a spreadsheet of them, and no images
-    QString refusal = {};     // why a drop would bring nothing
+    bool texts = false;       // a single file of texts is dragged, and no images
+    QString refusal = {};     // why a drop would import nothing
     bool operator==(const DropOffer&) const = default;
 };
 
-// Lies over the window while files are dragged; it lets the drag through to what is below.
+// Covers the window while files are dragged, and says what a drop would do. Drag events pass
+// through to the window.
 class DropVeil : public QWidget {
     Q_OBJECT
 public:
     explicit DropVeil(QWidget* parent);    // covers its parent
-    void offer(const DropOffer& offer);    // shows it
+    void offer(const DropOffer& offer);    // shows the veil with this offer
     QString sentence() const;
 
 protected:

@@ -11,9 +11,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString importFolderKey = u"moltiva.importFolder"_s;
-constexpr int moreMayCome = 1000;    // ms
+constexpr int moreMayCome = 1000;    // ms in which another open() adds to the batch
 
-// What a file chooser shows; every file can be chosen, because what it holds decides.
+// The chooser's filters. All files can be chosen, too: the content decides what is an image.
 QString imageFilter()
 {
     QStringList patterns;
@@ -62,7 +62,7 @@ void FileIntake::choose(const QString& title, QFileDialog::FileMode mode)
     auto* dialog = new QFileDialog(m_window, title, m_folder.begin(), imageFilter());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(mode);
-    // The signals that carry the choice differ between the systems' dialogs and the toolkit's own.
+    // Uses accepted(), for the signals that carry the files differ between native and Qt's dialogs.
     connect(dialog, &QFileDialog::accepted, this, [this, dialog] { load(dialog->selectedUrls()); });
     dialog->open();
 }

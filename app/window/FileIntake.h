@@ -11,23 +11,24 @@ class PreferencesStore;
 class QMimeData;
 class StudioSession;
 
-// How files reach the session: chosen, dropped or given from outside.
+// Brings files to the session: those chosen, dropped or given from outside the program.
 class FileIntake : public QObject {
     Q_OBJECT
 public:
-    // All outlive it; the choosers belong to the window.
+    // The arguments outlive this object; the window owns the choosers.
     FileIntake(StudioSession& session, PreferencesStore& preferences, QWidget* window);
 
     void choosePhotos();
     void chooseFolder();
     void chooseTexts(QFileDialog::AcceptMode mode);
 
-    // Of what is dragged over the window.
+    // For a drag over the window: its files, and what their drop would import.
     static QList<QUrl> localFiles(const QMimeData* data);
     DropOffer offerOf(const QList<QUrl>& files) const;
     void drop(const QList<QUrl>& files);
 
-    // Several calls in a row bring one batch: file managers start a program once for each file.
+    // Opens files from outside. Calls in quick succession add to one batch: file managers start a
+    // program once for each file.
     void open(const QList<QUrl>& files);
 
 private:
@@ -37,6 +38,6 @@ private:
     StudioSession& m_session;
     QWidget* m_window;
     ChooserFolder m_folder;
-    QList<QUrl> m_given;    // from outside, of which more may come
-    QTimer m_givenLately;
+    QList<QUrl> m_given;     // files of the last calls of open(), to which the next may add
+    QTimer m_givenLately;    // runs while another open() still adds to m_given
 };

@@ -5,12 +5,12 @@ class PreferencesStore;
 class StudioShell;
 enum class SideTab;
 
-// How the user wants the window to look, kept among the preferences: the theme, which columns are
-// seen and how wide they are, and where the window stands.
+// The look of the window as the user left it, stored in the preferences: the theme, which columns
+// are visible and how wide, and the window's geometry.
 class KeptLook : public QObject {
     Q_OBJECT
 public:
-    // All outlive it.
+    // The arguments outlive this object.
     KeptLook(StudioShell* shell, PreferencesStore& preferences, QWidget* window);
 
     void restore();
@@ -22,7 +22,7 @@ public:
     void setBatchColumnSeen(bool seen);
     bool isSidePanelSeen() const;
     void setSidePanelSeen(bool seen);
-    // Of the side panel, which is seen then.
+    // Opens a tab of the side panel, and shows the panel if it is hidden.
     void showTab(SideTab tab);
 
 Q_SIGNALS:

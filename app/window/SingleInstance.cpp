@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int instanceLongestWait = 10000, retryPause = 40;    // ms
-constexpr qsizetype longestMessage = 16 << 20;    // a folder's worth of paths many times over
+constexpr qsizetype longestMessage = 16 << 20;    // bytes; far more than a folder's paths need
 const QByteArray answer = "1";
 
 QString lockPath(const QString& folder)
@@ -27,7 +27,7 @@ QString lockPath(const QString& folder)
     return QDir(folder).filePath(u"moltiva.lock"_s);
 }
 
-// Its own for each place of data: the socket belongs to who holds the lock there.
+// One socket for each data folder: it belongs to the start that holds the lock there.
 QString socketPath(const QString& dataFolder)
 {
     const QString folder = QDir(dataFolder).canonicalPath();
@@ -67,7 +67,7 @@ InstanceClaim claimInstance(const QString& dataFolder, const QList<QUrl>& toOpen
             return {first, std::move(lock)};
         if (!socket.isEmpty() && handOver(socket, toOpen))
             return {handedOver, nullptr};
-        // No lock can be written, on a full disk for instance: better a second window than none.
+        // No lock can be written, as on a full disk: a second window is better than none.
         if (lock->state() == SystemLock::State::impossible)
             return {first, nullptr};
         if (socket.isEmpty())
@@ -93,9 +93,9 @@ SingleInstance::SingleInstance(const QString& dataFolder, QObject* parent)
 {
     const QString path = socketPath(dataFolder);
     if (path.isEmpty())
-        return;    // later starts say that they find none
+        return;    // later starts report InstanceClaim::Outcome::unreachable
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    QLocalServer::removeServer(path);    // of one that was killed: we hold the lock
+    QLocalServer::removeServer(path);    // left by a killed program: the lock is ours now
     m_server->listen(path);
     connect(m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* socket = m_server->nextPendingConnection())
@@ -125,7 +125,7 @@ void SingleInstance::read(QLocalSocket* socket)
     stream.startTransaction();
     stream >> message;
     if (!stream.commitTransaction())
-        return;    // more is to come
+        return;    // incomplete: the rest is still on its way
     QList<QUrl> toOpen;
     QDataStream reader(message);
     reader >> toOpen;

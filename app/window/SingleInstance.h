@@ -11,35 +11,37 @@
 class QLocalServer;
 class QLocalSocket;
 
-// One window per user. The first start keeps a lock beside the data that it works on; a later one
-// hands what it was to open to the first over a socket, and ends.
+// One window per user. The first start holds a lock in the data folder; a later start sends the
+// first what to open, over a socket, and ends.
 struct InstanceClaim {
     enum class Outcome {
         first,
         handedOver,
         unanswered,
-        unreachable,    // there is a first one, but no place for a socket that is the user's alone
+        unreachable,    // a first start runs, but there is no private place for a socket
     };
     Outcome outcome = Outcome::unanswered;
-    // Of the first, as long as it runs; none where it cannot be had, on a full disk for instance.
+    // Held by the first start as long as it runs; null where no lock can be written, as on a full
+    // disk.
     std::unique_ptr<SystemLock> lock;
 };
 
-// Waits for an answer for some seconds at most; starts at the same moment settle it between them.
-// Needs a core application, but no display. `dataFolder` exists and is the user's own.
+// Waits some seconds at most for the first start's answer. Of several starts at one moment exactly
+// one becomes the first. Needs a core application, but no display. `dataFolder` exists and belongs
+// to the user.
 InstanceClaim claimInstance(const QString& dataFolder, const QList<QUrl>& toOpen);
 
-// What the arguments of a start name: files and folders by path, other addresses as they are.
+// The addresses that command-line arguments name: paths become file URLs, other addresses stay.
 QList<QUrl> addressesOf(const QStringList& arguments);
 
-// The listening side, in the first start, which holds the lock meanwhile.
+// Listens in the first start, which holds the lock meanwhile.
 class SingleInstance : public QObject {
     Q_OBJECT
 public:
     explicit SingleInstance(const QString& dataFolder, QObject* parent = nullptr);
 
 Q_SIGNALS:
-    // A later start handed these over; none when it was started without any.
+    // A later start sent these; empty when it was started without any.
     void handedOver(const QList<QUrl>& toOpen);
 
 private:

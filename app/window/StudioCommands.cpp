@@ -35,12 +35,12 @@ constexpr QStringView fileMenu = u"Archivo", editMenu = u"Edición", viewMenu = 
                       helpMenu = u"Ayuda", shapeMenu = u"Edición/Añadir forma",
                       formatMenu = u"Ver/Formato", themeMenu = u"Ver/Tema";
 
-// The tile's menu has them as well.
+// Texts of commands that the tile's menu has as well.
 const QString copyStyleText = u"Copiar estilo"_s, pasteStyleText = u"Pegar estilo"_s,
               exportCurrentText = u"Exportar actual…"_s,
               selectAllText = u"Seleccionar todas las imágenes"_s,
               discardText = u"Descartar imagen"_s;
-// So have buttons.
+// Texts of commands that buttons have as well.
 const QString importImagesText = u"Importar imágenes…"_s, importFolderText = u"Importar carpeta…"_s,
               exportAllText = u"Exportar todo…"_s, undoText = u"Deshacer"_s,
               redoText = u"Rehacer"_s;
@@ -408,8 +408,8 @@ void StudioCommands::run(const MenuCommand& command)
                             StatusTone::problem);
         return;
     }
-    // A drag that a command comes upon is given up, and an objective that is being typed is an edit
-    // like any other: to be undone it must be one first.
+    // Cancels a drag on the canvas, and ends the typing of an objective, so that it is a step of
+    // its own that the command may undo.
     m_parts.stage.canvas()->interaction().cancel();
     m_parts.shell->composeBar()->finishEdit();
     if (!command.keepsTyping)
@@ -425,7 +425,7 @@ void StudioCommands::importTexts()
         m_parts.files->chooseTexts(QFileDialog::AcceptOpen);
 }
 
-// In an editor the same text of the other image comes next, ready to be typed over.
+// While a text is edited, the text of that slot in the other image gets the focus, all selected.
 void StudioCommands::step(int images)
 {
     const std::optional<CopySlot> slot = m_parts.shell->sidePanel()->textPanel()->editedSlot();
@@ -438,7 +438,7 @@ void StudioCommands::step(int images)
         m_parts.panel.edit(*slot);
 }
 
-// A batch that the column does not show is not changed from it.
+// While the column shows an import's images, it must not change the batch.
 void StudioCommands::selectAll()
 {
     if (!m_parts.batch.showsIncoming())
@@ -476,7 +476,7 @@ void StudioCommands::showTileMenu(int index, QPoint globalPosition)
     auto* menu = new QMenu(m_parts.window);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const QUuid id = m_session.batch().items[index].id;
-    // With the key of the same command; the one in the program's menu is what reacts to it.
+    // Shows the key of the program menu's command, whose action alone reacts to the key.
     const auto add = [&](Icon icon, const QString& command, const QString& text, auto act) {
         QAction* action = menu->addAction(menuIcon(icon), text + u'\t' + m_menu->keyOf(command));
         connect(action, &QAction::triggered, this, act);

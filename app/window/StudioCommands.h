@@ -18,7 +18,7 @@ class TemplatesBinding;
 enum class ShapeKind;
 struct MenuCommand;
 
-// What commands work with; all outlive them.
+// What the commands work with; every part outlives StudioCommands.
 struct CommandParts {
     StudioSession& session;
     AccountSession& account;
@@ -34,7 +34,7 @@ struct CommandParts {
     QWidget* window;
 };
 
-// The commands of the window, whether a menu, a key or a button asks for them.
+// Runs the commands of the window, whether a menu, a key or a button asks for them.
 class StudioCommands : public QObject {
     Q_OBJECT
 public:
@@ -47,7 +47,7 @@ public:
 private:
     void connectButtons();
     void run(const MenuCommand& command);
-    // Speaks of one tile, without losing a selection that the tile is part of.
+    // Selects the tile, unless it is part of the selection, and opens a menu for it.
     void showTileMenu(int index, QPoint globalPosition);
     QList<MenuCommand> table();
     QList<MenuCommand> fileCommands();

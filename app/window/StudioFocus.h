@@ -6,18 +6,18 @@ class StudioShell;
 struct Batch;
 struct KeyHint;
 
-// Where the keyboard is in the window, and what it can do there.
+// Moves the keyboard's focus in the window, and knows the keys that can be used where it is.
 class StudioFocus : public QObject {
     Q_OBJECT
 public:
     StudioFocus(StudioShell* shell, QWidget* window);
 
-    // To the canvas or, without images, to what invites to import them: a hidden canvas would keep
+    // Focuses the canvas or, without images, the buttons to import some: a hidden canvas would keep
     // the focus out of sight.
     void goToCanvas();
-    void goToRegion(int step);    // 1: the next one, -1: the one before
-    // A drag, a number being typed or held, or a colour being chosen ends: it belongs to the layer
-    // that it was begun on.
+    void goToRegion(int step);    // 1: the next part of the window, -1: the previous one
+    // Ends a drag, a number being typed or held and a colour being chosen, before another layer is
+    // selected: the edit belongs to the layer that it was begun on.
     void endEdits();
     QList<KeyHint> hints(const Batch& batch) const;
 

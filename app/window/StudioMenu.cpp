@@ -29,7 +29,8 @@ StudioMenu::StudioMenu(const QList<MenuCommand>& commands, QWidget* window)
     for (qsizetype i = 0; i < m_commands.size(); ++i)
         add(i, window);
     connect(m_menu, &QMenu::aboutToShow, this, &StudioMenu::showState);
-    // What is disabled is so for who looks at the menu; a key always asks anew.
+    // Entries are disabled only while the menu is open: with the menu closed a key always runs its
+    // command, which then says itself what is missing.
     connect(m_menu, &QMenu::aboutToHide, this, &StudioMenu::enableAll);
 }
 
@@ -64,7 +65,7 @@ void StudioMenu::add(qsizetype index, QWidget* window)
         showChecks();
     });
     menu->addAction(action);
-    window->addAction(action);    // its key acts with the menu closed
+    window->addAction(action);    // makes its key work while the menu is closed
     m_actions.append(action);
 }
 

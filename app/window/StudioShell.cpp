@@ -35,10 +35,11 @@ const WidthClass& widthClassOf(int window)
     return *std::prev(next);
 }
 
-// Columns that were dragged wide in a larger window leave this much.
+// The stage keeps this width in a smaller window, even if columns were dragged wide in a larger
+// one.
 constexpr int narrowestStage = 520;
 
-// The ground of the stage, behind the compose bar as well.
+// The background of the stage and of the compose bar above it.
 class Ground : public QWidget {
 public:
     using QWidget::QWidget;

@@ -14,8 +14,7 @@ class StagePanel;
 class StatusLine;
 class ViewBar;
 
-// Places the panels of the main window. What they show and what they ask for is the window's
-// business.
+// Places the panels of the main window, which fills and connects them.
 class StudioShell : public QWidget {
     Q_OBJECT
 public:
@@ -35,13 +34,13 @@ public:
     void setStage(Stage stage);
     bool isStage(Stage stage) const;
 
-    // The widths the user gave the columns; nothing follows the size of the window.
+    // Widths that the user has given the columns, in pixels; none: by the width of the window.
     void setBatchWidth(std::optional<int> width);
     void setPanelWidth(std::optional<int> width);
     void setBatchVisible(bool visible);
     void setPanelVisible(bool visible);
 
-    // Something lies over it: a screen reader finds nothing in it meanwhile.
+    // Hides the panels from screen readers while a sheet or the sign-in gate covers the shell.
     void setCovered(bool covered);
     bool isCovered() const { return m_isCovered; }
 

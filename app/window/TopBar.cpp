@@ -137,7 +137,8 @@ void TopBar::place()
     right = m_accountDivider - topBarGap - m_exports->sizeHint().width();
     put(m_exports, right);
     right -= Space::small;
-    // Centred in the bar as long as that is free, else between its neighbours.
+    // The formats are centred in the bar if nothing else reaches there, else between their
+    // neighbours.
     const int formats = m_formats->sizeHint().width();
     const int middle = (width() - formats) / 2;
     const bool alone = middle > left + topBarGap && middle + formats < right - topBarGap;

@@ -12,7 +12,7 @@ class QMenu;
 class SegmentedControl;
 class UserAccountButton;
 
-// The four formats in the order of the segments.
+// One of the four formats; TopBar takes them in the order of its segments.
 struct FormatChoice {
     QString ratio;     // "4:5"
     QString title;     // "Carrusel / Post vertical"
@@ -27,7 +27,6 @@ public:
 
     void setMenu(QMenu* menu);    // not owned
     void setFormat(int index);    // shows; emits nothing
-    // What the next step back or forth would undo or redo; nothing disables the button.
     void setUndo(bool possible);
     void setRedo(bool possible);
     UserAccountButton* account() const { return m_account; }

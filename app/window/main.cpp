@@ -27,8 +27,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The toolkit and its codecs remark on broken files; a command's output and its progress line stay
-// clean of it.
+// Drops messages of Qt and its codecs about broken files, which would mix with a command's output
+// and its progress line.
 void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
     static const bool wanted = qEnvironmentVariableIsSet("MOLTIVA_DEBUG");
@@ -36,7 +36,7 @@ void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& tex
         std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 
-// Keys as Spanish keyboards print them; the toolkit's catalogue writes "Control+Mayúsculas".
+// Names of keys as Spanish keyboards print them; Qt's catalogue writes "Control+Mayúsculas".
 class KeyNames : public QTranslator {
 public:
     using QTranslator::QTranslator;
@@ -61,11 +61,12 @@ void prepare(QCoreApplication& application)
 {
     QCoreApplication::setApplicationName(programName());
     QCoreApplication::setApplicationVersion(QStringLiteral(MOLTIVA_VERSION));
-    // The toolkit's own dialogs, menus and errors.
+    // Translates Qt's own dialogs, menus and errors.
     auto* translator = new QTranslator(&application);
     if (translator->load(u"qtbase_es"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QCoreApplication::installTranslator(translator);
-    QCoreApplication::installTranslator(new KeyNames(&application));    // asked first
+    QCoreApplication::installTranslator(
+        new KeyNames(&application));    // the last one is asked first
     QLocale::setDefault(QLocale(u"es"_s));
 }
 
@@ -80,7 +81,7 @@ bool hasDisplay()
 #endif
 }
 
-// Before anything of the window exists: a later start should end in no time.
+// Runs before the window's application exists, so that a later start ends at once.
 InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 {
     const QCoreApplication application(argc, argv);
@@ -88,8 +89,8 @@ InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
     return claimInstance(userDataFolder(), toOpen);
 }
 
-// Opens the window, with the photos and folders named on the command line if there are any; of a
-// second start, in the window of the first.
+// Opens the window with the photos and folders that the command line names; for a later start, in
+// the window of the first.
 int runWindow(int& argc, char** argv, const QStringList& arguments,
               const ServiceConfiguration& configuration)
 {
@@ -112,10 +113,10 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
                    stderr);
         return exitSomeFailed;
     }
-    // Released also when the display goes and the toolkit ends the process.
+    // Static, so that it is released even when Qt calls exit() because the display is gone.
     static const std::unique_ptr<SystemLock> lock = std::move(claimed.lock);
     QApplication application(argc, argv);
-    // Workers that still draw when the application is gone would crash.
+    // Waits for the workers: drawing without an application would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
     const SingleInstance instance(userDataFolder());
@@ -153,7 +154,7 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(programName());
     const ServiceConfiguration configuration = takenConfiguration(arguments, configurationFile());
     if (isCommandLine(arguments)) {
-        // The toolkit ends a process that asks for a display and finds none.
+        // Qt ends a process that asks for a display and finds none.
         qputenv("QT_QPA_PLATFORM", "offscreen");
         QGuiApplication application(argc, argv);
         prepare(application);

@@ -13,7 +13,7 @@ constexpr double smallestWidth = 0.16, smallestHeight = 0.06;
 constexpr double smallestLineWidth = 0.08, smallestLineHeight = 0.01;
 constexpr double smallestZoom = 1, largestZoom = 3, zoomPerPixel = 0.01;
 
-// The upper limit where they cross; what is no number counts as too low.
+// Gives `highest` if the limits cross, and `lowest` for NaN.
 double clamp(double value, double lowest, double highest)
 {
     return std::min(value > lowest ? value : lowest, highest);
@@ -28,7 +28,7 @@ void tell(const Callback& callback, const Values&... values)
 
 }    // namespace
 
-// A payment may be recorded at any time, and shows nowhere on the canvas.
+// Ignores payments: they may be recorded during a drag and do not show on the canvas.
 static bool isSameButForPayments(PublicationItem item, const PublicationItem& other)
 {
     item.paidRenderFingerprints = other.paidRenderFingerprints;
@@ -45,7 +45,7 @@ double CanvasInteraction::maximumVisibleOrigin(double)
     return 1 - minimumVisibleLayerFraction;
 }
 
-// A layer may grow well past the far edge of the canvas.
+// Lets a layer grow well past the far edge of the canvas.
 double CanvasInteraction::maximumOverflowSize(double origin)
 {
     return std::max(minimumVisibleLayerFraction, (1 - origin) + maximumVisibleOrigin(0));
@@ -133,7 +133,7 @@ void CanvasInteraction::drag(QPointF point, Qt::KeyboardModifiers modifiers)
     if (!m_gesture || !m_item)
         return;
     startEditingIfNeeded();
-    if (!m_gesture)    // whoever heard of it gave another item
+    if (!m_gesture)    // onEditingBegan set another item
         return;
     const double dx = (point.x() - m_gesture->startPoint.x()) / std::max(m_canvas.width(), 1.0);
     const double dy = (point.y() - m_gesture->startPoint.y()) / std::max(m_canvas.height(), 1.0);
@@ -218,8 +218,8 @@ void CanvasInteraction::apply(const CodableRect& frame, DragTarget target, Publi
         item.shapeLayers[target.index].frame = frame;
 }
 
-// The gesture is over before anyone hears of it: what a callback shows then is not taken for an
-// interruption.
+// m_gesture is reset before the callbacks run, so that an item set by one of them does not count as
+// an interruption.
 void CanvasInteraction::release()
 {
     const bool hadGesture = m_gesture.has_value();
@@ -272,7 +272,7 @@ void CanvasInteraction::commit()
 {
     if (!m_item)
         return;
-    const PublicationItem edited = *m_item;    // showing it again may replace ours
+    const PublicationItem edited = *m_item;    // onCommit may replace m_item
     tell(onCommit, edited);
 }
 
@@ -344,7 +344,7 @@ bool CanvasInteraction::isShapeLine(DragTarget target) const
            m_item->shapeLayers[target.index].kind == ShapeKind::line;
 }
 
-// Topmost first: all texts lie above all shapes.
+// Searches from the top: all texts lie above all shapes.
 std::optional<DragTarget> CanvasInteraction::layerAt(QPointF point) const
 {
     for (qsizetype i = m_item->layers.size() - 1; i >= 0; --i) {

@@ -14,75 +14,78 @@ enum class DragMode { move, resize, panImage };
 
 enum class LayerKind { text, shape };
 
-// A layer of the item that a gesture acts on.
+// The layer that a gesture edits.
 struct DragTarget {
     LayerKind kind = LayerKind::text;
     qsizetype index = 0;    // into `layers` or `shapeLayers`
 };
 
-// The centre lines that a layer has snapped to.
+// The centre lines of the canvas that a layer has snapped to.
 struct SnapGuides {
     bool vertical = false, horizontal = false;
     bool operator==(const SnapGuides&) const = default;
 };
 
-// What lies under the pointer.
+// The part of the canvas under the pointer.
 struct CanvasHit {
     enum class Part { nothing, photo, layer, handle };
     Part part = Part::nothing;
-    QUuid layer;    // of a layer or its handle
+    QUuid layer;    // for Part::layer and Part::handle
     bool operator==(const CanvasHit&) const = default;
 };
 
-// The gestures on a canvas: turns presses, drags and keys into edits of a working copy of the item,
-// and hands every finished change to its callbacks. Points are in logical pixels from the canvas'
-// top left corner, y downwards; a callback may give the canvas another item.
+// The gestures on a canvas. Turns presses, drags and keys into edits of a working copy of the item,
+// and passes every finished change to the callbacks, which may in turn set another item. Points are
+// in logical pixels from the canvas' top left corner, y downwards.
 class CanvasInteraction {
 public:
-    // After every finished change, with the item as edited.
+    // Called after every finished change, with the edited item.
     std::function<void(const PublicationItem&)> onCommit;
-    std::function<void(QUuid)> onSelect;    // null: nothing is selected any more
+    std::function<void(QUuid)> onSelect;    // null: the selection was cleared
     std::function<void()> onPrevious, onNext;
-    std::function<void()> onEditingBegan;    // at the first movement of a drag
-    std::function<void()> onEditingEnded;    // once for each onEditingBegan
+    std::function<void()> onEditingBegan;    // called at the first movement of a drag
+    std::function<void()> onEditingEnded;    // called once for each onEditingBegan
 
-    // The part of the canvas, of its width or height, that a layer keeps on the canvas.
+    // The share of the canvas' width or height that every layer keeps inside the canvas.
     static constexpr double minimumVisibleLayerFraction = 0.08;
+    // Logical pixels.
     static constexpr double resizeHandleSide = 26;
 
     void setFormat(SocialFormat format) { m_format = format; }
     void setCanvasSize(QSizeF size) { m_canvas = size; }
     QSizeF canvasSize() const { return m_canvas; }
 
-    // Shows an item. During a drag one that is still as the drag found it changes nothing; any
-    // other ends the drag without a commit.
+    // Shows an item. During a drag, an item equal to the one at its start is ignored; any other
+    // ends the drag without a commit.
     void setItem(const std::optional<PublicationItem>& item);
     const std::optional<PublicationItem>& item() const { return m_item; }
     void setSelectedLayerID(QUuid id) { m_selectedLayerID = id; }
     QUuid selectedLayerID() const { return m_selectedLayerID; }
-    // The one to mark as selected: a press marks at once what is reported on release.
+    // The layer to mark as selected. A press marks a layer at once, but onSelect runs on release.
     QUuid markedLayerID() const { return m_pendingSelection.value_or(m_selectedLayerID); }
 
     std::optional<DragMode> dragMode() const;
     bool isDraggingLayer() const { return m_gesture && m_gesture->target; }
     SnapGuides activeSnapGuides() const { return m_activeSnapGuides; }
-    // The layer that the last gesture moved; null for the photo, and where nothing was left moved.
-    // Of use while onEditingEnded runs.
+    // The layer that the last gesture moved; null for the photo, and for a gesture that was
+    // cancelled or interrupted. Read it in onEditingEnded.
     QUuid movedLayer() const { return m_movedLayer; }
 
-    // False when there is no item.
+    // Starts a gesture. False when there is no item.
     bool press(QPointF point);
     void drag(QPointF point, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void release();
-    // Puts the item back to how the gesture found it.
+    // Restores the item as it was at the start of the gesture.
     void cancel();
-    // `amount`: the wheel's pixels, up is positive. True when it was for the canvas.
+    // Zooms the photo. `amount`: the wheel's pixels, up is positive. False when the canvas does not
+    // use the wheel.
     bool scroll(double amount);
+    // Hides a selected text layer; removes a selected shape.
     void hideSelectedLayer();
-    void select(QUuid layer);    // null: nothing
+    void select(QUuid layer);    // null: select nothing
 
     CanvasHit hitTest(QPointF point) const;
-    // The layer's frame as shown; nothing for one that is hidden or not there.
+    // The frame on the shown canvas; nothing for a hidden or missing layer.
     std::optional<QRectF> layerRect(QUuid layer) const;
     QRectF absoluteRect(const CodableRect& frame) const;
     static QRectF resizeHandleRect(const QRectF& layerRect);
@@ -94,7 +97,7 @@ public:
 private:
     struct Gesture {
         DragMode mode = DragMode::panImage;
-        std::optional<DragTarget> target;    // none: the photo
+        std::optional<DragTarget> target;    // none: the photo is panned
         CodableRect startFrame;
         QPointF startPoint;
         ImagePlacement startPlacement;
@@ -125,9 +128,9 @@ private:
     std::optional<PublicationItem> m_item;
     QUuid m_selectedLayerID;
     SocialFormat m_format = SocialFormat::carouselPortrait;
-    QSizeF m_canvas;    // as it is shown
+    QSizeF m_canvas;    // size in logical pixels
     std::optional<Gesture> m_gesture;
     SnapGuides m_activeSnapGuides;
-    std::optional<QUuid> m_pendingSelection;    // told on release
+    std::optional<QUuid> m_pendingSelection;    // onSelect gets it on release
     QUuid m_movedLayer;
 };

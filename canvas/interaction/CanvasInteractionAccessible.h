@@ -1,4 +1,5 @@
 #pragma once
 
-// A canvas has one child a layer, topmost first, for screen readers. Before the first one is made.
+// Gives screen readers one child of a canvas per layer, topmost first. Call before the first
+// CanvasInteractionView is created.
 void makeCanvasesAccessible();

@@ -16,14 +16,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A photo that is being moved is resampled when it has rested so long, in ms.
+// Milliseconds without movement after which a moved photo is resampled.
 constexpr int restTime = 60;
 // Fractions of a story's height that the network's own buttons may cover.
 constexpr double safeZoneTop = 250.0 / 1920, safeZoneBottom = 340.0 / 1920;
-// Logical pixels beyond which nothing of a frame can be seen.
+// Logical pixels; further away nothing of a frame can be seen.
 constexpr double farAway = 1e6;
 
-// One notch of a plain wheel is 120 angle units and counts as 10 pixels.
+// Pixels scrolled, up is positive. One notch of a plain wheel is 120 angle units and counts as 10
+// pixels.
 double scrolledPixels(const QWheelEvent* event)
 {
     const QPointF delta = event->pixelDelta().isNull() ? QPointF(event->angleDelta()) / 12.0
@@ -52,7 +53,7 @@ void CanvasInteractionView::setCanvasRect(const QRect& canvas, QSize pixels)
 
 void CanvasInteractionView::setItem(const std::optional<PublicationItem>& item, SocialFormat format)
 {
-    // A drag means nothing on a canvas of another shape.
+    // Another format has another canvas shape: a drag on the old one ends.
     if (std::exchange(m_format, format) != format)
         m_interaction.setItem(std::nullopt);
     m_interaction.setFormat(format);
@@ -105,7 +106,7 @@ bool CanvasInteractionView::isSettled() const
     return !m_resampling && !m_rest.isActive() && !m_picture.wantedPlace();
 }
 
-// Brings the screen up to date with the item as it is now.
+// Updates the picture, marks and cursor to the item of m_interaction.
 void CanvasInteractionView::refresh()
 {
     updatePicture(m_picture.setItem(m_interaction.item(), m_format));
@@ -121,7 +122,8 @@ void CanvasInteractionView::updatePicture(const QRect& pixels)
     const double ratio = devicePixelRatioF();
     const QRectF logical(pixels.x() / ratio, pixels.y() / ratio, pixels.width() / ratio,
                          pixels.height() / ratio);
-    // One more around: with a ratio such as 1.25 the picture may begin inside a logical pixel.
+    // One pixel more on each side: at a ratio such as 1.25 the picture may begin inside a logical
+    // pixel.
     update(logical.toAlignedRect().translated(m_canvas.topLeft()).adjusted(-1, -1, 1, 1));
 }
 
@@ -213,7 +215,7 @@ void CanvasInteractionView::requestResampling(int delay)
     }
     if (delay > 0 && wanted == m_wanted)
         return;
-    // What is shown for the first time need not rest.
+    // The first photo is resampled without a delay.
     const bool moves = m_wanted || m_resamplings > 0;
     m_wanted = wanted;
     m_rest.start(moves ? delay : 0);
@@ -222,7 +224,7 @@ void CanvasInteractionView::requestResampling(int delay)
 void CanvasInteractionView::startResampling()
 {
     const auto place = m_picture.wantedPlace();
-    if (!place || m_resampling)    // the one under way starts the next
+    if (!place || m_resampling)    // resample() starts the next when it ends
         return;
     m_resampling = true;
     ++m_resamplings;
@@ -298,7 +300,7 @@ void CanvasInteractionView::focusOutEvent(QFocusEvent*)
         update();
 }
 
-// The release of a drag does not reach what is hidden.
+// Cancels a drag: a hidden widget does not get the mouse release.
 void CanvasInteractionView::hideEvent(QHideEvent*)
 {
     m_interaction.cancel();
@@ -327,7 +329,7 @@ void CanvasInteractionView::mouseMoveEvent(QMouseEvent* event)
         if (event->buttons() & Qt::LeftButton)
             m_interaction.drag(point, event->modifiers());
         else
-            m_interaction.release();    // it happened where we did not hear of it
+            m_interaction.release();    // the button was released where no event reached the view
         return refresh();
     }
     updateMarks();
@@ -372,7 +374,7 @@ void CanvasInteractionView::keyPressEvent(QKeyEvent* event)
     const QUuid selected = m_interaction.selectedLayerID();
     const bool closes = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
                         event->key() == Qt::Key_Escape;
-    // One that closed a dialog may still be held.
+    // A key that closed a dialog may still be held down.
     if (closes && event->isAutoRepeat())
         return event->ignore();
     switch (plain ? event->key() : 0) {

@@ -9,50 +9,52 @@
 #include <QTimer>
 #include <QWidget>
 
-// The surface on which the current item is seen and edited. It covers the canvas and the room
-// around it, where handles may reach; what lies below shows through there.
+// The widget that shows the current item for editing. It covers the canvas and a margin around it,
+// which handles may reach into and through which the widgets below stay visible.
 class CanvasInteractionView : public QWidget {
     Q_OBJECT
 public:
     explicit CanvasInteractionView(QWidget* parent = nullptr);
 
-    // Its callbacks are for whoever applies the edits.
+    // Set its callbacks to receive the edits.
     CanvasInteraction& interaction() { return m_interaction; }
     const CanvasInteraction& interaction() const { return m_interaction; }
 
-    // Where the canvas lies, in logical pixels of the view, and how many of the screen it holds.
+    // `canvas`: its place in logical pixels of the view; `pixels`: its size in screen pixels.
     void setCanvasRect(const QRect& canvas, QSize pixels);
     QRect canvasRect() const { return m_canvas; }
 
     void setItem(const std::optional<PublicationItem>& item, SocialFormat format);
     void setSelectedLayerID(QUuid id);
-    // The photo of the item that was set last, decoded at any level.
+    // Sets the decoded photo, at any level, of the item set last.
     void setPhoto(const QImage& photo);
-    // Bands over what a story may lose; shown for that format only.
+    // Shows bands over the parts of a story that the network's buttons may cover; other formats
+    // have none.
     void setSafeZone(bool shown);
-    // Of frames and guides; the highlight of the palette until one is set.
+    // Sets the colour of frames and guides; by default the palette's highlight.
     void setLineColor(const QColor& color);
 
-    // The picture on the canvas in pixels of the screen, without anything that is only shown.
+    // The picture on the canvas in screen pixels, without frames, guides and bands.
     const QImage& canvasBuffer() { return m_picture.image(); }
-    // The photo in it is as sharp as it can be.
+    // Whether the photo in canvasBuffer() is as sharp as it can be.
     bool isSettled() const;
-    // How often the photo was resampled.
+    // Number of times the photo was resampled.
     int resamplings() const { return m_resamplings; }
 
-    // What a screen reader finds on the canvas, topmost first; hidden texts included.
+    // The layers that a screen reader finds, topmost first; hidden texts included.
     QList<QUuid> layers() const;
     QString accessibleText(QUuid layer) const;
     QRect screenRect(QUuid layer) const;    // empty when hidden
     void selectLayer(QUuid layer);
-    // As the key does.
+    // Hides the selected layer as the Delete key does.
     void hideSelectedLayer();
 
     QSize sizeHint() const override { return {640, 640}; }
 
 Q_SIGNALS:
     void editRequested(QUuid text);
-    // Around the callbacks of hiding or removing a layer, which are one operation.
+    // Emitted before and after the callbacks that hide or remove a layer, so that all of them count
+    // as one operation.
     void hidingBegan();
     void hidingEnded();
 
@@ -71,7 +73,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    // What is drawn over the picture.
+    // The marks drawn over the picture.
     struct Marks {
         QUuid selected, hovered;
         QRectF selection, hover;    // logical pixels from the canvas' corner
@@ -100,12 +102,12 @@ private:
     QRect m_canvas;
     QColor m_lineColor;
     bool m_safeZone = false;
-    bool m_ring = false;                 // the keyboard gave the focus
-    std::optional<QPointF> m_pointer;    // where it hovers or drags
+    bool m_ring = false;                 // drawn when the focus came by keyboard
+    std::optional<QPointF> m_pointer;    // last position over the view, from the canvas' corner
     Marks m_marks;
-    QUuid m_toldSelection;    // to a screen reader
+    QUuid m_toldSelection;    // the selection last reported to screen readers
     std::optional<PhotoPlace> m_wanted;
-    QTimer m_rest;    // until the photo is resampled
+    QTimer m_rest;    // runs until the photo is resampled
     bool m_resampling = false;
     int m_resamplings = 0;
 };

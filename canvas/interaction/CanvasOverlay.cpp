@@ -17,7 +17,7 @@ constexpr double guideOpacity = 0.95, guideDash = 8, guideGap = 6;
 constexpr double hatchStep = 12, zoneDash = 4, zoneGap = 3;
 constexpr double ringGap = 2, ringWidth = 2;
 constexpr double labelLeft = 10, labelGap = 9, labelHeight = 18, labelPadding = 6;
-// Further out, in pixels, nothing can be seen; a frame from a file may hold any number.
+// Screen pixels; nothing further out can be seen. A frame from a file may hold any number.
 constexpr double farthestDrawn = 30000;
 
 QFont labelFont(QFont::Weight weight, int pixels)
@@ -35,7 +35,7 @@ QColor withOpacity(QColor color, double opacity)
     return color;
 }
 
-// A tile of diagonal lines that meet those of its neighbours.
+// A tile of diagonal lines that continue in the neighbouring tiles.
 QPixmap hatch(int side, int width)
 {
     QPixmap tile(side, side);
@@ -54,7 +54,7 @@ CanvasOverlay::CanvasOverlay(QPainter& painter, const QRect& canvas, QSize pixel
     : m_painter(painter), m_ratio(painter.device()->devicePixelRatioF())
 {
     const QTransform toDevice = painter.deviceTransform();
-    // With a ratio such as 1.25 a widget may begin inside a pixel.
+    // At a ratio such as 1.25 a widget may begin inside a screen pixel.
     const QPointF corner = toDevice.map(QPointF(canvas.topLeft()));
     m_canvas = QRect(QPoint(int(std::lround(corner.x())), int(std::lround(corner.y()))), pixels);
     m_painter.save();
@@ -78,7 +78,8 @@ int CanvasOverlay::screenPixels(double logical) const
     return std::max(1, int(std::lround(logical * m_ratio)));
 }
 
-// A band along the edges of `rect`, so wide to both sides of them.
+// Fills a band along the edges of `rect`; `inside` and `outside` are its widths on either side of
+// them.
 void CanvasOverlay::fillRing(const QRect& rect, int inside, int outside, const QColor& color)
 {
     const QRect outer = rect.adjusted(-outside, -outside, outside, outside);
@@ -117,9 +118,9 @@ void CanvasOverlay::drawTag(const QRect& frame, const QString& name, const QColo
     const int lowest = m_canvas.bottom() + 1 - height;
     const int rightmost = m_canvas.right() + 1 - width;
     int top = frame.top() - gap - height;
-    if (top < m_canvas.top())    // no room above: below, clear of the text
+    if (top < m_canvas.top())    // no room above: placed below, off the text
         top = frame.bottom() + 1 + gap;
-    if (top > lowest)    // nor there
+    if (top > lowest)    // no room below: placed inside the frame
         top = std::max(frame.top(), m_canvas.top()) + gap;
     const QRect box(std::max(std::min(frame.left(), rightmost), m_canvas.left()),
                     std::max(std::min(top, lowest), m_canvas.top()), width, height);
@@ -162,7 +163,7 @@ void CanvasOverlay::drawResizeHandle(const QRectF& handle)
     m_painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
-// `line` is filled along its longer side.
+// Fills dashes along the longer side of `line`.
 void CanvasOverlay::fillDashes(const QRect& line, double dash, double gap, const QColor& color)
 {
     const bool upright = line.height() > line.width();
@@ -239,7 +240,7 @@ void CanvasOverlay::drawLabel(const QRect& box, const QString& text, Qt::Alignme
 
 QRectF CanvasOverlay::selectionExtent(const QRectF& layer, const QSizeF& canvas)
 {
-    // The handle reaches furthest; the tag may be pushed back onto the canvas.
+    // The handle reaches furthest out. The tag may be pushed back onto the canvas.
     const double reach = CanvasInteraction::resizeHandleSide / 2 + 2;
     const QRectF frame = layer.normalized().adjusted(-reach, -reach, reach, reach);
     const double tagLeft = std::clamp(layer.left(), 0.0, std::max(canvas.width() - widestTag, 0.0));
@@ -250,6 +251,6 @@ QRectF CanvasOverlay::selectionExtent(const QRectF& layer, const QSizeF& canvas)
     };
     const double above = layer.top() - tagGap - tagHeight;
     const QRectF extent = frame.united(tagAt(above));
-    // Near the upper edge the tag stands below.
+    // With no room above, drawTag() puts the tag below.
     return above > tagGap ? extent : extent.united(tagAt(layer.bottom() + tagGap));
 }

@@ -6,31 +6,30 @@
 #include <QPainter>
 #include <QRect>
 
-// What lies over the picture on screen and is never exported: frames, handle, guides, safe zone.
-// Sizes are logical pixels, drawn on whole pixels of the screen so that lines stay crisp at any
-// ratio.
+// Draws what is on screen over the picture and never exported: frames, handle, guides, safe zone.
+// Sizes are logical pixels, rounded to whole screen pixels so that lines stay crisp at any ratio.
 class CanvasOverlay {
 public:
-    // `canvas`: the rectangle of the picture in the painter's logical pixels, which holds `pixels`
-    // of the screen.
+    // `canvas`: the rectangle of the picture in the painter's logical pixels; `pixels`: its size in
+    // screen pixels.
     CanvasOverlay(QPainter& painter, const QRect& canvas, QSize pixels);
     ~CanvasOverlay() { m_painter.restore(); }
     Q_DISABLE_COPY_MOVE(CanvasOverlay)
 
-    // Where the picture goes, in pixels of the screen.
+    // The rectangle of the picture, in screen pixels.
     QRect picture() const { return m_canvas; }
 
-    // Rectangles in logical pixels from the canvas' corner.
+    // Rectangles are in logical pixels from the canvas' corner.
     void drawSelection(const QRectF& layer, const QString& name, const QColor& line,
                        const QColor& tag);
     void drawHover(const QRectF& layer, const QColor& line);
     void drawResizeHandle(const QRectF& handle);
     void drawSnapGuides(SnapGuides guides, const QColor& line);
     void drawFocusRing(const QColor& line);
-    // Bands in fractions of the height.
+    // `top`, `bottom`: heights of the bands, in fractions of the canvas' height.
     void drawSafeZone(double top, double bottom);
 
-    // What a selection with this frame may paint at most, in logical pixels.
+    // The logical pixels that drawSelection() and drawResizeHandle() may touch at most.
     static QRectF selectionExtent(const QRectF& layer, const QSizeF& canvas);
 
 private:
@@ -43,5 +42,5 @@ private:
 
     QPainter& m_painter;
     double m_ratio;
-    QRect m_canvas;    // pixels of the screen
+    QRect m_canvas;    // screen pixels
 };

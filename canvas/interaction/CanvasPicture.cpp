@@ -25,7 +25,7 @@ QRect CanvasPicture::setItem(const std::optional<PublicationItem>& item, SocialF
 {
     const ItemLayout before = m_layout;
     m_layout = item ? layOut(*item, exportSize(format), designSize(format), before) : ItemLayout();
-    // Another photo's pixels are not shown under this item, not even for a moment.
+    // The photo of the former item must not appear under this one, not even for a moment.
     if (const PhotoHandle handle = item ? item->image : PhotoHandle(); handle != m_handle) {
         m_handle = handle;
         m_photo = QImage();
@@ -105,7 +105,8 @@ const ResampledPhoto& CanvasPicture::shownPhoto()
     return m_quick;
 }
 
-// Kept as a picture of its own: stretched again for a part, its pixels would not meet the others.
+// Draws the whole shown part into one image: the photo stretched again for each stale part would
+// not match at the seams.
 ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
 {
     ResampledPhoto quick{m_photo.cacheKey(), place,
@@ -115,8 +116,7 @@ ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
     if (m_photo.hasAlphaChannel())
         quick.image.fill(Qt::transparent);
     const PixelRect& whole = place.whole;
-    // The painter's steps through the photo have fixed points, too coarse for one stretched
-    // further.
+    // QPainter steps through an image with fixed-point numbers, too coarse for a larger one.
     constexpr qint64 furthest = 100'000'000;
     if (std::max(whole.width, whole.height) > furthest)
         return resampledPhoto(m_photo, place);
@@ -125,8 +125,8 @@ ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.translate(-place.shown.topLeft());
     QRegion missing = place.shown;
-    // A photo that only moves keeps the pixels it has, and what comes into view is added; rounding
-    // may make it a pixel larger or smaller on its way.
+    // A photo that only moves keeps its exact pixels, and only the part that comes into view is
+    // drawn. Rounding may change its size by a pixel on the way.
     const PixelRect& before = m_exact.place.whole;
     if (m_exact.source == m_photo.cacheKey() && !m_exact.image.isNull() &&
         std::abs(whole.width - before.width) <= 1 && std::abs(whole.height - before.height) <= 1) {

@@ -3,25 +3,25 @@
 #include "canvas/ItemPainter.h"
 #include "model/SocialFormat.h"
 
-// The picture of an item in the pixels of the screen, as the export paints it. Knows what an edit
-// changed and paints that part again, once, when it is asked for.
+// The picture of an item in screen pixels, painted as for an export. Keeps track of the part that
+// edits change and repaints only that, in the next image().
 class CanvasPicture {
 public:
-    // Each of these returns what changes, in pixels of the picture.
+    // The setters return the part that changes, in pixels of the picture.
     QRect setItem(const std::optional<PublicationItem>& item, SocialFormat format);
     QRect setPixels(QSize pixels);
-    // Decoded at any level; null for none. What is shown stays until this one is resampled, if it
-    // lies at the same place.
+    // Sets the photo, decoded at any level; null for none. A resampled photo at the same place
+    // stays on the picture until the new one is resampled.
     QRect setPhoto(const QImage& photo);
 
-    // The place for which the photo has to be resampled; nothing when that is done. Until then a
-    // quick drawing of it is shown.
+    // The place for which the photo must be resampled; nothing when that is done. Until then a
+    // quick drawing of the photo is shown.
     std::optional<PhotoPlace> wantedPlace() const;
     const QImage& photo() const { return m_photo; }
     QRect setResampled(const ResampledPhoto& photo);
 
     QSize pixels() const { return m_pixels; }
-    // Empty without an item or a size.
+    // Null without an item or a size.
     const QImage& image();
 
 private:
@@ -33,10 +33,10 @@ private:
     std::optional<PhotoPlace> place() const { return photoPlace(m_layout, m_pixels); }
 
     ItemLayout m_layout;
-    PhotoHandle m_handle;    // of the item's photo
+    PhotoHandle m_handle;    // the item's photo
     QSize m_pixels;
     QImage m_photo;
-    ResampledPhoto m_exact, m_quick;    // for the last place of each
+    ResampledPhoto m_exact, m_quick;    // each for the place it was made for last
     QImage m_image;
     QRect m_stale;
 };

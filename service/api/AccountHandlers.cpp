@@ -34,7 +34,7 @@ QByteArray cookieHeader(const QByteArray& token, qint64 seconds)
            "; Path=/; HttpOnly; SameSite=Lax; Max-Age=" + QByteArray::number(seconds);
 }
 
-// Commits. The session that the browser or program had before ends, for its cookie is replaced.
+// Opens a session and commits. The client's earlier session ends, because its cookie is replaced.
 ServiceReply signedInReply(Visit& visit, Transaction& transaction, const Account& account)
 {
     endSession(transaction, visit.request.cookies.value(sessionCookie));
@@ -99,7 +99,7 @@ ServiceReply registerAccount(Visit& visit)
     return signedInReply(visit, transaction, account);
 }
 
-// Also without a session: who signs out wants to be out.
+// Needs no session: signing out must succeed also when the session has ended.
 ServiceReply signOut(Visit& visit)
 {
     Transaction transaction(visit.service.database());
@@ -152,7 +152,7 @@ ServiceReply changePassword(Visit& visit)
     return okReply();
 }
 
-// The answer never tells whether there is such an account.
+// The reply never tells whether the address has an account.
 ServiceReply requestPasswordReset(Visit& visit)
 {
     Service& service = visit.service;
@@ -166,7 +166,8 @@ ServiceReply requestPasswordReset(Visit& visit)
     Transaction transaction(service.database());
     const QByteArray token = givePass(transaction, PassPurpose::passwordReset, account->id, {},
                                       {service.now(), resetLife});
-    // A link without its mail would be open for an hour: it is kept only when the mail is.
+    // The pass is committed only once its mail is stored: without the mail it would stay valid for
+    // an hour, of use to nobody.
     if (!storeMail(service.folder(u"correo"_s), account->email, u"Crea una nueva contraseña"_s,
                    u"Hola:\n\nAlguien ha pedido una nueva contraseña para la cuenta %1.\n"
                    "Abre este enlace durante la próxima hora para crear una nueva contraseña:\n\n"

@@ -22,8 +22,8 @@ std::optional<SocialFormat> knownFormat(const QString& name)
     return byTitle ? byTitle : fromTemplateKey(name);
 }
 
-// Of a text that was read as JSON already. A record drops what does not read in a list; an image
-// that is dropped would be missing in the post without a word.
+// Counts the objects in valid JSON. Reading a record silently drops entries of a list that do not
+// parse, so the count shows whether an image was dropped, which the post would lack without a word.
 int objectsIn(QByteArrayView json)
 {
     int count = 0;
@@ -39,7 +39,8 @@ int objectsIn(QByteArrayView json)
     return count;
 }
 
-// The reply of before, when there was one. Throws Refusal.
+// The reply stored for this request, if it was answered before. Throws Refusal when its credits are
+// not reserved.
 std::optional<QByteArray> madeBefore(Visit& visit, const QString& requestId)
 {
     Transaction transaction(visit.service.database());
@@ -61,8 +62,8 @@ ServiceReply showCopyConfig(Visit& visit)
     return wireReply(config);
 }
 
-// Credits can be given back also after this: a client whose answer was lost on the way does not
-// know whether there was one, and must not pay for what it never saw.
+// Leaves the reserved credits refundable: a client whose reply was lost on the way does not know
+// whether there was one, and must not pay for texts it never saw.
 ServiceReply generateCopy(Visit& visit)
 {
     Service& service = visit.service;
@@ -78,7 +79,7 @@ ServiceReply generateCopy(Visit& visit)
     const PreparedCopyOrder order =
         preparedCopyOrder(service.copyProvider(), {given.objective, *format, given.mimeType,
                                                    std::exchange(given.imageBase64, {})});
-    visit.request.letGo();    // others would wait for the provider as well
+    visit.request.letGo();    // or requests waiting for this memory would wait for the provider
     const GeneratedCopy copy = forwardCopyOrder(order, service.isEnding());
     const QByteArray reply = toWire(SocialCopyGenerateResponse{.ok = true, .copy = copy});
     Transaction transaction(service.database());

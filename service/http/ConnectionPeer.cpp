@@ -18,7 +18,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// An address of version 4 may be written as one of version 6; here it never is.
+// One end of a connection. endOf() turns an IPv4 address that is written as IPv6 (::ffff:127.0.0.1)
+// into plain IPv4.
 struct End {
     QHostAddress address;
     quint16 port = 0;
@@ -44,7 +45,7 @@ End endOf(int socket, NameOf nameOf)
     return end;
 }
 
-// Of a program's socket; one that its program has left has none.
+// The user of a socket; nothing for an inode of 0, which means that the program has closed it.
 std::optional<uint> ownerIfHeld(uint user, quint64 inode)
 {
     return inode != 0 ? std::optional(user) : std::nullopt;
@@ -60,8 +61,8 @@ void setAddress(__be32 (&words)[4], const End& end)
     }
 }
 
-// Asks the system for the one socket that is bound to `theirs` and connected to `ours`, which takes
-// as long however many there are.
+// Asks the kernel for the user of the socket that is bound to `theirs` and connected to `ours`.
+// Takes equally long however many sockets there are.
 std::optional<uint> askedOwner(const End& theirs, const End& ours)
 {
     struct {
@@ -94,14 +95,15 @@ std::optional<uint> askedOwner(const End& theirs, const End& ours)
                             ::recv(system, &answer, sizeof(answer), MSG_DONTWAIT) >=
                                 ssize_t(sizeof(answer.head) + sizeof(answer.found));
     ::close(system);
-    // Without such a connection it finds who listens at their port.
+    // Without such a connection the kernel answers with the socket that listens at the port of
+    // `theirs`.
     if (!isAnswered || answer.head.nlmsg_type != SOCK_DIAG_BY_FAMILY ||
         answer.found.id.idiag_dport != wanted.idiag_dport)
         return std::nullopt;
     return ownerIfHeld(answer.found.idiag_uid, answer.found.idiag_inode);
 }
 
-// As the system's table writes them: words of the machine's byte order in hexadecimal.
+// Writes an end as /proc/net/tcp does: 32-bit words in the machine's byte order, in hexadecimal.
 QByteArray written(const End& end, bool asVersion6)
 {
     __be32 words[4]{};
@@ -115,7 +117,7 @@ QByteArray written(const End& end, bool asVersion6)
     return text + ':' + QByteArray::number(end.port, 16).rightJustified(4, '0').toUpper();
 }
 
-// Reads the system's table, all of it in the worst case.
+// Searches /proc/net/tcp or /proc/net/tcp6 for the user; reads all of it in the worst case.
 std::optional<uint> readOwner(bool ofVersion6, const End& theirs, const End& ours)
 {
     constexpr int userColumn = 7, inodeColumn = 9;
@@ -141,7 +143,7 @@ ConnectionPeer peerOf(int socket)
     const End theirs = endOf(socket, &::getpeername), ours = endOf(socket, &::getsockname);
     const bool isLoopback = theirs.address.isLoopback();
     auto user = askedOwner(theirs, ours);
-    // Not every system answers such questions.
+    // Some kernels do not answer askedOwner(); /proc names the user, too.
     if (!user && isLoopback && theirs.isVersion4())
         user = readOwner(false, theirs, ours);
     if (!user && isLoopback)

@@ -2,14 +2,15 @@
 
 #include <QString>
 
-// Who is at the other end of a connection.
+// The program at the other end of a connection, as far as the system knows it.
 struct ConnectionPeer {
-    // The program's user, on this machine; else the address. What is counted by who does it is
-    // counted by this: one user has many addresses on the machine's own network.
+    // "user 1000" for a program of this machine, "loopback" when its user is unknown, else the
+    // address. Limits per source are counted by it; the address alone would not do, since one user
+    // has many addresses on loopback.
     QString source;
-    bool isOwnUser = false;    // on this machine, the user that we run as
+    bool isOwnUser = false;    // runs on this machine, as the user that the service runs as
 };
 
-// Of a connected TCP socket. Whom the system does not know is nobody's program: `isOwnUser` is
-// never guessed.
+// Describes the other end of the connected TCP `socket`. `isOwnUser` is never guessed: it stays
+// false when the system does not know the owner.
 ConnectionPeer peerOf(int socket);

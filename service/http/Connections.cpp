@@ -5,6 +5,7 @@
 
 namespace {
 
+// In connections. From mostAtEase on, one that is not busy is ended for each new one.
 constexpr int mostAtEase = 192, mostOfOneSource = 64;
 
 }    // namespace
@@ -70,7 +71,7 @@ void Connections::makeRoom()
     const auto counts = [](const auto& entry) { return !entry.second.isEnded; };
     if (std::ranges::count_if(m_all, counts) < mostAtEase)
         return;
-    // An answer under way is never cut off.
+    // Busy connections are not ended here: their answers are under way.
     const auto rank = [](const auto& entry) {
         const Connection& one = entry.second;
         return std::tuple(one.isEnded || one.state == State::busy, one.state, one.since);

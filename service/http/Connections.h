@@ -11,20 +11,22 @@
 
 #include <sys/socket.h>
 
-// Which sockets are open and what they are at, to end them: all when the service ends, and the one
-// that has been waited for the longest when there are many.
+// The open sockets of the server and what each is doing, so that they can be ended: all of them
+// when the service ends; one that is not busy when there are too many.
 class Connections {
 public:
     enum class State {
-        waiting,      // idle, or in the head of a request
-        receiving,    // the body
+        waiting,      // idle, or the head of a request is being read
+        receiving,    // the body of a request is being read
         busy,
     };
 
-    // Whether there is room. Another user or machine may only have some.
+    // Returns false, and adds nothing, when the peer is not our own user and has its share of
+    // connections already. Ends a connection that is not busy when there are too many.
     bool add(int socket, const ConnectionPeer& peer);
     void remove(int socket);
-    // Whether it is still open; else nothing may be done any more for who could not hear of it.
+    // Returns whether `socket` is still open. If it has been ended, the request must not be carried
+    // out: the client could not receive the answer.
     bool setState(int socket, State state);
 
     void endWaiting();
@@ -34,7 +36,7 @@ public:
 private:
     struct Connection {
         QString source;
-        quint64 since = 0;    // counts changes
+        quint64 since = 0;    // the value of `m_changes` when `state` was set
         State state = State::waiting;
         bool isEnded = false;
     };

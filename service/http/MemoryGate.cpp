@@ -17,7 +17,7 @@ bool MemoryGate::Pass::grow(qint64 bytes)
         return m_gate.m_used + bytes <= m_gate.m_budget ||
                (isFirst && m_gate.m_used - m_bytes <= m_gate.m_budget);
     };
-    // In short steps: nobody tells the gate that the service ends.
+    // Waits in short steps: nothing notifies `m_changed` when `m_isEnding` becomes true.
     for (const auto end = Clock::now() + m_gate.m_patience; !mayGrow();) {
         if (m_gate.m_isEnding || Clock::now() >= end)
             return false;

@@ -9,17 +9,18 @@
 #include <optional>
 #include <set>
 
-// Counts the memory of what is under way, which goes on while the sum stays within the budget. The
-// first of those that still grow may go beyond it: else each could hold what the others wait for.
+// Shares out a budget of memory among passes: a pass gets its bytes while the sum stays within the
+// budget. The oldest pass that is still growing may exceed it; otherwise all could wait for memory
+// that the others hold.
 class MemoryGate {
 public:
-    // Nobody waits longer than `patience`, nor once `isEnding`.
+    // grow() gives up after `patience`, and as soon as `isEnding` is true.
     MemoryGate(qint64 budget, std::chrono::milliseconds patience, const std::atomic_bool& isEnding)
         : m_budget(budget), m_patience(patience), m_isEnding(isEnding)
     {
     }
 
-    // Holds its bytes until it goes; the gate must outlive it.
+    // A share of the memory, given back by the destructor. The gate must outlive it.
     class Pass {
     public:
         explicit Pass(MemoryGate& gate) : m_gate(gate) {}
@@ -27,13 +28,13 @@ public:
         Pass(const Pass&) = delete;
         Pass& operator=(const Pass&) = delete;
 
-        [[nodiscard]] bool grow(qint64 bytes);    // waits; whether it may
-        void settle();                            // it grows no more
-        void letGo();                             // of all bytes
+        [[nodiscard]] bool grow(qint64 bytes);    // waits for memory; false: refused
+        void settle();    // keeps the bytes, but ends growing: another pass becomes the oldest
+        void letGo();     // gives all bytes back
 
     private:
         MemoryGate& m_gate;
-        std::optional<quint64> m_number;    // while it grows
+        std::optional<quint64> m_number;    // in `m_growing`, while it is growing
         qint64 m_bytes = 0;
     };
 
@@ -45,5 +46,5 @@ private:
     const std::atomic_bool& m_isEnding;
     qint64 m_used = 0;
     quint64 m_next = 0;
-    std::set<quint64> m_growing;    // numbers of passes
+    std::set<quint64> m_growing;    // numbers of passes; the smallest is the oldest
 };

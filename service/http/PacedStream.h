@@ -5,21 +5,22 @@
 
 #include <httplib.h>
 
-// A connection whose other side has to keep a pace, counted over all the time that we wait for it
-// while one request comes in, and again while its answer goes out: who sends a byte now and then
-// gives its thread back soon, in the head of a request, which may only be so long, even sooner.
+// A connection that gives up on a client which sends or reads too slowly. The time spent waiting is
+// added up over the head of a request, over its body and over its answer. Each may take some
+// seconds plus a time that grows with its bytes, so that a client that sends a byte now and then
+// cannot hold its thread for long. The head has the least time, and a largest size.
 class PacedStream final : public httplib::Stream {
 public:
     explicit PacedStream(socket_t socket) : m_socket(socket) {}
 
-    // Whether one begins within the time.
+    // Returns whether a request begins to arrive within `time`.
     bool waitForRequest(std::chrono::milliseconds time);
     void beginRequest();
     void headHasEnded();
-    // Of the request's body, as far as it was taken.
+    // The bytes of the request's body that read() has handed out.
     size_t bodyBytes() const { return m_taken; }
-    // Lets the other side read the answer before the connection goes: what it still sends would
-    // otherwise reset it.
+    // Reads what the client still sends, for a second at most. Closing a socket with unread bytes
+    // would reset the connection, and the client might lose the answer.
     void drain();
 
     bool is_readable() const override;
@@ -40,7 +41,7 @@ private:
 
     socket_t m_socket;
     std::array<char, 16384> m_buffer{};
-    size_t m_begin = 0, m_end = 0;    // of what was received and not taken
+    size_t m_begin = 0, m_end = 0;    // the bytes of `m_buffer` that read() has not handed out
     bool m_inHead = true;
     size_t m_taken = 0;
     mutable Pace m_reading, m_writing;

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// An address of version 4 may be written as one of version 6.
+// Parses an address; IPv4 written as IPv6 (::ffff:127.0.0.1) becomes plain IPv4.
 QHostAddress plain(const QString& text)
 {
     const QHostAddress address(text);
@@ -94,7 +94,7 @@ std::optional<QString> ownHost(const httplib::Request& request, const QString& t
     const QString host = headerOf(request, "Host").toLower();
     const QUrl url(u"http://"_s + host, QUrl::StrictMode);
     const QHostAddress address = plain(url.host());
-    // Only the address that the connection came in on: any other could be given a name of theirs.
+    // Of addresses, only loopback and the one that the connection came in on are ours.
     const bool isOurs =
         url.host() == u"localhost" || address.isLoopback() ||
         (!isWildcard(address) &&

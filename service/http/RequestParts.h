@@ -6,24 +6,26 @@
 
 #include <optional>
 
-// What a request of the HTTP library says, in our own types.
+// Parts of the HTTP library's request, in our own types.
 
 QString headerOf(const httplib::Request& request, const char* name);
 bool isType(const httplib::Request& request, const char* type);
 std::optional<ServiceMethod> methodOf(const httplib::Request& request);
 
-// Bytes of the body; nothing when the request contradicts itself, -1 when it comes in chunks.
+// The length of the body in bytes; -1 when it comes in chunks, nothing when the headers contradict
+// each other.
 std::optional<qint64> announcedBody(const httplib::Request& request);
 
 QHash<QByteArray, QByteArray> cookiesOf(const httplib::Request& request);
 QHash<QString, QString> fieldsOf(const QByteArray& encoded);
 
-// As the client names us; nothing unless it is one of our names. A page of another site can make
-// its own name lead to this machine, and would then be asked by the browser as if it were us.
+// The Host header, if it names this service, which listens on `toldHost` and `port`; else nothing.
+// A foreign site can make its own name lead to this machine (DNS rebinding); browsers would then
+// treat our answers as its own.
 std::optional<QString> ownHost(const httplib::Request& request, const QString& toldHost, int port);
 
-// By a program that brings requests from anywhere.
+// Whether a proxy has forwarded the request, which may then come from any machine.
 bool wasPassedOn(const httplib::Request& request);
 
-// Where programs of this machine find who listens at `host`.
+// The address at which programs of this machine reach a service that listens on `host`.
 QString loopbackFor(const QString& host);

@@ -30,19 +30,22 @@ constexpr int waitingConnections = 512;
 constexpr qsizetype longestPath = 512;
 
 constexpr size_t largestBody = 161 << 20;
-// Bytes of bodies. Some is left for the one that is never kept waiting.
+// Budgets for the bytes of bodies while they are received and handled. Memory is left for the
+// oldest request, which may exceed its budget.
 constexpr qint64 receivedAtOnce = 256 << 20, handledAtOnce = 128 << 20;
-// A body is text, parsed text, a record and what the record holds.
+// Handling a body takes `copiesOfBody` times its size: the text, the parsed text, the record and
+// the decoded contents. Bodies of up to `uncountedBody` bytes are not counted; larger ones are
+// received in steps of `bodyStep` bytes.
 constexpr qint64 copiesOfBody = 6, uncountedBody = 1 << 20, bodyStep = 1 << 20;
 constexpr auto waitForMemory = 20'000ms;
 
-// Of the request that the thread is at.
+// The socket and the client of the request that this thread serves.
 thread_local socket_t servedSocket = INVALID_SOCKET;
 thread_local ConnectionPeer servedPeer;
-// Whether who asked can still be told what came of it.
+// Whether the client of that request can still receive an answer.
 thread_local bool isHeard = true;
 
-// The pieces of a large body are too small for the allocator to return by itself.
+// Returns freed memory to the system: glibc keeps pieces that are as small as those of a body.
 void giveMemoryBack()
 {
 #ifdef __GLIBC__
@@ -56,7 +59,7 @@ class Server::Http final : public httplib::Server {
 public:
     Http(Service& service, const QString& host) : m_service(service), m_host(host)
     {
-        // Without the library's choice to let two programs share a port.
+        // Replaces the library's default, which lets two programs share a port (SO_REUSEPORT).
         set_socket_options([](socket_t socket) {
             const int yes = 1;
             ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
@@ -64,7 +67,7 @@ public:
         set_tcp_nodelay(true);
         set_keep_alive_timeout(keepAlive / 1s);
         set_keep_alive_max_count(mostRequests);
-        // The routes have limits of their own.
+        // The routes set lower limits of their own.
         set_payload_max_length(largestBody);
         set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& reply) {
             return answerWithoutBody(request, reply) ? HandlerResponse::Handled
@@ -96,7 +99,8 @@ public:
             m_port = std::max(0, bind_to_any_port(host));
         if (m_port == 0)
             return false;
-        // The library lets five wait, and the system makes the sixth try again a second later.
+        // The library's queue holds five connections; the system would make a sixth client wait a
+        // second.
         ::listen(svr_sock_, waitingConnections);
         m_service.setAddress(address());
         m_threads.emplace(mostThreads, mostWaiting);
@@ -104,7 +108,7 @@ public:
         return true;
     }
 
-    // Whether nothing is under way any more.
+    // Stops the server. Returns whether all connections have ended.
     bool end()
     {
         if (m_listening.joinable()) {
@@ -128,7 +132,7 @@ public:
     }
 
 private:
-    // Not the library's loop, which ends for good at any failure and knows nobody to refuse.
+    // Replaces the library's loop, which ends at the first failure and cannot refuse a peer.
     void acceptAll()
     {
         while (!m_service.isEnding()) {
@@ -139,7 +143,7 @@ private:
             if (socket >= 0)
                 take(socket);
             else
-                std::this_thread::sleep_for(serverRetryPause);    // too many files, say
+                std::this_thread::sleep_for(serverRetryPause);    // too many open files, perhaps
         }
     }
 
@@ -155,7 +159,7 @@ private:
         }
     }
 
-    // The library's own loop waits on each byte anew, for as long as they keep dropping in.
+    // Replaces the library's loop, whose time limit starts again with every byte that arrives.
     void serve(socket_t socket, const ConnectionPeer& peer)
     {
         servedSocket = socket;
@@ -174,7 +178,7 @@ private:
         ::close(socket);
     }
 
-    // Whether another request may follow on the connection.
+    // Returns whether another request may follow on the connection.
     bool answerOne(PacedStream& stream, bool isLast)
     {
         std::optional<qint64> announced;
@@ -188,11 +192,13 @@ private:
                     stream.socket(),
                     announced == 0 ? Connections::State::busy : Connections::State::receiving);
                 isHeard = isOpen && !m_service.isEnding();
-                // The library would cut and pack answers as it is told, however hostile.
+                // A hostile client could make the library cut an answer into many ranges, or
+                // compress it.
                 request.ranges.clear();
                 request.headers.erase("Accept-Encoding");
-                // A client that sends to a connection just as we give it up does not know whether
-                // it was heard, and calls move credits: each gets a connection of its own.
+                // Calls of the API get a connection each. A client that sends on a kept connection
+                // just as we close it cannot know whether the call was carried out, and calls move
+                // credits.
                 if (isApi(QString::fromStdString(request.path))) {
                     request.headers.erase("Connection");
                     request.headers.emplace("Connection", "close");
@@ -201,7 +207,7 @@ private:
             });
         if (qint64(stream.bodyBytes()) > uncountedBody)
             giveMemoryBack();
-        // What was not read of a body would be taken for the next request.
+        // An unread rest of the body would be taken for the next request.
         return isWhole && mayGoOn && !isClosed && announced && *announced >= 0 &&
                qint64(stream.bodyBytes()) == *announced;
     }
@@ -232,7 +238,7 @@ private:
             throw Refusal(400, "invalid_request", u"the length of the body"_s);
         result.method = *method;
         result.path = QString::fromStdString(request.path);
-        // A line end would also slip past the pattern of the handlers.
+        // A line end in the path would also slip past the pattern of the handlers.
         if (result.path.size() > longestPath || !isPrintable(result.path))
             throw Refusal(404, "not_found");
         const auto host = ownHost(request, m_host, m_port);
@@ -250,7 +256,8 @@ private:
         return result;
     }
 
-    // What other sites can have a browser send us comes as a form or with their origin.
+    // Refuses what other sites can make a browser send us: a form to the API, or a request with
+    // their origin.
     static void checkSource(const httplib::Request& request, const ServiceRequest& result)
     {
         const QString origin = headerOf(request, "Origin"),
@@ -260,7 +267,7 @@ private:
             throw Refusal(415, "unsupported_media_type");
         if (request.has_header("Content-Encoding"))
             throw Refusal(415, "unsupported_media_type");
-        // Our pages send no referrer, and then browsers call the origin of a form null.
+        // Our pages send no referrer; browsers then say "null" as the origin of their forms.
         const bool isOwnOrigin = origin.isEmpty() || origin == result.base ||
                                  (isForm && origin == u"null" && site == u"same-origin");
         if (!isOwnOrigin || (!site.isEmpty() && site != u"same-origin" && site != u"none"))
@@ -303,7 +310,7 @@ private:
             m_connections.setState(servedSocket, Connections::State::busy);
             if (!isApi(result.path))
                 result.form = fieldsOf(result.body);
-            // Small ones never wait behind large ones.
+            // Small bodies are not counted, so they never wait behind large ones.
             if (result.body.size() > uncountedBody &&
                 !handling.grow(result.body.size() * copiesOfBody))
                 throw Refusal(503, "service_busy");
@@ -320,7 +327,8 @@ private:
         }
     }
 
-    // Takes memory as the bytes come: who only announces many keeps nobody waiting.
+    // Reads the body, asking for memory as the bytes arrive: a client that only announces a large
+    // body keeps nobody waiting.
     static QByteArray read(const httplib::ContentReader& reader, qint64 announced, qint64 largest,
                            MemoryGate::Pass& memory)
     {
@@ -358,7 +366,8 @@ private:
     Connections m_connections;
     MemoryGate m_receiving{receivedAtOnce, waitForMemory, m_service.isEnding()};
     MemoryGate m_handling{handledAtOnce, waitForMemory, m_service.isEnding()};
-    std::optional<Threads> m_threads;    // the last, which goes first: its jobs use the others
+    // Declared last to be destroyed first: the jobs use the other members.
+    std::optional<Threads> m_threads;
 };
 
 Server::Server(Service& service, const QString& host)

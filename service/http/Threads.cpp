@@ -12,7 +12,7 @@ bool Threads::enqueue(std::function<void()> job)
         try {
             m_threads.emplace_back(&Threads::work, this);
         } catch (const std::system_error&) {
-            // The system gives no more: the job waits for one of those that there are.
+            // The system gives no more threads: the job waits for one that exists.
         }
     }
     m_changed.notify_one();

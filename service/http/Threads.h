@@ -7,16 +7,16 @@
 #include <thread>
 #include <vector>
 
-// One connection holds one thread. A new one is started when all are held, so that some idle or
-// slow connections do not make the next one wait.
+// Threads that run jobs; a job serves one connection until it closes. A thread is added when none
+// is idle, so that slow connections do not keep the next one waiting.
 class Threads {
 public:
     Threads(size_t most, size_t mostWaiting) : m_most(most), m_mostWaiting(mostWaiting) {}
-    ~Threads();    // waits for all
+    ~Threads();    // runs the jobs that are left and waits for them
     Threads(const Threads&) = delete;
     Threads& operator=(const Threads&) = delete;
 
-    // Whether it was taken; not when too many wait already.
+    // Returns false, and drops the job, when `mostWaiting` jobs are waiting already.
     bool enqueue(std::function<void()> job);
 
 private:

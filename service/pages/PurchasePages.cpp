@@ -80,7 +80,7 @@ ServiceReply paySent(Visit& visit)
     else if (action == u"cancelar")
         cancelCheckout(transaction, checkout.id);
     transaction.commit();
-    return seeOther(visit.request.path);    // reloading it sends nothing again
+    return seeOther(visit.request.path);    // so that a reload does not send the form again
 }
 
 ServiceReply invoicePage(Visit& visit)

@@ -60,7 +60,7 @@ bool isCancelled(const Visit& visit)
 
 constexpr auto wrongName = "Escribe un nombre de hasta 80 caracteres.";
 
-// Whether the name could be shown.
+// Returns false when the name is refused.
 bool connect(Transaction& transaction, qint64 account, SocialNetwork network, const QString& name,
              qint64 now)
 {
@@ -102,7 +102,8 @@ ServiceReply connectForm(Visit& visit, SocialNetwork network, const QString& sen
                      sentence.isEmpty() ? 200 : 400);
 }
 
-// The browser has no session of the account: who comes without an invitation signs in.
+// The form for a connection without an invitation. It asks for the account's password, because the
+// browser has no session of the account.
 ServiceReply basicForm(Visit& visit, SocialNetwork network, const QString& sentence = {})
 {
     const auto& sent = visit.request.form;
@@ -216,7 +217,7 @@ ServiceReply postPage(Visit& visit)
             content + tag("img", {},
                           {{"src", u"%1/%2"_s.arg(visit.request.path).arg(i + 1)},
                            {"alt", u"Imagen %1 de %2"_s.arg(i + 1).arg(post.imageTypes.size())}});
-    // A story shows no text.
+    // Stories have no caption.
     if (!isStory && !post.caption.isEmpty())
         content = content + tag("pre", text(post.caption), {{"class", u"texto"_s}});
     return pageReply(visit, u"Publicación en %1"_s.arg(titleOf(post.network)), content);

@@ -17,7 +17,8 @@ Html mailRow(const MailEntry& mail)
                    tag("div", text(u"%1 · %2"_s.arg(mail.to, mail.date)), {{"class", u"nota"_s}}));
 }
 
-// The addresses in our mails stand on lines of their own. The service may have another port by now.
+// The text of a mail with its link, which stands on a line of its own. The link gets the current
+// `base`: the service may have another port than when the mail was written.
 Html mailText(const MailEntry& mail, const QString& base)
 {
     static const QRegularExpression ours(u"^http://[^/]+(/restablecer\\?token=[A-Za-z0-9_-]+)$"_s);

@@ -38,7 +38,7 @@ void tell(const QString& sentence)
     std::fprintf(stderr, "moltiva-service: %s\n", qPrintable(sentence));
 }
 
-// The toolkit's remarks on broken pictures are nobody's business here.
+// Drops Qt's warnings, which are about broken pictures, and writes fatal messages only.
 void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
     if (type == QtFatalMsg)
@@ -47,8 +47,8 @@ void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& tex
 
 struct Options {
     QString data, host;
-    QString administrator;         // of a service for its own user
-    QString namedAdministrator;    // is named, and nothing else happens
+    QString administrator;         // only with `untilUnused`
+    QString namedAdministrator;    // if not empty: name that account and exit
     int port = 0;
     bool untilUnused = false;
 };
@@ -116,7 +116,7 @@ Wish readOptions(const QStringList& arguments, Options& options)
 
 bool preparePrivately(const QString& folder)
 {
-    // What there is already stays as its owner wanted it.
+    // Folders that exist keep their permissions; new ones are for this user only.
     ::umask(077);
     return QDir().mkpath(folder);
 }
@@ -130,7 +130,8 @@ bool somebodyAnswers(const QString& folder)
            socket.waitForReadyRead(1000);
 }
 
-// One that is just ending lets go soon; one that answers will not.
+// Takes the lock of the data folder. Waits for a service that is just ending, which will free it;
+// not for one that still answers.
 std::unique_ptr<SystemLock> claimed(const QString& folder)
 {
     const QString file = QDir(folder).filePath(u"servicio.lock"_s);
@@ -159,7 +160,7 @@ QString portFile(const QString& folder)
     return QDir(folder).filePath(u"puerto"_s);
 }
 
-// Pages that are open in a browser stay of use when the next service listens at the same port.
+// The port of the last run. Listening at it again keeps pages usable that are open in a browser.
 int lastPort(const QString& file)
 {
     QFile kept(file);
@@ -198,7 +199,8 @@ QString sentence(const DatabaseError& error, const QString& folder)
         place, whyNotWritable(folder, QString::fromUtf8(error.what())));
 }
 
-// What was paid is in it: a new one begins only after the user was told, at the next start.
+// The sentence about a lost database, after setting aside what is left of it. Paid credits were in
+// it, so the user is told before the next start makes an empty one.
 QString sentenceOfLoss(const DatabaseError& error, const QString& folder)
 {
     const bool wasDamaged = error.kind() == DatabaseError::Kind::damaged;
@@ -266,12 +268,13 @@ int serve(QCoreApplication& application, const Options& options)
     std::fflush(stdout);
 
     const int result = QCoreApplication::exec();
-    rendezvous.close();    // who comes now must find nobody and start another
+    rendezvous.close();    // a program that connects now must find nobody and start another service
     const bool hasEnded = server.stop();
     service.database().checkpoint();
-    // Who waits for the next start has not all day, and what was acknowledged is on the disk.
+    // Requests that have not ended are cut off: another service may be waiting to start, and what
+    // was acknowledged is on the disk.
     if (!hasEnded)
-        ::_exit(result);    // the next one takes over the lock
+        ::_exit(result);    // frees the lock without waiting for threads
     return result;
 }
 
@@ -307,12 +310,12 @@ int prepareAndServe(QCoreApplication& application, const Options& options)
 
 int main(int argc, char** argv)
 {
-    settleAllocator();    // posts of hundreds of megabytes would stay
+    settleAllocator();    // else freed memory of large posts would not return to the system
     qInstallMessageHandler(quietMessages);
     ignoreRelativeFolders();
     std::signal(SIGPIPE, SIG_IGN);
     QCoreApplication application(argc, argv);
-    // That of the program whose data and configuration it shares.
+    // The studio's name: the service shares its data and configuration folders.
     QCoreApplication::setApplicationName(u"moltiva"_s);
     Options options;
     switch (readOptions(QCoreApplication::arguments(), options)) {

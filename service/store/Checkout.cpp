@@ -17,7 +17,7 @@ constexpr int centsPerBlock = 100;
 
 QString orderNumber(qint64 number, qint64 created)
 {
-    // Of the year that the invoice shows.
+    // The year in local time, as on the invoice.
     return u"MOL-%1-%2"_s.arg(QDateTime::fromMSecsSinceEpoch(created).date().year())
         .arg(number, 6, 10, QLatin1Char('0'));
 }

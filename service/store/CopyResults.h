@@ -7,11 +7,11 @@
 
 class Transaction;
 
-// The replies to orders of texts, kept for a week: who asks again with the same request gets the
-// same texts.
+// Replies to orders of texts, kept for a week. An order that comes again with its request
+// identifier gets its texts again.
 
 std::optional<QByteArray> copyResult(Transaction& transaction, qint64 account,
                                      const QString& requestId);
-// Gives what is kept: the first of two that were made at once.
+// Keeps `reply`, unless one is kept for the request already. Returns the one that is kept.
 QByteArray keepCopyResult(Transaction& transaction, qint64 account, const QString& requestId,
                           const QByteArray& reply, qint64 now);

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int busyWait = 5000;    // ms, for another program that looks into the file
+constexpr int busyWait = 5000;    // ms; another program may be reading the file
 
 DatabaseError::Kind kindOf(int result)
 {
@@ -57,7 +57,8 @@ void bind(sqlite3_stmt* statement, int place, const SqlValue& value)
 
 void createPrivately(const QString& name)
 {
-    // SQLite gives its side files the permissions of the database.
+    // The file is made before SQLite opens it: SQLite gives its side files the permissions of the
+    // database.
     constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
     QFile file(name);
     if (!file.exists() && !file.open(QIODevice::WriteOnly | QIODevice::NewOnly, owner))
@@ -121,7 +122,7 @@ Database::Database(const QString& file, Schema bringUpToDate, History history)
     const QFileInfo found(file);
     if (found.isDir())
         throw DatabaseError(DatabaseError::Kind::damaged, "a folder is in its place");
-    // SQLite would take an empty one for a new one, and drop its log.
+    // SQLite would take an empty file for a new database and drop its log.
     if (history == History::usedBefore && (!found.exists() || found.size() == 0))
         throw DatabaseError(DatabaseError::Kind::vanished, "nothing is left of it");
     createPrivately(file);
@@ -132,7 +133,7 @@ Database::Database(const QString& file, Schema bringUpToDate, History history)
             fail(m_handle);
         sqlite3_busy_timeout(m_handle, busyWait);
         run("PRAGMA journal_mode=WAL");
-        // What was acknowledged outlives a power cut as well, not only the process.
+        // Committed changes must outlive a power cut, not only the process.
         run("PRAGMA synchronous=FULL");
         run("PRAGMA foreign_keys=ON");
         Transaction transaction(*this);
@@ -155,7 +156,8 @@ QString setDatabaseAside(const QString& file)
     const QString name =
         file + QDateTime::currentDateTime().toString(QStringLiteral("'.apartada-'yyyyMMdd-HHmmss"));
     const QStringList from = withSideFiles(file), to = withSideFiles(name);
-    // The log first: SQLite would bring it into a new file of the same name.
+    // The side files go first: SQLite would play a log that stays behind into a new file of that
+    // name.
     for (qsizetype i = from.size() - 1; i > 0; --i)
         QDir().rename(from[i], to[i]);
     return QDir().rename(from.first(), name) ? name : QString();
@@ -180,7 +182,7 @@ Transaction::Transaction(Database& database) : m_lock(database.m_mutex), m_datab
 
 Transaction::~Transaction()
 {
-    // A failure of some kinds has ended it already.
+    // SQLite rolls back by itself after some failures.
     if (m_open && !sqlite3_get_autocommit(m_database.m_handle))
         sqlite3_exec(m_database.m_handle, "ROLLBACK", nullptr, nullptr, nullptr);
 }
@@ -207,11 +209,6 @@ void Transaction::run(const char* sql, std::initializer_list<SqlValue> values)
 qint64 Transaction::lastId() const
 {
     return sqlite3_last_insert_rowid(m_database.m_handle);
-}
-
-int Transaction::changedRows() const
-{
-    return sqlite3_changes(m_database.m_handle);
 }
 
 void Transaction::commit()

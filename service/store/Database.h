@@ -30,12 +30,12 @@ public:
 
 private:
     Kind m_kind;
-    QByteArray m_text;    // never of bound values
+    QByteArray m_text;    // SQLite's message; holds no bound values
 };
 
 using SqlValue = std::variant<std::monostate, qint64, QString, QByteArray>;
 
-// The rows that one statement gives; next() goes to the first as well.
+// The rows that a statement gives. next() must be called before reading the first one, too.
 class Rows {
 public:
     explicit Rows(sqlite3_stmt* statement) : m_statement(statement) {}
@@ -55,25 +55,25 @@ private:
 
 class Transaction;
 
-// SQLite's own interface and not the toolkit's: a connection of it may be used by any thread, one
-// at a time, and needs no application object. There is one connection behind one lock: SQLite lets
-// one transaction write at a time anyhow, and connections that wait for each other do so by
-// sleeping, which starves some.
+// A SQLite file, used through SQLite's own interface and not Qt's: its connection may be used by
+// any thread, one at a time, and needs no application object. All threads share one connection
+// behind a lock. SQLite lets one transaction write at a time anyhow, and connections that wait for
+// each other do so by sleeping, which starves some.
 class Database {
 public:
     enum class History { perhapsNew, usedBefore };
 
-    // Makes the tables that are missing.
+    // Creates the tables that are missing.
     using Schema = void (*)(Transaction& transaction);
 
     // Throws DatabaseError, also for a file that a newer version wrote, for one that is damaged
-    // anywhere, and for an empty or missing one that was used before.
+    // anywhere, and, with History::usedBefore, for an empty or missing one.
     Database(const QString& file, Schema bringUpToDate, History history = History::perhapsNew);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    // Brings the log into the file.
+    // Writes the write-ahead log back into the file.
     void checkpoint();
 
 private:
@@ -84,12 +84,13 @@ private:
     sqlite3* m_handle = nullptr;
 };
 
-// Gives the file and what belongs to it another name in its folder. Returns it, or nothing where
-// there was no file, or it could not be renamed. Nobody has it open.
+// Renames the file and its side files within their folder. Returns the new name; an empty one when
+// there is no file or it could not be renamed. The file must not be open.
 QString setDatabaseAside(const QString& file);
 
-// What is done in it is done as a whole when it is committed, on the disk by then, and else not at
-// all. Others wait meanwhile, so nothing slow happens inside.
+// A transaction that holds the database's lock. commit() makes its changes as a whole and returns
+// when they are on the disk; the destructor undoes what was not committed. Other threads wait
+// meanwhile, so nothing slow may happen inside.
 class Transaction {
 public:
     explicit Transaction(Database& database);
@@ -100,7 +101,6 @@ public:
     Rows rows(const char* sql, std::initializer_list<SqlValue> values = {});
     void run(const char* sql, std::initializer_list<SqlValue> values = {});
     qint64 lastId() const;
-    int changedRows() const;
     void commit();
 
 private:

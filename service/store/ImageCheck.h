@@ -4,7 +4,7 @@
 #include <QDir>
 #include <QString>
 
-// Whether the bytes are a picture of the kind that is said, of at most so many pixels, and decode.
-// The decoder reads files: `scratch` is a folder for one. Waits.
+// Whether `bytes` decode as a picture of type `mimeType` with at most `mostPixels` pixels. The
+// decoder reads files only: `scratch` is a folder for a temporary one. Blocks while decoding.
 bool isImage(const QByteArray& bytes, const QString& mimeType, qint64 mostPixels,
              const QDir& scratch);

@@ -28,7 +28,7 @@ void append(Transaction& transaction, qint64 account, const Entry& entry, qint64
                      entry.note, now});
 }
 
-// The newest time that credits were reserved under an identifier.
+// The latest reservation under a request identifier; `attempt` counts them from 1.
 struct Reservation {
     qint64 attempt = 0;
     qint64 cost = 0;

@@ -5,17 +5,17 @@
 #include <QList>
 #include <QString>
 
-// Mails are not sent: they lie as files in a folder, where a page shows them.
+// Mails are not sent: they are files in a folder, which a page of the service shows.
 
 struct MailEntry {
-    QString name;    // of the file
+    QString name;    // of the mail's file
     QString to, subject, date;
     QString text;
 };
 
-// Whether it could be written. `to` holds no line breaks.
+// Returns whether the mail could be written. `to` must not hold line breaks.
 bool storeMail(const QDir& folder, const QString& to, const QString& subject, const QString& text,
                qint64 now);
 
-// The newest first, at most fifty.
+// The newest mails first, 50 at most.
 QList<MailEntry> storedMails(const QDir& folder);

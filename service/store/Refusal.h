@@ -5,7 +5,7 @@
 #include <exception>
 #include <utility>
 
-// Leaves a handler from any depth and becomes its answer.
+// An error reply. A handler throws it from any depth.
 class Refusal : public std::exception {
 public:
     // `reason` is for a developer, never shown to users.

@@ -8,9 +8,9 @@ namespace {
 
 constexpr int schemaVersion = 3;
 
-// Times are milliseconds since 1970. Of secrets that open something only hashes are kept; the
-// identifiers of pages (pay, invoice, post) are kept as they are, for their links must be shown
-// again.
+// Times are milliseconds since 1970. Tokens of sessions and passes are stored as hashes. The
+// identifiers of pages (checkout, invoice, post) are secrets too, but stored as they are: links to
+// those pages are shown again.
 
 // Each entry carries the balance after it, as a bank statement does: reading a balance costs one
 // row, and the sums can be checked.
@@ -72,14 +72,15 @@ constexpr std::array accountTables{
 };
 
 constexpr std::array copyTables{
-    // What was written for credits, for who asks again because the answer was lost.
+    // Replies with texts paid for, kept for a client that lost the answer and asks again.
     "CREATE TABLE copy_result (account INTEGER NOT NULL REFERENCES account,"
     " request_id TEXT NOT NULL, reply BLOB NOT NULL, created INTEGER NOT NULL,"
     " PRIMARY KEY (account, request_id)) STRICT, WITHOUT ROWID",
     "CREATE INDEX copy_result_age ON copy_result (created)",
 };
 
-// Of before version 3, whose check allowed a balance of 2,000,000,000 at most.
+// Versions before 3 limited a balance to 2,000,000,000: their entries move to a table without that
+// limit.
 constexpr std::array ledgerAside{"ALTER TABLE ledger_entry RENAME TO narrow_entry"};
 constexpr std::array ledgerBack{
     "INSERT INTO ledger_entry SELECT * FROM narrow_entry ORDER BY id",

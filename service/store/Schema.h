@@ -2,5 +2,6 @@
 
 class Transaction;
 
-// Makes the tables of a new database, or refuses one that a newer version wrote.
+// Creates the tables, or upgrades those of an older version. Throws DatabaseError for a file that a
+// newer version wrote.
 void bringUpToDate(Transaction& transaction);

@@ -43,7 +43,7 @@ QByteArray forAddress(const QByteArray& bytes)
     return bytes.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
 }
 
-// The same letter can be typed in two ways.
+// Normalizes first: keyboards may send one letter as different code points.
 QByteArray passwordBytes(const QString& password)
 {
     return password.normalized(QString::NormalizationForm_C).toUtf8();

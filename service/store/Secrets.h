@@ -3,19 +3,20 @@
 #include <QByteArray>
 #include <QString>
 
-// 32 random bytes as 43 characters that an address can hold.
+// 32 random bytes as 43 characters that may stand in a URL.
 QByteArray newToken();
 bool looksLikeToken(QByteArrayView text);
 
-// What is kept of a token. Without salt: nobody guesses 256 random bits.
+// The hash under which a token is stored. It has no salt: nobody guesses 256 random bits.
 QByteArray tokenHash(QByteArrayView token);
 
-// Who has no key cannot make the seal of a text.
+// A seal proves that the holder of the key wrote the text: it is a keyed hash.
 QByteArray newKey();
 QByteArray seal(const QByteArray& key, QByteArrayView text);
 bool sealFits(const QByteArray& key, QByteArrayView text, QByteArrayView seal);
 
-// Argon2id: each takes 64 MiB and some 100 ms, so that few run at once. Wait.
+// A hash by Argon2id. Takes 64 MiB and some 100 ms; two are computed at once, further calls wait.
 QByteArray hashedPassword(const QString& password);
-// An empty hash, of an account without password or of none at all, costs the same and never fits.
+// An empty `hash` stands for an account without a password or no account at all: comparing it takes
+// as long, so that the time tells nothing, and returns false. Waits as hashedPassword() does.
 bool passwordFits(const QByteArray& hash, const QString& password);

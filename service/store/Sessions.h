@@ -8,19 +8,19 @@
 class Transaction;
 
 inline constexpr const char* sessionCookie = "tallerio_session";
-inline constexpr qint64 sessionDays = 30;    // unused
+inline constexpr qint64 sessionDays = 30;    // without use; then the session ends
 
-// Gives the token, of which only the hash is kept.
+// Returns the session's token, of which only the hash is stored.
 QByteArray openSession(Transaction& transaction, qint64 account, qint64 now);
 
-// Whose session it is, if it has not ended; notes that it was used.
+// The account of a session that has not ended. Notes that the session was used.
 std::optional<qint64> sessionAccount(Transaction& transaction, QByteArrayView token, qint64 now);
 
 void endSession(Transaction& transaction, QByteArrayView token);
-// All of an account, but for the one with that token.
+// Ends all sessions of the account except the one with the token `except`.
 void endSessions(Transaction& transaction, qint64 account, QByteArrayView except = {});
 
-// A pass opens one thing, once, until it expires.
+// A pass is a token that permits one thing, once, until it expires.
 enum class PassPurpose { desktopSignIn, passwordReset, socialConnection };
 
 struct Pass {
@@ -32,12 +32,12 @@ struct PassTime {
     qint64 now = 0, life = 0;    // ms
 };
 
-// Gives the token, of which only the hash is kept.
+// Returns the pass's token, of which only the hash is stored.
 QByteArray givePass(Transaction& transaction, PassPurpose purpose, qint64 account,
                     const QString& detail, PassTime time);
 std::optional<Pass> lookAtPass(Transaction& transaction, PassPurpose purpose, QByteArrayView token,
                                qint64 now);
-// The same, and it is used up.
+// Like lookAtPass(), but uses the pass up.
 std::optional<Pass> takePass(Transaction& transaction, PassPurpose purpose, QByteArrayView token,
                              qint64 now);
 void voidPasses(Transaction& transaction, PassPurpose purpose, qint64 account);

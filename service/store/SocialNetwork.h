@@ -7,7 +7,7 @@ enum class SocialNetwork { instagram, facebook, linkedIn };
 struct SocialNetworkRow {
     SocialNetwork value;
     QStringView rawValue, title;
-    int mostImages;    // of one post
+    int mostImages;    // in one post
     bool hasStories;
 };
 

@@ -74,7 +74,8 @@ bool syncFolder(const QString& path)
     return isSynced;
 }
 
-// On the disk by the end, as the row that will speak of them.
+// Writes the pictures. They are on the disk when it returns, because the post's row, written next,
+// names them.
 void writeImages(const QDir& posts, const QString& id, const QList<SocialPublishImage>& images)
 {
     constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
@@ -168,7 +169,7 @@ QString publish(Database& database, const PostFolders& folders, qint64 account,
     auto discard = qScopeGuard([&] { QDir(posts.filePath(id)).removeRecursively(); });
     writeImages(posts, id, request.images);
     Transaction transaction(database);
-    // The same request may have come twice at once.
+    // Another thread may have published this request meanwhile.
     if (const auto made = postOfRequest(transaction, account, request.requestId))
         return *made;
     transaction.run("INSERT INTO social_post (id, account, request_id, network, display_name,"

@@ -11,10 +11,10 @@
 class Database;
 class Transaction;
 
-// Posts go no further than this machine: they are kept and shown on a page.
+// Posts are not sent to the networks: they are kept on this machine and shown on a page.
 
 struct SocialPost {
-    QString id;    // nobody guesses it
+    QString id;    // cannot be guessed
     SocialNetwork network = SocialNetwork::instagram;
     QString displayName, placement, caption;
     QStringList imageTypes;    // "image/png"
@@ -23,24 +23,24 @@ struct SocialPost {
 
 struct PostFolders {
     QDir posts;
-    QDir scratch;    // for pictures that are looked at
+    QDir scratch;    // for temporary files of pictures being checked
 };
 
-// The word of a request; throws Refusal when it is no network.
+// The network that a request names. Throws Refusal for an unknown one.
 SocialNetwork knownNetwork(const QString& name);
 
-// Throws Refusal for a name that cannot be shown.
+// Throws Refusal for a name that is empty, too long or holds control characters.
 void connectNetwork(Transaction& transaction, qint64 account, SocialNetwork network,
                     const QString& displayName, qint64 now);
 QList<SocialNetworkConnection> connections(Transaction& transaction, qint64 account,
                                            const QString& base);
 
-// Gives the post's identifier; a request identifier that was used gives the post it made. Looks at
-// every pixel: waits. Throws Refusal.
+// Returns the post's identifier; for a `requestId` that was used before, the one of the post made
+// then. Blocks while every picture is decoded. Throws Refusal.
 QString publish(Database& database, const PostFolders& folders, qint64 account,
                 const SocialPublishRequest& request, qint64 now);
 
 std::optional<SocialPost> postWithId(Transaction& transaction, const QString& id);
-// Removes what a post left that was never finished.
+// Removes the pictures of posts that were never recorded, because the service ended before.
 void dropUnrecordedPosts(Transaction& transaction, const QDir& posts);
 QString imagePath(const QDir& posts, const QString& id, int index);

@@ -4,6 +4,6 @@
 
 #include <QDir>
 
-// The templates that an administrator shares. Throw Refusal.
+// Templates that the administrator shares, as files in `folder`. Both functions throw Refusal.
 void storeTemplate(const QDir& folder, const TemplateUploadRequest& upload);
 void removeTemplate(const QDir& folder, const QString& fileName);

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <optional>
 
-// No control characters, nothing unassigned, no half of a pair.
+// Whether the text is free of control characters, unassigned code points and lone surrogates.
 inline bool isPrintable(const QString& text)
 {
     const QList<uint> characters = text.toUcs4();
@@ -14,8 +14,8 @@ inline bool isPrintable(const QString& text)
            std::ranges::all_of(characters, [](uint c) { return QChar::isPrint(char32_t(c)); });
 }
 
-// Trimmed; nothing when it is longer than `longest` or holds control characters. What joins the
-// parts of an emoji is none.
+// The text trimmed; nothing when it is longer than `longest` or holds control characters. The
+// invisible joiner in emojis is allowed.
 inline std::optional<QString> lineOfText(const QString& text, qsizetype longest)
 {
     const QString trimmed = text.trimmed();

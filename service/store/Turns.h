@@ -3,8 +3,8 @@
 #include <condition_variable>
 #include <mutex>
 
-// Lets so many do something at once. Not the semaphore of the library: in the one of GCC 12 a
-// waiter can miss that it is its turn.
+// Lets a limited number of threads do something at once. Replaces std::counting_semaphore: with GCC
+// 12 a waiting thread can miss that its turn has come.
 class Turns {
 public:
     explicit Turns(int free) : m_free(free) {}

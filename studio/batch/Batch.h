@@ -3,11 +3,11 @@
 #include "model/PublicationItem.h"
 #include "model/SocialFormat.h"
 
-// The batch and what is selected in it: all that undo and the saved workspace keep. A value.
+// The batch and what is selected in it: all that undo and the saved workspace keep.
 //
-// Kept by every operation: with no items the index is 0 and nothing is selected; otherwise
-// `selectedIndex` names an item, `selectedItemIDs` holds only ids of items, and `selectedLayerID`,
-// unless null, is a layer of the current one.
+// Invariant of every operation: with no items the index is 0 and nothing is selected; otherwise
+// `selectedIndex` is that of an item, `selectedItemIDs` holds only ids of items, and
+// `selectedLayerID`, unless null, is a layer of the current item.
 struct Batch {
     SocialFormat format = SocialFormat::carouselPortrait;
     QString objective;    // of the campaign, as the user typed it

@@ -66,7 +66,7 @@ QList<int> BatchSelection::selectedIndicesForBatch(const Batch& batch)
 QList<int> BatchSelection::otherSelectedIndices(const Batch& batch)
 {
     if (batch.selectedItemIDs.size() < 2)
-        return {};    // also where the one selected is not the current one
+        return {};    // even if the only selected item is not the current one
     QList<int> indices = selectedIndicesForBatch(batch);
     indices.removeOne(batch.selectedIndex);
     return indices;

@@ -9,24 +9,26 @@
 // batch are ignored.
 namespace BatchSelection {
 
-// A click: alone selects one, Shift a range from the anchor, Ctrl (Command) toggles. At least one
-// item stays selected.
+// A click on an item selects it alone, with Shift a range from the anchor; with Ctrl (Command) it
+// toggles the item. At least one item stays selected.
 void selectItem(Batch& batch, int index, Qt::KeyboardModifiers modifiers);
 void selectSingleIndex(Batch& batch, int index);
 void selectAll(Batch& batch);
 
-// The items that batch operations act on, in batch order; the current one when none is selected.
+// Indices of the items that batch operations act on, ascending; the current one when none is
+// selected.
 QList<int> selectedIndicesForBatch(const Batch& batch);
-// The other items that an edit of the current one reaches: none unless several are selected.
+// Indices of the other items that an edit of the current one reaches: none unless several are
+// selected.
 QList<int> otherSelectedIndices(const Batch& batch);
 
-// New items replace the old; the first is current, alone in the selection.
+// New items replace the old; the first becomes current, and the only selected one.
 void replaceItems(Batch& batch, const PublicationItems& items);
-// Whatever else is current stays so; after the current one comes the item that took its place, or
-// the new last one.
+// Removes an item. If it was the current one, the item that takes its index becomes current, or the
+// new last one.
 void removeItem(Batch& batch, QUuid id);
 
-// Keeps the selected layer where the current item has it, else takes its first text layer.
+// Keeps the selected layer if the current item has it, else selects the item's first text layer.
 void settleSelectedLayer(Batch& batch);
 
 }    // namespace BatchSelection

@@ -13,7 +13,7 @@ Layer* find(QList<Layer>& layers, QUuid id)
     return found == layers.end() ? nullptr : &*found;
 }
 
-// In the middle; a circle and a triangle as high as wide in the format's pixels.
+// A frame in the middle; that of a circle or triangle is as high as wide in the format's pixels.
 CodableRect newShapeFrame(ShapeKind kind, SocialFormat format)
 {
     double width = 0.4, height = 0.2;

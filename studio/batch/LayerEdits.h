@@ -5,39 +5,41 @@
 // Edits of layers and how they reach the other selected items. Pure operations on the value.
 namespace LayerEdits {
 
-// What an edit of a layer copies to the other selected items; the text never goes along.
+// The part of a layer that an edit copies to the other selected items; the text is never copied.
 enum class Copied {
-    style,    // all of it, and the alignment; of a shape also its kind
+    style,    // the whole style and the alignment; for a shape also its kind
     visibility,
     frame,
 };
 
-// Writes that of the layer into the layer of the same slot of every other selected item.
+// Copies the part `copied` of `layer` to the layer of its slot in every other selected item.
 void applyLayerChangeToSelectedItems(Batch& batch, const TextLayer& layer, Copied copied);
-// Writes that of the shape, which is never hidden, into the shapes of its id in the other selected
-// items.
+// Copies the part `copied` of `shape` to the shapes of its id in the other selected items. A shape
+// has no visibility to copy.
 void applyShapeChangeToSelectedItems(Batch& batch, const ShapeLayer& shape, Copied copied);
 
-// Writes the layer into the current item, by its id, and what is copied on to the other selected
-// ones.
+// Replaces the current item's layer of this id by `layer`, and copies the part named by `copied` to
+// the other selected items.
 void editLayer(Batch& batch, const TextLayer& layer, Copied copied);
-// A shape's frame stays where it is in the others.
+// Replaces the current item's shape of this id, and copies its style to the other selected items,
+// where the shape's frame stays as it is.
 void editShape(Batch& batch, const ShapeLayer& shape);
 
-// The current item by another state of it; an item of another id is refused.
+// Replaces the current item by another state of it; ignores an item of another id.
 void replaceCurrentItem(Batch& batch, const PublicationItem& item);
-// The same for what the canvas hands back: a shape removed there, or a text hidden, goes from the
-// other selected items too.
+// Replaces the current item by what the canvas made of it. A shape removed there is removed from
+// the other selected items, and a text hidden there is hidden in them.
 void commitCanvasItem(Batch& batch, const PublicationItem& item);
 
-// After a gesture on the canvas: sends the frame of the layer that it moved.
+// Copies the frame of the layer that a gesture on the canvas moved to the other selected items.
 void syncCurrentCanvasEditsToSelectedItems(Batch& batch, QUuid movedLayer);
 
-// A new shape in the middle of every selected item, under one id, which is then the selected layer.
+// Adds a new shape in the middle of every selected item, everywhere with the same id, and selects
+// it.
 void addShape(Batch& batch, ShapeKind kind);
 
-// A selected shape is removed, here and in the other selected items that hold its id; a selected
-// text is hidden, because every item keeps one layer per slot.
+// Removes a selected shape from the current item and from the other selected items that hold its
+// id; hides a selected text, because every item keeps one layer per slot.
 void deleteSelectedLayer(Batch& batch);
 void deleteShape(Batch& batch, QUuid shape);
 

@@ -84,7 +84,7 @@ QStringList changesOf(const ShapeLayer& before, const ShapeLayer& after)
     return changes;
 }
 
-// One property is named; of several only whose they are.
+// Names the one property that changed, or just the layer when several did.
 QString layerChange(const QStringList& changes, const QString& layer)
 {
     return (changes.size() == 1 ? changes.first() : u"cambios"_s) + u' ' + layer;
@@ -120,7 +120,7 @@ QString itemChange(const PublicationItem& before, const PublicationItem& after)
     return isText ? u"textos"_s : u"cambios de diseño"_s;
 }
 
-// The names of what is in `of` and not in `other`.
+// File names of the items in `of` that are not in `other`.
 QStringList missingFrom(const PublicationItems& other, const PublicationItems& of)
 {
     QSet<QUuid> ids;
@@ -157,8 +157,8 @@ QString stepName(const StudioHistorySnapshot& before, const StudioHistorySnapsho
         const QString change = itemChange(before.items[i], after.items[i]);
         if (change.isEmpty())
             continue;
-        // An edit of the current image also brings the others its earlier style: what was done is
-        // seen in it alone.
+        // An edit of the current image copies its whole style to the others, so more may change
+        // there than the user edited: the name comes from the current image.
         if (++images == 1 || i == after.selectedIndex)
             name = change;
     }

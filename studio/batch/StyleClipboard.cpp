@@ -64,6 +64,6 @@ void StyleClipboard::pasteInto(Batch& batch) const
     ShapeLayer changed = *selectedShape(batch);
     const ShapeKind kind = changed.kind;
     ShapeLayerDesign(std::get<ShapeLayer>(m_style)).apply(changed);
-    changed.kind = kind;    // a style makes no circle of a line
+    changed.kind = kind;    // pasting a style does not make a circle of a line
     LayerEdits::editShape(batch, changed);
 }

@@ -4,15 +4,16 @@
 
 #include <variant>
 
-// A copied style, of a text or of a shape, without its text and place. What it is copied from and
-// pasted into is the selected layer.
+// Holds the copied style of a text or of a shape, without text and frame. Styles are copied from
+// the selected layer and pasted into it.
 class StyleClipboard {
 public:
-    // Of the item's layer of the selected slot, or its shape that is selected. The name of what was
-    // copied; empty when there is no such layer.
+    // Copies the style of the item's text in the selected text's slot, or of the selected shape.
+    // Gives the name of what was copied; empty when the item has no such layer.
     QString copyFrom(const PublicationItem& item, const Batch& batch);
     bool fits(const Batch& batch) const;
-    // Reaches the other selected items. Changes nothing when it does not fit.
+    // Pastes into the selected layer and to the other selected items. Does nothing unless the style
+    // fits.
     void pasteInto(Batch& batch) const;
 
 private:

@@ -23,10 +23,15 @@ struct ExportRun {
     QList<PendingExport> pending;
 
     bool isStopped() const { return control->stop; }
+    qsizetype total(ExportProgress::Stage stage) const
+    {
+        const bool isRendering = stage == ExportProgress::Stage::rendering;
+        return isRendering ? request.items.size() : pending.size();
+    }
     void progress(ExportProgress::Stage stage, qsizetype count) const
     {
         if (control->progressed)
-            control->progressed({stage, count, request.items.size()});
+            control->progressed({stage, count, total(stage)});
     }
 };
 using SharedRun = std::shared_ptr<ExportRun>;
@@ -52,6 +57,7 @@ RenderOrder orderOf(const SharedRun& run)
             .format = request.format,
             .outputSize = request.outputSize,
             .jobs = request.jobs,
+            .leavesOutUnreadable = bool(run->control->leftOut),
             .file = [run](qsizetype index) {
                 return run->control->staging->filePath(QString::number(index));
             }};
@@ -74,8 +80,13 @@ void address(ExportRun& run, const RenderedItems& rendered)
         run.outcome.state = run.isStopped() ? State::stopped : State::notPrepared;
         return;
     }
-    for (qsizetype i = 0; i < run.request.items.size(); ++i)
-        run.pending.append({run.request.destinations[i], *rendered.outputs[std::size_t(i)]});
+    for (qsizetype i = 0; i < run.request.items.size(); ++i) {
+        const QString& destination = run.request.destinations[i];
+        if (const auto& output = rendered.outputs[std::size_t(i)])
+            run.pending.append({destination, *output});
+        else
+            run.control->leftOut(destination);
+    }
 }
 
 // Leaves the outcome at done where all is prepared.

@@ -51,6 +51,9 @@ struct ExportControl {
     std::atomic_bool stop = false;
     std::function<void(const ExportProgress&)> progressed;    // may be empty
     std::function<void(qint64 cost)> charging;                // before the reservation; likewise
+    // An image that cannot be rendered is left out, and told by the file that it would have become,
+    // when all others are rendered; empty: nothing is exported then.
+    std::function<void(const QString& file)> leftOut;
     // A file that was written, or why it was not, in the system's words; likewise.
     std::function<void(const QString& file, const QString& reason)> wrote;
     std::shared_ptr<StagingFolder> staging;    // while it runs

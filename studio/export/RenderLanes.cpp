@@ -29,10 +29,19 @@ struct LaneRun {
 };
 using SharedLaneRun = std::shared_ptr<LaneRun>;
 
-Rendering renderedGuarded(const LaneRun& run, const PublicationItem& item, const QString& file)
+// Pictures of many sizes, freed in another order, leave holes that add up. They are given back now
+// and then: what the next picture needs would be paged in anew.
+void releaseHolesAfter(qsizetype index)
 {
-    // Pictures of many sizes, freed in another order, leave holes that add up.
-    const auto tidy = qScopeGuard(&releaseFreedMemory);
+    constexpr qsizetype pictures = 8;
+    if (index % pictures == pictures - 1)
+        releaseFreedMemory();
+}
+
+Rendering renderedGuarded(const LaneRun& run, const PublicationItem& item, qsizetype index,
+                          const QString& file)
+{
+    const auto tidy = qScopeGuard([index] { releaseHolesAfter(index); });
     try {
         return renderedOutput(item, run.order.format, run.order.outputSize, *run.photos, file);
     } catch (const std::exception&) {
@@ -44,9 +53,13 @@ void take(LaneRun& run, qsizetype index, const Rendering& rendering)
 {
     if (const auto* output = std::get_if<RenderedOutput>(&rendering)) {
         run.rendered.outputs[std::size_t(index)] = *output;
-    } else if (!run.rendered.failure) {
-        run.rendered.failure = std::get<RenderFailure>(rendering);
-        run.rendered.failedPhoto = run.order.items[index].image.path;
+    } else {
+        const RenderFailure failure = std::get<RenderFailure>(rendering);
+        const bool isLeftOut = run.order.leavesOutUnreadable && failure == RenderFailure::photo;
+        if (!isLeftOut && !run.rendered.failure) {
+            run.rendered.failure = failure;
+            run.rendered.failedPhoto = run.order.items[index].image.path;
+        }
     }
     ++run.done;
     if (run.watch.progressed)
@@ -60,8 +73,8 @@ QCoro::Task<> renderLane(SharedLaneRun run)
         const qsizetype index = run->next++;
         const PublicationItem item = run->order.items[index];
         const QString file = run->order.file(index);
-        QFuture<Rendering> rendering =
-            runOnWorker([run, item, file] { return renderedGuarded(*run, item, file); });
+        QFuture<Rendering> rendering = runOnWorker(
+            [run, item, index, file] { return renderedGuarded(*run, item, index, file); });
         const Rendering rendered = co_await rendering;
         take(*run, index, rendered);
     }

@@ -15,6 +15,7 @@ struct RenderOrder {
     SocialFormat format = SocialFormat::carouselPortrait;
     OutputSize outputSize = exportSizeOf;
     int jobs = 0;    // items rendered at once, at most one a core; 0: one a core
+    bool leavesOutUnreadable = false;    // else no more is begun after a photo that cannot be read
     std::function<QString(qsizetype index)> file;    // for the picture of an item
 };
 
@@ -27,8 +28,7 @@ struct RenderWatch {
 
 struct RenderedItems {
     std::vector<std::optional<RenderedOutput>> outputs;    // one an item; nothing: not rendered
-    // Of the first item that could not be rendered; nothing more was begun after it.
-    std::optional<RenderFailure> failure;
+    std::optional<RenderFailure> failure;                  // after which nothing more was begun
     QString failedPhoto;
 };
 

@@ -6,11 +6,11 @@
 
 namespace {
 
-// A way to write a name, with or without the extension.
+// The images that share a name, and which of them its rows have filled.
 struct Spelling {
     QList<qsizetype> images;
-    qsizetype next = 0;        // those before it are filled
-    qsizetype rowsLeft = 0;    // that can be applied
+    qsizetype next = 0;        // index in `images`; those before it are filled
+    qsizetype rowsLeft = 0;    // good rows of this name that are still to come
 };
 
 class Matching {
@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    // A whole name first: "a.b" may also be what is left of "a.b.jpg".
+    // Prefers whole names: "a.b" may also be "a.b.jpg" without its extension.
     Spelling* spelling(const QString& name)
     {
         for (auto* spellings : {&m_whole, &m_withoutExtension}) {
@@ -66,7 +66,8 @@ private:
         });
     }
 
-    // Whether there is an image that it could fill; else it takes none from the other rows.
+    // Whether the row could fill any image. A row that cannot must not use up an image of the good
+    // rows.
     bool isGood(const SheetRow& row, const Spelling& spelling) const
     {
         const auto fits = [&](qsizetype image) { return canFill(row, image); };
@@ -96,7 +97,7 @@ private:
     }
 
     const PublicationItems& m_items;
-    QList<bool> m_holdsLongText;    // of each image
+    QList<bool> m_holdsLongText;    // for each image: it has a text beyond longestText
     QHash<QString, Spelling> m_whole, m_withoutExtension;
     SheetMatch m_match;
 };

@@ -4,14 +4,14 @@
 
 // A row that was not applied.
 struct RowProblem {
-    int row = 0;
+    int row = 0;    // SheetRow::number
     QString file;
     RowFault fault = RowFault::unknownFile;
 
     bool operator==(const RowProblem&) const = default;
 };
 
-// The row that each image gets, as an index, and the rows that reach none.
+// For each image the index of the row that fills it, and the rows that fill no image.
 struct SheetMatch {
     QList<std::optional<qsizetype>> rowOfImage;
     QList<RowProblem> problems;
@@ -19,9 +19,9 @@ struct SheetMatch {
     qsizetype filledImages() const;
 };
 
-// A row fills every image of its name, with or without the extension, that no row before it has
-// filled. Several good rows of one name are for as many images in order, the last for all the rest.
+// A row fills the images of its name, with or without the extension, that no earlier row has
+// filled. Of several good rows of one name each fills the next image, and the last all that remain.
 SheetMatch matchRows(const TextSheet& sheet, const PublicationItems& items);
 
-// Fills the items; what that reached.
+// Writes the texts of the matching rows into the items.
 SheetMatch applyTextSheet(PublicationItems& items, const TextSheet& sheet);

@@ -11,14 +11,14 @@ bool isFilled(QByteArrayView cell)
 }
 
 // The line without the blanks between a quoted cell and its separators. Any other blank belongs to
-// the text, so that the parser itself is not told to pass over them.
+// the text; libcsv, if told to skip blanks, would skip those as well.
 QByteArray withoutBlanksAroundQuotes(QByteArrayView line, bool beginsQuoted, char separator)
 {
     enum class At { cellStart, text, quoted, quoteEnd };
     At at = beginsQuoted ? At::quoted : At::cellStart;
     QByteArray kept;
     kept.reserve(line.size());
-    qsizetype blanks = 0;    // at the end of `kept`, which may have to go
+    qsizetype blanks = 0;    // at the end of `kept`; removed if they stand beside a quoted cell
     for (const char c : line) {
         const bool isQuote = c == '"';
         const bool isEnd = at != At::quoted && (c == separator || c == '\n');
@@ -75,7 +75,7 @@ void SheetRecords::addCell(QByteArrayView cell)
         m_record.hasSurplus = true;
 }
 
-// The record that begins on the line at `from`, as far as the lines before `until` bring it.
+// Reads the record that begins on the line at `from`, using only lines before `until`.
 SheetRecords::Reading SheetRecords::read(qsizetype from, qsizetype until)
 {
     const auto onCell = [](void* cell, std::size_t size, void* self) {
@@ -111,8 +111,8 @@ SheetRecords::Reading SheetRecords::read(qsizetype from, qsizetype until)
     return {m_record, nextLine(cellLine)};
 }
 
-// Whether one of the lines looks like a row of its own: one with quotes of its own at odds does
-// only where those of `record` are at odds too.
+// Whether one of the lines looks like a row of its own. A line with wrong quotes does so only if
+// the quotes of `record` are wrong, too.
 bool SheetRecords::holdsRow(qsizetype from, qsizetype until, const SheetRecord& record)
 {
     for (qsizetype line = from; line < until; line = nextLine(line)) {
@@ -131,7 +131,8 @@ std::optional<SheetRecord> SheetRecords::next()
     auto [record, end] = read(m_at, m_text.size());
     const bool isWrong =
         !record.isWhole || record.isNarrowerThan(m_columns) || record.isWiderThan(m_columns);
-    // A quote that was not closed where it should be ends at one of another row.
+    // A quote left open ends at a quote of a later row and swallows the rows between: then the
+    // record is its first line alone.
     const qsizetype second = nextLine(m_at);
     if (m_columns > 0 && isWrong && holdsRow(second, end, record)) {
         record.isWhole = false;

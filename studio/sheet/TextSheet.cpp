@@ -14,7 +14,7 @@ constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
 const QString notText = u"no es un archivo CSV"_s;
 constexpr int mostRows = 20'000;    // far more than a batch; a hostile file may hold millions
 
-// Nothing when it is cut off, or no text at all.
+// The text in UTF-8; none when the bytes are cut off or no valid UTF-16.
 std::optional<QByteArray> fromUtf16(QByteArrayView bytes)
 {
     using Flag = QStringDecoder::Flag;
@@ -30,14 +30,15 @@ std::optional<QByteArray> fromUtf16(QByteArrayView bytes)
     return text.toUtf8();
 }
 
-// By a mark, or by the zeros of the header's first character.
+// Recognizes UTF-16 by a byte order mark, or by the zero byte of the header's first character.
 bool isUtf16(QByteArrayView bytes)
 {
     return bytes.startsWith("\xFE\xFF") || bytes.startsWith("\xFF\xFE") ||
            (bytes.size() > 1 && (bytes[0] == '\0') != (bytes[1] == '\0'));
 }
 
-// Its letters beyond ASCII are single bytes, which among UTF-8 stand only in what is spoilt.
+// Whether the bytes beyond ASCII mostly stand alone, as in Windows-1252, and are no UTF-8
+// sequences.
 bool isWindows1252(QByteArrayView bytes)
 {
     qsizetype sequences = 0, strays = 0;
@@ -59,7 +60,7 @@ bool isWindows1252(QByteArrayView bytes)
     return strays > sequences && !bytes.contains('\0');
 }
 
-// The same text in UTF-8; nothing when the bytes are no text.
+// The file's text in UTF-8; none when the bytes are no text.
 std::optional<QByteArray> inUtf8(QByteArrayView bytes)
 {
     if (bytes.startsWith(byteOrderMark))
@@ -82,7 +83,7 @@ QByteArray withPlainLineEnds(QByteArray text)
     return text;
 }
 
-// "sep=;", with which some spreadsheets begin.
+// The separator of a line like "sep=;", with which some spreadsheets begin.
 std::optional<char> namedSeparator(QByteArrayView line)
 {
     constexpr QByteArrayView key("sep="), separators(",;\t|");
@@ -92,7 +93,7 @@ std::optional<char> namedSeparator(QByteArrayView line)
     return names ? std::optional(line[key.size()]) : std::nullopt;
 }
 
-// The one that the header holds more of.
+// Comma or semicolon, whichever the header has more of.
 char separatorOf(QByteArrayView text)
 {
     qsizetype commas = 0, semicolons = 0;
@@ -112,11 +113,11 @@ char separatorOf(QByteArrayView text)
 
 struct HeaderStart {
     qsizetype at = 0;
-    int number = 1;    // of its row
+    int number = 1;    // of the header's row, counted from 1
     char separator = ',';
 };
 
-// Behind empty rows and the one that names the separator; nothing when there is no other.
+// Skips empty rows and the one that names the separator; none when no row is left.
 std::optional<HeaderStart> headerStart(QByteArrayView text)
 {
     std::optional<char> named;
@@ -141,14 +142,15 @@ std::optional<HeaderStart> headerStart(QByteArrayView text)
 std::optional<QString> decoded(const QByteArray& cell)
 {
     using Flag = QStringDecoder::Flag;
-    // A mark inside the file is text.
+    // Keeps a byte order mark inside the file, where it is text.
     QStringDecoder decoder(QStringDecoder::Utf8, Flag::Stateless | Flag::ConvertInitialBom);
     const QString text = decoder(cell);
     return decoder.hasError() ? std::nullopt : std::optional(text);
 }
 
-// A spreadsheet would compute such a cell, or warn of it. With an apostrophe before it, it is text;
-// apostrophes that were there already are told from that one by their number.
+// Whether a spreadsheet would compute the cell, or warn of it: written() puts an apostrophe before
+// it, and withoutGuard() takes one away. Apostrophes of the text itself are skipped here, so that
+// the text gets one more.
 bool isLikeFormula(QStringView cell)
 {
     while (cell.startsWith(u'\''))
@@ -173,7 +175,7 @@ QString written(const QString& text)
 }
 
 struct Header {
-    QList<std::optional<SheetColumn>> columns;    // unknown ones are passed over
+    QList<std::optional<SheetColumn>> columns;    // none for an unknown column, which is ignored
     QString error;
 };
 
@@ -238,7 +240,7 @@ SheetRow rowOf(const SheetRecord& record, const Header& header)
     }
     row.name = sheetName(row.file());
     blame(row.name.isEmpty(), RowFault::noFile);
-    blame(isTooLong, RowFault::tooLong);    // last, because an image may hold it already
+    blame(isTooLong, RowFault::tooLong);    // last: unlike other faults it may yet be allowed
     return row;
 }
 

@@ -7,7 +7,7 @@
 #include <array>
 #include <optional>
 
-// The texts of a batch as a spreadsheet keeps them: a column a text, a row an image.
+// The texts of a batch as a spreadsheet: one row per image, one column per text.
 
 enum class SheetColumn { file, title, subtitle, tagline, callToAction, caption };
 
@@ -66,10 +66,10 @@ static_assert(longestText == 10'000, "what the row of tooLong says");
 
 struct SheetRow {
     int number = 0;    // as spreadsheet programs count: the header is 1 when it is the first row
-    // By column; without one where the sheet has no such column.
+    // By SheetColumn; empty where the sheet has no such column.
     std::array<std::optional<QString>, Vocabulary<SheetColumn>::rows.size()> cells;
     QString name;    // of the file, as sheetName() gives it
-    // tooLong stands only for images that do not hold the very same text already.
+    // tooLong does not keep the row from an image that already holds that very text.
     std::optional<RowFault> fault;
 
     const std::optional<QString>& cell(SheetColumn column) const
@@ -81,22 +81,22 @@ struct SheetRow {
 
 struct TextSheet {
     QList<SheetRow> rows;    // without the empty ones
-    QString error;           // why nothing of it can be read, as the end of a sentence
+    QString error;           // why the sheet cannot be read at all, as the end of a sentence
 };
 
-// What a file holds: UTF-8, UTF-16 or, as older spreadsheets write it, Windows-1252; a header row,
-// commas or semicolons, any line ends. Whatever is wrong with a row spoils no other one.
+// Reads a CSV file: UTF-8, UTF-16 or, as older spreadsheets write it, Windows-1252; a header row,
+// commas or semicolons, any line ends. A fault in one row spoils no other row.
 TextSheet readTextSheet(QByteArrayView bytes);
 
-// The name of a file as it is compared: without blanks around it, its accents in one form.
+// A file name as names are compared: without blanks around it, its accents composed (NFC).
 QString sheetName(const QString& fileName);
 
-// What an item has for a column; nothing where it has no such layer.
+// The item's text for a column; none where the item has no layer for it.
 std::optional<QString> textOf(const PublicationItem& item, SheetColumn column);
 
-// Writes the texts into the layers of their slots, visible or not.
+// Writes the row's texts into the layers of their slots, visible or not, and the caption.
 void fillTexts(PublicationItem& item, const SheetRow& row);
 
-// The sheet of these items. Reading and applying it changes nothing but line ends and control
-// characters.
+// The CSV file with the texts of these items. Reading and applying it again changes nothing but
+// line ends and control characters.
 QByteArray textSheetOf(const PublicationItems& items);

@@ -2,10 +2,10 @@
 
 #include "studio/sheet/SheetMatch.h"
 
-// A text sheet on the disk, and what the user is told of it.
+// Text sheets on disk, and what the user is told after one was applied.
 
-// Both wait for the disk. What is larger than any batch could need is not read. Writing gives an
-// empty string, or the system's reason.
+// Both functions wait for the disk. A file larger than any batch could need is not read. Writing
+// gives an empty string, or the system's reason why it failed.
 TextSheet readTextSheetFile(const QString& path);
 QString writeTextSheetFile(const QString& path, const PublicationItems& items);
 

@@ -8,7 +8,7 @@
 
 int main(int argc, char** argv)
 {
-    // The list of the cases is asked for without the environment of the tests.
+    // The build runs this program to list its cases, without the tests' environment.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
     int result = 0;

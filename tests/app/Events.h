@@ -5,7 +5,7 @@
 #include <QMouseEvent>
 #include <QWidget>
 
-// What a user does, sent straight to a widget.
+// Events of a user's clicks and keys, sent straight to a widget.
 inline void press(QWidget& widget, QPoint at, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
     for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {

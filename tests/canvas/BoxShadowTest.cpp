@@ -7,13 +7,12 @@
 TEST(BoxShadow, blurIsAGaussianOfTheGivenDeviation)
 {
     for (const double sigma : {2.0, 3.3, 14.0}) {
-        // A step edge under a Gaussian is its error function.
+        // The Gaussian blur of a step edge is the error function.
         QImage step(400, 3, QImage::Format_Alpha8);
         for (int y = 0; y < 3; ++y)
             std::fill_n(step.scanLine(y) + 200, 200, uchar(255)),
                 std::fill_n(step.scanLine(y), 200, uchar(0));
-        QImage column =
-            step.scaled(400, 400);    // tall enough for the other direction to change nothing
+        QImage column = step.scaled(400, 400);    // so high that the rows around row 200 are equal
         gaussianBlur(column, sigma);
         for (int x = 200 - int(3 * sigma); x < 200 + int(3 * sigma); ++x) {
             const double expected =
@@ -31,7 +30,7 @@ TEST(BoxShadow, aVeryWideBlurLooksLikeAWideOne)
             boxShadow({300, -9000, 9000, 18000}, 0, sigma, Qt::black, {0, 0, 600, 200});
         return qAlpha(shadow.image.pixel(QPoint(300 - int(sigma), 100) - shadow.position));
     };
-    // One deviation outside a straight edge.
+    // Samples one deviation outside a straight edge.
     EXPECT_NEAR(atEdge(59), 255 * 0.1587, 3);
     EXPECT_NEAR(atEdge(121), 255 * 0.1587, 3);
     EXPECT_NEAR(atEdge(250), 255 * 0.1587, 3);
@@ -48,7 +47,8 @@ TEST(BoxShadow, theBoxItselfIsNotCutOutAndTheColourKeepsItsOpacity)
     EXPECT_NEAR(qAlpha(edge), 64, 8) << "half of it at the edge of the box";
 }
 
-// A wide box is blurred short and drawn out: it must come out as one blurred whole.
+// A wide box is blurred at a shorter length and its middle repeated; the result must equal the
+// whole box blurred.
 TEST(BoxShadow, aWideBoxIsAsBlurredWhole)
 {
     for (const double sigma : {0.4, 3.0, 14.0}) {

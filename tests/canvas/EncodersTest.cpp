@@ -24,7 +24,7 @@ QImage pattern(QSize size, QImage::Format format)
     return image.convertToFormat(format);
 }
 
-// Where two predictors of a byte often tie.
+// Noise, in which the predictors of a byte often tie.
 QImage noisyPattern(QSize size, QImage::Format format)
 {
     QImage image(size, QImage::Format_ARGB32);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr QSizeF paintedCanvas(200, 200);
 
-// An item without photo, texts and shapes, to be filled by a test; a white layer shows on the black
+// An item without photo, texts and shapes, for a test to fill. White layers show on the black
 // ground.
 PublicationItem emptyItem()
 {
@@ -92,7 +92,7 @@ TEST(ItemPainter, aLineIsItsStrokeAndAStrokeBelowATenthIsNone)
     EXPECT_EQ(grey(rendered(item), 100, 100), 0);
 }
 
-// As one stroked by hand, to the points of its corners.
+// The stroke reaches as far as the points of its mitred corners.
 TEST(ItemPainter, sharpCornersOfAThickTriangleKeepTheirPoints)
 {
     PublicationItem item = emptyItem();
@@ -101,7 +101,8 @@ TEST(ItemPainter, sharpCornersOfAThickTriangleKeepTheirPoints)
     item.shapeLayers[0].strokeOpacity = 1;
     item.shapeLayers[0].strokeWidth = 10;
     const ItemLayout layout = layOut(item, paintedCanvas, paintedCanvas);
-    // The apex of 100 by 20: its point is half the stroke over the sine of half its angle above it.
+    // The triangle is 20 wide and 100 high. Its stroke's point lies above the apex by half the
+    // stroke width over the sine of half the apex angle.
     const double point = 80 - 5 / std::sin(std::atan2(10, 100));
     const QImage image = rendered(item);
     EXPECT_GT(grey(image, 100, int(point) + 4), 50);
@@ -111,7 +112,7 @@ TEST(ItemPainter, sharpCornersOfAThickTriangleKeepTheirPoints)
     EXPECT_EQ(layOut(item, paintedCanvas, paintedCanvas).shapes[0].miterLimit, plainMiterLimit);
 }
 
-// Rounder than half its shorter side a box is a pill, which its shadow follows.
+// A box with a radius beyond half its shorter side is a pill, and so is its shadow.
 TEST(ItemPainter, aRadiusIsAtMostHalfTheShorterSide)
 {
     for (const CodableRect& frame :
@@ -148,7 +149,7 @@ TEST(ItemPainter, aRadiusIsAtMostHalfTheShorterSide)
     }
 }
 
-// Stretched to the width of the canvas it is millions of times as high.
+// A photo one pixel wide, fitted to the canvas width, is millions of times as high as the canvas.
 TEST(ItemPainter, aPhotoAsThinAsOneMayBeIsDrawn)
 {
     PublicationItem item = emptyItem();
@@ -295,7 +296,7 @@ TEST(ExportCanvasRenderer, theLevelDependsOnWhatIsDrawn)
     EXPECT_EQ(level(png, 1, {1080, 1350}, 0.1), PhotoLevel::full);
 }
 
-// The same layout at another scale: no text may break or shrink differently.
+// A tile is the same layout at another scale: no text may break or shrink differently.
 TEST(ItemPainter, aTileShowsTheExportMadeSmaller)
 {
     const PublicationItem item = PublicationItem::make(QUrl(), {});

@@ -17,7 +17,7 @@ QImage noise(QSize size, QImage::Format format)
     return image.convertToFormat(format);
 }
 
-// The same kernel in doubles, both directions at once.
+// One pixel resampled with the kernel in doubles, both directions at once.
 QRgb reference(const QImage& source, QSize target, QPoint at)
 {
     const auto kernel = [](double x) {
@@ -60,7 +60,7 @@ TEST(PhotoResampler, agreesWithTheKernelInDoubles)
                                   std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
             }
         }
-        // The first direction is rounded to bytes and limited to their range before the second.
+        // resampled() rounds to bytes, and cuts off overshoot, between the two directions.
         EXPECT_LE(worst, target == photo.size() ? 0 : 24) << target.width();
     }
 }
@@ -95,7 +95,7 @@ TEST(PhotoResampler, flatColourStaysExactAndTransparencyStaysPremultiplied)
     }
 }
 
-// A panorama at full zoom would be hundreds of megabytes if it were resampled whole.
+// Resampling the whole of a panorama at full zoom would take hundreds of megabytes.
 TEST(PhotoResampler, anEnormousTargetCostsOnlyItsWindow)
 {
     const QImage photo = noise({500, 4}, QImage::Format_RGB32);

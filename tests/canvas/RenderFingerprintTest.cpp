@@ -53,7 +53,7 @@ TEST(RenderFingerprint, NothingThatCannotBeSeenIsInIt)
             i.placement.offset = {-0.0, -0.0};
         },
         [](PublicationItem& i) { i.layers[0].text += u"  "_s; },
-        [](PublicationItem& i) { i.layers[0].shadowColor.alpha = 0.5; },    // opacity counts
+        [](PublicationItem& i) { i.layers[0].shadowColor.alpha = 0.5; },    // unused
         [](PublicationItem& i) { i.shapeLayers[0].stroke = codableBlack; },
         [](PublicationItem& i) { i.shapeLayers[1].cornerRadius = 40; },
         [](PublicationItem& i) { i.shapeLayers[2].fill = codableWhite; },
@@ -137,7 +137,7 @@ TEST(RenderFingerprint, EverythingThatIsSeenIsInIt)
     EXPECT_EQ(all.size(), 1 + seen.size() + 3 + 1);
 }
 
-// Fallback faces, directions and emoji, in which the toolkit gives no order of its own.
+// Fallback fonts, directions and emoji, for which Qt returns the glyph runs in no fixed order.
 TEST(RenderFingerprint, TellsLettersOfOtherFontsApartAndForgetsNothing)
 {
     const auto written = [](const QString& text, const QString& font, double alpha = 1) {
@@ -153,7 +153,8 @@ TEST(RenderFingerprint, TellsLettersOfOtherFontsApartAndForgetsNothing)
     EXPECT_NE(written(party, regular, 0), written(u"✨"_s, regular, 0));
     EXPECT_EQ(written(party, regular, 0), written(party, regular, 1)) << "brings its colours";
 
-    // Whatever was asked before: this box lies beside the canvas, its shadow does not.
+    // The box lies beside the canvas, but its shadow reaches it. An earlier request must not change
+    // that.
     const auto beside = [](PublicationItem& i, double shadow) {
         i.layers[0].frame = {-0.56, 0.3, 0.5, 0.2};
         i.layers[0].shadowDistance = shadow;
@@ -165,8 +166,8 @@ TEST(RenderFingerprint, TellsLettersOfOtherFontsApartAndForgetsNothing)
     EXPECT_EQ(fingerprintAfter([&](PublicationItem& i) { beside(i, 50); }), far);
 }
 
-// What users have paid for is stored under these names. When one changes though the pixels do not,
-// they would pay again; when the pixels do too, the version of the renderer rises with it.
+// Paid renders are stored under their fingerprints. A fingerprint that changes without a change of
+// pixels makes users pay twice; when the pixels change too, increase rendererVersion.
 TEST(RenderFingerprint, IsTheSameInEveryRun)
 {
     PublicationItem item = sample();
@@ -174,7 +175,7 @@ TEST(RenderFingerprint, IsTheSameInEveryRun)
     const QString here = renderFingerprint(sourceOf(item));
     EXPECT_TRUE(isRenderAmong({u"render-x"_s, here}, sourceOf(item)));
     EXPECT_FALSE(isRenderAmong({here.chopped(1), u"pixels-x"_s}, sourceOf(item)));
-    // Each process has its own order of things that it hashes by address.
+    // Qt's hashes by address have another order in each process, so the program runs itself again.
     std::printf("fingerprint %s\n", qPrintable(here));
     if (qEnvironmentVariableIsSet("FINGERPRINT_ONLY"))
         return;

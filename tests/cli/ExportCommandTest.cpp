@@ -180,6 +180,38 @@ TEST_F(ExportCommandTest, skipsWhatIsNoPhotoAndKeepsEqualNamesApart)
     EXPECT_TRUE(written().contains(u"g-publicacion.png"_s));
 }
 
+TEST_F(ExportCommandTest, aPhotoThatFailsOnlyWhenItIsDrawnIsSkippedAndCostsNothing)
+{
+    const QString good = photo(u"f.jpg"_s), damaged = photo(u"a.png"_s);
+    QFile file(damaged);
+    ASSERT_TRUE(file.resize(file.size() / 2));    // its header is whole
+    const QString skipped = damaged + u": No se pudo leer la foto.\n"_s;
+
+    const Outcome dry = runExport({u"--dry-run"_s, damaged, good});
+    EXPECT_EQ(dry.out, u"Coste: 100 créditos (sin pagar: 2 de 2).\n"_s);
+    EXPECT_TRUE(dry.err.contains(u"cabecera"_s)) << qPrintable(dry.err);
+
+    const Outcome outcome = runExport({damaged, good});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.err.contains(skipped + u"Coste: 50 créditos (sin pagar: 1 de 1).\n"_s))
+        << qPrintable(outcome.err);
+    EXPECT_TRUE(outcome.err.contains(u"Exportadas 1 imágenes. Coste: 50 créditos."_s));
+    EXPECT_EQ(outcome.out, path(u"out/f-publicacion.png"_s) + u'\n');
+    EXPECT_EQ(charges(), QStringList{u"reserve 50 #1"_s});
+
+    m_account.answer("GET /api/auth/me", ScriptedAccount::summary("Ana", 50));
+    const QList<QJsonObject> objects =
+        objectsIn(runExport({u"--json"_s, u"--format"_s, u"square"_s, damaged, good}));
+    ASSERT_EQ(objects.size(), 3) << "it is not what the credits lack for";
+    EXPECT_EQ(objects[0][u"photo"_s].toString(), damaged);
+    EXPECT_EQ(objects[2][u"outcome"_s].toString(), u"done"_s);
+    EXPECT_EQ(objects[2][u"skipped"_s].toInt(), 1);
+    EXPECT_EQ(charges().size(), 2);
+
+    EXPECT_EQ(runExport({damaged}).status, 1);
+    EXPECT_EQ(charges().size(), 2);
+}
+
 TEST_F(ExportCommandTest, jsonIsOneObjectAFileAndASummaryAndNothingElse)
 {
     const Outcome outcome =

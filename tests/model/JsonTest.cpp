@@ -114,7 +114,8 @@ TEST(Json, hostileBytesGiveNothing)
     }
 }
 
-// What later records need of the mapping: addresses, bytes, sets, absent values, whole numbers.
+// A record with kinds of fields beyond those of model/: addresses, bytes, sets, absent values,
+// whole numbers.
 namespace {
 
 struct Parcel {

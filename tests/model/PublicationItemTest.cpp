@@ -41,7 +41,7 @@ TEST(PublicationItem, filenameLosesItsLastExtensionOnly)
     EXPECT_EQ(item.filename(), u"100% ñ#1"_s);
 }
 
-// Undo tells a real change from none by equality: a step of a slider must never look like none.
+// Undo compares items to tell whether an edit changed anything: a single step of a slider must.
 TEST(PublicationItem, equalitySeesTheSmallestChangeOfAnyField)
 {
     const PublicationItem item = freshItem();

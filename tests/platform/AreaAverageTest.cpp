@@ -7,7 +7,7 @@
 
 namespace {
 
-// By the definition, in floating point: what each pixel covers, however little of it.
+// The exact mean of `area` in floating point, partly covered pixels included.
 QRgb meanOver(const QImage& image, const QRectF& area)
 {
     double sums[4]{}, whole = 0;

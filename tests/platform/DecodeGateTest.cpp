@@ -33,7 +33,7 @@ TEST(DecodeGate, neverLetsMoreThanTheBudgetInAtOnce)
             int seen = most;
             while (now > seen && !most.compare_exchange_weak(seen, now))
                 ;
-            // Nobody leaves before all have come to the gate.
+            // Keeps the pass until all threads have started.
             while (arrived < int(threads.size()))
                 std::this_thread::yield();
             --inside;

@@ -26,7 +26,7 @@ QByteArray chunk(const QByteArray& name, const QByteArray& data)
     return bigEndian(quint32(data.size())) + body + bigEndian(sum);
 }
 
-// After the header, where most chunks belong.
+// Inserts `chunks` after the header of a PNG, where most chunks belong.
 QByteArray withChunks(const QByteArray& png, const QByteArray& chunks)
 {
     return png.left(33) + chunks + png.mid(33);
@@ -114,6 +114,6 @@ TEST(PhotoBytes, whatFollowsThePictureIsNotTakenForScans)
         decodePhoto(written(folder, u"a.jpg"_qs, jpeg + scan.repeated(1000)), PhotoLevel::eighth));
     EXPECT_EQ(scanCount(jpeg), 1);
     EXPECT_GT(scanCount(progressiveJpeg({64, 64})), 5);
-    // A reserved marker has no length that could hide scans.
+    // A reserved marker has no length, so it must not hide the scans behind it.
     EXPECT_EQ(scanCount(jpeg.chopped(2) + "\xFF\x02\xFF\xFF" + scan.repeated(9)), 10);
 }

@@ -30,7 +30,8 @@ TEST_F(PhotoCacheTest, theSecondRunAnswersFromDiskWithoutTheCodec)
 {
     const QString file = photo(u"a.jpg"_qs);
     const QDateTime time = QDateTime::fromSecsSinceEpoch(1'700'000'000);
-    // Other bytes of the same size, time and inode: only the disk can know what was there.
+    // Changes the first bytes but neither size nor inode, so an answer must come from the thumbnail
+    // on disk.
     const auto rewrite = [&](const QByteArray& start, const QDateTime& modified) {
         QFile changed(file);
         return changed.open(QIODevice::ReadWrite) && changed.write(start) == start.size() &&
@@ -86,7 +87,7 @@ TEST_F(PhotoCacheTest, whatWasUsedLongestAgoGoesFirst)
     EXPECT_TRUE(cache.cachedProxy(a, PhotoLevel::full).isNull());
     cache.proxy(a, PhotoLevel::full);
     cache.proxy(b, PhotoLevel::full);
-    EXPECT_FALSE(cache.cachedProxy(a, PhotoLevel::full).isNull());    // used: b is the older now
+    EXPECT_FALSE(cache.cachedProxy(a, PhotoLevel::full).isNull());    // now b is the older one
     cache.proxy(c, PhotoLevel::full);
     EXPECT_FALSE(cache.cachedProxy(a, PhotoLevel::full).isNull());
     EXPECT_TRUE(cache.cachedProxy(b, PhotoLevel::full).isNull());
@@ -161,7 +162,7 @@ TEST_F(PhotoCacheTest, aPictureTooLargeToKeepIsKeptSmallerAndNotDecodedAnew)
     PhotoCache cache(m_disk, whole);
     EXPECT_EQ(cache.proxy(png, PhotoLevel::quarter).size(), QSize(160, 120));
     EXPECT_EQ(cache.cachedProxy(png, PhotoLevel::quarter).size(), QSize(160, 120));
-    // Larger than the level when the level does not fit either.
+    // The full level exceeds the whole budget, so the proxy is smaller than that level.
     EXPECT_LT(meanDifference(cache.proxy(png, PhotoLevel::full), quarters({320, 240})), 1);
     EXPECT_FALSE(cache.cachedProxy(png, PhotoLevel::full).isNull());
 

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A table-based profile in which red and blue have changed places.
+// A table-based profile that swaps red and blue.
 QByteArray swappingProfile()
 {
     cmsHPROFILE srgb = cmsCreate_sRGBProfile(), lab = cmsCreateLab2Profile(nullptr);
@@ -75,7 +75,7 @@ TEST(PhotoColor, profilesOfTablesAreConvertedToo)
     EXPECT_NEAR(converted.red(), 50, 3);
     EXPECT_NEAR(converted.blue(), 200, 3);
 
-    // As a photo carries it.
+    // The profile in a JPEG.
     const QByteArray jpeg = encoded(image, "jpeg");
     const QByteArray body = QByteArray("ICC_PROFILE\0\x01\x01", 14) + profile;
     QByteArray length(2, 0);

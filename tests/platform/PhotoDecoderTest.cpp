@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// What the picture must look like when the file says this orientation: the definition, as turnings.
+// The picture that an orientation stands for, by its definition as rotations and mirrorings.
 QImage turned(const QImage& image, int orientation)
 {
     const auto rotated = [](const QImage& of, int degrees) {
@@ -56,6 +56,10 @@ TEST(PhotoDecoder, everyOrientationComesOutUprightOnce)
         const auto accepted = acceptPhoto(jpegFile);
         ASSERT_TRUE(accepted) << orientation;
         EXPECT_EQ(accepted->info.size, expected.size()) << orientation;
+        const auto identified = identifyPhoto(jpegFile);
+        ASSERT_TRUE(identified) << orientation;
+        EXPECT_EQ(identified->info, accepted->info) << orientation;
+        EXPECT_EQ(identified->digest, accepted->digest) << orientation;
 
         const QString webpFile =
             written(folder, u"a.webp"_qs, turnedWebp(webp, picture.size(), orientation));
@@ -63,6 +67,23 @@ TEST(PhotoDecoder, everyOrientationComesOutUprightOnce)
         ASSERT_TRUE(fromWebp) << orientation;
         EXPECT_EQ(fromWebp->info.size, expected.size()) << orientation;
         EXPECT_LT(meanDifference(fromWebp->thumbnail, expected), 4) << orientation;
+        EXPECT_EQ(identifyPhoto(webpFile)->info, fromWebp->info) << "by decoding it";
+    }
+}
+
+TEST(PhotoDecoder, whatIsSaidOfAPhotoWithoutDecodingItIsWhatDecodingFinds)
+{
+    const QTemporaryDir folder;
+    for (const char* format : {"jpeg", "png", "bmp", "gif", "tiff", "webp"}) {
+        const QByteArray bytes = encoded(quarters({97, 65}), format);
+        if (bytes.isEmpty())
+            continue;    // Qt cannot write this format
+        const QString file = written(folder, QString::fromLatin1(format), bytes);
+        const auto accepted = acceptPhoto(file), identified = identifyPhoto(file);
+        ASSERT_TRUE(accepted && identified) << format;
+        EXPECT_EQ(identified->info, accepted->info) << format;
+        EXPECT_EQ(identified->digest, accepted->digest) << format;
+        EXPECT_TRUE(identified->thumbnail.isNull()) << format;
     }
 }
 
@@ -76,7 +97,7 @@ TEST(PhotoDecoder, theCoveringLevelIsTheCoarsestThatNeedsNoEnlarging)
         {{2560, 3837}, {1280, 1919}, PhotoLevel::half},    // 3837 halves to 1919, rounded up
         {{2560, 3837}, {1280, 1920}, PhotoLevel::full},
         {{2560, 3837}, {320, 480}, PhotoLevel::eighth},
-        {{4000, 3000}, {500, 376}, PhotoLevel::quarter},    // both ways, not one
+        {{4000, 3000}, {500, 376}, PhotoLevel::quarter},    // 1/8 lacks height only
         {{100, 100}, {400, 400}, PhotoLevel::full},
     };
     for (const auto& row : rows)
@@ -87,7 +108,8 @@ TEST(PhotoDecoder, theCoveringLevelIsTheCoarsestThatNeedsNoEnlarging)
 TEST(PhotoDecoder, oddSizesAreReducedWithoutASecondScaling)
 {
     const QTemporaryDir folder;
-    // Stripes of two pixels become one and one: a decoding at 5/8 scaled down would blur them.
+    // Stripes of two pixels become stripes of one at half the size; decoding at 5/8 and scaling
+    // would blur them.
     QImage stripes(258, 387, QImage::Format_RGB32);
     for (int y = 0; y < stripes.height(); ++y) {
         for (int x = 0; x < stripes.width(); ++x)

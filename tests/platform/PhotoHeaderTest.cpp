@@ -69,7 +69,7 @@ TEST(PhotoHeader, progressiveScansCountTheirCoefficients)
     ASSERT_TRUE(progressive && baseline);
     EXPECT_EQ(progressive->workingBytes, 640 * 480 * 2 * 3);
     EXPECT_EQ(baseline->workingBytes, 0);
-    // Two of 24 megapixels must not decode at once within 200 MB, whatever the level.
+    // Two progressive photos of 24 megapixels need more than 200 MB together, at any level.
     const PhotoHeader large{.size = {6000, 4000}, .workingBytes = qint64(6000) * 4000 * 2 * 3};
     EXPECT_GT(2 * decodingBytes(large, PhotoLevel::eighth), 200'000'000);
 }
@@ -77,7 +77,8 @@ TEST(PhotoHeader, progressiveScansCountTheirCoefficients)
 TEST(PhotoHeader, aTiffOfManySamplesOrLongStripsCountsThem)
 {
     const QByteArray tiff = encoded(quarters({600, 400}), "tiff");
-    // A number of the first directory: its tag, a type of two or four bytes, one value.
+    // Changes a value in the first directory: the entry is a tag, a type of two or four bytes, a
+    // count of one.
     const auto changed = [&](char tag, quint32 value) {
         QByteArray bytes = tiff;
         for (const char type : {3, 4}) {

@@ -9,7 +9,7 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 
-// Four plain quarters: every turning and mirroring of it looks different.
+// A picture of four plain quarters, which looks different in each of the eight orientations.
 inline QImage quarters(QSize size)
 {
     QImage image(size, QImage::Format_RGB32);
@@ -43,7 +43,7 @@ inline QByteArray progressiveJpeg(QSize size)
     return bytes;
 }
 
-// EXIF that says only the orientation.
+// EXIF data with the orientation only.
 inline QByteArray orientationExif(int orientation)
 {
     QByteArray exif("MM\0\x2A\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\0\0\0\0\0\0\0", 26);
@@ -59,7 +59,7 @@ inline QByteArray turnedJpeg(const QByteArray& jpeg, int orientation)
     return jpeg.left(2) + "\xFF\xE1" + length + body + jpeg.mid(2);
 }
 
-// The picture of the bytes with its EXIF in an extended container.
+// `webp` in an extended container, with an EXIF orientation.
 inline QByteArray turnedWebp(const QByteArray& webp, QSize size, int orientation)
 {
     const auto number = [](quint32 value, int bytes) {
@@ -74,7 +74,7 @@ inline QByteArray turnedWebp(const QByteArray& webp, QSize size, int orientation
     return "RIFF" + number(quint32(body.size()), 4) + body;
 }
 
-// The size a JPEG announces, overwritten.
+// The JPEG with another size written into its header.
 inline QByteArray announcing(QByteArray jpeg, QSize size)
 {
     const qsizetype frame = std::max(jpeg.indexOf(QByteArray("\xFF\xC0\0\x11", 4)),
@@ -92,7 +92,7 @@ inline QString written(const QTemporaryDir& folder, const QString& name, const Q
     return file.fileName();
 }
 
-// Mean difference of the channels, of 255; 255 for pictures of different sizes.
+// The mean difference of the channels, 0..255; 255 for pictures of different sizes.
 inline double meanDifference(const QImage& one, const QImage& other)
 {
     if (one.size() != other.size() || one.isNull())

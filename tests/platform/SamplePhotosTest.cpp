@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-// Over a folder of real photographs, where the environment names one.
+// Tests on a folder of real photographs, whose path is in MOLTIVA_PHOTOS.
 
 using namespace Qt::StringLiterals;
 

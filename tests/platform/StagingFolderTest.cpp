@@ -98,7 +98,7 @@ TEST(PrivateSocket, StandsInAFolderThatIsTheUsersAlone)
     QFile::setPermissions(shared.path(), QFile::permissions(shared.path()) | QFile::ExeOther);
     const QString link = data.filePath(u"link"_s);
     QFile::link(runtime.path(), link);
-    // Made by the session manager, where there is one.
+    // A session manager makes this folder; there may be none.
     const QString system = u"/run/user/%1"_s.arg(::geteuid());
     const bool hasSystem = QFileInfo::exists(system);
     const QString beside = hasSystem ? system : data.filePath(u"run"_s);

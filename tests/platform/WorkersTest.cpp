@@ -31,7 +31,8 @@ TEST(Workers, failuresArriveAtTheFuture)
 
 namespace {
 
-// Each ends its process, because the workers stay finished. An error or a hang is no exit with 0.
+// Each function ends its process, as finished workers stay finished. A failure or hang does not
+// exit with 0.
 [[noreturn]] void finishWithWorkWaiting()
 {
     alarm(20);

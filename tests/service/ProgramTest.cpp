@@ -20,7 +20,8 @@ bool hasEnded(QProcess& program)
     return program.state() == QProcess::NotRunning || program.waitForFinished(10'000);
 }
 
-// Where the toolkit has its sockets is a matter of the environment, here of a folder of the test.
+// Runs the service with a data folder and a runtime folder of the test; Qt puts local sockets into
+// the latter.
 class ProgramTest : public testing::Test {
 protected:
     void start(QProcess& program, const QStringList& more = {})
@@ -142,7 +143,7 @@ TEST_F(ProgramTest, refusesWrongUseAndFoldersItCannotUse)
 TEST_F(ProgramTest, aLostLedgerIsToldBeforeAnotherBegins)
 {
     const QString file = data() + u"/servicio.sqlite"_s;
-    // What is said at the start; empty when it runs, which is then over.
+    // Starts the service and ends it again if it runs. Returns what it wrote as errors.
     const auto startAndEnd = [&] {
         QProcess program;
         start(program);
@@ -155,7 +156,7 @@ TEST_F(ProgramTest, aLostLedgerIsToldBeforeAnotherBegins)
     };
     EXPECT_EQ(startAndEnd(), QString());
     QFile ledger(file);
-    // A page in the middle; the first bytes are whole.
+    // Damages a page in the middle; the head of the file stays whole.
     EXPECT_TRUE(ledger.open(QIODevice::ReadWrite) && ledger.seek(ledger.size() / 2) &&
                 ledger.write(QByteArray(5000, 'x')) == 5000);
     ledger.close();

@@ -9,7 +9,7 @@
 #include <httplib.h>
 #include <nlohmann/json.hpp>
 
-// A service in this process that is spoken to over HTTP, with a clock that can be turned.
+// A service in this process, used over HTTP. Its clock is `now`, which a test may set.
 class TestService {
 public:
     using Json = nlohmann::json;
@@ -57,7 +57,7 @@ public:
     {
         return kept(client().Post(path, headers(), fields));
     }
-    // The value of a field in a page.
+    // The value of the field `name` in a page.
     static std::string field(const Reply& page, const std::string& name)
     {
         const std::string mark = "name=\"" + name + "\" value=\"";

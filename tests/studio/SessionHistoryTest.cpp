@@ -414,6 +414,18 @@ TEST_F(SessionHistoryTest, ofTwoWindowsThatKnowNothingOfEachOtherOneAloneSaves)
     EXPECT_EQ(session->status(), QString()) << "told once";
 }
 
+TEST_F(SessionHistoryTest, aProblemStaysUntilThereWasTimeToReadIt)
+{
+    session->setStatus(u"No cabe."_s, StatusTone::problem);
+    QGuiApplication::processEvents();    // else it belongs to the command that follows
+    now += 2s;
+    restyle(1.7);
+    EXPECT_EQ(session->status(), u"No cabe."_s);
+    now += 2s;
+    restyle(1.8);
+    EXPECT_EQ(session->status(), QString());
+}
+
 TEST_F(SessionHistoryTest, aStyleIsCopiedWithoutItsTextAndPlace)
 {
     restyle(1.7);

@@ -1,11 +1,13 @@
 #include "tests/support/ScriptedAccount.h"
 
 ScriptedAccount::ScriptedAccount(PreferencesStore& preferences, Scripted state)
-    : m_api(listening(), preferences), m_session(m_api, {.openInBrowser =
-                                                             [this](const QUrl& url) {
-                                                                 m_opened.append(url);
-                                                                 return true;
-                                                             }}),
+    : m_api(listening(), preferences),
+      m_session(m_api, {.openInBrowser =
+                            [this](const QUrl& url) {
+                                m_opened.append(url);
+                                return true;
+                            },
+                        .startLimit = std::chrono::minutes(10)}),    // longer than any hold()
       m_journal(m_session, preferences, m_runs.path())
 {
     connect(&m_server, &QTcpServer::newConnection, this, [this] {
@@ -94,9 +96,12 @@ void ScriptedAccount::read(QTcpSocket* socket)
 void ScriptedAccount::reply(QTcpSocket* socket, const QByteArray& request)
 {
     const Answer answer = m_answers.value(request.split('?').first());
+    // Like the service, gives no session to a refused request or to one that needs no account.
+    const bool opensSession = answer.status == 200 && request.contains(" /api/auth/");
     socket->write("HTTP/1.1 " + QByteArray::number(answer.status) +
-                  " Answer\r\nContent-Type: application/json\r\nConnection: close\r\n"
-                  "Set-Cookie: tallerio_session=scripted; Path=/\r\nContent-Length: " +
-                  QByteArray::number(answer.json.size()) + "\r\n\r\n" + answer.json);
+                  " Answer\r\nContent-Type: application/json\r\nConnection: close\r\n" +
+                  (opensSession ? "Set-Cookie: tallerio_session=scripted; Path=/\r\n" : "") +
+                  "Content-Length: " + QByteArray::number(answer.json.size()) + "\r\n\r\n" +
+                  answer.json);
     socket->disconnectFromHost();
 }

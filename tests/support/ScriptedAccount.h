@@ -12,8 +12,8 @@
 
 enum class Scripted { signedIn, signedOut };
 
-// An account service on this machine that answers as it is told, and the session over it. For
-// tests, pictures and figures, which need somebody signed in.
+// An account service on this machine with scripted answers, and a session with it. For tests,
+// screenshots and measurements that need a signed-in user.
 class ScriptedAccount : public QObject {
     Q_OBJECT
 public:
@@ -21,17 +21,18 @@ public:
 
     AccountSession& session() { return m_session; }
     CreditJournal& journal() { return m_journal; }
-    QString address() const { return m_address; }    // for other programs
-    // For one path, "POST /api/auth/login"; what nothing was said about is not found.
+    QString address() const { return m_address; }    // for other programs to connect to
+    // Sets the answer to a request, such as "POST /api/auth/login". All other requests get status
+    // 404.
     void answer(const QByteArray& request, const QByteArray& json, int status = 200);
     static QByteArray summary(const QByteArray& fullName = "Lucía Ferrer", qint64 balance = 4280);
-    // Requests that begin so wait meanwhile.
+    // Holds back the answers to requests that begin with `requests`, until release() or drop().
     void hold(const QByteArray& requests = {});
     void release();
-    void drop();    // those that wait: there is no answer
+    void drop();    // closes the held connections without an answer
 
     const QList<QByteArray>& log() const { return m_log; }    // "POST /api/auth/login {…}"
-    const QList<QUrl>& opened() const { return m_opened; }    // in the browser
+    const QList<QUrl>& opened() const { return m_opened; }    // addresses to open in the browser
 
 private:
     void read(QTcpSocket* socket);

@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-// A file that does not read is passed over in silence: here it is missed.
+// The library leaves out unreadable files silently, so this test counts the designs.
 TEST(Gallery, HoldsWholeDesignsForEveryFormat)
 {
     const BuiltInTemplateLibrary library;
@@ -27,7 +27,7 @@ TEST(Gallery, HoldsWholeDesignsForEveryFormat)
             names.insert(design.name);
             EXPECT_EQ(design.format, row(format).templateKey.toString()) << place;
             EXPECT_EQ(design.textLayers.size(), 4) << place;
-            // Whatever was applied before leaves no trace.
+            // A design sets everything: nothing of the earlier style is left.
             PublicationItem plain = PublicationItem::make({}, {}), styled = plain;
             for (TextLayer& layer : styled.layers) {
                 const TextLayer kept = layer;
@@ -52,7 +52,7 @@ TEST(Gallery, HoldsWholeDesignsForEveryFormat)
     EXPECT_EQ(count, QDir(u":/templates/gallery"_s).entryList({u"*.json"_s}).size());
 }
 
-// An unknown name falls to the system font without a word.
+// A font that is not installed would silently become the system font.
 TEST(Gallery, UsesInstalledFontsAlone)
 {
     const BuiltInTemplateLibrary library;
@@ -74,7 +74,7 @@ TEST(Gallery, UsesInstalledFontsAlone)
     }
 }
 
-// What a story's own controls would cover.
+// Texts stay clear of the areas that a network's own controls cover in a story.
 TEST(Gallery, KeepsTheTextsOfStoriesInTheSafeZone)
 {
     constexpr double top = 250, bottom = 1920 - 340;

@@ -62,7 +62,7 @@ TEST_F(SavedTemplatesTest, ComesBackAtTheNextStart)
     const QUuid first = saved->saveTemplate(item, portrait);
     const QUuid second = saved->saveTemplate(item, SocialFormat::square);
     saved->renameTemplate(first, u"  Otoño\n2026 "_s);
-    saved->renameTemplate(second, u"   "_s);    // no name: it keeps the one it has
+    saved->renameTemplate(second, u"   "_s);    // blanks are no name: the old one stays
     TextLayerDesign style(CopySlot::callToAction);
     style.fontName = u"Inter"_s;
     const QUuid styleId = saved->saveStyle(style);
@@ -113,14 +113,14 @@ TEST_F(SavedTemplatesTest, CallsBackWhatWasRemovedOrReplaced)
         saved->callBackTemplate();
         EXPECT_EQ(saved->templates().entries(), order) << "each comes back in its place";
     }
-    saved->callBackTemplate();    // how the updated one was, beside it
+    saved->callBackTemplate();    // brings back the replaced arrangement as another entry
     ASSERT_EQ(saved->templates().entries().size(), 3);
     EXPECT_TRUE(saved->templates().lastRemoved().isEmpty());
     EXPECT_TRUE(std::ranges::any_of(saved->templates().entries(), [&](const VisualTemplate& one) {
         return one.id != id && one.id != other && one.shapeLayers.size() == 1;
     }));
 
-    // From a file: once, and never in place of what was changed here.
+    // A template from a file is added once, and never replaces one that the user changed.
     VisualTemplate imported = VisualTemplate::of(item, u"De fuera"_s, portrait);
     EXPECT_EQ(saved->addTemplate(imported), imported.id);
     EXPECT_TRUE(saved->addTemplate(imported).isNull());
@@ -128,7 +128,7 @@ TEST_F(SavedTemplatesTest, CallsBackWhatWasRemovedOrReplaced)
     const QUuid again = saved->addTemplate(imported);
     EXPECT_FALSE(again.isNull());
     EXPECT_NE(again, imported.id);
-    // One that came back from its file and is then called back too.
+    // A removed template is added again from its file, and then called back as well.
     saved->removeTemplate(imported.id);
     saved->renameTemplate(again, u"Otra"_s);
     EXPECT_EQ(saved->addTemplate(imported), imported.id);

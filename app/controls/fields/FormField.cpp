@@ -51,7 +51,7 @@ FormEdit::FormEdit(const QString& name, FieldKind kind, FieldSize size, Icon ico
     } else if (kind == FieldKind::email) {
         setInputMethodHints(Qt::ImhEmailCharactersOnly | Qt::ImhNoAutoUppercase);
     }
-    setTextMargins(left - 2, 0, right, 0);    // less the two pixels that a line edit always adds
+    setTextMargins(left - 2, 0, right, 0);    // QLineEdit adds two pixels itself
 }
 
 void FormEdit::setLocked(bool locked)
@@ -77,7 +77,7 @@ void FormEdit::setRevealed(bool revealed)
                       revealed ? u"Ocultar contraseña"_s : u"Mostrar contraseña"_s);
 }
 
-// Nothing is copied then, not even by selecting, and no step of its typing can be undone.
+// While hidden, QLineEdit copies nothing, not even by selecting, and undoes no typing.
 void FormEdit::unseen(const std::function<void()>& handle)
 {
     const EchoMode mode = echoMode();
@@ -90,7 +90,8 @@ void FormEdit::unseen(const std::function<void()>& handle)
 
 bool FormEdit::event(QEvent* event)
 {
-    // Undoing is the field's own in a form; a hidden one refuses, and the window must not do it.
+    // Takes these keys even if a hidden password has no use for them: the window must not undo or
+    // copy.
     if (event->type() == QEvent::ShortcutOverride) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo) ||
@@ -127,7 +128,7 @@ void FormEdit::mouseDoubleClickEvent(QMouseEvent* event)
     unseen([&] { QLineEdit::mouseDoubleClickEvent(event); });
 }
 
-// Made of what can be done while it is hidden.
+// Hides the password first, so that the menu offers no copying.
 void FormEdit::contextMenuEvent(QContextMenuEvent* event)
 {
     if (m_eye)
@@ -215,7 +216,7 @@ void FormField::setShown(const QString& text)
 
 void FormField::setSaved()
 {
-    m_edit->setText(m_shown);    // which counts as not modified
+    m_edit->setText(m_shown);    // also marks it as not modified
     m_edit->setCursorPosition(0);
 }
 

@@ -10,19 +10,19 @@ class Caption;
 class IconButton;
 
 enum class FieldKind { text, email, password };
-enum class FieldSize { regular, large };    // 32 and 44 high
+enum class FieldSize { regular, large };    // 32 and 44 pixels high
 
-// One line of a form on a ground of its own. A password is shown on demand only, and leaves it by
-// no copy even then.
+// The line edit of a form. A password is hidden until the user asks to see it, and can never be
+// copied.
 class FormEdit : public QLineEdit {
     Q_OBJECT
 public:
     FormEdit(const QString& name, FieldKind kind, FieldSize size, Icon icon, QWidget* parent);
-    // Neither changed nor left: what it was typed for goes on.
+    // Read-only while the form is being sent; keeps the focus.
     void setLocked(bool locked);
     void setProblem(bool problem);
     void setRevealed(bool revealed);
-    IconButton* eye() const { return m_eye; }    // of a password only
+    IconButton* eye() const { return m_eye; }    // null unless this is a password
 
 protected:
     bool event(QEvent* event) override;
@@ -36,7 +36,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    // Does `handle` as if a password could not be seen.
+    // Lets `handle` run with the password hidden.
     void unseen(const std::function<void()>& handle);
 
     FieldKind m_kind;
@@ -46,19 +46,19 @@ private:
     IconButton* m_eye = nullptr;
 };
 
-// A label above a line that is typed for a form. Enter asks to send the form.
+// A label above a FormEdit. Enter asks to send the form.
 class FormField : public QWidget {
     Q_OBJECT
 public:
     FormField(const QString& label, FieldKind kind, FieldSize size = FieldSize::regular,
               Icon icon = Icon::none, QWidget* parent = nullptr);
-    // At the right end of the label's row.
+    // Adds a widget at the right end of the label's row.
     void addToLabel(QWidget* widget);
     QString text() const { return m_edit->text(); }
     FormEdit* edit() const { return m_edit; }
-    // Shows; emits nothing, and leaves alone what is being typed.
+    // Shows a stored value; emits nothing. Text that is being typed stays.
     void setShown(const QString& text);
-    // What was typed is what it was sent for: what is shown takes its place.
+    // Shows the stored value in place of the typed text, which has been saved.
     void setSaved();
     void clear();
     void setLocked(bool locked) { m_edit->setLocked(locked); }

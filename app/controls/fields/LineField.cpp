@@ -11,7 +11,7 @@ constexpr int fieldHeight = 32, lineFieldPadding = 8, lineFieldIconSide = 20, li
 bool belongsToWindow(const QKeyEvent* event)
 {
     const bool turnsPage = event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
-    // Under X11 it would go to the end of the line.
+    // Under X11, QLineEdit takes Ctrl+E to go to the end of the line.
     const bool exports = event->key() == Qt::Key_E && event->modifiers() == Qt::ControlModifier;
     return exports || (turnsPage && event->modifiers() == Qt::NoModifier) ||
            event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo);
@@ -25,7 +25,7 @@ LineField::LineField(const QString& name, const QString& placeholder, Icon icon,
     setAccessibleName(name);
     setPlaceholderText(placeholder);
     setFixedHeight(fieldHeight);
-    // Less the two pixels that a line edit always adds.
+    // QLineEdit adds two pixels itself.
     const int left = icon == Icon::none
                          ? lineFieldPadding
                          : lineFieldPadding + lineFieldIconSide + lineFieldIconGap - 2;
@@ -67,7 +67,7 @@ void LineField::keyPressEvent(QKeyEvent* event)
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        clearFocus();    // which ends the edit
+        clearFocus();    // ends the edit
         return;
     case Qt::Key_Escape:
         setText(m_shown);

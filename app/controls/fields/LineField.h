@@ -9,18 +9,19 @@ class QKeyEvent;
 // previous image, and exporting.
 bool belongsToWindow(const QKeyEvent* event);
 
-// One line on a ground of its own. Enter and Esc end the edit and give the arrows back.
+// A one-line edit. Enter and Esc end the edit and give up the focus, so that the arrow keys act on
+// the window again.
 class LineField : public QLineEdit {
     Q_OBJECT
 public:
     LineField(const QString& name, const QString& placeholder = {}, Icon icon = Icon::none,
               QWidget* parent = nullptr);
-    // Shows; emits nothing, and leaves alone what is being typed.
+    // Shows a value; emits nothing. Text that is being typed stays.
     void setShown(const QString& text);
 
 Q_SIGNALS:
-    void edited(const QString& text);    // once the edit has ended, and the text is another
-    void abandoned();                    // by Esc: what was shown is back
+    void edited(const QString& text);    // the edit has ended with another text
+    void abandoned();    // the edit was ended by Esc; the value from before it is shown
 
 protected:
     bool event(QEvent* event) override;

@@ -131,7 +131,7 @@ bool SegmentedControl::event(QEvent* event)
     case QEvent::ToolTip: {
         const auto* help = static_cast<QHelpEvent*>(event);
         const int index = segmentAt(help->pos());
-        // A tooltip of the whole says why it is disabled.
+        // While disabled, a tooltip of the whole control says why.
         if (index >= 0 && (isEnabled() || toolTip().isEmpty()))
             QToolTip::showText(help->globalPos(), m_segments[index].toolTip, this,
                                segmentRect(index));
@@ -175,7 +175,7 @@ void SegmentedControl::paintEvent(QPaintEvent*)
             continue;
         }
         if (segment.icon != Icon::none) {
-            left -= iconAir;    // the drawing keeps clear of its own edge
+            left -= iconAir;    // icons have an empty edge of their own
             paintIcon(painter, segment.icon, QRectF(left, box.top(), iconSide(), box.height()),
                       iconSide(), ink);
             left += iconSide() + iconGap();

@@ -14,26 +14,26 @@ struct Segment {
     QString name = {};    // for screen readers
 };
 
-enum class SegmentSize { bar, field, large };    // 36 high; 32 and tighter; 44
+enum class SegmentSize { bar, field, large };    // pixels high: 36; 32 and tighter; 44
 
-// One of several. A single stop for Tab, inside which the arrows choose.
+// A choice of one segment among several. A single stop for Tab, inside which the arrow keys choose.
 class SegmentedControl : public QWidget {
     Q_OBJECT
 public:
     explicit SegmentedControl(const QList<Segment>& segments, QWidget* parent = nullptr);
 
     void setSize(SegmentSize size);
-    // As wide as its room, the segments alike.
+    // Takes the whole width of its place, with segments of equal width.
     void setStretched(SegmentSize size = SegmentSize::field);
-    // Empty: none is chosen, and the name is the owner's to give.
-    void setCurrent(std::optional<int> index);    // shows; emits nothing
+    // Without an index no segment is chosen, and the owner sets the accessible name.
+    void setCurrent(std::optional<int> index);    // emits nothing
     int current() const { return m_current; }
     QRect segmentRect(int index) const;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 Q_SIGNALS:
-    void chosen(int index);    // by the user; never the current one
+    void chosen(int index);    // by the user; never the current segment
 
 protected:
     bool event(QEvent* event) override;

@@ -38,7 +38,7 @@ constexpr const UnitRow& row(SliderUnit unit)
 }
 static_assert(std::ranges::all_of(units, [](const auto& r) { return &row(r.unit) == &r; }));
 
-// Also turns what is not a number into the lower bound.
+// Keeps a value in its range; a NaN becomes the lower bound.
 double bounded(double value, SliderRange range)
 {
     return value > range.from ? std::min(value, range.to) : range.from;
@@ -92,7 +92,7 @@ SliderField::SliderField(const QString& label, SliderRange range, QWidget* paren
     setAttribute(Qt::WA_Hover);
     setCursor(Qt::SizeHorCursor);
     setProperty("focusRadius", Radius::field);
-    m_edit->setFocusPolicy(Qt::ClickFocus);    // Tab stops here, not there
+    m_edit->setFocusPolicy(Qt::ClickFocus);    // Tab stops at the slider itself
     m_edit->setAlignment(Qt::AlignRight);
     m_edit->setMaxLength(12);
     m_edit->installEventFilter(this);
@@ -246,7 +246,7 @@ bool SliderField::eventFilter(QObject* object, QEvent* event)
         break;
     }
     case QEvent::FocusOut:
-        // After the edit has told its text.
+        // Closes the edit later: it has not emitted its text yet.
         QMetaObject::invokeMethod(this, &SliderField::closeEdit, Qt::QueuedConnection);
         break;
     default:
@@ -294,7 +294,8 @@ void SliderField::paintEvent(QPaintEvent*)
 
     const QString value = valueText();
     const double valueWidth = textWidth(Type::bodyMedium, value);
-    // "Opacidad 100 %" in the narrowest panel: a closer edge is better than half a word.
+    // "Opacidad 100 %" does not fit into the narrowest panel with the full padding: a smaller
+    // padding is better than half a word.
     const double spare = width() - textWidth(Type::body, m_label) - labelGap - valueWidth;
     const double side = std::clamp(spare / 2, leastPadding, sliderPadding);
     const QRectF line(side, 0, width() - 2 * side, height() - 1);
@@ -322,7 +323,7 @@ void SliderField::mouseMoveEvent(QMouseEvent* event)
             return;
         m_press = Press::drag;
         m_dragged = m_value;
-        m_pressX = x;    // no jump by what it took to tell a drag from a click
+        m_pressX = x;    // no jump by the distance that told a drag from a click
         m_holding = true;
         update();
         return;
@@ -393,7 +394,8 @@ void SliderField::focusOutEvent(QFocusEvent*)
     update();
 }
 
-// What ends a gesture from outside must not leave it open for whoever counts the steps.
+// A field that is disabled or hidden ends its drag or held key, so that the last change follows,
+// which closes the step in the history.
 void SliderField::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::EnabledChange) {

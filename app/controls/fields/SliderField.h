@@ -8,42 +8,43 @@
 
 class LineField;
 
-// What a number stands for, and with it how it is written and how fine it is.
+// The unit of a slider's number: how it is written, and how finely it changes.
 enum class SliderUnit { plain, percent, multiplier, degrees };
 
 struct SliderRange {
     SliderUnit unit = SliderUnit::plain;
-    double from = 0, to = 1;    // of percent, 1 is a hundred
+    double from = 0, to = 1;    // as a percentage, 1 is 100 %
 };
 
-// A number with its name. Dragged sideways it changes, Shift for a tenth of the speed; a click
-// opens it for typing, a double click gives the default back. The arrows step by one, with Shift
-// by ten; Home and End go to the bounds, Enter types.
+// A labelled number. Dragging sideways changes it, with Shift at a tenth of the speed; a click
+// opens it for typing, a double click restores the default. The arrow keys step by one, with Shift
+// by ten; Home and End go to the bounds, Enter opens it for typing.
 class SliderField : public QWidget {
     Q_OBJECT
 public:
     SliderField(const QString& label, SliderRange range, QWidget* parent = nullptr);
 
-    // Shows; emits nothing. What is out of range is shown as the nearest bound.
+    // Shows a value; emits nothing. A value out of range is shown as the nearest bound.
     void setValue(double value);
     void setDefault(double value);
-    // The value stands for nothing, and is not shown.
+    // Shows no value, because nothing is selected that has one.
     void setBlank(bool blank);
     bool isBlank() const { return m_blank; }
-    // Where something else stops what larger values would do; empty where nothing does.
+    // Marks the value beyond which a larger one has no effect; without a limit there is no mark.
     void setLimit(std::optional<double> limit);
-    void letGo() { rest(); }    // as if the mouse or the key were released now
+    void letGo() { rest(); }    // ends a drag or held key now
     double value() const { return m_value; }
     SliderRange range() const { return m_range; }
     QString valueText() const;
     double step() const;
-    // As if the user had typed it.
+    // Sets the value as if the user had typed it.
     void enter(double value);
     QSize sizeHint() const override { return {132, 32}; }
     QSize minimumSizeHint() const override { return {80, 32}; }
 
 Q_SIGNALS:
-    // Held for each change on the way; a last one at rest always follows, changed or not.
+    // Pace::held for each change during a drag or a held key; at its end always Pace::once, even if
+    // the value has not changed.
     void valueChanged(double value, Pace pace);
 
 protected:
@@ -63,7 +64,7 @@ protected:
 
 private:
     std::optional<double> read(const QString& text) const;
-    double share(double value) const;    // of the range
+    double share(double value) const;    // of the range, 0 to 1
     double snapped(double value) const;
     void hold(double value);
     void rest();
@@ -81,7 +82,7 @@ private:
     enum class Press { none, click, drag };
     Press m_press = Press::none;
     double m_pressX = 0;
-    double m_dragged = 0;    // the value before it is snapped
+    double m_dragged = 0;    // the value of a drag before it is rounded
     QElapsedTimer m_opened;
     bool m_openedByKey = false;
     LineField* m_edit;

@@ -56,7 +56,7 @@ void SlotEditor::setText(const QString& text)
     m_showing = false;
 }
 
-// The toolkit's own plain text would turn no-break spaces into spaces.
+// QTextEdit::toPlainText() would turn no-break spaces into spaces.
 QString SlotEditor::text() const
 {
     return document()
@@ -103,7 +103,7 @@ void SlotEditor::keyPressEvent(QKeyEvent* event)
         Q_EMIT leaveRequested();
         return;
     }
-    // One letter too many, and the text could not be edited when it is shown again.
+    // A text over longestText could not be edited any more when it is shown again.
     const QString typed = event->text();
     const bool adds = !typed.isEmpty() && (typed[0].isPrint() || typed[0] == u'\r');
     if (adds && !textCursor().hasSelection() && text().size() >= longestText)
@@ -111,8 +111,8 @@ void SlotEditor::keyPressEvent(QKeyEvent* event)
     m_pace = event->isAutoRepeat() ? Pace::held : Pace::once;
     QTextEdit::keyPressEvent(event);
     m_pace = Pace::once;
-    // What it has no use for, because it may not be written in, is not the window's either: there
-    // the same keys hide layers.
+    // A read-only editor keeps keys from the window that it has no use for: there the same keys
+    // hide layers.
     if (isReadOnly() && event->modifiers() == Qt::NoModifier)
         event->accept();
 }
@@ -143,11 +143,11 @@ void SlotEditor::focusInEvent(QFocusEvent* event)
 void SlotEditor::focusOutEvent(QFocusEvent* event)
 {
     QTextEdit::focusOutEvent(event);
-    // A menu or another window takes it for a while only.
+    // A menu or another window takes the focus for a while only.
     if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason)
         return;
     QTextCursor cursor = textCursor();
-    cursor.clearSelection();    // else it looks as if typing still went here
+    cursor.clearSelection();    // a selection would look as if typing still went here
     setTextCursor(cursor);
     Q_EMIT blurred();
 }

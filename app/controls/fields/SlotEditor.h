@@ -3,26 +3,26 @@
 
 #include <QTextEdit>
 
-// A plain text that grows from one line to five and scrolls beyond. Tab leaves it; what belongs to
-// the window reaches the window, undo included, so it keeps no history of its own.
+// A plain text editor that grows from one line to five and scrolls beyond. Tab leaves it. The
+// window's keys reach the window, undo included, so the editor keeps no history of its own.
 class SlotEditor : public QTextEdit {
     Q_OBJECT
 public:
     explicit SlotEditor(const QString& name, QWidget* parent = nullptr);
 
-    // Shows; emits nothing. The same text leaves cursor and selection alone. One over longestText
-    // is shown in part and cannot be changed here.
+    // Shows a text; emits nothing. Setting the current text again keeps cursor and selection. A
+    // text over longestText is shown in part and cannot be changed here.
     void setText(const QString& text);
     QString text() const;
     QSize sizeHint() const override { return {280, height()}; }
     QSize minimumSizeHint() const override { return {80, height()}; }
 
 Q_SIGNALS:
-    void edited(const QString& text, Pace pace);    // held by a key that repeats
-    void grown();                                   // or shrunk
+    void edited(const QString& text, Pace pace);    // Pace::held while a key repeats
+    void grown();                                   // the height has changed
     void focused();
     void blurred();
-    void leaveRequested();    // by Esc
+    void leaveRequested();    // Esc was pressed
 
 protected:
     bool event(QEvent* event) override;
@@ -38,7 +38,7 @@ private:
     void fit();
     void setLineHeights();
 
-    QString m_shown;    // what the owner last set or was told
+    QString m_shown;    // the text last set or emitted
     Pace m_pace = Pace::once;
     bool m_showing = false;
 };

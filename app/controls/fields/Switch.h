@@ -1,7 +1,7 @@
 #pragma once
 #include "app/controls/Button.h"
 
-// On or off. Shown with setChecked(); clicked() is the user's.
+// A switch, on or off. The program sets it with setChecked(); clicked() comes from the user only.
 class Switch : public Control {
     Q_OBJECT
 public:

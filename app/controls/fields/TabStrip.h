@@ -8,18 +8,19 @@ struct PanelTab {
     QString text;
 };
 
-// The chosen one has a line below. A single stop for Tab, inside which the arrows choose.
+// A row of tabs; the chosen one has a line below. A single stop for Tab, inside which the arrow
+// keys choose.
 class TabStrip : public QWidget {
     Q_OBJECT
 public:
     explicit TabStrip(const QList<PanelTab>& tabs, QWidget* parent = nullptr);
-    void setCurrent(int index);    // shows; emits nothing
+    void setCurrent(int index);    // emits nothing
     int current() const { return m_current; }
     QRect tabRect(int index) const;
     QSize sizeHint() const override { return {327, 48}; }
 
 Q_SIGNALS:
-    void chosen(int index);    // by the user; never the current one
+    void chosen(int index);    // by the user; never the current tab
 
 protected:
     bool event(QEvent* event) override;

@@ -15,7 +15,7 @@ TextField::TextField(const QString& label, const QString& placeholder, QWidget* 
     : QWidget(parent), m_label(label), m_edit(new QLineEdit(this))
 {
     m_edit->setFrame(false);
-    m_edit->setTextMargins(-2, 0, 0, 0);    // the two pixels a line edit always adds
+    m_edit->setTextMargins(-2, 0, 0, 0);    // QLineEdit adds two pixels itself
     m_edit->setFont(fontOf(Type::body));
     m_edit->setPlaceholderText(placeholder);
     m_edit->setAccessibleName(label);
@@ -34,7 +34,7 @@ TextField::TextField(const QString& label, const QString& placeholder, QWidget* 
 
 void TextField::setText(const QString& text)
 {
-    // Shown already, or shown before the edit under way began: what the user has typed stays.
+    // The text was set before: what the user has typed since then stays.
     if (m_shown == text)
         return;
     m_shown = text;
@@ -69,7 +69,7 @@ bool TextField::eventFilter(QObject* object, QEvent* event)
     case QEvent::KeyPress: {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) {
-            m_edit->clearFocus();    // which finishes the edit, and gives the arrows back
+            m_edit->clearFocus();    // ends the edit and gives the window its arrow keys back
             m_edit->setCursorPosition(0);
             return true;
         }

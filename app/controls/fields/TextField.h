@@ -2,19 +2,20 @@
 #include <QLineEdit>
 #include <QWidget>
 
-// A label that stays visible above the one line that is edited.
+// A one-line edit below a label that stays visible.
 class TextField : public QWidget {
     Q_OBJECT
 public:
     TextField(const QString& label, const QString& placeholder, QWidget* parent = nullptr);
-    void setText(const QString& text);    // shows; emits nothing, and starts no edit anew
+    // Emits nothing. A text that is set again leaves alone what is being typed.
+    void setText(const QString& text);
     QString text() const { return m_edit->text(); }
     QLineEdit* edit() const { return m_edit; }
-    void finish();    // the edit under way counts from now on
+    void finish();    // ends the edit under way
     QSize sizeHint() const override { return {320, 44}; }
 
 Q_SIGNALS:
-    void edited(const QString& text);    // Enter, Esc or the focus left, and the text is another
+    void edited(const QString& text);    // the edit has ended with another text
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -23,6 +24,6 @@ protected:
 
 private:
     QString m_label;
-    QString m_shown;    // what the owner last set or was told
+    QString m_shown;    // the text last set or emitted
     QLineEdit* m_edit;
 };

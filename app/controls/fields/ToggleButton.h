@@ -7,9 +7,9 @@ class ToggleButton : public Control {
 public:
     // The text is the accessible name too.
     ToggleButton(Icon icon, const QString& text, QWidget* parent = nullptr);
-    // Hidden, the label becomes the tooltip.
+    // Hidden labels become tooltips.
     void setLabels(Labels labels);
-    // Why it is disabled, told while it is.
+    // The reason why the button is disabled, its tooltip while it is.
     void setReason(const QString& reason);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

@@ -68,7 +68,7 @@ void ZoomSlider::paintEvent(QPaintEvent*)
                     zoomTrackHeight / 2, theme.accentLine);
     const QRectF box(knob - knobRadius, height() / 2.0 - knobRadius, 2 * knobRadius,
                      2 * knobRadius);
-    painter.setPen(QPen(theme.line2, 1));    // on a light panel white would drown
+    painter.setPen(QPen(theme.line2, 1));    // sets a white knob off from a light panel
     painter.setBrush(isEnabled() ? QColor(Qt::white) : theme.dis);
     painter.drawEllipse(box.adjusted(0.5, 0.5, -0.5, -0.5));
 }
@@ -112,7 +112,7 @@ void ZoomSlider::wheelEvent(QWheelEvent* event)
     event->ignore();
 }
 
-// What is held when it goes out of sight or is disabled never hears of its release.
+// Ends a drag or held key when the slider is hidden or disabled: it never gets the release then.
 bool ZoomSlider::event(QEvent* event)
 {
     if (event->type() == QEvent::Hide || (event->type() == QEvent::EnabledChange && !isEnabled()))

@@ -1,7 +1,7 @@
 #pragma once
 #include <QAbstractSlider>
 
-// A value on a short track. The mouse gives it no focus, and the wheel is left to what lies around
+// A slider on a short track. The mouse gives it no focus, and the wheel goes to the widget around
 // it.
 class ZoomSlider : public QAbstractSlider {
     Q_OBJECT
@@ -9,11 +9,12 @@ public:
     ZoomSlider(int lowest, int highest, QWidget* parent = nullptr);
 
     void setShownValue(int value);    // emits nothing
-    void letGo() { rest(); }          // as if the mouse or the key were released now
+    void letGo() { rest(); }          // ends a drag or held key now
     QSize sizeHint() const override { return {112, 28}; }
 
 Q_SIGNALS:
-    // By the user. `held` while the knob is dragged or a key repeats; then a last one without.
+    // The user has moved the knob. `held` is true during a drag or while a key repeats; when that
+    // ends, moved() is emitted once more, with false.
     void moved(int value, bool held);
 
 protected:
@@ -36,5 +37,5 @@ private:
     bool m_held = false;
     bool m_toldHeld = false;
     bool m_quiet = false;
-    double m_grip = 0;    // from the knob's centre to where it was taken
+    double m_grip = 0;    // from the knob's centre to the pointer, in pixels
 };

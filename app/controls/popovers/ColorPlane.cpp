@@ -70,7 +70,7 @@ void ColorPlane::paintEvent(QPaintEvent*)
         down.setColorAt(1, Qt::black);
         painter.fillPath(outline, down);
     }
-    // Inside the edges, so that it can be seen whole.
+    // The mark stays inside the edges, where all of it can be seen.
     const QPointF at(planeMarkSide / 2 + m_mark.x() * (width() - planeMarkSide),
                      planeMarkSide / 2 + m_mark.y() * (height() - planeMarkSide));
     const QRectF ring(at - QPointF(planeMarkSide, planeMarkSide) / 2,

@@ -5,14 +5,14 @@
 
 enum class ColorPlaneKind { shade, hue };
 
-// A mark dragged over a field of colours: saturation and value of a hue, or the hues in a row. The
-// arrows move it by one in a hundred, with Shift by ten.
+// A field of colours with a mark to drag: saturation and value of one hue, or all hues in a row.
+// The arrow keys move the mark by a hundredth, with Shift by a tenth.
 class ColorPlane : public QWidget {
     Q_OBJECT
 public:
     ColorPlane(ColorPlaneKind kind, const QString& name, QWidget* parent = nullptr);
     void setHue(double hue);    // 0 to 1
-    // From the top left corner, 0 to 1; hues have no y.
+    // The mark's place from the top left corner, 0 to 1; in a row of hues y is 0.5.
     void setMark(QPointF mark);
     QPointF mark() const { return m_mark; }
 

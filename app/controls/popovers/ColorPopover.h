@@ -8,7 +8,7 @@
 class ColorPlane;
 class LineField;
 
-// Colours at hand.
+// Colours that the popover offers.
 struct ColorOffers {
     QList<QColor> photo;     // of the photograph
     QList<QColor> recent;    // last used, the newest first
@@ -20,11 +20,11 @@ class ColorPopover : public Popover {
 public:
     ColorPopover(QWidget* owner, const QColor& color, const ColorOffers& offers);
     void open(Qt::FocusReason reason);
-    void setColor(const QColor& color);    // shows; emits nothing
+    void setColor(const QColor& color);    // emits nothing
 
 Q_SIGNALS:
     void colorChanged(const QColor& color, Pace pace);
-    void colorUsed(const QColor& color);    // the popover closes, and this one was chosen in it
+    void colorUsed(const QColor& color);    // the last chosen one, when the popover closes
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -37,7 +37,7 @@ private:
     void addOffers(const QString& title, const QList<QColor>& colors);
     void tell(Pace pace);
 
-    double m_hue = 0, m_saturation = 0, m_value = 0;    // the hue of a grey is kept as well
+    double m_hue = 0, m_saturation = 0, m_value = 0;    // 0 to 1; a grey keeps its last hue
     bool m_changed = false;
     int m_height = 0;
     ColorPlane* m_shade;

@@ -3,9 +3,9 @@
 class QKeyEvent;
 class QWidget;
 
-// Moves the keyboard focus to the next or the previous stop inside of `area`, round its ends. False
-// where nothing inside takes the focus.
+// Moves the keyboard focus to the next or the previous stop inside `area`, from the last one round
+// to the first. Returns false when nothing inside takes the focus.
 bool moveFocusRound(QWidget* area, bool next);
 
-// Enter presses the button that has the focus inside of `area`. False where it does not apply.
+// Lets Enter press the focused button inside `area`. Returns false for another key or focus.
 bool pressFocused(const QKeyEvent* event, const QWidget* area);

@@ -15,7 +15,7 @@ QString joined(const QString& style)
     return QString(style).remove(u' ').toCaseFolded();
 }
 
-// Foundries in brackets tell apart what a stored name does not.
+// Qt adds the foundry in brackets to families of equal name; stored names do not have it.
 QString withoutFoundry(const QString& family)
 {
     const auto bracket = family.indexOf(" ["_L1);
@@ -68,7 +68,7 @@ const QStringList& FontCatalog::families()
 {
     if (m_families.isEmpty()) {
         QStringList all = QFontDatabase::families();
-        // Neither the toolkit's own nor names that stand for whatever font there is.
+        // Neither the system's private fonts nor names that stand for any font.
         const QStringList stand{u"Monospace"_s, u"Sans Serif"_s, u"Serif"_s};
         all.removeIf([&stand](const QString& family) {
             return QFontDatabase::isPrivateFamily(family) || stand.contains(family);
@@ -85,8 +85,8 @@ const QList<FontFace>& FontCatalog::faces(const QString& family)
     if (const auto known = m_faces.constFind(family); known != m_faces.cend())
         return *known;
     QStringList styles = QFontDatabase::styles(family);
-    // The system may leave the regular face out of its list; asked for one that is not there, it
-    // gives another.
+    // The system may leave the regular face out of its list. Asking for a missing face gives
+    // another one, hence the comparison.
     const QString regular = u"Regular"_s;
     if (!styles.contains(regular) &&
         QRawFont::fromFont(QFontDatabase::font(family, regular, 12)).styleName() == regular)
@@ -123,7 +123,7 @@ QString drawnFace(const QString& storedName)
 
 bool isInstalled(const QString& storedName)
 {
-    // What stands in for a missing font has the weight of the slot, a font of its own has not.
+    // A font that replaces a missing one has the weight of the slot; an installed font has not.
     return storedName == "System"_L1 ||
            drawnFont(storedName, CopySlot::title) == drawnFont(storedName, CopySlot::subtitle);
 }

@@ -11,15 +11,15 @@ struct FontFace {
     bool operator==(const FontFace&) const = default;
 };
 
-// The installed fonts as a person looks for them. Asks the system at the first question.
+// The installed fonts, by family. Asks the system when it is first used.
 class FontCatalog {
 public:
-    // Without families that are only a face of another, such as "Inter Black" beside "Inter"; those
-    // of symbols and mathematics last.
+    // Families that are only a face of another, such as "Inter Black" beside "Inter", are left out;
+    // those of symbols and formulas come last.
     const QStringList& families();
-    // All that are installed, from thin to black, upright before slanted.
+    // All installed faces, from thin to black, upright before slanted.
     const QList<FontFace>& faces(const QString& family);
-    // The stored name of its regular face, or of the one drawn for the family where it has none.
+    // The stored name of the family's regular face; if it has none, of the face drawn for its name.
     QString usualFace(const QString& family);
 
 private:
@@ -27,14 +27,14 @@ private:
     QHash<QString, QList<FontFace>> m_faces;
 };
 
-// `stylesOf` gives the styles of a family.
+// Removes families that are only a face of another, and sorts. `stylesOf` gives a family's styles.
 QStringList foldFamilies(const QStringList& families,
                          const std::function<QStringList(const QString&)>& stylesOf);
 
 bool isForWords(const QString& family);    // not for symbols or formulas
-// The full name of the face that stands for a stored name, "Bebas Neue Book" for "Bebas Neue".
+// The full name of the face that is drawn for a stored name, "Bebas Neue Book" for "Bebas Neue".
 QString drawnFace(const QString& storedName);
-// Is it drawn as itself?
+// Whether texts in this font are drawn in it, and not in one that replaces a missing font.
 bool isInstalled(const QString& storedName);
-// As texts in it are drawn.
+// The font in which texts with this stored name are drawn.
 QFont fontOfStored(const QString& storedName, int pixels);

@@ -5,12 +5,12 @@
 
 class Popover;
 
-// The font of a text by the name that files hold; pressed, it lists the installed ones.
+// A button with the stored name of a text's font; it opens the list of installed fonts.
 class FontField : public Control {
     Q_OBJECT
 public:
     explicit FontField(QWidget* parent = nullptr);
-    void setFontName(const QString& storedName);    // shows, empty none; emits nothing
+    void setFontName(const QString& storedName);    // empty: no font; emits nothing
     void closePopover();
     QSize sizeHint() const override { return {152, 32}; }
 

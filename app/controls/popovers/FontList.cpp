@@ -16,7 +16,7 @@ FontList::FontList(const QString& current, QObject* parent)
     : QAbstractListModel(parent), m_current(current),
       m_drawn(current == "System"_L1 || !isInstalled(current) ? current : drawnFace(current))
 {
-    // The family of a face that is the current one stands open.
+    // Unfolds the family of the current face, unless the family's own row stands for that face.
     for (const QString& family : m_catalog.families()) {
         if (m_drawn.startsWith(family + u' ') && m_catalog.usualFace(family) != m_drawn &&
             std::ranges::any_of(m_catalog.faces(family),
@@ -75,7 +75,7 @@ void FontList::build()
 
 bool FontList::isMarked(const FontRow& row) const
 {
-    // A family that stands open leaves the mark to its face.
+    // An unfolded family leaves the mark to its face.
     return row.storedName == m_drawn && !(row.kind == FontRowKind::family && isUnfolded(row.name));
 }
 

@@ -61,13 +61,13 @@ public:
         const QFont font = sampleFont(row);
         painter->setFont(font);
         painter->setPen(row.kind == FontRowKind::face && !marked ? theme.text2 : theme.text);
-        painter->setClipRect(option.rect);    // some faces are taller than they say
+        painter->setClipRect(option.rect);    // some faces are taller than their metrics
         painter->drawText(line, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
                           QFontMetricsF(font).elidedText(row.name, Qt::ElideRight, line.width()));
     }
 
 private:
-    // Its own, unless nobody could read its name in it.
+    // The row's own font, unless nobody could read its name in it.
     static QFont sampleFont(const FontRow& row)
     {
         if (row.kind == FontRowKind::missing || row.kind == FontRowKind::system)
@@ -155,7 +155,7 @@ bool FontPopover::setUnfolded(int index, bool unfolded)
     if (index < 0 || index >= m_fonts->rowCount())
         return false;
     FontRow row = m_fonts->rowAt(index);
-    if (row.kind == FontRowKind::face) {    // its family is the nearest above
+    if (row.kind == FontRowKind::face) {    // its family is the nearest family row above
         while (index > 0 && m_fonts->rowAt(index).kind == FontRowKind::face)
             --index;
         row = m_fonts->rowAt(index);
@@ -187,7 +187,7 @@ bool FontPopover::pressKey(int key)
         return true;
     case Qt::Key_Left:
     case Qt::Key_Right:
-        // Where there is nothing to fold they move the cursor in what is typed.
+        // With nothing to fold, left and right move the cursor in the search.
         return atEnd && setUnfolded(m_view->currentIndex().row(), key == Qt::Key_Right);
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -219,7 +219,7 @@ bool FontPopover::eventFilter(QObject* object, QEvent* event)
             const bool turnsPage = key == Qt::Key_PageUp || key == Qt::Key_PageDown;
             if (press && pressKey(key))
                 return true;
-            if (!press && turnsPage) {    // not the next image
+            if (!press && turnsPage) {    // or the window would show the next image
                 event->accept();
                 return true;
             }

@@ -5,8 +5,8 @@ class FontList;
 class LineField;
 class QListView;
 
-// Search above, fonts below, each drawn in itself. The arrows move in the list while the search is
-// typed: right and left unfold and fold a family, Enter chooses.
+// A search field above the list of fonts, each drawn in itself. The arrow keys move in the list
+// while the search is typed: right and left unfold and fold a family, Enter chooses.
 class FontPopover : public Popover {
     Q_OBJECT
 public:
@@ -23,7 +23,7 @@ protected:
 private:
     void moveCurrent(int rows);
     void choose(int index);
-    bool setUnfolded(int index, bool unfolded);    // whether anything changed
+    bool setUnfolded(int index, bool unfolded);    // returns whether anything changed
     bool pressKey(int key);
 
     FontList* m_fonts;

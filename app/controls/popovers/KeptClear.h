@@ -4,7 +4,8 @@
 
 class QWidget;
 
-// A window that says what a popover of `owner` should leave in sight, in its own coordinates.
+// Implemented by a window that has areas which a popover of `owner` should not cover. The areas are
+// in window coordinates.
 class KeptClear {
 public:
     virtual ~KeptClear() = default;

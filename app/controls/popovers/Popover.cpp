@@ -19,7 +19,7 @@ Popover::Popover(QWidget* owner) : QWidget(owner->window()), m_owner(owner)
     setAttribute(Qt::WA_DeleteOnClose);
     hide();
     connect(owner, &QObject::destroyed, this, [this] {
-        disconnect();    // nothing is told to what is being destroyed
+        disconnect();    // no signal may reach an owner that is being destroyed
         close();
     });
 }
@@ -73,7 +73,7 @@ QRect Popover::content() const
     return box().adjusted(padding, padding, -padding, -padding);
 }
 
-// Where the box may go, what is best first: below the owner, above it where there is more room, and
+// Where the box may go, the best place first: below the owner; above it, where there is more room;
 // beside it, level with the owner or clear of one of the areas.
 QList<QPoint> Popover::placesFor(QSize size, const QRect& bounds, const QList<QRect>& clear) const
 {
@@ -93,7 +93,7 @@ QList<QPoint> Popover::placesFor(QSize size, const QRect& bounds, const QList<QR
     return places;
 }
 
-// The first that covers least of what the window wants in sight, and never over the window's edge.
+// The first of the places that cover least of the areas to keep clear, moved inside the window.
 Popover::Place Popover::bestPlace(QSize size) const
 {
     const QRect bounds = window()->rect().adjusted(popoverWindowMargin, popoverWindowMargin,
@@ -136,7 +136,8 @@ bool Popover::eventFilter(QObject* object, QEvent* event)
     switch (event->type()) {
     case QEvent::MouseButtonPress:
     case QEvent::Wheel:
-        // The owner's own click closes it, else it would open again at once.
+        // A press on the owner is left to the owner, which closes the popover; closed here, it
+        // would open again at the owner's click.
         if (isOutside(object) && object != m_owner)
             close();
         break;
@@ -180,7 +181,7 @@ void Popover::paintEvent(QPaintEvent*)
     strokeRounded(painter, box(), Radius::popover, theme.line2);
 }
 
-// Taken, so that they do not reach the window below.
+// Presses and the wheel stop here; ignored, they would reach the window below.
 void Popover::mousePressEvent(QMouseEvent* event)
 {
     if (!box().contains(event->position().toPoint()))

@@ -2,19 +2,20 @@
 #include <QPointer>
 #include <QWidget>
 
-// A box that floats above its window next to the control it belongs to, and leaves the rest of the
-// window usable. Esc, a press elsewhere and the end of its owner close it; closed, it is gone. Tab
-// goes round inside.
+// A box that floats above its window, next to the control that owns it, and leaves the rest of the
+// window usable. Esc, a press elsewhere, or the owner being hidden, disabled or deleted closes it;
+// closing deletes it. Tab goes round inside.
 class Popover : public QWidget {
     Q_OBJECT
 public:
     explicit Popover(QWidget* owner);
-    // `content` is the size inside the paddings. Closed, it gives the focus back to what has it
-    // now.
+    // `content` is the size inside the paddings. On closing, the focus returns to the widget that
+    // has it now.
     void open(QSize content);
-    // As open(), as much lower as it takes to leave clear what the window wants in sight.
+    // Like open(), but with less height, down to `leastHeight`, if that keeps clear what the window
+    // wants in sight.
     void openWithin(QSize content, int leastHeight);
-    // The focus goes there now, and back with the same reason.
+    // Moves the focus to `target`; on closing it returns with the same reason.
     void takeFocus(QWidget* target, Qt::FocusReason reason);
 
 Q_SIGNALS:
@@ -23,10 +24,10 @@ Q_SIGNALS:
 protected:
     static constexpr int padding = 14;
     QWidget* owner() const { return m_owner; }
-    QRect box() const;        // what is seen, without the room for the shadow
-    QRect content() const;    // the same without the paddings
+    QRect box() const;        // the visible part, without the room for the shadow
+    QRect content() const;    // the box without the paddings
     void resizeContent(QSize content);
-    QSize largestContent() const;    // that the window has room for below the owner
+    QSize largestContent() const;    // that fits into the window below the owner
     bool eventFilter(QObject* object, QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
     void paintEvent(QPaintEvent* event) override;
@@ -37,14 +38,14 @@ protected:
 private:
     bool isOutside(const QObject* object) const;
     struct Place {
-        QPoint at;            // of the box, in the window
-        qint64 covers = 0;    // of what should be in sight, in pixels
+        QPoint at;            // the box's top left corner, in the window
+        qint64 covers = 0;    // pixels covered of the areas to keep clear
     };
     QList<QPoint> placesFor(QSize box, const QRect& bounds, const QList<QRect>& clear) const;
     Place bestPlace(QSize box) const;
     void place();
 
     QPointer<QWidget> m_owner;
-    QPointer<QWidget> m_before;    // had the focus
+    QPointer<QWidget> m_before;    // had the focus before
     Qt::FocusReason m_reason = Qt::OtherFocusReason;
 };

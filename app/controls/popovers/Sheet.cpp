@@ -21,7 +21,7 @@ constexpr double riseFrom = 0.98;
 constexpr int sheetColumnWidth = 216, columnSide = 12, columnTop = 20;
 constexpr int contentSide = 32, contentTop = 22, contentBottom = 24;
 
-// The ground of the box and of its column.
+// Paints the background of the sheet's box and of its column.
 class Box : public QWidget {
 public:
     using QWidget::QWidget;
@@ -40,7 +40,7 @@ protected:
     }
 };
 
-// A screen reader is told that nothing else can be used meanwhile.
+// Tells screen readers that the sheet is modal.
 class SheetAccessible : public QAccessibleWidget {
 public:
     explicit SheetAccessible(Sheet* sheet) : QAccessibleWidget(sheet, QAccessible::Dialog) {}
@@ -110,7 +110,8 @@ void Sheet::present()
             [this](QWidget*, QWidget* now) { keepFocus(now); });
     if (style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0 &&
         window()->isVisible()) {
-        // While it comes, a picture stands for the box, which keeps the focus out of sight.
+        // During the animation a picture of the box is painted. The box itself keeps the focus, but
+        // lies below the window's edge.
         m_picture = m_box->grab();
         m_rise.start();
         place();
@@ -152,7 +153,7 @@ void Sheet::place()
     m_close->raise();
 }
 
-// Whatever takes the focus behind it gives it back.
+// Takes the focus back from a widget behind the sheet.
 void Sheet::keepFocus(QWidget* now)
 {
     if (!now || now->window() != window() || !isVisible())
@@ -186,7 +187,7 @@ bool Sheet::focusNextPrevChild(bool next)
 
 void Sheet::keyPressEvent(QKeyEvent* event)
 {
-    event->accept();    // the window's keys are off
+    event->accept();    // also keeps other keys from the window
     if (event->key() == Qt::Key_Escape)
         Q_EMIT closeRequested();
     else

@@ -9,16 +9,16 @@ class QHBoxLayout;
 class QVBoxLayout;
 enum class Type;
 
-// A large box over the whole window, which takes nothing else meanwhile: neither a click nor the
-// focus gets past it. Esc and the cross ask to close it; closed, the focus is back where it was.
-// Its content has a column at the left and the rest.
+// A large box over the whole window. While it is presented, neither a click nor the focus gets past
+// it. Esc and the cross ask to close it; dismissed, it gives the focus back. Inside are a column at
+// the left and the content.
 class Sheet : public QWidget {
     Q_OBJECT
 public:
-    // `size`: of the box, less where the window is smaller.
+    // `size`: of the box, which is smaller where the window is too small.
     Sheet(const QString& title, QSize size, QWidget* window);
 
-    void present();    // the focus goes to `firstFocus`
+    void present();    // the focus goes to setFirstFocus()'s widget
     void dismiss();
     bool isPresented() const { return m_isPresented; }
     QWidget* box() const { return m_box; }
@@ -48,8 +48,8 @@ private:
     QVBoxLayout* m_content;
     IconButton* m_close;
     QPointer<QWidget> m_firstFocus;
-    QPointer<QWidget> m_before, m_last;    // had the focus before it, and last inside of it
+    QPointer<QWidget> m_before, m_last;    // had the focus before the sheet; had it last inside
     QVariantAnimation m_rise;
-    QPixmap m_picture;    // of the box while it comes
+    QPixmap m_picture;    // of the box, painted during m_rise
     bool m_isPresented = false;
 };

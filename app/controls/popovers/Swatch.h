@@ -2,19 +2,19 @@
 #include "app/controls/Button.h"
 #include "app/controls/popovers/ColorPopover.h"
 
-// A colour; pressed, it opens a popover to choose another.
+// A button that shows a colour; it opens a popover to choose another.
 class Swatch : public Control {
     Q_OBJECT
 public:
     explicit Swatch(const QString& name, QWidget* parent = nullptr);
-    void setColor(const QColor& color);    // shows; emits nothing
+    void setColor(const QColor& color);    // emits nothing
     void setOffers(const ColorOffers& offers);
     void closePopover();
     QSize sizeHint() const override { return {32, 32}; }
 
 Q_SIGNALS:
     void colorChanged(const QColor& color, Pace pace);
-    void colorUsed(const QColor& color);    // what a visit to the popover ended with
+    void colorUsed(const QColor& color);    // the last chosen one, when the popover closes
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -27,6 +27,6 @@ private:
     QPointer<ColorPopover> m_popover;
 };
 
-// The colour in its small square, with an outline that tells it from any ground.
+// Paints a colour in a small square, with an outline that sets it off from any background.
 void paintColor(QPainter& painter, const QRectF& box, const QColor& color, const Theme& theme,
                 bool enabled = true);

@@ -38,7 +38,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A window over a scripted service, nobody signed in.
+// Has a window with a scripted service. Nobody is signed in.
 class AccountScreensTest : public ::testing::Test {
 protected:
     bool isAt(Gate state)
@@ -164,7 +164,7 @@ TEST_F(AccountScreensTest, TheCheckRunsOnceAndTheStudioWaitsForIt)
     ASSERT_TRUE(isAt(Gate::signedOut));
     EXPECT_EQ(account.log().count("GET /api/auth/me"), 1);
     EXPECT_FALSE(window.menu()->action(u"Importar imágenes…"_s)->isEnabled());
-    // Neither Tab nor a key of the window leads into what lies behind.
+    // Tab never leads from the gate to the widgets behind it.
     for (int i = 0; i < 20; ++i) {
         QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
         ASSERT_TRUE(window.gate()->isAncestorOf(window.focusWidget()));
@@ -180,7 +180,7 @@ TEST_F(AccountScreensTest, TheCheckRunsOnceAndTheStudioWaitsForIt)
         R"(POST /api/auth/login {"email":"lucia@casaliebana.es","password":"secreto"})"));
     EXPECT_TRUE(login()->password()->text().isEmpty());
     EXPECT_TRUE(window.menu()->action(u"Importar imágenes…"_s)->isEnabled());
-    // More of the same that was opened before.
+    // Opened right after the sign-in, the file joins the batch of the one that waited for it.
     window.open({photo(u"g.png"_s)});
     EXPECT_TRUE(QTest::qWaitFor([this] { return session.batch().items.size() == 2; }));
 
@@ -275,7 +275,7 @@ TEST_F(AccountScreensTest, ASheetHoldsTheFocusAndGivesItBack)
         QTest::keyClick(window.focusWidget(), i < 15 ? Qt::Key_Tab : Qt::Key_Backtab);
         ASSERT_TRUE(sheet->isAncestorOf(window.focusWidget()));
     }
-    button->setFocus();    // whatever asks for it from behind
+    button->setFocus();    // a widget behind the sheet asks for the focus
     EXPECT_TRUE(sheet->isAncestorOf(window.focusWidget()));
     QAccessibleInterface* shell = QAccessible::queryAccessibleInterface(window.shell());
     EXPECT_EQ(shell->childCount(), 0);
@@ -313,7 +313,7 @@ TEST_F(AccountScreensTest, CreditsAreBoughtAndThePasswordIsChanged)
     ASSERT_TRUE(isDone());
     EXPECT_TRUE(account.log().last().contains(R"("credits":49000)"));
     EXPECT_EQ(account.opened(), QList{QUrl(u"https://example.org/p"_s)});
-    // Also for who has no browser.
+    // The address can be copied, for users without a browser.
     named<PushButton>(credits, u"Copiar dirección de pago"_s)->click();
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"https://example.org/p"_s);
 
@@ -371,7 +371,7 @@ TEST_F(AccountScreensTest, OutcomesAreToldWhereNoScreenShowsThem)
     account.session().login(u"a@b.es"_s, u"x"_s);
     EXPECT_TRUE(isTold(u"Sesión iniciada."_s));
     account.answer("POST /api/auth/logout", R"({"error":"x"})", 500);
-    for (int i = 0; i < 2; ++i) {    // the same again is told again
+    for (int i = 0; i < 2; ++i) {    // an equal failure is told a second time
         window.menu()->action(u"Cerrar sesión"_s)->trigger();
         EXPECT_EQ(window.shell()->statusLine()->history().last().kind, StatusKind::busy);
         ASSERT_TRUE(isDone());

@@ -1,4 +1,5 @@
 #include "app/batch/TilePictures.h"
+#include "app/stage/StagePhoto.h"
 
 #include "platform/PhotoCache.h"
 

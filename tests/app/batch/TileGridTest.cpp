@@ -1,4 +1,5 @@
 #include "app/batch/TileGrid.h"
+#include "app/batch/TileGridAccessible.h"
 #include "tests/app/Events.h"
 
 #include <QAccessible>
@@ -58,7 +59,7 @@ struct Grid : TileGrid {
     QList<std::pair<int, Qt::KeyboardModifiers>> clicks;
 };
 
-// Counts what the viewport was asked to repaint.
+// Collects the region that the viewport was asked to repaint.
 struct PaintWatch : QObject {
     bool eventFilter(QObject*, QEvent* event) override
     {
@@ -211,6 +212,7 @@ TEST(TileGrid, arrowsMoveByTileAndByRow)
 
 TEST(TileGrid, isReadAsAListOfNamedTiles)
 {
+    makeTileGridsAccessible();
     Grid grid;
     QList<Tile> tiles = tilesOf(24, 2);
     tiles[2].name = u"arroyo-hayedo"_qs;

@@ -87,7 +87,7 @@ TEST(SliderField, escLeavesTheValueAndASecondClickGivesTheDefault)
     EXPECT_EQ(slider.field.value(), 40);
     EXPECT_TRUE(slider.taken().isEmpty());
 
-    // The edit that the first click opens is what the second one meets.
+    // The second click of a double click meets the edit that the first one has opened.
     press(slider.field, {20, 10});
     QTest::mouseDClick(slider.edit, Qt::LeftButton, {}, {20, 10});
     settle();
@@ -97,7 +97,7 @@ TEST(SliderField, escLeavesTheValueAndASecondClickGivesTheDefault)
 
 TEST(SliderField, aDragIsHeldUntilItIsReleased)
 {
-    Slider slider(radius);    // half a unit a pixel
+    Slider slider(radius);    // a pixel is half a unit
     slider.field.setValue(20);
     const auto move = [&](int x, Qt::KeyboardModifiers modifiers = {}) {
         QMouseEvent event(QEvent::MouseMove, QPointF(x, 10), QPointF(x, 10), Qt::NoButton,
@@ -117,7 +117,7 @@ TEST(SliderField, aDragIsHeldUntilItIsReleased)
     EXPECT_TRUE(slider.edit->isHidden());
     EXPECT_FALSE(slider.edit->hasFocus());
 
-    // What ends a drag from outside closes its step as well.
+    // Disabling the field during a drag ends the drag with Pace::once as well.
     QTest::mousePress(&slider.field, Qt::LeftButton, {}, {50, 10});
     move(46);
     move(26);
@@ -216,7 +216,7 @@ TEST(SlotEditor, takesPlainTextOfABoundedLengthAndGrowsToFiveLines)
     EXPECT_TRUE(edits.isEmpty());
     EXPECT_EQ(editor.text(), u"uno\u00a0y dos"_s) << "the no-break space is the author's";
 
-    auto* rich = new QMimeData;    // the clipboard takes it
+    auto* rich = new QMimeData;    // the clipboard takes ownership
     rich->setHtml(u"<b>uno</b>"_s);
     rich->setText(QString(20000, u'x'));
     QApplication::clipboard()->setMimeData(rich);

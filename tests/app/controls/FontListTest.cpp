@@ -80,7 +80,7 @@ TEST(FontList, showsFacesUnderTheirFamilyAndFindsThem)
                                            u"Inter Display Black Italic"_s}));
 }
 
-// Its "Book", lighter than its regular face, is what the family's bare name has always drawn.
+// The bare name "Bebas Neue" is drawn as its "Book" face, which is lighter than the regular one.
 TEST(FontList, offersEachInstalledFaceAndMarksTheOneThatIsDrawn)
 {
     FontCatalog catalog;

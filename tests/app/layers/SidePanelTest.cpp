@@ -57,7 +57,7 @@ TEST_F(SidePanelTest, whatCannotBeChangedSaysWhy)
 {
     struct Case {
         bool selected, hasBox;
-        QString size, box, shadow;    // the reasons
+        QString size, box, shadow;    // why the fields are disabled; empty: enabled
     };
     const QString nothing = u"Selecciona un texto para cambiar su estilo."_s;
     for (const Case& c :
@@ -102,7 +102,7 @@ TEST_F(SidePanelTest, aStateWithTheSameTextLeavesTheEditorAlone)
     text->setState(state);
     EXPECT_EQ(title->textCursor().position(), 4) << "the session's answer to the key";
 
-    state.layers[0].text = u"Tu"_s;    // undone
+    state.layers[0].text = u"Tu"_s;    // as undo does
     text->setState(state);
     EXPECT_EQ(title->text(), u"Tu"_s);
     EXPECT_EQ(edits.size(), 1) << "showing is not an edit";
@@ -177,7 +177,7 @@ TEST_F(SidePanelTest, theSizeSaysWhereTheBoxEndsIt)
     EXPECT_LT(*limit, 2.5);
     title.fontScale = *limit;
     EXPECT_FALSE(limitOf(title)) << "at the end itself the text is as large as it wants to be";
-    // Where the largest size of all ends it first.
+    // In a large box the size that no text may exceed comes before the box's limit.
     TextLayer large = title;
     large.frame = {0, 0, 1, 1};
     large.text = QString(u"palabras "_s).repeated(60);

@@ -30,7 +30,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The window with three photos, the templates open.
+// Has a window with three photos and the templates' tab open.
 class TemplatesTest : public ::testing::Test {
 protected:
     TemplatesTest()
@@ -44,7 +44,7 @@ protected:
             EXPECT_TRUE(image.save(m_folder.filePath(u"f%1.png"_s.arg(i))));
         }
         session.load({QUrl::fromLocalFile(m_folder.path())});
-        settle();    // the first photos open the templates
+        settle();    // the first import opens the templates' tab
     }
     void settle()
     {
@@ -91,7 +91,7 @@ TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
                          canvas.contains(u"vista previa"_s));
     };
     hover(tile, QEvent::HoverEnter);
-    EXPECT_EQ(onCanvas(), shown);    // not at once
+    EXPECT_EQ(onCanvas(), shown);    // the preview waits until the pointer rests
     ASSERT_TRUE(begun.wait());
     settle();
     EXPECT_NE(onCanvas(), shown);
@@ -104,7 +104,7 @@ TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
     EXPECT_EQ(isSaid(), std::pair(false, false));
     EXPECT_EQ(session.canUndo(), couldUndo);
 
-    // By the keyboard it stays while the wheel turns over the canvas: that edits nothing.
+    // A preview by the keyboard stays while the wheel turns over the canvas, and edits nothing.
     window.activateWindow();
     packaged()->setFocus(Qt::TabFocusReason);
     ASSERT_TRUE(begun.wait());
@@ -132,7 +132,7 @@ TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
     EXPECT_EQ(session.status(),
               u"Plantilla «%1» aplicada a 3 imágenes."_s.arg(tile->preset().name));
     session.undo();
-    EXPECT_EQ(session.batch().items[1], before.items[1]);    // one step for all
+    EXPECT_EQ(session.batch().items[1], before.items[1]);    // one undo takes back all images
     EXPECT_EQ(session.batch().items[2], before.items[2]);
     EXPECT_EQ(current().layers[0].text, u"Solo en esta"_s);
 }
@@ -165,7 +165,7 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     window.activateWindow();
     window.templates().saveTemplate();
     auto* name = qobject_cast<LineField*>(QApplication::focusWidget());
-    ASSERT_TRUE(name);    // in place, ready to be typed over
+    ASSERT_TRUE(name);    // the name's field, ready to be typed into
     const PresetTile* card = own()->tile(own()->presets().first().id);
     EXPECT_LE(name->width(), card->width());
     EXPECT_TRUE(card->findChild<IconButton*>()->isVisible()) << "its menu, without the pointer";
@@ -176,13 +176,13 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     EXPECT_EQ(own()->presets().first().name, u"Rutas de otono"_s);
     EXPECT_TRUE(own()->presets().first().chosen);
 
-    // A second one while the first is named: what was typed is that of the first.
+    // A second template is saved while the first is being named: the typed name is the first's.
     window.templates().saveTemplate();
     QTest::keyClicks(QApplication::focusWidget(), u"Primera"_s);
     window.templates().saveTemplate();
     QTest::qWait(1);
     EXPECT_EQ(own()->presets()[1].name, u"Primera"_s);
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);    // on second thoughts
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);    // discards the second one
     QTest::qWait(1);
     saved().removeTemplate(own()->presets().first().id);
     window.templates().saveTemplate();
@@ -205,13 +205,13 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     session.setFormat(SocialFormat::carouselPortrait);
     settle();
 
-    // The keyboard alone: the ring, the choice, the removal.
+    // Delete removes the template that the keyboard is on; it can be called back.
     own()->setFocus(Qt::TabFocusReason);
     QTest::keyClick(own(), Qt::Key_Delete);
     EXPECT_TRUE(saved().templates().entries().isEmpty());
     Q_EMIT side()->templatesPanel()->callBackRequested();
     EXPECT_EQ(own()->presets().size(), 1);
-    // The ring stays on its template when another one comes before it.
+    // The keyboard stays on its template when a new one is put before it.
     const QUuid older = own()->presets().first().id;
     own()->setFocus(Qt::TabFocusReason);
     saved().saveTemplate(current(), session.batch().format);
@@ -239,7 +239,7 @@ TEST_F(TemplatesTest, GoOutAndComeInAsFiles)
     window.templates().importDefinition(file);
     ASSERT_TRUE(QTest::qWaitFor([&] { return own()->presets().size() == 1; }, 10000));
     EXPECT_EQ(own()->presets().first().name, packaged()->presets().first().name);
-    EXPECT_TRUE(own()->presets().first().chosen);    // it makes the same of the image
+    EXPECT_TRUE(own()->presets().first().chosen);    // the image already looks like it
     window.templates().importDefinition(file);
     ASSERT_TRUE(QTest::qWaitFor([&] { return told().contains(u"ya está"_s); }, 10000));
     window.templates().importDefinition(m_folder.filePath(u"f0.png"_s));
@@ -259,7 +259,7 @@ TEST_F(TemplatesTest, StylesReachTheSelectedTextOfAllSelectedImages)
     Q_EMIT shelf->saveRequested();
     ASSERT_EQ(shelf->grid()->presets().size(), 1);
     const QUuid style = shelf->grid()->presets().first().id;
-    // White letters on the bright photo of the third image.
+    // White letters on the bright photo of the third image get a dark veil.
     title.foreground = codableWhite;
     title.hasBox = false;
     const PhotoHandle bright = session.batch().items[2].image;
@@ -279,7 +279,7 @@ TEST_F(TemplatesTest, StylesReachTheSelectedTextOfAllSelectedImages)
     EXPECT_EQ(current().layers[1].foreground, codableWhite);
     session.selectLayer(QUuid());
     const Batch before = session.batch();
-    shelf->grid()->tile(style)->click();    // no text to take it
+    shelf->grid()->tile(style)->click();    // no text is selected
     EXPECT_EQ(session.batch(), before);
     Q_EMIT shelf->removeRequested(style);
     EXPECT_TRUE(shelf->grid()->presets().isEmpty());
@@ -305,7 +305,8 @@ TEST_F(TemplatesTest, TilesFollowWhatTheyStandFor)
 TEST_F(TemplatesTest, AFailedStoreIsTheLastWord)
 {
     PreferencesStore nowhere(u"/proc/moltiva/p.sqlite"_s);
-    TemplatesBinding templates(session, side(), m_photos, nowhere);
+    TemplatesBinding templates(session, side()->templatesPanel(), side()->textPanel()->styles(),
+                               m_photos, nowhere);
     QString told;
     QObject::connect(&templates, &TemplatesBinding::told, &templates,
                      [&](const QString& sentence) { told = sentence; });

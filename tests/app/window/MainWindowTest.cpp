@@ -79,7 +79,7 @@ protected:
 
     CanvasInteractionView* canvas() { return window.shell()->stage()->canvas(); }
     SidePanel* panel() { return window.shell()->sidePanel(); }
-    // Opens the editor of the selected text as the keyboard does.
+    // Opens the editor of the selected text by its key, F2.
     SlotEditor* editSelected()
     {
         window.activateWindow();
@@ -108,7 +108,7 @@ protected:
         account.answer("POST /api/credits/social-copy/reserve",
                        R"({"ok":true,"balance":4230,"cost":50})");
     }
-    // An export that waits for its reservation.
+    // Starts an export that waits for the answer to its reservation.
     void holdAtCharging()
     {
         answerReservations();
@@ -166,7 +166,7 @@ TEST_F(MainWindowTest, tileAndSlotWarnAlikeAlsoWithoutTheColumn)
             CodableColor(QColor::fromHsv(session.batch().selectedIndex * 30, 200, 200));
         session.editLayer(title);
     };
-    // Ends a step of the history: rapid edits make one.
+    // Ends a step of the history: rapid edits would be merged into one.
     auto endStep = [this, step = 0]() mutable { session.setObjective(QString::number(++step)); };
     ASSERT_FALSE(titleWarnings().contains(sentence));
     endStep();
@@ -363,7 +363,7 @@ TEST_F(MainWindowTest, anEditorKeepsItsKeysAndFollowsTheImage)
     EXPECT_TRUE(current().layers[1].isVisible);
     session.nextItem();
     QTest::keyClicks(editor, u"Otra cosa"_s);
-    QTest::keyClick(editor, Qt::Key_PageDown);    // there is no next one
+    QTest::keyClick(editor, Qt::Key_PageDown);    // there is no next image
     EXPECT_EQ(editor->textCursor().selectedText(), QString());
     QTest::keyClick(editor, Qt::Key_Escape);
     EXPECT_EQ(QApplication::focusWidget(), canvas());
@@ -396,7 +396,7 @@ TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
         EXPECT_EQ(session.batch().objective, QString());
     }
 
-    // The bar shows the state that came back.
+    // The top bar shows the format that undo brought back.
     const auto* formats = window.shell()->topBar()->findChild<SegmentedControl*>();
     session.setFormat(SocialFormat::square);
     EXPECT_EQ(formats->current(), int(SocialFormat::square));
@@ -477,8 +477,8 @@ TEST_F(MainWindowTest, filesFromOneAfterTheOtherStartMakeOneBatch)
     EXPECT_EQ(session.batch().items[2].filename(), u"f1"_s);
 }
 
-// By the tree that a screen reader walks: what can take the focus has a name, the canvas has its
-// layers, and each can be selected from there.
+// In the tree that a screen reader walks, every widget that can take the focus has a name, and the
+// canvas has its layers, which can be selected from there.
 TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
 {
     session.load({photos(2)});
@@ -509,7 +509,7 @@ TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
     EXPECT_EQ(session.batch().selectedLayerID, current().layers[1].id);
 }
 
-// What a look into the menu disables is so for that look only.
+// Entries are disabled only while the menu is open: afterwards their keys work again.
 TEST_F(MainWindowTest, keysActAfterALookIntoTheMenu)
 {
     window.menu()->menu()->popup({});
@@ -543,7 +543,7 @@ TEST_F(MainWindowTest, aNumberBeingTypedBelongsToTheImageItWasBegunOn)
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     EXPECT_EQ(session.batch().items[1].layers[0].fontScale, 1.0);
 
-    // The same of one that is dragged.
+    // A held drag ends, too, when a key changes the image.
     QTest::mousePress(size, Qt::LeftButton, Qt::NoModifier, {20, 16});
     QTest::mouseMove(size, {30, 16});
     QTest::mouseMove(size, {50, 16});
@@ -682,6 +682,67 @@ TEST_F(MainWindowTest, aKeyThatClosedAChooserAndIsStillHeldDoesNothing)
             EXPECT_EQ(session.batch().selectedLayerID, current().layers[0].id);
         }
     }
+}
+
+TEST_F(MainWindowTest, theMenuOffersWhatCanBeDoneAndMarksWhatHolds)
+{
+    const auto marked = [this](bool (QAction::*state)() const, const QStringList& among) {
+        Q_EMIT window.menu()->menu()->aboutToShow();
+        QStringList names;
+        for (const QString& name : among) {
+            if ((window.menu()->action(name)->*state)())
+                names.append(name);
+        }
+        Q_EMIT window.menu()->menu()->aboutToHide();
+        return names;
+    };
+    const auto offered = [&] {
+        return marked(&QAction::isEnabled,
+                      {u"Exportar textos (CSV)…"_s, u"Recuperar la sesión apartada"_s,
+                       u"Deshacer"_s, u"Rehacer"_s, u"Editar el texto"_s,
+                       u"Ocultar texto o eliminar forma"_s, u"Copiar estilo"_s, u"Pegar estilo"_s,
+                       u"Línea"_s, u"Imagen anterior"_s, u"Imagen siguiente"_s, u"Acercar"_s,
+                       u"Zona segura"_s, u"Buscar actualizaciones..."_s});
+    };
+    const auto checked = [&] {
+        return marked(&QAction::isChecked,
+                      {u"Story / Reel"_s, u"Carrusel / Post vertical"_s, u"Llenar"_s, u"Encajar"_s,
+                       u"Zona segura"_s, u"Columna del lote"_s, u"Panel lateral"_s, u"Oscuro"_s,
+                       u"Claro"_s});
+    };
+    EXPECT_EQ(offered(), QStringList());
+    session.load({photos(2)});
+    settle();
+    session.selectLayer(current().layers[0].id);
+    const QStringList ofAnImage{u"Exportar textos (CSV)…"_s,
+                                u"Editar el texto"_s,
+                                u"Ocultar texto o eliminar forma"_s,
+                                u"Copiar estilo"_s,
+                                u"Línea"_s,
+                                u"Imagen siguiente"_s,
+                                u"Acercar"_s};
+    QStringList now = offered();
+    now.removeAll(u"Deshacer"_s);
+    EXPECT_EQ(now, ofAnImage);
+    EXPECT_EQ(checked(), (QStringList{u"Carrusel / Post vertical"_s, u"Llenar"_s,
+                                      u"Columna del lote"_s, u"Panel lateral"_s, u"Oscuro"_s}));
+    window.menu()->action(u"Línea"_s)->trigger();
+    session.nextItem();
+    session.setFormat(SocialFormat::storyReel);
+    session.undo();
+    settle();
+    for (const char16_t* command : {u"Encajar", u"Panel lateral", u"Claro"})
+        window.menu()->action(command)->trigger();
+    session.setFormat(SocialFormat::storyReel);
+    window.menu()->action(u"Zona segura")->trigger();
+    session.selectLayer({});
+    EXPECT_EQ(offered(), (QStringList{u"Exportar textos (CSV)…"_s, u"Deshacer"_s, u"Línea"_s,
+                                      u"Imagen anterior"_s, u"Acercar"_s, u"Zona segura"_s}));
+    EXPECT_EQ(checked(), (QStringList{u"Story / Reel"_s, u"Encajar"_s, u"Zona segura"_s,
+                                      u"Columna del lote"_s, u"Claro"_s}));
+    session.undo();
+    EXPECT_TRUE(offered().contains(u"Rehacer"_s));
+    window.menu()->action(u"Oscuro")->trigger();
 }
 
 TEST_F(MainWindowTest, exportsAreOfferedForWhatIsSelected)

@@ -37,7 +37,7 @@ QString socketIn(const QTemporaryDir& folder)
 
 TEST_F(SingleInstanceTest, startsAtOnceEndAsOneWithEverythingHandedOver)
 {
-    // What a killed run of an older version leaves: a lock with a number that lives again.
+    // A lock left by a killed run of an older version, with the number of a process that runs now.
     QFile lock(folder.filePath(u"moltiva.lock"_s));
     ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
     lock.write("1\nmoltiva\n\n");
@@ -55,7 +55,7 @@ TEST_F(SingleInstanceTest, startsAtOnceEndAsOneWithEverythingHandedOver)
             handed += claimInstance(folder.path(), own).outcome == Outcome::handedOver;
         });
     }
-    QTest::qSleep(100);    // they wait for the first to listen
+    QTest::qSleep(100);    // the starts wait for the first to listen
     SingleInstance first(folder.path());
     QSet<QUrl> opened;
     QObject::connect(&first, &SingleInstance::handedOver,

@@ -12,7 +12,8 @@ namespace {
 
 constexpr QSizeF shownCanvas(400, 500);
 
-// One text over one shape, beside a line; the photo has the shape of the canvas.
+// An item with one text over one shape, and a line beside them. Photo and canvas have one aspect
+// ratio.
 PublicationItem sampleItem()
 {
     PublicationItem item = PublicationItem::make(
@@ -24,7 +25,7 @@ PublicationItem sampleItem()
     return item;
 }
 
-// What a gesture tells, in its order.
+// Logs the callbacks of gestures in their order.
 struct Canvas : CanvasInteraction {
     explicit Canvas(const PublicationItem& shown = sampleItem())
     {
@@ -215,7 +216,7 @@ TEST(CanvasInteraction, theWheelZoomsThePhotoWithinItsLimits)
     EXPECT_TRUE(it.log.isEmpty());
 }
 
-// What the photo does on the export counts, however large the canvas is shown.
+// A pan counts by the pixels of the export, whatever size the canvas is shown at.
 TEST(CanvasInteraction, aPanThatShowsNothingLeavesThePlacementAsItWas)
 {
     QRandomGenerator random(3);
@@ -240,7 +241,7 @@ TEST(CanvasInteraction, aPanThatShowsNothingLeavesThePlacementAsItWas)
         it.setFormat(format);
         const QSizeF view = exported * between(0.1, 2);
         it.setCanvasSize(view);
-        const double reach = i % 5 == 0 ? 0.0002 : 0.5;    // of the canvas
+        const double reach = i % 5 == 0 ? 0.0002 : 0.5;    // fraction of the canvas
         const QPointF by(between(-reach, reach), i % 3 ? between(-reach, reach) : 0);
         it.dragBy({5, 5}, {by.x() * view.width(), by.y() * view.height()});
         it.release();

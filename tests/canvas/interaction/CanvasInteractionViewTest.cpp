@@ -1,5 +1,6 @@
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "canvas/ExportCanvasRenderer.h"
+#include "canvas/interaction/CanvasInteractionAccessible.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -112,7 +113,8 @@ QImage paintedAtOnce(const CanvasInteractionView& view, SocialFormat format, QSi
                        pixels, photo);
 }
 
-// A canvas of 400 × 500 with 40 around it, over an item with one visible text and one shape.
+// A view with a canvas of 400 × 500 and a margin of 40, showing an item with one visible text and
+// one shape.
 class ViewTest : public ::testing::Test {
 protected:
     ViewTest()
@@ -193,14 +195,14 @@ TEST(CanvasInteractionView, whatIsRepaintedInPartsIsAsPaintedAtOnce)
                 at += QPointF(dice.between(-40, 40), dice.between(-40, 40));
                 send(view, QEvent::MouseMove, at);
                 if (step % 2 == 0)
-                    continue;    // several steps may come between two paintings
+                    continue;    // a painting may come after several steps
                 ASSERT_EQ(view.canvasBuffer(), paintedAtOnce(view, format, pixels, photo))
                     << drag << " " << step;
             }
             send(view, QEvent::MouseButtonRelease, at);
         }
         EXPECT_EQ(view.resamplings(), resampled) << "the photo did not move";
-        // Changes from outside: layers that come, go and change places.
+        // Items set from outside, with layers added, removed and reordered.
         for (int i = 0; i < 8; ++i) {
             PublicationItem next = randomItem(dice, photo.size());
             next.placement = item.placement;
@@ -268,7 +270,7 @@ TEST_F(ViewTest, marksAreDrawnOverThePictureAndNeverInIt)
     EXPECT_EQ(shown().pixelColor(36, 300), m_view.palette().color(QPalette::Highlight)) << "ring";
     EXPECT_EQ(m_view.canvasBuffer(), picture);
 
-    // At the upper edge the tag stands below the frame: nothing lies over the text.
+    // A frame at the upper edge has its tag below, so that nothing covers the text.
     PublicationItem high = m_item;
     high.layers[0].frame = {0.1, 0.02, 0.6, 0.2};
     m_view.setSafeZone(false);
@@ -359,6 +361,7 @@ TEST_F(ViewTest, keysAndPresses)
 
 TEST_F(ViewTest, aScreenReaderFindsTheLayersTopmostFirst)
 {
+    makeCanvasesAccessible();
     QAccessibleInterface* canvas = QAccessible::queryAccessibleInterface(&m_view);
     ASSERT_EQ(canvas->childCount(), 5);
     QAccessibleInterface* shape = canvas->child(4);

@@ -6,7 +6,7 @@
 
 int main(int argc, char** argv)
 {
-    // The list of the cases is asked for without the environment of the tests.
+    // CTest lists the test cases without the environment in which it runs them.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
     int result = 0;

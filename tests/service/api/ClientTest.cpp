@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-// The program's own client against the service, one endpoint after the other.
+// Runs the studio's own client against the service, one endpoint after the other.
 
 namespace {
 
@@ -35,7 +35,7 @@ protected:
         }
         return u"none"_s;
     }
-    // As who pays in the browser.
+    // Pays in the browser.
     void pay(const QUrl& page)
     {
         const std::string path = page.path().toStdString();

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// What comes back for these bytes until the service ends the connection.
+// Sends these bytes and returns all that the service sends back until it ends the connection.
 QByteArray raw(const TestService& service, QByteArray bytes)
 {
     bytes.replace("HOST", "127.0.0.1:PORT");
@@ -191,7 +191,7 @@ TEST(Server, ofOneUserHearsNobodyElse)
     for (int i = 0; i < 200; ++i)
         ASSERT_EQ(requestAsNobody(service.port(), request.c_str(), 1 + i % 100), 0);
     upload->write(body.mid(10));
-    // It may come in pieces.
+    // The answer may come in pieces.
     QByteArray answer;
     while (!answer.contains("invalid_credentials") && upload->waitForReadyRead())
         answer += upload->readAll();

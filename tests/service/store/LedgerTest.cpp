@@ -2,6 +2,7 @@
 #include "service/Http.h"
 #include "service/store/Accounts.h"
 #include "service/store/Database.h"
+#include "service/store/Schema.h"
 
 #include <QTemporaryDir>
 
@@ -15,14 +16,14 @@ namespace {
 
 class LedgerTest : public testing::Test {
 protected:
-    LedgerTest() : m_database(m_folder.filePath(u"libro.sqlite"_s))
+    LedgerTest() : m_database(m_folder.filePath(u"libro.sqlite"_s), &bringUpToDate)
     {
         Transaction transaction(m_database);
         m_account = addAccount(transaction, u"ana@ejemplo.es"_s, {}, 1).id;
         transaction.commit();
     }
 
-    // "ok 9990", or the code of the refusal and the balance.
+    // "ok 9990", or the refusal's code and the balance.
     template <typename Operation>
     std::string after(Operation operation, int cost, const QString& requestId)
     {
@@ -84,7 +85,7 @@ TEST_F(LedgerTest, entriesAreNeitherChangedNorDroppedNorWrong)
     }
     Transaction transaction(m_database);
     EXPECT_TRUE(ledgerAddsUp(transaction));
-    // A change from outside, past the triggers.
+    // Changes an entry as another program could, past the triggers.
     transaction.run("DROP TRIGGER ledger_keeps");
     transaction.run("UPDATE ledger_entry SET amount = 7");
     EXPECT_FALSE(ledgerAddsUp(transaction));
@@ -101,7 +102,7 @@ TEST_F(LedgerTest, balancesGrowBeyondWhatAnOlderFileAllowed)
         transaction.run("PRAGMA user_version = 2");
         transaction.commit();
     }
-    Database database(m_folder.filePath(u"libro.sqlite"_s));
+    Database database(m_folder.filePath(u"libro.sqlite"_s), &bringUpToDate);
     Transaction transaction(database);
     transaction.run("INSERT INTO ledger_entry (account, kind, amount, balance, note, created)"
                     " VALUES (1, 'purchase', 3000000000, 3000009990, '', 1)");

@@ -18,7 +18,7 @@ Batch batchOf(int count)
     return batch;
 }
 
-// The selection as its positions; the current one and the anchor after them: "1 2 3, at 3, from 1".
+// The selected positions, then that of the current item and the anchor: "1 2 3, at 3, from 1".
 QString described(const Batch& batch)
 {
     QStringList positions;

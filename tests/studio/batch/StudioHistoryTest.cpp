@@ -8,7 +8,7 @@ using Changes = StudioHistory::Changes;
 
 namespace {
 
-// A state told from others by its objective.
+// A state with `number` as its objective, to tell it from others.
 Batch state(int number)
 {
     Batch batch;
@@ -16,7 +16,7 @@ Batch state(int number)
     return batch;
 }
 
-// A history whose owner goes from state to state.
+// A history, and the state that its owner is in.
 struct Studio {
     StudioHistory history;
     StudioHistory::Time now{};
@@ -67,7 +67,7 @@ TEST(StudioHistory, mergesContinuousChangesByTheGapBetweenThem)
     studio.change(1, Changes::continuous);
     for (int i = 2; i < 10; ++i)
         studio.change(i, Changes::continuous, 790ms);    // long in all, without a pause
-    studio.change(10, Changes::continuous, 800ms);       // the window is open at its end
+    studio.change(10, Changes::continuous, 800ms);    // exactly 800 ms later is too late to merge
     ASSERT_TRUE(studio.undo());
     EXPECT_EQ(studio.current, state(9));
     ASSERT_TRUE(studio.undo());
@@ -76,7 +76,7 @@ TEST(StudioHistory, mergesContinuousChangesByTheGapBetweenThem)
 
     studio = {};
     studio.change(1, Changes::single);
-    studio.change(2, Changes::continuous, 100ms);    // a single change is not joined
+    studio.change(2, Changes::continuous, 100ms);    // is not merged with a single change
     studio.change(3, Changes::single, 100ms);
     ASSERT_TRUE(studio.undo());
     EXPECT_EQ(studio.current, state(2));
@@ -93,7 +93,7 @@ TEST(StudioHistory, aNewChangeEndsTheWayForward)
     EXPECT_TRUE(studio.history.canRedo());
     studio.change(1, Changes::single);    // changes nothing
     EXPECT_TRUE(studio.history.canRedo());
-    // Going back ended the stream: what follows at once is a step of its own.
+    // The undo ended the continuous changes: one that follows at once is a step of its own.
     studio.change(3, Changes::continuous, 100ms);
     EXPECT_FALSE(studio.history.canRedo());
     studio.undo();

@@ -62,7 +62,7 @@ TEST(TextSheet, wrongRowsAreToldByNumberAndSpoilNoOtherOne)
     int number = 1, broken = 0;
     for (int i = 1; i <= 480; ++i) {
         names.append(u"/f%1.jpg"_s.arg(i));
-        // Line breaks in a cell make no row; empty rows count.
+        // A line break in a cell begins no row; empty rows are counted.
         titles.append(i % 7 == 0 ? u"Título %1\n\"%1\""_s.arg(i) : u"Título %1"_s.arg(i));
         sheet += u"f%1;\"%2\";Ya\n"_s
                      .arg(QString::number(i), QString(titles.last()).replace(u'"', u"\"\""_s))
@@ -108,8 +108,8 @@ TEST(TextSheet, aRoundTripChangesNothing)
                               u"\""_s,
                               u"\xFEFFmarca"_s,
                               u"un texto que no es una llamada a la acción."_s};
-    // Two of one name, one that is what another is called without its extension, names like
-    // formulas, and an accent in two forms.
+    // Two files of one name, one named like another without its extension, names like formulas,
+    // and an accent in two forms.
     PublicationItems items = itemsOf({u"/a/f.jpg"_s, u"/b/f.jpg"_s, u"/a/g.h.jpg"_s, u"/a/g.h"_s,
                                       u"/a/=x;.png"_s, u"/a/n\u0303.jpg"_s, u"/a/50%1.jpg"_s});
     for (qsizetype i = 0; i < items.size(); ++i) {
@@ -185,16 +185,17 @@ TEST(TextSheet, aQuoteThatIsNotClosedSpoilsNoOtherRow)
 TEST(TextSheet, readsWhatSpreadsheetProgramsWrite)
 {
     const QByteArray written[] = {
-        // With mark, semicolons and CRLF, and LF inside a cell; empty columns at the end.
+        // With a byte order mark, semicolons and CRLF, and LF inside a cell; empty columns at the
+        // end.
         "\xEF\xBB\xBF"
         "Archivo;Título;Notas;TAGLINE;Texto publicación;;\r\n"
         "\"f.jpg\";\"Uno\nDos\";da igual; con aire ;\"Hola; \"\"tú\"\"\";;\r\n",
         // With commas and LF.
         "texto_publicacion,titulo,parrafo,archivo\n\"Hola; \"\"tú\"\"\",\"Uno\nDos\", con aire ,f",
-        // With lone CR, as some write on another system, also inside a cell.
+        // With lone CR as line end, also inside a cell.
         " titulo ;archivo;párrafo;texto_publicacion\r\"Uno\rDos\";f.jpg; con aire ;\"Hola; "
         "\"\"tú\"\"\"\r",
-        // With what people leave in: empty rows, the separator's name, blanks.
+        // With what people leave in a file: empty rows, the separator's name, blanks.
         "\n;;\nSep=,\n\narchivo,titulo,parrafo,texto_publicacion,;;;;;\n , ,\t\n"
         "  f.jpg ,\t\"Uno\nDos\" , con aire , \"Hola; \"\"tú\"\"\" ,\n"};
     QByteArrayList sheets;

@@ -1,0 +1,112 @@
+#include "tools/WindowPictures.h"
+
+#include "app/Theme.h"
+#include "platform/Workers.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QTimer>
+#include <QWidget>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int longestWait = 60000;    // ms
+
+// Timers that repeat drive the frames of animations; those that fire once bring what was asked for.
+class FrameFilter : public QObject {
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* receiver, QEvent* event) override
+    {
+        const auto* timer =
+            event->type() == QEvent::Timer ? qobject_cast<QTimer*>(receiver) : nullptr;
+        return timer && !timer->isSingleShot();
+    }
+};
+
+void turnFor(int milliseconds)
+{
+    QElapsedTimer pause;
+    for (pause.start(); pause.elapsed() < milliseconds;)
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+}    // namespace
+
+void stopAnimations(QApplication& application)
+{
+    QApplication::setCursorFlashTime(0);
+    application.installEventFilter(new FrameFilter(&application));
+}
+
+WindowPictures::WindowPictures(const QDir& out, QWidget& window, std::function<bool()> isSettled)
+    : m_out(out), m_window(window), m_isSettled(std::move(isSettled))
+{
+}
+
+bool WindowPictures::waitFor(const std::function<bool()>& reached)
+{
+    QElapsedTimer watch;
+    for (watch.start(); !reached() && watch.elapsed() < longestWait;)
+        QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+    return reached();
+}
+
+// Panels ask for pictures a moment after they changed, and what a worker brings may be the reason
+// to ask for more: only a window that stays settled for some turns has all.
+bool WindowPictures::settle()
+{
+    constexpr int calmTurns = 3, turn = 60;    // ms
+    QElapsedTimer watch;
+    watch.start();
+    for (int calm = 0; calm < calmTurns;) {
+        if (watch.elapsed() > longestWait)
+            return false;
+        turnFor(turn);
+        const bool wasAtWork = workers().activeThreadCount() > 0;
+        workers().waitForDone(longestWait);
+        calm = !wasAtWork && m_isSettled() ? calm + 1 : 0;
+    }
+    return true;
+}
+
+void WindowPictures::grab(const QString& name, const QString& theme)
+{
+    const QString file = u"%1-%2-%3.png"_s.arg(name, theme, QString::number(m_window.width()));
+    if (m_window.grab().save(m_out.filePath(file)))
+        std::printf("%s\n", qPrintable(file));
+}
+
+bool WindowPictures::take(const QString& name)
+{
+    bool settled = true;
+    for (const QSize size : sizes) {
+        m_window.resize(size);
+        settled &= takeAtThisSize(name);
+    }
+    return settled;
+}
+
+bool WindowPictures::takeAtThisSize(const QString& name)
+{
+    bool settled = true;
+    for (const auto& [theme, label] :
+         {std::pair(&darkTheme(), u"dark"_s), std::pair(&lightTheme(), u"light"_s)}) {
+        applyTheme(*theme);
+        settled &= settle();
+        grab(name, label);
+    }
+    if (!settled)
+        std::fprintf(stderr, "%s: not settled after %d s\n", qPrintable(name), longestWait / 1000);
+    return settled;
+}
+
+void WindowPictures::takeNow(const QString& name)
+{
+    grab(name, &themeOf(&m_window) == &lightTheme() ? u"light"_s : u"dark"_s);
+}
