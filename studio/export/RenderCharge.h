@@ -16,26 +16,27 @@ struct ChargeServices {
     QPointer<CreditJournal> journal;
     QString payer;    // key of the account; empty: whoever is signed in when all is rendered
     std::function<Payments()> payments;    // as of now: others pay, too
-    // Stores that these are paid and strikes the entry, in one transaction. Gives whether it is
+    // Stores the payment of `outputs` and calls `strike`, in one transaction; gives whether that is
     // stored already.
     std::function<bool(const QList<RenderedOutput>& outputs, const Strike& strike)> record;
 };
 
-// What is done with renders, and costs what of them is not paid yet.
+// What is done with renders once the unpaid ones among them are paid.
 struct RenderAction {
     QString name;    // in the request identifier: "download"
-    QString what;    // for the user, should it be given back: "una exportación"
-    // Told the price in credits when it is final. False: the action is not wanted any more.
+    QString what;    // as a sentence about its refund calls it: "una exportación"
+    // Called with the final price in credits; false ends the operation before anything is charged.
+    // May be empty.
     std::function<bool(qint64 cost)> isWanted;
-    std::function<QCoro::Task<bool>()> work;    // see ChargedOperation; likewise
-    std::function<bool()> alsoStore = {};
+    std::function<QCoro::Task<bool>()> work;    // see ChargedOperation::work
+    std::function<bool()> alsoStore = {};       // see ChargedOperation::alsoStore
 };
 
 // What an operation cost and what became of it.
 struct Charge {
     qint64 cost = 0;                 // credits that were charged, or would have been
-    bool isCharged = false;          // they were reserved
-    bool isRefundPending = false;    // and come back later
+    bool isCharged = false;          // the credits were reserved
+    bool isRefundPending = false;    // the credits come back later
     bool isRecorded = true;          // else a crash now would count as a failure
     QString reason;    // why nothing was reserved, or what the work threw; for the user
     ChargeResult::Refusal refusal = ChargeResult::Refusal::other;
@@ -47,10 +48,10 @@ struct RenderCharge : Charge {
     State state = State::done;
 };
 
-// Whether the account cannot pay for the items whatever their pixels turn out to be; `price`: in
-// credits, that was shown for them.
+// Whether the account cannot pay for `items` even when every render that may be free is; `price`:
+// the credits that were shown for them.
 QCoro::Task<bool> isOutOfReach(PublicationItems items, qint64 price, ChargeServices services);
 
-// Has what is not paid yet of the outputs paid, and the action done.
+// Charges the unpaid ones among `outputs` and has the action work.
 QCoro::Task<RenderCharge> chargeRenders(QList<RenderedOutput> outputs, RenderAction action,
                                         ChargeServices services);
