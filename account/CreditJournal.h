@@ -88,8 +88,8 @@ public:
     // Gives back what was left open for the signed-in account by runs that have ended, or could not
     // be given back in this one. Starts by itself after each sign-in and from time to time; while
     // it goes on, another one only waits for it.
-    QCoro::Task<> settle();
-    bool isSettled() const { return m_unsettled.isEmpty(); }
+    QCoro::Task<> refundLeftOpen();
+    bool hasNothingLeftOpen() const { return m_ownLeftOpen.isEmpty(); }
 
     // Called at each step of an operation, by name; for trying what a crash there would do. Whoever
     // works for an operation tells of its own.
@@ -130,24 +130,24 @@ private:
     QCoro::Task<Refund> giveBack(QString key);
     QCoro::Task<Refund> askBack(QString key);
     static Refund refundAfter(const std::exception& error);
-    Refund settledDenial(const QString& key, const OpenReservation& entry, double asked);
+    Refund afterDenial(const QString& key, const OpenReservation& entry, double asked);
     static bool isPending(Refund refund);
     void endRefused(const QString& key);
     void strike(const QString& key);
-    void leaveUnsettled(const QString& key);
+    void leaveOpen(const QString& key);
     bool claim(const QString& key);
     bool isLeftOpen(const QString& key) const;
     QStringList keysLeftOpen() const;
-    QCoro::Task<> settleAll();
+    QCoro::Task<> refundAllLeftOpen();
 
     CreditAccount& m_account;
     PreferencesStore& m_preferences;
     ProgramRun m_run;
     const Times m_times;
-    QString m_accountKey;         // of who was signed in last
-    QSet<QString> m_unsettled;    // entries of this run that wait to be given back
+    QString m_accountKey;           // of who was signed in last
+    QSet<QString> m_ownLeftOpen;    // entries of this run that wait to be given back
     bool m_isSettling = false, m_isEnding = false;
-    Completion m_settledAll;
+    Completion m_refundedAll;
     QHash<QString, std::shared_ptr<Completion>> m_givingBack;    // the entries under way
     QTimer m_retry;
 };

@@ -41,7 +41,7 @@ private:
     void read();
     void lost();
     // An attempt to reach it has ended, well when there is no problem.
-    void settle(const QString& problem = {});
+    void endSearch(const QString& problem = {});
     bool launch();
     QString logFile() const;
     QString reasonInLog() const;

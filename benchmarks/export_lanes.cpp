@@ -58,7 +58,7 @@ Lap timed(Work work)
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     const auto finish = qScopeGuard(&finishWorkers);

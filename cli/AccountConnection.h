@@ -21,7 +21,7 @@ public:
     bool isSessionKept() { return m_account.api().isSessionKept(); }
 
     // Waits until what earlier commands left open has come back, as far as it can.
-    void settle();
+    void refundLeftOpen();
 
 private:
     PreferencesStore m_preferences{userDataFolder() + QStringLiteral("/moltiva.sqlite")};

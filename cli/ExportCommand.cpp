@@ -69,7 +69,7 @@ public:
         if (const auto refused = signIn())
             return ended(*refused, pathsOf(m_options.photos));
         // Before the price is held against the balance.
-        m_connection.settle();
+        m_connection.refundLeftOpen();
         m_interrupt.emplace();
         m_look.start(stopLatency);
 

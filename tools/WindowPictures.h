@@ -14,8 +14,8 @@ void stopAnimations(QApplication& application);
 // Pictures of one window as PNG files, the same from run to run.
 class WindowPictures {
 public:
-    // `isSettled`: whether the window shows all that it asked for.
-    WindowPictures(const QDir& out, QWidget& window, std::function<bool()> isSettled);
+    // `isIdle`: whether the window shows all that it asked for.
+    WindowPictures(const QDir& out, QWidget& window, std::function<bool()> isIdle);
 
     static constexpr QSize sizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
 
@@ -23,7 +23,7 @@ public:
     static bool waitFor(const std::function<bool()>& reached);
 
     // Waits until the window has all that it asked for; false after too long a time.
-    bool settle();
+    bool waitUntilCalm();
 
     // In both themes, of each of the sizes or of the one that the window has. False when the window
     // did not settle.
@@ -37,5 +37,5 @@ private:
 
     QDir m_out;
     QWidget& m_window;
-    std::function<bool()> m_isSettled;
+    std::function<bool()> m_isIdle;
 };
