@@ -77,7 +77,7 @@ CreditJournal::CreditJournal(CreditAccount& account, PreferencesStore& preferenc
     : QObject(parent), m_account(account), m_preferences(preferences), m_run(runs), m_times(times)
 {
     m_retry.setSingleShot(true);
-    connect(&m_retry, &QTimer::timeout, this, [this] { settle(); });
+    connect(&m_retry, &QTimer::timeout, this, [this] { refundLeftOpen(); });
     connect(&account, &CreditAccount::changed, this, &CreditJournal::accountChanged);
     accountChanged();
 }
@@ -87,14 +87,14 @@ CreditJournal::~CreditJournal()
     m_isEnding = true;
     for (const std::shared_ptr<Completion>& given : std::exchange(m_givingBack, {}))
         given->complete();
-    m_settledAll.complete();
+    m_refundedAll.complete();
 }
 
 void CreditJournal::accountChanged()
 {
     const QString account = m_account.accountKey();
     if (std::exchange(m_accountKey, account) != account && !account.isEmpty())
-        settle();
+        refundLeftOpen();
 }
 
 QCoro::Task<ChargeResult> CreditJournal::run(ChargedOperation operation)
@@ -231,7 +231,7 @@ QString CreditJournal::open(const QString& key, const ChargedOperation& operatio
             opened.run.isEmpty() ? u"no se puede escribir en la carpeta de datos"_s
                                  : m_preferences.reason());
     }
-    m_unsettled.remove(key);
+    m_ownLeftOpen.remove(key);
     return {};
 }
 
@@ -272,7 +272,7 @@ void CreditJournal::endRefused(const QString& key)
     if (!entry || entry->lateBefore <= now())
         return strike(key);
     changeEntry(key, [](OpenReservation& kept) { kept.lateUntil = kept.lateBefore; });
-    leaveUnsettled(key);
+    leaveOpen(key);
 }
 
 void CreditJournal::noteLate(const QString& key)
@@ -323,7 +323,7 @@ QCoro::Task<CreditJournal::Refund> CreditJournal::askBack(QString key)
     const QPointer<CreditJournal> self = this;
     const auto entry = entryAt(key, m_preferences);
     if (!entry || entry->account != m_account.accountKey()) {
-        leaveUnsettled(key);
+        leaveOpen(key);
         co_return Refund::unreachable;
     }
     reached("refunding");
@@ -338,18 +338,18 @@ QCoro::Task<CreditJournal::Refund> CreditJournal::askBack(QString key)
     if (!self)
         co_return refund;
     if (refund == Refund::neverReserved && entry->isReserved)
-        refund = settledDenial(key, *entry, asked);
+        refund = afterDenial(key, *entry, asked);
     reached("refunded");
     // A reservation that arrives after this refund needs another one: the entry stays until `late`.
     const double late = std::min(entry->lateUntil, soon());    // the clock may have been set back
     if (isPending(refund)) {
-        leaveUnsettled(key);
+        leaveOpen(key);
     } else if (asked < late) {
         changeEntry(key, [late](OpenReservation& kept) {
             kept.isReserved = false;
             kept.lateUntil = late;
         });
-        leaveUnsettled(key);
+        leaveOpen(key);
     } else {
         strike(key);
     }
@@ -365,8 +365,8 @@ CreditJournal::Refund CreditJournal::refundAfter(const std::exception& error)
                                                                         : Refund::unreachable;
 }
 
-CreditJournal::Refund CreditJournal::settledDenial(const QString& key, const OpenReservation& entry,
-                                                   double asked)
+CreditJournal::Refund CreditJournal::afterDenial(const QString& key, const OpenReservation& entry,
+                                                 double asked)
 {
     const bool isFirst = entry.deniedAt <= 0 || entry.deniedAt > asked;    // a clock set back
     if (isFirst)
@@ -384,16 +384,16 @@ bool CreditJournal::isPending(Refund refund)
 void CreditJournal::strike(const QString& key)
 {
     if (m_preferences.remove(key))
-        m_unsettled.remove(key);
+        m_ownLeftOpen.remove(key);
     else
-        leaveUnsettled(key);
+        leaveOpen(key);
 }
 
 // Leaves the entry to the next attempt, of any run.
-void CreditJournal::leaveUnsettled(const QString& key)
+void CreditJournal::leaveOpen(const QString& key)
 {
     changeEntry(key, [](OpenReservation& entry) { entry.run.clear(); });
-    m_unsettled.insert(key);
+    m_ownLeftOpen.insert(key);
     if (!m_isSettling)
         m_retry.start(m_times.retry);
 }
@@ -408,7 +408,7 @@ bool CreditJournal::claim(const QString& key)
                changeEntry(key, [&](OpenReservation& entry) { entry.run = run; });
     });
     if (isClaimed)
-        m_unsettled.insert(key);
+        m_ownLeftOpen.insert(key);
     return isClaimed;
 }
 
@@ -419,7 +419,7 @@ bool CreditJournal::isLeftOpen(const QString& key) const
     if (!entry || m_givingBack.contains(key))
         return false;
     const bool isOwn = m_run.is(entry->run);
-    return isOwn ? m_unsettled.contains(key) : !m_run.isGoingOn(entry->run);
+    return isOwn ? m_ownLeftOpen.contains(key) : !m_run.isGoingOn(entry->run);
 }
 
 QStringList CreditJournal::keysLeftOpen() const
@@ -429,21 +429,21 @@ QStringList CreditJournal::keysLeftOpen() const
     return keys;
 }
 
-QCoro::Task<> CreditJournal::settle()
+QCoro::Task<> CreditJournal::refundLeftOpen()
 {
     if (m_isSettling) {
-        co_await m_settledAll.wait();
+        co_await m_refundedAll.wait();
     } else if (!m_account.accountKey().isEmpty()) {
-        QCoro::Task<> settling = settleAll();
-        co_await std::move(settling);
+        QCoro::Task<> refunding = refundAllLeftOpen();
+        co_await std::move(refunding);
     }
 }
 
-QCoro::Task<> CreditJournal::settleAll()
+QCoro::Task<> CreditJournal::refundAllLeftOpen()
 {
     const QPointer<CreditJournal> self = this;
     m_isSettling = true;
-    m_settledAll.reset();
+    m_refundedAll.reset();
     const QString account = m_account.accountKey();
     Total returned, gone;
     const QStringList keys = keysLeftOpen();
@@ -477,7 +477,7 @@ QCoro::Task<> CreditJournal::settleAll()
         Q_EMIT refunded(returned.credits, returned.what);
     if (gone.credits > 0)
         Q_EMIT lost(gone.credits, gone.what);
-    m_settledAll.complete();
+    m_refundedAll.complete();
 }
 
 void CreditJournal::reached(const char* step) const

@@ -88,8 +88,8 @@ public:
     // Refunds the signed-in account's open entries: those of runs that have ended and those that
     // this run could not refund. Starts by itself after each sign-in and at intervals; a call while
     // it runs waits for its end.
-    QCoro::Task<> settle();
-    bool isSettled() const { return m_unsettled.isEmpty(); }
+    QCoro::Task<> refundLeftOpen();
+    bool hasNothingLeftOpen() const { return m_ownLeftOpen.isEmpty(); }
 
     // Called with the name of each step of an operation, so that a test can crash there. Code that
     // works for an operation calls reached() with steps of its own.
@@ -130,24 +130,24 @@ private:
     QCoro::Task<Refund> giveBack(QString key);
     QCoro::Task<Refund> askBack(QString key);
     static Refund refundAfter(const std::exception& error);
-    Refund settledDenial(const QString& key, const OpenReservation& entry, double asked);
+    Refund afterDenial(const QString& key, const OpenReservation& entry, double asked);
     static bool isPending(Refund refund);
     void endRefused(const QString& key);
     void strike(const QString& key);
-    void leaveUnsettled(const QString& key);
+    void leaveOpen(const QString& key);
     bool claim(const QString& key);
     bool isLeftOpen(const QString& key) const;
     QStringList keysLeftOpen() const;
-    QCoro::Task<> settleAll();
+    QCoro::Task<> refundAllLeftOpen();
 
     CreditAccount& m_account;
     PreferencesStore& m_preferences;
     ProgramRun m_run;
     const Times m_times;
-    QString m_accountKey;         // of the user signed in last
-    QSet<QString> m_unsettled;    // entries of this run that wait for a refund
+    QString m_accountKey;           // of the user signed in last
+    QSet<QString> m_ownLeftOpen;    // entries of this run that wait for a refund
     bool m_isSettling = false, m_isEnding = false;
-    Completion m_settledAll;
+    Completion m_refundedAll;
     QHash<QString, std::shared_ptr<Completion>> m_givingBack;    // refunds under way, by entry
     QTimer m_retry;
 };

@@ -54,7 +54,7 @@ LocalService::LocalService(Place place, QObject* parent)
 {
     connect(&m_socket, &QLocalSocket::connected, this, [this] {
         if (!leadsToOwnUser(m_socket))
-            settle(u"en su lugar está el programa de otro usuario de este equipo."_s);
+            endSearch(u"en su lugar está el programa de otro usuario de este equipo."_s);
     });
     connect(&m_socket, &QLocalSocket::readyRead, this, &LocalService::read);
     connect(&m_socket, &QLocalSocket::errorOccurred, this, &LocalService::lost);
@@ -62,7 +62,7 @@ LocalService::LocalService(Place place, QObject* parent)
     m_retry.callOnTimeout(this, &LocalService::connectAgain);
     m_giveUp.setSingleShot(true);
     m_giveUp.callOnTimeout(this, [this] {
-        settle(u"no contesta. Lo que haya dejado escrito está en %1."_s.arg(logFile()));
+        endSearch(u"no contesta. Lo que haya dejado escrito está en %1."_s.arg(logFile()));
     });
 }
 
@@ -70,7 +70,7 @@ LocalService::~LocalService()
 {
     m_socket.disconnect(this);
     m_address.clear();
-    settle(u"se ha dejado de esperar."_s);
+    endSearch(u"se ha dejado de esperar."_s);
 }
 
 QCoro::Task<QUrl> LocalService::address(std::stop_token stop)
@@ -78,10 +78,10 @@ QCoro::Task<QUrl> LocalService::address(std::stop_token stop)
     if (m_address.isEmpty() && !stop.stop_requested()) {
         if (!m_isStarting)
             begin();
-        const auto settled = std::make_shared<Completion>();
-        m_waiting.append(settled);
-        const std::stop_callback onStop(stop, [settled] { settled->complete(); });
-        co_await settled->wait();
+        const auto ended = std::make_shared<Completion>();
+        m_waiting.append(ended);
+        const std::stop_callback onStop(stop, [ended] { ended->complete(); });
+        co_await ended->wait();
     }
     if (stop.stop_requested())
         throw TransportError::stopped();
@@ -106,14 +106,15 @@ void LocalService::begin()
 void LocalService::connectAgain()
 {
     if (!createPrivately(m_place.data)) {
-        settle(u"no se puede crear la carpeta %1: %2."_s.arg(
+        endSearch(u"no se puede crear la carpeta %1: %2."_s.arg(
             m_place.data, whyNotWritable(QFileInfo(m_place.data).path())));
         return;
     }
     const QString path = serviceSocketPath(m_place.data);
     if (path.isEmpty()) {
-        settle(u"ni XDG_RUNTIME_DIR es una carpeta tuya y privada ni cabe un socket en %1."_s.arg(
-            m_place.data));
+        endSearch(
+            u"ni XDG_RUNTIME_DIR es una carpeta tuya y privada ni cabe un socket en %1."_s.arg(
+                m_place.data));
         return;
     }
     m_socket.abort();
@@ -124,16 +125,16 @@ void LocalService::read()
 {
     if (!m_socket.canReadLine()) {
         if (m_socket.bytesAvailable() > longestLine)
-            settle(u"da una dirección que no sirve."_s);
+            endSearch(u"da una dirección que no sirve."_s);
         return;
     }
     const QUrl given(QString::fromUtf8(m_socket.readLine(longestLine)).trimmed(), QUrl::StrictMode);
     if (!isLoopback(given.host())) {
-        settle(u"da una dirección que no sirve."_s);
+        endSearch(u"da una dirección que no sirve."_s);
         return;
     }
     m_address = given;
-    settle();
+    endSearch();
 }
 
 // The socket is not connected: the service does not run yet, or has ended.
@@ -146,7 +147,7 @@ void LocalService::lost()
         return;
     // A second service ends at once when another runs; that one answers at the next attempt.
     if (hasEnded(m_process) && std::exchange(m_isLastLook, true)) {
-        settle(reasonInLog());
+        endSearch(reasonInLog());
         return;
     }
     m_retry.start(retryPause);
@@ -155,7 +156,7 @@ void LocalService::lost()
 bool LocalService::launch()
 {
     if (!QFile(logFile()).open(QIODevice::WriteOnly)) {
-        settle(
+        endSearch(
             u"no se puede escribir en %1: %2."_s.arg(m_place.data, whyNotWritable(m_place.data)));
         return false;
     }
@@ -169,7 +170,7 @@ bool LocalService::launch()
     process.setStandardErrorFile(logFile());
     if (process.startDetached(&m_process))
         return true;
-    settle(u"no se puede ejecutar %1."_s.arg(m_place.program));
+    endSearch(u"no se puede ejecutar %1."_s.arg(m_place.program));
     return false;
 }
 
@@ -194,7 +195,7 @@ QString LocalService::reasonInLog() const
         whyNotWritable(m_place.data, logFile()));
 }
 
-void LocalService::settle(const QString& problem)
+void LocalService::endSearch(const QString& problem)
 {
     m_isStarting = false;
     m_problem = problem;

@@ -40,7 +40,7 @@ private:
     void read();
     void lost();
     // Ends the attempt to reach the service; an empty `problem` means success.
-    void settle(const QString& problem = {});
+    void endSearch(const QString& problem = {});
     bool launch();
     QString logFile() const;
     QString reasonInLog() const;

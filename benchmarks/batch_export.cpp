@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     QCommandLineParser parser;

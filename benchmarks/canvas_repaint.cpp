@@ -75,11 +75,11 @@ void time(const char* name, CanvasInteractionView& view, QPointF from)
                 view.resamplings() - before);
 }
 
-void settle(const CanvasInteractionView& view)
+void waitUntilSharp(const CanvasInteractionView& view)
 {
     do
         QApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
-    while (!view.isSettled());
+    while (!view.isPhotoSharp());
     QApplication::processEvents();
 }
 
@@ -87,7 +87,7 @@ void settle(const CanvasInteractionView& view)
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     const auto finish = qScopeGuard(&finishWorkers);
@@ -113,7 +113,7 @@ int main(int argc, char** argv)
     stage.show();
     view.setItem(item, format);
     view.setPhoto(photo);
-    settle(view);
+    waitUntilSharp(view);
     std::printf("canvas of %d × %d pixels\n", stage.pictureSize().width(),
                 stage.pictureSize().height());
 
@@ -124,7 +124,7 @@ int main(int argc, char** argv)
     const auto run = [&](const char* name, QPointF from) {
         time(name, view, from);
         view.setItem(item, format);
-        settle(view);
+        waitUntilSharp(view);
     };
     for (const TextLayer& layer : item.layers) {
         view.setSelectedLayerID(layer.id);

@@ -55,7 +55,7 @@ struct Studio {
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     const auto finish = qScopeGuard(&finishWorkers);
@@ -105,7 +105,7 @@ int main(int argc, char** argv)
         window.show();
         session.restoreWorkspaceIfNeeded();
         session.load({folder});
-        turnUntil([&] { return !session.isImporting() && window.isSettled(); });
+        turnUntil([&] { return !session.isImporting() && window.isIdle(); });
         session.selectAll();
         turnFor(1000);
         Restyle restyle{session};

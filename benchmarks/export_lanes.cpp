@@ -58,7 +58,7 @@ Lap timed(Work work)
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     const auto finish = qScopeGuard(&finishWorkers);
@@ -101,12 +101,13 @@ int main(int argc, char** argv)
     request.jobs = parser.value(jobs).toInt();
     const ExportServices services{
         .photos = cache,
-        .account = &account.session(),
-        .journal = &account.journal(),
         .stagingPlace = own.filePath(u"staging"_s),
-        .record = [&](const QList<RenderedOutput>&,
-                      const QString& entry) { return preferences.remove(entry); },
-        .paidMeanwhile = {}};
+        .charge = {
+            .account = &account.session(),
+            .journal = &account.journal(),
+            .payer = {},
+            .payments = [] { return Payments(); },
+            .record = [](const QList<RenderedOutput>&, const Strike& strike) { return strike(); }}};
     ExportOutcome outcome;
     const Lap lanes = timed([&] {
         outcome = QCoro::waitFor(runExport(request, services, std::make_shared<ExportControl>()));

@@ -89,7 +89,7 @@ double median(std::vector<double> values)
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     const auto finish = qScopeGuard(&finishWorkers);

@@ -46,7 +46,7 @@ double reducedDecodeOfEach(const QList<QUrl>& photos)
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     TimedApplication application(argc, argv);
     const auto finish = qScopeGuard(&finishWorkers);
@@ -78,7 +78,7 @@ int main(int argc, char** argv)
             firstPicture = double(watch.elapsed()) / 1000;
     }
     const double whole = double(watch.elapsed()) / 1000;
-    while (!window.isSettled())
+    while (!window.isIdle())
         QApplication::processEvents(QEventLoop::WaitForMoreEvents);
     const qint64 peak = peakMemory();
     std::vector<double>& events = application.milliseconds;

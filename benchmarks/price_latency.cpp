@@ -135,7 +135,7 @@ void measureSession(StudioSession& session)
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     const auto finish = qScopeGuard(&finishWorkers);

@@ -46,7 +46,7 @@ struct Apply {
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     TimedApplication application(argc, argv);
     const auto finish = qScopeGuard(&finishWorkers);
@@ -84,7 +84,7 @@ int main(int argc, char** argv)
         window.show();
         session.restoreWorkspaceIfNeeded();
         session.load({folder});
-        turnUntil([&] { return !session.isImporting() && window.isSettled(); });
+        turnUntil([&] { return !session.isImporting() && window.isIdle(); });
         Apply apply{session};
         // Saves templates of the user until the tab has forty designs.
         const auto missing = designs - apply.gallery.size();
@@ -93,7 +93,7 @@ int main(int argc, char** argv)
             window.templates().saved().saveTemplate(*session.batch().currentItem(),
                                                     session.batch().format);
         }
-        turnUntil([&] { return window.isSettled(); });
+        turnUntil([&] { return window.isIdle(); });
         turnFor(1000);
 
         SavedTemplates& saved = window.templates().saved();

@@ -29,7 +29,7 @@ QRectF toPixels(const CodableRect& frame, QSizeF canvas)
 
 // The radius limited to half the shorter side: Qt would limit it for each axis by itself and draw a
 // lens.
-double settledRadius(double cornerRadius, const QRectF& box)
+double radiusWithin(double cornerRadius, const QRectF& box)
 {
     const double roundest = std::min(std::abs(box.width()), std::abs(box.height())) / 2;
     return ExportCanvasRenderer::clamp(bounded(cornerRadius), 0, roundest);
@@ -40,7 +40,7 @@ QPainterPath outlineOf(const ShapeLayer& shape, const QRectF& rect, double scale
     QPainterPath path;
     switch (shape.kind) {
     case ShapeKind::rectangle: {
-        const double radius = settledRadius(shape.cornerRadius * scale, rect);
+        const double radius = radiusWithin(shape.cornerRadius * scale, rect);
         path.addRoundedRect(rect, radius, radius);
         break;
     }
@@ -136,7 +136,7 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
 
     LaidOutTextLayer result{.source = layer,
                             .box = box,
-                            .cornerRadius = settledRadius(layer.cornerRadius * scale, box),
+                            .cornerRadius = radiusWithin(layer.cornerRadius * scale, box),
                             .fill = std::nullopt,
                             .shadow = layOutShadow(layer, scale),
                             .text = text,

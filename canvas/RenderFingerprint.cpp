@@ -89,15 +89,15 @@ bool isTransparent(const QColor& color)
 }
 
 // Rounds away the differences between two ways of computing one position.
-double settled(double pixels)
+double withoutRoundingNoise(double pixels)
 {
     constexpr double step = 1e-6;
     return std::round(pixels / step) * step;
 }
 
-QPointF settled(QPointF point)
+QPointF withoutRoundingNoise(QPointF point)
 {
-    return {settled(point.x()), settled(point.y())};
+    return {withoutRoundingNoise(point.x()), withoutRoundingNoise(point.y())};
 }
 
 bool isSeen(const QRectF& extent, QSize canvas)
@@ -130,7 +130,7 @@ void describeBox(Description& description, const LaidOutTextLayer& layer, QSize 
     if (layer.shadow && !isTransparent(layer.shadow->color) && isSeen(extentOf(layer), canvas)) {
         description.begin(Part::shadow);
         description.add(layer.shadow->color);
-        description.add(settled(layer.shadow->offset));
+        description.add(withoutRoundingNoise(layer.shadow->offset));
         description.add(layer.shadow->sigma);
         description.add(layer.box);
         description.add(layer.cornerRadius);
@@ -177,7 +177,7 @@ QByteArray describedRun(const QGlyphRun& run, const LaidOutTextLayer& layer)
     for (qsizetype i = 0; i < glyphs.size(); ++i) {
         if (!blanks.contains(glyphs[i])) {
             drawn.add(glyphs[i]);
-            drawn.add(settled(layer.textPosition + positions[i] * scale));
+            drawn.add(withoutRoundingNoise(layer.textPosition + positions[i] * scale));
         }
     }
     if (drawn.bytes().isEmpty())

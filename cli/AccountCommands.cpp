@@ -161,12 +161,12 @@ int runSignIn(AccountCommand command, SignIn signIn, SecretUse use, const QStrin
     const bool done = QCoro::waitFor((session.*signIn)(address, *password));
     const QString reason = connection.preferences().reason();
     if (done && !connection.isSessionKept()) {
-        connection.settle();
+        connection.refundLeftOpen();
         return command.failed(u"la sesión no se ha podido guardar: %1. La próxima orden tendrá que "
                               "iniciarla de nuevo."_s.arg(reason));
     }
     const int status = command.ended(session, done);
-    connection.settle();
+    connection.refundLeftOpen();
     return status;
 }
 
@@ -213,7 +213,7 @@ int runAccount(const QStringList& arguments, const ServiceConfiguration& configu
     AccountSession& session = connection.session();
     if (!QCoro::waitFor(session.bootstrap()))
         return command.failed(session);
-    connection.settle();
+    connection.refundLeftOpen();
     if (!session.isAuthenticated())
         return command.failed(u"Necesitas iniciar sesión."_s, exitNotSignedIn);
     const AccountLine line{session.displayName(), session.account().profile->email,

@@ -23,7 +23,7 @@ AccountConnection::AccountConnection(const ServiceConfiguration& configuration,
                      });
 }
 
-void AccountConnection::settle()
+void AccountConnection::refundLeftOpen()
 {
-    QCoro::waitFor(journal().settle());
+    QCoro::waitFor(journal().refundLeftOpen());
 }

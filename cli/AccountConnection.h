@@ -22,7 +22,7 @@ public:
 
     // Waits until the credits that earlier commands left reserved have been refunded, as far as
     // that is possible.
-    void settle();
+    void refundLeftOpen();
 
 private:
     PreferencesStore m_preferences{userDataFolder() + QStringLiteral("/moltiva.sqlite")};

@@ -70,7 +70,7 @@ public:
         if (const auto refused = signIn())
             return ended(*refused, pathsOf(m_options.photos));
         // Refunds come first: the balance is compared with the price.
-        m_connection.settle();
+        m_connection.refundLeftOpen();
         m_interrupt.emplace();
         m_look.start(stopLatency);
 

@@ -17,7 +17,7 @@ struct JsonFields<PublicationItemSnapshot> {
                    optional("shapeLayers", &Item::shapeLayers),
                    required("placement", &Item::placement),
                    optional("paidRenderFingerprints", &Item::paidRenderFingerprints)};
-    static void settle(Item& item, const Value& object)
+    static void repair(Item& item, const Value& object)
     {
         item.unreadableLayers =
             unreadableIn<TextLayer>(object, "layers", item.layers.size()) +
@@ -56,7 +56,7 @@ struct JsonFields<WorkspaceSnapshot> {
                    required("selectedItemIDs", &Workspace::selectedItemIDs),
                    optional("selectedLayerID", &Workspace::selectedLayerID),
                    required("items", &Workspace::items)};
-    static void settle(WorkspaceSnapshot& workspace, const Value& object)
+    static void repair(WorkspaceSnapshot& workspace, const Value& object)
     {
         if (const auto items = object.find("items"); items != object.end())
             workspace.unreadableParts = qsizetype(items->size()) - workspace.items.size();

@@ -354,11 +354,11 @@ bool read(const Value& value, Record& out)
     const bool complete =
         std::apply([&](const auto&... field) { return (field.readInto(value, out) && ...); },
                    JsonFields<Record>::fields);
-    // settle() restores the record's invariants, which a file may break.
-    if constexpr (requires { JsonFields<Record>::settle(out); })
-        JsonFields<Record>::settle(out);
-    else if constexpr (requires { JsonFields<Record>::settle(out, value); })
-        JsonFields<Record>::settle(out, value);
+    // repair() restores the record's invariants, which a file may break.
+    if constexpr (requires { JsonFields<Record>::repair(out); })
+        JsonFields<Record>::repair(out);
+    else if constexpr (requires { JsonFields<Record>::repair(out, value); })
+        JsonFields<Record>::repair(out, value);
     return complete;
 }
 

@@ -45,7 +45,7 @@ struct JsonFields<GeneratedCopy> {
                    required("callToAction", &GeneratedCopy::callToAction),
                    required("publicationCaption", &GeneratedCopy::publicationCaption),
                    required("imageNotes", &GeneratedCopy::imageNotes)};
-    static void settle(GeneratedCopy& copy)
+    static void repair(GeneratedCopy& copy)
     {
         copy.callToAction = GeneratedCopy::normalizedCallToAction(copy.callToAction);
     }

@@ -6,7 +6,7 @@
 #include <malloc.h>
 #endif
 
-void settleAllocator()
+void fixAllocatorThresholds()
 {
 #ifdef __GLIBC__
     mallopt(M_MMAP_THRESHOLD, 32 << 20);

@@ -5,7 +5,7 @@
 // Fixes the allocator's thresholds, which keeps the resident size flat: otherwise glibc raises its
 // threshold for large blocks with every freed picture, and keeps the freed ones. Call first in
 // main().
-void settleAllocator();
+void fixAllocatorThresholds();
 
 // Keeps freed memory in the process, for a program that does one thing and ends: paging the memory
 // of each picture in anew takes a tenth of an export's processor time.

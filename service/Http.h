@@ -24,7 +24,7 @@ struct ServiceRequest {
     bool isLocal = true;    // the client is a program of our own user on this machine
     // A handler calls it before a long wait: empties `body` and gives back the memory that was
     // taken for it, for which other requests may be waiting.
-    std::function<void()> letGo = [] {};
+    std::function<void()> releaseBody = [] {};
 };
 
 struct ServiceReply {

@@ -29,7 +29,7 @@ struct JsonFields<VisualTemplate> {
                                               lenient("order", &Template::order),
                                               lenient("sourceFile", &Template::sourceFile)};
     // Gives shapes with a repeated id a new one: editing finds a shape by its id.
-    static void settle(Template& made)
+    static void repair(Template& made)
     {
         QSet<QUuid> ids;
         for (ShapeLayerSnapshot& shape : made.shapeLayers) {

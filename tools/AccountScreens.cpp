@@ -39,7 +39,7 @@ const QByteArray purchases = R"({"purchases":[
 class AccountScreens {
 public:
     explicit AccountScreens(const QDir& out)
-        : m_pictures(out, m_window, [this] { return m_window.isSettled(); })
+        : m_pictures(out, m_window, [this] { return m_window.isIdle(); })
     {
         m_account.hold();
     }
@@ -111,7 +111,7 @@ private:
                 }
                 m_pictures.takeAtThisSize(name);
                 button->click();
-                m_pictures.settle();
+                m_pictures.waitUntilCalm();
             }
         };
         takeOpen(u"popover"_s, [](AccountPanelView&) {});

@@ -45,8 +45,8 @@ void stopAnimations(QApplication& application)
     application.installEventFilter(new FrameFilter(&application));
 }
 
-WindowPictures::WindowPictures(const QDir& out, QWidget& window, std::function<bool()> isSettled)
-    : m_out(out), m_window(window), m_isSettled(std::move(isSettled))
+WindowPictures::WindowPictures(const QDir& out, QWidget& window, std::function<bool()> isIdle)
+    : m_out(out), m_window(window), m_isIdle(std::move(isIdle))
 {
 }
 
@@ -60,7 +60,7 @@ bool WindowPictures::waitFor(const std::function<bool()>& reached)
 
 // The window must stay complete for several turns: panels request pictures a moment after a change,
 // and a result of a worker may cause further requests.
-bool WindowPictures::settle()
+bool WindowPictures::waitUntilCalm()
 {
     constexpr int calmTurns = 3, turn = 60;    // ms
     QElapsedTimer watch;
@@ -71,7 +71,7 @@ bool WindowPictures::settle()
         turnFor(turn);
         const bool wasAtWork = workers().activeThreadCount() > 0;
         workers().waitForDone(longestWait);
-        calm = !wasAtWork && m_isSettled() ? calm + 1 : 0;
+        calm = !wasAtWork && m_isIdle() ? calm + 1 : 0;
     }
     return true;
 }
@@ -85,26 +85,26 @@ void WindowPictures::grab(const QString& name, const QString& theme)
 
 bool WindowPictures::take(const QString& name)
 {
-    bool settled = true;
+    bool reached = true;
     for (const QSize size : sizes) {
         m_window.resize(size);
-        settled &= takeAtThisSize(name);
+        reached &= takeAtThisSize(name);
     }
-    return settled;
+    return reached;
 }
 
 bool WindowPictures::takeAtThisSize(const QString& name)
 {
-    bool settled = true;
+    bool reached = true;
     for (const auto& [theme, label] :
          {std::pair(&darkTheme(), u"dark"_s), std::pair(&lightTheme(), u"light"_s)}) {
         applyTheme(*theme);
-        settled &= settle();
+        reached &= waitUntilCalm();
         grab(name, label);
     }
-    if (!settled)
-        std::fprintf(stderr, "%s: not settled after %d s\n", qPrintable(name), longestWait / 1000);
-    return settled;
+    if (!reached)
+        std::fprintf(stderr, "%s: not reached after %d s\n", qPrintable(name), longestWait / 1000);
+    return reached;
 }
 
 void WindowPictures::takeNow(const QString& name)

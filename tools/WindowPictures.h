@@ -14,8 +14,8 @@ void stopAnimations(QApplication& application);
 // Pictures of one window as PNG files. Two runs give equal bytes.
 class WindowPictures {
 public:
-    // `isSettled`: whether the window shows everything that it has requested.
-    WindowPictures(const QDir& out, QWidget& window, std::function<bool()> isSettled);
+    // `isIdle`: whether the window shows everything that it has requested.
+    WindowPictures(const QDir& out, QWidget& window, std::function<bool()> isIdle);
 
     static constexpr QSize sizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
 
@@ -23,7 +23,7 @@ public:
     static bool waitFor(const std::function<bool()>& reached);
 
     // Waits until the window shows everything that it has requested; false after a minute.
-    bool settle();
+    bool waitUntilCalm();
 
     // Takes pictures in both themes: take() in each of the sizes, takeAtThisSize() in the window's
     // own. False when the window still lacked pictures after a minute.
@@ -37,5 +37,5 @@ private:
 
     QDir m_out;
     QWidget& m_window;
-    std::function<bool()> m_isSettled;
+    std::function<bool()> m_isIdle;
 };

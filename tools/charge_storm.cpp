@@ -126,11 +126,11 @@ public:
         return m_session.batch().items.size() == photoCount;
     }
 
-    bool settleAll()
+    bool refundAll()
     {
-        const bool isSettled = turnUntil([this] { return entries().isEmpty(); });
+        const bool isIdle = turnUntil([this] { return entries().isEmpty(); });
         tellState();
-        return isSettled;
+        return isIdle;
     }
 
     [[noreturn]] void storm()
@@ -250,7 +250,7 @@ int runChild(const QStringList& arguments)
     if (!child.start())
         return 1;
     if (isCalm)
-        return child.settleAll() ? 0 : 1;
+        return child.refundAll() ? 0 : 1;
     child.storm();
 }
 

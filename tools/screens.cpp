@@ -90,9 +90,8 @@ public:
           m_session(m_cache, m_preferences, steppingClock()),
           m_account(m_preferences, Scripted::signedIn),
           m_window(m_session, m_account.session(), m_cache, m_preferences),
-          m_pictures(out, m_window, [this] {
-              return m_window.isSettled() && m_session.exports().areCostsUpToDate();
-          })
+          m_pictures(out, m_window,
+                     [this] { return m_window.isIdle() && m_session.exports().areCostsUpToDate(); })
     {
         m_session.setAccountSession(m_account.session());
         m_session.setCreditJournal(m_account.journal(), m_folder.filePath(u"exports"_s));
@@ -263,13 +262,13 @@ private:
             if (swatch->accessibleName() != u"Color de la caja"_s)
                 continue;
             swatch->click();
-            m_pictures.settle();
+            m_pictures.waitUntilCalm();
             m_pictures.takeNow(u"panel-color"_s);
             swatch->click();
         }
         auto* font = panel->textPanel()->findChild<FontField*>();
         font->click();
-        m_pictures.settle();
+        m_pictures.waitUntilCalm();
         m_pictures.takeNow(u"panel-fonts"_s);
         m_window.setFocus();
         font->click();
@@ -347,7 +346,7 @@ private:
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     const auto finish = qScopeGuard(&finishWorkers);

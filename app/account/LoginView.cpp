@@ -73,7 +73,7 @@ LoginView::LoginView(QWidget* parent)
       m_form(new AccountForm(m_notice, this))
 {
     buildColumn();
-    nameFields();
+    addFieldsToForm();
     connectActions();
     orderFocus();
     m_waiting->hide();
@@ -135,7 +135,7 @@ void LoginView::buildColumn()
     rows->addStretch(1);
 }
 
-void LoginView::nameFields()
+void LoginView::addFieldsToForm()
 {
     m_form->add(m_primaries + QList{m_google, m_recover, m_retry, m_testMail});
     m_form->add(CheckedField::email, m_email);

@@ -44,7 +44,7 @@ protected:
 
 private:
     void buildColumn();
-    void nameFields();
+    void addFieldsToForm();
     void connectActions();
     void orderFocus();
     void showWaysOut();

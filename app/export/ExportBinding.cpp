@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 ExportBinding::ExportBinding(StudioSession& session, AccountSession& account,
                              const BatchBinding& column, ExportButtons* buttons,
                              PreferencesStore& preferences, QWidget* window)
-    : m_session(session), m_account(account), m_column(column), m_buttons(buttons),
+    : m_session(session), m_account(account), m_batchBinding(column), m_buttons(buttons),
       m_dialogs(new ExportDialogs(session, preferences, window))
 {
     connect(m_dialogs, &ExportDialogs::fileChosen, &session, &StudioSession::exportItem);
@@ -30,7 +30,7 @@ ExportOffer ExportBinding::offer() const
     return {.images = batch.items.size(),
             .selected = m_session.selectedIndicesForBatch().size(),
             .isRunning = m_session.isExporting(),
-            .isIncoming = m_column.showsIncoming(),
+            .isIncoming = m_batchBinding.showsIncoming(),
             .current = {m_session.displayedExportCurrentCost(), balance, atMost(1)},
             .several = {m_session.displayedExportAllCost(), balance,
                         atMost(m_session.exports().exportIndices().size())}};

@@ -31,7 +31,7 @@ private:
 
     StudioSession& m_session;
     AccountSession& m_account;
-    const BatchBinding& m_column;
+    const BatchBinding& m_batchBinding;
     ExportButtons* m_buttons;
     ExportDialogs* m_dialogs;
 };

@@ -45,7 +45,7 @@ PanelBinding::PanelBinding(StudioSession& session, SidePanel* panel,
                            const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences,
                            const BatchBinding& batch)
     : m_session(session), m_panel(panel), m_photos(photos), m_preferences(preferences),
-      m_batch(batch),
+      m_batchBinding(batch),
       m_recentColors(colorsFrom(preferences.value(recentKey).value_or(QByteArray())))
 {
     connectTexts();
@@ -108,7 +108,7 @@ void PanelBinding::show()
 {
     const Batch& batch = m_session.batch();
     // While the column shows an import's images, the panel shows no item of the batch.
-    const PublicationItem* item = m_batch.showsIncoming() ? nullptr : batch.currentItem();
+    const PublicationItem* item = m_batchBinding.showsIncoming() ? nullptr : batch.currentItem();
     m_panel->setContent(item ? SidePanel::Content::image : SidePanel::Content::none);
     const int reached = std::max(1, int(m_session.selectedIndicesForBatch().size()));
     TextPanelState texts;
@@ -118,7 +118,7 @@ void PanelBinding::show()
         const bool canPaste = m_session.canPasteStyle();
         texts = {.filename = item->url.fileName(),
                  .layers = item->layers,
-                 .warnings = m_batch.warningsOf(item->id),
+                 .warnings = m_batchBinding.warningsOf(item->id),
                  .selectedLayer = batch.selectedLayerID,
                  .sizeLimit = sizeLimit(*item),
                  .reachedImages = reached,

@@ -52,7 +52,7 @@ private:
     SidePanel* m_panel;
     std::shared_ptr<PhotoCache> m_photos;
     PreferencesStore& m_preferences;
-    const BatchBinding& m_batch;                    // has the warnings about the texts
+    const BatchBinding& m_batchBinding;             // has the warnings about the texts
     QHash<QString, QList<QColor>> m_photoColors;    // by the photo's path; empty until found
     QList<QColor> m_recentColors;
 };

@@ -72,7 +72,7 @@ void SidePanel::setTab(SideTab tab)
 void SidePanel::endEdits()
 {
     for (auto* field : findChildren<SliderField*>())
-        field->letGo();
+        field->endGesture();
     for (auto* swatch : findChildren<Swatch*>())
         swatch->closePopover();
     for (auto* font : findChildren<FontField*>())

@@ -120,10 +120,10 @@ void StageBinding::preview(const std::optional<PublicationItem>& item)
 
 bool StageBinding::isIdle() const
 {
-    return m_photo->isIdle() && canvas()->isSettled();
+    return m_photo->isIdle() && canvas()->isPhotoSharp();
 }
 
-void StageBinding::place(const std::function<void(ImagePlacement&)>& change, Pace pace)
+void StageBinding::changePlacement(const std::function<void(ImagePlacement&)>& change, Pace pace)
 {
     if (!m_session.batch().currentItem())
         return;
@@ -134,12 +134,12 @@ void StageBinding::place(const std::function<void(ImagePlacement&)>& change, Pac
 
 void StageBinding::setFitMode(ImageFitMode mode)
 {
-    place([mode](ImagePlacement& placement) { placement.mode = mode; });
+    changePlacement([mode](ImagePlacement& placement) { placement.mode = mode; });
 }
 
 void StageBinding::zoomBy(double step)
 {
-    place(
+    changePlacement(
         [step](ImagePlacement& placement) {
             placement.zoom = std::clamp(placement.zoom + step, leastZoom, mostZoom);
         },
@@ -148,7 +148,7 @@ void StageBinding::zoomBy(double step)
 
 void StageBinding::setZoom(double zoom, Pace pace)
 {
-    place(
+    changePlacement(
         [zoom](ImagePlacement& placement) {
             placement.zoom = std::clamp(zoom, leastZoom, mostZoom);
         },
@@ -157,7 +157,7 @@ void StageBinding::setZoom(double zoom, Pace pace)
 
 void StageBinding::centrePhoto()
 {
-    place([](ImagePlacement& placement) { placement.offset = {}; });
+    changePlacement([](ImagePlacement& placement) { placement.offset = {}; });
 }
 
 void StageBinding::setSafeZoneShown(bool shown)

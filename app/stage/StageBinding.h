@@ -49,7 +49,8 @@ Q_SIGNALS:
 
 private:
     void connectCanvas();
-    void place(const std::function<void(ImagePlacement&)>& change, Pace pace = Pace::once);
+    void changePlacement(const std::function<void(ImagePlacement&)>& change,
+                         Pace pace = Pace::once);
 
     StudioSession& m_session;
     StagePanel* m_stage;

@@ -99,7 +99,7 @@ void ViewBar::setSafeZone(bool shown)
 
 void ViewBar::endEdits()
 {
-    m_zoom->letGo();
+    m_zoom->endGesture();
 }
 
 void ViewBar::setLabels(Labels labels)

@@ -64,22 +64,22 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
                        const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences)
     : m_session(session), m_accountSession(account), m_preferences(preferences),
       m_shell(new StudioShell(formatChoices(), this)),
-      m_batch(std::make_unique<BatchBinding>(session, m_shell->batchColumn(), photos)),
+      m_batchBinding(std::make_unique<BatchBinding>(session, m_shell->batchColumn(), photos)),
       m_stage(
           std::make_unique<StageBinding>(session, m_shell->stage(), m_shell->viewBar(), photos)),
       m_panel(std::make_unique<PanelBinding>(session, m_shell->sidePanel(), photos, preferences,
-                                             *m_batch)),
+                                             *m_batchBinding)),
       m_templates(std::make_unique<TemplatesBinding>(
           session, m_shell->sidePanel()->templatesPanel(),
           m_shell->sidePanel()->textPanel()->styles(), photos, preferences)),
       m_files(new FileIntake(session, preferences, this)),
-      m_exports(std::make_unique<ExportBinding>(session, account, *m_batch,
+      m_exports(std::make_unique<ExportBinding>(session, account, *m_batchBinding,
                                                 m_shell->topBar()->exports(), preferences, this)),
       m_status(std::make_unique<StatusBinding>(session, m_shell->statusLine())),
       m_focus(new StudioFocus(m_shell, this)), m_look(new KeptLook(m_shell, preferences, this)),
-      m_commands(
-          new StudioCommands({session, account, m_shell, *m_batch, *m_stage, *m_panel, *m_templates,
-                              *m_exports, *m_status, m_files, m_focus, m_look, this})),
+      m_commands(new StudioCommands({session, account, m_shell, *m_batchBinding, *m_stage, *m_panel,
+                                     *m_templates, *m_exports, *m_status, m_files, m_focus, m_look,
+                                     this})),
       m_gate(new AuthGateView(this)),
       m_account(std::make_unique<AccountBinding>(account, session, m_gate,
                                                  m_shell->topBar()->account(), this))
@@ -114,10 +114,10 @@ StudioMenu* MainWindow::menu() const
     return m_commands->menu();
 }
 
-bool MainWindow::isSettled() const
+bool MainWindow::isIdle() const
 {
-    return m_session.didRestoreWorkspace() && !m_session.isImporting() && m_batch->isIdle() &&
-           m_stage->isIdle() && m_templates->isIdle();
+    return m_session.didRestoreWorkspace() && !m_session.isImporting() &&
+           m_batchBinding->isIdle() && m_stage->isIdle() && m_templates->isIdle();
 }
 
 void MainWindow::connectPanels()
@@ -148,9 +148,10 @@ void MainWindow::connectStage()
 {
     connect(m_stage.get(), &StageBinding::layerChosen, m_panel.get(), &PanelBinding::follow);
     connect(m_stage.get(), &StageBinding::editRequested, m_panel.get(), &PanelBinding::edit);
-    connect(m_stage.get(), &StageBinding::photoFound, m_batch.get(), &BatchBinding::photoFound);
+    connect(m_stage.get(), &StageBinding::photoFound, m_batchBinding.get(),
+            &BatchBinding::photoFound);
     connect(m_stage.get(), &StageBinding::photoMissing, this, [this](QUuid item) {
-        m_batch->photoMissing(item);
+        m_batchBinding->photoMissing(item);
         m_session.setStatus(u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
                                 m_session.batch().currentItem()->filename()),
                             StatusKind::error);
@@ -172,7 +173,7 @@ void MainWindow::connectSession()
     connect(&m_session, &StudioSession::activityChanged, this, [this](Activity::Kind kind) {
         if (kind != Activity::Kind::importing)
             return;
-        m_batch->show();
+        m_batchBinding->show();
         showStage();
         m_panel->show();
     });
@@ -331,7 +332,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
         return;
     // Keys with modifiers are left alone: a text field may only now have no use for one. While the
     // column shows an import's images, no key changes the hidden batch.
-    if (event->modifiers() & ~Qt::KeypadModifier || m_batch->showsIncoming())
+    if (event->modifiers() & ~Qt::KeypadModifier || m_batchBinding->showsIncoming())
         return QWidget::keyPressEvent(event);
     switch (event->key()) {
     case Qt::Key_Left:
@@ -387,7 +388,7 @@ void MainWindow::showBatch()
     top->setRedo(m_session.canRedo());
     m_shell->composeBar()->setObjective(batch.objective);
     m_shell->batchColumn()->setRatio(row(batch.format).aspectRatio);
-    m_batch->show();
+    m_batchBinding->show();
     showStage();
     m_templates->show();    // ends a preview on the stage
     m_stage->show();
@@ -402,7 +403,7 @@ void MainWindow::showStage()
     const bool isEmpty = m_session.batch().items.isEmpty() && m_session.didRestoreWorkspace();
     // During an import the stage is empty: the old canvas must not stand beside the new tiles.
     const Activity* import = m_session.activities().find(Activity::Kind::importing);
-    const bool isImporting = import && (isEmpty || m_batch->showsIncoming());
+    const bool isImporting = import && (isEmpty || m_batchBinding->showsIncoming());
     if (isImporting) {
         m_shell->emptyState()->setImport({{int(import->done), int(import->total)}});
     } else {

@@ -44,7 +44,7 @@ public:
     StatusBinding& status() const { return *m_status; }
     AuthGateView* gate() const { return m_gate; }
     // True when no picture is being drawn and no photo looked at.
-    bool isSettled() const;
+    bool isIdle() const;
 
     // Opens files, folders and links from outside; files wait until somebody is signed in. Several
     // calls in a row bring one batch: file managers may start the program once for each file.
@@ -83,7 +83,7 @@ private:
     PreferencesStore& m_preferences;
     StudioShell* m_shell;
     // Bindings, destroyed before the panels that they refer to.
-    std::unique_ptr<BatchBinding> m_batch;
+    std::unique_ptr<BatchBinding> m_batchBinding;
     std::unique_ptr<StageBinding> m_stage;
     std::unique_ptr<PanelBinding> m_panel;
     std::unique_ptr<TemplatesBinding> m_templates;

@@ -75,7 +75,7 @@ QAccessibleInterface* accessibleShellOf(const QString&, QObject* object)
 
 StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
     : QWidget(parent), m_topBar(new TopBar(formats, this)), m_composeBar(new ComposeBar),
-      m_batch(new BatchColumn), m_stage(new StagePanel), m_viewBar(new ViewBar),
+      m_batchColumn(new BatchColumn), m_stage(new StagePanel), m_viewBar(new ViewBar),
       m_empty(new EmptyState), m_panel(new SidePanel), m_status(new StatusLine(this)),
       m_veil(new DropVeil(this)), m_splitter(new QSplitter(Qt::Horizontal, this)),
       m_stages(new QStackedWidget)
@@ -103,7 +103,7 @@ StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
 
     m_splitter->setHandleWidth(1);
     m_splitter->setChildrenCollapsible(false);
-    m_splitter->addWidget(m_batch);
+    m_splitter->addWidget(m_batchColumn);
     m_splitter->addWidget(ground);
     m_splitter->addWidget(m_panel);
     m_splitter->setStretchFactor(0, 0);
@@ -154,7 +154,7 @@ void StudioShell::setPanelWidth(std::optional<int> width)
 
 void StudioShell::setBatchVisible(bool visible)
 {
-    m_batch->setVisible(visible);
+    m_batchColumn->setVisible(visible);
     fitColumns();
 }
 
@@ -180,7 +180,7 @@ void StudioShell::fitColumns()
     };
     const int panel = wanted(m_panel, m_panelWidth.value_or(usual.panel));
     const int room = width() - panel - narrowestStage;
-    const int batch = wanted(m_batch, std::min(m_batchWidth.value_or(usual.batch), room));
+    const int batch = wanted(m_batchColumn, std::min(m_batchWidth.value_or(usual.batch), room));
     // The hairline between a column and the stage counts as part of the column.
     m_splitter->setSizes({std::max(0, batch - line), std::max(1, width() - batch - panel),
                           std::max(0, panel - line)});
@@ -190,7 +190,7 @@ void StudioShell::tellDragged(int divider)
 {
     const int line = m_splitter->handleWidth();
     if (divider == 1) {
-        m_batchWidth = m_batch->width() + line;
+        m_batchWidth = m_batchColumn->width() + line;
         Q_EMIT batchWidthDragged(*m_batchWidth);
     } else {
         m_panelWidth = m_panel->width() + line;
@@ -201,7 +201,7 @@ void StudioShell::tellDragged(int divider)
 void StudioShell::orderFocus()
 {
     QList<QWidget*> order = m_topBar->focusOrder();
-    order += m_batch->focusOrder();
+    order += m_batchColumn->focusOrder();
     order.append(m_composeBar->objectiveEdit());
     order += m_empty->focusOrder();
     order.append(m_stage->canvas());

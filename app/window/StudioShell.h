@@ -22,7 +22,7 @@ public:
 
     TopBar* topBar() const { return m_topBar; }
     ComposeBar* composeBar() const { return m_composeBar; }
-    BatchColumn* batchColumn() const { return m_batch; }
+    BatchColumn* batchColumn() const { return m_batchColumn; }
     StagePanel* stage() const { return m_stage; }
     ViewBar* viewBar() const { return m_viewBar; }
     EmptyState* emptyState() const { return m_empty; }
@@ -58,7 +58,7 @@ private:
 
     TopBar* m_topBar;
     ComposeBar* m_composeBar;
-    BatchColumn* m_batch;
+    BatchColumn* m_batchColumn;
     StagePanel* m_stage;
     ViewBar* m_viewBar;
     EmptyState* m_empty;

@@ -144,7 +144,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
 
 int main(int argc, char** argv)
 {
-    settleAllocator();
+    fixAllocatorThresholds();
     ignoreRelativeFolders();
     qInstallMessageHandler(quietMessages);
     QStringList arguments;

@@ -101,7 +101,7 @@ void CanvasInteractionView::setLineColor(const QColor& color)
     update();
 }
 
-bool CanvasInteractionView::isSettled() const
+bool CanvasInteractionView::isPhotoSharp() const
 {
     return !m_resampling && !m_rest.isActive() && !m_picture.wantedPlace();
 }

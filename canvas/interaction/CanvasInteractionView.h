@@ -37,7 +37,7 @@ public:
     // The picture on the canvas in screen pixels, without frames, guides and bands.
     const QImage& canvasBuffer() { return m_picture.image(); }
     // Whether the photo in canvasBuffer() is as sharp as it can be.
-    bool isSettled() const;
+    bool isPhotoSharp() const;
     // Number of times the photo was resampled.
     int resamplings() const { return m_resamplings; }
 

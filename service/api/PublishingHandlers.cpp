@@ -79,7 +79,8 @@ ServiceReply generateCopy(Visit& visit)
     const PreparedCopyOrder order =
         preparedCopyOrder(service.copyProvider(), {given.objective, *format, given.mimeType,
                                                    std::exchange(given.imageBase64, {})});
-    visit.request.letGo();    // or requests waiting for this memory would wait for the provider
+    visit.request
+        .releaseBody();    // or requests waiting for this memory would wait for the provider
     const GeneratedCopy copy = forwardCopyOrder(order, service.isEnding());
     const QByteArray reply = toWire(SocialCopyGenerateResponse{.ok = true, .copy = copy});
     Transaction transaction(service.database());

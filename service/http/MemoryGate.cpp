@@ -28,7 +28,7 @@ bool MemoryGate::Pass::grow(qint64 bytes)
     return true;
 }
 
-void MemoryGate::Pass::settle()
+void MemoryGate::Pass::stopGrowing()
 {
     const std::scoped_lock lock(m_gate.m_mutex);
     if (m_number)
@@ -36,9 +36,9 @@ void MemoryGate::Pass::settle()
     m_gate.m_changed.notify_all();
 }
 
-void MemoryGate::Pass::letGo()
+void MemoryGate::Pass::release()
 {
-    settle();
+    stopGrowing();
     const std::scoped_lock lock(m_gate.m_mutex);
     m_gate.m_used -= std::exchange(m_bytes, 0);
     m_gate.m_changed.notify_all();

@@ -24,13 +24,13 @@ public:
     class Pass {
     public:
         explicit Pass(MemoryGate& gate) : m_gate(gate) {}
-        ~Pass() { letGo(); }
+        ~Pass() { release(); }
         Pass(const Pass&) = delete;
         Pass& operator=(const Pass&) = delete;
 
         [[nodiscard]] bool grow(qint64 bytes);    // waits for memory; false: refused
-        void settle();    // keeps the bytes, but ends growing: another pass becomes the oldest
-        void letGo();     // gives all bytes back
+        void stopGrowing();    // keeps the bytes, but ends growing: another pass becomes the oldest
+        void release();        // gives all bytes back
 
     private:
         MemoryGate& m_gate;

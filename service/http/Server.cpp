@@ -306,7 +306,7 @@ private:
                 throw Refusal(413, "too_large");
             MemoryGate::Pass receiving(m_receiving), handling(m_handling);
             result.body = read(reader, announced, largest, receiving);
-            receiving.settle();
+            receiving.stopGrowing();
             m_connections.setState(servedSocket, Connections::State::busy);
             if (!isApi(result.path))
                 result.form = fieldsOf(result.body);
@@ -314,10 +314,10 @@ private:
             if (result.body.size() > uncountedBody &&
                 !handling.grow(result.body.size() * copiesOfBody))
                 throw Refusal(503, "service_busy");
-            result.letGo = [&] {
+            result.releaseBody = [&] {
                 result.body = {};
-                receiving.letGo();
-                handling.letGo();
+                receiving.release();
+                handling.release();
             };
             give(reply, answer(m_service, result));
         } catch (const Refusal& refusal) {

@@ -310,7 +310,7 @@ int prepareAndServe(QCoreApplication& application, const Options& options)
 
 int main(int argc, char** argv)
 {
-    settleAllocator();    // else freed memory of large posts would not return to the system
+    fixAllocatorThresholds();    // else freed memory of large posts would not return to the system
     qInstallMessageHandler(quietMessages);
     ignoreRelativeFolders();
     std::signal(SIGPIPE, SIG_IGN);

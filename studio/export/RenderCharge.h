@@ -14,29 +14,30 @@ class AccountSession;
 struct ChargeServices {
     QPointer<AccountSession> account;
     QPointer<CreditJournal> journal;
-    QString payer;    // key of the paying account; empty: the one signed in once all is rendered
-    std::function<Payments()> payments;    // current payments: other operations add some meanwhile
-    // Stores the outputs as paid and strikes the journal entry, in one transaction. Returns whether
-    // it is stored already.
+    QString payer;    // key of the account; empty: whoever is signed in when all is rendered
+    std::function<Payments()> payments;    // as of now: others pay, too
+    // Stores the payment of `outputs` and calls `strike`, in one transaction; gives whether that is
+    // stored already.
     std::function<bool(const QList<RenderedOutput>& outputs, const Strike& strike)> record;
 };
 
-// An action on renders; costs credits for those that are not paid.
+// What is done with renders once the unpaid ones among them are paid.
 struct RenderAction {
     QString name;    // in the request identifier: "download"
-    QString what;    // for the user, in a sentence about a refund: "una exportación"
-    // Receives the final price in credits. False: the user does not want the action any more.
+    QString what;    // as a sentence about its refund calls it: "una exportación"
+    // Called with the final price in credits; false ends the operation before anything is charged.
+    // May be empty.
     std::function<bool(qint64 cost)> isWanted;
-    std::function<QCoro::Task<bool>()> work;    // as in ChargedOperation, like alsoStore
-    std::function<bool()> alsoStore = {};
+    std::function<QCoro::Task<bool>()> work;    // see ChargedOperation::work
+    std::function<bool()> alsoStore = {};       // see ChargedOperation::alsoStore
 };
 
 struct Charge {
     qint64 cost = 0;                 // credits that were charged, or would have been
     bool isCharged = false;          // the credits were reserved
     bool isRefundPending = false;    // the credits come back later
-    bool isRecorded = true;          // false: after a crash now, the next run would refund it
-    QString reason;    // for the user: why the reservation failed, or what the work threw
+    bool isRecorded = true;          // else a crash now would count as a failure
+    QString reason;    // why nothing was reserved, or what the work threw; for the user
     ChargeResult::Refusal refusal = ChargeResult::Refusal::other;
 };
 
@@ -46,10 +47,10 @@ struct RenderCharge : Charge {
     State state = State::done;
 };
 
-// Whether the balance cannot suffice for the items whatever their pixels are. `price`: shown for
-// them before, in credits.
+// Whether the account cannot pay for `items` even when every render that may be free is; `price`:
+// the credits that were shown for them.
 QCoro::Task<bool> isOutOfReach(PublicationItems items, qint64 price, ChargeServices services);
 
-// Charges for the outputs that are not paid, then does the action.
+// Charges the unpaid ones among `outputs` and has the action work.
 QCoro::Task<RenderCharge> chargeRenders(QList<RenderedOutput> outputs, RenderAction action,
                                         ChargeServices services);

@@ -71,7 +71,7 @@ struct Program {
         QObject::connect(&journal, &CreditJournal::lost, &journal,
                          [this](qint64 credits) { gone += credits; });
         awaited(account.refresh());
-        awaited(journal.settle());
+        awaited(journal.refundLeftOpen());
     }
     ChargeResult pay(const std::function<QCoro::Task<bool>()>& work)
     {
@@ -197,7 +197,7 @@ TEST_F(CreditJournalTest, ALiveProgramIsLeftAlone)
     Program one(bank, folder.path());
     Program other(bank, folder.path());
     const ChargeResult paid = one.pay([&] {
-        awaited(other.journal.settle());
+        awaited(other.journal.refundLeftOpen());
         EXPECT_EQ(bank.log, QByteArrayList{"reserve"});
         const ChargeResult refused = other.pay(&succeed);
         EXPECT_EQ(refused.state, ChargeResult::State::notReserved);
@@ -220,7 +220,7 @@ TEST_F(CreditJournalTest, TheSameAgainTakesTheOpenEntryOver)
     leaveOpen();    // after the program has looked for open entries
     EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::done);
     EXPECT_TRUE(program.entries().isEmpty());
-    awaited(program.journal.settle());
+    awaited(program.journal.refundLeftOpen());
     EXPECT_EQ(bank.log, QByteArrayList({"reserve", "reserve"})) << "which is one to the service";
 }
 
@@ -229,7 +229,7 @@ TEST_F(CreditJournalTest, WhatIsBeingGivenBackIsNotPaidMeanwhile)
     Program program(bank, folder.path());
     leaveOpen();
     bank.hold("/api/credits/social-copy/refund");
-    program.journal.settle();
+    program.journal.refundLeftOpen();
     bool isPaid = false;
     auto paying = [](Program& by, bool& done) -> QCoro::Task<> {
         const ChargedOperation operation = by.operation(&succeed);
@@ -308,7 +308,7 @@ TEST_F(CreditJournalTest, AFullDiskAndEntriesThatDoNotReadChargeNothingAndBlockN
     leaveOpen();
     program.preferences.setValue(key, "{\"run\":7}");
     program.preferences.setValue(key + u'2', "[");
-    awaited(program.journal.settle());
+    awaited(program.journal.refundLeftOpen());
     EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::done);
     bank.log.clear();
 

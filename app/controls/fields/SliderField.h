@@ -32,7 +32,7 @@ public:
     bool isBlank() const { return m_blank; }
     // Marks the value beyond which a larger one has no effect; without a limit there is no mark.
     void setLimit(std::optional<double> limit);
-    void letGo() { rest(); }    // ends a drag or held key now
+    void endGesture() { rest(); }    // ends a drag or held key now
     double value() const { return m_value; }
     SliderRange range() const { return m_range; }
     QString valueText() const;

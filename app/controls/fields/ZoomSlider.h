@@ -9,7 +9,7 @@ public:
     ZoomSlider(int lowest, int highest, QWidget* parent = nullptr);
 
     void setShownValue(int value);    // emits nothing
-    void letGo() { rest(); }          // ends a drag or held key now
+    void endGesture() { rest(); }     // ends a drag or held key now
     QSize sizeHint() const override { return {112, 28}; }
 
 Q_SIGNALS:

@@ -92,7 +92,7 @@ Sheet::Sheet(const QString& title, QSize size, QWidget* window)
     m_rise.setEndValue(1.0);
     m_rise.setEasingCurve(QEasingCurve::OutCubic);
     connect(&m_rise, &QVariantAnimation::valueChanged, this, [this] { update(); });
-    connect(&m_rise, &QVariantAnimation::finished, this, &Sheet::settle);
+    connect(&m_rise, &QVariantAnimation::finished, this, &Sheet::finishRise);
 }
 
 void Sheet::present()
@@ -125,7 +125,7 @@ void Sheet::dismiss()
     m_isPresented = false;
     disconnect(qApp, &QApplication::focusChanged, this, nullptr);
     m_rise.stop();
-    settle();
+    finishRise();
     hide();
     if (m_before && m_before->isVisible() && m_before->isEnabled())
         m_before->setFocus(KeyboardFocus::reason());
@@ -133,7 +133,7 @@ void Sheet::dismiss()
     m_last = nullptr;
 }
 
-void Sheet::settle()
+void Sheet::finishRise()
 {
     m_picture = {};
     place();

@@ -39,7 +39,7 @@ protected:
 
 private:
     void place();
-    void settle();
+    void finishRise();
     void keepFocus(QWidget* now);
 
     const QSize m_size;

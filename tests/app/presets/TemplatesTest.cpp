@@ -50,7 +50,7 @@ protected:
     {
         for (int turn = 0; turn < 3; ++turn) {
             QTest::qWait(20);
-            ASSERT_TRUE(QTest::qWaitFor([this] { return window.isSettled(); }, 30000));
+            ASSERT_TRUE(QTest::qWaitFor([this] { return window.isIdle(); }, 30000));
         }
     }
     SidePanel* side() { return window.shell()->sidePanel(); }

@@ -79,9 +79,9 @@ PublicationItem randomItem(Dice& dice, QSize photo)
 void settle(const CanvasInteractionView& view)
 {
     QElapsedTimer watch;
-    for (watch.start(); !view.isSettled() && watch.elapsed() < 30000;)
+    for (watch.start(); !view.isPhotoSharp() && watch.elapsed() < 30000;)
         QApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
-    ASSERT_TRUE(view.isSettled());
+    ASSERT_TRUE(view.isPhotoSharp());
 }
 
 void send(QWidget& view, QEvent::Type type, QPointF at, Qt::MouseButton button = Qt::LeftButton)
@@ -217,7 +217,7 @@ TEST(CanvasInteractionView, whatIsRepaintedInPartsIsAsPaintedAtOnce)
 TEST_F(ViewTest, aPannedPhotoIsShownAtOnceAndSharpWhenItRests)
 {
     scroll(m_view, {}, {0, 600});
-    EXPECT_FALSE(m_view.isSettled());
+    EXPECT_FALSE(m_view.isPhotoSharp());
     const QImage quick = m_view.canvasBuffer().copy();
     settle(m_view);
     const QImage sharp = paintedAtOnce(m_view, SocialFormat::carouselPortrait, {400, 500}, m_photo);
@@ -244,7 +244,7 @@ TEST_F(ViewTest, anotherItemNeverShowsThePhotoOfTheLast)
     m_view.setItem(other, SocialFormat::carouselPortrait);
     EXPECT_EQ(m_view.canvasBuffer(),
               paintedAtOnce(m_view, SocialFormat::carouselPortrait, {400, 500}, {}));
-    EXPECT_TRUE(m_view.isSettled());
+    EXPECT_TRUE(m_view.isPhotoSharp());
     m_view.setItem(std::nullopt, SocialFormat::carouselPortrait);
     EXPECT_TRUE(m_view.canvasBuffer().isNull());
 }

@@ -311,7 +311,7 @@ TEST(Endpoints, copyComesFromTheProviderForReservedCreditsOnly)
         .cookies = {{"tallerio_session", service.cookies["tallerio_session"].c_str()}},
         .body = QByteArray::fromStdString(copyOrder("b").dump())};
     std::atomic_bool hasLetGo = false;
-    request.letGo = [&] { hasLetGo = true; };
+    request.releaseBody = [&] { hasLetGo = true; };
     auto waiting =
         std::async(std::launch::async, [&] { return ::answer(service.service(), request).status; });
     EXPECT_EQ(arrived.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);

@@ -272,7 +272,7 @@ TEST(MemoryGate, firstGoesOnAndOthersDoNotWaitForEver)
     EXPECT_TRUE(first.grow(60)) << "which must not wait for it";
     first.settle();
     EXPECT_FALSE(second.grow(1)) << "what the first holds is still held";
-    first.letGo();
+    first.release();
     EXPECT_TRUE(second.grow(70));
     MemoryGate patient(100, std::chrono::minutes(10), isEnding);
     MemoryGate::Pass all(patient), late(patient);

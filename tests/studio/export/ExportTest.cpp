@@ -232,7 +232,7 @@ TEST_F(ExportTest, WhatIsPaidMeanwhileIsNotPaidAgain)
                               designSize(format)};
     const RenderedOutput output{item, {}, renderFingerprint(source), u"pixels-x"_s};
     bool isPaid = false;
-    QObject::connect(&session(), &StudioSession::exportChanged, [&] {
+    QObject::connect(&session(), &StudioSession::activityChanged, [&] {
         if (session().isExporting() && !std::exchange(isPaid, true))
             session().markRenderedOutputsAsPaid({output}, {});
     });
