@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString sessionCookieDefaultsKey = u"tallerioSessionCookieHeader"_s;
-const QString sessionOriginKey = u"moltiva.sessionOrigin"_s;    // whose the session cookie is
+const QString sessionOriginKey = u"moltiva.sessionOrigin"_s;    // whose the cookie is
 const QString legacyTokenKey = u"tallerioSessionToken"_s;       // the bare token of earlier builds
 
 const QString clientIdentifier = u"moltiva-macos"_s;

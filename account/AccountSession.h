@@ -22,9 +22,9 @@ struct GoogleAuthenticationResult;
 class AccountSession : public CreditAccount {
     Q_OBJECT
 public:
-    // What the platform provides.
+    // What the platform gives.
     struct Surroundings {
-        // Returns whether a browser took the address.
+        // Gives whether a browser took the address.
         std::function<bool(const QUrl&)> openInBrowser;
         // The sign-in sheet over the window; without one, the Google sign-in goes through the
         // browser.
@@ -63,7 +63,7 @@ public:
     QUrl checkoutPage() const { return m_pendingCheckout ? m_checkoutPage : QUrl(); }
     const CloudCopyConfig& cloudCopyConfig() const { return m_cloudCopyConfig; }
     const QList<PurchaseHistoryItem>& purchaseHistory() const { return m_purchaseHistory; }
-    // Rises by one whenever a social network is connected.
+    // Rises by one whenever a social network was connected.
     int socialConnectionRefreshToken() const { return m_socialConnectionRefreshToken; }
 
     bool isAuthenticated() const { return m_account.profile.has_value(); }

@@ -20,7 +20,7 @@ struct OpenReservation;
 // Removes an operation's entry from the journal. False: the preferences could not be changed.
 using Strike = std::function<bool()>;
 
-// Work that costs credits.
+// Something that costs credits.
 struct ChargedOperation {
     QString requestId;     // equal for equal work on equal items
     qint64 cost = 0;       // 0: nothing is charged

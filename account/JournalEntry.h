@@ -27,6 +27,6 @@ inline constexpr QStringView entryPrefix = u"moltiva.creditReservation.";
 
 // Beginning of the keys of all entries of one account.
 QString keyPrefixOf(const QString& account);
-// Empty for a missing or damaged entry.
+// Nothing for a missing or damaged entry.
 std::optional<OpenReservation> entryAt(const QString& key, const PreferencesStore& preferences);
 QByteArray writtenEntry(const OpenReservation& entry);

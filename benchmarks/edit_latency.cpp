@@ -1,4 +1,5 @@
-// Time of an edit on the interface thread: in the session alone, and with a window that shows it.
+// What an edit costs on the interface thread: through the session alone, and with a window that
+// shows it.
 //
 //     edit_latency PHOTOS     a folder; 500 photos for the figures that are compared
 

@@ -1,5 +1,5 @@
-// Time to find the price of an export after a command: on the interface thread, and until the price
-// is right again. All images of the batch are paid for.
+// What it costs to know the price of an export after a command: time of the interface thread, and
+// the time until the price is right again. Every image of the batch is paid for.
 //
 //     price_latency PHOTOS     a folder; 500 photos for the figures that are compared
 

@@ -1,4 +1,4 @@
-// Time of templates on the interface thread: applying one to all items, and opening the tab with
+// What templates cost on the interface thread: laying one over all items, and opening the tab with
 // forty of them.
 //
 //     template_latency PHOTOS     a folder; 500 photos for the figures that are compared

@@ -350,7 +350,7 @@ private:
     }
 
     static constexpr std::chrono::milliseconds stopLatency{30};
-    static constexpr qint64 pictureBudget = qint64(1) << 20;    // minimal: nothing is shown
+    static constexpr qint64 pictureBudget = qint64(1) << 20;    // nothing is shown
 
     const ExportOptions& m_options;
     ExportReport m_report;

@@ -44,7 +44,7 @@ bool addPaidRenders(PreferencesStore& preferences, const QString& account,
 {
     const QString key = keyOf(account);
     return preferences.transaction([&] {
-        // Reads the value again: another command may have paid meanwhile.
+        // Read again: another command may have paid meanwhile.
         QByteArray lines = preferences.value(key).value_or(QByteArray());
         if (!lines.isEmpty() && !lines.endsWith('\n'))
             lines.append('\n');

@@ -6,8 +6,8 @@
 #include <map>
 #include <optional>
 
-// Work that takes longer than a moment: what the window needs to show it, stop it and close around
-// it. A value.
+// Something that takes longer than a moment, with all that the window needs to show it, to stop it
+// and to close around it. A value.
 struct Activity {
     // In rising order of importance, for Activities::foremost().
     enum class Kind { account, restoring, importing, exporting };
@@ -23,7 +23,7 @@ struct Activity {
     std::optional<double> fraction() const;
 };
 
-// The activities under way, at most one of each kind.
+// What is under way, at most one activity of each kind.
 class Activities {
 public:
     void set(const Activity& activity) { m_running[activity.kind] = activity; }

@@ -76,6 +76,6 @@ void Editing::amend(const Change& apply)
 {
     apply(m_batch);
     m_history.amend(apply);
-    // A later change must not join a step from before the payment.
+    // Else a later change could join a step from before the payment.
     m_history.endStep();
 }

@@ -7,8 +7,8 @@
 
 #include <functional>
 
-// The batch under edit, with its history. All changes of the batch go through here; each belongs to
-// a step.
+// The batch under edit, with its history. Every change of the batch goes through here, and belongs
+// to a step.
 class Editing : public QObject {
     Q_OBJECT
 public:

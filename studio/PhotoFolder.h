@@ -18,6 +18,6 @@ struct FoundPhotos {
     QStringList unreachable;    // names of photos without a URL, and of unreadable folders
 };
 
-// The photos of files and folders, in order. A folder stands for its photos; a file is taken
-// whatever its name, because its content decides later.
+// The photos of files and folders, in order. A folder gives its photos; a file is taken whatever
+// its name, because its content decides later.
 FoundPhotos photosIn(const QList<QUrl>& filesAndFolders);

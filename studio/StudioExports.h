@@ -11,7 +11,7 @@
 class StudioExports : public QObject {
     Q_OBJECT
 public:
-    // `payment` may still lack account and journal; without a journal nothing can be exported.
+    // `payment` may still lack account and journal. Without a journal nothing can be exported.
     StudioExports(std::shared_ptr<PhotoCache> photos, const OutputSize& outputSize,
                   const ChargeServices& payment);
     ~StudioExports() override;

@@ -44,7 +44,7 @@ void Workspace::saveSoon()
 bool Workspace::claimStore()
 {
     const auto writer = WorkspaceStore::writer(m_preferences);
-    // A store that was just made in place of a damaged one has no writer.
+    // A store that was just made, in place of a damaged one, has no writer.
     m_isStoreOfAnother = writer && writer != m_writerSeen && writer != m_writer;
     return !m_isStoreOfAnother &&
            (writer == m_writer || WorkspaceStore::setWriter(m_preferences, m_writer));

@@ -7,8 +7,8 @@
 
 #include <utility>
 
-// Encodes a batch as the JSON document that is stored. Keeps the JSON of every layer, shape, copy
-// and placement between calls and encodes only what changed.
+// Writes a batch as the JSON document that is stored. Keeps the JSON of every layer, shape, copy
+// and placement from one call to the next, and writes anew only what changed.
 class WorkspaceEncoder {
 public:
     // The document is valid until the next call.

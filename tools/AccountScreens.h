@@ -2,6 +2,5 @@
 
 class QDir;
 
-// Takes pictures of signing in, the account and the settings as PNG files. False when a state was
-// not reached.
+// Signing in, the account and the settings as PNG files. False when a state was not reached.
 bool takeAccountScreens(const QDir& out);

@@ -1,4 +1,4 @@
-// Measures how often the contrast mark agrees with the eye: contrast_labels LABELS PHOTOS
+// How often the contrast mark agrees with the eye: contrast_labels LABELS PHOTOS
 //
 // Each entry of LABELS puts one text on a photo of the folder PHOTOS and says whether it was found
 // readable by eye, at the size of a telephone: every word at a glance, nothing washed out. Texts

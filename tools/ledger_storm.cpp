@@ -1,5 +1,5 @@
-// Lets many clients of one account reserve and refund credits at random, then judges the ledger:
-// nothing charged twice, nothing acknowledged lost, never below zero.
+// Has many clients of one account reserve and refund credits at random, and judges the ledger that
+// they leave: nothing charged twice, nothing lost that was acknowledged, never below zero.
 //
 //     ledger_storm SERVICE_PROGRAM [--seconds 60] [--clients 32] [--kill]
 //

@@ -201,7 +201,7 @@ private:
         m_session.endCanvasHistoryEdit(layer.id);
     }
 
-    // Designs four images: a headline without a box, a panel below with text and a button.
+    // A design on four images: a headline without a box, a panel below with text and a button.
     void design()
     {
         m_session.setFormat(SocialFormat::carouselPortrait);

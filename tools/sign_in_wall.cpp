@@ -1,4 +1,4 @@
-// Makes the picture beside the sign-in form, a wall of posts: sign_in_wall OUT.jpg PHOTOS
+// The picture beside the sign-in form, made of posts: sign_in_wall OUT.jpg PHOTOS
 // Run by hand when the designs or the photographs change; the result lies in resources/pictures.
 
 #include "canvas/ExportCanvasRenderer.h"

@@ -43,11 +43,11 @@ public:
     TemplatesBinding& templates() const { return *m_templates; }
     StatusBinding& status() const { return *m_status; }
     AuthGateView* gate() const { return m_gate; }
-    // True when no picture is being drawn and no photo looked at.
+    // No picture is being drawn and no photo looked at.
     bool isIdle() const;
 
-    // Opens files, folders and links from outside; files wait until somebody is signed in. Several
-    // calls in a row bring one batch: file managers may start the program once for each file.
+    // Files, folders and links from outside; files wait until somebody is signed in. Several calls
+    // in a row bring one batch: file managers start a program once for each file.
     void open(const QList<QUrl>& addresses);
     void comeForward();
 

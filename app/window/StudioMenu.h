@@ -15,7 +15,7 @@ class QWidget;
 struct MenuCommand {
     QStringView menu;         // the path of its submenu: "Edición/Añadir forma"
     QString text;             // shown, and the command's name
-    QStringView keys = {};    // shortcuts, separated by spaces; the first is shown
+    QStringView keys = {};    // several are split by spaces; the first is shown
     // A key that the menu shows but does not register, since text fields use it. The window handles
     // the key when the focused widget did not.
     QStringView toldKey = {};

@@ -95,7 +95,7 @@ protected:
     QTemporaryDir folder;
     PreferencesStore preferences{folder.filePath(u"p.sqlite"_s)};
     ScriptedServer server;
-    QHash<QByteArray, QByteArray> answers;    // by target: a JSON object, or a status
+    QHash<QByteArray, QByteArray> answers;    // by target: an object, or a status
     QByteArray errorBody = "{}";
     AccountAPI api{server.configuration(), preferences};
     FakeWebAuthentication web;
@@ -166,7 +166,7 @@ TEST_F(AccountSessionTest, SigningOutLeavesNothingAndNothingBringsItBack)
     awaited(one.refreshPurchaseHistory());
     awaited(one.buyCredits(10000));
     server.hold("/api/auth/me");
-    QCoro::Task<bool> late = one.refreshSilently();    // sent while still signed in
+    QCoro::Task<bool> late = one.refreshSilently();    // asked while still signed in
     QCoro::Task<bool> latest = one.refresh();
     EXPECT_TRUE(awaited(one.logout()));
     server.release();

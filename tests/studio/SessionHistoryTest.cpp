@@ -195,7 +195,7 @@ TEST_F(SessionHistoryTest, theFirstGestureCanBeUndoneWhenItIsTold)
     EXPECT_FALSE(couldUndo);
 }
 
-// The canvas clears the selection when it hides a layer.
+// The canvas clears the selection as it hides a layer.
 TEST_F(SessionHistoryTest, hidingALayerTakesItsSelectionIntoTheStep)
 {
     const Batch before = batch();

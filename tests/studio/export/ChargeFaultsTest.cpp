@@ -5,8 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
-// Faults between the program and the service at each step of a charge: no credit is lost, none is
-// charged twice, and the status tells what happened.
+// What goes wrong between the program and the service, at each step of a charge: no credit is lost,
+// none is charged twice, and what is told is what happened.
 
 namespace {
 
