@@ -394,7 +394,7 @@ void CreditJournal::leaveOpen(const QString& key)
 {
     changeEntry(key, [](OpenReservation& entry) { entry.run.clear(); });
     m_ownLeftOpen.insert(key);
-    if (!m_isSettling)
+    if (!m_isRefundingAll)
         m_retry.start(m_times.retry);
 }
 
@@ -431,7 +431,7 @@ QStringList CreditJournal::keysLeftOpen() const
 
 QCoro::Task<> CreditJournal::refundLeftOpen()
 {
-    if (m_isSettling) {
+    if (m_isRefundingAll) {
         co_await m_refundedAll.wait();
     } else if (!m_account.accountKey().isEmpty()) {
         QCoro::Task<> refunding = refundAllLeftOpen();
@@ -442,7 +442,7 @@ QCoro::Task<> CreditJournal::refundLeftOpen()
 QCoro::Task<> CreditJournal::refundAllLeftOpen()
 {
     const QPointer<CreditJournal> self = this;
-    m_isSettling = true;
+    m_isRefundingAll = true;
     m_refundedAll.reset();
     const QString account = m_account.accountKey();
     Total returned, gone;
@@ -468,7 +468,7 @@ QCoro::Task<> CreditJournal::refundAllLeftOpen()
             gone.add(*entry);
         isReached = refund != Refund::unreachable;
     }
-    m_isSettling = false;
+    m_isRefundingAll = false;
     if (account != m_account.accountKey())
         m_retry.start(0);    // another user signed in meanwhile
     else

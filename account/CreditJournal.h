@@ -146,7 +146,7 @@ private:
     const Times m_times;
     QString m_accountKey;           // of the user signed in last
     QSet<QString> m_ownLeftOpen;    // entries of this run that wait for a refund
-    bool m_isSettling = false, m_isEnding = false;
+    bool m_isRefundingAll = false, m_isEnding = false;
     Completion m_refundedAll;
     QHash<QString, std::shared_ptr<Completion>> m_givingBack;    // refunds under way, by entry
     QTimer m_retry;

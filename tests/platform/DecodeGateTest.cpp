@@ -7,6 +7,11 @@
 #include <optional>
 #include <thread>
 
+#include <QFile>
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 TEST(DecodeGate, whatAPassGivesBackLetsTheNextOneIn)
@@ -44,22 +49,43 @@ TEST(DecodeGate, neverLetsMoreThanTheBudgetInAtOnce)
     EXPECT_LE(most, 2);
 }
 
+// The system's number of the calling thread, and whether that thread waits for something.
+pid_t threadNumber()
+{
+    return pid_t(::syscall(SYS_gettid));
+}
+
+bool isAsleep(pid_t thread)
+{
+    QFile state(QStringLiteral("/proc/self/task/%1/stat").arg(thread));
+    return state.open(QIODevice::ReadOnly) && state.readAll().contains(") S ");
+}
+
+void waitUntilAsleep(const std::atomic<pid_t>& thread)
+{
+    while (thread == 0 || !isAsleep(thread))
+        std::this_thread::yield();
+}
+
 TEST(DecodeGate, aGiantRunsAloneAndSmallOnesDoNotOvertakeIt)
 {
     DecodeGate gate(100);
     std::optional small(gate.enter(10));
     std::atomic<bool> giantIn = false, secondIn = false, secondSawGiant = false;
+    std::atomic<pid_t> giantThread = 0, secondThread = 0;
     std::jthread giant([&] {
+        giantThread = threadNumber();
         const auto pass = gate.enter(500);
         giantIn = true;
     });
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    waitUntilAsleep(giantThread);
     std::jthread second([&] {
+        secondThread = threadNumber();
         const auto pass = gate.enter(10);
         secondSawGiant = giantIn.load();
         secondIn = true;
     });
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    waitUntilAsleep(secondThread);
     EXPECT_FALSE(giantIn);
     EXPECT_FALSE(secondIn) << "the giant would starve behind a stream of small photos";
     small.reset();

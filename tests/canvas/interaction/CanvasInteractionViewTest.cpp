@@ -1,6 +1,5 @@
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "canvas/ExportCanvasRenderer.h"
-#include "canvas/interaction/CanvasInteractionAccessible.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -361,7 +360,6 @@ TEST_F(ViewTest, keysAndPresses)
 
 TEST_F(ViewTest, aScreenReaderFindsTheLayersTopmostFirst)
 {
-    makeCanvasesAccessible();
     QAccessibleInterface* canvas = QAccessible::queryAccessibleInterface(&m_view);
     ASSERT_EQ(canvas->childCount(), 5);
     QAccessibleInterface* shape = canvas->child(4);

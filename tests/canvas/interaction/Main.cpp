@@ -1,3 +1,4 @@
+#include "canvas/interaction/CanvasInteractionAccessible.h"
 #include "tests/Settle.h"
 
 #include <QApplication>
@@ -12,6 +13,7 @@ int main(int argc, char** argv)
     int result = 0;
     {
         QApplication application(argc, argv);
+        makeCanvasesAccessible();
         result = RUN_ALL_TESTS();
         settleWorkers();
     }

@@ -270,7 +270,7 @@ TEST(MemoryGate, firstGoesOnAndOthersDoNotWaitForEver)
     EXPECT_TRUE(first.grow(50) && second.grow(50));
     EXPECT_FALSE(second.grow(1)) << "it waits for the first";
     EXPECT_TRUE(first.grow(60)) << "which must not wait for it";
-    first.settle();
+    first.stopGrowing();
     EXPECT_FALSE(second.grow(1)) << "what the first holds is still held";
     first.release();
     EXPECT_TRUE(second.grow(70));
