@@ -194,10 +194,10 @@ private:
                                    u"carpeta"_s, u"."_s};
     const QCommandLineOption m_jobs{
         u"jobs"_s, u"fotos a la vez, como mucho una por núcleo, que es lo habitual"_s, u"n"_s};
-    const QCommandLineOption m_dryRun{
-        u"dry-run"_s,
-        u"solo dice lo que costarían las fotos cuya cabecera se puede leer; no exporta ni descuenta "
-        "nada"_s};
+    const QCommandLineOption m_dryRun{u"dry-run"_s,
+                                      u"solo dice lo que costarían las fotos cuya cabecera se "
+                                      u"puede leer; no exporta ni descuenta "
+                                      "nada"_s};
     const QCommandLineOption m_json{u"json"_s, u"un objeto JSON por archivo y un resumen"_s};
     const QCommandLineOption m_sample{u"sample"_s, u"exporta un lote de muestra en vez de fotos"_s};
     const QCommandLineOption m_texts{u"texts"_s, u"textos de cada foto, de un archivo CSV"_s,
