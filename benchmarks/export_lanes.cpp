@@ -8,10 +8,10 @@
 #include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
-#include "studio/BatchExport.h"
-#include "studio/ExportOperation.h"
 #include "studio/PhotoFolder.h"
 #include "studio/PhotoImport.h"
+#include "studio/export/BatchExport.h"
+#include "studio/export/ExportOperation.h"
 #include "tests/support/ScriptedAccount.h"
 
 #include <QCommandLineParser>

@@ -47,8 +47,8 @@ public:
     // top left of the box. Leaves out emoji, which have their own colours. Only on the thread that
     // made the layout.
     QList<QRectF> letterBands() const;
-    // The glyphs to draw, in pixels of designPixelSize from the top left of the box. Only on the
-    // thread that made the layout.
+    // The glyphs to draw, at designPixelSize, from the top left of the box. Only on the thread that
+    // made the layout.
     QList<QGlyphRun> glyphRuns() const;
     // Whether no installed font has one of the characters. Only on the thread that made the layout.
     bool lacksGlyphs() const;

@@ -24,8 +24,8 @@ struct Segment {
     qsizetype start, end;    // byte offsets; a scan ends before its compressed data
 };
 
-// Passes over stray bytes between segments, as libjpeg does. Markers below firstFrame are passed
-// over too: libjpeg, searching damaged data for a restart, heeds no length after them.
+// Skips stray bytes between segments, as libjpeg does. Skips markers below firstFrame too: libjpeg,
+// seeking a restart in damaged data, does not read their length.
 std::optional<Segment> nextSegment(const QByteArray& jpeg, qsizetype from)
 {
     for (qsizetype at = jpeg.indexOf('\xFF', from); at >= 0 && at + 1 < jpeg.size();

@@ -325,7 +325,7 @@ void StatusLine::showParts()
     const QString link = wordOf(m_told.link);
     const bool hasLink = !link.isEmpty();
     const bool stops = m_underWay && m_underWay->stop;
-    // The window's focusWidget() counts whether the window is active or not.
+    // Unlike hasFocus(), focusWidget() also works in an inactive window.
     const QWidget* focused = window()->focusWidget();
     const bool losesFocus = (focused == m_link && !hasLink) || (focused == m_stop && !stops);
     m_bar->setValue(m_underWay ? m_underWay->fraction() : std::nullopt);

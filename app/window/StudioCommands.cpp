@@ -108,8 +108,7 @@ void StudioCommands::importTexts()
         m_parts.files->chooseTexts(QFileDialog::AcceptOpen);
 }
 
-// Goes to another image. If a text is being edited, focuses the text of its slot there, all
-// selected.
+// Goes to another image. During an edit, focuses the same slot's text there and selects it all.
 void StudioCommands::step(int images)
 {
     const std::optional<CopySlot> slot = m_parts.shell->sidePanel()->textPanel()->editedSlot();

@@ -107,7 +107,7 @@ private:
     Marks m_marks;
     QUuid m_toldSelection;    // the selection last reported to screen readers
     std::optional<PhotoPlace> m_wanted;
-    QTimer m_rest;    // runs until the photo is resampled
+    QTimer m_rest;    // on timeout, resamples the photo
     bool m_resampling = false;
     int m_resamplings = 0;
 };

@@ -28,7 +28,7 @@ void replaceItems(Batch& batch, const PublicationItems& items);
 // new last one.
 void removeItem(Batch& batch, QUuid id);
 
-// Which layer of the current item may stay selected; where it may not, the first text is.
+// Which selection in the current item may stay; any other gives way to the first text.
 enum class LayerRule {
     any,
     anyOrNone,    // no selected layer stays no selected layer

@@ -36,7 +36,7 @@ struct Charge {
     qint64 cost = 0;                 // credits that were charged, or would have been
     bool isCharged = false;          // the credits were reserved
     bool isRefundPending = false;    // the credits come back later
-    bool isRecorded = true;          // else a crash now would count as a failure
+    bool isRecorded = true;          // false: the payment is not stored yet
     QString reason;    // why nothing was reserved, or what the work threw; for the user
     ChargeResult::Refusal refusal = ChargeResult::Refusal::other;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "account/CreditAmounts.h"
 #include "model/PublicationItem.h"
 #include "model/SocialFormat.h"
 
@@ -9,7 +10,8 @@
 
 class PhotoCache;
 
-inline constexpr qint64 exportCreditCost = 50;    // price of a render that is not paid
+inline constexpr qint64 exportCreditCost =
+    creditsOfAnExport;    // price of a render that is not paid
 
 // Size of an exported picture in pixels.
 using OutputSize = std::function<QSizeF(SocialFormat)>;
