@@ -227,7 +227,7 @@ QCoro::Task<> AccountSession::moveCredits(Move move, qint64 cost, QString reques
     const int signIn = m_signIn;
     const QString user = userOf(m_account);
     const bool isReserve = move == Move::reserve;
-    m_reservations += int(isReserve);
+    ++m_creditMoves;
     Q_EMIT changed();
     QString told =
         (isReserve ? u"%1 créditos reservados."_s : u"%1 créditos devueltos."_s).arg(cost);
@@ -245,7 +245,7 @@ QCoro::Task<> AccountSession::moveCredits(Move move, qint64 cost, QString reques
         told = readable(error);
     }
     if (self && !ended.stop_requested()) {
-        m_reservations -= int(isReserve);
+        --m_creditMoves;
         if (!failure || signIn == m_signIn)    // else somebody else signed in meanwhile
             m_message = told;
         Q_EMIT changed();

@@ -41,8 +41,8 @@ public:
     bool isLoading() const { return m_isLoading; }    // bootstrap() runs
     // An action that a screen or a link started is under way.
     bool isActing() const { return m_actions > 0 || m_isSigningInOverWindow; }
-    // An action is under way, or credits are being reserved.
-    bool isWorking() const { return isActing() || m_reservations > 0; }
+    // An action is under way, or credits are being reserved or refunded.
+    bool isWorking() const { return isActing() || m_creditMoves > 0; }
     // The last sentence for the user, about charged credits too; shown as it stands.
     const QString& message() const { return m_message; }
     // The last sentence about an action that a screen or a link started. Not about charged credits:
@@ -150,7 +150,7 @@ private:
     int m_configurationQuestion = 0;    // the number of the last request for the settings
     int m_signIn = 0;                   // rises whenever somebody signs in or out
     bool m_isLoading = false, m_isSigningInOverWindow = false;
-    int m_actions = 0, m_reservations = 0;    // under way
+    int m_actions = 0, m_creditMoves = 0;    // under way
     QString m_message, m_outcome;
     Told m_told = Told::info;    // the kind of m_outcome
     std::optional<QString> m_pendingCheckout;

@@ -53,7 +53,10 @@ StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStor
     connect(&m_exports, &StudioExports::told, this, &StudioSession::setStatus);
     connect(&m_exports, &StudioExports::toldMore, this, [this](const QString& sentence) {
         const StatusEntry told = m_log.current();
-        setStatus(told.sentence + sentence, told.kind, told.link);
+        if (told.kind == StatusKind::working)
+            setStatus(sentence.trimmed(), StatusKind::done);    // a step is no outcome to add to
+        else
+            setStatus(told.sentence + sentence, told.kind, told.link);
     });
     connect(&m_exports, &StudioExports::changed, this, &StudioSession::followExport);
     connect(&m_exports, &StudioExports::costsChanged, this, &StudioSession::costsChanged);

@@ -105,6 +105,7 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
 MainWindow::~MainWindow()
 {
     disconnect(&m_session, nullptr, this, nullptr);
+    disconnect(&m_session, nullptr, m_focus, nullptr);
     m_account.reset();
     disconnect(qApp, nullptr, this, nullptr);
 }

@@ -57,13 +57,13 @@ void StatusBinding::showHistory()
 bool StatusBinding::canStop() const
 {
     const Activity* foremost = m_session.activities().foremost();
-    return foremost && foremost->stop;
+    return foremost && foremost->stop && !m_closing.isActive();
 }
 
 void StatusBinding::stop()
 {
-    if (const Activity* foremost = m_session.activities().foremost())
-        m_session.activities().stop(foremost->kind);
+    if (canStop())
+        m_session.activities().stop(m_session.activities().foremost()->kind);
 }
 
 bool StatusBinding::delaysClosing()
