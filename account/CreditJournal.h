@@ -89,7 +89,6 @@ public:
     // this run could not refund. Starts by itself after each sign-in and at intervals; a call while
     // it runs waits for its end.
     QCoro::Task<> refundLeftOpen();
-    bool hasNothingLeftOpen() const { return m_ownLeftOpen.isEmpty(); }
 
     // Called with the name of each step of an operation, so that a test can crash there. Code that
     // works for an operation calls reached() with steps of its own.

@@ -1,7 +1,7 @@
 #include "account/ImagePayload.h"
 
 #include "account/AccountError.h"
-#include "platform/PhotoDecoder.h"
+#include "platform/photo/PhotoDecoder.h"
 
 #include <QBuffer>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "account/ServiceConfiguration.h"
 
-#include "platform/HttpClient.h"
+#include "platform/Http.h"
 
 #include <QSettings>
 #include <QStandardPaths>

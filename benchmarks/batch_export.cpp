@@ -5,7 +5,7 @@
 #include "benchmarks/PlainExport.h"
 #include "platform/Memory.h"
 #include "studio/PhotoFolder.h"
-#include "studio/export/BatchExport.h"
+#include "studio/export/ExportPaths.h"
 
 #include <QCommandLineParser>
 #include <QDir>

@@ -5,13 +5,13 @@
 
 #include "account/AccountSession.h"
 #include "platform/Memory.h"
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/PhotoFolder.h"
 #include "studio/PhotoImport.h"
-#include "studio/export/BatchExport.h"
 #include "studio/export/ExportOperation.h"
+#include "studio/export/ExportPaths.h"
 #include "tests/support/ScriptedAccount.h"
 
 #include <QCommandLineParser>

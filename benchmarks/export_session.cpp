@@ -7,11 +7,12 @@
 #include "benchmarks/Measuring.h"
 #include "benchmarks/PlainExport.h"
 #include "platform/Memory.h"
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/PhotoFolder.h"
 #include "studio/StudioSession.h"
+#include "studio/export/ExportPaths.h"
 #include "tests/support/ScriptedAccount.h"
 
 #include <QCommandLineParser>

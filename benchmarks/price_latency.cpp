@@ -6,9 +6,9 @@
 #include "benchmarks/Measuring.h"
 #include "canvas/RenderFingerprint.h"
 #include "platform/Memory.h"
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
 #include "studio/export/RenderCosts.h"
 

@@ -12,9 +12,9 @@
 #include "app/window/StudioShell.h"
 #include "benchmarks/Measuring.h"
 #include "platform/Memory.h"
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
 #include "tests/support/ScriptedAccount.h"
 

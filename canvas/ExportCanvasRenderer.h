@@ -3,7 +3,7 @@
 #include "canvas/TextFitting.h"
 #include "model/PublicationItem.h"
 #include "model/SocialFormat.h"
-#include "platform/PhotoDecoder.h"
+#include "platform/photo/PhotoDecoder.h"
 
 #include <QByteArray>
 #include <QImage>

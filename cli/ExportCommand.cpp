@@ -13,6 +13,7 @@
 #include "platform/UserFolders.h"
 #include "platform/Workers.h"
 #include "studio/PhotoImport.h"
+#include "studio/export/ExportPaths.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>

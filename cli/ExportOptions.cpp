@@ -6,7 +6,7 @@
 #include "cli/Terminal.h"
 #include "model/PlainText.h"
 #include "studio/PhotoFolder.h"
-#include "studio/export/BatchExport.h"
+#include "studio/export/ExportPaths.h"
 #include "studio/export/RenderedOutput.h"
 #include "studio/sheet/TextSheetFile.h"
 #include "templates/TemplateDefinition.h"

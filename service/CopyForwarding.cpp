@@ -2,7 +2,7 @@
 
 #include "model/GuardedJson.h"
 #include "model/PlainText.h"
-#include "platform/HttpClient.h"
+#include "platform/Http.h"
 #include "service/Http.h"
 #include "service/store/Turns.h"
 

@@ -1,8 +1,8 @@
 #include "studio/PhotoImport.h"
 
 #include "model/PlainText.h"
-#include "platform/ImageAccess.h"
 #include "platform/Workers.h"
+#include "platform/photo/ImageAccess.h"
 #include "studio/PhotoFolder.h"
 
 #include <QCoroFuture>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/PublicationItem.h"
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 
 #include <QCoroTask>
 

@@ -57,6 +57,8 @@ void StatusLog::tell(const QString& sentence, StatusKind kind, const StatusLink&
             this, [this] { m_isToldInThisTurn = false; }, Qt::QueuedConnection);
     }
     Q_EMIT changed();
+    if (!sentence.isEmpty())
+        Q_EMIT told({.kind = kind, .sentence = sentence, .link = link});
 }
 
 void StatusLog::tellStep(Activity::Kind activity, const QString& sentence)

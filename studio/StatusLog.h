@@ -64,6 +64,7 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void told(const StatusEntry& entry);    // tell() was called with a sentence
 
 private:
     bool isUnread(const StatusEntry& entry) const;

@@ -1,5 +1,7 @@
 #include "studio/StudioExports.h"
 
+#include "studio/export/ExportPaths.h"
+
 #include "account/AccountSession.h"
 #include "account/CreditJournal.h"
 #include "platform/StagingFolder.h"

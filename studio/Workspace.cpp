@@ -6,7 +6,6 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
-
 #include <utility>
 
 using namespace Qt::StringLiterals;

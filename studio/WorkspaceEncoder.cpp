@@ -1,7 +1,7 @@
 #include "studio/WorkspaceEncoder.h"
 
 #include "model/Json.h"
-#include "platform/ImageAccess.h"
+#include "platform/photo/ImageAccess.h"
 
 namespace {
 

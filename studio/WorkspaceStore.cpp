@@ -2,9 +2,9 @@
 
 #include "model/Json.h"
 #include "model/WorkspaceSnapshot.h"
-#include "platform/ImageAccess.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/ImageAccess.h"
 #include "studio/WorkspaceEncoder.h"
 #include "studio/batch/BatchSelection.h"
 

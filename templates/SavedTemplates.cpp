@@ -1,8 +1,8 @@
 #include "templates/SavedTemplates.h"
 
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 #include "templates/TemplatePreviewRenderer.h"
 #include "templates/TemplateStores.h"
 

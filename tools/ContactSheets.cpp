@@ -2,7 +2,7 @@
 
 #include "canvas/ExportCanvasRenderer.h"
 #include "canvas/ItemPainter.h"
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/PhotoFolder.h"
 #include "templates/BuiltInTemplateLibrary.h"
 

@@ -13,9 +13,9 @@
 #include "account/AccountSession.h"
 #include "account/CreditJournal.h"
 #include "canvas/RenderFingerprint.h"
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
 
 #include <QCoroTask>

@@ -7,7 +7,7 @@
 
 #include "canvas/ExportCanvasRenderer.h"
 #include "canvas/TextWarnings.h"
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 
 #include <QCommandLineParser>
 #include <QDir>

@@ -5,9 +5,9 @@
 //     edit_storm FOLDER KILLS     runs children and judges the batch
 //     edit_storm FOLDER           edits until it is killed
 
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
 
 #include <QDir>

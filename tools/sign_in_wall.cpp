@@ -3,7 +3,7 @@
 
 #include "canvas/ExportCanvasRenderer.h"
 #include "canvas/ItemPainter.h"
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 #include "templates/BuiltInTemplateLibrary.h"
 
 #include <QDir>

@@ -3,7 +3,7 @@
 #include "canvas/TextWarnings.h"
 #include "model/PublicationItem.h"
 #include "model/SocialFormat.h"
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 
 #include <QCoroTask>
 #include <QImage>

@@ -1,7 +1,7 @@
 #include "app/export/ExportDialogs.h"
 
 #include "studio/StudioSession.h"
-#include "studio/export/BatchExport.h"
+#include "studio/export/ExportPaths.h"
 
 #include <QFileDialog>
 #include <QFileInfo>

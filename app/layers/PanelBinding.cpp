@@ -6,9 +6,9 @@
 #include "app/layers/SidePanel.h"
 #include "app/layers/TextPanel.h"
 #include "canvas/ItemLayout.h"
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
 
 #include <QCoroFuture>

@@ -2,7 +2,7 @@
 
 #include "app/theme/Theme.h"
 #include "canvas/TextWarnings.h"
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 
 #include <QPainter>
 

@@ -2,7 +2,7 @@
 
 #include "model/PublicationItem.h"
 #include "model/SocialFormat.h"
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 
 #include <QCoroTask>
 #include <QImage>

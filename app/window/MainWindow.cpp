@@ -165,11 +165,10 @@ void MainWindow::connectSession()
 {
     connect(&m_session, &StudioSession::aboutToMove, m_focus, &StudioFocus::endEdits);
     connect(&m_session, &StudioSession::batchChanged, this, &MainWindow::showBatch);
-    connect(&m_session, &StudioSession::statusChanged, this, [this] {
-        // The gate covers the status line.
-        if (isGated() && !m_isTellingOfAccount &&
-            m_session.statusLog().current().kind == StatusKind::warning)
-            m_gate->login()->tellProblem(m_session.status());
+    // The gate covers the status line.
+    connect(&m_session.statusLog(), &StatusLog::told, this, [this](const StatusEntry& entry) {
+        if (isGated() && !m_isTellingOfAccount && entry.kind == StatusKind::warning)
+            m_gate->login()->tellProblem(entry.sentence);
     });
     connect(&m_session, &StudioSession::activityChanged, this, [this](Activity::Kind kind) {
         if (kind != Activity::Kind::importing)

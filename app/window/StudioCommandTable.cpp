@@ -2,9 +2,6 @@
 #include "app/window/StudioCommands.h"
 
 #include "account/AccountSession.h"
-#include "app/batch/BatchBinding.h"
-#include "app/batch/BatchColumn.h"
-#include "app/copy/ComposeBar.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
 #include "app/layers/SidePanel.h"

@@ -15,7 +15,6 @@
 #include "app/window/CommandText.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
-#include "app/window/StatusBinding.h"
 #include "app/window/StudioFocus.h"
 #include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"

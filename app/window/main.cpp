@@ -8,10 +8,10 @@
 #include "cli/ExitStatus.h"
 #include "platform/EndingSignals.h"
 #include "platform/Memory.h"
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/UserFolders.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 #include "service/store/ImageCheck.h"
 
-#include "platform/PhotoDecoder.h"
-#include "platform/PhotoHeader.h"
+#include "platform/photo/PhotoDecoder.h"
+#include "platform/photo/PhotoHeader.h"
 
 #include <QBuffer>
 #include <QTemporaryFile>

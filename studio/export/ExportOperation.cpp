@@ -14,6 +14,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// A finished picture and the file that it is to become.
+struct PendingExport {
+    QString destination;
+    RenderedOutput output;
+};
+
 // State of one export, shared by its coroutines and its work on other threads.
 struct ExportRun {
     ExportRequest request;

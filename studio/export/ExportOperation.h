@@ -1,6 +1,5 @@
 #pragma once
 
-#include "studio/export/BatchExport.h"
 #include "studio/export/RenderCharge.h"
 
 #include <QCoroTask>
@@ -21,12 +20,6 @@ struct ExportProgress {
 };
 
 enum class ExportKind { single, batch };
-
-// A finished picture and the file that it is to become.
-struct PendingExport {
-    QString destination;
-    RenderedOutput output;
-};
 
 struct ExportRequest {
     ExportKind kind = ExportKind::batch;

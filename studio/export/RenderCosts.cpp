@@ -1,8 +1,8 @@
 #include "studio/export/RenderCosts.h"
 
 #include "canvas/RenderFingerprint.h"
-#include "platform/PhotoCache.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 
 #include <QCoroFuture>
 

@@ -1,8 +1,8 @@
 #include "studio/export/RenderLanes.h"
 
 #include "platform/Memory.h"
-#include "platform/PhotoCache.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 
 #include <QCoroFuture>
 #include <QScopeGuard>

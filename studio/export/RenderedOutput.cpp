@@ -4,7 +4,7 @@
 #include "canvas/PngEncoder.h"
 #include "canvas/RenderFingerprint.h"
 #include "platform/AtomicFile.h"
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 
 #include <QCryptographicHash>
 

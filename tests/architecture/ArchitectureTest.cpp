@@ -19,8 +19,8 @@ struct Room {
 
 const QList<Room>& rooms()
 {
-    static const QStringList below{u"platform"_qs, u"model"_qs, u"account"_qs, u"canvas"_qs,
-                                   u"templates"_qs};
+    static const QStringList below{u"platform"_qs, u"platform/photo"_qs, u"model"_qs,
+                                   u"account"_qs,  u"canvas"_qs,         u"templates"_qs};
     static const QStringList batch = below + QStringList{u"studio/batch"_qs};
     static const QStringList session =
         batch + QStringList{u"studio/sheet"_qs, u"studio/export"_qs, u"studio"_qs};
@@ -41,11 +41,12 @@ const QList<Room>& rooms()
         part + parts + QStringList{u"app/window"_qs, u"cli"_qs, u"tests/support"_qs};
     static const QList<Room> table{
         {u"platform"_qs, {}},
+        {u"platform/photo"_qs, {u"platform"_qs}},
         {u"model"_qs, {u"platform"_qs}},
-        {u"account"_qs, {u"model"_qs, u"platform"_qs}},
-        {u"canvas"_qs, {u"model"_qs, u"platform"_qs}},
+        {u"account"_qs, {u"model"_qs, u"platform"_qs, u"platform/photo"_qs}},
+        {u"canvas"_qs, {u"model"_qs, u"platform"_qs, u"platform/photo"_qs}},
         {u"canvas/interaction"_qs, {u"canvas"_qs, u"model"_qs, u"platform"_qs}, true},
-        {u"templates"_qs, {u"canvas"_qs, u"model"_qs, u"platform"_qs}},
+        {u"templates"_qs, {u"canvas"_qs, u"model"_qs, u"platform"_qs, u"platform/photo"_qs}},
         {u"studio/batch"_qs, below},
         {u"studio/sheet"_qs, {u"studio/batch"_qs, u"model"_qs, u"platform"_qs}},
         {u"studio/export"_qs, batch},
@@ -65,7 +66,7 @@ const QList<Room>& rooms()
         {u"app/settings"_qs, part, true},
         {u"app/account"_qs, part + QStringList{u"app/settings"_qs}, true},
         {u"app/window"_qs, part + parts + QStringList{u"cli"_qs}, true},
-        {u"service/store"_qs, {u"account"_qs, u"model"_qs, u"platform"_qs}},
+        {u"service/store"_qs, {u"account"_qs, u"model"_qs, u"platform"_qs, u"platform/photo"_qs}},
         {u"service"_qs, ofService},
         {u"service/api"_qs, ofService},
         {u"service/pages"_qs, ofService},

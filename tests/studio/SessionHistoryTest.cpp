@@ -1,6 +1,6 @@
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
 #include "studio/sheet/TextSheet.h"

@@ -1,8 +1,8 @@
 #include "studio/WorkspaceStore.h"
 #include "model/Json.h"
 #include "model/WorkspaceSnapshot.h"
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
+#include "platform/photo/PhotoCache.h"
 #include "studio/WorkspaceEncoder.h"
 
 #include <QCoroTask>

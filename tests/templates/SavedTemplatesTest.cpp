@@ -1,7 +1,7 @@
 #include "templates/SavedTemplates.h"
 
-#include "platform/PhotoCache.h"
 #include "platform/PreferencesStore.h"
+#include "platform/photo/PhotoCache.h"
 #include "templates/TemplatePreviewRenderer.h"
 #include "templates/TemplateStores.h"
 

@@ -1,7 +1,7 @@
 #include "app/batch/TilePictures.h"
 #include "app/stage/StagePhoto.h"
 
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

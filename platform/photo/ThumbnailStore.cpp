@@ -1,4 +1,4 @@
-#include "platform/ThumbnailStore.h"
+#include "platform/photo/ThumbnailStore.h"
 
 #include "platform/AtomicFile.h"
 #include "platform/Workers.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PhotoHeader.h"
+#include "platform/photo/PhotoHeader.h"
 
 // These functions change or check the bytes of a photo before a codec sees them.
 

@@ -1,6 +1,6 @@
-#include "platform/PhotoHeader.h"
+#include "platform/photo/PhotoHeader.h"
 #include "platform/Memory.h"
-#include "tests/platform/PhotoSamples.h"
+#include "tests/platform/photo/PhotoSamples.h"
 
 #include <gtest/gtest.h>
 

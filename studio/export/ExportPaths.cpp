@@ -1,4 +1,4 @@
-#include "studio/export/BatchExport.h"
+#include "studio/export/ExportPaths.h"
 
 #include "model/PublicationItem.h"
 

@@ -1,4 +1,4 @@
-#include "studio/export/BatchExport.h"
+#include "studio/export/ExportPaths.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,7 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-TEST(BatchExport, noOutputIsSharedOrFallsOnAPhotoOfTheBatch)
+TEST(ExportPaths, noOutputIsSharedOrFallsOnAPhotoOfTheBatch)
 {
     QList<QUrl> photos;
     for (const QString& path :
@@ -22,7 +22,7 @@ TEST(BatchExport, noOutputIsSharedOrFallsOnAPhotoOfTheBatch)
                            u"/s/otra-publicacion-publicacion.png"_s}));
 }
 
-TEST(BatchExport, anOutputReachedThroughALinkDoesNotFallOnAPhoto)
+TEST(ExportPaths, anOutputReachedThroughALinkDoesNotFallOnAPhoto)
 {
     const QTemporaryDir folder;
     ASSERT_TRUE(QDir(folder.path()).mkpath(u"d"_s));
@@ -40,7 +40,7 @@ TEST(BatchExport, anOutputReachedThroughALinkDoesNotFallOnAPhoto)
                            folder.filePath(u"d/y-publicacion.png"_s)}));
 }
 
-TEST(BatchExport, aFolderExportedIntoItselfGivesTheSamePhotosAgain)
+TEST(ExportPaths, aFolderExportedIntoItselfGivesTheSamePhotosAgain)
 {
     QList<QUrl> photos;
     for (const QString& name : {u"a.jpg"_s, u"a-publicacion.png"_s, u"a-publicacion-2.png"_s,
@@ -52,7 +52,7 @@ TEST(BatchExport, aFolderExportedIntoItselfGivesTheSamePhotosAgain)
     EXPECT_EQ(kept, (QStringList{u"a.jpg"_s, u"b-publicacion.png"_s, u"a-publicacion.jpg"_s}));
 }
 
-TEST(BatchExport, aNameThatIsTooLongIsShortenedAtACharacter)
+TEST(ExportPaths, aNameThatIsTooLongIsShortenedAtACharacter)
 {
     const QTemporaryDir folder;
     const QString family = u"👩\u200d👩\u200d👧"_s;    // 18 bytes, one character

@@ -1,6 +1,6 @@
-#include "platform/PhotoBytes.h"
+#include "platform/photo/PhotoBytes.h"
 #include "platform/Memory.h"
-#include "tests/platform/PhotoSamples.h"
+#include "tests/platform/photo/PhotoSamples.h"
 
 #include <QColorSpace>
 

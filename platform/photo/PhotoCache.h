@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/PhotoDecoder.h"
-#include "platform/ThumbnailStore.h"
+#include "platform/photo/PhotoDecoder.h"
+#include "platform/photo/ThumbnailStore.h"
 
 #include <QCache>
 #include <QSet>
@@ -67,7 +67,6 @@ private:
     }
     struct Content {
         QString file;    // ThumbnailStore::fileFor() when the digest was read
-                         // inode
         QByteArray digest;
     };
     static Key keyOf(const PhotoId& photo, int level) { return {photo.path, photo.digest, level}; }

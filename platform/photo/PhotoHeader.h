@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PhotoLevel.h"
+#include "platform/photo/PhotoLevel.h"
 
 #include <QByteArray>
 #include <QIODevice>

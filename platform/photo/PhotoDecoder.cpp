@@ -1,11 +1,11 @@
-#include "platform/PhotoDecoder.h"
+#include "platform/photo/PhotoDecoder.h"
 
-#include "platform/AreaAverage.h"
-#include "platform/DecodeGate.h"
-#include "platform/HeicPhoto.h"
-#include "platform/PhotoBytes.h"
-#include "platform/PhotoColor.h"
-#include "platform/PhotoHeader.h"
+#include "platform/photo/AreaAverage.h"
+#include "platform/photo/DecodeGate.h"
+#include "platform/photo/HeicPhoto.h"
+#include "platform/photo/PhotoBytes.h"
+#include "platform/photo/PhotoColor.h"
+#include "platform/photo/PhotoHeader.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>

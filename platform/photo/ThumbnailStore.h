@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PhotoDecoder.h"
+#include "platform/photo/PhotoDecoder.h"
 
 #include <atomic>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "platform/PhotoBytes.h"
+#include "platform/photo/PhotoBytes.h"
 
 #include <QByteArrayList>
 #include <QtEndian>

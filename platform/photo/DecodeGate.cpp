@@ -1,4 +1,4 @@
-#include "platform/DecodeGate.h"
+#include "platform/photo/DecodeGate.h"
 
 #include <algorithm>
 

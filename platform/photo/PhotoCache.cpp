@@ -1,6 +1,6 @@
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 
-#include "platform/AreaAverage.h"
+#include "platform/photo/AreaAverage.h"
 
 #include <QFileInfo>
 #include <QScopeGuard>

@@ -1,4 +1,4 @@
-#include "platform/PhotoLevel.h"
+#include "platform/photo/PhotoLevel.h"
 
 QSize sizeAtLevel(QSize photo, PhotoLevel level)
 {

@@ -1,5 +1,5 @@
-#include "platform/ImageAccess.h"
-#include "tests/platform/PhotoSamples.h"
+#include "platform/photo/ImageAccess.h"
+#include "tests/platform/photo/PhotoSamples.h"
 
 #include <QStringList>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 
 #include <QScopeGuard>
 #include <QUrl>

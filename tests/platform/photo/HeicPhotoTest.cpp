@@ -1,7 +1,7 @@
-#include "platform/HeicPhoto.h"
-#include "platform/HeicCodedSize.h"
-#include "platform/PhotoDecoder.h"
-#include "tests/platform/PhotoSamples.h"
+#include "platform/photo/HeicPhoto.h"
+#include "platform/photo/HeicCodedSize.h"
+#include "platform/photo/PhotoDecoder.h"
+#include "tests/platform/photo/PhotoSamples.h"
 
 #include <QtEndian>
 

@@ -1,4 +1,4 @@
-#include "platform/HeicCodedSize.h"
+#include "platform/photo/HeicCodedSize.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,6 +1,6 @@
-#include "platform/PhotoColor.h"
-#include "platform/PhotoDecoder.h"
-#include "tests/platform/PhotoSamples.h"
+#include "platform/photo/PhotoColor.h"
+#include "platform/photo/PhotoDecoder.h"
+#include "tests/platform/photo/PhotoSamples.h"
 
 #include <QColorSpace>
 

@@ -1,7 +1,7 @@
-#include "platform/HeicPhoto.h"
+#include "platform/photo/HeicPhoto.h"
 
-#include "platform/HeicCodedSize.h"
-#include "platform/PhotoColor.h"
+#include "platform/photo/HeicCodedSize.h"
+#include "platform/photo/PhotoColor.h"
 
 #include <QColorSpace>
 

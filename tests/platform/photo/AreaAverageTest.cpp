@@ -1,5 +1,5 @@
-#include "platform/AreaAverage.h"
-#include "tests/platform/PhotoSamples.h"
+#include "platform/photo/AreaAverage.h"
+#include "tests/platform/photo/PhotoSamples.h"
 
 #include <QRandomGenerator>
 

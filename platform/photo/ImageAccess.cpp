@@ -1,4 +1,4 @@
-#include "platform/ImageAccess.h"
+#include "platform/photo/ImageAccess.h"
 
 std::optional<QByteArray> ImageAccess::bookmarkData(const QUrl&)
 {

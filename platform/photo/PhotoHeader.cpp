@@ -1,4 +1,4 @@
-#include "platform/PhotoHeader.h"
+#include "platform/photo/PhotoHeader.h"
 
 #include <QtEndian>
 

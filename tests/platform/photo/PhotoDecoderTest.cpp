@@ -1,5 +1,5 @@
-#include "platform/PhotoDecoder.h"
-#include "tests/platform/PhotoSamples.h"
+#include "platform/photo/PhotoDecoder.h"
+#include "tests/platform/photo/PhotoSamples.h"
 
 #include <QCryptographicHash>
 #include <QRandomGenerator>

@@ -1,6 +1,6 @@
-#include "platform/PhotoCache.h"
+#include "platform/photo/PhotoCache.h"
 #include "platform/Workers.h"
-#include "tests/platform/PhotoSamples.h"
+#include "tests/platform/photo/PhotoSamples.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "platform/AreaAverage.h"
+#include "platform/photo/AreaAverage.h"
 
 #include <QColorSpace>
 

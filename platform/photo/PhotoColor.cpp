@@ -1,4 +1,4 @@
-#include "platform/PhotoColor.h"
+#include "platform/photo/PhotoColor.h"
 
 #include <QColorSpace>
 #include <QColorTransform>
