@@ -42,10 +42,13 @@ std::optional<AcceptedPhoto> PhotoCache::identify(const QString& path)
 {
     const QString file = m_disk.fileFor(path);
     auto photo = m_disk.loadFacts(file);
-    if (!photo)
+    if (!photo) {
         photo = identifyPhoto(path);
-    if (photo)
-        rememberContent(path, {file, photo->digest});
+        if (!photo)
+            return {};
+        m_disk.save(file, *photo);
+    }
+    rememberContent(path, {file, photo->digest});
     return photo;
 }
 

@@ -30,8 +30,8 @@ public:
     // changed since. Waits.
     std::optional<AcceptedPhoto> accept(const QString& path);
 
-    // Looks at a photo as identifyPhoto() does, or reads what was stored when it was accepted if
-    // the file has not changed since. Waits.
+    // Looks at a photo as identifyPhoto() does, or reads the facts that an earlier accept() or
+    // identify() stored if the file has not changed since. Waits.
     std::optional<AcceptedPhoto> identify(const QString& path);
 
     // The facts of a photo accepted in an earlier run. Its digest is empty when only reading the

@@ -16,6 +16,8 @@
 
 #include <libdeflate.h>
 
+#include <algorithm>
+
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -24,6 +26,7 @@ namespace {
 
 constexpr qint64 pruningStep = 20'000'000;    // bytes written between two prunings
 constexpr qint64 largestFile = 8 << 20;
+constexpr qint64 diskBlock = 4096;    // bytes that the smallest file takes on the disk
 constexpr int digestLength = 32;
 
 QString suffix()
@@ -87,9 +90,12 @@ std::optional<AcceptedPhoto> read(const QString& file, Part part)
     QByteArray bytes = source.readAll();
     if (!takeChecksum(bytes))
         return {};
+    const bool isPng = bytes.startsWith("\x89PNG"), isJpeg = bytes.startsWith("\xff\xd8");
+    if (!isPng && !isJpeg)
+        return part == Part::facts ? described(QString::fromLatin1(bytes)) : std::nullopt;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer, bytes.startsWith("\x89PNG") ? "png" : "jpeg");
+    QImageReader reader(&buffer, isPng ? "png" : "jpeg");
     reader.setAutoDetectImageFormat(false);
     auto photo = described(reader.text(u"photo"_qs));
     if (!photo || reader.size() != thumbnailSize(photo->info.size))
@@ -139,11 +145,12 @@ std::optional<AcceptedPhoto> ThumbnailStore::loadFacts(const QString& file) cons
     return read(file, Part::facts);
 }
 
-// Writes without flushing to the disk: a thumbnail damaged by a crash is made again.
 void ThumbnailStore::save(const QString& file, const AcceptedPhoto& photo)
 {
-    if (file.isEmpty())
+    if (photo.thumbnail.isNull()) {
+        write(file, describe(photo).toLatin1());
         return;
+    }
     QImage picture = photo.thumbnail;
     picture.setColorSpace({});    // always sRGB: a profile in each file would double its size
     QByteArray bytes;
@@ -152,11 +159,16 @@ void ThumbnailStore::save(const QString& file, const AcceptedPhoto& photo)
     QImageWriter writer(&buffer, picture.hasAlphaChannel() ? "png" : "jpeg");
     writer.setQuality(picture.hasAlphaChannel() ? -1 : 90);
     writer.setText(u"photo"_qs, describe(photo));
-    if (!writer.write(picture))
-        return;
+    if (writer.write(picture))
+        write(file, bytes);
+}
+
+// Writes without flushing to the disk: a thumbnail damaged by a crash is made again.
+void ThumbnailStore::write(const QString& file, QByteArray bytes)
+{
     appendChecksum(bytes);
-    const qint64 written = bytes.size();
-    if (!writeAtomically(file, bytes).isEmpty())
+    const qint64 written = std::max(qint64(bytes.size()), diskBlock);
+    if (file.isEmpty() || !writeAtomically(file, bytes).isEmpty())
         return;
     if (m_writtenSincePruning.fetch_add(written) + written >= pruningStep) {
         m_writtenSincePruning = 0;
@@ -176,7 +188,7 @@ void pruneThumbnails(const QString& folder, qint64 budget)
                 QFile::remove(info.filePath());
             continue;
         }
-        total += info.size();
+        total += std::max(info.size(), diskBlock);
         if (total > budget)
             QFile::remove(info.filePath());
     }

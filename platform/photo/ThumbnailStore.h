@@ -17,9 +17,12 @@ public:
     std::optional<AcceptedPhoto> load(const QString& file) const;
     // Reads the file without decoding its picture, in a fraction of the time.
     std::optional<AcceptedPhoto> loadFacts(const QString& file) const;
+    // Without a thumbnail, only the facts are written: load() then finds nothing.
     void save(const QString& file, const AcceptedPhoto& photo);
 
 private:
+    void write(const QString& file, QByteArray bytes);
+
     QString m_folder;
     qint64 m_budget;    // bytes
     // Starts high, so that the first write of a run prunes what earlier runs left.

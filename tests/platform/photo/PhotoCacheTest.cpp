@@ -54,6 +54,26 @@ TEST_F(PhotoCacheTest, theSecondRunAnswersFromDiskWithoutTheCodec)
     EXPECT_FALSE(cache.accept(file)) << "a photo changed on disk is another photo";
 }
 
+TEST_F(PhotoCacheTest, anIdentifiedPhotoIsKnownInTheNextRunButHasNoThumbnailYet)
+{
+    const QString file = photo(u"a.jpg"_qs);
+    const auto first = PhotoCache(m_disk).identify(file);
+    ASSERT_TRUE(first);
+    EXPECT_TRUE(first->thumbnail.isNull());
+
+    const QString kept = stored().value(0).filePath();
+    PhotoCache second(m_disk);
+    const auto known = second.identify(file);
+    ASSERT_TRUE(known);
+    EXPECT_EQ(known->info, first->info);
+    EXPECT_EQ(known->digest, first->digest);
+    EXPECT_FALSE(second.thumbnail({file, first->digest}).isNull()) << "made when it is asked for";
+
+    // The facts answer, not the photo: another digest in their place is believed.
+    ThumbnailStore(m_disk).save(kept, {first->info, QByteArray(32, 'x'), {}});
+    EXPECT_EQ(PhotoCache(m_disk).identify(file)->digest, QByteArray(32, 'x'));
+}
+
 TEST_F(PhotoCacheTest, aDamagedThumbnailIsMadeAgain)
 {
     const QString file = photo(u"a.jpg"_qs);
@@ -127,14 +147,14 @@ TEST_F(PhotoCacheTest, theDiskKeepsTheNewestWithinItsBudget)
     for (int i = 0; i < 4; ++i) {
         QFile file(m_disk + u"/%1.thumbnail"_qs.arg(i));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray(1000, 'x'));
+        file.write(QByteArray(i % 2 ? 10 : 5000, 'x'));    // at least a block of the disk each
         file.flush();
         file.setFileTime(now.addSecs(qint64(-100) * i), QFile::FileModificationTime);
     }
     QFile unfinished(m_disk + u"/.moltiva-crashed"_qs);
     ASSERT_TRUE(unfinished.open(QIODevice::WriteOnly));
     ASSERT_TRUE(unfinished.setFileTime(now.addDays(-1), QFile::FileModificationTime));
-    pruneThumbnails(m_disk, 2500);
+    pruneThumbnails(m_disk, 10'000);
     EXPECT_FALSE(unfinished.exists());
     QStringList left;
     for (const QFileInfo& info : stored())
