@@ -18,14 +18,15 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString sessionCookieDefaultsKey = u"tallerioSessionCookieHeader"_s;
-const QString sessionOriginKey = u"moltiva.sessionOrigin"_s;    // whose the cookie is
-const QString legacyTokenKey = u"tallerioSessionToken"_s;       // the bare token of earlier builds
+const QString sessionOriginKey = u"moltiva.sessionOrigin"_s;    // origin that the cookie belongs to
+const QString legacyTokenKey = u"tallerioSessionToken"_s;       // stored by earlier builds
 
 const QString clientIdentifier = u"moltiva-macos"_s;
 const QString checkoutClient = u"macos-native"_s;
 constexpr int mostRedirections = 5;
 
-// Earlier builds stored a cookie without its origin: such a cookie is taken for any origin.
+// The stored session cookie if it belongs to `origin`; empty if not. A cookie without a stored
+// origin, as earlier builds left it, is accepted for any origin.
 QByteArray storedCookie(const PreferencesStore& preferences, const QByteArray& origin)
 {
     if (preferences.value(sessionOriginKey).value_or(origin) != origin)
@@ -54,8 +55,8 @@ QCoro::Task<AccountSummary> confirmed(QCoro::Task<CheckoutConfirmResponse> askin
     co_return summary;
 }
 
-// Waits for a sign-out. Fails only with a message of the service: an ended session (unauthorized)
-// and an unreadable reply both count as signed out.
+// Awaits a sign-out. An ended session (unauthorized) and an unreadable reply count as signed out;
+// other errors are thrown.
 QCoro::Task<> unlessRefused(QCoro::Task<> signingOut)
 {
     try {
@@ -74,18 +75,19 @@ QCoro::Task<GeneratedCopy> generated(QCoro::Task<SocialCopyGenerateResponse> ask
 
 }    // namespace
 
-// A request before its address is resolved: path and query are encoded, the body is JSON. Functions
-// that are no coroutines build it: GCC 12 destroys twice what a coroutine initialises member by
-// member.
+// A request whose address is not resolved yet. `path` is percent-encoded and may contain a query;
+// `body` is JSON. Only functions that are no coroutines initialise a Call with braces: in a
+// coroutine, GCC 12 would destroy it twice.
 struct AccountAPI::Call {
     QByteArray method;
     QByteArray path;
     std::optional<QByteArray> body = std::nullopt;
     Base base = Base::service;
-    // `beginsSession`: the reply's cookie becomes the session. `endsSession`: the reply's arrival
-    // ends the session that the request carried.
+    // `beginsSession`: a cookie in the reply becomes the session, even if that has changed since
+    // the request. `endsSession`: an accepted reply ends the session that the request was sent
+    // with.
     bool beginsSession = false, endsSession = false;
-    std::optional<Session> session = std::nullopt;    // empty: the one held when it is sent
+    std::optional<Session> session = std::nullopt;    // empty: m_session is sent
 };
 
 AccountAPI::AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
@@ -126,8 +128,8 @@ HttpRequest AccountAPI::prepared(Call call, const Session& session) const
     return request;
 }
 
-// Follows redirections within the origin only: the network layer would send the cookie to any
-// origin.
+// Follows redirections within the origin. One to another origin is not followed but returned as the
+// reply, so that the cookie is not sent there.
 QCoro::Task<AccountAPI::Answer> AccountAPI::sendFollowing(Call call, std::stop_token stop)
 {
     const QPointer<AccountAPI> self = this;
@@ -212,7 +214,7 @@ QCoro::Task<Reply> AccountAPI::request(Call call, std::stop_token stop)
     co_return std::move(*reply);
 }
 
-// Waits for `body`, which a worker thread still writes, then sends the request.
+// Awaits `body`, which a worker thread is still writing, then sends the request.
 template <typename Reply>
 QCoro::Task<Reply> AccountAPI::requestPrepared(Call call, QFuture<QByteArray> body,
                                                std::stop_token stop)
@@ -243,7 +245,7 @@ void AccountAPI::hold(const QByteArray& cookie)
 
 void AccountAPI::remember(const QByteArray& cookie)
 {
-    // The service may renew the cookie with its old value: the session is the old one.
+    // A reply that sets the cookie to its current value does not begin another session.
     if (cookie == m_session.cookie && m_isSessionKept)
         return;
     hold(cookie);
@@ -257,8 +259,8 @@ void AccountAPI::remember(const QByteArray& cookie)
         m_preferences.transaction(store, Store::Durability::usual, Store::Traces::erased);
 }
 
-// Removes the session from the preferences only if it is stored there: another program with the
-// same preferences may have stored its own meanwhile.
+// Removes the stored cookie only if it still is this session's: another process with the same
+// preferences may have stored its own meanwhile.
 void AccountAPI::forget(const Session& session)
 {
     if (session.cookie.isEmpty() || !isStillHeld(session))
@@ -284,9 +286,9 @@ QCoro::Task<AccountSummary> AccountAPI::meWith(const Session& session, std::stop
     return request<AccountSummary>(std::move(call), std::move(stop));
 }
 
-// Asks with the own session; if the service refuses it, with the one that another program has
-// stored meanwhile. That session may be another user's: it is held only once the service has said
-// whose it is.
+// Asks with m_session. If that is empty or the service refuses it, asks with the session that
+// another process may have stored in the preferences. This becomes m_session only after the reply,
+// because it may be another user's.
 QCoro::Task<AccountSummary> AccountAPI::me(std::stop_token stop)
 {
     const QPointer<AccountAPI> self = this;
@@ -422,7 +424,7 @@ QCoro::Task<GeneratedCopy>
 AccountAPI::generateSocialCopy(const QUrl& image, const QString& objective, SocialFormat format,
                                const QString& requestId, std::stop_token stop)
 {
-    // On a worker thread: to read and encode the image takes longer than a frame.
+    // Runs on a worker thread, because reading and encoding the image would block the interface.
     const auto prepare = [path = image.toLocalFile(), objective, format, requestId] {
         const ImagePayload payload = preparedImagePayload(path);
         return toWire(SocialCopyGenerateRequest{requestId, objective, rawValue(format),

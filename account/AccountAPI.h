@@ -15,23 +15,24 @@
 class LocalService;
 class PreferencesStore;
 
-// Time limits of one request, from its start to the last byte of the reply. Requests with a body
-// may carry images and templates, which are slow on a poor line.
+// Time limits of one request, from its start to the last byte of the reply. A request with a body
+// may carry images or a template, which take long over a slow connection.
 struct RequestLimits {
     std::chrono::milliseconds withoutBody = std::chrono::seconds(35);
     std::chrono::milliseconds withBody = std::chrono::seconds(260);
 };
 
-// The client of the account service and of the public web site: one function an endpoint. It keeps
-// the session cookie in the preferences between runs and sends it with every request.
+// The client of the account service and of the public web site, with one function per endpoint. It
+// sends the session cookie with every request and stores it in the preferences for the next run of
+// the program.
 //
-// All functions throw AccountError; without a reply, and after a stop was requested,
-// TransportError. Requests may overlap. Lives on the interface thread.
+// Failed requests throw AccountError, or TransportError if no reply came or `stop` was requested.
+// Several requests may run at the same time. Lives on the interface thread.
 class AccountAPI : public QObject {
     Q_OBJECT
 public:
-    // `preferences` and `local` outlive the client. `local` stands in for an address that
-    // `configuration` leaves out.
+    // `preferences` and `local` must outlive the client. An address that is missing in
+    // `configuration` is that of `local`.
     AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
                LocalService* local = nullptr, RequestLimits limits = {}, QObject* parent = nullptr);
     ~AccountAPI() override;
@@ -41,7 +42,8 @@ public:
                                       std::stop_token stop = {});
     QCoro::Task<AccountSummary> registerAccount(const QString& email, const QString& password,
                                                 std::stop_token stop = {});
-    // Forgets the cookie afterwards. Succeeds also when the service had ended the session already.
+    // Removes the session cookie afterwards. Succeeds even if the service has already ended the
+    // session.
     QCoro::Task<> logout(std::stop_token stop = {});
     QCoro::Task<AccountSummary> updateProfile(const QString& fullName, std::stop_token stop = {});
     QCoro::Task<> changePassword(const QString& currentPassword, const QString& newPassword,
@@ -81,40 +83,42 @@ public:
                       QList<SocialPublishImage> images, const QString& requestId,
                       const QString& placement = QStringLiteral("feed"), std::stop_token stop = {});
 
-    // Starts the local service if one is needed; its address, and so the three addresses below, is
-    // known only afterwards.
+    // Starts the local service if an address is not configured. Await it before calling the three
+    // functions below, which may need the address of that service.
     QCoro::Task<> locate(std::stop_token stop = {});
     QUrl googleOAuthURL() const;
     QUrl socialConnectionURL(const QString& network) const;
-    // The page on which the local service shows the mails it does not send; empty for any other
-    // service.
+    // The page on which the local service shows its mails, because it sends none; empty for any
+    // other service.
     QUrl testMailURL() const;
 
     const QString& siteName() const { return m_configuration.siteName; }
     const QString& administratorEmail() const { return m_configuration.administratorEmail; }
-    // Scheme, host and port of the service, or "local" for the local one, whose port changes.
+    // Scheme, host and port of the service; "local" for the local service, whose port changes with
+    // each start.
     const QByteArray& origin() const { return m_origin; }
     bool holdsSession() const { return !m_session.cookie.isEmpty(); }
-    // Whether the preferences keep the session for the next run.
+    // False if the session cookie could not be stored in the preferences: the next run of the
+    // program will not be signed in.
     bool isSessionKept() const { return m_isSessionKept; }
-    // Why a session that has ended could not be removed from the preferences, where the next run
-    // finds it: part of a sentence. Nothing when it was removed.
+    // Why the cookie of an ended session could not be removed from the preferences, as part of a
+    // Spanish sentence. Empty if it was removed.
     const std::optional<QString>& whyEndedSessionIsKept() const { return m_endedSessionKept; }
 
 private:
     enum class Base { service, site };
     struct Call;
 
-    // The session that a request carries. Its reply may change or end the session only while
-    // `generation` is still the current one: a late reply would bring back a session that has
-    // ended.
+    // A session cookie as a request sends it. The reply may replace or remove m_session only while
+    // that still has the same `generation`: otherwise a late reply could bring back a session that
+    // has ended.
     struct Session {
         QByteArray cookie;         // "tallerio_session=…", empty without a session
-        quint64 generation = 0;    // rises whenever the cookie is replaced or removed
+        quint64 generation = 0;    // rises by 1 whenever m_session's cookie is replaced or removed
     };
     struct Answer {
         HttpReply reply;
-        Session session;    // the one sent last, or the one that came with the reply
+        Session session;    // the session sent, or the newer one that a reply set
     };
     QCoro::Task<Answer> sendFollowing(Call call, std::stop_token stop);
     QCoro::Task<QByteArray> exchange(Call call, std::stop_token stop);
@@ -137,7 +141,7 @@ private:
     PreferencesStore& m_preferences;
     LocalService* m_local;
     const RequestLimits m_limits;
-    const QByteArray m_origin;    // stored beside the cookie, which is sent to no other origin
+    const QByteArray m_origin;    // stored with the cookie, which must not be sent to other origins
     Session m_session;
     bool m_isSessionKept = true;
     std::optional<QString> m_endedSessionKept;

@@ -4,8 +4,8 @@
 
 #include <optional>
 
-// Checks of a form before it is sent to the service: the first field that is missing or wrong, and
-// the sentence for it.
+// The functions below check a form before it is sent to the service. Each returns the first field
+// that is missing or wrong, with a Spanish sentence about it; nothing if all are right.
 enum class CheckedField { email, password, repeatedPassword, currentPassword, name, amount };
 struct CheckFailure {
     CheckedField field;

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 struct Sentence {
-    QStringView code, text;    // %1: the name of the public web site
+    QStringView code, text;    // in `text`, %1 is the name of the public web site
 };
 constexpr std::array sentences{
     Sentence{u"database_unavailable", u"La base de datos no está disponible."},

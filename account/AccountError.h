@@ -4,8 +4,8 @@
 
 #include <exception>
 
-// A refusal of the account service, or a reply that cannot be understood; `text` is written for the
-// user. Without any reply, TransportError is thrown instead.
+// A refusal of the account service, or a reply that cannot be understood. text() is a Spanish
+// sentence for the user. If no reply came, TransportError is thrown instead.
 class AccountError : public std::exception {
 public:
     enum class Kind { message, invalidResponse, unauthorized };
@@ -31,7 +31,8 @@ private:
 // `siteName`: name of the public web site, which some sentences mention.
 QString userMessage(QStringView code, const QString& siteName = {});
 
-// Whether the service gave no reply: it cannot be reached, or took too long.
+// Whether the service gave no reply: it could not be reached, took too long or broke off the
+// connection.
 bool isUnreachable(const std::exception& error);
 
 // The Spanish sentence for a failure of any account operation.

@@ -7,20 +7,21 @@
 
 inline constexpr QByteArrayView sessionCookiePrefix = "tallerio_session=";
 
-// The "Cookie" value to send back after a reply with these headers; empty when they hold no
-// session.
+// The "Cookie" value to send back after a reply with these headers; empty when they set no session
+// cookie.
 QByteArray sessionCookieIn(const HttpHeaders& headers);
 
-// The body of an accepted reply; throws AccountError for any other status.
+// The body of a reply with a 2xx status; throws AccountError for any other status.
 QByteArray acceptedBody(const HttpReply& reply, const QString& siteName);
 
 // Whether a value may stand in a header: printable ASCII.
 bool isHeaderText(QByteArrayView text);
-// Where a redirection leads; nothing for any other reply.
+// The address that a redirection leads to; nothing for any other reply. `asked`: address of the
+// request.
 std::optional<QUrl> locationIn(const HttpReply& reply, const QUrl& asked);
-// Same scheme, host and port.
+// Whether both have the same scheme, host and port.
 bool sameOrigin(const QUrl& one, const QUrl& other);
-// Makes the request one for `location`, as a reply with `status` asks.
+// Turns the request into the one that follows a redirection with `status` to `location`.
 void redirect(HttpRequest& request, const QUrl& location, int status);
 // Replaces the request's cookie; an empty one removes it.
 void setCookie(HttpRequest& request, const QByteArray& cookie);

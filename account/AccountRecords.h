@@ -10,7 +10,7 @@
 #include <optional>
 
 // Requests and replies of the account service: JSON objects whose keys are the names of the fields.
-// Dates travel as plain text.
+// Dates are strings as the service sends them.
 
 struct AccountProfile {
     std::optional<QString> email, fullName;
@@ -41,12 +41,12 @@ struct CloudCopyConfig {
     std::optional<QString> modelId;
     QString providerLabel;
     std::optional<QString> endpoint;
-    int costCredits = 10;    // for each image
+    int costCredits = 10;    // per image
     std::optional<QString> latestMacVersion;
     std::optional<QUrl> macDownloadURL;
     bool operator==(const CloudCopyConfig&) const = default;
 
-    // The defaults, for when the service sends no settings.
+    // The settings used while the service has sent none.
     static CloudCopyConfig fallback() { return {}; }
 };
 
@@ -110,7 +110,7 @@ struct SocialCopyGenerateRequest {
     QString requestId, objective;
     QString format;    // raw value of a SocialFormat
     QString mimeType;
-    QByteArray imageBase64;    // the bytes of the image; the JSON holds their base-64
+    QByteArray imageBase64;    // raw bytes of the image, base64 only in the JSON
 };
 
 struct SocialCopyGenerateResponse {
@@ -146,7 +146,7 @@ struct SocialConnectTokenResponse {
 
 struct SocialPublishImage {
     QString fileName, mimeType;
-    QByteArray dataBase64;    // the bytes of the image; the JSON holds their base-64
+    QByteArray dataBase64;    // raw bytes of the image, base64 only in the JSON
 };
 
 struct SocialPublishRequest {
@@ -165,16 +165,16 @@ struct SocialPublishResponse {
 struct TemplateUploadRequest {
     QString fileName;
     std::optional<QString> oldFileName;
-    QByteArray templateJSONBase64;    // the bytes of the file; the JSON holds their base-64
+    QByteArray templateJSONBase64;    // raw bytes of the file, base64 only in the JSON
 };
 
 struct TemplateDeleteRequest {
     QString fileName;
 };
 
+// `error` is a machine code, `reason` an explanation for developers.
 struct APIErrorPayload {
-    std::optional<QString> error,
-        reason;    // a machine code, and what a developer may want to know
+    std::optional<QString> error, reason;
 };
 
 struct PurchaseHistoryItem {
@@ -182,7 +182,7 @@ struct PurchaseHistoryItem {
     QString kind;    // "credits", or a kind of storage
     std::optional<int> orderIndex;
     std::optional<QString> orderNumber, createdAt;
-    int amountCents = 0;    // of a euro
+    int amountCents = 0;    // euro cents
     QString detail;
     std::optional<QString> periodEndsAt;
     std::optional<QUrl> invoiceURL, receiptURL;
@@ -199,10 +199,11 @@ struct PurchaseDocumentLinkResponse {
     QUrl url;
 };
 
-// Defined for every record above.
+// The JSON of a record. Instantiated for the requests and replies above, but not for records that
+// only occur inside others.
 template <typename Record>
 QByteArray toWire(const Record& record);
 
-// Empty when the bytes are not JSON or lack a required field; never throws.
+// Returns nothing if the bytes are not JSON or lack a required field; never throws.
 template <typename Record>
 std::optional<Record> fromWire(QByteArrayView bytes);

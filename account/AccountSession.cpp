@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Stops `operation` and throws a TransportError when it takes longer than `limit`.
+// Awaits `operation`. If it takes longer than `limit`, requests `stop` and throws TransportError.
 template <typename Result>
 QCoro::Task<Result> withTimeout(std::chrono::milliseconds limit, QCoro::Task<Result> operation,
                                 std::stop_source stop)
@@ -46,7 +46,8 @@ AccountSession::AccountSession(AccountAPI& api, Surroundings surroundings, QObje
     m_balanceSync.callOnTimeout(this, [this] { refreshSilently(); });
 }
 
-// Stopped requests resume here with an exception, while the members still exist.
+// Coroutines that await a request resume inside request_stop(), with an exception, while the
+// members still exist.
 AccountSession::~AccountSession()
 {
     m_stop.request_stop();
@@ -106,7 +107,7 @@ QCoro::Task<bool> AccountSession::perform(Work work)
     }
     if (self && !ended.stop_requested()) {
         --m_actions;
-        if (failure && signIn == m_signIn)    // else somebody else signed in meanwhile
+        if (failure && signIn == m_signIn)    // not shown if somebody signed in or out meanwhile
             tell(*failure, told);
         else
             Q_EMIT changed();
@@ -132,7 +133,7 @@ QCoro::Task<bool> AccountSession::bootstrap()
     if (!self || ended.stop_requested())
         co_return false;
     m_isLoading = false;
-    if (failure && signIn == m_signIn) {    // else somebody signed in meanwhile, by a link
+    if (failure && signIn == m_signIn) {    // not if a link signed somebody in meanwhile
         changeUser({});
         tell(*failure, told);
     } else {
@@ -156,7 +157,8 @@ QCoro::Task<> AccountSession::check()
     syncWhileSignedIn();
 }
 
-// Starts without being awaited: the program works with the fallback settings.
+// Requests the settings. Callers do not await it: until the reply, the program works with the
+// fallback settings.
 QCoro::Task<> AccountSession::configure()
 {
     const QPointer<AccountSession> self = this;
@@ -168,7 +170,8 @@ QCoro::Task<> AccountSession::configure()
         configuration = co_await std::move(asking);
     } catch (const std::exception&) {
     }
-    // A later question is under way: its reply is the newer one.
+    // If `question` is no longer the last one, configure() was called again, and that call's reply
+    // is newer.
     if (!self || ended.stop_requested() || question != m_configurationQuestion ||
         m_cloudCopyConfig == configuration)
         co_return;
@@ -237,7 +240,7 @@ QCoro::Task<> AccountSession::moveCredits(Move move, qint64 cost, QString reques
                   : m_api.refundSocialCopyCredits(cost, requestId, ended);
     try {
         const CreditOperationResponse moved = co_await std::move(moving);
-        if (user != userOf(m_account))    // the caller would work with another user's credits
+        if (user != userOf(m_account))    // the caller must not use another user's credits
             throw AccountError::unauthorized();
         setBalance(moved.balance);
     } catch (const std::exception& error) {
@@ -246,7 +249,7 @@ QCoro::Task<> AccountSession::moveCredits(Move move, qint64 cost, QString reques
     }
     if (self && !ended.stop_requested()) {
         --m_creditMoves;
-        if (!failure || signIn == m_signIn)    // else somebody else signed in meanwhile
+        if (!failure || signIn == m_signIn)    // leaves out a failure of a user who has signed out
             m_message = told;
         Q_EMIT changed();
     }
@@ -254,7 +257,8 @@ QCoro::Task<> AccountSession::moveCredits(Move move, qint64 cost, QString reques
         std::rethrow_exception(failure);
 }
 
-// Another program with the same preferences may have signed in as another user.
+// Takes over an account that the service sent. It may be another user's, because another process
+// with the same preferences may have signed in.
 void AccountSession::receive(const AccountSummary& account)
 {
     const bool isSame =
@@ -265,7 +269,7 @@ void AccountSession::receive(const AccountSummary& account)
         changeUser(account);
 }
 
-// Drops the pending checkout and the purchases of another user.
+// Sets the account. Drops the pending checkout and the purchases unless the user is still the same.
 void AccountSession::changeUser(const AccountSummary& account)
 {
     if (account.profile || isAuthenticated())

@@ -16,50 +16,50 @@ class AccountAPI;
 class WebAuthentication;
 struct GoogleAuthenticationResult;
 
-// The signed-in account of the whole program and the actions that screens offer on it. Each action
-// ends in a sentence in message(). Emits changed() whenever anything shown may differ. Lives on the
+// The signed-in account and the actions that the screens offer on it. message() tells the user
+// about their results. Emits changed() whenever a screen may have to be updated. Lives on the
 // interface thread.
 class AccountSession : public CreditAccount {
     Q_OBJECT
 public:
-    // What the platform gives.
     struct Surroundings {
-        // Gives whether a browser took the address.
+        // Opens the address in a browser; returns whether that worked.
         std::function<bool(const QUrl&)> openInBrowser;
-        // The sign-in sheet over the window; without one, the Google sign-in goes through the
-        // browser.
+        // Shows the Google sign-in over the program's window. Null where the platform has no such
+        // thing: then the browser shows it.
         WebAuthentication* webAuthentication = nullptr;
         std::chrono::milliseconds startLimit = std::chrono::seconds(8);
         std::chrono::milliseconds balanceSyncInterval = std::chrono::seconds(180);
     };
 
-    // `api` outlives the session.
+    // `api` must outlive the session.
     AccountSession(AccountAPI& api, Surroundings surroundings, QObject* parent = nullptr);
     ~AccountSession() override;
 
     const AccountSummary& account() const { return m_account; }
-    bool isLoading() const { return m_isLoading; }    // bootstrap() runs
-    // An action that a screen or a link started is under way.
+    bool isLoading() const { return m_isLoading; }    // bootstrap() is running
+    // Whether an action that a screen or a link started is running.
     bool isActing() const { return m_actions > 0 || m_isSigningInOverWindow; }
-    // An action is under way, or credits are being reserved or refunded.
+    // Whether an action is running, or credits are being reserved or refunded.
     bool isWorking() const { return isActing() || m_creditMoves > 0; }
-    // The last sentence for the user, about charged credits too; shown as it stands.
+    // The last sentence for the user: about an action, or about credits reserved or refunded.
     const QString& message() const { return m_message; }
-    // The last sentence about an action that a screen or a link started. Not about charged credits:
-    // the charging code tells of those elsewhere.
+    // The last sentence about an action that a screen or a link started. Leaves out those about
+    // credits reserved or refunded, which the code that charges them reports itself.
     const QString& outcome() const { return m_outcome; }
-    // Whether outcome() says that an action failed.
+    // Whether outcome() reports a failure. While nobody is signed in, a required sign-in does not
+    // count as one.
     bool isProblem() const
     {
         return m_told != Told::info && (m_told != Told::signedOut || isAuthenticated());
     }
-    // Whether that failure was a service that does not answer, or (needsSignIn()) a missing
-    // session.
+    // These two tell why the action of outcome() failed: the service did not answer, or it requires
+    // a sign-in.
     bool isUnreachable() const { return m_told == Told::unreachable; }
     bool needsSignIn() const { return m_told == Told::signedOut; }
     const std::optional<QString>& pendingCheckoutSessionId() const { return m_pendingCheckout; }
-    // The page where the pending checkout is paid, for when no browser opened it. Empty without
-    // one.
+    // The web page on which to pay the pending checkout, in case no browser opened it. Empty
+    // without a pending checkout.
     QUrl checkoutPage() const { return m_pendingCheckout ? m_checkoutPage : QUrl(); }
     const CloudCopyConfig& cloudCopyConfig() const { return m_cloudCopyConfig; }
     const QList<PurchaseHistoryItem>& purchaseHistory() const { return m_purchaseHistory; }
@@ -67,9 +67,10 @@ public:
     int socialConnectionRefreshToken() const { return m_socialConnectionRefreshToken; }
 
     bool isAuthenticated() const { return m_account.profile.has_value(); }
-    // A session is held, but the service has not said whose it is: another refresh() may sign in.
+    // Whether there is a session cookie that the service has not confirmed yet: refresh() may still
+    // sign in.
     bool mayBeSignedIn() const;
-    // Where a local service shows its mails; empty for any other.
+    // The page on which the local service shows its mails; empty for any other service.
     QUrl testMailURL() const;
     bool isAdministrator() const;
     QString displayName() const;
@@ -80,7 +81,7 @@ public:
     // Each returns whether it succeeded; if not, message() says why. Callers need not await them.
     QCoro::Task<bool> bootstrap();
     QCoro::Task<bool> refresh();
-    QCoro::Task<bool> refreshSilently();    // leaves message() and isWorking() alone
+    QCoro::Task<bool> refreshSilently();    // does not change message() or isWorking()
     QCoro::Task<bool> login(const QString& email, const QString& password);
     QCoro::Task<bool> registerAccount(const QString& email, const QString& password);
     QCoro::Task<bool> requestPasswordReset(const QString& email);
@@ -94,11 +95,11 @@ public:
     QCoro::Task<bool> refreshPurchaseHistory();
     QCoro::Task<bool> openPurchaseDocument(const QString& purchaseId);
 
-    // Both report in message() alone, not in outcome(). Called by CreditJournal.
+    // Both change message(), but not outcome(). Called by CreditJournal.
     QCoro::Task<> reserveCloudCopyCredits(qint64 cost, const QString& requestId) override;
     QCoro::Task<> refundCloudCopyCredits(qint64 cost, const QString& requestId) override;
 
-    // Opens `url` in the browser and returns whether one took it; only a failure is reported.
+    // Opens `url` in a browser and returns whether that worked; message() tells only of a failure.
     bool openPage(const QUrl& url);
 
     // Acts on a link of the scheme "moltiva" and returns true; ignores any other link.
@@ -110,11 +111,11 @@ public:
 
 private:
     enum class Told { info, problem, unreachable, signedOut };
-    enum class Move { reserve, refund };    // of credits
+    enum class Move { reserve, refund };    // what moveCredits() does
 
-    // Wraps each action of the user: counts it in m_actions, reports its failure and returns
-    // whether it succeeded. The task that `work` returns may rely on this session to exist whenever
-    // it resumes: the destructor stops its requests first.
+    // Runs an action of the user: counts it in m_actions, reports its failure and returns whether
+    // it succeeded. The coroutine of `work` may use `this` whenever it resumes after a request: the
+    // destructor stops the requests before the members are destroyed.
     template <typename Work>
     QCoro::Task<bool> perform(Work work);
     QCoro::Task<> check();
@@ -139,20 +140,20 @@ private:
     void setBalance(qint64 balance);
     void tell(const QString& message, Told told = Told::info);
     static Told toldOf(const std::exception& failure);
-    void openInBrowser(const QUrl& url);    // throws AccountError when it is not
+    void openInBrowser(const QUrl& url);    // throws AccountError on failure
     void handleAuthCallback(const QUrl& url);
     void handleSocialConnectionCallback(const QUrl& url);
 
     AccountAPI& m_api;
     const Surroundings m_surroundings;
     AccountSummary m_account;
-    int m_accountVersion = 0;           // rises with every change: a reply from before is stale
-    int m_configurationQuestion = 0;    // the number of the last request for the settings
+    int m_accountVersion = 0;    // rises with every change; replies to earlier requests are stale
+    int m_configurationQuestion = 0;    // number of the last request for m_cloudCopyConfig
     int m_signIn = 0;                   // rises whenever somebody signs in or out
     bool m_isLoading = false, m_isSigningInOverWindow = false;
-    int m_actions = 0, m_creditMoves = 0;    // under way
+    int m_actions = 0, m_creditMoves = 0;    // number under way
     QString m_message, m_outcome;
-    Told m_told = Told::info;    // the kind of m_outcome
+    Told m_told = Told::info;    // kind of m_outcome
     std::optional<QString> m_pendingCheckout;
     QUrl m_checkoutPage;
     CloudCopyConfig m_cloudCopyConfig = CloudCopyConfig::fallback();

@@ -1,4 +1,5 @@
-// Actions of the user: sign-in and its links, profile and password, purchases.
+// The part of AccountSession with the user's actions: sign-in and its links, profile and password,
+// purchases.
 #include "account/AccountAPI.h"
 #include "account/AccountError.h"
 #include "account/AccountSession.h"
@@ -101,7 +102,7 @@ QCoro::Task<> AccountSession::saveProfile(QString fullName)
     const int signIn = m_signIn;
     const AccountSummary account = co_await m_api.updateProfile(fullName, m_stop.get_token());
     if (signIn != m_signIn)
-        co_return;    // the profile is another user's by now
+        co_return;    // `account` is of a user who has signed out meanwhile
     setAccount(account);
     tell(u"Perfil guardado."_s);
 }
@@ -241,7 +242,7 @@ QCoro::Task<> AccountSession::confirmCheckout(std::optional<QString> sessionId)
     if (m_pendingCheckout == sessionId)    // not if another checkout was opened meanwhile
         m_pendingCheckout.reset();
     tell(u"Compra confirmada."_s);
-    // The purchase is confirmed whether or not the list of them comes.
+    // The purchase stays confirmed even if the list of purchases cannot be loaded.
     try {
         co_await loadPurchases();
     } catch (const std::exception&) {
@@ -285,7 +286,7 @@ QCoro::Task<> AccountSession::openDocument(QString purchaseId)
     tell(u"Factura abierta."_s);
 }
 
-// Opens web pages only, never files or programs: addresses come from a server.
+// Opens web pages only, never files or programs, because the addresses come from a server.
 void AccountSession::openInBrowser(const QUrl& url)
 {
     if (!isPage(url))

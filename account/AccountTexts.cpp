@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int longestShownLine = 300;
-constexpr int profileLongestText = 4000;    // in characters; leaves room for a long address
+constexpr int profileLongestText = 4000;    // characters; a message may contain a long URL
 
 QString harmless(const QString& text)
 {

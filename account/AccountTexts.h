@@ -2,12 +2,12 @@
 
 #include <QString>
 
-// Texts from the account service as the screens show them: foreign text, so cut to a limit and
-// without control characters. shownLine() puts all on one line.
+// Makes a text of the account service safe to show: cuts it to a limit and removes control
+// characters. Joins all lines into one.
 QString shownLine(const QString& text);
-// Keeps the line breaks.
+// Like shownLine(), but keeps the line breaks and has a higher limit.
 QString shownText(const QString& text);
 
-QString initialsOf(const QString& name);    // "LF"; for an e-mail address its first letter
+QString initialsOf(const QString& name);    // "LF"; a single letter for an e-mail address
 QString firstNameOf(const QString& name);
 QString creditsText(qint64 balance);    // "4280 créditos"

@@ -5,11 +5,12 @@
 #include "account/CreditJournal.h"
 #include "account/LocalService.h"
 
-// The account session with its client, journal and local service: what a window or a command holds
-// while it runs.
+// The account session with the client, the journal and the local service that it works with. A
+// window or a command owns one while it runs.
 class ConnectedAccount {
 public:
-    // `preferences` outlives it. The local service, if one is needed, works in `dataFolder`.
+    // `preferences` must outlive this object. The local service and the journal keep their files in
+    // sub-folders of `dataFolder`.
     ConnectedAccount(const ServiceConfiguration& configuration, PreferencesStore& preferences,
                      const QString& dataFolder, AccountSession::Surroundings surroundings);
 
@@ -18,7 +19,7 @@ public:
     CreditJournal& journal() { return m_journal; }
 
 private:
-    // Declared in the order of use: each member is destroyed before those that it refers to.
+    // The order matters: each member is destroyed before those above it, to which it refers.
     LocalService m_local;
     AccountAPI m_api;
     AccountSession m_session;

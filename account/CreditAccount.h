@@ -9,12 +9,13 @@ class CreditAccount : public QObject {
 public:
     using QObject::QObject;
 
-    // Names the user and the service; the same on every run. Empty when nobody is signed in.
+    // Identifies the user and the service; the same in every run of the program. Empty when nobody
+    // is signed in.
     virtual QString accountKey() const = 0;
-    virtual qint64 balance() const = 0;    // credits, as far as known here
+    virtual qint64 balance() const = 0;    // credits, as last told by the service
 
-    // Both throw the service's refusal, or the reason why no reply came: the service may have acted
-    // nevertheless.
+    // Both throw AccountError or TransportError. Unless the service refused, it may have moved the
+    // credits in spite of the error.
     virtual QCoro::Task<> reserveCloudCopyCredits(qint64 cost, const QString& requestId) = 0;
     virtual QCoro::Task<> refundCloudCopyCredits(qint64 cost, const QString& requestId) = 0;
 

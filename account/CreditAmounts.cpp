@@ -8,7 +8,8 @@ using namespace Qt::StringLiterals;
 
 std::optional<int> effectiveCredits(const QString& typed)
 {
-    // A point counts only before three digits: before others it may mark decimals.
+    // Accepts a point or a space only before a group of three digits: elsewhere a point may mark
+    // decimals.
     static const QRegularExpression whole(u"^[+-]?(\\d{1,3}([. ]\\d{3})+|\\d+)$"_s);
     QString digits = typed.simplified();
     if (!whole.match(digits).hasMatch())
@@ -37,7 +38,7 @@ int eurosOf(int credits)
     return credits / creditBlock;
 }
 
-// Always groups: the Spanish locale leaves a number of four digits together.
+// Does not use QLocale, because the Spanish locale does not group the digits of 1000 to 9999.
 QString groupedThousands(qint64 number)
 {
     QString text = QString::number(number);

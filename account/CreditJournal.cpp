@@ -18,7 +18,7 @@ double now()
     return double(QDateTime::currentMSecsSinceEpoch());
 }
 
-// Sum of several entries for one sentence to the user.
+// Sum of several journal entries, for one sentence to the user.
 struct Total {
     qint64 credits = 0;
     QString what;
@@ -30,7 +30,7 @@ struct Total {
     }
 };
 
-// Whether the service refused with `code`. After any other error it may have acted.
+// Whether `error` is a refusal of the service with this machine code.
 bool isCode(const std::exception& error, QStringView code)
 {
     const auto* refusal = dynamic_cast<const AccountError*>(&error);
@@ -171,7 +171,7 @@ QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation o
 }
 
 // An earlier charge of `key` may still be open: waits for its refund, or refunds it here if its
-// price differs. Returns why payment is refused; empty when it is free to go on.
+// price differs. Returns why the new charge is refused; empty if it may go on.
 QCoro::Task<QString> CreditJournal::freed(QString key, qint64 cost)
 {
     const QPointer<CreditJournal> self = this;
@@ -197,8 +197,8 @@ QCoro::Task<QString> CreditJournal::freed(QString key, qint64 cost)
     co_return std::move(refusal);
 }
 
-// Writes the entry of `operation` and returns why that failed; empty if it did not. Replaces a
-// left-open entry of the same identifier, so that there are never two.
+// Writes the entry of `operation` under `key`. Replaces an entry that an earlier run left open
+// under the same key. Returns why the entry could not be written; empty on success.
 QString CreditJournal::open(const QString& key, const ChargedOperation& operation)
 {
     const OpenReservation opened{.requestId = operation.requestId,
@@ -235,7 +235,8 @@ QString CreditJournal::open(const QString& key, const ChargedOperation& operatio
     return {};
 }
 
-// Whether an entry that a running program works on, this one included, covers any of `what`.
+// Whether a running operation, of this process or another, pays for any of the renders named in
+// `what`.
 bool CreditJournal::isBeingPaid(const QStringList& what) const
 {
     const QStringList keys = m_preferences.keysBeginningWith(keyPrefixOf(m_account.accountKey()));
@@ -265,7 +266,8 @@ void CreditJournal::noteReserved(const QString& key)
     });
 }
 
-// The service reserved nothing this time; the request of the replaced entry may still arrive.
+// Removes the entry after a refusal for lack of credits, which reserved nothing. Leaves it open
+// instead while the request of an entry that it replaced may still reach the service.
 void CreditJournal::endRefused(const QString& key)
 {
     const auto entry = entryAt(key, m_preferences);
@@ -280,7 +282,7 @@ void CreditJournal::noteLate(const QString& key)
     changeEntry(key, [this](OpenReservation& entry) { entry.lateUntil = soon(); });
 }
 
-// Time in ms since the epoch by which a request sent now has arrived or is lost.
+// Time in ms since the epoch by which a request sent now has reached the service or is lost.
 double CreditJournal::soon() const
 {
     return now() + double(m_times.underWay.count());
@@ -293,14 +295,14 @@ Strike CreditJournal::strikeOf(const ChargedOperation& operation, const QString&
     };
 }
 
-// A result that cannot be stored leaves the entry in the journal; if it never is, a later run
-// refunds the entry.
+// Records the result. If it cannot be stored, the entry stays in the journal; if it never is
+// stored, a later run refunds the credits.
 bool CreditJournal::isRecorded(const ChargedOperation& operation, const QString& entry) const
 {
     try {
         return operation.record(strikeOf(operation, entry));
     } catch (const std::exception&) {
-        return false;    // short of memory
+        return false;    // out of memory, for instance
     }
 }
 
@@ -340,7 +342,8 @@ QCoro::Task<CreditJournal::Refund> CreditJournal::askBack(QString key)
     if (refund == Refund::neverReserved && entry->isReserved)
         refund = afterDenial(key, *entry, asked);
     reached("refunded");
-    // A reservation that arrives after this refund needs another one: the entry stays until `late`.
+    // A reservation request that reaches the service after this refund needs another refund, so the
+    // entry stays until `late`.
     const double late = std::min(entry->lateUntil, soon());    // the clock may have been set back
     if (isPending(refund)) {
         leaveOpen(key);
@@ -368,7 +371,8 @@ CreditJournal::Refund CreditJournal::refundAfter(const std::exception& error)
 CreditJournal::Refund CreditJournal::afterDenial(const QString& key, const OpenReservation& entry,
                                                  double asked)
 {
-    const bool isFirst = entry.deniedAt <= 0 || entry.deniedAt > asked;    // a clock set back
+    // A `deniedAt` after `asked` means that the clock has been set back.
+    const bool isFirst = entry.deniedAt <= 0 || entry.deniedAt > asked;
     if (isFirst)
         changeEntry(key, [asked](OpenReservation& kept) { kept.deniedAt = asked; });
     const bool isFinal = !isFirst && asked - entry.deniedAt >= double(m_times.underWay.count());
@@ -380,7 +384,7 @@ bool CreditJournal::isPending(Refund refund)
     return refund == Refund::denied || refund == Refund::refused || refund == Refund::unreachable;
 }
 
-// An entry that cannot be removed is refunded again later, which moves no credits.
+// Removes the entry. If that fails, the entry is refunded again later, which moves no credits.
 void CreditJournal::strike(const QString& key)
 {
     if (m_preferences.remove(key))
@@ -389,7 +393,7 @@ void CreditJournal::strike(const QString& key)
         leaveOpen(key);
 }
 
-// Leaves the entry to the next attempt, of any run.
+// Leaves the entry to a later attempt at the refund, by this process or another.
 void CreditJournal::leaveOpen(const QString& key)
 {
     changeEntry(key, [](OpenReservation& entry) { entry.run.clear(); });
@@ -398,8 +402,8 @@ void CreditJournal::leaveOpen(const QString& key)
         m_retry.start(m_times.retry);
 }
 
-// Makes the entry this run's own before its refund: two runs must not both refund it, because the
-// user may pay again between their refunds.
+// Marks the entry as this run's before its refund. Two processes must not both refund it: if the
+// user paid again in between, the second refund would take back that payment.
 bool CreditJournal::claim(const QString& key)
 {
     const bool isClaimed = m_preferences.transaction([&] {
@@ -412,7 +416,8 @@ bool CreditJournal::claim(const QString& key)
     return isClaimed;
 }
 
-// Whether nobody works on the entry: its run has ended, or it is this run's and waits for a refund.
+// Whether no process works on the entry: its run has ended, or it is this run's and waits for a
+// refund.
 bool CreditJournal::isLeftOpen(const QString& key) const
 {
     const auto entry = entryAt(key, m_preferences);
@@ -447,7 +452,8 @@ QCoro::Task<> CreditJournal::refundAllLeftOpen()
     const QString account = m_account.accountKey();
     Total returned, gone;
     const QStringList keys = keysLeftOpen();
-    // Without a service, each further refund would wait for its whole timeout.
+    // Ends the loop when the service does not answer: each further refund would wait for its whole
+    // timeout.
     bool isReached = true;
     for (qsizetype i = 0; i < keys.size() && isReached && account == m_account.accountKey(); ++i) {
         const QString key = keys[i];
@@ -460,7 +466,8 @@ QCoro::Task<> CreditJournal::refundAllLeftOpen()
         const Refund refund = co_await std::move(refunding);
         if (!self)
             co_return;
-        // A reservation that was refunded before moves no credits now.
+        // The user is told only of a refund that moved credits; that of an unconfirmed or already
+        // refunded reservation may move none.
         const bool isNews = entry->isReserved || m_account.balance() > balance;
         if (refund == Refund::done && isNews)
             returned.add(*entry);
@@ -470,7 +477,7 @@ QCoro::Task<> CreditJournal::refundAllLeftOpen()
     }
     m_isRefundingAll = false;
     if (account != m_account.accountKey())
-        m_retry.start(0);    // another user signed in meanwhile
+        m_retry.start(0);    // the signed-in user has changed meanwhile
     else
         m_retry.start(keysLeftOpen().isEmpty() ? m_times.look : m_times.retry);
     if (returned.credits > 0)

@@ -17,25 +17,27 @@ class CreditAccount;
 class PreferencesStore;
 struct OpenReservation;
 
-// Removes an operation's entry from the journal. False: the preferences could not be changed.
+// Removes an operation's entry from the journal. Returns false if the preferences could not be
+// changed.
 using Strike = std::function<bool()>;
 
-// Something that costs credits.
+// Work that costs credits.
 struct ChargedOperation {
-    QString requestId;     // equal for equal work on equal items
-    qint64 cost = 0;       // 0: nothing is charged
-    QString what;          // for the user: "una exportación"
-    QStringList covers;    // names of the renders it pays for; two operations must not share one
-    // Called before the entry is written, in its transaction; may be empty. False: another run of
-    // the program has paid meanwhile.
+    QString requestId;    // equal for equal work on equal items
+    qint64 cost = 0;      // 0: nothing is charged
+    QString what;         // the work in words for the user: "una exportación"
+    // Names of the renders that the operation pays for; no two running operations may share one.
+    QStringList covers;
+    // Called in the transaction that writes the journal entry. Returns false if another process has
+    // paid for the same renders meanwhile. May be empty.
     std::function<bool()> isStillDue;
-    // Does the work once the credits are reserved. False or an exception: it failed.
+    // Does the work, after the credits have been reserved. Returns false or throws if it failed.
     std::function<QCoro::Task<bool>()> work;
-    // Stores the result and calls `strike` in one transaction, now or as soon as that can be done.
-    // Returns whether both are done now.
+    // Stores the result and calls `strike`, both in one transaction. Returns whether that
+    // succeeded; if not, may repeat it later by itself.
     std::function<bool(const Strike& strike)> record;
-    // Stores more in the transaction that strikes the entry; may be empty. Called again in the next
-    // transaction if one fails.
+    // Stores further data in the transaction that removes the entry; called again if that
+    // transaction is repeated. May be empty.
     std::function<bool()> alsoStore = {};
 };
 
@@ -45,35 +47,38 @@ struct ChargeResult {
     enum class Refusal { other, signedOut, tooFewCredits, unreachable };
 
     State state = State::done;
-    bool isRefundPending = false;    // the credits come back later
-    bool isRecorded = true;          // false: after a crash now, the next run would refund it
+    bool isRefundPending = false;    // the refund has failed and is tried again later
+    // False if the result is not stored yet: if the program crashed now, its next run would refund
+    // the credits.
+    bool isRecorded = true;
     QString error;    // for the user: why the reservation failed, or what the work threw
     Refusal refusal = Refusal::other;
 };
 
-// Sentences for the signals refunded() and lost().
+// Spanish sentences for the signals CreditJournal::refunded() and lost().
 QString refundSentence(qint64 credits, const QString& what);
 QString lossSentence(qint64 credits, const QString& what);
 
 // Charges credits: reserves them, does the work, then records the result or refunds the credits
-// under the same request identifier. The preferences keep an entry from before the reservation is
-// requested until it is recorded or refunded, so that after a crash the next run refunds it. The
-// only charging code. Lives on the interface thread.
+// under the same request identifier. An entry in the preferences exists from before the reservation
+// is requested until the result is recorded or the credits are refunded; after a crash, the next
+// run of the program finds it and refunds the credits. No other code charges credits. Lives on the
+// interface thread.
 class CreditJournal : public QObject {
     Q_OBJECT
 public:
     struct Times {
         // Pause between two attempts at a refund.
         std::chrono::milliseconds retry = std::chrono::seconds(30);
-        // Pause between two searches for entries that other runs left open.
+        // Pause between two searches for entries that other runs of the program left open.
         std::chrono::milliseconds look = std::chrono::minutes(3);
-        // By then a request that was sent has reached the service or is lost, and a denial that the
-        // service repeats is final.
+        // How long a sent request may take to reach the service. Also: how long the service must
+        // deny a reservation that it had confirmed until the credits count as lost.
         std::chrono::milliseconds underWay = std::chrono::minutes(5);
     };
 
-    // `account` and `preferences` outlive the journal. `runs`: a folder in which the runs of the
-    // program with these preferences mark that they are going on.
+    // `account` and `preferences` must outlive the journal. `runs`: the folder in which all
+    // processes with these preferences show by a ProgramRun that they are running.
     CreditJournal(CreditAccount& account, PreferencesStore& preferences, const QString& runs,
                   Times times, QObject* parent = nullptr);
     CreditJournal(CreditAccount& account, PreferencesStore& preferences, const QString& runs)
@@ -85,31 +90,31 @@ public:
 
     QCoro::Task<ChargeResult> run(ChargedOperation operation);
 
-    // Refunds the signed-in account's open entries: those of runs that have ended and those that
-    // this run could not refund. Starts by itself after each sign-in and at intervals; a call while
-    // it runs waits for its end.
+    // Refunds the signed-in account's open entries: those of processes that have ended, and those
+    // that this one failed to refund. The journal itself calls it after each sign-in and at
+    // intervals. A call during another one only waits for that one to end.
     QCoro::Task<> refundLeftOpen();
 
-    // Called with the name of each step of an operation, so that a test can crash there. Code that
-    // works for an operation calls reached() with steps of its own.
+    // Called with the name of each step that an operation reaches, so that a test can end the
+    // process there. ChargedOperation::work may call reached() for further steps.
     std::function<void(const char* step)> stepReached;
     void reached(const char* step) const;
 
 Q_SIGNALS:
-    // Credits of an earlier operation came back.
+    // Credits of earlier operations have been refunded.
     void refunded(qint64 credits, const QString& what);
-    // Credits that the service had confirmed as reserved will not come back: it keeps denying the
-    // reservation.
+    // Credits will not be refunded: the service had confirmed their reservation, but now keeps
+    // denying it.
     void lost(qint64 credits, const QString& what);
 
 private:
     enum class Refund {
         done,
         neverReserved,
-        denied,         // the service denies a reservation that it had confirmed: asked again later
+        denied,         // the service denies a reservation that it had confirmed: tried again later
         lost,           // denied again after Times::underWay: given up
-        refused,        // the service refuses this refund; that of the next entry may succeed
-        unreachable,    // no answer: no refund can succeed now
+        refused,        // the service refuses this refund; refunds of other entries may succeed
+        unreachable,    // no answer, or not signed in: no other refund can succeed now
     };
 
     void accountChanged();
@@ -122,10 +127,11 @@ private:
     void noteReserved(const QString& key);
     void noteLate(const QString& key);
     double soon() const;
-    // Makes the function that removes `entry` (empty: nothing) and calls `operation.alsoStore`.
+    // Makes a function that calls `operation.alsoStore` and removes the entry whose key is `entry`.
+    // An empty key removes nothing.
     Strike strikeOf(const ChargedOperation& operation, const QString& entry) const;
     bool isRecorded(const ChargedOperation& operation, const QString& entry) const;
-    // Refunds an entry that this run has claimed or opened.
+    // Refunds the entry of this key, which this run has opened or claimed.
     QCoro::Task<Refund> giveBack(QString key);
     QCoro::Task<Refund> askBack(QString key);
     static Refund refundAfter(const std::exception& error);
@@ -143,10 +149,10 @@ private:
     PreferencesStore& m_preferences;
     ProgramRun m_run;
     const Times m_times;
-    QString m_accountKey;           // of the user signed in last
-    QSet<QString> m_ownLeftOpen;    // entries of this run that wait for a refund
+    QString m_accountKey;           // m_account.accountKey() at the last changed()
+    QSet<QString> m_ownLeftOpen;    // keys of this run's entries that wait for a refund
     bool m_isRefundingAll = false, m_isEnding = false;
     Completion m_refundedAll;
-    QHash<QString, std::shared_ptr<Completion>> m_givingBack;    // refunds under way, by entry
+    QHash<QString, std::shared_ptr<Completion>> m_givingBack;    // refunds under way, by entry key
     QTimer m_retry;
 };

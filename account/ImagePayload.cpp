@@ -15,7 +15,8 @@ namespace {
 
 constexpr int longestSide = 1600;
 constexpr int jpegQuality = 82;
-constexpr qint64 largestRaw = 40 << 20;    // the request that carries it may have 64 MiB
+// In bytes; as base64 they must fit into a request of 64 MiB.
+constexpr qint64 largestRaw = 40 << 20;
 
 QSize fittingSize(QSize photo)
 {

@@ -9,9 +9,9 @@ struct ImagePayload {
     QByteArray bytes;
 };
 
-// A photo as an upright JPEG whose longer side is at most 1600 pixels; a file that cannot be
-// decoded, unchanged. Waits for the disk and the codec. Throws AccountError when the file cannot be
-// read or is too large to be sent.
+// The photo as an upright JPEG whose longer side has at most 1600 pixels; the unchanged file if it
+// cannot be decoded. Reads, decodes and encodes before it returns: call it on a worker. Throws
+// AccountError if the file cannot be read or is too large to be sent.
 ImagePayload preparedImagePayload(const QString& path);
 
 // The MIME type for the file's extension.

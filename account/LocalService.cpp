@@ -15,7 +15,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-extern "C" {    // glibc 2.36 leaves it out of <sys/pidfd.h>
+extern "C" {    // glibc 2.36 declares no C linkage in this header
 #include <sys/pidfd.h>
 }
 
@@ -24,18 +24,19 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr std::chrono::milliseconds retryPause{40};
-constexpr qint64 longestLine = 200, longestReason = 400;    // bytes, characters
+// longestLine in bytes, longestReason in characters.
+constexpr qint64 longestLine = 200, longestReason = 400;
 
 constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
 
-// Creates the data folder for its user only. The socket's name contains the canonical path, which
-// only an existing folder has.
+// Creates the data folder, accessible to its user only. It must exist before serviceSocketPath(),
+// which needs its canonical path.
 bool createPrivately(const QString& folder)
 {
     return QDir(folder).exists() || (QDir().mkpath(folder) && QFile::setPermissions(folder, owner));
 }
 
-// Also true for a process that has not been reaped. Never true where the system cannot tell.
+// Also true for an ended process that has not been reaped. False if the system cannot tell.
 bool hasEnded(qint64 process)
 {
     const int handle = ::pidfd_open(pid_t(process), 0);
@@ -90,7 +91,7 @@ QCoro::Task<QUrl> LocalService::address(std::stop_token stop)
             TransportError::Kind::unreachable,
             u"No se ha podido arrancar el servicio local de cuentas: %1"_s.arg(m_problem));
     }
-    const QUrl found = m_address;    // co_return would move out of a member
+    const QUrl found = m_address;    // copied: `co_return m_address` would move out of the member
     co_return found;
 }
 
@@ -100,7 +101,7 @@ void LocalService::begin()
     m_isLastLook = false;
     m_process = 0;
     m_giveUp.start(m_place.longestStart);
-    m_retry.start(0);    // the attempt must not end before address() waits for it
+    m_retry.start(0);    // not at once: address() must be waiting before the attempt ends
 }
 
 void LocalService::connectAgain()
@@ -137,15 +138,17 @@ void LocalService::read()
     endSearch();
 }
 
-// The socket is not connected: the service does not run yet, or has ended.
+// Called when the socket could not connect or lost its connection: the service is not running yet,
+// or has ended.
 void LocalService::lost()
 {
     m_address.clear();
     if (!m_isStarting)
-        return;    // address() starts it again
+        return;    // the next call of address() starts the service again
     if (m_process == 0 && !launch())
         return;
-    // A second service ends at once when another runs; that one answers at the next attempt.
+    // The launched service ends at once if another one is running already. Connecting once more,
+    // before giving up, reaches that one.
     if (hasEnded(m_process) && std::exchange(m_isLastLook, true)) {
         endSearch(reasonInLog());
         return;
@@ -164,7 +167,8 @@ bool LocalService::launch()
     process.setProgram(m_place.program);
     process.setArguments({u"--data"_s, m_place.data, u"--port"_s, u"0"_s, u"--until-unused"_s,
                           u"--administrator"_s, m_place.administrator});
-    process.setWorkingDirectory(m_place.data);    // leaves the user's folder free to be unmounted
+    // Not the user's current folder, whose disk could not be unmounted while the service runs.
+    process.setWorkingDirectory(m_place.data);
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(logFile());
@@ -179,7 +183,7 @@ QString LocalService::logFile() const
     return QDir(m_place.data).filePath(u"servicio.log"_s);
 }
 
-// The log's last line: the service's own sentence, or the system's reason for not running it.
+// The last line of the log: the service's own sentence, or why the system could not run it.
 QString LocalService::reasonInLog() const
 {
     QFile log(logFile());

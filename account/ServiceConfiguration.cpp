@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Removes all occurrences of the option; returns the value of the last one.
+// Removes all occurrences of the option before "--"; returns the value of the last one.
 std::optional<QString> takenOption(QStringList& arguments, const QString& name)
 {
     std::optional<QString> value;
@@ -34,7 +34,8 @@ struct Source {
     QString name, text;
 };
 
-// The first non-empty one of option, environment variable and file.
+// The text of the option if given, else of the environment variable, else of the file; an empty
+// variable or file entry counts as missing.
 std::optional<Source> firstGiven(const std::optional<QString>& flag, const QString& flagName,
                                  const char* variable, const QSettings& file, const QString& key)
 {
@@ -47,7 +48,8 @@ std::optional<Source> firstGiven(const std::optional<QString>& flag, const QStri
     return std::nullopt;
 }
 
-// Passwords and the session travel there: plain HTTP only within this machine.
+// Allows plain HTTP only within this machine, because passwords and the session cookie are sent to
+// the address.
 bool isUsable(const QUrl& address)
 {
     return address.isValid() && !address.host().isEmpty() && address.userInfo().isEmpty() &&
@@ -87,7 +89,7 @@ ServiceConfiguration takenConfiguration(QStringList& arguments, const QString& f
         made.problem);
     made.site = addressOf(
         firstGiven(siteFlag, u"--site"_s, "MOLTIVA_SITE_URL", settings, u"site"_s), made.problem);
-    // A configured service without a site is the site as well.
+    // A service that is configured without a site is the site as well.
     if (made.service && !made.site)
         made.site = made.service;
     made.siteName = settings.value(u"siteName"_s).toString();

@@ -8,16 +8,16 @@
 
 // Addresses and names of the account service and the public web site.
 struct ServiceConfiguration {
-    // Without `service`, the local one is used, which is the site as well.
+    // An empty address is that of the local service, which is a web site as well.
     std::optional<QUrl> service, site;
-    QString siteName;    // for messages; from the site's host when not configured
+    QString siteName;    // for messages; made from the site's host if not configured
     QString administratorEmail;
     QString problem;    // why the addresses cannot be used, for the user; empty when they can
 };
 
-// Removes --service URL and --site URL from the arguments, wherever they stand. Options win over
-// the environment (MOLTIVA_SERVICE_URL, MOLTIVA_SITE_URL), which wins over the file; the file need
-// not exist:
+// Reads the configuration from the options --service URL and --site URL, which it removes from
+// `arguments`, else from the environment variables MOLTIVA_SERVICE_URL and MOLTIVA_SITE_URL, else
+// from `file`. The file need not exist; its lines are:
 //
 //     service=https://…
 //     site=https://…
@@ -25,5 +25,5 @@ struct ServiceConfiguration {
 //     administrator=…
 ServiceConfiguration takenConfiguration(QStringList& arguments, const QString& file);
 
-// The user's own configuration file.
+// Path of the user's configuration file.
 QString configurationFile();

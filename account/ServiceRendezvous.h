@@ -8,10 +8,10 @@
 
 // Path of the local socket at which programs find the local service of `dataFolder`. The service
 // sends one line, "http://127.0.0.1:PORT\n", to each connection. A service that was started with
-// --until-unused runs as long as one connection is open.
+// --until-unused runs as long as at least one connection is open.
 //
-// The folder must exist, or two spellings of its path give two sockets. Empty where no private
-// place for a socket exists.
+// The folder must exist, or two spellings of its path would give different sockets. Empty if there
+// is no folder for a socket that only this user can enter.
 inline QString serviceSocketPath(const QString& dataFolder)
 {
     const QDir folder(dataFolder);

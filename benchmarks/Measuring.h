@@ -9,8 +9,6 @@
 #include <cstdio>
 #include <vector>
 
-// Helpers of the benchmarks that run an event loop.
-
 inline void turnFor(int milliseconds)
 {
     QEventLoop loop;
@@ -25,7 +23,7 @@ void turnUntil(Done done)
         turnFor(20);
 }
 
-// Prints median, 95th percentile and longest of `times`, in milliseconds.
+// Prints the median, the 95th percentile and the longest of `times`, which are in milliseconds.
 inline void report(const char* what, std::vector<double> times)
 {
     if (times.empty())
@@ -48,7 +46,8 @@ double timeOf(Work work)
     return double(watch.nsecsElapsed()) / 1e6;
 }
 
-// Times `work` `count` times, in milliseconds; runs the event loop for `pause` ms after each.
+// Runs `work` `count` times and returns the time of each run, in milliseconds. Runs the event loop
+// for `pause` milliseconds after each.
 template <typename Work>
 std::vector<double> timed(int count, int pause, Work work)
 {
@@ -60,7 +59,8 @@ std::vector<double> timed(int count, int pause, Work work)
     return times;
 }
 
-// Measures each event that the event loop delivers, including those that it sends on.
+// Measures each event that the event loop delivers; the time includes that of further events sent
+// while it is handled.
 class TimedApplication : public QApplication {
 public:
     using QApplication::QApplication;

@@ -42,7 +42,7 @@ PlainFile exportPlainly(const QUrl& photo, SocialFormat format, const QString& p
     file.times.decode = watch.lap();
     if (!decoded)
         return file;
-    // Builds the item again: the sizes of some photos are known only after decoding.
+    // Makes the item again, because the sizes of some photos are known only after decoding.
     const auto image = ExportCanvasRenderer::bitmap(
         itemOf(decoded->info), exportSize(format), designSize(format),
         [&](const PhotoHandle&, PhotoLevel) { return decoded->image; });

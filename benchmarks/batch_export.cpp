@@ -1,6 +1,7 @@
-// Plain export of a folder, with the time of each stage: batch_export PHOTOS OUT [--jobs N]
-// [--format KEY]
-// export_lanes measures the program's own export of the folder.
+// Exports a folder with exportPlainly() and prints the time of each stage. export_lanes measures
+// the program's own export of the folder.
+//
+//     batch_export PHOTOS OUT [--jobs N] [--format KEY]
 
 #include "benchmarks/PlainExport.h"
 #include "platform/Memory.h"

@@ -1,7 +1,9 @@
-// Dragging a layer on the canvas, in a window without a display: canvas_repaint PHOTO
+// Drags layers on the canvas, in a window without a display.
 //
-// Times each mouse event together with the repaint that it causes, for layers with and without a
-// shadow and for the photo itself. QT_SCALE_FACTOR=2 for a screen of twice the density.
+//     canvas_repaint PHOTO
+//
+// Measures each mouse event together with the repaint that it causes, for layers with and without a
+// shadow and for the photo itself. Set QT_SCALE_FACTOR=2 for a screen of twice the density.
 
 #include "app/stage/StagePanel.h"
 #include "app/theme/StudioStyle.h"
@@ -53,7 +55,7 @@ void send(QWidget& view, QEvent::Type type, QPointF at)
     QApplication::sendEvent(&view, &event);
 }
 
-// Drags in a circle, which also passes snapping lines and edges.
+// Drags in a circle, which also crosses snapping lines and edges.
 void time(const char* name, CanvasInteractionView& view, QPointF from)
 {
     std::vector<double> milliseconds;
@@ -103,7 +105,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "%s cannot be read\n", argv[1]);
         return 1;
     }
-    // The canvas' size in a window of 1440 × 900 with both columns.
+    // The size that the stage has in a window of 1440 × 900 with both side columns.
     StagePanel stage;
     stage.resize(888, 692);
     const auto& row = ::row(format);

@@ -1,7 +1,7 @@
-// What an edit costs on the interface thread: through the session alone, and with a window that
-// shows it.
+// Measures how long an edit occupies the interface thread: through the session alone, and with a
+// window that shows the batch.
 //
-//     edit_latency PHOTOS     a folder; 500 photos for the figures that are compared
+//     edit_latency PHOTOS     a folder; use 500 photos to compare figures
 
 #include "app/theme/StudioStyle.h"
 #include "app/theme/Theme.h"
@@ -23,7 +23,7 @@ namespace {
 
 constexpr int edits = 60;
 
-// Edits the title's scale; each value has another length in the stored document.
+// Changes the style of the title; each scale has another length in the stored document.
 struct Restyle {
     StudioSession& session;
     int count = 0;
@@ -38,8 +38,8 @@ struct Restyle {
     }
 };
 
-// A session without a window. With a `file` that cannot be opened, storing fails at once: measures
-// the edit without the write.
+// A session without a window. If `file` cannot be opened, storing fails at once: this measures an
+// edit without the write.
 struct Studio {
     Studio(const std::shared_ptr<PhotoCache>& photos, const QString& file, const QList<QUrl>& urls)
         : preferences(file), session(photos, preferences)
@@ -110,7 +110,7 @@ int main(int argc, char** argv)
         session.selectAll();
         turnFor(1000);
         Restyle restyle{session};
-        // A tick of a slider: the edit and all events that follow, including the repaint.
+        // One step of the slider: the edit and all events that follow, including the repaint.
         report("window, held slider, all selected", timed(edits, 16, [&] {
                    restyle(Pace::held);
                    QApplication::sendPostedEvents();

@@ -1,5 +1,5 @@
-// Exports a folder as the window and `moltiva export` do: imports, renders, pays with an account
-// that agrees at once, writes.
+// Exports a folder as the window and `moltiva export` do: imports, renders, pays and writes. The
+// account is scripted and agrees to the payment at once.
 //
 //     export_lanes PHOTOS OUT [--jobs N] [--format KEY]
 

@@ -1,7 +1,9 @@
-// Cost of the session's export compared with only drawing and writing the same pictures, in turns.
-// An account that agrees at once pays each round.
+// Compares the time of the session's export with that of only drawing and writing the same
+// pictures. The two take turns. A scripted account that agrees at once pays for the session's
+// exports.
 //
-//     export_session PHOTOS OUT [--rounds N]     0: one export of the session alone, for its memory
+//     export_session PHOTOS OUT [--rounds N]
+//         with 0 rounds, only measures the memory of one export of the session
 
 #include "account/CreditJournal.h"
 #include "benchmarks/Measuring.h"

@@ -1,8 +1,10 @@
-// Importing a folder in the real window, without a display: import_latency PHOTOS
+// Imports a folder in the real window, without a display.
 //
-// Measures the first pictures on screen, the longest event on the interface thread and the whole
-// import; for comparison one reduced decoding of each photo on as many workers. The folder of
-// thumbnails starts empty.
+//     import_latency PHOTOS
+//
+// Measures the time until the first picture is on screen, the longest event on the interface thread
+// and the whole import. For comparison, measures one reduced decoding of each photo on as many
+// threads as there are workers. No thumbnails are stored at the start.
 
 #include "app/batch/BatchColumn.h"
 #include "app/theme/StudioStyle.h"

@@ -1,7 +1,7 @@
-// What it costs to know the price of an export after a command: time of the interface thread, and
-// the time until the price is right again. Every image of the batch is paid for.
+// Measures how long it takes after a command until the price of an export is right again, and how
+// much time of the interface thread that needs. Every image of the batch is paid for.
 //
-//     price_latency PHOTOS     a folder; 500 photos for the figures that are compared
+//     price_latency PHOTOS     a folder; use 500 photos to compare figures
 
 #include "benchmarks/Measuring.h"
 #include "canvas/RenderFingerprint.h"
@@ -46,7 +46,7 @@ double ownTime()
     return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
 }
 
-// Measures `work` and the events after it, until `isRight`.
+// Measures `work` and the events after it, until `isRight` returns true.
 template <typename Work, typename IsRight>
 void measure(const char* what, Work work, IsRight isRight)
 {
@@ -68,7 +68,7 @@ void measure(const char* what, Work work, IsRight isRight)
     report("  until the price is right", waits);
 }
 
-// Measures RenderCosts alone, with batches that change outside of a session.
+// Measures RenderCosts alone, with a batch that does not belong to a session.
 void measureCosts(const std::shared_ptr<PhotoCache>& photos, const Batch& paid)
 {
     RenderCosts costs(photos, exportSizeOf);

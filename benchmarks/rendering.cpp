@@ -1,4 +1,4 @@
-// Steps of a render, each by itself; batch_export measures whole renders.
+// Measures the steps of a render, each by itself. batch_export measures whole renders.
 
 #include "canvas/BoxShadow.h"
 #include "canvas/ImagePlacementGeometry.h"
@@ -27,7 +27,7 @@ const QGuiApplication application(argumentCount, arguments);
 
 constexpr SocialFormat format = SocialFormat::carouselPortrait;
 
-// Noise over a gradient compresses about as badly as a busy photo.
+// Makes a picture of noise over a gradient, which compresses about as badly as a busy photo.
 QImage noisyPhoto(QSize size)
 {
     QImage image(size, QImage::Format_RGB32);
@@ -98,7 +98,7 @@ void painting(benchmark::State& state)
 }
 BENCHMARK(painting)->Unit(benchmark::kMillisecond);
 
-// Measures drawing a tile, without or with the warnings about its texts (`judged`).
+// Measures drawing a tile of the batch; if `judged`, including the warnings about its texts.
 template <bool judged>
 void tile(benchmark::State& state)
 {
@@ -119,7 +119,7 @@ void shadow(benchmark::State& state)
 {
     double sigma = 14;
     for ([[maybe_unused]] auto _ : state) {
-        sigma += 1e-6;    // a new value each time, which is not cached
+        sigma += 1e-6;    // a new value each time, so that no cached shadow is used
         benchmark::DoNotOptimize(
             boxShadow({119, 389, 842, 216}, 32, sigma, Qt::black, {0, 0, 1080, 1350}));
     }

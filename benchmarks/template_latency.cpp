@@ -1,7 +1,7 @@
-// What templates cost on the interface thread: laying one over all items, and opening the tab with
-// forty of them.
+// Measures how long templates occupy the interface thread: applying one to all items, and opening
+// the tab that shows forty of them.
 //
-//     template_latency PHOTOS     a folder; 500 photos for the figures that are compared
+//     template_latency PHOTOS     a folder; use 500 photos to compare figures
 
 #include "app/layers/SidePanel.h"
 #include "app/presets/PresetPictures.h"
@@ -28,7 +28,7 @@ namespace {
 
 constexpr int clicks = 40, designs = 40;
 
-// Applies the gallery's designs in turn, each as a step of its own.
+// Applies the next design of the gallery at each call, as a separate step of the history.
 struct Apply {
     StudioSession& session;
     QList<JSONVisualTemplateDefinition> gallery =
@@ -59,8 +59,8 @@ int main(int argc, char** argv)
     const QTemporaryDir own;
     const auto photos = std::make_shared<PhotoCache>(own.filePath(u"thumbnails"_s));
 
-    // A store that cannot be opened refuses at once: this round measures the click without the
-    // write.
+    // The second store cannot be opened and refuses at once, so its round measures the click
+    // without the write.
     for (const QString& store : {own.filePath(u"a.sqlite"_s), u"/proc/nowhere/b.sqlite"_s}) {
         PreferencesStore preferences(store);
         StudioSession session(photos, preferences);
@@ -112,7 +112,7 @@ int main(int argc, char** argv)
                              ++drawn;
                              lastDrawn = watch.elapsed();
                          });
-        // The press of the tab is measured like an event.
+        // Measures setTab() and adds its time to those of the events.
         const double press =
             timeOf([&] { window.shell()->sidePanel()->setTab(SideTab::templates); });
         application.milliseconds.push_back(press);

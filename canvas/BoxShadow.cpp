@@ -16,12 +16,14 @@
 namespace {
 
 constexpr int blurPasses = 3;
-constexpr double widestFullBlur = 60;    // device pixels of deviation; twice what the sliders allow
-constexpr double widestEnd = 1000;       // device pixels from the corner to where the box is even
+// Sigma in device pixels. From this value on, all of the visible blur is drawn; from twice the
+// value on, it is drawn at a reduced size.
+constexpr double widestFullBlur = 60;
+constexpr double widestEnd = 1000;    // device pixels; largest `end` for foldOf()
 constexpr qsizetype cacheBytes = 24 << 20;
 
-// A filter of 2·radius + 1 samples of weight `full` and two ends of weight `end`. The variances of
-// all passes add up to sigma².
+// A box filter: 2·radius + 1 samples of weight `full`, and one more of weight `end` on either side.
+// The variances of blurPasses such filters add up to sigma².
 struct FractionalBox {
     int radius;
     float full, end;
@@ -31,8 +33,8 @@ struct FractionalBox {
         const double variance = sigma * sigma / blurPasses;
         radius = int((std::sqrt(12 * variance + 1) - 1) / 2);
         const double r = radius;
-        // From P. Gwosdek et al., "Theoretical foundations of Gaussian convolution by extended box
-        // filtering".
+        // This formula is from P. Gwosdek et al., "Theoretical foundations of Gaussian convolution
+        // by extended box filtering".
         const double ends =
             (2 * r + 1) * (r * (r + 1) - 3 * variance) / (6 * (variance - (r + 1) * (r + 1)));
         const double length = 2 * r + 1 + 2 * ends;
@@ -54,7 +56,7 @@ void blurLine(const float* in, float* out, int count, const FractionalBox& box)
     }
 }
 
-// Blurs the rows of `in` and returns them as columns, so that two calls blur both directions.
+// Blurs the rows of `in` and returns them as columns, so that two calls blur in both directions.
 std::vector<float> blurRowsTransposed(const std::vector<float>& in, int width, int height,
                                       const FractionalBox& box)
 {
@@ -72,15 +74,16 @@ std::vector<float> blurRowsTransposed(const std::vector<float>& in, int width, i
     return out;
 }
 
-// The part left out in the middle of a line of a blurred box, where all samples are equal.
+// The samples left out of the middle of a blurred box's row or column, where all samples are equal.
 struct Fold {
-    int at = 0;      // the sample that stands for those left out
-    int left = 0;    // number of samples left out after it
+    int at = 0;      // index of the sample that is repeated for those left out
+    int left = 0;    // number of samples left out after `at`
 
     int folded(int i) const { return i <= at ? i : std::max(at, i - left); }
 };
 
-// `length`: of the box; `end`: samples from each end of the box to where it is even.
+// `length`: of the box. `margin`: samples that the blur adds at each end. `end`: number of samples
+// from an end of the box inwards to where all samples are equal.
 Fold foldOf(double length, int margin, int end)
 {
     const double even = length - 2.0 * end;
@@ -104,7 +107,8 @@ QImage tinted(const QImage& alpha, const QRect& part, const QColor& color, const
     return image;
 }
 
-// The opacity of a blurred box in a picture of `size`, divided by `reduction`.
+// Draws the opacity of a blurred box. `size` and the box are in device pixels; the returned image
+// is smaller by the factor `reduction`.
 QImage blurredBox(const QRectF& box, double cornerRadius, double sigma, QSize size, int reduction)
 {
     QImage alpha((size + QSize(reduction - 1, reduction - 1)) / reduction, QImage::Format_Alpha8);
@@ -131,7 +135,8 @@ ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, c
     const QRect shown = blurred.intersected(visible);
     if (shown.isEmpty())
         return {};
-    // The middle of a wide box is even: a shorter box is blurred, and its middle repeated.
+    // All pixels in the middle of a large box are equal: blurs a smaller box and repeats its
+    // middle.
     if (const double end = cornerRadius + margin + 2;
         box.isValid() && sigma < widestFullBlur && end < widestEnd) {
         const Fold across = foldOf(box.width(), margin, int(std::ceil(end)));
@@ -144,9 +149,11 @@ ShadowPicture drawShadow(const QRectF& box, double cornerRadius, double sigma, c
         return {shown.topLeft(),
                 tinted(alpha, shown.translated(-blurred.topLeft()), color, across, down)};
     }
-    // Parts further than `margin` from `shown` do not reach it.
+    // Leaves out parts of the box further than `margin` from `shown`, because their blur does not
+    // reach it.
     const QRect drawn = shown.adjusted(-margin, -margin, margin, margin).intersected(blurred);
-    // A wide blur has no detail: drawn at a reduced size, it takes no longer than a narrow one.
+    // Draws a wide blur at a reduced size, which takes no longer than a narrow blur. Nothing is
+    // lost, because a wide blur has no fine detail.
     const int reduction = std::max(1, int(sigma / widestFullBlur));
     const QImage alpha =
         blurredBox(box.translated(-drawn.topLeft()), cornerRadius, sigma, drawn.size(), reduction);
@@ -210,7 +217,8 @@ ShadowPicture boxShadow(const QRectF& box, double cornerRadius, double sigma, co
         if (const ShadowPicture* found = known.object(key))
             return *found;
     }
-    // Drawn outside the lock: two threads may both draw one shadow, and get equal pixels.
+    // Draws without holding the lock. If two threads draw the same shadow at once, both get equal
+    // pixels.
     ShadowPicture picture = drawShadow(box, cornerRadius, sigma, color, visible);
     const QMutexLocker lock(&mutex);
     known.insert(key, std::make_unique<ShadowPicture>(picture).release(),

@@ -20,7 +20,8 @@ PhotoLevel ExportCanvasRenderer::photoLevel(const PhotoHandle& photo,
     if (!photo.reducible)
         return PhotoLevel::full;
     const QRectF place = ImagePlacementGeometry::imageRect(photo.size, canvas, placement);
-    // boundedTo() keeps huge sizes from overflowing int; a photo drawn enlarged is decoded whole.
+    // boundedTo() keeps huge sizes from overflowing int. The limit has no other effect: a photo
+    // drawn enlarged is decoded at full size anyway.
     const QSizeF drawn = (place.size() * shown).boundedTo(QSizeF(photo.size));
     return coveringLevel(photo.size,
                          QSize(int(std::lround(drawn.width())), int(std::lround(drawn.height()))));

@@ -11,22 +11,22 @@
 #include <functional>
 #include <optional>
 
-// Renders an item as a picture of any output size. Holds no state, runs on the caller's thread,
-// waits for the decoding. A failure returns nothing; the caller tells the user.
+// Renders an item as a picture of any output size, on the caller's thread, which waits while the
+// photo is decoded. A failure returns nothing; telling the user is left to the caller.
 namespace ExportCanvasRenderer {
 
-// Gives the pixels of a photo decoded at a level; null when it cannot be decoded.
+// Returns the pixels of a photo decoded at a level; null when it cannot be decoded.
 using PhotoSource = std::function<QImage(const PhotoHandle&, PhotoLevel)>;
 QImage decodedFromFile(const PhotoHandle& photo, PhotoLevel level);
 
-// The level an output needs: the coarsest that covers the drawn photo. It depends only on the
-// arguments, never on what is decoded already, so that two exports are equal. `shown`: screen
-// pixels per canvas pixel, 1 for an export.
+// The coarsest level at which the decoded photo is no smaller than it is drawn. It depends only on
+// the arguments, never on levels that are already decoded, so that two exports of an item are
+// equal. `shown`: screen pixels per canvas pixel; 1 for an export.
 PhotoLevel photoLevel(const PhotoHandle& photo, const ImagePlacement& placement, QSizeF canvas,
                       double shown = 1);
 
-// Renders the item. `outputSize` in pixels, each side rounded; `referenceCanvasSize` in design
-// units.
+// Renders the item. `outputSize` is in pixels, each side rounded; `referenceCanvasSize` is in
+// design units.
 std::optional<QImage> bitmap(const PublicationItem& item, QSizeF outputSize,
                              QSizeF referenceCanvasSize,
                              const PhotoSource& source = decodedFromFile);
@@ -37,7 +37,7 @@ std::optional<QByteArray> pngData(const PublicationItem& item, SocialFormat form
 std::optional<QByteArray> pngData(const PublicationItem& item, QSizeF outputSize,
                                   QSizeF referenceCanvasSize,
                                   const PhotoSource& source = decodedFromFile);
-// Waits for cwebp. `quality` 0..1.
+// Encodes with cwebp and waits for it. `quality`: 0..1.
 std::optional<QByteArray> webPData(const PublicationItem& item, QSizeF outputSize,
                                    QSizeF referenceCanvasSize, double quality,
                                    const PhotoSource& source = decodedFromFile);

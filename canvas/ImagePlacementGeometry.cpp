@@ -7,7 +7,7 @@ namespace {
 
 // The least number of canvas pixels per photo pixel, whatever the zoom.
 constexpr double smallestScale = 0.1;
-// Pixels; beyond the edge of the longest photo one pixel wide.
+// Limit of coordinates, in pixels: even an extremely long and narrow photo does not reach it.
 constexpr double furthestEdge = 1e12;
 
 double clampedOrigin(double origin, double length, double canvasOrigin, double canvasLength)
@@ -37,8 +37,8 @@ QRectF ImagePlacementGeometry::imageRect(QSizeF imageSize, QSizeF canvas,
     return clamped(rect, QRectF(QPointF(), canvas), placement.mode);
 }
 
-// Needs no rule for the mode: a photo is centred on each axis where it is smaller than the canvas,
-// as ImageFitMode::fit requires.
+// Ignores the mode: on an axis where the photo is smaller than the canvas it is centred in both
+// modes, as ImageFitMode::fit requires.
 QRectF ImagePlacementGeometry::clamped(const QRectF& rect, const QRectF& canvas, ImageFitMode)
 {
     return {clampedOrigin(rect.x(), rect.width(), canvas.x(), canvas.width()),

@@ -9,27 +9,28 @@
 
 #include <optional>
 
-// Where the photo lies on a canvas, for the screen, the export and the mouse. Sizes in canvas
-// pixels.
+// Computes where the photo lies on a canvas, for painting on screen, exports and mouse gestures.
+// `imageSize` is in photo pixels, all else in canvas pixels.
 namespace ImagePlacementGeometry {
 
 // The photo's rectangle on the canvas; null when either size is empty.
 QRectF imageRect(QSizeF imageSize, QSizeF canvas, const ImagePlacement& placement);
 
-// Moves the rectangle without resizing it. On each axis, a photo longer than the canvas leaves no
-// gap at the edges, and a shorter one is centred.
+// Moves the photo's rectangle without resizing it. On an axis where the photo is longer than the
+// canvas, it leaves no gap at the edges; where it is shorter, it is centred.
 QRectF clamped(const QRectF& rect, const QRectF& canvas, ImageFitMode mode);
 
-// The placement with its offset changed to where the clamped rectangle lies.
+// A copy of the placement with the offset that the clamped rectangle has.
 ImagePlacement clamped(const ImagePlacement& placement, QSizeF imageSize, QSizeF canvas);
 
-// The pixels that a photo at `rect` covers: its edges rounded, so that neighbours meet, and at
-// least one pixel each way. Nothing for an empty rectangle, or one further out than any photo's.
+// The whole pixels that a photo at `rect` covers. The edges are rounded, but the result is at least
+// one pixel wide and high. Nothing if `rect` is empty or its coordinates are larger than any photo
+// needs.
 std::optional<PixelRect> wholePixels(const QRectF& rect);
 
-// The placement after a pan or a zoom from `current` towards `wanted`, clamped on the format's
-// export canvas, whatever size is shown. A pan that leaves the photo on its export pixels returns
-// `current`.
+// The placement after a pan or zoom from `current` to `wanted`, clamped on the format's export
+// canvas, whatever its size on screen. Returns `current` for a pan that is too short to move the
+// photo by a pixel of the export.
 ImagePlacement moved(const ImagePlacement& current, const ImagePlacement& wanted, QSizeF imageSize,
                      SocialFormat format);
 

@@ -11,9 +11,11 @@ namespace {
 
 // Design units between a text and the edge of its box, whether the box is drawn or not.
 constexpr double textInset = 10;
-// Shadows and strokes below these cannot be seen.
+// Shadows whose opacity or radius is not above leastShadow cannot be seen, nor can strokes whose
+// width is not above leastStroke. Radius and width are in design units.
 constexpr double leastShadow = 0.001, leastStroke = 0.1;
-// Pixels. A frame from a file may hold any number; further away nothing on the canvas changes.
+// Limit of coordinates and lengths, in pixels. A frame read from a file may hold any number, but
+// nothing beyond this limit can be seen on the canvas.
 constexpr double farAway = 100000;
 
 double bounded(double value)
@@ -27,8 +29,8 @@ QRectF toPixels(const CodableRect& frame, QSizeF canvas)
             bounded(frame.width * canvas.width()), bounded(frame.height * canvas.height())};
 }
 
-// The radius limited to half the shorter side: Qt would limit it for each axis by itself and draw a
-// lens.
+// Limits the radius to half the shorter side. Qt would limit it for each axis separately, and the
+// corners would become elliptical.
 double radiusWithin(double cornerRadius, const QRectF& box)
 {
     const double roundest = std::min(std::abs(box.width()), std::abs(box.height())) / 2;
@@ -61,8 +63,8 @@ QPainterPath outlineOf(const ShapeLayer& shape, const QRectF& rect, double scale
     return path;
 }
 
-// The distance from the triangle's sharpest corner to the point of its stroke, along a side, in
-// stroke widths.
+// How far the point of the stroke reaches beyond the triangle's sharpest corner, in stroke widths.
+// Measured along a side of the triangle, as Qt measures the miter limit.
 double sharpestPoint(const QRectF& triangle)
 {
     const double halfBase = std::abs(triangle.width()) / 2, height = std::abs(triangle.height());
@@ -93,18 +95,19 @@ std::optional<LaidOutShadow> layOutShadow(const TextLayer& layer, double scale)
     const double angle = layer.shadowAngle * std::numbers::pi / 180;
     const double distance = bounded(layer.shadowDistance * scale);
     LaidOutShadow shadow;
-    // shadowAngle has y upwards, the canvas downwards.
+    // Changes the sign of y: it points up for shadowAngle, and down on the canvas.
     shadow.offset =
         QPointF(bounded(std::cos(angle) * distance), bounded(-std::sin(angle) * distance));
     shadow.sigma = std::min(bounded(layer.shadowRadius * scale), 2000.0) / 2;
-    // A translucent box throws a lighter shadow.
+    // A translucent box has a fainter shadow.
     const double opacity = ExportCanvasRenderer::clamp(layer.shadowOpacity, 0, 1) *
                            ExportCanvasRenderer::clamp(layer.backgroundOpacity, 0, 1);
     shadow.color = layer.shadowColor.withAlpha(opacity);
     return shadow;
 }
 
-// Whether two layers have equal lines at an equal size, wherever their boxes lie.
+// Whether both layers get the same font size and line breaks at the same scale. The positions of
+// their boxes and their colours make no difference.
 bool breakAlike(const TextLayer& one, const TextLayer& other)
 {
     return one.text == other.text && one.slot == other.slot && one.fontName == other.fontName &&
@@ -118,7 +121,7 @@ QRectF textArea(const QRectF& box, double scale)
     return box.adjusted(inset, inset, -inset, -inset);
 }
 
-// `known`: the texts of a layout with an equal scale.
+// `known`: laid-out texts to reuse, from a layout with the same canvas size and scale.
 LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double scale,
                                  const QList<LaidOutTextLayer>& known)
 {
@@ -129,8 +132,8 @@ LaidOutTextLayer layOutTextLayer(const TextLayer& layer, QSizeF canvas, double s
     const LaidOutText text = same != known.end()
                                  ? same->text
                                  : ExportCanvasRenderer::fittedText(layer, area.size(), scale);
-    // Only type at the smallest size can be too large: above it, fittedText() takes only sizes that
-    // fit.
+    // `overflows` can be true only at the smallest font size: fittedText() chooses a larger one
+    // only if the text fits.
     const bool overflows =
         !ExportCanvasRenderer::fits(TextLayoutMetrics::measuredSize(text), area.size());
 
@@ -186,7 +189,7 @@ std::optional<double> fontScaleInBox(const TextLayer& layer, QSizeF outputSize, 
 
 QRectF extentOf(const LaidOutShape& shape)
 {
-    // The point of a miter join is measured from the side of the stroke, half a width off the
+    // miterLimit is measured from the side of the stroke, which lies half a stroke width off the
     // outline.
     const double reach = (shape.miterLimit + 0.5) * shape.strokeWidth;
     return shape.outline.controlPointRect().adjusted(-reach, -reach, reach, reach);
@@ -201,7 +204,7 @@ QRectF extentOf(const LaidOutTextLayer& layer)
                                    .translated(layer.shadow->offset)
                                    .adjusted(-blur, -blur, blur, blur));
     }
-    // Slanted and swash letters reach beyond the box that the font gives them.
+    // Slanted and ornate letters may reach outside usedRect().
     const double overhang = layer.text.fontSize();
     return extent.united(layer.text.usedRect()
                              .translated(layer.textPosition)

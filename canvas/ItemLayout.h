@@ -9,8 +9,8 @@
 #include <QRectF>
 #include <QSize>
 
-// How far the point of a stroked corner may reach, in stroke widths; a sharper corner is cut off.
-// plainMiterLimit leaves right angles whole.
+// Limits for QPen::setMiterLimit(), in stroke widths: how far the outer point of a stroked corner
+// may reach before Qt cuts it off. plainMiterLimit leaves right angles whole.
 inline constexpr double plainMiterLimit = 2, sharpMiterLimit = 10;
 
 // A shape ready to paint, in canvas pixels.
@@ -25,7 +25,7 @@ struct LaidOutShape {
 
 // A shadow under a rounded box, in canvas pixels.
 struct LaidOutShadow {
-    QPointF offset;      // y downwards
+    QPointF offset;      // y: downwards
     double sigma = 0;    // standard deviation of the blur
     QColor color;
 };
@@ -35,34 +35,34 @@ struct LaidOutTextLayer {
     TextLayer source;
     QRectF box;
     double cornerRadius = 0;       // at most half the box's shorter side
-    std::optional<QColor> fill;    // colour of the box; nothing without a box
+    std::optional<QColor> fill;    // colour of the box; empty if the layer has no box
     std::optional<LaidOutShadow> shadow;
     LaidOutText text;
-    bool overflows = false;    // even the smallest type does not fit the box
+    bool overflows = false;    // the text does not fit the box even at the smallest size
     QPointF textPosition;
     QColor foreground;
 };
 
-// An item laid out for one output size: every text fitted, every line broken. To show the item at
-// another scale, paint this layout through a transform instead of fitting again. Paint it on the
-// thread that made it.
+// An item laid out for one output size: font sizes and line breaks of all texts are decided. To
+// show the item at another scale, paint this layout scaled instead of laying the item out again.
+// Paint it on the thread that made it.
 struct ItemLayout {
     QSize canvas;        // whole pixels
     double scale = 0;    // pixels per design unit
-    QRectF photoRect;    // empty without a photo
+    QRectF photoRect;    // empty if the item has no photo
     QList<LaidOutShape> shapes;
     QList<LaidOutTextLayer> texts;
 };
 
-// Lays the item out. `outputSize` in pixels, each side rounded; `reference` is the canvas size in
-// design units. `known`: an earlier layout, as before an edit, whose texts are reused where they
-// have not changed.
+// Lays the item out. `outputSize` is in pixels; ItemLayout::canvas is this size, rounded.
+// `reference` is the canvas size in design units. `known` is an earlier layout of the item, for
+// example before an edit; texts that have not changed since are taken from it.
 ItemLayout layOut(const PublicationItem& item, QSizeF outputSize, QSizeF reference,
                   const ItemLayout& known = {});
 
-// The font scale at which the layer's type just fits its box; nothing when it already fits.
+// The fontScale at which the layer's text just fits its box; nothing if it fits at its present one.
 std::optional<double> fontScaleInBox(const TextLayer& layer, QSizeF outputSize, QSizeF reference);
 
-// The canvas pixels that painting may touch at most.
+// A rectangle in canvas pixels; painting the shape or text changes nothing outside of it.
 QRectF extentOf(const LaidOutShape& shape);
 QRectF extentOf(const LaidOutTextLayer& layer);

@@ -62,7 +62,8 @@ void paintText(QPainter& painter, const LaidOutTextLayer& layer)
     layer.text.draw(painter, layer.textPosition);
 }
 
-// The device pixels that painting `extent`, in canvas pixels, may touch.
+// The device pixels that may change when something inside `extent` is painted. `extent` is in
+// canvas pixels.
 QRect touched(const QPainter& painter, const QRectF& extent)
 {
     return painter.deviceTransform().mapRect(extent).toAlignedRect().adjusted(-1, -1, 1, 1);
@@ -74,7 +75,8 @@ double pictureScale(const ItemLayout& layout, QSize pixels)
 {
     if (pixels == layout.canvas || layout.canvas.isEmpty())
         return 1;
-    // The larger ratio, so that rounding leaves no black line at an edge.
+    // Takes the larger of the two ratios: with the smaller one, rounding could leave a black line
+    // at an edge of the picture.
     return std::max(double(pixels.width()) / layout.canvas.width(),
                     double(pixels.height()) / layout.canvas.height());
 }

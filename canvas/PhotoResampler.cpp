@@ -15,7 +15,7 @@ namespace {
 constexpr int weightBits = 14;
 constexpr int unitWeight = 1 << weightBits;
 
-// Catmull-Rom: the cubic of R. G. Keys (1981) with a = -0.5.
+// The Catmull-Rom kernel: the cubic of R. G. Keys (1981) with a = -0.5.
 double kernel(double x)
 {
     x = std::abs(x);
@@ -26,12 +26,12 @@ double kernel(double x)
     return 0;
 }
 
-// The source pixels and weights for each pixel of a stretch of the target, along one axis.
+// For each target pixel of a range along one axis: which source pixels it sums, and their weights.
 struct Taps {
     struct Pixel {
-        int first;       // source index
-        int count;       // even, because the sums go pair by pair
-        int weightAt;    // index of the first of its `count` weights
+        int first;       // index of the first source pixel
+        int count;       // number of source pixels; even, because they are summed in pairs
+        int weightAt;    // index in `weights` of the first of `count` weights
     };
     std::vector<Pixel> pixels;
     std::vector<int16_t> weights;    // in 1/unitWeight; those of one pixel add up to unitWeight
@@ -53,7 +53,7 @@ Taps tapsFor(int source, qint64 target, qint64 begin, qint64 end)
         const int length = last - first + 1;
         share.assign(std::size_t(length), 0.0);
         double sum = 0;
-        // The outermost pixel repeats beyond the edge.
+        // Repeats the outermost source pixel beyond the edge.
         for (int j = low; j <= high; ++j) {
             const double weight = kernel((j - centre) / widening);
             share[std::size_t(std::clamp(j, first, last) - first)] += weight;
@@ -96,8 +96,8 @@ __m128i rounded(__m128i sums)
     return _mm_srai_epi32(_mm_add_epi32(sums, _mm_set1_epi32(unitWeight / 2)), weightBits);
 }
 
-// Sums weight · row[b] over the rows, into out[b], for blocks of 16 bytes; returns how many bytes
-// are done. The number of rows is even.
+// Writes the weighted sum of byte b of all rows to out[b], for blocks of 16 bytes; returns how many
+// bytes are done. The number of rows is even.
 int sumRowsFast(const std::vector<const uchar*>& rows, const int16_t* weights, int bytes,
                 uchar* out)
 {
@@ -122,7 +122,7 @@ int sumRowsFast(const std::vector<const uchar*>& rows, const int16_t* weights, i
     return b;
 }
 
-// The weighted sum of `count` neighbouring pixels.
+// The weighted sum of `count` neighbouring pixels; `count` is even.
 uint32_t sumPixels(const uchar* pixels, const int16_t* weights, int count)
 {
     const __m128i zero = _mm_setzero_si128();
@@ -170,8 +170,8 @@ void sumRows(const std::vector<const uchar*>& rows, const int16_t* weights, int 
     }
 }
 
-// Limits the components to the opacity, as a premultiplied pixel requires: the kernel overshoots at
-// edges.
+// Limits red, green and blue to alpha, as premultiplied pixels require: at edges, the kernel may
+// give larger values.
 void limitToOpacity(QRgb* row, int width)
 {
     for (int x = 0; x < width; ++x) {
@@ -200,7 +200,8 @@ QImage resampled(const QImage& source, const PixelRect& place, QRect window)
     const Taps lines = tapsFor(pixels.height(), place.height, fromTop, fromTop + window.height());
     const int left = columns.sourceBegin * 4;
     const int bytes = columns.sourceEnd * 4 - left;
-    // sumPixels() reads one pixel beyond, with weight 0, as it goes pair by pair.
+    // `blended` has spare bytes at the end: sumPixels() takes pixels in pairs, and may read one
+    // pixel beyond the last, with weight 0.
     std::vector<uchar> blended(std::size_t(bytes) + 8, 0);
     std::vector<const uchar*> rows;
 

@@ -4,8 +4,9 @@
 
 #include <QImage>
 
-// Resizes `source` to `place` and returns the part inside `window`, which is cut to `place`. Only
-// that part is computed, however large the place. The filter is Catmull-Rom, widened by the ratio
-// when shrinking, in integers, so that equal input gives equal bytes everywhere. RGB32 stays RGB32,
-// all else becomes ARGB32_Premultiplied. Null when anything is empty.
+// Scales `source` to fill `place` and returns the part of it inside `window`. Only this part is
+// computed, however large `place` is. The filter is Catmull-Rom; for shrinking, it is widened by
+// the scale. Pixels are summed in integers, so that equal input gives equal bytes on every machine.
+// An RGB32 image stays RGB32; any other becomes ARGB32_Premultiplied. Null if `source` is null or
+// `window` and `place` do not overlap.
 QImage resampled(const QImage& source, const PixelRect& place, QRect window);

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-// A rectangle of whole pixels, with a wider range than a QRect.
+// A rectangle of whole pixels. Its 64-bit numbers have a wider range than those of a QRect.
 struct PixelRect {
     qint64 x = 0, y = 0, width = 0, height = 0;
 
@@ -17,7 +17,7 @@ struct PixelRect {
     PixelRect(QSize size) : width(size.width()), height(size.height()) {}
     bool operator==(const PixelRect&) const = default;
 
-    // Empty when the two do not meet.
+    // Empty when the two rectangles do not overlap.
     QRect intersected(const QRect& other) const
     {
         const auto across = [&](qint64 edge) {

@@ -55,8 +55,8 @@ Short distance(Short a, Short b)
     return Short(std::max(a, b) - std::min(a, b));
 }
 
-// Applies the Paeth filter, without branches and in 16 bits, so that the compiler takes many bytes
-// at once. `row` and `above` have a zero pixel in front.
+// Applies the Paeth filter, without branches and in 16 bits, so that the compiler can vectorize the
+// loop. A zero pixel precedes the bytes of `row` and `above`.
 FOR_EACH_PROCESSOR void filterRow(const uchar* row, const uchar* above, uchar* out, int bytes)
 {
     for (int i = 0; i < bytes; ++i) {

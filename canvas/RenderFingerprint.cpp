@@ -26,7 +26,7 @@ QByteArray digestOf(const QByteArray& bytes)
     return QCryptographicHash::hash(bytes, QCryptographicHash::Blake2b_256);
 }
 
-// The bytes to be digested: numbers one after another, each part beginning with its tag.
+// Collects the bytes to be digested: numbers one after another, the tag of each part before them.
 class Description {
 public:
     Description() { m_stream.setVersion(QDataStream::Qt_6_4); }
@@ -38,7 +38,7 @@ public:
         m_stream << quint8(part);
         ++m_parts;
     }
-    void add(double number) { m_stream << (number == 0 ? 0.0 : number); }    // -0 is 0
+    void add(double number) { m_stream << (number == 0 ? 0.0 : number); }    // writes -0 as 0
     void add(const QPointF& point)
     {
         add(point.x());
@@ -50,7 +50,7 @@ public:
         add(rect.bottomRight());
     }
     void add(const QRect& rect) { m_stream << rect; }
-    // Writes the edges in 32 bits if all of them fit, as for a QRect, else in 64.
+    // Writes the edges in 32 bits, as a QRect is written, if all of them fit; otherwise in 64 bits.
     void add(const PixelRect& rect)
     {
         const std::array edges{rect.x, rect.y, rect.x + rect.width - 1, rect.y + rect.height - 1};
@@ -59,7 +59,7 @@ public:
             fits ? m_stream << qint32(edge) : m_stream << edge;
     }
     void add(quint32 number) { m_stream << number; }
-    // Full 16-bit channels, not premultiplied: the painter may use all of them.
+    // Writes 16 bits per channel, not premultiplied, because the painter may use all of them.
     void add(const QColor& color) { m_stream << quint64(color.rgba64()); }
     void add(const QByteArray& bytes) { m_stream << bytes; }
     void add(const QPainterPath& path)
@@ -88,7 +88,7 @@ bool isTransparent(const QColor& color)
     return color.rgba64().alpha() == 0;
 }
 
-// Rounds away the differences between two ways of computing one position.
+// Rounds away the tiny difference between two ways of computing the same position.
 double withoutRoundingNoise(double pixels)
 {
     constexpr double step = 1e-6;
@@ -144,32 +144,35 @@ void describeBox(Description& description, const LaidOutTextLayer& layer, QSize 
     }
 }
 
-// Identifies a font face by its `head` table, which differs between versions of one name. Style and
-// weight are added because Qt slants or thickens a face that has no variant of its own.
+// Identifies a font face by its `head` table, which differs between versions of a font with the
+// same name. Style and weight are added because Qt slants or thickens a face if the family has no
+// italic or bold one.
 QByteArray identityOf(const QRawFont& font)
 {
     return font.fontTable("head") + font.familyName().toUtf8() + '/' + font.styleName().toUtf8() +
            QByteArray::number(font.style()) + '/' + QByteArray::number(font.weight());
 }
 
-// Whether the font draws all its glyphs in their own colours, not the pen's. A font that also has
-// outlines may draw with those, so it counts as not coloured.
+// Whether the font draws all its glyphs in their own colours, not in the pen's. A font that also
+// has outlines does not count, because it may draw those in the pen's colour.
 bool isColoured(const QRawFont& font)
 {
     return !font.fontTable("CBLC").isEmpty() && font.fontTable("glyf").isEmpty() &&
            font.fontTable("CFF ").isEmpty();
 }
 
-// The drawn letters of a text, without the pen's colour.
+// Digests of the drawn letters of a text. They do not depend on the pen's colour.
 struct Letters {
-    QByteArray penned, coloured;    // digests; empty when there are no letters of this kind
+    // `penned` is empty without letters in the pen's colour, `coloured` without letters that have
+    // colours of their own.
+    QByteArray penned, coloured;
 };
 
 QByteArray describedRun(const QGlyphRun& run, const LaidOutTextLayer& layer)
 {
     const QRawFont font = run.rawFont();
     QList<quint32> blanks = font.glyphIndexesForString(u" \u00a0"_s);
-    blanks.removeAll(0);    // glyph 0 stands for a missing one and is visible
+    blanks.removeAll(0);    // glyph 0 stands for a missing character and is visible
     const QList<quint32> glyphs = run.glyphIndexes();
     const QList<QPointF> positions = run.positions();
     const double scale = layer.text.fontSize() / DesignFont::designPixelSize;
@@ -192,7 +195,8 @@ QByteArray describedRun(const QGlyphRun& run, const LaidOutTextLayer& layer)
 
 QByteArray digestOfRuns(QByteArrayList runs)
 {
-    // QTextLayout returns the runs in an order that changes from process to process.
+    // Sorts the runs, because QTextLayout returns them in an order that changes from process to
+    // process.
     std::ranges::sort(runs);
     const QByteArray all = runs.join();
     return all.isEmpty() ? all : digestOf(all);
@@ -206,8 +210,8 @@ Letters describedLetters(const LaidOutTextLayer& layer)
     return {digestOfRuns(penned), digestOfRuns(coloured)};
 }
 
-// The canvas pixels that the letters may touch. Slanted and swash letters reach beyond the box that
-// the font gives them.
+// A rectangle in canvas pixels; drawing the letters changes nothing outside of it. Slanted and
+// ornate letters may reach outside usedRect().
 QRectF extentOfLetters(const LaidOutTextLayer& layer)
 {
     const double overhang = layer.text.fontSize();
@@ -236,13 +240,13 @@ QByteArray keyOf(const TextLayer& layer, const RenderSource& source)
     key.add(quint32(layer.slot));
     key.add(quint32(layer.alignment));
     key.add(layer.fontName.toUtf8());
-    // UTF-16 and not UTF-8, which would make all unpaired surrogates equal.
+    // Adds the text in UTF-16: in UTF-8, all unpaired surrogates would be equal.
     key.add(QByteArray(reinterpret_cast<const char*>(layer.text.utf16()), 2 * layer.text.size()));
     return digestOf(key.bytes());
 }
 
-// Remembers the letters of recent texts. When m_recent is full, it takes the place of m_former,
-// whose older entries are dropped.
+// Caches the letters of recent texts. When m_recent is full, it becomes m_former, and the entries
+// of the previous m_former are dropped.
 class Memory {
 public:
     std::optional<Letters> find(const QByteArray& key)
@@ -268,8 +272,8 @@ private:
     QHash<QByteArray, Letters> m_recent, m_former;
 };
 
-// The visible letters of a text, remembered: fitting and breaking texts takes nearly all the time
-// of a fingerprint, and most texts of a batch stay unchanged between edits.
+// The visible letters of a text. They are cached, because laying out texts takes nearly all the
+// time of a fingerprint, and most texts of a batch do not change between edits.
 Letters lettersOf(const TextLayer& layer, const RenderSource& source)
 {
     static Memory memory;
@@ -291,7 +295,7 @@ QString inHexadecimal(const QByteArray& digest)
     return QString::fromLatin1(digest.toHex());
 }
 
-// The item with empty texts; their boxes stay where they are.
+// A copy of the item with empty texts; their boxes stay where they are.
 PublicationItem withoutWords(PublicationItem item)
 {
     for (TextLayer& layer : item.layers)
@@ -357,7 +361,9 @@ public:
 private:
     const RenderSource& m_source;
     QString m_ground;
-    QList<quint32> m_partsBelow;    // for each visible layer, the parts painted before its letters
+    // For each visible text layer, the number of parts of the ground that are painted before its
+    // letters.
+    QList<quint32> m_partsBelow;
 };
 
 }    // namespace

@@ -4,11 +4,11 @@
 
 #include <QSizeF>
 
-// Increase this only when some item is painted with other pixels than before: renders that users
-// have paid for then count as unpaid.
+// Increase this only when some item is painted with other pixels than before: renders for which
+// users have paid then count as unpaid.
 inline constexpr int rendererVersion = 1;
 
-// One render, as far as a fingerprint needs it.
+// The inputs of a render that decide its fingerprint.
 struct RenderSource {
     const PublicationItem& item;
     QByteArray photoDigest;    // of the photo file's bytes
@@ -16,15 +16,16 @@ struct RenderSource {
     QSizeF reference;          // design units
 };
 
-// A digest of everything that decides the pixels, in painting order, computed without painting.
-// Left out is what cannot be seen: ids, hidden layers, the style of a box that is not drawn, file
-// names, what lies beside the canvas. Equal fingerprints mean equal pixels. Equal pixels may have
-// different fingerprints, when something visible covers something else or two outlines fill the
-// same pixels. Any thread. Takes as long as laying out the texts, whose results are remembered.
+// A digest of everything that decides the pixels of a render, in painting order, computed without
+// painting. What cannot be seen is left out: ids, file names, hidden layers, the style of a box
+// that is not drawn, anything outside the canvas. Equal fingerprints mean equal pixels. Equal
+// pixels may have different fingerprints, if a layer covers another or two outlines fill the same
+// pixels. Takes as long as laying out the texts; the results of this are cached. May be called on
+// any thread.
 QString renderFingerprint(const RenderSource& source);
 
-// Whether the render's fingerprint is in the set. Lays out no text when the rest of the render
-// already differs from all of them.
+// Whether the render's fingerprint is in the set. Lays out no text when everything but the letters
+// already differs from every render in the set.
 bool isRenderAmong(const QSet<QString>& fingerprints, const RenderSource& source);
 
 // A digest of a PNG from encodePng(), where equal pixels give equal bytes.

@@ -15,10 +15,10 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr double smallestType = 8, largestType = 128;    // design units
-constexpr double fitTolerance = 0.5;                     // canvas pixels on each side
+constexpr double fitTolerance = 0.5;                     // canvas pixels, for width and height each
 
-// Type of a slot: its size, as shares of the text area's height and width of which the smaller
-// counts, and its weight in the system font.
+// The type of a slot. Its font size is the smaller of heightShare · height and widthShare · width
+// of the text's area. Its weight applies to the system font.
 struct SlotType {
     CopySlot slot;
     double heightShare, widthShare;
@@ -57,7 +57,8 @@ struct FaceStyle {
     bool operator==(const FaceStyle&) const = default;
 };
 
-// The style that an English name describes (spaces removed); nothing for unknown words.
+// The style that an English style name describes; nothing for unknown words. `words` is in lower
+// case and has no spaces: "semibolditalic".
 std::optional<FaceStyle> faceStyle(const QString& words)
 {
     struct Word {
@@ -79,9 +80,9 @@ std::optional<FaceStyle> faceStyle(const QString& words)
     return known == weights.end() ? std::nullopt : std::optional(FaceStyle{known->weight, italic});
 }
 
-// The installed style with the wanted name, or else with the weight and slant it describes: the
-// system may list styles in the user's language, but a stored name must find one and the same
-// style.
+// The installed style named `wanted`, or else one with the weight and slant that `wanted`
+// describes. The system may list styles in the user's language, but a stored English name must find
+// the same style in every language.
 std::optional<QString> styleNamed(const QString& family, const QString& wanted)
 {
     const QStringList styles = QFontDatabase::styles(family);
@@ -98,7 +99,8 @@ std::optional<QString> styleNamed(const QString& family, const QString& wanted)
 
 std::optional<QFont> lookUpNamedFont(const QString& name)
 {
-    // A full name is a family followed by one of its styles; nothing tells where the style begins.
+    // A full name is a family followed by one of its styles. As nothing marks where the style
+    // begins, every space is tried.
     for (auto space = name.indexOf(u' '); space != -1; space = name.indexOf(u' ', space + 1)) {
         const QString family = name.left(space);
         if (!QFontDatabase::hasFamily(family))
@@ -111,7 +113,8 @@ std::optional<QFont> lookUpNamedFont(const QString& name)
     return atDesignSize(QFont(name));
 }
 
-// Remembers names: a lookup walks the font list, and the texts of a batch use few fonts.
+// Caches the results of lookUpNamedFont(), which searches the list of installed fonts. The texts of
+// a batch use few fonts.
 std::optional<QFont> namedFont(const QString& name)
 {
     static QMutex mutex;
@@ -123,8 +126,8 @@ std::optional<QFont> namedFont(const QString& name)
     return found != known.cend() ? *found : *known.insert(name, lookUpNamedFont(name));
 }
 
-// Whether the layer uses the system font and only characters that it surely has: Europe's Latin
-// letters and signs.
+// Whether the layer uses the system font and only characters that this font certainly has: European
+// Latin letters and signs.
 bool isInSystemFont(const TextLayer& layer)
 {
     return layer.fontName == "System"_L1 && std::ranges::all_of(layer.text, [](QChar c) {
@@ -132,8 +135,9 @@ bool isInSystemFont(const TextLayer& layer)
            });
 }
 
-// Finds sizes at which a text cannot fit, from one measurement, so that fittedText() lays out only
-// likely ones. Its lower bounds for the lines never exclude a size that fits.
+// The font sizes at which a text certainly does not fit its area, found from a single measurement.
+// fittedText() skips them without laying the text out. A size at which the text fits is never among
+// them.
 class ImpossibleSizes {
 public:
     ImpossibleSizes(const TextLayer& layer, QSizeF area) : m_area(area)
@@ -145,7 +149,8 @@ public:
         m_widest = oneLine.narrowestWidth();
         m_lineHeight = metrics.ascent() + metrics.descent();
         double blank = metrics.horizontalAdvance(u' ');
-        // A line may be in another font altogether, blanks included, as with emoji.
+        // A line may be entirely in another font, for example that of emoji: takes the smallest
+        // line height and the widest blank of all fonts used.
         const QList<QGlyphRun> runs =
             isInSystemFont(layer) ? QList<QGlyphRun>() : oneLine.glyphRuns();
         for (const QGlyphRun& run : runs) {
@@ -156,8 +161,8 @@ public:
                 blank = std::max(blank, advance.x());
         }
         m_isEmpty = layer.text.isEmpty();
-        // A line may swallow the blank it breaks at. The width of other kinds of blanks is not
-        // known.
+        // m_ink leaves out all blanks, because a line may hide the blank at which it breaks. It
+        // stays 0 if there are other kinds of blanks, whose width is not known.
         const bool hasPlainBlanks = std::ranges::all_of(
             layer.text, [](QChar c) { return c == u' ' || c == u'\n' || !c.isSpace(); });
         if (hasPlainBlanks) {
@@ -170,7 +175,7 @@ public:
     {
         if (m_isEmpty)
             return false;
-        constexpr double surely = 0.98;    // allows for rounding
+        constexpr double surely = 0.98;    // factor that allows for rounding
         const double scale = surely * size / DesignFont::designPixelSize;
         const double width = m_area.width() + 1, height = m_area.height() + 1;
         const double lines = std::max(1.0, std::ceil(m_ink * scale / width));
@@ -229,7 +234,8 @@ LaidOutText ExportCanvasRenderer::fittedText(const TextLayer& layer, QSizeF area
                                              double designScale)
 {
     const double lower = smallestType * designScale;
-    // Text that does not fit is drawn all the same, but a width of 1 or less gives no layout.
+    // Makes the width at least 2: even a text that does not fit is drawn, but LaidOutText is empty
+    // for a width of 1 or less.
     const auto smallest = [&] {
         return LaidOutText(styledText(layer, lower), std::max(area.width(), 2.0));
     };

@@ -8,7 +8,8 @@
 
 #include <algorithm>
 
-// The size of a layer's type, in canvas pixels. `designScale`: canvas pixels per design unit.
+// Finds the font size of a text layer, in canvas pixels. `area`: size of the layer's box without
+// its inset, in canvas pixels. `designScale`: canvas pixels per design unit.
 namespace ExportCanvasRenderer {
 
 // Canvas pixels per design unit; 1 when a side of `reference` is 1 or less.
@@ -19,21 +20,22 @@ constexpr double clamp(double value, double lower, double upper)
     return std::min(std::max(value, lower), upper);
 }
 
-// The font that layer.fontName names: a full name, or a family in its regular face. "System" and
-// fonts that are not installed give Inter in the slot's weight.
+// The font that layer.fontName names. The name is a full font name, or a family, which stands for
+// its regular face. "System" and fonts that are not installed give Inter in the weight of the
+// layer's slot.
 DesignFont nsFont(const TextLayer& layer, double size);
 
-// baseFontSize() is the slot's share of the area; wantedFontSize() multiplies it by the layer's
-// font scale, within bounds. Fitting starts from there.
-double baseFontSize(CopySlot slot, QSizeF area);    // no bounds, font scale 1
+// baseFontSize() depends only on the slot and the area; it is not clamped. wantedFontSize() is
+// baseFontSize() times layer.fontScale, clamped to the allowed sizes.
+double baseFontSize(CopySlot slot, QSizeF area);
 double wantedFontSize(const TextLayer& layer, QSizeF area, double designScale);
 // The largest size at which the text fits, in steps of max(1, designScale) down from
 // wantedFontSize(); the smallest allowed size when none fits.
 double fittedFontSize(const TextLayer& layer, QSizeF area, double designScale);
-// The layer's text laid out at fittedFontSize(), as wide as the area.
+// The layer's text laid out at fittedFontSize() in the width of the area.
 LaidOutText fittedText(const TextLayer& layer, QSizeF area, double designScale);
 
-// Whether a measured text stays inside its area, but for half a pixel.
+// Whether a text of size `measured` fits the area, with half a pixel of tolerance.
 bool fits(QSizeF measured, QSizeF area);
 
 // The layer's text in a font of `size` canvas pixels.

@@ -27,8 +27,8 @@ bool isColourEmoji(QStringView cluster)
     const auto isPresented = [](uint c) {
         return u_hasBinaryProperty(UChar32(c), UCHAR_EMOJI_PRESENTATION);
     };
-    // The first character may be a plain sign that a later one turns into an emoji, as a skin tone
-    // does.
+    // The first character may be a plain sign that a later one, such as a skin tone, turns into an
+    // emoji.
     const bool isPicture =
         isPresented(characters.first()) ||
         (u_hasBinaryProperty(UChar32(characters.first()), UCHAR_EXTENDED_PICTOGRAPHIC) &&
@@ -41,10 +41,10 @@ struct LayoutText {
     QList<QTextLayout::FormatRange> emoji;    // the parts of `text` to be drawn in the emoji font
 };
 
-// Assigns the emoji font to emoji. QTextLayout by itself takes an emoji from any font that has it,
-// often a black one, and U+FE0F does not make it leave the text's font. U+FE0F is removed except at
-// the end of a cluster: the emoji font has no glyph for it, and another font's glyph would split
-// the sequence in two.
+// Marks the emoji to be drawn in the emoji font. QTextLayout by itself takes an emoji from any font
+// that has it, often from one with black emoji. It prefers the text's own font, even where U+FE0F
+// asks for a coloured emoji. U+FE0F is removed except at the end of a cluster: the emoji font has
+// no glyph for it, and a glyph from another font would split the emoji in two.
 LayoutText withColourEmoji(const QString& text)
 {
     if (std::ranges::none_of(text, [](QChar c) { return c >= firstEmoji; }))
@@ -68,7 +68,7 @@ LayoutText withColourEmoji(const QString& text)
     return result;
 }
 
-// Replaces line breaks with the separator that QTextLayout breaks at.
+// Replaces line breaks with QChar::LineSeparator, at which QTextLayout breaks lines.
 QString withLineSeparators(QString text)
 {
     text.replace("\r\n"_L1, "\n"_L1);
@@ -82,8 +82,8 @@ struct Stretch {
     double left, right;
 };
 
-// The emoji of a line and the blanks beside them, from left to right, in design pixels. `emoji`:
-// those of the whole text.
+// The horizontal ranges of a line's emoji and of the blanks beside them, from left to right, in
+// pixels at designPixelSize. `emoji`: the emoji of the whole text.
 QList<Stretch> emojiStretches(const QList<QTextLayout::FormatRange>& emoji, const QString& text,
                               const QTextLine& line)
 {
@@ -106,7 +106,7 @@ QList<Stretch> emojiStretches(const QList<QTextLayout::FormatRange>& emoji, cons
     return stretches;
 }
 
-// Absolute sides: right-to-left text does not mirror them.
+// Returns absolute sides, which are not mirrored in right-to-left text.
 Qt::Alignment qtAlignment(LayerTextAlignment alignment)
 {
     switch (alignment) {
@@ -130,17 +130,17 @@ LaidOutText::LaidOutText(const StyledText& text, double width) : m_scale(text.fo
         return;
     const LayoutText lines = withColourEmoji(withLineSeparators(text.text));
     m_layout = std::make_shared<QTextLayout>(lines.text, text.font.face);
-    // Lines are measured flush left: a justified line takes the whole width, which rounded up never
-    // fits.
+    // Measures the lines flush left: a justified line takes the whole width, and after rounding up
+    // it would never fit.
     QTextOption option(qtAlignment(LayerTextAlignment::leading));
-    option.setTextDirection(Qt::LayoutDirectionAuto);    // not that of the program's language
+    option.setTextDirection(Qt::LayoutDirectionAuto);    // not from the program's language
     option.setWrapMode(QTextOption::WordWrap);
     option.setUseDesignMetrics(true);
     m_layout->setTextOption(option);
     m_layout->setFormats(lines.emoji);
     m_layout->setCacheEnabled(true);
 
-    // QTextLayout calculates in 1/64 pixel with 32 bits.
+    // Limits the width, because QTextLayout calculates in 1/64 pixel with 32 bits.
     const double designWidth = std::min(width / m_scale, 1e7);
     double y = 0;
     m_layout->beginLayout();
@@ -181,7 +181,7 @@ QList<QRectF> LaidOutText::letterBands() const
         const double baseline = line.y() + line.ascent();
         double left = natural.left();
         const auto add = [&](double right) {
-            if (right - left > 1)    // rounding leaves less between two emoji
+            if (right - left > 1)    // a narrower gap between two emoji comes from rounding
                 bands.append({left * m_scale, (baseline - capitals) * m_scale,
                               (right - left) * m_scale, capitals * m_scale});
         };
@@ -202,7 +202,7 @@ QList<QGlyphRun> LaidOutText::glyphRuns() const
 bool LaidOutText::lacksGlyphs() const
 {
     return std::ranges::any_of(glyphRuns(), [](const QGlyphRun& run) {
-        return run.glyphIndexes().contains(0);    // in every font, glyph 0 stands for a missing one
+        return run.glyphIndexes().contains(0);    // glyph 0 stands for a missing character
     });
 }
 

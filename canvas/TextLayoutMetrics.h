@@ -19,45 +19,46 @@ struct DesignFont {
     double size = 0;    // canvas pixels
 
     static constexpr int designPixelSize = 256;
-    double scale() const { return size / designPixelSize; }    // canvas pixels per design pixel
+    double scale() const { return size / designPixelSize; }    // canvas pixels per pixel of `face`
 };
 
-// A text with everything that decides its lines, but the width.
+// A text with everything that decides where its lines break, except the width.
 struct StyledText {
     QString text;
     DesignFont font;
     LayerTextAlignment alignment = LayerTextAlignment::leading;
 };
 
-// The lines of a text in a given width: word wrap, no padding, any number of lines. They are broken
-// and measured flush left, and aligned only when drawn, so that alignment never changes a size. The
-// first letter with a direction sets the direction of the text.
+// A text broken between words into lines of a given width. Lines are broken and measured flush left
+// and aligned only when drawn, so that the alignment never changes a size. The first letter that
+// belongs to a left-to-right or right-to-left script sets the direction of the text.
 class LaidOutText {
 public:
     LaidOutText(const StyledText& text, double width);
 
-    // measuredRect() is the used rectangle flush left, usedRect() the aligned one as drawn. Canvas
-    // pixels from the top left of the first line's box. Empty for an empty text or a width of 1 or
-    // less.
+    // The rectangle that the lines take: measuredRect() when flush left, usedRect() when aligned,
+    // as they are drawn. In canvas pixels from the point at which the text is drawn (see draw()).
+    // Empty for an empty text or a width of 1 or less.
     QRectF measuredRect() const { return m_measured; }
     QRectF usedRect() const;    // only on the thread that made the layout
     double fontSize() const { return m_scale * DesignFont::designPixelSize; }    // canvas pixels
     int lineCount() const { return m_layout ? m_layout->lineCount() : 0; }
-    // The area of each line's letters, from capital height to baseline, in canvas pixels from the
-    // top left of the box. Leaves out emoji, which have their own colours. Only on the thread that
-    // made the layout.
+    // The parts of each line that hold letters, from the baseline to the height of capitals, in
+    // canvas pixels from the point at which the text is drawn. Parts with emoji are left out,
+    // because emoji have their own colours. Only on the thread that made the layout.
     QList<QRectF> letterBands() const;
-    // The glyphs to draw, at designPixelSize, from the top left of the box. Only on the thread that
-    // made the layout.
+    // The glyphs to draw, at designPixelSize; their positions start from the point at which the
+    // text is drawn. Only on the thread that made the layout.
     QList<QGlyphRun> glyphRuns() const;
-    // Whether no installed font has one of the characters. Only on the thread that made the layout.
+    // Whether the text has a character that no installed font has. Only on the thread that made the
+    // layout.
     bool lacksGlyphs() const;
-    bool isBold() const;    // judged by the font found, not by its name
-    // Draws in the painter's pen colour; `topLeft` is that of the box. Only on the thread that made
-    // the layout.
+    bool isBold() const;    // judged by the font that is used, not by the wanted name
+    // Draws in the painter's pen colour. `topLeft`: top left corner of the area in which the lines
+    // are laid out. Only on the thread that made the layout.
     void draw(QPainter& painter, QPointF topLeft) const;
-    // Widths of the whole text in one line, and of its widest unbreakable part; canvas pixels. Only
-    // for a layout of unlimited width.
+    // naturalWidth() is the width of the whole text in one line, narrowestWidth() that of its
+    // widest part that cannot be broken. In canvas pixels; only for a layout of unlimited width.
     double naturalWidth() const { return m_layout ? m_layout->maximumWidth() * m_scale : 0; }
     double narrowestWidth() const { return m_layout ? m_layout->minimumWidth() * m_scale : 0; }
 
@@ -70,11 +71,11 @@ private:
 namespace TextLayoutMetrics {
 
 QRectF measuredRect(const StyledText& text, double width);
-// The measured size, each side rounded up to a whole number.
+// The size of measuredRect(), each side rounded up to a whole number.
 QSizeF measuredSize(const StyledText& text, double width);
 QSizeF measuredSize(const LaidOutText& text);
-// Where to draw the lines, vertically centred in the box; text taller than the box starts at its
-// top.
+// Where to draw a text so that it is vertically centred in the box. A text taller than the box
+// starts at the top of the box.
 QRectF verticallyCenteredRect(const StyledText& text, const QRectF& box);
 QRectF verticallyCenteredRect(const QRectF& measured, const QRectF& box);
 

@@ -7,10 +7,12 @@
 namespace {
 
 constexpr double leastOfText = 4.5, leastOfLargeText = 3;
-// Design units, equal to 18 and 14 points at the size that posts are designed for.
+// Design units. With a design unit taken as a CSS pixel, these are 18 and 14 points, the sizes from
+// which WCAG 2 counts regular and bold type as large.
 constexpr double largeType = 24, largeBoldType = 19;
-// The share of a text's pixels that may have a worse contrast without counting. On the texts of
-// tools/contrast_labels, a tenth warns too often, and three tenths miss whole words.
+// The share of a text's pixels, those with the worst contrast, that is ignored. On the texts of
+// tools/contrast_labels.json, ignoring a tenth gives too many warnings, and ignoring three tenths
+// misses whole words.
 constexpr double overlookedShare = 0.2;
 
 double linear(double component)
@@ -42,7 +44,7 @@ float ratio(float one, float other)
     return (std::max(one, other) + 0.05F) / (std::min(one, other) + 0.05F);
 }
 
-// The colour of `pen`, with its opacity, over an opaque pixel.
+// The colour that results when `pen`, with its opacity, is painted over an opaque pixel.
 QRgb over(QRgb pen, QRgb ground)
 {
     const int opacity = qAlpha(pen);

@@ -2,20 +2,21 @@
 
 #include "canvas/ItemPainter.h"
 
-// Problems of one text of an item. Shown beside the item, never exported.
+// Problems of one text of an item. The window shows them; they are never exported.
 struct TextWarning {
     QUuid layer;
     CopySlot slot = CopySlot::title;
-    bool overflows = false;            // even the smallest type does not fit the box
-    bool lacksGlyphs = false;          // no installed font has one of its characters
-    std::optional<double> contrast;    // only when too low; rounded down to tenths
-    double leastContrast = 0;          // the required contrast for type of its size
+    bool overflows = false;            // the text does not fit the box even at the smallest size
+    bool lacksGlyphs = false;          // the text has a character that no installed font has
+    std::optional<double> contrast;    // set only when it is too low; rounded down to tenths
+    double leastContrast = 0;          // the contrast that the text should reach
     bool operator==(const TextWarning&) const = default;
 };
 
-// The contrast between a text and its ground, as the ratio of WCAG 2, 1..21, at the least readable
-// parts of the text that matter. `scale`: device pixels per canvas pixel. `picture` must not
-// contain the letters yet. Nothing for a text outside the picture.
+// The contrast between a text and its background, as the ratio of WCAG 2, 1..21. Of all pixels
+// below the text, the worst fifth is ignored; the result is the lowest contrast of the others.
+// `scale`: device pixels per canvas pixel. `picture` must not contain the letters yet. Nothing for
+// a text outside the picture.
 std::optional<double> textContrast(const LaidOutTextLayer& layer, const QImage& picture,
                                    double scale);
 
@@ -27,6 +28,6 @@ struct JudgedPicture {
     QImage picture;
     QList<TextWarning> warnings;    // in drawing order; only texts with a problem
 };
-// Paints the item like paintedItem() and judges its texts meanwhile. If the item's photo cannot be
-// read, contrasts are not judged: the ground is then plain black.
+// Paints the item like paintedItem() and judges its texts. If the item has a photo but `photo` is
+// null, contrasts are not judged, because the background is then plain black.
 JudgedPicture judgedItem(const ItemLayout& layout, QSize pixels, const QImage& photo);

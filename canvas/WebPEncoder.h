@@ -6,18 +6,19 @@
 
 #include <optional>
 
-// Encodes WebP with the external program cwebp. There is no other encoder: callers handle its
-// absence.
+// Encodes WebP with the external program cwebp, which may not be installed.
 namespace WebPEncoder {
 
-// The first of the usual places of cwebp that holds an executable.
+// The path of cwebp: the first of `candidates` (by default, the usual places) that is an executable
+// file.
 std::optional<QString> executableURL();
 std::optional<QString> executableURL(const QStringList& candidates);
 
-// Arguments of cwebp. `quality` is brought into 0..1.
+// Command-line arguments for cwebp. `quality` is clamped to 0..1; `input` and `output` are paths.
 QStringList arguments(double quality, const QString& input, const QString& output);
 
-// Waits for cwebp. Nothing on any failure. The temporary folder is always removed.
+// Runs cwebp on files in a temporary folder, which is always removed, and waits for it. Nothing if
+// cwebp is missing or fails.
 std::optional<QByteArray> convert(const QByteArray& pngData, double quality);
 
 }    // namespace WebPEncoder

@@ -59,7 +59,7 @@ public:
 
     QCommandLineParser& parser() { return m_parser; }
 
-    // Empty when the command is to go on, else its exit status.
+    // Returns the exit status if the command ends here; nothing if it goes on.
     std::optional<int> parse(const QStringList& arguments)
     {
         if (!m_parser.parse(QStringList{u"moltiva "_s + m_name} + arguments))
@@ -109,7 +109,7 @@ private:
 
 enum class SecretUse { known, chosen };
 
-// Asks for a newly chosen password twice on a terminal, where it cannot be seen.
+// Reads a password. On a terminal, where it is not shown, a newly chosen one must be typed twice.
 std::optional<QString> askedPassword(const AccountCommand& command, SecretUse use)
 {
     const std::optional<QByteArray> password = readSecret(u"Contraseña: "_s);
@@ -119,7 +119,7 @@ std::optional<QString> askedPassword(const AccountCommand& command, SecretUse us
     }
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = decoder(*password);
-    // Wrong bytes all decode to U+FFFD, so that different passwords would be equal.
+    // Invalid bytes would all decode to U+FFFD and so make different passwords equal.
     if (decoder.hasError()) {
         command.failed(u"la contraseña no está escrita en UTF-8."_s);
         return std::nullopt;

@@ -4,9 +4,9 @@
 
 struct ServiceConfiguration;
 
-// Account commands, on the session that the window uses too. They read passwords from the terminal
-// or standard input, never from an argument, which every process may see. Each returns the exit
-// status.
+// The account commands. They share the stored session with the window. They read passwords from the
+// terminal or standard input, never from an argument, which other processes could see. Each returns
+// the exit status.
 int runLogin(const QStringList& arguments, const ServiceConfiguration& configuration);
 int runRegister(const QStringList& arguments, const ServiceConfiguration& configuration);
 int runLogout(const QStringList& arguments, const ServiceConfiguration& configuration);

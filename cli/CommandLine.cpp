@@ -63,7 +63,7 @@ bool isCommandLine(const QStringList& arguments)
 {
     if (arguments.isEmpty())
         return false;
-    // An argument that is neither a file nor an address is a misspelt command.
+    // An argument that is neither a file nor an address is taken for a misspelt command.
     static const QRegularExpression address(u"^[A-Za-z][A-Za-z0-9+.-]+:"_s);
     const QString& first = arguments.first();
     return commandNamed(first) || (!QFileInfo::exists(first) && !address.match(first).hasMatch());
@@ -93,7 +93,7 @@ int runNamed(const QStringList& arguments, const ServiceConfiguration& configura
 int runCommandLine(const QStringList& arguments, const ServiceConfiguration& configuration)
 {
     const int status = runNamed(arguments, configuration);
-    // Standard output fails on a full disk, for instance, and then lacks earlier lines too.
+    // Checks whether any line could not be written to standard output, on a full disk for instance.
     if (std::fflush(stdout) == 0 && !std::ferror(stdout))
         return status;
     print(stderr, u"moltiva: no se pudo escribir el resultado en la salida estándar."_s);

@@ -4,8 +4,8 @@
 
 struct ServiceConfiguration;
 
-// Whether the arguments (without the program's name) are a command, not files or an address for the
-// window.
+// Whether the arguments (without the program's name) are a command, rather than files or an address
+// to open in the window.
 bool isCommandLine(const QStringList& arguments);
 
 // Runs the named command and returns the exit status. Needs a QGuiApplication, but no display.

@@ -1,6 +1,6 @@
 #pragma once
 
-// Exit statuses of all commands, as `--help` lists them.
+// Exit statuses of all commands; `moltiva export --help` explains them.
 enum ExitStatus {
     exitDone = 0,
     exitSomeFailed = 1,

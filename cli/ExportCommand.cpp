@@ -24,19 +24,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Identifies a photo by its path and occurrence, equally in every run: payments are stored under
-// it.
+// Gives a photo the same item id in every run of the command, because the request identifiers of
+// charges depend on it. `occurrence`: how many times the same file occurs earlier in the list.
 QUuid itemId(const QString& file, int occurrence)
 {
     const QUuid space = QUuid::fromString(u"{a3a31d52-6a5e-4d0c-9d0c-3f0a4d5f7c21}"_s);
     return QUuid::createUuidV5(space, file + u'\n' + QString::number(occurrence));
 }
 
-// The readable photos, with the files that they become.
+// The readable photos, with the files they are exported to.
 struct PreparedBatch {
     PublicationItems items;
-    QStringList destinations;    // one an item
-    bool lacksTexts = false;     // a file of texts was given, but no row is for a readable photo
+    QStringList destinations;    // one per item
+    bool lacksTexts = false;     // --texts was given, but none of its rows fits a readable photo
 };
 
 QStringList pathsOf(const QList<QUrl>& photos)
@@ -70,12 +70,13 @@ public:
     {
         if (const auto refused = signIn())
             return ended(*refused, pathsOf(m_options.photos));
-        // Refunds come first: the balance is compared with the price.
+        // Refunds come first, because the balance is compared with the price below.
         m_connection.refundLeftOpen();
         m_interrupt.emplace();
         m_look.start(stopLatency);
 
-        // The header is enough for the price: each photo is decoded once, to be drawn.
+        // Reads only the headers, which are enough for the price, so that each photo is decoded
+        // only once: when it is drawn.
         const auto looked = importPhotos(m_options.photos, PhotoImport::Look::header);
         if (!looked)
             return ended(stopped(), pathsOf(m_options.photos));
@@ -88,8 +89,8 @@ public:
         }
         const qint64 balance = m_connection.session().account().balance;
         auto price = priceOf(batch.items);
-        // Stops before drawing if the credits do not suffice. Photos that cannot be drawn cost
-        // nothing, so they are left out of the price first.
+        // If the credits do not suffice, leaves out the photos that cannot be decoded, which cost
+        // nothing. If the new price is still too high, the export ends before anything is drawn.
         if (price && !m_options.isDryRun && price->credits() > balance)
             price = leaveOutUnreadable(batch) ? priceOf(batch.items) : std::nullopt;
         if (!price)
@@ -161,7 +162,7 @@ private:
             return false;
         PreparedBatch readable;
         for (qsizetype i = 0; i < photos.size(); ++i) {
-            // Of the accepted items, which keep the photos' order.
+            // Index of the next item in `looked`, whose items are in the order of `photos`.
             const qsizetype next = readable.items.size();
             if (next == looked->items.size() || looked->items[next].url != photos[i]) {
                 m_report.unreadable(photos[i].toLocalFile());
@@ -174,8 +175,8 @@ private:
         return true;
     }
 
-    // Assigns rows of texts and names of files by the place among all photos, so that an unreadable
-    // photo does not shift the others.
+    // Matches texts and output names with all photos, readable or not, so that an unreadable photo
+    // does not change the texts and names of the others.
     PreparedBatch prepared(const PublicationItems& accepted)
     {
         const QList<QUrl>& photos = m_options.photos;
@@ -196,7 +197,7 @@ private:
         PreparedBatch batch;
         batch.lacksTexts = m_options.texts.has_value();
         QHash<QString, int> occurrences;    // by file
-        qsizetype next = 0;                 // of the accepted items, which keep the photos' order
+        qsizetype next = 0;    // index in `accepted`, which is in the order of `photos`
         for (qsizetype i = 0; i < photos.size(); ++i) {
             const QString photo = photos[i].toLocalFile();
             if (next == accepted.size() || accepted[next].url != photos[i]) {
@@ -221,8 +222,8 @@ private:
         return batch;
     }
 
-    // Price before drawing: a render may still turn out to have paid pixels. Lays out texts, which
-    // takes a while; empty when interrupted.
+    // The price as known before drawing; it falls if an image turns out to have the same pixels as
+    // a paid one. Takes a while, because it lays out the texts. Returns nothing when interrupted.
     std::optional<ExportPrice> priceOf(const PublicationItems& items) const
     {
         const QSizeF size = exportSizeOf(m_options.format),
@@ -293,11 +294,11 @@ private:
                 }};
     }
 
-    // Photos that the export did not reach. With a full staging folder they are reported here, and
-    // none is returned.
+    // The photos that the export did not reach. If the staging folder was full, reports them itself
+    // and returns none.
     QStringList notReached(const ExportOutcome& outcome, const PreparedBatch& batch)
     {
-        // Files are written in the items' order, and each was reported.
+        // The first items' files were written, or could not be, and have been reported.
         QStringList photos = photosOf(batch).mid(outcome.written.size() + outcome.unwritten.size());
         if (outcome.isCacheFull)
             m_report.unprepared(std::exchange(photos, {}), stagingPlace());
@@ -351,7 +352,7 @@ private:
     }
 
     static constexpr std::chrono::milliseconds stopLatency{30};
-    static constexpr qint64 pictureBudget = qint64(1) << 20;    // nothing is shown
+    static constexpr qint64 pictureBudget = qint64(1) << 20;    // bytes; no pictures are shown
 
     const ExportOptions& m_options;
     ExportReport m_report;
@@ -378,7 +379,7 @@ int runExport(const QStringList& arguments, const ServiceConfiguration& configur
         return exitWrongUse;
     }
     keepFreedMemory();
-    // The workers' drawing caches must be freed before the application's end.
+    // The workers must finish before the application object is destroyed: drawing needs it.
     const auto finish = qScopeGuard(&finishWorkers);
     return ExportRun(std::get<ExportOptions>(asked), configuration).run();
 }

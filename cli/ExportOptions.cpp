@@ -35,7 +35,8 @@ int wrongUse(const QString& sentence)
     return exitWrongUse;
 }
 
-// The photos of a folder without the outputs of an earlier export into it; or the one file.
+// If `path` is a folder, its photos without the outputs of an earlier export into it; else the file
+// itself.
 QList<QUrl> photosAt(const QString& path)
 {
     if (!QFileInfo(path).isDir())
@@ -51,8 +52,8 @@ QList<QUrl> photosAt(const QString& path)
     return kept;
 }
 
-// Parses the arguments into options one after the other; each step returns an exit status on
-// failure.
+// Parses the arguments in steps, the functions called read…(). A step that fails returns an exit
+// status.
 class ExportArguments {
 public:
     ExportArguments()
@@ -84,11 +85,11 @@ public:
     }
 
 private:
-    using Failure = std::optional<int>;    // the exit status
+    using Failure = std::optional<int>;    // the exit status after a failure; empty: success
 
     QString helpText() const
     {
-        // QCommandLineParser prints the program's name without the command.
+        // Replaces the first line, in which QCommandLineParser leaves out the command.
         QString text = m_parser.helpText();
         text.replace(0, text.indexOf(u'\n'), u"Uso: moltiva export [opciones] foto|carpeta…"_s);
         return text + u"\nEstado de salida:\n"

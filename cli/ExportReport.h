@@ -10,9 +10,9 @@ struct ExportPrice {
     qint64 credits() const { return exportCreditCost * unpaid; }
 };
 
-// Output of `moltiva export`: a progress bar on a terminal, else one line for each file; with JSON,
-// one object for each file and a summary. Results go to standard output, the price and failures to
-// standard error.
+// Output of `moltiva export`: a progress bar on a terminal, else one line for each file; with
+// --json, one object for each file and a summary. Results go to standard output, the price and
+// failures to standard error.
 class ExportReport {
 public:
     explicit ExportReport(bool json);
@@ -20,10 +20,11 @@ public:
     void showProgress(const QString& doing, qsizetype done, qsizetype total);
     void tell(const QString& sentence);
     void renamed(const QString& photo, const QString& path);
-    void rowFailed(const RowProblem& problem);    // of the texts
+    void rowFailed(const RowProblem& problem);    // a row of the file of texts was not applied
     void unreadable(const QString& photo);
     void unwritten(const QString& photo, const QString& path, const QString& reason);
-    void unprepared(const QStringList& photos, const QString& place);    // `place` has no room left
+    // The photos could not be rendered into the folder `place`, which may be on a full disk.
+    void unprepared(const QStringList& photos, const QString& place);
     void notReached(const QStringList& photos);    // the export stopped or failed before them
     void wrote(const QString& photo, const QString& path);
 
@@ -42,6 +43,6 @@ private:
 
     bool m_json, m_terminal;
     QString m_bar;
-    qsizetype m_written = 0, m_failed = 0;    // photos; m_failed counts rows of the texts too
-    qsizetype m_skipped = 0;                  // photos
+    qsizetype m_written = 0, m_failed = 0;    // photos; m_failed counts rows of texts as well
+    qsizetype m_skipped = 0;                  // unreadable photos
 };

@@ -3,8 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-// Makes a folder and its missing parents. The destructor removes those that it made and that are
-// still empty.
+// Makes a folder and its missing parents. The destructor removes the folders that this object has
+// made, if they are still empty.
 class OutputFolder {
 public:
     explicit OutputFolder(const QString& path);
@@ -14,7 +14,7 @@ public:
 
     bool isThere() const { return m_isThere; }
 
-    // Whether making the folder looks possible; makes nothing.
+    // Whether the folder exists or can probably be made, and is writable. Makes nothing.
     static bool canBeMade(const QString& path);
 
 private:

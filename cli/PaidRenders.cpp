@@ -6,8 +6,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Preferences key of an account's paid renders. The value has one name a line; lines that are no
-// names are ignored and kept.
+// The preferences key of an account's paid renders. The value lists one fingerprint or pixel digest
+// per line; lines too long for one are ignored, but stay in the value.
 QString keyOf(const QString& account)
 {
     return u"moltiva.paidRenders."_s + account;
@@ -44,7 +44,7 @@ bool addPaidRenders(PreferencesStore& preferences, const QString& account,
 {
     const QString key = keyOf(account);
     return preferences.transaction([&] {
-        // Read again: another command may have paid meanwhile.
+        // Reads the value inside the transaction, because another command may have paid meanwhile.
         QByteArray lines = preferences.value(key).value_or(QByteArray());
         if (!lines.isEmpty() && !lines.endsWith('\n'))
             lines.append('\n');

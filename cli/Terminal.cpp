@@ -17,7 +17,7 @@ namespace {
 
 constexpr qsizetype longestLine = 4096;
 
-// Empty at the end of the input, and for a line longer than any password.
+// Returns nothing at the end of the input, or if the line is longer than any password.
 std::optional<QByteArray> readLine(std::FILE* stream)
 {
     QByteArray line;
@@ -34,7 +34,7 @@ std::optional<QByteArray> readLine(std::FILE* stream)
 }
 
 #ifdef Q_OS_UNIX
-termios shown;    // the terminal's settings before the password
+termios shown;    // the terminal's settings before readUnseen()
 
 extern "C" void showAgain(int signal)
 {
@@ -43,8 +43,8 @@ extern "C" void showAgain(int signal)
     raise(signal);
 }
 
-// Reads without echo; the terminal edits the line, and its settings are restored even after a
-// signal.
+// Reads a line without echo; backspace and other editing keys still work. Restores the terminal's
+// settings even if a signal ends the program.
 std::optional<QByteArray> readUnseen()
 {
     if (tcgetattr(STDIN_FILENO, &shown) != 0)
@@ -70,11 +70,11 @@ bool steers(QChar c)
     return c.category() == QChar::Other_Control || turnsDirection(c);
 }
 
-// Replaces control characters in names of files and sentences of servers. Does not remove them: a
-// name must not become another one.
+// Replaces control characters, which names of files and sentences of servers may contain. Does not
+// remove them: a file name must not turn into that of another file.
 QString tamed(QString line)
 {
-    constexpr qsizetype most = 8192;    // the longest path, and a sentence about it
+    constexpr qsizetype most = 8192;    // characters: the longest path and a sentence about it
     for (QChar& c : line) {
         if (steers(c))
             c = QChar::ReplacementCharacter;

@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// `component` brought into 0..1; NaN becomes 0.
+// Limits `component` to 0..1; NaN becomes 0.
 double unit(double component)
 {
     return component > 0 ? std::min(component, 1.0) : 0.0;

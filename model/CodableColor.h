@@ -5,7 +5,7 @@
 
 #include <optional>
 
-// A colour as files store it: sRGB components and opacity, each 0..1, in full precision.
+// A colour as files store it: sRGB components and opacity, each 0..1.
 struct CodableColor {
     double red = 0, green = 0, blue = 0, alpha = 1;
 
@@ -15,11 +15,12 @@ struct CodableColor {
     }
     explicit CodableColor(const QColor& color);
 
-    // Components outside 0..1 are brought to the nearest bound; Qt would paint them black.
+    // Limits each component to 0..1: with an opacity outside that range, Qt would make an invalid
+    // colour, which paints black.
     QColor color() const;
-    // The colour with this opacity in place of `alpha`.
+    // The colour with `opacity` in place of `alpha`.
     QColor withAlpha(double opacity) const;
-    // "#RRGGBB", each component rounded to 0..255; without the opacity.
+    // Returns "#RRGGBB" with each component rounded to 0..255. The opacity is left out.
     QString hexRGB() const;
     // Reads six hexadecimal digits, with or without a leading number sign.
     static std::optional<CodableColor> fromHexRGB(QStringView text);

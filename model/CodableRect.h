@@ -3,8 +3,8 @@
 #include <QRectF>
 #include <QSizeF>
 
-// The frame of a layer in fractions of the canvas, origin top left, y downwards. It holds its own
-// doubles because QRectF compares approximately.
+// The frame of a layer in fractions of the canvas, origin top left, y downwards. Not a QRectF,
+// because that compares approximately.
 struct CodableRect {
     double x = 0, y = 0, width = 0, height = 0;
 

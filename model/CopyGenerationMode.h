@@ -2,7 +2,7 @@
 
 #include "model/Vocabulary.h"
 
-// Where the copy of an image is generated.
+// Where the texts for an image (its copy) are generated.
 enum class CopyGenerationMode { local, cloud };
 
 struct CopyGenerationModeRow {

@@ -2,13 +2,13 @@
 
 #include "model/Vocabulary.h"
 
-// The role of a text layer; an item has one layer of each slot.
+// The role of a text layer. Each item has one text layer for each slot.
 enum class CopySlot { title, subtitle, tagline, callToAction };
 
 struct CopySlotRow {
     CopySlot value;
     QStringView rawValue;
-    QStringView displayName;    // only the tagline's differs from rawValue, which files hold
+    QStringView displayName;    // shown to the user; differs from rawValue only for the tagline
     QStringView icon;
 };
 
@@ -23,7 +23,7 @@ struct Vocabulary<CopySlot> {
 };
 static_assert(rowsAreInOrder<CopySlot>());
 
-// The slot of a stored name; the name shown for the tagline is read as well.
+// The slot with the raw value `name`. Also accepts the displayName of the tagline.
 inline std::optional<CopySlot> storedValue(QStringView name)
 {
     return name == row(CopySlot::tagline).displayName ? CopySlot::tagline

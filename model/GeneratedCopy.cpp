@@ -21,7 +21,7 @@ constexpr std::array cannedCalls{
     CannedCall{u"descubre", fallbackCall},    CannedCall{u"ver", u"Ver más"},
 };
 
-// Characters as a reader counts them: an accented letter or an emoji is one.
+// Counts characters as a reader does: an accented letter or an emoji is one.
 int characterCount(const QString& text)
 {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);

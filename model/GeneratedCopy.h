@@ -4,25 +4,24 @@
 
 #include <QString>
 
-// The copy of one image. Build it from texts through the constructor, which cleans the call to
-// action.
+// The texts for one image. The constructor from texts normalizes the call to action.
 struct GeneratedCopy {
     QString title, subtitle, tagline, callToAction;
-    QString publicationCaption;    // posted with the image
-    QString imageNotes;            // not drawn on the canvas
+    QString publicationCaption;    // text to post together with the image
+    QString imageNotes;            // remarks about the photo; never drawn
 
     GeneratedCopy() = default;
     GeneratedCopy(const QString& titleText, const QString& subtitleText, const QString& taglineText,
                   const QString& callToActionText, const QString& caption, const QString& notes);
 
-    // The copy of an item that has not been analysed yet.
+    // The texts of an item whose photo has not been analysed yet.
     static const GeneratedCopy& placeholder();
 
     const QString& text(CopySlot slot) const;
 
-    // A model's call to action without quotation marks, line breaks and surrounding punctuation. A
-    // text of more than 24 characters or 4 words, or with a period inside, is replaced by a canned
-    // one.
+    // Cleans a call to action that a language model wrote: removes double quotes and surrounding
+    // punctuation, and turns line breaks into spaces. Returns a canned call to action if the text
+    // is empty, has more than 24 characters or 4 words, or contains a period.
     static QString normalizedCallToAction(const QString& text);
 
     bool operator==(const GeneratedCopy&) const = default;

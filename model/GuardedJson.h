@@ -4,9 +4,10 @@
 
 namespace json {
 
-// Checks a JSON text without storing it. Stops at an object with more keys than any record has,
-// because each key is looked up among the others, which takes quadratic time. Stops at more values
-// than any document has, because the parsed tree takes some forty bytes for a value of two bytes.
+// Checks a JSON text without building its tree. Stops at an object with more keys than any record
+// has, because the parser compares each new key with all earlier ones, which takes quadratic time.
+// Stops at more values than any document has, because a value of two bytes of text takes some forty
+// bytes in the tree.
 class Guard final : public nlohmann::json_sax<Value> {
 public:
     bool null() override { return count(); }
@@ -46,8 +47,8 @@ private:
     int m_arrays = 0, m_values = 0;
 };
 
-// Parses JSON of unknown origin. Returns a discarded value for bytes that are no JSON or that Guard
-// refuses.
+// Parses JSON of unknown origin. Returns a value whose is_discarded() is true for bytes that are
+// not JSON or that Guard refuses.
 inline Value parsedWithCare(QByteArrayView bytes)
 {
     Guard guard;

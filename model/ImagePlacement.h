@@ -28,7 +28,7 @@ struct CanvasOffset {
 // How the photo lies on the canvas.
 struct ImagePlacement {
     ImageFitMode mode = ImageFitMode::fill;
-    double zoom = 1.0;    // factor on the size that `mode` gives
+    double zoom = 1.0;    // multiplies the size that `mode` gives
     CanvasOffset offset;
     bool operator==(const ImagePlacement&) const = default;
 };

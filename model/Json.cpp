@@ -23,8 +23,8 @@ struct JsonFields<PublicationItemSnapshot> {
             unreadableIn<TextLayer>(object, "layers", item.layers.size()) +
             unreadableIn<ShapeLayer>(object, "shapeLayers", item.shapeLayers.size());
     }
-    // Number of entries in the list that cannot be read as a Layer; `known`: number of those that
-    // were read. A layer of an unknown slot does not count.
+    // Number of entries of the list at `key` that cannot be read as a Layer. `known` is the number
+    // of those that were read. Layers of an unknown slot do not count.
     template <typename Layer>
     static qsizetype unreadableIn(const Value& object, const char* key, qsizetype known)
     {

@@ -1,14 +1,14 @@
 #pragma once
 
-// The one mapping between records and JSON. A record lists its fields once:
+// The only mapping between records and JSON. A record lists its fields once:
 //
 //     template <> struct JsonFields<CodableRect> {
 //         static constexpr auto fields = std::tuple{required("x", &CodableRect::x), …};
 //     };
 //
-// and both directions follow. Reading never throws: a record with a missing required field or a
-// value of the wrong type cannot be read, and a list drops only that record. Only source files that
-// read or write JSON include this header.
+// That list serves for reading and for writing. Reading never throws: a record with a missing
+// required field or a value of the wrong type cannot be read, and a list drops only that record.
+// Only source files that read or write JSON include this header.
 
 #include "model/Vocabulary.h"
 
@@ -44,7 +44,7 @@ concept Mapped = requires
     JsonFields<T>::fields;
 };
 
-// read() returns whether the value had the right type; only then is `out` of use.
+// The read() functions return whether the value had the right type. If not, `out` must not be used.
 
 inline bool read(const Value& value, bool& out)
 {
@@ -56,7 +56,7 @@ inline bool read(const Value& value, double& out)
     return value.is_number() && (out = value.get<double>(), true);
 }
 
-// Reads whole numbers of qint64's range; 3.0 counts as whole.
+// Reads whole numbers in the range of qint64; 3.0 counts as whole.
 inline bool read(const Value& value, qint64& out)
 {
     if (value.is_number_unsigned()) {
@@ -161,8 +161,8 @@ bool read(const Value& value, QSet<T>& out)
     return isList;
 }
 
-// append() writes straight to the text: a batch is written at every change, and building a tree of
-// values first costs ten times as much.
+// The append() functions write directly to the text: a batch is written at every change, and first
+// building a tree of values would take ten times as long.
 
 inline void append(QByteArray& text, bool value)
 {
@@ -191,16 +191,16 @@ inline void append(QByteArray& text, int value)
 inline void append(QByteArray& text, double value)
 {
     if (!std::isfinite(value))
-        value = 0;    // JSON has no NaN, and a missing key would make the record unreadable
-    // Writes the shortest digits that read back as the same number, but no exponent for whole
-    // numbers.
+        value = 0;    // JSON has no NaN; without the key, the record would be unreadable
+    // Writes the shortest digits that read back as the same number. Below 1e15, whole numbers are
+    // written without an exponent.
     if (value == std::trunc(value) && std::abs(value) < 1e15)
         appendNumber(text, qint64(value));
     else
         appendNumber(text, value);
 }
 
-// `utf8`: text that needs no escapes.
+// `utf8` must contain nothing that needs an escape.
 inline void appendQuoted(QByteArray& text, const QByteArray& utf8)
 {
     text.append('"').append(utf8).append('"');
@@ -258,7 +258,7 @@ void append(QByteArray& text, const QList<T>& values)
     text.append(']');
 }
 
-// Sorted, so that equal sets give equal bytes.
+// Sorts the values, so that equal sets give equal bytes.
 template <typename T>
 void append(QByteArray& text, const QSet<T>& values)
 {
@@ -269,14 +269,14 @@ void append(QByteArray& text, const QSet<T>& values)
 
 enum class Presence { required, optional, lenient };
 
-// One field: its key, its place in a record, and what to do when it is absent or holds an unknown
-// word.
+// One field of a record: its JSON key, how to access it, and what to do if it is absent or contains
+// an unknown word.
 template <typename Access, typename Fallback>
 struct Field {
     const char* key;
     Access access;
     Presence presence;
-    Fallback fallback;    // std::nullopt_t, or the value for an unknown word
+    Fallback fallback;    // std::nullopt, or the value to use for an unknown word
 
     template <typename Record>
     bool readInto(const Value& object, Record& record) const
@@ -306,28 +306,27 @@ constexpr auto required(const char* key, Access access)
     return Field<Access, std::nullopt_t>{key, access, Presence::required, std::nullopt};
 }
 
-// A field that keeps the record's default when absent.
+// A field that may be absent; the record then keeps its default.
 template <typename Access>
 constexpr auto optional(const char* key, Access access)
 {
     return Field<Access, std::nullopt_t>{key, access, Presence::optional, std::nullopt};
 }
 
-// A field that keeps the record's default when absent or unreadable.
+// A field that may be absent or unreadable; the record then keeps its default.
 template <typename Access>
 constexpr auto lenient(const char* key, Access access)
 {
     return Field<Access, std::nullopt_t>{key, access, Presence::lenient, std::nullopt};
 }
 
-// A required word of a vocabulary; an unknown one is read as `fallback`.
+// A required field that contains a word of a vocabulary. An unknown word is read as `fallback`.
 template <typename Access, ClosedVocabulary E>
 constexpr auto required(const char* key, Access access, E fallback)
 {
     return Field<Access, E>{key, access, Presence::required, fallback};
 }
 
-// Joins the fields of a record with those of its base or of a member.
 template <typename... Fields, typename... More>
 constexpr auto operator+(const std::tuple<Fields...>& fields, const std::tuple<More...>& more)
 {
@@ -354,7 +353,7 @@ bool read(const Value& value, Record& out)
     const bool complete =
         std::apply([&](const auto&... field) { return (field.readInto(value, out) && ...); },
                    JsonFields<Record>::fields);
-    // repair() restores the record's invariants, which a file may break.
+    // Calls repair(), if the record has one, which restores invariants that a file may break.
     if constexpr (requires { JsonFields<Record>::repair(out); })
         JsonFields<Record>::repair(out);
     else if constexpr (requires { JsonFields<Record>::repair(out, value); })

@@ -8,8 +8,8 @@ struct LayerTextAlignmentRow {
     LayerTextAlignment value;
     QStringView rawValue;
     QStringView icon;
-    LayerTextAlignment text;     // of the lines, where justified text is not supported
-    LayerTextAlignment frame;    // of the text block inside its frame
+    LayerTextAlignment text;     // of the lines, where they cannot be justified
+    LayerTextAlignment frame;    // of the block of lines inside the frame of the layer
 };
 
 template <>

@@ -4,11 +4,11 @@
 #include <QSize>
 #include <QString>
 
-// Names a photo without its pixels, which come from PhotoCache; cheap to copy.
+// Refers to a photo without its pixels, which come from PhotoCache. Cheap to copy.
 struct PhotoHandle {
     QString path;
-    QSize size;                // upright, in pixels of the file
-    bool reducible = false;    // its format decodes at a reduced size in less time and memory
-    QByteArray digest;         // of the file's bytes; identifies the content
+    QSize size;                // of the upright photo, in pixels of the file
+    bool reducible = false;    // whether decoding at a reduced size saves time and memory
+    QByteArray digest;         // BLAKE2b-256 of the file's bytes; may be empty
     bool operator==(const PhotoHandle&) const = default;
 };

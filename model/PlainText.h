@@ -2,28 +2,28 @@
 
 #include <QString>
 
-// Whether `c` is a control character other than the tab and the line end; no text holds one.
+// Whether `c` is a control character other than tab and line feed. No text of a batch contains one.
 inline bool isControl(QChar c)
 {
     return c.category() == QChar::Other_Control && c != u'\t' && c != u'\n';
 }
 
-// Whether `c` changes the writing direction of text around it. In a name from a file it would also
-// turn the program's sentence around the name.
+// Whether `c` changes the writing direction of the text around it. A file name with such a
+// character would also turn the text of a message that quotes the name.
 inline bool turnsDirection(QChar c)
 {
     return (c >= QChar(0x202a) && c <= QChar(0x202e)) || (c >= QChar(0x2066) && c <= QChar(0x2069));
 }
 
-// "1 imagen", "3 imágenes".
+// A number with its noun: "1 imagen", "3 imágenes".
 inline QString counted(qsizetype count, QStringView one, QStringView several)
 {
     QString text = QString::number(count) + u' ';
     return text.append(count == 1 ? one : several);
 }
 
-// The text with \n for every kind of line end and without other control characters, as all texts
-// of a batch are.
+// Returns the text with \n for every kind of line end and without control characters other than the
+// tab. All texts of a batch have this form.
 inline QString plainText(QString text)
 {
     using namespace Qt::StringLiterals;

@@ -10,7 +10,8 @@ struct DefaultLayer {
     double x, y, width, height;
 };
 
-// The tagline is hidden, so that a template or the user can show it without creating it.
+// Frames in fractions of the canvas. The tagline exists but is hidden, so that a template or the
+// user only has to show it.
 constexpr std::array defaultLayerTable{
     DefaultLayer{CopySlot::title, true, 0.11, 0.30, 0.78, 0.16},
     DefaultLayer{CopySlot::subtitle, true, 0.16, 0.47, 0.68, 0.13},

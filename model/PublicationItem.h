@@ -11,13 +11,13 @@
 #include <QSet>
 #include <QUrl>
 
-// The file's name without its last extension.
+// The name of the file at `url` without its last extension.
 QString filenameOf(const QUrl& url);
 
 // One photo of the batch with everything laid over it.
 struct PublicationItem {
-    QUuid id;    // fixed for the item's life
-    QUrl url;    // the file the photo was read from
+    QUuid id;    // never changes
+    QUrl url;    // the file that the photo was read from
     PhotoHandle image;
     GeneratedCopy analysis;
     QList<TextLayer> layers;          // one per slot, in drawing order
@@ -25,16 +25,17 @@ struct PublicationItem {
     ImagePlacement placement;
     QSet<QString> paidRenderFingerprints;    // see renderFingerprint()
 
-    // A new item with the placeholder copy and its default layers.
+    // Makes an item with a new id, the placeholder texts and the default layers.
     static PublicationItem make(const QUrl& url, const PhotoHandle& image);
-    // The default text layers with the texts of `copy`, with new ids; equal for every format.
+    // The default text layers with new ids and the texts of `copy`. Their frames are the same for
+    // every format.
     static QList<TextLayer> defaultLayers(const GeneratedCopy& copy);
 
     QString filename() const { return filenameOf(url); }
 
-    // The first layer of the slot; null when the item has none.
+    // The first layer with this slot; null if there is none.
     TextLayer* layer(CopySlot slot);
-    bool hasLayer(QUuid layerId) const;    // a text layer or a shape
+    bool hasLayer(QUuid layerId) const;    // looks among the text layers and the shapes
 
     bool operator==(const PublicationItem&) const = default;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
-// The JSON fields of the records that documents consist of. Only source files that read or write
-// JSON include this header.
+// The JSON fields of the records that stored documents consist of. Only source files that read or
+// write JSON include this header.
 
 #include "model/GeneratedCopy.h"
 #include "model/ImagePlacement.h"

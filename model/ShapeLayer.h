@@ -28,7 +28,7 @@ static_assert(rowsAreInOrder<ShapeKind>());
 
 struct ShapeLayer;
 
-// The style of a shape, without its place. Sizes are in design units; see designSize().
+// The style of a shape, without its frame. Sizes are in design units; see designSize().
 struct ShapeLayerDesign {
     ShapeKind kind = ShapeKind::rectangle;
     CodableColor fill = codableBlack;
@@ -45,13 +45,13 @@ struct ShapeLayerDesign {
     {
     }
 
-    // Writes the whole style into a shape; its place stays.
+    // Replaces the style of `shape`, but not its id and frame.
     void apply(ShapeLayer& shape) const;
 
     bool operator==(const ShapeLayerDesign&) const = default;
 };
 
-// A vector shape on the canvas. Assigned to a ShapeLayerDesign, it gives its style.
+// A vector shape on the canvas. Assigning it to a ShapeLayerDesign copies only the style.
 struct ShapeLayer : ShapeLayerDesign {
     QUuid id;
     CodableRect frame;
@@ -62,7 +62,7 @@ struct ShapeLayer : ShapeLayerDesign {
     {
     }
 
-    // A copy of `shape` with another id.
+    // A copy of `shape` with the given id.
     static ShapeLayer preservingID(QUuid id, ShapeLayer shape)
     {
         shape.id = id;

@@ -7,8 +7,8 @@
 #include <compare>
 #include <iterator>
 
-// A list with implicitly shared entries: copying the list, or changing one entry of a copy, does
-// not copy the other entries, and two shared entries are equal without a comparison. Reading never
+// A list with implicitly shared entries. Copying the list, or changing one entry of a copy, does
+// not copy the other entries, and an entry that two lists share is not compared. Reading never
 // detaches; only edit() gives write access to an entry.
 template <typename T>
 class SharedList {
@@ -80,7 +80,7 @@ public:
     const_iterator end() const { return const_iterator(m_nodes.cend()); }
 
     T& edit(qsizetype index) { return m_nodes[index]->value; }
-    // One change applied to several lists: entries that the lists share stay shared.
+    // One change that edit() applies to several lists: entries that the lists share stay shared.
     class Change {
         friend class SharedList;
         struct Step {
@@ -112,7 +112,7 @@ public:
     void removeAt(qsizetype index) { m_nodes.removeAt(index); }
     void swapItemsAt(qsizetype a, qsizetype b) { m_nodes.swapItemsAt(a, b); }
 
-    // Whether the two entries are one shared object, not only equal.
+    // Whether the two entries are the same object, not only equal.
     bool shares(qsizetype index, const SharedList& other, qsizetype otherIndex) const
     {
         return m_nodes[index].constData() == other.m_nodes[otherIndex].constData();

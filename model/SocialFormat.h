@@ -37,14 +37,14 @@ constexpr QSizeF exportSize(SocialFormat format)
     return row(format).exportSize;
 }
 
-// The canvas size in design units: half the export size, whatever the window. Type sizes, padding,
-// radii and shadows are in these units.
+// The canvas size in design units: half the export size, whatever the size of the window. Type
+// sizes, padding, radii and shadows are in these units.
 inline QSizeF designSize(SocialFormat format)
 {
     return exportSize(format) / 2;
 }
 
-// The format of a template key; exact and case-sensitive.
+// The format with the templateKey `key`; case-sensitive.
 inline std::optional<SocialFormat> fromTemplateKey(QStringView key)
 {
     for (const auto& r : Vocabulary<SocialFormat>::rows) {

@@ -10,14 +10,14 @@
 
 struct TextLayer;
 
-// The longest text that can be edited, in UTF-16 units.
+// The longest text that can be edited, in UTF-16 code units.
 inline constexpr int longestText = 10'000;
 
-// The style of a text layer, without its place and text. Sizes are in design units; see
+// The style of a text layer, without its frame and text. Sizes are in design units; see
 // designSize().
 struct TextLayerDesign {
     CodableColor foreground = codableWhite;
-    QString fontName = QStringLiteral("System");    // "System", a full font name, or a family
+    QString fontName = QStringLiteral("System");    // "System", a full font name, or a font family
     double fontScale = 1.0;
     bool hasBox = true;
     CodableColor background = codableBlack;
@@ -26,11 +26,11 @@ struct TextLayerDesign {
     double shadowOpacity = 0.24;
     double shadowRadius = 14.0;
     double shadowDistance = 8.0;
-    double shadowAngle = 90.0;    // degrees, y upwards: 90 lifts the shadow
+    double shadowAngle = 90.0;    // degrees, counterclockwise: 0 moves the shadow right, 90 up
     CodableColor shadowColor = codableBlack;
 
     TextLayerDesign() = default;
-    // The default style of a slot: the box of a call to action is denser and rounder.
+    // The default style for a slot: the box of a call to action is less transparent and rounder.
     explicit TextLayerDesign(CopySlot slot)
     {
         if (slot == CopySlot::callToAction) {
@@ -39,13 +39,13 @@ struct TextLayerDesign {
         }
     }
 
-    // Writes the whole style into a layer; its place, text and visibility stay.
+    // Replaces the style of `layer`; its other members do not change.
     void apply(TextLayer& layer) const;
 
     bool operator==(const TextLayerDesign&) const = default;
 };
 
-// One text block on the canvas. Assigned to a TextLayerDesign, it gives its style.
+// One text block on the canvas. Assigning it to a TextLayerDesign copies only the style.
 struct TextLayer : TextLayerDesign {
     QUuid id;
     CopySlot slot = CopySlot::title;
@@ -62,7 +62,7 @@ struct TextLayer : TextLayerDesign {
     {
     }
 
-    // A copy of `layer` with another id.
+    // A copy of `layer` with the given id.
     static TextLayer preservingID(QUuid id, TextLayer layer)
     {
         layer.id = id;

@@ -8,8 +8,9 @@
 #include <cstddef>
 #include <optional>
 
-// The table of a closed vocabulary, an enum class E: `Vocabulary<E>::rows`, in declaration order. A
-// row begins with the enumerator and its raw value. Files hold raw values: never rename one.
+// The table of an enum class E, which makes E a closed vocabulary. `rows` has one row for each
+// enumerator, in declaration order; a row begins with the enumerator and its raw value. Files
+// contain raw values: never rename one.
 template <typename E>
 struct Vocabulary;
 
@@ -38,7 +39,7 @@ QString rawValue(E value)
     return row(value).rawValue.toString();
 }
 
-// The enumerator of a raw value; exact and case-sensitive.
+// The enumerator with the raw value `name`; case-sensitive.
 template <ClosedVocabulary E>
 std::optional<E> fromRawValue(QStringView name)
 {
@@ -49,15 +50,15 @@ std::optional<E> fromRawValue(QStringView name)
     return std::nullopt;
 }
 
-// The enumerator of a word in a file. Specialised for a vocabulary that accepts more than its raw
-// values.
+// The enumerator that `name` stands for in a file. Specialised for vocabularies that accept more
+// than their raw values.
 template <ClosedVocabulary E>
 std::optional<E> fromStored(QStringView name)
 {
     return fromRawValue<E>(name);
 }
 
-// All enumerators in declaration order, for pickers.
+// All enumerators in declaration order.
 template <ClosedVocabulary E>
 constexpr auto allCases()
 {

@@ -12,18 +12,19 @@
 
 #include <optional>
 
-// A batch as it is stored. Photos are only addresses; nothing is checked against the files yet.
+// A batch as it is stored. Photos are only URLs; whether their files still exist has not been
+// checked.
 
 struct PublicationItemSnapshot {
     QUuid id;
     QUrl url;
     std::optional<QByteArray> bookmarkData;    // see ImageAccess
     GeneratedCopy analysis;
-    QList<TextLayer> layers;    // any number of layers of any slot
+    QList<TextLayer> layers;    // a slot may occur several times or not at all
     QList<ShapeLayer> shapeLayers;
     ImagePlacement placement;
     QSet<QString> paidRenderFingerprints;
-    qsizetype unreadableLayers = 0;    // not counting layers whose slot is unknown here
+    qsizetype unreadableLayers = 0;    // does not count layers of an unknown slot
 
     bool operator==(const PublicationItemSnapshot&) const = default;
 };
@@ -36,7 +37,7 @@ struct WorkspaceSnapshot {
     QSet<QUuid> selectedItemIDs;
     std::optional<QUuid> selectedLayerID;
     QList<PublicationItemSnapshot> items;
-    qsizetype unreadableParts = 0;    // dropped items, plus the unreadableLayers of the others
+    qsizetype unreadableParts = 0;    // unreadable items, plus unreadableLayers of the others
 
     bool operator==(const WorkspaceSnapshot&) const = default;
 };

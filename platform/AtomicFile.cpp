@@ -19,18 +19,18 @@ using namespace Qt::StringLiterals;
 QString writeAtomically(const QString& path, QByteArrayView bytes, const QString& run)
 {
     const QString number = QString::number(QRandomGenerator::system()->generate64(), 36);
-    // QTemporaryFile would make a file that only its user may read, whatever the umask says.
+    // Not a QTemporaryFile, which only its user could read, whatever the umask.
     QFile file(QFileInfo(path).dir().filePath(unfinishedPrefix() + run + u'.' + number));
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return file.errorString();
     auto discard = qScopeGuard([&] { file.remove(); });
     if (file.write(bytes.data(), bytes.size()) != bytes.size() || !file.flush()) {
-        // A full disk takes a part of the bytes, and QFile reports no error then.
+        // On a full disk, write() accepts a part of the bytes, and QFile reports no error.
         return file.error() == QFile::NoError ? qt_error_string(ENOSPC) : file.errorString();
     }
     file.close();
 #ifdef Q_OS_UNIX
-    // QFile::rename() never replaces a file; std::rename() does.
+    // QFile::rename() never replaces an existing file; std::rename() does.
     if (std::rename(QFile::encodeName(file.fileName()).constData(),
                     QFile::encodeName(path).constData()) != 0)
         return qt_error_string();
@@ -45,7 +45,8 @@ QString writeAtomically(const QString& path, QByteArrayView bytes, const QString
 
 namespace {
 
-// `isGoingOn` knows only runs of this user, so the files of other users stay.
+// Whether the file belongs to this user. Those of other users are not removed, because `isGoingOn`
+// in removeUnfinished() knows only the runs of this user.
 bool isOurs(const QString& file)
 {
 #ifdef Q_OS_UNIX

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QCoroTask>    // declares std::coroutine_handle; moc cannot read <coroutine>
+#include <QCoroTask>    // for std::coroutine_handle: moc cannot read <coroutine>
 
 #include <utility>
 #include <vector>
 
-// An event that coroutines await: `co_await completion.wait();`. They resume inside complete(), so
-// an object that completes it in its destructor leaves none of them waiting. For one thread.
+// An event for which coroutines wait: `co_await completion.wait();`. complete() resumes them before
+// it returns, so an object that calls it in its destructor leaves no coroutine waiting. Not
+// thread-safe.
 class Completion {
 public:
     Completion() = default;

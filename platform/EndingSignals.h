@@ -4,6 +4,6 @@
 
 #include <functional>
 
-// Calls `end` on the application's thread on SIGINT, SIGTERM or SIGHUP; the second signal of a kind
-// kills the program at once. A signal that the parent process set to be ignored stays ignored.
+// Calls `end` on the application's thread after SIGINT, SIGTERM or SIGHUP. The same signal a second
+// time kills the program at once. A signal that was ignored when the program started stays ignored.
 void onEndingSignals(QCoreApplication& application, const std::function<void()>& end);

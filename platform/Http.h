@@ -10,7 +10,7 @@
 #include <optional>
 #include <utility>
 
-// Whether `host` is a name or an address of this machine.
+// Whether `host` is "localhost" or a loopback address.
 bool isLoopback(const QString& host);
 
 using HttpHeaders = QList<std::pair<QByteArray, QByteArray>>;
@@ -26,14 +26,14 @@ struct HttpRequest {
 
 struct HttpReply {
     int status = 0;
-    HttpHeaders headers;    // a name may come several times
+    HttpHeaders headers;    // the same name may occur several times
     QByteArray body;
 };
 
-// An exchange that ended without a reply.
+// The failure of an exchange that ended without a reply.
 class TransportError : public std::exception {
 public:
-    // brokenOff: the request was sent, and the connection broke before a valid answer came.
+    // brokenOff: the connection broke after the request was sent, before a valid answer came.
     enum class Kind { unreachable, timedOut, stopped, tooLarge, notHttp, brokenOff };
 
     TransportError(Kind kind, const QString& text)
@@ -41,7 +41,7 @@ public:
     {
     }
     static TransportError timedOut();
-    static TransportError stopped();    // by a stop_token, or by the end of the HttpClient
+    static TransportError stopped();    // by a stop_token, or by the destructor of HttpClient
 
     Kind kind() const { return m_kind; }
     const QString& text() const { return m_text; }    // for the user, in Spanish

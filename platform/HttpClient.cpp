@@ -6,7 +6,7 @@ HttpClient::HttpClient(QObject* parent) : QObject(parent) {}
 
 HttpClient::~HttpClient()
 {
-    // The coroutines in send() resume with an exception, while their exchanges still exist.
+    // Makes the coroutines in send() resume with an exception while their exchanges still exist.
     const auto underWay = findChildren<HttpExchange*>(Qt::FindDirectChildrenOnly);
     for (HttpExchange* exchange : underWay)
         exchange->stop();
@@ -15,7 +15,7 @@ HttpClient::~HttpClient()
 QCoro::Task<HttpReply> HttpClient::send(HttpRequest request, std::stop_token stop)
 {
     auto* exchange = new HttpExchange(request, std::move(stop), this);
-    request.body.reset();    // the exchange keeps the bytes
+    request.body.reset();    // from here on, only the exchange holds the bytes
     co_await exchange->finished().wait();
     HttpExchange::Outcome outcome = exchange->outcome();
     exchange->deleteLater();

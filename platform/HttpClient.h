@@ -7,9 +7,9 @@
 
 #include <stop_token>
 
-// Sends requests and returns whole replies. Keeps no cookies, follows no redirections, checks
-// certificates. A request with a body is sent only once: Qt is kept from repeating it by itself.
-// Lives on the interface thread. Its destructor ends the open requests as stopped.
+// Sends requests and returns whole replies. Stores no cookies, follows no redirections, checks
+// certificates. A request with a body is sent only once: Qt is prevented from repeating it. Lives
+// on the interface thread. The destructor ends open requests with TransportError::stopped().
 class HttpClient : public QObject {
     Q_OBJECT
 public:

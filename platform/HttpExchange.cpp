@@ -11,8 +11,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A body that cannot be rewound. Qt repeats a request by itself when the server hangs up before
-// answering; a server that got the body may have acted on it by then.
+// A request body that can be read only once, so that Qt cannot repeat the request. Qt would do that
+// if the server closes the connection before it answers, but the server may already have acted on
+// the body.
 class OnceReadable final : public QIODevice {
 public:
     OnceReadable(const QByteArray& data, QObject* parent) : QIODevice(parent), m_data(data)
@@ -39,7 +40,7 @@ private:
     qint64 m_read = 0;
 };
 
-// The system's proxies, but none for this machine itself.
+// Uses the system's proxies, but none for this machine itself.
 class SystemProxies final : public QNetworkProxyFactory {
 public:
     QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery& query) override
@@ -49,7 +50,7 @@ public:
     }
 };
 
-// Texts for errors that Qt describes too tersely or not at all.
+// Messages for errors that Qt describes too tersely or not at all.
 struct Sentence {
     QNetworkReply::NetworkError error;
     QStringView text;
@@ -96,8 +97,9 @@ TransportError failureOf(const QNetworkReply& reply)
     }
 }
 
-// Whether the server answered, with any status. Qt reports every status above 399 as an error, and
-// a redirection (307, 308) of a body that it cannot rewind as ContentReSendError.
+// Whether the server answered, with any status. Qt reports every status above 399 as an error. If
+// Qt cannot read the body of a request again, it reports a redirection with status 307 or 308 as
+// ContentReSendError.
 bool isAnswer(const QNetworkReply& reply)
 {
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -105,7 +107,7 @@ bool isAnswer(const QNetworkReply& reply)
     case QNetworkReply::ContentReSendError:
         return status == 307 || status == 308;
     case QNetworkReply::ProxyAuthenticationRequiredError:
-        return status == 407;    // a server that is no proxy may send it too
+        return status == 407;    // any server may send this status, not only a proxy
     case QNetworkReply::ProtocolUnknownError:
     case QNetworkReply::ProtocolFailure:
         return false;
@@ -115,7 +117,7 @@ bool isAnswer(const QNetworkReply& reply)
     }
 }
 
-// Qt joins the headers of one name with line breaks.
+// Splits the values that Qt has joined with line breaks because they have the same name.
 HttpHeaders headersOf(const QNetworkReply& reply)
 {
     HttpHeaders headers;
@@ -154,7 +156,7 @@ QNetworkRequest prepared(const HttpRequest& request)
 HttpExchange::HttpExchange(const HttpRequest& request, std::stop_token stop, QObject* parent)
     : QObject(parent), m_largest(request.largestReply), m_manager(new QNetworkAccessManager(this))
 {
-    m_manager->setProxyFactory(new SystemProxies);    // the manager owns it
+    m_manager->setProxyFactory(new SystemProxies);    // the manager takes ownership
     if (stop.stop_requested()) {
         finish(TransportError::stopped());
         return;

@@ -23,7 +23,7 @@ public:
     ~HttpExchange() override;
 
     Completion& finished() { return m_finished; }
-    const Outcome& outcome() const { return *m_outcome; }    // valid after finished()
+    const Outcome& outcome() const { return *m_outcome; }    // valid once finished() is complete
     void stop();
 
 private:
@@ -32,8 +32,8 @@ private:
     void finish(Outcome outcome);
 
     const qint64 m_largest;
-    // A manager for each exchange: a shared one would reuse a connection that the server is about
-    // to close.
+    // Each exchange has its own manager: a shared one would reuse a connection that the server is
+    // about to close.
     QNetworkAccessManager* m_manager;
     QNetworkReply* m_reply = nullptr;
     QByteArray m_body;

@@ -10,8 +10,8 @@ void fixAllocatorThresholds()
 {
 #ifdef __GLIBC__
     mallopt(M_MMAP_THRESHOLD, 32 << 20);
-    // Free memory above this goes back to the system. At the default of 128 kB, the pages of every
-    // picture would be paged in anew.
+    // Free memory beyond this goes back to the system. With the default of 128 kB, every picture
+    // would need new memory from the system.
     mallopt(M_TRIM_THRESHOLD, 16 << 20);
 #endif
 }

@@ -2,17 +2,19 @@
 
 #include <QtGlobal>
 
-// Fixes the allocator's thresholds, which keeps the resident size flat: otherwise glibc raises its
-// threshold for large blocks with every freed picture, and keeps the freed ones. Call first in
-// main().
+// Fixes the allocator's thresholds, so that freed pictures go back to the system. By default, glibc
+// raises its threshold for large blocks whenever it frees one, and then holds on to freed pictures.
+// Call this first in main().
 void fixAllocatorThresholds();
 
-// Keeps freed memory in the process, for a program that does one thing and ends: paging the memory
-// of each picture in anew takes a tenth of an export's processor time.
+// Makes the process hold on to freed memory. For a program that does one thing and ends: getting
+// memory for each picture from the system again would take a tenth of the processor time of an
+// export.
 void keepFreedMemory();
 
-// The largest resident size of this process so far, in bytes; 0 where the system does not tell.
+// The largest resident size of this process so far, in bytes; 0 if the system does not report it.
 qint64 peakMemory();
 
-// Gives freed memory back to the system, also from between blocks in use. Takes a few milliseconds.
+// Gives freed memory back to the system, even if it lies between blocks in use. Takes a few
+// milliseconds.
 void releaseFreedMemory();

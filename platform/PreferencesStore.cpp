@@ -69,8 +69,8 @@ bool openedReadOnly(const QString& connection, const QString& address)
     return database.open() && QSqlQuery(database).exec(u"SELECT key FROM preference LIMIT 1"_qs);
 }
 
-// SQLite needs its side files even to read, unless `immutable` says that nobody writes. It ignores
-// the log then, so the log must be empty.
+// Opens the file only for reading. SQLite needs its side files even for that, unless `immutable`
+// promises that nobody writes. SQLite then ignores the log, so the log must be empty.
 bool openedForReading(const QString& connection, const QString& file)
 {
     if (!QFileInfo(file).isFile())
@@ -83,8 +83,8 @@ bool openedForReading(const QString& connection, const QString& file)
            openedReadOnly(connection, address + u"?immutable=1"_qs);
 }
 
-// Copies the log into the file, which takes up to 30 ms: a worker does it, with a connection of its
-// own. Passive: pages that a reader still uses stay for the next checkpoint.
+// A statement that copies the log into the database file, which takes up to 30 ms. It does not wait
+// for readers: the pages that they still use stay in the log until the next checkpoint.
 QString passiveCheckpoint()
 {
     return u"PRAGMA wal_checkpoint(PASSIVE)"_qs;
@@ -100,7 +100,8 @@ void checkpoint(const QString& file)
     QSqlDatabase::removeDatabase(connection);
 }
 
-// Makes the file readable by its user only; SQLite gives its side files the same permissions.
+// Creates the file if it is missing, and makes it readable by its user only; SQLite gives its side
+// files the same permissions.
 bool createPrivately(const QString& name)
 {
     constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
@@ -118,13 +119,14 @@ QString usualDurability()
 
 bool prepare(const QSqlDatabase& database)
 {
-    // Values take megabytes: with small pages, each write walks long chains of pages.
+    // Uses large pages, because values take megabytes: with small pages, each write would follow a
+    // long chain of pages.
     return database.isOpen() && run(database, u"PRAGMA page_size=65536"_qs) &&
            run(database, u"PRAGMA journal_mode=WAL"_qs) && run(database, usualDurability()) &&
            run(database, u"PRAGMA wal_autocheckpoint=0"_qs);
 }
 
-// SQLite's primary error codes: the lowest eight bits of its extended ones.
+// SQLite's primary error codes, which are the lowest eight bits of its extended ones.
 enum class Fault {
     busy = 5,
     readOnly = 8,
@@ -148,7 +150,7 @@ const QString damage = u"el archivo está dañado"_qs;
 
 bool hasNoRoom(const QString& file)
 {
-    constexpr qint64 leastRoom = 256 * 1024;    // bytes, for the side files and a page
+    constexpr qint64 leastRoom = 256 * 1024;    // bytes; enough for the side files and one page
     const QStorageInfo storage(QFileInfo(file).path());
     return storage.isValid() && !storage.isReadOnly() && storage.bytesAvailable() < leastRoom;
 }
@@ -169,7 +171,7 @@ QString reasonOf(const QString& file, const QSqlError& error)
                                           : u"el sistema dice «%1»"_qs.arg(error.databaseText());
 }
 
-// Why a file can never be used, in Spanish; empty when it may be.
+// Returns why the file can never be used, in Spanish; empty if there is no such reason.
 QString foreignness(const QString& name)
 {
     const QFileInfo file(name);
@@ -177,14 +179,15 @@ QString foreignness(const QString& name)
         return u"en su lugar hay una carpeta"_qs;
 #ifdef Q_OS_UNIX
     const bool mayAll = geteuid() == 0;
-    // A network disk may give its files other owners: a writable file counts as the user's own.
+    // On a network disk, the user's files may have other owners: a writable file counts as the
+    // user's own.
     if (!mayAll && file.exists() && file.ownerId() != geteuid() && !file.isWritable())
         return u"el archivo es de otro usuario"_qs;
 #endif
     return {};
 }
 
-// Device and inode, which tell a file from another of the same name.
+// Device and inode. They change when another file takes over the name.
 using FileIdentity = std::pair<quint64, quint64>;
 
 FileIdentity identityOf(const QString& name)
@@ -203,7 +206,7 @@ QString damageIn(const QSqlDatabase& database)
     const bool isChecked = query.exec(u"PRAGMA quick_check(1)"_qs) && query.next();
     if (isChecked ? query.value(0).toString() != u"ok"_qs : isDamage(faultOf(query.lastError())))
         return damage;
-    // A file that was just made has no tables yet.
+    // A newly created file has no tables yet.
     const bool hasTables =
         query.exec(u"SELECT count(*), sum(name = 'preference') FROM sqlite_master"_qs) &&
         query.next() && query.value(0).toInt() > 0;
@@ -213,8 +216,8 @@ QString damageIn(const QSqlDatabase& database)
     return isOurs ? QString() : u"el archivo no es de esta versión de Moltiva"_qs;
 }
 
-// Renames a file that cannot be used and returns its new name; empty when that failed. Its log is
-// renamed too: SQLite would read it into a new file of the old name.
+// Renames a file that cannot be used and returns its new name, or an empty string if that failed.
+// Also renames its log, because SQLite would apply it to a new file with the old name.
 QString putAside(const QString& name)
 {
     constexpr int most = 99;
@@ -234,10 +237,11 @@ QString putAside(const QString& name)
 
 }    // namespace
 
-// A checkpoint on a worker. The store's destructor waits for one that is running, never for one
-// still in the queue: the workers drop that when the program ends.
+// The state of a checkpoint on a worker, shared by the worker and the store. The store's destructor
+// waits for a checkpoint that is running, but not for one in the queue, which finishWorkers() may
+// drop.
 struct PreferencesStore::Checkpoint {
-    std::atomic<bool> isAsked = false;    // from the request until the worker is done
+    std::atomic<bool> isAsked = false;    // true from the request until the worker is done
     std::mutex running;
     bool isUnwanted = false;
 };
@@ -264,7 +268,7 @@ bool PreferencesStore::open()
         cause = tryToOpen();
     if (!cause.isEmpty()) {
         QSqlDatabase::removeDatabase(m_connection);
-        // Another program may have moved the file aside meanwhile, and made a new one.
+        // Replaces the file only if another process has not done so in the meantime.
         if (found == identityOf(m_file) && !replace(cause))
             return false;
         tryToOpen();
@@ -278,7 +282,7 @@ bool PreferencesStore::open()
     return m_open;
 }
 
-// Moves the file aside for a new one. False when it cannot be moved.
+// Renames the file, so that a new one can be created. Returns false if it cannot be renamed.
 bool PreferencesStore::replace(const QString& cause)
 {
     const QString aside = putAside(m_file);
@@ -291,7 +295,7 @@ bool PreferencesStore::replace(const QString& cause)
     return !aside.isEmpty();
 }
 
-// Returns why the file can never be used; empty when it is open or may open another time.
+// Returns why the file can never be used; empty if it is open now or may be opened later.
 QString PreferencesStore::tryToOpen()
 {
     const bool isCreated = createPrivately(m_file);
@@ -346,7 +350,7 @@ bool PreferencesStore::setValue(const QString& key, const QByteArray& value)
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
     query.prepare(storing());
     query.addBindValue(key);
-    // SQLite would store a null QByteArray as NULL.
+    // SQLite would store a null QByteArray as NULL, which the column does not allow.
     query.addBindValue(value.isNull() ? QByteArray("") : value);
     if (!finished(query))
         return false;
@@ -364,8 +368,8 @@ bool PreferencesStore::remove(const QString& key)
     return finished(query);
 }
 
-// Runs a query and keeps the reason of its failure. A damaged file counts as closed, so that the
-// next open() moves it aside.
+// Executes a prepared query and stores the reason if it fails. If the file is damaged, sets m_open
+// to false, so that the next open() replaces the file.
 bool PreferencesStore::finished(QSqlQuery& query)
 {
     const bool isDone = query.exec();
@@ -380,8 +384,8 @@ QStringList PreferencesStore::keysBeginningWith(const QString& prefix) const
     if (!isReadable())
         return {};
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
-    // The upper end of the keys with this prefix, as long as they use characters of the basic
-    // plane.
+    // U+FFFF comes after the other characters of the Basic Multilingual Plane, so the range
+    // contains every key in which such a character follows the prefix.
     query.prepare(u"SELECT key FROM preference WHERE key >= ? AND key < ? ORDER BY key"_qs);
     query.addBindValue(prefix);
     query.addBindValue(prefix + QChar(0xFFFF));
@@ -407,7 +411,7 @@ bool PreferencesStore::transaction(const std::function<bool()>& work, Durability
         run(database, u"PRAGMA secure_delete=ON"_qs);
     bool isStored = false;
     const auto end = qScopeGuard([&] {
-        // `work` may have thrown.
+        // Rolls back also if `work` has thrown.
         if (std::exchange(m_isInTransaction, false) && !isStored)
             run(database, u"ROLLBACK"_qs);
         run(database, usualDurability());
@@ -430,17 +434,17 @@ bool PreferencesStore::transaction(const std::function<bool()>& work, Durability
     return isStored;
 }
 
-// Empties the log, which still holds the old values. Pages that another process reads meanwhile
-// stay until the next checkpoint.
+// Empties the log, which still contains the old values. Pages that another process is reading stay
+// in the log until the next checkpoint.
 void PreferencesStore::emptyLog()
 {
     const std::scoped_lock lock(m_checkpoint->running);
     run(QSqlDatabase::database(m_connection, false), u"PRAGMA wal_checkpoint(TRUNCATE)"_qs);
 }
 
-// Counts the bytes in the log. SQLite starts its log anew when a write finds all of it copied.
-// Between edits the worker has finished long before the next write; writes without a pause outrun
-// it, and then this thread copies the log itself.
+// Adds a write of `bytes` to m_logBytes, the approximate size of the log. If a worker has copied
+// the whole log since the last write, SQLite now overwrites it from the start, and the count begins
+// again.
 void PreferencesStore::written(qint64 bytes)
 {
     constexpr qint64 page = 65536;
@@ -452,6 +456,8 @@ void PreferencesStore::written(qint64 bytes)
         checkpointWhenDue();
 }
 
+// Requests a checkpoint on a worker for every checkpointStep bytes. If writes are faster than the
+// worker, the log grows to longestLog, and this thread copies it.
 void PreferencesStore::checkpointWhenDue()
 {
     constexpr qint64 checkpointStep = 8 << 20;

@@ -10,8 +10,9 @@
 
 class QSqlQuery;
 
-// Values by key in one SQLite file that only its user may read. A value is replaced as a whole: a
-// crash leaves the old one or the new one. Used only from the thread that made the store.
+// Stores values by key in one SQLite file that only its user may read. A value is replaced as a
+// whole: after a crash, the file contains the old one or the new one. To be used only on the thread
+// that created the store.
 class PreferencesStore {
 public:
     explicit PreferencesStore(const QString& file);
@@ -20,29 +21,29 @@ public:
     PreferencesStore& operator=(const PreferencesStore&) = delete;
 
     bool isOpen() const { return m_open; }
-    // Whether values can be read; true also for a file that only opens for reading, as on a full
-    // disk.
+    // Whether values can be read. Also true if the file can only be opened for reading, as on a
+    // full disk.
     bool isReadable() const { return m_open || m_readOnly; }
-    // Opens the file if that failed before; every setValue() tries it too. A file that can never be
-    // used (damaged, a folder, another user's) is moved aside, and a new one is made.
+    // Opens the file if it is not open; setValue() and the other changes call this too. A file that
+    // can never be used (damaged, a folder, another user's) is renamed, and a new one is created.
     bool open();
-    // A sentence for the user about a file that could not be used, given once; empty when all is
-    // well.
+    // Returns a sentence for the user about a file that could not be used, but only once; empty if
+    // there is no problem.
     QString takeProblem() { return std::exchange(m_problem, {}); }
-    // Why nothing can be stored, as a part of a Spanish sentence; empty when storing works or the
+    // Why nothing can be stored, as a part of a Spanish sentence. Empty if storing works or the
     // reason is not known.
     const QString& reason() const { return m_reason; }
     std::optional<QByteArray> value(const QString& key) const;
-    bool contains(const QString& key) const;    // without reading the value
+    bool contains(const QString& key) const;    // does not read the value
     bool setValue(const QString& key, const QByteArray& value);
     bool remove(const QString& key);
     QStringList keysBeginningWith(const QString& prefix) const;    // sorted
 
     enum class Durability { usual, onDisk };    // onDisk: survives a power cut as well
     enum class Traces { left, erased };         // erased: old values are overwritten in the file
-    // Stores all changes that `work` makes, or none when `work` returns false or storing fails. No
-    // other process can write meanwhile, so the values that `work` reads stay valid. Returns
-    // whether the changes are stored.
+    // Calls `work` and stores all changes that it makes, or none if it returns false or storing
+    // fails. No other process can write meanwhile, so the values that `work` reads stay valid.
+    // Returns whether the changes are stored.
     bool transaction(const std::function<bool()>& work, Durability durability = Durability::usual,
                      Traces traces = Traces::left);
 
@@ -58,7 +59,7 @@ private:
     QString m_problem, m_reason;
     bool m_open = false, m_readOnly = false, m_isInTransaction = false;
     qint64 m_sinceCheckpoint = 0, m_logBytes = 0;
-    bool m_checkpointIsLatest = false;    // no write since the checkpoint was asked for
+    bool m_checkpointIsLatest = false;    // set by a request, cleared by the next write
     struct Checkpoint;
     std::shared_ptr<Checkpoint> m_checkpoint;    // shared with the worker
 };

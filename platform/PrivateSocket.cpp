@@ -13,7 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Whether no other user can look into the folder. A link is refused: it could be led elsewhere.
+// Whether no other user can enter the folder. A symbolic link is refused, because it could later
+// lead elsewhere.
 bool isOursAlone(const QString& folder)
 {
     struct stat status = {};
@@ -36,7 +37,8 @@ QString privateSocketPath(const QString& name, const QString& dataFolder)
         const QString path = QDir(folder).filePath(name);
         return isOursAlone(folder) && fits(path) ? path : QString();
     };
-    // A program that no session manager started lacks the variable, though the folder may exist.
+    // A program that no session manager started lacks XDG_RUNTIME_DIR, although the folder may
+    // exist.
     for (const QString& runtime :
          {qEnvironmentVariable("XDG_RUNTIME_DIR"), u"/run/user/%1"_s.arg(::geteuid())}) {
         if (const QString path = pathIn(runtime); !path.isEmpty())

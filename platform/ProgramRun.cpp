@@ -13,7 +13,8 @@ ProgramRun::~ProgramRun() = default;
 
 QString ProgramRun::name()
 {
-    // isGoingOn() in another process may hold the new lock for a moment before this one does.
+    // Tries several times, because another process in isGoingOn() may lock the new file before this
+    // one does.
     constexpr int attempts = 3;
     for (int i = 0; i < attempts && !m_lock && QDir().mkpath(m_folder); ++i) {
         removeEnded();
@@ -29,12 +30,12 @@ void ProgramRun::removeEnded() const
 {
     const QStringList locks = QDir(m_folder).entryList({u"*.lock"_s}, QDir::Files);
     for (const QString& lock : locks)
-        isGoingOn(QFileInfo(lock).baseName());    // removes the lock file of an ended run
+        isGoingOn(QFileInfo(lock).baseName());    // also removes the lock file of an ended run
 }
 
 bool ProgramRun::isGoingOn(const QString& run) const
 {
-    // `run` comes from file names, which may hold anything.
+    // `run` comes from the name of a file, which may contain anything.
     if (QUuid::fromString(run).isNull())
         return false;
     if (is(run))

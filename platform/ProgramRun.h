@@ -6,17 +6,18 @@
 
 #include <memory>
 
-// One run of the program among those that share a data folder. It holds a lock, by which others see
-// that it goes on; the system releases the lock however the process ends.
+// One run of the program among those that share a data folder. It locks a file in that folder, by
+// which other runs see that this one is going on. The system releases the lock even after a crash.
 class ProgramRun {
 public:
     explicit ProgramRun(const QString& folder);
     ~ProgramRun();
 
-    // The name of this run; the first call takes its lock. Empty when the lock could not be taken.
+    // The unique name of this run; the first call takes the lock. Empty if the lock could not be
+    // taken.
     QString name();
     bool is(const QString& run) const { return m_lock && run == m_name; }
-    bool isGoingOn(const QString& run) const;    // this run or another
+    bool isGoingOn(const QString& run) const;    // `run` names this run or another
 
 private:
     QString lockFile(const QString& run) const;

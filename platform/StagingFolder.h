@@ -2,12 +2,12 @@
 
 #include "platform/ProgramRun.h"
 
-// A folder for files on their way elsewhere, which only their user may read. The destructor removes
-// it with its contents; after a crash the next StagingFolder does.
+// A folder for files that are moved elsewhere later; only their user may read it. The destructor
+// removes it with its contents. After a crash, the next StagingFolder does.
 class StagingFolder {
 public:
-    // `place`: the parent of all staging folders. Removes those of ended runs, and waits for the
-    // disk.
+    // `place` is the parent of all staging folders. Removes those of ended runs from it. Waits for
+    // the disk.
     explicit StagingFolder(const QString& place);
     ~StagingFolder();
     StagingFolder(const StagingFolder&) = delete;
@@ -15,7 +15,7 @@ public:
 
     static void removeLeftovers(const QString& place);
     bool isUsable() const { return !m_path.isEmpty(); }
-    // The program run that owns this folder.
+    // The name of the ProgramRun that owns this folder.
     QString runName() { return m_run.name(); }
     bool isGoingOn(const QString& run) const { return m_run.isGoingOn(run); }
     QString filePath(const QString& name) const { return m_path + u'/' + name; }

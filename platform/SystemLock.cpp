@@ -32,7 +32,7 @@ int openedLock(const QByteArray& path, int flags)
                       ownerOnly);
     };
     const int descriptor = attempt();
-    // The user's own file may have lost its permissions.
+    // Restores the permissions that a file of the user may have lost.
     if (descriptor < 0 && errno == EACCES && ::chmod(path.constData(), ownerOnly) == 0)
         return attempt();
     return descriptor;
@@ -43,7 +43,7 @@ SystemLock::State taken(int descriptor)
     if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0)
         return errno == EWOULDBLOCK ? SystemLock::State::others : SystemLock::State::impossible;
     struct stat status = {};
-    // The last holder may have removed the file after it was opened here.
+    // Another process may have removed the file since it was opened here.
     const bool isThere = ::fstat(descriptor, &status) == 0 && status.st_nlink > 0;
     return isThere ? SystemLock::State::ours : SystemLock::State::others;
 }

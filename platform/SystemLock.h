@@ -2,16 +2,16 @@
 
 #include <QString>
 
-// A lock on a file, which the system releases however this process ends. The contents of the file
-// do not matter, nor does a file that an ended process left behind.
+// An exclusive lock on a file. The system releases it even if this process crashes. A file that an
+// ended process left behind, with whatever contents, does not prevent the lock.
 class SystemLock {
 public:
     enum class Open { any, existing, fresh };
     enum class State {
         ours,
-        others,        // or the holder is just removing the file: worth another attempt
-        missing,       // there is no file, and Open::existing makes none
-        impossible,    // the file can neither be opened nor made
+        others,        // locked elsewhere, or just being removed there: worth another attempt
+        missing,       // there is no file, and Open::existing does not create one
+        impossible,    // the file cannot be opened, created or locked
     };
 
     explicit SystemLock(const QString& path, Open open = Open::any);

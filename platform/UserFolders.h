@@ -2,18 +2,18 @@
 
 #include <QString>
 
-// Unsets XDG_DATA_HOME and its like where they hold no absolute path: a relative one would mean
-// another folder for each working directory. Call before asking for any folder.
+// Unsets XDG_DATA_HOME and similar variables unless they contain an absolute path: a relative one
+// would mean another folder in each working directory. Call this before asking for any folder.
 void ignoreRelativeFolders();
 
-// The folder of the user's data; made if missing.
+// Returns the folder for the user's data, and creates it if it is missing.
 QString userDataFolder();
 
-// Why `folder` takes no files, as the end of a Spanish sentence: the state of its disk, else
-// `otherwise`.
+// Says why files cannot be written to `folder`, as the end of a Spanish sentence: the disk is
+// read-only or full; in all other cases, `otherwise`.
 QString whyNotWritable(const QString& folder,
                        const QString& otherwise = QStringLiteral("no hay permiso para escribir"));
 
-// Folders in the user's cache. The code that writes there makes them.
+// Folders in the user's cache, which may not exist yet.
 QString thumbnailFolder();
-QString stagingPlace();    // finished images, until they are paid for
+QString stagingPlace();    // for rendered images, until they are paid for

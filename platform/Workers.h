@@ -10,35 +10,38 @@
 #include <type_traits>
 #include <utility>
 
-// The pool for decoding, rendering and encoding: one thread per core. Not Qt's own pool: Qt divides
-// the scaling of a picture among the threads of its pool and waits, so the interface would wait
-// behind all of this work. Start work with runOnWorker().
+// The pool for decoding, rendering and encoding, with one thread per core. Not Qt's global pool: Qt
+// divides the scaling of a picture among the threads of that pool and waits for them, so the
+// interface would have to wait for all of this work. Start work with runOnWorker().
 QThreadPool& workers();
 
-// Waits for the work that has begun and drops the rest. Call before the application object is
-// destroyed: work on pictures needs it. The future of dropped or later work never finishes. It is
-// not cancelled either: a coroutine that awaits it would read a result that is not there.
+// Waits for the work that has begun and drops the rest. Call this before the application object is
+// destroyed, because work on pictures needs that object. The future of work that is dropped or
+// started later never finishes. It is not cancelled either, because a coroutine that awaits a
+// cancelled future reads a result that does not exist.
 void finishWorkers();
 
-// Lowers the calling worker thread's priority below the interface's, and names the thread.
+// Lowers the priority of the calling worker thread below that of the interface thread, and names
+// the worker.
 void yieldToInterface();
 inline constexpr const char* workerThreadName = "moltiva worker";
 
-// Urgent: short work that somebody waits for. It starts before the usual work in the queue.
+// `urgent` is for short work whose result somebody waits for: it starts before the usual work in
+// the queue.
 enum class Urgency { usual, urgent };
 void startOnWorker(std::function<void()> work, Urgency urgency = Urgency::usual);
 
-// Runs `work` on a worker. The future rethrows its exception.
+// Runs `work` on a worker. The future rethrows an exception that `work` throws.
 template <typename Work>
 auto runOnWorker(Work&& work, Urgency urgency = Urgency::usual)
     -> QFuture<std::invoke_result_t<std::decay_t<Work>>>
 {
     using Result = std::invoke_result_t<std::decay_t<Work>>;
     struct Job {
-        QFutureInterface<Result> promise;    // a QPromise cancels when it is destroyed
+        QFutureInterface<Result> promise;    // not a QPromise, whose destructor cancels the future
         std::decay_t<Work> work;
     };
-    // Shared, because the pool copies the function it runs.
+    // Shared, because QThreadPool copies the function that it runs.
     auto job = std::shared_ptr<Job>(new Job{QFutureInterface<Result>(), std::forward<Work>(work)});
     job->promise.reportStarted();
     auto future = job->promise.future();
@@ -57,7 +60,8 @@ auto runOnWorker(Work&& work, Urgency urgency = Urgency::usual)
     return future;
 }
 
-// Runs `work` on a worker and gives a default value if it throws, as when memory is short.
+// Runs `work` on a worker. If it throws, for example because memory is short, the result is a
+// default value.
 template <typename Work>
 auto tryOnWorker(Work work) -> QFuture<std::invoke_result_t<Work>>
 {

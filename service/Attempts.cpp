@@ -13,7 +13,8 @@ bool Attempts::allow(const QString& key, qint64 now)
     const std::scoped_lock lock(m_mutex);
     if (m_times.size() >= mostKeys)
         dropOld(now);
-    // A client that tries under many keys must not keep the others out.
+    // Drops the oldest key when there are too many: a client that tries under many keys must not
+    // keep others out.
     if (m_times.size() >= mostKeys && !m_times.contains(key))
         dropOldest();
     QList<qint64>& times = m_times[key];

@@ -6,15 +6,16 @@
 
 #include <mutex>
 
-// Limits how often something may be tried under a key. The attempts are kept in memory only. Used
-// from any thread.
+// Limits how often something may be tried under a key. Forgets everything when the program ends.
+// May be used from any thread.
 class Attempts {
 public:
     Attempts(int most, qint64 window) : m_most(most), m_window(window) {}
 
-    // Counts an attempt and returns true, unless `most` were made within the window (milliseconds).
+    // Returns false if `key` has had `most` attempts within the last `window` milliseconds; else
+    // counts this one and returns true.
     bool allow(const QString& key, qint64 now);
-    void forget(const QString& key);    // after a success: counts from 0 again
+    void forget(const QString& key);    // restarts the count at 0, as after a success
 
 private:
     void dropOld(qint64 now);

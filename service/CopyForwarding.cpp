@@ -70,7 +70,8 @@ const json::Value& member(const json::Value& object, const char* key)
     return object.is_object() && found != object.end() ? *found : none;
 }
 
-// Some providers give the content as one string, some as a list of parts.
+// Reads the content of a message, which some providers give as one string, others as a list of
+// parts.
 QString contentText(const json::Value& content)
 {
     QString text;
@@ -160,7 +161,8 @@ std::optional<GeneratedCopy> copyFromAnswer(QByteArrayView answer)
     if (!choices.is_array() || choices.empty())
         return std::nullopt;
     const QString text = contentText(member(member(choices.front(), "message"), "content"));
-    // Models like to wrap the object in a code fence or to put words before it.
+    // Finds the JSON object in the text: models often put it in a code fence or put words before
+    // it.
     const qsizetype begin = text.indexOf(u'{'), end = text.lastIndexOf(u'}');
     if (begin < 0 || end < begin)
         return std::nullopt;

@@ -10,14 +10,16 @@
 #include <atomic>
 #include <optional>
 
-// A server that writes texts for an image. It speaks the interface known as "chat completions".
+// A server that writes texts for an image. It speaks the HTTP interface known as "chat
+// completions".
 struct CopyProvider {
-    QString address;    // with or without /chat/completions
-    QString key;        // may be empty; never sent in the clear to another machine
+    QString address;    // URL, with or without /chat/completions at its end
+    QString key;        // may be empty; sent to other machines over https only
     QString model;
 };
 
-// Read from MOLTIVA_COPY_URL, _KEY and _MODEL, else from the group [copy] of moltiva.conf.
+// Reads MOLTIVA_COPY_URL, _KEY and _MODEL; for each that is empty, the group [copy] of
+// moltiva.conf.
 CopyProvider configuredCopyProvider();
 
 struct CopyOrder {
@@ -33,12 +35,12 @@ struct PreparedCopyOrder {
     QByteArray body;
 };
 
-// Throws Refusal when the provider is not set up.
+// Throws Refusal when the provider's settings are missing or not supported.
 PreparedCopyOrder preparedCopyOrder(const CopyProvider& provider, const CopyOrder& order);
 
-// Sends the order and blocks until it is answered, four minutes at most and not beyond `isEnding`.
-// Throws Refusal.
+// Sends the order and blocks until the answer arrives. Gives up after four minutes, or when
+// `isEnding` becomes true. Throws Refusal on failure.
 GeneratedCopy forwardCopyOrder(const PreparedCopyOrder& order, const std::atomic_bool& isEnding);
 
-// The texts in the answer of a provider; nothing unless all five are there.
+// Reads the texts in a provider's answer. Nothing if one of the five is missing or too long.
 std::optional<GeneratedCopy> copyFromAnswer(QByteArrayView answer);

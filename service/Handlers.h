@@ -3,7 +3,7 @@
 struct ServiceReply;
 struct Visit;
 
-// The handlers of the table of routes; each throws Refusal.
+// Handlers of the routes in Routes.cpp. Each may throw Refusal, which becomes an error reply.
 
 ServiceReply signIn(Visit& visit);
 ServiceReply registerAccount(Visit& visit);

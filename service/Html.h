@@ -5,7 +5,8 @@
 
 #include <utility>
 
-// A piece of HTML. Plain text becomes one only through html::text and Attributes, which escape it.
+// A piece of HTML code. Plain text becomes Html only through html::text() and Attributes, which
+// escape it.
 struct Html {
     QString code;
 };
@@ -26,7 +27,7 @@ Html text(const QString& text);
 // For input and img, which have no end tag, `content` is dropped.
 Html tag(const char* name, const Html& content = {}, const Attributes& attributes = {});
 Html paragraph(const QString& text, const QString& kind = {});
-// The error of a form; nothing for an empty sentence.
+// A paragraph with an error message; empty for an empty sentence.
 Html problem(const QString& sentence);
 Html link(const QString& address, const QString& label, const QString& kind = {});
 

@@ -12,18 +12,19 @@
 
 enum class ServiceMethod { get, post, patch };
 
-// A request as its handler sees it; no part of it has been checked.
+// A request as its handler gets it. The values of `query`, `form`, `cookies` and `body` come from
+// the client unchecked.
 struct ServiceRequest {
     ServiceMethod method = ServiceMethod::get;
-    QString path;                           // decoded
-    QString base;                           // "http://127.0.0.1:4321", as the client wrote it
-    QHash<QString, QString> query, form;    // of equal names the first
+    QString path;                           // percent-decoded
+    QString base;                           // "http://127.0.0.1:4321", from the Host header
+    QHash<QString, QString> query, form;    // the first value of each name
     QHash<QByteArray, QByteArray> cookies;
     QByteArray body = {};
-    QString source = {};    // the client's user on this machine, or its address
+    QString source = {};    // identifies the client; see ConnectionPeer::source
     bool isLocal = true;    // the client is a program of our own user on this machine
-    // A handler calls it before a long wait: empties `body` and gives back the memory that was
-    // taken for it, for which other requests may be waiting.
+    // Empties `body` and frees its share of the memory budget, for which other requests may be
+    // waiting. A handler calls it before a long wait.
     std::function<void()> releaseBody = [] {};
 };
 

@@ -8,7 +8,9 @@ Rendezvous::Rendezvous(const QString& socketPath, const QByteArray& line, Patien
     : QObject(parent), m_server(new QLocalServer(this)), m_line(line), m_after(patience.after)
 {
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    QLocalServer::removeServer(socketPath);    // left by a killed service; ours holds the lock
+    // Removes a socket that a killed service has left. No live service can be using it, because
+    // this one has the lock of the data folder.
+    QLocalServer::removeServer(socketPath);
     m_server->listen(socketPath);
     connect(m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* socket = m_server->nextPendingConnection())
@@ -37,13 +39,12 @@ void Rendezvous::greet(QLocalSocket* socket)
     connect(socket, &QLocalSocket::disconnected, this, [this, socket] { leave(socket); });
     socket->write(m_line);
     socket->flush();
-    // The socket may have disconnected before its signal was connected.
+    // Handles a socket that disconnected before its signal disconnected() was connected.
     if (socket->state() == QLocalSocket::UnconnectedState)
         leave(socket);
 }
 
-// Does nothing when called again: a socket may report its disconnection while greet() writes to it,
-// and once more later.
+// Called by the signal of the socket and perhaps by greet(); the second call does nothing.
 void Rendezvous::leave(QLocalSocket* socket)
 {
     if (!m_present.remove(socket))

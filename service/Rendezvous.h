@@ -9,14 +9,14 @@
 class QLocalServer;
 class QLocalSocket;
 
-// Tells each program that connects where the service is, and knows whether any is still connected:
-// a connection ends with its process, however that ends.
+// Sends `line`, which holds the service's address, to each program that connects, and notices when
+// none is connected any more. The system closes the connection of a program even if it crashes.
 class Rendezvous : public QObject {
     Q_OBJECT
 public:
     struct Patience {
-        int first = 20'000;    // ms until the first program has to connect
-        int after = 3'000;     // ms after the last one has disconnected
+        int first = 20'000;    // ms to wait for the first program
+        int after = 3'000;     // ms to wait after the last program has disconnected
     };
 
     Rendezvous(const QString& socketPath, const QByteArray& line, Patience patience,
@@ -26,7 +26,7 @@ public:
     void close();
 
 Q_SIGNALS:
-    // No program has connected in time, or the last one has left.
+    // Emitted when the time of `Patience` has passed without a connected program.
     void unused();
 
 private:

@@ -8,13 +8,13 @@ struct Visit;
 enum class RouteNeeds {
     nothing,
     session,
-    administrator,    // as well as a session
-    ourForm,          // a form that we showed in the same browser
+    administrator,    // a session of the administrator
+    ourForm,          // a form that the service has shown in the same browser
 };
 
 enum class RouteKind {
-    byPath,    // below /api for JSON records, else for pages
-    page,      // opened by a browser, also below /api
+    byPath,    // refused with a JSON record below /api/, with a page elsewhere
+    page,      // opened in a browser: refused with a page, also below /api/
 };
 
 struct Route {
@@ -26,14 +26,15 @@ struct Route {
     RouteKind kind = RouteKind::byPath;
 };
 
-// Checks a request before its body is read. Throws Refusal for an unknown path, a wrong method or a
-// missing session; else returns how many bytes the body may have.
+// Checks `head`, a request whose body has not been read. Throws Refusal for an unknown path, a
+// wrong method, a missing session or a user who is not the administrator. Returns how many bytes
+// the body may have.
 qint64 admit(Service& service, const ServiceRequest& head);
 
-// The reply that tells a refusal: a page where a browser asked for one, else a JSON record.
+// The reply for a refusal: a page for the routes that browsers open, else a JSON record.
 ServiceReply refused(Service& service, const ServiceRequest& request, const Refusal& refusal);
 
-// The reply of the route's handler, or one that tells what went wrong. Never throws.
+// The reply of the route's handler, or an error reply. Never throws.
 ServiceReply answer(Service& service, const ServiceRequest& request);
 
 inline bool isApi(const QString& path)

@@ -24,8 +24,8 @@ ServiceSettings completed(ServiceSettings settings)
     return settings;
 }
 
-// The key of the forms' seals, stored so that forms in open pages stay valid when the service
-// starts again.
+// The key that seals forms. It is stored, so that the forms of pages open in a browser stay valid
+// after a restart.
 QByteArray keptFormKey(Transaction& transaction)
 {
     Rows found = transaction.rows("SELECT value FROM setting WHERE name = 'form_key'");
@@ -47,7 +47,7 @@ Service::Service(const ServiceSettings& settings)
     : m_settings(completed(settings)),
       m_database(databaseFile(m_settings.dataFolder), &bringUpToDate, m_settings.history)
 {
-    // A crash may have left temporary pictures.
+    // Removes temporary pictures that a crash may have left.
     const QDir data(m_settings.dataFolder);
     QDir(data.filePath(u"temporal"_s)).removeRecursively();
     Transaction transaction(m_database);

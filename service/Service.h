@@ -17,10 +17,10 @@ enum class ServiceAudience {
 
 struct ServiceSettings {
     QString dataFolder;                                           // must exist
-    Database::History history = Database::History::perhapsNew;    // of the database in it
+    Database::History history = Database::History::perhapsNew;    // of the database in `dataFolder`
     ServiceAudience audience = ServiceAudience::everybody;
-    // E-mail address of the administrator; may be empty. Counts only with ServiceAudience::ownUser:
-    // elsewhere anybody could register that address first.
+    // E-mail address of the administrator; may be empty. Ignored with ServiceAudience::everybody,
+    // because anybody could register that address first.
     QString administrator = {};
     std::function<CopyProvider()> copyProvider = configuredCopyProvider;
     std::function<qint64()> now;    // milliseconds since 1970; the system's clock when empty
@@ -49,17 +49,17 @@ public:
     void setAddress(const QString& address) { m_address = address; }
     const QString& address() const { return m_address; }
 
-    // Counts a request that hashes a password or adds an account, by the client's source. Throws
-    // Refusal when there are too many.
+    // Counts `request`, which hashes a password or adds an account, for its source. Throws Refusal
+    // when the source has sent too many.
     void countSource(const ServiceRequest& request);
     Attempts& signInAttempts() { return m_signInAttempts; }
     Attempts& resetAttempts() { return m_resetAttempts; }
 
-    // A sub-folder of the data folder; created, for this user only, when it is missing.
+    // A subfolder of the data folder. Creates it if it is missing, with access for this user only.
     QDir folder(const QString& name) const;
     const QString& dataFolder() const { return m_settings.dataFolder; }
 
-    // True once the service is ending; requests that take long look at it.
+    // Becomes true when the service ends. Requests that take long check it.
     std::atomic_bool& isEnding() { return m_isEnding; }
 
 private:
@@ -67,7 +67,8 @@ private:
     Database m_database;
     QByteArray m_formKey;
     QString m_address;
-    // By source. Programs of our own user have the higher limit, because one user runs many.
+    // Limits per source. The limit of our own user is higher, because all programs of a user are
+    // one source.
     Attempts m_sourceAttempts{60, 60 * 60 * 1000}, m_ownAttempts{1200, 60 * 60 * 1000};
     Attempts m_signInAttempts{10, 10 * 60 * 1000};
     Attempts m_resetAttempts{5, 15 * 60 * 1000};

@@ -63,8 +63,8 @@ ServiceReply seeOther(const QString& path)
 
 Html form(Visit& visit, const QString& action, const Html& content)
 {
-    // All pages in a browser share one secret; opening a second page would invalidate the form of
-    // the first otherwise.
+    // All pages in a browser share one secret: a new one would invalidate the forms of pages that
+    // are already open.
     if (visit.formSecret.isEmpty()) {
         const QByteArray held = visit.request.cookies.value(formCookie);
         visit.formSecret = looksLikeToken(held) ? held : newToken();

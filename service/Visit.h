@@ -9,12 +9,12 @@
 
 class Service;
 
-// One request on its way through its handler.
+// A request with what its handler needs to answer it.
 struct Visit {
     Service& service;
     const ServiceRequest& request;
-    Account account;               // filled in where the route needs a session
-    QByteArray formSecret = {};    // identifies the browser; see form()
+    Account account;               // set only where the route needs a session
+    QByteArray formSecret = {};    // random; identifies the browser, see form()
 };
 
 // The part of the path after its last slash.
@@ -29,7 +29,7 @@ ServiceReply wireReply(const Record& record)
     return {.body = toWire(record)};
 }
 
-// The body as a Record. Throws Refusal with `code` when it is none.
+// Reads the body as a Record. Throws Refusal with `code` when the body is not a Record.
 template <typename Record>
 Record wireBody(const Visit& visit, const char* code = "invalid_request")
 {
@@ -47,19 +47,20 @@ ServiceReply pageReply(const Visit& visit, const QString& title, const Html& con
                        int status = 200);
 ServiceReply seeOther(const QString& path);
 
-// A form that only the browser it was shown in can send, and only to `action`. Must be made before
-// the page's reply: pageReply() sends the browser the cookie that goes with it.
+// A form that can be sent only by the browser that showed it, and only to `action`. Call it before
+// pageReply(), which sends the cookie that identifies the browser.
 Html form(Visit& visit, const QString& action, const Html& content);
 bool formIsOurs(const Visit& visit);
 
-// A page with a link back to the studio (moltiva://), which the browser may not know how to open.
+// A page with a moltiva:// link back to the studio. It also shows the link as text, because the
+// browser may not know how to open it.
 ServiceReply deepLinkPage(const Visit& visit, const QString& title, const QString& sentence,
                           const QString& label, const QString& link);
 // A page that holds one sentence, such as why something cannot be shown.
 ServiceReply sentencePage(const Visit& visit, int status, const QString& title,
                           const QString& sentence);
-// Throws Refusal unless the client is our own user on this machine. For pages that show what a
-// mailbox or a password would protect elsewhere.
+// Throws Refusal unless the client is a program of our own user on this machine. For the pages that
+// show mails and stand in for Google's sign-in: they ask for no password.
 void needThisMachine(const Visit& visit);
 
 QByteArray styleSheet();

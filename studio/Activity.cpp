@@ -23,7 +23,7 @@ const Activity* Activities::foremost() const
 void Activities::stop(Activity::Kind kind) const
 {
     const Activity* running = find(kind);
-    // Calls a copy: the activity may end, and its function with it, during the call.
+    // Copies `stop` before the call, which may end the activity and so destroy the original.
     if (const auto ask = running ? running->stop : nullptr)
         ask();
 }

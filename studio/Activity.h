@@ -6,24 +6,23 @@
 #include <map>
 #include <optional>
 
-// Something that takes longer than a moment, with all that the window needs to show it, to stop it
-// and to close around it. A value.
+// A long operation, with all that the window needs to show it, to stop it and to wait for its end.
 struct Activity {
-    // In rising order of importance, for Activities::foremost().
+    // In ascending order of importance; see Activities::foremost().
     enum class Kind { account, restoring, importing, exporting };
     static constexpr qsizetype unknown = -1;
 
     Kind kind = Kind::account;
-    qsizetype done = 0, total = unknown;    // images, or another unit of the work
-    std::function<void()> stop = {};        // requests its end; empty: it cannot be stopped
-    bool delaysClosing = false;        // the window stops it and waits for its end before closing
-    PublicationItems incoming = {};    // of an import: the photos accepted so far
+    qsizetype done = 0, total = unknown;    // amount of work, in images or another unit
+    std::function<void()> stop = {};        // asks the activity to end; empty: it cannot be stopped
+    bool delaysClosing = false;        // before closing, the window stops it and waits for its end
+    PublicationItems incoming = {};    // items that an import has made so far
 
-    // From 0 to 1; empty while the total is unknown.
+    // The share of the work that is done, from 0 to 1; empty while the total is unknown.
     std::optional<double> fraction() const;
 };
 
-// What is under way, at most one activity of each kind.
+// The activities under way, at most one of each kind.
 class Activities {
 public:
     void set(const Activity& activity) { m_running[activity.kind] = activity; }
@@ -31,9 +30,10 @@ public:
 
     // Null when no activity of this kind is under way.
     const Activity* find(Activity::Kind kind) const;
-    // The activity that the status line shows and stops; null when none is under way.
+    // The most important activity, which the status line shows and can stop; null when none is
+    // under way.
     const Activity* foremost() const;
-    // An activity that must end before the window closes; null when none must.
+    // An activity that must end before the window closes; null if there is none.
     const Activity* delayingClosing() const;
     void stop(Activity::Kind kind) const;
 

@@ -54,10 +54,10 @@ void Editing::endCanvasHistoryEdit(QUuid movedLayer)
     const Batch before = *m_history.endCanvasEdit();
     if (before == m_batch)
         return;
-    // A gesture that changed only the selection, as a pan that moves nothing does, is no step.
+    // A gesture that changed only the selection is not an undo step.
     if (!(before.items == m_batch.items))
         registerUndo(before, Step::gesture());
-    // After the step is recorded: receivers read the history.
+    // Emitted only after registerUndo(), because receivers read the history.
     Q_EMIT changed(Outcome::state, Pace::once);
 }
 
@@ -67,7 +67,8 @@ void Editing::applyHistorySnapshot(const StudioHistorySnapshot& snapshot)
     m_batch = snapshot;
     BatchSelection::keepInvariants(m_batch, BatchSelection::LayerRule::anyOrNone);
     Q_EMIT changed(Outcome::state, Pace::once);
-    // Queued: receivers of changed() may write the restored values back, which is no new step.
+    // Waits for the next turn of the event loop: receivers of changed() may write the restored
+    // values back, which must not be recorded as a new step.
     QMetaObject::invokeMethod(
         this, [this] { m_isApplyingHistory = false; }, Qt::QueuedConnection);
 }
@@ -76,6 +77,6 @@ void Editing::amend(const Change& apply)
 {
     apply(m_batch);
     m_history.amend(apply);
-    // Else a later change could join a step from before the payment.
+    // Prevents a later change from joining a step recorded before this one.
     m_history.endStep();
 }

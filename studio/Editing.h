@@ -7,14 +7,15 @@
 
 #include <functional>
 
-// The batch under edit, with its history. Every change of the batch goes through here, and belongs
-// to a step.
+// Holds the batch that the user edits, with its undo history. Every change of the batch is made
+// through this class.
 class Editing : public QObject {
     Q_OBJECT
 public:
     using Clock = std::function<StudioHistory::Time()>;
     using Change = std::function<void(Batch&)>;
-    // Kind of a change. Undo, redo and the end of a gesture are `state`: anything may have changed.
+    // What a change affected: nothing, only the selection, or the content (`edit`). After undo,
+    // redo or the end of a gesture it is `state`: anything may have changed.
     enum class Outcome { nothing, selection, edit, state };
 
     explicit Editing(Clock clock) : m_clock(std::move(clock)) {}
@@ -22,33 +23,34 @@ public:
     const Batch& batch() const { return m_batch; }
     const StudioHistory& history() const { return m_history; }
 
-    // Records changes in the history from now on.
+    // Starts to record changes in the history.
     void start() { m_isRecording = true; }
-    // Replaces the batch without an undo step or a signal.
+    // Replaces the batch and clears the history. Emits nothing.
     void replace(const Batch& batch);
 
     void change(const Change& apply, const Step& step = Step::joined(), Pace pace = Pace::once);
-    // Applies the result of work that went on while the user edited. First ends a gesture. The step
-    // is recorded even during an undo, and changes that receivers of changed() make in reply belong
-    // to it.
+    // Applies the result of work during which the user could go on editing. First ends a gesture
+    // under way. The change is recorded even while an undo is being applied. Changes that receivers
+    // of changed() make in response belong to the same step.
     void bringBack(const Change& apply, const Step& run = Step::run());
 
     void beginCanvasHistoryEdit();
     void endCanvasHistoryEdit(QUuid movedLayer);
     bool isGestureActive() const { return m_history.isCanvasEditActive(); }
 
-    // The state to return to, for applyHistorySnapshot(); empty when there is none.
+    // Take the state to restore from the history, for applyHistorySnapshot(); empty if there is
+    // none.
     std::optional<StudioHistorySnapshot> takeUndo() { return m_history.undo(m_batch); }
     std::optional<StudioHistorySnapshot> takeRedo() { return m_history.redo(m_batch); }
     void applyHistorySnapshot(const StudioHistorySnapshot& snapshot);
 
-    // Changes the batch and all states of the history by something that is no edit: payments. Emits
-    // nothing.
+    // Applies to the batch and to all states in the history a change that undo must not revert,
+    // such as a payment. Emits nothing.
     void amend(const Change& apply);
 
 Q_SIGNALS:
-    // Another state comes next: receivers now end what is being typed or dragged, as an edit of
-    // this one.
+    // Emitted before another state replaces the present one. Receivers finish what is being typed
+    // or dragged, while that still edits the present state.
     void aboutToMove();
     void changed(Editing::Outcome outcome, Pace pace);
 
@@ -60,5 +62,5 @@ private:
     StudioHistory m_history;
     bool m_isRecording = false;
     bool m_isApplyingHistory = false;
-    std::optional<Step> m_run;    // the step of a bringBack() under way
+    std::optional<Step> m_run;    // the step of the bringBack() under way, if any
 };

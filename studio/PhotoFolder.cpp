@@ -26,7 +26,8 @@ QList<QUrl> photosInFolder(const QString& folder)
     QFileInfoList files = QDir(folder).entryInfoList(QDir::Files, QDir::Unsorted);
     files.removeIf(
         [](const QFileInfo& file) { return !photoExtensions().contains(file.suffix().toLower()); });
-    // Names a locale, because QCollator ignores the numeric mode in the C locale of a fresh system.
+    // Sets a locale, because QCollator ignores the numeric mode in the C locale, which is the
+    // default on a system without language settings.
     QCollator order(QLocale(u"es"_s));
     order.setNumericMode(true);
     std::ranges::sort(files, [&](const QFileInfo& a, const QFileInfo& b) {
@@ -39,7 +40,7 @@ QList<QUrl> photosInFolder(const QString& folder)
     return urls;
 }
 
-// Reads the folder without Qt, whose listings leave out names that are no valid UTF-8.
+// Reads the folder without QDir, which leaves out names that are not valid UTF-8.
 QStringList unreachablePhotosInFolder(const QString& folder)
 {
     namespace fs = std::filesystem;

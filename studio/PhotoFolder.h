@@ -5,19 +5,19 @@
 #include <QStringList>
 #include <QUrl>
 
-// The photos of a folder: files ending in jpg, jpeg, png, heic or tiff in any case, in natural name
-// order; hidden files and sub-folders are skipped.
+// The photos in a folder: files ending in jpg, jpeg, png, heic or tiff in any case, sorted by name
+// with numbers by value ("2" before "10"). Skips hidden files and sub-folders.
 QList<QUrl> photosInFolder(const QString& folder);
 
-// Names of the folder's photos that cannot be opened: no URL can hold a name that is no valid
-// UTF-8. Its wrong bytes are given as U+FFFD.
+// Names of the photos in a folder that cannot be opened, because a name that is not valid UTF-8
+// does not fit in a QUrl. The invalid bytes are given as U+FFFD.
 QStringList unreachablePhotosInFolder(const QString& folder);
 
 struct FoundPhotos {
     QList<QUrl> photos;
-    QStringList unreachable;    // names of photos without a URL, and of unreadable folders
+    QStringList unreachable;    // from unreachablePhotosInFolder(), and names of unreadable folders
 };
 
-// The photos of files and folders, in order. A folder gives its photos; a file is taken whatever
-// its name, because its content decides later.
+// The photos of files and folders, in their order. A folder stands for the photos in it. A file is
+// included whatever its name, because its content is checked later.
 FoundPhotos photosIn(const QList<QUrl>& filesAndFolders);

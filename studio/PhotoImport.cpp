@@ -33,11 +33,11 @@ Accepted acceptedItem(const QUrl& url, PhotoCache& cache, PhotoImport::Look look
     try {
         return itemOf(url, cache, look);
     } catch (const std::exception&) {
-        return std::nullopt;    // short of memory: like a photo that cannot be read
+        return std::nullopt;    // out of memory: treated like a photo that cannot be read
     }
 }
 
-// A file's name as one line, without characters that turn the direction of the text.
+// A file name as a single line, without characters that change the writing direction.
 QString lineOf(const QString& name)
 {
     QString line = plainText(name).replace(u'\n', u' ');
@@ -45,20 +45,20 @@ QString lineOf(const QString& name)
     return line;
 }
 
-// The state that the lanes of one import share.
+// State of one import, shared by its lanes. A lane is a coroutine that reads photo after photo.
 struct ImportRun {
     QList<QUrl> photos;
     std::shared_ptr<PhotoCache> cache;
     std::shared_ptr<PhotoImport::Control> control;
     PhotoImport::Look look = PhotoImport::Look::picture;
-    std::vector<Accepted> results;    // in the order of the photos
+    std::vector<Accepted> results;    // by index in `photos`
     std::vector<bool> isLooked;
-    qsizetype next = 0;    // the first photo no lane has taken
-    qsizetype told = 0;    // photos before this one are in the progress
+    qsizetype next = 0;    // index of the first photo that no lane has taken
+    qsizetype told = 0;    // photos before this index are in `progress` if accepted
     PhotoImport::Progress progress;
 
-    // Photos finish in any order, but are reported in the order of the files, so that no picture
-    // moves once it is shown.
+    // Stores the result for one photo. Photos finish in any order, but `progress` lists them in the
+    // order of the files, so that pictures already shown do not move.
     void take(qsizetype index, const Accepted& item)
     {
         results[std::size_t(index)] = item;
@@ -83,7 +83,7 @@ struct ImportRun {
     }
 };
 
-// Looks at one photo after the other, until the run has none left.
+// Reads one photo after the other until none is left or the import is stopped.
 QCoro::Task<> lane(std::shared_ptr<ImportRun> run)
 {
     while (run->next < run->photos.size() && !run->control->stop) {
@@ -103,7 +103,7 @@ QCoro::Task<std::optional<PhotoImport::Imported>>
 PhotoImport::importPhotos(QList<QUrl> filesAndFolders, std::shared_ptr<PhotoCache> cache,
                           std::shared_ptr<Control> control, Look look)
 {
-    // A variable of its own: GCC 12 destroys twice what is made inside an awaiting expression.
+    // A separate variable, because GCC 12 destroys a lambda in a co_await expression twice.
     QFuture<FoundPhotos> listing =
         runOnWorker([filesAndFolders] { return photosIn(filesAndFolders); });
     auto run = std::make_shared<ImportRun>();

@@ -12,13 +12,13 @@
 #include <functional>
 #include <memory>
 
-// Makes items of photos. A photo is accepted when a worker could look at it as Look says; the names
-// of the others are reported.
+// Makes items from photo files. `Look` says how a photo is checked. The names of photos that fail
+// the check are reported.
 namespace PhotoImport {
 
 enum class Look {
-    picture,    // a reduced decoding, whose thumbnail is kept
-    header,     // no decoding where the header tells the size: drawing it may still fail
+    picture,    // decodes the photo at a reduced size and stores its thumbnail
+    header,     // reads only the header if that gives the size; decoding may still fail later
 };
 
 struct Progress {
@@ -26,7 +26,7 @@ struct Progress {
     PublicationItems accepted;          // so far, in the order of the files
 };
 
-// Shared by a running import and its caller, who may stop it.
+// Shared by a running import and its caller, who sets `stop` to end the import.
 struct Control {
     std::atomic_bool stop = false;
     std::function<void(const Progress&)> progressed;    // on the caller's thread; may be empty
@@ -34,11 +34,12 @@ struct Control {
 
 struct Imported {
     PublicationItems items;
-    QStringList unreadable;    // names of files
+    QStringList unreadable;    // file names
 };
 
-// The items of these files and folders, in order; none when `control` stopped the import. Only a
-// few decodings wait in the workers' queue at any time, so that work for the screen gets its turn.
+// Imports the photos of files and folders, in their order; returns nothing if `control` stopped the
+// import. Queues only a few photos on the workers at a time, so that work for the screen need not
+// wait long.
 QCoro::Task<std::optional<Imported>> importPhotos(QList<QUrl> filesAndFolders,
                                                   std::shared_ptr<PhotoCache> cache,
                                                   std::shared_ptr<Control> control,

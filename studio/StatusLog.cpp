@@ -32,7 +32,7 @@ void StatusLog::append(StatusEntry entry)
         m_entries.removeFirst();
 }
 
-// Returns whether current() is another sentence afterwards.
+// Outdates the entries for which `matches` is true. Returns whether that changes current().
 template <typename Matches>
 bool StatusLog::outdateWhere(Matches matches)
 {

@@ -9,15 +9,15 @@
 #include <chrono>
 #include <functional>
 
-// Kind of a sentence. `warning`: a problem that the user can go on with; `error`: what the user
-// asked for has failed; `working`: a step of an activity, outdated when the activity ends.
+// Kind of a status sentence. `warning`: a problem, but the user can go on. `error`: what the user
+// asked for has failed. `working`: progress of an activity, outdated when the activity ends.
 enum class StatusKind { note, done, warning, error, working };
 
-// What the button behind a sentence opens.
+// What the button beside a status sentence opens.
 struct StatusLink {
-    QString folder = {};         // of the files in the sentence; empty: none
-    bool isPurchase = false;     // the purchase of credits
-    QStringList details = {};    // the names that the sentence only counts
+    QString folder = {};         // contains the files that the sentence is about; empty: none
+    bool isPurchase = false;     // opens the purchase of credits
+    QStringList details = {};    // names of the files that the sentence only counts
     bool operator==(const StatusLink&) const = default;
 };
 
@@ -25,46 +25,49 @@ struct StatusEntry {
     StatusKind kind = StatusKind::note;
     QString sentence = {};
     StatusLink link = {};
-    QDateTime time = {};                                // local time of tell()
-    std::chrono::steady_clock::time_point told = {};    // the same moment, for the entry's age
-    std::optional<Activity::Kind> activity = {};        // whose step a `working` sentence is
-    bool isOutdated = false;                            // no longer true of the present
+    QDateTime time = {};                                // local time at which the user was told
+    std::chrono::steady_clock::time_point told = {};    // the same moment, to measure its age
+    std::optional<Activity::Kind> activity = {};        // of a `working` sentence
+    bool isOutdated = false;                            // no longer describes the present state
     bool operator==(const StatusEntry&) const = default;
 };
 
-// All sentences told to the user. A new sentence outdates the earlier ones. An activity's step does
-// not: when the activity ends, the sentence from before it is current again.
+// The status sentences told to the user. tell() marks the earlier sentences as outdated; tellStep()
+// does not, so when the activity ends, the sentence from before it is current again.
 class StatusLog : public QObject {
     Q_OBJECT
 public:
     using Clock = std::function<std::chrono::steady_clock::time_point()>;
     using Calendar = std::function<QDateTime()>;
 
-    // `clock` tells the age of sentences: the calendar may be set back.
+    // `clock` measures the age of sentences, because `calendar` follows the system time, which may
+    // be set back.
     explicit StatusLog(Clock clock, Calendar calendar = &QDateTime::currentDateTime);
 
     // The newest sentence that is not outdated; an empty entry if there is none.
     const StatusEntry& current() const;
-    // The last fifty, oldest first. All steps of an activity are one entry.
+    // The last fifty, oldest first. Each activity has only one entry, for its latest step.
     const QList<StatusEntry>& entries() const { return m_entries; }
 
-    // An empty sentence only outdates the others.
+    // Adds a sentence and outdates the earlier ones, except steps of activities. An empty sentence
+    // is not added, but outdates as well.
     void tell(const QString& sentence, StatusKind kind = StatusKind::note,
               const StatusLink& link = {});
-    // A step of the activity takes the place of the step before.
+    // Adds a sentence on the progress of an activity, in place of the previous one about it.
     void tellStep(Activity::Kind activity, const QString& sentence);
-    // Outdates the activity's step: the activity is over.
+    // Outdates the step of an activity that has ended.
     void endSteps(Activity::Kind activity);
-    // Outdates what was told before this turn of the event loop, because the batch changed. Spares
-    // a problem that is too new to have been read, and a sentence with names in its link, which are
-    // told nowhere else.
+    // Outdates the sentences after a change of the batch. Does nothing if tell() was called in the
+    // same turn of the event loop, because that sentence is about the change. Spares steps of
+    // activities, problems too recent to have been read, and sentences with StatusLink::details,
+    // which are shown nowhere else.
     void outdate();
-    // Whether the current sentence is a problem that is too new to have been read.
+    // Whether the current sentence is a problem too recent to have been read.
     bool isProblemUnread() const;
 
 Q_SIGNALS:
     void changed();
-    void told(const StatusEntry& entry);    // tell() was called with a sentence
+    void told(const StatusEntry& entry);    // tell() was called with a non-empty sentence
 
 private:
     bool isUnread(const StatusEntry& entry) const;

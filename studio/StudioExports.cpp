@@ -20,7 +20,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto costDebounce = 15ms;
-// A shown price is removed when the new one takes longer than this.
+// A displayed price is removed if the new one takes longer than this.
 constexpr auto costPatience = 90ms;
 
 StatusKind kindOf(const ExportOutcome& outcome)
@@ -59,7 +59,7 @@ StudioExports::StudioExports(std::shared_ptr<PhotoCache> photos, const OutputSiz
     connect(&m_costsAreLate, &QTimer::timeout, this, [this] {
         m_displayedExportCurrentCost = m_displayedExportAllCost = std::nullopt;
         Q_EMIT costsChanged();
-        showCosts();    // one of the two prices may be known
+        showCosts();    // one of the two prices may already be known
     });
 }
 
@@ -91,8 +91,8 @@ void StudioExports::setJournal(CreditJournal& journal, const QString& stagingPla
     runOnWorker([stagingPlace] { StagingFolder::removeLeftovers(stagingPlace); });
 }
 
-// Tells of a refund now, or after the export or the restore under way, whose sentences it must not
-// replace.
+// Emits a sentence about a refund or a loss of credits. During an export or the restore, keeps it
+// until the end, so that it does not replace the sentence about the outcome.
 void StudioExports::tellLater(const QString& sentence, StatusKind kind)
 {
     m_refundToTell += u' ' + sentence;
@@ -117,7 +117,8 @@ void StudioExports::follow(const Batch& batch)
     m_costs.scheduleRenderCostRefresh(batch, costDebounce);
 }
 
-// Shows the prices as far as they are known; an unknown one keeps its old value for costPatience.
+// Updates the displayed prices. A price that is not known yet keeps its old value for
+// `costPatience`.
 void StudioExports::showCosts()
 {
     const Batch& batch = m_costs.batch();
@@ -148,8 +149,8 @@ QList<int> StudioExports::exportIndices() const
     return all;
 }
 
-// Empty, with a sentence for the user, when an item is gone: the batch may have been replaced while
-// the user chose the folder.
+// The indices of items in the batch. If one is gone, tells the user and returns nothing: the batch
+// may have been replaced while the user chose the folder.
 std::optional<QList<int>> StudioExports::indicesOf(const QList<QUuid>& items)
 {
     QHash<QUuid, int> places;
@@ -179,7 +180,8 @@ void StudioExports::exportItems(const QList<QUuid>& items, const QString& folder
     const auto indices = indicesOf(items);
     if (!indices)
         return;
-    // Names are made for the whole batch: an item's name must not depend on the others exported.
+    // Makes the paths for the whole batch, so that the name of a file does not depend on which
+    // items are exported.
     const QStringList paths = exportPaths(filesOf(m_costs.batch().items), folder);
     QStringList destinations;
     for (const int index : *indices)
@@ -220,7 +222,7 @@ QCoro::Task<> StudioExports::runToEnd(QPointer<StudioExports> self, ExportReques
     try {
         outcome = co_await std::move(running);
     } catch (const std::exception&) {
-        outcome.state = ExportOutcome::State::notPrepared;    // short of memory
+        outcome.state = ExportOutcome::State::notPrepared;    // out of memory
         outcome.kind = request.kind;
     }
     if (self)

@@ -7,11 +7,12 @@
 #include <QObject>
 #include <QTimer>
 
-// The exports of a session's batch and what they would cost.
+// Exports items of a session's batch and shows what that would cost.
 class StudioExports : public QObject {
     Q_OBJECT
 public:
-    // `payment` may still lack account and journal. Without a journal nothing can be exported.
+    // `payment` may still lack account and journal; see setAccount() and setJournal(). Without a
+    // journal nothing can be exported.
     StudioExports(std::shared_ptr<PhotoCache> photos, const OutputSize& outputSize,
                   const ChargeServices& payment);
     ~StudioExports() override;
@@ -19,9 +20,9 @@ public:
     void setAccount(AccountSession& account);
     void setJournal(CreditJournal& journal, const QString& stagingPlace);
 
-    // Takes `batch` as the batch to price and export from now on.
+    // Sets the batch to price and to export.
     void follow(const Batch& batch);
-    // Compares the photos' files with the imported ones again: other programs may have moved or
+    // Checks again whether the photo files are the imported ones: other programs may have moved or
     // changed them.
     void lookAtPhotos() { m_costs.lookAtPhotos(); }
     std::optional<qint64> displayedExportCurrentCost() const
@@ -29,25 +30,26 @@ public:
         return m_displayedExportCurrentCost;
     }
     std::optional<qint64> displayedExportAllCost() const { return m_displayedExportAllCost; }
-    // Whether the item's render, as the item stands, is paid for.
+    // Whether exporting the item in its present state is already paid for.
     bool isPaid(QUuid item) const { return m_costs.isPaid(item); }
     bool areCostsUpToDate() const { return m_costs.isUpToDate(); }
 
-    // The images that exporting several takes: the selected ones if there are several, else all.
+    // Indices of the items that an export of several would include: the selected ones if there are
+    // several, else all.
     QList<int> exportIndices() const;
     void exportItem(QUuid item, const QString& path);
     void exportItems(const QList<QUuid>& items, const QString& folder);
     const std::optional<ExportProgress>& progress() const { return m_progress; }
     void stop();
-    // Emits sentences about refunds from now on; the first ones are those that waited for the
-    // session's restore.
+    // Begins to emit sentences about refunds, first those collected so far. Call when the session's
+    // workspace has been restored.
     void startTelling();
 
 Q_SIGNALS:
     void changed();    // progress() changed
     void working(const QString& sentence);
     void told(const QString& sentence, StatusKind kind, const StatusLink& link);
-    void toldMore(const QString& sentence);    // adds to the last sentence
+    void toldMore(const QString& sentence);    // to append to the last sentence
     void costsChanged();
 
 private:
@@ -68,9 +70,9 @@ private:
     int m_shownPaidVersion = 0;
     QTimer m_costsAreLate;
     bool m_isTelling = false;
-    QString m_refundToTell;    // sentences about refunds that wait for the end of an export
+    QString m_refundToTell;    // sentences about refunds, not emitted yet
     ChargeServices m_payment;
     QString m_stagingPlace;
-    std::shared_ptr<ExportControl> m_control;    // null without an export under way
+    std::shared_ptr<ExportControl> m_control;    // null: no export is under way
     std::optional<ExportProgress> m_progress;
 };

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds importStep{30};    // between two progressed()
+constexpr std::chrono::milliseconds importStep{30};    // between emissions of progressed()
 
 }    // namespace
 
@@ -27,14 +27,16 @@ void StudioImports::start(const QList<QUrl>& filesAndFolders)
     m_shown.reset();
     control->progressed = [this,
                            weak = std::weak_ptr(control)](const PhotoImport::Progress& progress) {
-        // A stopped import does not call this, so `this` is alive: the destructor stops the import.
+        // Uses `this` safely: the destructor stops the import, and a stopped import no longer calls
+        // this function.
         if (m_control == weak.lock())
             show(progress);
     };
     run(this, filesAndFolders, m_photos, control);
 }
 
-// Emits progressed() at most every importStep: its receiver looks at every photo so far.
+// Emits progressed() at most once per `importStep`, because its receivers look at all photos so far
+// each time.
 void StudioImports::show(const PhotoImport::Progress& progress)
 {
     const auto now = m_clock();
@@ -56,7 +58,7 @@ QCoro::Task<> StudioImports::run(QPointer<StudioImports> self, QList<QUrl> urls,
     } catch (const std::exception& error) {
         failure = QString::fromLocal8Bit(error.what());
     }
-    // The import may have been stopped, and its owner destroyed, meanwhile.
+    // Meanwhile the import may have been stopped, or `self` destroyed.
     if (!self || self->m_control != control)
         co_return;
     self->m_control.reset();

@@ -7,8 +7,8 @@
 
 #include <chrono>
 
-// Imports of photos, one at a time: starting one stops the other. Emits ended() for each import
-// that was not stopped.
+// Runs imports of photos, one at a time: starting one stops the one under way. Emits ended() for
+// each import that was not stopped.
 class StudioImports : public QObject {
     Q_OBJECT
 public:
@@ -26,7 +26,7 @@ public:
 
 Q_SIGNALS:
     void progressed(const PhotoImport::Progress& progress);
-    // `failure`: the system's reason why nothing could be imported; empty if the import ran.
+    // `imported` is empty if the import failed; `failure` is then the system's reason.
     void ended(const std::optional<PhotoImport::Imported>& imported, const QString& failure);
 
 private:
@@ -36,8 +36,8 @@ private:
     void show(const PhotoImport::Progress& progress);
 
     std::shared_ptr<PhotoCache> m_photos;
-    std::shared_ptr<PhotoImport::Control> m_control;    // null without an import under way
+    std::shared_ptr<PhotoImport::Control> m_control;    // null: no import is under way
     Clock m_clock;
     std::optional<std::chrono::steady_clock::time_point>
-        m_shown;    // time of the last progressed()
+        m_shown;    // last emission of progressed()
 };

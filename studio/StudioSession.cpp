@@ -45,7 +45,8 @@ StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStor
     connect(&m_imports, &StudioImports::progressed, this, &StudioSession::showImport);
     connect(&m_imports, &StudioImports::ended, this, &StudioSession::finishImport);
 
-    // Connected first: later receivers of batchChanged() find this batch's prices.
+    // Connected first, so that m_exports knows the new batch before other receivers of
+    // batchChanged() ask for its prices.
     connect(this, &StudioSession::batchChanged, &m_exports, [this] { m_exports.follow(batch()); });
     connect(&m_exports, &StudioExports::working, this, [this](const QString& sentence) {
         m_log.tellStep(Activity::Kind::exporting, sentence);
@@ -53,8 +54,9 @@ StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStor
     connect(&m_exports, &StudioExports::told, this, &StudioSession::setStatus);
     connect(&m_exports, &StudioExports::toldMore, this, [this](const QString& sentence) {
         const StatusEntry told = m_log.current();
+        // A sentence on the progress of an activity is not extended: it will soon be replaced.
         if (told.kind == StatusKind::working)
-            setStatus(sentence.trimmed(), StatusKind::done);    // a step is no outcome to add to
+            setStatus(sentence.trimmed(), StatusKind::done);
         else
             setStatus(told.sentence + sentence, told.kind, told.link);
     });
@@ -71,16 +73,18 @@ StudioSession::~StudioSession()
 void StudioSession::followChange(Editing::Outcome outcome, Pace pace)
 {
     if (outcome == Editing::Outcome::nothing) {
-        // The end of a held value changes nothing, but is when the value is stored.
+        // When the user lets go of a slider or key, the batch no longer changes, but its last
+        // change may not be stored yet.
         if (pace == Pace::once && m_workspace.isSaveDue())
             saveWorkspace();
         return;
     }
-    // A failure to store stays true after an edit, so its sentence stays.
+    // Keeps the sentence about a failed save, which is still true after an edit.
     if (outcome == Editing::Outcome::edit && !m_workspace.hasFailed())
         m_log.outdate();
     if (!m_editing.isGestureActive()) {
-        // A held arrow key selects image after image: not each one is stored.
+        // Changes that follow each other quickly, as when an arrow key is held down, are stored
+        // together after a pause.
         if (outcome == Editing::Outcome::selection || pace == Pace::held)
             m_workspace.saveSoon();
         else
@@ -153,7 +157,7 @@ void StudioSession::load(const QList<QUrl>& filesAndFolders)
 
 void StudioSession::showImport(const PhotoImport::Progress& progress)
 {
-    // A fresh problem stays readable before the count replaces it.
+    // Leaves a recent problem on screen until the user can have read it.
     if (!m_log.isProblemUnread()) {
         m_log.tellStep(Activity::Kind::importing,
                        u"Importando %1 de %2"_s.arg(progress.looked).arg(progress.total));
@@ -175,7 +179,8 @@ void StudioSession::stopImport()
 void StudioSession::finishImport(const std::optional<PhotoImport::Imported>& imported,
                                  const QString& failure)
 {
-    // Receivers of batchChanged() show the batch again.
+    // Ends the activity before batchChanged(): receivers show the imported photos instead of the
+    // batch while an import is under way.
     m_activities.end(Activity::Kind::importing);
     const auto tell = [&](const QString& sentence, StatusKind kind) {
         const qsizetype unread = imported->unreadable.size();
@@ -185,7 +190,8 @@ void StudioSession::finishImport(const std::optional<PhotoImport::Imported>& imp
                   {.details = imported->unreadable});
     };
     if (imported && !imported->items.isEmpty()) {
-        // Told before storing: a failure to store must be the last sentence.
+        // Tells the user before bringBack() stores the batch, because a sentence about a failed
+        // save must come last.
         tell(u"%1 imagen(es) importada(s). Pulsa Generar con Gemma."_s.arg(imported->items.size()),
              StatusKind::done);
         m_editing.bringBack(
@@ -204,7 +210,7 @@ void StudioSession::followExport()
     const std::optional<ExportProgress>& progress = m_exports.progress();
     if (!progress)
         return endActivity(Activity::Kind::exporting);
-    // The duration of a reservation is unknown.
+    // The time to reserve credits cannot be foreseen, so the total is unknown.
     const bool isCharging = progress->stage == ExportProgress::Stage::charging;
     setActivity({.kind = Activity::Kind::exporting,
                  .done = progress->done,

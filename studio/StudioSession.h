@@ -21,20 +21,20 @@ class CreditJournal;
 class PreferencesStore;
 struct TextSheet;
 
-// State and commands of the main window. Puts together parts that do not know the session:
-// StatusLog, Activities, Editing (the batch and its undo steps), Workspace (storage), imports and
-// exports. Lives on the interface thread. Views compare their items with the batch after
-// batchChanged(): unchanged items are equal and share their data.
+// State and commands of the main window. Connects parts that do not know this class: StatusLog,
+// Activities, Editing (the batch and its undo steps), Workspace (storage), imports and exports.
+// Used only on the interface thread. After batchChanged(), views compare the items they show with
+// the batch: unchanged items are equal and share their data, so that comparing them is quick.
 //
-// Every change of the batch is stored at once. While a value is held (Pace::held), the batch
-// follows each tick, and is stored after a short rest.
+// Every edit is stored at once, except that edits with Pace::held and changes of the selection are
+// stored after a short pause, and those of a gesture on the canvas at its end.
 class StudioSession : public QObject {
     Q_OBJECT
 public:
     using Clock = Editing::Clock;
 
-    // `preferences` outlive the session. Nothing is recorded in the history or stored before the
-    // workspace has been restored. `outputSize`: pixels of exported pictures.
+    // `preferences` must outlive the session. Nothing is recorded in the history or stored before
+    // the workspace has been restored. `outputSize` gives the size of exported pictures in pixels.
     StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
                   Clock clock = &std::chrono::steady_clock::now,
                   const OutputSize& outputSize = exportSizeOf);
@@ -53,30 +53,30 @@ public:
     const Activities& activities() const { return m_activities; }
     bool isImporting() const { return m_activities.find(Activity::Kind::importing); }
     bool isExporting() const { return m_activities.find(Activity::Kind::exporting); }
-    // Shows an activity that runs outside of the session.
+    // Adds or updates an activity. Public for activities that other code runs.
     void setActivity(const Activity& activity);
     void endActivity(Activity::Kind kind);
 
     CopyGenerationMode generationMode() const { return m_generationMode; }
-    // The signed-in account; outlives the session.
+    // The user's account; null before setAccountSession(). It must outlive the session.
     AccountSession* accountSession() const { return m_accountSession; }
     void setAccountSession(AccountSession& account);
-    // Pays for exports; the journal outlives the session. Without one nothing can be exported.
-    // Rendered pictures wait in folders at `stagingPlace` until they are paid.
+    // Sets the journal that charges for exports and must outlive the session. Without a journal
+    // nothing can be exported. Rendered pictures are saved in folders at `stagingPlace` until they
+    // are paid.
     void setCreditJournal(CreditJournal& journal, const QString& stagingPlace);
-    // The account screen over the window, if one is open; below, whether the program's settings
-    // are.
+    // The account screen that is open over the window; empty if none is.
     std::optional<AccountPanelDestination> accountPanel() const { return m_accountPanel; }
     void setAccountPanel(std::optional<AccountPanelDestination> panel);
     bool isAppSettingsPresented() const { return m_isAppSettingsPresented; }
     void setAppSettingsPresented(bool presented);
 
-    // Call once, when the window is first shown. Workers look at the photos.
+    // Call once, when the window is first shown. The photos are read on worker threads.
     void restoreWorkspaceIfNeeded() { m_workspace.restore(batch().items.isEmpty()); }
     bool didRestoreWorkspace() const { return m_workspace.didRestore(); }
     bool hasWorkspaceAside() const { return m_workspace.hasAside(); }
     void restoreWorkspaceAside() { m_workspace.restoreAside(); }
-    // Stores a change that waits for the end of a held value.
+    // Stores the batch now, including changes that would be stored after a pause.
     void saveWorkspace() { m_workspace.save(batch()); }
 
     bool canUndo() const { return m_editing.history().canUndo(); }
@@ -84,11 +84,12 @@ public:
     void undo();
     void redo();
 
-    // Replaces the batch with the photos of files and folders once all were looked at. Until then
-    // the activity holds the accepted ones; stopping it leaves the batch unchanged.
+    // Imports the photos of files and folders, and replaces the batch once all have been read.
+    // Until then Activity::incoming lists those accepted so far. Stopping the activity leaves the
+    // batch unchanged.
     void load(const QList<QUrl>& filesAndFolders);
 
-    // Writes a spreadsheet's texts into the images that it names, as one step.
+    // Writes the texts of a spreadsheet into the items that it names, as one undo step.
     void applyTexts(const TextSheet& sheet);
 
     void setFormat(SocialFormat format);
@@ -98,20 +99,21 @@ public:
     void selectItem(int index, Qt::KeyboardModifiers modifiers);
     void selectSingleIndex(int index);
     void selectAll();
-    void selectLayer(QUuid layer);    // of the current item; null: none. Ignores others
+    // Selects a layer of the current item, or none if `layer` is null. Ignores other ids.
+    void selectLayer(QUuid layer);
     void previousItem();
     void nextItem();
     QList<int> selectedIndicesForBatch() const;
     void removeCurrentItem();
-    // Removes any item; the current one stays current if it is another.
+    // Removes an item. The current item stays current unless it is the one removed.
     void removeItem(QUuid id);
 
-    // Replaces the current item; an item of another id is refused.
+    // Replaces the current item by `item`, an edited copy of it. Ignores an item with another id.
     void setCurrentItem(const PublicationItem& item, Pace pace = Pace::once);
-    // Changes the current item only. Typing into a hidden text shows it.
+    // Changes a text of the current item only. If the text is hidden, shows it.
     void setText(CopySlot slot, const QString& text, Pace pace = Pace::once);
-    // Edits a layer of the current item; `copied` says which part of it reaches the other selected
-    // items.
+    // Edits a layer of the current item; `copied` says which part of the layer is also copied to
+    // the other selected items.
     void editLayer(const TextLayer& layer, LayerEdits::Copied copied = LayerEdits::Copied::style,
                    Pace pace = Pace::once);
     void editShape(const ShapeLayer& shape, Pace pace = Pace::once);
@@ -120,25 +122,30 @@ public:
     void deleteSelectedLayer();
     void deleteShape(QUuid shape);
 
-    // Begins a gesture on the canvas. All changes until its end are one step; at the end the moved
-    // layer is copied to the other selected items.
+    // Begins a gesture on the canvas. All changes until endCanvasHistoryEdit() are one undo step.
+    // The end copies the frame of `movedLayer` to the other selected items.
     void beginCanvasHistoryEdit() { m_editing.beginCanvasHistoryEdit(); }
-    // `selected`: the layer to select, null for no layer; empty: the selection stays.
+    // Replaces the current item by `item`, a copy edited on the canvas. `selected`: the layer to
+    // select, or a null id to select none; empty leaves the selection as it is.
     void commitCanvasItem(const PublicationItem& item, std::optional<QUuid> selected = {});
     void endCanvasHistoryEdit(QUuid movedLayer) { m_editing.endCanvasHistoryEdit(movedLayer); }
 
-    // Copies the style of the selected layer; pasting reaches the other selected items.
+    // Copies the style of the selected layer. pasteStyle() applies it to all selected items.
     void copyStyle();
-    void copyStyleOf(QUuid item);    // of its text in the selected slot, or its selected shape
+    // Copies from any item: the text of the selected text's slot, or the shape with the id of the
+    // selected shape.
+    void copyStyleOf(QUuid item);
     bool canPasteStyle() const;
     void pasteStyle();
 
-    // Applies the design to every selected item, as one step. `name` is for the status.
+    // Applies the design to every selected item, as one undo step. `name` is for the status
+    // sentence.
     void applyTemplate(const QString& name, const TemplateApplication& design);
-    // Applies the style to the selected text, and to that of the other selected items.
+    // Applies the style to the selected text, and to the text of its slot in the other selected
+    // items.
     void applyStyle(const DesignTemplate& style);
 
-    // The price of an export now, in credits; empty while unknown.
+    // The price to show for an export of the current item, in credits; empty while unknown.
     std::optional<qint64> displayedExportCurrentCost() const
     {
         return m_exports.displayedExportCurrentCost();
@@ -147,31 +154,33 @@ public:
     {
         return m_exports.displayedExportAllCost();
     }
-    // Exports run one at a time; this object also knows what is paid.
+    // Runs exports, one at a time, and knows which items are paid.
     StudioExports& exports() { return m_exports; }
     const StudioExports& exports() const { return m_exports; }
-    // Exports to a file or folder that the user chose; does nothing if the item is gone.
+    // Exports one item to the file `path`. If the item is gone, exportItem() tells the user and
+    // writes nothing.
     void exportCurrent(const QString& path);
     void exportItem(QUuid item, const QString& path) { m_exports.exportItem(item, path); }
-    // Exports the selected images if there are several, else all.
+    // Exports the selected items if there are several, else all, into `folder`.
     void exportAll(const QString& folder);
 
     const Payments& payments() const { return m_payments; }
-    // Stores that these renders are paid, whatever is undone later. `strike` is called in the
-    // transaction that stores it; may be empty. Returns whether it is stored already.
+    // Records that these renders are paid, which undo does not revert. `strike` is called in the
+    // transaction that stores the payment, and may be empty. Returns whether the payment is stored
+    // already.
     bool markRenderedOutputsAsPaid(const QList<RenderedOutput>& outputs, const Strike& strike);
 
 Q_SIGNALS:
-    // Another image, layer or state comes next: receivers now end what is being typed, as an edit
-    // of this one.
+    // Emitted before another item, layer or state becomes the current one. Receivers finish what is
+    // being typed, while that still edits the present one.
     void aboutToMove();
     void batchChanged();
     void statusChanged();
     void generationModeChanged();
     void presentationChanged();
     void copiedStyleChanged();
-    void activityChanged(Activity::Kind kind);    // began, went on or ended
-    void costsChanged();                          // prices, or which items are paid
+    void activityChanged(Activity::Kind kind);    // it began, progressed or ended
+    void costsChanged();                          // prices changed, or which items are paid
 
 private:
     void followChange(Editing::Outcome outcome, Pace pace);
@@ -181,7 +190,8 @@ private:
     void followExport();
     void finishRestore(const std::optional<Batch>& restored);
     void finishRestoreAside(const WorkspaceStore::Restored& restored);
-    // The batch with all known payments of its items; learns those that `batch` carries.
+    // Returns `batch` with all known payments in its items. Adds payments that are known only to
+    // these items to m_payments.
     Batch withPayments(Batch batch);
     ChargeServices chargeServices();
 

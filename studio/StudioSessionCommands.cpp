@@ -6,7 +6,7 @@
 #include "studio/batch/StepName.h"
 #include "studio/sheet/TextSheetFile.h"
 
-// The session's commands on the batch, each with the step that it belongs to.
+// The part of StudioSession with the commands on the batch.
 
 using namespace Qt::StringLiterals;
 
@@ -76,7 +76,7 @@ void StudioSession::selectLayer(QUuid layer)
     });
 }
 
-// Stops at the ends: selectSingleIndex() ignores an index outside of the batch.
+// selectSingleIndex() ignores an index before the first or after the last item.
 void StudioSession::previousItem()
 {
     selectSingleIndex(batch().selectedIndex - 1);

@@ -38,18 +38,19 @@ void Workspace::saveSoon()
         m_saveLater.start(restBeforeSaving);
 }
 
-// Makes this window the writer. Another window may store too where no lock could be had, on a full
-// disk for instance; the later one wins.
+// Makes this window the writer. Returns false if that fails or another window has become the
+// writer. Two windows can run at once when the lock file cannot be created, as on a full disk.
 bool Workspace::claimStore()
 {
     const auto writer = WorkspaceStore::writer(m_preferences);
-    // A store that was just made, in place of a damaged one, has no writer.
+    // A store newly created in place of a damaged one has no writer.
     m_isStoreOfAnother = writer && writer != m_writerSeen && writer != m_writer;
     return !m_isStoreOfAnother &&
            (writer == m_writer || WorkspaceStore::setWriter(m_preferences, m_writer));
 }
 
-// Stores the batch and strikes the journal entries of its payments, both or neither.
+// Stores the batch and calls `m_strikes`, which remove the credit journal's entries for its
+// payments. One transaction: all of it happens, or nothing.
 bool Workspace::store(const Batch& batch)
 {
     const auto save = [&] {
@@ -99,7 +100,8 @@ QString Workspace::takeProblem()
     return m_preferences.takeProblem();
 }
 
-// Keeps the batch of a store that could not be read at restore() and opens only now.
+// If the store could not be read at restore() and can be opened only now, protects the batch in it
+// from being overwritten.
 void Workspace::keepWhatIsStored()
 {
     if (!m_isStoredUnseen || !m_preferences.open())
@@ -137,7 +139,7 @@ QCoro::Task<> Workspace::runRestore(QPointer<Workspace> self, QByteArray documen
     try {
         restored = co_await restoring;
     } catch (const std::exception&) {
-        // Short of memory: the document is set aside, like one that cannot be read.
+        // Out of memory: treated like a document that cannot be read.
         restored.workspace.reset();
     }
     if (self)

@@ -11,36 +11,37 @@
 
 enum class StatusKind;
 
-// Storage of the batch across restarts: when it is stored and restored, a document set aside
-// because it could not be restored, and which of two windows may store.
+// Stores the batch and restores it at the next start. Sets aside stored documents that could not be
+// restored completely. Of several windows, lets only the last one to begin storing go on.
 class Workspace : public QObject {
     Q_OBJECT
 public:
-    // `preferences` outlive it. Nothing is stored before the restore has ended.
+    // `preferences` must outlive this object. Nothing is stored before the restore has ended.
     Workspace(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences);
 
-    // Call once. Restores the stored batch on the workers if the studio `isEmpty`; else only ends
-    // the restore.
+    // Call once. Restores the stored batch on worker threads if `isEmpty`, that is, if the session
+    // has no items yet. Emits restored() in any case.
     void restore(bool isEmpty);
     bool isRestoring() const { return m_restore == Restore::running; }
     bool didRestore() const { return m_restore == Restore::done; }
 
-    // Whether a document is set aside: a saved batch that a start could restore only in part. It
-    // stays aside until it can be restored whole.
+    // Whether a document is set aside: a stored batch that could be restored only in part. It
+    // remains set aside until it can be restored completely.
     bool hasAside() const;
     void restoreAside();
-    // Drops the last document set aside: all of it is in the batch again.
+    // Removes the last document set aside, after it was restored completely. Does nothing if the
+    // last save failed.
     void clearAside();
 
     void save(const Batch& batch);
-    // Emits saveDue() when no further call comes for a moment.
+    // Emits saveDue() after a short pause in which this is not called again.
     void saveSoon();
     bool isSaveDue() const { return m_saveLater.isActive(); }
     bool hasFailed() const { return m_saveFailed; }
-    // Calls `strike` in the transaction of the next save.
+    // Makes the next save call `strike` in its transaction; see CreditJournal.
     void strikeWithNextSave(const Strike& strike) { m_strikes.append(strike); }
 
-    // The preferences store's problem, once; empty for none.
+    // A sentence for the user about a problem of the preferences store, given once; empty for none.
     QString takeProblem();
 
 Q_SIGNALS:
@@ -71,12 +72,12 @@ private:
     Restore m_restore = Restore::notYet;
     bool m_isRestoringAside = false;
     QTimer m_saveLater;                         // runs while a change waits to be stored
-    bool m_isStoredUnseen = false;              // the store was unreadable at restore()
+    bool m_isStoredUnseen = false;              // the preferences could not be read at restore()
     std::optional<QByteArray> m_notYetAside;    // the document to set aside before the next save
     bool m_saveFailed = false;                  // the last save failed, and told() said so
     const QByteArray m_writer = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
-    // Writer at the restore, which this window may replace.
+    // WorkspaceStore::writer() at restore(). This window may replace that writer, but no other.
     std::optional<QByteArray> m_writerSeen;
-    bool m_isStoreOfAnother = false;    // another window began to store after this one
-    QList<Strike> m_strikes;            // for the next save
+    bool m_isStoreOfAnother = false;    // another window began to store after restore()
+    QList<Strike> m_strikes;            // called in the transaction of the next save
 };

@@ -15,8 +15,8 @@ QByteArray headOf(const PublicationItem& item)
 
 }    // namespace
 
-// The JSON of a layer: id, slot and text come first, and the rest mostly equals that of the
-// previous item's layer.
+// The JSON of a layer. Id, slot and text come first. The rest is usually equal to that of the layer
+// at the same `place` in the previous item, and is then reused.
 QByteArray WorkspaceEncoder::textOf(const TextLayer& layer, qsizetype place, Shared& shared)
 {
     const QByteArray head = "{\"id\":" + toJson(layer.id) +

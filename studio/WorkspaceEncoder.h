@@ -7,31 +7,33 @@
 
 #include <utility>
 
-// Writes a batch as the JSON document that is stored. Keeps the JSON of every layer, shape, copy
-// and placement from one call to the next, and writes anew only what changed.
+// Encodes a batch as the JSON document to store. Keeps the JSON of each item's parts between calls,
+// and encodes only the parts that have changed.
 class WorkspaceEncoder {
 public:
-    // The document is valid until the next call.
+    // The returned document is overwritten by the next call.
     const QByteArray& encode(const Batch& batch);
 
 private:
     struct Pieces {
-        // The encoded item: a list of one, which shares the item's data with the batch.
+        // The item that was encoded, in a list of one entry: PublicationItems::shares() tells
+        // without a comparison that the batch still has the same item.
         PublicationItems item;
         QByteArray head, analysis, placement, paid, shapes;
         QList<QByteArray> layers;
         QByteArray whole;
     };
-    // JSON that the items of one encode() share: an edit often gives many items equal shapes and
-    // styles.
+    // JSON used for several items in one call of encode(), because an edit often gives many items
+    // equal shapes and styles.
     struct Shared {
-        QHash<const ShapeLayer*, QByteArray> shapes;    // by the address of the list's data
-        // By place in the item: the style written last, and its JSON from "isVisible" on.
+        QHash<const ShapeLayer*, QByteArray> shapes;    // by address of the shared list data
+        // By the index of the layer in its item: the style encoded last, and its JSON from
+        // "isVisible" on.
         QList<std::pair<TextLayer, QByteArray>> styles;
     };
     static void update(Pieces& pieces, const PublicationItem& item, Shared& shared);
     static QByteArray textOf(const TextLayer& layer, qsizetype place, Shared& shared);
 
     QHash<QUuid, Pieces> m_items;
-    QByteArray m_document;    // keeps its capacity from call to call
+    QByteArray m_document;    // a member, so that the next call reuses its memory
 };

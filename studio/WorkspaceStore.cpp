@@ -35,7 +35,8 @@ int asideCount(const PreferencesStore& preferences)
     return count;
 }
 
-// One layer per slot, in slot order: the stored one, else a default layer with its text of `copy`.
+// One layer per slot, in slot order: the stored layer, else the default one with its text from
+// `copy`.
 QList<TextLayer> normalizedLayers(const QList<TextLayer>& stored, const GeneratedCopy& copy)
 {
     QList<TextLayer> layers = PublicationItem::defaultLayers(copy);
@@ -47,7 +48,8 @@ QList<TextLayer> normalizedLayers(const QList<TextLayer>& stored, const Generate
     return layers;
 }
 
-// Replaces repeated ids: every command would take two layers of one id for the same layer.
+// Gives a new id to each layer whose id is already in `taken`, because commands find a layer by its
+// id. Adds all ids to `taken`.
 template <typename Layer>
 void giveOwnIds(QList<Layer>& layers, QSet<QUuid>& taken)
 {
@@ -90,7 +92,7 @@ Reopened reopenedItems(const QList<PublicationItemSnapshot>& stored, PhotoCache&
             if (const auto item = reopenedItem(snapshot, photos))
                 items.append(*item);
         } catch (const std::exception&) {
-            continue;    // short of memory: like a photo that cannot be reached
+            continue;    // out of memory: treated like a photo that cannot be read
         }
     }
     return items;
@@ -111,7 +113,7 @@ Batch workspaceOf(const WorkspaceSnapshot& stored, const PublicationItems& items
     return batch;
 }
 
-// Drops items with repeated ids: every command would take two items of one id for the same item.
+// Drops items with the id of an earlier item, because commands find an item by its id.
 PublicationItems withoutRepeatedIds(const PublicationItems& items)
 {
     PublicationItems kept;
@@ -185,7 +187,7 @@ QCoro::Task<WorkspaceStore::Restored>
 WorkspaceStore::restore(QByteArray document, std::shared_ptr<PhotoCache> photos,
                         std::function<void(qsizetype looked, qsizetype total)> looked)
 {
-    // A variable of its own: GCC 12 destroys twice what is made inside an awaiting expression.
+    // A separate variable, because GCC 12 destroys a lambda in a co_await expression twice.
     QFuture<std::optional<WorkspaceSnapshot>> decoding =
         runOnWorker([document] { return fromJson<WorkspaceSnapshot>(document); });
     const std::optional<WorkspaceSnapshot> stored = co_await decoding;
@@ -193,7 +195,7 @@ WorkspaceStore::restore(QByteArray document, std::shared_ptr<PhotoCache> photos,
         const Restored nothing{std::nullopt, false, false};
         co_return nothing;
     }
-    // Gives the workers portions of a few items, all queued at once, so that they share the work.
+    // Queues portions of a few items, all at once, so that the workers process them in parallel.
     constexpr qsizetype portion = 16;
     const QList<PublicationItemSnapshot>& snapshots = stored->items;
     std::vector<QFuture<Reopened>> portions;

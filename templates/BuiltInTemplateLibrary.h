@@ -10,8 +10,8 @@ public:
     // Sorted by their `order`. Files that cannot be read are left out.
     QList<JSONVisualTemplateDefinition> definitions(SocialFormat format) const;
 
-    // The template as a definition for a file. A template without `order` goes after the others of
-    // its format.
+    // Converts a template to a definition, to be written to a file. A template without `order` gets
+    // the next one after the definitions of the format.
     JSONVisualTemplateDefinition templateDefinition(const VisualTemplate& from, const QString& name,
                                                     SocialFormat format) const;
 

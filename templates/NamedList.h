@@ -9,8 +9,8 @@
 #include <optional>
 #include <utility>
 
-// Entries that the user keeps under names of their own, newest first. Removed and replaced ones can
-// be called back while the program runs.
+// Entries that the user has saved under names, newest first. callBack() brings back removed and
+// replaced entries while the program runs.
 template <typename Entry>
 class NamedList {
 public:
@@ -43,7 +43,7 @@ public:
         return !name.isEmpty() && change(id, [&](Entry& entry) { entry.name = name; });
     }
 
-    // Applies a change to an entry. False when there is no entry of this id, or `apply` changed
+    // Changes an entry. Returns false if there is no entry with this id, or `apply` changed
     // nothing.
     template <typename Change>
     bool change(QUuid id, Change apply)
@@ -59,8 +59,7 @@ public:
         return true;
     }
 
-    // Changes an entry like change(), and keeps the old one, which callBack() inserts as another
-    // entry.
+    // Like change(), but callBack() can bring back the old version as an additional entry.
     template <typename Change>
     bool replace(QUuid id, Change apply)
     {
@@ -96,7 +95,7 @@ public:
         if (m_removed.isEmpty())
             return std::nullopt;
         auto [index, entry] = m_removed.takeLast();
-        if (find(entry.id))    // it was added again from a file meanwhile
+        if (find(entry.id))    // the entry was added again from a file meanwhile
             entry.id = QUuid::createUuid();
         m_entries.insert(std::min(index, m_entries.size()), entry);
         return entry;
@@ -104,5 +103,5 @@ public:
 
 private:
     QList<Entry> m_entries;
-    QList<std::pair<qsizetype, Entry>> m_removed;    // each with its former index
+    QList<std::pair<qsizetype, Entry>> m_removed;    // each with the index for callBack()
 };

@@ -12,8 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Whether two templates have the same effect on every item. The ids of shapes do not count: a file
-// keeps none.
+// Whether two templates have the same name, texts, shapes and aspect ratio. Ids of shapes are not
+// compared, because template files contain none.
 bool areAlike(const VisualTemplate& one, const VisualTemplate& other)
 {
     const auto isSameShape = [](const ShapeLayer& a, const ShapeLayer& b) {
@@ -57,8 +57,8 @@ void SavedTemplates::updateTemplate(QUuid id, const PublicationItem& item, Socia
     drawPreview(this, id, item, format, m_photos);
 }
 
-// A saved template that was renamed or changed differs from the one in the file, so it stays beside
-// it.
+// If the same template was added before and has been renamed or changed since, both exist
+// afterwards.
 QUuid SavedTemplates::addTemplate(VisualTemplate added)
 {
     const auto& known = m_templates.entries();
@@ -150,7 +150,7 @@ QCoro::Task<> SavedTemplates::drawPreview(QPointer<SavedTemplates> self, QUuid i
                 const auto preview = TemplatePreviewRenderer::compactData(item, format, source);
                 return preview ? std::optional(preview->data) : std::nullopt;
             } catch (const std::exception&) {
-                return std::nullopt;    // short of memory: no preview
+                return std::nullopt;    // out of memory: the template gets no preview
             }
         });
     const std::optional<QByteArray> preview = co_await drawing;

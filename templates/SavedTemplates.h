@@ -25,13 +25,13 @@ public:
     const NamedList<DesignTemplate>& styles() const { return m_styles; }
     bool isStored() const { return m_isStored; }    // whether the last change is stored
 
-    // Saves the arrangement of an item as a template with a free name. The preview is drawn later,
-    // on a worker.
+    // Saves the arrangement of an item as a template with an unused name. The preview is drawn
+    // later, on a worker.
     QUuid saveTemplate(const PublicationItem& item, SocialFormat format);
     // Replaces the arrangement of a template, keeping its name.
     void updateTemplate(QUuid id, const PublicationItem& item, SocialFormat format);
-    // Adds a template from a file. Returns a null id if an equal one (but for ids) is saved
-    // already.
+    // Adds a template that was read from a file. Adds nothing and returns a null id if an equal
+    // template, apart from ids, is saved already.
     QUuid addTemplate(VisualTemplate added);
     void renameTemplate(QUuid id, const QString& name);
     void removeTemplate(QUuid id);

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 largestFile = qint64(16) << 20;
-// Limits well above any design, at which painting is still fast.
+// Limits far above what any design needs, but low enough for fast painting.
 constexpr qsizetype mostLayers = 500, longestFontName = 200;
 
 template <typename T>
@@ -96,7 +96,7 @@ JSONTextLayer::JSONTextLayer(const TextLayerTemplate& text)
 
 std::optional<TextLayer> JSONTextLayer::textLayer(const PublicationItem& item) const
 {
-    const auto known = storedValue(slot);    // accepts raw values as well
+    const auto known = storedValue(slot);    // accepts the displayed name of the tagline, too
     if (!known)
         return std::nullopt;
     const auto existing = std::ranges::find(item.layers, *known, &TextLayer::slot);
@@ -186,7 +186,7 @@ QList<ShapeLayerSnapshot> JSONVisualTemplateDefinition::shapes() const
 
 TemplateApplication JSONVisualTemplateDefinition::application() const
 {
-    // Shapes are made once for all items; only texts differ from item to item.
+    // The shapes are made only once, because they are the same for all items.
     return [texts = textLayers, all = shapes()](PublicationItem& item) {
         for (const JSONTextLayer& text : texts) {
             const auto layer = text.textLayer(item);

@@ -2,10 +2,11 @@
 
 #include "templates/VisualTemplate.h"
 
-// Template definition files as they are written. A member without a value leaves that of the item
-// unchanged when the template is applied.
+// The contents of template definition files. Colours are strings "#RRGGBB"; any other text counts
+// as no value.
 
-// Colours are "#RRGGBB"; any other text counts as no value.
+// Place and style of a text layer. When the template is applied, a member without a value leaves
+// that of the item's layer unchanged.
 struct JSONTextLayer {
     QString slot;
     std::optional<bool> visible;
@@ -27,8 +28,8 @@ struct JSONTextLayer {
     explicit JSONTextLayer(const TextLayerTemplate& text);
     JSONTextLayer() = default;
 
-    // The item's layer of this slot, or a new one with the item's copy, changed to this
-    // description. Nothing for an unknown slot.
+    // The item's layer of this slot, or a new one with the item's copy if it has none, with this
+    // place and style. Nothing for an unknown slot.
     std::optional<TextLayer> textLayer(const PublicationItem& item) const;
 };
 
@@ -52,13 +53,14 @@ struct JSONVisualTemplateDefinition {
     QUuid id;
     int order = 0;    // position among the definitions of its format
     QString name;
-    std::optional<QString> format;    // SocialFormatRow::templateKey
-    std::optional<QByteArray> previewPNGBase64, previewWebPBase64;    // the bytes, decoded
+    std::optional<QString> format;    // a SocialFormatRow::templateKey
+    std::optional<QByteArray> previewPNGBase64, previewWebPBase64;    // decoded from base64
     QList<JSONTextLayer> textLayers;
-    QList<JSONShapeLayer> shapeLayers;    // bottom first
-    QUrl sourceURL;                       // the file that was read; never written
+    QList<JSONShapeLayer> shapeLayers;    // the bottom shape first
+    QUrl sourceURL;                       // the file it was read from; not part of the JSON
 
-    // The format of the key; the first of all formats if the key is missing or unknown.
+    // The format that the key `format` names; the first SocialFormat if the key is missing or
+    // unknown.
     SocialFormat socialFormat() const;
     bool matches(SocialFormat asked) const { return socialFormat() == asked; }
 
@@ -67,10 +69,12 @@ struct JSONVisualTemplateDefinition {
 
     VisualTemplate visualTemplate(const PublicationItem& item, SocialFormat made) const;
 
-    // The shapes with ids that depend only on the definition: equal for every item and every call.
+    // The shapes. Their ids depend only on the definition: they are the same for every item and in
+    // every call.
     QList<ShapeLayerSnapshot> shapes() const;
 
-    // Applies the texts of visualTemplate() and the shapes to each item it is called with.
+    // Returns a function that gives an item's texts the places and styles of `textLayers`, and
+    // replaces its shapes.
     TemplateApplication application() const;
 };
 
@@ -80,7 +84,7 @@ struct DefinitionFile {
     QString error;
 };
 
-// Reads any bytes. A missing name or id is made up; layers that cannot be read are left out.
+// Accepts any bytes. A missing name or id is made up; layers that cannot be read are left out.
 DefinitionFile readDefinition(QByteArrayView bytes);
 DefinitionFile readDefinitionFile(const QString& path);
 

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-// The text as a name of a template or a style: one line of at most 80 characters; may be empty.
+// Turns a text into a name for a template or a style: one line of at most 80 characters; may be
+// empty.
 inline QString templateName(const QString& text)
 {
     constexpr qsizetype longest = 80;

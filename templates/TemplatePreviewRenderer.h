@@ -2,9 +2,9 @@
 
 #include "canvas/ExportCanvasRenderer.h"
 
-// Small pictures of items, to be stored with templates. The canvas size is both the output size and
-// the reference, so type is as large as on the canvas. Nothing when the photo cannot be read. Waits
-// for the decoding.
+// Draws small pictures of items, to be stored with templates. `canvasSize` is the size both in
+// pixels and in design units, so sizes in design units, such as the smallest type, are not scaled
+// down. Decodes the photo before returning; gives nothing if it cannot be read.
 namespace TemplatePreviewRenderer {
 
 using ExportCanvasRenderer::decodedFromFile;

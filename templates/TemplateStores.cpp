@@ -28,7 +28,7 @@ struct JsonFields<VisualTemplate> {
                                               lenient("aspectRatio", &Template::aspectRatio),
                                               lenient("order", &Template::order),
                                               lenient("sourceFile", &Template::sourceFile)};
-    // Gives shapes with a repeated id a new one: editing finds a shape by its id.
+    // Gives a shape with a repeated id a new one, because editing finds a shape by its id.
     static void repair(Template& made)
     {
         QSet<QUuid> ids;

@@ -5,7 +5,7 @@
 class PreferencesStore;
 
 // The user's saved styles and templates, each list in one value of the preferences. An unreadable
-// value gives an empty list; unreadable entries of a readable one are dropped.
+// value gives an empty list; unreadable entries of a readable list are dropped.
 
 namespace DesignTemplateStore {
 QList<DesignTemplate> load(const PreferencesStore& preferences);

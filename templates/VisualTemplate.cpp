@@ -17,7 +17,7 @@ VisualTemplate VisualTemplate::of(const PublicationItem& item, const QString& na
     made.id = QUuid::createUuid();
     made.name = name;
     for (const TextLayer& layer : item.layers) {
-        // Only the first layer of a slot: a template holds one text per slot.
+        // Takes only the first layer of each slot: a template has one text per slot.
         if (std::ranges::find(made.textLayers, layer.slot, &TextLayerTemplate::slot) ==
             made.textLayers.end())
             made.textLayers.append(TextLayerTemplate(layer));

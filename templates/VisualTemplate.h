@@ -27,7 +27,7 @@ struct TextLayerTemplate {
     {
     }
 
-    // Overwrites place and style; the layer's id, slot and text stay.
+    // Overwrites the layer's visibility, place and style, but not its id, slot and text.
     void apply(TextLayer& layer) const;
 
     bool operator==(const TextLayerTemplate&) const = default;
@@ -38,7 +38,7 @@ struct VisualTemplate {
     QUuid id;
     QString name;
     QList<TextLayerTemplate> textLayers;
-    QList<ShapeLayerSnapshot> shapeLayers;    // bottom first
+    QList<ShapeLayerSnapshot> shapeLayers;    // the bottom shape first
     std::optional<QByteArray> previewPNG;     // the bytes of an image file, not always PNG
     std::optional<double> aspectRatio;        // width / height of the format it was made for
     std::optional<int> order;
@@ -47,8 +47,8 @@ struct VisualTemplate {
     // The arrangement of an item as a template with a new id.
     static VisualTemplate of(const PublicationItem& item, const QString& name, SocialFormat format);
 
-    // Places and styles the item's texts, and replaces all its shapes. Texts keep their words.
-    // Slots missing in the template or in the item are left alone.
+    // Gives the item's text layers the places and styles of the template, but keeps their words.
+    // Replaces all shapes. Skips slots that are missing in the template or in the item.
     void apply(PublicationItem& item) const;
     // A template without an aspect ratio suits every format.
     bool suits(SocialFormat format) const;
@@ -56,7 +56,7 @@ struct VisualTemplate {
     bool operator==(const VisualTemplate&) const = default;
 };
 
-// A text style by name.
+// A text style that the user has saved under a name.
 struct DesignTemplate {
     QUuid id;
     QString name;
@@ -65,8 +65,8 @@ struct DesignTemplate {
     bool operator==(const DesignTemplate&) const = default;
 };
 
-// Applies a design to an item. One click uses one application for all selected items.
+// Applies a design to an item; may be called for any number of items.
 using TemplateApplication = std::function<void(PublicationItem&)>;
 
-// Whether applying the design to the item would change nothing that can be seen.
+// Whether applying the design would change nothing in the item but the ids of shapes.
 bool isApplied(const TemplateApplication& design, const PublicationItem& item);

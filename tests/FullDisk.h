@@ -4,7 +4,7 @@
 #include <QSqlQuery>
 #include <QStringList>
 
-// Makes all open databases refuse writes, as on a full disk, or accept them again.
+// Makes all open databases refuse writes, as on a full disk; refuseWrites(false) ends that.
 inline void refuseWrites(bool refuse)
 {
     for (const QString& name : QSqlDatabase::connectionNames()) {

@@ -4,10 +4,11 @@
 
 #include <gtest/gtest.h>
 
-// Fonts and event loops need an application; no display is needed.
+// Creates an application, which fonts and event loops need; the platform "offscreen" needs no
+// display.
 int main(int argc, char** argv)
 {
-    // The list of the cases is asked for without the environment of the tests.
+    // CTest lists the test cases without the environment in which it runs them.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     ::testing::InitGoogleTest(&argc, argv);

@@ -11,8 +11,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Acts as another user of the machine, in a child process that only root can make. The child makes
-// only system calls between fork and end: another thread may hold any lock.
+// The functions act as the user "nobody", in a child process, which only root can do. The child
+// makes only system calls: another thread may have a lock at the fork, which the child could never
+// get.
 
 inline bool canBeNobody()
 {
@@ -25,7 +26,8 @@ inline bool becomeNobody()
     return ::setgroups(0, nullptr) == 0 && ::setgid(nobody) == 0 && ::setuid(nobody) == 0;
 }
 
-// Returns the result of `act`, which must be 0 to 99; 100 and 101 are failures of the child.
+// Runs `act` in the child. Returns its result, which must be 0 to 99; 100 and 101 are failures of
+// the child.
 template <typename Act>
 int asNobody(const Act& act)
 {
@@ -37,7 +39,7 @@ int asNobody(const Act& act)
     return WIFEXITED(status) ? WEXITSTATUS(status) : 101;
 }
 
-// Returns the first digit of the HTTP status for a request from 127.0.0.`source`; 0 without a
+// Sends `request` from 127.0.0.`source`. Returns the first digit of the HTTP status; 0 without a
 // reply.
 inline int requestAsNobody(int port, const char* request, int source = 1)
 {
@@ -57,7 +59,7 @@ inline int requestAsNobody(int port, const char* request, int source = 1)
     });
 }
 
-// Listens as another user at a path where the program expects its own socket.
+// Listens as the user "nobody" at the path where the program expects its own socket.
 class NobodyListening {
 public:
     // Sends `line` to the first client, then reads what the client sends.

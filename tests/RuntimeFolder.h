@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-// Sets the user's runtime folder of this process and its children, until destroyed.
+// Sets the user's runtime folder for this process and the processes it starts, until destroyed.
 class RuntimeFolder {
 public:
     explicit RuntimeFolder(const QString& path) { qputenv(variable, path.toLocal8Bit()); }

@@ -23,8 +23,9 @@ inline void settleWorkers()
     QThreadPool::globalInstance()->waitForDone();
 }
 
-// Waits until the threads of all pools have exited; call after the application object is destroyed.
-// A joined thread may still be exiting, and what only that thread holds would count as a leak.
+// Waits until the threads of all pools have exited; call it after the application object is
+// destroyed. A thread that was joined may still be exiting, and memory that only it refers to would
+// count as a leak.
 inline void letThreadsGo()
 {
     const auto isPooled = [](const QFileInfo& thread) {

@@ -99,7 +99,7 @@ private:
     {
         m_window.resize(1440, 900);
         auto* button = found<UserAccountButton>();
-        // Opens the popover anew for each size: it closes when the window is resized.
+        // Opens the popover again for each size, because it closes when the window is resized.
         const auto takeOpen = [&](const QString& name, auto prepare) {
             for (const QSize size : WindowPictures::sizes) {
                 m_window.resize(size);

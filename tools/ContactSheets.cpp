@@ -14,10 +14,10 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int photosShown = 6, gap = 16;
-// Area of one post in pixels, so that three in a row fit on a screen.
+// Area of one post in pixels, such that three fit side by side on a screen.
 constexpr double postArea = 560.0 * 560.0;
 
-// Texts of short, usual and long length.
+// Sample texts: short, usual and long ones.
 const QList<GeneratedCopy>& copies()
 {
     static const QString none;

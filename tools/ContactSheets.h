@@ -2,7 +2,8 @@
 
 #include <QDir>
 
-// Makes one picture for each design: the first six photos of a folder, with texts of different
-// lengths, in that design. False when one could not be made.
+// Saves one picture in `out` for each design in `definitionFolder`: the first six photos of
+// `photoFolder`, with texts of different lengths, in that design. Returns false if a picture could
+// not be made.
 bool makeContactSheets(const QDir& out, const QString& photoFolder,
                        const QString& definitionFolder);

@@ -16,8 +16,8 @@ namespace {
 
 constexpr int longestWait = 60000;    // ms
 
-// Drops the events of repeating timers, which drive animations; single-shot timers bring requested
-// work.
+// Drops the events of repeating QTimers, which drive animations. Lets those of single-shot timers
+// through, which start work that the window waits for.
 class FrameFilter : public QObject {
 public:
     using QObject::QObject;
@@ -58,11 +58,11 @@ bool WindowPictures::waitFor(const std::function<bool()>& reached)
     return reached();
 }
 
-// The window must stay complete for several turns: panels request pictures a moment after a change,
-// and a result of a worker may cause further requests.
+// Waits until the window is idle several times in a row: panels request pictures a moment after a
+// change, and the result of a worker may cause further requests.
 bool WindowPictures::waitUntilCalm()
 {
-    constexpr int calmTurns = 3, turn = 60;    // ms
+    constexpr int calmTurns = 3, turn = 60;    // `turn` in ms
     QElapsedTimer watch;
     watch.start();
     for (int calm = 0; calm < calmTurns;) {

@@ -1,6 +1,7 @@
-// Edits and exports without pause while it is killed at random moments and at each step of a
-// charge. After each restart the ledger of the service must hold a charge for every render that the
-// batch knows as paid, and for no other.
+// Runs a child that edits and exports without pause, and kills it at random moments and at each
+// step of a charge. After each restart, the service's ledger must contain one unrefunded charge for
+// every render that the batch knows as paid. Other unrefunded charges are allowed only if the
+// child still has an entry for them in its journal.
 //
 //     charge_storm SERVICE_PROGRAM FOLDER KILLS
 //         runs children and judges the ledger
@@ -87,7 +88,7 @@ bool turnUntil(Done done, int milliseconds = 60'000)
     return done();
 }
 
-// The program that edits, exports and is killed.
+// Runs in a child process: edits and exports until it is killed.
 class Child {
 public:
     Child(const QString& folder, const QUrl& address)
@@ -109,7 +110,8 @@ public:
         m_stepsLeft = times;
     }
 
-    // Returns whether the child reached a state that can be judged.
+    // Restores the batch and waits for the refunds of entries that earlier children left open, then
+    // prints the state. Returns whether all of this succeeded.
     bool start()
     {
         m_session.restoreWorkspaceIfNeeded();
@@ -155,8 +157,8 @@ private:
             m_session.activities().stop(Activity::Kind::exporting);
     }
 
-    // Prints what the child knows as paid, then waits for the judge's answer: the ledger must not
-    // change meanwhile.
+    // Prints the paid renders of the batch and the open entries of the journal. Then waits until
+    // the judge answers, because the ledger must not change while it is judged.
     void tellState() const
     {
         for (const PublicationItem& item : m_session.batch().items) {
@@ -206,7 +208,8 @@ private:
                 .arg(m_session.status()));
     }
 
-    // Prints the coming charge with its renders, and the number of files.
+    // Prints how many files the coming export writes, and the request id and the renders of its
+    // charge.
     void tellPlan(const QList<int>& indices) const
     {
         const SocialFormat format = m_session.batch().format;
@@ -254,9 +257,10 @@ int runChild(const QStringList& arguments)
     child.storm();
 }
 
-// An unrefunded charge in the ledger of the account.
+// What the service's ledger says about the charge with one request id. The charge is open until it
+// is refunded.
 struct Charge {
-    int amount = 0;    // negative
+    int amount = 0;    // credits; negative
     bool isOpen = false;
 };
 using Ledger = std::map<QString, Charge>;
@@ -281,7 +285,7 @@ public:
         return result == SQLITE_OK && rows == 1;
     }
 
-    // Takes one line of a child's output. Returns whether the child waits for an answer.
+    // Reads one line of a child's output. Returns whether the child waits for an answer.
     bool hear(const QString& line)
     {
         const QStringList words = line.split(u' ');
@@ -315,7 +319,8 @@ public:
     void childDied(bool isByItself)
     {
         ++m_kills[isByItself ? m_step : u"random, last at "_s + m_step];
-        // The child was killed after writing all files and before recording the payment.
+        // Notes the request if the child died after writing all files, but before recording the
+        // payment: its charge is refunded although the files exist.
         if (!m_request.isEmpty() && m_written == m_files)
             m_unrecorded.insert(m_request);
         m_request.clear();
@@ -327,7 +332,7 @@ public:
     void judge()
     {
         const Ledger ledger = readLedger();
-        std::map<QString, int> charged;    // renders
+        std::map<QString, int> charged;    // number of open charges, by render
         int openCredits = 0;
         for (const auto& [request, charge] : ledger) {
             const auto plan = m_plans.find(request);
@@ -419,10 +424,11 @@ private:
     }
 
     QString m_ledgerFile;
-    // Renders by the request identifier that pays for them.
+    // The renders that each request pays for, by request id.
     std::map<QString, QStringList> m_plans;
-    std::set<QString> m_paid, m_left;         // reported by the running child
-    std::set<QString> m_unrecorded;           // requests whose files are all written
+    std::set<QString> m_paid, m_left;    // reported by the running child
+    // Ids of requests whose files were all written, but whose payment was not recorded.
+    std::set<QString> m_unrecorded;
     QString m_request, m_step = u"none"_s;    // of the export under way
     bool m_isFree = false;
     int m_files = 0, m_written = 0;
@@ -438,8 +444,8 @@ public:
     {
     }
 
-    // Runs the program once; kills it after `life` ms unless empty. Returns whether it ended as
-    // expected.
+    // Runs a child with the arguments `how` and kills it after `life` milliseconds, if given.
+    // Returns whether the child ended as expected.
     bool run(const QStringList& how, std::optional<int> life)
     {
         QProcess child;
@@ -493,7 +499,7 @@ bool paintPhotos(const QDir& folder)
     return true;
 }
 
-// Leaves the session's cookie in the preferences of the children.
+// Registers an account. Its session cookie remains in the preferences file that the children use.
 bool signUp(const QDir& folder, const QString& address)
 {
     PreferencesStore preferences(folder.filePath(u"moltiva.sqlite"_s));
@@ -521,13 +527,14 @@ int judgeStorm(const QString& program, const QDir& folder, int kills)
         return 1;
     }
     Storm storm(folder.path(), address, judge);
-    // The import gets a run of its own, which no later child can undo: payments of a discarded
-    // batch are unknown.
+    // Imports the photos in a child of its own. No later child can undo this import, because a
+    // child can undo only its own changes. Without the imported batch, the paid renders would be
+    // unknown.
     const QStringList calmly{u"calm"_s};
     if (!storm.run(calmly, {}))
         judge.fail("the first run did not end well", {});
     for (int kill = 0; kill < kills; ++kill) {
-        // Kills at each step as often as at a random moment.
+        // Kills at each of the steps as often as at a random moment.
         const std::size_t kind = std::size_t(kill) % (steps.size() + 1);
         const bool isAsMeant =
             kind == steps.size()

@@ -1,9 +1,12 @@
-// How often the contrast mark agrees with the eye: contrast_labels LABELS PHOTOS
+// Measures how often the warning about low contrast agrees with the human eye.
 //
-// Each entry of LABELS puts one text on a photo of the folder PHOTOS and says whether it was found
-// readable by eye, at the size of a telephone: every word at a glance, nothing washed out. Texts
-// marked as held out were not looked at when the measure was chosen. With --crops each is written
-// as it looks at half the export size, for labelling. Fails when fewer than nine of ten agree.
+//     contrast_labels LABELS PHOTOS [--crops DIR] [--tile PIXELS]
+//
+// Each entry of the file LABELS puts one text on a photo of the folder PHOTOS, and says whether a
+// person could read it at the size of a telephone: every word at a glance, nothing washed out. The
+// entries marked as held out were not used to choose the measure of contrast. With --crops, the
+// program only saves a picture of each text at half the export size, for a person to label. Fails
+// if the warning agrees with fewer than nine of ten labels.
 
 #include "canvas/ExportCanvasRenderer.h"
 #include "canvas/TextWarnings.h"
@@ -62,7 +65,7 @@ PublicationItem itemOf(const Label& label, const AcceptedPhoto& photo, const QSt
     return item;
 }
 
-// Writes a picture of the text with some of its surroundings.
+// Saves a picture of the text with some of its surroundings.
 bool writeCrop(const PublicationItem& item, SocialFormat format, const QString& file)
 {
     const auto picture = ExportCanvasRenderer::bitmap(item, exportSize(format), designSize(format));

@@ -1,6 +1,6 @@
-// Edits a stored batch without pause while it is killed at random moments. After each restart the
-// batch must be the state after the last edit that was reported done, or after the one then under
-// way.
+// Runs a child that edits a stored batch without pause, and kills it at random moments. After each
+// restart, the batch must be as it was after the last edit that the child reported, or at most one
+// edit before or after that.
 //
 //     edit_storm FOLDER KILLS     runs children and judges the batch
 //     edit_storm FOLDER           edits until it is killed
@@ -26,13 +26,14 @@ namespace {
 
 constexpr int itemCount = 40, editKinds = 5;
 
-// Numbers of the last edits: edit n writes n into one of these places, in turn.
+// The numbers of the latest edits, read from a batch. Edit n is of the kind n % editKinds and
+// writes n into the batch, at a place that belongs to this kind.
 struct Marks {
     std::array<int, editKinds> numbers{};
-    bool areEverywhere = true;    // an edit of all items reached all
+    bool areEverywhere = true;    // whether edits of all items reached every item
 
     int last() const { return *std::ranges::max_element(numbers); }
-    // Whether each place holds the newest number of its kind.
+    // Whether the last edit and the ones just before it, one of each kind, are in the batch.
     bool areWhole() const
     {
         for (int number = last(); number > std::max(0, last() - editKinds); --number) {
@@ -43,7 +44,9 @@ struct Marks {
     }
 };
 
-constexpr double unit = 1e-6, buttonLeft = 0.31;    // where a call to action begins
+// `unit` turns the number of an edit into a small fraction. `buttonLeft` is the x of the default
+// frame of the call to action.
+constexpr double unit = 1e-6, buttonLeft = 0.31;
 
 Marks marksOf(const Batch& batch)
 {
@@ -137,7 +140,8 @@ int judge(const QDir& folder, int kills)
     for (int kill = 0; kill <= kills; ++kill) {
         QProcess child;
         child.start(QCoreApplication::applicationFilePath(), {folder.path()});
-        // Waits longer in the first run, until its import is done.
+        // Waits for a line of output. In the first run, waits for the first edit, so that the
+        // import is complete.
         const QByteArray begun = kill == 0 ? "done" : "\n";
         QByteArray output;
         while (!output.contains(begun) && child.waitForReadyRead(60000))
@@ -147,7 +151,7 @@ int judge(const QDir& folder, int kills)
         child.waitForFinished();
         output += child.readAllStandardOutput();
         QList<QByteArray> lines = output.split('\n');
-        lines.removeLast();    // cut short, or empty
+        lines.removeLast();    // an incomplete line, or empty
         for (const QByteArray& line : std::as_const(lines)) {
             const QList<QByteArray> words = line.split(' ');
             const int number = words[1].toInt();

@@ -1,10 +1,11 @@
-// Has many clients of one account reserve and refund credits at random, and judges the ledger that
-// they leave: nothing charged twice, nothing lost that was acknowledged, never below zero.
+// Lets many clients of one account reserve and refund credits at random, then judges the ledger:
+// nothing may be charged twice, nothing that was acknowledged may be missing, and the balance may
+// never be negative.
 //
 //     ledger_storm SERVICE_PROGRAM [--seconds 60] [--clients 32] [--kill]
 //
-// --kill ends the service without warning at random moments, some five seconds apart, and starts it
-// again on the same data each time.
+// --kill ends the service without warning at random moments, about five seconds apart, and starts
+// it again on the same data each time.
 
 #include "account/AccountRecords.h"
 
@@ -29,12 +30,13 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int requestIds = 16;
-// Reservations of all request ids at once would go far beyond the balance.
+// Credits. Reservations of all request ids at once would cost far more than the balance.
 constexpr std::array<qint64, 3> costs{3, 250, 2500};
 
 enum class Move { reserve, refund };
 
-// An answer to a client, with the times of the request and the reply.
+// A request that the service confirmed. `asked` and `known` are the times of the request and of the
+// reply, in milliseconds since 1970.
 struct Acknowledged {
     Move move;
     QString requestId;
@@ -112,7 +114,7 @@ qint64 reportedBalance(const RunningService& service, const std::string& cookie)
 
 struct Tally {
     QList<Acknowledged> acknowledged;
-    std::map<int, int> statuses;    // 0: no answer
+    std::map<int, int> statuses;    // number of replies, by HTTP status; 0: no answer
 };
 
 Tally storm(const RunningService& service, const std::string& cookie, unsigned seed,
@@ -194,8 +196,8 @@ public:
         }
     }
 
-    // Checks that the ledger showed what was acknowledged, at some moment between request and
-    // reply.
+    // Checks that each acknowledged request agrees with the ledger as it was at some moment between
+    // the request and the reply.
     void judgeAcknowledged(const QList<Acknowledged>& all)
     {
         const auto byId = movesById();
@@ -245,7 +247,8 @@ struct Options {
     bool kill = false;
 };
 
-// Number of times that the service was killed; empty when it did not come back.
+// Waits until the storm is over and meanwhile kills the service, if the options ask for that.
+// Returns the number of kills; nothing if the service did not start again.
 std::optional<int> waitOut(const Options& options, RunningService& service)
 {
     using Clock = std::chrono::steady_clock;

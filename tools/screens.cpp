@@ -4,7 +4,7 @@
 //     screens OUT --photos DIR --designs DIR     each design of a folder, on six photos
 //     screens OUT --account                      signing in, the account and the settings
 //
-// Each state is reached through the session and the window, then taken in both themes and at
+// Reaches each state through the session and the window, then takes it in both themes and at
 // several sizes. Two runs over the same photos give equal bytes. Without --photos, a painted sample
 // batch is used.
 
@@ -51,13 +51,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A clock that is a second later at each call.
+// A clock that advances by a second at each call.
 StudioSession::Clock steppingClock()
 {
     return [now = StudioHistory::Time()]() mutable { return now += std::chrono::seconds(1); };
 }
 
-// Blocks every reader of a photo: its stored thumbnail is a pipe, which waits for a writer.
+// Blocks every reader of a photo. In place of the stored thumbnail is a pipe, whose readers wait
+// for a writer.
 class HeldPhoto {
 public:
     HeldPhoto(const QString& photo, const QString& thumbnailFolder)
@@ -67,12 +68,12 @@ public:
     }
     ~HeldPhoto() { release(); }
 
-    // Lets readers go on; they decode the photo as if it had no stored thumbnail.
+    // Lets the readers continue. They decode the photo, as if it had no stored thumbnail.
     void release()
     {
         QFile pipe(m_pipe);
         if (std::exchange(m_isHeld, false) && pipe.open(QIODevice::ReadWrite))
-            pipe.remove();    // closes it, too
+            pipe.remove();
     }
 
 private:
@@ -99,7 +100,7 @@ public:
         WindowPictures::waitFor([this] { return m_window.gate()->state() == Gate::open; });
     }
 
-    // False when a state was not reached.
+    // Returns false if a state was not reached.
     bool takeAll()
     {
         bool reached = take(u"empty"_s);
@@ -142,7 +143,7 @@ private:
         m_session.selectLayer(std::ranges::find(current().layers, slot, &TextLayer::slot)->id);
     }
 
-    // Takes an import that waits for one of the first photos; the others are already looked at.
+    // Takes a picture of an import that waits for one of the first photos; all others are done.
     bool takeImport()
     {
         const QList<QUrl> photos = photosInFolder(m_photoFolder);
@@ -161,7 +162,7 @@ private:
         return reached;
     }
 
-    // Takes an export of the selected images, under way and done.
+    // Takes pictures of an export of the selected images: while it runs, and when it is done.
     bool takeExports()
     {
         const int cost = int(m_session.exports().exportIndices().size()) * exportCreditCost;
@@ -169,11 +170,12 @@ private:
         m_account.answer(
             "POST /api/credits/social-copy/reserve",
             uR"({"ok":true,"balance":%1,"cost":%2})"_s.arg(balance).arg(cost).toUtf8());
-        m_account.hold();    // stops the export at its reservation
+        m_account.hold();    // makes the export wait for its reservation
         m_session.exportAll(m_folder.path());
         WindowPictures::waitFor([this] {
             return !m_session.isExporting() ||
-                   !activity(Activity::Kind::exporting)->fraction();    // at its reservation
+                   // No fraction of the export is known while it waits for its reservation.
+                   !activity(Activity::Kind::exporting)->fraction();
         });
         bool reached = m_session.isExporting() && take(u"exporting"_s);
         m_account.answer("GET /api/auth/me", ScriptedAccount::summary("Lucía Ferrer", balance));
@@ -182,7 +184,7 @@ private:
         return reached && take(u"exported"_s);
     }
 
-    // Moves a layer as a drag on the canvas does, in all selected images.
+    // Moves a layer in all selected images, as dragging it on the canvas does.
     template <typename Layer>
     void drag(Layer layer, const CodableRect& frame)
     {
@@ -200,7 +202,8 @@ private:
         m_session.endCanvasHistoryEdit(layer.id);
     }
 
-    // A design on four images: a headline without a box, a panel below with text and a button.
+    // Builds a design on four images: a headline without a box, and below it a panel with a text
+    // and a button.
     void design()
     {
         m_session.setFormat(SocialFormat::carouselPortrait);
@@ -288,7 +291,7 @@ private:
         return reached & takePresets();
     }
 
-    // Takes the templates and styles of the user and of the program.
+    // Takes pictures of the templates and styles, both those of the user and those of the program.
     bool takePresets()
     {
         SidePanel* panel = m_window.shell()->sidePanel();

@@ -1,5 +1,9 @@
-// The picture beside the sign-in form, made of posts: sign_in_wall OUT.jpg PHOTOS
-// Run by hand when the designs or the photographs change; the result lies in resources/pictures.
+// Paints the picture beside the sign-in form, which shows columns of posts.
+//
+//     sign_in_wall OUT.jpg PHOTOS
+//
+// To be run by hand when the designs or the photographs change. The program uses the copy in
+// resources/pictures.
 
 #include "canvas/ExportCanvasRenderer.h"
 #include "canvas/ItemPainter.h"
@@ -19,11 +23,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Sizes in logical pixels of a window of 1440 x 900; the picture has `ratio` pixels for each.
+// Sizes in logical pixels of a window of 1440 x 900. The picture has `ratio` pixels per logical
+// pixel.
 constexpr QSize wall(896, 900);
 constexpr double ratio = 1.5, gap = 14, radius = 8;
 constexpr int quality = 82;
-constexpr std::array columnTops{-182.0, -12.0, -196.0};    // the window cuts the first posts
+// Negative, so that the window cuts off the first post of each column.
+constexpr std::array columnTops{-182.0, -12.0, -196.0};
 
 struct Post {
     QStringView photo, design;
@@ -36,7 +42,7 @@ GeneratedCopy copy(const QString& title, const QString& subtitle, const QString&
     return {title, subtitle, tagline, callToAction, {}, {}};
 }
 
-// The wall's posts by column, from the top.
+// The posts of the wall by column, from top to bottom.
 QList<QList<Post>> posts()
 {
     return {

@@ -53,7 +53,7 @@ void AccountBinding::connectGate()
             [this] { m_account.openPage(m_account.testMailURL()); });
 }
 
-// Starts the account at the first appearance of the gate only.
+// Calls bootstrap() only the first time that the gate appears.
 void AccountBinding::start()
 {
     if (m_didBootstrap)
@@ -155,7 +155,7 @@ void AccountBinding::showGate()
     }
 }
 
-// Deletes the sheets with all that was typed in them: the next user may be another person.
+// Deletes the sheets with all that was typed in them: the next user may be somebody else.
 void AccountBinding::closeGate()
 {
     if (m_popover)
@@ -206,7 +206,7 @@ void AccountBinding::togglePopover()
     m_popover->present();
 }
 
-// Connects the profile, password and purchase forms, of which each panel has some.
+// Connects those of the forms for profile, password and purchase that `panel` has.
 template <typename Panel>
 void AccountBinding::connectForms(Panel* panel)
 {
@@ -266,7 +266,7 @@ AppSettingsWindow* AccountBinding::appSettings()
     return m_appSettings;
 }
 
-// Clears the typed passwords only after a success, so that a refused one can be mended.
+// Clears the typed passwords only after a success, so that the user can correct refused ones.
 QCoro::Task<> AccountBinding::changePassword(QString current, QString password, QString repeated)
 {
     const QPointer<AccountBinding> self(this);

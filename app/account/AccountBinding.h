@@ -14,13 +14,13 @@ class StudioSession;
 class UserAccountButton;
 struct AccountShown;
 
-// Connects the account with the gate, with its button and popover in the top bar, and with the
-// settings. StudioSession holds which settings lie over the window.
+// Connects AccountSession with the sign-in gate, the account button and its popover, and the
+// settings sheets. StudioSession stores which sheet is open.
 class AccountBinding : public QObject {
     Q_OBJECT
 public:
-    // The arguments outlive the binding. It makes the sheets when they are first shown; the window
-    // owns them.
+    // The arguments must outlive the binding. The settings sheets are made when they are first
+    // shown, as children of `window`.
     AccountBinding(AccountSession& account, StudioSession& studio, AuthGateView* gate,
                    UserAccountButton* button, QWidget* window);
 
@@ -32,8 +32,8 @@ Q_SIGNALS:
     void gateClosed();
     void sheetChanged();
     void textPanelRequested();
-    // For the status line while no account screen is open: working() when an action begins, told()
-    // with its outcome.
+    // Both are for the status line while no account screen is open: working() when an action
+    // begins, told() with its outcome.
     void working();
     void told(const QString& message, bool isProblem);
 
@@ -65,8 +65,8 @@ private:
     QPointer<AccountSettingsWindow> m_accountSettings;
     QPointer<AppSettingsWindow> m_appSettings;
     bool m_didBootstrap = false;
-    // The account's last message that is not about a charge.
+    // AccountSession::outcome() at the last call of tell().
     QString m_message;
     bool m_wasWorking = false, m_toldWorking = false;
-    bool m_isLoadingPurchases = false;    // its end is not told
+    bool m_isLoadingPurchases = false;    // the mere end of loading emits no told()
 };

@@ -25,7 +25,7 @@ namespace {
 
 constexpr int panelWidth = 344, sheetAvatarSide = 40, sheetScrollBar = 12, sectionGap = 12;
 
-// A column without margins of its own.
+// Makes a vertical layout without margins.
 QVBoxLayout* rowsOf(QWidget* widget, int spacing)
 {
     auto* rows = new QVBoxLayout(widget);
@@ -136,7 +136,7 @@ QWidget* AccountPanelView::purchase()
     auto* heading = new QHBoxLayout;
     heading->addWidget(new Caption(Type::heading, &Theme::text, u"Comprar créditos"_s), 1);
     heading->addWidget(new Caption(Type::small, &Theme::text2, u"1000 créditos = 1 EUR"_s));
-    auto* group = new QWidget;    // auto-exclusive: one of the packages in it is checked
+    auto* group = new QWidget;    // parent of the packages, which are auto-exclusive among siblings
     auto* packages = new QHBoxLayout(group);
     packages->setContentsMargins(0, 0, 0, 0);
     packages->setSpacing(6);
@@ -215,12 +215,14 @@ void AccountPanelView::present()
     m_form->forget();
     open(QSize(panelWidth - 2 * padding, m_page->sizeHint().height()));
     fit();
-    // After a click the focus stays where it was, so that the arrow keys keep working there.
+    // After a click, leaves the focus to the widget that has it, so that the arrow keys still act
+    // on that widget.
     if (byKeyboard)
         takeFocus(m_fold, Qt::TabFocusReason);
 }
 
-// Scrolls to the notice after the layout has placed it: it may stand outside the visible part.
+// Shows the notice. Scrolls to it only after the layout has placed it: it may be outside the
+// visible part.
 void AccountPanelView::showNotice()
 {
     const bool isTold = !m_notice->text().isEmpty();
@@ -280,7 +282,7 @@ int AccountPanelView::chosenCredits() const
     return creditPackages[std::size_t(std::max<qsizetype>(0, chosen - m_packages.begin()))];
 }
 
-// Fits the popover to the page's height whenever the page is laid out again, as when it folds.
+// Fits the popover to the height of m_page when its layout changes, such as when a section folds.
 bool AccountPanelView::eventFilter(QObject* object, QEvent* event)
 {
     if (object == m_page && event->type() == QEvent::LayoutRequest)
@@ -296,7 +298,7 @@ void AccountPanelView::fit()
 
 void AccountPanelView::resizeEvent(QResizeEvent*)
 {
-    // The scroll bar stands in the popover's right padding.
+    // Extends the area into the right padding of the popover, where the scroll bar lies.
     m_area->setGeometry(content().adjusted(0, 0, sheetScrollBar, 0));
 }
 

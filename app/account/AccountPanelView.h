@@ -16,8 +16,8 @@ class PushButton;
 class QScrollArea;
 class RowButton;
 
-// The popover below the account button: the most frequent actions, and the ways to the account's
-// screens.
+// The popover below the account button: the most frequent actions, and rows that open the screens
+// of the account.
 class AccountPanelView : public Popover {
     Q_OBJECT
 public:

@@ -8,7 +8,7 @@ class Caption;
 class CreditsDetailPanel;
 class PurchasesDetailPanel;
 
-// "Ajustes": the four screens of the account.
+// The sheet "Ajustes", with the four screens of the account.
 class AccountSettingsWindow : public SettingsSheet {
     Q_OBJECT
 public:

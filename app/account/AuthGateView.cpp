@@ -74,7 +74,7 @@ bool AuthGateView::event(QEvent* event)
 
 bool AuthGateView::focusNextPrevChild(bool next)
 {
-    // Qt asks for the next focus while it hides the gate, whose own widgets are then invisible.
+    // Qt also calls this while it hides the gate: then no widget in the gate can take the focus.
     if (!isVisible())
         return QWidget::focusNextPrevChild(next);
     moveFocusRound(this, next);
@@ -83,7 +83,7 @@ bool AuthGateView::focusNextPrevChild(bool next)
 
 void AuthGateView::keyPressEvent(QKeyEvent* event)
 {
-    event->accept();    // keeps the key from the window's shortcuts
+    event->accept();    // keeps the key from the window
     pressFocused(event, this);
 }
 

@@ -6,7 +6,8 @@ class QStackedWidget;
 
 enum class Gate { checking, signedOut, open };
 
-// Covers the studio until a user is signed in; neither a click nor a key gets past it.
+// Covers the whole window until a user is signed in. Neither clicks nor keys reach the window
+// behind it.
 class AuthGateView : public QWidget {
     Q_OBJECT
 public:

@@ -61,7 +61,7 @@ void CreditsDetailPanel::buildChoices()
     heading->addWidget(new Caption(Type::heading, &Theme::text, u"Comprar créditos"_s), 1);
     heading->addWidget(new Caption(Type::small, &Theme::text2, u"1000 créditos = 1 EUR"_s));
     rows()->addLayout(heading);
-    auto* group = new QWidget;    // auto-exclusive: one of the choices in it is checked
+    auto* group = new QWidget;    // parent of all choices, which are auto-exclusive among siblings
     auto* choices = new QVBoxLayout(group);
     choices->setContentsMargins(0, 0, 0, 0);
     choices->setSpacing(10);
@@ -126,8 +126,8 @@ void CreditsDetailPanel::connectForm()
     });
 }
 
-// The banner of a pending purchase shows the account's message, unless it is a problem: the notice
-// shows those.
+// Shows the message of the account in the banner of a pending purchase, unless the message is a
+// problem: the notice shows problems.
 void CreditsDetailPanel::setAccount(const AccountShown& account)
 {
     m_balance->setText(creditsText(account.balance));
@@ -140,7 +140,7 @@ void CreditsDetailPanel::setAccount(const AccountShown& account)
     SettingsPanel::setAccount(account);
 }
 
-// Shows the hint in the notice's place while the notice is hidden.
+// Hides the notice if it is empty or repeats the banner, and shows the hint in its place.
 void CreditsDetailPanel::showHint()
 {
     const QString told = notice()->text();

@@ -32,7 +32,7 @@ private:
     void buy();
     void showTotal();
     void showHint();
-    std::optional<int> credits() const;    // empty while the custom field holds no valid amount
+    std::optional<int> credits() const;    // empty while the custom field contains no valid amount
 
     Caption* m_balance;
     QList<PackageCard*> m_packages;

@@ -56,7 +56,7 @@ protected:
         left += name + 12;
         paintText(painter, QRectF(left, 0, 80, height()), Qt::AlignLeft, Type::small, ink2,
                   u"mín. 1.000"_s);
-        if (!isChecked())    // when checked, the help stands beside the field
+        if (!isChecked())    // when checked, the help is beside the field instead
             paintText(painter,
                       QRectF(left + 80, 0, width() - left - 80 - customAmountSide, height()),
                       Qt::AlignRight, Type::small, ink2, customAmountHelp());

@@ -4,8 +4,8 @@
 class FormField;
 class Control;
 
-// The card with the field for "Otra cantidad", visible while choice() is checked. The caller places
-// choice() among the packages, so that either a package or the custom amount is checked.
+// The card with the field for "Otra cantidad", visible while choice() is checked. The caller gives
+// choice() the same parent as the packages, so that only one of them all is checked.
 class CustomAmount : public CardGround {
     Q_OBJECT
 public:

@@ -19,7 +19,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int paneWidth = 544, loginColumnWidth = 400, loginMarkSide = 44, bottomMargin = 8;
-// Heights of the column: signing in without a notice; the tallest mode with a notice.
+// Heights of the column in pixels: when signing in without a notice; in the tallest mode with a
+// notice.
 constexpr int usualHeight = 536, highest = 688;
 
 struct ModeRow {
@@ -93,7 +94,7 @@ void LoginView::buildColumn()
     heading->addWidget(new Mark(loginMarkSide));
     heading->addWidget(new Caption(Type::display, &Theme::text, u"Moltiva"_s), 1);
     auto* rows = new QVBoxLayout(m_column);
-    // A gap shrinks where the window is too low for the column.
+    // Adds a gap that shrinks if the window is too low for the column.
     const auto addGap = [rows](int height) {
         rows->addSpacerItem(new QSpacerItem(0, height, QSizePolicy::Minimum, QSizePolicy::Maximum));
     };
@@ -170,7 +171,8 @@ void LoginView::connectActions()
     });
 }
 
-// Tab goes from field to field and to the buttons that send; "recuperar" and the eyes follow.
+// Tab goes through the fields and the buttons that send the form, then to m_recover and the buttons
+// that show a password.
 void LoginView::orderFocus()
 {
     QList<QWidget*> order{m_segments, m_email->edit(), m_password->edit(), m_repeated->edit()};
@@ -218,8 +220,8 @@ void LoginView::setMode(LoginMode mode)
     m_mode = mode;
     m_segments->setCurrent(int(mode));
     m_explanation->setText(row(mode).explanation.toString());
-    // Qt moves the focus of a hidden field to an arbitrary next widget: takes it to the e-mail
-    // first.
+    // Hiding the focused field would let Qt move the focus to an arbitrary widget: moves it to the
+    // e-mail field first.
     const bool losesFocus = (mode != LoginMode::createAccount && m_repeated->edit()->hasFocus()) ||
                             (mode == LoginMode::recover && m_password->edit()->hasFocus());
     if (losesFocus)
@@ -280,8 +282,8 @@ void LoginView::place()
     const int pane = std::min(width(), paneWidth);
     const int left = width() - pane;
     m_wall->setGeometry(0, 0, left, height());
-    // The top is the same in every mode: it centres the sign-in form if the tallest mode still
-    // fits.
+    // Uses the same top in every mode: centres the form for signing in, but higher if the tallest
+    // mode would not fit otherwise.
     const int top = std::max(16, std::min((height() - usualHeight) / 2, height() - highest - 24));
     m_column->setGeometry(left + (pane - loginColumnWidth) / 2, top, loginColumnWidth,
                           std::max(0, height() - top - bottomMargin));

@@ -13,18 +13,18 @@ class SegmentedControl;
 
 enum class LoginMode { signIn, createAccount, recover };
 
-// The forms to sign in, register and recover a password, beside a wall of finished posts.
+// The forms to sign in, register and recover a password, beside a picture of finished posts.
 class LoginView : public QWidget {
     Q_OBJECT
 public:
     explicit LoginView(QWidget* parent = nullptr);
     void setAccount(const AccountShown& account);
-    // Tells how many files wait to be opened after the sign-in.
+    // Shows how many files are waiting to be opened after the sign-in.
     void setWaitingFiles(int count);
     void setMode(LoginMode mode);
     void clearPasswords();
     void focusFirst();
-    void tellProblem(const QString& sentence);    // one that has nothing to do with signing in
+    void tellProblem(const QString& sentence);    // a problem not caused by signing in
     FormField* email() const { return m_email; }
     FormField* password() const { return m_password; }
     FormField* repeated() const { return m_repeated; }

@@ -50,8 +50,8 @@ PurchasesDetailPanel::PurchasesDetailPanel(QWidget* parent)
     showContent();
 }
 
-// The area takes the focus while it can scroll: rows without a button are read by scrolling with
-// the keys.
+// Lets the scroll area take the focus while it can scroll: with the keyboard, rows without a button
+// can be seen only by scrolling.
 void PurchasesDetailPanel::makeReachable()
 {
     m_area->setAccessibleName(u"Compras"_s);
@@ -87,7 +87,7 @@ void PurchasesDetailPanel::setLoaded(Loading outcome)
     m_isLoading = false;
     m_isKnown |= outcome == Loading::done;
     if (outcome == Loading::done)
-        form()->forget();    // loading has no message of its own: the one shown is older
+        form()->forget();    // a successful loading has no message: the one shown is older
     showContent();
 }
 
@@ -98,7 +98,7 @@ void PurchasesDetailPanel::setPurchases(const QList<PurchaseHistoryItem>& purcha
     m_purchases = purchases;
     form()->remove(m_documents);
     m_documents.clear();
-    bringNoticeHome();    // the notice may stand in a row that is deleted now
+    bringNoticeHome();    // the notice may be in a row that setWidget() deletes
     m_list = new QWidget;
     auto* rows = new QVBoxLayout(m_list);
     rows->setContentsMargins(0, 0, 0, 0);
@@ -117,7 +117,7 @@ void PurchasesDetailPanel::setPurchases(const QList<PurchaseHistoryItem>& purcha
     }
     rows->addStretch(1);
     form()->add(m_documents);
-    m_area->setWidget(m_list);    // deletes the former list
+    m_area->setWidget(m_list);    // deletes the previous list
     showContent();
 }
 

@@ -13,7 +13,7 @@ public:
     explicit PurchasesDetailPanel(QWidget* parent = nullptr);
     void setPurchases(const QList<PurchaseHistoryItem>& purchases);
     enum class Loading { done, failed };
-    void setLoaded(Loading outcome);    // ends what historyRequested() began
+    void setLoaded(Loading outcome);    // call it when the requested loading has ended
 
 Q_SIGNALS:
     void historyRequested();
@@ -31,11 +31,11 @@ private:
 
     QList<PurchaseHistoryItem> m_purchases;
     bool m_isLoading = false;
-    bool m_isKnown = false;    // loaded once; before, no list does not mean no purchases
+    bool m_isKnown = false;    // loaded once: an empty list now means no purchases
     ProgressBar* m_progress;
     QScrollArea* m_area;
     EmptyNote* m_empty;
     QWidget* m_list = nullptr;
-    QList<PushButton*> m_documents;    // one for each row with a document
+    QList<PushButton*> m_documents;    // the buttons of the rows with a document
     PushButton* m_refresh;
 };

@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr int wallSide = 56, wallBottom = 44;
 constexpr double clearance = 24;      // pixels between the posts and the claim
-constexpr double leastShare = 0.8;    // of the wall's height that the picture covers at least
+constexpr double leastShare = 0.8;    // of the wall's height; the picture covers at least this much
 }    // namespace
 
 SignInWall::SignInWall(QWidget* parent) : QWidget(parent)
@@ -31,7 +31,8 @@ void SignInWall::paintEvent(QPaintEvent*)
         m_picture = QPixmap(u":/pictures/sign-in-wall.jpg"_s);
     if (m_picture.isNull() || rect().isEmpty())
         return;
-    // The picture is as wide as the wall; where it ends below, the ground is dark anyhow.
+    // Scales the picture to cover the full width and leastShare of the height. Below the picture
+    // only the dark ground is visible.
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const QSizeF shown =
         QSizeF(m_picture.size())
@@ -44,7 +45,8 @@ void SignInWall::paintEvent(QPaintEvent*)
     const double rowHeight = row(Type::claim).lineHeight;
     QRectF line(wallSide, height() - wallBottom - rowHeight * double(rows.size()),
                 width() - 2 * wallSide, rowHeight);
-    // The gradient is opaque behind the claim, for the posts have texts of their own.
+    // Makes the gradient opaque behind the claim, so that the texts in the posts do not show
+    // through.
     const double dark = std::clamp((line.top() - clearance) / height(), 0.1, 1.0);
     QLinearGradient night(0, 0, 0, height());
     night.setColorAt(0, withOpacity(ground, 0.06));

@@ -2,8 +2,8 @@
 #include <QPixmap>
 #include <QWidget>
 
-// A picture of finished posts with the program's claim, dark towards the bottom. It looks alike in
-// both themes.
+// A picture of finished posts, which darkens towards the bottom, where the program's claim is. It
+// looks the same in the light and the dark theme.
 class SignInWall : public QWidget {
     Q_OBJECT
 public:

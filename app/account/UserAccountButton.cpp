@@ -43,7 +43,8 @@ QString UserAccountButton::shownName() const
     return m_form == NameForm::first ? firstNameOf(m_name) : m_name;
 }
 
-// Wide enough for every balance with this number of digits, so that spending does not move the bar.
+// Reserves width for any balance with as many digits as m_balance, so that the top bar does not
+// move when credits are spent.
 double UserAccountButton::textRoom() const
 {
     const int digits = int(QString::number(m_balance).size());

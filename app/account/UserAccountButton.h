@@ -3,7 +3,7 @@
 
 enum class NameForm { whole, first };
 
-// The button of the top bar with the user's name and balance.
+// The button in the top bar with the user's name and balance.
 class UserAccountButton final : public Control {
     Q_OBJECT
 public:

@@ -19,7 +19,7 @@ BatchBinding::BatchBinding(StudioSession& session, BatchColumn* column,
             [this] { m_column->setTiles(tilesOf(shownItems())); });
 }
 
-// What an import under way has accepted so far.
+// The items that a running import has accepted so far; empty while no import runs.
 const PublicationItems& BatchBinding::incoming() const
 {
     static const PublicationItems nothing;
@@ -27,8 +27,8 @@ const PublicationItems& BatchBinding::incoming() const
     return import ? import->incoming : nothing;
 }
 
-// While an import runs the batch is still the old one: a click on a tile would mean another image
-// than the tile shows.
+// While an import runs, the batch of the session is still the old one: a click on a tile would
+// select another image than the tile shows.
 bool BatchBinding::showsIncoming() const
 {
     return !incoming().isEmpty();
@@ -99,11 +99,12 @@ void BatchBinding::showPicture(const TileRequest& request, const QImage& picture
     const PublicationItem* item = find(request.item.id);
     if (picture.isNull() || !item)
         return;
-    // Only a missing thumbnail tells of the file: one from the cache does not prove that it exists.
+    // Trusts only PhotoState::missing: a thumbnail from the cache does not prove that the file
+    // still exists.
     if (photo == PhotoState::missing)
         setMissing(request.item.id, true);
-    // A picture of an earlier state comes too late: the newer one is on its way, and until then the
-    // earlier warnings stay.
+    // Drops a picture of an earlier state of the item: a newer one is on its way, and until it
+    // comes the previous warnings stay.
     if (!(*item == request.item) || m_session.batch().format != request.format)
         return;
     m_wished.removeOne(request.item.id);
@@ -138,7 +139,8 @@ void BatchBinding::photoFound(QUuid item)
 {
     if (!m_missing.contains(item))
         return;
-    // The warnings found without the photo stay until the next picture, which is asked for anew.
+    // Makes the item count as not judged, but keeps the warnings found without the photo until the
+    // next picture is drawn.
     m_judgements[item].of = {};
     setMissing(item, false);
     m_column->pictureOutdated(item);
@@ -200,14 +202,15 @@ void BatchBinding::show()
         }
         if (sameOrder && m_known.shares(i, items, i))
             continue;
-        // Looks up by id where the item was before: items may have come, gone or moved.
+        // Finds the former index of the item by its id: items may have come, gone or moved.
         if (places.isEmpty()) {
             for (qsizetype k = 0; k < m_known.size(); ++k)
                 places.insert(m_known[k].id, k);
         }
         const qsizetype before = places.value(items[i].id, -1);
         cameOrWent |= before < 0;
-        // An item that came back may still have its picture, but forgetGone() dropped its warnings.
+        // An item that was removed and has come back may still have its picture in the column, but
+        // forgetGone() has dropped its warnings.
         const bool isOutdated =
             before < 0 ? !isJudged(items[i])
                        : !m_known.shares(before, items, i) && !(m_known[before] == items[i]);

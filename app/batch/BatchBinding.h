@@ -8,22 +8,24 @@ class BatchColumn;
 class StudioSession;
 struct Tile;
 
-// The batch column as a view of the session. While an import runs, the column shows the images
-// accepted so far.
+// Shows the session's batch in the batch column. While an import runs, the column shows the images
+// that the import has accepted so far.
 class BatchBinding : public QObject {
     Q_OBJECT
 public:
-    // The session and the column outlive the binding.
+    // `session` and `column` must outlive the binding.
     BatchBinding(StudioSession& session, BatchColumn* column,
                  const std::shared_ptr<PhotoCache>& photos);
 
-    void show();    // after a change of the batch or of the import's progress
+    void show();    // call it after a change of the batch or of the import's progress
     void photoFound(QUuid item);
     void photoMissing(QUuid item);
     bool isIdle() const { return m_pictures->isIdle(); }
-    // Whether the column shows the images of a running import. It must not change the batch then.
+    // Whether the column shows the images of a running import. Clicks on them must not change the
+    // batch.
     bool showsIncoming() const;
-    // Warnings found when the item's picture was last drawn. All marks of warnings come from here.
+    // Warnings found when the item's picture was last drawn. Whatever shows warnings of an item
+    // takes them from here.
     QList<TextWarning> warningsOf(QUuid item) const;
 
 Q_SIGNALS:
@@ -52,11 +54,11 @@ private:
     StudioSession& m_session;
     BatchColumn* m_column;
     TilePictures* m_pictures;
-    // The items and the format shown last, to find what changed.
+    // The items and the format that show() has shown last, to find what changed.
     PublicationItems m_known;
     std::optional<SocialFormat> m_knownFormat;
     QHash<QUuid, QString> m_names;
     QSet<QUuid> m_missing;
-    QHash<QUuid, Judgement> m_judgements;    // by item
-    QList<QUuid> m_wished;                   // wanted by the column and not drawn yet
+    QHash<QUuid, Judgement> m_judgements;    // by item id
+    QList<QUuid> m_wished;    // items whose pictures the column wants and that are not drawn yet
 };

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr int batchHeaderHeight = 40, footerHeight = 44, batchColumnSide = 16;
 constexpr int narrowestBatch = 111,
-              widestBatch = 479;    // without the hairline at the right
+              widestBatch = 479;    // both without the hairline at the right
 }    // namespace
 
 BatchColumn::BatchColumn(QWidget* parent)

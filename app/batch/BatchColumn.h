@@ -4,7 +4,8 @@
 class Badge;
 class IconButton;
 
-// The batch at the left: number of images, their tiles, and buttons to select all and to discard.
+// The batch at the left of the window: the number of images, their tiles, and buttons to select all
+// and to discard.
 class BatchColumn : public QWidget {
     Q_OBJECT
 public:
@@ -18,7 +19,7 @@ public:
     QList<QWidget*> focusOrder() const;
 
 Q_SIGNALS:
-    void picturesWanted(const QList<QUuid>& ids, QSize pixels);    // see TileGrid
+    void picturesWanted(const QList<QUuid>& ids, QSize pixels);    // see TileGrid::picturesWanted()
     void clicked(int index, Qt::KeyboardModifiers modifiers);
     void contextMenuRequested(int index, QPoint globalPosition);
     void selectAllRequested();

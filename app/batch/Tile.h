@@ -3,7 +3,7 @@
 #include <QStringList>
 #include <QUuid>
 
-// missing: the photo can no longer be read.
+// `missing`: the photo can no longer be read.
 enum class TileState { normal, generating, queued, generated, missing };
 
 struct Tile {
@@ -12,6 +12,6 @@ struct Tile {
     bool current = false, selected = false;
     TileState state = TileState::normal;
     bool paid = false;
-    QStringList warnings = {};    // sentences about its texts
+    QStringList warnings = {};    // sentences about problems of the image's texts
     bool operator==(const Tile&) const = default;
 };

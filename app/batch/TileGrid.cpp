@@ -15,14 +15,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Around the tiles. The right padding is short because the scroll bar follows; the current tile's
-// outline still fits.
+// Paddings around the tiles. The right one is small because the scroll bar lies beside it, but the
+// outline of the current tile fits in it.
 constexpr int leftPadding = 16, rightPadding = 4, topPadding = 8, tileGap = 10;
 constexpr int tileRowGap = 12, bottomPadding = 4;
-constexpr int columnUnit = 92;    // width that each further column needs
+constexpr int columnUnit = 92;    // least width of a column with its gap
 constexpr int ringReach = 5, tileFrameTime = 33, tileTurnTime = 1000;
 
-// Square corners of a photograph would stick out of the rounded tile.
+// Makes the corners of a picture transparent: square ones would stick out of the rounded tile.
 QImage rounded(const QImage& picture, double radius)
 {
     QImage image = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
@@ -39,8 +39,8 @@ QImage rounded(const QImage& picture, double radius)
     return image;
 }
 
-// The focus ring around the grid. A widget above the viewport, because the viewport ends where the
-// scroll bar begins.
+// The focus ring around the grid. A widget above the viewport, because the ring also covers a part
+// of the scroll bar, where the viewport cannot paint.
 class GridRing : public QWidget {
 public:
     explicit GridRing(QWidget* parent) : QWidget(parent)
@@ -66,8 +66,8 @@ TileGrid::TileGrid(QWidget* parent) : QAbstractScrollArea(parent), m_ring(new Gr
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::TabFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    // The bar always takes its room, so that the columns do not jump; with nothing to scroll it
-    // paints nothing.
+    // Always shows the scroll bar, so that the number of columns does not depend on it. While there
+    // is nothing to scroll, the bar paints nothing.
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     verticalScrollBar()->setSingleStep(48);
     viewport()->setAttribute(Qt::WA_Hover);
@@ -162,7 +162,8 @@ void TileGrid::pictureOutdated(QUuid id)
 QSize TileGrid::tileSize() const
 {
     const int inner = std::max(1, viewport()->width() - leftPadding - rightPadding);
-    // The width is rounded up: a gap may be a pixel narrower than tileGap, not wider.
+    // Rounds the width up, so that a gap is never wider than tileGap, though it may be a pixel
+    // narrower.
     const int width = std::max(1, (inner - (columns() - 1) * tileGap + columns() - 1) / columns());
     return {width, std::max(1, qRound(width / m_ratio))};
 }
@@ -195,7 +196,7 @@ QRect TileGrid::tileRect(int index) const
     const int count = columns();
     const QSize size = tileSize();
     const int inner = viewport()->width() - leftPadding - rightPadding;
-    // Spreads the pixels left over by whole-pixel widths over the gaps between columns.
+    // Spreads the rounding of the tile width over all gaps between the columns.
     const int column = index % count;
     const int left = count == 1 ? 0 : column * (inner - size.width()) / (count - 1);
     return {QPoint(leftPadding + left,
@@ -250,7 +251,7 @@ void TileGrid::showCurrent()
     if (tile.bottom() >= viewport()->height())
         bar->setValue(bar->value() + tile.bottom() + 1 - viewport()->height());
     const QRect moved = tileRect(current).adjusted(0, -topPadding, 0, 0);
-    if (moved.top() < 0)    // a tile higher than the view shows its top
+    if (moved.top() < 0)    // a tile higher than the viewport shows its top
         bar->setValue(bar->value() + moved.top());
 }
 
@@ -281,8 +282,8 @@ void TileGrid::forgetDistant()
 {
     const QList<int> visible = visibleTiles();
     const int reach = int(visible.size());
-    // Drops nothing until there are five viewfuls of pictures, then keeps three: the visible one
-    // and one on each side.
+    // Drops nothing up to five times as many pictures as are visible. Beyond that, keeps three
+    // times as many: the visible ones, and as many before and after them.
     if (m_pictures.size() <= qsizetype(5) * std::max(reach, 1))
         return;
     QSet<QUuid> near;
@@ -329,7 +330,7 @@ bool TileGrid::viewportEvent(QEvent* event)
     case QEvent::HoverLeave:
         setHovered(-1);
         break;
-    case QEvent::ScreenChangeInternal:    // another pixel ratio wants other pictures
+    case QEvent::ScreenChangeInternal:    // another device pixel ratio needs other pictures
         wishLater();
         break;
     case QEvent::ToolTip: {
@@ -485,7 +486,7 @@ void TileGrid::paintTile(QPainter& painter, int index) const
          .turn = m_turn});
 }
 
-// Placeholders in an empty batch, paler with every row.
+// Paints placeholders for an empty batch, paler with every row.
 void TileGrid::paintEmptyTiles(QPainter& painter) const
 {
     for (int row = 0; row < 6; ++row) {

@@ -9,18 +9,20 @@
 #include <QTimer>
 #include <QUuid>
 
-// The batch as a grid of pictures, of which only the visible ones are painted and asked for.
+// Shows the batch as a grid of pictures. Paints only the visible tiles, and asks for pictures of no
+// others.
 class TileGrid : public QAbstractScrollArea {
     Q_OBJECT
 public:
     explicit TileGrid(QWidget* parent = nullptr);
 
-    // Repaints the tiles that differ, and scrolls to the current one when another became current.
+    // Repaints the tiles that differ, and scrolls to the current tile if it is another one than
+    // before.
     void setTiles(const QList<Tile>& tiles);
     const QList<Tile>& tiles() const { return m_tiles; }
     void setRatio(double ratio);    // width / height of a tile's picture
-    // A picture of another size than picturePixels() is shown scaled. Pictures far outside the view
-    // are dropped.
+    // Shows `picture` scaled if its size is not picturePixels(). Drops pictures far outside the
+    // view.
     void setPicture(QUuid id, const QImage& picture);
     // Goes on showing the outdated picture, and asks for a new one as soon as the tile is visible.
     void pictureOutdated(QUuid id);
@@ -28,7 +30,7 @@ public:
 
     int columns() const;
     int currentIndex() const;
-    QRect tileRect(int index) const;      // of the picture, in the viewport
+    QRect tileRect(int index) const;      // of the tile's picture, in viewport coordinates
     int tileAt(QPoint position) const;    // index at a point of the viewport; -1 beside the tiles
     QList<int> visibleTiles() const;      // indices of tiles whose picture is in view, ascending
     QSize picturePixels() const;          // size of a tile's picture in device pixels
@@ -81,5 +83,5 @@ private:
     double m_turn = 0;
     int m_hovered = -1;
     bool m_severalSelected = false;
-    QWidget* m_ring;    // shown when the keyboard brought the focus
+    QWidget* m_ring;    // the focus ring; visible if the focus came by keyboard
 };

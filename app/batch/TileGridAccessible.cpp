@@ -93,7 +93,7 @@ public:
             return nullptr;
         auto found = m_children.find(index);
         if (found == m_children.end()) {
-            // Qt's registry owns the child from here on.
+            // registerAccessibleInterface() takes ownership of `tile`.
             auto* tile = new TileAccessible(grid(), index);
             found = m_children.insert(index, QAccessible::registerAccessibleInterface(tile));
         }

@@ -1,4 +1,5 @@
 #pragma once
 
-// Shows each TileGrid to screen readers as a list of its tiles. Call before the first grid is made.
+// Makes screen readers see each TileGrid as a list of its tiles. Call it before the first grid is
+// shown to them.
 void makeTileGridsAccessible();

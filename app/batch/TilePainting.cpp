@@ -11,8 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Qt elides evenly on both sides of the ellipsis, which may waste up to a letter's width: tries one
-// more letter before it.
+// Elides the middle of `text`. Qt keeps equally many letters on both sides of the ellipsis, which
+// may waste the width of a letter: adds one before the ellipsis if it fits.
 QString middleElided(Type type, const QString& text, double width)
 {
     const QString elided =
@@ -76,8 +76,8 @@ void paintSelection(QPainter& painter, const Theme& theme, const TileLook& look)
     }
 }
 
-// Paints one sign for all problems, in the colour of the worst. It stands on the picture, for the
-// caption has no room, in the corner that designs leave free most often.
+// Paints one sign for all problems, in the colour of the worst. The sign lies on the picture
+// because the caption has no space for it, in the corner that designs leave free most often.
 void paintSign(QPainter& painter, const TileLook& look)
 {
     const bool isMissing = look.tile.state == TileState::missing;

@@ -7,8 +7,8 @@
 
 namespace {
 
-// Tiles drawn at a time: enough to keep the workers busy, few enough for a new want() to take
-// effect soon.
+// How many pictures are drawn at a time: enough to keep the workers busy, few enough for a new
+// want() to take effect soon.
 constexpr int tilesAtOnce = 3;
 
 struct TileDrawing {
@@ -40,8 +40,8 @@ void TilePictures::want(const QList<PublicationItem>& items, SocialFormat format
         if (!m_running.contains(request))
             m_wanted.append(request);
     }
-    // Waits for the next turn: a later want() of this turn may drop items, and a fast worker would
-    // already have drawn and reported them.
+    // Starts in the next turn of the event loop: another want() in this turn may drop items that a
+    // fast worker would already have drawn and reported.
     QMetaObject::invokeMethod(this, &TilePictures::startNext, Qt::QueuedConnection);
 }
 

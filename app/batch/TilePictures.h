@@ -13,7 +13,7 @@
 
 #include <memory>
 
-// A wanted picture of an item, with the item as it was when the picture was asked for.
+// A request for an item's picture. `item` is a copy from when the picture was requested.
 struct TileRequest {
     PublicationItem item;
     SocialFormat format = SocialFormat::carouselPortrait;
@@ -21,11 +21,11 @@ struct TileRequest {
     bool operator==(const TileRequest&) const = default;
 };
 
-// Whether a picture of an item shows its photo.
+// Whether an item's picture shows the item's photo.
 enum class PhotoState { shown, missing };
 
-// Pictures of items for the batch column, drawn on the workers from thumbnails. Only the last
-// want() counts: a picture that it no longer names is not begun.
+// Draws pictures of items for the batch column on worker threads, from thumbnails. Each want()
+// replaces the one before: a picture that it does not ask for again is not begun.
 class TilePictures : public QObject {
     Q_OBJECT
 public:
@@ -47,6 +47,6 @@ private:
                               std::shared_ptr<PhotoCache> photos);
 
     std::shared_ptr<PhotoCache> m_photos;
-    QList<TileRequest> m_wanted;    // not begun yet
+    QList<TileRequest> m_wanted;    // requests that are not begun yet
     QList<TileRequest> m_running;
 };

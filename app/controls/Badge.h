@@ -6,7 +6,8 @@
 // `accent` is for what must not be overlooked.
 enum class BadgeKind { quiet, accent };
 
-// A short word or number on a ground of its own. Empty, it takes no room and paints nothing.
+// A short word or number on a rounded background. Without a text the badge has no width and paints
+// nothing.
 class Badge : public QWidget {
     Q_OBJECT
 public:

@@ -171,7 +171,8 @@ QSize PushButton::sizeHint() const
     return {2 * padding() + icon + qCeil(textWidth(textType(), text())), size.height};
 }
 
-// A link has a small padding: without a background, its text aligns with what is above and below.
+// Gives a link a small padding, so that its text, which has no background around it, lines up with
+// the widgets above and below.
 int PushButton::padding() const
 {
     if (m_isFlush)

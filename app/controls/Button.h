@@ -6,17 +6,18 @@
 #include <QAbstractButton>
 #include <QVariantAnimation>
 
-// What all our buttons share: no focus by mouse, a ring for focus by keyboard, an animated hover.
+// Base class of the buttons. A click does not give them the focus; focus by keyboard shows a ring;
+// hovering is animated.
 class Control : public QAbstractButton {
     Q_OBJECT
 public:
     explicit Control(QWidget* parent);
-    // Ends the hover if the pointer has left. Call it when a menu over the button has closed: the
-    // menu kept the leave event from the button.
+    // Ends the hover if the pointer is outside. Call it when a menu over the button has closed:
+    // while the menu was open, the button got no leave event.
     void lookForPointer();
 
 protected:
-    double hovered() const { return m_hovered; }    // 0 to 1
+    double hovered() const { return m_hovered; }    // 0 to 1; between them during the animation
     bool event(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
@@ -29,7 +30,8 @@ private:
     double m_hovered = 0;
 };
 
-// `raised` is a neutral button on the stage's background; `link` has no background.
+// `raised`: a neutral button for a background on which `neutral` would not stand out. `link`: a
+// text without a background.
 enum class ButtonKind { neutral, raised, soft, primary, link };
 enum class ButtonSize { small, regular, large };
 struct ButtonSizeRow {
@@ -48,21 +50,21 @@ constexpr const ButtonSizeRow& row(ButtonSize size)
 }
 static_assert(std::ranges::all_of(buttonSizes, [](const auto& r) { return &row(r.size) == &r; }));
 
-enum class Joined { no, left, right };    // place in a pair of JoinedButtons
+enum class Joined { no, left, right };    // the side in a pair of JoinedButtons
 enum class Labels { shown, hidden };
 
-// The text is the accessible name too.
+// A button with an icon and a text, which is also the accessible name.
 class PushButton : public Control {
     Q_OBJECT
 public:
     PushButton(Icon icon, const QString& text, ButtonKind kind = ButtonKind::neutral,
                ButtonSize size = ButtonSize::regular, QWidget* parent = nullptr);
     void setJoined(Joined joined);
-    // Hidden labels become tooltips.
+    // Labels::hidden leaves only the icon; the text becomes the tooltip.
     void setLabels(Labels labels);
-    // Takes the whole width of its place; icon and text stay in the middle.
+    // Lets a layout widen the button. Icon and text stay in the middle.
     void setStretched();
-    // Removes the padding of a link.
+    // For a link: removes its padding and its background while hovered.
     void setFlush();
     // Shows that the button's action is running: a spinner replaces the icon, and presses have no
     // effect. The button stays enabled, and so keeps the focus.
@@ -88,14 +90,14 @@ private:
     Labels m_labels = Labels::shown;
     bool m_isFlush = false;
     bool m_isWorking = false;
-    QString m_description;    // the accessible description while it is not working
+    QString m_description;    // the accessible description for when the button is not working
     SpinnerTurn m_turn;
 };
 
 class IconButton : public Control {
     Q_OBJECT
 public:
-    // `name` is what a screen reader says; it is the tooltip as well until another is set.
+    // `name`: for screen readers, and the tooltip until setToolTip() sets another.
     IconButton(Icon icon, const QString& name, int side = 32, QWidget* parent = nullptr);
     void setIconSize(int size);
     void setMeaning(Icon icon, const QString& name);
@@ -110,7 +112,7 @@ private:
     int m_iconSize = 20;
 };
 
-// Two buttons that look like one.
+// Two buttons side by side that look like one.
 class JoinedButtons : public QWidget {
     Q_OBJECT
 public:

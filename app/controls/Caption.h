@@ -3,7 +3,7 @@
 
 #include <QWidget>
 
-// A line of read-only text. Elided where it does not fit; a tooltip then shows all of it.
+// One line of read-only text. If the text does not fit, it is elided and a tooltip shows all of it.
 class Caption : public QWidget {
     Q_OBJECT
 public:

@@ -3,15 +3,16 @@
 
 class PreferencesStore;
 
-// The user's folder of this kind; the home folder if there is none.
+// The user's folder of `kind`, such as Pictures; the home folder if that folder does not exist.
 QString usualFolder(QStandardPaths::StandardLocation kind);
 
-// Where file choosers begin: in the folder of the last choice, stored in the preferences by `key`.
+// The folder in which a file dialog opens: that of the last choice, stored in the preferences under
+// `key`.
 class ChooserFolder {
 public:
-    // `preferences` must outlive it.
+    // `preferences` must outlive this object.
     ChooserFolder(PreferencesStore& preferences, const QString& key);
-    QString begin() const;    // a folder that exists
+    QString begin() const;    // an existing folder
     void remember(const QString& folder);
 
 private:

@@ -1,7 +1,8 @@
 #pragma once
 #include "app/controls/Button.h"
 
-// Copies an address to the clipboard. Its text says so until the button gets another address.
+// A button that copies an address to the clipboard. After a click its text says that the address
+// was copied, until setAddress() sets another.
 class CopyButton : public PushButton {
     Q_OBJECT
 public:

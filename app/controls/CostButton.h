@@ -2,14 +2,15 @@
 #include "app/controls/Button.h"
 #include "app/controls/CostChip.h"
 
-// A button whose action costs credits; the cost stands at its right end.
+// A button whose action costs credits. The cost is shown at its right end.
 class CostButton : public PushButton {
     Q_OBJECT
 public:
     CostButton(Icon icon, const QString& text, int digits, QWidget* parent = nullptr);
-    // `shown` may be shorter than `spoken`, which a screen reader says.
+    // `shown`: the button's text. `spoken`: the name for screen readers, which may be longer.
     void setWording(const QString& shown, const QString& spoken);
-    // The least width of the text, in pixels: keeps the button's width when its text changes.
+    // Reserves at least `width` pixels for the text, so that the button keeps its width when its
+    // text changes.
     void setTextRoom(int width);
     void setCost(const Cost& cost);
     const Cost& cost() const { return m_chip->cost(); }

@@ -3,24 +3,26 @@
 
 #include <optional>
 
-// The cost of something in credits, and the balance to pay it from.
+// The cost of an action and the balance that pays it, in credits.
 struct Cost {
-    std::optional<qint64> credits = {};    // nothing while it is being calculated
+    std::optional<qint64> credits = {};    // empty while the cost is being calculated
     qint64 balance = 0;
-    qint64 most = 0;    // the highest cost to leave room for
+    qint64 most = 0;    // the highest cost that must fit in the chip
     bool isShort() const { return credits && *credits > balance; }
     bool operator==(const Cost&) const = default;
 };
 
-// The cost of a button's action. Its width stays the same, so that nothing shifts.
+// Shows the cost of a button's action. The chip keeps its width when the cost changes, so that
+// nothing around it moves.
 class CostChip : public QWidget {
     Q_OBJECT
 public:
-    // Keeps room for so many digits; a longer cost makes the chip wider for good.
+    // `digits`: how many digits the chip has space for. A cost with more digits widens the chip for
+    // good.
     explicit CostChip(int digits, QWidget* parent = nullptr);
     void setCost(const Cost& cost);
     const Cost& cost() const { return m_cost; }
-    QString spoken() const;    // "cuesta 50 créditos"
+    QString spoken() const;    // such as "cuesta 50 créditos"
     QSize sizeHint() const override;
 
 protected:

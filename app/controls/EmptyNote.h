@@ -7,7 +7,7 @@
 class EmptyNote : public QWidget {
     Q_OBJECT
 public:
-    // Either text may be empty.
+    // `title` and `sentence` may be empty.
     EmptyNote(Icon icon, const QString& title, const QString& sentence, QWidget* parent = nullptr);
 
 protected:

@@ -7,7 +7,7 @@ class QPainter;
 class QRectF;
 enum class Icon;
 
-// The background of controls that belong together.
+// A rounded background behind controls that belong together.
 class CardGround : public QWidget {
     Q_OBJECT
 public:
@@ -21,7 +21,7 @@ private:
     Look m_look;
 };
 
-// A horizontal hairline, broken in the middle by a short word if there is one.
+// A horizontal hairline. `word`, if there is one, interrupts it in the middle.
 class Divider : public QWidget {
     Q_OBJECT
 public:
@@ -50,7 +50,7 @@ private:
 
 void paintAvatar(QPainter& painter, const QRectF& box, const Theme& theme, const QString& initials);
 
-// An icon by itself.
+// A widget that shows only an icon.
 class IconView : public QWidget {
     Q_OBJECT
 public:
@@ -64,7 +64,7 @@ private:
     QColor Theme::*m_ink;
 };
 
-// An icon on a soft square.
+// An icon on a rounded square in a pale accent colour.
 class IconTile : public QWidget {
     Q_OBJECT
 public:

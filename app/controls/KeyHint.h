@@ -5,12 +5,12 @@
 #include <QWidget>
 
 struct KeyHint {
-    QStringList keys;    // one cap each
+    QStringList keys;    // names of keys; each is painted on a key cap of its own
     QString meaning;
     bool operator==(const KeyHint&) const = default;
 };
 
-// A row of key caps, each with its meaning.
+// A row of hints: for each hint its keys, painted as key caps, and their meaning.
 class KeyHints : public QWidget {
     Q_OBJECT
 public:

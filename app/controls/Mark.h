@@ -4,7 +4,7 @@
 class QPainter;
 struct Theme;
 
-// Paints the program's logo, 28 pixels wide and high.
+// Paints the program's logo in the square from (0, 0) to (28, 28).
 void paintMark(QPainter& painter, const Theme& theme);
 
 class Mark : public QWidget {

@@ -22,8 +22,8 @@ bool holds(QLayout* layout, const QWidget* part)
     return false;
 }
 
-// Inserts a widget below `part`, in the innermost vertical layout that holds `part`. Returns that
-// layout; null where there is none.
+// Inserts `inserted` below `part`, in the innermost vertical layout that contains `part`, searched
+// from `layout` inwards. Returns that layout; null if there is none.
 QBoxLayout* insertBelow(QLayout* layout, const QWidget* part, QWidget* inserted)
 {
     auto* rows = qobject_cast<QBoxLayout*>(layout);

@@ -8,18 +8,19 @@ class QBoxLayout;
 
 enum class NoticeKind { info, problem };
 
-// A message about the last action, with an icon. Keeps its room while it is empty, so that nothing
-// shifts. If the message holds an address, its last row is a button to copy the address.
+// A message about the last action, with an icon. While it is empty it keeps its height, so that
+// nothing around it moves. If the message contains a web address, its last row is a button that
+// copies the address.
 class Notice : public QWidget {
     Q_OBJECT
 public:
-    // `place`: where a message of fewer than `rows` rows stands, at the top or in the middle.
+    // `place`: Qt::AlignTop or Qt::AlignVCenter, for a message of fewer than `rows` rows.
     explicit Notice(int rows, Qt::Alignment place = Qt::AlignTop, QWidget* parent = nullptr);
     void tell(NoticeKind kind, const QString& text);
     QString text() const;
     CopyButton* copyButton() const { return m_copy; }
-    // Moves the notice below `control`, into the innermost vertical layout around it. Its button
-    // follows `control` in the order of Tab.
+    // Moves the notice below `control`, into the innermost vertical layout around `control`. Tab
+    // then goes from `control` to the copy button.
     void standBelow(QWidget* control);
     void standIn(QBoxLayout* place);
 

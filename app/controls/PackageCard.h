@@ -3,8 +3,8 @@
 
 enum class PackageSize { chip, card };
 
-// An amount of credits to choose among others. A card shows its price and its use as well; a chip,
-// the bare number.
+// A button for one of several amounts of credits. PackageSize::card shows its price and its use
+// too; PackageSize::chip shows only the amount.
 class PackageCard : public Control {
     Q_OBJECT
 public:

@@ -4,8 +4,8 @@
 class QScrollArea;
 class QString;
 
-// The margins and gaps of the side panel's pages. The right margin is smaller by the scroll bar,
-// whose room scrolled() always keeps.
+// The layout of a page of the side panel, with its margins and gaps. The right margin is smaller by
+// the width of the scroll bar, which scrolled() always reserves.
 class PanelLayout : public QVBoxLayout {
 public:
     explicit PanelLayout(QWidget* page);
@@ -13,11 +13,11 @@ public:
     void addRow(const QList<QWidget*>& widgets, int gapAbove);
 };
 
-// The title of a group of rows.
+// Makes the title of a group of rows.
 QWidget* sectionTitle(const QString& text, QWidget* parent);
 
-// A scroll area around `page`. The bar's room is always kept, and stays empty while there is
-// nothing to scroll.
+// Makes a scroll area around `page`. The width of its scroll bar is always reserved, even while
+// there is nothing to scroll.
 QScrollArea* scrolled(QWidget* page);
-// Scrolls until the widget is visible.
+// Scrolls `area` until `widget` is visible.
 void showIn(QScrollArea* area, QWidget* widget);

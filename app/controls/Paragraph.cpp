@@ -9,7 +9,7 @@
 QStringList wrappedRows(const QString& text, Type type, double width, int mostRows)
 {
     QStringList rows;
-    qsizetype start = 0;    // where the line begins in `text`
+    qsizetype start = 0;    // index in `text` where `line` begins
     for (const QString& line : text.split(u'\n')) {
         QTextLayout layout(line, fontOf(type));
         QTextOption option;
@@ -33,7 +33,8 @@ QStringList wrappedRows(const QString& text, Type type, double width, int mostRo
 Paragraph::Paragraph(Type type, QColor Theme::*ink, const QString& text, QWidget* parent)
     : QWidget(parent), m_type(type), m_ink(ink)
 {
-    // Not Fixed: a layout would keep the height of the size hint, which belongs to another width.
+    // Preferred, not Fixed: with Fixed, a layout would always use the height of sizeHint(), which
+    // was calculated for another width.
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);

@@ -4,13 +4,14 @@
 #include <QStringList>
 #include <QWidget>
 
-// The rows that `text` breaks into, at most `mostRows`. The last one holds all the rest, and may be
-// longer than `width`.
+// Breaks `text` into rows up to `width` pixels wide. After `mostRows - 1` such rows, one last row
+// contains all the remaining text and may be wider.
 QStringList wrappedRows(const QString& text, Type type, double width, int mostRows);
 
 enum class Spoken { byItself, byOwner };
 
-// Read-only text over several rows. What does not fit is elided; a tooltip then shows all of it.
+// Read-only text in several rows. If the text does not fit, its last row is elided and a tooltip
+// shows all of it.
 class Paragraph : public QWidget {
     Q_OBJECT
 public:
@@ -18,8 +19,8 @@ public:
     void setText(const QString& text);
     const QString& text() const { return m_text; }
     void setInk(QColor Theme::*ink);
-    // Spoken::byOwner: the owner has the text as its accessible name, so that it is not heard
-    // twice.
+    // With Spoken::byOwner the paragraph has no accessible name: the widget around it has the text
+    // in its own, and a screen reader would say it twice.
     void setSpoken(Spoken spoken);
     void setMostRows(int rows);
 

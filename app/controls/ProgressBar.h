@@ -5,12 +5,13 @@
 
 #include <optional>
 
-// A bar four pixels high. Without a value it shows that work goes on, not how far it is.
+// A bar four pixels high. Without a value, an animation shows that work goes on, but not how much
+// is done.
 class ProgressBar : public QWidget {
     Q_OBJECT
 public:
     explicit ProgressBar(QWidget* parent = nullptr);
-    void setValue(std::optional<double> value);    // 0 to 1
+    void setValue(std::optional<double> value);    // 0 to 1; empty: unknown
     QSize sizeHint() const override { return {180, 4}; }
 
 protected:
@@ -23,7 +24,7 @@ private:
 
     std::optional<double> m_value;
     double m_shown = 0;
-    double m_phase = 0;    // of the animation without a value, 0 to 1
+    double m_phase = 0;    // how far the cycle of the animation without a value is, 0 to 1
     QVariantAnimation m_glide;
     QTimer m_cycle;
 };

@@ -1,13 +1,13 @@
 #pragma once
 #include "app/controls/Button.h"
 
-// A row of a list, as wide as its place. A checkable one belongs to a group, in which the arrow
-// keys choose.
+// A button that is one row of a list; a layout may stretch it to the full width. For a choice
+// between rows, make them checkable and auto-exclusive: then the arrow keys choose.
 class RowButton : public Control {
     Q_OBJECT
 public:
     RowButton(Icon icon, const QString& text, QWidget* parent = nullptr);
-    // An icon at the right end, such as the one for folding what is below.
+    // Shows `icon` at the right end, such as a chevron that says whether the row is unfolded.
     void setMark(Icon icon);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

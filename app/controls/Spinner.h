@@ -1,7 +1,8 @@
 #pragma once
 #include "app/theme/SpinnerTurn.h"
 
-// Shows that work goes on. Turns while it is visible.
+// A turning ring that shows that work goes on. The timer behind it runs only while the ring is
+// visible.
 class Spinner : public QWidget {
     Q_OBJECT
 public:

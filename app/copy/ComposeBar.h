@@ -3,18 +3,18 @@
 
 class TextField;
 
-// The bar with the campaign's objective. It hangs under the top bar, centred on the stage.
+// The bar for editing the campaign's objective. It lies below the top bar, centred on the stage.
 class ComposeBar : public QWidget {
     Q_OBJECT
 public:
     explicit ComposeBar(QWidget* parent = nullptr);
-    void setObjective(const QString& objective);    // shows; emits nothing
+    void setObjective(const QString& objective);    // emits nothing
     QWidget* objectiveEdit() const;
-    void finishEdit();    // ends the edit, so that what is typed reaches the session
+    void finishEdit();    // ends the edit under way, which may emit objectiveEdited()
     QSize sizeHint() const override { return {1120, 52}; }
 
 Q_SIGNALS:
-    void objectiveEdited(const QString& objective);    // when the edit ends
+    void objectiveEdited(const QString& objective);    // an edit has ended with another text
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -38,14 +38,16 @@ ExportOffer ExportBinding::offer() const
 
 void ExportBinding::show()
 {
-    // focusWidget() counts while a file dialog is active too: the window gives it the focus back.
+    // Uses focusWidget() instead of hasFocus(): while a file dialog is active, focusWidget() is the
+    // widget that gets the focus back afterwards.
     const bool hadFocus = m_buttons->focusOrder().contains(m_buttons->window()->focusWidget());
     m_buttons->setOffer(offer());
     if (hadFocus && !m_buttons->current()->isEnabled())
         Q_EMIT leaveRequested();
 }
 
-// Says why exporting is impossible now. A shortcut may ask while the buttons are disabled.
+// Returns whether exporting is impossible now, and then tells the user why. A shortcut requests an
+// export even while the buttons are disabled.
 bool ExportBinding::refuses()
 {
     const QString refusal = refusalOf(offer());

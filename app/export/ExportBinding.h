@@ -9,7 +9,8 @@ class ExportDialogs;
 class PreferencesStore;
 class StudioSession;
 
-// Exports from the window: the export buttons with their costs, and the choice of the files' place.
+// Handles the export buttons of the window: shows the costs, asks for the file or folder and starts
+// the export.
 class ExportBinding : public QObject {
     Q_OBJECT
 public:
@@ -17,14 +18,14 @@ public:
     ExportBinding(StudioSession& session, AccountSession& account, const BatchBinding& column,
                   ExportButtons* buttons, PreferencesStore& preferences, QWidget* window);
 
-    void show();    // after a change of the batch, an activity, the costs or the balance
+    void show();    // call after a change of the batch; updates the buttons
     ExportOffer offer() const;
     void exportCurrent();
     void exportItem(QUuid item);
     void exportSeveral();
 
 Q_SIGNALS:
-    void leaveRequested();    // the focused button was disabled
+    void leaveRequested();    // the focused button was disabled: the focus should move
 
 private:
     bool refuses();

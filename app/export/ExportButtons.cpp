@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int seam = 1;
-constexpr int exportButtonsLeastDigits = 3;    // of an image count, for which there is always room
+constexpr int exportButtonsLeastDigits = 3;    // an image count with so many digits always fits
 constexpr int currentDigits = 2, severalDigits = 5;
 
 QString severalText(qsizetype selected, ExportButtons::Wording wording)

@@ -6,23 +6,23 @@
 
 class CostButton;
 
-// The state of batch and session that decides what can be exported now.
+// What decides which exports are possible now, and what they cost.
 struct ExportOffer {
-    qsizetype images = 0;       // in the batch
-    qsizetype selected = 0;     // images; if 1, it is the current image
+    qsizetype images = 0;       // number of images in the batch
+    qsizetype selected = 0;     // number of selected images; if 1, the current image
     bool isRunning = false;     // an export runs
     bool isIncoming = false;    // the window shows the images of a running import, not the batch's
     Cost current = {}, several = {};
     bool operator==(const ExportOffer&) const = default;
 };
 
-// "Exportar 4" where several images are selected, else "Exportar todo".
+// "Exportar 4" if four images are selected; "Exportar todo" if fewer than two are.
 QString exportSeveralText(qsizetype selected);
 // Why nothing can be exported now; empty when something can.
 QString refusalOf(const ExportOffer& offer);
 
-// The joined pair of buttons: export the current image; export all images or the selected ones. The
-// width does not depend on the selection. Too few credits disable nothing.
+// Two joined buttons: the left one exports the current image, the right one the selected images or
+// all. The width does not depend on the selection. Too few credits do not disable the buttons.
 class ExportButtons : public QWidget {
     Q_OBJECT
 public:

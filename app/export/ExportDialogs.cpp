@@ -12,8 +12,8 @@ namespace {
 
 const QString exportFolderKey = u"moltiva.exportFolder"_s;
 
-// Compares names first: canonicalFilePath() reads every folder of a path, too slow for a whole
-// batch.
+// Compares file names first: canonicalFilePath() reads every folder of a path, which is too slow
+// for all photos of a batch.
 bool isPhotoOf(const Batch& batch, const QString& path)
 {
     const QString file = QFileInfo(path).canonicalFilePath();
@@ -26,7 +26,7 @@ bool isPhotoOf(const Batch& batch, const QString& path)
     });
 }
 
-// QFileDialog adds ".png" only to a name that seems to have no suffix.
+// Adds ".png" if QFileDialog did not: it takes any text after a dot for a suffix.
 QString asPng(const QString& path)
 {
     const bool isPng = QFileInfo(path).suffix().compare(u"png"_s, Qt::CaseInsensitive) == 0;
@@ -46,7 +46,7 @@ void ExportDialogs::chooseFile(QUuid id)
     const auto item = std::ranges::find(items, id, &PublicationItem::id);
     if (item == items.end())
         return;
-    // QFileDialog takes quotes as separators of several file names.
+    // Removes quotes: QFileDialog takes them as separators of several file names.
     askForFile(id, exportName(item->url, m_folder.begin()).remove(u'"'));
 }
 
@@ -74,7 +74,8 @@ void ExportDialogs::takeFile(QUuid item, const QString& path)
         m_session.setStatus(u"Ese archivo es una foto del lote: elige otro nombre."_s,
                             StatusKind::warning);
     } else if (file.filePath() != path && file.exists()) {
-        // The chooser asked about replacing `path`, not the name with ".png" added.
+        // The dialog has asked whether to replace `path`, but the export would replace the file
+        // with ".png" added.
         m_session.setStatus(
             u"Ya existe %1: confirma que lo sustituyes o elige otro nombre."_s.arg(file.fileName()),
             StatusKind::warning);

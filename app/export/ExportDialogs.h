@@ -7,14 +7,14 @@
 
 class StudioSession;
 
-// Asks where each export goes, beginning in the folder of the last one.
+// Asks for the file or the folder of an export. Dialogs begin in the folder of the last export.
 class ExportDialogs : public QObject {
     Q_OBJECT
 public:
-    // The arguments outlive this object; the window owns the choosers.
+    // The arguments outlive this object. `window` is the parent of the file dialogs.
     ExportDialogs(StudioSession& session, PreferencesStore& preferences, QWidget* window);
 
-    // The items given here are exported, even if the selection changes while the chooser is open.
+    // Ask where to export the given items, even if the selection changes while the dialog is open.
     void chooseFile(QUuid item);
     void chooseFolder(const QList<QUuid>& items);
 

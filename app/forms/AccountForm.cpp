@@ -68,7 +68,7 @@ void AccountForm::show(const AccountShown& account)
         lock();
         if (!m_isWorking) {
             m_pressed = nullptr;
-            m_forgotten.clear();    // so that an outcome equal to the last one is told
+            m_forgotten.clear();    // an outcome equal to the last one must be shown too
         }
     }
     tell();
@@ -76,8 +76,9 @@ void AccountForm::show(const AccountShown& account)
 
 void AccountForm::lock()
 {
-    // Disabling the widget with the focus would give the focus to an arbitrary one, so the pressed
-    // button takes it. These widgets get the focus by keyboard only, hence the reason.
+    // Disabling the focused widget would move the focus to an arbitrary one, so it goes to the
+    // pressed button first. Only the keyboard gives these widgets the focus, hence
+    // Qt::TabFocusReason.
     const auto keepFocus = [this](const QWidget* from) {
         if (m_isWorking && m_pressed && from != m_pressed && from->hasFocus())
             m_pressed->setFocus(Qt::TabFocusReason);

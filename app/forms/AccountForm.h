@@ -12,37 +12,37 @@ class Notice;
 class PushButton;
 class QWidget;
 
-// Common behaviour of the account's forms. While an action runs, all widgets are locked but the
-// pressed button, which spins. The notice tells the outcome of the action, or what is missing
-// before the form can be sent.
+// Common behaviour of the account's forms. While an action runs, all added widgets are locked,
+// except that the pressed button shows a spinner. The notice shows the outcome of the action, or
+// what is missing before the form can be sent.
 class AccountForm : public QObject {
     Q_OBJECT
 public:
-    // `notice` must outlive the form; an added widget, too, unless it is removed first.
+    // `notice` must outlive the form, and so must an added widget unless it is removed first.
     AccountForm(Notice* notice, QWidget* parent);
     void add(const QList<PushButton*>& buttons);
     void add(CheckedField checked, FormField* field);
     void add(const QList<QWidget*>& others);
     void remove(const QList<PushButton*>& buttons);
 
-    // Returns whether the form can be sent, which is when no check has failed. Otherwise tells the
-    // failure's sentence, marks its field and gives it the focus.
+    // Returns whether the form can be sent, that is, whether `failure` is empty. If not, the notice
+    // shows the sentence of the failure, and its field is marked and gets the focus.
     bool accepts(const CheckResult& failure);
-    // Call it before asking for the button's action; the button spins while the action runs.
-    // Returns false when an action is running already.
+    // Marks `button` as pressed: it shows a spinner while its action runs. Call it before starting
+    // the action. Returns false if an action is running already.
     [[nodiscard]] bool send(PushButton* button);
     void show(const AccountShown& account);
-    // Tells a problem that is not the outcome of an action; it stays until something is typed or
-    // sent.
+    // Shows a problem that is not the outcome of an action, until the user types or sends
+    // something.
     void tellProblem(const QString& sentence);
-    // Empties the notice and unmarks all fields, before something else is told.
+    // Empties the notice and unmarks all fields. An outcome that was shown does not come back.
     void forget();
-    // Makes the following notices be about this control.
+    // Emits attended(): the next notices are about `control`.
     void attend(QWidget* control) { Q_EMIT attended(control); }
 
 Q_SIGNALS:
-    // The control that the following notices are about: the pressed button, or the field with a
-    // problem; null when an outcome comes and no button was pressed.
+    // `control` is what the next notices are about: the pressed button, or the field with a
+    // problem. Null if an outcome arrives and no button of this form was pressed.
     void attended(QWidget* control);
     void told();    // the notice may have changed
 

@@ -28,7 +28,7 @@ PasswordForm::PasswordForm(QBoxLayout::Direction direction, const Labels& labels
     for (QWidget* stop :
          QList<QWidget*>{m_changed->edit(), m_repeated->edit(), m_change, m_current->edit()->eye(),
                          m_changed->edit()->eye(), m_repeated->edit()->eye()}) {
-        setTabOrder(before, stop);    // from field to field, then the button, then the eyes
+        setTabOrder(before, stop);    // the fields, then the button, then the eye buttons
         before = stop;
     }
     connect(m_change, &PushButton::clicked, this, &PasswordForm::send);

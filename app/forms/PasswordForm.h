@@ -6,14 +6,14 @@ class AccountForm;
 class FormField;
 class PushButton;
 
-// The fields for changing the password, above the button that does so.
+// The fields for changing the password, above the button that sends them.
 class PasswordForm : public QWidget {
     Q_OBJECT
 public:
     struct Labels {
         QString current, changed, repeated;
     };
-    // `form` tells what is wrong with the passwords, and locks the fields and the button `change`
+    // `form` shows what is wrong with the passwords, and locks the fields and the button `change`
     // while an action runs.
     PasswordForm(QBoxLayout::Direction direction, const Labels& labels, PushButton* change,
                  AccountForm* form);

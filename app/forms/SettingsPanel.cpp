@@ -19,7 +19,7 @@ SettingsPanel::SettingsPanel(const QString& title, const QString& sentence, QWid
     setAccessibleName(title);
     m_rows->setSpacing(Space::medium);
     m_foot->setSpacing(Space::medium);
-    auto* place = new QWidget;    // keeps the notice's room in the foot while it is elsewhere
+    auto* place = new QWidget;    // reserves space in the foot while the notice is elsewhere
     place->setMinimumHeight(m_notice->minimumHeight());
     place->setLayout(m_footNotice);
     m_footNotice->setContentsMargins(0, 0, 0, 0);

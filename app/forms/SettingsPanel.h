@@ -8,8 +8,8 @@ class Notice;
 class QHBoxLayout;
 class QVBoxLayout;
 
-// A page of a settings sheet: its title with a sentence, its rows, and a foot with buttons. The
-// notice about an action stands below the control that asked for it, or in the foot.
+// A page of a settings sheet: a title with a sentence, rows, and a foot with buttons. The notice
+// about an action is shown below the control that started the action, or in the foot.
 class SettingsPanel : public QWidget {
     Q_OBJECT
 public:
@@ -19,7 +19,7 @@ public:
 protected:
     QVBoxLayout* rows() const { return m_rows; }
     QHBoxLayout* foot() const { return m_foot; }
-    QVBoxLayout* footNotice() const { return m_footNotice; }    // the notice's place in the foot
+    QVBoxLayout* footNotice() const { return m_footNotice; }    // where the foot shows the notice
     void bringNoticeHome();                                     // moves the notice to the foot
     AccountForm* form() const { return m_form; }
     Notice* notice() const { return m_notice; }

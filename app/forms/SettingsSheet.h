@@ -7,7 +7,7 @@ class RowButton;
 class SettingsPanel;
 struct AccountShown;
 
-// A sheet of several pages; the rows in its column choose the page.
+// A sheet of several pages. The rows in the column at its left choose the page.
 class SettingsSheet : public Sheet {
     Q_OBJECT
 public:
@@ -23,7 +23,7 @@ protected:
 
 private:
     QStackedWidget* m_pages;
-    QWidget* m_group;    // holds the rows
+    QWidget* m_group;    // parent of m_rows
     QList<RowButton*> m_rows;
     QList<SettingsPanel*> m_panels;
 };

@@ -2,7 +2,7 @@
 #include "app/controls/Button.h"
 #include "model/ShapeLayer.h"
 
-// A card with the shape's icon above its name.
+// A button that adds a shape of one kind: shows the icon above the name of the kind.
 class AddShapeButton : public Control {
     Q_OBJECT
 public:

@@ -107,7 +107,7 @@ void PanelBinding::connectShapes()
 void PanelBinding::show()
 {
     const Batch& batch = m_session.batch();
-    // While the column shows an import's images, the panel shows no item of the batch.
+    // While the batch column shows an import's images, the panel shows no item of the batch.
     const PublicationItem* item = m_batchBinding.showsIncoming() ? nullptr : batch.currentItem();
     m_panel->setContent(item ? SidePanel::Content::image : SidePanel::Content::none);
     const int reached = std::max(1, int(m_session.selectedIndicesForBatch().size()));

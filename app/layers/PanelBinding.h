@@ -20,7 +20,7 @@ struct ColorOffers;
 struct PhotoHandle;
 struct PublicationItem;
 
-// The side panel as a view of the session's current item.
+// Shows the session's current item in the side panel, and turns the user's input there into edits.
 class PanelBinding : public QObject {
     Q_OBJECT
 public:
@@ -30,14 +30,15 @@ public:
                  const BatchBinding& batch);
 
     void show();
-    // Opens the tab of a layer that was selected on the canvas, unless the templates are open.
+    // Opens the text or the shapes tab, whichever shows `layer`. Does nothing while the templates
+    // tab is open.
     void follow(QUuid layer);
     // Opens the text tab and gives the slot's editor the focus.
     void edit(CopySlot slot);
     void editSelected();
 
 Q_SIGNALS:
-    void leaveRequested();    // back to the canvas
+    void leaveRequested();    // the focus should go back to the canvas
 
 private:
     void connectTexts();
@@ -52,7 +53,8 @@ private:
     SidePanel* m_panel;
     std::shared_ptr<PhotoCache> m_photos;
     PreferencesStore& m_preferences;
-    const BatchBinding& m_batchBinding;             // has the warnings about the texts
-    QHash<QString, QList<QColor>> m_photoColors;    // by the photo's path; empty until found
+    const BatchBinding& m_batchBinding;    // has the warnings about the texts
+    // By photo path; the list is empty until a worker has found the colours.
+    QHash<QString, QList<QColor>> m_photoColors;
     QList<QColor> m_recentColors;
 };

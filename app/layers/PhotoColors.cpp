@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int samplesAcross = 24, groups = 12, rounds = 8, mostColors = 6;
-constexpr double leastDistance = 60;    // nearer colours look alike in a small square
+constexpr double leastDistance = 60;    // nearer colours look alike on a small swatch
 
 struct Point {
     double r = 0, g = 0, b = 0;
@@ -18,7 +18,7 @@ struct Point {
 
 double squaredDistance(const Point& a, const Point& b)
 {
-    // The weights follow roughly what the eye sees.
+    // The weights roughly follow how sensitive the eye is to each colour.
     return 2 * (a.r - b.r) * (a.r - b.r) + 4 * (a.g - b.g) * (a.g - b.g) +
            3 * (a.b - b.b) * (a.b - b.b);
 }
@@ -54,7 +54,7 @@ std::size_t nearest(const std::vector<Group>& found, const Point& sample)
         found.begin());
 }
 
-// Each group starts at the sample farthest from the groups found before.
+// Each group after the first starts at the sample farthest from the groups found before.
 std::vector<Group> startingGroups(const std::vector<Point>& samples)
 {
     std::vector<Group> found{{samples[samples.size() / 2], {}, 0}};

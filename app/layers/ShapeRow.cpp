@@ -48,7 +48,7 @@ void ShapeRow::paintEvent(QPaintEvent*)
     paintIcon(painter, iconNamed(row(m_shape.kind).icon),
               QRectF(shapeRowPadding, 0, shapeRowIconSide, height()), shapeRowIconSide,
               selected ? theme.accentText : theme.text2);
-    // A line is drawn by its stroke alone.
+    // A line has no fill: shows the colour of its stroke.
     const bool line = m_shape.kind == ShapeKind::line;
     const CodableColor& color = line ? m_shape.stroke : m_shape.fill;
     const double opacity = line ? m_shape.strokeOpacity : m_shape.fillOpacity;

@@ -2,7 +2,7 @@
 #include "app/controls/Button.h"
 #include "model/ShapeLayer.h"
 
-// A row in the list of the image's shapes. A click on it asks to select the shape.
+// A row in the list of the image's shapes. A click on the row asks to select its shape.
 class ShapeRow : public Control {
     Q_OBJECT
 public:

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Rows shown at most: a file may hold any number of shapes.
+// Largest number of rows in the list: the image may have any number of shapes.
 constexpr int shapesMostRows = 60;
 constexpr SliderRange shapesPercent{SliderUnit::percent, 0, 1},
     widthRange{SliderUnit::plain, 0, 40}, shapesRadiusRange{SliderUnit::plain, 0, 80};
@@ -132,7 +132,7 @@ void ShapesPanel::connectStyle()
                 shape.fill.alpha = alpha;
             });
         }
-        showStyle();    // replaces also a text that is no colour
+        showStyle();    // also replaces a typed text that is no colour
     });
     connect(m_header, &StyleHeader::copyRequested, this, &ShapesPanel::copyStyleRequested);
     connect(m_header, &StyleHeader::pasteRequested, this, &ShapesPanel::pasteStyleRequested);
@@ -167,7 +167,8 @@ const ShapeLayer* ShapesPanel::selected() const
     return found == m_state.shapes.cend() ? nullptr : &*found;
 }
 
-// The kind, with a number from the bottom where the image has several shapes of that kind.
+// The name of the kind. If the image has several shapes of the same kind, the name ends in a
+// number, counted from the bottommost shape.
 QString ShapesPanel::nameOf(const ShapeLayer& shape) const
 {
     int count = 0, number = 0;
@@ -201,7 +202,8 @@ void ShapesPanel::showRows()
         connect(shape, &ShapeRow::deleteRequested, this, &ShapesPanel::deleteRequested);
     }
     for (qsizetype i = 0; i < m_rows.size(); ++i) {
-        // Moves the focus out of a row that is about to be hidden, to the last row shown.
+        // Moves the focus out of a row that is about to be hidden, to the last visible row or,
+        // without rows, to an add button.
         QWidget* focus = window()->focusWidget();
         if (i >= shown && focus && m_rows[i]->isAncestorOf(focus)) {
             QWidget* next = m_add.front();
@@ -212,7 +214,8 @@ void ShapesPanel::showRows()
         m_rows[i]->setVisible(i < shown);
         if (i >= shown)
             continue;
-        const ShapeLayer& shape = m_state.shapes[count - 1 - i];    // the topmost comes first
+        // Shows the topmost shape, which is drawn last, in the first row.
+        const ShapeLayer& shape = m_state.shapes[count - 1 - i];
         m_rows[i]->setShape(shape, nameOf(shape),
                             shape.id == m_state.selectedLayer ? ShapeRow::Mark::selected
                                                               : ShapeRow::Mark::none);

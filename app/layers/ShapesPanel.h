@@ -17,19 +17,19 @@ class Swatch;
 struct ShapesPanelState {
     bool hasImage = false;
     QList<ShapeLayer> shapes = {};    // in drawing order
-    QUuid selectedLayer = {};         // a shape, a text or none
+    QUuid selectedLayer = {};         // id of a shape or a text; null: none
     int reachedImages = 1;            // number of images that a change of style reaches
     bool canPaste = false;
     ColorOffers colors = {};
     bool operator==(const ShapesPanelState&) const = default;
 };
 
-// The shapes of the current image, and the style of the selected one.
+// Shows the shapes of the current image, and the style of the selected shape for editing.
 class ShapesPanel : public QWidget {
     Q_OBJECT
 public:
     explicit ShapesPanel(QWidget* parent = nullptr);
-    void setState(const ShapesPanelState& state);    // shows; emits nothing
+    void setState(const ShapesPanelState& state);    // shows `state`; emits nothing
     QList<QWidget*> focusOrder() const;
 
 Q_SIGNALS:
@@ -59,7 +59,7 @@ private:
     Badge* m_count;
     QWidget* m_list;
     QList<ShapeRow*> m_rows;    // as many as were ever needed; unused ones are hidden
-    Caption* m_note;            // that there are no shapes, or how many have no row
+    Caption* m_note;            // tells that there are no shapes, or how many have no row
     StyleHeader* m_header;
     Swatch* m_fill;
     LineField* m_fillHex;

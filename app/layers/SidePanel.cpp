@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int narrowestPanel = 319,
-              widestPanel = 439;    // without the hairline at the left
+              widestPanel = 439;    // pixels, without the hairline at the left
 constexpr int tabsTop = 4, tabsSide = 8, tabsHeight = 48;
 
 }    // namespace

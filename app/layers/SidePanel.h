@@ -9,8 +9,8 @@ class TextPanel;
 
 enum class SideTab { text, shapes, templates };
 
-// Tabs for the texts and the shapes of the current image and for templates. A page that is too high
-// scrolls below the tabs.
+// Three tabs: texts and shapes of the current image, and templates. A page that is too high scrolls
+// below the tabs.
 class SidePanel : public QWidget {
     Q_OBJECT
 public:
@@ -20,15 +20,15 @@ public:
     ShapesPanel* shapesPanel() const { return m_shapes; }
     TemplatesPanel* templatesPanel() const { return m_templates; }
 
-    void setTab(SideTab tab);    // shows; emits nothing
-    void endEdits();             // lets go of held sliders and closes the popovers of the panel
+    void setTab(SideTab tab);    // shows the tab; emits nothing
+    void endEdits();    // ends the dragging of sliders and closes the popovers of the panel
     SideTab tab() const;
     enum class Content { none, image };
     void setContent(Content content);
     QList<QWidget*> focusOrder() const;
 
 Q_SIGNALS:
-    void tabChosen(SideTab tab);    // by the user
+    void tabChosen(SideTab tab);    // chosen by the user
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -50,7 +50,7 @@ SlotCard::SlotCard(CopySlot slot, QWidget* parent)
 
 void SlotCard::setLayer(const TextLayer& layer, CardMark mark)
 {
-    // Skips changes of style: a slider makes many, and the card shows none of them.
+    // Ignores changes of style, which the card does not show: dragging a slider makes many.
     const bool isShown =
         m_visible == layer.isVisible && m_mark == mark && m_editor->text() == layer.text;
     if (m_isShown && isShown)
@@ -88,8 +88,8 @@ void SlotCard::open()
     m_editor->setFocus(Qt::OtherFocusReason);
 }
 
-// Shows the warning while the text is edited. Waits for a pressed mouse button to be released: the
-// card changes its height, which would turn a click into a selection and move a held slider away.
+// Shows or hides the warning. Waits until no mouse button is pressed: the height of the card
+// changes, which would turn a click into a selection and move a slider away from the pointer.
 void SlotCard::tellOrNot()
 {
     const bool tells = !m_warnings.isEmpty() && m_editing;

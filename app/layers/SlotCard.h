@@ -19,11 +19,11 @@ class SlotCard : public QWidget {
 public:
     explicit SlotCard(CopySlot slot, QWidget* parent = nullptr);
     void setLayer(const TextLayer& layer, CardMark mark);
-    // Sentences about the text. A mark beside its name tells of them; while the text is edited, the
-    // card shows the first.
+    // Sets sentences about the text. If there are any, an icon appears beside the name of the slot;
+    // while the text is edited, the card also shows the first sentence.
     void setWarnings(const QStringList& warnings);
     QStringList warnings() const { return m_warnings; }
-    void edit();    // gives the editor the focus, with all its text selected
+    void edit();    // gives the editor the focus and selects all its text
     SlotEditor* editor() const { return m_editor; }
     IconButton* eye() const { return m_eye; }
 
@@ -48,7 +48,7 @@ private:
     CopySlot m_slot;
     Icon m_icon;
     QString m_name;
-    bool m_isShown = false;    // setLayer was called once
+    bool m_isShown = false;    // setLayer() was called at least once
     bool m_visible = true;
     bool m_editing = false;
     CardMark m_mark = CardMark::none;

@@ -53,7 +53,7 @@ TextPanel::TextPanel(QWidget* parent)
 {
     m_alignment->setStretched();
     m_sizeNote->setAlignment(Qt::AlignRight);
-    m_sizeNote->setFixedHeight(row(Type::caption).lineHeight);    // keeps its room while empty
+    m_sizeNote->setFixedHeight(row(Type::caption).lineHeight);    // the same height while empty
     m_boxOpacity->setAccessibleName(u"Opacidad de la caja"_s);
     m_boxRadius->setAccessibleName(u"Radio de la caja"_s);
     m_shadowOpacity->setAccessibleName(u"Opacidad de la sombra"_s);

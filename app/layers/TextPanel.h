@@ -19,8 +19,8 @@ class Switch;
 struct TextPanelState {
     QString filename = {};
     QList<TextLayer> layers = {};
-    QList<TextWarning> warnings = {};        // about the layers
-    QUuid selectedLayer = {};                // a text, a shape or none
+    QList<TextWarning> warnings = {};        // about the texts in `layers`
+    QUuid selectedLayer = {};                // id of a text or a shape; null: none
     std::optional<double> sizeLimit = {};    // font scale at which the selected text fills its box
     int reachedImages = 1;                   // number of images that a change of style reaches
     bool canPaste = false;
@@ -28,15 +28,15 @@ struct TextPanelState {
     bool operator==(const TextPanelState&) const = default;
 };
 
-// The texts of the current image, and the style of the selected one.
+// Shows the texts of the current image, and the style of the selected text, for editing.
 class TextPanel : public QWidget {
     Q_OBJECT
 public:
     explicit TextPanel(QWidget* parent = nullptr);
 
-    // Shows; emits nothing, and leaves cursor and selection of an editor alone.
+    // Shows `state`. Emits nothing, and does not move the cursor in a text that is being edited.
     void setState(const TextPanelState& state);
-    void editSlot(CopySlot slot);                  // focuses the slot's editor, all text selected
+    void editSlot(CopySlot slot);                  // focuses the slot's editor and selects all text
     std::optional<CopySlot> editedSlot() const;    // the slot whose editor has the focus
     const QWidget* selectedCard() const;           // null if no text is selected
     StyleShelf* styles() const { return m_styles; }
@@ -50,8 +50,8 @@ Q_SIGNALS:
     void colorUsed(const QColor& color);
     void copyStyleRequested();
     void pasteStyleRequested();
-    void leaveRequested();                      // back to the canvas
-    void visibleAreaWanted(QWidget* editor);    // the editor has grown and may need scrolling
+    void leaveRequested();                      // the focus should go back to the canvas
+    void visibleAreaWanted(QWidget* editor);    // `editor` has grown and should be visible
 
 private:
     const TextLayer* selected() const;

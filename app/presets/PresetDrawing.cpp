@@ -19,8 +19,7 @@ QImage drawnItem(const PublicationItem& item, SocialFormat format, QSize pixels,
 QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize pixels,
                   PhotoCache& photos)
 {
-    // `tileWidth` is in design units; `letterScale` replaces the font scale of the style's own
-    // text.
+    // `tileWidth` is in design units. `letterScale` replaces the font scale of `style`.
     constexpr double tileWidth = 150, letterScale = 4;
     const QSizeF tile(tileWidth, tileWidth * pixels.height() / std::max(1, pixels.width()));
     PublicationItem item;
@@ -30,7 +29,7 @@ QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize 
     letters.fontScale = letterScale;
     item.layers = {letters};
     const ItemLayout layout = layOut(item, QSizeF(pixels), tile);
-    // While the letters lack contrast, a denser veil of plain colour covers the photo.
+    // Covers the photo with more and more of a plain colour while the letters lack contrast.
     const QColor ground = letters.foreground.color().lightnessF() > 0.5F ? Qt::black : Qt::white;
     QImage picture = photos.thumbnail({photo.path, photo.digest});
     JudgedPicture judged = judgedItem(layout, pixels, picture);

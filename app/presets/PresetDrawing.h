@@ -7,10 +7,11 @@
 
 class PhotoCache;
 
-// Pictures of presets. The functions wait for the photo's thumbnail, so call them on the workers.
+// These functions draw the pictures of presets. Call them on a worker thread: they may wait until
+// the thumbnail of the photo is decoded.
 
 QImage drawnItem(const PublicationItem& item, SocialFormat format, QSize pixels,
                  PhotoCache& photos);
-// "Aa" in the style, over the middle of the photo.
+// Draws "Aa" in `style` over the middle of the photo.
 QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize pixels,
                   PhotoCache& photos);

@@ -10,8 +10,9 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int columnGap = 10, presetRowGap = 12, narrowestName = 80, previewAfter = 300;    // ms
-}
+// In pixels; previewAfter in milliseconds.
+constexpr int columnGap = 10, presetRowGap = 12, narrowestName = 80, previewAfter = 300;
+}    // namespace
 
 PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
     : QWidget(parent), m_title(name), m_owner(owner)
@@ -63,7 +64,8 @@ void PresetGrid::setPresets(const QList<Preset>& presets)
     m_presets = presets;
     setVisible(!presets.isEmpty());
     place();
-    // The mark follows its preset; if that is gone, the preset now at its index is marked.
+    // m_marked follows its preset. If that preset is gone, the one that is now at its index is
+    // marked.
     const auto same = std::ranges::find(presets, marked, &Preset::id);
     const int last = std::max(0, int(presets.size()) - 1);
     m_marked = same != presets.end() ? int(same - presets.begin()) : std::clamp(m_marked, 0, last);
@@ -94,10 +96,12 @@ PresetTile* PresetGrid::newTile()
     tile->show();
     connect(tile, &PresetTile::clicked, this, [this, tile] {
         leave();
-        Q_EMIT chosen(tile->preset().id);    // even while refused: the receiver tells why
+        // Emitted even with a refusal: the receiver tells the user why.
+        Q_EMIT chosen(tile->preset().id);
     });
     connect(tile, &PresetTile::pointedAt, this, [this, tile] { rest(tile->preset().id); });
-    // The preview stays while the pointer goes on to the next tile, until that one's preview comes.
+    // Waits before it ends the preview: meanwhile the pointer may reach the next tile, whose
+    // preview then replaces this one.
     connect(tile, &PresetTile::pointerLeft, this, [this] { rest({}); });
     connect(tile, &PresetTile::pictureWanted, this,
             [this, tile] { Q_EMIT pictureWanted(tile->preset().id); });
@@ -144,7 +148,7 @@ void PresetGrid::rename(QUuid id)
     if (!shown || m_owner == PresetOwner::program)
         return;
     if (m_name) {
-        m_name->clearFocus();    // makes the field send the name typed so far
+        m_name->clearFocus();    // makes m_name emit edited() with the name typed so far
         endRename(RenameEnd::kept);
     }
     m_focusBefore = QApplication::focusWidget();
@@ -152,7 +156,7 @@ void PresetGrid::rename(QUuid id)
     m_name = new LineField(u"Nombre"_s, {}, Icon::none, this);
     m_name->setShown(shown->preset().name);
     placeName();
-    // The field sends edited() as it loses the focus, before the queued editingFinished().
+    // m_name emits edited() as soon as it loses the focus. The queued `finish` runs after that.
     connect(m_name, &LineField::edited, this,
             [this](const QString& name) { Q_EMIT renamed(m_renamed, name); });
     connect(m_name, &LineField::abandoned, this, [this] { endRename(RenameEnd::abandoned); });
@@ -167,7 +171,7 @@ void PresetGrid::rename(QUuid id)
     bringIntoView(id);
 }
 
-// The name field covers the caption, and more only where the caption is too narrow to read.
+// Lays m_name over the caption, and makes it wider than a caption that is too narrow for typing.
 void PresetGrid::placeName()
 {
     const PresetTile* shown = m_name ? tile(m_renamed) : nullptr;
@@ -188,7 +192,8 @@ void PresetGrid::endRename(RenameEnd end)
     const QUuid id = m_renamed;
     name->hide();
     name->deleteLater();
-    // After Enter or Esc no widget has the focus; after a click elsewhere the clicked one has it.
+    // Restores the focus after Enter or Esc, which leave no widget focused. After a click
+    // elsewhere, the clicked widget keeps the focus.
     if (m_focusBefore && !QApplication::focusWidget())
         m_focusBefore->setFocus(m_focusBefore == this ? Qt::ShortcutFocusReason
                                                       : Qt::OtherFocusReason);
@@ -204,7 +209,7 @@ void PresetGrid::place()
                                 i / m_columns * (down + presetRowGap), across, down);
     }
     const int rows = (int(m_tiles.size()) + m_columns - 1) / m_columns;
-    // The gap below the last row has room for the name field.
+    // Adds a gap below the last row as well: m_name is higher than the caption that it covers.
     setFixedHeight(rows == 0 ? 0 : rows * (down + presetRowGap));
     placeName();
 }
@@ -229,7 +234,8 @@ void PresetGrid::leave()
     Q_EMIT previewEnded();
 }
 
-// Moves the keyboard to a tile: shows the focus ring there, tells screen readers, starts a preview.
+// Marks a tile as the one that the keyboard is on: shows the focus ring there, tells screen
+// readers, and starts the preview after a moment.
 void PresetGrid::mark(int index)
 {
     if (index < 0 || index >= m_tiles.size())
@@ -244,7 +250,8 @@ void PresetGrid::mark(int index)
     bringIntoView(shown->preset().id);
 }
 
-// Queued, so that tiles are laid out and a scroll area has first shown the grid as a whole.
+// Queued: by then the tiles are laid out, and a scroll area has finished scrolling to the grid as a
+// whole, which it does when the grid gets the focus.
 void PresetGrid::bringIntoView(QUuid id)
 {
     const auto bring = [this, id] {
@@ -323,7 +330,7 @@ void PresetGrid::focusInEvent(QFocusEvent* event)
 void PresetGrid::focusOutEvent(QFocusEvent* event)
 {
     leave();
-    // The mark stays while a menu or another window has the focus.
+    // The focus ring stays on the tile while a menu or another window has the focus.
     if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
         unmark();
 }

@@ -8,43 +8,43 @@ class LineField;
 
 enum class RenameEnd { kept, abandoned };
 
-// Preset tiles in rows. Tab stops once at the grid; arrow keys go from tile to tile, Enter chooses
-// a preset, the menu key opens its menu.
+// A grid of preset tiles. Tab stops at the grid once; arrow keys go from tile to tile, Enter
+// chooses a preset, the menu key opens its menu.
 class PresetGrid : public QWidget {
     Q_OBJECT
 public:
     PresetGrid(const QString& name, PresetOwner owner, QWidget* parent = nullptr);
 
-    // `ratio`: width / height of a picture.
+    // `ratio`: width / height of the tiles' pictures.
     void setShape(int columns, double ratio);
     void setPresets(const QList<Preset>& presets);
     const QList<Preset>& presets() const { return m_presets; }
     // Marks the preset that the canvas previews; null: none.
     void setPreviewed(QUuid id);
-    // Why no preset can be chosen now; empty when they can.
+    // `reason`: why no preset can be chosen now; empty if presets can be chosen.
     void setRefusal(const QString& reason);
     // Size of a tile's picture in device pixels.
     QSize picturePixels() const;
     void setPicture(QUuid id, const QImage& picture);
-    // Goes on showing the outdated picture, and emits pictureWanted() when its tile is painted
-    // next.
+    // Marks pictures as outdated. A tile shows its outdated picture until setPicture(); when the
+    // tile is painted next, pictureWanted() is emitted.
     void outdatePicture(QUuid id);
     void outdatePictures();
-    // Opens a field over the preset's caption, to type its name there.
+    // Opens a field over the preset's caption, in which the user types a name.
     void rename(QUuid id);
     PresetOwner owner() const { return m_owner; }
     PresetTile* tile(QUuid id) const;
 
 Q_SIGNALS:
     void chosen(QUuid id);
-    void previewWanted(QUuid id);    // the pointer or the keyboard rests on its tile
+    void previewWanted(QUuid id);    // the pointer or the keyboard has stayed on its tile
     void previewEnded();
     void pictureWanted(QUuid id);
     void menuRequested(QUuid id, QPoint globalPosition);
     void renamed(QUuid id, const QString& name);
     void renameEnded(QUuid id, RenameEnd end);
     void removeRequested(QUuid id);
-    void visibleAreaWanted(QWidget* tile);    // the keyboard is on the tile, or it is renamed
+    void visibleAreaWanted(QWidget* tile);    // scrolling should make `tile` visible
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -74,7 +74,7 @@ private:
     QList<PresetTile*> m_tiles;    // in the order of the presets
     int m_marked = 0;              // index of the tile that the keyboard is on
     QString m_refusal;
-    LineField* m_name = nullptr;    // null unless a preset is renamed
+    LineField* m_name = nullptr;    // null unless a preset is being renamed
     QUuid m_renamed;
     QPointer<QWidget> m_focusBefore;    // had the focus before m_name took it
     QTimer m_resting;

@@ -5,8 +5,9 @@
 #include <QCoroFuture>
 
 namespace {
-constexpr int atOnce = 2;    // pictures drawn at a time; few, so that new wishes begin soon
-}
+// Number of pictures drawn at the same time. Few, so that a new wish soon has its turn.
+constexpr int atOnce = 2;
+}    // namespace
 
 void PresetPictures::want(QUuid id, const Draw& draw)
 {
@@ -37,7 +38,7 @@ QCoro::Task<> PresetPictures::run(QPointer<PresetPictures> self, Wish wish)
         try {
             return draw();
         } catch (const std::exception&) {
-            return QImage();    // short of memory: the tile keeps its old picture
+            return QImage();    // out of memory: the tile keeps its old picture
         }
     });
     const QImage picture = co_await drawing;

@@ -10,8 +10,8 @@
 
 #include <functional>
 
-// Draws small pictures on the workers, one for each id, in the order in which they were wanted.
-// Only the last want() for an id counts.
+// Draws the pictures of presets on worker threads, in the order in which want() was called. Of
+// several calls for an id only the last counts.
 class PresetPictures : public QObject {
     Q_OBJECT
 public:
@@ -20,7 +20,7 @@ public:
     using Draw = std::function<QImage()>;
 
     void want(QUuid id, const Draw& draw);
-    // Forgets all pictures that were wanted; one that is being drawn is not delivered either.
+    // Forgets all calls of want(). ready() is not even emitted for pictures that are being drawn.
     void dropWishes();
     bool isIdle() const { return m_running == 0; }
 

@@ -14,7 +14,7 @@ constexpr double ringWidth = 2, chipHeight = 18, chipPadding = 6, chipInset = 5;
 
 PresetTile::PresetTile(PresetOwner owner, QWidget* parent) : Control(parent), m_owner(owner)
 {
-    // The grid takes the keyboard's focus and gives the focus ring to one of its tiles.
+    // The grid takes the keyboard focus, and shows the focus ring on one of its tiles.
     setFocusPolicy(Qt::NoFocus);
     setProperty("focusRadius", Radius::thumbnail);
     if (owner == PresetOwner::program)
@@ -57,7 +57,7 @@ void PresetTile::nameParts()
         name += u", vista previa"_s;
     setAccessibleName(name);
     setAccessibleDescription(m_refusal);
-    // A name may come from a file, and look like markup.
+    // Escapes the name: it may come from a file and look like markup.
     setToolTip(
         u"<qt>%1</qt>"_s.arg((m_refusal.isEmpty() ? m_preset.name : m_refusal).toHtmlEscaped()));
     if (m_more)
@@ -76,8 +76,8 @@ QSize PresetTile::picturePixels() const
 
 void PresetTile::setPicture(const QImage& picture)
 {
-    // A picture that could not be drawn leaves the old one; m_isAwaited stays, so that it is not
-    // asked for again before outdatePicture().
+    // A null picture could not be drawn: the old one stays. m_isAwaited stays true, so that
+    // pictureWanted() is not emitted again before outdatePicture().
     if (picture.isNull())
         return;
     m_isAwaited = false;
@@ -102,7 +102,8 @@ void PresetTile::setPreviewed(bool previewed)
     update();
 }
 
-// In a narrow tile the name needs the room: the menu button shows only under the pointer.
+// In a narrow tile the name needs the width: the menu button is visible only while the pointer is
+// on the tile.
 void PresetTile::showMore()
 {
     if (m_more)
@@ -127,7 +128,8 @@ QRect PresetTile::captionRect() const
     return {0, height() - presetCaptionHeight, width(), presetCaptionHeight};
 }
 
-// In a narrow tile the name needs the room: the ring alone marks the chosen preset.
+// In a narrow tile the name needs the width: the chosen preset is marked only by the ring around
+// its picture.
 bool PresetTile::hasTick() const
 {
     return m_preset.chosen && width() >= narrowTile;
@@ -174,7 +176,7 @@ void PresetTile::resizeEvent(QResizeEvent*)
     showMore();
 }
 
-// Leaves all keys to the grid.
+// Leaves all keys to PresetGrid.
 void PresetTile::keyPressEvent(QKeyEvent* event)
 {
     event->ignore();

@@ -8,7 +8,7 @@
 struct Preset {
     QUuid id;
     QString name;
-    bool chosen = false;    // the current image already looks as this preset would make it
+    bool chosen = false;    // applying the preset now would change nothing
     bool operator==(const Preset&) const = default;
 };
 
@@ -22,12 +22,12 @@ public:
 
     static int heightFor(int width, double ratio);
     void setPreset(const Preset& preset);
-    // Why the preset cannot be chosen now; empty when it can.
+    // `reason`: why the preset cannot be chosen now; empty if it can.
     void setRefusal(const QString& reason);
     const Preset& preset() const { return m_preset; }
     QSize picturePixels() const;
     void setPicture(const QImage& picture);
-    void outdatePicture();                // asks for a new one when the tile is painted next
+    void outdatePicture();                // emits pictureWanted() when the tile is painted next
     void setPreviewed(bool previewed);    // whether the canvas shows the preset without applying it
     QRect captionRect() const;
     void showMenu();    // emits menuRequested

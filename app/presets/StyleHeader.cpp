@@ -47,7 +47,7 @@ void StyleHeader::setReached(int images, const QString& explanation)
     showReached();
 }
 
-// Shows the number alone where the title and "4 imágenes" do not both fit.
+// Shows the number without a word if the title and, for example, "4 imágenes" do not both fit.
 void StyleHeader::showReached()
 {
     if (m_images <= 1)

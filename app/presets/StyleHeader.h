@@ -13,7 +13,7 @@ public:
     explicit StyleHeader(QWidget* parent = nullptr);
     void setTitle(const QString& title);
     void setReached(int images, const QString& explanation);
-    // A reason disables the button and is its tooltip; an empty one enables it.
+    // `reason` disables the button and becomes its tooltip; an empty one enables the button.
     void setCopyRefused(const QString& reason);
     void setPasteRefused(const QString& reason);
     QList<QWidget*> focusOrder() const;
@@ -35,5 +35,6 @@ private:
     IconButton* m_paste;
 };
 
-// Disables the widget, with the reason as its tooltip; an empty reason enables it.
+// Disables the widget and makes `reason` its tooltip. An empty reason enables the widget, with
+// `usualToolTip`.
 void setRefused(QWidget* widget, const QString& reason, const QString& usualToolTip = {});

@@ -54,9 +54,10 @@ void StyleShelf::setStyles(const QList<Preset>& styles, const QString& refusal,
     m_grid->setRefusal(refusal);
     m_note->setVisible(styles.isEmpty());
     setRefused(m_save, refusal);
-    // The tiles' menu can recover the removed style; this button can while there is no tile.
+    // Shows m_callBack only while there are no tiles: otherwise the menu of each tile can recover
+    // the removed style.
     m_callBack->setText(u"Recuperar «%1»"_s.arg(recoverable));
-    m_callBack->setShortcut({});    // setText makes a shortcut of an ampersand in the name
+    m_callBack->setShortcut({});    // setText() makes a shortcut of an ampersand in the name
     m_callBack->setAccessibleName(m_callBack->text());
     m_callBack->setVisible(styles.isEmpty() && !recoverable.isEmpty());
 }

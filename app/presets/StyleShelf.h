@@ -5,14 +5,15 @@ class Caption;
 class PresetGrid;
 class PushButton;
 
-// The tiles of the styles that the user has saved, to apply them to the selected text.
+// Shows the text styles that the user has saved as tiles. A tile applies its style to the selected
+// text.
 class StyleShelf : public QWidget {
     Q_OBJECT
 public:
     explicit StyleShelf(QWidget* parent = nullptr);
 
-    // `refusal`: why there is no text to take a style; empty when there is one. `recoverable`: the
-    // name of the style that was removed last.
+    // `refusal`: why there is no text to which a style could be applied; empty if there is one.
+    // `recoverable`: name of the style that was removed last; empty if there is none.
     void setStyles(const QList<Preset>& styles, const QString& refusal, const QString& recoverable);
     PresetGrid* grid() const { return m_grid; }
     void rename(QUuid id);

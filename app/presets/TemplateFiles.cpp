@@ -11,8 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Bytes, more than a preview takes. Larger ones are dropped: previews are stored with every change
-// of the list.
+// Size in bytes, more than a usual preview takes. Larger previews are dropped, because each change
+// of a template stores all templates with their previews.
 constexpr qsizetype largestPreview = 1 << 20;
 
 QString noMemory()
@@ -57,7 +57,7 @@ void TemplateFiles::finishReading(const DefinitionFile& file, const QString& pat
     }
     const SocialFormat format = file.definition->socialFormat();
     VisualTemplate made = file.definition->visualTemplate(item, format);
-    made.order.reset();    // the user orders the templates, not the file
+    made.order.reset();    // the file does not decide the order among the user's templates
     if (made.previewPNG && made.previewPNG->size() > largestPreview)
         made.previewPNG.reset();
     if (m_saved.addTemplate(made).isNull()) {

@@ -11,7 +11,7 @@ public:
     // `saved` outlives this object.
     TemplateFiles(SavedTemplates& saved, QObject* parent);
 
-    // Properties that the file leaves out are taken from the item.
+    // Properties that the file leaves out are taken from `item`.
     void read(const QString& path, const PublicationItem& item);
     void write(const QString& path, const JSONVisualTemplateDefinition& definition);
 

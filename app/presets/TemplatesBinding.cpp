@@ -58,7 +58,7 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, TemplatesPanel* panel
             [this](const QString& name, SocialFormat format) {
                 Q_EMIT panelRequested();
                 if (!m_saved.isStored())
-                    return;    // SavedTemplates has told the failure
+                    return;    // the handler of storingFailed() has told the user
                 const QString where = format == m_session.batch().format
                                           ? QString()
                                           : u" La verás en el formato %1."_s.arg(rawValue(format));
@@ -172,13 +172,13 @@ const BuiltInTemplateLibrary& TemplatesBinding::library()
 
 void TemplatesBinding::show()
 {
-    preview({});    // ends a preview of the former state
+    preview({});    // ends the preview, which shows the item's former state
     showTemplates();
     showStyles();
     const PublicationItem* item = m_session.batch().currentItem();
     if (!item)
         return;
-    // The styles' pictures depend on the item's photo alone.
+    // Pictures of styles depend only on the photo of the item.
     if (m_shelf->isVisible() && m_drawnPhoto != item->image) {
         m_drawnPhoto = item->image;
         redraw();
@@ -186,7 +186,7 @@ void TemplatesBinding::show()
     const SocialFormat format = m_session.batch().format;
     if (!m_panel->isVisible() || (m_drawn == *item && m_drawnFormat == format))
         return;
-    // Pictures of another item are drawn at once; those of an item being edited when the edits
+    // Draws at once if another item is current. While an item is edited, waits until the edits
     // pause.
     const bool isOther = !m_drawn || m_drawn->id != item->id;
     m_drawn = *item;
@@ -197,7 +197,7 @@ void TemplatesBinding::show()
 // Outdates all pictures; each is drawn when its tile is painted.
 void TemplatesBinding::redraw()
 {
-    m_pictures->dropWishes();    // they are for the item's former state
+    m_pictures->dropWishes();    // the wanted pictures show the item's former state
     for (PresetGrid* grid : {m_panel->packaged(), m_panel->own(), m_shelf->grid()})
         grid->outdatePictures();
 }
@@ -284,7 +284,7 @@ bool TemplatesBinding::wasNew(QUuid id)
     return true;
 }
 
-// During an import designs are refused: its images will replace the batch.
+// Refuses templates and styles during an import, because its images will replace the batch.
 bool TemplatesBinding::refusesWhileImporting()
 {
     if (m_session.isImporting())

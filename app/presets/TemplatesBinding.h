@@ -15,8 +15,8 @@ class TemplateFiles;
 class TemplatesPanel;
 enum class StatusKind;
 
-// Connects templates and saved styles with the side panel: what the panel shows of them, and what
-// happens when the user applies, saves, renames or removes one.
+// Shows templates and saved styles in the side panel, and applies, saves, renames or removes them
+// when the user asks for it there.
 class TemplatesBinding : public QObject {
     Q_OBJECT
 public:
@@ -24,7 +24,8 @@ public:
     TemplatesBinding(StudioSession& session, TemplatesPanel* panel, StyleShelf* shelf,
                      const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences);
 
-    // Costs next to nothing while neither the panel nor the shelf is visible.
+    // Shows the current state of the session. Costs next to nothing while neither the panel nor the
+    // shelf is visible.
     void show();
     bool isIdle() const;
     SavedTemplates& saved() { return m_saved; }
@@ -41,7 +42,7 @@ Q_SIGNALS:
     // `item`: the current item with the previewed template applied; none when no preview is shown.
     void previewChanged(const std::optional<PublicationItem>& item);
     void told(const QString& sentence, StatusKind kind);
-    void panelRequested();    // the window shall open the templates' tab
+    void panelRequested();    // the window should open the templates tab
 
 private:
     void connectTemplates();
@@ -54,7 +55,7 @@ private:
     QString nameOf(QUuid id);
     TemplateApplication application(QUuid id);    // empty for an unknown id
     bool wasNew(QUuid id);
-    bool refusesWhileImporting();    // tells the user when it refuses
+    bool refusesWhileImporting();    // tells the user why if it returns true
     void apply(QUuid id);
     void preview(QUuid id);
     void drawTemplate(PresetGrid* grid, QUuid id);
@@ -73,8 +74,9 @@ private:
     std::optional<BuiltInTemplateLibrary> m_library;    // made at its first use
     TemplateFiles* m_files;
     PresetPictures* m_pictures;
-    // What the pictures were drawn from: the styles from m_drawnPhoto, the templates from m_drawn.
-    // The templates are drawn anew only when the edits of the item pause.
+    // What the pictures of the tiles show: m_drawnPhoto under the styles, m_drawn with the
+    // templates applied. While the user edits the item, templates are drawn again only when the
+    // edits pause.
     PhotoHandle m_drawnPhoto;
     std::optional<PublicationItem> m_drawn;
     SocialFormat m_drawnFormat{};

@@ -115,7 +115,7 @@ void TemplatesPanel::show(const TemplatesPanelState& state)
     const QList<Preset> own = named(state.own, m_search->text());
     const QList<Preset> packaged = named(state.packaged, m_search->text());
     const double ratio = row(state.format).aspectRatio;
-    // Stories are narrow: three fit in a row.
+    // Pictures in the story format are narrow: three fit in a row.
     const int columns = ratio < 0.7 ? 3 : 2;
     for (PresetGrid* grid : {m_own, m_packaged})
         grid->setShape(columns, ratio);

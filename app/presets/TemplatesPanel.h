@@ -13,8 +13,8 @@ class QScrollArea;
 struct TemplatesPanelState {
     bool hasImage = false;
     SocialFormat format = SocialFormat::carouselPortrait;
-    QList<Preset> own, packaged;    // those that suit the format
-    QString recoverable;            // name of the template that was removed last
+    QList<Preset> own, packaged;    // those that suit `format`: from the user, from the program
+    QString recoverable;            // name of the template that was removed last; empty: none
     bool operator==(const TemplatesPanelState&) const = default;
 };
 
@@ -27,7 +27,8 @@ public:
     void setState(const TemplatesPanelState& state);
     PresetGrid* own() const { return m_own; }
     PresetGrid* packaged() const { return m_packaged; }
-    // Lets the user type the template's name on its tile, even if the search had hidden the tile.
+    // Lets the user type the template's name on its tile. Clears the search, which may hide the
+    // tile.
     void rename(QUuid id);
     QList<QWidget*> focusOrder() const;
 
@@ -47,7 +48,7 @@ private:
     TemplatesPanelState m_state;
     EmptyNote* m_empty;
     QWidget* m_content;
-    QScrollArea* m_area;    // below the search
+    QScrollArea* m_area;    // scrolls all that is below the search field
     LineField* m_search;
     PushButton* m_save;
     Badge* m_count;

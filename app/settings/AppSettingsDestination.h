@@ -2,7 +2,7 @@
 #include "app/theme/Icons.h"
 #include "model/Vocabulary.h"
 
-// The screens of the program's own settings.
+// The pages of the program's own settings.
 enum class AppSettingsDestination { updates, localAI };
 
 struct AppSettingsRow {

@@ -13,7 +13,8 @@ QStringView withoutZeros(QStringView digits)
     return digits;
 }
 
-// Removes the next part of a version from `text`: a run of digits, or of anything else.
+// Removes the first part of a version from `text` and returns it: a run of digits, or of other
+// characters.
 QStringView takePart(QStringView& text)
 {
     qsizetype length = 0;
@@ -25,7 +26,8 @@ QStringView takePart(QStringView& text)
     return part;
 }
 
-// Below, equal to or above 0, as `left` is older, equal or newer. Numbers may have any length.
+// Negative if `left` is older than `right`, 0 if equal, positive if newer. Numbers may have any
+// length.
 int compareVersions(QStringView left, QStringView right)
 {
     while (!left.isEmpty() && !right.isEmpty()) {

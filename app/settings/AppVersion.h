@@ -8,9 +8,10 @@
 namespace AppVersion {
 
 QString current();
-QString build();      // rises with every released build of one version
+QString build();      // rises with every release of the same version
 QString display();    // version and build
-// Compares numbers part by part, and letters by the alphabet. False without a remote version.
+// Compares digits as numbers and other characters alphabetically, part by part. False without a
+// remote version.
 bool isRemoteVersionNewer(const std::optional<QString>& remote);
 
 }    // namespace AppVersion

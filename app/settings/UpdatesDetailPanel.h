@@ -13,7 +13,8 @@ class UpdatesDetailPanel : public SettingsPanel {
     Q_OBJECT
 public:
     explicit UpdatesDetailPanel(QWidget* parent = nullptr);
-    // The latest version that the service knows of. Only an http or https address can be opened.
+    // Shows the latest version that the service knows of. `download` is offered only if it is an
+    // http or https address.
     void setLatest(const std::optional<QString>& version, const std::optional<QUrl>& download);
     void tellProblem(const QString& sentence);
 

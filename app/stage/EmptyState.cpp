@@ -10,7 +10,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Pixels from the top of the block, which is centred in the frame.
+// Pixels from the top of the block of cards, texts and buttons. The block is vertically centred in
+// the dashed frame.
 constexpr int cardsMiddle = 104, titleTop = 250, sentenceTop = 290, buttonsTop = 333,
               hintsTop = 398, blockHeight = 414;
 constexpr int emptySpinnerSide = 32, spinnerTop = 196;
@@ -51,8 +52,8 @@ void EmptyState::setImport(const std::optional<ImportShown>& import)
 {
     if (import == m_import)
         return;
-    // Takes the focus from a button that is about to be hidden: Qt would give it to the panel
-    // beside.
+    // Moves the focus here before the button that has it is hidden: Qt would move it to the panel
+    // beside the stage.
     if (import && (m_images->hasFocus() || m_folder->hasFocus()))
         setFocus(Qt::OtherFocusReason);
     m_import = import;

@@ -9,18 +9,21 @@ class PushButton;
 class Spinner;
 
 struct ImportShown {
-    int looked = 0, total = 0;    // files; total is 0 while folders are searched
+    // Numbers of files: looked at so far, and in total (0 while folders are searched).
+    int looked = 0, total = 0;
     bool operator==(const ImportShown&) const = default;
 };
 
-// The stage without images: invites to drop or import some, or shows how far an import is.
+// Takes the place of the canvas while the batch is empty: invites the user to drop or import
+// images, or shows the progress of an import.
 class EmptyState : public QWidget {
     Q_OBJECT
 public:
     explicit EmptyState(QWidget* parent = nullptr);
     QList<QWidget*> focusOrder() const;
     void setImport(const std::optional<ImportShown>& import);
-    void takeFocus(Qt::FocusReason reason);    // focuses the first button
+    // Focuses the first button, or this widget during an import.
+    void takeFocus(Qt::FocusReason reason);
 
 Q_SIGNALS:
     void importImagesRequested();

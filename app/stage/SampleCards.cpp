@@ -20,12 +20,13 @@ QLinearGradient downwards(double from, double to, const QGradientStops& stops)
 }
 
 struct Range {
-    double base, height;    // y of its foot and of its highest summit, from the card's top
-    double roughness;       // 0 smooth to 1
+    double base, height;    // y of the mountains' foot and of the highest summit, from the top
+    double roughness;       // 0 (smooth) to 1
     quint32 seed;
 };
 
-// A ridge by midpoint displacement. Equal seeds give equal ridges on every machine.
+// The outline of a mountain range, made by midpoint displacement. Equal seeds give equal outlines
+// on every machine.
 QPainterPath ridge(const QSizeF& card, const Range& range)
 {
     constexpr int points = 65;
@@ -56,7 +57,7 @@ QPainterPath ridge(const QSizeF& card, const Range& range)
     return path;
 }
 
-// Strokes along the fall line give rock its light and dark sides.
+// Paints light and dark facets down the slope, so that the rock looks lit from one side.
 void paintRock(QPainter& painter, const QPainterPath& shape, const QSizeF& card, quint32 seed)
 {
     const SavedPainter saved(painter);

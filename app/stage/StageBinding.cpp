@@ -8,7 +8,7 @@
 
 namespace {
 
-// The zooms that the bar offers; a file may hold a larger one.
+// Limits of the zoom that the user can set; a stored item may have a larger one.
 constexpr double leastZoom = 1, mostZoom = 3;
 
 }    // namespace
@@ -37,7 +37,8 @@ StageBinding::StageBinding(StudioSession& session, StagePanel* stage, ViewBar* b
     });
 }
 
-// Removes the callbacks: the canvas may be destroyed later, and ends a gesture then.
+// Removes the callbacks, because the canvas may outlive this object and would call them when it
+// ends a gesture.
 StageBinding::~StageBinding()
 {
     CanvasInteraction& gestures = canvas()->interaction();
@@ -66,10 +67,11 @@ void StageBinding::connectCanvas()
     };
     gestures.onCommit = [this](const PublicationItem& item) {
         if (m_preview)
-            return Q_EMIT previewRefused();    // a preview cannot be edited
+            return Q_EMIT previewRefused();
         m_session.commitCanvasItem(item, m_isHiding ? std::optional(QUuid()) : std::nullopt);
     };
-    // Hiding clears the selection first; the session does both at once, as one step.
+    // When the canvas hides or removes a layer, it calls onSelect first and onCommit second. The
+    // selection is left to onCommit, so that the session changes both as one step.
     gestures.onSelect = [this](QUuid layer) {
         if (m_isHiding && !m_preview)
             return;
@@ -98,7 +100,8 @@ void StageBinding::show()
     m_stage->setPosition(batch.selectedIndex, int(batch.items.size()));
     m_stage->setFormat(format.rawValue.toString(), format.ratioLabel.toString(),
                        format.exportSize.toSize());
-    // Sets the item before the photo: the canvas takes a photo for that of the item it shows.
+    // Sets the item before the photo, because the canvas takes a photo to be that of the item it
+    // shows.
     const bool isPreview = m_preview && item && m_preview->id == item->id;
     if (isPreview)
         item = &*m_preview;
@@ -143,7 +146,7 @@ void StageBinding::zoomBy(double step)
         [step](ImagePlacement& placement) {
             placement.zoom = std::clamp(placement.zoom + step, leastZoom, mostZoom);
         },
-        Pace::held);    // the key may repeat
+        Pace::held);    // the key for zooming may repeat
 }
 
 void StageBinding::setZoom(double zoom, Pace pace)

@@ -16,8 +16,8 @@ class StagePhoto;
 class StudioSession;
 class ViewBar;
 
-// The canvas and the bar below it as a view of the session's current item: gestures become edits,
-// and the bar changes the photo's placement.
+// Connects the canvas and the bar below it with the session: shows the current item, turns gestures
+// into edits, and lets the bar change the photo's placement.
 class StageBinding : public QObject {
     Q_OBJECT
 public:
@@ -27,8 +27,8 @@ public:
     ~StageBinding() override;
 
     void show();
-    // Shows `item`, which cannot be edited, in place of the current item; none: the current item
-    // again.
+    // Shows `item`, a changed copy of the current item, instead of the current item. The user
+    // cannot edit it. Without a value, shows the current item again.
     void preview(const std::optional<PublicationItem>& item);
     bool isIdle() const;
     CanvasInteractionView* canvas() const;
@@ -41,7 +41,7 @@ public:
     void setSafeZoneShown(bool shown);
 
 Q_SIGNALS:
-    void layerChosen(QUuid layer);    // by the user, on the canvas; null for none
+    void layerChosen(QUuid layer);    // selected by the user on the canvas; null for none
     void editRequested(CopySlot slot);
     void photoFound(QUuid item);
     void photoMissing(QUuid item);
@@ -57,6 +57,6 @@ private:
     ViewBar* m_bar;
     StagePhoto* m_photo;
     bool m_safeZone = false;
-    bool m_isHiding = false;    // the canvas hides or removes a layer
+    bool m_isHiding = false;    // true while the canvas hides or removes a layer
     std::optional<PublicationItem> m_preview;
 };

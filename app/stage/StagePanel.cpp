@@ -63,7 +63,7 @@ void StagePanel::nameCanvas()
 
 bool StagePanel::event(QEvent* event)
 {
-    // Qt tells of a move to a screen of another pixel ratio by one of these events.
+    // Qt sends one of these events when the window moves to a screen of another pixel ratio.
     if (event->type() == QEvent::ScreenChangeInternal || event->type() == QEvent::Show)
         fit();
     if (event->type() == QEvent::PaletteChange)
@@ -103,8 +103,8 @@ void StagePanel::fit()
     }
 }
 
-// Paints into m_ground, which is kept: a drag uncovers strips of the ground at each step, and its
-// wide shadow is slow to paint.
+// Paints what m_ground caches: every step of a drag uncovers strips of the ground, and the wide
+// shadow is slow to paint.
 void StagePanel::paintGround(QPainter& painter) const
 {
     const Theme& theme = themeOf(this);
@@ -128,7 +128,7 @@ void StagePanel::paintGround(QPainter& painter) const
 
 void StagePanel::paintEvent(QPaintEvent* event)
 {
-    // The picture hides the ground below it, except for parts of its outermost pixels.
+    // The picture covers the ground below it, but its outermost pixels may do so only partly.
     const bool hasPicture = !m_view->canvasBuffer().isNull();
     if (hasPicture && m_canvas.adjusted(1, 1, -1, -1).contains(event->rect()))
         return;

@@ -5,7 +5,7 @@
 class Badge;
 class CanvasInteractionView;
 
-// The canvas, as large as fits, with its format above.
+// Shows the canvas as large as it fits, and the name of its format above it.
 class StagePanel : public QWidget {
     Q_OBJECT
 public:
@@ -15,9 +15,9 @@ public:
     CanvasInteractionView* canvas() const { return m_view; }
 
     void setFormat(const QString& title, const QString& ratio, QSize exportPixels);
-    // For screen readers; `current` counts from 0.
+    // Tells screen readers which image of the batch is shown; `current` counts from 0.
     void setPosition(int current, int count);
-    // Says above the canvas that a template is previewed and not applied.
+    // Sets whether the text above the canvas says that a template is previewed, not applied.
     void setPreviewed(bool previewed);
     QSize pictureSize() const { return m_pictureSize; }    // device pixels
     QRect canvasRect() const { return m_canvas; }
@@ -42,7 +42,7 @@ private:
     QSize m_exportPixels;
     QSize m_pictureSize;
     QRect m_canvas;      // logical pixels; encloses the picture
-    QPixmap m_ground;    // everything beneath the picture; null when outdated
+    QPixmap m_ground;    // everything painted below the picture; null when outdated
     Badge* m_ratio;
     CanvasInteractionView* m_view;
 };

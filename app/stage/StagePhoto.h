@@ -13,8 +13,9 @@
 #include <memory>
 #include <optional>
 
-// Loads the photo of the item on the stage: at once what is in memory, then the level that its size
-// on screen needs. Only the last show() counts.
+// Loads the photo of the item on the stage: emits at once what is in memory, later the photo
+// decoded at the level that its size on screen needs. A new call of show() cancels the previous
+// one.
 class StagePhoto : public QObject {
     Q_OBJECT
 public:
@@ -28,8 +29,8 @@ public:
 
 Q_SIGNALS:
     void ready(const QImage& photo);
-    void photoRead();                          // the photo's file could be read, now or earlier
-    void photoMissing(const QString& name);    // the photo's pixels can no longer be read
+    void photoRead();                          // emitted after a load that found the photo's pixels
+    void photoMissing(const QString& name);    // emitted when the photo's pixels cannot be read
 
 private:
     struct Wish {
@@ -37,7 +38,8 @@ private:
         PhotoLevel level = PhotoLevel::full;
         bool operator==(const Wish&) const = default;
     };
-    // The number of the last request. A worker compares it with its own before long work.
+    // The number of the last request, shared with the workers. A worker skips long work if its own
+    // request is no longer the last.
     using Latest = std::shared_ptr<std::atomic<quint64>>;
     static QCoro::Task<> load(QPointer<StagePhoto> self, quint64 request, Wish wish, QString name,
                               std::shared_ptr<PhotoCache> photos, Latest latest);

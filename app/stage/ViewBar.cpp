@@ -70,7 +70,7 @@ void ViewBar::setPosition(int current, int count)
 
 void ViewBar::setPlacement(const ImagePlacement& placement)
 {
-    // False for NaN, too.
+    // `enlarged` is false for NaN, too.
     const bool enlarged = placement.zoom * 100 > smallestPercent;
     const int percent =
         enlarged ? int(std::lround(std::min(placement.zoom * 100, double(largestPercent))))
@@ -167,8 +167,8 @@ void ViewBar::place()
     m_safeZone->resize(m_safeZone->sizeHint());
     m_safeZone->move(width() - viewBarSide - m_safeZone->width(), top(m_safeZone->height()));
 
-    // The photo's controls are centred while there is room. If there is none even without the safe
-    // zone's label, the slider is hidden, then the percentage.
+    // Centres the photo's controls while there is enough space. If they do not fit even without the
+    // safe zone's label, the slider is hidden, then the percentage too.
     const bool showsSlider = whole <= room, showsNumber = withNumber <= room;
     const int needed = showsSlider ? whole : showsNumber ? withNumber : plain;
 

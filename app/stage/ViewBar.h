@@ -9,21 +9,21 @@ class SegmentedControl;
 class ToggleButton;
 class ZoomSlider;
 
-// The bar below the canvas: which image of the batch it shows, with the way to its neighbours; the
-// placement of its photo; the safe zone of stories.
+// The bar below the canvas: the position in the batch with buttons to the previous and next image,
+// the placement of the photo, and the safe zone of stories.
 class ViewBar : public QWidget {
     Q_OBJECT
 public:
     explicit ViewBar(QWidget* parent = nullptr);
     // `current` counts from 0; without images the bar is disabled.
     void setPosition(int current, int count);
-    // A zoom beyond the slider's range is shown as its nearest end.
+    // A zoom beyond the slider's range is shown as the nearest end of that range.
     void setPlacement(const ImagePlacement& placement);
     void setFormat(SocialFormat format);
     void setSafeZone(bool shown);
-    // Whether the safe zone's button shows its label; there is no room in a narrow window.
+    // Whether the safe zone's button may show its label; a narrow window has no space for it.
     void setLabels(Labels labels);
-    void endEdits();    // lets go of a held zoom
+    void endEdits();    // ends a drag or a held key on the zoom slider
     QList<QWidget*> focusOrder() const;
     QSize sizeHint() const override { return {400, 52}; }
 
@@ -31,7 +31,8 @@ Q_SIGNALS:
     void previousRequested();
     void nextRequested();
     void fitModeChosen(ImageFitMode mode);
-    // `held` while the slider is dragged or a key repeats; the last signal comes without it.
+    // `held` is true while the slider is dragged or a key repeats; a last signal with false
+    // follows.
     void zoomRequested(double zoom, bool held);
     void centreRequested();
     void safeZoneToggled(bool shown);
@@ -54,7 +55,7 @@ private:
     IconButton* m_zoomIn;
     IconButton* m_centre;
     ToggleButton* m_safeZone;
-    QRect m_percentBox;    // empty when there is no room
+    QRect m_percentBox;    // empty when there is no space for the percentage
     Labels m_labels = Labels::shown;
     bool m_isPlaced = false;
     int m_current = 0;

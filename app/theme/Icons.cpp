@@ -9,8 +9,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// QtSvg paints currentColor black, so the word is replaced by the colour. Opacity is left to the
-// painter.
+// The icon as SVG. QtSvg paints `currentColor` black, so the word is replaced by the colour,
+// without its opacity, which the caller sets in the painter.
 QByteArray drawingOf(Icon icon, int size, const QColor& color)
 {
     QFile file(u":/icons/%1.svg"_qs.arg(row(icon).file));

@@ -84,7 +84,7 @@ enum class Icon {
 };
 struct IconRow {
     Icon icon;
-    QStringView file;    // in resources/icons, without its suffix
+    QStringView file;    // name of a file in resources/icons, without its suffix
 };
 inline constexpr std::array icons{
     IconRow{Icon::none, u""},
@@ -163,20 +163,21 @@ constexpr const IconRow& row(Icon icon)
 }
 static_assert(std::ranges::all_of(icons, [](const auto& r) { return &row(r.icon) == &r; }));
 
-// The icon with this file name; Icon::none if there is none. The model's vocabularies name their
-// icons by it.
+// The icon with this file name; Icon::none if there is none. The tables of model/, such as
+// ImageFitModeRow, name their icons by file.
 constexpr Icon iconNamed(QStringView file)
 {
     const auto found = std::ranges::find(icons, file, &IconRow::file);
     return found == icons.end() ? Icon::none : found->icon;
 }
 
-// `size` in logical pixels; `ratio` device pixels per logical one. Sizes below 20 keep the line
-// width of the drawing at 20.
+// `size` is in logical pixels; `ratio`: device pixels per logical pixel. Below size 20, lines are
+// as thick as at size 20.
 QPixmap iconPixmap(Icon icon, int size, const QColor& color, qreal ratio);
 // Paints the icon centred in `box`, on whole device pixels.
 void paintIcon(QPainter& painter, Icon icon, const QRectF& box, int size, const QColor& color);
-// An icon for menus, black: the style paints it in the colour of its menu row.
+// A black icon for a menu entry. StudioStyle paints it in a colour of the theme.
 QIcon menuIcon(Icon icon);
-// `name` as a part of a menu entry: doubles its ampersands, which would mark a shortcut key.
+// `name` as a part of a menu entry: doubles every ampersand, because a single one marks a shortcut
+// key.
 QString inMenu(const QString& name);

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr const char* byKey = "lastInputIsKey";    // property of the application
+constexpr const char* byKey = "lastInputIsKey";    // dynamic property of the application
 
 class InputWatch : public QObject {
 public:
@@ -27,8 +27,8 @@ private:
     bool m_wasKey = false;
 };
 
-// The focus ring of the control's window; null until it is first needed. Inside a scroll area Qt
-// moves the ring into that area, so that it is clipped with its control.
+// The focus ring of the control's window; null until it is first needed. For a control inside a
+// scroll area, Qt makes the ring a child of that area, which clips both.
 QFocusFrame* frameOf(const QWidget* control)
 {
     return control->window()->findChild<QFocusFrame*>();

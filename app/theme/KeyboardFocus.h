@@ -6,13 +6,15 @@ class QApplication;
 class QFocusEvent;
 class QWidget;
 
-// The ring around a control that has the focus by keyboard. A control calls entered() and left()
-// from its focus events; its dynamic property "focusRadius" rounds the ring.
+// Draws a ring around the control that got the focus by keyboard. A control calls entered() in its
+// focusInEvent() and left() in its focusOutEvent(). Its dynamic property "focusRadius" sets the
+// corner radius, in pixels.
 namespace KeyboardFocus {
 void entered(QWidget* control, const QFocusEvent* event);
 void left(QWidget* control);
 
-// The reason for the program's own setFocus() calls: as by keyboard when the last input was a key.
+// The reason to pass to setFocus() when the program moves the focus. If the last input was a key,
+// it counts as focus by keyboard.
 Qt::FocusReason reason();
-void watch(QApplication& application);    // tells reason() about the last input
+void watch(QApplication& application);    // records for reason() whether the last input was a key
 }    // namespace KeyboardFocus

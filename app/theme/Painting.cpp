@@ -100,8 +100,8 @@ void paintSpinner(QPainter& painter, const QRectF& box, const QColor& track, con
 
 void paintShadow(QPainter& painter, const QRectF& rect, const Shadow& shadow)
 {
-    // A Gaussian over a rectangle is the product of two error functions, and so smooth that a fifth
-    // of the resolution is enough.
+    // A rectangle blurred by a Gaussian is the product of two profiles, each the difference of two
+    // error functions. It is so smooth that a fifth of the resolution is enough.
     constexpr double step = 5;
     const QRectF bounds = rect.translated(0, shadow.offset)
                               .adjusted(-shadow.blur, -shadow.blur, shadow.blur, shadow.blur);
@@ -114,7 +114,8 @@ void paintShadow(QPainter& painter, const QRectF& rect, const Shadow& shadow)
                             .arg(shadow.color.rgba());
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
-        // As in a style sheet, sigma is half the blur.
+        // As in CSS, the standard deviation is half the blur; erf() takes it times the square root
+        // of 2.
         const double spread = shadow.blur / 2 * std::numbers::sqrt2;
         const auto profile = [&](int count, double length) {
             std::vector<double> values;

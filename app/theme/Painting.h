@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <QRectF>
 
-// Saves a painter's state, and restores it in the destructor.
+// Saves a painter's state in the constructor and restores it in the destructor.
 class SavedPainter {
 public:
     explicit SavedPainter(QPainter& painter) : m_painter(painter) { m_painter.save(); }
@@ -15,8 +15,9 @@ private:
     QPainter& m_painter;
 };
 
+// Radii of the two corners on the left and of the two on the right.
 struct Corners {
-    double left = Radius::button, right = Radius::button;    // radii
+    double left = Radius::button, right = Radius::button;
 };
 void fillRounded(QPainter& painter, const QRectF& rect, Corners radii, const QColor& color);
 void fillRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color);
@@ -30,16 +31,17 @@ void strokeRounded(QPainter& painter, const QRectF& rect, double radius, const Q
 void paintText(QPainter& painter, const QRectF& rect, Qt::Alignment alignment, Type type,
                const QColor& color, const QString& text, Qt::TextElideMode elide = Qt::ElideRight);
 double textWidth(Type type, const QString& text);
-// A tooltip that shows `text` as it stands, never as markup, cut off when it is very long.
+// A tooltip that shows `text` literally, never as rich text. A very long text is cut off.
 QString plainToolTip(const QString& text);
-// The room that a number of so many digits may take: in Inter the digits differ in width.
+// The largest width of a number with `digits` digits: in Inter, the digits differ in width.
 double digitsWidth(Type type, int digits);
 
-// Paints a ring with an arc over a third of it; `turn`, from 0 to 1, turns the arc.
+// Paints a ring with an arc over a third of it. `turn`: how far the arc has turned, from 0 to 1 for
+// a whole turn. `width`: of the lines.
 void paintSpinner(QPainter& painter, const QRectF& box, const QColor& track, const QColor& arc,
                   double turn, double width);
 
-// The blurred shadow of a rectangle with square corners, in logical pixels.
+// The blurred shadow of a rectangle with square corners, in logical pixels. `offset` is downwards.
 struct Shadow {
     double offset = 18, blur = 50;
     QColor color;

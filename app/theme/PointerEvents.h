@@ -2,8 +2,8 @@
 
 #include <QEvent>
 
-// Whether the mouse or its wheel caused the event. A widget that lies over others takes these
-// events, so that none passes through it.
+// Whether the mouse or its wheel caused the event. A widget that lies over others accepts these
+// events, so that they do not reach the widgets below it.
 inline bool isPointerEvent(const QEvent* event)
 {
     switch (event->type()) {

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-// How far a spinner has turned, from 0 to 1. Repaints its widget while it runs.
+// How far a spinner has turned, from 0 to 1 for a whole turn. Repaints the widget while it runs.
 class SpinnerTurn {
 public:
     explicit SpinnerTurn(QWidget* widget)

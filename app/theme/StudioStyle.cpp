@@ -75,8 +75,8 @@ StudioStyle::StudioStyle(Motion motion) : QProxyStyle(u"Fusion"_qs), m_motion(mo
 void StudioStyle::polish(QWidget* widget)
 {
     QProxyStyle::polish(widget);
-    // Soft corners need a transparent window; without a compositor the masks of styleHint() cut
-    // them.
+    // Smooth round corners need a transparent window. On a desktop without a compositor, the masks
+    // of styleHint() cut the corners instead.
     if (qobject_cast<QMenu*>(widget)) {
         widget->setAttribute(Qt::WA_TranslucentBackground);
         widget->setWindowFlag(Qt::FramelessWindowHint);
@@ -100,7 +100,7 @@ void StudioStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         paintFloating(*painter, option->rect, tipRadius, theme);
     } else if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
                element == PE_PanelLineEdit && frame && frame->lineWidth == 0) {
-        // A bare edit paints nothing: the field around it paints its box.
+        // Paints nothing for a line edit without a frame: the field around it paints the box.
     } else if (element != PE_FrameMenu) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
@@ -158,7 +158,7 @@ QRect StudioStyle::subControlRect(ComplexControl control, const QStyleOptionComp
     const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
     if (control != CC_ScrollBar || !bar)
         return QProxyStyle::subControlRect(control, option, part, widget);
-    // No arrow buttons: the handle has the whole length.
+    // There are no arrow buttons, so the handle moves along the whole length.
     const bool vertical = bar->orientation == Qt::Vertical;
     const int length = vertical ? bar->rect.height() : bar->rect.width();
     const qint64 span = qint64(bar->maximum) - bar->minimum + bar->pageStep;
@@ -257,7 +257,7 @@ int StudioStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
 
 void dress(QApplication& application, const Theme& theme, Motion motion)
 {
-    application.setStyle(new StudioStyle(motion));    // the application owns its style
+    application.setStyle(new StudioStyle(motion));    // setStyle() takes ownership
     application.setFont(fontOf(Type::body));
     KeyboardFocus::watch(application);
     applyTheme(theme);

@@ -7,7 +7,8 @@ class QApplication;
 
 enum class Motion { full, reduced };
 
-// Menus, tooltips, scroll bars and the keyboard focus ring of the program, over Fusion.
+// Paints the program's menus, tooltips, scroll bars and keyboard focus ring. All else looks as in
+// Fusion.
 class StudioStyle : public QProxyStyle {
     Q_OBJECT
 public:
@@ -27,8 +28,8 @@ public:
                            const QWidget* widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
                     const QWidget* widget) const override;
-    // SH_Widget_Animation_Duration is the duration of a hover animation in ms; 0 with reduced
-    // motion.
+    // For SH_Widget_Animation_Duration, returns the duration of hover animations in ms; 0 with
+    // reduced motion.
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override;
 
@@ -36,5 +37,6 @@ private:
     const Motion m_motion;
 };
 
-// Gives the program our style, font and theme.
+// Sets the program's style to a StudioStyle, its font and its theme, and starts
+// KeyboardFocus::watch().
 void dress(QApplication& application, const Theme& theme, Motion motion = Motion::full);

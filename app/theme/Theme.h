@@ -8,17 +8,18 @@
 
 class QWidget;
 
-// The colours of one theme. None alone may tell a state: an icon or a word goes with it.
+// The colours of one theme. No state may be shown by a colour alone: an icon or a word goes with
+// it.
 struct Theme {
     QColor bg;         // the stage around the canvas
     QColor panel;      // bars, columns, dialogs
     QColor card;       // rows and boxes
-    QColor control;    // buttons, fields, the track of segments
+    QColor control;    // buttons, fields, the ground of segmented controls
     QColor hover;      // a control or menu row under the pointer
-    QColor seg;        // the chosen segment; never with text3 on it
+    QColor seg;        // the chosen segment; its text must not be text3
     QColor fill;       // the empty part of a value bar
     QColor raised;     // a button on bg, where `control` would not stand out
-    QColor empty;      // where a picture will be
+    QColor empty;      // the ground of a picture that is still missing
     QColor line;       // hairlines
     QColor line2;      // outlines, progress tracks
     QColor elev;       // popovers, menus, tooltips
@@ -35,13 +36,13 @@ struct Theme {
 const Theme& darkTheme();
 const Theme& lightTheme();
 
-// Widgets get their theme as their palette: all of them, Qt's or ours, learn of a change by
-// themselves, and windows with different themes can stand side by side.
+// A theme reaches the widgets as their palette. Qt then tells every widget of a change, and windows
+// can have different themes at the same time.
 QPalette paletteOf(const Theme& theme);
 const Theme& themeOf(const QPalette& palette);
 const Theme& themeOf(const QWidget* widget);
 
-// Switches every window at once.
+// Switches all windows to the theme.
 void applyTheme(const Theme& theme);
 
 enum class Type {
@@ -98,6 +99,6 @@ inline constexpr int thumbnail = 6, chip = 6, field = 8, button = 9, card = 12, 
                      sheet = 16;
 }
 
-// `share` 0 is `from`, 1 is `to`; opacity is mixed as well.
+// Mixes the colours and their opacities: `share` 0 gives `from`, 1 gives `to`.
 QColor mixed(const QColor& from, const QColor& to, double share);
 QColor withOpacity(QColor color, double opacity);

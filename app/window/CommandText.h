@@ -1,7 +1,8 @@
 #pragma once
 #include <QStringView>
 
-// The commands that buttons or the tile's menu have as well, by the texts that name them.
+// Texts of those menu commands that buttons or the context menu of a tile run as well. The text
+// identifies the command.
 namespace CommandText {
 inline constexpr QStringView importImages = u"Importar imágenes…",
                              importFolder = u"Importar carpeta…",

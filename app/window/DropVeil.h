@@ -5,8 +5,8 @@
 struct DropOffer {
     int images = 0;
     bool folder = false;      // a folder is dragged; its images are not counted yet
-    bool replaces = false;    // there is a batch already
-    bool texts = false;       // a single file of texts is dragged, and no images
+    bool replaces = false;    // the images would replace an existing batch
+    bool texts = false;       // a single CSV file with texts is dragged
     QString refusal = {};     // why a drop would import nothing
     bool operator==(const DropOffer&) const = default;
 };

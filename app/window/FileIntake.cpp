@@ -11,9 +11,11 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString importFolderKey = u"moltiva.importFolder"_s;
-constexpr int moreMayCome = 1000;    // ms in which another open() adds to the batch
+// Milliseconds after open() in which another call adds its files to the same batch.
+constexpr int moreMayCome = 1000;
 
-// The chooser's filters. All files can be chosen, too: the content decides what is an image.
+// Filters of the file dialog. The second one shows every file: an image is recognised by its
+// content, not by its name.
 QString imageFilter()
 {
     QStringList patterns;
@@ -62,7 +64,7 @@ void FileIntake::choose(const QString& title, QFileDialog::FileMode mode)
     auto* dialog = new QFileDialog(m_window, title, m_folder.begin(), imageFilter());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(mode);
-    // Uses accepted(), for the signals that carry the files differ between native and Qt's dialogs.
+    // Connects to accepted(): native dialogs and Qt's own emit different signals with the files.
     connect(dialog, &QFileDialog::accepted, this, [this, dialog] { load(dialog->selectedUrls()); });
     dialog->open();
 }

@@ -11,24 +11,25 @@ class PreferencesStore;
 class QMimeData;
 class StudioSession;
 
-// Brings files to the session: those chosen, dropped or given from outside the program.
+// Imports files into the session: chosen in a dialog, dropped on the window or opened by another
+// program. Also asks for the file to which texts are exported.
 class FileIntake : public QObject {
     Q_OBJECT
 public:
-    // The arguments outlive this object; the window owns the choosers.
+    // The arguments outlive this object. `window` is the parent of the file dialogs.
     FileIntake(StudioSession& session, PreferencesStore& preferences, QWidget* window);
 
     void choosePhotos();
     void chooseFolder();
     void chooseTexts(QFileDialog::AcceptMode mode);
 
-    // For a drag over the window: its files, and what their drop would import.
+    // The local files and folders in `data`.
     static QList<QUrl> localFiles(const QMimeData* data);
     DropOffer offerOf(const QList<QUrl>& files) const;
     void drop(const QList<QUrl>& files);
 
-    // Opens files from outside. Calls in quick succession add to one batch: file managers start a
-    // program once for each file.
+    // Imports files that another program opens. Calls in quick succession make one batch, because
+    // file managers start a program once for each file.
     void open(const QList<QUrl>& files);
 
 private:
@@ -38,6 +39,7 @@ private:
     StudioSession& m_session;
     QWidget* m_window;
     ChooserFolder m_folder;
-    QList<QUrl> m_given;     // files of the last calls of open(), to which the next may add
-    QTimer m_givenLately;    // runs while another open() still adds to m_given
+    // Files of recent open() calls, imported again together with the files of the next call.
+    QList<QUrl> m_given;
+    QTimer m_givenLately;    // clears m_given after a pause in the calls of open()
 };

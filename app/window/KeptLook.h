@@ -5,8 +5,8 @@ class PreferencesStore;
 class StudioShell;
 enum class SideTab;
 
-// The look of the window as the user left it, stored in the preferences: the theme, which columns
-// are visible and how wide, and the window's geometry.
+// Stores the look of the window in the preferences and restores it: the theme, which columns are
+// visible and how wide, and the geometry of the window.
 class KeptLook : public QObject {
     Q_OBJECT
 public:

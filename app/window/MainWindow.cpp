@@ -87,7 +87,7 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     setWindowTitle(u"Moltiva"_s);
     setAcceptDrops(true);
     setMinimumSize(1200, 720);
-    // The available size of a small screen, less 40 pixels for the window's frame.
+    // Leaves 40 pixels of the height of a small screen for the frame of the window.
     resize(QSize(1440, 900).boundedTo(screen()->availableSize() - QSize(0, 40)));
     connectPanels();
     connectStage();
@@ -95,13 +95,13 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     connectAccount();
     m_look->restore();
     m_hasImported = preferences.value(importedKey) == yes;
-    m_focus->goToCanvas();    // else the first button takes the focus and the arrow keys
+    m_focus->goToCanvas();    // otherwise the first button takes the focus and the arrow keys
     showBatch();
     lockStudio();
 }
 
-// A focused field ends its edit when it is destroyed, which changes the session: nothing of that
-// may reach this window, whose members are gone by then.
+// Disconnects signals that would reach this window after its members are destroyed: a focused field
+// ends its edit when it is destroyed, which changes the session.
 MainWindow::~MainWindow()
 {
     disconnect(&m_session, nullptr, this, nullptr);
@@ -165,7 +165,7 @@ void MainWindow::connectSession()
 {
     connect(&m_session, &StudioSession::aboutToMove, m_focus, &StudioFocus::endEdits);
     connect(&m_session, &StudioSession::batchChanged, this, &MainWindow::showBatch);
-    // The gate covers the status line.
+    // Shows warnings in the sign-in form while the sign-in gate covers the status line.
     connect(&m_session.statusLog(), &StatusLog::told, this, [this](const StatusEntry& entry) {
         if (isGated() && !m_isTellingOfAccount && entry.kind == StatusKind::warning)
             m_gate->login()->tellProblem(entry.sentence);
@@ -196,7 +196,8 @@ void MainWindow::connectAccount()
     });
     connect(m_account.get(), &AccountBinding::told, this,
             [this](const QString& message, bool isProblem) {
-                // The sign-in form shows this sentence itself.
+                // Keeps connectSession() from telling `message` in the sign-in form, which already
+                // shows it.
                 const QScopedValueRollback telling(m_isTellingOfAccount, true);
                 if (!message.isEmpty())
                     m_session.setStatus(message,
@@ -210,8 +211,8 @@ bool MainWindow::isGated() const
     return m_gate->state() != Gate::open;
 }
 
-// Disables menu and keys under the gate and under sheets. The gate also disables the shell, which
-// Tab and screen readers could reach.
+// Disables the menu and its keys while the sign-in gate or a sheet covers the studio. Also disables
+// the shell under the gate, because otherwise Tab and screen readers could reach it.
 void MainWindow::lockStudio()
 {
     const bool isLocked = isGated() || m_account->isSheetPresented();
@@ -242,7 +243,7 @@ void MainWindow::showWaiting()
 void MainWindow::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
-    // Another program may have moved or changed the photos.
+    // While the window was inactive, another program may have moved or changed the photos.
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
         m_session.exports().lookAtPhotos();
 }
@@ -251,7 +252,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
 {
     if (m_status->delaysClosing())
         return event->ignore();
-    // Text that is still being typed belongs to the stored batch.
+    // Ends edits before saving, so that text which is still being typed is saved with the batch.
     m_shell->composeBar()->finishEdit();
     m_focus->goToCanvas();
     m_session.saveWorkspace();
@@ -287,8 +288,8 @@ void MainWindow::comeForward()
     activateWindow();
 }
 
-// Parts of the window that a popover of the side panel must not cover: the styled text on the
-// canvas and its field.
+// Areas that a popover opened by `owner`, in the side panel, should not cover: `owner` itself, the
+// account button, the selected layer on the canvas and the card of the selected text.
 QList<QRect> MainWindow::keptClear(const QWidget* owner) const
 {
     const SidePanel* panel = m_shell->sidePanel();
@@ -318,20 +319,22 @@ void MainWindow::resizeEvent(QResizeEvent*)
     m_shell->viewBar()->setLabels(width() < narrowWindow ? Labels::hidden : Labels::shown);
 }
 
-// Receives only keys that the focused widget did not use: a text field keeps its arrows.
+// Receives only keys that the focused widget did not use. A text field uses the arrow keys.
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
     if (isGated() || m_account->isSheetPresented())
         return;
-    // Enter or Esc may still be held after it closed a file dialog.
+    // Ignores Enter and Esc while they repeat: the user may still hold the key that closed a file
+    // dialog.
     const bool closes = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
                         event->key() == Qt::Key_Escape;
     if (closes && event->isAutoRepeat())
         return;
     if (pressFocused(event, m_shell))
         return;
-    // Keys with modifiers are left alone: a text field may only now have no use for one. While the
-    // column shows an import's images, no key changes the hidden batch.
+    // Ignores keys with modifiers: a text field passes on those that it cannot use at the moment,
+    // but the user meant them for the text. Also ignores keys while the images of an import hide
+    // the batch, which no key may change then.
     if (event->modifiers() & ~Qt::KeypadModifier || m_batchBinding->showsIncoming())
         return QWidget::keyPressEvent(event);
     switch (event->key()) {
@@ -390,7 +393,7 @@ void MainWindow::showBatch()
     m_shell->batchColumn()->setRatio(row(batch.format).aspectRatio);
     m_batchBinding->show();
     showStage();
-    m_templates->show();    // ends a preview on the stage
+    m_templates->show();    // ends the preview of a template
     m_stage->show();
     m_panel->show();
     m_exports->show();
@@ -399,9 +402,10 @@ void MainWindow::showBatch()
 
 void MainWindow::showStage()
 {
-    // The invitation to import waits until the restore found nothing.
+    // Invites the user to import images only after the restore has ended without any.
     const bool isEmpty = m_session.batch().items.isEmpty() && m_session.didRestoreWorkspace();
-    // During an import the stage is empty: the old canvas must not stand beside the new tiles.
+    // Hides the canvas while the batch column shows an import's images: the canvas would show an
+    // item of the old batch beside them.
     const Activity* import = m_session.activities().find(Activity::Kind::importing);
     const bool isImporting = import && (isEmpty || m_batchBinding->showsIncoming());
     if (isImporting) {
@@ -419,7 +423,8 @@ void MainWindow::showStage()
         greetFirstImport();
 }
 
-// Opens the templates' tab after the very first import: default text boxes look poor, designs good.
+// Opens the templates tab after the user's very first import: templates look better than the
+// default text boxes.
 void MainWindow::greetFirstImport()
 {
     if (m_hasImported)
@@ -433,7 +438,7 @@ void MainWindow::greetFirstImport()
 void MainWindow::showHints()
 {
     const bool isLocked =
-        isGated() || m_account->isSheetPresented();    // the studio's keys are off
+        isGated() || m_account->isSheetPresented();    // the keys of the studio do nothing
     m_shell->statusLine()->setKeyHints(isLocked ? QList<KeyHint>()
                                                 : m_focus->hints(m_session.batch()));
 }

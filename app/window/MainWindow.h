@@ -43,11 +43,12 @@ public:
     TemplatesBinding& templates() const { return *m_templates; }
     StatusBinding& status() const { return *m_status; }
     AuthGateView* gate() const { return m_gate; }
-    // No picture is being drawn and no photo looked at.
+    // Whether the stored batch is restored, no import runs, and no picture is being drawn.
     bool isIdle() const;
 
-    // Files, folders and links from outside; files wait until somebody is signed in. Several calls
-    // in a row bring one batch: file managers start a program once for each file.
+    // Opens files, folders and account links that another program passes on. Files wait until
+    // somebody is signed in. Calls in quick succession make one batch, because file managers start
+    // a program once for each file.
     void open(const QList<QUrl>& addresses);
     void comeForward();
 
@@ -82,7 +83,7 @@ private:
     AccountSession& m_accountSession;
     PreferencesStore& m_preferences;
     StudioShell* m_shell;
-    // Bindings, destroyed before the panels that they refer to.
+    // The bindings refer to child widgets. Being members, they are destroyed before those.
     std::unique_ptr<BatchBinding> m_batchBinding;
     std::unique_ptr<StageBinding> m_stage;
     std::unique_ptr<PanelBinding> m_panel;
@@ -95,10 +96,11 @@ private:
     StudioCommands* m_commands;
     AuthGateView* m_gate;
     std::unique_ptr<AccountBinding> m_account;
-    // Files that wait for a sign-in: opened from outside, and dropped.
+    // Files that wait until somebody signs in. m_given: opened by another program. m_dropped:
+    // dropped on the window.
     QList<QUrl> m_given, m_dropped;
-    // m_hasImported: photos were imported, in this run or an earlier one. m_wasEmpty: the window
-    // has been without images.
+    // m_hasImported: whether photos were imported, in this run of the program or an earlier one.
+    // m_wasEmpty: whether the window has been without images in this run.
     bool m_hasImported = false, m_wasEmpty = false;
     bool m_isTellingOfAccount = false;
 };

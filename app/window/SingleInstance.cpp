@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int instanceLongestWait = 10000, retryPause = 40;    // ms
-constexpr qsizetype longestMessage = 16 << 20;    // bytes; far more than a folder's paths need
+constexpr qsizetype longestMessage = 16 << 20;    // bytes; a folder's file paths need far less
 const QByteArray answer = "1";
 
 QString lockPath(const QString& folder)
@@ -27,7 +27,8 @@ QString lockPath(const QString& folder)
     return QDir(folder).filePath(u"moltiva.lock"_s);
 }
 
-// One socket for each data folder: it belongs to the start that holds the lock there.
+// Path of the socket on which the first process for `dataFolder` listens. Empty if there is no
+// usable path.
 QString socketPath(const QString& dataFolder)
 {
     const QString folder = QDir(dataFolder).canonicalPath();
@@ -67,7 +68,8 @@ InstanceClaim claimInstance(const QString& dataFolder, const QList<QUrl>& toOpen
             return {first, std::move(lock)};
         if (!socket.isEmpty() && handOver(socket, toOpen))
             return {handedOver, nullptr};
-        // No lock can be written, as on a full disk: a second window is better than none.
+        // The lock file cannot be made, for example on a full disk. A second window is better than
+        // none.
         if (lock->state() == SystemLock::State::impossible)
             return {first, nullptr};
         if (socket.isEmpty())
@@ -93,9 +95,9 @@ SingleInstance::SingleInstance(const QString& dataFolder, QObject* parent)
 {
     const QString path = socketPath(dataFolder);
     if (path.isEmpty())
-        return;    // later starts report InstanceClaim::Outcome::unreachable
+        return;    // later processes get Outcome::unreachable
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    QLocalServer::removeServer(path);    // left by a killed program: the lock is ours now
+    QLocalServer::removeServer(path);    // a killed process may have left its socket behind
     m_server->listen(path);
     connect(m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* socket = m_server->nextPendingConnection())

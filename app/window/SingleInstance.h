@@ -11,37 +11,39 @@
 class QLocalServer;
 class QLocalSocket;
 
-// One window per user. The first start holds a lock in the data folder; a later start sends the
-// first what to open, over a socket, and ends.
+// Tells whether this process may show a window: only one process per user does. The first process
+// holds a lock in the data folder. A later process sends the first, over a socket, what to open,
+// and ends.
 struct InstanceClaim {
     enum class Outcome {
         first,
         handedOver,
         unanswered,
-        unreachable,    // a first start runs, but there is no private place for a socket
+        unreachable,    // the first process runs, but no usable path for a socket exists
     };
     Outcome outcome = Outcome::unanswered;
-    // Held by the first start as long as it runs; null where no lock can be written, as on a full
-    // disk.
+    // Set only for Outcome::first: the process keeps the lock as long as it runs. Null even then if
+    // the lock file cannot be made, for example on a full disk.
     std::unique_ptr<SystemLock> lock;
 };
 
-// Waits some seconds at most for the first start's answer. Of several starts at one moment exactly
-// one becomes the first. Needs a core application, but no display. `dataFolder` exists and belongs
-// to the user.
+// Makes this process the first, or sends `toOpen` to the first and waits some seconds for its
+// answer. Of several processes that start at the same moment, exactly one becomes the first. Needs
+// a QCoreApplication, but no display. `dataFolder` exists and belongs to the user.
 InstanceClaim claimInstance(const QString& dataFolder, const QList<QUrl>& toOpen);
 
-// The addresses that command-line arguments name: paths become file URLs, other addresses stay.
+// Turns command-line arguments into URLs: paths become file URLs, and URLs stay as they are.
 QList<QUrl> addressesOf(const QStringList& arguments);
 
-// Listens in the first start, which holds the lock meanwhile.
+// Receives what later processes send. Made by the first process, which holds the lock as long as
+// this object exists.
 class SingleInstance : public QObject {
     Q_OBJECT
 public:
     explicit SingleInstance(const QString& dataFolder, QObject* parent = nullptr);
 
 Q_SIGNALS:
-    // A later start sent these; empty when it was started without any.
+    // A later process sent `toOpen`, which is empty if that process was started without arguments.
     void handedOver(const QList<QUrl>& toOpen);
 
 private:

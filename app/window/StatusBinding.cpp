@@ -35,7 +35,7 @@ void StatusBinding::show()
     const Activity* foremost = m_session.activities().foremost();
     std::optional<Activity> underWay = foremost ? std::optional(*foremost) : std::nullopt;
     if (underWay && m_closing.isActive())
-        underWay->stop = {};    // the stop button disappears: the activity is already being stopped
+        underWay->stop = {};    // hides the stop button: the activity is already being stopped
     m_line->setStatus(m_session.statusLog().current(), underWay);
 }
 
@@ -44,7 +44,7 @@ void StatusBinding::followActivity()
     show();
     if (m_closing.isActive() && !m_session.activities().delayingClosing()) {
         m_closing.stop();
-        // Queued: other receivers of activityChanged() still have to run.
+        // Queued, so that all receivers of activityChanged() run before the window closes.
         QMetaObject::invokeMethod(this, &StatusBinding::closeRequested, Qt::QueuedConnection);
     }
 }
@@ -90,7 +90,7 @@ void StatusBinding::followLink()
         return m_session.setAccountPanel(AccountPanelDestination::credits);
     if (!link.details.isEmpty())
         return m_line->showDetails(link.details);
-    // openUrl() succeeds on some systems even for a missing folder.
+    // Checks the folder, because openUrl() succeeds on some systems even if the folder is missing.
     if (!QFileInfo(link.folder).isDir() ||
         !QDesktopServices::openUrl(QUrl::fromLocalFile(link.folder)))
         m_session.setStatus(u"No se ha podido abrir la carpeta."_s, StatusKind::warning);

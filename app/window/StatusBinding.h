@@ -7,8 +7,8 @@
 class StatusLine;
 class StudioSession;
 
-// Shows the session's sentences and activities in the status line, stops activities and delays
-// closing until they have ended.
+// Shows the session's status sentences and activities in the status line. Stops activities, and
+// delays the closing of the window until they have ended.
 class StatusBinding : public QObject {
     Q_OBJECT
 public:
@@ -17,9 +17,9 @@ public:
 
     void showHistory();
     bool canStop() const;
-    void stop();    // the foremost activity
-    // Whether the window must not close yet. Stops the activity in the way and emits
-    // closeRequested() when it has ended, or after the longest wait.
+    void stop();    // stops the activity that the status line shows
+    // Returns whether the window must not close yet. If so, stops the activity that prevents
+    // closing, and emits closeRequested() when it has ended or after the longest wait.
     bool delaysClosing();
     void setLongestWait(std::chrono::milliseconds wait) { m_closing.setInterval(wait); }
 
@@ -33,6 +33,6 @@ private:
 
     StudioSession& m_session;
     StatusLine* m_line;
-    QTimer m_closing;    // runs while the window waits
+    QTimer m_closing;    // runs while the window waits to close
     bool m_hasWaited = false;
 };

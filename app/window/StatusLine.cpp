@@ -18,7 +18,7 @@ namespace {
 
 constexpr int statusLineHeight = 28, statusSide = 16;
 constexpr int sentenceLeft = statusSide + 24, linkGap = 8;
-constexpr int widestHistory = 720, statusMostRows = 6;    // rows of one sentence in the history
+constexpr int widestHistory = 720, statusMostRows = 6;    // pixels; most rows of one sentence
 constexpr int announcePause = 3000, statusTurnTime = 1000, statusFrameTime = 33;    // ms
 
 struct KindRow {
@@ -48,7 +48,7 @@ void paintState(QPainter& painter, const QRectF& box, StatusKind kind, const The
         paintIcon(painter, row(kind).icon, box, 16, theme.*row(kind).color);
 }
 
-// Text of the button that opens the link; empty for no link.
+// Text of the button that opens the link; empty if there is nothing to open.
 QString wordOf(const StatusLink& link)
 {
     if (link.isPurchase)
@@ -58,7 +58,7 @@ QString wordOf(const StatusLink& link)
     return link.details.isEmpty() ? QString() : u"Ver cuáles"_s;
 }
 
-// A sentence broken into rows; the last one may be longer than the width.
+// Breaks a sentence into at most statusMostRows rows. The last row may be wider than `width`.
 QStringList rowsOf(const QString& sentence, double width)
 {
     QTextLayout layout(sentence, fontOf(Type::small));
@@ -79,7 +79,8 @@ QStringList rowsOf(const QString& sentence, double width)
     return rows;
 }
 
-// Base of the popups above the line. Qt::Popup closes at Esc and restores the focus.
+// Base of the popups above the status line. Being a Qt::Popup, it closes at Esc and then gives the
+// focus back.
 class LinePopover : public QWidget {
 public:
     explicit LinePopover(QWidget* parent)
@@ -101,10 +102,10 @@ protected:
     }
 };
 
-// Sentences with their times, the newest at the bottom.
+// Shows sentences with their times, the newest at the bottom.
 class HistoryRows : public QWidget {
 public:
-    // No wider than `mostWidth`.
+    // `mostWidth`: the largest width in pixels.
     HistoryRows(const QList<StatusEntry>& history, int mostWidth, QWidget* parent) : QWidget(parent)
     {
         double widest = 200, widestTime = 0;
@@ -116,7 +117,8 @@ public:
         const int width = std::min(mostWidth, qCeil(widest) + textLeft + textRight());
         int height = 2 * edge;
         for (const StatusEntry& told : history) {
-            // An outdated step shows no spinner: its work is over.
+            // Shows the icon of a note in place of the spinner if the activity that told the
+            // sentence has ended.
             const bool isOver = told.kind == StatusKind::working && told.isOutdated;
             const Entry entry{isOver ? StatusKind::note : told.kind,
                               rowsOf(told.sentence, width - textLeft - textRight()), timeOf(told)};
@@ -176,10 +178,10 @@ private:
     int m_timeWidth = 0;
 };
 
-// Scrolls when the sentences find no room.
+// Shows the sentences, and scrolls if they do not fit.
 class HistoryPopover : public LinePopover {
 public:
-    // `room`: the largest size.
+    // `room`: the largest size of the popup, in pixels.
     HistoryPopover(const QList<StatusEntry>& history, QSize room, QWidget* parent)
         : LinePopover(parent)
     {
@@ -199,7 +201,8 @@ public:
     }
 
 protected:
-    // The scroll bar has its range only once the layout is done, when it is shown.
+    // Scrolls to the newest sentence here, because the scroll bar has its range only when it is
+    // shown.
     void showEvent(QShowEvent* event) override
     {
         LinePopover::showEvent(event);
@@ -246,12 +249,12 @@ private:
     static constexpr int edge = 8, rowHeight = 26, scrollBarRoom = 28;
 };
 
-// A button as small as the sentence before it.
+// A button without a frame, in text as small as the sentence before it.
 class SentenceLink : public Control {
 public:
     explicit SentenceLink(QWidget* parent) : Control(parent)
     {
-        setAccessibleName(u"Enlace del aviso"_qs);    // for screen readers, while it has no text
+        setAccessibleName(u"Enlace del aviso"_qs);    // for screen readers, until it has a text
         setCursor(Qt::PointingHandCursor);
         setProperty("focusRadius", Radius::chip);
     }
@@ -309,7 +312,8 @@ void StatusLine::setStatus(const StatusEntry& told, const std::optional<Activity
     else
         m_spin.stop();
     if (!isSame) {
-        // Fast work would make a screen reader talk without end: one step in three seconds.
+        // Announces at most one step every three seconds: fast work would make a screen reader talk
+        // without end.
         const qint64 since = m_announced.isValid() ? m_announced.elapsed() : announcePause;
         if (isStep && since < announcePause)
             m_announceLater.start(int(announcePause - since));
@@ -410,7 +414,8 @@ void StatusLine::paintEvent(QPaintEvent*)
     }
 }
 
-// Replaces the widget's own tooltip, whose markup screen readers would read as the description.
+// Shows the tooltip without setToolTip(): a screen reader would read the tooltip's markup as the
+// description of the widget.
 bool StatusLine::event(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip)
@@ -420,8 +425,8 @@ bool StatusLine::event(QEvent* event)
     if (!isCut || !sentenceRect().contains(help->pos())) {
         QToolTip::hideText();
     } else {
-        // Rich text, because Qt breaks only that into lines: a sentence may be wider than the
-        // screen.
+        // Rich text, because Qt does not break plain text in a tooltip into lines, and the sentence
+        // may be wider than the screen.
         QToolTip::showText(help->globalPos(),
                            u"<qt>%1</qt>"_qs.arg(m_told.sentence.toHtmlEscaped()), this,
                            sentenceRect());

@@ -11,18 +11,20 @@ class Control;
 class IconButton;
 class ProgressBar;
 
-// Shows the last sentence; on the right the progress of the work or the keys that help.
+// Shows the current status sentence and, at the right, the progress of an activity or else the key
+// hints.
 class StatusLine : public QWidget {
     Q_OBJECT
 public:
     explicit StatusLine(QWidget* parent = nullptr);
-    // The bar of `underWay` stays, whatever sentence is told.
+    // Shows the sentence of `told`. Also shows the progress bar of `underWay`, even if the sentence
+    // is about something else.
     void setStatus(const StatusEntry& told, const std::optional<Activity>& underWay = {});
     void setKeyHints(const QList<KeyHint>& hints);
-    // Opens a popup above the line with the sentences, oldest first. It has the keyboard until Esc
-    // or a press elsewhere.
+    // Opens a popup above the line with the sentences of `history`, oldest first. The popup has the
+    // keyboard focus until Esc or a click outside closes it.
     void showHistory(const QList<StatusEntry>& history);
-    // Opens a popup with the names that the sentence only counts.
+    // Opens a popup with `details`, the names of the files that the sentence only counts.
     void showDetails(const QStringList& details);
     QList<QWidget*> focusOrder() const;
     QSize sizeHint() const override { return {600, 28}; }
@@ -31,7 +33,7 @@ Q_SIGNALS:
     void stopRequested();
     void linkRequested();
     void historyRequested();
-    void leaveRequested();    // the focused button was hidden
+    void leaveRequested();    // the focused button was hidden: the focus should move
 
 protected:
     bool event(QEvent* event) override;

@@ -1,4 +1,4 @@
-// The rows of the menu.
+// The functions of StudioCommands that list the commands of the menu.
 #include "app/window/StudioCommands.h"
 
 #include "account/AccountSession.h"

@@ -90,8 +90,8 @@ void StudioCommands::run(const MenuCommand& command)
                             StatusKind::warning);
         return;
     }
-    // Cancels a drag on the canvas. Ends the typing of an objective, which becomes a step that the
-    // command may undo.
+    // Cancels a drag on the canvas. Ends an edit of the objective, so that the typed text is what
+    // the undo command takes back.
     m_parts.stage.canvas()->interaction().cancel();
     m_parts.shell->composeBar()->finishEdit();
     if (!command.keepsTyping)
@@ -107,7 +107,8 @@ void StudioCommands::importTexts()
         m_parts.files->chooseTexts(QFileDialog::AcceptOpen);
 }
 
-// Goes to another image. During an edit, focuses the same slot's text there and selects it all.
+// Goes to the next image, or to the previous one if `images` is negative. If a text is being
+// edited, puts the focus into the same slot's text of the new image, with all the text selected.
 void StudioCommands::step(int images)
 {
     const std::optional<CopySlot> slot = m_parts.shell->sidePanel()->textPanel()->editedSlot();
@@ -120,7 +121,7 @@ void StudioCommands::step(int images)
         m_parts.panel.edit(*slot);
 }
 
-// Ignored while the column shows an import's images: the batch is not shown.
+// Does nothing while the batch column shows the images of an import instead of the batch.
 void StudioCommands::selectAll()
 {
     if (!m_parts.batch.showsIncoming())
@@ -158,8 +159,8 @@ void StudioCommands::showTileMenu(int index, QPoint globalPosition)
     auto* menu = new QMenu(m_parts.window);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const QUuid id = m_session.batch().items[index].id;
-    // Shows the key of the menu's command without registering it: two actions with one key run
-    // neither.
+    // Shows the key of the same command in the main menu as text, after a tab. Sets no shortcut: Qt
+    // runs neither of two actions with the same shortcut.
     const auto add = [&](Icon icon, QStringView command, QStringView text, auto act) {
         QAction* action =
             menu->addAction(menuIcon(icon), text.toString() + u'\t' + m_menu->keyOf(command));

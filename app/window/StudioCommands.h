@@ -19,7 +19,7 @@ class TemplatesBinding;
 enum class ShapeKind;
 struct MenuCommand;
 
-// What the commands work with; every part outlives StudioCommands.
+// The objects that the commands use. Each outlives StudioCommands.
 struct CommandParts {
     StudioSession& session;
     AccountSession& account;
@@ -36,7 +36,7 @@ struct CommandParts {
     QWidget* window;
 };
 
-// The commands of the window, for menu, keys and buttons alike.
+// The commands of the window, which its menu, keys and buttons run.
 class StudioCommands : public QObject {
     Q_OBJECT
 public:
@@ -49,7 +49,8 @@ public:
 private:
     void connectButtons();
     void run(const MenuCommand& command);
-    // Opens a menu for a tile; selects the tile first unless it is part of the selection.
+    // Opens the context menu of the tile at `index`. Selects the tile first unless it is already
+    // selected.
     void showTileMenu(int index, QPoint globalPosition);
     QList<MenuCommand> table();
     QList<MenuCommand> fileCommands();

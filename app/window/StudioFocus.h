@@ -6,18 +6,19 @@ class StudioShell;
 struct Batch;
 struct KeyHint;
 
-// Moves the keyboard focus between the parts of the window, and knows the keys of the focused one.
+// Moves the keyboard focus between the parts of the window, and gives the key hints for the focused
+// part.
 class StudioFocus : public QObject {
     Q_OBJECT
 public:
     StudioFocus(StudioShell* shell, QWidget* window);
 
-    // Focuses the canvas or, without images, the buttons to import some: a hidden canvas would keep
-    // the focus out of sight.
+    // Focuses the canvas, or the view shown in its place while the canvas is hidden.
     void goToCanvas();
     void goToRegion(int step);    // 1: the next part of the window, -1: the previous one
-    // Ends a drag, a number being typed or held and a colour being chosen, before another layer is
-    // selected: the edit belongs to the layer that it was begun on.
+    // Ends what the user is in the middle of: a drag on the canvas, typing in a field, a held
+    // slider, the choice of a colour or a font. Call it before another layer is selected: an edit
+    // belongs to the layer on which it began.
     void endEdits();
     QList<KeyHint> hints(const Batch& batch) const;
 

@@ -29,8 +29,8 @@ StudioMenu::StudioMenu(const QList<MenuCommand>& commands, QWidget* window)
     for (qsizetype i = 0; i < m_commands.size(); ++i)
         add(i, window);
     connect(m_menu, &QMenu::aboutToShow, this, &StudioMenu::showState);
-    // Entries are disabled only while the menu is open: with the menu closed a key always runs its
-    // command, which then says itself what is missing.
+    // Enables all entries when the menu closes, because the key of a disabled entry does nothing: a
+    // command run by its key tells the user itself what is missing.
     connect(m_menu, &QMenu::aboutToHide, this, &StudioMenu::enableAll);
 }
 
@@ -65,7 +65,7 @@ void StudioMenu::add(qsizetype index, QWidget* window)
         showChecks();
     });
     menu->addAction(action);
-    window->addAction(action);    // makes its key work while the menu is closed
+    window->addAction(action);    // makes the command's key work while the menu is closed
     m_actions.append(action);
 }
 

@@ -11,40 +11,42 @@ class QAction;
 class QMenu;
 class QWidget;
 
-// One command of the window: its place in the menu, its key, what it does and when it can.
+// One command of the window: its place in the menu, its keys, what it does and when it is possible.
 struct MenuCommand {
-    QStringView menu;         // the path of its submenu: "Edición/Añadir forma"
-    QString text;             // shown, and the command's name
-    QStringView keys = {};    // several are split by spaces; the first is shown
-    // A key that the menu shows but does not register, since text fields use it. The window handles
-    // the key when the focused widget did not.
+    QStringView menu;         // path of the submenu, such as "Edición/Añadir forma"
+    QString text;             // shown in the menu; identifies the command
+    QStringView keys = {};    // separated by spaces; the menu shows the first
+    // A key that the menu shows but does not register, because text fields use it. MainWindow
+    // handles the key if the focused widget has not used it.
     QStringView toldKey = {};
     Icon icon = Icon::none;
     bool startsGroup = false;
     std::function<void()> run = {};
-    // The menu asks these when it opens; a key runs the command at any time.
+    // The menu calls these functions when it opens. A key runs the command without calling
+    // isPossible().
     std::function<bool()> isPossible = {};    // empty: always
     std::function<bool()> isChecked = {};     // empty: no check mark
-    std::function<QString()> wording = {};    // empty: `text`
-    bool changesImages = false;               // refused while the column shows an import's images
-    bool keepsTyping = false;                 // does not end an edit that is being typed
-    bool repeats = true;                      // runs again while its key is held
-    bool isAlwaysUsable = false;              // even while the menu is locked
+    std::function<QString()> wording = {};    // gives the text to show; empty: `text`
+    bool changesImages = false;               // refused while the batch column shows an import
+    bool keepsTyping = false;                 // lets the user go on typing in a text field
+    bool repeats = true;                      // runs again while the key is held
+    bool isAlwaysUsable = false;              // usable even while the menu is locked
 };
 
-// The program's menu with every command once. The commands' keys work while the menu is closed.
+// The main menu, with each command once. Keys also run commands while the menu is closed.
 class StudioMenu : public QObject {
     Q_OBJECT
 public:
-    // The keys work in `window`.
+    // Keys run commands while `window` is active.
     StudioMenu(const QList<MenuCommand>& commands, QWidget* window);
 
     QMenu* menu() const { return m_menu; }
-    QAction* action(QStringView text) const;    // the command must exist
-    QString keyOf(QStringView text) const;      // as menus show the key; may be empty
-    // Disables entries and keys while a sheet or the sign-in gate covers the studio.
+    QAction* action(QStringView text) const;    // `text`: of an existing command
+    QString keyOf(QStringView text) const;    // as shown in menus; empty if the command has no key
+    // Locking disables all commands except those with isAlwaysUsable. Used while a sheet or the
+    // sign-in gate covers the studio.
     void setLocked(bool locked);
-    void showChecks();    // call when an answer of isChecked() may have changed
+    void showChecks();    // call when the result of an isChecked() may have changed
 
 Q_SIGNALS:
     void chosen(const MenuCommand& command);
@@ -56,7 +58,7 @@ private:
     void enableAll();
 
     const QList<MenuCommand> m_commands;
-    QList<QAction*> m_actions;    // by index of m_commands
+    QList<QAction*> m_actions;    // in the order of m_commands
     QMenu* m_menu;
     QHash<QString, QMenu*> m_submenus;    // by their path
     bool m_isLocked = false;

@@ -19,8 +19,8 @@
 namespace {
 
 struct WidthClass {
-    int from;            // width of the window
-    int batch, panel;    // widths of the columns, each with its hairline
+    int from;            // smallest width of the window, in pixels
+    int batch, panel;    // widths of the columns in pixels, each with the hairline beside it
 };
 constexpr std::array widthClasses{
     WidthClass{0, 124, 320},
@@ -35,8 +35,7 @@ const WidthClass& widthClassOf(int window)
     return *std::prev(next);
 }
 
-// The stage keeps this width in a smaller window, even if columns were dragged wide in a larger
-// one.
+// Least width of the stage in pixels, even if the columns were dragged wider in a larger window.
 constexpr int narrowestStage = 520;
 
 // The background of the stage and of the compose bar above it.
@@ -181,7 +180,8 @@ void StudioShell::fitColumns()
     const int panel = wanted(m_panel, m_panelWidth.value_or(usual.panel));
     const int room = width() - panel - narrowestStage;
     const int batch = wanted(m_batchColumn, std::min(m_batchWidth.value_or(usual.batch), room));
-    // The hairline between a column and the stage counts as part of the column.
+    // Subtracts the hairlines: a column's width includes the one beside it, the sizes of a
+    // QSplitter do not.
     m_splitter->setSizes({std::max(0, batch - line), std::max(1, width() - batch - panel),
                           std::max(0, panel - line)});
 }

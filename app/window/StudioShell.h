@@ -14,7 +14,7 @@ class StagePanel;
 class StatusLine;
 class ViewBar;
 
-// Places the panels of the main window, which fills and connects them.
+// Lays out the panels of MainWindow, which fills and connects them.
 class StudioShell : public QWidget {
     Q_OBJECT
 public:
@@ -34,7 +34,8 @@ public:
     void setStage(Stage stage);
     bool isStage(Stage stage) const;
 
-    // Widths that the user has given the columns, in pixels; none: by the width of the window.
+    // Set the width that the user chose for a column, in pixels. None: a width that suits the
+    // window.
     void setBatchWidth(std::optional<int> width);
     void setPanelWidth(std::optional<int> width);
     void setBatchVisible(bool visible);

@@ -137,8 +137,7 @@ void TopBar::place()
     right = m_accountDivider - topBarGap - m_exports->sizeHint().width();
     put(m_exports, right);
     right -= Space::small;
-    // The formats are centred in the bar if nothing else reaches there, else between their
-    // neighbours.
+    // Centres the formats in the bar if they fit there, otherwise between their neighbours.
     const int formats = m_formats->sizeHint().width();
     const int middle = (width() - formats) / 2;
     const bool alone = middle > left + topBarGap && middle + formats < right - topBarGap;

@@ -12,12 +12,13 @@ class QMenu;
 class SegmentedControl;
 class UserAccountButton;
 
-// One of the four formats; TopBar takes them in the order of its segments.
+// What TopBar shows of a format. TopBar takes one FormatChoice for each SocialFormat, in the order
+// of that enum.
 struct FormatChoice {
     QString ratio;     // "4:5"
     QString title;     // "Carrusel / Post vertical"
     QString spoken;    // "4 a 5"
-    QSize pixels;      // of the exported picture
+    QSize pixels;      // size of the exported picture
 };
 
 class TopBar : public QWidget {
@@ -26,7 +27,7 @@ public:
     explicit TopBar(const QList<FormatChoice>& formats, QWidget* parent = nullptr);
 
     void setMenu(QMenu* menu);    // not owned
-    void setFormat(int index);    // shows; emits nothing
+    void setFormat(int index);    // shows the format; emits nothing
     void setUndo(bool possible);
     void setRedo(bool possible);
     UserAccountButton* account() const { return m_account; }

@@ -27,8 +27,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Drops messages of Qt and its codecs about broken files, which would mix with a command's output
-// and its progress line.
+// Drops all messages of Qt except fatal ones, unless MOLTIVA_DEBUG is set: warnings about broken
+// files would mix with the output of a command.
 void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
     static const bool wanted = qEnvironmentVariableIsSet("MOLTIVA_DEBUG");
@@ -36,7 +36,8 @@ void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& tex
         std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 
-// Names of keys as Spanish keyboards print them; Qt's catalogue writes "Control+Mayúsculas".
+// Names the keys as Spanish keyboards do. Qt's own translation of Ctrl+Shift is
+// "Control+Mayúsculas".
 class KeyNames : public QTranslator {
 public:
     using QTranslator::QTranslator;
@@ -66,7 +67,7 @@ void prepare(QCoreApplication& application)
     if (translator->load(u"qtbase_es"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QCoreApplication::installTranslator(translator);
     QCoreApplication::installTranslator(
-        new KeyNames(&application));    // the last one is asked first
+        new KeyNames(&application));    // the translator installed last is asked first
     QLocale::setDefault(QLocale(u"es"_s));
 }
 
@@ -81,7 +82,8 @@ bool hasDisplay()
 #endif
 }
 
-// Runs before the window's application exists, so that a later start ends at once.
+// Uses a short-lived QCoreApplication instead of the QApplication: if the user's window is already
+// open, this process ends without connecting to the display.
 InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 {
     const QCoreApplication application(argc, argv);
@@ -89,8 +91,8 @@ InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
     return claimInstance(userDataFolder(), toOpen);
 }
 
-// Opens the window with the photos and folders that the command line names; for a later start, in
-// the window of the first.
+// Opens the window with the files and folders that the command line names. If another process
+// already shows the window, passes them on to that process.
 int runWindow(int& argc, char** argv, const QStringList& arguments,
               const ServiceConfiguration& configuration)
 {
@@ -113,10 +115,10 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
                    stderr);
         return exitSomeFailed;
     }
-    // Static, so that it is released even when Qt calls exit() because the display is gone.
+    // Static, so that the lock is released even when Qt calls exit() because the display is lost.
     static const std::unique_ptr<SystemLock> lock = std::move(claimed.lock);
     QApplication application(argc, argv);
-    // Waits for the workers: drawing without an application would crash.
+    // Waits for the workers before `application` is destroyed: drawing without it would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
     const SingleInstance instance(userDataFolder());
@@ -154,7 +156,7 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(programName());
     const ServiceConfiguration configuration = takenConfiguration(arguments, configurationFile());
     if (isCommandLine(arguments)) {
-        // Qt ends a process that asks for a display and finds none.
+        // Prevents Qt from ending the process when there is no display.
         qputenv("QT_QPA_PLATFORM", "offscreen");
         QGuiApplication application(argc, argv);
         prepare(application);

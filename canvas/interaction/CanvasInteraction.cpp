@@ -45,7 +45,7 @@ double CanvasInteraction::maximumVisibleOrigin(double)
     return 1 - minimumVisibleLayerFraction;
 }
 
-// Lets a layer grow well past the far edge of the canvas.
+// Allows a layer to extend far beyond the right or bottom edge of the canvas.
 double CanvasInteraction::maximumOverflowSize(double origin)
 {
     return std::max(minimumVisibleLayerFraction, (1 - origin) + maximumVisibleOrigin(0));
@@ -133,7 +133,7 @@ void CanvasInteraction::drag(QPointF point, Qt::KeyboardModifiers modifiers)
     if (!m_gesture || !m_item)
         return;
     startEditingIfNeeded();
-    if (!m_gesture)    // onEditingBegan set another item
+    if (!m_gesture)    // onEditingBegan has set another item, which ends the gesture
         return;
     const double dx = (point.x() - m_gesture->startPoint.x()) / std::max(m_canvas.width(), 1.0);
     const double dy = (point.y() - m_gesture->startPoint.y()) / std::max(m_canvas.height(), 1.0);
@@ -218,8 +218,8 @@ void CanvasInteraction::apply(const CodableRect& frame, DragTarget target, Publi
         item.shapeLayers[target.index].frame = frame;
 }
 
-// m_gesture is reset before the callbacks run, so that an item set by one of them does not count as
-// an interruption.
+// Resets m_gesture before calling the callbacks, so that an item set by one of them does not count
+// as an interruption.
 void CanvasInteraction::release()
 {
     const bool hadGesture = m_gesture.has_value();

@@ -17,7 +17,7 @@ enum class LayerKind { text, shape };
 // The layer that a gesture edits.
 struct DragTarget {
     LayerKind kind = LayerKind::text;
-    qsizetype index = 0;    // into `layers` or `shapeLayers`
+    qsizetype index = 0;    // into the item's `layers` or `shapeLayers`
 };
 
 // The centre lines of the canvas that a layer has snapped to.
@@ -30,13 +30,13 @@ struct SnapGuides {
 struct CanvasHit {
     enum class Part { nothing, photo, layer, handle };
     Part part = Part::nothing;
-    QUuid layer;    // for Part::layer and Part::handle
+    QUuid layer;    // set for Part::layer and Part::handle
     bool operator==(const CanvasHit&) const = default;
 };
 
-// The gestures on a canvas. Turns presses, drags and keys into edits of a working copy of the item,
-// and passes every finished change to the callbacks, which may in turn set another item. Points are
-// in logical pixels from the canvas' top left corner, y downwards.
+// Turns mouse and keyboard gestures on a canvas into edits of a working copy of the item, and
+// passes every finished change to the callbacks. A callback may call setItem(). Points are in
+// logical pixels from the canvas' top left corner, y downwards.
 class CanvasInteraction {
 public:
     // Called after every finished change, with the edited item.
@@ -46,29 +46,31 @@ public:
     std::function<void()> onEditingBegan;    // called at the first movement of a drag
     std::function<void()> onEditingEnded;    // called once for each onEditingBegan
 
-    // The share of the canvas' width or height that every layer keeps inside the canvas.
+    // The part of every layer that must stay inside the canvas, as a fraction of the canvas' width
+    // or height.
     static constexpr double minimumVisibleLayerFraction = 0.08;
-    // Logical pixels.
+    // Side of the square resize handle, in logical pixels.
     static constexpr double resizeHandleSide = 26;
 
     void setFormat(SocialFormat format) { m_format = format; }
     void setCanvasSize(QSizeF size) { m_canvas = size; }
     QSizeF canvasSize() const { return m_canvas; }
 
-    // Shows an item. During a drag, an item equal to the one at its start is ignored; any other
-    // ends the drag without a commit.
+    // Sets the item to edit. During a drag, an item equal to the one at the start of the drag is
+    // ignored; any other ends the drag without calling onCommit.
     void setItem(const std::optional<PublicationItem>& item);
     const std::optional<PublicationItem>& item() const { return m_item; }
     void setSelectedLayerID(QUuid id) { m_selectedLayerID = id; }
     QUuid selectedLayerID() const { return m_selectedLayerID; }
-    // The layer to mark as selected. A press marks a layer at once, but onSelect runs on release.
+    // The layer to show as selected. A press marks a layer at once, but onSelect is called only on
+    // release.
     QUuid markedLayerID() const { return m_pendingSelection.value_or(m_selectedLayerID); }
 
     std::optional<DragMode> dragMode() const;
     bool isDraggingLayer() const { return m_gesture && m_gesture->target; }
     SnapGuides activeSnapGuides() const { return m_activeSnapGuides; }
-    // The layer that the last gesture moved; null for the photo, and for a gesture that was
-    // cancelled or interrupted. Read it in onEditingEnded.
+    // The layer that the last gesture moved or resized. Null if it panned the photo, was cancelled
+    // or was interrupted. Read it in onEditingEnded.
     QUuid movedLayer() const { return m_movedLayer; }
 
     // Starts a gesture. False when there is no item.
@@ -77,15 +79,15 @@ public:
     void release();
     // Restores the item as it was at the start of the gesture.
     void cancel();
-    // Zooms the photo. `amount`: the wheel's pixels, up is positive. False when the canvas does not
-    // use the wheel.
+    // Zooms the photo. `amount`: scrolled pixels, positive upwards. Returns false without zooming
+    // if there is no item, a layer is selected or a gesture is under way.
     bool scroll(double amount);
-    // Hides a selected text layer; removes a selected shape.
+    // Hides the selected layer if it is a text; removes it if it is a shape.
     void hideSelectedLayer();
     void select(QUuid layer);    // null: select nothing
 
     CanvasHit hitTest(QPointF point) const;
-    // The frame on the shown canvas; nothing for a hidden or missing layer.
+    // The layer's frame in logical pixels of the canvas; nothing for a hidden or missing layer.
     std::optional<QRectF> layerRect(QUuid layer) const;
     QRectF absoluteRect(const CodableRect& frame) const;
     static QRectF resizeHandleRect(const QRectF& layerRect);
@@ -97,7 +99,7 @@ public:
 private:
     struct Gesture {
         DragMode mode = DragMode::panImage;
-        std::optional<DragTarget> target;    // none: the photo is panned
+        std::optional<DragTarget> target;    // empty: the photo is panned
         CodableRect startFrame;
         QPointF startPoint;
         ImagePlacement startPlacement;
@@ -131,6 +133,6 @@ private:
     QSizeF m_canvas;    // size in logical pixels
     std::optional<Gesture> m_gesture;
     SnapGuides m_activeSnapGuides;
-    std::optional<QUuid> m_pendingSelection;    // onSelect gets it on release
+    std::optional<QUuid> m_pendingSelection;    // layer to pass to onSelect on release
     QUuid m_movedLayer;
 };

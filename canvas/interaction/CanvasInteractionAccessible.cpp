@@ -91,7 +91,7 @@ public:
         forgetAllBut(layers);
         auto found = m_children.find(layers[index]);
         if (found == m_children.end()) {
-            // Qt's registry owns the child from now on.
+            // registerAccessibleInterface() takes ownership of `layer`.
             auto* layer = new LayerAccessible(view(), layers[index]);
             found =
                 m_children.insert(layers[index], QAccessible::registerAccessibleInterface(layer));
@@ -124,7 +124,8 @@ public:
 
 private:
     CanvasInteractionView* view() const { return static_cast<CanvasInteractionView*>(object()); }
-    // Removes the children of layers that are gone: each image of a batch has its own layers.
+    // Removes the children of layers that are no longer shown: each item of a batch has its own
+    // layers.
     void forgetAllBut(const QList<QUuid>& layers) const
     {
         for (auto child = m_children.begin(); child != m_children.end();) {

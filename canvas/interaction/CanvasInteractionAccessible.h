@@ -1,5 +1,5 @@
 #pragma once
 
-// Gives screen readers one child of a canvas per layer, topmost first. Call before the first
-// CanvasInteractionView is created.
+// Gives screen readers one child per layer of a CanvasInteractionView, topmost layer first. Call
+// before a screen reader first asks for such a view.
 void makeCanvasesAccessible();

@@ -18,13 +18,14 @@ namespace {
 
 // Milliseconds without movement after which a moved photo is resampled.
 constexpr int restTime = 60;
-// Fractions of a story's height that the network's own buttons may cover.
+// Fractions of a story's height that the social network's own buttons may cover.
 constexpr double safeZoneTop = 250.0 / 1920, safeZoneBottom = 340.0 / 1920;
-// Logical pixels; further away nothing of a frame can be seen.
+// Largest coordinate that is converted to int, in logical pixels. For a larger one the whole view
+// is repainted.
 constexpr double farAway = 1e6;
 
-// Pixels scrolled, up is positive. One notch of a plain wheel is 120 angle units and counts as 10
-// pixels.
+// Pixels scrolled, positive upwards. For a wheel without pixelDelta(), one notch is 120 units of
+// angleDelta() and counts as 10 pixels.
 double scrolledPixels(const QWheelEvent* event)
 {
     const QPointF delta = event->pixelDelta().isNull() ? QPointF(event->angleDelta()) / 12.0
@@ -53,7 +54,7 @@ void CanvasInteractionView::setCanvasRect(const QRect& canvas, QSize pixels)
 
 void CanvasInteractionView::setItem(const std::optional<PublicationItem>& item, SocialFormat format)
 {
-    // Another format has another canvas shape: a drag on the old one ends.
+    // Ends a drag when the format changes, because the canvas then has another shape.
     if (std::exchange(m_format, format) != format)
         m_interaction.setItem(std::nullopt);
     m_interaction.setFormat(format);
@@ -106,7 +107,7 @@ bool CanvasInteractionView::isPhotoSharp() const
     return !m_resampling && !m_rest.isActive() && !m_picture.wantedPlace();
 }
 
-// Updates the picture, marks and cursor to the item of m_interaction.
+// Updates picture, marks and cursor to the present state of m_interaction.
 void CanvasInteractionView::refresh()
 {
     updatePicture(m_picture.setItem(m_interaction.item(), m_format));
@@ -122,8 +123,8 @@ void CanvasInteractionView::updatePicture(const QRect& pixels)
     const double ratio = devicePixelRatioF();
     const QRectF logical(pixels.x() / ratio, pixels.y() / ratio, pixels.width() / ratio,
                          pixels.height() / ratio);
-    // One pixel more on each side: at a ratio such as 1.25 the picture may begin inside a logical
-    // pixel.
+    // Adds a pixel on each side: at a pixel ratio such as 1.25, the picture may begin inside a
+    // logical pixel.
     update(logical.toAlignedRect().translated(m_canvas.topLeft()).adjusted(-1, -1, 1, 1));
 }
 
@@ -224,7 +225,7 @@ void CanvasInteractionView::requestResampling(int delay)
 void CanvasInteractionView::startResampling()
 {
     const auto place = m_picture.wantedPlace();
-    if (!place || m_resampling)    // resample() starts the next when it ends
+    if (!place || m_resampling)    // at its end, resample() calls this function again
         return;
     m_resampling = true;
     ++m_resamplings;
@@ -237,7 +238,7 @@ QCoro::Task<> CanvasInteractionView::resample(QPointer<CanvasInteractionView> se
     QFuture<ResampledPhoto> work = runOnWorker([photo, place] {
         try {
             return resampledPhoto(photo, place);
-        } catch (const std::exception&) {    // short of memory: the quick drawing stays
+        } catch (const std::exception&) {    // out of memory: the quick drawing remains visible
             return ResampledPhoto{photo.cacheKey(), place, {}};
         }
     });
@@ -374,7 +375,7 @@ void CanvasInteractionView::keyPressEvent(QKeyEvent* event)
     const QUuid selected = m_interaction.selectedLayerID();
     const bool closes = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
                         event->key() == Qt::Key_Escape;
-    // A key that closed a dialog may still be held down.
+    // Ignores a repeated key: it may be the one that closed a dialog and is still held down.
     if (closes && event->isAutoRepeat())
         return event->ignore();
     switch (plain ? event->key() : 0) {

@@ -9,34 +9,36 @@
 #include <QTimer>
 #include <QWidget>
 
-// The widget that shows the current item for editing. It covers the canvas and a margin around it,
-// which handles may reach into and through which the widgets below stay visible.
+// The widget that shows the current item for editing. It covers the canvas and a transparent margin
+// around it, into which resize handles may reach.
 class CanvasInteractionView : public QWidget {
     Q_OBJECT
 public:
     explicit CanvasInteractionView(QWidget* parent = nullptr);
 
-    // Set its callbacks to receive the edits.
+    // Turns mouse and keyboard input into edits; set its callbacks to receive them.
     CanvasInteraction& interaction() { return m_interaction; }
     const CanvasInteraction& interaction() const { return m_interaction; }
 
-    // `canvas`: its place in logical pixels of the view; `pixels`: its size in screen pixels.
+    // `canvas`: the rectangle of the canvas, in logical pixels of this widget. `pixels`: the size
+    // of the canvas in screen pixels.
     void setCanvasRect(const QRect& canvas, QSize pixels);
     QRect canvasRect() const { return m_canvas; }
 
     void setItem(const std::optional<PublicationItem>& item, SocialFormat format);
     void setSelectedLayerID(QUuid id);
-    // Sets the decoded photo, at any level, of the item set last.
+    // Sets the photo of the item last passed to setItem(), decoded at any PhotoLevel.
     void setPhoto(const QImage& photo);
-    // Shows bands over the parts of a story that the network's buttons may cover; other formats
-    // have none.
+    // Shows or hides bands over the parts of a story that the social network's own buttons may
+    // cover. Other formats have no bands.
     void setSafeZone(bool shown);
     // Sets the colour of frames and guides; by default the palette's highlight.
     void setLineColor(const QColor& color);
 
     // The picture on the canvas in screen pixels, without frames, guides and bands.
     const QImage& canvasBuffer() { return m_picture.image(); }
-    // Whether the photo in canvasBuffer() is as sharp as it can be.
+    // Whether canvasBuffer() shows the resampled photo, not a quick drawing; also true without a
+    // photo.
     bool isPhotoSharp() const;
     // Number of times the photo was resampled.
     int resamplings() const { return m_resamplings; }
@@ -44,17 +46,17 @@ public:
     // The layers that a screen reader finds, topmost first; hidden texts included.
     QList<QUuid> layers() const;
     QString accessibleText(QUuid layer) const;
-    QRect screenRect(QUuid layer) const;    // empty when hidden
+    QRect screenRect(QUuid layer) const;    // global; empty for a hidden layer
     void selectLayer(QUuid layer);
-    // Hides the selected layer as the Delete key does.
+    // Hides the selected text or removes the selected shape, as the Delete key does.
     void hideSelectedLayer();
 
     QSize sizeHint() const override { return {640, 640}; }
 
 Q_SIGNALS:
     void editRequested(QUuid text);
-    // Emitted before and after the callbacks that hide or remove a layer, so that all of them count
-    // as one operation.
+    // Emitted before and after the calls of onSelect and onCommit with which a layer is hidden or
+    // removed, so that a receiver can treat all of them as one operation.
     void hidingBegan();
     void hidingEnded();
 
@@ -76,7 +78,7 @@ private:
     // The marks drawn over the picture.
     struct Marks {
         QUuid selected, hovered;
-        QRectF selection, hover;    // logical pixels from the canvas' corner
+        QRectF selection, hover;    // logical pixels from the canvas' top left corner
         SnapGuides guides;
         bool operator==(const Marks&) const = default;
     };
@@ -102,12 +104,12 @@ private:
     QRect m_canvas;
     QColor m_lineColor;
     bool m_safeZone = false;
-    bool m_ring = false;                 // drawn when the focus came by keyboard
+    bool m_ring = false;                 // focus ring, drawn when the focus came by keyboard
     std::optional<QPointF> m_pointer;    // last position over the view, from the canvas' corner
     Marks m_marks;
     QUuid m_toldSelection;    // the selection last reported to screen readers
     std::optional<PhotoPlace> m_wanted;
-    QTimer m_rest;    // on timeout, resamples the photo
+    QTimer m_rest;    // waits until the photo no longer moves, then has it resampled
     bool m_resampling = false;
     int m_resamplings = 0;
 };

@@ -17,7 +17,8 @@ constexpr double guideOpacity = 0.95, guideDash = 8, guideGap = 6;
 constexpr double hatchStep = 12, zoneDash = 4, zoneGap = 3;
 constexpr double ringGap = 2, ringWidth = 2;
 constexpr double labelLeft = 10, labelGap = 9, labelHeight = 18, labelPadding = 6;
-// Screen pixels; nothing further out can be seen. A frame from a file may hold any number.
+// Limit of coordinates, in screen pixels. A frame read from a file may hold any number, but nothing
+// beyond this limit can be seen.
 constexpr double farthestDrawn = 30000;
 
 QFont labelFont(QFont::Weight weight, int pixels)
@@ -54,7 +55,7 @@ CanvasOverlay::CanvasOverlay(QPainter& painter, const QRect& canvas, QSize pixel
     : m_painter(painter), m_ratio(painter.device()->devicePixelRatioF())
 {
     const QTransform toDevice = painter.deviceTransform();
-    // At a ratio such as 1.25 a widget may begin inside a screen pixel.
+    // Rounds, because at a pixel ratio such as 1.25 a widget may begin inside a screen pixel.
     const QPointF corner = toDevice.map(QPointF(canvas.topLeft()));
     m_canvas = QRect(QPoint(int(std::lround(corner.x())), int(std::lround(corner.y()))), pixels);
     m_painter.save();
@@ -78,8 +79,8 @@ int CanvasOverlay::screenPixels(double logical) const
     return std::max(1, int(std::lround(logical * m_ratio)));
 }
 
-// Fills a band along the edges of `rect`; `inside` and `outside` are its widths on either side of
-// them.
+// Fills a band along the edges of `rect`. `inside` and `outside` are the widths of its parts inside
+// and outside of the edges.
 void CanvasOverlay::fillRing(const QRect& rect, int inside, int outside, const QColor& color)
 {
     const QRect outer = rect.adjusted(-outside, -outside, outside, outside);
@@ -118,9 +119,9 @@ void CanvasOverlay::drawTag(const QRect& frame, const QString& name, const QColo
     const int lowest = m_canvas.bottom() + 1 - height;
     const int rightmost = m_canvas.right() + 1 - width;
     int top = frame.top() - gap - height;
-    if (top < m_canvas.top())    // no room above: placed below, off the text
+    if (top < m_canvas.top())    // no space above the frame: puts the tag below it
         top = frame.bottom() + 1 + gap;
-    if (top > lowest)    // no room below: placed inside the frame
+    if (top > lowest)    // no space below the frame either: puts the tag inside it
         top = std::max(frame.top(), m_canvas.top()) + gap;
     const QRect box(std::max(std::min(frame.left(), rightmost), m_canvas.left()),
                     std::max(std::min(top, lowest), m_canvas.top()), width, height);
@@ -240,7 +241,8 @@ void CanvasOverlay::drawLabel(const QRect& box, const QString& text, Qt::Alignme
 
 QRectF CanvasOverlay::selectionExtent(const QRectF& layer, const QSizeF& canvas)
 {
-    // The handle reaches furthest out. The tag may be pushed back onto the canvas.
+    // The resize handle reaches further beyond the frame than the lines. The tag may be moved to
+    // stay on the canvas.
     const double reach = CanvasInteraction::resizeHandleSide / 2 + 2;
     const QRectF frame = layer.normalized().adjusted(-reach, -reach, reach, reach);
     const double tagLeft = std::clamp(layer.left(), 0.0, std::max(canvas.width() - widestTag, 0.0));
@@ -251,6 +253,6 @@ QRectF CanvasOverlay::selectionExtent(const QRectF& layer, const QSizeF& canvas)
     };
     const double above = layer.top() - tagGap - tagHeight;
     const QRectF extent = frame.united(tagAt(above));
-    // With no room above, drawTag() puts the tag below.
+    // If there is no space above the frame, drawTag() puts the tag below it.
     return above > tagGap ? extent : extent.united(tagAt(layer.bottom() + tagGap));
 }

@@ -6,8 +6,9 @@
 #include <QPainter>
 #include <QRect>
 
-// Draws what is on screen over the picture and never exported: frames, handle, guides, safe zone.
-// Sizes are logical pixels, rounded to whole screen pixels so that lines stay crisp at any ratio.
+// Draws what is shown on screen over the picture but never exported: frames, resize handle, guides,
+// safe zone. Lengths are in logical pixels and rounded to whole screen pixels, so that lines are
+// crisp at any pixel ratio.
 class CanvasOverlay {
 public:
     // `canvas`: the rectangle of the picture in the painter's logical pixels; `pixels`: its size in
@@ -19,17 +20,18 @@ public:
     // The rectangle of the picture, in screen pixels.
     QRect picture() const { return m_canvas; }
 
-    // Rectangles are in logical pixels from the canvas' corner.
+    // Rectangles are in logical pixels from the top left corner of the canvas.
     void drawSelection(const QRectF& layer, const QString& name, const QColor& line,
                        const QColor& tag);
     void drawHover(const QRectF& layer, const QColor& line);
     void drawResizeHandle(const QRectF& handle);
     void drawSnapGuides(SnapGuides guides, const QColor& line);
     void drawFocusRing(const QColor& line);
-    // `top`, `bottom`: heights of the bands, in fractions of the canvas' height.
+    // Draws two bands. `top`, `bottom`: their heights, in fractions of the canvas' height.
     void drawSafeZone(double top, double bottom);
 
-    // The logical pixels that drawSelection() and drawResizeHandle() may touch at most.
+    // A rectangle in logical pixels; drawSelection() and drawResizeHandle() change nothing outside
+    // of it.
     static QRectF selectionExtent(const QRectF& layer, const QSizeF& canvas);
 
 private:

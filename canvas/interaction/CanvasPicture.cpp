@@ -25,7 +25,7 @@ QRect CanvasPicture::setItem(const std::optional<PublicationItem>& item, SocialF
 {
     const ItemLayout before = m_layout;
     m_layout = item ? layOut(*item, exportSize(format), designSize(format), before) : ItemLayout();
-    // The photo of the former item must not appear under this one, not even for a moment.
+    // Drops the former photo: it must not appear together with the new item, not even for a moment.
     if (const PhotoHandle handle = item ? item->image : PhotoHandle(); handle != m_handle) {
         m_handle = handle;
         m_photo = QImage();
@@ -105,8 +105,8 @@ const ResampledPhoto& CanvasPicture::shownPhoto()
     return m_quick;
 }
 
-// Draws the whole shown part into one image: the photo stretched again for each stale part would
-// not match at the seams.
+// Draws all of `place.shown` into one image: if the photo were stretched anew for each stale part,
+// the parts would not match where they meet.
 ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
 {
     ResampledPhoto quick{m_photo.cacheKey(), place,
@@ -116,7 +116,8 @@ ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
     if (m_photo.hasAlphaChannel())
         quick.image.fill(Qt::transparent);
     const PixelRect& whole = place.whole;
-    // QPainter steps through an image with fixed-point numbers, too coarse for a larger one.
+    // Longest side in pixels that QPainter can draw: it steps through an image in fixed-point
+    // numbers, which are too coarse for a longer one. A larger photo is resampled instead.
     constexpr qint64 furthest = 100'000'000;
     if (std::max(whole.width, whole.height) > furthest)
         return resampledPhoto(m_photo, place);
@@ -125,8 +126,8 @@ ResampledPhoto CanvasPicture::quickPhoto(const PhotoPlace& place) const
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.translate(-place.shown.topLeft());
     QRegion missing = place.shown;
-    // A photo that only moves keeps its exact pixels, and only the part that comes into view is
-    // drawn. Rounding may change its size by a pixel on the way.
+    // If the photo has only moved, reuses the pixels of m_exact and draws only the part that comes
+    // into view. Rounding may change the size of a moved photo by a pixel.
     const PixelRect& before = m_exact.place.whole;
     if (m_exact.source == m_photo.cacheKey() && !m_exact.image.isNull() &&
         std::abs(whole.width - before.width) <= 1 && std::abs(whole.height - before.height) <= 1) {

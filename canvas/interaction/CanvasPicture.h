@@ -3,25 +3,25 @@
 #include "canvas/ItemPainter.h"
 #include "model/SocialFormat.h"
 
-// The picture of an item in screen pixels, painted as for an export. Keeps track of the part that
-// edits change and repaints only that, in the next image().
+// The picture of an item in screen pixels, painted as for an export. Records which part is out of
+// date after changes; the next call of image() repaints only that part.
 class CanvasPicture {
 public:
-    // The setters return the part that changes, in pixels of the picture.
+    // The setters return the part of the picture that changes, in pixels of the picture.
     QRect setItem(const std::optional<PublicationItem>& item, SocialFormat format);
     QRect setPixels(QSize pixels);
-    // Sets the photo, decoded at any level; null for none. A resampled photo at the same place
-    // stays on the picture until the new one is resampled.
+    // Sets the photo, decoded at any PhotoLevel; null for no photo. If a resampled photo is already
+    // shown at the same place, it remains on the picture until the new photo is resampled.
     QRect setPhoto(const QImage& photo);
 
-    // The place for which the photo must be resampled; nothing when that is done. Until then a
-    // quick drawing of the photo is shown.
+    // The place for which photo() must be resampled and passed to setResampled(); nothing when that
+    // is done. Until then, image() shows a quick drawing of the photo.
     std::optional<PhotoPlace> wantedPlace() const;
     const QImage& photo() const { return m_photo; }
     QRect setResampled(const ResampledPhoto& photo);
 
     QSize pixels() const { return m_pixels; }
-    // Null without an item or a size.
+    // Repaints what is out of date. Null without an item or while pixels() is empty.
     const QImage& image();
 
 private:
@@ -36,7 +36,8 @@ private:
     PhotoHandle m_handle;    // the item's photo
     QSize m_pixels;
     QImage m_photo;
-    ResampledPhoto m_exact, m_quick;    // each for the place it was made for last
+    // The resampled photo and its quick drawing; each may be for an earlier place than place().
+    ResampledPhoto m_exact, m_quick;
     QImage m_image;
     QRect m_stale;
 };

@@ -7,9 +7,9 @@
 
 namespace {
 
-// The old pixels under the new pixel `index`, when a line of `from` pixels becomes one of `to`.
-// Each old pixel is `to` units long and each new one `from`, so the weights are whole numbers whose
-// sum is `from`.
+// The old pixels that the new pixel `index` covers, if a line of `from` pixels becomes a line of
+// `to` pixels. The weights are whole numbers: an old pixel counts as `to` units long and a new one
+// as `from` units long, so the weights add up to `from`.
 struct Span {
     Span(int index, int from, int to)
         : first(int(qint64(index) * from / to)), last(int((qint64(index + 1) * from - 1) / to)),
@@ -27,8 +27,8 @@ struct Span {
     quint32 firstWeight, innerWeight, lastWeight;
 };
 
-// Adds `row` times `weight` to the sums. They fit into 32 bits because only rows are added: 255
-// times the longest side does, 255 times the area does not.
+// Adds `row` times `weight` to `sums`. A sum fits into 32 bits: the weights of the rows under a new
+// pixel add up to the height of the old picture, so the sum is at most 255 times that height.
 void addRow(std::vector<quint32>& sums, const uchar* row, quint32 weight)
 {
     quint32* const first = sums.data();
@@ -37,8 +37,8 @@ void addRow(std::vector<quint32>& sums, const uchar* row, quint32 weight)
         first[i] += row[i] * weight;
 }
 
-// Calculates with doubles, which hold these whole numbers exactly: an integer division for each
-// channel would take longer than all else.
+// Calculates with doubles, which represent these whole numbers exactly: one integer division per
+// channel would take longer than everything else.
 QRgb meanAcross(const quint32* sums, const Span& columns, double perArea)
 {
     double mean[4]{};

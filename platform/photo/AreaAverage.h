@@ -2,7 +2,8 @@
 
 #include <QImage>
 
-// Resizes `picture`: each new pixel is the mean of the area it covers, weighed exactly. For RGB32
-// and ARGB32_Premultiplied. Works on the calling thread alone: QImage::scaled() divides its work
-// among threads of Qt's, which run at the interface's priority, and waits for them.
+// Resizes `picture`: each new pixel is the mean of the area that it covers, with exact weights.
+// Only for RGB32 and ARGB32_Premultiplied. Uses only the calling thread. QImage::scaled() would
+// divide the work among threads of Qt's global pool, which run at the interface's priority, and
+// wait for them.
 QImage areaAveraged(const QImage& picture, QSize size);

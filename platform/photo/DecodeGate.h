@@ -6,14 +6,14 @@
 #include <mutex>
 #include <utility>
 
-// Limits the memory of all decoders together: each enters with the bytes that it will need.
-// Decoders start in the order in which they came, while the sum stays within the budget; one that
-// needs more than the budget runs alone.
+// Limits the memory of all decoders together. Each decoder calls enter() with the bytes that it
+// will need, and waits there until the sum is within the budget. Decoders enter in the order of
+// their calls. One that needs more than the whole budget runs alone.
 class DecodeGate {
 public:
     explicit DecodeGate(qint64 budget) : m_budget(budget) {}
 
-    // Counts its bytes against the budget until it is destroyed; the gate must outlive it.
+    // Counts its bytes against the budget until it is destroyed. The gate must outlive the pass.
     class Pass {
     public:
         Pass(Pass&& other) noexcept
@@ -22,7 +22,7 @@ public:
         }
         Pass& operator=(Pass&&) = delete;
         ~Pass();
-        void shrinkTo(qint64 bytes);    // gives the bytes above these back to the budget
+        void shrinkTo(qint64 bytes);    // gives everything above `bytes` back to the budget
 
     private:
         friend class DecodeGate;

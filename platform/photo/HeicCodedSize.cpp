@@ -9,7 +9,7 @@ class BitReader {
 public:
     explicit BitReader(QByteArray bytes) : m_bytes(std::move(bytes)) {}
 
-    // `count` is at most 32. Reads zeros after the end.
+    // Reads `count` bits, at most 32; after the end of the bytes, zeros.
     quint32 bits(int count)
     {
         quint32 value = 0;
@@ -38,10 +38,12 @@ private:
     qsizetype m_at = 0;
 };
 
-// Width times height from a sequence parameter set. `unit` begins with its two-byte header.
+// Returns width times height from a sequence parameter set. `unit` begins with a header of two
+// bytes.
 qint64 codedPixels(QByteArray unit)
 {
-    // The encoder puts a 3 after two zeros, lest they look like the start of a unit.
+    // Removes the 3 that the encoder puts after two zero bytes, so that they do not look like the
+    // start of a unit.
     BitReader reader(unit.replace(QByteArray("\0\0\3", 3), QByteArray("\0\0", 2)));
     constexpr int unitHeader = 16, profileLength = 88, levelLength = 8;
     reader.skip(unitHeader + 4);
@@ -56,7 +58,7 @@ qint64 codedPixels(QByteArray unit)
     }
     if (layers > 0)
         reader.skip(qsizetype(2) * (8 - layers) + layerBits);
-    reader.number();    // id of the parameter set
+    reader.number();    // skips the id of the parameter set
     constexpr quint32 fullChroma = 3;
     if (reader.number() == fullChroma)
         reader.skip(1);

@@ -2,7 +2,8 @@
 
 #include <QByteArray>
 
-// Pixels of the largest picture that the decoder configurations (hvcC) of a HEIC file announce. The
-// decoder allocates that many, even where the container gives a smaller size. Parameter sets among
-// the compressed data are not read. The largest qint64 for more configurations than any photo has.
+// Number of pixels of the largest picture that the decoder configurations (hvcC) of a HEIC file
+// announce. The decoder allocates that many, even if the container announces a smaller size. Does
+// not read parameter sets among the compressed data. Returns the largest qint64 if there are more
+// configurations than any photo has.
 qint64 largestCodedPicture(const QByteArray& heic);

@@ -38,8 +38,8 @@ QByteArray rawProfile(const heif_image_handle* handle)
     return profile;
 }
 
-// The colour space of a profile that is given as code points (nclx). Broadcast curves are treated
-// as sRGB's, which they resemble.
+// The colour space of a profile that is stored as code points (nclx). The transfer curves of video
+// are treated like that of sRGB, which they resemble.
 QColorSpace codedSpace(const heif_image_handle* handle)
 {
     heif_color_profile_nclx* found = nullptr;
@@ -69,7 +69,7 @@ QImage readHeicPhoto(const QByteArray& bytes, QSize announced)
     const qint64 mostPixels = (announced.width() + block) * (announced.height() + block);
     if (largestCodedPicture(bytes) > mostPixels)
         return {};
-    constexpr int longestSide = 8000;    // of a square with the largest allowed area
+    constexpr int longestSide = 8000;    // side of a square with the largest allowed area
     const Context context(heif_context_alloc());
     heif_context_set_maximum_image_size_limit(context.get(), longestSide);
     if (heif_context_read_from_memory_without_copy(context.get(), bytes.constData(),

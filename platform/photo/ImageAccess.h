@@ -9,19 +9,20 @@
 #include <optional>
 #include <utility>
 
-// Access to photos that the user chose in an earlier run. Some systems give out bookmarks for that
-// and require access to be started and stopped around each use. Here a path is enough: the calls
-// exist so that callers look alike on all systems.
+// Access to photos that the user chose in an earlier run. On some systems, a program needs a
+// bookmark for that, and must start and stop the access around each use. In this implementation a
+// path is enough; the functions exist so that callers look the same on all systems.
 namespace ImageAccess {
 
-// Starts and stops access on this system. `start` returns false when there was nothing to start.
+// The functions that start and stop the access to a file. `start` returns false if there was
+// nothing to start.
 struct SecurityScope {
     std::function<bool(const QUrl&)> start = [](const QUrl&) { return false; };
     std::function<void(const QUrl&)> stop = [](const QUrl&) {};
 };
 
-// Runs `work` between start() and stop() of `scope`, and passes on its result or its exception.
-// When start() returns false, `work` runs all the same and stop() is not called.
+// Runs `work` between start() and stop() of `scope`, and passes on its result or its exception. If
+// start() returns false, `work` runs as well, but stop() is not called.
 template <typename Work>
 decltype(auto) withSecurityScope(const QUrl& url, Work&& work, const SecurityScope& scope = {})
 {
@@ -35,21 +36,19 @@ decltype(auto) withSecurityScope(const QUrl& url, Work&& work, const SecuritySco
 
 std::optional<QByteArray> bookmarkData(const QUrl& url);
 
-// The place the bookmark leads to now; `fallback` without a bookmark or when it leads nowhere.
+// The URL to which the bookmark leads now; `fallback` if there is no bookmark or it leads nowhere.
 QUrl resolvedURL(const QUrl& fallback, const std::optional<QByteArray>& bookmarkData);
 
-// Accepts the photo into `cache`, through its bookmark; nothing when it cannot be read. Waits for
-// the disk and the codec.
+// Calls PhotoCache::accept() for the photo at resolvedURL(). Returns nothing if it cannot be read.
+// Waits for the disk and the codec.
 std::optional<AcceptedPhoto> image(const QUrl& url, const std::optional<QByteArray>& bookmarkData,
                                    PhotoCache& cache);
 
-// Calls PhotoCache::identify() for a photo that comes into the batch, through its bookmark. Waits
-// for the disk.
+// Calls PhotoCache::identify() for the photo at resolvedURL(). Waits for the disk and the codec.
 std::optional<AcceptedPhoto>
 identified(const QUrl& url, const std::optional<QByteArray>& bookmarkData, PhotoCache& cache);
 
-// Calls PhotoCache::reopen() for a photo of an earlier run, through its bookmark. Waits for the
-// disk.
+// Calls PhotoCache::reopen() for the photo at resolvedURL(). Waits for the disk and the codec.
 std::optional<AcceptedPhoto>
 reopened(const QUrl& url, const std::optional<QByteArray>& bookmarkData, PhotoCache& cache);
 

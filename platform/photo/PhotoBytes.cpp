@@ -21,11 +21,12 @@ constexpr int firstFrame = 0xC0, firstRestart = 0xD0, startOfImage = 0xD8, endOf
 
 struct Segment {
     int marker;
-    qsizetype start, end;    // byte offsets; a scan ends before its compressed data
+    qsizetype start, end;    // byte offsets; the segment of a scan ends before the compressed data
 };
 
-// Skips stray bytes between segments, as libjpeg does. Skips markers below firstFrame too: libjpeg,
-// seeking a restart in damaged data, does not read their length.
+// Finds the next segment from `from` on. Skips stray bytes between segments, as libjpeg does. Also
+// skips markers below firstFrame and does not read a length after them, as libjpeg does when it
+// searches damaged data for a restart marker.
 std::optional<Segment> nextSegment(const QByteArray& jpeg, qsizetype from)
 {
     for (qsizetype at = jpeg.indexOf('\xFF', from); at >= 0 && at + 1 < jpeg.size();
@@ -51,7 +52,8 @@ bool isColourProfile(const QByteArray& jpeg, const Segment& segment)
     return segment.marker == Marker::app2 && body.startsWith("ICC_PROFILE");
 }
 
-// Whether a chunk stays small once inflated: libpng inflates a profile before it checks what it is.
+// Whether a chunk stays small when inflated. Inflates a profile to find out, because libpng
+// inflates it before any check of its contents.
 bool isBounded(QByteArrayView name, QByteArrayView data)
 {
     constexpr qsizetype longest = 1 << 20;
@@ -60,7 +62,8 @@ bool isBounded(QByteArrayView name, QByteArrayView data)
     const qsizetype title = data.indexOf('\0');
     if (title < 0 || title + 2 > data.size())
         return false;
-    const QByteArrayView compressed = data.sliced(title + 2);    // after the compression method
+    // The title is followed by a zero byte and the compression method.
+    const QByteArrayView compressed = data.sliced(title + 2);
     const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>
         inflater(libdeflate_alloc_decompressor(), &libdeflate_free_decompressor);
     const auto profile = std::make_unique_for_overwrite<char[]>(largestProfile);
@@ -114,11 +117,12 @@ int scanCount(const QByteArray& jpeg)
 
 std::optional<QByteArray> neededChunks(QByteArray png)
 {
-    constexpr qsizetype around = 12;    // bytes of length, name and checksum
+    constexpr qsizetype around = 12;    // bytes of a chunk's length, name and checksum
     char* const bytes = png.data();
     qsizetype at = 8, kept = 8;
     bool hasData = false;
-    // The optional chunks to keep, each once: removeOne() makes a repeated chunk unwanted.
+    // The optional chunks to keep, each once: removeOne() below makes the second chunk of a name
+    // unwanted.
     QByteArrayList wanted{"tRNS", "iCCP", "sRGB", "gAMA", "cHRM", "sBIT", "bKGD", "pHYs", "eXIf"};
     while (png.size() - at >= around) {
         const qint64 length = qFromBigEndian<quint32>(bytes + at);

@@ -9,7 +9,7 @@ namespace {
 
 constexpr qint64 kilobyte = 1024;
 
-// Kilobytes of a picture with 32 bits per pixel.
+// Size in kilobytes of a picture with 32 bits per pixel.
 qsizetype costOf(QSize size)
 {
     return qsizetype(qint64(size.width()) * size.height() * 4 / kilobyte + 1);
@@ -88,7 +88,7 @@ std::optional<AcceptedPhoto> PhotoCache::reopen(const QString& path)
     if (auto known = m_disk.loadFacts(m_disk.fileFor(path)))
         return known;
     if (!info->reducible) {
-        // For formats other than JPEG, only decoding tells the upright size.
+        // For formats other than JPEG, only decoding shows the upright size.
         if (auto accepted = accept(path))
             return accepted;
     }
@@ -156,8 +156,8 @@ void PhotoCache::keep(const Key& key, const QImage& image)
     shelf(key).insert(key, std::make_unique<QImage>(image).release(), costOf(image.size()));
 }
 
-// A thread that asks for the picture another thread is making waits for it. If that one fails, the
-// next thread tries itself.
+// Returns the picture for `key` from memory, or calls `make` and stores the result. If another
+// thread is already making that picture, waits for it; if that thread fails, calls `make` here.
 QImage PhotoCache::findOrMake(const Key& key, const std::function<QImage()>& make)
 {
     {

@@ -10,8 +10,8 @@
 #include <functional>
 #include <mutex>
 
-// A photo in the cache: its path, and the digest of its bytes when it was accepted. Without a
-// digest, the photo is whatever lies at the path.
+// Identifies a photo by its path and the digest of its bytes when it was accepted. If `digest` is
+// empty, any photo at that path is meant.
 struct PhotoId {
     QString path;
     QByteArray digest;
@@ -19,39 +19,45 @@ struct PhotoId {
 };
 
 // The only source of the pixels of photos. Proxies (photos decoded at a level) and thumbnails each
-// have a budget in bytes of memory; the least recently used go first. Safe from any thread. "Waits"
-// means for the disk, memory and the codec: not on the interface thread.
+// have a budget in bytes of memory; the least recently used are dropped first. Safe from any
+// thread. "Waits" in a comment below means: for the disk, the DecodeGate and the codec, so not for
+// the interface thread.
 class PhotoCache {
 public:
     explicit PhotoCache(QString thumbnailFolder, qint64 proxyBudget = qint64(128) << 20,
                         qint64 thumbnailBudget = qint64(64) << 20);
 
-    // Accepts a photo as acceptPhoto() does, or reads its thumbnail on disk if the file has not
-    // changed since. Waits.
+    // Does the same as acceptPhoto(), but takes the result from the thumbnail on disk if the photo
+    // has not changed since. Waits.
     std::optional<AcceptedPhoto> accept(const QString& path);
 
-    // Looks at a photo as identifyPhoto() does, or reads the facts that an earlier accept() or
-    // identify() stored if the file has not changed since. Waits.
+    // Does the same as identifyPhoto(), but takes the result from what an earlier accept() or
+    // identify() stored if the photo has not changed since. Waits.
     std::optional<AcceptedPhoto> identify(const QString& path);
 
-    // The facts of a photo accepted in an earlier run. Its digest is empty when only reading the
-    // whole file would give it. Nothing when the file is gone or is no photo any more. Waits;
-    // longest for a format that must be decoded to be known.
+    // Looks again at a photo that was accepted in an earlier run. The digest is empty for a JPEG
+    // without a thumbnail on disk, because the whole file would have to be read for it. Returns
+    // nothing if the file is gone or no longer a photo. Waits; longest for a format other than JPEG
+    // without a thumbnail on disk, because it must be decoded.
     std::optional<AcceptedPhoto> reopen(const QString& path);
 
-    // The digest of the file at `path` now; nothing when it is gone or no photo. It is remembered
-    // by size, time and inode, so a second call costs one look at the folder. Waits.
+    // The digest of the photo that is at `path` now; nothing if it is gone or not a photo.
+    // Remembers the digest until the file's size, time or inode changes, so a second call is fast.
+    // Waits.
     std::optional<QByteArray> contentOf(const QString& path);
 
-    // The thumbnail from memory, disk or decoding; null when the photo is gone, unreadable or has
-    // another digest by now. Waits.
+    // The thumbnail from memory or disk, or newly decoded. Null if the photo is gone, cannot be
+    // read or has another digest now. Waits.
     QImage thumbnail(const PhotoId& photo);
 
-    QImage cachedProxy(const PhotoId& photo, PhotoLevel level) const;    // of this level, or null
-    QImage anyProxy(const PhotoId& photo) const;    // the finest in memory, else the thumbnail
-    // The proxy from memory or decoding; null when the photo is gone, unreadable or has another
-    // digest. One larger than half of the memory budget is averaged down to `level` if the codec
-    // could not decode it reduced, and further while it exceeds the whole budget. Waits.
+    // The proxy of this level from memory, or null.
+    QImage cachedProxy(const PhotoId& photo, PhotoLevel level) const;
+    // The finest proxy in memory, else the thumbnail in memory, else null.
+    QImage anyProxy(const PhotoId& photo) const;
+    // The proxy from memory, or newly decoded. Null if the photo is gone, cannot be read or has
+    // another digest now. If the codec cannot decode the photo at `level`, a picture of more than
+    // half the memory budget is averaged down to that level. A picture that exceeds the whole
+    // budget is halved until it fits. Waits.
     QImage proxy(const PhotoId& photo, PhotoLevel level);
 
 private:
@@ -66,7 +72,7 @@ private:
         return qHashMulti(seed, key.path, key.digest, key.level);
     }
     struct Content {
-        QString file;    // ThumbnailStore::fileFor() when the digest was read
+        QString file;    // what ThumbnailStore::fileFor() returned when the digest was read
         QByteArray digest;
     };
     static Key keyOf(const PhotoId& photo, int level) { return {photo.path, photo.digest, level}; }

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Keeps sixteen bits per channel where a picture has them: linear light in eight would break into
+// Keeps sixteen bits per channel if the picture has them: with eight, linear light would show
 // bands.
 QImage inConvertibleFormat(QImage picture)
 {
@@ -24,8 +24,8 @@ QImage inConvertibleFormat(QImage picture)
     return picture;
 }
 
-// Works in strips too small for Qt to share out among the threads of its own pool: those run at the
-// interface's priority, and the other cores have photos of their own.
+// Converts in strips that are too small for Qt to divide among the threads of its global pool.
+// Those threads run at the interface's priority, and the other cores are busy with other photos.
 void convertByMatrix(QImage& picture, const QColorTransform& transform)
 {
     constexpr int stripPixels = 1 << 16;

@@ -24,8 +24,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 sharedBytes = 280'000'000;     // budget of all decodings together
-constexpr qint64 largestAlone = 600'000'000;    // limit of a decoding that runs alone
+constexpr qint64 sharedBytes = 280'000'000;     // bytes; budget of all decodings together
+constexpr qint64 largestAlone = 600'000'000;    // bytes; limit of a decoding that runs alone
 
 DecodeGate& gate()
 {
@@ -54,8 +54,8 @@ const char* readerName(PhotoFormat format)
     return "";
 }
 
-// libtiff writes its warnings to standard error. Only Qt's plugin links it, so there is no header
-// here: the two functions that set its handlers are looked up by name.
+// Stops libtiff from writing warnings to standard error. Only Qt's plugin links libtiff, so the two
+// functions that set its handlers are looked up by name.
 void silenceTiff()
 {
     static std::once_flag once;
@@ -89,7 +89,8 @@ int webpOrientation(const QByteArray& bytes)
     return orientation;
 }
 
-// Formats without an orientation, or whose reader turns the picture, count as upright.
+// The EXIF orientation that must still be applied after reading. It is 1 (upright) for formats
+// without an orientation and for those whose reader applies it.
 int orientationOf(const PhotoHeader& header, const QByteArray& bytes)
 {
     return header.format == PhotoFormat::webp ? webpOrientation(bytes) : header.orientation;
@@ -113,8 +114,8 @@ QImage uprightFrom(QImage image, int orientation)
     return degrees ? image.transformed(QTransform().rotate(degrees)) : image;
 }
 
-// The facts of a photo before its pixels; the upright size for a JPEG. Other formats are decoded
-// whole, so the level chosen from their size changes nothing.
+// The PhotoInfo that the header gives. The size is upright only for a JPEG. Other formats are
+// always decoded at full size, so the level chosen from their size does not matter.
 PhotoInfo infoBeforeDecoding(const PhotoHeader& header)
 {
     return {isTurned(header.orientation) ? header.size.transposed() : header.size,
@@ -124,7 +125,7 @@ PhotoInfo infoBeforeDecoding(const PhotoHeader& header)
 std::optional<DecodedPhoto> readWithQt(const PhotoHeader& header, QByteArray bytes,
                                        PhotoLevel level)
 {
-    // Qt's default limit is lower than the gate's.
+    // Raises Qt's memory limit for pictures, which is lower than largestAlone by default.
     static std::once_flag once;
     std::call_once(once, [] { QImageReader::setAllocationLimit(int(largestAlone >> 20)); });
     if (header.format == PhotoFormat::tiff)
@@ -156,7 +157,7 @@ std::optional<DecodedPhoto> readWithQt(const PhotoHeader& header, QByteArray byt
     return DecodedPhoto{info, inSrgb(std::move(image)), nullptr};
 }
 
-// The bytes of a photo and the gate's pass for decoding them.
+// A photo that is ready to be decoded: its bytes, and the pass for the memory that decoding takes.
 struct OpenPhoto {
     PhotoHeader header;
     PhotoLevel level;
@@ -164,14 +165,14 @@ struct OpenPhoto {
     QByteArray bytes;
 };
 
-// Copies of the file's bytes in memory. Most readers take them a strip or a row at a time; these
-// two copy them whole.
+// Number of copies of the whole file in memory during decoding. The readers of WebP and HEIC make a
+// second one; the others read a strip or a row at a time.
 int copiesOfFile(PhotoFormat format)
 {
     return format == PhotoFormat::webp || format == PhotoFormat::heic ? 2 : 1;
 }
 
-// Whether the header gives the upright size: other formats keep their orientation behind it.
+// Whether the header gives the upright size. For other formats, only decoding shows it.
 bool isSizeInHeader(PhotoFormat format)
 {
     return format == PhotoFormat::jpeg || format == PhotoFormat::png || format == PhotoFormat::bmp;
@@ -213,7 +214,7 @@ std::optional<DecodedPhoto> decodeHeic(const PhotoHeader& header, const QByteArr
     return DecodedPhoto{{image.size(), false}, image, nullptr};
 }
 
-// Decodes the photo. Its pass shrinks to the bytes of the picture and goes along as `share`.
+// Decodes the photo. Afterwards its pass counts only the bytes of the picture and becomes `share`.
 std::optional<DecodedPhoto> decode(OpenPhoto photo)
 {
     auto decoded = photo.header.format == PhotoFormat::heic

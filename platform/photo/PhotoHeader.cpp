@@ -43,7 +43,7 @@ T number(const QByteArray& bytes, qsizetype offset, bool isBigEndian)
     return isBigEndian ? big<T>(bytes, offset) : little<T>(bytes, offset);
 }
 
-// A size from 32-bit fields of a file; invalid when a side is longer than any photo's.
+// A size from 32-bit fields of a file; invalid if a side is longer than that of any photo.
 QSize sizeFrom(quint32 width, quint32 height)
 {
     constexpr quint32 largest = 1 << 24;
@@ -60,8 +60,8 @@ bool readJpegFrame(const QByteArray& frame, qint64 offset, PhotoHeader& header)
     header.workingBytes = pixels(header.size) * 2 * components;
     header.bytesPerPixel = components == 1 ? 1 : 4;
 
-    // With odd ratios of sampling (2 of 3), a larger announced size could ask for more blocks than
-    // the file holds; then the size must not be padded.
+    // If the sampling factor of a component does not divide the largest one (as 2 and 3), a padded
+    // size could require more blocks than the file contains, so the size must not be padded.
     const auto factors = [&](int i) { return uchar(frame[7 + 3 * i]); };
     int largestAcross = 1, largestDown = 1;
     for (int i = 0; i < components; ++i) {
@@ -86,7 +86,7 @@ std::optional<PhotoHeader> readJpeg(QIODevice& file)
     int frameComponents = 0;
     bool hasExif = false;
     for (int segment = 0; segment < mostSegments; ++segment) {
-        // Stray bytes before a marker are passed over, as libjpeg does.
+        // Skips stray bytes before a marker, as libjpeg does.
         if (at > longestHead || !file.seek(at))
             return {};
         const QByteArray ahead = file.read(4096);
@@ -121,13 +121,13 @@ std::optional<PhotoHeader> readJpeg(QIODevice& file)
             frameComponents = uchar(body[5]);
             const bool progressive = (marker & 3) == 2;
             if (progressive)
-                frameComponents = 5;    // no scan can hold all of them
+                frameComponents = 5;    // a progressive JPEG never has all its data in one scan
         } else if (marker == 0xDA) {
             const QByteArray body = bytesAt(file, at + 2, 1);
             if (body.isEmpty() || !frameComponents)
                 return {};
             if (uchar(body[0]) >= frameComponents)
-                header.workingBytes = 0;    // one scan holds all: no coefficients are kept
+                header.workingBytes = 0;    // all in one scan: the codec stores no coefficients
             return header;
         } else if (marker == 0xE1 && !hasExif) {
             const QByteArray body = bytesAt(file, at + 2, length - 2);
@@ -153,7 +153,7 @@ std::optional<PhotoHeader> readPng(QIODevice& file)
                        .bytesPerPixel = depth == 16 ? 8 : 4};
 }
 
-// One number of a TIFF directory entry; 0 for types other than unsigned integers.
+// The number in a TIFF directory entry; 0 for types other than unsigned integers.
 quint64 tiffNumber(const QByteArray& entry, bool isBigEndian, qsizetype valueOffset)
 {
     switch (number<quint16>(entry, 2, isBigEndian)) {
@@ -169,7 +169,7 @@ quint64 tiffNumber(const QByteArray& entry, bool isBigEndian, qsizetype valueOff
     return 0;
 }
 
-// Byte order and lengths of the fields of a TIFF.
+// Byte order of a TIFF, and the lengths of its fields.
 struct TiffLayout {
     bool isBigEndian = false;
     bool isBig = false;    // BigTIFF: 64-bit offsets
@@ -177,7 +177,7 @@ struct TiffLayout {
     int countLength() const { return isBig ? 8 : 2; }
     int entryLength() const { return isBig ? 20 : 12; }
     int valueOffset() const { return isBig ? 12 : 8; }
-    int inlineShorts() const { return isBig ? 4 : 2; }    // as many as an entry itself has room for
+    int inlineShorts() const { return isBig ? 4 : 2; }    // 16-bit values that fit into an entry
     // Reads an offset, or a count of values.
     quint64 longNumber(const QByteArray& bytes, qsizetype offset) const
     {
@@ -190,7 +190,8 @@ struct TiffTags {
     quint64 width = 0, height = 0, tileWidth = 0, tileHeight = 0, bits = 1, samples = 1;
     quint64 rowsOfStrip = std::numeric_limits<quint64>::max();
 
-    // libtiff allocates one strip or one tile; a tile's size has nothing to do with the photo's.
+    // Size of the buffer that libtiff allocates for one strip or one tile. A tile may be larger
+    // than the photo.
     quint64 bufferPixels() const
     {
         return std::max(tileWidth * tileHeight, width * std::min(rowsOfStrip, height));
@@ -215,7 +216,7 @@ constexpr std::array tiffTags{
     std::pair(quint16(323), &TiffTags::tileHeight),
 };
 
-// `entries`: the bytes of a directory.
+// `entries` contains the bytes of a directory.
 TiffTags readTiffTags(QIODevice& file, const QByteArray& entries, const TiffLayout& layout)
 {
     TiffTags tags;
@@ -227,8 +228,8 @@ TiffTags readTiffTags(QIODevice& file, const QByteArray& entries, const TiffLayo
         if (known == tiffTags.end())
             continue;
         tags.*known->second = tiffNumber(entry, layout.isBigEndian, layout.valueOffset());
-        // Bit depths that do not fit into the entry lie elsewhere in the file; all channels have
-        // one depth.
+        // If the bit depths of the channels do not fit into the entry, the entry contains their
+        // position in the file. The first of them counts for all channels.
         if (tag == bitsTag && layout.longNumber(entry, 4) > quint64(layout.inlineShorts())) {
             const QByteArray first =
                 bytesAt(file, qint64(layout.longNumber(entry, layout.valueOffset())), 2);
@@ -286,8 +287,8 @@ std::optional<PhotoHeader> readWebp(QIODevice& file)
     return header;
 }
 
-// The start of the top-level box `meta`, which may stand behind the coded pictures; empty without
-// one.
+// The bytes from the top-level box `meta` on, at most 1 MB. That box may come after the coded
+// pictures. Empty if there is none.
 QByteArray heicProperties(QIODevice& file)
 {
     constexpr qint64 longestProperties = 1 << 20;
@@ -299,7 +300,8 @@ QByteArray heicProperties(QIODevice& file)
             return {};
         if (start.mid(4) == "meta")
             return file.seek(at) ? file.read(longestProperties) : QByteArray();
-        // 1 stands for a size in 64 bits behind the type, 0 for the rest of the file.
+        // A size of 1 means that a 64-bit size follows the type; 0 means that the box is the rest
+        // of the file.
         quint64 size = big<quint32>(start, 0);
         if (size == 1) {
             const QByteArray large = bytesAt(file, at + 8, 8);
@@ -312,7 +314,8 @@ QByteArray heicProperties(QIODevice& file)
     return {};
 }
 
-// The largest picture the properties of the container announce: the photo, or a tile of it.
+// Takes the largest of the picture sizes (`ispe`) that the container announces: that of the photo
+// or of one of its tiles.
 std::optional<PhotoHeader> readHeic(QIODevice& file)
 {
     const QByteArray bytes = heicProperties(file);
@@ -337,7 +340,7 @@ std::optional<PhotoHeader> readBmp(QIODevice& file)
     if (little<quint32>(bytes, 14) == 12) {
         header.size = QSize(little<quint16>(bytes, 18), little<quint16>(bytes, 20));
     } else {
-        const qint32 height = little<qint32>(bytes, 22);    // negative: the rows run downwards
+        const qint32 height = little<qint32>(bytes, 22);    // negative if the top row comes first
         header.size = sizeFrom(little<quint32>(bytes, 18),
                                height < 0 ? 0U - quint32(height) : quint32(height));
     }
@@ -397,7 +400,7 @@ std::optional<PhotoHeader> readPhotoHeader(QIODevice& file)
 
 int exifOrientation(QByteArray exif)
 {
-    constexpr qsizetype nameLength = 6;    // "Exif" and two zeros, seldom there in a WebP
+    constexpr qsizetype nameLength = 6;    // "Exif" and two zeros, which a WebP seldom has
     if (exif.startsWith("Exif"))
         exif.remove(0, nameLength);
     const bool isBigEndian = exif.startsWith("MM");
@@ -433,7 +436,8 @@ PhotoLevel affordableLevel(const PhotoHeader& header, PhotoLevel wanted)
 
 qint64 decodingBytes(const PhotoHeader& header, PhotoLevel level)
 {
-    // Two pictures: the codec's, and its copy with 32 bits per pixel, in sRGB or rotated.
+    // Counts two pictures: that of the codec, and a copy with 32 bits per pixel that is converted
+    // to sRGB or rotated.
     const qint64 decoded = pixels(sizeAtLevel(header.size, level));
     return header.workingBytes + decoded * (header.bytesPerPixel + 4);
 }

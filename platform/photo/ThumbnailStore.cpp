@@ -34,8 +34,8 @@ QString suffix()
     return u".thumbnail"_qs;
 }
 
-// "1 6016 4016 reducible <digest in hexadecimal>": version of this line, upright size, whether the
-// photo decodes reduced, digest.
+// "1 6016 4016 reducible <digest in hexadecimal>": version of this format, upright size, whether
+// the photo can be decoded at a reduced size, digest.
 QString describe(const AcceptedPhoto& photo)
 {
     return u"1 %1 %2 %3 %4"_qs.arg(photo.info.size.width())
@@ -58,7 +58,8 @@ std::optional<AcceptedPhoto> described(const QString& text)
     return photo;
 }
 
-// Readers make a grey picture of a JPEG that was cut short, so each file ends with a checksum.
+// Each file ends with a checksum, because readers of a JPEG that was cut short fill the rest with
+// grey.
 quint32 checksum(const QByteArray& bytes, qsizetype length)
 {
     return libdeflate_crc32(0, bytes.constData(), std::size_t(length));
@@ -118,7 +119,7 @@ ThumbnailStore::ThumbnailStore(QString folder, qint64 budget)
     : m_folder(std::move(folder)), m_budget(budget)
 {
     QDir().mkpath(m_folder);
-    // Other users of the machine must not see the photos.
+    // Other users of the machine must not see the thumbnails.
     QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
@@ -152,7 +153,7 @@ void ThumbnailStore::save(const QString& file, const AcceptedPhoto& photo)
         return;
     }
     QImage picture = photo.thumbnail;
-    picture.setColorSpace({});    // always sRGB: a profile in each file would double its size
+    picture.setColorSpace({});    // always sRGB, and a profile would double the size of the file
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
@@ -163,7 +164,7 @@ void ThumbnailStore::save(const QString& file, const AcceptedPhoto& photo)
         write(file, bytes);
 }
 
-// Writes without flushing to the disk: a thumbnail damaged by a crash is made again.
+// Does not wait until the file is on the disk: if a crash damages it, the thumbnail is made again.
 void ThumbnailStore::write(const QString& file, QByteArray bytes)
 {
     appendChecksum(bytes);

@@ -5,17 +5,17 @@
 #include <atomic>
 #include <limits>
 
-// Thumbnails on disk: one small picture per photo, with the photo's facts inside its file. A
-// damaged file counts as absent and is written again. Safe from any thread.
+// Stores thumbnails on disk: one file per photo, which also contains the photo's PhotoInfo and
+// digest. A damaged file counts as missing. Safe from any thread.
 class ThumbnailStore {
 public:
     explicit ThumbnailStore(QString folder, qint64 budget = 200'000'000);
 
-    // The thumbnail's file for a photo as it lies on disk now: its name changes with the photo's
-    // size, time and inode. Empty when the photo is gone.
+    // The path of the thumbnail for the photo file `photo`. It depends on the size, time and inode
+    // of that file, so a changed photo has another thumbnail. Empty if the photo does not exist.
     QString fileFor(const QString& photo) const;
     std::optional<AcceptedPhoto> load(const QString& file) const;
-    // Reads the file without decoding its picture, in a fraction of the time.
+    // Reads only the PhotoInfo and the digest, which takes a fraction of the time.
     std::optional<AcceptedPhoto> loadFacts(const QString& file) const;
     // Without a thumbnail, only the facts are written: load() then finds nothing.
     void save(const QString& file, const AcceptedPhoto& photo);
@@ -25,9 +25,9 @@ private:
 
     QString m_folder;
     qint64 m_budget;    // bytes
-    // Starts high, so that the first write of a run prunes what earlier runs left.
+    // Starts high, so that the first save() of a run starts a pruning.
     std::atomic<qint64> m_writtenSincePruning = std::numeric_limits<qint64>::max() / 2;
 };
 
-// Removes the oldest thumbnails until the folder holds at most `budget` bytes.
+// Removes the oldest thumbnails until those in the folder take at most `budget` bytes.
 void pruneThumbnails(const QString& folder, qint64 budget);

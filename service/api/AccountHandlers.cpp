@@ -166,8 +166,8 @@ ServiceReply requestPasswordReset(Visit& visit)
     Transaction transaction(service.database());
     const QByteArray token = givePass(transaction, PassPurpose::passwordReset, account->id, {},
                                       {service.now(), resetLife});
-    // The pass is committed only once its mail is stored: without the mail it would stay valid for
-    // an hour, of use to nobody.
+    // Commits the pass only after its mail is stored: a pass without a mail would stay valid for an
+    // hour, of use to nobody.
     if (!storeMail(service.folder(u"correo"_s), account->email, u"Crea una nueva contraseña"_s,
                    u"Hola:\n\nAlguien ha pedido una nueva contraseña para la cuenta %1.\n"
                    "Abre este enlace durante la próxima hora para crear una nueva contraseña:\n\n"

@@ -22,8 +22,8 @@ std::optional<SocialFormat> knownFormat(const QString& name)
     return byTitle ? byTitle : fromTemplateKey(name);
 }
 
-// Counts the objects in valid JSON. Reading a record silently drops entries of a list that do not
-// parse, so the count shows whether an image was dropped, which the post would lack without a word.
+// Counts the objects in valid JSON. wireBody() silently drops list entries that do not parse; the
+// count shows whether it has dropped an image.
 int objectsIn(QByteArrayView json)
 {
     int count = 0;
@@ -62,8 +62,8 @@ ServiceReply showCopyConfig(Visit& visit)
     return wireReply(config);
 }
 
-// Leaves the reserved credits refundable: a client whose reply was lost on the way does not know
-// whether there was one, and must not pay for texts it never saw.
+// Leaves the reserved credits refundable: a client that lost the reply on the way must not pay for
+// texts that it never saw.
 ServiceReply generateCopy(Visit& visit)
 {
     Service& service = visit.service;
@@ -79,8 +79,8 @@ ServiceReply generateCopy(Visit& visit)
     const PreparedCopyOrder order =
         preparedCopyOrder(service.copyProvider(), {given.objective, *format, given.mimeType,
                                                    std::exchange(given.imageBase64, {})});
-    visit.request
-        .releaseBody();    // or requests waiting for this memory would wait for the provider
+    // Other requests may be waiting for this memory: they should not wait for the provider as well.
+    visit.request.releaseBody();
     const GeneratedCopy copy = forwardCopyOrder(order, service.isEnding());
     const QByteArray reply = toWire(SocialCopyGenerateResponse{.ok = true, .copy = copy});
     Transaction transaction(service.database());

@@ -95,8 +95,8 @@ std::optional<uint> askedOwner(const End& theirs, const End& ours)
                             ::recv(system, &answer, sizeof(answer), MSG_DONTWAIT) >=
                                 ssize_t(sizeof(answer.head) + sizeof(answer.found));
     ::close(system);
-    // Without such a connection the kernel answers with the socket that listens at the port of
-    // `theirs`.
+    // Checks the port in the answer: if the connection does not exist, the kernel answers with a
+    // socket that listens on the port of `theirs`.
     if (!isAnswered || answer.head.nlmsg_type != SOCK_DIAG_BY_FAMILY ||
         answer.found.id.idiag_dport != wanted.idiag_dport)
         return std::nullopt;
@@ -117,7 +117,7 @@ QByteArray written(const End& end, bool asVersion6)
     return text + ':' + QByteArray::number(end.port, 16).rightJustified(4, '0').toUpper();
 }
 
-// Searches /proc/net/tcp or /proc/net/tcp6 for the user; reads all of it in the worst case.
+// Finds the user in /proc/net/tcp or /proc/net/tcp6; reads the whole file in the worst case.
 std::optional<uint> readOwner(bool ofVersion6, const End& theirs, const End& ours)
 {
     constexpr int userColumn = 7, inodeColumn = 9;
@@ -143,7 +143,7 @@ ConnectionPeer peerOf(int socket)
     const End theirs = endOf(socket, &::getpeername), ours = endOf(socket, &::getsockname);
     const bool isLoopback = theirs.address.isLoopback();
     auto user = askedOwner(theirs, ours);
-    // Some kernels do not answer askedOwner(); /proc names the user, too.
+    // Falls back to /proc, because some kernels do not answer askedOwner().
     if (!user && isLoopback && theirs.isVersion4())
         user = readOwner(false, theirs, ours);
     if (!user && isLoopback)

@@ -4,9 +4,9 @@
 
 // The program at the other end of a connection, as far as the system knows it.
 struct ConnectionPeer {
-    // "user 1000" for a program of this machine, "loopback" when its user is unknown, else the
-    // address. Limits per source are counted by it; the address alone would not do, since one user
-    // has many addresses on loopback.
+    // "user 1000" for a program on this machine, "loopback" if its user is unknown, else the IP
+    // address. Limits count per source: with limits per address, a user could evade them by
+    // connecting from many loopback addresses.
     QString source;
     bool isOwnUser = false;    // runs on this machine, as the user that the service runs as
 };

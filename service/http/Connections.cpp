@@ -5,7 +5,7 @@
 
 namespace {
 
-// In connections. From mostAtEase on, one that is not busy is ended for each new one.
+// Numbers of connections. From `mostAtEase` on, each new connection ends one that is not busy.
 constexpr int mostAtEase = 192, mostOfOneSource = 64;
 
 }    // namespace
@@ -71,7 +71,7 @@ void Connections::makeRoom()
     const auto counts = [](const auto& entry) { return !entry.second.isEnded; };
     if (std::ranges::count_if(m_all, counts) < mostAtEase)
         return;
-    // Busy connections are not ended here: their answers are under way.
+    // Ranks busy connections last and never ends them here: their answers are under way.
     const auto rank = [](const auto& entry) {
         const Connection& one = entry.second;
         return std::tuple(one.isEnded || one.state == State::busy, one.state, one.since);

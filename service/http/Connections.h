@@ -11,8 +11,8 @@
 
 #include <sys/socket.h>
 
-// The open sockets of the server and what each is doing, so that they can be ended: all of them
-// when the service ends; one that is not busy when there are too many.
+// The open sockets of the server and the state of each. They can be ended: all when the service
+// ends, one that is not busy when there are too many.
 class Connections {
 public:
     enum class State {
@@ -21,12 +21,13 @@ public:
         busy,
     };
 
-    // Returns false, and adds nothing, when the peer is not our own user and has its share of
-    // connections already. Ends a connection that is not busy when there are too many.
+    // Returns false, and adds nothing, if the peer is not our own user and already has as many
+    // connections as one source may have. Ends another connection, one that is not busy, when there
+    // are too many.
     bool add(int socket, const ConnectionPeer& peer);
     void remove(int socket);
-    // Returns whether `socket` is still open. If it has been ended, the request must not be carried
-    // out: the client could not receive the answer.
+    // Returns false if `socket` has been ended. Its request must then not be carried out, because
+    // the client could not receive the answer.
     bool setState(int socket, State state);
 
     void endWaiting();

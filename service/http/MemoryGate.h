@@ -9,9 +9,9 @@
 #include <optional>
 #include <set>
 
-// Shares out a budget of memory among passes: a pass gets its bytes while the sum stays within the
-// budget. The oldest pass that is still growing may exceed it; otherwise all could wait for memory
-// that the others hold.
+// Divides a memory budget among passes. A pass gets the bytes it asks for while the sum of all
+// passes stays within the budget. The oldest pass that is still growing may exceed the budget:
+// otherwise all passes could wait for memory that the others have.
 class MemoryGate {
 public:
     // grow() gives up after `patience`, and as soon as `isEnding` is true.
@@ -28,13 +28,13 @@ public:
         Pass(const Pass&) = delete;
         Pass& operator=(const Pass&) = delete;
 
-        [[nodiscard]] bool grow(qint64 bytes);    // waits for memory; false: refused
-        void stopGrowing();    // keeps the bytes, but ends growing: another pass becomes the oldest
+        [[nodiscard]] bool grow(qint64 bytes);    // waits for memory; false if it gave up
+        void stopGrowing();    // keeps the bytes; the next pass becomes the oldest
         void release();        // gives all bytes back
 
     private:
         MemoryGate& m_gate;
-        std::optional<quint64> m_number;    // in `m_growing`, while it is growing
+        std::optional<quint64> m_number;    // in `m_growing`; empty while the pass is not growing
         qint64 m_bytes = 0;
     };
 

@@ -5,10 +5,11 @@
 
 #include <httplib.h>
 
-// A connection that gives up on a client which sends or reads too slowly. The time spent waiting is
-// added up over the head of a request, over its body and over its answer. Each may take some
-// seconds plus a time that grows with its bytes, so that a client that sends a byte now and then
-// cannot hold its thread for long. The head has the least time, and a largest size.
+// A connection that gives up on a client that sends or reads too slowly. It adds up the time spent
+// waiting for the head of a request, for its body and for writing the answer, each by itself. Each
+// may take some seconds plus a time that grows with its bytes, so that a client that sends a byte
+// now and then cannot occupy a thread for long. The head gets the shortest time, and its size is
+// limited.
 class PacedStream final : public httplib::Stream {
 public:
     explicit PacedStream(socket_t socket) : m_socket(socket) {}
@@ -17,10 +18,10 @@ public:
     bool waitForRequest(std::chrono::milliseconds time);
     void beginRequest();
     void headHasEnded();
-    // The bytes of the request's body that read() has handed out.
+    // The number of bytes of the request's body that read() has returned.
     size_t bodyBytes() const { return m_taken; }
-    // Reads what the client still sends, for a second at most. Closing a socket with unread bytes
-    // would reset the connection, and the client might lose the answer.
+    // Reads and drops what the client still sends, for a second at most. Closing a socket with
+    // unread bytes would reset the connection, and the client might lose the answer.
     void drain();
 
     bool is_readable() const override;
@@ -41,7 +42,7 @@ private:
 
     socket_t m_socket;
     std::array<char, 16384> m_buffer{};
-    size_t m_begin = 0, m_end = 0;    // the bytes of `m_buffer` that read() has not handed out
+    size_t m_begin = 0, m_end = 0;    // the part of `m_buffer` that read() has not returned yet
     bool m_inHead = true;
     size_t m_taken = 0;
     mutable Pace m_reading, m_writing;

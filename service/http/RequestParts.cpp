@@ -94,7 +94,8 @@ std::optional<QString> ownHost(const httplib::Request& request, const QString& t
     const QString host = headerOf(request, "Host").toLower();
     const QUrl url(u"http://"_s + host, QUrl::StrictMode);
     const QHostAddress address = plain(url.host());
-    // Of addresses, only loopback and the one that the connection came in on are ours.
+    // A numeric address is ours only if it is a loopback address, `toldHost`, or the address that
+    // the connection came in on.
     const bool isOurs =
         url.host() == u"localhost" || address.isLoopback() ||
         (!isWildcard(address) &&

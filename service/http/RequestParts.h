@@ -6,7 +6,7 @@
 
 #include <optional>
 
-// Parts of the HTTP library's request, in our own types.
+// Functions that read the HTTP library's request into our own types.
 
 QString headerOf(const httplib::Request& request, const char* name);
 bool isType(const httplib::Request& request, const char* type);
@@ -19,9 +19,9 @@ std::optional<qint64> announcedBody(const httplib::Request& request);
 QHash<QByteArray, QByteArray> cookiesOf(const httplib::Request& request);
 QHash<QString, QString> fieldsOf(const QByteArray& encoded);
 
-// The Host header, if it names this service, which listens on `toldHost` and `port`; else nothing.
-// A foreign site can make its own name lead to this machine (DNS rebinding); browsers would then
-// treat our answers as its own.
+// The Host header if it names this service, which listens on `toldHost` and `port`; else nothing.
+// Protects against DNS rebinding: a foreign site can make its own name lead to this machine, and
+// browsers would then take our answers for answers of that site.
 std::optional<QString> ownHost(const httplib::Request& request, const QString& toldHost, int port);
 
 // Whether a proxy has forwarded the request, which may then come from any machine.

@@ -30,22 +30,22 @@ constexpr int waitingConnections = 512;
 constexpr qsizetype longestPath = 512;
 
 constexpr size_t largestBody = 161 << 20;
-// Budgets for the bytes of bodies while they are received and handled. Memory is left for the
-// oldest request, which may exceed its budget.
+// Memory budgets in bytes: for all bodies being received and for all bodies being handled. The
+// oldest request may exceed its budget, see MemoryGate.
 constexpr qint64 receivedAtOnce = 256 << 20, handledAtOnce = 128 << 20;
-// Handling a body takes `copiesOfBody` times its size: the text, the parsed text, the record and
-// the decoded contents. Bodies of up to `uncountedBody` bytes are not counted; larger ones are
-// received in steps of `bodyStep` bytes.
+// Handling a body takes `copiesOfBody` times its size in memory: for the text, the parsed text, the
+// record and the decoded contents. Bodies of up to `uncountedBody` bytes are not counted; larger
+// ones are received in steps of `bodyStep` bytes.
 constexpr qint64 copiesOfBody = 6, uncountedBody = 1 << 20, bodyStep = 1 << 20;
 constexpr auto waitForMemory = 20'000ms;
 
-// The socket and the client of the request that this thread serves.
+// The connection that this thread serves, and the program at its other end.
 thread_local socket_t servedSocket = INVALID_SOCKET;
 thread_local ConnectionPeer servedPeer;
-// Whether the client of that request can still receive an answer.
+// Whether the client of the thread's current request can still receive an answer.
 thread_local bool isHeard = true;
 
-// Returns freed memory to the system: glibc keeps pieces that are as small as those of a body.
+// Returns freed memory to the system: glibc would keep blocks as small as those of a received body.
 void giveMemoryBack()
 {
 #ifdef __GLIBC__
@@ -99,8 +99,8 @@ public:
             m_port = std::max(0, bind_to_any_port(host));
         if (m_port == 0)
             return false;
-        // The library's queue holds five connections; the system would make a sixth client wait a
-        // second.
+        // Lengthens the queue of connections not yet accepted. The library's holds five, and a
+        // sixth client would have to wait a second.
         ::listen(svr_sock_, waitingConnections);
         m_service.setAddress(address());
         m_threads.emplace(mostThreads, mostWaiting);
@@ -192,13 +192,13 @@ private:
                     stream.socket(),
                     announced == 0 ? Connections::State::busy : Connections::State::receiving);
                 isHeard = isOpen && !m_service.isEnding();
-                // A hostile client could make the library cut an answer into many ranges, or
-                // compress it.
+                // Drops the headers with which a hostile client could make the library cut an
+                // answer into many ranges, or compress it.
                 request.ranges.clear();
                 request.headers.erase("Accept-Encoding");
-                // Calls of the API get a connection each. A client that sends on a kept connection
-                // just as we close it cannot know whether the call was carried out, and calls move
-                // credits.
+                // Gives each call of the API a connection of its own. A client that sends a call on
+                // a kept connection just as we close it cannot know whether the call was carried
+                // out, and calls can move credits.
                 if (isApi(QString::fromStdString(request.path))) {
                     request.headers.erase("Connection");
                     request.headers.emplace("Connection", "close");
@@ -207,7 +207,8 @@ private:
             });
         if (qint64(stream.bodyBytes()) > uncountedBody)
             giveMemoryBack();
-        // An unread rest of the body would be taken for the next request.
+        // Closes the connection if the body was not read to its end: the library would take the
+        // rest of it for the next request.
         return isWhole && mayGoOn && !isClosed && announced && *announced >= 0 &&
                qint64(stream.bodyBytes()) == *announced;
     }
@@ -238,7 +239,7 @@ private:
             throw Refusal(400, "invalid_request", u"the length of the body"_s);
         result.method = *method;
         result.path = QString::fromStdString(request.path);
-        // A line end in the path would also slip past the pattern of the handlers.
+        // Refuses line breaks too, which the pattern "/.*" of the handlers does not match.
         if (result.path.size() > longestPath || !isPrintable(result.path))
             throw Refusal(404, "not_found");
         const auto host = ownHost(request, m_host, m_port);
@@ -256,8 +257,8 @@ private:
         return result;
     }
 
-    // Refuses what other sites can make a browser send us: a form to the API, or a request with
-    // their origin.
+    // Refuses requests that another site can make a browser send: a form to the API, or a request
+    // with that site's origin.
     static void checkSource(const httplib::Request& request, const ServiceRequest& result)
     {
         const QString origin = headerOf(request, "Origin"),
@@ -267,7 +268,8 @@ private:
             throw Refusal(415, "unsupported_media_type");
         if (request.has_header("Content-Encoding"))
             throw Refusal(415, "unsupported_media_type");
-        // Our pages send no referrer; browsers then say "null" as the origin of their forms.
+        // Our pages forbid the referrer, and browsers then send "null" as the origin of their
+        // forms.
         const bool isOwnOrigin = origin.isEmpty() || origin == result.base ||
                                  (isForm && origin == u"null" && site == u"same-origin");
         if (!isOwnOrigin || (!site.isEmpty() && site != u"same-origin" && site != u"none"))
@@ -310,7 +312,7 @@ private:
             m_connections.setState(servedSocket, Connections::State::busy);
             if (!isApi(result.path))
                 result.form = fieldsOf(result.body);
-            // Small bodies are not counted, so they never wait behind large ones.
+            // Small bodies are not counted, so that they never wait behind large ones.
             if (result.body.size() > uncountedBody &&
                 !handling.grow(result.body.size() * copiesOfBody))
                 throw Refusal(503, "service_busy");

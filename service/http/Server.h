@@ -6,9 +6,9 @@
 
 class Service;
 
-// Serves the routes of a service over HTTP. Refuses by itself: connections of other users to a
-// service that is for one user; clients that are too slow; requests for other hosts or from other
-// origins; bodies that are too large or of the wrong type.
+// Serves the routes of a service over HTTP. Also refuses connections of other users to a service
+// that is for one user; clients that are too slow; requests for other hosts or from other origins;
+// bodies that are too large or of the wrong type.
 class Server {
 public:
     // `host`: the address or name to listen on.

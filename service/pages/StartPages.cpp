@@ -17,8 +17,8 @@ Html mailRow(const MailEntry& mail)
                    tag("div", text(u"%1 · %2"_s.arg(mail.to, mail.date)), {{"class", u"nota"_s}}));
 }
 
-// The text of a mail with its link, which stands on a line of its own. The link gets the current
-// `base`: the service may have another port than when the mail was written.
+// The text of a mail as HTML. The line that holds a link becomes a link to the current `base`,
+// because the service's port may have changed since the mail was written.
 Html mailText(const MailEntry& mail, const QString& base)
 {
     static const QRegularExpression ours(u"^http://[^/]+(/restablecer\\?token=[A-Za-z0-9_-]+)$"_s);

@@ -48,7 +48,7 @@ void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& tex
 struct Options {
     QString data, host;
     QString administrator;         // only with `untilUnused`
-    QString namedAdministrator;    // if not empty: name that account and exit
+    QString namedAdministrator;    // if not empty: make that account administrator and exit
     int port = 0;
     bool untilUnused = false;
 };
@@ -130,8 +130,8 @@ bool somebodyAnswers(const QString& folder)
            socket.waitForReadyRead(1000);
 }
 
-// Takes the lock of the data folder. Waits for a service that is just ending, which will free it;
-// not for one that still answers.
+// Takes the lock of the data folder. Waits for a service that is ending and will free the lock, but
+// not for a service that still answers.
 std::unique_ptr<SystemLock> claimed(const QString& folder)
 {
     const QString file = QDir(folder).filePath(u"servicio.lock"_s);
@@ -160,7 +160,8 @@ QString portFile(const QString& folder)
     return QDir(folder).filePath(u"puerto"_s);
 }
 
-// The port of the last run. Listening at it again keeps pages usable that are open in a browser.
+// The port of the last run; 0 if unknown. Listening on it again keeps pages usable that are open in
+// a browser.
 int lastPort(const QString& file)
 {
     QFile kept(file);
@@ -199,8 +200,9 @@ QString sentence(const DatabaseError& error, const QString& folder)
         place, whyNotWritable(folder, QString::fromUtf8(error.what())));
 }
 
-// The sentence about a lost database, after setting aside what is left of it. Paid credits were in
-// it, so the user is told before the next start makes an empty one.
+// Sets aside what is left of a damaged or missing database, and returns the sentence that tells the
+// user. The user must learn of it before the next start creates an empty database, because the lost
+// one recorded paid credits.
 QString sentenceOfLoss(const DatabaseError& error, const QString& folder)
 {
     const bool wasDamaged = error.kind() == DatabaseError::Kind::damaged;
@@ -271,8 +273,8 @@ int serve(QCoreApplication& application, const Options& options)
     rendezvous.close();    // a program that connects now must find nobody and start another service
     const bool hasEnded = server.stop();
     service.database().checkpoint();
-    // Requests that have not ended are cut off: another service may be waiting to start, and what
-    // was acknowledged is on the disk.
+    // Cuts off requests that have not ended: another service may be waiting to start, and every
+    // confirmed change is on the disk.
     if (!hasEnded)
         ::_exit(result);    // frees the lock without waiting for threads
     return result;
@@ -310,12 +312,12 @@ int prepareAndServe(QCoreApplication& application, const Options& options)
 
 int main(int argc, char** argv)
 {
-    fixAllocatorThresholds();    // else freed memory of large posts would not return to the system
+    fixAllocatorThresholds();    // so that freed memory of large posts returns to the system
     qInstallMessageHandler(quietMessages);
     ignoreRelativeFolders();
     std::signal(SIGPIPE, SIG_IGN);
     QCoreApplication application(argc, argv);
-    // The studio's name: the service shares its data and configuration folders.
+    // The studio has the same name, so that the service shares its data and configuration folders.
     QCoreApplication::setApplicationName(u"moltiva"_s);
     Options options;
     switch (readOptions(QCoreApplication::arguments(), options)) {

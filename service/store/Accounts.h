@@ -10,7 +10,7 @@ class Transaction;
 struct Account {
     qint64 id = 0;
     QString publicId, email, fullName;
-    QByteArray passwordHash;    // empty: signs in with Google only
+    QByteArray passwordHash;    // empty if the user signs in with Google only
 };
 
 // The address trimmed and in lower case; nothing when it cannot be an email address.
@@ -27,8 +27,8 @@ Account addAccount(Transaction& transaction, const QString& email, const QByteAr
 // Throws Refusal for a name that is too long or holds control characters.
 void setFullName(Transaction& transaction, qint64 account, const QString& fullName);
 void setPassword(Transaction& transaction, qint64 account, const QByteArray& passwordHash);
-// Makes `account` the administrator, who alone may share templates. Whoever runs the service names
-// it.
+// Makes `account` the administrator, who may upload templates, in place of any earlier one. Only
+// the person who runs the service can do this, with an option of the program.
 void nameAdministrator(Transaction& transaction, const Account& account);
 bool isNamedAdministrator(Transaction& transaction, const Account& account);
 

@@ -17,7 +17,7 @@ constexpr int centsPerBlock = 100;
 
 QString orderNumber(qint64 number, qint64 created)
 {
-    // The year in local time, as on the invoice.
+    // Takes the year in local time, like the date on the invoice.
     return u"MOL-%1-%2"_s.arg(QDateTime::fromMSecsSinceEpoch(created).date().year())
         .arg(number, 6, 10, QLatin1Char('0'));
 }

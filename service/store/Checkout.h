@@ -27,17 +27,18 @@ struct Invoice {
 // 1000 credits are one euro.
 int priceInCents(int credits);
 
-// Returns the checkout's identifier, which cannot be guessed: whoever has it may open the page to
-// pay. Throws Refusal for an amount that is not sold.
+// Returns the checkout's identifier, which cannot be guessed: whoever has it may open the payment
+// page. Throws Refusal for an amount that is not sold.
 QString startCheckout(Transaction& transaction, qint64 account, int credits, qint64 now);
 std::optional<Checkout> checkoutWithId(Transaction& transaction, const QString& id);
 
-// Marks a checkout as paid, and adds its credits and its purchase at once: the buyer's program need
-// not confirm it. Does nothing when the checkout is not open.
+// Marks the checkout as paid and adds its purchase and credits immediately, without waiting for the
+// buyer's program to confirm it. Does nothing unless the checkout is open.
 void payCheckout(Transaction& transaction, const QString& id, qint64 now);
 void cancelCheckout(Transaction& transaction, const QString& id);
 
-// The purchases of an account, newest first. `base` begins the addresses of their invoices.
+// The purchases of an account, newest first. The addresses of their invoices begin with `base`, the
+// address of the service.
 QList<PurchaseHistoryItem> purchases(Transaction& transaction, qint64 account, const QString& base);
 std::optional<QUrl> invoiceAddress(Transaction& transaction, qint64 account,
                                    const QString& purchase, const QString& base);

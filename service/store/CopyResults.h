@@ -7,11 +7,11 @@
 
 class Transaction;
 
-// Replies to orders of texts, kept for a week. An order that comes again with its request
-// identifier gets its texts again.
+// Replies to requests for generated texts, stored for a week. A client that repeats its request
+// with the same identifier gets the stored reply.
 
 std::optional<QByteArray> copyResult(Transaction& transaction, qint64 account,
                                      const QString& requestId);
-// Keeps `reply`, unless one is kept for the request already. Returns the one that is kept.
+// Stores `reply`, unless a reply to the request is stored already. Returns the stored reply.
 QByteArray keepCopyResult(Transaction& transaction, qint64 account, const QString& requestId,
                           const QByteArray& reply, qint64 now);

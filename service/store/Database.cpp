@@ -57,8 +57,8 @@ void bind(sqlite3_stmt* statement, int place, const SqlValue& value)
 
 void createPrivately(const QString& name)
 {
-    // The file is made before SQLite opens it: SQLite gives its side files the permissions of the
-    // database.
+    // Creates the file before SQLite does, with access for its owner only: SQLite gives the files
+    // beside it (-wal, -shm) the permissions of the database.
     constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;
     QFile file(name);
     if (!file.exists() && !file.open(QIODevice::WriteOnly | QIODevice::NewOnly, owner))
@@ -122,7 +122,7 @@ Database::Database(const QString& file, Schema bringUpToDate, History history)
     const QFileInfo found(file);
     if (found.isDir())
         throw DatabaseError(DatabaseError::Kind::damaged, "a folder is in its place");
-    // SQLite would take an empty file for a new database and drop its log.
+    // Refuses an empty file: SQLite would take it for a new database and drop its write-ahead log.
     if (history == History::usedBefore && (!found.exists() || found.size() == 0))
         throw DatabaseError(DatabaseError::Kind::vanished, "nothing is left of it");
     createPrivately(file);
@@ -133,7 +133,7 @@ Database::Database(const QString& file, Schema bringUpToDate, History history)
             fail(m_handle);
         sqlite3_busy_timeout(m_handle, busyWait);
         run("PRAGMA journal_mode=WAL");
-        // Committed changes must outlive a power cut, not only the process.
+        // Committed changes must survive a power cut, not only a crash of the program.
         run("PRAGMA synchronous=FULL");
         run("PRAGMA foreign_keys=ON");
         Transaction transaction(*this);
@@ -156,8 +156,8 @@ QString setDatabaseAside(const QString& file)
     const QString name =
         file + QDateTime::currentDateTime().toString(QStringLiteral("'.apartada-'yyyyMMdd-HHmmss"));
     const QStringList from = withSideFiles(file), to = withSideFiles(name);
-    // The side files go first: SQLite would play a log that stays behind into a new file of that
-    // name.
+    // Renames the -wal and -shm files first: SQLite would apply a log left behind to a new database
+    // of that name.
     for (qsizetype i = from.size() - 1; i > 0; --i)
         QDir().rename(from[i], to[i]);
     return QDir().rename(from.first(), name) ? name : QString();

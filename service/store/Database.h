@@ -30,12 +30,12 @@ public:
 
 private:
     Kind m_kind;
-    QByteArray m_text;    // SQLite's message; holds no bound values
+    QByteArray m_text;    // SQLite's message or one of ours; contains no bound values
 };
 
 using SqlValue = std::variant<std::monostate, qint64, QString, QByteArray>;
 
-// The rows that a statement gives. next() must be called before reading the first one, too.
+// The rows that a statement returns. Call next() before reading each row, including the first.
 class Rows {
 public:
     explicit Rows(sqlite3_stmt* statement) : m_statement(statement) {}
@@ -55,19 +55,19 @@ private:
 
 class Transaction;
 
-// A SQLite file, used through SQLite's own interface and not Qt's: its connection may be used by
-// any thread, one at a time, and needs no application object. All threads share one connection
-// behind a lock. SQLite lets one transaction write at a time anyhow, and connections that wait for
-// each other do so by sleeping, which starves some.
+// A SQLite file. It is used through SQLite's own interface, not Qt's, because a connection of Qt
+// belongs to one thread and needs an application object. All threads share one connection behind a
+// lock: SQLite lets only one transaction write at a time anyway, and connections that wait for each
+// other sleep and retry, which starves some of them.
 class Database {
 public:
     enum class History { perhapsNew, usedBefore };
 
-    // Creates the tables that are missing.
+    // Creates the tables, or upgrades those of an older version.
     using Schema = void (*)(Transaction& transaction);
 
-    // Throws DatabaseError, also for a file that a newer version wrote, for one that is damaged
-    // anywhere, and, with History::usedBefore, for an empty or missing one.
+    // Throws DatabaseError for a file that cannot be opened, is damaged anywhere or was written by
+    // a newer version; with History::usedBefore, also for an empty or missing file.
     Database(const QString& file, Schema bringUpToDate, History history = History::perhapsNew);
     ~Database();
     Database(const Database&) = delete;
@@ -84,13 +84,14 @@ private:
     sqlite3* m_handle = nullptr;
 };
 
-// Renames the file and its side files within their folder. Returns the new name; an empty one when
-// there is no file or it could not be renamed. The file must not be open.
+// Renames the file and SQLite's files beside it (-wal, -shm) within their folder. Returns the
+// file's new path; empty when there is no file or it could not be renamed. The file must not be
+// open.
 QString setDatabaseAside(const QString& file);
 
-// A transaction that holds the database's lock. commit() makes its changes as a whole and returns
-// when they are on the disk; the destructor undoes what was not committed. Other threads wait
-// meanwhile, so nothing slow may happen inside.
+// Locks the database for its lifetime: other threads wait, so nothing slow may happen meanwhile.
+// commit() applies all changes together and returns when they are on the disk; the destructor
+// reverts changes that were not committed.
 class Transaction {
 public:
     explicit Transaction(Database& database);

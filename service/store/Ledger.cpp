@@ -28,7 +28,7 @@ void append(Transaction& transaction, qint64 account, const Entry& entry, qint64
                      entry.note, now});
 }
 
-// The latest reservation under a request identifier; `attempt` counts them from 1.
+// The latest reservation under a request identifier; `attempt` counts its reservations from 1.
 struct Reservation {
     qint64 attempt = 0;
     qint64 cost = 0;

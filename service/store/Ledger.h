@@ -6,10 +6,11 @@
 
 class Transaction;
 
-// Entries of credits are added and never changed. An account's balance is the sum of its entries,
-// never negative. Callers commit the transaction.
+// Entries of the ledger are added and never changed. An account's balance is the sum of the amounts
+// of its entries, and is never negative. Callers commit the transaction.
 
-inline constexpr qint64 largestBalance = 9'007'199'254'740'991;    // exact in any JSON reader
+// 2^53 - 1: any JSON reader reads integers up to it exactly.
+inline constexpr qint64 largestBalance = 9'007'199'254'740'991;
 inline constexpr int largestCost = 1'000'000;
 
 qint64 balance(Transaction& transaction, qint64 account);
@@ -19,9 +20,10 @@ void addWelcome(Transaction& transaction, qint64 account, qint64 now);
 void addPurchase(Transaction& transaction, qint64 account, int credits, const QString& order,
                  qint64 now);
 
-// A request identifier is open from its reservation to its refund. Reserving an open one again with
-// its cost, or refunding a refunded one again, changes nothing. Both throw Refusal: for another
-// cost, for a balance that is too small, for a refund without a reservation.
+// Reserve credits under a request identifier, and refund them. A reservation is open until its
+// refund. Repeating an open reservation or a refund with the same cost changes nothing. Both
+// functions throw Refusal for another cost, reserveCredits() also for too small a balance,
+// refundCredits() also without a reservation.
 void reserveCredits(Transaction& transaction, qint64 account, qint64 cost, const QString& requestId,
                     qint64 now);
 void refundCredits(Transaction& transaction, qint64 account, qint64 cost, const QString& requestId,

@@ -13,7 +13,7 @@ namespace {
 constexpr qsizetype mostShown = 50;
 constexpr qint64 largestMail = 64 * 1024;
 
-// Encodes the value of a header (RFC 2047): headers hold ASCII only.
+// Encodes the value of a header (RFC 2047), because headers may contain only ASCII.
 QByteArray headerText(const QString& text)
 {
     return "=?UTF-8?B?" + text.toUtf8().toBase64() + "?=";

@@ -5,7 +5,7 @@
 #include <QList>
 #include <QString>
 
-// Mails are not sent: they are files in a folder, which a page of the service shows.
+// Mails are not sent: they are stored as files in a folder, and a page of the service shows them.
 
 struct MailEntry {
     QString name;    // of the mail's file

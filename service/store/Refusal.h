@@ -5,7 +5,7 @@
 #include <exception>
 #include <utility>
 
-// An error reply. A handler throws it from any depth.
+// An error reply to a request, thrown by its handler or by any function that the handler calls.
 class Refusal : public std::exception {
 public:
     // `reason` is for a developer, never shown to users.
@@ -20,6 +20,6 @@ public:
 
 private:
     int m_status;
-    const char* m_code;    // a literal
+    const char* m_code;    // a string literal, not owned
     QString m_reason;
 };

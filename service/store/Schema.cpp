@@ -9,10 +9,10 @@ namespace {
 constexpr int schemaVersion = 3;
 
 // Times are milliseconds since 1970. Tokens of sessions and passes are stored as hashes. The
-// identifiers of pages (checkout, invoice, post) are secrets too, but stored as they are: links to
-// those pages are shown again.
+// identifiers of pages (checkout, invoice, post) are secrets too, but are stored as they are,
+// because the service shows links to those pages again.
 
-// Each entry carries the balance after it, as a bank statement does: reading a balance costs one
+// Each entry contains the balance after it, as in a bank statement: reading a balance takes one
 // row, and the sums can be checked.
 constexpr std::array ledgerTable{
     "CREATE TABLE ledger_entry (id INTEGER PRIMARY KEY AUTOINCREMENT,"
@@ -72,15 +72,15 @@ constexpr std::array accountTables{
 };
 
 constexpr std::array copyTables{
-    // Replies with texts paid for, kept for a client that lost the answer and asks again.
+    // Replies with paid texts, stored for a client that loses the reply and asks again.
     "CREATE TABLE copy_result (account INTEGER NOT NULL REFERENCES account,"
     " request_id TEXT NOT NULL, reply BLOB NOT NULL, created INTEGER NOT NULL,"
     " PRIMARY KEY (account, request_id)) STRICT, WITHOUT ROWID",
     "CREATE INDEX copy_result_age ON copy_result (created)",
 };
 
-// Versions before 3 limited a balance to 2,000,000,000: their entries move to a table without that
-// limit.
+// Versions before 3 limited a balance to 2,000,000,000. These statements move their entries to a
+// table without that limit.
 constexpr std::array ledgerAside{"ALTER TABLE ledger_entry RENAME TO narrow_entry"};
 constexpr std::array ledgerBack{
     "INSERT INTO ledger_entry SELECT * FROM narrow_entry ORDER BY id",

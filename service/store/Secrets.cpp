@@ -43,7 +43,7 @@ QByteArray forAddress(const QByteArray& bytes)
     return bytes.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
 }
 
-// Normalizes first: keyboards may send one letter as different code points.
+// Normalizes the password, because keyboards may send one letter as different code points.
 QByteArray passwordBytes(const QString& password)
 {
     return password.normalized(QString::NormalizationForm_C).toUtf8();

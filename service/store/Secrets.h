@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-// 32 random bytes as 43 characters that may stand in a URL.
+// 32 random bytes as 43 characters that are valid in a URL.
 QByteArray newToken();
 bool looksLikeToken(QByteArrayView text);
 
@@ -15,8 +15,10 @@ QByteArray newKey();
 QByteArray seal(const QByteArray& key, QByteArrayView text);
 bool sealFits(const QByteArray& key, QByteArrayView text, QByteArrayView seal);
 
-// A hash by Argon2id. Takes 64 MiB and some 100 ms; two are computed at once, further calls wait.
+// An Argon2id hash. Takes 64 MiB and about 100 ms. At most two are computed at once; further calls
+// wait.
 QByteArray hashedPassword(const QString& password);
-// An empty `hash` stands for an account without a password or no account at all: comparing it takes
-// as long, so that the time tells nothing, and returns false. Waits as hashedPassword() does.
+// Whether `password` has the hash `hash`. For an account without a password, or without an account,
+// pass an empty `hash`: the result is false, after the same time as for a wrong password, so that
+// the time reveals nothing. May wait like hashedPassword().
 bool passwordFits(const QByteArray& hash, const QString& password);

@@ -39,7 +39,7 @@ std::optional<qint64> sessionAccount(Transaction& transaction, QByteArrayView to
     Rows found = transaction.rows("SELECT account, last_used FROM session WHERE hash = ?", {hash});
     if (!found.next() || found.number(1) < now - sessionLife)
         return std::nullopt;
-    // Notes the use once an hour at most: each update writes to the disk.
+    // Records the use once an hour at most, because each update writes to the disk.
     if (found.number(1) < now - hour)
         transaction.run("UPDATE session SET last_used = ? WHERE hash = ?", {now, hash});
     return found.number(0);

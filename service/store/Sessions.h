@@ -8,12 +8,12 @@
 class Transaction;
 
 inline constexpr const char* sessionCookie = "tallerio_session";
-inline constexpr qint64 sessionDays = 30;    // without use; then the session ends
+inline constexpr qint64 sessionDays = 30;    // an unused session ends after so many days
 
 // Returns the session's token, of which only the hash is stored.
 QByteArray openSession(Transaction& transaction, qint64 account, qint64 now);
 
-// The account of a session that has not ended. Notes that the session was used.
+// The account of a session that has not ended. Records that the session was used.
 std::optional<qint64> sessionAccount(Transaction& transaction, QByteArrayView token, qint64 now);
 
 void endSession(Transaction& transaction, QByteArrayView token);

@@ -74,8 +74,8 @@ bool syncFolder(const QString& path)
     return isSynced;
 }
 
-// Writes the pictures. They are on the disk when it returns, because the post's row, written next,
-// names them.
+// Writes the pictures and returns when they are on the disk, because the database row of the post,
+// written next, refers to them.
 void writeImages(const QDir& posts, const QString& id, const QList<SocialPublishImage>& images)
 {
     constexpr auto owner = QFile::ReadOwner | QFile::WriteOwner;

@@ -11,13 +11,14 @@
 class Database;
 class Transaction;
 
-// Posts are not sent to the networks: they are kept on this machine and shown on a page.
+// Posts are not sent to the social networks: they are stored on this machine, and a page shows
+// them.
 
 struct SocialPost {
     QString id;    // cannot be guessed
     SocialNetwork network = SocialNetwork::instagram;
     QString displayName, placement, caption;
-    QStringList imageTypes;    // "image/png"
+    QStringList imageTypes;    // MIME types of the images in their order: "image/png"
     qint64 created = 0;
 };
 
@@ -35,12 +36,14 @@ void connectNetwork(Transaction& transaction, qint64 account, SocialNetwork netw
 QList<SocialNetworkConnection> connections(Transaction& transaction, qint64 account,
                                            const QString& base);
 
-// Returns the post's identifier; for a `requestId` that was used before, the one of the post made
-// then. Blocks while every picture is decoded. Throws Refusal.
+// Returns the identifier of the new post. If the request's `requestId` was used before, makes no
+// post and returns the identifier of the earlier one. Blocks while it decodes every picture. Throws
+// Refusal.
 QString publish(Database& database, const PostFolders& folders, qint64 account,
                 const SocialPublishRequest& request, qint64 now);
 
 std::optional<SocialPost> postWithId(Transaction& transaction, const QString& id);
-// Removes the pictures of posts that were never recorded, because the service ended before.
+// Removes the pictures of posts that are not in the database, because the service ended before it
+// could record them.
 void dropUnrecordedPosts(Transaction& transaction, const QDir& posts);
 QString imagePath(const QDir& posts, const QString& id, int index);

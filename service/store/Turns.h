@@ -3,13 +3,13 @@
 #include <condition_variable>
 #include <mutex>
 
-// Lets a limited number of threads do something at once. Replaces std::counting_semaphore: with GCC
-// 12 a waiting thread can miss that its turn has come.
+// Lets a limited number of threads do something at once. Replaces std::counting_semaphore, whose
+// waiting threads can miss a release with GCC 12.
 class Turns {
 public:
     explicit Turns(int free) : m_free(free) {}
 
-    void take()    // waits
+    void take()    // waits for a free turn
     {
         std::unique_lock lock(m_mutex);
         m_changed.wait(lock, [&] { return m_free > 0; });

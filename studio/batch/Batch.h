@@ -3,19 +3,20 @@
 #include "model/PublicationItem.h"
 #include "model/SocialFormat.h"
 
-// The batch and what is selected in it: all that undo and the saved workspace keep.
+// A batch of publications and the selection in it: everything that undo restores and that is stored
+// between runs.
 //
-// Invariant of every operation: with no items the index is 0 and nothing is selected; otherwise
-// `selectedIndex` is that of an item, `selectedItemIDs` holds only ids of items, and
-// `selectedLayerID`, unless null, is a layer of the current item.
+// Invariant: without items, `selectedIndex` is 0 and nothing is selected. Otherwise `selectedIndex`
+// is the index of an item, `selectedItemIDs` holds only ids of items, and `selectedLayerID`, unless
+// null, is a layer of the current item.
 struct Batch {
     SocialFormat format = SocialFormat::carouselPortrait;
     QString objective;    // of the campaign, as the user typed it
     PublicationItems items;
-    int selectedIndex = 0;    // the current item, the one on the canvas
+    int selectedIndex = 0;    // index of the current item, which the canvas shows
     int selectionAnchorIndex = 0;
     QSet<QUuid> selectedItemIDs;
-    QUuid selectedLayerID;    // null: none
+    QUuid selectedLayerID;    // null: no layer
 
     const PublicationItem* currentItem() const
     {

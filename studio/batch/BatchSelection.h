@@ -5,37 +5,38 @@
 #include <QList>
 #include <Qt>
 
-// Which items and layers the commands act on. Pure operations on the value; indices outside the
-// batch are ignored.
+// Selects the items and the layer that commands act on. The functions change nothing but `batch`,
+// and ignore indices outside of it.
 namespace BatchSelection {
 
-// A click on an item selects it alone, with Shift a range from the anchor; with Ctrl (Command) it
-// toggles the item. At least one item stays selected.
+// Handles a click on an item: selects it alone; with Shift, selects the range from the anchor to
+// it; with Ctrl (Command on macOS), toggles it. At least one item always stays selected.
 void selectItem(Batch& batch, int index, Qt::KeyboardModifiers modifiers);
 void selectSingleIndex(Batch& batch, int index);
 void selectAll(Batch& batch);
 
-// Indices of the items that batch operations act on, ascending; the current one when none is
-// selected.
+// Indices of the items that batch operations act on, in ascending order: the selected ones, or that
+// of the current item if none is selected.
 QList<int> selectedIndicesForBatch(const Batch& batch);
-// Indices of the other items that an edit of the current one reaches: none unless several are
-// selected.
+// Indices of the other items that an edit of the current one also changes: the other selected ones
+// if several are selected, else none.
 QList<int> otherSelectedIndices(const Batch& batch);
 
-// New items replace the old; the first becomes current, and the only selected one.
+// Replaces all items. The first new item becomes the current one and is selected alone.
 void replaceItems(Batch& batch, const PublicationItems& items);
-// Removes an item. If it was the current one, the item that takes its index becomes current, or the
-// new last one.
+// Removes an item. If it was the current one, the next item becomes current, or the new last item
+// if there is no next one.
 void removeItem(Batch& batch, QUuid id);
 
-// Which selection in the current item may stay; any other gives way to the first text.
+// Which selected layer of the current item keepInvariants() accepts. It replaces any other
+// selection by the first text.
 enum class LayerRule {
     any,
-    anyOrNone,    // no selected layer stays no selected layer
+    anyOrNone,    // or no layer at all
     text,
 };
-// Makes the batch keep what Batch.h promises, after items came or went, another became current or
-// lost a layer.
+// Restores the invariant of Batch after items were added or removed, another one became current, or
+// the current one lost a layer.
 void keepInvariants(Batch& batch, LayerRule rule = LayerRule::any);
 
 }    // namespace BatchSelection

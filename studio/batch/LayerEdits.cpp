@@ -13,7 +13,8 @@ Layer* find(QList<Layer>& layers, QUuid id)
     return found == layers.end() ? nullptr : &*found;
 }
 
-// A frame in the middle; that of a circle or triangle is as high as wide in the format's pixels.
+// A frame in the middle of the canvas, in fractions of the canvas size. Circles and triangles get
+// one that is square in pixels.
 CodableRect newShapeFrame(ShapeKind kind, SocialFormat format)
 {
     double width = 0.4, height = 0.2;
@@ -99,7 +100,7 @@ void LayerEdits::replaceCurrentItem(Batch& batch, const PublicationItem& item)
     PublicationItem& current = batch.items.edit(batch.selectedIndex);
     const QSet<QString> paid = current.paidRenderFingerprints;
     current = item;
-    current.paidRenderFingerprints = paid;    // no edit is a payment
+    current.paidRenderFingerprints = paid;    // an edit never changes payments
     BatchSelection::keepInvariants(batch, BatchSelection::LayerRule::anyOrNone);
 }
 

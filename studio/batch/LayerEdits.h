@@ -2,7 +2,8 @@
 
 #include "studio/batch/Batch.h"
 
-// Edits of layers and how they reach the other selected items. Pure operations on the value.
+// Edits layers of the current item and copies the edits to the other selected items. The functions
+// change nothing but `batch`.
 namespace LayerEdits {
 
 // The part of a layer that an edit copies to the other selected items; the text is never copied.
@@ -12,34 +13,34 @@ enum class Copied {
     frame,
 };
 
-// Copies the part `copied` of `layer` to the layer of its slot in every other selected item.
+// Copies the part `copied` of `layer` to the layer of the same slot in every other selected item.
 void applyLayerChangeToSelectedItems(Batch& batch, const TextLayer& layer, Copied copied);
-// Copies the part `copied` of `shape` to the shapes of its id in the other selected items. A shape
-// has no visibility to copy.
+// Copies the part `copied` of `shape` to the shape with the same id in every other selected item.
+// Copied::visibility copies nothing, because a shape is always visible.
 void applyShapeChangeToSelectedItems(Batch& batch, const ShapeLayer& shape, Copied copied);
 
-// Replaces the current item's layer of this id by `layer`, and copies the part named by `copied` to
-// the other selected items.
+// Replaces the layer of the current item that has the id of `layer`, and copies the part `copied`
+// of it to the other selected items.
 void editLayer(Batch& batch, const TextLayer& layer, Copied copied);
-// Replaces the current item's shape of this id, and copies its style to the other selected items,
-// where the shape's frame stays as it is.
+// Replaces the shape of the current item that has the id of `shape`, and copies its style, but not
+// its frame, to the other selected items.
 void editShape(Batch& batch, const ShapeLayer& shape);
 
-// Replaces the current item by another state of it; ignores an item of another id.
+// Replaces the current item by `item`, an edited copy of it. Does nothing if `item` has another id.
 void replaceCurrentItem(Batch& batch, const PublicationItem& item);
-// Replaces the current item by what the canvas made of it. A shape removed there is removed from
-// the other selected items, and a text hidden there is hidden in them.
+// Replaces the current item by `item`, a copy edited on the canvas. Shapes removed and texts hidden
+// in `item` are also removed and hidden in the other selected items.
 void commitCanvasItem(Batch& batch, const PublicationItem& item);
 
-// Copies the frame of the layer that a gesture on the canvas moved to the other selected items.
+// Copies the frame of `movedLayer`, which a gesture on the canvas has moved, to the corresponding
+// layers of the other selected items.
 void syncCurrentCanvasEditsToSelectedItems(Batch& batch, QUuid movedLayer);
 
-// Adds a new shape in the middle of every selected item, everywhere with the same id, and selects
-// it.
+// Adds a new shape, with the same id, in the middle of every selected item, and selects the shape.
 void addShape(Batch& batch, ShapeKind kind);
 
-// Removes a selected shape from the current item and from the other selected items that hold its
-// id; hides a selected text, because every item keeps one layer per slot.
+// Deletes the selected layer from the current item and the other selected items. A shape is
+// removed; a text is only hidden, because every item has one layer per slot.
 void deleteSelectedLayer(Batch& batch);
 void deleteShape(Batch& batch, QUuid shape);
 

@@ -2,18 +2,19 @@
 
 #include <QtGlobal>
 
-// Decides which changes of the batch one undo takes back together. Each change is made with a step.
+// Tells the undo history which changes of the batch a single undo reverts together.
 class Step {
 public:
-    // Joins the changes just before, if those were joined() too and came a moment ago: typing, a
-    // slider, several quick removals.
+    // For rapid changes, as when typing or dragging a slider. A change joins the previous one if
+    // both are joined() and only a short pause lies between them.
     static Step joined() { return Step(Kind::joined); }
-    // A step of this change alone.
+    // A single undo reverts this change alone.
     static Step own() { return Step(Kind::own); }
-    // All changes between the begin and the end of one gesture on the canvas.
+    // For all changes between the beginning and the end of one gesture on the canvas.
     static Step gesture() { return Step(Kind::gesture); }
-    // All results of one operation, even minutes apart, until another change comes between them.
-    // Each call makes the step of another operation.
+    // For the results of one long operation. A single undo reverts all of them, even if they arrive
+    // minutes apart, unless another change came between them. Each call returns the step of a new
+    // operation.
     static Step run();
 
     bool isJoined() const { return m_kind == Kind::joined; }
@@ -25,5 +26,5 @@ private:
     explicit Step(Kind kind, quint64 number = 0) : m_kind(kind), m_number(number) {}
 
     Kind m_kind;
-    quint64 m_number;    // of the run; 0 for the others
+    quint64 m_number;    // identifies the operation of a run(); 0 for the other kinds
 };

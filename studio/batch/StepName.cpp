@@ -36,7 +36,7 @@ QString frameChange(const CodableRect& before, const CodableRect& after)
     return isMoved ? u"posición"_s : u"ancho y alto"_s;
 }
 
-// Whether any of these members differs.
+// Whether any of `members` differs between `a` and `b`.
 template <typename Record, typename... Members>
 bool differ(const Record& a, const Record& b, Members... members)
 {
@@ -46,9 +46,10 @@ bool differ(const Record& a, const Record& b, Members... members)
 QStringList changesOf(const TextLayer& before, const TextLayer& after)
 {
     QStringList changes;
+    // Typing into a hidden text also shows it: that is named as a change of the text only.
     if (before.text != after.text)
         changes.append(u"texto"_s);
-    else if (before.isVisible != after.isVisible)    // typing into a hidden text shows it too
+    else if (before.isVisible != after.isVisible)
         changes.append(u"visibilidad"_s);
     if (before.frame != after.frame)
         changes.append(frameChange(before.frame, after.frame));
@@ -84,13 +85,14 @@ QStringList changesOf(const ShapeLayer& before, const ShapeLayer& after)
     return changes;
 }
 
-// Names the one property that changed, or just the layer when several did.
+// Names the changed layer with its only change, as in "tamaño del título", or with "cambios" if
+// several things changed.
 QString layerChange(const QStringList& changes, const QString& layer)
 {
     return (changes.size() == 1 ? changes.first() : u"cambios"_s) + u' ' + layer;
 }
 
-// What differs in one image.
+// Names what changed in an item; empty if nothing did that the user would notice.
 QString itemChange(const PublicationItem& before, const PublicationItem& after)
 {
     QStringList found;
@@ -157,8 +159,9 @@ QString stepName(const StudioHistorySnapshot& before, const StudioHistorySnapsho
         const QString change = itemChange(before.items[i], after.items[i]);
         if (change.isEmpty())
             continue;
-        // An edit of the current image copies its whole style to the others, so more may change
-        // there than the user edited: the name comes from the current image.
+        // An edit of the current item copies the whole style of a layer to the other selected
+        // items, so more may change in those than the user edited: the name comes from the current
+        // item.
         if (++images == 1 || i == after.selectedIndex)
             name = change;
     }

@@ -2,5 +2,6 @@
 
 #include "studio/batch/StudioHistory.h"
 
-// What a step of the history changed, as a noun phrase in Spanish: "tamaño del título".
+// Names what changed between two states of the undo history, as a Spanish noun phrase: "tamaño del
+// título".
 QString stepName(const StudioHistorySnapshot& before, const StudioHistorySnapshot& after);

@@ -25,7 +25,8 @@ void StudioHistory::registerUndo(const StudioHistorySnapshot& before,
     if (isCanvasEditActive() || before == current)
         return;
     const bool mayJoin = step.isJoined() || step.isRun();
-    // The pause since the last change counts, not since the first: a long stream is one step.
+    // Measures the pause since the last change, not since the first: a long series of changes is
+    // one step.
     const bool isMerged = mayJoin && step == m_lastStep && m_lastCoalescedUndoDate &&
                           (step.isRun() || now - *m_lastCoalescedUndoDate < coalescingWindow) &&
                           !m_undoStack.isEmpty();

@@ -7,12 +7,13 @@
 #include <functional>
 #include <optional>
 
-// The whole editing state at one moment. Shares its data with the batch, so that a snapshot costs
-// only what changes afterwards.
+// The editing state at one moment: a copy of the batch that shares its items, so it takes memory
+// only for items that are edited afterwards.
 using StudioHistorySnapshot = Batch;
 
-// Undo and redo, as snapshots to go back to. Joined changes are one step as long as no pause
-// between them is longer than a moment. Callers pass the time.
+// The snapshots that undo and redo return to. Joined changes (see Step::joined()) form one undo
+// step as long as each follows the previous one after only a short pause. Callers pass the current
+// time.
 class StudioHistory {
 public:
     using Time = std::chrono::steady_clock::time_point;
@@ -20,24 +21,25 @@ public:
     bool canUndo() const { return !m_undoStack.isEmpty(); }
     bool canRedo() const { return !m_redoStack.isEmpty(); }
 
-    // Records a change; `before` is the state from before it. Ignores a change without effect, and
-    // all changes during a gesture.
+    // Records the change from `before` to `current`. Ignores a change without effect, and all
+    // changes between beginCanvasEdit() and endCanvasEdit().
     void registerUndo(const StudioHistorySnapshot& before, const StudioHistorySnapshot& current,
                       const Step& step, Time now);
-    // Keeps the next change from joining the last step.
+    // Prevents the next change from joining the last step.
     void endStep() { m_lastCoalescedUndoDate.reset(); }
 
-    // The state to return to; empty when there is none.
+    // Return the state to restore, empty if there is none. `current` is saved for the opposite
+    // command.
     std::optional<StudioHistorySnapshot> undo(const StudioHistorySnapshot& current);
     std::optional<StudioHistorySnapshot> redo(const StudioHistorySnapshot& current);
 
-    // Keeps the start of the first gesture when called again before endCanvasEdit().
+    // Begins a gesture on the canvas. Does nothing if one is already under way.
     void beginCanvasEdit(const StudioHistorySnapshot& current);
     bool isCanvasEditActive() const { return m_activeCanvasEditSnapshot.has_value(); }
-    // Ends the gesture and returns the state from before it; empty when none was under way.
+    // Ends the gesture and returns the state before it; empty if no gesture was under way.
     std::optional<StudioHistorySnapshot> endCanvasEdit();
 
-    // Changes every state of the history by something that is no edit: payments.
+    // Applies to all saved states a change that undo must not revert, such as a payment.
     void amend(const std::function<void(StudioHistorySnapshot&)>& apply);
 
     void clear();
@@ -48,7 +50,8 @@ private:
                                                      const StudioHistorySnapshot& current);
 
     QList<StudioHistorySnapshot> m_undoStack, m_redoStack;    // oldest first
-    Step m_lastStep = Step::own();                            // on top of the undo stack
-    std::optional<Time> m_lastCoalescedUndoDate;    // time of the last change that others may join
+    Step m_lastStep = Step::own();                            // of the last recorded change
+    // When the last change that others may join was recorded; empty if the next one must not join.
+    std::optional<Time> m_lastCoalescedUndoDate;
     std::optional<StudioHistorySnapshot> m_activeCanvasEditSnapshot;
 };

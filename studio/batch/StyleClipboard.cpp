@@ -64,6 +64,6 @@ void StyleClipboard::pasteInto(Batch& batch) const
     ShapeLayer changed = *selectedShape(batch);
     const ShapeKind kind = changed.kind;
     ShapeLayerDesign(std::get<ShapeLayer>(m_style)).apply(changed);
-    changed.kind = kind;    // pasting a style does not make a circle of a line
+    changed.kind = kind;    // pasting a style must not turn a line into a circle
     LayerEdits::editShape(batch, changed);
 }

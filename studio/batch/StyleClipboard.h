@@ -4,16 +4,17 @@
 
 #include <variant>
 
-// Holds the copied style of a text or of a shape, without text and frame. Styles are copied from
-// the selected layer and pasted into it.
+// Copies the style of one text or shape and pastes it into others. The words of a text and the
+// frame are not pasted.
 class StyleClipboard {
 public:
-    // Copies the style of the item's text in the selected text's slot, or of the selected shape.
-    // Gives the name of what was copied; empty when the item has no such layer.
+    // Copies from `item` the layer that corresponds to the selected layer of `batch`: the text of
+    // the same slot, or the shape with the same id. Returns the name of the copied layer; empty if
+    // `item` has no such layer.
     QString copyFrom(const PublicationItem& item, const Batch& batch);
     bool fits(const Batch& batch) const;
-    // Pastes into the selected layer and to the other selected items. Does nothing unless the style
-    // fits.
+    // Pastes the style into the selected layer, and into the corresponding layers of the other
+    // selected items. Does nothing if fits() is false.
     void pasteInto(Batch& batch) const;
 
 private:

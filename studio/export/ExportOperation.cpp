@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A finished picture and the file that it is to become.
+// A picture in the staging folder, and the path of the file that it becomes.
 struct PendingExport {
     QString destination;
     RenderedOutput output;
@@ -44,7 +44,7 @@ using SharedRun = std::shared_ptr<ExportRun>;
 using Stage = ExportProgress::Stage;
 using State = ExportOutcome::State;
 
-// Removes unfinished files that killed exports left in the destinations' folders.
+// Removes unfinished files that exports killed earlier have left in the destination folders.
 QFuture<void> cleared(const SharedRun& run)
 {
     QSet<QString> folders;
@@ -75,7 +75,8 @@ RenderWatch watchOf(const SharedRun& run)
             .progressed = [run](qsizetype done) { run->progress(Stage::rendering, done); }};
 }
 
-// Pairs each picture with its destination, or sets the outcome's failure.
+// Fills `run.pending` with the pictures and their destinations, or sets the outcome's state if the
+// export cannot go on.
 void address(ExportRun& run, const RenderedItems& rendered)
 {
     if (rendered.failure) {
@@ -95,12 +96,12 @@ void address(ExportRun& run, const RenderedItems& rendered)
     }
 }
 
-// The outcome stays `done` if everything was rendered.
+// Renders all items into a new staging folder. Unless that fails, `outcome.state` remains `done`.
 QCoro::Task<> renderAll(SharedRun run)
 {
     const QString place = run->services.stagingPlace;
     QFuture<std::shared_ptr<StagingFolder>> staging = runOnWorker([place] {
-        releaseFreedMemory();    // the import's, about as much as the export needs
+        releaseFreedMemory();    // memory of the import, about as much as the export needs
         return std::make_shared<StagingFolder>(place);
     });
     run->control->staging = co_await staging;
@@ -118,7 +119,8 @@ QCoro::Task<> renderAll(SharedRun run)
     address(*run, rendered);
 }
 
-// Returns the system's reason for a failure; empty when done.
+// Writes the content of `from` to `to` and deletes `from`. Returns the system's error message;
+// empty on success.
 QString moved(const QString& from, const QString& to, const QString& runName)
 {
     QFile source(from);
@@ -137,7 +139,7 @@ void tell(const ExportRun& run, const QString& file, const QString& problem)
         run.control->wrote(file, problem);
 }
 
-// Tries every file, even after one could not be written.
+// Goes on after a file that could not be written. Returns whether all files were written.
 QCoro::Task<bool> writeAll(SharedRun run)
 {
     ExportOutcome& outcome = run->outcome;
@@ -213,7 +215,7 @@ QCoro::Task<> chargeAndWrite(SharedRun run)
     run->outcome.state = stateOf(*run, charge.state);
 }
 
-// Deletes the staging folder on a worker: a thousand files take a while.
+// Deletes the staging folder on a worker, because deleting a thousand files takes a while.
 QFuture<void> emptied(const std::shared_ptr<ExportControl>& control)
 {
     return runOnWorker(

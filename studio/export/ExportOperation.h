@@ -15,7 +15,7 @@ struct ExportProgress {
     enum class Stage { rendering, charging, writing };
 
     Stage stage = Stage::rendering;
-    qsizetype done = 0, total = 0;    // images of the stage
+    qsizetype done = 0, total = 0;    // number of images in this stage
     bool operator==(const ExportProgress&) const = default;
 };
 
@@ -24,30 +24,32 @@ enum class ExportKind { single, batch };
 struct ExportRequest {
     ExportKind kind = ExportKind::batch;
     PublicationItems items;
-    QStringList destinations;    // one an item
+    QStringList destinations;    // path of the file to write for each item
     SocialFormat format = SocialFormat::carouselPortrait;
     OutputSize outputSize = exportSizeOf;
-    int jobs = 0;                   // as in RenderOrder
+    int jobs = 0;                   // see RenderOrder::jobs
     std::optional<qint64> price;    // the price shown to the user, in credits; empty: unknown
 };
 
 struct ExportServices {
     std::shared_ptr<PhotoCache> photos;
-    QString stagingPlace;    // for rendered pictures that are not paid yet
+    QString stagingPlace;    // folder for rendered pictures until they are paid
     ChargeServices charge;
 };
 
-// Shared by an export and its caller, who may stop it. All functions may be empty.
+// Shared by an export and its caller, who sets `stop` to end the export. All functions may be
+// empty.
 struct ExportControl {
     std::atomic_bool stop = false;
-    std::function<void(const ExportProgress&)> progressed;    // may be empty
-    std::function<void(qint64 cost)> charging;                // before the reservation
-    // Called after rendering for each image that could not be rendered, with the file that it would
-    // have become; the others are exported. Empty: then nothing is exported.
+    std::function<void(const ExportProgress&)> progressed;
+    std::function<void(qint64 cost)> charging;    // called before credits are reserved
+    // Called after rendering with the destination of each item that could not be rendered; the
+    // other items are exported. If `leftOut` is empty, nothing is exported in that case.
     std::function<void(const QString& file)> leftOut;
-    // Called for each file, with the system's reason why it was not written; empty: it was.
+    // Called for each file after the attempt to write it. `reason`: the system's error message;
+    // empty if the file was written.
     std::function<void(const QString& file, const QString& reason)> wrote;
-    std::shared_ptr<StagingFolder> staging;    // null before and after the run
+    std::shared_ptr<StagingFolder> staging;    // null before and after the export
 };
 
 struct ExportOutcome : Charge {
@@ -61,10 +63,10 @@ struct ExportOutcome : Charge {
     };
 
     State state = State::done;
-    // Files, in the order of the items; later ones were not tried.
+    // Paths of files, in the order of the items. A file that is in neither list was not tried.
     QStringList written, unwritten;
-    QString failed;              // the photo that could not be prepared
-    bool isCacheFull = false;    // no room to stage the rendered pictures
+    QString failed;              // path of the photo that could not be rendered
+    bool isCacheFull = false;    // the staging folder could not be written to
     ExportKind kind = ExportKind::batch;
 
     bool isDone() const { return state == State::done; }
@@ -75,9 +77,9 @@ struct ExportOutcome : Charge {
     QString sentence() const;    // for the user
 };
 
-// Renders all items to the staging folder, charges what is not paid yet, and only then writes the
-// files one after the other. Refunds all if one cannot be written. Nothing unpaid reaches the
-// destinations, and every file is whole. If the balance cannot suffice whatever the pixels are,
-// refuses before rendering.
+// Renders all items into the staging folder, charges for the unpaid ones, and only then writes the
+// files one after the other. Refunds the whole charge if one of them cannot be written. No file is
+// ever written in part. If the balance is too low in any case (see isOutOfReach()), ends before
+// rendering.
 QCoro::Task<ExportOutcome> runExport(ExportRequest request, ExportServices services,
                                      std::shared_ptr<ExportControl> control);

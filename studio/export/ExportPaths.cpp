@@ -48,7 +48,8 @@ QString nameWithin(qsizetype longest, QString stem, const QString& ending)
     return stem + ending;
 }
 
-// Whether the photo's file may have an output's path: by its name, or through a link.
+// Whether the photo may be a file that an export would overwrite: it is named like an exported
+// picture, or it is a symbolic link.
 bool mayLieOnAnOutput(const QFileInfo& photo)
 {
     const QString name = photo.fileName().toCaseFolded();
@@ -64,14 +65,15 @@ QString exportName(const QUrl& photo, const QString& folder)
 
 QStringList exportPaths(const QList<QUrl>& photos, const QString& folder)
 {
-    // Resolves links: an output must not replace a photo that the folder links to.
+    // Resolves links in the path of `folder`, which may lead to the folder of the photos: no photo
+    // must be overwritten.
     const QString real = QFileInfo(folder).canonicalFilePath();
     const QDir target(real.isEmpty() ? QDir(folder).absolutePath() : real);
     QSet<QString> taken;
     for (const QUrl& photo : photos) {
         const QFileInfo file(photo.toLocalFile());
         taken.insert(file.filePath().toCaseFolded());
-        // Only some photos are resolved: each resolution reads every folder of the path.
+        // Resolves links of a few photos only, because each call accesses every folder of the path.
         if (mayLieOnAnOutput(file))
             taken.insert(file.canonicalFilePath().toCaseFolded());
     }
@@ -92,7 +94,7 @@ QList<QUrl> withoutOwnOutputs(const QList<QUrl>& photos)
 {
     static const QRegularExpression output(u"^(.+)(-publicacion(-[0-9]+)?\\.png)$"_s);
     QSet<QString> names;
-    QStringList longNames;    // too long for their outputs, which are shortened
+    QStringList longNames;    // names that nameWithin() shortens
     for (const QUrl& photo : photos) {
         const QString name = filenameOf(photo);
         names.insert(name);

@@ -4,13 +4,15 @@
 #include <QStringList>
 #include <QUrl>
 
-// "<name>-publicacion.png". A name too long for `folder` is shortened at a whole character.
+// The file name "<name>-publicacion.png" for a photo. If `folder` does not allow a name that long,
+// shortens <name> at the end of a character.
 QString exportName(const QUrl& photo, const QString& folder);
 
-// A path in `folder` for each photo, by exportName(). A path taken, in any case of letters, by a
-// photo of the batch or by an output higher in the list becomes "-publicacion-2.png" and so on.
+// A path in `folder` for each photo, with the name from exportName(). If a photo or an earlier path
+// in the list already has that path, ignoring upper and lower case, the name ends in
+// "-publicacion-2.png" and so on.
 QStringList exportPaths(const QList<QUrl>& photos, const QString& folder);
 
-// Drops photos whose name is that of another one's output, so that a folder that was exported into
-// itself can be exported again.
+// Drops photos that are named like the exported picture of another photo in the list, so that a
+// folder with its own exports in it can be exported again.
 QList<QUrl> withoutOwnOutputs(const QList<QUrl>& photos);

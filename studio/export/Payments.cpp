@@ -12,7 +12,7 @@ void Payments::add(QUuid item, const QSet<QString>& names)
         return;
     QSet<QString>& known = m_names[item];
     if (known.isEmpty())
-        known = names;    // shares the caller's data
+        known = names;    // shares the data of `names`
     else if (!known.contains(names))
         known.unite(names);
 }

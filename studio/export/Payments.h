@@ -5,28 +5,28 @@
 
 #include <QHash>
 
-// Paid renders by item. A payment names one render twice: by the fingerprint of its ingredients and
-// by its pixels. An item's `paidRenderFingerprints` are a copy: exchange() reads them from items
-// that come from elsewhere, and writes them. Payments are never removed. A value; all states of a
-// batch share the set of an item.
+// The paid renders of all items. For each render this holds two strings: its fingerprint and the
+// digest of its pixels, as in RenderedOutput. PublicationItem::paidRenderFingerprints is a copy of
+// an item's strings, which exchange() brings up to date. Payments are never removed.
 class Payments {
 public:
     void add(const QList<RenderedOutput>& outputs);
-    // `names`: fingerprints or pixels of renders.
+    // `names`: fingerprints or pixel digests of the item's renders.
     void add(QUuid item, const QSet<QString>& names);
 
     bool covers(const RenderedOutput& output) const;
     bool isAnyOf(QUuid item) const { return m_names.contains(item); }
 
-    // Learns the payments that the items carry, then writes all known ones into the items. Pass one
-    // `change` for all states that share items.
+    // Adds the payments that are stored in the items, then writes all known payments into the
+    // items. Pass the same `change` for several batches that share items, so that they still share
+    // them afterwards.
     void exchange(Batch& batch, PublicationItems::Change& change);
     void exchange(Batch& batch);
 
 private:
-    QHash<QUuid, QSet<QString>> m_names;    // no set is empty
+    QHash<QUuid, QSet<QString>> m_names;    // by item; no set is empty
 };
 
-// The outputs that are not paid, in their order.
+// The outputs that are not paid, in the given order.
 QList<RenderedOutput> unpaidRenderedOutputs(const QList<RenderedOutput>& outputs,
                                             const Payments& payments);

@@ -12,7 +12,8 @@ qint64 costOf(const QList<RenderedOutput>& unpaid)
     return exportCreditCost * unpaid.size();
 }
 
-// Price of the items without any payment: their pixels cannot be paid.
+// The lowest possible price. An item with any payment may turn out to be paid when it is rendered;
+// an item without one cannot.
 qint64 leastCost(const PublicationItems& items, const Payments& payments)
 {
     return exportCreditCost * std::ranges::count_if(items, [&](const PublicationItem& item) {
@@ -108,8 +109,8 @@ QCoro::Task<RenderCharge> chargeRenders(QList<RenderedOutput> outputs, RenderAct
         services.payer.isEmpty() && account ? account->accountKey() : services.payer;
     QList<RenderedOutput> unpaid = unpaidRenderedOutputs(outputs, services.payments());
     if (account && account->balance() < costOf(unpaid)) {
-        // Asks the service for the balance: credits may have been bought elsewhere, and other
-        // operations may have paid for renders.
+        // Asks the service for the balance: credits may have been bought elsewhere. During the
+        // wait, other operations may pay for some of the renders.
         QCoro::Task<bool> refreshing = account->refreshSilently();
         co_await std::move(refreshing);
         unpaid = unpaidRenderedOutputs(outputs, services.payments());

@@ -10,34 +10,37 @@
 
 class AccountSession;
 
-// What charging for renders needs. Account and journal may be destroyed while it runs.
+// What charging for renders needs. Account and journal may be destroyed while a charge is under
+// way.
 struct ChargeServices {
     QPointer<AccountSession> account;
     QPointer<CreditJournal> journal;
-    QString payer;    // key of the account; empty: whoever is signed in when all is rendered
-    std::function<Payments()> payments;    // as of now: others pay, too
-    // Stores the payment of `outputs` and calls `strike`, in one transaction; gives whether that is
-    // stored already.
+    // AccountSession::accountKey() of the user who pays; empty: the user signed in when
+    // chargeRenders() is called.
+    QString payer;
+    std::function<Payments()> payments;    // the payments known now; other operations may add some
+    // Stores the payment of `outputs` and calls `strike` in one transaction, now or as soon as
+    // possible. Returns whether both are done now.
     std::function<bool(const QList<RenderedOutput>& outputs, const Strike& strike)> record;
 };
 
-// What is done with renders once the unpaid ones among them are paid.
+// What to do with renders after the unpaid ones among them were charged.
 struct RenderAction {
-    QString name;    // in the request identifier: "download"
-    QString what;    // as a sentence about its refund calls it: "una exportación"
-    // Called with the final price in credits; false ends the operation before anything is charged.
-    // May be empty.
+    QString name;    // part of the request identifier, such as "download"
+    QString what;    // for sentences about a refund: "una exportación"
+    // Called with the final price in credits before charging; returns false to end the operation
+    // without a charge. May be empty.
     std::function<bool(qint64 cost)> isWanted;
     std::function<QCoro::Task<bool>()> work;    // see ChargedOperation::work
     std::function<bool()> alsoStore = {};       // see ChargedOperation::alsoStore
 };
 
 struct Charge {
-    qint64 cost = 0;                 // credits that were charged, or would have been
+    qint64 cost = 0;                 // credits charged, or that would have been
     bool isCharged = false;          // the credits were reserved
-    bool isRefundPending = false;    // the credits come back later
+    bool isRefundPending = false;    // the credits will come back later
     bool isRecorded = true;          // false: the payment is not stored yet
-    QString reason;    // why nothing was reserved, or what the work threw; for the user
+    QString reason;    // for the user: why nothing was reserved, or the error in the work
     ChargeResult::Refusal refusal = ChargeResult::Refusal::other;
 };
 
@@ -47,10 +50,10 @@ struct RenderCharge : Charge {
     State state = State::done;
 };
 
-// Whether the account cannot pay for `items` even when every render that may be free is; `price`:
-// the credits that were shown for them.
+// Whether the account cannot pay for `items`, even if all those with an earlier payment turn out to
+// be paid. `price`: the price shown to the user, in credits.
 QCoro::Task<bool> isOutOfReach(PublicationItems items, qint64 price, ChargeServices services);
 
-// Charges the unpaid ones among `outputs` and has the action work.
+// Charges for the unpaid ones among `outputs`, then runs `action.work`.
 QCoro::Task<RenderCharge> chargeRenders(QList<RenderedOutput> outputs, RenderAction action,
                                         ChargeServices services);

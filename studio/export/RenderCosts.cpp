@@ -38,7 +38,7 @@ void RenderCosts::scheduleRenderCostRefresh(const Batch& batch, std::chrono::mil
             setPayment(i, knownAtOnce(item));
     }
     m_unknown = std::ranges::count(m_rows, Payment::unknown, &Row::payment);
-    // With another number of items isPaid() may answer differently.
+    // isPaid() may answer differently after items were added or removed.
     m_paidVersion += before.items.size() != batch.items.size();
     if (m_unknown > 0)
         m_refresh.start(debounce);
@@ -47,7 +47,7 @@ void RenderCosts::scheduleRenderCostRefresh(const Batch& batch, std::chrono::mil
 
 namespace {
 
-// Number of characters to lay out, a measure of the work.
+// Number of characters to lay out, on which the duration of answer() mostly depends.
 qsizetype lengthOf(const PublicationItem& item)
 {
     qsizetype length = 0;
@@ -61,7 +61,7 @@ qsizetype lengthOf(const PublicationItem& item)
 void RenderCosts::refreshRenderCostsNow()
 {
     m_refresh.stop();
-    // A few short items are quicker here than on a worker.
+    // Checks a few items with short texts here, which is faster than on a worker.
     constexpr qsizetype mostAtOnce = 2, longestAtOnce = 600;
     QList<qsizetype> open;
     bool mustLook = false;
@@ -87,7 +87,7 @@ void RenderCosts::refreshRenderCostsNow()
         Q_EMIT changed();
 }
 
-// The payment as far as it is known without a fingerprint.
+// The payment as far as it is known without computing a fingerprint.
 RenderCosts::Payment RenderCosts::knownAtOnce(const PublicationItem& item) const
 {
     if (!isLookedAt(item))
@@ -106,7 +106,7 @@ RenderCosts::Payment RenderCosts::answer(const Question& question)
     return isPaid ? Payment::paid : Payment::unpaid;
 }
 
-// The import has just read the file of a photo with a digest.
+// Whether the digest of the photo's file is known. A photo with a digest was read at the import.
 bool RenderCosts::isLookedAt(const PublicationItem& item) const
 {
     return !item.image.digest.isEmpty() || m_contents.contains(item.id);
@@ -159,7 +159,7 @@ QCoro::Task<> RenderCosts::runJob(QPointer<RenderCosts> self, int job, QList<QUu
     try {
         payments = co_await working;
     } catch (const std::exception&) {
-        // Short of memory: like an item that cannot be rendered.
+        // Out of memory: treated like items that cannot be rendered.
         payments = QList<Payment>(items.size(), Payment::unrenderable);
     }
     if (self)
@@ -170,7 +170,7 @@ void RenderCosts::finishJob(int job, const QList<QUuid>& items, const QList<Paym
 {
     for (qsizetype i = 0; i < items.size(); ++i) {
         const qsizetype place = m_places.value(items[i], -1);
-        // The answer is stale if the item was edited meanwhile: its row then has another job.
+        // Drops the answer if the item was edited meanwhile: its row then no longer has this job.
         if (place >= 0 && m_rows[place].job == job)
             setPayment(place, payments[i]);
     }
@@ -206,7 +206,7 @@ QCoro::Task<> RenderCosts::runLook(QPointer<RenderCosts> self, PublicationItems 
         try {
             contents = co_await each;
         } catch (const std::exception&) {
-            continue;    // short of memory: not looked at
+            continue;    // out of memory: these photos count as not looked at
         }
         if (self)
             self->takeLook(contents);

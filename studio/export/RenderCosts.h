@@ -12,29 +12,30 @@
 #include <chrono>
 #include <memory>
 
-// Knows which renders of a batch are paid, and so the price of an export, without drawing. Only
-// items that changed are looked at. Lives on the interface thread; longer work runs on the workers.
+// Finds out which items of a batch are paid, and so the price of an export, without rendering.
+// Checks only items that have changed. Used on the interface thread; long work runs on workers.
 class RenderCosts : public QObject {
     Q_OBJECT
 public:
     RenderCosts(std::shared_ptr<PhotoCache> photos, OutputSize outputSize,
                 QObject* parent = nullptr);
 
-    // Takes `batch` as the current one. Changed items are looked at after `debounce`; the others
-    // keep their answer.
+    // Sets the batch. Items that differ from those of the last call are checked after `debounce`;
+    // the others keep their result.
     void scheduleRenderCostRefresh(const Batch& batch, std::chrono::milliseconds debounce);
     void refreshRenderCostsNow();
     const Batch& batch() const { return m_batch; }
 
-    // Checks whether the photos' files are still those that were imported.
+    // Checks on workers whether the photo files are still the imported ones.
     void lookAtPhotos();
 
-    // Price of exporting the items at `indices`, in credits; empty while unknown. If one cannot be
-    // rendered, no payment counts.
+    // Price of exporting the items at `indices`, in credits; empty while unknown. If one of them
+    // cannot be rendered, this is the full price, as if none were paid.
     std::optional<qint64> renderCreditCost(const QList<int>& indices) const;
-    // Whether the item is paid; while that is unknown, whether it was.
+    // Whether the item is paid; while that is being checked, the last known answer.
     bool isPaid(QUuid item) const;
-    int paidVersion() const { return m_paidVersion; }    // rises when an answer of isPaid() changes
+    // Increases when an answer of isPaid() changes.
+    int paidVersion() const { return m_paidVersion; }
     bool isUpToDate() const { return m_unknown == 0 && !m_refresh.isActive(); }
 
 Q_SIGNALS:
@@ -45,9 +46,9 @@ private:
     struct Row {
         Payment payment = Payment::unknown;
         bool wasPaid = false;    // the last known answer
-        int job = 0;             // the job that asks for it; 0: none
+        int job = 0;             // number of the job that is checking the item; 0: none
     };
-    // The parts of an item that decide whether its render is paid.
+    // Everything that decides whether an item is paid.
     struct Question {
         PublicationItem item;
         SocialFormat format;
@@ -55,7 +56,8 @@ private:
         QByteArray content;    // digest of the photo's file
     };
     using Questions = QList<Question>;
-    // Digests of the photos' files at the last look; none for a file that is gone or no photo.
+    // By item: the digest of the photo's file when it was read last; empty if the file is gone or
+    // is not a photo.
     using Contents = QHash<QUuid, std::optional<QByteArray>>;
 
     static Payment answer(const Question& question);
@@ -75,8 +77,8 @@ private:
     std::shared_ptr<PhotoCache> m_photos;
     const OutputSize m_outputSize;
     Batch m_batch;
-    QList<Row> m_rows;                   // one an item
-    QHash<QUuid, qsizetype> m_places;    // index of each item
+    QList<Row> m_rows;                   // one per item of `m_batch`
+    QHash<QUuid, qsizetype> m_places;    // index in `m_batch`, by item id
     qsizetype m_unknown = 0;             // number of rows with an unknown payment
     Contents m_contents;
     int m_lastJob = 0, m_paidVersion = 0;

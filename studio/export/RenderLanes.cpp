@@ -13,7 +13,7 @@ namespace {
 
 using Rendering = std::variant<RenderedOutput, RenderFailure>;
 
-// State of one order, shared by its lanes.
+// State of one order, shared by its lanes. A lane is a coroutine that renders item after item.
 struct LaneRun {
     RenderOrder order;
     std::shared_ptr<PhotoCache> photos;
@@ -29,8 +29,9 @@ struct LaneRun {
 };
 using SharedLaneRun = std::shared_ptr<LaneRun>;
 
-// Returns freed memory to the system after every few pictures. Pictures of many sizes leave holes
-// that add up; after every picture, the next one would have to ask the system for memory again.
+// Returns freed memory to the system after every few pictures, because pictures of many sizes
+// fragment it. After every picture would be slower: the next one would have to ask the system for
+// memory again.
 void releaseHolesAfter(qsizetype index)
 {
     constexpr qsizetype pictures = 8;
@@ -45,7 +46,7 @@ Rendering renderedGuarded(const LaneRun& run, const PublicationItem& item, qsize
     try {
         return renderedOutput(item, run.order.format, run.order.outputSize, *run.photos, file);
     } catch (const std::exception&) {
-        return RenderFailure::photo;    // short of memory
+        return RenderFailure::photo;    // out of memory
     }
 }
 
@@ -66,7 +67,7 @@ void take(LaneRun& run, qsizetype index, const Rendering& rendering)
         run.watch.progressed(run.done);
 }
 
-// Renders one item after the other, until none is left.
+// Renders one item after the other until the run is over.
 QCoro::Task<> renderLane(SharedLaneRun run)
 {
     while (!run->isOver()) {

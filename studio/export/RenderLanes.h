@@ -14,21 +14,21 @@ struct RenderOrder {
     PublicationItems items;
     SocialFormat format = SocialFormat::carouselPortrait;
     OutputSize outputSize = exportSizeOf;
-    int jobs = 0;    // items rendered at once, at most one a core; 0: one a core
-    // True: skips an item whose photo cannot be rendered. False: starts nothing after it.
+    int jobs = 0;    // number of items rendered at once, at most one per core; 0: one per core
+    // True: skips items whose photo cannot be rendered. False: such an item ends the rendering.
     bool leavesOutUnreadable = false;
-    std::function<QString(qsizetype index)> file;    // path for the picture of an item
+    std::function<QString(qsizetype index)> file;    // where to write the picture of an item
 };
 
-// Callbacks of a rendering, on the interface thread. Both may be empty.
+// Callbacks of renderItems(), called on the interface thread. Both may be empty.
 struct RenderWatch {
     std::function<bool()> isStopped;
     std::function<void(qsizetype done)> progressed;
 };
 
 struct RenderedItems {
-    std::vector<std::optional<RenderedOutput>> outputs;    // one an item; empty: not rendered
-    // Reason for the first item that could not be rendered; none while those are skipped.
+    std::vector<std::optional<RenderedOutput>> outputs;    // one per item; empty: not rendered
+    // Why an item could not be rendered; empty if none failed. Skipped items do not count.
     std::optional<RenderFailure> failure;
     QString failedPhoto;
 };

@@ -25,7 +25,7 @@ std::variant<RenderedOutput, RenderFailure> renderedOutput(const PublicationItem
     const auto content = usableContent(item.image, photos.contentOf(item.image.path));
     if (!content)
         return RenderFailure::photo;
-    // Keeps the picture's part of the decoding memory reserved.
+    // Holds the decoded photo's share of the memory for decoding while the item is drawn.
     std::shared_ptr<const void> share;
     const auto decoded = [&](const PhotoHandle& photo, PhotoLevel level) {
         const auto picture = decodePhoto(

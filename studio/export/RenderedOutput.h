@@ -10,10 +10,10 @@
 
 class PhotoCache;
 
-inline constexpr qint64 exportCreditCost =
-    creditsOfAnExport;    // price of a render that is not paid
+// Price of an unpaid render, in credits.
+inline constexpr qint64 exportCreditCost = creditsOfAnExport;
 
-// Size of an exported picture in pixels.
+// Gives the size of an exported picture in pixels.
 using OutputSize = std::function<QSizeF(SocialFormat)>;
 inline QSizeF exportSizeOf(SocialFormat format)
 {
@@ -22,18 +22,18 @@ inline QSizeF exportSizeOf(SocialFormat format)
 
 // A rendered picture in a PNG file.
 struct RenderedOutput {
-    PublicationItem item;    // the item that was rendered
+    PublicationItem item;    // as it was when rendered
     QString file;
-    QString fingerprint;    // of the ingredients: item, format and photo
-    QString pixels;         // digest of the rendered pixels
+    QString fingerprint;    // renderFingerprint() of item, photo and size
+    QString pixels;         // pixelFingerprint() of the picture
 };
 
 enum class RenderFailure {
-    photo,    // is gone, was changed since it came into the batch, or cannot be read
-    file,     // cannot be written
+    photo,    // the photo is gone, has changed since its import, or cannot be read
+    file,     // the picture's file cannot be written
 };
 
-// Renders an item into `file`; takes long, so call it on a worker. Returns the reason if it fails.
+// Renders an item into `file`, or returns why that failed. Takes long: call it on a worker thread.
 std::variant<RenderedOutput, RenderFailure> renderedOutput(const PublicationItem& item,
                                                            SocialFormat format,
                                                            const OutputSize& outputSize,
@@ -42,7 +42,7 @@ std::variant<RenderedOutput, RenderFailure> renderedOutput(const PublicationItem
 // Request identifier of a charge: equal for the same action on the same outputs in any order.
 QString creditRequestID(const QList<RenderedOutput>& outputs, const QString& action);
 
-// The digest of the photo's file; empty when it cannot be rendered as it is. `content`: digest of
-// the file now.
+// Returns `content`, the digest of the photo's file now, if the photo can still be rendered; empty
+// if the file is gone or has changed since the import.
 std::optional<QByteArray> usableContent(const PhotoHandle& photo,
                                         const std::optional<QByteArray>& content);

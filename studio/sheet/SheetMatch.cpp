@@ -6,11 +6,11 @@
 
 namespace {
 
-// The images that share a name, and which of them its rows have filled.
+// The images with the same name, and how many of them rows have filled.
 struct Spelling {
     QList<qsizetype> images;
-    qsizetype next = 0;        // index in `images`; those before it are filled
-    qsizetype rowsLeft = 0;    // good rows of this name that are still to come
+    qsizetype next = 0;        // index in `images`; all before it are filled
+    qsizetype rowsLeft = 0;    // good rows of this name that fill() has not seen yet
 };
 
 class Matching {
@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    // Prefers whole names: "a.b" may also be "a.b.jpg" without its extension.
+    // Prefers complete file names: "a.b" may also be "a.b.jpg" without its extension.
     Spelling* spelling(const QString& name)
     {
         for (auto* spellings : {&m_whole, &m_withoutExtension}) {
@@ -66,8 +66,8 @@ private:
         });
     }
 
-    // Whether the row could fill any image. A row that cannot must not use up an image of the good
-    // rows.
+    // Whether the row could fill any image of its name. Other rows must not use up an image that a
+    // good row could fill.
     bool isGood(const SheetRow& row, const Spelling& spelling) const
     {
         const auto fits = [&](qsizetype image) { return canFill(row, image); };
@@ -97,7 +97,7 @@ private:
     }
 
     const PublicationItems& m_items;
-    QList<bool> m_holdsLongText;    // for each image: it has a text beyond longestText
+    QList<bool> m_holdsLongText;    // by image: whether a text exceeds longestText
     QHash<QString, Spelling> m_whole, m_withoutExtension;
     SheetMatch m_match;
 };

@@ -11,7 +11,7 @@ struct RowProblem {
     bool operator==(const RowProblem&) const = default;
 };
 
-// For each image the index of the row that fills it, and the rows that fill no image.
+// For each image the index of the row that fills it with texts, and the rows that fill none.
 struct SheetMatch {
     QList<std::optional<qsizetype>> rowOfImage;
     QList<RowProblem> problems;
@@ -19,8 +19,9 @@ struct SheetMatch {
     qsizetype filledImages() const;
 };
 
-// A row fills the images of its name, with or without the extension, that no earlier row has
-// filled. Of several good rows of one name each fills the next image, and the last all that remain.
+// Assigns rows to images with the same name, with or without the extension. If several rows without
+// a fault have that name, each fills the next image, and the last one all that remain. No image is
+// filled twice.
 SheetMatch matchRows(const TextSheet& sheet, const PublicationItems& items);
 
 // Writes the texts of the matching rows into the items.

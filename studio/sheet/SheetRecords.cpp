@@ -10,15 +10,16 @@ bool isFilled(QByteArrayView cell)
     return !cell.trimmed().isEmpty();
 }
 
-// The line without the blanks between a quoted cell and its separators. Any other blank belongs to
-// the text; libcsv, if told to skip blanks, would skip those as well.
+// Removes the blanks between a quoted cell and its separators. All other blanks belong to the text;
+// libcsv, if told to skip blanks, would skip those as well. `beginsQuoted`: the line begins inside
+// a quoted cell.
 QByteArray withoutBlanksAroundQuotes(QByteArrayView line, bool beginsQuoted, char separator)
 {
     enum class At { cellStart, text, quoted, quoteEnd };
     At at = beginsQuoted ? At::quoted : At::cellStart;
     QByteArray kept;
     kept.reserve(line.size());
-    qsizetype blanks = 0;    // at the end of `kept`; removed if they stand beside a quoted cell
+    qsizetype blanks = 0;    // at the end of `kept`, perhaps beside a quoted cell
     for (const char c : line) {
         const bool isQuote = c == '"';
         const bool isEnd = at != At::quoted && (c == separator || c == '\n');
@@ -75,7 +76,7 @@ void SheetRecords::addCell(QByteArrayView cell)
         m_record.hasSurplus = true;
 }
 
-// Reads the record that begins on the line at `from`, using only lines before `until`.
+// Reads the record that begins at offset `from`, using only lines before offset `until`.
 SheetRecords::Reading SheetRecords::read(qsizetype from, qsizetype until)
 {
     const auto onCell = [](void* cell, std::size_t size, void* self) {
@@ -86,7 +87,7 @@ SheetRecords::Reading SheetRecords::read(qsizetype from, qsizetype until)
         static_cast<SheetRecords*>(self)->m_record.isWhole = true;
     };
     m_record = {};
-    qsizetype cellLine = from;    // the line that the cell being read began on
+    qsizetype cellLine = from;    // offset of the line on which the cell being read began
     for (qsizetype line = from; line < until;) {
         const qsizetype end = nextLine(line);
         const qsizetype known = m_record.count;
@@ -105,14 +106,15 @@ SheetRecords::Reading SheetRecords::read(qsizetype from, qsizetype until)
             return {m_record, end};
         line = end;
     }
-    // A stray quote, or one that never closes and may have swallowed all that follows: the lines
-    // after the one it stands on are read anew.
+    // The record is faulty: it has a misplaced quote, or one that is never closed, so that all
+    // following lines seem to belong to it. The next record begins on the line after the faulty
+    // cell's first one.
     csv_fini(&m_parser, nullptr, nullptr, nullptr);
     return {m_record, nextLine(cellLine)};
 }
 
-// Whether one of the lines looks like a row of its own. A line with wrong quotes does so only if
-// the quotes of `record` are wrong, too.
+// Whether a line between the two offsets looks like a row of its own, not a part of `record`. A
+// line with wrong quotes does so only if the quotes of `record` are wrong, too.
 bool SheetRecords::holdsRow(qsizetype from, qsizetype until, const SheetRecord& record)
 {
     for (qsizetype line = from; line < until; line = nextLine(line)) {
@@ -131,8 +133,8 @@ std::optional<SheetRecord> SheetRecords::next()
     auto [record, end] = read(m_at, m_text.size());
     const bool isWrong =
         !record.isWhole || record.isNarrowerThan(m_columns) || record.isWiderThan(m_columns);
-    // A quote left open ends at a quote of a later row and swallows the rows between: then the
-    // record is its first line alone.
+    // An unclosed quote seems to end at a quote of a later row, and to enclose the rows between.
+    // Then only the first line counts as the record, and the other rows are read again.
     const qsizetype second = nextLine(m_at);
     if (m_columns > 0 && isWrong && holdsRow(second, end, record)) {
         record.isWhole = false;

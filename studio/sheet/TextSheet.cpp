@@ -14,7 +14,7 @@ constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
 const QString notText = u"no es un archivo CSV"_s;
 constexpr int mostRows = 20'000;    // far more than a batch; a hostile file may hold millions
 
-// The text in UTF-8; none when the bytes are cut off or no valid UTF-16.
+// Converts UTF-16 to UTF-8; empty if the bytes are not valid UTF-16.
 std::optional<QByteArray> fromUtf16(QByteArrayView bytes)
 {
     using Flag = QStringDecoder::Flag;
@@ -30,15 +30,15 @@ std::optional<QByteArray> fromUtf16(QByteArrayView bytes)
     return text.toUtf8();
 }
 
-// Recognizes UTF-16 by a byte order mark, or by the zero byte of the header's first character.
+// Recognizes UTF-16 by its byte order mark, or by the zero byte in a first character that is ASCII.
 bool isUtf16(QByteArrayView bytes)
 {
     return bytes.startsWith("\xFE\xFF") || bytes.startsWith("\xFF\xFE") ||
            (bytes.size() > 1 && (bytes[0] == '\0') != (bytes[1] == '\0'));
 }
 
-// Whether the bytes beyond ASCII mostly stand alone, as in Windows-1252, and are no UTF-8
-// sequences.
+// Whether most bytes beyond ASCII are characters of their own, as in Windows-1252, and not parts of
+// UTF-8 sequences.
 bool isWindows1252(QByteArrayView bytes)
 {
     qsizetype sequences = 0, strays = 0;
@@ -60,7 +60,8 @@ bool isWindows1252(QByteArrayView bytes)
     return strays > sequences && !bytes.contains('\0');
 }
 
-// The file's text in UTF-8; none when the bytes are no text.
+// Converts the bytes of a file to UTF-8; empty if they are broken UTF-16. Bytes that look like
+// neither UTF-16 nor Windows-1252 are returned unchanged.
 std::optional<QByteArray> inUtf8(QByteArrayView bytes)
 {
     if (bytes.startsWith(byteOrderMark))
@@ -74,7 +75,7 @@ std::optional<QByteArray> inUtf8(QByteArrayView bytes)
     return text.toUtf8();
 }
 
-// The text with \n as the only line end, the last line's included.
+// Replaces every line end by \n, and adds one to the last line if it has none.
 QByteArray withPlainLineEnds(QByteArray text)
 {
     text.replace("\r\n", "\n").replace('\r', '\n');
@@ -83,7 +84,8 @@ QByteArray withPlainLineEnds(QByteArray text)
     return text;
 }
 
-// The separator of a line like "sep=;", with which some spreadsheets begin.
+// The separator that a line like "sep=;" names; empty for other lines. Some spreadsheet programs
+// write such a line first.
 std::optional<char> namedSeparator(QByteArrayView line)
 {
     constexpr QByteArrayView key("sep="), separators(",;\t|");
@@ -93,7 +95,7 @@ std::optional<char> namedSeparator(QByteArrayView line)
     return names ? std::optional(line[key.size()]) : std::nullopt;
 }
 
-// Comma or semicolon, whichever the header has more of.
+// The separator: comma or semicolon, whichever is more frequent in the first line.
 char separatorOf(QByteArrayView text)
 {
     qsizetype commas = 0, semicolons = 0;
@@ -113,11 +115,11 @@ char separatorOf(QByteArrayView text)
 
 struct HeaderStart {
     qsizetype at = 0;
-    int number = 1;    // of the header's row, counted from 1
+    int number = 1;    // number of the header's row, counted from 1
     char separator = ',';
 };
 
-// Skips empty rows and the one that names the separator; none when no row is left.
+// Finds the header. Skips blank rows and a row that names the separator; empty if no row is left.
 std::optional<HeaderStart> headerStart(QByteArrayView text)
 {
     std::optional<char> named;
@@ -142,15 +144,15 @@ std::optional<HeaderStart> headerStart(QByteArrayView text)
 std::optional<QString> decoded(const QByteArray& cell)
 {
     using Flag = QStringDecoder::Flag;
-    // Keeps a byte order mark inside the file, where it is text.
+    // ConvertInitialBom keeps a byte order mark at the start of a cell, where it is text.
     QStringDecoder decoder(QStringDecoder::Utf8, Flag::Stateless | Flag::ConvertInitialBom);
     const QString text = decoder(cell);
     return decoder.hasError() ? std::nullopt : std::optional(text);
 }
 
-// Whether a spreadsheet would compute the cell, or warn of it: written() puts an apostrophe before
-// it, and withoutGuard() takes one away. Apostrophes of the text itself are skipped here, so that
-// the text gets one more.
+// Whether a spreadsheet program could take the cell for a formula, if apostrophes before it are
+// ignored. written() puts one apostrophe before such a cell and withoutGuard() removes one, so that
+// a text that begins with apostrophes keeps them.
 bool isLikeFormula(QStringView cell)
 {
     while (cell.startsWith(u'\''))
@@ -175,7 +177,7 @@ QString written(const QString& text)
 }
 
 struct Header {
-    QList<std::optional<SheetColumn>> columns;    // none for an unknown column, which is ignored
+    QList<std::optional<SheetColumn>> columns;    // empty for an unknown column, which is ignored
     QString error;
 };
 
@@ -201,7 +203,7 @@ Header headerOf(const SheetRecord& record)
             return {{}, u"la columna «%1» está dos veces"_s.arg(rawValue(*column))};
         header.columns.append(column);
     }
-    // Spreadsheets write empty cells up to the widest row.
+    // Spreadsheet programs add empty cells to the header if another row is wider.
     while (header.columns.size() > 1 && record.cells[header.columns.size() - 1].trimmed().isEmpty())
         header.columns.removeLast();
 
@@ -240,7 +242,9 @@ SheetRow rowOf(const SheetRecord& record, const Header& header)
     }
     row.name = sheetName(row.file());
     blame(row.name.isEmpty(), RowFault::noFile);
-    blame(isTooLong, RowFault::tooLong);    // last: unlike other faults it may yet be allowed
+    // Checked last, because `fault` is the first fault found, and this one is tolerated for some
+    // images.
+    blame(isTooLong, RowFault::tooLong);
     return row;
 }
 

@@ -13,7 +13,7 @@ enum class SheetColumn { file, title, subtitle, tagline, callToAction, caption }
 
 struct SheetColumnRow {
     SheetColumn value;
-    QStringView rawValue;    // in the header
+    QStringView rawValue;    // name in the header row
     std::optional<CopySlot> slot = {};
 };
 
@@ -65,11 +65,11 @@ static_assert(std::ranges::all_of(rowFaults, [](const auto& r) { return &row(r.f
 static_assert(longestText == 10'000, "what the row of tooLong says");
 
 struct SheetRow {
-    int number = 0;    // as spreadsheet programs count: the header is 1 when it is the first row
-    // By SheetColumn; empty where the sheet has no such column.
+    int number = 0;    // as in spreadsheet programs, where the first row of the file is 1
+    // Indexed by SheetColumn; empty where the sheet has no such column.
     std::array<std::optional<QString>, Vocabulary<SheetColumn>::rows.size()> cells;
-    QString name;    // of the file, as sheetName() gives it
-    // tooLong does not keep the row from an image that already holds that very text.
+    QString name;    // sheetName() of file()
+    // Despite `tooLong`, the row is applied to an image that already has the same long text.
     std::optional<RowFault> fault;
 
     const std::optional<QString>& cell(SheetColumn column) const
@@ -80,23 +80,24 @@ struct SheetRow {
 };
 
 struct TextSheet {
-    QList<SheetRow> rows;    // without the empty ones
-    QString error;           // why the sheet cannot be read at all, as the end of a sentence
+    QList<SheetRow> rows;    // without blank rows
+    QString error;    // why the sheet cannot be read, as the end of a sentence; empty: it was read
 };
 
-// Reads a CSV file: UTF-8, UTF-16 or, as older spreadsheets write it, Windows-1252; a header row,
-// commas or semicolons, any line ends. A fault in one row spoils no other row.
+// Reads a CSV file with a header row: in UTF-8, UTF-16 or Windows-1252 (from older spreadsheet
+// programs), separated by commas, semicolons or what a row like "sep=;" says, with any line ends. A
+// fault in one row does not affect other rows.
 TextSheet readTextSheet(QByteArrayView bytes);
 
-// A file name as names are compared: without blanks around it, its accents composed (NFC).
+// Normalizes a file name for comparison: removes blanks around it and composes accents (NFC).
 QString sheetName(const QString& fileName);
 
-// The item's text for a column; none where the item has no layer for it.
+// The item's text for a column; empty if the item has no layer for it.
 std::optional<QString> textOf(const PublicationItem& item, SheetColumn column);
 
-// Writes the row's texts into the layers of their slots, visible or not, and the caption.
+// Writes the row's texts into the item's layers, visible or hidden, and into its caption.
 void fillTexts(PublicationItem& item, const SheetRow& row);
 
-// The CSV file with the texts of these items. Reading and applying it again changes nothing but
-// line ends and control characters.
+// Makes a CSV file with the texts of these items. If it is read and applied to them again, nothing
+// changes but line ends and control characters.
 QByteArray textSheetOf(const PublicationItems& items);

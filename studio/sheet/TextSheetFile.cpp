@@ -12,7 +12,7 @@ namespace {
 
 constexpr int largestFile = 32;    // MiB
 
-// The numbers of the rows with one fault.
+// The numbers of all rows that have the same fault.
 struct Group {
     RowFault fault;
     QStringList numbers;
@@ -32,7 +32,7 @@ QList<Group> grouped(const QList<RowProblem>& problems)
 
 QString listed(const QStringList& numbers)
 {
-    constexpr qsizetype most = 40;    // row numbers in one sentence
+    constexpr qsizetype most = 40;    // row numbers in one list
     const qsizetype left = numbers.size() - most;
     return left > 0 ? u"%1 y %2 más"_s.arg(numbers.mid(0, most).join(u", "_s)).arg(left)
                     : numbers.join(u", "_s);
@@ -43,7 +43,7 @@ QString listed(const QStringList& numbers)
 TextSheet readTextSheetFile(const QString& path)
 {
     QFile file(path);
-    // Refuses pipes, too: opening one may wait for ever.
+    // Refuses folders and pipes: opening a pipe may wait for ever.
     if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
         return {{}, u"no es un archivo"_s};
     if (!file.open(QIODevice::ReadOnly))

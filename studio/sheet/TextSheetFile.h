@@ -2,12 +2,13 @@
 
 #include "studio/sheet/SheetMatch.h"
 
-// Text sheets on disk, and what the user is told after one was applied.
+// Reads and writes text sheets as files, and describes the result of applying one.
 
-// Both functions wait for the disk. A file larger than any batch could need is not read. Writing
-// gives an empty string, or the system's reason why it failed.
+// Both functions wait for the disk. readTextSheetFile() refuses files far larger than any batch
+// needs. writeTextSheetFile() returns the system's error message; empty on success.
 TextSheet readTextSheetFile(const QString& path);
 QString writeTextSheetFile(const QString& path, const PublicationItems& items);
 
-// "Textos aplicados a 480 imagen(es). 2 fila(s) sin aplicar: 3, 17 (faltan columnas)."
+// A sentence such as "Textos aplicados a 480 imágenes. 2 filas sin aplicar: 3, 17 (faltan
+// columnas)."
 QString sentenceOn(const SheetMatch& match);

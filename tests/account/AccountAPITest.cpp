@@ -250,7 +250,8 @@ TEST_F(AccountAPITest, TheSessionIsOneCookieThatOutlivesTheProgram)
 {
     preferences.setValue(legacyKey, "old");
     auto api = client();
-    // A cookie is taken with any status, from among other cookies, up to its first attribute.
+    // The client takes its cookie from an answer of any status, without attributes, and ignores
+    // other cookies.
     answer(500, "{}",
            "Set-Cookie: other=1; Path=/\r\n"
            "set-cookie: tallerio_session=abc; Path=/; HttpOnly\r\nSet-Cookie: last=2\r\n");
@@ -292,8 +293,8 @@ TEST_F(AccountAPITest, ARefusedSessionTakesNoNewerOneWithIt)
     EXPECT_TRUE(api->holdsSession());
     EXPECT_EQ(preferences.value(cookieKey), "tallerio_session=new");
 
-    // Another program stored its session: this one asks for nothing with that session before it
-    // knows whose it is.
+    // Another program has stored its session. The client sends no other request with that session
+    // until me() has told whose it is.
     preferences.setValue(cookieKey, "tallerio_session=of another");
     EXPECT_NE(outcome(api->reserveSocialCopyCredits(5, u"r"_s)), QString());
     EXPECT_NE(outcome(api->reserveSocialCopyCredits(5, u"r"_s)), QString());

@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Ends the sign-in over the window when a test says so.
+// Completes the sign-in in the browser window only when a test calls complete().
 class FakeWebAuthentication : public WebAuthentication {
 public:
     bool start(const QUrl&, const QString& callbackScheme, Completion completion) override
@@ -38,7 +38,7 @@ class AccountSessionTest : public testing::Test {
 protected:
     AccountSessionTest()
     {
-        // A service with one account, whose answers a test may replace.
+        // Answers of a service with one account; a test may replace them.
         answers["/api/auth/me"] = R"({"balance":100,"profile":{"id":"1","email":"a@b.es"}})";
         answers["/api/auth/login"] = answers["/api/auth/desktop/exchange"] =
             answers["/api/auth/me"];
@@ -95,7 +95,7 @@ protected:
     QTemporaryDir folder;
     PreferencesStore preferences{folder.filePath(u"p.sqlite"_s)};
     ScriptedServer server;
-    QHash<QByteArray, QByteArray> answers;    // by target: an object, or a status
+    QHash<QByteArray, QByteArray> answers;    // by target: a JSON object or an error status
     QByteArray errorBody = "{}";
     AccountAPI api{server.configuration(), preferences};
     FakeWebAuthentication web;
@@ -116,7 +116,7 @@ TEST_F(AccountSessionTest, TheCheckAtTheStartSignsInOrOut)
     EXPECT_TRUE(turnUntil([&] { return signedIn.cloudCopyConfig().costCredits == 12; }));
     EXPECT_EQ(signedIn.displayName(), u"a@b.es"_s);
 
-    // Without settings from the service the session uses its fallback.
+    // If the service does not send its settings, the session uses the fallback.
     answers["/api/publicaciones/config"] = "500";
     awaited(signedIn.refresh());
     EXPECT_TRUE(
@@ -132,7 +132,7 @@ TEST_F(AccountSessionTest, TheCheckAtTheStartSignsInOrOut)
 
 TEST_F(AccountSessionTest, AServiceThatIsLateLeavesTheUserSignedOut)
 {
-    // Signs in although the settings are late; they arrive by themselves.
+    // The sign-in does not wait for the settings, which arrive later.
     server.hold("/api/publicaciones/config");
     EXPECT_TRUE(started().isAuthenticated());
     EXPECT_TRUE(awaited(session->login(u"a"_s, u"b"_s)));
@@ -166,7 +166,7 @@ TEST_F(AccountSessionTest, SigningOutLeavesNothingAndNothingBringsItBack)
     awaited(one.refreshPurchaseHistory());
     awaited(one.buyCredits(10000));
     server.hold("/api/auth/me");
-    QCoro::Task<bool> late = one.refreshSilently();    // asked while still signed in
+    QCoro::Task<bool> late = one.refreshSilently();    // sent before logout()
     QCoro::Task<bool> latest = one.refresh();
     EXPECT_TRUE(awaited(one.logout()));
     server.release();
@@ -242,7 +242,7 @@ TEST_F(AccountSessionTest, ACheckoutStaysPendingUntilItIsConfirmed)
     answers["/api/stripe/confirm"] = confirmation;
     EXPECT_TRUE(awaited(one.confirmPendingCheckout()));
     EXPECT_EQ(one.account().balance, 1100);
-    EXPECT_TRUE(one.isAuthenticated());    // the confirmation has no profile
+    EXPECT_TRUE(one.isAuthenticated());    // although the confirmation contains no profile
     EXPECT_FALSE(one.pendingCheckoutSessionId());
     EXPECT_EQ(one.purchaseHistory().size(), 1);
     EXPECT_EQ(one.message(), u"Compra confirmada."_s);
@@ -393,9 +393,9 @@ TEST_F(AccountSessionTest, TheBalanceIsAskedForAgainAndAgainByOneTimer)
     while (one.account().balance != 42 && watch.elapsed() < 10'000)
         pass(10ms);
     EXPECT_EQ(one.account().balance, 42);
-    EXPECT_LE(asked("/api/auth/me"), 1 + watch.elapsed() / 30);    // one timer's worth
+    EXPECT_LE(asked("/api/auth/me"), 1 + watch.elapsed() / 30);    // no more than one timer sends
     one.stopBalanceSync();
-    pass(300ms);    // for requests under way
+    pass(300ms);    // lets requests under way end
     server.requests.clear();
     pass(100ms);
     EXPECT_EQ(asked("/api/auth/me"), 0);

@@ -16,12 +16,12 @@
 
 using namespace Qt::StringLiterals;
 
-// Requests of the journal while programs start, end and share their preferences. Tests with a real
-// ledger are in tests/studio.
+// Tests of the journal's requests while programs start, end and share their preferences. Tests with
+// a real ledger are in tests/studio.
 
 namespace {
 
-// A service whose ledger holds one reservation.
+// A service that knows one reservation.
 class Bank : public ScriptedServer {
 public:
     Bank()
@@ -46,8 +46,8 @@ public:
     QByteArray user = "1";
     int balance = 1000;
     bool wasReserved = false;
-    bool forgets = false;    // drops its reservation
-    QByteArrayList log;      // "reserve", "refund"
+    bool forgets = false;    // refuses refunds, as if it had lost its reservation
+    QByteArrayList log;      // the requests so far: "reserve", "refund"
 };
 
 bool turnUntil(const std::function<bool()>& isDone)
@@ -112,7 +112,7 @@ QCoro::Task<bool> fail()
 
 class CreditJournalTest : public ::testing::Test {
 protected:
-    // Leaves an open entry, as a program does that is killed at work.
+    // Leaves an open entry, as a program does that is killed while it works.
     void leaveOpen()
     {
         Program doomed(bank, folder.path());
@@ -217,7 +217,7 @@ TEST_F(CreditJournalTest, ALiveProgramIsLeftAlone)
 TEST_F(CreditJournalTest, TheSameAgainTakesTheOpenEntryOver)
 {
     Program program(bank, folder.path());
-    leaveOpen();    // after the program has looked for open entries
+    leaveOpen();    // after `program` has looked for open entries
     EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::done);
     EXPECT_TRUE(program.entries().isEmpty());
     awaited(program.journal.refundLeftOpen());
@@ -247,7 +247,8 @@ TEST_F(CreditJournalTest, WhatIsBeingGivenBackIsNotPaidMeanwhile)
     EXPECT_EQ(bank.log, QByteArrayList({"reserve", "refund", "reserve"}));
 }
 
-// The service confirms the second refund, whether or not the reservation has arrived.
+// The first charge makes the Bank confirm any later refund, even one that comes before its
+// reservation.
 TEST_F(CreditJournalTest, AReservationThatComesLateIsGivenBackWhenItHasCome)
 {
     using namespace std::chrono_literals;
@@ -258,7 +259,7 @@ TEST_F(CreditJournalTest, AReservationThatComesLateIsGivenBackWhenItHasCome)
     bank.hold("/api/credits/social-copy/reserve");
     EXPECT_EQ(program.pay(&succeed).state, ChargeResult::State::notReserved);
     EXPECT_EQ(program.entries().size(), 1);
-    bank.balance = 950;    // the reservation arrives
+    bank.balance = 950;    // the late reservation takes effect
     EXPECT_TRUE(turnUntil([&] { return bank.balance == 1000; }));
     EXPECT_TRUE(turnUntil([&] { return program.entries().isEmpty(); }));
 }
@@ -317,7 +318,7 @@ TEST_F(CreditJournalTest, AFullDiskAndEntriesThatDoNotReadChargeNothingAndBlockN
               u"No se pudo anotar el pago: no se puede escribir en «%1»."_s.arg(folder.path()));
     EXPECT_TRUE(bank.log.isEmpty());
     refuseWrites(false);
-    // The disk fills up during the work: the refunded entry is struck later.
+    // The disk fills up during the work: the credits are refunded now, the entry is removed later.
     const ChargeResult failed = program.pay([&] {
         refuseWrites(true);
         return fail();

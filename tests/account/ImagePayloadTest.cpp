@@ -45,6 +45,6 @@ TEST(ImagePayload, SendsWhatIsNoPhotoAsItIs)
     EXPECT_THROW(preparedImagePayload(folder.filePath(u"absent.jpg"_s)), AccountError);
 
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(file.resize(qint64(1) << 32));    // sparse
+    ASSERT_TRUE(file.resize(qint64(1) << 32));    // 4 GiB, without using disk space
     EXPECT_THROW(preparedImagePayload(path), AccountError);
 }

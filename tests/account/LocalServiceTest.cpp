@@ -35,7 +35,7 @@ int statusOf(const QUrl& page)
     return awaited(client.send(request)).status;
 }
 
-// Id of the process that listens at the socket of the data folder.
+// The id of the process that listens at the socket of the data folder.
 pid_t processOf(const QTemporaryDir& folder)
 {
     QLocalSocket socket;
@@ -74,7 +74,7 @@ TEST(LocalService, IsStartedOnceForAllAndAnewWhenItIsGone)
     const QUrl address = awaited(std::move(one));
     EXPECT_EQ(awaited(std::move(again)), address);
     EXPECT_EQ(awaited(std::move(other)), address);
-    EXPECT_EQ(awaited(first.address()), address);    // from memory
+    EXPECT_EQ(awaited(first.address()), address);    // remembered by `first`
     EXPECT_EQ(statusOf(address), 200);
 
     const pid_t process = processOf(folder);
@@ -112,7 +112,8 @@ TEST(LocalService, TellsAtOnceWhyItCouldNotStart)
     LocalService service(place);
     EXPECT_TRUE(problemOf(service).contains(u"dañada. Se ha apartado"_s));
     EXPECT_EQ(problemOf(service), QString()) << "the user knows, and another one begins";
-    // When the program cannot run, the reason is the system's text in the log.
+    // If the service's program fails to run, the problem ends with what the program wrote to its
+    // log.
     const QTemporaryDir other;
     place = placeIn(other);
     place.program = other.filePath(u"roto"_s);

@@ -13,12 +13,12 @@
 #include <functional>
 #include <utility>
 
-// An HTTP server that answers as a test says and remembers the requests.
+// An HTTP server that gives the answers a test sets, and records the requests.
 class ScriptedServer : public QTcpServer {
 public:
     struct Request {
         QByteArray method, target, head, body;
-        // The value of a header, empty without it.
+        // The value of the header `name`; empty if there is none.
         QByteArray header(const QByteArray& name) const
         {
             for (const QByteArray& line : head.split('\n')) {
@@ -49,7 +49,7 @@ public:
     }
     void setAnswer(Answer answer) { m_answer = std::move(answer); }
     void answerNothing() { m_isSilent = true; }
-    // Requests for `target` wait for release().
+    // Leaves requests for `target` unanswered until release().
     void hold(const QByteArray& target) { m_heldTarget = target; }
     void release()
     {

@@ -8,7 +8,7 @@
 
 int main(int argc, char** argv)
 {
-    // The build runs this program to list its cases, without the tests' environment.
+    // CTest lists the test cases without the environment in which it runs them.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
     int result = 0;

@@ -5,7 +5,7 @@
 #include <QMouseEvent>
 #include <QWidget>
 
-// Events of a user's clicks and keys, sent straight to a widget.
+// The functions send the events of a user's clicks, keys and pointer straight to a widget.
 inline void press(QWidget& widget, QPoint at, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
     for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
@@ -22,7 +22,7 @@ inline void type(QWidget& widget, int key, Qt::KeyboardModifiers modifiers = Qt:
     QApplication::sendEvent(&widget, &event);
 }
 
-// `type`: HoverEnter or HoverLeave.
+// `type` is HoverEnter or HoverLeave.
 inline void hover(QWidget* widget, QEvent::Type type)
 {
     QHoverEvent event(type, widget->rect().center(), widget->rect().center(), QPointF());

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-// Checks the dependencies between folders that CONTRIBUTING.md shows. Linking does not: a forbidden
-// header whose symbols stay unused still builds.
+// Checks the dependencies between folders that CONTRIBUTING.md shows. Linking does not check them:
+// a forbidden header whose symbols stay unused still builds.
 
 using namespace Qt::StringLiterals;
 
@@ -26,7 +26,7 @@ const QList<Room>& rooms()
         batch + QStringList{u"studio/sheet"_qs, u"studio/export"_qs, u"studio"_qs};
     static const QStringList ofService{u"service"_qs, u"service/store"_qs, u"account"_qs,
                                        u"model"_qs, u"platform"_qs};
-    // Each list contains the ones before it.
+    // Each list from here to `part` contains the list before it.
     static const QStringList looks{u"platform"_qs, u"model"_qs, u"account"_qs, u"canvas"_qs,
                                    u"app/theme"_qs};
     static const QStringList controls = looks + QStringList{u"app/controls"_qs};
@@ -79,7 +79,7 @@ const QList<Room>& rooms()
     return table;
 }
 
-// The room a file belongs to, the innermost if rooms are nested; empty for files of no room.
+// The room that `file` belongs to, the innermost if rooms are nested; empty if it belongs to none.
 QString roomOf(const QString& file)
 {
     QString innermost;
@@ -164,7 +164,7 @@ TEST(Architecture, includesOfOursAreWrittenFromTheTopFolder)
     }
 }
 
-// A unit is a header with its source.
+// A unit is a header together with its source file.
 TEST(Architecture, noUnitNeedsItselfThroughOthers)
 {
     const auto unitOf = [](QString file) { return file.section(u'.', 0, 0); };

@@ -12,7 +12,8 @@ TEST(BoxShadow, blurIsAGaussianOfTheGivenDeviation)
         for (int y = 0; y < 3; ++y)
             std::fill_n(step.scanLine(y) + 200, 200, uchar(255)),
                 std::fill_n(step.scanLine(y), 200, uchar(0));
-        QImage column = step.scaled(400, 400);    // so high that the rows around row 200 are equal
+        // High enough that the upper and lower edges do not affect the blur of row 200.
+        QImage column = step.scaled(400, 400);
         gaussianBlur(column, sigma);
         for (int x = 200 - int(3 * sigma); x < 200 + int(3 * sigma); ++x) {
             const double expected =
@@ -30,7 +31,7 @@ TEST(BoxShadow, aVeryWideBlurLooksLikeAWideOne)
             boxShadow({300, -9000, 9000, 18000}, 0, sigma, Qt::black, {0, 0, 600, 200});
         return qAlpha(shadow.image.pixel(QPoint(300 - int(sigma), 100) - shadow.position));
     };
-    // Samples one deviation outside a straight edge.
+    // Samples one standard deviation outside a straight edge, where a Gaussian blur leaves 15.87 %.
     EXPECT_NEAR(atEdge(59), 255 * 0.1587, 3);
     EXPECT_NEAR(atEdge(121), 255 * 0.1587, 3);
     EXPECT_NEAR(atEdge(250), 255 * 0.1587, 3);
@@ -47,8 +48,8 @@ TEST(BoxShadow, theBoxItselfIsNotCutOutAndTheColourKeepsItsOpacity)
     EXPECT_NEAR(qAlpha(edge), 64, 8) << "half of it at the edge of the box";
 }
 
-// A wide box is blurred at a shorter length and its middle repeated; the result must equal the
-// whole box blurred.
+// boxShadow() blurs a shortened box and repeats its middle. The result must equal a blur of the
+// whole box.
 TEST(BoxShadow, aWideBoxIsAsBlurredWhole)
 {
     for (const double sigma : {0.4, 3.0, 14.0}) {

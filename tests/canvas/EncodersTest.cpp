@@ -24,7 +24,7 @@ QImage pattern(QSize size, QImage::Format format)
     return image.convertToFormat(format);
 }
 
-// Noise, in which the predictors of a byte often tie.
+// Noise, for which several PNG predictors of a byte are often equally good.
 QImage noisyPattern(QSize size, QImage::Format format)
 {
     QImage image(size, QImage::Format_ARGB32);

@@ -13,8 +13,8 @@ namespace {
 
 constexpr QSizeF paintedCanvas(200, 200);
 
-// An item without photo, texts and shapes, for a test to fill. White layers show on the black
-// ground.
+// An item without photo, texts and shapes, for a test to fill. White layers are visible on its
+// black background.
 PublicationItem emptyItem()
 {
     PublicationItem item = PublicationItem::make(QUrl(), {});
@@ -101,7 +101,7 @@ TEST(ItemPainter, sharpCornersOfAThickTriangleKeepTheirPoints)
     item.shapeLayers[0].strokeOpacity = 1;
     item.shapeLayers[0].strokeWidth = 10;
     const ItemLayout layout = layOut(item, paintedCanvas, paintedCanvas);
-    // The triangle is 20 wide and 100 high. Its stroke's point lies above the apex by half the
+    // The triangle is 20 wide and 100 high. The tip of its stroke is above the apex by half the
     // stroke width over the sine of half the apex angle.
     const double point = 80 - 5 / std::sin(std::atan2(10, 100));
     const QImage image = rendered(item);
@@ -149,7 +149,7 @@ TEST(ItemPainter, aRadiusIsAtMostHalfTheShorterSide)
     }
 }
 
-// A photo one pixel wide, fitted to the canvas width, is millions of times as high as the canvas.
+// A photo one pixel wide becomes millions of times as high as the canvas when fitted to its width.
 TEST(ItemPainter, aPhotoAsThinAsOneMayBeIsDrawn)
 {
     PublicationItem item = emptyItem();
@@ -296,7 +296,7 @@ TEST(ExportCanvasRenderer, theLevelDependsOnWhatIsDrawn)
     EXPECT_EQ(level(png, 1, {1080, 1350}, 0.1), PhotoLevel::full);
 }
 
-// A tile is the same layout at another scale: no text may break or shrink differently.
+// A tile shows the layout of the export at another scale: no text may break or shrink differently.
 TEST(ItemPainter, aTileShowsTheExportMadeSmaller)
 {
     const PublicationItem item = PublicationItem::make(QUrl(), {});

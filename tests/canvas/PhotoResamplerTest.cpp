@@ -17,7 +17,7 @@ QImage noise(QSize size, QImage::Format format)
     return image.convertToFormat(format);
 }
 
-// One pixel resampled with the kernel in doubles, both directions at once.
+// Resamples one pixel with the kernel in doubles, in both directions at once.
 QRgb reference(const QImage& source, QSize target, QPoint at)
 {
     const auto kernel = [](double x) {
@@ -60,7 +60,7 @@ TEST(PhotoResampler, agreesWithTheKernelInDoubles)
                                   std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
             }
         }
-        // resampled() rounds to bytes, and cuts off overshoot, between the two directions.
+        // resampled() works in two passes; between them it rounds to bytes and cuts off overshoot.
         EXPECT_LE(worst, target == photo.size() ? 0 : 24) << target.width();
     }
 }
@@ -95,7 +95,7 @@ TEST(PhotoResampler, flatColourStaysExactAndTransparencyStaysPremultiplied)
     }
 }
 
-// Resampling the whole of a panorama at full zoom would take hundreds of megabytes.
+// Resampling a whole panorama at full zoom would take hundreds of megabytes.
 TEST(PhotoResampler, anEnormousTargetCostsOnlyItsWindow)
 {
     const QImage photo = noise({500, 4}, QImage::Format_RGB32);

@@ -53,7 +53,7 @@ TEST(RenderFingerprint, NothingThatCannotBeSeenIsInIt)
             i.placement.offset = {-0.0, -0.0};
         },
         [](PublicationItem& i) { i.layers[0].text += u"  "_s; },
-        [](PublicationItem& i) { i.layers[0].shadowColor.alpha = 0.5; },    // unused
+        [](PublicationItem& i) { i.layers[0].shadowColor.alpha = 0.5; },    // not drawn
         [](PublicationItem& i) { i.shapeLayers[0].stroke = codableBlack; },
         [](PublicationItem& i) { i.shapeLayers[1].cornerRadius = 40; },
         [](PublicationItem& i) { i.shapeLayers[2].fill = codableWhite; },
@@ -137,7 +137,8 @@ TEST(RenderFingerprint, EverythingThatIsSeenIsInIt)
     EXPECT_EQ(all.size(), 1 + seen.size() + 3 + 1);
 }
 
-// Fallback fonts, directions and emoji, for which Qt returns the glyph runs in no fixed order.
+// Uses emoji and letters that only a fallback font has: Qt returns their glyph runs in no fixed
+// order.
 TEST(RenderFingerprint, TellsLettersOfOtherFontsApartAndForgetsNothing)
 {
     const auto written = [](const QString& text, const QString& font, double alpha = 1) {
@@ -153,8 +154,8 @@ TEST(RenderFingerprint, TellsLettersOfOtherFontsApartAndForgetsNothing)
     EXPECT_NE(written(party, regular, 0), written(u"✨"_s, regular, 0));
     EXPECT_EQ(written(party, regular, 0), written(party, regular, 1)) << "brings its colours";
 
-    // The box lies beside the canvas, but its shadow reaches it. An earlier request must not change
-    // that.
+    // The box is outside the canvas, but its shadow reaches into it. The fingerprint must not
+    // depend on earlier calls.
     const auto beside = [](PublicationItem& i, double shadow) {
         i.layers[0].frame = {-0.56, 0.3, 0.5, 0.2};
         i.layers[0].shadowDistance = shadow;
@@ -166,8 +167,8 @@ TEST(RenderFingerprint, TellsLettersOfOtherFontsApartAndForgetsNothing)
     EXPECT_EQ(fingerprintAfter([&](PublicationItem& i) { beside(i, 50); }), far);
 }
 
-// Paid renders are stored under their fingerprints. A fingerprint that changes without a change of
-// pixels makes users pay twice; when the pixels change too, increase rendererVersion.
+// Paid renders are recognized by their stored fingerprints. A fingerprint that changes while the
+// pixels stay the same makes users pay twice. When the pixels change too, increase rendererVersion.
 TEST(RenderFingerprint, IsTheSameInEveryRun)
 {
     PublicationItem item = sample();
@@ -175,7 +176,8 @@ TEST(RenderFingerprint, IsTheSameInEveryRun)
     const QString here = renderFingerprint(sourceOf(item));
     EXPECT_TRUE(isRenderAmong({u"render-x"_s, here}, sourceOf(item)));
     EXPECT_FALSE(isRenderAmong({here.chopped(1), u"pixels-x"_s}, sourceOf(item)));
-    // Qt's hashes by address have another order in each process, so the program runs itself again.
+    // Hash tables with addresses as keys have another order in each process, so the test starts its
+    // program again.
     std::printf("fingerprint %s\n", qPrintable(here));
     if (qEnvironmentVariableIsSet("FINGERPRINT_ONLY"))
         return;

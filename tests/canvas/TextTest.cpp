@@ -19,7 +19,7 @@ TextLayer layerOf(CopySlot slot, const QString& text)
     return TextLayer(QUuid::createUuid(), slot, text, true, {});
 }
 
-// The fitted size by definition: tries every size.
+// The fitted font size by its definition: tries every size.
 double fittedSlowly(const TextLayer& layer, QSizeF area, double s)
 {
     const double shares[4][2] = {{0.42, 0.13}, {0.34, 0.075}, {0.42, 0.08}, {0.42, 0.085}};
@@ -132,7 +132,7 @@ TEST(TextFitting, namedFontsAreFoundByFullNameAndFamilyAndElseReplaced)
     EXPECT_EQ(weightOf(u"Inter"_s).second, QFont::Normal);
     EXPECT_EQ(weightOf(u"Inter Light"_s).second, QFont::Light);
     EXPECT_EQ(weightOf(u"Inter Display Black"_s).second, QFont::Black);
-    // Style names that the font files do not have, as on a system in another language.
+    // The font files do not have these style names, as on a system in another language.
     EXPECT_EQ(weightOf(u"Inter Demi Bold"_s).second, QFont::DemiBold);
     EXPECT_EQ(weightOf(u"Inter Negrita"_s), weightOf(u"System"_s));
 }
@@ -157,7 +157,7 @@ TEST(TextLayoutMetrics, tallTextStartsAtTheTopOfItsBox)
     EXPECT_EQ(placed, QRectF(10, 20, 100, 60));
 }
 
-// A text laid out once must break alike at every size at which it is shown.
+// A text must break into the same lines at every size at which it is shown.
 TEST(TextLayoutMetrics, linesDependOnProportionsAlone)
 {
     const QString text = u"Casas rurales con chimenea, a un paso del sendero y de la sierra"_s;
@@ -193,7 +193,7 @@ TEST(LaidOutText, aTextRunsInTheDirectionOfItsOwnLetters)
         LaidOutText(styledText(layerOf(CopySlot::title, text), 40), 300).draw(painter, {});
         return image;
     };
-    // A direction mark at the end would move the "!" if it were not already on the right side.
+    // A direction mark at the end would move the "!" if it were not already on the correct side.
     EXPECT_EQ(drawn(u"שלום!"_s), drawn(u"שלום!\u200f"_s));
     EXPECT_EQ(drawn(u"Hola!"_s), drawn(u"Hola!\u200e"_s));
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr QSize warningCanvas(400, 400);
 
-// An item with the layer over a photo as large as the canvas.
+// An item with `layer` over a photo as large as the canvas.
 PublicationItem itemWith(const TextLayer& layer)
 {
     PublicationItem item = PublicationItem::make(
@@ -54,7 +54,8 @@ QList<TextWarning> warningsOf(const PublicationItem& item, const QImage& photo)
 
 TEST(TextWarnings, contrastIsThatOfWhatLiesUnderTheLetters)
 {
-    constexpr QRgb white = 0xFFFFFF, black = 0, grey = 0x949494;    // 3.03 with white
+    // The contrast of grey with white is 3.03.
+    constexpr QRgb white = 0xFFFFFF, black = 0, grey = 0x949494;
     TextLayer boxed = smallText();
     boxed.hasBox = true;
     boxed.background = codableBlack;
@@ -96,7 +97,7 @@ TEST(TextWarnings, emojiHaveTheirOwnColours)
         GTEST_SKIP() << "the emoji font is not installed";
     const struct {
         QString text;
-        QRect dark;    // dark part of a white photo
+        QRect dark;    // the dark part of a white photo
         bool warned;
     } cases[] = {
         {u"❤️🎉"_s, {}, false},

@@ -43,7 +43,7 @@ protected:
     }
 
     QTemporaryDir m_home;
-    QString m_output;    // a file for standard output; empty: a pipe
+    QString m_output;    // the file that gets the standard output; empty: a pipe
 };
 
 }    // namespace
@@ -97,7 +97,7 @@ TEST_F(AccountCommandsTest, ASessionThatCannotBeKeptIsNoSignIn)
     EXPECT_EQ(run({u"account"_s}).status, 0);
     run({u"logout"_s});
 
-    // All names for setting the damaged store aside are taken.
+    // All names under which the damaged store could be set aside are taken.
     const QString store = m_home.filePath(u"data/moltiva/moltiva.sqlite"_s);
     QFile::remove(store);
     QDir().mkpath(store);
@@ -120,7 +120,7 @@ TEST_F(AccountCommandsTest, WrongUseIsToldBeforeAnythingIsSent)
     m_output.clear();
     EXPECT_EQ(run({u"logout"_s, u"ahora"_s}).status, 2);
     EXPECT_EQ(run({u"account"_s, u"--service"_s, u"http://example.org"_s}).status, 2);
-    EXPECT_EQ(run({u"login"_s, u"--email"_s, u"a@b.es"_s}).status, 1);    // no password
+    EXPECT_EQ(run({u"login"_s, u"--email"_s, u"a@b.es"_s}).status, 1);    // no password given
     EXPECT_EQ(run({u"login"_s, u"--email"_s, u"a@b.es"_s}, QByteArray(5000, 'x')).status, 1);
     EXPECT_EQ(run({u"login"_s, u"--email"_s, u"a@b.es"_s}, "contrase\xF1"
                                                            "a\n")

@@ -68,14 +68,15 @@ protected:
         for (const char* name : {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME"})
             environment.insert(QString::fromLatin1(name), path(u"home"_s));
         environment.insert(u"MOLTIVA_SERVICE_URL"_s, m_service);
-        // Exiting threads of Qt hold memory that the leak checker of the child takes for leaked,
-        // once in a dozen runs. Other tests check this code in this process.
+        // The leak checker of the child sometimes takes memory of exiting Qt threads for leaked.
+        // Other tests check the same code for leaks in this process.
         environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s);
         process->setProcessEnvironment(environment);
         process->start(QStringLiteral(MOLTIVA_PROGRAM), arguments);
         return process;
     }
-    // Runs the event loop: the service that answers the program lives in this process.
+    // Waits while running the event loop, because the service that answers the program is in this
+    // process.
     static void wait(const std::function<bool()>& until)
     {
         QElapsedTimer watch;
@@ -106,7 +107,8 @@ protected:
     }
     Outcome runExport(const QStringList& arguments) { return run(exportTo(arguments)); }
 
-    // Charges and refunds, as "reserve 50 #1"; requests are numbered by first use.
+    // The charges and refunds as "reserve 50 #1"; "#1" is the request identifier that was used
+    // first.
     QStringList charges() const
     {
         QStringList charges, ids;
@@ -167,7 +169,7 @@ TEST_F(ExportCommandTest, skipsWhatIsNoPhotoAndKeepsEqualNamesApart)
     EXPECT_TRUE(outcome.err.contains(path(u"x.jpg"_s) + u": No se pudo leer la foto."_s))
         << qPrintable(outcome.err);
 
-    // A photo whose name is in another encoding.
+    // Creates a file whose name is not in UTF-8.
     photo(u"c/g.jpg"_s);
     ASSERT_TRUE(std::ofstream(path(u"c"_s).toStdString() + "/ca\xf1"
                                                            "a.jpg")
@@ -183,7 +185,7 @@ TEST_F(ExportCommandTest, aPhotoThatFailsOnlyWhenItIsDrawnIsSkippedAndCostsNothi
 {
     const QString good = photo(u"f.jpg"_s), damaged = photo(u"a.png"_s);
     QFile file(damaged);
-    ASSERT_TRUE(file.resize(file.size() / 2));    // leaves the header whole
+    ASSERT_TRUE(file.resize(file.size() / 2));    // keeps the header whole
     const QString skipped = damaged + u": No se pudo leer la foto.\n"_s;
 
     const Outcome dry = runExport({u"--dry-run"_s, damaged, good});
@@ -478,7 +480,7 @@ TEST_F(ExportCommandTest, whatCannotBeWrittenIsGivenBack)
 TEST_F(ExportCommandTest, anInterruptCostsNothing)
 {
     const QString one = photo(u"f.jpg"_s);
-    // Drawing sixty images takes longer than the signal.
+    // The signal comes while the sixty images are still being drawn.
     const auto early = started(exportTo(QStringList{u"--jobs"_s, u"1"_s} + QStringList(60, one)));
     QByteArray said;
     wait([&] { return (said += early->readAllStandardError()).contains("Coste:"); });
@@ -538,7 +540,7 @@ TEST_F(ExportCommandTest, laysATemplateOverEveryPhoto)
     EXPECT_EQ(done.status, 0) << done.err.toStdString();
     for (const QString& name : {u"a"_s, u"b"_s}) {
         const QImage image(path(u"out/%1-publicacion.png"_s.arg(name)));
-        EXPECT_EQ(image.size(), QSize(1080, 1080));    // of the template's format
+        EXPECT_EQ(image.size(), QSize(1080, 1080));    // the size of the template's format
         EXPECT_EQ(image.pixelColor(540, 200), QColor(0xFF8000));
         EXPECT_EQ(image.pixelColor(540, 800), QColor(Qt::darkGreen));
     }

@@ -114,7 +114,7 @@ TEST(Json, hostileBytesGiveNothing)
     }
 }
 
-// A record with kinds of fields beyond those of model/: addresses, bytes, sets, absent values,
+// A record with kinds of fields that model/ does not have: addresses, bytes, sets, absent values,
 // whole numbers.
 namespace {
 

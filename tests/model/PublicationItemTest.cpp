@@ -41,7 +41,8 @@ TEST(PublicationItem, filenameLosesItsLastExtensionOnly)
     EXPECT_EQ(item.filename(), u"100% ñ#1"_s);
 }
 
-// Undo compares items to tell whether an edit changed anything: a single step of a slider must.
+// Undo compares items to find out whether an edit changed anything, so the smallest step of a
+// slider must make two items different.
 TEST(PublicationItem, equalitySeesTheSmallestChangeOfAnyField)
 {
     const PublicationItem item = freshItem();

@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-// Files written by earlier versions carry these words.
+// Files written by earlier versions contain these words.
 TEST(Vocabulary, storedWordsNeverChange)
 {
     const auto words = []<typename E>(E) {

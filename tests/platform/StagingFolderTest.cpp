@@ -98,7 +98,7 @@ TEST(PrivateSocket, StandsInAFolderThatIsTheUsersAlone)
     QFile::setPermissions(shared.path(), QFile::permissions(shared.path()) | QFile::ExeOther);
     const QString link = data.filePath(u"link"_s);
     QFile::link(runtime.path(), link);
-    // A session manager makes this folder; there may be none.
+    // /run/user/UID exists only if a session manager has made it.
     const QString system = u"/run/user/%1"_s.arg(::geteuid());
     const bool hasSystem = QFileInfo::exists(system);
     const QString beside = hasSystem ? system : data.filePath(u"run"_s);

@@ -31,8 +31,8 @@ TEST(Workers, failuresArriveAtTheFuture)
 
 namespace {
 
-// Each function ends its process, as finished workers stay finished. A failure or hang does not
-// exit with 0.
+// Each of the two functions below ends its process, because workers() cannot be used again after
+// finishWorkers(). The process exits with 0 only if the function neither fails nor hangs.
 [[noreturn]] void finishWithWorkWaiting()
 {
     alarm(20);

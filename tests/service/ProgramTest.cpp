@@ -20,8 +20,8 @@ bool hasEnded(QProcess& program)
     return program.state() == QProcess::NotRunning || program.waitForFinished(10'000);
 }
 
-// Runs the service with a data folder and a runtime folder of the test; Qt puts local sockets into
-// the latter.
+// Runs the service with a data folder and a runtime folder of the test's own. Qt creates local
+// sockets in the runtime folder.
 class ProgramTest : public testing::Test {
 protected:
     void start(QProcess& program, const QStringList& more = {})
@@ -143,7 +143,7 @@ TEST_F(ProgramTest, refusesWrongUseAndFoldersItCannotUse)
 TEST_F(ProgramTest, aLostLedgerIsToldBeforeAnotherBegins)
 {
     const QString file = data() + u"/servicio.sqlite"_s;
-    // Starts the service and ends it again if it runs. Returns what it wrote as errors.
+    // Starts the service and ends it if it runs. Returns what it wrote to standard error.
     const auto startAndEnd = [&] {
         QProcess program;
         start(program);
@@ -156,7 +156,7 @@ TEST_F(ProgramTest, aLostLedgerIsToldBeforeAnotherBegins)
     };
     EXPECT_EQ(startAndEnd(), QString());
     QFile ledger(file);
-    // Damages a page in the middle; the head of the file stays whole.
+    // Damages the middle of the file, but not its header.
     EXPECT_TRUE(ledger.open(QIODevice::ReadWrite) && ledger.seek(ledger.size() / 2) &&
                 ledger.write(QByteArray(5000, 'x')) == 5000);
     ledger.close();

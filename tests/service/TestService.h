@@ -80,7 +80,7 @@ public:
         return post("/api/auth/register", {{"email", email}, {"password", password}});
     }
 
-    std::map<std::string, std::string> cookies;    // as a browser keeps them
+    std::map<std::string, std::string> cookies;    // by name; received and sent as a browser does
     std::atomic<qint64> now = 1'800'000'000'000;
     CopyProvider provider;
     static constexpr const char* password = "una-contraseña";

@@ -12,17 +12,17 @@
 enum class Fault {
     none,
     noConnection,
-    resetBefore,    // the service never gets the request
-    resetAfter,     // the service acts, and its answer is lost
-    errorBefore,    // 500
+    resetBefore,    // the connection breaks; the service never gets the request
+    resetAfter,     // the connection breaks after the service has acted on the request
+    errorBefore,    // status 500; the service never gets the request
     errorAfter,
-    signedOutBefore,    // 401
+    signedOutBefore,    // status 401; the service never gets the request
     signedOutAfter,
-    lateAnswer,     // the service acts at once, and its answer is held back
-    lateRequest,    // the service gets the request when the client no longer waits
+    lateAnswer,     // the client gets the service's answer after `delay`
+    lateRequest,    // the service gets the request after `delay`; the client gets no answer in time
 };
 
-// Passes requests to a service, and spoils those for one target.
+// Passes requests to a service, but applies a fault to those for one target.
 class FaultyProxy : public QTcpServer {
 public:
     explicit FaultyProxy(int servicePort) : m_servicePort(servicePort)
@@ -42,8 +42,8 @@ public:
         m_target = target;
         m_fault = fault;
     }
-    // Ends the fault. After Fault::noConnection listens again, which the first spoiled request
-    // ended.
+    // Ends the fault. After Fault::noConnection, whose first request closed the proxy, listens
+    // again.
     void heal()
     {
         m_fault = Fault::none;
@@ -88,7 +88,7 @@ private:
     void forward(QByteArray request, const QPointer<QTcpSocket>& client, Fault fault)
     {
         request.replace("Connection: Keep-Alive", "Connection: close");
-        // The service accepts only its own address as host.
+        // Replaces the proxy's address, because the service accepts only its own as host.
         request.replace(url().authority().toUtf8(),
                         "127.0.0.1:" + QByteArray::number(m_servicePort));
         auto* service = new QTcpSocket(this);

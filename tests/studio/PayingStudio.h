@@ -56,7 +56,7 @@ public:
             .entryList(QDir::Files | QDir::Hidden, QDir::Name);
     }
 
-    // Reserves credits, as another program of the user would, until `balance` is left.
+    // Reserves credits until `balance` is left, as another program of the user would.
     void leaveCredits(qint64 balance)
     {
         const qint64 now = service.get("/api/auth/me").json()["balance"];
@@ -83,7 +83,7 @@ public:
         QSqlDatabase::removeDatabase(QStringLiteral("ledger"));
         return entries;
     }
-    // The sum that the ledger charges for renders, less refunds.
+    // The credits charged for renders less those refunded, according to the ledger.
     int charged() const
     {
         int sum = 0;
@@ -96,8 +96,8 @@ public:
     mutable TestService service;
 };
 
-// One run of the program in a PayingWorld. `address`: of a proxy before the service; empty: the
-// service itself.
+// One run of the program in a PayingWorld. It connects to `address`, which may be that of a proxy;
+// if empty, to the service of the PayingWorld.
 class PayingStudio {
 public:
     explicit PayingStudio(PayingWorld& ofWorld, const QUrl& address = {},
@@ -120,7 +120,7 @@ public:
 
     void signIn()
     {
-        // Without the tests' short time limits: hashing a password takes its time.
+        // Signs in without the tests' short time limits, because hashing a password takes long.
         AccountAPI patient(m_configuration, preferences);
         awaited(patient.login(QStringLiteral("ana@ejemplo.es"),
                               QString::fromUtf8(TestService::password)));
@@ -147,7 +147,7 @@ public:
         EXPECT_TRUE(turnUntil([this] { return !session.isExporting(); }));
         return session.status();
     }
-    // Prices of the current image and of exportAll(), once they are up to date.
+    // Waits for the costs. Returns the prices of exportCurrent() and exportAll(); -1 if unknown.
     std::pair<qint64, qint64> prices()
     {
         EXPECT_TRUE(turnUntil([this] { return session.exports().areCostsUpToDate(); }));

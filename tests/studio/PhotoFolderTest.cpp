@@ -26,7 +26,7 @@ TEST(PhotoFolder, givesPhotosInNaturalOrderWithoutHiddenFilesAndSubfolders)
                                   u"foto2.JPG"_s, u"foto10.jpg"_s}))
         << qPrintable(names.join(u' '));
 
-    // A named file is taken whatever its extension is.
+    // A file that is named itself, and not found in a folder, is taken whatever its extension.
     const QUrl odd = QUrl::fromLocalFile(folder.filePath(u"f.webp"_s));
     const QList<QUrl> mixed = photosIn({odd, QUrl::fromLocalFile(folder.path())}).photos;
     EXPECT_EQ(mixed.size(), 7);
@@ -34,7 +34,7 @@ TEST(PhotoFolder, givesPhotosInNaturalOrderWithoutHiddenFilesAndSubfolders)
     EXPECT_TRUE(photosInFolder(u"/no/such/folder"_s).isEmpty());
     EXPECT_TRUE(unreachablePhotosInFolder(u"/no/such/folder"_s).isEmpty());
 
-    // Names in another encoding have no URL and are reported.
+    // Names that are not in UTF-8 have no URL, so they are reported.
     for (const char* name : {"/ca\xf1"
                              "a.jpg",
                              "/.ca\xf1"

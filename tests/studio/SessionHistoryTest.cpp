@@ -71,7 +71,7 @@ protected:
         layer.fontScale = scale;
         session->editLayer(layer, LayerEdits::Copied::style, pace);
     }
-    // An undo ends in the next turn of the event loop.
+    // Undoes and runs the next turn of the event loop, in which the undo ends.
     void undo()
     {
         session->undo();
@@ -87,7 +87,8 @@ protected:
     std::shared_ptr<PhotoCache> m_photos = std::make_shared<PhotoCache>(m_data.path());
     PreferencesStore preferences{m_data.filePath(u"p.sqlite"_s)};
     StudioHistory::Time now{};
-    // Marks the item's render as paid, with one name for ingredients and pixels.
+    // Marks the item's render as paid. `fingerprint` stands for its properties as well as its
+    // pixels.
     void markPaid(QUuid item, const QString& fingerprint)
     {
         RenderedOutput output{{}, {}, fingerprint, fingerprint};
@@ -103,7 +104,7 @@ protected:
 TEST_F(SessionHistoryTest, eachKindOfChangeIsTakenBackWithItsSelection)
 {
     const Batch imported = batch();
-    session->selectAll();    // no step, but part of the state before restyle()
+    session->selectAll();    // not a step, but part of what undoing restyle() restores
     const Batch selected = batch();
     restyle(1.5);
     const Batch restyled = batch();
@@ -146,7 +147,7 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     EXPECT_EQ(batch().items[1].layers[0].frame.x, 0.05);
     EXPECT_EQ(stored().items[2].layers[0].frame.x, 0.05);
 
-    // A pan that moves nothing deselects the layer; it is no step, so redo stays possible.
+    // A pan that moves nothing deselects the layer. It is no step, so redo stays possible.
     undo();
     session->selectLayer(moved.layers[1].id);
     session->beginCanvasHistoryEdit();
@@ -158,7 +159,7 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     redo();
     EXPECT_EQ(batch().items[1].layers[0].frame.x, 0.05);
 
-    // Hiding and removing on the canvas reach all selected items too.
+    // Hiding a text and removing shapes on the canvas reach all selected items too.
     now += 1s;
     session->addShape(ShapeKind::circle);
     PublicationItem hidden = *batch().currentItem();
@@ -176,7 +177,7 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     EXPECT_EQ(batch(), before);
 }
 
-// Receivers of batchChanged() ask canUndo().
+// Receivers of batchChanged() call canUndo(), so it must be true already when they are called.
 TEST_F(SessionHistoryTest, theFirstGestureCanBeUndoneWhenItIsTold)
 {
     session = opened();
@@ -195,7 +196,7 @@ TEST_F(SessionHistoryTest, theFirstGestureCanBeUndoneWhenItIsTold)
     EXPECT_FALSE(couldUndo);
 }
 
-// The canvas clears the selection as it hides a layer.
+// The canvas clears the selection when it hides a layer; undo restores both.
 TEST_F(SessionHistoryTest, hidingALayerTakesItsSelectionIntoTheStep)
 {
     const Batch before = batch();
@@ -216,8 +217,8 @@ TEST_F(SessionHistoryTest, aResultInTheTurnOfAnUndoIsAStepOfItsOwn)
         if (import && import->done > 0)
             session->undo();
     });
-    // The import ends in the turn of the loop that undoes: its photos are looked at already. A
-    // quick worker lets it end before load() returns.
+    // The slot undoes when the photo has been looked at, so the import ends in the same turn of the
+    // event loop as the undo. With a quick worker, that is before load() returns.
     session->load({QUrl::fromLocalFile(file(0))});
     EXPECT_TRUE(waitFor([&] { return !session->isImporting(); }));
     ASSERT_EQ(batch().items.size(), 1);
@@ -232,7 +233,7 @@ TEST_F(SessionHistoryTest, aPanThatShowsNothingIsNoStep)
     restyle(1.5);
     undo();
     const Batch before = batch();
-    // The photo fills the canvas vertically: a vertical offset changes nothing.
+    // The photo has just the height of the canvas, so a vertical offset changes nothing.
     session->setPlacement({ImageFitMode::fill, 1, {0, 0.3}});
     EXPECT_EQ(batch(), before);
     EXPECT_TRUE(session->canRedo());
@@ -274,7 +275,7 @@ TEST_F(SessionHistoryTest, theStatusNamesWhatWasUndone)
     session->removeCurrentItem();
     undone(u"descarte de 0"_s);
 
-    // restyle() outdates the earlier sentence and tells none.
+    // restyle() clears the earlier status and sets none of its own.
     restyle(1.9);
     EXPECT_EQ(session->status(), QString());
 }
@@ -295,7 +296,7 @@ TEST_F(SessionHistoryTest, whatIsPaidStaysPaidWhateverIsUndone)
     EXPECT_TRUE(isPaid());
     redo();
     EXPECT_TRUE(isPaid());
-    redo();    // discards it again, to be paid a second time meanwhile
+    redo();    // discards the item again; its next payment comes while it is discarded
     markPaid(id, u"otra"_s);
     undo();
     EXPECT_EQ(batch().items[0].paidRenderFingerprints.size(), 2);
@@ -313,10 +314,10 @@ TEST_F(SessionHistoryTest, everyChangeIsStoredAtOnceAndAHeldValueWhenItRests)
     EXPECT_EQ(stored().items[0].layers[0].fontScale, 1.0);
     EXPECT_TRUE(waitFor([&] { return stored() == batch(); }));
     restyle(1.3, Pace::held);
-    restyle(1.3);    // released at the held value
+    restyle(1.3);    // as when a slider is released at the value it shows
     EXPECT_EQ(stored(), batch());
     session->selectAll();
-    session.reset();    // before the selection was stored
+    session.reset();    // ends the session before the selection was stored
     session = opened();
     EXPECT_EQ(session->status(), u"Sesión restaurada con 3 imagen(es)."_s);
     EXPECT_EQ(batch().selectedItemIDs.size(), 3);
@@ -352,9 +353,9 @@ TEST_F(SessionHistoryTest, whatCannotBeBroughtBackIsSetAsideUntilItCan)
     markPaid(batch().items[0].id, u"huella"_s);
     ASSERT_TRUE(QFile::rename(file(9), file(1)));
     ASSERT_TRUE(QFile::rename(file(8), file(2)));
-    // Two documents are set aside, one after the other: the newer is restored first.
+    // Two documents have been set aside, one after the other: the newer is restored first.
     session->restoreWorkspaceAside();
-    session->restoreWorkspaceAside();    // the second call does nothing
+    session->restoreWorkspaceAside();    // does nothing: the first call has not ended
     EXPECT_TRUE(waitFor([&] { return batch().items.size() == 2; }));
     EXPECT_TRUE(session->hasWorkspaceAside());
     now += 1s;
@@ -417,7 +418,7 @@ TEST_F(SessionHistoryTest, ofTwoWindowsThatKnowNothingOfEachOtherOneAloneSaves)
 TEST_F(SessionHistoryTest, aProblemStaysUntilThereWasTimeToReadIt)
 {
     session->setStatus(u"No cabe."_s, StatusKind::warning);
-    QGuiApplication::processEvents();    // ends the turn of the command that told it
+    QGuiApplication::processEvents();    // ends the turn of the event loop that set the status
     now += 2s;
     restyle(1.7);
     EXPECT_EQ(session->status(), u"No cabe."_s);
@@ -460,7 +461,7 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
         EXPECT_TRUE(waitFor([&] { return isTold; }));
         QObject::disconnect(told);
     };
-    // Imports in the middle of a drag, without a pause before and after the other changes.
+    // Imports the sheet in the middle of a drag, right after one change and right before another.
     restyle(1.5);
     session->beginCanvasHistoryEdit();
     restyle(1.6);
@@ -479,7 +480,7 @@ TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
     EXPECT_EQ(batch(), filled);
     undo();
     EXPECT_EQ(batch(), before);
-    session->redo();    // and still in the turn of the redo
+    session->redo();    // applyTexts() below comes in the same turn of the event loop
     session->applyTexts(readTextSheet("archivo;titulo\n0;Otro"));
     EXPECT_EQ(title().text, u"Otro"_s);
     undo();
@@ -512,7 +513,7 @@ TEST_F(SessionHistoryTest, aSheetIsRefusedWhileOtherImagesAreOnTheirWay)
                      [&] { told.append(session->status()); });
     const QString refusal =
         u"Espera a que termine la importación de imágenes para importar los textos."_s;
-    // Blocks the only worker: the sheet is read before the images, which were loaded later.
+    // Blocks the only worker, so that the sheet is read only after load() has begun to import.
     const int threads = workers().maxThreadCount();
     workers().setMaxThreadCount(1);
     QSemaphore gate;

@@ -12,7 +12,8 @@ namespace {
 class StatusLogTest : public ::testing::Test {
 protected:
     QString shown() const { return log.current().sentence; }
-    // Ends the turn of the event loop and the time to read what was told.
+    // Ends the turn of the event loop, and lets the time pass in which a message must stay
+    // readable.
     void later()
     {
         QGuiApplication::processEvents();
@@ -118,7 +119,7 @@ TEST(Activities, theLastKindIsTheForemostAndMayEndWhileItIsStopped)
     EXPECT_EQ(activities.foremost()->kind, Kind::exporting);
     EXPECT_EQ(activities.foremost()->fraction(), 0.25);
     EXPECT_EQ(activities.delayingClosing(), activities.foremost());
-    activities.stop(Kind::importing);    // has no stop function
+    activities.stop(Kind::importing);    // does nothing: this activity has no stop function
     activities.stop(Kind::exporting);
     EXPECT_EQ(activities.foremost()->kind, Kind::importing);
     EXPECT_EQ(activities.foremost()->fraction(), 0.0);

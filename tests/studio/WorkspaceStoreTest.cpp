@@ -152,7 +152,8 @@ TEST_F(WorkspaceStoreTest, hostileDocumentsGiveNothingOrWhatReads)
           QByteArray(good).replace("items", "x")})
         EXPECT_FALSE(restored(bad).isDecoded) << bad.left(40).constData();
 
-    // An unreadable layer makes the restore incomplete; a layer of an unknown slot does not.
+    // An unreadable layer makes the restored workspace incomplete; a layer of an unknown slot does
+    // not.
     EXPECT_FALSE(
         restored(QByteArray(good).replace("\"hasBox\":true", "\"hasBox\":\"sí\"")).isComplete);
     QByteArray sameIds = good;

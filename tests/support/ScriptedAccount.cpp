@@ -96,7 +96,8 @@ void ScriptedAccount::read(QTcpSocket* socket)
 void ScriptedAccount::reply(QTcpSocket* socket, const QByteArray& request)
 {
     const Answer answer = m_answers.value(request.split('?').first());
-    // Like the service, gives no session to a refused request or to one that needs no account.
+    // Sends no session cookie with a refused request or with one that needs no account, like the
+    // service.
     const bool opensSession = answer.status == 200 && request.contains(" /api/auth/");
     socket->write("HTTP/1.1 " + QByteArray::number(answer.status) +
                   " Answer\r\nContent-Type: application/json\r\nConnection: close\r\n" +

@@ -12,7 +12,7 @@
 
 enum class Scripted { signedIn, signedOut };
 
-// An account service on this machine with scripted answers, and a session with it. For tests,
+// An account service on this machine with scripted answers, and a session that uses it. For tests,
 // screenshots and measurements that need a signed-in user.
 class ScriptedAccount : public QObject {
     Q_OBJECT
@@ -21,7 +21,7 @@ public:
 
     AccountSession& session() { return m_session; }
     CreditJournal& journal() { return m_journal; }
-    QString address() const { return m_address; }    // for other programs to connect to
+    QString address() const { return m_address; }    // of the scripted service
     // Sets the answer to a request, such as "POST /api/auth/login". All other requests get status
     // 404.
     void answer(const QByteArray& request, const QByteArray& json, int status = 200);
@@ -32,7 +32,8 @@ public:
     void drop();    // closes the held connections without an answer
 
     const QList<QByteArray>& log() const { return m_log; }    // "POST /api/auth/login {…}"
-    const QList<QUrl>& opened() const { return m_opened; }    // addresses to open in the browser
+    // The addresses that the session has asked the browser to open.
+    const QList<QUrl>& opened() const { return m_opened; }
 
 private:
     void read(QTcpSocket* socket);

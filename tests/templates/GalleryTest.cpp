@@ -27,7 +27,7 @@ TEST(Gallery, HoldsWholeDesignsForEveryFormat)
             names.insert(design.name);
             EXPECT_EQ(design.format, row(format).templateKey.toString()) << place;
             EXPECT_EQ(design.textLayers.size(), 4) << place;
-            // A design sets everything: nothing of the earlier style is left.
+            // Applying a design sets every property: nothing of the earlier style may be left.
             PublicationItem plain = PublicationItem::make({}, {}), styled = plain;
             for (TextLayer& layer : styled.layers) {
                 const TextLayer kept = layer;
@@ -74,7 +74,8 @@ TEST(Gallery, UsesInstalledFontsAlone)
     }
 }
 
-// Texts stay clear of the areas that a network's own controls cover in a story.
+// In a story, controls of the social network cover the top and the bottom of the image: no text may
+// be there.
 TEST(Gallery, KeepsTheTextsOfStoriesInTheSafeZone)
 {
     constexpr double top = 250, bottom = 1920 - 340;

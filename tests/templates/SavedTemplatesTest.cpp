@@ -62,7 +62,7 @@ TEST_F(SavedTemplatesTest, ComesBackAtTheNextStart)
     const QUuid first = saved->saveTemplate(item, portrait);
     const QUuid second = saved->saveTemplate(item, SocialFormat::square);
     saved->renameTemplate(first, u"  Otoño\n2026 "_s);
-    saved->renameTemplate(second, u"   "_s);    // blanks are no name: the old one stays
+    saved->renameTemplate(second, u"   "_s);    // ignored: a name cannot be blank
     TextLayerDesign style(CopySlot::callToAction);
     style.fontName = u"Inter"_s;
     const QUuid styleId = saved->saveStyle(style);
@@ -120,7 +120,7 @@ TEST_F(SavedTemplatesTest, CallsBackWhatWasRemovedOrReplaced)
         return one.id != id && one.id != other && one.shapeLayers.size() == 1;
     }));
 
-    // A template from a file is added once, and never replaces one that the user changed.
+    // A template from a file is added only once, and never replaces one that the user has changed.
     VisualTemplate imported = VisualTemplate::of(item, u"De fuera"_s, portrait);
     EXPECT_EQ(saved->addTemplate(imported), imported.id);
     EXPECT_TRUE(saved->addTemplate(imported).isNull());
@@ -128,7 +128,7 @@ TEST_F(SavedTemplatesTest, CallsBackWhatWasRemovedOrReplaced)
     const QUuid again = saved->addTemplate(imported);
     EXPECT_FALSE(again.isNull());
     EXPECT_NE(again, imported.id);
-    // A removed template is added again from its file, and then called back as well.
+    // Removes a template, adds it again from its file, and then also brings the removed one back.
     saved->removeTemplate(imported.id);
     saved->renameTemplate(again, u"Otra"_s);
     EXPECT_EQ(saved->addTemplate(imported), imported.id);

@@ -58,7 +58,7 @@ TEST(TemplateDefinition, KeepsTextsAndWhatItDoesNotMention)
     TextLayer expected = before.layers[0];
     expected.frame = {0.1, 0.2, 0.3, 0.4};
     EXPECT_EQ(item.layers[0], expected);
-    EXPECT_EQ(item.layers[1], before.layers[1]);    // the definition has no such slot
+    EXPECT_EQ(item.layers[1], before.layers[1]);    // the definition has no text for this slot
     expected = before.layers[2];
     expected.isVisible = true;
     expected.frame = {0, 0, 1, 1};
@@ -71,7 +71,7 @@ TEST(TemplateDefinition, KeepsTextsAndWhatItDoesNotMention)
     ASSERT_EQ(shaped.shapeLayers.size(), 1);
     EXPECT_EQ(shaped.shapeLayers[0].kind, ShapeKind::rectangle);
 
-    // Applying leaves out a slot that the item lacks.
+    // Applying the design skips a slot that the item lacks.
     item.layers.removeFirst();
     const auto without = item.layers;
     design.application()(item);
@@ -94,7 +94,7 @@ TEST(TemplateDefinition, GivesAllItemsTheSameShapes)
     EXPECT_EQ(one.shapeLayers, other.shapeLayers);
     EXPECT_EQ(one.shapeLayers[0].fill, *CodableColor::fromHexRGB(u"#334455"));
     EXPECT_EQ(one.layers[0].text, u"Lo que escribió la usuaria"_s);
-    EXPECT_TRUE(isApplied(apply, one));    // a second click changes nothing
+    EXPECT_TRUE(isApplied(apply, one));    // applying again would change nothing
     one.shapeLayers[0].fillOpacity = 0.1;
     EXPECT_FALSE(isApplied(apply, one));
 }
@@ -124,7 +124,7 @@ TEST(TemplateDefinition, ComesBackFromItsFileAsItWas)
 
     const VisualTemplate saved = VisualTemplate::of(item, u"«Mía»\n"_s, SocialFormat::square);
     const auto written = library.templateDefinition(saved, u"Mía"_s, SocialFormat::square);
-    EXPECT_EQ(written.order, 4);    // after the definition of the folder
+    EXPECT_EQ(written.order, 4);    // follows the order 3 of the definition in `folder`
     EXPECT_EQ(library.templateDefinition(saved, {}, SocialFormat::horizontal).order, 0);
     const auto read = defined(definitionBytes(written));
     VisualTemplate back = read.visualTemplate(PublicationItem::make({}, {}), SocialFormat::square);
@@ -142,7 +142,7 @@ TEST(TemplateDefinition, ComesBackFromItsFileAsItWas)
     EXPECT_EQ(fromFile.definition->previewImage(), QByteArray::fromBase64("AAAA"));
 }
 
-// Any file is either refused with a reason, or read and then drawn in finite time.
+// Every file must be refused with a reason, or be readable and take finite time to draw.
 TEST(TemplateDefinition, SurvivesHostileFiles)
 {
     QByteArray manyKeys = R"({"textLayers":[])";
@@ -167,7 +167,7 @@ TEST(TemplateDefinition, SurvivesHostileFiles)
         R"({"textLayers":[],"previewWebPBase64":")" + QByteArray(8 << 20, 'A') + "\"}",
         R"({"shapeLayers":[)" + (fullShape + ',').repeated(2000) + fullShape + "]}",
         R"({"name":")" + QByteArray(1 << 20, 'n') + R"(","textLayers":[]})"};
-    // Every key of a good file, each with values of a wrong kind.
+    // Adds copies of a good file in which one key has a value of a wrong kind.
     const auto good = json::Value::parse(fullDefinition.begin(), fullDefinition.end());
     const QList<json::Value> bad{json::Value(nullptr),       json::Value(1e308),
                                  json::Value(-1e308),        json::Value("#12345G"),

@@ -51,7 +51,7 @@ FormEdit::FormEdit(const QString& name, FieldKind kind, FieldSize size, Icon ico
     } else if (kind == FieldKind::email) {
         setInputMethodHints(Qt::ImhEmailCharactersOnly | Qt::ImhNoAutoUppercase);
     }
-    setTextMargins(left - 2, 0, right, 0);    // QLineEdit adds two pixels itself
+    setTextMargins(left - 2, 0, right, 0);    // QLineEdit itself adds a margin of two pixels
 }
 
 void FormEdit::setLocked(bool locked)
@@ -77,7 +77,8 @@ void FormEdit::setRevealed(bool revealed)
                       revealed ? u"Ocultar contraseña"_s : u"Mostrar contraseña"_s);
 }
 
-// While hidden, QLineEdit copies nothing, not even by selecting, and undoes no typing.
+// While the password is hidden, QLineEdit copies nothing, not even by selecting with the mouse, and
+// undo restores no text.
 void FormEdit::unseen(const std::function<void()>& handle)
 {
     const EchoMode mode = echoMode();
@@ -90,8 +91,8 @@ void FormEdit::unseen(const std::function<void()>& handle)
 
 bool FormEdit::event(QEvent* event)
 {
-    // Takes these keys even if a hidden password has no use for them: the window must not undo or
-    // copy.
+    // Claims these keys even while the password is hidden and QLineEdit ignores them: otherwise the
+    // window would take them as its own shortcuts to undo or copy.
     if (event->type() == QEvent::ShortcutOverride) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo) ||
@@ -128,7 +129,7 @@ void FormEdit::mouseDoubleClickEvent(QMouseEvent* event)
     unseen([&] { QLineEdit::mouseDoubleClickEvent(event); });
 }
 
-// Hides the password first, so that the menu offers no copying.
+// Hides the password first, so that the context menu cannot copy it.
 void FormEdit::contextMenuEvent(QContextMenuEvent* event)
 {
     if (m_eye)
@@ -216,7 +217,7 @@ void FormField::setShown(const QString& text)
 
 void FormField::setSaved()
 {
-    m_edit->setText(m_shown);    // also marks it as not modified
+    m_edit->setText(m_shown);    // setText() also resets isModified()
     m_edit->setCursorPosition(0);
 }
 

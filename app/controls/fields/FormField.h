@@ -18,11 +18,12 @@ class FormEdit : public QLineEdit {
     Q_OBJECT
 public:
     FormEdit(const QString& name, FieldKind kind, FieldSize size, Icon icon, QWidget* parent);
-    // Read-only while the form is being sent; keeps the focus.
+    // Makes the edit read-only while the form is being sent. Unlike a disabled edit, it keeps the
+    // focus.
     void setLocked(bool locked);
     void setProblem(bool problem);
     void setRevealed(bool revealed);
-    IconButton* eye() const { return m_eye; }    // null unless this is a password
+    IconButton* eye() const { return m_eye; }    // shows or hides a password; null in other fields
 
 protected:
     bool event(QEvent* event) override;
@@ -36,7 +37,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    // Lets `handle` run with the password hidden.
+    // Hides the password while `handle` runs.
     void unseen(const std::function<void()>& handle);
 
     FieldKind m_kind;
@@ -46,7 +47,7 @@ private:
     IconButton* m_eye = nullptr;
 };
 
-// A label above a FormEdit. Enter asks to send the form.
+// A FormEdit below its label. Enter in the edit emits submitted().
 class FormField : public QWidget {
     Q_OBJECT
 public:
@@ -56,9 +57,10 @@ public:
     void addToLabel(QWidget* widget);
     QString text() const { return m_edit->text(); }
     FormEdit* edit() const { return m_edit; }
-    // Shows a stored value; emits nothing. Text that is being typed stays.
+    // Shows a stored value; emits nothing. Does not replace text that the user has typed and not
+    // saved.
     void setShown(const QString& text);
-    // Shows the stored value in place of the typed text, which has been saved.
+    // Call it when the typed text has been saved: shows the stored value in its place.
     void setSaved();
     void clear();
     void setLocked(bool locked) { m_edit->setLocked(locked); }

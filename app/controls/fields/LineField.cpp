@@ -11,7 +11,7 @@ constexpr int fieldHeight = 32, lineFieldPadding = 8, lineFieldIconSide = 20, li
 bool belongsToWindow(const QKeyEvent* event)
 {
     const bool turnsPage = event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
-    // Under X11, QLineEdit takes Ctrl+E to go to the end of the line.
+    // Under X11, QLineEdit would use Ctrl+E to move the cursor to the end of the line.
     const bool exports = event->key() == Qt::Key_E && event->modifiers() == Qt::ControlModifier;
     return exports || (turnsPage && event->modifiers() == Qt::NoModifier) ||
            event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo);
@@ -25,7 +25,7 @@ LineField::LineField(const QString& name, const QString& placeholder, Icon icon,
     setAccessibleName(name);
     setPlaceholderText(placeholder);
     setFixedHeight(fieldHeight);
-    // QLineEdit adds two pixels itself.
+    // QLineEdit itself adds a margin of two pixels.
     const int left = icon == Icon::none
                          ? lineFieldPadding
                          : lineFieldPadding + lineFieldIconSide + lineFieldIconGap - 2;
@@ -67,7 +67,7 @@ void LineField::keyPressEvent(QKeyEvent* event)
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        clearFocus();    // ends the edit
+        clearFocus();    // focusOutEvent() ends the editing
         return;
     case Qt::Key_Escape:
         setText(m_shown);

@@ -5,23 +5,23 @@
 
 class QKeyEvent;
 
-// Keys that act on the whole window even while a text is typed: undo and redo, the next and the
-// previous image, and exporting.
+// Whether `event` is a key that acts on the window even while a text is being typed: undo, redo,
+// the previous or the next image, or export.
 bool belongsToWindow(const QKeyEvent* event);
 
-// A one-line edit. Enter and Esc end the edit and give up the focus, so that the arrow keys act on
-// the window again.
+// A one-line edit. Enter and Esc end the editing and take the focus away, so that the arrow keys
+// act on the window again.
 class LineField : public QLineEdit {
     Q_OBJECT
 public:
     LineField(const QString& name, const QString& placeholder = {}, Icon icon = Icon::none,
               QWidget* parent = nullptr);
-    // Shows a value; emits nothing. Text that is being typed stays.
+    // Shows `text`; emits nothing. Does not replace text that the user is typing.
     void setShown(const QString& text);
 
 Q_SIGNALS:
-    void edited(const QString& text);    // the edit has ended with another text
-    void abandoned();    // the edit was ended by Esc; the value from before it is shown
+    void edited(const QString& text);    // editing has ended, and the text has changed
+    void abandoned();                    // Esc ended the editing and restored the former text
 
 protected:
     bool event(QEvent* event) override;

@@ -131,7 +131,8 @@ bool SegmentedControl::event(QEvent* event)
     case QEvent::ToolTip: {
         const auto* help = static_cast<QHelpEvent*>(event);
         const int index = segmentAt(help->pos());
-        // While disabled, a tooltip of the whole control says why.
+        // If the disabled control has a tooltip of its own, which says why it is disabled, that one
+        // is shown instead.
         if (index >= 0 && (isEnabled() || toolTip().isEmpty()))
             QToolTip::showText(help->globalPos(), m_segments[index].toolTip, this,
                                segmentRect(index));
@@ -157,7 +158,7 @@ void SegmentedControl::paintEvent(QPaintEvent*)
         const QRectF box = segmentRect(i);
         const bool chosen = i == m_current && isEnabled();
         if (chosen) {
-            if (theme.seg == Qt::white)    // on a light track only a shadow tells white apart
+            if (theme.seg == Qt::white)    // a white segment on a light track needs a shadow
                 fillRounded(painter, box.translated(0, 0.5).adjusted(-0.5, 0, 0.5, 0.5), 7.5,
                             theme.line2);
             fillRounded(painter, box, 7, theme.seg);
@@ -175,7 +176,7 @@ void SegmentedControl::paintEvent(QPaintEvent*)
             continue;
         }
         if (segment.icon != Icon::none) {
-            left -= iconAir;    // icons have an empty edge of their own
+            left -= iconAir;    // the icon itself has an empty margin
             paintIcon(painter, segment.icon, QRectF(left, box.top(), iconSide(), box.height()),
                       iconSide(), ink);
             left += iconSide() + iconGap();

@@ -14,18 +14,20 @@ struct Segment {
     QString name = {};    // for screen readers
 };
 
-enum class SegmentSize { bar, field, large };    // pixels high: 36; 32 and tighter; 44
+enum class SegmentSize { bar, field, large };    // 36, 32, 44 pixels high; `field` has smaller gaps
 
-// A choice of one segment among several. A single stop for Tab, inside which the arrow keys choose.
+// A row of segments, of which one is chosen. The control is a single Tab stop; inside it the arrow
+// keys choose.
 class SegmentedControl : public QWidget {
     Q_OBJECT
 public:
     explicit SegmentedControl(const QList<Segment>& segments, QWidget* parent = nullptr);
 
     void setSize(SegmentSize size);
-    // Takes the whole width of its place, with segments of equal width.
+    // Lets a layout widen the control, whose segments then have equal widths.
     void setStretched(SegmentSize size = SegmentSize::field);
-    // Without an index no segment is chosen, and the owner sets the accessible name.
+    // Without an index, no segment is chosen and the accessible name stays as it is: the caller
+    // sets it with setAccessibleName().
     void setCurrent(std::optional<int> index);    // emits nothing
     int current() const { return m_current; }
     QRect segmentRect(int index) const;
@@ -33,7 +35,7 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 Q_SIGNALS:
-    void chosen(int index);    // by the user; never the current segment
+    void chosen(int index);    // by the user; never emitted for the current segment
 
 protected:
     bool event(QEvent* event) override;

@@ -21,9 +21,9 @@ constexpr double fineSpeed = 0.1;
 
 struct UnitRow {
     SliderUnit unit;
-    double factor;         // from the value to the number that is shown
-    int decimals;          // shown at most
-    double step, grain;    // of an arrow key; of a drag
+    double factor;         // the number shown is the value times this
+    int decimals;          // at most this many are shown
+    double step, grain;    // `step` of an arrow key, `grain` of a drag
     QStringView suffix;
 };
 constexpr std::array units{
@@ -38,7 +38,7 @@ constexpr const UnitRow& row(SliderUnit unit)
 }
 static_assert(std::ranges::all_of(units, [](const auto& r) { return &row(r.unit) == &r; }));
 
-// Keeps a value in its range; a NaN becomes the lower bound.
+// Clamps a value to its range; NaN becomes the lower bound.
 double bounded(double value, SliderRange range)
 {
     return value > range.from ? std::min(value, range.to) : range.from;
@@ -92,7 +92,7 @@ SliderField::SliderField(const QString& label, SliderRange range, QWidget* paren
     setAttribute(Qt::WA_Hover);
     setCursor(Qt::SizeHorCursor);
     setProperty("focusRadius", Radius::field);
-    m_edit->setFocusPolicy(Qt::ClickFocus);    // Tab stops at the slider itself
+    m_edit->setFocusPolicy(Qt::ClickFocus);    // Tab stops at the SliderField instead
     m_edit->setAlignment(Qt::AlignRight);
     m_edit->setMaxLength(12);
     m_edit->installEventFilter(this);
@@ -228,7 +228,7 @@ bool SliderField::eventFilter(QObject* object, QEvent* event)
 {
     switch (event->type()) {
     case QEvent::MouseButtonDblClick:
-        // The first click of the pair has opened the edit.
+        // The first click of a double click has opened the edit, which therefore gets the second.
         if (m_opened.elapsed() < QGuiApplication::styleHints()->mouseDoubleClickInterval()) {
             m_edit->setText(valueText());
             m_edit->clearFocus();
@@ -246,7 +246,8 @@ bool SliderField::eventFilter(QObject* object, QEvent* event)
         break;
     }
     case QEvent::FocusOut:
-        // Closes the edit later: it has not emitted its text yet.
+        // Closes the edit only from the event loop: LineField emits edited() after this event
+        // filter.
         QMetaObject::invokeMethod(this, &SliderField::closeEdit, Qt::QueuedConnection);
         break;
     default:
@@ -294,8 +295,8 @@ void SliderField::paintEvent(QPaintEvent*)
 
     const QString value = valueText();
     const double valueWidth = textWidth(Type::bodyMedium, value);
-    // "Opacidad 100 %" does not fit into the narrowest panel with the full padding: a smaller
-    // padding is better than half a word.
+    // "Opacidad 100 %" does not fit in the narrowest panel with the full padding: shrinks the
+    // padding so that the label is not elided.
     const double spare = width() - textWidth(Type::body, m_label) - labelGap - valueWidth;
     const double side = std::clamp(spare / 2, leastPadding, sliderPadding);
     const QRectF line(side, 0, width() - 2 * side, height() - 1);
@@ -323,7 +324,7 @@ void SliderField::mouseMoveEvent(QMouseEvent* event)
             return;
         m_press = Press::drag;
         m_dragged = m_value;
-        m_pressX = x;    // no jump by the distance that told a drag from a click
+        m_pressX = x;    // measures from here, so that the value does not jump by dragStart
         m_holding = true;
         update();
         return;
@@ -394,8 +395,8 @@ void SliderField::focusOutEvent(QFocusEvent*)
     update();
 }
 
-// A field that is disabled or hidden ends its drag or held key, so that the last change follows,
-// which closes the step in the history.
+// Ends a drag or a held key when the field is disabled, as hideEvent() does when it is hidden:
+// valueChanged() with Pace::once completes the undo step.
 void SliderField::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::EnabledChange) {

@@ -8,17 +8,17 @@
 
 class LineField;
 
-// The unit of a slider's number: how it is written, and how finely it changes.
+// The unit of a slider's value: decides how the value is written and in what steps it changes.
 enum class SliderUnit { plain, percent, multiplier, degrees };
 
 struct SliderRange {
     SliderUnit unit = SliderUnit::plain;
-    double from = 0, to = 1;    // as a percentage, 1 is 100 %
+    double from = 0, to = 1;    // with SliderUnit::percent, 1 means 100 %
 };
 
 // A labelled number. Dragging sideways changes it, with Shift at a tenth of the speed; a click
-// opens it for typing, a double click restores the default. The arrow keys step by one, with Shift
-// by ten; Home and End go to the bounds, Enter opens it for typing.
+// opens it for typing, a double click restores the default. The arrow keys change it by step(),
+// with Shift by ten steps; Home and End set it to the bounds; Enter opens it for typing.
 class SliderField : public QWidget {
     Q_OBJECT
 public:
@@ -27,12 +27,12 @@ public:
     // Shows a value; emits nothing. A value out of range is shown as the nearest bound.
     void setValue(double value);
     void setDefault(double value);
-    // Shows no value, because nothing is selected that has one.
+    // Shows no value, for when nothing is selected that has one.
     void setBlank(bool blank);
     bool isBlank() const { return m_blank; }
-    // Marks the value beyond which a larger one has no effect; without a limit there is no mark.
+    // Marks the value above which a larger value has no effect. Empty: no mark.
     void setLimit(std::optional<double> limit);
-    void endGesture() { rest(); }    // ends a drag or held key now
+    void endGesture() { rest(); }    // ends a drag or a held key before its release
     double value() const { return m_value; }
     SliderRange range() const { return m_range; }
     QString valueText() const;
@@ -43,8 +43,8 @@ public:
     QSize minimumSizeHint() const override { return {80, 32}; }
 
 Q_SIGNALS:
-    // Pace::held for each change during a drag or a held key; at its end always Pace::once, even if
-    // the value has not changed.
+    // `pace` is Pace::held for each change during a drag or a held key. When that ends, the signal
+    // is emitted once more with Pace::once, even if the value has not changed.
     void valueChanged(double value, Pace pace);
 
 protected:
@@ -64,7 +64,7 @@ protected:
 
 private:
     std::optional<double> read(const QString& text) const;
-    double share(double value) const;    // of the range, 0 to 1
+    double share(double value) const;    // how far along the range, 0 to 1
     double snapped(double value) const;
     void hold(double value);
     void rest();
@@ -82,7 +82,7 @@ private:
     enum class Press { none, click, drag };
     Press m_press = Press::none;
     double m_pressX = 0;
-    double m_dragged = 0;    // the value of a drag before it is rounded
+    double m_dragged = 0;    // the value during a drag, before it is rounded
     QElapsedTimer m_opened;
     bool m_openedByKey = false;
     LineField* m_edit;

@@ -103,7 +103,7 @@ void SlotEditor::keyPressEvent(QKeyEvent* event)
         Q_EMIT leaveRequested();
         return;
     }
-    // A text over longestText could not be edited any more when it is shown again.
+    // Accepts no more than longestText characters: setText() would show a longer text read-only.
     const QString typed = event->text();
     const bool adds = !typed.isEmpty() && (typed[0].isPrint() || typed[0] == u'\r');
     if (adds && !textCursor().hasSelection() && text().size() >= longestText)
@@ -111,8 +111,8 @@ void SlotEditor::keyPressEvent(QKeyEvent* event)
     m_pace = event->isAutoRepeat() ? Pace::held : Pace::once;
     QTextEdit::keyPressEvent(event);
     m_pace = Pace::once;
-    // A read-only editor keeps keys from the window that it has no use for: there the same keys
-    // hide layers.
+    // Accepts the keys that a read-only editor ignores: otherwise the window would get Delete, for
+    // example, and hide a layer.
     if (isReadOnly() && event->modifiers() == Qt::NoModifier)
         event->accept();
 }
@@ -143,7 +143,7 @@ void SlotEditor::focusInEvent(QFocusEvent* event)
 void SlotEditor::focusOutEvent(QFocusEvent* event)
 {
     QTextEdit::focusOutEvent(event);
-    // A menu or another window takes the focus for a while only.
+    // Does not end the editing: a menu or another window takes the focus only for a while.
     if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason)
         return;
     QTextCursor cursor = textCursor();

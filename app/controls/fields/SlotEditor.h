@@ -3,15 +3,16 @@
 
 #include <QTextEdit>
 
-// A plain text editor that grows from one line to five and scrolls beyond. Tab leaves it. The
-// window's keys reach the window, undo included, so the editor keeps no history of its own.
+// A plain text editor that grows from one line to five and scrolls beyond. Tab moves the focus on.
+// Undo and other keys of the window are left to the window, so the editor has no undo history of
+// its own.
 class SlotEditor : public QTextEdit {
     Q_OBJECT
 public:
     explicit SlotEditor(const QString& name, QWidget* parent = nullptr);
 
-    // Shows a text; emits nothing. Setting the current text again keeps cursor and selection. A
-    // text over longestText is shown in part and cannot be changed here.
+    // Shows a text; emits nothing. Setting the current text again does not change cursor or
+    // selection. If a text is longer than longestText, only its beginning is shown, read-only.
     void setText(const QString& text);
     QString text() const;
     QSize sizeHint() const override { return {280, height()}; }
@@ -38,7 +39,7 @@ private:
     void fit();
     void setLineHeights();
 
-    QString m_shown;    // the text last set or emitted
+    QString m_shown;    // the text of the last setText() or edited()
     Pace m_pace = Pace::once;
     bool m_showing = false;
 };

@@ -1,7 +1,7 @@
 #pragma once
 #include "app/controls/Button.h"
 
-// A switch, on or off. The program sets it with setChecked(); clicked() comes from the user only.
+// An on/off switch. clicked() is emitted only for the user, not by setChecked().
 class Switch : public Control {
     Q_OBJECT
 public:

@@ -8,8 +8,8 @@ struct PanelTab {
     QString text;
 };
 
-// A row of tabs; the chosen one has a line below. A single stop for Tab, inside which the arrow
-// keys choose.
+// A row of tabs, of which the chosen one is underlined. The strip is a single Tab stop; inside it
+// the arrow keys choose.
 class TabStrip : public QWidget {
     Q_OBJECT
 public:
@@ -20,7 +20,7 @@ public:
     QSize sizeHint() const override { return {327, 48}; }
 
 Q_SIGNALS:
-    void chosen(int index);    // by the user; never the current tab
+    void chosen(int index);    // by the user; never emitted for the current tab
 
 protected:
     bool event(QEvent* event) override;

@@ -15,7 +15,7 @@ TextField::TextField(const QString& label, const QString& placeholder, QWidget* 
     : QWidget(parent), m_label(label), m_edit(new QLineEdit(this))
 {
     m_edit->setFrame(false);
-    m_edit->setTextMargins(-2, 0, 0, 0);    // QLineEdit adds two pixels itself
+    m_edit->setTextMargins(-2, 0, 0, 0);    // QLineEdit itself adds a margin of two pixels
     m_edit->setFont(fontOf(Type::body));
     m_edit->setPlaceholderText(placeholder);
     m_edit->setAccessibleName(label);
@@ -34,14 +34,13 @@ TextField::TextField(const QString& label, const QString& placeholder, QWidget* 
 
 void TextField::setText(const QString& text)
 {
-    // The text was set before: what the user has typed since then stays.
     if (m_shown == text)
         return;
     m_shown = text;
     if (m_edit->text() == text)
         return;
     m_edit->setText(text);
-    m_edit->setCursorPosition(0);    // a long text shows its beginning
+    m_edit->setCursorPosition(0);    // shows the beginning of a long text
 }
 
 void TextField::finish()
@@ -69,7 +68,7 @@ bool TextField::eventFilter(QObject* object, QEvent* event)
     case QEvent::KeyPress: {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) {
-            m_edit->clearFocus();    // ends the edit and gives the window its arrow keys back
+            m_edit->clearFocus();    // ends the editing; the arrow keys act on the window again
             m_edit->setCursorPosition(0);
             return true;
         }

@@ -2,20 +2,20 @@
 #include <QLineEdit>
 #include <QWidget>
 
-// A one-line edit below a label that stays visible.
+// A one-line edit below a label. Unlike a placeholder, the label is always visible.
 class TextField : public QWidget {
     Q_OBJECT
 public:
     TextField(const QString& label, const QString& placeholder, QWidget* parent = nullptr);
-    // Emits nothing. A text that is set again leaves alone what is being typed.
+    // Emits nothing. Setting the same text again does not replace what the user has typed since.
     void setText(const QString& text);
     QString text() const { return m_edit->text(); }
     QLineEdit* edit() const { return m_edit; }
-    void finish();    // ends the edit under way
+    void finish();    // ends the editing; emits edited() if the text is another
     QSize sizeHint() const override { return {320, 44}; }
 
 Q_SIGNALS:
-    void edited(const QString& text);    // the edit has ended with another text
+    void edited(const QString& text);    // editing has ended, and the text has changed
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -24,6 +24,6 @@ protected:
 
 private:
     QString m_label;
-    QString m_shown;    // the text last set or emitted
+    QString m_shown;    // the text of the last setText() or edited()
     QLineEdit* m_edit;
 };

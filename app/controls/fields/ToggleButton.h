@@ -5,11 +5,11 @@
 class ToggleButton : public Control {
     Q_OBJECT
 public:
-    // The text is the accessible name too.
+    // `text` is also the accessible name.
     ToggleButton(Icon icon, const QString& text, QWidget* parent = nullptr);
-    // Hidden labels become tooltips.
+    // Labels::hidden leaves only the icon; the text becomes the tooltip.
     void setLabels(Labels labels);
-    // The reason why the button is disabled, its tooltip while it is.
+    // Sets the tooltip for while the button is disabled: the reason why it is disabled.
     void setReason(const QString& reason);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

@@ -68,7 +68,7 @@ void ZoomSlider::paintEvent(QPaintEvent*)
                     zoomTrackHeight / 2, theme.accentLine);
     const QRectF box(knob - knobRadius, height() / 2.0 - knobRadius, 2 * knobRadius,
                      2 * knobRadius);
-    painter.setPen(QPen(theme.line2, 1));    // sets a white knob off from a light panel
+    painter.setPen(QPen(theme.line2, 1));    // makes a white knob stand out from a light panel
     painter.setBrush(isEnabled() ? QColor(Qt::white) : theme.dis);
     painter.drawEllipse(box.adjusted(0.5, 0.5, -0.5, -0.5));
 }
@@ -112,7 +112,8 @@ void ZoomSlider::wheelEvent(QWheelEvent* event)
     event->ignore();
 }
 
-// Ends a drag or held key when the slider is hidden or disabled: it never gets the release then.
+// Ends a drag or a held key when the slider is hidden or disabled: it would not get the release
+// event.
 bool ZoomSlider::event(QEvent* event)
 {
     if (event->type() == QEvent::Hide || (event->type() == QEvent::EnabledChange && !isEnabled()))

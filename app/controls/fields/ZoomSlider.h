@@ -1,15 +1,15 @@
 #pragma once
 #include <QAbstractSlider>
 
-// A slider on a short track. The mouse gives it no focus, and the wheel goes to the widget around
-// it.
+// A short horizontal slider. A click does not give it the focus, and the wheel is left to its
+// parent widget.
 class ZoomSlider : public QAbstractSlider {
     Q_OBJECT
 public:
     ZoomSlider(int lowest, int highest, QWidget* parent = nullptr);
 
     void setShownValue(int value);    // emits nothing
-    void endGesture() { rest(); }     // ends a drag or held key now
+    void endGesture() { rest(); }     // ends a drag or a held key before its release
     QSize sizeHint() const override { return {112, 28}; }
 
 Q_SIGNALS:
@@ -30,7 +30,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
-    double knobAt() const;    // its centre
+    double knobAt() const;    // x of the knob's centre
     int valueAt(double x) const;
     void rest();
 

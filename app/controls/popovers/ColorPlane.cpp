@@ -70,7 +70,7 @@ void ColorPlane::paintEvent(QPaintEvent*)
         down.setColorAt(1, Qt::black);
         painter.fillPath(outline, down);
     }
-    // The mark stays inside the edges, where all of it can be seen.
+    // Insets the mark by half its size, so that all of it is visible at the edges too.
     const QPointF at(planeMarkSide / 2 + m_mark.x() * (width() - planeMarkSide),
                      planeMarkSide / 2 + m_mark.y() * (height() - planeMarkSide));
     const QRectF ring(at - QPointF(planeMarkSide, planeMarkSide) / 2,

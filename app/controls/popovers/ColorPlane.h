@@ -5,14 +5,16 @@
 
 enum class ColorPlaneKind { shade, hue };
 
-// A field of colours with a mark to drag: saturation and value of one hue, or all hues in a row.
-// The arrow keys move the mark by a hundredth, with Shift by a tenth.
+// A surface of colours with a mark to drag. ColorPlaneKind::shade shows saturation and value of one
+// hue, ColorPlaneKind::hue all hues in a row. The arrow keys move the mark by a hundredth of the
+// surface, with Shift by a tenth.
 class ColorPlane : public QWidget {
     Q_OBJECT
 public:
     ColorPlane(ColorPlaneKind kind, const QString& name, QWidget* parent = nullptr);
     void setHue(double hue);    // 0 to 1
-    // The mark's place from the top left corner, 0 to 1; in a row of hues y is 0.5.
+    // Sets the position of the mark: fractions of width and height from the top left corner. For
+    // ColorPlaneKind::hue, y is 0.5.
     void setMark(QPointF mark);
     QPointF mark() const { return m_mark; }
 

@@ -15,7 +15,7 @@ constexpr int colorPopoverContentWidth = 224, shadeHeight = 140, hueHeight = 14,
               colorPopoverGap = 12, hexHeight = 32;
 constexpr int offersInRow = 6, offerSide = 30, headingHeight = 18;
 
-// An offered colour, as a button.
+// A button that shows an offered colour.
 class ColorChip : public Control {
 public:
     ColorChip(const QColor& color, QWidget* parent) : Control(parent), m_color(color)
@@ -93,14 +93,14 @@ void ColorPopover::open(Qt::FocusReason reason)
         takeFocus(m_shade, reason);
 }
 
-// In the hexadecimal field Enter ends the edit but keeps the focus there; Esc also closes the
-// popover.
+// In the hexadecimal field, Enter accepts the text and the field keeps the focus. Esc drops the
+// text, and Popover::eventFilter() then closes the popover.
 bool ColorPopover::eventFilter(QObject* object, QEvent* event)
 {
     if (object == m_hex && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Escape)
-            m_hex->setText(CodableColor(color()).hexRGB());    // drops what was typed
+            m_hex->setText(CodableColor(color()).hexRGB());    // drops the typed text
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             m_hex->clearFocus();
             m_hex->setFocus(Qt::OtherFocusReason);
@@ -136,7 +136,7 @@ QColor ColorPopover::color() const
 void ColorPopover::setColor(const QColor& color)
 {
     if (color.rgb() == this->color().rgb() && !m_hex->text().isEmpty())
-        return;    // the same colour: m_hue stays, which a grey does not hold
+        return;    // the same colour: keeps the hue and saturation that black or a grey do not tell
     float hue = 0, saturation = 0, value = 0;
     color.getHsvF(&hue, &saturation, &value);
     if (hue >= 0)

@@ -8,10 +8,10 @@
 class ColorPlane;
 class LineField;
 
-// Colours that the popover offers.
+// The colours that ColorPopover offers below its planes.
 struct ColorOffers {
-    QList<QColor> photo;     // of the photograph
-    QList<QColor> recent;    // last used, the newest first
+    QList<QColor> photo;     // colours of the photo
+    QList<QColor> recent;    // colours used last, the newest first
     bool operator==(const ColorOffers&) const = default;
 };
 
@@ -24,7 +24,7 @@ public:
 
 Q_SIGNALS:
     void colorChanged(const QColor& color, Pace pace);
-    void colorUsed(const QColor& color);    // the last chosen one, when the popover closes
+    void colorUsed(const QColor& color);    // the last chosen colour, when the popover closes
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -37,7 +37,7 @@ private:
     void addOffers(const QString& title, const QList<QColor>& colors);
     void tell(Pace pace);
 
-    double m_hue = 0, m_saturation = 0, m_value = 0;    // 0 to 1; a grey keeps its last hue
+    double m_hue = 0, m_saturation = 0, m_value = 0;    // 0 to 1; m_hue is not reset by a grey
     bool m_changed = false;
     int m_height = 0;
     ColorPlane* m_shade;

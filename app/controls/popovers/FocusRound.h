@@ -3,9 +3,10 @@
 class QKeyEvent;
 class QWidget;
 
-// Moves the keyboard focus to the next or the previous stop inside `area`, from the last one round
-// to the first. Returns false when nothing inside takes the focus.
+// Moves the focus to the next or the previous Tab stop inside `area`; after the last stop comes the
+// first. Returns false if `area` has no Tab stop.
 bool moveFocusRound(QWidget* area, bool next);
 
-// Lets Enter press the focused button inside `area`. Returns false for another key or focus.
+// If the key is Enter and a button inside `area` has the focus, presses the button. Returns whether
+// the key was used.
 bool pressFocused(const QKeyEvent* event, const QWidget* area);

@@ -15,7 +15,8 @@ QString joined(const QString& style)
     return QString(style).remove(u' ').toCaseFolded();
 }
 
-// Qt adds the foundry in brackets to families of equal name; stored names do not have it.
+// Removes the foundry that Qt appends in brackets to families of equal name; stored names do not
+// contain it.
 QString withoutFoundry(const QString& family)
 {
     const auto bracket = family.indexOf(" ["_L1);
@@ -68,7 +69,8 @@ const QStringList& FontCatalog::families()
 {
     if (m_families.isEmpty()) {
         QStringList all = QFontDatabase::families();
-        // Neither the system's private fonts nor names that stand for any font.
+        // Leaves out the system's private fonts, and generic names that stand for some installed
+        // font.
         const QStringList stand{u"Monospace"_s, u"Sans Serif"_s, u"Serif"_s};
         all.removeIf([&stand](const QString& family) {
             return QFontDatabase::isPrivateFamily(family) || stand.contains(family);
@@ -85,8 +87,8 @@ const QList<FontFace>& FontCatalog::faces(const QString& family)
     if (const auto known = m_faces.constFind(family); known != m_faces.cend())
         return *known;
     QStringList styles = QFontDatabase::styles(family);
-    // The system may leave the regular face out of its list. Asking for a missing face gives
-    // another one, hence the comparison.
+    // Adds the regular face if the list of the system lacks it. QFontDatabase::font() returns
+    // another face if there is no regular one, hence the comparison of the style names.
     const QString regular = u"Regular"_s;
     if (!styles.contains(regular) &&
         QRawFont::fromFont(QFontDatabase::font(family, regular, 12)).styleName() == regular)
@@ -123,7 +125,8 @@ QString drawnFace(const QString& storedName)
 
 bool isInstalled(const QString& storedName)
 {
-    // A font that replaces a missing one has the weight of the slot; an installed font has not.
+    // Compares the fonts drawn for two slots: the substitute for a missing font has the weight of
+    // the slot, an installed font is the same for both.
     return storedName == "System"_L1 ||
            drawnFont(storedName, CopySlot::title) == drawnFont(storedName, CopySlot::subtitle);
 }

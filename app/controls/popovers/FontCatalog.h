@@ -6,20 +6,21 @@
 #include <functional>
 
 struct FontFace {
-    QString name;          // of the face alone, "Semi Bold Italic"
-    QString storedName;    // "Inter Semi Bold Italic"
+    QString name;          // of the face alone, such as "Semi Bold Italic"
+    QString storedName;    // such as "Inter Semi Bold Italic"
     bool operator==(const FontFace&) const = default;
 };
 
-// The installed fonts, by family. Asks the system when it is first used.
+// The installed fonts, by family. Each list is read from the system when it is first asked for.
 class FontCatalog {
 public:
-    // Families that are only a face of another, such as "Inter Black" beside "Inter", are left out;
-    // those of symbols and formulas come last.
+    // Leaves out families that are only a face of another, such as "Inter Black" beside "Inter".
+    // Families of symbols and formulas come last.
     const QStringList& families();
-    // All installed faces, from thin to black, upright before slanted.
+    // All installed faces of `family`, from thin to black; of equal weight, upright before slanted.
     const QList<FontFace>& faces(const QString& family);
-    // The stored name of the family's regular face; if it has none, of the face drawn for its name.
+    // The stored name of the regular face of `family`. If there is none, that of the face that is
+    // drawn for a text whose font is only the family name.
     QString usualFace(const QString& family);
 
 private:
@@ -27,14 +28,16 @@ private:
     QHash<QString, QList<FontFace>> m_faces;
 };
 
-// Removes families that are only a face of another, and sorts. `stylesOf` gives a family's styles.
+// Returns `families` sorted, without those that are only a face of another. `stylesOf` returns the
+// styles of a family.
 QStringList foldFamilies(const QStringList& families,
                          const std::function<QStringList(const QString&)>& stylesOf);
 
-bool isForWords(const QString& family);    // not for symbols or formulas
-// The full name of the face that is drawn for a stored name, "Bebas Neue Book" for "Bebas Neue".
+bool isForWords(const QString& family);    // false for fonts of symbols or formulas
+// The full name of the face that is drawn for a stored name, such as "Bebas Neue Book" for "Bebas
+// Neue".
 QString drawnFace(const QString& storedName);
-// Whether texts in this font are drawn in it, and not in one that replaces a missing font.
+// Whether the font with this stored name is installed. If not, another font is drawn instead.
 bool isInstalled(const QString& storedName);
-// The font in which texts with this stored name are drawn.
+// The font that is drawn for a stored name, `pixels` high.
 QFont fontOfStored(const QString& storedName, int pixels);

@@ -5,7 +5,7 @@
 
 class Popover;
 
-// A button with the stored name of a text's font; it opens the list of installed fonts.
+// A button that shows the font of a text; a click opens the list of installed fonts.
 class FontField : public Control {
     Q_OBJECT
 public:

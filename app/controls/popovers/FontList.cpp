@@ -16,7 +16,8 @@ FontList::FontList(const QString& current, QObject* parent)
     : QAbstractListModel(parent), m_current(current),
       m_drawn(current == "System"_L1 || !isInstalled(current) ? current : drawnFace(current))
 {
-    // Unfolds the family of the current face, unless the family's own row stands for that face.
+    // Unfolds the family of the current face, unless the row of the family itself stands for that
+    // face.
     for (const QString& family : m_catalog.families()) {
         if (m_drawn.startsWith(family + u' ') && m_catalog.usualFace(family) != m_drawn &&
             std::ranges::any_of(m_catalog.faces(family),
@@ -75,7 +76,7 @@ void FontList::build()
 
 bool FontList::isMarked(const FontRow& row) const
 {
-    // An unfolded family leaves the mark to its face.
+    // While a family is unfolded, the row of its face is marked instead.
     return row.storedName == m_drawn && !(row.kind == FontRowKind::family && isUnfolded(row.name));
 }
 

@@ -12,14 +12,15 @@ struct FontRow {
     bool operator==(const FontRow&) const = default;
 };
 
-// The fonts to choose from: first the current one if it is not installed, then the system's, then
-// the families with their faces folded under them.
+// The rows of the font chooser: the current font if it is not installed, the system font, and the
+// families. While a family is unfolded, its faces follow it.
 class FontList : public QAbstractListModel {
     Q_OBJECT
 public:
     FontList(const QString& current, QObject* parent = nullptr);
 
-    // Every word of `filter` must occur; a face that matches is shown with its family.
+    // Shows the rows whose names contain every word of `filter`. A face that matches is shown below
+    // its family.
     void setFilter(const QString& filter);
     void setUnfolded(const QString& family, bool unfolded);
     bool isUnfolded(const QString& family) const { return m_unfolded.contains(family); }
@@ -27,7 +28,7 @@ public:
     const FontRow& rowAt(int index) const { return m_rows[index]; }
     // The stored name of the face that is drawn for the current font.
     const QString& current() const { return m_drawn; }
-    bool isMarked(const FontRow& row) const;    // as the current font
+    bool isMarked(const FontRow& row) const;    // marked as the current font
     int indexOf(const QString& storedName) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -38,7 +39,7 @@ private:
 
     FontCatalog m_catalog;
     QString m_current;    // the stored name of the current font
-    QString m_drawn;      // the face that is drawn for it
+    QString m_drawn;      // the stored name of the face that is drawn for m_current
     QString m_filter;
     QSet<QString> m_unfolded;
     QList<FontRow> m_rows;

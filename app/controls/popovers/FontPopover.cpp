@@ -61,13 +61,13 @@ public:
         const QFont font = sampleFont(row);
         painter->setFont(font);
         painter->setPen(row.kind == FontRowKind::face && !marked ? theme.text2 : theme.text);
-        painter->setClipRect(option.rect);    // some faces are taller than their metrics
+        painter->setClipRect(option.rect);    // some fonts paint higher than their metrics say
         painter->drawText(line, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
                           QFontMetricsF(font).elidedText(row.name, Qt::ElideRight, line.width()));
     }
 
 private:
-    // The row's own font, unless nobody could read its name in it.
+    // The font of the row, or the interface's font if the name could not be read in its own.
     static QFont sampleFont(const FontRow& row)
     {
         if (row.kind == FontRowKind::missing || row.kind == FontRowKind::system)
@@ -155,7 +155,7 @@ bool FontPopover::setUnfolded(int index, bool unfolded)
     if (index < 0 || index >= m_fonts->rowCount())
         return false;
     FontRow row = m_fonts->rowAt(index);
-    if (row.kind == FontRowKind::face) {    // its family is the nearest family row above
+    if (row.kind == FontRowKind::face) {    // the family is the nearest row above that is no face
         while (index > 0 && m_fonts->rowAt(index).kind == FontRowKind::face)
             --index;
         row = m_fonts->rowAt(index);
@@ -187,7 +187,8 @@ bool FontPopover::pressKey(int key)
         return true;
     case Qt::Key_Left:
     case Qt::Key_Right:
-        // With nothing to fold, left and right move the cursor in the search.
+        // Returns false where no family folds or unfolds: the key then moves the cursor in the
+        // search.
         return atEnd && setUnfolded(m_view->currentIndex().row(), key == Qt::Key_Right);
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -219,7 +220,7 @@ bool FontPopover::eventFilter(QObject* object, QEvent* event)
             const bool turnsPage = key == Qt::Key_PageUp || key == Qt::Key_PageDown;
             if (press && pressKey(key))
                 return true;
-            if (!press && turnsPage) {    // or the window would show the next image
+            if (!press && turnsPage) {    // otherwise the window would show another image
                 event->accept();
                 return true;
             }

@@ -5,8 +5,9 @@ class FontList;
 class LineField;
 class QListView;
 
-// A search field above the list of fonts, each drawn in itself. The arrow keys move in the list
-// while the search is typed: right and left unfold and fold a family, Enter chooses.
+// A search field above the list of fonts, whose names are drawn in their own fonts. While the
+// search field has the focus, up and down move in the list, right and left unfold and fold a
+// family, and Enter chooses.
 class FontPopover : public Popover {
     Q_OBJECT
 public:

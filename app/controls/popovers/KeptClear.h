@@ -4,8 +4,8 @@
 
 class QWidget;
 
-// Implemented by a window that has areas which a popover of `owner` should not cover. The areas are
-// in window coordinates.
+// Interface of a window with areas that popovers should not cover. keptClear() returns those for a
+// popover of `owner`, in window coordinates.
 class KeptClear {
 public:
     virtual ~KeptClear() = default;

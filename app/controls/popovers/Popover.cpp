@@ -73,8 +73,9 @@ QRect Popover::content() const
     return box().adjusted(padding, padding, -padding, -padding);
 }
 
-// Where the box may go, the best place first: below the owner; above it, where there is more room;
-// beside it, level with the owner or clear of one of the areas.
+// Lists top left corners for the box, the preferred first: below the owner and above it, in reverse
+// order if only above there is enough or more space; then left of the owner, level with it and just
+// below and above each area in `clear`.
 QList<QPoint> Popover::placesFor(QSize size, const QRect& bounds, const QList<QRect>& clear) const
 {
     const QRect owner(m_owner->mapTo(window(), QPoint()), m_owner->size());
@@ -93,7 +94,8 @@ QList<QPoint> Popover::placesFor(QSize size, const QRect& bounds, const QList<QR
     return places;
 }
 
-// The first of the places that cover least of the areas to keep clear, moved inside the window.
+// Moves the positions of placesFor() inside the window and returns the one that covers least of the
+// areas to keep clear; of several equal ones, the first.
 Popover::Place Popover::bestPlace(QSize size) const
 {
     const QRect bounds = window()->rect().adjusted(popoverWindowMargin, popoverWindowMargin,
@@ -136,8 +138,8 @@ bool Popover::eventFilter(QObject* object, QEvent* event)
     switch (event->type()) {
     case QEvent::MouseButtonPress:
     case QEvent::Wheel:
-        // A press on the owner is left to the owner, which closes the popover; closed here, it
-        // would open again at the owner's click.
+        // Leaves a press on the owner to the owner, whose click closes the popover. If the popover
+        // closed here, that click would open it again.
         if (isOutside(object) && object != m_owner)
             close();
         break;
@@ -181,7 +183,7 @@ void Popover::paintEvent(QPaintEvent*)
     strokeRounded(painter, box(), Radius::popover, theme.line2);
 }
 
-// Presses and the wheel stop here; ignored, they would reach the window below.
+// Does not ignore the press: ignored, it would reach the window below.
 void Popover::mousePressEvent(QMouseEvent* event)
 {
     if (!box().contains(event->position().toPoint()))

@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int sheetWindowMargin = 24, riseTime = 180;    // ms
+constexpr int sheetWindowMargin = 24, riseTime = 180;    // riseTime in ms
 constexpr double riseFrom = 0.98;
 constexpr int sheetColumnWidth = 216, columnSide = 12, columnTop = 20;
 constexpr int contentSide = 32, contentTop = 22, contentBottom = 24;
@@ -110,8 +110,8 @@ void Sheet::present()
             [this](QWidget*, QWidget* now) { keepFocus(now); });
     if (style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0 &&
         window()->isVisible()) {
-        // During the animation a picture of the box is painted. The box itself keeps the focus, but
-        // lies below the window's edge.
+        // During the animation paintEvent() paints a picture of the box. The box itself is placed
+        // below the bottom edge of the window; hidden, it would lose the focus.
         m_picture = m_box->grab();
         m_rise.start();
         place();
@@ -187,7 +187,7 @@ bool Sheet::focusNextPrevChild(bool next)
 
 void Sheet::keyPressEvent(QKeyEvent* event)
 {
-    event->accept();    // also keeps other keys from the window
+    event->accept();    // keeps every key from the window
     if (event->key() == Qt::Key_Escape)
         Q_EMIT closeRequested();
     else

@@ -9,16 +9,16 @@ class QHBoxLayout;
 class QVBoxLayout;
 enum class Type;
 
-// A large box over the whole window. While it is presented, neither a click nor the focus gets past
-// it. Esc and the cross ask to close it; dismissed, it gives the focus back. Inside are a column at
-// the left and the content.
+// Covers the whole window, with a large box in the middle. While the sheet is presented, neither
+// clicks nor the focus reach the window behind it. Esc and the close button emit closeRequested();
+// dismiss() gives the focus back. The box contains a column at the left, and the content.
 class Sheet : public QWidget {
     Q_OBJECT
 public:
-    // `size`: of the box, which is smaller where the window is too small.
+    // `size`: of the box, which becomes smaller if the window is too small for it.
     Sheet(const QString& title, QSize size, QWidget* window);
 
-    void present();    // the focus goes to setFirstFocus()'s widget
+    void present();    // gives the focus to the widget of setFirstFocus()
     void dismiss();
     bool isPresented() const { return m_isPresented; }
     QWidget* box() const { return m_box; }
@@ -48,8 +48,8 @@ private:
     QVBoxLayout* m_content;
     IconButton* m_close;
     QPointer<QWidget> m_firstFocus;
-    QPointer<QWidget> m_before, m_last;    // had the focus before the sheet; had it last inside
+    QPointer<QWidget> m_before, m_last;    // focused before present(); focused last in the sheet
     QVariantAnimation m_rise;
-    QPixmap m_picture;    // of the box, painted during m_rise
+    QPixmap m_picture;    // the box as a picture, painted while m_rise runs
     bool m_isPresented = false;
 };

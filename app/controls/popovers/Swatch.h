@@ -14,7 +14,7 @@ public:
 
 Q_SIGNALS:
     void colorChanged(const QColor& color, Pace pace);
-    void colorUsed(const QColor& color);    // the last chosen one, when the popover closes
+    void colorUsed(const QColor& color);    // the last chosen colour, when the popover closes
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -27,6 +27,6 @@ private:
     QPointer<ColorPopover> m_popover;
 };
 
-// Paints a colour in a small square, with an outline that sets it off from any background.
+// Paints a colour in a small square, with an outline that makes it stand out from any background.
 void paintColor(QPainter& painter, const QRectF& box, const QColor& color, const Theme& theme,
                 bool enabled = true);

@@ -38,7 +38,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Has a window with a scripted service. Nobody is signed in.
+// Shows a window with a scripted account service. Nobody is signed in.
 class AccountScreensTest : public ::testing::Test {
 protected:
     bool isAt(Gate state)
@@ -180,7 +180,8 @@ TEST_F(AccountScreensTest, TheCheckRunsOnceAndTheStudioWaitsForIt)
         R"(POST /api/auth/login {"email":"lucia@casaliebana.es","password":"secreto"})"));
     EXPECT_TRUE(login()->password()->text().isEmpty());
     EXPECT_TRUE(window.menu()->action(u"Importar imágenes…"_s)->isEnabled());
-    // Opened right after the sign-in, the file joins the batch of the one that waited for it.
+    // A file opened right after the sign-in joins the batch of the file that waited for the
+    // sign-in.
     window.open({photo(u"g.png"_s)});
     EXPECT_TRUE(QTest::qWaitFor([this] { return session.batch().items.size() == 2; }));
 
@@ -275,7 +276,7 @@ TEST_F(AccountScreensTest, ASheetHoldsTheFocusAndGivesItBack)
         QTest::keyClick(window.focusWidget(), i < 15 ? Qt::Key_Tab : Qt::Key_Backtab);
         ASSERT_TRUE(sheet->isAncestorOf(window.focusWidget()));
     }
-    button->setFocus();    // a widget behind the sheet asks for the focus
+    button->setFocus();    // `button` is behind the sheet and does not get the focus
     EXPECT_TRUE(sheet->isAncestorOf(window.focusWidget()));
     QAccessibleInterface* shell = QAccessible::queryAccessibleInterface(window.shell());
     EXPECT_EQ(shell->childCount(), 0);
@@ -313,7 +314,7 @@ TEST_F(AccountScreensTest, CreditsAreBoughtAndThePasswordIsChanged)
     ASSERT_TRUE(isDone());
     EXPECT_TRUE(account.log().last().contains(R"("credits":49000)"));
     EXPECT_EQ(account.opened(), QList{QUrl(u"https://example.org/p"_s)});
-    // The address can be copied, for users without a browser.
+    // Users without a browser can copy the address.
     named<PushButton>(credits, u"Copiar dirección de pago"_s)->click();
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"https://example.org/p"_s);
 
@@ -371,7 +372,7 @@ TEST_F(AccountScreensTest, OutcomesAreToldWhereNoScreenShowsThem)
     account.session().login(u"a@b.es"_s, u"x"_s);
     EXPECT_TRUE(isTold(u"Sesión iniciada."_s));
     account.answer("POST /api/auth/logout", R"({"error":"x"})", 500);
-    for (int i = 0; i < 2; ++i) {    // an equal failure is told a second time
+    for (int i = 0; i < 2; ++i) {    // the second failure is told too, although it equals the first
         window.menu()->action(u"Cerrar sesión"_s)->trigger();
         EXPECT_EQ(session.statusLog().current().kind, StatusKind::working);
         ASSERT_TRUE(isDone());

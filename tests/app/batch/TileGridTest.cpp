@@ -59,7 +59,7 @@ struct Grid : TileGrid {
     QList<std::pair<int, Qt::KeyboardModifiers>> clicks;
 };
 
-// Collects the region that the viewport was asked to repaint.
+// Collects the regions that the watched widget was asked to paint.
 struct PaintWatch : QObject {
     bool eventFilter(QObject*, QEvent* event) override
     {

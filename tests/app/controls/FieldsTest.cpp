@@ -87,7 +87,7 @@ TEST(SliderField, escLeavesTheValueAndASecondClickGivesTheDefault)
     EXPECT_EQ(slider.field.value(), 40);
     EXPECT_TRUE(slider.taken().isEmpty());
 
-    // The second click of a double click meets the edit that the first one has opened.
+    // The first click opens `edit`, so the second click of a double click reaches `edit`.
     press(slider.field, {20, 10});
     QTest::mouseDClick(slider.edit, Qt::LeftButton, {}, {20, 10});
     settle();
@@ -97,7 +97,7 @@ TEST(SliderField, escLeavesTheValueAndASecondClickGivesTheDefault)
 
 TEST(SliderField, aDragIsHeldUntilItIsReleased)
 {
-    Slider slider(radius);    // a pixel is half a unit
+    Slider slider(radius);    // dragging by one pixel changes the value by half a unit
     slider.field.setValue(20);
     const auto move = [&](int x, Qt::KeyboardModifiers modifiers = {}) {
         QMouseEvent event(QEvent::MouseMove, QPointF(x, 10), QPointF(x, 10), Qt::NoButton,

@@ -80,7 +80,8 @@ TEST(FontList, showsFacesUnderTheirFamilyAndFindsThem)
                                            u"Inter Display Black Italic"_s}));
 }
 
-// The bare name "Bebas Neue" is drawn as its "Book" face, which is lighter than the regular one.
+// The name "Bebas Neue" without a style is drawn with the face "Book", which is lighter than the
+// regular face.
 TEST(FontList, offersEachInstalledFaceAndMarksTheOneThatIsDrawn)
 {
     FontCatalog catalog;

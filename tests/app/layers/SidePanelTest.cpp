@@ -102,7 +102,7 @@ TEST_F(SidePanelTest, aStateWithTheSameTextLeavesTheEditorAlone)
     text->setState(state);
     EXPECT_EQ(title->textCursor().position(), 4) << "the session's answer to the key";
 
-    state.layers[0].text = u"Tu"_s;    // as undo does
+    state.layers[0].text = u"Tu"_s;    // a text set from outside, as undo does
     text->setState(state);
     EXPECT_EQ(title->text(), u"Tu"_s);
     EXPECT_EQ(edits.size(), 1) << "showing is not an edit";
@@ -132,7 +132,7 @@ TEST_F(SidePanelTest, aChangeIsTheSelectedLayerWithNothingElseChanged)
     QObject::connect(text, &TextPanel::layerEdited, [&](const TextLayer& layer, Pace pace) {
         changes.append({layer, pace});
     });
-    state.layers[0].cornerRadius = 500;    // out of range, as a file may say
+    state.layers[0].cornerRadius = 500;    // out of range, as a file may contain it
     state.layers[0].background.alpha = 0.3;
     text->setState(state);
     EXPECT_TRUE(changes.isEmpty());
@@ -177,7 +177,7 @@ TEST_F(SidePanelTest, theSizeSaysWhereTheBoxEndsIt)
     EXPECT_LT(*limit, 2.5);
     title.fontScale = *limit;
     EXPECT_FALSE(limitOf(title)) << "at the end itself the text is as large as it wants to be";
-    // In a large box the size that no text may exceed comes before the box's limit.
+    // In a large box, the largest font size of any text is reached before the text fills the box.
     TextLayer large = title;
     large.frame = {0, 0, 1, 1};
     large.text = QString(u"palabras "_s).repeated(60);
@@ -248,7 +248,7 @@ TEST_F(SidePanelTest, shapesAreListedFromTheTopAndALineHasNoFill)
 
     ShapeLayer box(QUuid::createUuid(), ShapeKind::rectangle, {});
     box.fill.alpha = 0.5;
-    shown.shapes = QList<ShapeLayer>(100000, box);    // as a hostile file may hold
+    shown.shapes = QList<ShapeLayer>(100000, box);    // as many as a hostile file may contain
     shown.selectedLayer = box.id;
     shapes->setState(shown);
     EXPECT_LT(shapes->findChildren<ShapeRow*>().size(), 100);

@@ -30,7 +30,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Has a window with three photos and the templates' tab open.
+// Shows a window with three photos and with the templates tab open.
 class TemplatesTest : public ::testing::Test {
 protected:
     TemplatesTest()
@@ -44,7 +44,7 @@ protected:
             EXPECT_TRUE(image.save(m_folder.filePath(u"f%1.png"_s.arg(i))));
         }
         session.load({QUrl::fromLocalFile(m_folder.path())});
-        settle();    // the first import opens the templates' tab
+        settle();    // the first import opens the templates tab
     }
     void settle()
     {
@@ -104,7 +104,7 @@ TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
     EXPECT_EQ(isSaid(), std::pair(false, false));
     EXPECT_EQ(session.canUndo(), couldUndo);
 
-    // A preview by the keyboard stays while the wheel turns over the canvas, and edits nothing.
+    // While the keyboard focus shows a preview, turning the wheel over the canvas edits nothing.
     window.activateWindow();
     packaged()->setFocus(Qt::TabFocusReason);
     ASSERT_TRUE(begun.wait());
@@ -125,14 +125,14 @@ TEST_F(TemplatesTest, AreSeenOnTheCanvasBeforeTheyAreChosen)
     settle();
     for (const PublicationItem& item : session.batch().items) {
         EXPECT_NE(item.layers[0].frame, before.items[0].layers[0].frame);
-        EXPECT_EQ(item.shapeLayers, current().shapeLayers);    // ids included
+        EXPECT_EQ(item.shapeLayers, current().shapeLayers);    // with equal ids
     }
     EXPECT_EQ(current().layers[0].text, u"Solo en esta"_s);
     EXPECT_TRUE(tile->preset().chosen);
     EXPECT_EQ(session.status(),
               u"Plantilla «%1» aplicada a 3 imágenes."_s.arg(tile->preset().name));
     session.undo();
-    EXPECT_EQ(session.batch().items[1], before.items[1]);    // one undo takes back all images
+    EXPECT_EQ(session.batch().items[1], before.items[1]);    // one undo reverts all images
     EXPECT_EQ(session.batch().items[2], before.items[2]);
     EXPECT_EQ(current().layers[0].text, u"Solo en esta"_s);
 }
@@ -166,7 +166,7 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     window.activateWindow();
     window.templates().saveTemplate();
     auto* name = qobject_cast<LineField*>(QApplication::focusWidget());
-    ASSERT_TRUE(name);    // the name's field, ready to be typed into
+    ASSERT_TRUE(name);    // the field for the template's name has the focus
     const PresetTile* card = own()->tile(own()->presets().first().id);
     EXPECT_LE(name->width(), card->width());
     EXPECT_TRUE(card->findChild<IconButton*>()->isVisible()) << "its menu, without the pointer";
@@ -177,13 +177,13 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
     EXPECT_EQ(own()->presets().first().name, u"Rutas de otono"_s);
     EXPECT_TRUE(own()->presets().first().chosen);
 
-    // A second template is saved while the first is being named: the typed name is the first's.
+    // Saves a second template while the first is being named: the typed name goes to the first.
     window.templates().saveTemplate();
     QTest::keyClicks(QApplication::focusWidget(), u"Primera"_s);
     window.templates().saveTemplate();
     QTest::qWait(1);
     EXPECT_EQ(own()->presets()[1].name, u"Primera"_s);
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);    // discards the second one
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);    // discards the second template
     QTest::qWait(1);
     saved().removeTemplate(own()->presets().first().id);
     window.templates().saveTemplate();
@@ -201,18 +201,18 @@ TEST_F(TemplatesTest, AreSavedRenamedAndFound)
 
     session.setFormat(SocialFormat::storyReel);
     settle();
-    EXPECT_TRUE(own()->presets().isEmpty());    // made for another format
+    EXPECT_TRUE(own()->presets().isEmpty());    // the saved template is for another format
     EXPECT_FALSE(packaged()->presets().isEmpty());
     session.setFormat(SocialFormat::carouselPortrait);
     settle();
 
-    // Delete removes the template that the keyboard is on; it can be called back.
+    // The key Delete removes the focused template, and callBackRequested() brings it back.
     own()->setFocus(Qt::TabFocusReason);
     QTest::keyClick(own(), Qt::Key_Delete);
     EXPECT_TRUE(saved().templates().entries().isEmpty());
     Q_EMIT side()->templatesPanel()->callBackRequested();
     EXPECT_EQ(own()->presets().size(), 1);
-    // The keyboard stays on its template when a new one is put before it.
+    // The focus stays on the same template when a new one is inserted before it.
     const QUuid older = own()->presets().first().id;
     own()->setFocus(Qt::TabFocusReason);
     saved().saveTemplate(current(), session.batch().format);
@@ -240,7 +240,8 @@ TEST_F(TemplatesTest, GoOutAndComeInAsFiles)
     window.templates().importDefinition(file);
     ASSERT_TRUE(QTest::qWaitFor([&] { return own()->presets().size() == 1; }, 10000));
     EXPECT_EQ(own()->presets().first().name, packaged()->presets().first().name);
-    EXPECT_TRUE(own()->presets().first().chosen);    // the image already looks like it
+    // The current image already looks like the imported template.
+    EXPECT_TRUE(own()->presets().first().chosen);
     window.templates().importDefinition(file);
     ASSERT_TRUE(QTest::qWaitFor([&] { return told().contains(u"ya está"_s); }, 10000));
     window.templates().importDefinition(m_folder.filePath(u"f0.png"_s));
@@ -260,7 +261,7 @@ TEST_F(TemplatesTest, StylesReachTheSelectedTextOfAllSelectedImages)
     Q_EMIT shelf->saveRequested();
     ASSERT_EQ(shelf->grid()->presets().size(), 1);
     const QUuid style = shelf->grid()->presets().first().id;
-    // White letters on the bright photo of the third image get a dark veil.
+    // The style has white letters, so its tile darkens the bright photo of the third image.
     title.foreground = codableWhite;
     title.hasBox = false;
     const PhotoHandle bright = session.batch().items[2].image;
@@ -280,7 +281,7 @@ TEST_F(TemplatesTest, StylesReachTheSelectedTextOfAllSelectedImages)
     EXPECT_EQ(current().layers[1].foreground, codableWhite);
     session.selectLayer(QUuid());
     const Batch before = session.batch();
-    shelf->grid()->tile(style)->click();    // no text is selected
+    shelf->grid()->tile(style)->click();    // does nothing: no text is selected
     EXPECT_EQ(session.batch(), before);
     Q_EMIT shelf->removeRequested(style);
     EXPECT_TRUE(shelf->grid()->presets().isEmpty());

@@ -80,7 +80,7 @@ protected:
 
     CanvasInteractionView* canvas() { return window.shell()->stage()->canvas(); }
     SidePanel* panel() { return window.shell()->sidePanel(); }
-    // Opens the editor of the selected text by its key, F2.
+    // Presses F2, which opens the editor of the selected text.
     SlotEditor* editSelected()
     {
         window.activateWindow();
@@ -109,7 +109,7 @@ protected:
         account.answer("POST /api/credits/social-copy/reserve",
                        R"({"ok":true,"balance":4230,"cost":50})");
     }
-    // Starts an export that waits for the answer to its reservation.
+    // Starts an export that then waits for the answer to its reservation of credits.
     void holdAtCharging()
     {
         answerReservations();
@@ -168,7 +168,7 @@ TEST_F(MainWindowTest, tileAndSlotWarnAlikeAlsoWithoutTheColumn)
             CodableColor(QColor::fromHsv(session.batch().selectedIndex * 30, 200, 200));
         session.editLayer(title);
     };
-    // Ends a step of the history: rapid edits would be merged into one.
+    // Ends a step of the history: the history would merge edits that follow each other quickly.
     auto endStep = [this, step = 0]() mutable { session.setObjective(QString::number(++step)); };
     ASSERT_FALSE(titleWarnings().contains(sentence));
     endStep();
@@ -237,8 +237,8 @@ TEST_F(MainWindowTest, aTileIsDrawnAnewWhenItsItemChanges)
     EXPECT_NE(QColor(before.pixel(corner)), QColor(Qt::black));
 }
 
-// Clicking tiles, buttons and segments leaves the focus in the field, so the edit is still going
-// on.
+// Clicking tiles, buttons and segments leaves the focus in the objective's field, so its edit does
+// not end.
 TEST_F(MainWindowTest, anObjectiveBeingTypedSurvivesOtherChanges)
 {
     session.load({photos(3)});
@@ -401,7 +401,7 @@ TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
         EXPECT_EQ(session.batch().objective, QString());
     }
 
-    // The top bar shows the format that undo brought back.
+    // The top bar shows the format that undo has brought back.
     const auto* formats = window.shell()->topBar()->findChild<SegmentedControl*>();
     session.setFormat(SocialFormat::square);
     EXPECT_EQ(formats->current(), int(SocialFormat::square));
@@ -482,8 +482,8 @@ TEST_F(MainWindowTest, filesFromOneAfterTheOtherStartMakeOneBatch)
     EXPECT_EQ(session.batch().items[2].filename(), u"f1"_s);
 }
 
-// In the tree that a screen reader walks, every widget that can take the focus has a name, and the
-// canvas has its layers, which can be selected from there.
+// In the tree that a screen reader walks, every widget that can take the focus has a name. The
+// layers are children of the canvas and can be selected in that tree.
 TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
 {
     session.load({photos(2)});
@@ -514,7 +514,7 @@ TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
     EXPECT_EQ(session.batch().selectedLayerID, current().layers[1].id);
 }
 
-// Entries are disabled only while the menu is open: afterwards their keys work again.
+// Menu entries are disabled only while the menu is open: afterwards their keys work again.
 TEST_F(MainWindowTest, keysActAfterALookIntoTheMenu)
 {
     window.menu()->menu()->popup({});
@@ -548,7 +548,7 @@ TEST_F(MainWindowTest, aNumberBeingTypedBelongsToTheImageItWasBegunOn)
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     EXPECT_EQ(session.batch().items[1].layers[0].fontScale, 1.0);
 
-    // A held drag ends, too, when a key changes the image.
+    // A drag ends, too, when a key changes the current image.
     QTest::mousePress(size, Qt::LeftButton, Qt::NoModifier, {20, 16});
     QTest::mouseMove(size, {30, 16});
     QTest::mouseMove(size, {50, 16});
@@ -561,7 +561,8 @@ TEST_F(MainWindowTest, aNumberBeingTypedBelongsToTheImageItWasBegunOn)
     EXPECT_EQ(session.batch().items[1].layers[0].fontScale, dragged);
 }
 
-// No two commands share a key, and F6 reaches every region and comes back.
+// No two commands have the same key, and F6 goes through all regions of the window and back to the
+// first.
 TEST_F(MainWindowTest, theKeyboardReachesEverything)
 {
     session.load({photos(2)});
@@ -887,7 +888,7 @@ TEST_F(MainWindowTest, anExportIsShownFromItsBeginningToItsFiles)
         EXPECT_NE(widget->accessibleName(), u"50 créditos reservados."_s);
     session.setAccountPanel(std::nullopt);
     EXPECT_FALSE(seen.contains(u"Conectando con tu cuenta…"_s));
-    press(*link, link->rect().center());    // offscreen nothing opens folders
+    press(*link, link->rect().center());    // fails: the platform "offscreen" cannot open folders
     EXPECT_EQ(session.status(), u"No se ha podido abrir la carpeta."_s);
     EXPECT_FALSE(link->isVisible());
 }

@@ -37,7 +37,8 @@ QString socketIn(const QTemporaryDir& folder)
 
 TEST_F(SingleInstanceTest, startsAtOnceEndAsOneWithEverythingHandedOver)
 {
-    // A lock left by a killed run of an older version, with the number of a process that runs now.
+    // A lock file as an older version leaves it when killed, with the id of a process that runs
+    // now.
     QFile lock(folder.filePath(u"moltiva.lock"_s));
     ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
     lock.write("1\nmoltiva\n\n");
@@ -55,7 +56,7 @@ TEST_F(SingleInstanceTest, startsAtOnceEndAsOneWithEverythingHandedOver)
             handed += claimInstance(folder.path(), own).outcome == Outcome::handedOver;
         });
     }
-    QTest::qSleep(100);    // the starts wait for the first to listen
+    QTest::qSleep(100);    // the starts wait until `first` listens
     SingleInstance first(folder.path());
     QSet<QUrl> opened;
     QObject::connect(&first, &SingleInstance::handedOver,

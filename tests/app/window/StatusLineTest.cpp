@@ -67,7 +67,7 @@ TEST(StatusLine, aLinkFollowsTheSentenceAndGoesWithIt)
     EXPECT_EQ(left, 1) << "the keyboard would act on whatever comes next";
 }
 
-// Fifty sentences are higher than any window.
+// Shows fifty sentences, which need more height than the window has.
 TEST(StatusLine, theHistoryOpensAtTheNewestSentenceAndTellsEachTime)
 {
     QWidget window;

@@ -12,8 +12,8 @@ namespace {
 
 constexpr QSizeF shownCanvas(400, 500);
 
-// An item with one text over one shape, and a line beside them. Photo and canvas have one aspect
-// ratio.
+// An item with one text over a rectangle, and a line below both. The photo and the canvas have the
+// same aspect ratio.
 PublicationItem sampleItem()
 {
     PublicationItem item = PublicationItem::make(
@@ -25,7 +25,7 @@ PublicationItem sampleItem()
     return item;
 }
 
-// Logs the callbacks of gestures in their order.
+// Records the callbacks of gestures in `log`.
 struct Canvas : CanvasInteraction {
     explicit Canvas(const PublicationItem& shown = sampleItem())
     {
@@ -68,9 +68,9 @@ TEST(CanvasInteraction, aLayerStopsAndSnapsWhereItShould)
     enum Grip { body, handle };
     struct Case {
         const char* name;
-        int layer;    // 0 the text, 1 the rectangle, 2 the line
+        int layer;    // 0: the text; 1: the rectangle; 2: the line
         Grip grip;
-        QPointF by;    // logical pixels
+        QPointF by;    // distance of the drag in logical pixels
         CodableRect expected;
         bool shift;
         SnapGuides guides = {};
@@ -216,7 +216,8 @@ TEST(CanvasInteraction, theWheelZoomsThePhotoWithinItsLimits)
     EXPECT_TRUE(it.log.isEmpty());
 }
 
-// A pan counts by the pixels of the export, whatever size the canvas is shown at.
+// Only a pan that changes pixels of the export changes the placement, whatever size the canvas is
+// shown at.
 TEST(CanvasInteraction, aPanThatShowsNothingLeavesThePlacementAsItWas)
 {
     QRandomGenerator random(3);
@@ -241,7 +242,7 @@ TEST(CanvasInteraction, aPanThatShowsNothingLeavesThePlacementAsItWas)
         it.setFormat(format);
         const QSizeF view = exported * between(0.1, 2);
         it.setCanvasSize(view);
-        const double reach = i % 5 == 0 ? 0.0002 : 0.5;    // fraction of the canvas
+        const double reach = i % 5 == 0 ? 0.0002 : 0.5;    // as a fraction of the canvas
         const QPointF by(between(-reach, reach), i % 3 ? between(-reach, reach) : 0);
         it.dragBy({5, 5}, {by.x() * view.width(), by.y() * view.height()});
         it.release();

@@ -194,14 +194,14 @@ TEST(CanvasInteractionView, whatIsRepaintedInPartsIsAsPaintedAtOnce)
                 at += QPointF(dice.between(-40, 40), dice.between(-40, 40));
                 send(view, QEvent::MouseMove, at);
                 if (step % 2 == 0)
-                    continue;    // a painting may come after several steps
+                    continue;    // the canvas may be painted after several moves only
                 ASSERT_EQ(view.canvasBuffer(), paintedAtOnce(view, format, pixels, photo))
                     << drag << " " << step;
             }
             send(view, QEvent::MouseButtonRelease, at);
         }
         EXPECT_EQ(view.resamplings(), resampled) << "the photo did not move";
-        // Items set from outside, with layers added, removed and reordered.
+        // Sets other items from outside, with layers added, removed and reordered.
         for (int i = 0; i < 8; ++i) {
             PublicationItem next = randomItem(dice, photo.size());
             next.placement = item.placement;
@@ -269,7 +269,7 @@ TEST_F(ViewTest, marksAreDrawnOverThePictureAndNeverInIt)
     EXPECT_EQ(shown().pixelColor(36, 300), m_view.palette().color(QPalette::Highlight)) << "ring";
     EXPECT_EQ(m_view.canvasBuffer(), picture);
 
-    // A frame at the upper edge has its tag below, so that nothing covers the text.
+    // The tag of a frame at the upper edge is below the frame, so that it does not cover the text.
     PublicationItem high = m_item;
     high.layers[0].frame = {0.1, 0.02, 0.6, 0.2};
     m_view.setSafeZone(false);

@@ -38,7 +38,7 @@ TEST(DecodeGate, neverLetsMoreThanTheBudgetInAtOnce)
             int seen = most;
             while (now > seen && !most.compare_exchange_weak(seen, now))
                 ;
-            // Keeps the pass until all threads have started.
+            // Keeps `pass` until all threads have started.
             while (arrived < int(threads.size()))
                 std::this_thread::yield();
             --inside;
@@ -49,7 +49,7 @@ TEST(DecodeGate, neverLetsMoreThanTheBudgetInAtOnce)
     EXPECT_LE(most, 2);
 }
 
-// The system's number of the calling thread, and whether that thread waits for something.
+// The kernel's id of the calling thread.
 pid_t threadNumber()
 {
     return pid_t(::syscall(SYS_gettid));

@@ -9,7 +9,8 @@
 
 namespace {
 
-// A plain grey photo of 128x96: 100 of 255 in linear light, with the primaries of ITU-R BT.2020.
+// A plain grey photo of 128 × 96 pixels: 100/255 in linear light, with the primaries of ITU-R
+// BT.2020.
 QByteArray greyHeic()
 {
     return QByteArray::fromBase64(
@@ -28,7 +29,8 @@ TEST(HeicPhoto, linearLightIsConvertedWhateverThePrimaries)
 {
     const QImage image = readHeicPhoto(greyHeic(), QSize(128, 96));
     ASSERT_EQ(image.size(), QSize(128, 96));
-    EXPECT_NEAR(image.pixelColor(60, 40).green(), 168, 2);    // sRGB for 100 of 255 in linear light
+    // 168 is the sRGB value of 100/255 in linear light.
+    EXPECT_NEAR(image.pixelColor(60, 40).green(), 168, 2);
 }
 
 // Some telephones write the pictures before the `meta` box with their properties.
@@ -42,7 +44,7 @@ TEST(HeicPhoto, propertiesBehindALargeBoxAreFound)
         before.replace(4, 4, "free");
         qToBigEndian(quint64(before.size()), before.data() + 8);
         QByteArray moved = QByteArray(heic).insert(start, before);
-        // The item location box holds the offset of the coded picture.
+        // The item location box contains the offset of the coded picture.
         const qsizetype place = moved.indexOf("iloc") + 16;
         ASSERT_EQ(qFromBigEndian<quint32>(moved.constData() + place), 0x17AU);
         qToBigEndian(quint32(0x17A + before.size()), moved.data() + place);
@@ -50,7 +52,8 @@ TEST(HeicPhoto, propertiesBehindALargeBoxAreFound)
         const auto photo = acceptPhoto(written(folder, u"a.heic"_qs, moved));
         ASSERT_TRUE(photo) << isLong;
         EXPECT_EQ(photo->info.size, QSize(128, 96));
-        // The box claims to be longer than the file.
+        // Writes a 64-bit length beyond the end of the file, which is the box's length only if
+        // `isLong`.
         qToBigEndian(quint64(1) << 62, moved.data() + start + 8);
         EXPECT_EQ(acceptPhoto(written(folder, u"b.heic"_qs, moved)).has_value(), !isLong);
     }

@@ -30,8 +30,8 @@ TEST_F(PhotoCacheTest, theSecondRunAnswersFromDiskWithoutTheCodec)
 {
     const QString file = photo(u"a.jpg"_qs);
     const QDateTime time = QDateTime::fromSecsSinceEpoch(1'700'000'000);
-    // Changes the first bytes but neither size nor inode, so an answer must come from the thumbnail
-    // on disk.
+    // Overwrites the first bytes of the photo without changing its size or inode. With "garbage"
+    // there, only the thumbnail on disk can give an answer.
     const auto rewrite = [&](const QByteArray& start, const QDateTime& modified) {
         QFile changed(file);
         return changed.open(QIODevice::ReadWrite) && changed.write(start) == start.size() &&
@@ -107,7 +107,8 @@ TEST_F(PhotoCacheTest, whatWasUsedLongestAgoGoesFirst)
     EXPECT_TRUE(cache.cachedProxy(a, PhotoLevel::full).isNull());
     cache.proxy(a, PhotoLevel::full);
     cache.proxy(b, PhotoLevel::full);
-    EXPECT_FALSE(cache.cachedProxy(a, PhotoLevel::full).isNull());    // now b is the older one
+    // This use of `a` makes `b` the one unused for longest.
+    EXPECT_FALSE(cache.cachedProxy(a, PhotoLevel::full).isNull());
     cache.proxy(c, PhotoLevel::full);
     EXPECT_FALSE(cache.cachedProxy(a, PhotoLevel::full).isNull());
     EXPECT_TRUE(cache.cachedProxy(b, PhotoLevel::full).isNull());

@@ -75,7 +75,7 @@ TEST(PhotoColor, profilesOfTablesAreConvertedToo)
     EXPECT_NEAR(converted.red(), 50, 3);
     EXPECT_NEAR(converted.blue(), 200, 3);
 
-    // The profile in a JPEG.
+    // Embeds the profile in a JPEG.
     const QByteArray jpeg = encoded(image, "jpeg");
     const QByteArray body = QByteArray("ICC_PROFILE\0\x01\x01", 14) + profile;
     QByteArray length(2, 0);

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The picture that an orientation stands for, by its definition as rotations and mirrorings.
+// The image as the EXIF `orientation` says it is to be shown, made of rotations and mirrorings.
 QImage turned(const QImage& image, int orientation)
 {
     const auto rotated = [](const QImage& of, int degrees) {
@@ -97,7 +97,7 @@ TEST(PhotoDecoder, theCoveringLevelIsTheCoarsestThatNeedsNoEnlarging)
         {{2560, 3837}, {1280, 1919}, PhotoLevel::half},    // 3837 halves to 1919, rounded up
         {{2560, 3837}, {1280, 1920}, PhotoLevel::full},
         {{2560, 3837}, {320, 480}, PhotoLevel::eighth},
-        {{4000, 3000}, {500, 376}, PhotoLevel::quarter},    // 1/8 lacks height only
+        {{4000, 3000}, {500, 376}, PhotoLevel::quarter},    // 1/8 is 500 × 375: one row too few
         {{100, 100}, {400, 400}, PhotoLevel::full},
     };
     for (const auto& row : rows)

@@ -77,8 +77,8 @@ TEST(PhotoHeader, progressiveScansCountTheirCoefficients)
 TEST(PhotoHeader, aTiffOfManySamplesOrLongStripsCountsThem)
 {
     const QByteArray tiff = encoded(quarters({600, 400}), "tiff");
-    // Changes a value in the first directory: the entry is a tag, a type of two or four bytes, a
-    // count of one.
+    // Changes the value of the entry `tag` in the TIFF's first directory. An entry has a tag, a
+    // type (3: two bytes, 4: four bytes), a count of 1 and the value.
     const auto changed = [&](char tag, quint32 value) {
         QByteArray bytes = tiff;
         for (const char type : {3, 4}) {

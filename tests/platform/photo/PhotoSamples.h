@@ -43,7 +43,7 @@ inline QByteArray progressiveJpeg(QSize size)
     return bytes;
 }
 
-// EXIF data with the orientation only.
+// EXIF data that contain only the orientation.
 inline QByteArray orientationExif(int orientation)
 {
     QByteArray exif("MM\0\x2A\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\0\0\0\0\0\0\0", 26);
@@ -59,7 +59,7 @@ inline QByteArray turnedJpeg(const QByteArray& jpeg, int orientation)
     return jpeg.left(2) + "\xFF\xE1" + length + body + jpeg.mid(2);
 }
 
-// `webp` in an extended container, with an EXIF orientation.
+// The WebP `webp`, put into an extended container with an EXIF orientation.
 inline QByteArray turnedWebp(const QByteArray& webp, QSize size, int orientation)
 {
     const auto number = [](quint32 value, int bytes) {
@@ -74,7 +74,7 @@ inline QByteArray turnedWebp(const QByteArray& webp, QSize size, int orientation
     return "RIFF" + number(quint32(body.size()), 4) + body;
 }
 
-// The JPEG with another size written into its header.
+// The JPEG with `size` written into its header in place of its own.
 inline QByteArray announcing(QByteArray jpeg, QSize size)
 {
     const qsizetype frame = std::max(jpeg.indexOf(QByteArray("\xFF\xC0\0\x11", 4)),

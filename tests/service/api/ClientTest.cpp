@@ -10,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-// Runs the studio's own client against the service, one endpoint after the other.
+// Calls the endpoints of the service with the studio's own client.
 
 namespace {
 
@@ -35,7 +35,7 @@ protected:
         }
         return u"none"_s;
     }
-    // Pays in the browser.
+    // Pays on the page `page`, as a user does in the browser.
     void pay(const QUrl& page)
     {
         const std::string path = page.path().toStdString();

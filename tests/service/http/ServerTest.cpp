@@ -15,7 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Sends these bytes and returns all that the service sends back until it ends the connection.
+// Sends `bytes`, in which HOST and PORT are replaced by the service's. Returns all that the service
+// sends until it closes the connection.
 QByteArray raw(const TestService& service, QByteArray bytes)
 {
     bytes.replace("HOST", "127.0.0.1:PORT");

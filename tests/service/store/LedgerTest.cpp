@@ -23,7 +23,7 @@ protected:
         transaction.commit();
     }
 
-    // "ok 9990", or the refusal's code and the balance.
+    // Runs `operation`. Returns "ok" or the refusal's code, and then the balance: "ok 9990".
     template <typename Operation>
     std::string after(Operation operation, int cost, const QString& requestId)
     {
@@ -85,7 +85,7 @@ TEST_F(LedgerTest, entriesAreNeitherChangedNorDroppedNorWrong)
     }
     Transaction transaction(m_database);
     EXPECT_TRUE(ledgerAddsUp(transaction));
-    // Changes an entry as another program could, past the triggers.
+    // Changes an entry without the triggers, as another program could.
     transaction.run("DROP TRIGGER ledger_keeps");
     transaction.run("UPDATE ledger_entry SET amount = 7");
     EXPECT_FALSE(ledgerAddsUp(transaction));

@@ -18,7 +18,8 @@ Batch batchOf(int count)
     return batch;
 }
 
-// The selected positions, then that of the current item and the anchor: "1 2 3, at 3, from 1".
+// The positions of the selected items, of the current item and of the anchor: "1 2 3, at 3, from
+// 1".
 QString described(const Batch& batch)
 {
     QStringList positions;
@@ -110,7 +111,7 @@ TEST(LayerEdits, aStyleReachesTheOtherSelectedImagesWithoutTheText)
     Batch batch = batchOf(4);
     selectItem(batch, 2, Qt::ShiftModifier);
     selectItem(batch, 0, Qt::NoModifier);
-    selectItem(batch, 2, Qt::ShiftModifier);    // 0 to 2, the current one is 2
+    selectItem(batch, 2, Qt::ShiftModifier);    // selects 0 to 2; item 2 is current
     TextLayer title = batch.items[2].layers[0];
     title.fontScale = 1.4;
     title.alignment = LayerTextAlignment::trailing;
@@ -195,7 +196,7 @@ TEST(LayerEdits, aShapeIsAddedAndDeletedUnderOneIdInAllSelectedImages)
     EXPECT_TRUE(batch.items[0].shapeLayers.isEmpty() && batch.items[1].shapeLayers.isEmpty());
     expectSound(batch);
 
-    // Now a text is selected: it is hidden, never removed.
+    // With the shapes gone, a text is selected. Deleting it hides it, but never removes it.
     LayerEdits::deleteSelectedLayer(batch);
     EXPECT_EQ(batch.items[1].layers.size(), 4);
     EXPECT_FALSE(batch.items[1].layers[0].isVisible);

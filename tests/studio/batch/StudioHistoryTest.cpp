@@ -7,7 +7,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// A state with `number` as its objective, to tell it from others.
+// A batch that has `number` as its objective, to tell it from other batches.
 Batch state(int number)
 {
     Batch batch;
@@ -15,7 +15,7 @@ Batch state(int number)
     return batch;
 }
 
-// A history, and the state that its owner is in.
+// A history, the batch whose changes it records, and its clock.
 struct Studio {
     StudioHistory history;
     StudioHistory::Time now{};
@@ -65,7 +65,7 @@ TEST(StudioHistory, mergesContinuousChangesByTheGapBetweenThem)
     Studio studio;
     studio.change(1, Step::joined());
     for (int i = 2; i < 10; ++i)
-        studio.change(i, Step::joined(), 790ms);    // long in all, without a pause
+        studio.change(i, Step::joined(), 790ms);    // long in total, but each gap is below 800 ms
     studio.change(10, Step::joined(), 800ms);       // exactly 800 ms later is too late to merge
     ASSERT_TRUE(studio.undo());
     EXPECT_EQ(studio.current, state(9));
@@ -75,7 +75,7 @@ TEST(StudioHistory, mergesContinuousChangesByTheGapBetweenThem)
 
     studio = {};
     studio.change(1, Step::own());
-    studio.change(2, Step::joined(), 100ms);    // is not merged with a single change
+    studio.change(2, Step::joined(), 100ms);    // not merged with a Step::own()
     studio.change(3, Step::own(), 100ms);
     ASSERT_TRUE(studio.undo());
     EXPECT_EQ(studio.current, state(2));
@@ -90,9 +90,9 @@ TEST(StudioHistory, aNewChangeEndsTheWayForward)
     studio.change(2, Step::own());
     studio.undo();
     EXPECT_TRUE(studio.history.canRedo());
-    studio.change(1, Step::own());    // changes nothing
+    studio.change(1, Step::own());    // the batch equals state(1) already
     EXPECT_TRUE(studio.history.canRedo());
-    // The undo ended the continuous changes: one that follows at once is a step of its own.
+    // The undo has ended the series of joined changes: the next one is a step of its own.
     studio.change(3, Step::joined(), 100ms);
     EXPECT_FALSE(studio.history.canRedo());
     studio.undo();
@@ -125,7 +125,7 @@ TEST(StudioHistory, aRunIsOneStepHoweverLongUntilSomethingElseChangesTheBatch)
     Studio studio;
     studio.change(1, Step::joined());
     const Step run = Step::run(), other = Step::run();
-    studio.change(2, run, 100ms);    // typing just before is no part of it
+    studio.change(2, run, 100ms);    // not merged with the joined change just before
     studio.change(3, run, 5min);
     studio.change(4, other, 100ms);
     studio.change(5, Step::joined(), 100ms);
@@ -136,7 +136,7 @@ TEST(StudioHistory, aRunIsOneStepHoweverLongUntilSomethingElseChangesTheBatch)
         EXPECT_EQ(studio.current, state(before));
     }
     EXPECT_FALSE(studio.undo());
-    studio.change(8, other, 100ms);    // what was undone is not gone on with
+    studio.change(8, other, 100ms);    // a new step: the earlier ones of this run are undone
     ASSERT_TRUE(studio.undo());
     EXPECT_EQ(studio.current, state(0));
 }

@@ -5,8 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
-// What goes wrong between the program and the service, at each step of a charge: no credit is lost,
-// none is charged twice, and what is told is what happened.
+// Tests faults between the program and the service at each step of a charge. No credit may be lost
+// or charged twice, and the status must tell what really happened.
 
 namespace {
 
@@ -31,7 +31,7 @@ protected:
         studio->signIn();
         studio->load({world.photo(u"a.png"_s)});
     }
-    // Waits until the journal has refunded all open entries.
+    // Ends the fault, and waits until the journal has refunded all open entries.
     void recover()
     {
         proxy.heal();
@@ -62,7 +62,7 @@ TEST_P(ChargeFaultsTest, AReservationThatGoesWrongCostsNothing)
     const bool isSignedOut =
         GetParam() == Fault::signedOutBefore || GetParam() == Fault::signedOutAfter;
     EXPECT_EQ(told.contains(u"Necesitas iniciar sesión."_s), isSignedOut) << told.toStdString();
-    // The refund of the failed reservation fails too.
+    // With these faults, the refund of the failed reservation fails too.
     const bool isPending = isSignedOut || GetParam() == Fault::noConnection;
     EXPECT_EQ(told.endsWith(u" Si se habían descontado, los 50 créditos se devolverán al recuperar "
                             "la conexión."_s),
@@ -92,7 +92,7 @@ TEST_P(ChargeFaultsTest, ARefundThatGoesWrongComesLater)
                u"Se han devuelto 50 créditos: una exportación no llegó a terminar."_s;
     })) << studio->session.status().toStdString();
 
-    // Another run refunds the charge if this one ends first.
+    // If this run ends before the refund, the next run refunds the charge.
     proxy.spoil(refundTarget, GetParam());
     studio->exportCurrent(u"no existe/a.png"_s);
     EXPECT_EQ(entries().size(), 1);

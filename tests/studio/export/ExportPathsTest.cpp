@@ -33,7 +33,7 @@ TEST(ExportPaths, anOutputReachedThroughALinkDoesNotFallOnAPhoto)
         ASSERT_TRUE(QFile(photo.toLocalFile()).open(QIODevice::WriteOnly));
     EXPECT_EQ(exportPaths(photos, folder.filePath(u"link"_s)).first(),
               folder.filePath(u"link/x-publicacion-2.png"_s));
-    const QString elsewhere = folder.filePath(u"y.png"_s);    // a link to a photo of another name
+    const QString elsewhere = folder.filePath(u"y.png"_s);    // will link to d/x-publicacion.png
     ASSERT_TRUE(QFile::link(photos[1].toLocalFile(), elsewhere));
     EXPECT_EQ(exportPaths({photos[0], QUrl::fromLocalFile(elsewhere)}, folder.filePath(u"d"_s)),
               (QStringList{folder.filePath(u"d/x-publicacion-2.png"_s),

@@ -75,7 +75,7 @@ TEST_F(ExportTest, WhatCannotBePaidOrPreparedCostsNothing)
     EXPECT_EQ(studio->exportAll(), u"No se pudieron preparar todas las imágenes para descargar."_s);
     session().selectSingleIndex(1);
     EXPECT_EQ(studio->exportCurrent(), u"No se pudo preparar la imagen para descargar."_s);
-    // A different photo under the name of the batch's photo is refused.
+    // Refuses a different photo under the file name of the batch's photo.
     world.photo(u"b.png"_s, Qt::yellow);
     EXPECT_EQ(studio->exportCurrent(), u"No se pudo preparar la imagen para descargar."_s);
     world.photo(u"b.png"_s, Qt::red);
@@ -120,7 +120,7 @@ TEST_F(ExportTest, WhatCannotBeWrittenIsGivenBack)
     const QString wholeRefund =
         u"No se pudieron guardar todas las imágenes. Se han devuelto los 150 créditos."_s;
     EXPECT_EQ(studio->exportAll(u"no existe"_s), wholeRefund);
-    // A folder takes the second of three paths: the first file stays, and is whole.
+    // A folder blocks the path of the second of three images. The files of the other two are kept.
     QDir(world.folder.path()).mkpath(u"salida/b-publicacion.png/x"_s);
     EXPECT_EQ(studio->exportAll(), wholeRefund);
     EXPECT_EQ(world.exported(), QStringList({u"a-publicacion.png"_s, u"c-publicacion.png"_s}));
@@ -141,7 +141,7 @@ TEST_F(ExportTest, WhatCannotBeWrittenIsGivenBack)
 TEST_F(ExportTest, AStoppedExportCostsNothing)
 {
     loadThree();
-    // An unfinished file of an export that was killed.
+    // Creates an unfinished file, as an export that was killed leaves it.
     QFile killed(world.file(u"salida/.moltiva-5d1f4c0e-3d1c-4a86-8b8e-4b7d7b6f1a11.x"_s));
     EXPECT_TRUE(killed.open(QIODevice::WriteOnly));
     session().exportAll(world.file(u"salida"_s));
@@ -214,7 +214,7 @@ TEST_F(ExportTest, WhatIsPaidIsStoredWithTheEndOfItsEntryOrLater)
     EXPECT_EQ(entries().size(), 1);
     studio->journal.stepReached = {};
     refuseWrites(false);
-    session().setText(CopySlot::subtitle, u"Sigue"_s);    // the next save strikes the entry
+    session().setText(CopySlot::subtitle, u"Sigue"_s);    // saving this removes the journal's entry
     EXPECT_TRUE(entries().isEmpty());
     session().undo();
     restart();
@@ -222,7 +222,7 @@ TEST_F(ExportTest, WhatIsPaidIsStoredWithTheEndOfItsEntryOrLater)
     EXPECT_EQ(world.charged(), 50);
 }
 
-// Another operation of the window pays for the second render.
+// While the export runs, another operation of the same window pays for the second image.
 TEST_F(ExportTest, WhatIsPaidMeanwhileIsNotPaidAgain)
 {
     loadThree();

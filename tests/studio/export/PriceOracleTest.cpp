@@ -13,7 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int sequenceCount = 30, rounds = 12;    // MOLTIVA_PRICE_SEQUENCES: another count
+// The environment variable MOLTIVA_PRICE_SEQUENCES replaces `sequenceCount`.
+constexpr int sequenceCount = 30, rounds = 12;
 
 class PriceOracle {
 public:
@@ -50,8 +51,8 @@ private:
     QHash<QUuid, QSet<QByteArray>> m_paid;
 };
 
-// Makes random edits, many without a visible effect. Steps are coarse: at this size, finer ones
-// often give equal pixels, which only drawing can tell.
+// Makes random edits, many without a visible effect. The values are far apart: in exports as small
+// as these, close values often give equal pixels, which only drawing can show.
 class RandomEdits {
 public:
     RandomEdits(StudioSession& session, unsigned seed) : m_session(session), m_random(seed) {}
@@ -82,7 +83,8 @@ public:
         m_session.redo();
     }
 
-    // Adds the only shape that hides others.
+    // Adds an opaque shape over the whole canvas. No other edit adds a shape that hides what is
+    // below.
     void cover()
     {
         PublicationItem item = *m_session.batch().currentItem();
@@ -235,7 +237,8 @@ private:
         m_session.setCurrentItem(item);
     }
 
-    // Most offsets are limited to those at which the photo still fills the canvas.
+    // StudioSession::setPlacement() limits most of these offsets to those at which the photo still
+    // fills the canvas.
     ImagePlacement placement()
     {
         return {.mode = one({ImageFitMode::fill, ImageFitMode::fit}),
@@ -265,8 +268,8 @@ private:
     std::string m_log;
 };
 
-// Colors everything unlike the black canvas beside the photo. Radii stay below the roundest: larger
-// ones give equal pictures.
+// Gives boxes and shadows colors unlike the black canvas beside the photo, and corners as round as
+// possible: any larger radius draws the same picture.
 void colorAll(StudioSession& session)
 {
     session.selectAll();
@@ -300,14 +303,15 @@ protected:
 
     void runSequence(unsigned seed)
     {
-        // The edits of an earlier run cannot be undone in this one.
+        // Colors the layers in a run of its own, because a new run cannot undo the edits of an
+        // earlier one.
         {
             PayingStudio first(world);
             first.load(photos);
             colorAll(first.session);
         }
         PayingStudio studio(world);
-        // The session of the first run may still be valid.
+        // The sign-in of an earlier sequence may still be valid.
         if (!awaited(studio.account.refresh()) || !studio.account.isAuthenticated())
             studio.signIn();
         RandomEdits edits(studio.session, seed);

@@ -62,7 +62,7 @@ TEST(TextSheet, wrongRowsAreToldByNumberAndSpoilNoOtherOne)
     int number = 1, broken = 0;
     for (int i = 1; i <= 480; ++i) {
         names.append(u"/f%1.jpg"_s.arg(i));
-        // A line break in a cell begins no row; empty rows are counted.
+        // A line break inside a cell starts no new row; empty rows count as rows.
         titles.append(i % 7 == 0 ? u"Título %1\n\"%1\""_s.arg(i) : u"Título %1"_s.arg(i));
         sheet += u"f%1;\"%2\";Ya\n"_s
                      .arg(QString::number(i), QString(titles.last()).replace(u'"', u"\"\""_s))
@@ -108,8 +108,8 @@ TEST(TextSheet, aRoundTripChangesNothing)
                               u"\""_s,
                               u"\xFEFFmarca"_s,
                               u"un texto que no es una llamada a la acción."_s};
-    // Two files of one name, one named like another without its extension, names like formulas,
-    // and an accent in two forms.
+    // File names that are easily confused or hard to write: two equal ones, one that equals another
+    // without its extension, one like a formula, one with an accent as a combining character.
     PublicationItems items = itemsOf({u"/a/f.jpg"_s, u"/b/f.jpg"_s, u"/a/g.h.jpg"_s, u"/a/g.h"_s,
                                       u"/a/=x;.png"_s, u"/a/n\u0303.jpg"_s, u"/a/50%1.jpg"_s});
     for (qsizetype i = 0; i < items.size(); ++i) {
@@ -195,7 +195,7 @@ TEST(TextSheet, readsWhatSpreadsheetProgramsWrite)
         // With lone CR as line end, also inside a cell.
         " titulo ;archivo;párrafo;texto_publicacion\r\"Uno\rDos\";f.jpg; con aire ;\"Hola; "
         "\"\"tú\"\"\"\r",
-        // With what people leave in a file: empty rows, the separator's name, blanks.
+        // With leftovers to ignore: empty rows and columns, a row "Sep=,", blanks around cells.
         "\n;;\nSep=,\n\narchivo,titulo,parrafo,texto_publicacion,;;;;;\n , ,\t\n"
         "  f.jpg ,\t\"Uno\nDos\" , con aire , \"Hola; \"\"tú\"\"\" ,\n"};
     QByteArrayList sheets;
