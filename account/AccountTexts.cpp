@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int longestShownLine = 300;
-constexpr int profileLongestText = 4000;    // characters; a message may contain a long URL
+constexpr int longestShownText = 4000;    // characters; a message may contain a long URL
 
 QString harmless(const QString& text)
 {
@@ -41,7 +41,7 @@ QString shownLine(const QString& text)
 
 QString shownText(const QString& text)
 {
-    return shortened(harmless(text.left(2 * profileLongestText)).trimmed(), profileLongestText);
+    return shortened(harmless(text.left(2 * longestShownText)).trimmed(), longestShownText);
 }
 
 QString initialsOf(const QString& name)

@@ -139,9 +139,9 @@ QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation o
 {
     const QPointer<CreditJournal> self = this;
     ChargeResult result;
-    QCoro::Task<QString> freeing = freed(key, operation.cost);
+    QCoro::Task<QString> freeing = refusalAfterEarlierCharge(key, operation.cost);
     const QString inUse = co_await std::move(freeing);
-    const QString refusal = self && inUse.isEmpty() ? open(key, operation) : inUse;
+    const QString refusal = self && inUse.isEmpty() ? openEntry(key, operation) : inUse;
     if (!self || !refusal.isEmpty()) {
         const bool isOut = self && m_account.accountKey().isEmpty();
         result = notReserved(refusal, isOut ? Refusal::signedOut : Refusal::other);
@@ -172,7 +172,7 @@ QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation o
 
 // An earlier charge of `key` may still be open: waits for its refund, or refunds it here if its
 // price differs. Returns why the new charge is refused; empty if it may go on.
-QCoro::Task<QString> CreditJournal::freed(QString key, qint64 cost)
+QCoro::Task<QString> CreditJournal::refusalAfterEarlierCharge(QString key, qint64 cost)
 {
     const QPointer<CreditJournal> self = this;
     QString refusal;
@@ -199,7 +199,7 @@ QCoro::Task<QString> CreditJournal::freed(QString key, qint64 cost)
 
 // Writes the entry of `operation` under `key`. Replaces an entry that an earlier run left open
 // under the same key. Returns why the entry could not be written; empty on success.
-QString CreditJournal::open(const QString& key, const ChargedOperation& operation)
+QString CreditJournal::openEntry(const QString& key, const ChargedOperation& operation)
 {
     const OpenReservation opened{.requestId = operation.requestId,
                                  .account = m_account.accountKey(),

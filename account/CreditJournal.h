@@ -119,8 +119,8 @@ private:
 
     void accountChanged();
     QCoro::Task<ChargeResult> reserve(QString key, ChargedOperation operation);
-    QCoro::Task<QString> freed(QString key, qint64 cost);
-    QString open(const QString& key, const ChargedOperation& operation);
+    QCoro::Task<QString> refusalAfterEarlierCharge(QString key, qint64 cost);
+    QString openEntry(const QString& key, const ChargedOperation& operation);
     bool isBeingPaid(const QStringList& what) const;
     template <typename Change>
     bool changeEntry(const QString& key, Change change);

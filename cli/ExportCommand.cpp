@@ -300,7 +300,7 @@ private:
     {
         // The first items' files were written, or could not be, and have been reported.
         QStringList photos = photosOf(batch).mid(outcome.written.size() + outcome.unwritten.size());
-        if (outcome.isCacheFull)
+        if (outcome.isStagingFailed)
             m_report.unprepared(std::exchange(photos, {}), stagingPlace());
         return photos;
     }

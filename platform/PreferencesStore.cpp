@@ -269,7 +269,7 @@ bool PreferencesStore::open()
     if (!cause.isEmpty()) {
         QSqlDatabase::removeDatabase(m_connection);
         // Replaces the file only if another process has not done so in the meantime.
-        if (found == identityOf(m_file) && !replace(cause))
+        if (found == identityOf(m_file) && !setAside(cause))
             return false;
         tryToOpen();
     }
@@ -283,7 +283,7 @@ bool PreferencesStore::open()
 }
 
 // Renames the file, so that a new one can be created. Returns false if it cannot be renamed.
-bool PreferencesStore::replace(const QString& cause)
+bool PreferencesStore::setAside(const QString& cause)
 {
     const QString aside = putAside(m_file);
     m_reason = cause;

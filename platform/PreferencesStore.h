@@ -49,7 +49,7 @@ public:
 
 private:
     QString tryToOpen();
-    bool replace(const QString& cause);
+    bool setAside(const QString& cause);
     bool finished(QSqlQuery& query);
     void written(qint64 bytes);
     void checkpointWhenDue();

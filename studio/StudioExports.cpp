@@ -95,9 +95,9 @@ void StudioExports::setJournal(CreditJournal& journal, const QString& stagingPla
 // until the end, so that it does not replace the sentence about the outcome.
 void StudioExports::tellLater(const QString& sentence, StatusKind kind)
 {
-    m_refundToTell += u' ' + sentence;
+    m_pendingSentences += u' ' + sentence;
     if (m_isTelling && !m_control)
-        Q_EMIT told(std::exchange(m_refundToTell, {}).mid(1), kind, {});
+        Q_EMIT told(std::exchange(m_pendingSentences, {}).mid(1), kind, {});
 }
 
 void StudioExports::startTelling()
@@ -108,8 +108,8 @@ void StudioExports::startTelling()
 
 void StudioExports::tellOfRefund()
 {
-    if (!m_refundToTell.isEmpty())
-        Q_EMIT toldMore(std::exchange(m_refundToTell, {}));
+    if (!m_pendingSentences.isEmpty())
+        Q_EMIT toldMore(std::exchange(m_pendingSentences, {}));
 }
 
 void StudioExports::follow(const Batch& batch)

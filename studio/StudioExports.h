@@ -70,7 +70,7 @@ private:
     int m_shownPaidVersion = 0;
     QTimer m_costsAreLate;
     bool m_isTelling = false;
-    QString m_refundToTell;    // sentences about refunds, not emitted yet
+    QString m_pendingSentences;    // sentences about refunds, not emitted yet
     ChargeServices m_payment;
     QString m_stagingPlace;
     std::shared_ptr<ExportControl> m_control;    // null: no export is under way

@@ -68,7 +68,7 @@ void Workspace::save(const Batch& batch)
     m_saveLater.stop();
     if (!didRestore() || m_isStoreOfAnother)
         return;
-    keepWhatIsStored();
+    setAsideUnreadStore();
     const bool isAside = !m_notYetAside || WorkspaceStore::setAside(m_preferences, *m_notYetAside);
     if (isAside)
         m_notYetAside.reset();
@@ -102,11 +102,11 @@ QString Workspace::takeProblem()
 
 // If the store could not be read at restore() and can be opened only now, protects the batch in it
 // from being overwritten.
-void Workspace::keepWhatIsStored()
+void Workspace::setAsideUnreadStore()
 {
-    if (!m_isStoredUnseen || !m_preferences.open())
+    if (!m_wasStoreUnreadable || !m_preferences.open())
         return;
-    m_isStoredUnseen = false;
+    m_wasStoreUnreadable = false;
     m_writerSeen = WorkspaceStore::writer(m_preferences);
     if (const auto document = WorkspaceStore::stored(m_preferences))
         m_notYetAside = *document;
@@ -117,7 +117,7 @@ void Workspace::restore(bool isEmpty)
     if (m_restore != Restore::notYet)
         return;
     m_restore = Restore::running;
-    m_isStoredUnseen = !m_preferences.isReadable();
+    m_wasStoreUnreadable = !m_preferences.isReadable();
     m_writerSeen = WorkspaceStore::writer(m_preferences);
     const auto document = WorkspaceStore::stored(m_preferences);
     if (document && isEmpty)

@@ -63,7 +63,7 @@ private:
                                          std::shared_ptr<PhotoCache> photos);
     bool claimStore();
     bool store(const Batch& batch);
-    void keepWhatIsStored();
+    void setAsideUnreadStore();
     QString failedSaving() const;
 
     std::shared_ptr<PhotoCache> m_photos;
@@ -72,7 +72,7 @@ private:
     Restore m_restore = Restore::notYet;
     bool m_isRestoringAside = false;
     QTimer m_saveLater;                         // runs while a change waits to be stored
-    bool m_isStoredUnseen = false;              // the preferences could not be read at restore()
+    bool m_wasStoreUnreadable = false;          // the preferences could not be read at restore()
     std::optional<QByteArray> m_notYetAside;    // the document to set aside before the next save
     bool m_saveFailed = false;                  // the last save failed, and told() said so
     const QByteArray m_writer = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);

@@ -128,7 +128,7 @@ public:
         return m_session.batch().items.size() == photoCount;
     }
 
-    bool refundAll()
+    bool waitUntilRefunded()
     {
         const bool isIdle = turnUntil([this] { return entries().isEmpty(); });
         tellState();
@@ -216,7 +216,7 @@ private:
         QList<RenderedOutput> outputs;
         for (const int index : indices) {
             const PublicationItem& item = m_session.batch().items[index];
-            const auto content = m_photos->contentOf(item.image.path);
+            const auto content = m_photos->digestOf(item.image.path);
             outputs.append({item,
                             {},
                             renderFingerprint({item, content.value_or(QByteArray()),
@@ -253,7 +253,7 @@ int runChild(const QStringList& arguments)
     if (!child.start())
         return 1;
     if (isCalm)
-        return child.refundAll() ? 0 : 1;
+        return child.waitUntilRefunded() ? 0 : 1;
     child.storm();
 }
 

@@ -144,7 +144,7 @@ void AccountBinding::showGate()
     if (now == before)
         return;
     if (before == Gate::open)
-        closeGate();
+        closeAccountScreens();
     m_gate->setState(now);
     if (now == Gate::open) {
         m_gate->login()->clearPasswords();
@@ -156,7 +156,7 @@ void AccountBinding::showGate()
 }
 
 // Deletes the sheets with all that was typed in them: the next user may be somebody else.
-void AccountBinding::closeGate()
+void AccountBinding::closeAccountScreens()
 {
     if (m_popover)
         m_popover->close();

@@ -45,7 +45,7 @@ private:
     void show();
     void showGate();
     void tell();
-    void closeGate();
+    void closeAccountScreens();
     bool isAccountSeen() const;
     void showSheets();
     AccountSettingsWindow* accountSettings();

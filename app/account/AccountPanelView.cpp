@@ -212,7 +212,7 @@ QWidget* AccountPanelView::destinations()
 void AccountPanelView::present()
 {
     const bool byKeyboard = owner()->hasFocus();
-    m_form->forget();
+    m_form->clearNotice();
     open(QSize(panelWidth - 2 * padding, m_page->sizeHint().height()));
     fit();
     // After a click, leaves the focus to the widget that has it, so that the arrow keys still act

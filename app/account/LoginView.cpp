@@ -233,7 +233,7 @@ void LoginView::setMode(LoginMode mode)
         m_primaries[i]->setVisible(i == int(mode));
     showWaysOut();
     if (isOther)
-        m_form->forget();
+        m_form->clearNotice();
 }
 
 void LoginView::clearPasswords()

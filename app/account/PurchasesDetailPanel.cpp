@@ -87,7 +87,7 @@ void PurchasesDetailPanel::setLoaded(Loading outcome)
     m_isLoading = false;
     m_isKnown |= outcome == Loading::done;
     if (outcome == Loading::done)
-        form()->forget();    // a successful loading has no message: the one shown is older
+        form()->clearNotice();    // a successful loading has no message: the one shown is older
     showContent();
 }
 
@@ -179,6 +179,6 @@ void PurchasesDetailPanel::showEvent(QShowEvent* event)
     SettingsPanel::showEvent(event);
     if (event->spontaneous())
         return;
-    form()->forget();
+    form()->clearNotice();
     load();
 }

@@ -18,7 +18,7 @@ void AccountForm::add(CheckedField checked, FormField* field)
 {
     m_fields.insert(checked, field);
     connect(field, &FormField::typed, this, [this] {
-        m_missing.clear();
+        m_problem.clear();
         tell();
     });
 }
@@ -38,7 +38,7 @@ void AccountForm::remove(const QList<PushButton*>& buttons)
 bool AccountForm::accepts(const CheckResult& failure)
 {
     markProblem(failure);
-    m_missing = failure ? failure->sentence : QString();
+    m_problem = failure ? failure->sentence : QString();
     if (FormField* field = failure ? m_fields.value(failure->field) : nullptr) {
         field->edit()->setFocus(Qt::TabFocusReason);
         attend(field);
@@ -53,7 +53,7 @@ bool AccountForm::send(PushButton* button)
         return false;
     m_pressed = button;
     attend(button);
-    forget();
+    clearNotice();
     return true;
 }
 
@@ -102,13 +102,13 @@ void AccountForm::lock()
 
 void AccountForm::tellProblem(const QString& sentence)
 {
-    m_missing = sentence;
+    m_problem = sentence;
     tell();
 }
 
-void AccountForm::forget()
+void AccountForm::clearNotice()
 {
-    m_missing.clear();
+    m_problem.clear();
     m_forgotten = m_message;
     markProblem(std::nullopt);
     tell();
@@ -122,8 +122,8 @@ void AccountForm::markProblem(const CheckResult& failure)
 
 void AccountForm::tell()
 {
-    if (!m_missing.isEmpty()) {
-        m_notice->tell(NoticeKind::problem, m_missing);
+    if (!m_problem.isEmpty()) {
+        m_notice->tell(NoticeKind::problem, m_problem);
     } else {
         const bool isStale = m_message == m_forgotten;
         m_notice->tell(m_isProblem ? NoticeKind::problem : NoticeKind::info,

@@ -36,7 +36,7 @@ public:
     // something.
     void tellProblem(const QString& sentence);
     // Empties the notice and unmarks all fields. An outcome that was shown does not come back.
-    void forget();
+    void clearNotice();
     // Emits attended(): the next notices are about `control`.
     void attend(QWidget* control) { Q_EMIT attended(control); }
 
@@ -57,7 +57,7 @@ private:
     QList<QWidget*> m_others;
     PushButton* m_pressed = nullptr;
     bool m_isWorking = false;
-    QString m_missing;    // why the form cannot be sent
+    QString m_problem;    // why the form cannot be sent
     QString m_message, m_forgotten;
     bool m_isProblem = false;
 };

@@ -58,8 +58,8 @@ SidePanel::SidePanel(QWidget* parent)
         Q_EMIT tabChosen(SideTab(index));
     });
     const auto follow = [texts](QWidget* wanted) { showIn(texts, wanted); };
-    connect(m_text, &TextPanel::visibleAreaWanted, texts, follow, Qt::QueuedConnection);
-    connect(m_text->styles(), &StyleShelf::visibleAreaWanted, texts, follow);
+    connect(m_text, &TextPanel::scrollToRequested, texts, follow, Qt::QueuedConnection);
+    connect(m_text->styles(), &StyleShelf::scrollToRequested, texts, follow);
     setContent(Content::none);
 }
 

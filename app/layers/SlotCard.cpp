@@ -53,9 +53,9 @@ void SlotCard::setLayer(const TextLayer& layer, CardMark mark)
     // Ignores changes of style, which the card does not show: dragging a slider makes many.
     const bool isShown =
         m_visible == layer.isVisible && m_mark == mark && m_editor->text() == layer.text;
-    if (m_isShown && isShown)
+    if (m_hasLayer && isShown)
         return;
-    m_isShown = true;
+    m_hasLayer = true;
     m_visible = layer.isVisible;
     m_mark = mark;
     m_eye->setMeaning(m_visible ? Icon::visible : Icon::hidden,
@@ -90,7 +90,7 @@ void SlotCard::open()
 
 // Shows or hides the warning. Waits until no mouse button is pressed: the height of the card
 // changes, which would turn a click into a selection and move a slider away from the pointer.
-void SlotCard::tellOrNot()
+void SlotCard::updateWarningLine()
 {
     const bool tells = !m_warnings.isEmpty() && m_editing;
     if (tells == m_tellsWarning)
@@ -103,7 +103,7 @@ void SlotCard::tellOrNot()
 
 void SlotCard::place()
 {
-    tellOrNot();
+    updateWarningLine();
     const bool unfolded = m_visible || m_editing;
     m_editor->setVisible(unfolded);
     const int before = height();

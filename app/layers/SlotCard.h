@@ -43,12 +43,12 @@ protected:
 private:
     void open();
     void place();
-    void tellOrNot();
+    void updateWarningLine();
 
     CopySlot m_slot;
     Icon m_icon;
     QString m_name;
-    bool m_isShown = false;    // setLayer() was called at least once
+    bool m_hasLayer = false;    // setLayer() was called at least once
     bool m_visible = true;
     bool m_editing = false;
     CardMark m_mark = CardMark::none;

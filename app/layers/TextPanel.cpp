@@ -92,7 +92,7 @@ void TextPanel::buildCards()
         connect(card, &SlotCard::leaveRequested, this, &TextPanel::leaveRequested);
         connect(card, &SlotCard::grown, this, [this, card] {
             if (card->editor()->hasFocus())
-                Q_EMIT visibleAreaWanted(card);
+                Q_EMIT scrollToRequested(card);
         });
     }
 }

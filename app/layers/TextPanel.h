@@ -51,7 +51,7 @@ Q_SIGNALS:
     void copyStyleRequested();
     void pasteStyleRequested();
     void leaveRequested();                      // the focus should go back to the canvas
-    void visibleAreaWanted(QWidget* editor);    // `editor` has grown and should be visible
+    void scrollToRequested(QWidget* editor);    // `editor` has grown and should be visible
 
 private:
     const TextLayer* selected() const;

@@ -256,7 +256,7 @@ void PresetGrid::bringIntoView(QUuid id)
 {
     const auto bring = [this, id] {
         if (PresetTile* shown = tile(id))
-            Q_EMIT visibleAreaWanted(shown);
+            Q_EMIT scrollToRequested(shown);
     };
     QMetaObject::invokeMethod(this, bring, Qt::QueuedConnection);
 }

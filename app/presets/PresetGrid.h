@@ -44,7 +44,7 @@ Q_SIGNALS:
     void renamed(QUuid id, const QString& name);
     void renameEnded(QUuid id, RenameEnd end);
     void removeRequested(QUuid id);
-    void visibleAreaWanted(QWidget* tile);    // scrolling should make `tile` visible
+    void scrollToRequested(QWidget* tile);    // scrolling should make `tile` visible
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

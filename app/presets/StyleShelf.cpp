@@ -40,7 +40,7 @@ StyleShelf::StyleShelf(QWidget* parent)
     connect(m_save, &PushButton::clicked, this, &StyleShelf::saveRequested);
     connect(m_callBack, &PushButton::clicked, this, &StyleShelf::callBackRequested);
     connect(m_grid, &PresetGrid::menuRequested, this, &StyleShelf::showMenu);
-    connect(m_grid, &PresetGrid::visibleAreaWanted, this, &StyleShelf::visibleAreaWanted);
+    connect(m_grid, &PresetGrid::scrollToRequested, this, &StyleShelf::scrollToRequested);
     connect(m_grid, &PresetGrid::removeRequested, this, &StyleShelf::removeRequested);
     setStyles({}, {}, {});
 }

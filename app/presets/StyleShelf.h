@@ -25,7 +25,7 @@ Q_SIGNALS:
     void updateRequested(QUuid id);
     void removeRequested(QUuid id);
     void callBackRequested();
-    void visibleAreaWanted(QWidget* tile);
+    void scrollToRequested(QWidget* tile);
 
 protected:
     void showEvent(QShowEvent* event) override;

@@ -91,7 +91,7 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
     rows->addWidget(m_content, 1);
 
     for (const PresetGrid* grid : {m_own, m_packaged}) {
-        connect(grid, &PresetGrid::visibleAreaWanted, m_area,
+        connect(grid, &PresetGrid::scrollToRequested, m_area,
                 [this](QWidget* tile) { showIn(m_area, tile); });
     }
     connect(m_save, &PushButton::clicked, this, &TemplatesPanel::saveRequested);

@@ -58,7 +58,7 @@ UpdatesDetailPanel::UpdatesDetailPanel(QWidget* parent)
         button->setToolTip(u"Esta copia de Moltiva no se actualiza por sí sola."_s);
     }
     connect(m_direct, &PushButton::clicked, this, [this] {
-        form()->forget();
+        form()->clearNotice();
         form()->attend(m_direct);
         Q_EMIT downloadRequested(m_download);
     });

@@ -67,7 +67,7 @@ void StageBinding::connectCanvas()
     };
     gestures.onCommit = [this](const PublicationItem& item) {
         if (m_preview)
-            return Q_EMIT previewRefused();
+            return Q_EMIT previewEditRefused();
         m_session.commitCanvasItem(item, m_isHiding ? std::optional(QUuid()) : std::nullopt);
     };
     // When the canvas hides or removes a layer, it calls onSelect first and onCommit second. The

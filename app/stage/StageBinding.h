@@ -45,7 +45,7 @@ Q_SIGNALS:
     void editRequested(CopySlot slot);
     void photoFound(QUuid item);
     void photoMissing(QUuid item);
-    void previewRefused();    // the user tried to edit a previewed item
+    void previewEditRefused();    // the user tried to edit a previewed item
 
 private:
     void connectCanvas();

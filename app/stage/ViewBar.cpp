@@ -57,9 +57,9 @@ ViewBar::ViewBar(QWidget* parent)
 
 void ViewBar::setPosition(int current, int count)
 {
-    if (current == m_current && count == m_count && m_isPlaced)
+    if (current == m_current && count == m_count && m_hasPosition)
         return;
-    m_isPlaced = true;
+    m_hasPosition = true;
     m_current = current;
     m_count = count;
     setAccessibleName(count > 0 ? u"Imagen %1 de %2"_qs.arg(current + 1).arg(count) : QString());

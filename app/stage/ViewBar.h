@@ -57,7 +57,7 @@ private:
     ToggleButton* m_safeZone;
     QRect m_percentBox;    // empty when there is no space for the percentage
     Labels m_labels = Labels::shown;
-    bool m_isPlaced = false;
+    bool m_hasPosition = false;
     int m_current = 0;
     int m_count = 0;
     int m_percent = 100;

@@ -40,12 +40,12 @@ bool isTextSheet(const QList<QUrl>& files)
 FileIntake::FileIntake(StudioSession& session, PreferencesStore& preferences, QWidget* window)
     : QObject(window), m_session(session), m_window(window), m_folder(preferences, importFolderKey)
 {
-    m_givenLately.setSingleShot(true);
-    connect(&m_givenLately, &QTimer::timeout, this, [this] {
+    m_forgetOpened.setSingleShot(true);
+    connect(&m_forgetOpened, &QTimer::timeout, this, [this] {
         if (m_session.isImporting())
-            m_givenLately.start(moreMayCome);
+            m_forgetOpened.start(moreMayCome);
         else
-            m_given.clear();
+            m_recentlyOpened.clear();
     });
 }
 
@@ -97,7 +97,7 @@ void FileIntake::load(const QList<QUrl>& filesAndFolders)
 {
     if (filesAndFolders.isEmpty())
         return;
-    m_given.clear();
+    m_recentlyOpened.clear();
     const QFileInfo first(filesAndFolders.first().toLocalFile());
     m_folder.remember(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
     m_session.load(filesAndFolders);
@@ -134,8 +134,8 @@ void FileIntake::open(const QList<QUrl>& files)
 {
     if (files.isEmpty())
         return;
-    const QList<QUrl> all = m_given + files;
+    const QList<QUrl> all = m_recentlyOpened + files;
     load(all);
-    m_given = all;
-    m_givenLately.start(moreMayCome);
+    m_recentlyOpened = all;
+    m_forgetOpened.start(moreMayCome);
 }

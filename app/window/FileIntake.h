@@ -40,6 +40,6 @@ private:
     QWidget* m_window;
     ChooserFolder m_folder;
     // Files of recent open() calls, imported again together with the files of the next call.
-    QList<QUrl> m_given;
-    QTimer m_givenLately;    // clears m_given after a pause in the calls of open()
+    QList<QUrl> m_recentlyOpened;
+    QTimer m_forgetOpened;    // clears m_recentlyOpened after a pause in the calls of open()
 };

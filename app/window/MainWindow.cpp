@@ -65,24 +65,24 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     : m_session(session), m_accountSession(account), m_preferences(preferences),
       m_shell(new StudioShell(formatChoices(), this)),
       m_batchBinding(std::make_unique<BatchBinding>(session, m_shell->batchColumn(), photos)),
-      m_stage(
+      m_stageBinding(
           std::make_unique<StageBinding>(session, m_shell->stage(), m_shell->viewBar(), photos)),
-      m_panel(std::make_unique<PanelBinding>(session, m_shell->sidePanel(), photos, preferences,
-                                             *m_batchBinding)),
-      m_templates(std::make_unique<TemplatesBinding>(
+      m_panelBinding(std::make_unique<PanelBinding>(session, m_shell->sidePanel(), photos,
+                                                    preferences, *m_batchBinding)),
+      m_templatesBinding(std::make_unique<TemplatesBinding>(
           session, m_shell->sidePanel()->templatesPanel(),
           m_shell->sidePanel()->textPanel()->styles(), photos, preferences)),
       m_files(new FileIntake(session, preferences, this)),
-      m_exports(std::make_unique<ExportBinding>(session, account, *m_batchBinding,
-                                                m_shell->topBar()->exports(), preferences, this)),
-      m_status(std::make_unique<StatusBinding>(session, m_shell->statusLine())),
+      m_exportBinding(std::make_unique<ExportBinding>(
+          session, account, *m_batchBinding, m_shell->topBar()->exports(), preferences, this)),
+      m_statusBinding(std::make_unique<StatusBinding>(session, m_shell->statusLine())),
       m_focus(new StudioFocus(m_shell, this)), m_look(new KeptLook(m_shell, preferences, this)),
-      m_commands(new StudioCommands({session, account, m_shell, *m_batchBinding, *m_stage, *m_panel,
-                                     *m_templates, *m_exports, *m_status, m_files, m_focus, m_look,
-                                     this})),
+      m_commands(new StudioCommands({session, account, m_shell, *m_batchBinding, *m_stageBinding,
+                                     *m_panelBinding, *m_templatesBinding, *m_exportBinding,
+                                     *m_statusBinding, m_files, m_focus, m_look, this})),
       m_gate(new AuthGateView(this)),
-      m_account(std::make_unique<AccountBinding>(account, session, m_gate,
-                                                 m_shell->topBar()->account(), this))
+      m_accountBinding(std::make_unique<AccountBinding>(account, session, m_gate,
+                                                        m_shell->topBar()->account(), this))
 {
     setWindowTitle(u"Moltiva"_s);
     setAcceptDrops(true);
@@ -106,7 +106,7 @@ MainWindow::~MainWindow()
 {
     disconnect(&m_session, nullptr, this, nullptr);
     disconnect(&m_session, nullptr, m_focus, nullptr);
-    m_account.reset();
+    m_accountBinding.reset();
     disconnect(qApp, nullptr, this, nullptr);
 }
 
@@ -118,7 +118,7 @@ StudioMenu* MainWindow::menu() const
 bool MainWindow::isIdle() const
 {
     return m_session.didRestoreWorkspace() && !m_session.isImporting() &&
-           m_batchBinding->isIdle() && m_stage->isIdle() && m_templates->isIdle();
+           m_batchBinding->isIdle() && m_stageBinding->isIdle() && m_templatesBinding->isIdle();
 }
 
 void MainWindow::connectPanels()
@@ -127,19 +127,20 @@ void MainWindow::connectPanels()
             [this](int index) { m_session.setFormat(SocialFormat(index)); });
     connect(m_shell->composeBar(), &ComposeBar::objectiveEdited, &m_session,
             &StudioSession::setObjective);
-    connect(m_templates.get(), &TemplatesBinding::previewChanged, this,
+    connect(m_templatesBinding.get(), &TemplatesBinding::previewChanged, this,
             [this](const std::optional<PublicationItem>& item) {
                 m_shell->stage()->setPreviewed(item.has_value());
-                m_stage->preview(item);
+                m_stageBinding->preview(item);
             });
     connect(
-        m_templates.get(), &TemplatesBinding::told, this,
+        m_templatesBinding.get(), &TemplatesBinding::told, this,
         [this](const QString& sentence, StatusKind kind) { m_session.setStatus(sentence, kind); });
-    connect(m_templates.get(), &TemplatesBinding::panelRequested, this,
+    connect(m_templatesBinding.get(), &TemplatesBinding::panelRequested, this,
             [this] { m_shell->sidePanel()->setTab(SideTab::templates); });
-    connect(m_panel.get(), &PanelBinding::leaveRequested, m_focus, &StudioFocus::goToCanvas);
-    connect(m_status.get(), &StatusBinding::closeRequested, this, &QWidget::close);
-    connect(m_exports.get(), &ExportBinding::leaveRequested, m_focus, &StudioFocus::goToCanvas);
+    connect(m_panelBinding.get(), &PanelBinding::leaveRequested, m_focus, &StudioFocus::goToCanvas);
+    connect(m_statusBinding.get(), &StatusBinding::closeRequested, this, &QWidget::close);
+    connect(m_exportBinding.get(), &ExportBinding::leaveRequested, m_focus,
+            &StudioFocus::goToCanvas);
     connect(m_shell->statusLine(), &StatusLine::leaveRequested, m_focus, &StudioFocus::goToCanvas);
     m_shell->topBar()->setMenu(menu()->menu());
     connect(qApp, &QApplication::focusChanged, this, &MainWindow::showHints);
@@ -147,17 +148,19 @@ void MainWindow::connectPanels()
 
 void MainWindow::connectStage()
 {
-    connect(m_stage.get(), &StageBinding::layerChosen, m_panel.get(), &PanelBinding::follow);
-    connect(m_stage.get(), &StageBinding::editRequested, m_panel.get(), &PanelBinding::edit);
-    connect(m_stage.get(), &StageBinding::photoFound, m_batchBinding.get(),
+    connect(m_stageBinding.get(), &StageBinding::layerChosen, m_panelBinding.get(),
+            &PanelBinding::follow);
+    connect(m_stageBinding.get(), &StageBinding::editRequested, m_panelBinding.get(),
+            &PanelBinding::edit);
+    connect(m_stageBinding.get(), &StageBinding::photoFound, m_batchBinding.get(),
             &BatchBinding::photoFound);
-    connect(m_stage.get(), &StageBinding::photoMissing, this, [this](QUuid item) {
+    connect(m_stageBinding.get(), &StageBinding::photoMissing, this, [this](QUuid item) {
         m_batchBinding->photoMissing(item);
         m_session.setStatus(u"No se puede leer la foto de %1. ¿Se ha movido o borrado?"_s.arg(
                                 m_session.batch().currentItem()->filename()),
                             StatusKind::error);
     });
-    connect(m_stage.get(), &StageBinding::previewRefused, m_templates.get(),
+    connect(m_stageBinding.get(), &StageBinding::previewEditRefused, m_templatesBinding.get(),
             &TemplatesBinding::endPreview);
 }
 
@@ -175,26 +178,26 @@ void MainWindow::connectSession()
             return;
         m_batchBinding->show();
         showStage();
-        m_panel->show();
+        m_panelBinding->show();
     });
 }
 
 void MainWindow::connectAccount()
 {
-    connect(m_account.get(), &AccountBinding::gateOpened, this, [this] {
+    connect(m_accountBinding.get(), &AccountBinding::gateOpened, this, [this] {
         lockStudio();
         m_focus->goToCanvas();
         openWaiting();
     });
-    connect(m_account.get(), &AccountBinding::gateClosed, this, &MainWindow::lockStudio);
-    connect(m_account.get(), &AccountBinding::sheetChanged, this, &MainWindow::lockStudio);
-    connect(m_account.get(), &AccountBinding::textPanelRequested, this,
+    connect(m_accountBinding.get(), &AccountBinding::gateClosed, this, &MainWindow::lockStudio);
+    connect(m_accountBinding.get(), &AccountBinding::sheetChanged, this, &MainWindow::lockStudio);
+    connect(m_accountBinding.get(), &AccountBinding::textPanelRequested, this,
             [this] { m_look->showTab(SideTab::text); });
-    connect(m_account.get(), &AccountBinding::working, this, [this] {
+    connect(m_accountBinding.get(), &AccountBinding::working, this, [this] {
         m_session.statusLog().tellStep(Activity::Kind::account, u"Conectando con tu cuenta…"_s);
         m_session.setActivity({.kind = Activity::Kind::account});
     });
-    connect(m_account.get(), &AccountBinding::told, this,
+    connect(m_accountBinding.get(), &AccountBinding::told, this,
             [this](const QString& message, bool isProblem) {
                 // Keeps connectSession() from telling `message` in the sign-in form, which already
                 // shows it.
@@ -215,7 +218,7 @@ bool MainWindow::isGated() const
 // the shell under the gate, because otherwise Tab and screen readers could reach it.
 void MainWindow::lockStudio()
 {
-    const bool isLocked = isGated() || m_account->isSheetPresented();
+    const bool isLocked = isGated() || m_accountBinding->isSheetPresented();
     if (isLocked)
         m_focus->endEdits();
     m_commands->menu()->setLocked(isLocked);
@@ -226,7 +229,7 @@ void MainWindow::lockStudio()
 
 void MainWindow::openWaiting()
 {
-    const QList<QUrl> given = std::exchange(m_given, {});
+    const QList<QUrl> given = std::exchange(m_waitingOpened, {});
     const QList<QUrl> dropped = std::exchange(m_dropped, {});
     showWaiting();
     if (given.isEmpty() && !dropped.isEmpty())
@@ -237,7 +240,7 @@ void MainWindow::openWaiting()
 
 void MainWindow::showWaiting()
 {
-    m_gate->login()->setWaitingFiles(int(m_given.size() + m_dropped.size()));
+    m_gate->login()->setWaitingFiles(int(m_waitingOpened.size() + m_dropped.size()));
 }
 
 void MainWindow::changeEvent(QEvent* event)
@@ -250,7 +253,7 @@ void MainWindow::changeEvent(QEvent* event)
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    if (m_status->delaysClosing())
+    if (m_statusBinding->delaysClosing())
         return event->ignore();
     // Ends edits before saving, so that text which is still being typed is saved with the batch.
     m_shell->composeBar()->finishEdit();
@@ -271,7 +274,7 @@ void MainWindow::open(const QList<QUrl>& addresses)
     }
     if (!isGated())
         return m_files->open(files);
-    m_given += files;
+    m_waitingOpened += files;
     showWaiting();
 }
 
@@ -302,7 +305,7 @@ QList<QRect> MainWindow::keptClear(const QWidget* owner) const
     QList<QRect> areas{inWindow(owner, owner->rect()), inWindow(account, account->rect())};
     const StagePanel* stage = m_shell->stage();
     if (const auto layer =
-            m_stage->canvas()->interaction().layerRect(m_session.batch().selectedLayerID))
+            m_stageBinding->canvas()->interaction().layerRect(m_session.batch().selectedLayerID))
         areas.append(inWindow(stage, layer->toAlignedRect()
                                          .translated(stage->canvasRect().topLeft())
                                          .intersected(stage->canvasRect())));
@@ -322,7 +325,7 @@ void MainWindow::resizeEvent(QResizeEvent*)
 // Receives only keys that the focused widget did not use. A text field uses the arrow keys.
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
-    if (isGated() || m_account->isSheetPresented())
+    if (isGated() || m_accountBinding->isSheetPresented())
         return;
     // Ignores Enter and Esc while they repeat: the user may still hold the key that closed a file
     // dialog.
@@ -359,7 +362,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     const QList<QUrl> files = FileIntake::localFiles(event->mimeData());
-    if (files.isEmpty() || m_account->isSheetPresented())
+    if (files.isEmpty() || m_accountBinding->isSheetPresented())
         return;
     if (!isGated())
         m_shell->dropVeil()->offer(m_files->offerOf(files));
@@ -393,10 +396,10 @@ void MainWindow::showBatch()
     m_shell->batchColumn()->setRatio(row(batch.format).aspectRatio);
     m_batchBinding->show();
     showStage();
-    m_templates->show();    // ends the preview of a template
-    m_stage->show();
-    m_panel->show();
-    m_exports->show();
+    m_templatesBinding->show();    // ends the preview of a template
+    m_stageBinding->show();
+    m_panelBinding->show();
+    m_exportBinding->show();
     showHints();
 }
 
@@ -438,7 +441,7 @@ void MainWindow::greetFirstImport()
 void MainWindow::showHints()
 {
     const bool isLocked =
-        isGated() || m_account->isSheetPresented();    // the keys of the studio do nothing
+        isGated() || m_accountBinding->isSheetPresented();    // the keys of the studio do nothing
     m_shell->statusLine()->setKeyHints(isLocked ? QList<KeyHint>()
                                                 : m_focus->hints(m_session.batch()));
 }

@@ -40,8 +40,8 @@ public:
     StudioShell* shell() const { return m_shell; }
     StudioMenu* menu() const;
     StudioCommands& commands() const { return *m_commands; }
-    TemplatesBinding& templates() const { return *m_templates; }
-    StatusBinding& status() const { return *m_status; }
+    TemplatesBinding& templates() const { return *m_templatesBinding; }
+    StatusBinding& status() const { return *m_statusBinding; }
     AuthGateView* gate() const { return m_gate; }
     // Whether the stored batch is restored, no import runs, and no picture is being drawn.
     bool isIdle() const;
@@ -85,20 +85,20 @@ private:
     StudioShell* m_shell;
     // The bindings refer to child widgets. Being members, they are destroyed before those.
     std::unique_ptr<BatchBinding> m_batchBinding;
-    std::unique_ptr<StageBinding> m_stage;
-    std::unique_ptr<PanelBinding> m_panel;
-    std::unique_ptr<TemplatesBinding> m_templates;
+    std::unique_ptr<StageBinding> m_stageBinding;
+    std::unique_ptr<PanelBinding> m_panelBinding;
+    std::unique_ptr<TemplatesBinding> m_templatesBinding;
     FileIntake* m_files;
-    std::unique_ptr<ExportBinding> m_exports;
-    std::unique_ptr<StatusBinding> m_status;
+    std::unique_ptr<ExportBinding> m_exportBinding;
+    std::unique_ptr<StatusBinding> m_statusBinding;
     StudioFocus* m_focus;
     KeptLook* m_look;
     StudioCommands* m_commands;
     AuthGateView* m_gate;
-    std::unique_ptr<AccountBinding> m_account;
-    // Files that wait until somebody signs in. m_given: opened by another program. m_dropped:
-    // dropped on the window.
-    QList<QUrl> m_given, m_dropped;
+    std::unique_ptr<AccountBinding> m_accountBinding;
+    // Files that wait until somebody signs in. m_waitingOpened: opened by another program.
+    // m_dropped: dropped on the window.
+    QList<QUrl> m_waitingOpened, m_dropped;
     // m_hasImported: whether photos were imported, in this run of the program or an earlier one.
     // m_wasEmpty: whether the window has been without images in this run.
     bool m_hasImported = false, m_wasEmpty = false;

@@ -18,7 +18,7 @@ QList<QKeySequence> sequencesOf(QStringView keys)
 QString entryOf(const MenuCommand& command)
 {
     const QString text = command.wording ? command.wording() : command.text;
-    return command.toldKey.isEmpty() ? text : text + u'\t' + command.toldKey.toString();
+    return command.shownKey.isEmpty() ? text : text + u'\t' + command.shownKey.toString();
 }
 
 }    // namespace

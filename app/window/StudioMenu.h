@@ -18,7 +18,7 @@ struct MenuCommand {
     QStringView keys = {};    // separated by spaces; the menu shows the first
     // A key that the menu shows but does not register, because text fields use it. MainWindow
     // handles the key if the focused widget has not used it.
-    QStringView toldKey = {};
+    QStringView shownKey = {};
     Icon icon = Icon::none;
     bool startsGroup = false;
     std::function<void()> run = {};

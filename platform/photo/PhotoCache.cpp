@@ -34,7 +34,7 @@ std::optional<AcceptedPhoto> PhotoCache::accept(const QString& path)
         m_disk.save(file, *photo);
     }
     keep(Key{path, photo->digest, 0}, photo->thumbnail);
-    rememberContent(path, {file, photo->digest});
+    rememberDigest(path, {file, photo->digest});
     return photo;
 }
 
@@ -48,36 +48,36 @@ std::optional<AcceptedPhoto> PhotoCache::identify(const QString& path)
             return {};
         m_disk.save(file, *photo);
     }
-    rememberContent(path, {file, photo->digest});
+    rememberDigest(path, {file, photo->digest});
     return photo;
 }
 
-std::optional<QByteArray> PhotoCache::contentOf(const QString& path)
+std::optional<QByteArray> PhotoCache::digestOf(const QString& path)
 {
     const QString file = m_disk.fileFor(path);
     if (file.isEmpty() || !QFileInfo(path).isReadable())
         return {};
     {
         const std::scoped_lock lock(m_mutex);
-        const auto known = m_contents.constFind(path);
-        if (known != m_contents.cend() && known->file == file)
+        const auto known = m_digests.constFind(path);
+        if (known != m_digests.cend() && known->file == file)
             return known->digest;
     }
     if (const auto known = m_disk.loadFacts(file)) {
-        rememberContent(path, {file, known->digest});
+        rememberDigest(path, {file, known->digest});
         return known->digest;
     }
     const auto accepted = accept(path);
     return accepted ? std::optional(accepted->digest) : std::nullopt;
 }
 
-void PhotoCache::rememberContent(const QString& path, const Content& content)
+void PhotoCache::rememberDigest(const QString& path, const Content& content)
 {
     constexpr qsizetype mostRemembered = 20'000;
     const std::scoped_lock lock(m_mutex);
-    if (m_contents.size() >= mostRemembered)
-        m_contents.clear();
-    m_contents.insert(path, content);
+    if (m_digests.size() >= mostRemembered)
+        m_digests.clear();
+    m_digests.insert(path, content);
 }
 
 std::optional<AcceptedPhoto> PhotoCache::reopen(const QString& path)

@@ -44,7 +44,7 @@ public:
     // The digest of the photo that is at `path` now; nothing if it is gone or not a photo.
     // Remembers the digest until the file's size, time or inode changes, so a second call is fast.
     // Waits.
-    std::optional<QByteArray> contentOf(const QString& path);
+    std::optional<QByteArray> digestOf(const QString& path);
 
     // The thumbnail from memory or disk, or newly decoded. Null if the photo is gone, cannot be
     // read or has another digest now. Waits.
@@ -79,7 +79,7 @@ private:
     QCache<Key, QImage>& shelf(const Key& key) const;
     QImage find(const Key& key) const;
     void keep(const Key& key, const QImage& image);
-    void rememberContent(const QString& path, const Content& content);
+    void rememberDigest(const QString& path, const Content& content);
     QImage decodedToKeep(const PhotoId& photo, PhotoLevel level) const;
     QImage findOrMake(const Key& key, const std::function<QImage()>& make);
 
@@ -87,6 +87,6 @@ private:
     mutable std::mutex m_mutex;                             // guards the members below
     mutable QCache<Key, QImage> m_proxies, m_thumbnails;    // costs in kilobytes
     QSet<Key> m_inWork;
-    QHash<QString, Content> m_contents;    // by path
+    QHash<QString, Content> m_digests;    // by path
     std::condition_variable m_workDone;
 };

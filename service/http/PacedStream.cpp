@@ -63,7 +63,7 @@ bool PacedStream::waitForRequest(std::chrono::milliseconds time)
 void PacedStream::beginRequest()
 {
     m_inHead = true;
-    m_taken = 0;
+    m_sectionBytes = 0;
     m_reading = {.base = headPatience};
     m_writing = {.base = patience};
 }
@@ -71,7 +71,7 @@ void PacedStream::beginRequest()
 void PacedStream::headHasEnded()
 {
     m_inHead = false;
-    m_taken = 0;
+    m_sectionBytes = 0;
     m_reading = {.base = patience};
 }
 
@@ -100,7 +100,7 @@ bool PacedStream::is_writable() const
 
 ssize_t PacedStream::read(char* to, size_t size)
 {
-    if (m_inHead && m_taken >= longestHead)
+    if (m_inHead && m_sectionBytes >= longestHead)
         return -1;
     while (m_begin == m_end) {
         if (!wait(m_socket, POLLIN, m_reading))
@@ -117,7 +117,7 @@ ssize_t PacedStream::read(char* to, size_t size)
     const size_t taken = std::min(size, m_end - m_begin);
     std::memcpy(to, m_buffer.data() + m_begin, taken);
     m_begin += taken;
-    m_taken += taken;
+    m_sectionBytes += taken;
     return ssize_t(taken);
 }
 

@@ -19,7 +19,7 @@ public:
     void beginRequest();
     void headHasEnded();
     // The number of bytes of the request's body that read() has returned.
-    size_t bodyBytes() const { return m_taken; }
+    size_t bodyBytes() const { return m_sectionBytes; }
     // Reads and drops what the client still sends, for a second at most. Closing a socket with
     // unread bytes would reset the connection, and the client might lose the answer.
     void drain();
@@ -44,6 +44,6 @@ private:
     std::array<char, 16384> m_buffer{};
     size_t m_begin = 0, m_end = 0;    // the part of `m_buffer` that read() has not returned yet
     bool m_inHead = true;
-    size_t m_taken = 0;
+    size_t m_sectionBytes = 0;
     mutable Pace m_reading, m_writing;
 };

@@ -43,7 +43,7 @@ constexpr auto waitForMemory = 20'000ms;
 thread_local socket_t servedSocket = INVALID_SOCKET;
 thread_local ConnectionPeer servedPeer;
 // Whether the client of the thread's current request can still receive an answer.
-thread_local bool isHeard = true;
+thread_local bool canAnswer = true;
 
 // Returns freed memory to the system: glibc would keep blocks as small as those of a received body.
 void giveMemoryBack()
@@ -191,7 +191,7 @@ private:
                 const bool isOpen = m_connections.setState(
                     stream.socket(),
                     announced == 0 ? Connections::State::busy : Connections::State::receiving);
-                isHeard = isOpen && !m_service.isEnding();
+                canAnswer = isOpen && !m_service.isEnding();
                 // Drops the headers with which a hostile client could make the library cut an
                 // answer into many ranges, or compress it.
                 request.ranges.clear();
@@ -229,7 +229,7 @@ private:
 
     ServiceRequest requestOf(const httplib::Request& request) const
     {
-        if (!isHeard)
+        if (!canAnswer)
             throw Refusal(503, "service_busy");
         ServiceRequest result;
         const auto method = methodOf(request);
@@ -259,7 +259,7 @@ private:
 
     // Refuses requests that another site can make a browser send: a form to the API, or a request
     // with that site's origin.
-    static void checkSource(const httplib::Request& request, const ServiceRequest& result)
+    static void checkOrigin(const httplib::Request& request, const ServiceRequest& result)
     {
         const QString origin = headerOf(request, "Origin"),
                       site = headerOf(request, "Sec-Fetch-Site");
@@ -301,7 +301,7 @@ private:
     {
         try {
             ServiceRequest result = requestOf(request);
-            checkSource(request, result);
+            checkOrigin(request, result);
             const qint64 largest = admit(m_service, result);
             const qint64 announced = *announcedBody(request);
             if (announced > largest)

@@ -81,7 +81,7 @@ void address(ExportRun& run, const RenderedItems& rendered)
 {
     if (rendered.failure) {
         run.outcome.failed = rendered.failedPhoto;
-        run.outcome.isCacheFull = rendered.failure == RenderFailure::file;
+        run.outcome.isStagingFailed = rendered.failure == RenderFailure::file;
     }
     if (run.isStopped() || rendered.failure) {
         run.outcome.state = run.isStopped() ? State::stopped : State::notPrepared;

@@ -65,8 +65,8 @@ struct ExportOutcome : Charge {
     State state = State::done;
     // Paths of files, in the order of the items. A file that is in neither list was not tried.
     QStringList written, unwritten;
-    QString failed;              // path of the photo that could not be rendered
-    bool isCacheFull = false;    // the staging folder could not be written to
+    QString failed;                  // path of the photo that could not be rendered
+    bool isStagingFailed = false;    // the staging folder could not be written to
     ExportKind kind = ExportKind::batch;
 
     bool isDone() const { return state == State::done; }

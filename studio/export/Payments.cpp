@@ -10,7 +10,7 @@ void Payments::add(QUuid item, const QSet<QString>& names)
 {
     if (names.isEmpty())
         return;
-    QSet<QString>& known = m_names[item];
+    QSet<QString>& known = m_fingerprints[item];
     if (known.isEmpty())
         known = names;    // shares the data of `names`
     else if (!known.contains(names))
@@ -19,8 +19,8 @@ void Payments::add(QUuid item, const QSet<QString>& names)
 
 bool Payments::covers(const RenderedOutput& output) const
 {
-    const auto known = m_names.constFind(output.item.id);
-    return known != m_names.cend() &&
+    const auto known = m_fingerprints.constFind(output.item.id);
+    return known != m_fingerprints.cend() &&
            (known->contains(output.fingerprint) || known->contains(output.pixels));
 }
 
@@ -29,7 +29,7 @@ void Payments::exchange(Batch& batch, PublicationItems::Change& change)
     for (qsizetype i = 0; i < batch.items.size(); ++i) {
         const PublicationItem& item = batch.items[i];
         add(item.id, item.paidRenderFingerprints);
-        const QSet<QString> known = m_names.value(item.id);
+        const QSet<QString> known = m_fingerprints.value(item.id);
         if (item.paidRenderFingerprints == known)
             continue;
         batch.items.edit(i, change,

@@ -15,7 +15,7 @@ public:
     void add(QUuid item, const QSet<QString>& names);
 
     bool covers(const RenderedOutput& output) const;
-    bool isAnyOf(QUuid item) const { return m_names.contains(item); }
+    bool isAnyOf(QUuid item) const { return m_fingerprints.contains(item); }
 
     // Adds the payments that are stored in the items, then writes all known payments into the
     // items. Pass the same `change` for several batches that share items, so that they still share
@@ -24,7 +24,7 @@ public:
     void exchange(Batch& batch);
 
 private:
-    QHash<QUuid, QSet<QString>> m_names;    // by item; no set is empty
+    QHash<QUuid, QSet<QString>> m_fingerprints;    // by item; no set is empty
 };
 
 // The outputs that are not paid, in the given order.

@@ -81,7 +81,7 @@ void RenderCosts::refreshRenderCostsNow()
         return findOutOnWorkers(open);
     for (const qsizetype i : open) {
         const PublicationItem& item = m_batch.items[i];
-        setPayment(i, answer({item, m_batch.format, m_outputSize, *contentOf(item)}));
+        setPayment(i, answer({item, m_batch.format, m_outputSize, *digestOf(item)}));
     }
     if (!open.isEmpty())
         Q_EMIT changed();
@@ -92,7 +92,7 @@ RenderCosts::Payment RenderCosts::knownAtOnce(const PublicationItem& item) const
 {
     if (!isLookedAt(item))
         return Payment::unknown;
-    if (!contentOf(item))
+    if (!digestOf(item))
         return Payment::unrenderable;
     return item.paidRenderFingerprints.isEmpty() ? Payment::unpaid : Payment::unknown;
 }
@@ -112,7 +112,7 @@ bool RenderCosts::isLookedAt(const PublicationItem& item) const
     return !item.image.digest.isEmpty() || m_contents.contains(item.id);
 }
 
-std::optional<QByteArray> RenderCosts::contentOf(const PublicationItem& item) const
+std::optional<QByteArray> RenderCosts::digestOf(const PublicationItem& item) const
 {
     const auto looked = m_contents.constFind(item.id);
     return usableContent(item.image,
@@ -139,7 +139,7 @@ void RenderCosts::findOutOnWorkers(const QList<qsizetype>& indices)
             const PublicationItem& item = m_batch.items[i];
             m_rows[i].job = job;
             items.append(item.id);
-            questions.append({item, m_batch.format, m_outputSize, *contentOf(item)});
+            questions.append({item, m_batch.format, m_outputSize, *digestOf(item)});
         }
         runJob(this, job, items, questions);
     }
@@ -192,7 +192,7 @@ QCoro::Task<> RenderCosts::runLook(QPointer<RenderCosts> self, PublicationItems 
     const auto look = [photos](const PublicationItems& some) {
         Contents contents;
         for (const PublicationItem& item : some)
-            contents.insert(item.id, photos->contentOf(item.image.path));
+            contents.insert(item.id, photos->digestOf(item.image.path));
         return contents;
     };
     constexpr qsizetype portion = 16;
@@ -224,9 +224,9 @@ void RenderCosts::takeLook(const Contents& contents)
             continue;
         const PublicationItem& item = m_batch.items[place];
         const bool wasLookedAt = isLookedAt(item);
-        const auto before = contentOf(item);
+        const auto before = digestOf(item);
         m_contents.insert(item.id, looked.value());
-        if (wasLookedAt && before == contentOf(item))
+        if (wasLookedAt && before == digestOf(item))
             continue;
         setPayment(place, knownAtOnce(item));
         isNew = true;

@@ -63,7 +63,7 @@ private:
     static Payment answer(const Question& question);
     Payment knownAtOnce(const PublicationItem& item) const;
     bool isLookedAt(const PublicationItem& item) const;
-    std::optional<QByteArray> contentOf(const PublicationItem& item) const;
+    std::optional<QByteArray> digestOf(const PublicationItem& item) const;
     void setPayment(qsizetype index, Payment payment);
     void findOutOnWorkers(const QList<qsizetype>& indices);
     static QCoro::Task<> runJob(QPointer<RenderCosts> self, int job, QList<QUuid> items,

@@ -22,7 +22,7 @@ std::variant<RenderedOutput, RenderFailure> renderedOutput(const PublicationItem
                                                            const OutputSize& outputSize,
                                                            PhotoCache& photos, const QString& file)
 {
-    const auto content = usableContent(item.image, photos.contentOf(item.image.path));
+    const auto content = usableContent(item.image, photos.digestOf(item.image.path));
     if (!content)
         return RenderFailure::photo;
     // Holds the decoded photo's share of the memory for decoding while the item is drawn.

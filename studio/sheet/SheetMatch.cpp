@@ -7,7 +7,7 @@
 namespace {
 
 // The images with the same name, and how many of them rows have filled.
-struct Spelling {
+struct SameNameImages {
     QList<qsizetype> images;
     qsizetype next = 0;        // index in `images`; all before it are filled
     qsizetype rowsLeft = 0;    // good rows of this name that fill() has not seen yet
@@ -31,7 +31,7 @@ public:
 
     SheetMatch match(const QList<SheetRow>& rows)
     {
-        QList<Spelling*> spellings;
+        QList<SameNameImages*> spellings;
         for (const SheetRow& row : rows) {
             spellings.append(spelling(row.name));
             if (spellings.last() && isGood(row, *spellings.last()))
@@ -46,7 +46,7 @@ public:
 
 private:
     // Prefers complete file names: "a.b" may also be "a.b.jpg" without its extension.
-    Spelling* spelling(const QString& name)
+    SameNameImages* spelling(const QString& name)
     {
         for (auto* spellings : {&m_whole, &m_withoutExtension}) {
             if (const auto found = spellings->find(name); found != spellings->end())
@@ -68,14 +68,14 @@ private:
 
     // Whether the row could fill any image of its name. Other rows must not use up an image that a
     // good row could fill.
-    bool isGood(const SheetRow& row, const Spelling& spelling) const
+    bool isGood(const SheetRow& row, const SameNameImages& spelling) const
     {
         const auto fits = [&](qsizetype image) { return canFill(row, image); };
         return !row.fault ||
                (row.fault == RowFault::tooLong && std::ranges::any_of(spelling.images, fits));
     }
 
-    std::optional<RowFault> fill(qsizetype index, const SheetRow& row, Spelling* spelling)
+    std::optional<RowFault> fill(qsizetype index, const SheetRow& row, SameNameImages* spelling)
     {
         if (!spelling || !isGood(row, *spelling))
             return row.fault.value_or(RowFault::unknownFile);
@@ -98,7 +98,7 @@ private:
 
     const PublicationItems& m_items;
     QList<bool> m_holdsLongText;    // by image: whether a text exceeds longestText
-    QHash<QString, Spelling> m_whole, m_withoutExtension;
+    QHash<QString, SameNameImages> m_whole, m_withoutExtension;
     SheetMatch m_match;
 };
 

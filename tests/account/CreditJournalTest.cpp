@@ -34,7 +34,7 @@ public:
                   return reply(200, "{}");
               log.append(request.target.mid(request.target.lastIndexOf('/') + 1));
               const bool isReserve = log.last() == "reserve";
-              if (!isReserve && (!wasReserved || forgets))
+              if (!isReserve && (!wasReserved || refusesRefunds))
                   return reply(409, R"({"error":"credit_not_reserved"})");
               wasReserved = true;
               balance = isReserve ? 950 : 1000;
@@ -46,8 +46,8 @@ public:
     QByteArray user = "1";
     int balance = 1000;
     bool wasReserved = false;
-    bool forgets = false;    // refuses refunds, as if it had lost its reservation
-    QByteArrayList log;      // the requests so far: "reserve", "refund"
+    bool refusesRefunds = false;    // refuses refunds, as if it had lost its reservation
+    QByteArrayList log;             // the requests so far: "reserve", "refund"
 };
 
 bool turnUntil(const std::function<bool()>& isDone)
@@ -269,12 +269,12 @@ TEST_F(CreditJournalTest, AReservationThatWasConfirmedIsNotGivenUpForOneAnswer)
     using namespace std::chrono_literals;
     for (const bool isForEver : {false, true}) {
         Program program(bank, folder.path(), {.retry = 50ms, .look = 1h, .underWay = 400ms});
-        bank.forgets = true;
+        bank.refusesRefunds = true;
         const ChargeResult failed = program.pay(&fail);
         EXPECT_EQ(failed.state, ChargeResult::State::failed);
         EXPECT_TRUE(failed.isRefundPending);
         EXPECT_EQ(program.entries().size(), 1);
-        bank.forgets = isForEver;
+        bank.refusesRefunds = isForEver;
         EXPECT_TRUE(turnUntil([&] { return program.entries().isEmpty(); }));
         EXPECT_EQ(program.returned, isForEver ? 0 : 50);
         EXPECT_EQ(program.gone, isForEver ? 50 : 0);

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QByteArray contentOf(const QString& path)
+QByteArray digestOf(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
@@ -43,11 +43,11 @@ TEST(AtomicFile, aFailedWriteKeepsTheOldFileAndLeavesNothingElse)
     setrlimit(RLIMIT_FSIZE, &former);
     std::signal(SIGXFSZ, formerHandler);
     EXPECT_FALSE(error.isEmpty());
-    EXPECT_EQ(contentOf(path), "old");
+    EXPECT_EQ(digestOf(path), "old");
     EXPECT_EQ(namesIn(folder), u"a.png"_qs);
 
     EXPECT_TRUE(writeAtomically(path, "new").isEmpty());
-    EXPECT_EQ(contentOf(path), "new");
+    EXPECT_EQ(digestOf(path), "new");
 }
 
 TEST(AtomicFile, whatCannotBeReplacedIsReportedAndNothingIsLeftBehind)

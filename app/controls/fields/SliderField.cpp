@@ -190,7 +190,7 @@ void SliderField::hold(double value)
         Q_EMIT valueChanged(m_value, Pace::held);
 }
 
-void SliderField::rest()
+void SliderField::finishGesture()
 {
     m_press = Press::none;
     if (!m_holding)
@@ -341,7 +341,7 @@ void SliderField::mouseReleaseEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
     const bool clicked = m_press == Press::click;
-    rest();
+    finishGesture();
     if (clicked)
         openEdit(Qt::MouseFocusReason);
 }
@@ -378,7 +378,7 @@ void SliderField::keyReleaseEvent(QKeyEvent* event)
 {
     if (event->isAutoRepeat() || !m_holding || m_press == Press::drag)
         return QWidget::keyReleaseEvent(event);
-    rest();
+    finishGesture();
 }
 
 void SliderField::focusInEvent(QFocusEvent* event)
@@ -391,7 +391,7 @@ void SliderField::focusOutEvent(QFocusEvent*)
 {
     KeyboardFocus::left(this);
     if (m_press != Press::drag)
-        rest();
+        finishGesture();
     update();
 }
 
@@ -401,7 +401,7 @@ void SliderField::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::EnabledChange) {
         if (!isEnabled())
-            rest();
+            finishGesture();
         setCursor(isEnabled() ? Qt::SizeHorCursor : Qt::ArrowCursor);
         update();
     }
@@ -410,5 +410,5 @@ void SliderField::changeEvent(QEvent* event)
 
 void SliderField::hideEvent(QHideEvent*)
 {
-    rest();
+    finishGesture();
 }

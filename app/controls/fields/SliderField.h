@@ -32,7 +32,7 @@ public:
     bool isBlank() const { return m_blank; }
     // Marks the value above which a larger value has no effect. Empty: no mark.
     void setLimit(std::optional<double> limit);
-    void endGesture() { rest(); }    // ends a drag or a held key before its release
+    void endGesture() { finishGesture(); }    // ends a drag or a held key before its release
     double value() const { return m_value; }
     SliderRange range() const { return m_range; }
     QString valueText() const;
@@ -67,7 +67,7 @@ private:
     double share(double value) const;    // how far along the range, 0 to 1
     double snapped(double value) const;
     void hold(double value);
-    void rest();
+    void finishGesture();
     void restoreDefault();
     void openEdit(Qt::FocusReason reason);
     void closeEdit();

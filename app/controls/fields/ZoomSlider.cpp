@@ -48,7 +48,7 @@ int ZoomSlider::valueAt(double x) const
     return minimum() + qRound(std::clamp(share, 0.0, 1.0) * (maximum() - minimum()));
 }
 
-void ZoomSlider::rest()
+void ZoomSlider::finishGesture()
 {
     m_held = false;
     if (std::exchange(m_toldHeld, false))
@@ -92,7 +92,7 @@ void ZoomSlider::mouseMoveEvent(QMouseEvent* event)
 void ZoomSlider::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton)
-        rest();
+        finishGesture();
 }
 
 void ZoomSlider::keyPressEvent(QKeyEvent* event)
@@ -104,7 +104,7 @@ void ZoomSlider::keyPressEvent(QKeyEvent* event)
 void ZoomSlider::keyReleaseEvent(QKeyEvent* event)
 {
     if (!event->isAutoRepeat())
-        rest();
+        finishGesture();
 }
 
 void ZoomSlider::wheelEvent(QWheelEvent* event)
@@ -117,7 +117,7 @@ void ZoomSlider::wheelEvent(QWheelEvent* event)
 bool ZoomSlider::event(QEvent* event)
 {
     if (event->type() == QEvent::Hide || (event->type() == QEvent::EnabledChange && !isEnabled()))
-        rest();
+        finishGesture();
     return QAbstractSlider::event(event);
 }
 
@@ -131,5 +131,5 @@ void ZoomSlider::focusOutEvent(QFocusEvent* event)
 {
     QAbstractSlider::focusOutEvent(event);
     KeyboardFocus::left(this);
-    rest();
+    finishGesture();
 }

@@ -8,8 +8,8 @@ class ZoomSlider : public QAbstractSlider {
 public:
     ZoomSlider(int lowest, int highest, QWidget* parent = nullptr);
 
-    void setShownValue(int value);    // emits nothing
-    void endGesture() { rest(); }     // ends a drag or a held key before its release
+    void setShownValue(int value);            // emits nothing
+    void endGesture() { finishGesture(); }    // ends a drag or a held key before its release
     QSize sizeHint() const override { return {112, 28}; }
 
 Q_SIGNALS:
@@ -32,7 +32,7 @@ protected:
 private:
     double knobAt() const;    // x of the knob's centre
     int valueAt(double x) const;
-    void rest();
+    void finishGesture();
 
     bool m_held = false;
     bool m_toldHeld = false;

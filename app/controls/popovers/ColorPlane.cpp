@@ -40,7 +40,7 @@ void ColorPlane::moveTo(QPointF mark)
     Q_EMIT moved(m_mark, Pace::held);
 }
 
-void ColorPlane::rest()
+void ColorPlane::finishGesture()
 {
     if (!m_holding)
         return;
@@ -97,7 +97,7 @@ void ColorPlane::mouseMoveEvent(QMouseEvent* event)
 
 void ColorPlane::mouseReleaseEvent(QMouseEvent*)
 {
-    rest();
+    finishGesture();
 }
 
 void ColorPlane::keyPressEvent(QKeyEvent* event)
@@ -120,7 +120,7 @@ void ColorPlane::keyPressEvent(QKeyEvent* event)
 void ColorPlane::keyReleaseEvent(QKeyEvent* event)
 {
     if (!event->isAutoRepeat())
-        rest();
+        finishGesture();
 }
 
 void ColorPlane::focusInEvent(QFocusEvent* event)
@@ -131,10 +131,10 @@ void ColorPlane::focusInEvent(QFocusEvent* event)
 void ColorPlane::focusOutEvent(QFocusEvent*)
 {
     KeyboardFocus::left(this);
-    rest();
+    finishGesture();
 }
 
 void ColorPlane::hideEvent(QHideEvent*)
 {
-    rest();
+    finishGesture();
 }

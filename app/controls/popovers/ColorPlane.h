@@ -34,7 +34,7 @@ protected:
 
 private:
     void moveTo(QPointF mark);
-    void rest();
+    void finishGesture();
 
     ColorPlaneKind m_kind;
     double m_hue = 0;
