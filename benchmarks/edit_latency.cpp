@@ -1,7 +1,7 @@
-// Measures how long an edit occupies the interface thread: through the session alone, and with a
-// window that shows the batch.
+// Measures how long an edit occupies the interface thread: once with a StudioSession alone, once
+// with a window that shows the batch.
 //
-//     edit_latency PHOTOS     a folder; use 500 photos to compare figures
+//     edit_latency PHOTOS     a folder of photos; only results for equal numbers are comparable
 
 #include "app/theme/StudioStyle.h"
 #include "app/theme/Theme.h"

@@ -20,8 +20,7 @@ struct RenderSource {
 // painting. What cannot be seen is left out: ids, file names, hidden layers, the style of a box
 // that is not drawn, anything outside the canvas. Equal fingerprints mean equal pixels. Equal
 // pixels may have different fingerprints, if a layer covers another or two outlines fill the same
-// pixels. Takes as long as laying out the texts; the results of this are cached. May be called on
-// any thread.
+// pixels. Takes as long as laying out the texts; layouts are cached. May be called on any thread.
 QString renderFingerprint(const RenderSource& source);
 
 // Whether the render's fingerprint is in the set. Lays out no text when everything but the letters

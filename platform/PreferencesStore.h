@@ -59,7 +59,7 @@ private:
     QString m_problem, m_reason;
     bool m_open = false, m_readOnly = false, m_isInTransaction = false;
     qint64 m_sinceCheckpoint = 0, m_logBytes = 0;
-    bool m_checkpointIsLatest = false;    // set by a request, cleared by the next write
+    bool m_checkpointIsLatest = false;    // nothing was written since the last checkpoint began
     struct Checkpoint;
     std::shared_ptr<Checkpoint> m_checkpoint;    // shared with the worker
 };

@@ -27,7 +27,7 @@ struct StatusEntry {
     StatusLink link = {};
     QDateTime time = {};                                // local time at which the user was told
     std::chrono::steady_clock::time_point told = {};    // the same moment, to measure its age
-    std::optional<Activity::Kind> activity = {};        // of a `working` sentence
+    std::optional<Activity::Kind> activity = {};        // set only if kind is StatusKind::working
     bool isOutdated = false;                            // no longer describes the present state
     bool operator==(const StatusEntry&) const = default;
 };

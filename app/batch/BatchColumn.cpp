@@ -10,14 +10,22 @@ namespace {
 constexpr int batchHeaderHeight = 40, footerHeight = 44, batchColumnSide = 16;
 constexpr int narrowestBatch = 111,
               widestBatch = 479;    // both without the hairline at the right
+
+// A screen reader that is already running asks for the grid's interface as soon as the grid has a
+// name, so the interface must be known before.
+TileGrid* newTileGrid(QWidget* parent)
+{
+    makeTileGridsAccessible();
+    return new TileGrid(parent);
+}
+
 }    // namespace
 
 BatchColumn::BatchColumn(QWidget* parent)
-    : QWidget(parent), m_grid(new TileGrid(this)), m_count(new Badge(QString(), this)),
+    : QWidget(parent), m_grid(newTileGrid(this)), m_count(new Badge(QString(), this)),
       m_selectAll(new IconButton(Icon::selectAll, u"Seleccionar todas las imágenes"_qs, 32, this)),
       m_discard(new IconButton(Icon::discard, u"Descartar imagen"_qs, 32, this))
 {
-    makeTileGridsAccessible();
     setMinimumWidth(narrowestBatch);
     setMaximumWidth(widestBatch);
     connect(m_grid, &TileGrid::picturesWanted, this, &BatchColumn::picturesWanted);

@@ -19,8 +19,8 @@ public:
     void setText(const QString& text);
     const QString& text() const { return m_text; }
     void setInk(QColor Theme::*ink);
-    // With Spoken::byOwner the paragraph has no accessible name: the widget around it has the text
-    // in its own, and a screen reader would say it twice.
+    // With Spoken::byOwner the paragraph has no accessible name, because the accessible name of the
+    // widget around it contains the text already. Otherwise a screen reader would say it twice.
     void setSpoken(Spoken spoken);
     void setMostRows(int rows);
 

@@ -13,12 +13,19 @@ namespace {
 
 constexpr int canvasSide = 24, chipTop = 14, canvasTop = 42, canvasBottom = 12;
 
+// A screen reader that is already running may ask for the canvas's interface at once, so the
+// interface must be known before.
+CanvasInteractionView* newCanvas(QWidget* parent)
+{
+    makeCanvasesAccessible();
+    return new CanvasInteractionView(parent);
+}
+
 }    // namespace
 
 StagePanel::StagePanel(QWidget* parent)
-    : QWidget(parent), m_ratio(new Badge(QString(), this)), m_view(new CanvasInteractionView(this))
+    : QWidget(parent), m_ratio(new Badge(QString(), this)), m_view(newCanvas(this))
 {
-    makeCanvasesAccessible();
     setAttribute(Qt::WA_OpaquePaintEvent);
     m_view->setLineColor(themeOf(this).accentLine);
 }

@@ -25,12 +25,12 @@ struct PhotoHeader {
     bool paddable = false;         // whether paddedToLevel() may change the size
 };
 
-// Returns nothing for an unknown format, for a JPEG of more than 300 megapixels, and for other
-// formats of more than 64.
+// Returns nothing for an unknown format, for a JPEG of more than 300 megapixels, and for a photo of
+// another format of more than 64 megapixels.
 std::optional<PhotoHeader> readPhotoHeader(QIODevice& file);
 
-// Returns `wanted`, or the next coarser level whose picture takes at most 256 MB. Returns full for
-// formats other than JPEG.
+// Returns `wanted` if its picture takes at most 256 MB, otherwise the next coarser level whose
+// picture does. For formats other than JPEG, returns PhotoLevel::full.
 PhotoLevel affordableLevel(const PhotoHeader& header, PhotoLevel wanted);
 
 // Bytes of memory that decoding at `level` takes at most, without the file itself.

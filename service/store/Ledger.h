@@ -20,10 +20,10 @@ void addWelcome(Transaction& transaction, qint64 account, qint64 now);
 void addPurchase(Transaction& transaction, qint64 account, int credits, const QString& order,
                  qint64 now);
 
-// Reserve credits under a request identifier, and refund them. A reservation is open until its
-// refund. Repeating an open reservation or a refund with the same cost changes nothing. Both
-// functions throw Refusal for another cost, reserveCredits() also for too small a balance,
-// refundCredits() also without a reservation.
+// reserveCredits() takes `cost` from the balance under `requestId`, refundCredits() gives it back.
+// Repeating either call changes nothing. After a refund, the same request may be reserved again.
+// Both throw Refusal if `cost` differs from that of the reservation, reserveCredits() also if the
+// balance is too small, refundCredits() also if there is no reservation.
 void reserveCredits(Transaction& transaction, qint64 account, qint64 cost, const QString& requestId,
                     qint64 now);
 void refundCredits(Transaction& transaction, qint64 account, qint64 cost, const QString& requestId,

@@ -19,11 +19,11 @@ void applyLayerChangeToSelectedItems(Batch& batch, const TextLayer& layer, Copie
 // Copied::visibility copies nothing, because a shape is always visible.
 void applyShapeChangeToSelectedItems(Batch& batch, const ShapeLayer& shape, Copied copied);
 
-// Replaces the layer of the current item that has the id of `layer`, and copies the part `copied`
-// of it to the other selected items.
+// In the current item, puts `layer` in the place of the layer with its id. Copies the part `copied`
+// of `layer` to the other selected items.
 void editLayer(Batch& batch, const TextLayer& layer, Copied copied);
-// Replaces the shape of the current item that has the id of `shape`, and copies its style, but not
-// its frame, to the other selected items.
+// In the current item, puts `shape` in the place of the shape with its id. Copies the style of
+// `shape`, but not its frame, to the other selected items.
 void editShape(Batch& batch, const ShapeLayer& shape);
 
 // Replaces the current item by `item`, an edited copy of it. Does nothing if `item` has another id.
@@ -36,7 +36,8 @@ void commitCanvasItem(Batch& batch, const PublicationItem& item);
 // layers of the other selected items.
 void syncCurrentCanvasEditsToSelectedItems(Batch& batch, QUuid movedLayer);
 
-// Adds a new shape, with the same id, in the middle of every selected item, and selects the shape.
+// Adds a new shape to the middle of every selected item, with one id in all of them, and selects
+// it.
 void addShape(Batch& batch, ShapeKind kind);
 
 // Deletes the selected layer from the current item and the other selected items. A shape is

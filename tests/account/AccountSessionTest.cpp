@@ -132,7 +132,7 @@ TEST_F(AccountSessionTest, TheCheckAtTheStartSignsInOrOut)
 
 TEST_F(AccountSessionTest, AServiceThatIsLateLeavesTheUserSignedOut)
 {
-    // The sign-in does not wait for the settings, which arrive later.
+    // The request for the copy configuration, which follows a sign-in, gets no answer yet.
     server.hold("/api/publicaciones/config");
     EXPECT_TRUE(started().isAuthenticated());
     EXPECT_TRUE(awaited(session->login(u"a"_s, u"b"_s)));

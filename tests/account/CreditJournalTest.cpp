@@ -16,8 +16,8 @@
 
 using namespace Qt::StringLiterals;
 
-// Tests of the journal's requests while programs start, end and share their preferences. Tests with
-// a real ledger are in tests/studio.
+// Tests of the requests that the journal sends to the account service, also when several runs of
+// the program share one preferences file. Tests with a real ledger are in tests/studio.
 
 namespace {
 
