@@ -75,7 +75,9 @@ constexpr std::array sentences{
     Sentence{QNetworkReply::ProtocolFailure, u"No se ha podido leer la respuesta del servidor."},
 };
 
-TransportError failureOf(const QNetworkReply& reply)
+}    // namespace
+
+TransportError transportErrorOf(const QNetworkReply& reply)
 {
     using Kind = TransportError::Kind;
     const auto error = reply.error();
@@ -96,6 +98,13 @@ TransportError failureOf(const QNetworkReply& reply)
         return {Kind::unreachable, text};
     }
 }
+
+std::unique_ptr<QNetworkProxyFactory> systemProxies()
+{
+    return std::make_unique<SystemProxies>();
+}
+
+namespace {
 
 // Whether the server answered, with any status. Qt reports every status above 399 as an error. If
 // Qt cannot read the body of a request again, it reports a redirection with status 307 or 308 as
@@ -156,7 +165,7 @@ QNetworkRequest prepared(const HttpRequest& request)
 HttpExchange::HttpExchange(const HttpRequest& request, std::stop_token stop, QObject* parent)
     : QObject(parent), m_largest(request.largestReply), m_manager(new QNetworkAccessManager(this))
 {
-    m_manager->setProxyFactory(new SystemProxies);    // the manager takes ownership
+    m_manager->setProxyFactory(systemProxies().release());    // the manager takes ownership
     if (stop.stop_requested()) {
         finish(TransportError::stopped());
         return;
@@ -199,7 +208,7 @@ void HttpExchange::conclude()
     if (m_outcome)
         return;
     if (!isAnswer(*m_reply)) {
-        finish(failureOf(*m_reply));
+        finish(transportErrorOf(*m_reply));
         return;
     }
     const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();

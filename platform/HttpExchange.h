@@ -7,11 +7,19 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 #include <stop_token>
 #include <variant>
 
 class QNetworkAccessManager;
+class QNetworkProxyFactory;
 class QNetworkReply;
+
+// Why a reply did not come, or not whole.
+TransportError transportErrorOf(const QNetworkReply& reply);
+
+// The system's proxies, but none for this machine itself.
+std::unique_ptr<QNetworkProxyFactory> systemProxies();
 
 // One request and its outcome: a reply or an error.
 class HttpExchange : public QObject {

@@ -5,6 +5,9 @@
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
 
 void fixAllocatorThresholds()
 {
@@ -20,6 +23,16 @@ void keepFreedMemory()
 {
 #ifdef __GLIBC__
     mallopt(M_TRIM_THRESHOLD, 128 << 20);
+#endif
+}
+
+qint64 totalMemory()
+{
+#ifdef Q_OS_UNIX
+    const qint64 pages = ::sysconf(_SC_PHYS_PAGES), size = ::sysconf(_SC_PAGESIZE);
+    return pages > 0 && size > 0 ? pages * size : 0;
+#else
+    return 0;
 #endif
 }
 

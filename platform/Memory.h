@@ -12,6 +12,9 @@ void fixAllocatorThresholds();
 // export.
 void keepFreedMemory();
 
+// The memory of this machine in bytes; 0 if the system does not report it.
+qint64 totalMemory();
+
 // The largest resident size of this process so far, in bytes; 0 if the system does not report it.
 qint64 peakMemory();
 

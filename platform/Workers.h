@@ -31,21 +31,20 @@ inline constexpr const char* workerThreadName = "moltiva worker";
 enum class Urgency { usual, urgent };
 void startOnWorker(std::function<void()> work, Urgency urgency = Urgency::usual);
 
-// Runs `work` on a worker. The future rethrows an exception that `work` throws.
-template <typename Work>
-auto runOnWorker(Work&& work, Urgency urgency = Urgency::usual)
-    -> QFuture<std::invoke_result_t<std::decay_t<Work>>>
+// Hands `work` to `start` as a function, and gives the future of its result or exception.
+template <typename Work, typename Start>
+auto futureOf(Work&& work, const Start& start) -> QFuture<std::invoke_result_t<std::decay_t<Work>>>
 {
     using Result = std::invoke_result_t<std::decay_t<Work>>;
     struct Job {
         QFutureInterface<Result> promise;    // not a QPromise, whose destructor cancels the future
         std::decay_t<Work> work;
     };
-    // Shared, because QThreadPool copies the function that it runs.
+    // Shared, because a std::function copies the function it runs.
     auto job = std::shared_ptr<Job>(new Job{QFutureInterface<Result>(), std::forward<Work>(work)});
     job->promise.reportStarted();
     auto future = job->promise.future();
-    const auto runJob = [job = std::move(job)] {
+    start([job = std::move(job)] {
         try {
             if constexpr (std::is_void_v<Result>)
                 job->work();
@@ -55,9 +54,17 @@ auto runOnWorker(Work&& work, Urgency urgency = Urgency::usual)
             job->promise.reportException(std::current_exception());
         }
         job->promise.reportFinished();
-    };
-    startOnWorker(runJob, urgency);
+    });
     return future;
+}
+
+// Runs `work` on a worker. The future rethrows an exception that `work` throws.
+template <typename Work>
+auto runOnWorker(Work&& work, Urgency urgency = Urgency::usual)
+{
+    return futureOf(std::forward<Work>(work), [urgency](std::function<void()> job) {
+        startOnWorker(std::move(job), urgency);
+    });
 }
 
 // Runs `work` on a worker. If it throws, for example because memory is short, the result is a
