@@ -1,9 +1,9 @@
 #include "model/GeneratedCopy.h"
 
+#include "model/Characters.h"
 #include "model/SearchText.h"
 
 #include <QStringList>
-#include <QTextBoundaryFinder>
 
 using namespace Qt::StringLiterals;
 
@@ -20,16 +20,6 @@ constexpr std::array cannedCalls{
     CannedCall{u"contact", u"Contactar"},     CannedCall{u"inscrib", u"Inscríbete"},
     CannedCall{u"descubre", fallbackCall},    CannedCall{u"ver", u"Ver más"},
 };
-
-// Counts characters as a reader does: an accented letter or an emoji is one.
-int characterCount(const QString& text)
-{
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    int count = 0;
-    while (finder.toNextBoundary() != -1)
-        ++count;
-    return count;
-}
 
 }    // namespace
 
@@ -79,7 +69,7 @@ QString GeneratedCopy::normalizedCallToAction(const QString& text)
         call.chop(1);
     cleaned = call.toString();
 
-    if (cleaned.isEmpty())
+    if (call.trimmed().isEmpty())
         return fallbackCall.toString();
     const auto words = cleaned.simplified().split(u' ', Qt::SkipEmptyParts).size();
     if (words <= 4 && !cleaned.contains(u'.') && characterCount(cleaned) <= 24)

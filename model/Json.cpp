@@ -13,6 +13,7 @@ struct JsonFields<PublicationItemSnapshot> {
                    required("url", &Item::url),
                    lenient("bookmarkData", &Item::bookmarkData),
                    required("analysis", &Item::analysis),
+                   optional("isCaptionOwn", &Item::isCaptionOwn),
                    required("layers", &Item::layers),
                    optional("shapeLayers", &Item::shapeLayers),
                    required("placement", &Item::placement),

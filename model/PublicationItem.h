@@ -20,6 +20,7 @@ struct PublicationItem {
     QUrl url;    // the file that the photo was read from
     PhotoHandle image;
     GeneratedCopy analysis;
+    bool isCaptionOwn = false;        // the user wrote the caption in `analysis`
     QList<TextLayer> layers;          // one per slot, in drawing order
     QList<ShapeLayer> shapeLayers;    // in drawing order, all below the texts
     ImagePlacement placement;

@@ -20,6 +20,7 @@ struct PublicationItemSnapshot {
     QUrl url;
     std::optional<QByteArray> bookmarkData;    // see ImageAccess
     GeneratedCopy analysis;
+    bool isCaptionOwn = false;
     QList<TextLayer> layers;    // a slot may occur several times or not at all
     QList<ShapeLayer> shapeLayers;
     ImagePlacement placement;

@@ -25,6 +25,7 @@ TEST(GeneratedCopy, callToActionIsCleanedAndReplacedOnlyWhenTooLong)
         {u"Puedes contactarnos por teléfono", u"Contactar"},
         {u"Inscribete en el curso de verano", u"Inscríbete"},
         {u"Te invitamos a ver todos los platos", u"Ver más"},
+        {u"! ?", u"Descubre más"},
         {u"Reserva una cita para comprar hoy", u"Reserva ahora"},
         {u"Solicita y compra en la web hoy", u"Pide tu cita"},
     };
