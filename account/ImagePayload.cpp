@@ -13,12 +13,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int longestSide = 1600;
+constexpr int longestSent = 1600;    // pixels
 constexpr int jpegQuality = 82;
 // In bytes; as base64 they must fit into a request of 64 MiB.
 constexpr qint64 largestRaw = 40 << 20;
 
-QSize fittingSize(QSize photo)
+QSize fittingSize(QSize photo, int longestSide)
 {
     const double scale = qMin(1.0, double(longestSide) / qMax(photo.width(), photo.height()));
     return QSize(qRound(photo.width() * scale), qRound(photo.height() * scale))
@@ -35,10 +35,12 @@ QImage redrawn(const QImage& picture, QSize size)
     return drawn;
 }
 
-QByteArray jpegOf(const QString& path)
+}    // namespace
+
+QByteArray uprightJpeg(const QString& path, int longestSide)
 {
-    const auto photo = decodePhoto(path, [](const PhotoInfo& info) {
-        return coveringLevel(info.size, fittingSize(info.size));
+    const auto photo = decodePhoto(path, [&](const PhotoInfo& info) {
+        return coveringLevel(info.size, fittingSize(info.size, longestSide));
     });
     QByteArray bytes;
     if (!photo)
@@ -46,16 +48,14 @@ QByteArray jpegOf(const QString& path)
     QBuffer buffer(&bytes);
     QImageWriter writer(&buffer, "jpeg");
     writer.setQuality(jpegQuality);
-    if (!writer.write(redrawn(photo->image, fittingSize(photo->info.size))))
+    if (!writer.write(redrawn(photo->image, fittingSize(photo->info.size, longestSide))))
         bytes.clear();
     return bytes;
 }
 
-}    // namespace
-
 ImagePayload preparedImagePayload(const QString& path)
 {
-    if (const QByteArray jpeg = jpegOf(path); !jpeg.isEmpty())
+    if (const QByteArray jpeg = uprightJpeg(path, longestSent); !jpeg.isEmpty())
         return {u"image/jpeg"_s, jpeg};
     QFile file(path);
     const QString unread = u"No se ha podido leer %1."_s.arg(QFileInfo(path).fileName());

@@ -14,5 +14,9 @@ struct ImagePayload {
 // AccountError if the file cannot be read or is too large to be sent.
 ImagePayload preparedImagePayload(const QString& path);
 
+// A photo as an upright JPEG whose longer side is at most `longestSide` pixels; empty for a file
+// that cannot be decoded. Waits for the disk and the codec.
+QByteArray uprightJpeg(const QString& path, int longestSide);
+
 // The MIME type for the file's extension.
 QString mimeType(const QString& path);

@@ -1,7 +1,8 @@
 #include "service/CopyForwarding.h"
 
-#include "model/GuardedJson.h"
-#include "model/PlainText.h"
+#include "copygen/text/ChatCompletion.h"
+#include "copygen/text/CopyAnswer.h"
+#include "copygen/text/CopyPrompt.h"
 #include "platform/Http.h"
 #include "service/Http.h"
 #include "service/store/Turns.h"
@@ -22,67 +23,6 @@ constexpr int longestWait = 240'000, copyLookAround = 200;    // ms
 constexpr qint64 largestAnswer = 4 << 20;
 constexpr qsizetype longestText = 4000;
 constexpr int mostAtOnce = 8;
-
-QString prompt(const CopyOrder& order)
-{
-    return u"Escribe los textos de una publicación para redes sociales a partir de la imagen.\n"
-           "Objetivo de la campaña: %1\nFormato: %2\n"
-           "Devuelve solo JSON válido, sin Markdown y sin explicación, con las claves exactas "
-           "title, subtitle, tagline, callToAction y publicationCaption.\n"
-           "Escribe en español natural, comercial y elegante. title: menos de 42 caracteres. "
-           "subtitle: menos de 90. tagline: un párrafo de 120 a 220. callToAction: de 2 a 4 "
-           "palabras, menos de 24 caracteres, imperativo y sin punto. publicationCaption: de 450 a "
-           "900 caracteres, con 3 a 8 hashtags al final."_s.arg(
-               order.objective.trimmed().isEmpty() ? u"(sin objetivo)"_s : order.objective,
-               rawValue(order.format));
-}
-
-QByteArray requestBody(const CopyProvider& provider, const CopyOrder& order)
-{
-    const auto text = [](const QString& value) { return value.toStdString(); };
-    const QByteArray image =
-        "data:" + order.mimeType.toLatin1() + ";base64," + order.image.toBase64();
-    const json::Value body{
-        {"model", text(provider.model)},
-        {"messages",
-         {{{"role", "user"},
-           {"content",
-            {{{"type", "text"}, {"text", text(prompt(order))}},
-             {{"type", "image_url"}, {"image_url", {{"url", image.toStdString()}}}}}}}}},
-    };
-    return QByteArray::fromStdString(body.dump());
-}
-
-QUrl endpoint(const QString& address)
-{
-    const QString path = u"/chat/completions"_s;
-    QString whole = address.trimmed();
-    while (whole.endsWith(u'/'))
-        whole.chop(1);
-    return QUrl(whole.endsWith(path) ? whole : whole + path, QUrl::StrictMode);
-}
-
-// The member `key` of an object; a JSON null when there is none.
-const json::Value& member(const json::Value& object, const char* key)
-{
-    static const json::Value none;
-    const auto found = object.is_object() ? object.find(key) : object.end();
-    return object.is_object() && found != object.end() ? *found : none;
-}
-
-// Reads the content of a message, which some providers give as one string, others as a list of
-// parts.
-QString contentText(const json::Value& content)
-{
-    QString text;
-    if (json::read(content, text) || !content.is_array())
-        return text;
-    for (const json::Value& part : content) {
-        if (QString piece; json::read(member(part, "text"), piece))
-            text += piece;
-    }
-    return text;
-}
 
 QByteArray answerOfProvider(const PreparedCopyOrder& order, const std::atomic_bool& isEnding)
 {
@@ -156,28 +96,20 @@ CopyProvider configuredCopyProvider()
 
 std::optional<GeneratedCopy> copyFromAnswer(QByteArrayView answer)
 {
-    const json::Value whole = json::parsedWithCare(answer);
-    const json::Value& choices = member(whole, "choices");
-    if (!choices.is_array() || choices.empty())
+    const std::optional<QString> text = chatAnswer(answer);
+    const std::optional<CopyAnswer> given = text ? readClosedCopyAnswer(*text) : std::nullopt;
+    if (!given)
         return std::nullopt;
-    const QString text = contentText(member(member(choices.front(), "message"), "content"));
-    // Finds the JSON object in the text: models often put it in a code fence or put words before
-    // it.
-    const qsizetype begin = text.indexOf(u'{'), end = text.lastIndexOf(u'}');
-    if (begin < 0 || end < begin)
-        return std::nullopt;
-    const json::Value object = json::parsedWithCare(text.mid(begin, end - begin + 1).toUtf8());
 
     bool isComplete = true;
-    const auto field = [&](const char* key) {
-        QString value;
-        json::read(member(object, key), value);
-        value = plainText(value).trimmed();
-        isComplete = isComplete && !value.isEmpty() && value.size() <= longestText;
-        return value;
+    const auto field = [&](const std::optional<QString>& value) {
+        const QString cleaned = cleanText(value, QString());
+        isComplete = isComplete && !cleaned.isEmpty() && cleaned.size() <= longestText;
+        return cleaned;
     };
-    const QString title = field("title"), subtitle = field("subtitle"), tagline = field("tagline");
-    const QString action = field("callToAction"), caption = field("publicationCaption");
+    const QString title = field(given->title), subtitle = field(given->subtitle);
+    const QString tagline = field(given->tagline), action = field(given->callToAction);
+    const QString caption = field(given->publicationCaption);
     if (!isComplete)
         return std::nullopt;
     return GeneratedCopy(title, subtitle, tagline, action, caption, u"Analizado en la nube."_s);
@@ -189,12 +121,17 @@ PreparedCopyOrder preparedCopyOrder(const CopyProvider& provider, const CopyOrde
         throw Refusal(503, "provider_key_missing", u"no MOLTIVA_COPY_URL and no [copy] url"_s);
     if (provider.model.isEmpty())
         throw Refusal(503, "model_not_configured", u"no MOLTIVA_COPY_MODEL and no [copy] model"_s);
-    const QUrl url = endpoint(provider.address);
+    const QUrl url = chatUrl(provider.address);
     if (!url.isValid() || (url.scheme() != u"http" && url.scheme() != u"https"))
         throw Refusal(503, "provider_not_supported", u"the address must be http or https"_s);
     if (!provider.key.isEmpty() && url.scheme() != u"https" && !isLoopback(url.host()))
         throw Refusal(503, "provider_not_supported", u"a key goes over https alone"_s);
-    return {url, provider.key, requestBody(provider, order)};
+    ChatQuestion question;
+    question.model = provider.model;
+    question.prompt = CopyPromptBuilder::marketing(order.objective, order.format);
+    question.mimeType = order.mimeType;
+    question.image = order.image;
+    return {url, provider.key, chatRequestBody(question)};
 }
 
 GeneratedCopy forwardCopyOrder(const PreparedCopyOrder& order, const std::atomic_bool& isEnding)

@@ -1,8 +1,10 @@
+#include "copygen/text/CopyPrompt.h"
 #include "service/CopyForwarding.h"
 #include "service/store/Accounts.h"
 #include "service/store/Secrets.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 using namespace Qt::StringLiterals;
 
@@ -39,9 +41,32 @@ TEST(CopyForwarding, takesOnlyWholeAnswers)
     missing.replace("subtitle", "otro");
     number.replace("\\\"S\\\"", "5");
     empty.replace("\\\"T\\\"", "\\\" \\\"");
+    QByteArray placeholder = whole, cutCaption = whole, cutTagline = whole;
+    placeholder.replace("\\\"S\\\"", "\\\"N/A\\\"");
+    // Ends inside the caption, behind sentences of more than 120 characters.
+    cutCaption.replace("\\\"C\\\"}",
+                       "\\\"" + QByteArray("Ven a verlo hoy. ").repeated(8) + "Y mañ");
+    cutTagline.truncate(cutTagline.indexOf("P") + 1);
+    const auto cut = copyFromAnswer(answer('"' + cutCaption + '"'));
+    ASSERT_TRUE(cut);
+    EXPECT_EQ(cut->publicationCaption, u"Ven a verlo hoy. "_s.repeated(8).trimmed());
+    EXPECT_EQ(cut->title, u"T"_s);
     for (const QByteArray& wrong :
-         {QByteArray(), QByteArray("<html>"), QByteArray("[]"), QByteArray("{\"choices\":[]}"),
+         {answer('"' + placeholder + '"'), answer('"' + cutTagline + '"'),
+          answer("\"TITLE: T\\nSUBTITLE: S\\nTAGLINE: P\\nCTA: Ven\\nCAPTION: C\""), QByteArray(),
+          QByteArray("<html>"), QByteArray("[]"), QByteArray("{\"choices\":[]}"),
           QByteArray("{\"choices\":[5]}"), answer("null"), answer("\"}{\""),
           answer('"' + missing + '"'), answer('"' + number + '"'), answer('"' + empty + '"')})
         EXPECT_FALSE(copyFromAnswer(wrong)) << wrong.constData();
+}
+
+TEST(CopyForwarding, asksWithThePromptOfLocalCopy)
+{
+    const CopyOrder order{u"Vender \"más\""_s, SocialFormat::square, u"image/png"_s, "png"};
+    const auto body = nlohmann::json::parse(
+        preparedCopyOrder({u"http://127.0.0.1:1"_s, {}, u"m"_s}, order).body.toStdString());
+    const auto& parts = body["messages"][0]["content"];
+    EXPECT_EQ(QString::fromStdString(parts[0]["text"]),
+              CopyPromptBuilder::marketing(order.objective, order.format));
+    EXPECT_EQ(parts[1]["image_url"]["url"], "data:image/png;base64,cG5n");
 }
