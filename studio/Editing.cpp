@@ -30,6 +30,11 @@ void Editing::bringBack(const Change& apply, const Step& run)
 {
     Q_EMIT aboutToMove();
     endCanvasHistoryEdit({});
+    bringBackQuietly(apply, run);
+}
+
+void Editing::bringBackQuietly(const Change& apply, const Step& run)
+{
     const QScopedValueRollback during(m_run, std::optional(run));
     change(apply);
 }
@@ -78,5 +83,5 @@ void Editing::amend(const Change& apply)
     apply(m_batch);
     m_history.amend(apply);
     // Prevents a later change from joining a step recorded before this one.
-    m_history.endStep();
+    m_history.endJoinedStep();
 }

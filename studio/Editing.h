@@ -34,6 +34,11 @@ public:
     // of changed() make in response belong to the same step.
     void bringBack(const Change& apply, const Step& run = Step::run());
 
+    // Like bringBack(), but leaves editors open. Call it while nobody types or drags.
+    void bringBackQuietly(const Change& apply, const Step& run);
+    // Whether a change just before may be joined by another: somebody types or drags a slider.
+    bool isStepOpen() const { return m_history.isStepOpen(m_clock()); }
+
     void beginCanvasHistoryEdit();
     void endCanvasHistoryEdit(QUuid movedLayer);
     bool isGestureActive() const { return m_history.isCanvasEditActive(); }

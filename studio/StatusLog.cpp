@@ -81,7 +81,8 @@ void StatusLog::outdate()
     if (m_isToldInThisTurn)
         return;
     const bool isOther = outdateWhere([this](const StatusEntry& entry) {
-        return !entry.activity && !isUnread(entry) && entry.link.details.isEmpty();
+        return !entry.activity && !isUnread(entry) && entry.link.details.isEmpty() &&
+               entry.link.actions.isEmpty();
     });
     if (isOther)
         Q_EMIT changed();

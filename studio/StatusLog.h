@@ -13,11 +13,15 @@
 // asked for has failed. `working`: progress of an activity, outdated when the activity ends.
 enum class StatusKind { note, done, warning, error, working };
 
-// What the button beside a status sentence opens.
+// What a sentence about generated copy offers to do.
+enum class StatusAction { retryCopy, recoverTexts, replaceEdited };
+
+// What the buttons beside a status sentence open or do.
 struct StatusLink {
     QString folder = {};         // contains the files that the sentence is about; empty: none
     bool isPurchase = false;     // opens the purchase of credits
     QStringList details = {};    // names of the files that the sentence only counts
+    QList<StatusAction> actions = {};    // in the order in which they are shown
     bool operator==(const StatusLink&) const = default;
 };
 
@@ -59,8 +63,8 @@ public:
     void endSteps(Activity::Kind activity);
     // Outdates the sentences after a change of the batch. Does nothing if tell() was called in the
     // same turn of the event loop, because that sentence is about the change. Spares steps of
-    // activities, problems too recent to have been read, and sentences with StatusLink::details,
-    // which are shown nowhere else.
+    // activities, problems too recent to have been read, and sentences with StatusLink::details or
+    // StatusLink::actions, which are shown nowhere else.
     void outdate();
     // Whether the current sentence is a problem too recent to have been read.
     bool isProblemUnread() const;

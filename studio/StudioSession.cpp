@@ -1,5 +1,6 @@
 #include "studio/StudioSession.h"
 
+#include "model/PlainText.h"
 #include "studio/batch/BatchSelection.h"
 
 #include <utility>
@@ -13,12 +14,29 @@ QString unreadableSentence(qsizetype files)
     return files == 1 ? u"1 no se ha podido leer."_s : u"%1 no se han podido leer."_s.arg(files);
 }
 
+StatusKind kindOf(const CopyOutcome& outcome)
+{
+    switch (outcome.state) {
+    case CopyOutcome::State::done:
+        return outcome.unanswered > 0 || !outcome.reason.isEmpty() || !outcome.notes.isEmpty()
+                   ? StatusKind::warning
+                   : StatusKind::done;
+    case CopyOutcome::State::cancelled:
+        return StatusKind::note;
+    case CopyOutcome::State::refused:
+        return StatusKind::warning;
+    case CopyOutcome::State::failing:
+        return StatusKind::error;
+    }
+    Q_UNREACHABLE();
+}
+
 }    // namespace
 
 StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
                              Clock clock, const OutputSize& outputSize)
     : m_log(clock), m_editing(clock), m_workspace(photos, preferences), m_imports(photos, clock),
-      m_exports(photos, outputSize, chargeServices())
+      m_exports(photos, outputSize, chargeServices()), m_copy(copyServices(), preferences)
 {
     setStatus(u"Importa una imagen o una carpeta para empezar."_s);
     connect(&m_log, &StatusLog::changed, this, &StudioSession::statusChanged);
@@ -62,6 +80,15 @@ StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStor
     });
     connect(&m_exports, &StudioExports::changed, this, &StudioSession::followExport);
     connect(&m_exports, &StudioExports::costsChanged, this, &StudioSession::costsChanged);
+
+    connect(this, &StudioSession::batchChanged, &m_copy, &StudioCopy::follow);
+    connect(&m_copy, &StudioCopy::changed, this, &StudioSession::followCopy);
+    connect(&m_copy, &StudioCopy::working, this, [this](const QString& sentence) {
+        m_log.tellStep(Activity::Kind::generating, sentence);
+    });
+    connect(&m_copy, &StudioCopy::ended, this, &StudioSession::finishCopy);
+    connect(&m_copy, &StudioCopy::told, this,
+            [this](const QString& sentence) { setStatus(sentence, StatusKind::done, copyLink()); });
 }
 
 StudioSession::~StudioSession()
@@ -116,10 +143,20 @@ void StudioSession::finishRestore(const std::optional<Batch>& restored)
 {
     m_editing.start();
     if (restored && batch().items.isEmpty()) {
-        m_editing.replace(withPayments(*restored));
-        setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(batch().items.size()),
-                  StatusKind::done);
+        Batch whole = withPayments(*restored);
+        const qsizetype paidCopies = m_copy.applyPaid(whole);
+        m_editing.replace(whole);
+        QString sentence = u"Sesión restaurada con %1 imagen(es)."_s.arg(batch().items.size());
+        if (paidCopies > 0) {
+            sentence += u" Con los textos de la nube que ya estaban pagados de %1."_s.arg(
+                counted(paidCopies, u"imagen", u"imágenes"));
+            saveWorkspace();
+        }
+        setStatus(sentence, StatusKind::done);
     }
+    // Copies for a batch that is set aside wait for it.
+    if (!hasWorkspaceAside())
+        m_copy.dropPaid();
     if (const QString problem = m_workspace.takeProblem(); !problem.isEmpty())
         setStatus(problem, StatusKind::warning);
     endActivity(Activity::Kind::restoring);
@@ -134,7 +171,10 @@ void StudioSession::finishRestoreAside(const WorkspaceStore::Restored& restored)
     if (restored.workspace) {
         setStatus(u"Sesión restaurada con %1 imagen(es)."_s.arg(restored.workspace->items.size()),
                   StatusKind::done);
-        m_editing.bringBack([&](Batch& batch) { batch = withPayments(*restored.workspace); });
+        m_editing.bringBack([&](Batch& batch) {
+            batch = withPayments(*restored.workspace);
+            m_copy.applyPaid(batch);
+        });
         if (restored.isComplete)
             m_workspace.clearAside();
     } else {
@@ -236,6 +276,7 @@ void StudioSession::setGenerationMode(CopyGenerationMode mode)
     if (m_generationMode == mode)
         return;
     m_generationMode = mode;
+    m_copy.setMode(mode);
     Q_EMIT generationModeChanged();
 }
 
@@ -257,11 +298,13 @@ void StudioSession::setAccountSession(AccountSession& account)
 {
     m_accountSession = &account;
     m_exports.setAccount(account);
+    m_copy.setAccount(account);
 }
 
 void StudioSession::setCreditJournal(CreditJournal& journal, const QString& stagingPlace)
 {
     m_exports.setJournal(journal, stagingPlace);
+    m_copy.setJournal(journal);
 }
 
 ChargeServices StudioSession::chargeServices()
@@ -286,4 +329,77 @@ bool StudioSession::markRenderedOutputsAsPaid(const QList<RenderedOutput>& outpu
     saveWorkspace();
     Q_EMIT batchChanged();
     return !m_workspace.hasFailed();
+}
+
+CopyServices StudioSession::copyServices()
+{
+    CopyServices services;
+    services.batch = [this]() -> const Batch& { return batch(); };
+    services.apply = [this](const Editing::Change& change, const Step& step) {
+        m_editing.bringBackQuietly(change, step);
+    };
+    services.withNextSave = [this](const Strike& work) { m_workspace.strikeWithNextSave(work); };
+    services.hindrance = [this] {
+        if (m_isTyping || m_editing.isGestureActive() || m_editing.isStepOpen())
+            return CopyHindrance::editing;
+        return canRedo() ? CopyHindrance::redoable : CopyHindrance::none;
+    };
+    return services;
+}
+
+void StudioSession::setTyping(bool isTyping)
+{
+    m_isTyping = isTyping;
+    m_copy.follow();
+}
+
+void StudioSession::followCopy()
+{
+    if (m_copy.isAnalyzing()) {
+        // Local images wait for nobody: closing ends their engine. A cloud image in course is given
+        // back first.
+        setActivity({.kind = Activity::Kind::generating,
+                     .done = m_copy.finished(),
+                     .total = m_copy.total(),
+                     .stop = [this] { m_copy.cancel(); },
+                     .delaysClosing = m_copy.runMode() == CopyGenerationMode::cloud});
+    } else if (m_activities.find(Activity::Kind::generating)) {
+        endActivity(Activity::Kind::generating);
+    }
+    Q_EMIT copyChanged();
+}
+
+// The actions that the last run offers.
+StatusLink StudioSession::copyLink() const
+{
+    StatusLink link;
+    if (m_copy.canRetry())
+        link.actions.append(StatusAction::retryCopy);
+    if (m_copy.canRecover())
+        link.actions.append(StatusAction::recoverTexts);
+    if (m_copy.canReplace())
+        link.actions.append(StatusAction::replaceEdited);
+    return link;
+}
+
+void StudioSession::finishCopy(const CopyOutcome& outcome)
+{
+    StatusLink link = copyLink();
+    link.isPurchase = outcome.remedy == CopyOutcome::Remedy::purchase;
+    link.details = outcome.unansweredNames;
+    setStatus(outcome.sentence(), kindOf(outcome), link);
+    saveWorkspace();
+}
+
+void StudioSession::act(StatusAction action)
+{
+    Q_EMIT aboutToMove();
+    switch (action) {
+    case StatusAction::retryCopy:
+        return m_copy.retryUnanswered();
+    case StatusAction::recoverTexts:
+        return m_copy.recoverOwnTexts();
+    case StatusAction::replaceEdited:
+        return m_copy.replaceEdited();
+    }
 }

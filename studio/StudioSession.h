@@ -10,6 +10,7 @@
 #include "studio/Workspace.h"
 #include "studio/batch/LayerEdits.h"
 #include "studio/batch/StyleClipboard.h"
+#include "studio/copy/StudioCopy.h"
 #include "templates/VisualTemplate.h"
 
 #include <QObject>
@@ -128,7 +129,7 @@ public:
     // Replaces the current item by `item`, a copy edited on the canvas. `selected`: the layer to
     // select, or a null id to select none; empty leaves the selection as it is.
     void commitCanvasItem(const PublicationItem& item, std::optional<QUuid> selected = {});
-    void endCanvasHistoryEdit(QUuid movedLayer) { m_editing.endCanvasHistoryEdit(movedLayer); }
+    void endCanvasHistoryEdit(QUuid movedLayer);
 
     // Copies the style of the selected layer. pasteStyle() applies it to all selected items.
     void copyStyle();
@@ -164,6 +165,19 @@ public:
     // Exports the selected items if there are several, else all, into `folder`.
     void exportAll(const QString& folder);
 
+    // Generates copy, one run at a time. Local copy needs a writer.
+    StudioCopy& copy() { return m_copy; }
+    const StudioCopy& copy() const { return m_copy; }
+    void setLocalCopyWriter(const LocalCopyWriter& writer) { m_copy.setLocalWriter(writer); }
+    void setCloudCopyService(const CloudAIService& service) { m_copy.setCloudService(service); }
+    bool isAnalyzing() const { return m_copy.isAnalyzing(); }
+    // Told by editors that hold text which the batch has not got yet: results of a run wait for it.
+    void setTyping(bool isTyping);
+    // Does what a status sentence offers.
+    void act(StatusAction action);
+    // The caption that is posted with the current item.
+    void setCaption(const QString& caption, Pace pace = Pace::once);
+
     const Payments& payments() const { return m_payments; }
     // Records that these renders are paid, which undo does not revert. `strike` is called in the
     // transaction that stores the payment, and may be empty. Returns whether the payment is stored
@@ -181,6 +195,7 @@ Q_SIGNALS:
     void copiedStyleChanged();
     void activityChanged(Activity::Kind kind);    // it began, progressed or ended
     void costsChanged();                          // prices changed, or which items are paid
+    void copyChanged();                           // anything that copy() returns
 
 private:
     void followChange(Editing::Outcome outcome, Pace pace);
@@ -188,12 +203,16 @@ private:
     void stopImport();
     void finishImport(const std::optional<PhotoImport::Imported>& imported, const QString& failure);
     void followExport();
+    void followCopy();
+    StatusLink copyLink() const;
+    void finishCopy(const CopyOutcome& outcome);
     void finishRestore(const std::optional<Batch>& restored);
     void finishRestoreAside(const WorkspaceStore::Restored& restored);
     // Returns `batch` with all known payments in its items. Adds payments that are known only to
     // these items to m_payments.
     Batch withPayments(Batch batch);
     ChargeServices chargeServices();
+    CopyServices copyServices();
 
     StatusLog m_log;
     Activities m_activities;
@@ -207,5 +226,7 @@ private:
     bool m_isAppSettingsPresented = false;
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
     StudioExports m_exports;
+    StudioCopy m_copy;
+    bool m_isTyping = false;
     Payments m_payments;
 };

@@ -130,6 +130,17 @@ void StudioSession::setText(CopySlot slot, const QString& text, Pace pace)
         Step::joined(), pace);
 }
 
+void StudioSession::setCaption(const QString& caption, Pace pace)
+{
+    m_editing.change(
+        [&](Batch& batch) {
+            const PublicationItem* const item = batch.currentItem();
+            if (item && item->analysis.publicationCaption != caption)
+                writeOwnText(batch.items.edit(batch.selectedIndex), CopyField::caption, caption);
+        },
+        Step::joined(), pace);
+}
+
 void StudioSession::editLayer(const TextLayer& layer, LayerEdits::Copied copied, Pace pace)
 {
     m_editing.change([&](Batch& batch) { LayerEdits::editLayer(batch, layer, copied); },
@@ -189,6 +200,12 @@ void StudioSession::commitCanvasItem(const PublicationItem& item, std::optional<
         LayerEdits::commitCanvasItem(batch, item);
         batch.selectedLayerID = selected.value_or(batch.selectedLayerID);
     });
+}
+
+void StudioSession::endCanvasHistoryEdit(QUuid movedLayer)
+{
+    m_editing.endCanvasHistoryEdit(movedLayer);
+    m_copy.follow();
 }
 
 void StudioSession::copyStyle()

@@ -40,8 +40,10 @@ void WorkspaceEncoder::update(Pieces& pieces, const PublicationItem& item, Share
     const PublicationItem* known = pieces.item.isEmpty() ? nullptr : &pieces.item.first();
     if (!known || known->url != item.url)
         pieces.head = headOf(item);
-    if (!known || !(known->analysis == item.analysis))
-        pieces.analysis = toJson(item.analysis);
+    if (!known || !(known->analysis == item.analysis) || known->isCaptionOwn != item.isCaptionOwn) {
+        pieces.analysis =
+            toJson(item.analysis) + ",\"isCaptionOwn\":" + (item.isCaptionOwn ? "true" : "false");
+    }
     if (!known || !(known->placement == item.placement))
         pieces.placement = toJson(item.placement);
     if (!known || known->paidRenderFingerprints != item.paidRenderFingerprints)

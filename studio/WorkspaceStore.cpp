@@ -72,6 +72,7 @@ std::optional<PublicationItem> reopenedItem(const PublicationItemSnapshot& store
     const QUrl file = ImageAccess::resolvedURL(stored.url, stored.bookmarkData);
     item.image = {file.toLocalFile(), photo->info.size, photo->info.reducible, photo->digest};
     item.analysis = stored.analysis;
+    item.isCaptionOwn = stored.isCaptionOwn;
     item.layers = normalizedLayers(stored.layers, stored.analysis);
     item.shapeLayers = stored.shapeLayers;
     QSet<QUuid> ids;

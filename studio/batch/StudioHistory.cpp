@@ -19,6 +19,18 @@ void push(QList<StudioHistorySnapshot>& stack, const StudioHistorySnapshot& snap
 
 }    // namespace
 
+bool StudioHistory::isStepOpen(Time now) const
+{
+    return m_lastStep.isJoined() && m_lastCoalescedUndoDate &&
+           now - *m_lastCoalescedUndoDate < coalescingWindow;
+}
+
+void StudioHistory::endJoinedStep()
+{
+    if (m_lastStep.isJoined())
+        endStep();
+}
+
 void StudioHistory::registerUndo(const StudioHistorySnapshot& before,
                                  const StudioHistorySnapshot& current, const Step& step, Time now)
 {
@@ -79,7 +91,7 @@ void StudioHistory::beginCanvasEdit(const StudioHistorySnapshot& current)
 std::optional<StudioHistorySnapshot> StudioHistory::endCanvasEdit()
 {
     if (m_activeCanvasEditSnapshot)
-        endStep();
+        endJoinedStep();
     return std::exchange(m_activeCanvasEditSnapshot, std::nullopt);
 }
 

@@ -25,8 +25,12 @@ public:
     // changes between beginCanvasEdit() and endCanvasEdit().
     void registerUndo(const StudioHistorySnapshot& before, const StudioHistorySnapshot& current,
                       const Step& step, Time now);
-    // Prevents the next change from joining the last step.
+    // Whether a joined change at `now` would join the last step.
+    bool isStepOpen(Time now) const;
+    // Prevents the next change from joining the last step. The second one exempts a step of a run,
+    // which all results of the run belong to.
     void endStep() { m_lastCoalescedUndoDate.reset(); }
+    void endJoinedStep();
 
     // Return the state to restore, empty if there is none. `current` is saved for the opposite
     // command.

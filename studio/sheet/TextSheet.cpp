@@ -11,6 +11,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
+constexpr const char* sheetLineEnd = "\r\n";
 const QString notText = u"no es un archivo CSV"_s;
 constexpr int mostRows = 20'000;    // far more than a batch; a hostile file may hold millions
 
@@ -297,25 +298,34 @@ void fillTexts(PublicationItem& item, const SheetRow& row)
         const auto& cell = row.cell(column.value);
         if (!cell)
             continue;
-        if (column.value == SheetColumn::caption)
+        if (column.value == SheetColumn::caption && item.analysis.publicationCaption != *cell) {
             item.analysis.publicationCaption = *cell;
-        else if (TextLayer* layer = column.slot ? item.layer(*column.slot) : nullptr)
+            item.isCaptionOwn = true;
+        } else if (TextLayer* layer = column.slot ? item.layer(*column.slot) : nullptr)
             layer->text = *cell;
     }
 }
 
-QByteArray textSheetOf(const PublicationItems& items)
+QByteArray textSheetHead()
 {
-    const QString lineEnd = u"\r\n"_s;
     QStringList names;
     for (const auto& column : Vocabulary<SheetColumn>::rows)
         names.append(column.rawValue.toString());
-    QString sheet = names.join(u';') + lineEnd;
-    for (const PublicationItem& item : items) {
-        QStringList cells;
-        for (const SheetColumn column : allCases<SheetColumn>())
-            cells.append(written(plainText(textOf(item, column).value_or(QString()))));
-        sheet += cells.join(u';') + lineEnd;
-    }
-    return byteOrderMark.toByteArray() + sheet.toUtf8();
+    return byteOrderMark.toByteArray() + names.join(u';').toUtf8() + sheetLineEnd;
+}
+
+QByteArray textSheetRow(const PublicationItem& item)
+{
+    QStringList cells;
+    for (const SheetColumn column : allCases<SheetColumn>())
+        cells.append(written(plainText(textOf(item, column).value_or(QString()))));
+    return cells.join(u';').toUtf8() + sheetLineEnd;
+}
+
+QByteArray textSheetOf(const PublicationItems& items)
+{
+    QByteArray sheet = textSheetHead();
+    for (const PublicationItem& item : items)
+        sheet += textSheetRow(item);
+    return sheet;
 }

@@ -101,3 +101,6 @@ void fillTexts(PublicationItem& item, const SheetRow& row);
 // Makes a CSV file with the texts of these items. If it is read and applied to them again, nothing
 // changes but line ends and control characters.
 QByteArray textSheetOf(const PublicationItems& items);
+// The parts of such a file: its beginning up to the first row, and one row.
+QByteArray textSheetHead();
+QByteArray textSheetRow(const PublicationItem& item);

@@ -21,11 +21,14 @@ const QList<Room>& rooms()
 {
     static const QStringList below{u"platform"_qs, u"platform/photo"_qs, u"model"_qs,
                                    u"account"_qs,  u"canvas"_qs,         u"templates"_qs};
+    static const QStringList writing =
+        below + QStringList{u"copygen/text"_qs, u"copygen"_qs, u"studio/batch"_qs};
     static const QStringList batch = below + QStringList{u"studio/batch"_qs};
     static const QStringList session =
-        batch + QStringList{u"studio/sheet"_qs, u"studio/export"_qs, u"studio"_qs};
+        writing +
+        QStringList{u"studio/sheet"_qs, u"studio/export"_qs, u"studio/copy"_qs, u"studio"_qs};
     static const QStringList ofService{u"service"_qs, u"service/store"_qs, u"account"_qs,
-                                       u"model"_qs, u"platform"_qs};
+                                       u"model"_qs,   u"platform"_qs,      u"copygen/text"_qs};
     // Each list from here to `part` contains the list before it.
     static const QStringList looks{u"platform"_qs, u"model"_qs, u"account"_qs, u"canvas"_qs,
                                    u"app/theme"_qs};
@@ -47,9 +50,13 @@ const QList<Room>& rooms()
         {u"canvas"_qs, {u"model"_qs, u"platform"_qs, u"platform/photo"_qs}},
         {u"canvas/interaction"_qs, {u"canvas"_qs, u"model"_qs, u"platform"_qs}, true},
         {u"templates"_qs, {u"canvas"_qs, u"model"_qs, u"platform"_qs, u"platform/photo"_qs}},
+        {u"copygen/text"_qs, {u"model"_qs}},
+        {u"copygen"_qs,
+         {u"copygen/text"_qs, u"account"_qs, u"model"_qs, u"platform"_qs, u"platform/photo"_qs}},
         {u"studio/batch"_qs, below},
         {u"studio/sheet"_qs, {u"studio/batch"_qs, u"model"_qs, u"platform"_qs}},
         {u"studio/export"_qs, batch},
+        {u"studio/copy"_qs, writing},
         {u"studio"_qs, session},
         {u"cli"_qs, session},
         {u"app/theme"_qs, {}, true},
@@ -72,8 +79,8 @@ const QList<Room>& rooms()
         {u"service/pages"_qs, ofService},
         {u"service/http"_qs, ofService},
         {u"service/program"_qs, ofService + QStringList{u"service/http"_qs}},
-        {u"tests/support"_qs, {u"account"_qs, u"model"_qs, u"platform"_qs}},
-        {u"tools"_qs, everything, true},
+        {u"tests/support"_qs, {u"account"_qs, u"model"_qs, u"platform"_qs, u"studio/copy"_qs}},
+        {u"tools"_qs, everything + QStringList{u"service"_qs}, true},
         {u"benchmarks"_qs, everything, true},
     };
     return table;

@@ -64,7 +64,8 @@ public:
                      {{"cost", now - balance}, {"requestId", "otro programa"}});
     }
     qint64 balance() { return service.get("/api/auth/me").json()["balance"]; }
-    QList<Entry> ledger() const
+    // The entries of the ledger whose request id is like `requests`.
+    QList<Entry> ledger(const QString& requests = QStringLiteral("moltiva_render_%")) const
     {
         QList<Entry> entries;
         {
@@ -74,7 +75,8 @@ public:
             EXPECT_TRUE(database.open());
             QSqlQuery rows(database);
             rows.exec(QStringLiteral("SELECT kind, request_id, amount FROM ledger_entry"
-                                     " WHERE request_id LIKE 'moltiva_render_%' ORDER BY id"));
+                                     " WHERE request_id LIKE '%1' ORDER BY id")
+                          .arg(requests));
             while (rows.next()) {
                 entries.append(
                     {rows.value(0).toString(), rows.value(1).toString(), rows.value(2).toInt()});

@@ -76,7 +76,7 @@ TEST_F(WorkspaceStoreTest, whatIsKeptOfTheLastDocumentGivesTheSameTextAsABlankSt
     WorkspaceEncoder encoder;
     Batch batch = batchOf(4);
     encoder.encode(batch);
-    const std::array<std::function<void()>, 9> edits{
+    const std::array<std::function<void()>, 10> edits{
         [&] { batch.items.edit(1).layers[2].fontScale = 1.15; },
         [&] { batch.items.edit(1).layers.removeAt(0); },
         [&] { batch.items.edit(1).layers.swapItemsAt(0, 1); },
@@ -85,6 +85,7 @@ TEST_F(WorkspaceStoreTest, whatIsKeptOfTheLastDocumentGivesTheSameTextAsABlankSt
                 ShapeLayer(QUuid::createUuid(), ShapeKind::circle, {}));
         },
         [&] { batch.items.edit(2).analysis.imageNotes = u"mar"_s; },
+        [&] { batch.items.edit(2).isCaptionOwn = true; },
         [&] { batch.items.edit(2).paidRenderFingerprints.insert(u"x"_s); },
         [&] { batch.items.edit(3).placement.zoom = 2; },
         [&] { batch.items.swapItemsAt(0, 3); },

@@ -137,6 +137,9 @@ TEST(TextSheet, aRoundTripChangesNothing)
         emptied.edit(i).analysis.publicationCaption.clear();
     }
     applyTextSheet(emptied, readTextSheet(sheet));
+    // A caption that a sheet has changed is the user's.
+    for (qsizetype i = 0; i < items.size(); ++i)
+        items.edit(i).isCaptionOwn = !items[i].analysis.publicationCaption.isEmpty();
     EXPECT_EQ(emptied, items);
 }
 
