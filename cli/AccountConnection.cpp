@@ -27,3 +27,33 @@ void AccountConnection::refundLeftOpen()
 {
     QCoro::waitFor(journal().refundLeftOpen());
 }
+
+std::optional<AccountConnection::SignInRefusal> AccountConnection::signIn()
+{
+    using Refusal = ChargeResult::Refusal;
+    QCoro::waitFor(session().bootstrap());
+    if (session().isAuthenticated())
+        return {};
+    if (session().needsSignIn()) {
+        return SignInRefusal{Refusal::signedOut,
+                             u"Necesitas iniciar sesión: «moltiva login --email EMAIL», o «moltiva "
+                             "register --email EMAIL» si aún no tienes cuenta."_s};
+    }
+    return SignInRefusal{session().isUnreachable() ? Refusal::unreachable : Refusal::other,
+                         session().message()};
+}
+
+ExitStatus statusOf(ChargeResult::Refusal refusal)
+{
+    switch (refusal) {
+    case ChargeResult::Refusal::signedOut:
+        return exitNotSignedIn;
+    case ChargeResult::Refusal::tooFewCredits:
+        return exitTooFewCredits;
+    case ChargeResult::Refusal::unreachable:
+        return exitNoNetwork;
+    case ChargeResult::Refusal::other:
+        return exitSomeFailed;
+    }
+    Q_UNREACHABLE();
+}

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "account/ConnectedAccount.h"
+#include "cli/ExitStatus.h"
 #include "platform/PreferencesStore.h"
 #include "platform/UserFolders.h"
 
 #include <functional>
+#include <optional>
 
 // A command's connection to the account. It opens no browser.
 class AccountConnection {
@@ -16,9 +18,17 @@ public:
 
     AccountSession& session() { return m_account.session(); }
     CreditJournal& journal() { return m_account.journal(); }
+    AccountAPI& api() { return m_account.api(); }
     PreferencesStore& preferences() { return m_preferences; }
     // Whether the session is stored in the preferences for later commands.
     bool isSessionKept() { return m_account.api().isSessionKept(); }
+
+    struct SignInRefusal {
+        ChargeResult::Refusal refusal = ChargeResult::Refusal::other;
+        QString reason;    // sentence for the user
+    };
+    // Resumes the stored session. Nothing when somebody is signed in.
+    std::optional<SignInRefusal> signIn();
 
     // Waits until the credits that earlier commands left reserved have been refunded, as far as
     // that is possible.
@@ -28,3 +38,5 @@ private:
     PreferencesStore m_preferences{userDataFolder() + QStringLiteral("/moltiva.sqlite")};
     ConnectedAccount m_account;
 };
+
+ExitStatus statusOf(ChargeResult::Refusal refusal);

@@ -4,6 +4,8 @@
 #include "account/ServiceConfiguration.h"
 #include "cli/AccountCommands.h"
 #include "cli/ExportCommand.h"
+#include "cli/GenerateCommand.h"
+#include "cli/LocalCommand.h"
 #include "cli/Terminal.h"
 
 #include <QCoreApplication>
@@ -23,6 +25,8 @@ struct Command {
 
 constexpr std::array commands{
     Command{u"export", u"exporta fotos como publicaciones PNG", &runExport},
+    Command{u"generate", u"escribe los textos de las fotos con una IA", &runGenerate},
+    Command{u"local", u"instala o quita la IA que escribe textos en este equipo", &runLocal},
     Command{u"login", u"inicia sesión con un email y su contraseña", &runLogin},
     Command{u"register", u"crea una cuenta", &runRegister},
     Command{u"logout", u"cierra la sesión", &runLogout},

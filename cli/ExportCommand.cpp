@@ -110,20 +110,13 @@ public:
 private:
     std::optional<ExportOutcome> signIn()
     {
-        using Refusal = ChargeResult::Refusal;
-        AccountSession& session = m_connection.session();
-        QCoro::waitFor(session.bootstrap());
-        if (session.isAuthenticated())
+        const auto refusal = m_connection.signIn();
+        if (!refusal)
             return {};
         ExportOutcome refused;
         refused.state = ExportOutcome::State::notReserved;
-        refused.refusal = session.isUnreachable() ? Refusal::unreachable : Refusal::other;
-        refused.reason = session.message();
-        if (session.needsSignIn()) {
-            refused.refusal = Refusal::signedOut;
-            refused.reason = u"Necesitas iniciar sesión: «moltiva login --email EMAIL», o «moltiva "
-                             "register --email EMAIL» si aún no tienes cuenta."_s;
-        }
+        refused.refusal = refusal->refusal;
+        refused.reason = refusal->reason;
         return refused;
     }
 
@@ -330,22 +323,6 @@ private:
             return exitInterrupted;
         case State::notPrepared:
         case State::notWritten:
-            return exitSomeFailed;
-        }
-        Q_UNREACHABLE();
-    }
-
-    static int statusOf(ChargeResult::Refusal refusal)
-    {
-        using Refusal = ChargeResult::Refusal;
-        switch (refusal) {
-        case Refusal::signedOut:
-            return exitNotSignedIn;
-        case Refusal::tooFewCredits:
-            return exitTooFewCredits;
-        case Refusal::unreachable:
-            return exitNoNetwork;
-        case Refusal::other:
             return exitSomeFailed;
         }
         Q_UNREACHABLE();

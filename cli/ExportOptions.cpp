@@ -2,11 +2,11 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/OutputFolder.h"
+#include "cli/PhotoArguments.h"
 #include "cli/SampleBatch.h"
 #include "cli/Terminal.h"
 #include "model/PlainText.h"
 #include "studio/PhotoFolder.h"
-#include "studio/export/ExportPaths.h"
 #include "studio/export/RenderedOutput.h"
 #include "studio/sheet/TextSheetFile.h"
 #include "templates/TemplateDefinition.h"
@@ -21,35 +21,10 @@ namespace {
 
 constexpr int mostJobs = 256;
 
-QString formatKeys()
-{
-    QStringList keys;
-    for (const auto& format : Vocabulary<SocialFormat>::rows)
-        keys.append(format.templateKey.toString());
-    return keys.join(u", "_s);
-}
-
 int wrongUse(const QString& sentence)
 {
     tellOfExport(sentence);
     return exitWrongUse;
-}
-
-// If `path` is a folder, its photos without the outputs of an earlier export into it; else the file
-// itself.
-QList<QUrl> photosAt(const QString& path)
-{
-    if (!QFileInfo(path).isDir())
-        return {QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath())};
-    const QList<QUrl> found = photosInFolder(path);
-    QList<QUrl> kept = withoutOwnOutputs(found);
-    if (kept.size() < found.size()) {
-        const auto left = found.size() - kept.size();
-        tellOfExport(u"%1: %2 de otra foto de la carpeta, que no se %3."_s.arg(
-            path, counted(left, u"publicación", u"publicaciones"),
-            left == 1 ? u"exporta"_s : u"exportan"_s));
-    }
-    return kept;
 }
 
 // Parses the arguments in steps, the functions called read…(). A step that fails returns an exit
@@ -162,16 +137,11 @@ private:
                 return wrongUse(u"no se pudo preparar el lote de muestra."_s);
             m_options.photos.append(photosInFolder(m_options.sample->path()));
         }
-        for (const QString& path : m_parser.positionalArguments()) {
-            const QFileInfo place(path);
-            if (!place.exists())
-                return wrongUse(u"no existe «%1»."_s.arg(path));
-            if (place.isDir() && !(place.isReadable() && place.isExecutable()))
-                return wrongUse(u"no se puede leer la carpeta «%1»."_s.arg(path));
-            m_options.photos.append(photosAt(path));
-            for (const QString& name : unreachablePhotosInFolder(path))
-                m_options.unreachable.append(QDir(path).filePath(name));
-        }
+        const PhotoArguments found = photoArguments(m_parser.positionalArguments(), tellOfExport);
+        if (!found.problem.isEmpty())
+            return wrongUse(found.problem);
+        m_options.photos.append(found.photos);
+        m_options.unreachable.append(found.unreachable);
         if (!m_parser.isSet(m_sample) && m_parser.positionalArguments().isEmpty())
             return wrongUse(u"falta decir qué fotos. Prueba «moltiva export --help»."_s);
         if (m_options.photos.isEmpty() && m_options.unreachable.isEmpty())

@@ -1,22 +1,9 @@
-#include "platform/PreferencesStore.h"
-#include "tests/support/ScriptedAccount.h"
+#include "tests/cli/CommandTest.h"
 
-#include <QDir>
-#include <QElapsedTimer>
-#include <QEventLoop>
-#include <QFile>
-#include <QImage>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlQuery>
-#include <QTemporaryDir>
-#include <QTimer>
 
 #include <fstream>
-
-#include <gtest/gtest.h>
 
 #include <csignal>
 
@@ -24,83 +11,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    QString out, err;
-};
-
-class ExportCommandTest : public ::testing::Test {
+class ExportCommandTest : public CommandTest {
 protected:
-    QString photo(const QString& name)
-    {
-        QImage image(300, 200, QImage::Format_RGB32);
-        image.fill(Qt::darkGreen);
-        QDir().mkpath(QFileInfo(path(name)).path());
-        EXPECT_TRUE(image.save(path(name)));
-        return path(name);
-    }
-    QString textFile(const QString& name)
-    {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write("hola") > 0);
-        return path(name);
-    }
     QString textSheet(const QByteArray& rows) { return holding(u"textos.csv"_s, rows); }
-    QString holding(const QString& name, const QByteArray& bytes)
-    {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) > 0);
-        return file.fileName();
-    }
-    QString path(const QString& name) const { return m_folder.filePath(name); }
     QStringList written() const
     {
         return QDir(path(u"out"_s)).entryList(QDir::Files | QDir::Hidden, QDir::Name);
     }
 
-    // Starts the program without a display, in a home folder of its own.
-    std::unique_ptr<QProcess> started(const QStringList& arguments)
-    {
-        auto process = std::make_unique<QProcess>();
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
-            environment.remove(QString::fromLatin1(name));
-        for (const char* name : {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME"})
-            environment.insert(QString::fromLatin1(name), path(u"home"_s));
-        environment.insert(u"MOLTIVA_SERVICE_URL"_s, m_service);
-        // The leak checker of the child sometimes takes memory of exiting Qt threads for leaked.
-        // Other tests check the same code for leaks in this process.
-        environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s);
-        process->setProcessEnvironment(environment);
-        process->start(QStringLiteral(MOLTIVA_PROGRAM), arguments);
-        return process;
-    }
-    // Waits while running the event loop, because the service that answers the program is in this
-    // process.
-    static void wait(const std::function<bool()>& until)
-    {
-        QElapsedTimer watch;
-        for (watch.start(); !until() && watch.elapsed() < 60000;) {
-            QEventLoop turn;
-            QTimer::singleShot(5, &turn, &QEventLoop::quit);
-            turn.exec();
-        }
-        EXPECT_TRUE(until());
-    }
-    static Outcome ended(QProcess& process)
-    {
-        wait([&] { return process.state() == QProcess::NotRunning; });
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
-    }
-    Outcome run(const QStringList& arguments) { return ended(*started(arguments)); }
-    static QList<QJsonObject> objectsIn(const Outcome& outcome)
-    {
-        QList<QJsonObject> objects;
-        for (const QString& line : outcome.out.split(u'\n', Qt::SkipEmptyParts))
-            objects.append(QJsonDocument::fromJson(line.toUtf8()).object());
-        return objects;
-    }
     QStringList exportTo(const QStringList& arguments) const
     {
         return QStringList{u"export"_s, u"--out"_s, path(u"out"_s)} + arguments;
@@ -134,11 +52,6 @@ protected:
             m_account.answer("POST /api/credits/social-copy/" + operation,
                              R"({"ok":true,"cost":50,"balance":4000})");
     }
-
-    QTemporaryDir m_folder;
-    PreferencesStore m_preferences{path(u"scripted.sqlite"_s)};
-    ScriptedAccount m_account{m_preferences, Scripted::signedIn};
-    QString m_service = m_account.address();
 };
 
 }    // namespace
