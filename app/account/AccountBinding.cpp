@@ -189,6 +189,12 @@ void AccountBinding::showSheets()
     Q_EMIT sheetChanged();
 }
 
+void AccountBinding::presentLocalAISettings()
+{
+    appSettings()->setDestination(AppSettingsDestination::localAI);
+    m_studio.setAppSettingsPresented(true);
+}
+
 void AccountBinding::togglePopover()
 {
     if (m_popover && m_popover->isVisible()) {
@@ -263,6 +269,7 @@ AppSettingsWindow* AccountBinding::appSettings()
     connect(m_appSettings, &Sheet::closeRequested, this,
             [this] { m_studio.setAppSettingsPresented(false); });
     show();
+    Q_EMIT appSettingsMade(m_appSettings);
     return m_appSettings;
 }
 

@@ -26,11 +26,13 @@ public:
 
     bool isSheetPresented() const;
     void togglePopover();
+    void presentLocalAISettings();
 
 Q_SIGNALS:
     void gateOpened();
     void gateClosed();
     void sheetChanged();
+    void appSettingsMade(AppSettingsWindow* settings);
     void textPanelRequested();
     // Both are for the status line while no account screen is open: working() when an action
     // begins, told() with its outcome.

@@ -4,6 +4,12 @@
 #include "app/batch/WarningSentences.h"
 #include "studio/StudioSession.h"
 
+#include <QTimer>
+
+namespace {
+constexpr std::chrono::milliseconds tickTime{1200};
+}
+
 BatchBinding::BatchBinding(StudioSession& session, BatchColumn* column,
                            const std::shared_ptr<PhotoCache>& photos)
     : m_session(session), m_column(column), m_pictures(new TilePictures(photos, this))
@@ -15,8 +21,8 @@ BatchBinding::BatchBinding(StudioSession& session, BatchColumn* column,
             });
     connect(column, &BatchColumn::picturesWanted, this, &BatchBinding::wish);
     connect(m_pictures, &TilePictures::ready, this, &BatchBinding::showPicture);
-    connect(&session, &StudioSession::costsChanged, this,
-            [this] { m_column->setTiles(tilesOf(shownItems())); });
+    connect(&session, &StudioSession::costsChanged, this, &BatchBinding::showTiles);
+    connect(&session, &StudioSession::copyChanged, this, &BatchBinding::followCopy);
 }
 
 // The items that a running import has accepted so far; empty while no import runs.
@@ -162,6 +168,51 @@ void BatchBinding::setMissing(QUuid item, bool missing)
     show();
 }
 
+TileState BatchBinding::stateOf(QUuid item) const
+{
+    switch (m_session.copy().stateOf(item)) {
+    case CopyState::queued:
+        return TileState::queued;
+    case CopyState::generating:
+        return TileState::generating;
+    case CopyState::waiting:
+        return TileState::waiting;
+    case CopyState::none:
+    case CopyState::generated:
+    case CopyState::unanswered:
+        break;
+    }
+    if (m_missing.contains(item))
+        return TileState::missing;
+    if (m_session.copy().stateOf(item) == CopyState::unanswered)
+        return TileState::unanswered;
+    return m_ticked.contains(item) ? TileState::generated : TileState::normal;
+}
+
+void BatchBinding::showTiles()
+{
+    m_column->setTiles(tilesOf(shownItems()));
+}
+
+// Gives each item a tick for a moment when its texts have been generated.
+void BatchBinding::followCopy()
+{
+    for (const PublicationItem& item : m_session.batch().items) {
+        const QUuid id = item.id;
+        if (m_session.copy().stateOf(id) != CopyState::generated) {
+            m_generated.remove(id);
+        } else if (!m_generated.contains(id)) {
+            m_generated.insert(id);
+            m_ticked.insert(id);
+            QTimer::singleShot(tickTime, this, [this, id] {
+                m_ticked.remove(id);
+                showTiles();
+            });
+        }
+    }
+    showTiles();
+}
+
 QList<Tile> BatchBinding::tilesOf(const PublicationItems& items)
 {
     const Batch& batch = m_session.batch();
@@ -178,8 +229,9 @@ QList<Tile> BatchBinding::tilesOf(const PublicationItems& items)
                       .name = name,
                       .current = !incoming && i == batch.selectedIndex,
                       .selected = !incoming && batch.selectedItemIDs.contains(item.id),
-                      .state = m_missing.contains(item.id) ? TileState::missing : TileState::normal,
+                      .state = incoming ? TileState::normal : stateOf(item.id),
                       .paid = !incoming && m_session.exports().isPaid(item.id),
+                      .answer = m_session.copy().whyUnanswered(item.id),
                       .warnings = known != m_judgements.cend() ? known->sentences : QStringList()});
     }
     return tiles;
@@ -189,7 +241,7 @@ void BatchBinding::show()
 {
     const Batch& batch = m_session.batch();
     const PublicationItems& items = shownItems();
-    m_column->setTiles(tilesOf(items));
+    showTiles();
 
     const bool otherFormat = m_knownFormat != batch.format;
     const bool sameOrder = m_known.size() == items.size();

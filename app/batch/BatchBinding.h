@@ -7,6 +7,7 @@
 class BatchColumn;
 class StudioSession;
 struct Tile;
+enum class TileState;
 
 // Shows the session's batch in the batch column. While an import runs, the column shows the images
 // that the import has accepted so far.
@@ -50,6 +51,9 @@ private:
     void forgetGone();
     void setMissing(QUuid item, bool missing);
     QList<Tile> tilesOf(const PublicationItems& items);
+    void showTiles();
+    void followCopy();
+    TileState stateOf(QUuid item) const;
 
     StudioSession& m_session;
     BatchColumn* m_column;
@@ -59,6 +63,8 @@ private:
     std::optional<SocialFormat> m_knownFormat;
     QHash<QUuid, QString> m_names;
     QSet<QUuid> m_missing;
+    // Items with generated texts, and those of them whose tile still shows a tick for it.
+    QSet<QUuid> m_generated, m_ticked;
     QHash<QUuid, Judgement> m_judgements;    // by item id
     QList<QUuid> m_wished;    // items whose pictures the column wants and that are not drawn yet
 };

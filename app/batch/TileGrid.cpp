@@ -340,15 +340,8 @@ bool TileGrid::viewportEvent(QEvent* event)
             QToolTip::hideText();
             return true;
         }
-        const Tile& tile = m_tiles[index];
-        QString text = tile.name;
-        if (tile.paid)
-            text += u"\nPagada: volver a exportarla no descuenta créditos."_qs;
-        if (tile.state == TileState::missing)
-            text += u"\nNo se puede leer la foto. ¿Se ha movido o borrado?"_qs;
-        for (const QString& warning : tile.warnings)
-            text += u'\n' + warning;
-        QToolTip::showText(help->globalPos(), text, viewport(), tileRect(index));
+        QToolTip::showText(help->globalPos(), plainToolTip(toolTipOf(m_tiles[index])), viewport(),
+                           tileRect(index));
         return true;
     }
     default:

@@ -11,6 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QColor darkDisc(12, 13, 15, 220), lightDisc(250, 250, 251);    // behind icons on a picture
+
 // Elides the middle of `text`. Qt keeps equally many letters on both sides of the ellipsis, which
 // may waste the width of a letter: adds one before the ellipsis if it fits.
 QString middleElided(Type type, const QString& text, double width)
@@ -40,21 +42,46 @@ QRectF cornerOf(const QRect& box)
     return {box.right() + 1 - 22.0, box.top() + 3.5, 19, 19};
 }
 
+// Paints an icon on a disc in the corner where the tick of a selected tile would be.
+void paintCorner(QPainter& painter, const TileLook& look, Icon icon, const QColor& ink,
+                 const QColor& ground)
+{
+    const QRectF corner = cornerOf(look.box);
+    fillRounded(painter, corner.adjusted(0.5, 0.5, -0.5, -0.5), 9, ground);
+    paintIcon(painter, icon, corner, 14, ink);
+}
+
+bool hasOwnCorner(TileState state)
+{
+    return state == TileState::queued || state == TileState::generated ||
+           state == TileState::waiting;
+}
+
 void paintState(QPainter& painter, const TileLook& look)
 {
     const QRect& box = look.box;
-    const QRectF middle(box.center().x() - 10, box.center().y() - 10, 20, 20);
-    const QRectF corner = cornerOf(box);
-    if (look.tile.state == TileState::generating) {
+    switch (look.tile.state) {
+    case TileState::generating:
         fillRounded(painter, box, Radius::thumbnail, QColor(5, 6, 8, 158));
-        paintSpinner(painter, middle, QColor(255, 255, 255, 70), Qt::white, look.turn, 2.2);
-    } else if (look.tile.state == TileState::queued) {
+        paintSpinner(painter, QRectF(box.center().x() - 10, box.center().y() - 10, 20, 20),
+                     QColor(255, 255, 255, 70), Qt::white, look.turn, 2.2);
+        return;
+    case TileState::queued:
         fillRounded(painter, box, Radius::thumbnail, QColor(5, 6, 8, 97));
-        fillRounded(painter, corner.adjusted(0.5, 0.5, -0.5, -0.5), 9, QColor(12, 13, 15, 220));
-        paintIcon(painter, Icon::queued, corner, 14, Qt::white);
-    } else if (look.isHovered) {
-        strokeRounded(painter, box, Radius::thumbnail, QColor(255, 255, 255, 61));
+        return paintCorner(painter, look, Icon::queued, Qt::white, darkDisc);
+    case TileState::generated:
+        paintCorner(painter, look, Icon::done, darkTheme().ok, darkDisc);
+        break;
+    case TileState::waiting:
+        paintCorner(painter, look, Icon::slotTitle, lightTheme().accentText, lightDisc);
+        break;
+    case TileState::normal:
+    case TileState::unanswered:
+    case TileState::missing:
+        break;
     }
+    if (look.isHovered)
+        strokeRounded(painter, box, Radius::thumbnail, QColor(255, 255, 255, 61));
 }
 
 void paintSelection(QPainter& painter, const Theme& theme, const TileLook& look)
@@ -66,9 +93,8 @@ void paintSelection(QPainter& painter, const Theme& theme, const TileLook& look)
         strokeRounded(painter, box.adjusted(-3.5, -3.5, 3.5, 3.5), 9.5,
                       withOpacity(theme.accentLine, 0.62), 1.5);
     }
-    const bool isBusy =
-        look.tile.state == TileState::generating || look.tile.state == TileState::queued;
-    if (look.isOneOfSeveral && !isBusy) {
+    const bool isFree = look.tile.state != TileState::generating && !hasOwnCorner(look.tile.state);
+    if (look.isOneOfSeveral && isFree) {
         const QRectF corner = cornerOf(look.box);
         fillRounded(painter, corner, 9.5, Qt::white);
         fillRounded(painter, corner.adjusted(1.5, 1.5, -1.5, -1.5), 8, theme.accentLine);
@@ -81,11 +107,12 @@ void paintSelection(QPainter& painter, const Theme& theme, const TileLook& look)
 void paintSign(QPainter& painter, const TileLook& look)
 {
     const bool isMissing = look.tile.state == TileState::missing;
-    if (!isMissing && look.tile.warnings.isEmpty())
+    const bool isUnanswered = look.tile.state == TileState::unanswered;
+    if (!isMissing && !isUnanswered && look.tile.warnings.isEmpty())
         return;
     const QRectF sign(look.box.right() + 1 - 22, look.box.bottom() + 1 - 22.5, 19, 19);
     const Theme& onDark = darkTheme();
-    fillRounded(painter, sign.adjusted(0.5, 0.5, -0.5, -0.5), 9, QColor(12, 13, 15, 220));
+    fillRounded(painter, sign.adjusted(0.5, 0.5, -0.5, -0.5), 9, darkDisc);
     paintIcon(painter, Icon::alert, sign, 14, isMissing ? onDark.err : onDark.warn);
 }
 
@@ -94,7 +121,7 @@ void paintCaption(QPainter& painter, const Theme& theme, const TileLook& look)
     const Tile& tile = look.tile;
     QRectF line(look.box.left(), look.box.bottom() + 1 + tileCaptionGap, look.box.width(),
                 tileCaptionHeight);
-    if (tile.paid || tile.state == TileState::generated) {
+    if (tile.paid) {
         paintIcon(painter, Icon::done, QRectF(line.right() - 14, line.top(), 14, tileCaptionHeight),
                   14, theme.ok);
         line.setRight(line.right() - 18);
@@ -143,8 +170,16 @@ QString spokenTile(const Tile& tile)
     case TileState::missing:
         parts.append(u"no se puede leer la foto"_qs);
         break;
-    case TileState::normal:
     case TileState::generated:
+        parts.append(u"textos generados"_qs);
+        break;
+    case TileState::waiting:
+        parts.append(u"texto en espera"_qs);
+        break;
+    case TileState::unanswered:
+        parts.append(u"sin respuesta"_qs);
+        break;
+    case TileState::normal:
         break;
     }
     if (tile.paid)
@@ -152,4 +187,20 @@ QString spokenTile(const Tile& tile)
     if (!tile.warnings.isEmpty())
         parts.append(u"con avisos"_qs);
     return parts.join(u", "_qs);
+}
+
+QString toolTipOf(const Tile& tile)
+{
+    QString text = tile.name;
+    if (tile.paid)
+        text += u"\nPagada: volver a exportarla no descuenta créditos."_qs;
+    if (tile.state == TileState::missing)
+        text += u"\nNo se puede leer la foto. ¿Se ha movido o borrado?"_qs;
+    if (tile.state == TileState::waiting)
+        text += u"\nTexto en espera"_qs;
+    if (!tile.answer.isEmpty())
+        text += u'\n' + tile.answer;
+    for (const QString& warning : tile.warnings)
+        text += u'\n' + warning;
+    return text;
 }

@@ -26,3 +26,4 @@ void paintTile(QPainter& painter, const Theme& theme, const TileLook& look);
 void paintEmptyTile(QPainter& painter, const Theme& theme, const QRectF& box);
 // What screen readers say for a tile: its name, its state and whether it has warnings.
 QString spokenTile(const Tile& tile);
+QString toolTipOf(const Tile& tile);    // plain text, in lines

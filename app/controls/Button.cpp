@@ -201,6 +201,8 @@ void PushButton::paintEvent(QPaintEvent*)
     } else if (m_kind == ButtonKind::soft) {
         fill = mixed(theme.accentSoft, mixed(theme.accentSoft, theme.accent, 0.14), hovered());
         ink = theme.accentText;
+    } else if (m_kind == ButtonKind::outlined) {
+        fill = withOpacity(theme.hover, hovered());
     } else if (m_kind == ButtonKind::link) {
         fill = withOpacity(theme.hover, m_isFlush ? 0 : hovered());
         ink = m_isFlush ? mixed(theme.accentText, theme.text, hovered()) : theme.accentText;
@@ -218,6 +220,8 @@ void PushButton::paintEvent(QPaintEvent*)
                 Corners{m_joined == Joined::right ? inner : size.radius,
                         m_joined == Joined::left ? inner : size.radius},
                 fill);
+    if (m_kind == ButtonKind::outlined)
+        strokeRounded(painter, rect(), size.radius, theme.line2);
     if (m_labels == Labels::hidden)
         return paintIcon(painter, m_icon, rect(), 20, ink);
     const int spare = std::max(0, width() - sizeHint().width()) / 2;

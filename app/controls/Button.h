@@ -30,9 +30,9 @@ private:
     double m_hovered = 0;
 };
 
-// `raised`: a neutral button for a background on which `neutral` would not stand out. `link`: a
-// text without a background.
-enum class ButtonKind { neutral, raised, soft, primary, link };
+// `raised`: a neutral button for a background on which `neutral` would not stand out. `outlined`:
+// an outline without a background. `link`: a text without either.
+enum class ButtonKind { neutral, raised, soft, primary, outlined, link };
 enum class ButtonSize { small, regular, large };
 struct ButtonSizeRow {
     ButtonSize size;

@@ -32,6 +32,12 @@ void CostChip::setCost(const Cost& cost)
     update();
 }
 
+void CostChip::setOnAccent()
+{
+    m_isOnAccent = true;
+    update();
+}
+
 QString CostChip::spoken() const
 {
     if (!m_cost.credits)
@@ -55,6 +61,8 @@ QColor CostChip::ink() const
     const Theme& theme = themeOf(this);
     if (!isEnabled())
         return theme.dis;
+    if (m_isOnAccent)
+        return Qt::white;
     if (m_cost.isShort())
         return theme.warn;
     return m_cost.credits == 0 ? theme.ok : theme.text2;
@@ -65,8 +73,10 @@ void CostChip::paintEvent(QPaintEvent*)
     QPainter painter(this);
     const double number = std::ceil(digitsWidth(numberType, shownDigits()));
     const double left = width() - number;
-    paintIcon(painter, Icon::coin, QRectF(left - chipCoinGap - chipCoin, 0, chipCoin, height()),
-              chipCoin, ink());
+    // Without colours a sign tells that the balance is too low.
+    const Icon icon = m_isOnAccent && m_cost.isShort() ? Icon::alert : Icon::coin;
+    paintIcon(painter, icon, QRectF(left - chipCoinGap - chipCoin, 0, chipCoin, height()), chipCoin,
+              ink());
     paintText(painter, QRectF(left, 0, number + 1, height()), Qt::AlignLeft, numberType, ink(),
               m_cost.credits ? QString::number(*m_cost.credits) : u"…"_s, Qt::ElideNone);
 }

@@ -23,6 +23,8 @@ public:
     void setCost(const Cost& cost);
     const Cost& cost() const { return m_cost; }
     QString spoken() const;    // such as "cuesta 50 créditos"
+    // Paints the chip in white, for a place on a primary button.
+    void setOnAccent();
     QSize sizeHint() const override;
 
 protected:
@@ -33,5 +35,6 @@ private:
     int shownDigits() const;
 
     int m_digits;
+    bool m_isOnAccent = false;
     Cost m_cost;
 };

@@ -70,6 +70,12 @@ void Paragraph::setMostRows(int rows)
     updateGeometry();
 }
 
+void Paragraph::setGround(QColor Theme::*ground)
+{
+    m_ground = ground;
+    update();
+}
+
 int Paragraph::heightForWidth(int width) const
 {
     const int rows = int(wrappedRows(m_text, m_type, width, m_mostRows).size());
@@ -102,6 +108,8 @@ bool Paragraph::event(QEvent* event)
 void Paragraph::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    if (m_ground)
+        painter.fillRect(rect(), themeOf(this).*m_ground);
     const QColor ink = isEnabled() ? themeOf(this).*m_ink : themeOf(this).dis;
     QRectF line(0, 0, width(), row(m_type).lineHeight);
     for (const QString& text : wrappedRows(m_text, m_type, width(), m_mostRows)) {

@@ -23,6 +23,7 @@ public:
     // widget around it contains the text already. Otherwise a screen reader would say it twice.
     void setSpoken(Spoken spoken);
     void setMostRows(int rows);
+    void setGround(QColor Theme::*ground);    // else what is behind it shows
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
@@ -36,6 +37,7 @@ protected:
 private:
     Type m_type;
     QColor Theme::*m_ink;
+    QColor Theme::*m_ground = nullptr;
     QString m_text;
     Spoken m_spoken = Spoken::byItself;
     int m_mostRows = 8;

@@ -2,14 +2,46 @@
 
 #include "app/theme/Painting.h"
 
+#include <QAccessibleWidget>
 #include <QStyle>
 
 namespace {
+
 constexpr int glideTime = 200, cycleTime = 1400, progressFrameTime = 33;    // ms
+
+// The value as a percentage.
+class ProgressAccessible : public QAccessibleWidget, public QAccessibleValueInterface {
+public:
+    explicit ProgressAccessible(ProgressBar* bar) : QAccessibleWidget(bar, QAccessible::ProgressBar)
+    {
+    }
+    void* interface_cast(QAccessible::InterfaceType type) override
+    {
+        return type == QAccessible::ValueInterface ? static_cast<QAccessibleValueInterface*>(this)
+                                                   : QAccessibleWidget::interface_cast(type);
+    }
+    QVariant currentValue() const override
+    {
+        const auto value = static_cast<const ProgressBar*>(object())->value();
+        return value ? QVariant(qRound(*value * 100)) : QVariant();
+    }
+    void setCurrentValue(const QVariant&) override {}
+    QVariant maximumValue() const override { return 100; }
+    QVariant minimumValue() const override { return 0; }
+    QVariant minimumStepSize() const override { return 1; }
+};
+
+QAccessibleInterface* accessibleProgressOf(const QString&, QObject* object)
+{
+    auto* bar = qobject_cast<ProgressBar*>(object);
+    return bar ? new ProgressAccessible(bar) : nullptr;
 }
+
+}    // namespace
 
 ProgressBar::ProgressBar(QWidget* parent) : QWidget(parent)
 {
+    QAccessible::installFactory(accessibleProgressOf);
     setFixedHeight(4);
     m_glide.setDuration(glideTime);
     m_glide.setEasingCurve(QEasingCurve::OutCubic);
@@ -71,15 +103,18 @@ void ProgressBar::paintEvent(QPaintEvent*)
     const Theme& theme = themeOf(this);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    fillRounded(painter, rect(), 2, theme.line2);
-    if (m_value) {
-        if (m_shown > 0)
-            fillRounded(painter, QRectF(0, 0, std::max(4.0, width() * m_shown), height()), 2,
-                        theme.accentLine);
-        return;
-    }
+    const double radius = height() / 2.0;
+    fillRounded(painter, rect(), radius, theme.line2);
+    const QRectF part = filled();
+    if (!part.isEmpty())
+        fillRounded(painter, part, radius, theme.accentLine);
+}
+
+QRectF ProgressBar::filled() const
+{
+    if (m_value)
+        return m_shown > 0 ? QRectF(0, 0, std::max(4.0, width() * m_shown), height()) : QRectF();
     const double length = width() * 0.3;
     const double left = -length + (width() + length) * m_phase;
-    fillRounded(painter, QRectF(left, 0, length, height()).intersected(QRectF(rect())), 2,
-                theme.accentLine);
+    return QRectF(left, 0, length, height()).intersected(QRectF(rect()));
 }

@@ -12,12 +12,14 @@ class ProgressBar : public QWidget {
 public:
     explicit ProgressBar(QWidget* parent = nullptr);
     void setValue(std::optional<double> value);    // 0 to 1; empty: unknown
+    std::optional<double> value() const { return m_value; }
     QSize sizeHint() const override { return {180, 4}; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    QRectF filled() const;    // the part to paint as done, or what moves without a value
 
 private:
     void animate();

@@ -51,6 +51,7 @@ PanelBinding::PanelBinding(StudioSession& session, SidePanel* panel,
     connectTexts();
     connectShapes();
     connect(&session, &StudioSession::copiedStyleChanged, this, &PanelBinding::show);
+    connect(&session, &StudioSession::copyChanged, this, &PanelBinding::show);
     connect(&batch, &BatchBinding::warningsChanged, this, [this](QUuid id) {
         const PublicationItem* item = m_session.batch().currentItem();
         if (item && item->id == id)
@@ -72,6 +73,13 @@ void PanelBinding::connectTexts()
             [this](CopySlot slot, const QString& text, Pace pace) {
                 m_session.setText(slot, text, pace);
             });
+    connect(texts, &TextPanel::captionEdited, &m_session, &StudioSession::setCaption);
+    connect(texts, &TextPanel::composingChanged, this,
+            [this, texts] { m_session.setTyping(texts->isComposing()); });
+    connect(texts, &TextPanel::proposalRequested, this, [this](CopySlot slot) {
+        if (const PublicationItem* item = m_session.batch().currentItem())
+            m_session.copy().proposeAnother(item->id, slot);
+    });
     connect(texts, &TextPanel::visibilityToggled, this, [this, layerOf](CopySlot slot) {
         if (const TextLayer* layer = layerOf(slot)) {
             TextLayer changed = *layer;
@@ -117,6 +125,9 @@ void PanelBinding::show()
         const ColorOffers offers = colors();
         const bool canPaste = m_session.canPasteStyle();
         texts = {.filename = item->url.fileName(),
+                 .caption = item->analysis.publicationCaption,
+                 .notes = item->analysis.imageNotes,
+                 .proposalRefusal = proposalRefusal(),
                  .layers = item->layers,
                  .warnings = m_batchBinding.warningsOf(item->id),
                  .selectedLayer = batch.selectedLayerID,
@@ -133,6 +144,12 @@ void PanelBinding::show()
     }
     m_panel->textPanel()->setState(texts);
     m_panel->shapesPanel()->setState(shapes);
+}
+
+QString PanelBinding::proposalRefusal() const
+{
+    return m_session.isAnalyzing() ? u"Espera a que termine la generación."_s
+                                   : m_session.copy().whyNotGenerate();
 }
 
 std::optional<double> PanelBinding::sizeLimit(const PublicationItem& item) const
@@ -166,15 +183,32 @@ void PanelBinding::edit(CopySlot slot)
     m_panel->textPanel()->editSlot(slot);
 }
 
-void PanelBinding::editSelected()
+void PanelBinding::editCaption()
+{
+    m_panel->setTab(SideTab::text);
+    m_panel->textPanel()->editCaption();
+}
+
+std::optional<CopySlot> PanelBinding::selectedSlot() const
 {
     const PublicationItem* item = m_session.batch().currentItem();
     if (!item)
-        return;
+        return std::nullopt;
     const auto text =
         std::ranges::find(item->layers, m_session.batch().selectedLayerID, &TextLayer::id);
-    if (text != item->layers.end())
-        edit(text->slot);
+    return text == item->layers.end() ? std::nullopt : std::optional(text->slot);
+}
+
+void PanelBinding::editSelected()
+{
+    if (const auto slot = selectedSlot())
+        edit(*slot);
+}
+
+void PanelBinding::proposeAnother()
+{
+    if (const auto slot = selectedSlot())
+        m_session.copy().proposeAnother(m_session.batch().currentItem()->id, *slot);
 }
 
 // Offers the recent colours at once, and the photo's colours once a worker has found them.

@@ -35,7 +35,9 @@ public:
     void follow(QUuid layer);
     // Opens the text tab and gives the slot's editor the focus.
     void edit(CopySlot slot);
+    void editCaption();    // opens the text tab, too
     void editSelected();
+    void proposeAnother();    // for the selected text
 
 Q_SIGNALS:
     void leaveRequested();    // the focus should go back to the canvas
@@ -44,6 +46,8 @@ private:
     void connectTexts();
     void connectShapes();
     ColorOffers colors();
+    QString proposalRefusal() const;
+    std::optional<CopySlot> selectedSlot() const;
     std::optional<double> sizeLimit(const PublicationItem& item) const;
     void remember(const QColor& color);
     static QCoro::Task<> lookAtPhoto(QPointer<PanelBinding> self, QString path, QByteArray digest,

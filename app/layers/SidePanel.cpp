@@ -22,6 +22,7 @@ namespace {
 
 constexpr int narrowestPanel = 319,
               widestPanel = 439;    // pixels, without the hairline at the left
+constexpr int lowPanel = 816;       // in a lower panel the caption shows fewer lines
 constexpr int tabsTop = 4, tabsSide = 8, tabsHeight = 48;
 
 }    // namespace
@@ -37,9 +38,14 @@ SidePanel::SidePanel(QWidget* parent)
     setMinimumWidth(narrowestPanel);
     setMaximumWidth(widestPanel);
     QScrollArea* texts = scrolled(m_text);
-    m_textPages->addWidget(new EmptyNote(
-        Icon::slotTitle, u"Aquí editarás los textos"_s,
-        u"Cada imagen lleva título, subtítulo, párrafo y CTA. Aparecerán en cuanto importes la primera."_s));
+    auto* empty = new QWidget;
+    m_emptyRows = new PanelLayout(empty);
+    m_emptyRows->addWidget(
+        new EmptyNote(
+            Icon::slotTitle, u"Aquí editarás los textos"_s,
+            u"Cada imagen lleva título, subtítulo, párrafo y CTA. Aparecerán en cuanto importes la primera."_s),
+        1);
+    m_textPages->addWidget(empty);
     m_textPages->addWidget(texts);
     m_pages->addWidget(m_textPages);
     m_pages->addWidget(scrolled(m_shapes));
@@ -86,13 +92,40 @@ SideTab SidePanel::tab() const
 
 void SidePanel::setContent(Content content)
 {
-    m_textPages->setCurrentIndex(content == Content::none ? 0 : 1);
+    const int page = content == Content::none ? 0 : 1;
+    if (page == m_textPages->currentIndex())
+        return;
+    m_textPages->setCurrentIndex(page);
+    placeTextHeader();
+}
+
+void SidePanel::setTextHeader(QWidget* row, const QList<QWidget*>& stops)
+{
+    m_textHeader = row;
+    m_headerStops = stops;
+    placeTextHeader();
+}
+
+void SidePanel::placeTextHeader()
+{
+    if (!m_textHeader)
+        return;
+    if (m_textPages->currentIndex() == 0)
+        m_emptyRows->insertWidget(0, m_textHeader);
+    else
+        m_text->showHeader(m_textHeader);
+    m_textHeader->show();
 }
 
 QList<QWidget*> SidePanel::focusOrder() const
 {
-    return QList<QWidget*>{m_tabs} + m_text->focusOrder() + m_shapes->focusOrder() +
+    return QList<QWidget*>{m_tabs} + m_headerStops + m_text->focusOrder() + m_shapes->focusOrder() +
            m_templates->focusOrder();
+}
+
+void SidePanel::resizeEvent(QResizeEvent*)
+{
+    m_text->setCaptionLines(height() < lowPanel ? 2 : 3);
 }
 
 void SidePanel::paintEvent(QPaintEvent*)

@@ -2,6 +2,7 @@
 #include <QWidget>
 
 class QStackedWidget;
+class QVBoxLayout;
 class ShapesPanel;
 class TabStrip;
 class TemplatesPanel;
@@ -20,6 +21,9 @@ public:
     ShapesPanel* shapesPanel() const { return m_shapes; }
     TemplatesPanel* templatesPanel() const { return m_templates; }
 
+    // Shows `row` above the texts, and above the note that stands there without images. `stops`:
+    // the controls of the row in the order of Tab.
+    void setTextHeader(QWidget* row, const QList<QWidget*>& stops);
     void setTab(SideTab tab);    // shows the tab; emits nothing
     void endEdits();    // ends the dragging of sliders and closes the popovers of the panel
     SideTab tab() const;
@@ -31,12 +35,18 @@ Q_SIGNALS:
     void tabChosen(SideTab tab);    // chosen by the user
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void placeTextHeader();
+
     TabStrip* m_tabs;
     QStackedWidget* m_pages;
     QStackedWidget* m_textPages;
+    QVBoxLayout* m_emptyRows;    // of the text page without images
+    QWidget* m_textHeader = nullptr;
+    QList<QWidget*> m_headerStops;
     TextPanel* m_text;
     ShapesPanel* m_shapes;
     TemplatesPanel* m_templates;

@@ -22,16 +22,22 @@ constexpr int releasePause = 50;    // ms between checks whether the mouse butto
 SlotCard::SlotCard(CopySlot slot, QWidget* parent)
     : QWidget(parent), m_slot(slot), m_icon(iconNamed(row(slot).icon)),
       m_name(row(slot).displayName.toString()),
+      m_proposal(new IconButton(Icon::refresh, u"Otra propuesta"_s, eyeWidth, this)),
       m_eye(new IconButton(Icon::visible, u"Ocultar %1"_s.arg(m_name), eyeWidth, this)),
       m_editor(new SlotEditor(m_name, this))
 {
-    m_eye->setFixedSize(eyeWidth, slotHeaderHeight);
-    m_eye->setIconSize(18);
     setCursor(Qt::IBeamCursor);
-    m_eye->setCursor(Qt::ArrowCursor);
+    for (IconButton* button : {m_proposal, m_eye}) {
+        button->setFixedSize(eyeWidth, slotHeaderHeight);
+        button->setCursor(Qt::ArrowCursor);
+    }
+    m_proposal->setIconSize(16);
+    m_proposal->hide();
+    m_eye->setIconSize(18);
     m_tellLater.setSingleShot(true);
     m_tellLater.setInterval(releasePause);
     connect(&m_tellLater, &QTimer::timeout, this, &SlotCard::place);
+    connect(m_proposal, &IconButton::clicked, this, &SlotCard::proposalRequested);
     connect(m_eye, &IconButton::clicked, this, &SlotCard::visibilityToggled);
     connect(m_editor, &SlotEditor::edited, this, &SlotCard::edited);
     connect(m_editor, &SlotEditor::leaveRequested, this, &SlotCard::leaveRequested);
@@ -61,8 +67,17 @@ void SlotCard::setLayer(const TextLayer& layer, CardMark mark)
     m_eye->setMeaning(m_visible ? Icon::visible : Icon::hidden,
                       m_visible ? u"Ocultar %1"_s.arg(m_name) : u"Mostrar %1"_s.arg(m_name));
     m_editor->setText(layer.text);
+    m_proposal->setVisible(mark == CardMark::selected);
     place();
     update();
+}
+
+void SlotCard::setProposalRefused(const QString& reason)
+{
+    // A focused button that is disabled would hand the focus to the eye, whose press hides the
+    // text.
+    m_proposal->setEnabled(reason.isEmpty() || m_proposal->hasFocus());
+    m_proposal->setToolTip(reason.isEmpty() ? m_proposal->accessibleName() : plainToolTip(reason));
 }
 
 void SlotCard::setWarnings(const QStringList& warnings)
@@ -111,6 +126,7 @@ void SlotCard::place()
     setFixedHeight(unfolded ? textTop + text + slotCardBottom
                             : headerTop + slotHeaderHeight + headerTop);
     m_eye->move(width() - eyeWidth - 4, headerTop);
+    m_proposal->move(m_eye->x() - eyeWidth, headerTop);
     m_editor->setGeometry(slotCardPadding, textTop, width() - 2 * slotCardPadding,
                           m_editor->height());
     if (height() != before)

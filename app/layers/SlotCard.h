@@ -24,12 +24,16 @@ public:
     void setWarnings(const QStringList& warnings);
     QStringList warnings() const { return m_warnings; }
     void edit();    // gives the editor the focus and selects all its text
+    // Why no other text can be proposed, the tooltip of the disabled button; empty: one can.
+    void setProposalRefused(const QString& reason);
     SlotEditor* editor() const { return m_editor; }
+    IconButton* proposal() const { return m_proposal; }
     IconButton* eye() const { return m_eye; }
 
 Q_SIGNALS:
     void edited(const QString& text, Pace pace);
     void visibilityToggled();
+    void proposalRequested();
     void focused();
     void grown();
     void leaveRequested();
@@ -55,6 +59,7 @@ private:
     QStringList m_warnings;
     bool m_tellsWarning = false;
     QTimer m_tellLater;
+    IconButton* m_proposal;
     IconButton* m_eye;
     SlotEditor* m_editor;
 };

@@ -10,6 +10,7 @@
 #include "app/controls/fields/Switch.h"
 #include "app/controls/popovers/FontField.h"
 #include "app/controls/popovers/Swatch.h"
+#include "app/layers/CaptionCard.h"
 #include "app/layers/SlotCard.h"
 #include "app/presets/StyleHeader.h"
 #include "app/presets/StyleShelf.h"
@@ -37,8 +38,8 @@ QList<Segment> alignments()
 
 TextPanel::TextPanel(QWidget* parent)
     : QWidget(parent), m_filename(new Caption(Type::small, &Theme::text3, {}, this)),
-      m_header(new StyleHeader(this)), m_font(new FontField(this)),
-      m_size(new SliderField(u"Tamaño"_s, sizeRange, this)),
+      m_caption(new CaptionCard(this)), m_header(new StyleHeader(this)),
+      m_font(new FontField(this)), m_size(new SliderField(u"Tamaño"_s, sizeRange, this)),
       m_sizeNote(new Caption(Type::caption, &Theme::warn, {}, this)),
       m_color(new Swatch(u"Color del texto"_s, this)),
       m_alignment(new SegmentedControl(alignments(), this)), m_box(new Switch(u"Caja"_s, this)),
@@ -75,7 +76,7 @@ void TextPanel::buildCards()
     line->addWidget(new Caption(Type::heading, &Theme::text, u"Textos"_s, heading));
     line->addStretch(1);
     line->addWidget(m_filename);
-    layout->addRow(heading, 0);
+    layout->addRow(heading, 10);
     int gap = 6;
     for (const auto& slotRow : Vocabulary<CopySlot>::rows) {
         const CopySlot slot = slotRow.value;
@@ -83,18 +84,73 @@ void TextPanel::buildCards()
         m_cards[std::size_t(slot)] = card;
         layout->addRow(card, gap);
         gap = 8;
-        connect(card, &SlotCard::edited, this, [this, slot](const QString& text, Pace pace) {
-            Q_EMIT textEdited(slot, text, pace);
-        });
-        connect(card, &SlotCard::visibilityToggled, this,
-                [this, slot] { Q_EMIT visibilityToggled(slot); });
-        connect(card, &SlotCard::focused, this, [this, slot] { Q_EMIT slotFocused(slot); });
-        connect(card, &SlotCard::leaveRequested, this, &TextPanel::leaveRequested);
-        connect(card, &SlotCard::grown, this, [this, card] {
-            if (card->editor()->hasFocus())
-                Q_EMIT scrollToRequested(card);
-        });
+        connectCard(card, slot);
     }
+    layout->addRow(m_caption, gap);
+    connectCaption();
+}
+
+void TextPanel::connectCard(SlotCard* card, CopySlot slot)
+{
+    connect(card, &SlotCard::edited, this,
+            [this, slot](const QString& text, Pace pace) { Q_EMIT textEdited(slot, text, pace); });
+    connect(card, &SlotCard::visibilityToggled, this,
+            [this, slot] { Q_EMIT visibilityToggled(slot); });
+    connect(card, &SlotCard::proposalRequested, this,
+            [this, slot] { Q_EMIT proposalRequested(slot); });
+    connect(card, &SlotCard::focused, this, [this, slot] { Q_EMIT slotFocused(slot); });
+    connect(card, &SlotCard::leaveRequested, this, &TextPanel::leaveRequested);
+    connect(card, &SlotCard::grown, this, [this, card] {
+        if (card->editor()->hasFocus())
+            Q_EMIT scrollToRequested(card);
+    });
+    connect(card->editor(), &SlotEditor::composingChanged, this, &TextPanel::composingChanged);
+}
+
+void TextPanel::connectCaption()
+{
+    connect(m_caption, &CaptionCard::edited, this, &TextPanel::captionEdited);
+    connect(m_caption, &CaptionCard::leaveRequested, this, &TextPanel::leaveRequested);
+    connect(m_caption, &CaptionCard::grown, this, [this] {
+        if (isCaptionEdited())
+            Q_EMIT scrollToRequested(m_caption);
+    });
+    connect(m_caption->editor(), &SlotEditor::composingChanged, this, &TextPanel::composingChanged);
+}
+
+void TextPanel::editCaption()
+{
+    m_caption->editor()->setFocus(Qt::OtherFocusReason);
+    m_caption->editor()->selectAll();
+}
+
+bool TextPanel::isCaptionEdited() const
+{
+    return m_caption->editor()->hasFocus();
+}
+
+QList<SlotEditor*> TextPanel::editors() const
+{
+    QList<SlotEditor*> editors;
+    for (const SlotCard* card : m_cards)
+        editors.append(card->editor());
+    editors.append(m_caption->editor());
+    return editors;
+}
+
+bool TextPanel::isComposing() const
+{
+    return std::ranges::any_of(editors(), &SlotEditor::isComposing);
+}
+
+void TextPanel::setCaptionLines(int lines)
+{
+    m_caption->setRestLines(lines);
+}
+
+void TextPanel::showHeader(QWidget* row)
+{
+    static_cast<PanelLayout*>(layout())->insertWidget(0, row);
 }
 
 std::optional<CopySlot> TextPanel::editedSlot() const
@@ -194,10 +250,10 @@ QList<QWidget*> TextPanel::focusOrder() const
 {
     // The editors come first, so that Tab goes from one text to the next.
     QList<QWidget*> order;
+    for (SlotEditor* editor : editors())
+        order.append(editor);
     for (const SlotCard* card : m_cards)
-        order.append(card->editor());
-    for (const SlotCard* card : m_cards)
-        order.append(card->eye());
+        order += {card->proposal(), card->eye()};
     order += m_header->focusOrder();
     order += {m_font,       m_size,           m_color,      m_alignment,   m_box,
               m_boxColor,   m_boxOpacity,     m_boxRadius,  m_shadowColor, m_shadowOpacity,
@@ -237,7 +293,10 @@ void TextPanel::showCards()
         QList<TextWarning> own = m_state.warnings;
         own.removeIf([&](const TextWarning& warning) { return warning.layer != layer->id; });
         card->setWarnings(warningSentences(own));
+        card->setProposalRefused(m_state.proposalRefusal);
     }
+    m_caption->setCaption(m_state.caption);
+    m_caption->setNotes(m_state.notes);
 }
 
 void TextPanel::showStyle()

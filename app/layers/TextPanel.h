@@ -7,10 +7,12 @@
 #include <array>
 
 class Caption;
+class CaptionCard;
 class FontField;
 class SegmentedControl;
 class SliderField;
 class SlotCard;
+class SlotEditor;
 class StyleHeader;
 class StyleShelf;
 class Swatch;
@@ -18,6 +20,9 @@ class Switch;
 
 struct TextPanelState {
     QString filename = {};
+    QString caption = {};            // posted with the image
+    QString notes = {};              // of the engine that wrote the texts
+    QString proposalRefusal = {};    // why no other text can be proposed; empty: one can
     QList<TextLayer> layers = {};
     QList<TextWarning> warnings = {};        // about the texts in `layers`
     QUuid selectedLayer = {};                // id of a text or a shape; null: none
@@ -38,12 +43,20 @@ public:
     void setState(const TextPanelState& state);
     void editSlot(CopySlot slot);                  // focuses the slot's editor and selects all text
     std::optional<CopySlot> editedSlot() const;    // the slot whose editor has the focus
-    const QWidget* selectedCard() const;           // null if no text is selected
+    void editCaption();
+    bool isCaptionEdited() const;
+    bool isComposing() const;               // letters that no text has got yet are in an editor
+    void setCaptionLines(int lines);        // seen of the caption while it is not edited
+    void showHeader(QWidget* row);          // takes the row over, above the texts
+    const QWidget* selectedCard() const;    // null if no text is selected
     StyleShelf* styles() const { return m_styles; }
     QList<QWidget*> focusOrder() const;
 
 Q_SIGNALS:
     void textEdited(CopySlot slot, const QString& text, Pace pace);
+    void captionEdited(const QString& caption, Pace pace);
+    void composingChanged();
+    void proposalRequested(CopySlot slot);
     void visibilityToggled(CopySlot slot);
     void slotFocused(CopySlot slot);
     void layerEdited(const TextLayer& changed, Pace pace);
@@ -57,6 +70,9 @@ private:
     const TextLayer* selected() const;
     const TextLayer* layerOf(CopySlot slot) const;
     void buildCards();
+    void connectCard(SlotCard* card, CopySlot slot);
+    void connectCaption();
+    QList<SlotEditor*> editors() const;
     void buildStyle();
     void connectStyle();
     template <typename Change>
@@ -70,6 +86,7 @@ private:
     TextPanelState m_state;
     Caption* m_filename;
     std::array<SlotCard*, Vocabulary<CopySlot>::rows.size()> m_cards{};
+    CaptionCard* m_caption;
     StyleHeader* m_header;
     FontField* m_font;
     SliderField* m_size;

@@ -75,7 +75,9 @@ QString plainToolTip(const QString& text)
     QString shown = text.left(longest);
     if (text.size() > longest)
         shown += u'…';
-    return Qt::mightBeRichText(shown) ? u"<qt>"_qs + shown.toHtmlEscaped() + u"</qt>"_qs : shown;
+    if (!Qt::mightBeRichText(shown))
+        return shown;
+    return u"<qt>"_qs + shown.toHtmlEscaped().replace(u'\n', u"<br>"_qs) + u"</qt>"_qs;
 }
 
 double digitsWidth(Type type, int digits)

@@ -10,11 +10,14 @@
 #include "app/controls/KeyHint.h"
 #include "app/controls/popovers/FocusRound.h"
 #include "app/copy/ComposeBar.h"
+#include "app/copy/CopyBinding.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
 #include "app/layers/SidePanel.h"
 #include "app/layers/TextPanel.h"
 #include "app/presets/TemplatesBinding.h"
+#include "app/settings/AppSettingsWindow.h"
+#include "app/settings/LocalAIBinding.h"
 #include "app/stage/EmptyState.h"
 #include "app/stage/StageBinding.h"
 #include "app/stage/StagePanel.h"
@@ -29,6 +32,7 @@
 #include "app/window/StudioShell.h"
 #include "app/window/TopBar.h"
 #include "canvas/interaction/CanvasInteractionView.h"
+#include "copygen/LocalAIManager.h"
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 
@@ -69,6 +73,8 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
           std::make_unique<StageBinding>(session, m_shell->stage(), m_shell->viewBar(), photos)),
       m_panelBinding(std::make_unique<PanelBinding>(session, m_shell->sidePanel(), photos,
                                                     preferences, *m_batchBinding)),
+      m_copyBinding(std::make_unique<CopyBinding>(session, account, m_shell->composeBar(),
+                                                  m_shell->engineRow())),
       m_templatesBinding(std::make_unique<TemplatesBinding>(
           session, m_shell->sidePanel()->templatesPanel(),
           m_shell->sidePanel()->textPanel()->styles(), photos, preferences)),
@@ -93,6 +99,7 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     connectStage();
     connectSession();
     connectAccount();
+    connectCopy();
     m_look->restore();
     m_hasImported = preferences.value(importedKey) == yes;
     m_focus->goToCanvas();    // otherwise the first button takes the focus and the arrow keys
@@ -206,6 +213,23 @@ void MainWindow::connectAccount()
                     m_session.setStatus(message,
                                         isProblem ? StatusKind::warning : StatusKind::done);
                 m_session.endActivity(Activity::Kind::account);
+            });
+}
+
+void MainWindow::connectCopy()
+{
+    connect(m_copyBinding.get(), &CopyBinding::settingsRequested, m_accountBinding.get(),
+            &AccountBinding::presentLocalAISettings);
+    connect(m_shell->composeBar(), &ComposeBar::leaveRequested, m_focus, &StudioFocus::goToCanvas);
+}
+
+void MainWindow::setLocalEngine(LocalAIManager& manager, const LocalAIService& service)
+{
+    m_copyBinding->setLocalEngine(manager, service);
+    connect(&manager, &LocalAIManager::changed, m_panelBinding.get(), &PanelBinding::show);
+    connect(m_accountBinding.get(), &AccountBinding::appSettingsMade, this,
+            [&manager](AppSettingsWindow* settings) {
+                new LocalAIBinding(manager, settings->localAIPanel());
             });
 }
 
@@ -399,6 +423,7 @@ void MainWindow::showBatch()
     m_templatesBinding->show();    // ends the preview of a template
     m_stageBinding->show();
     m_panelBinding->show();
+    m_copyBinding->show();
     m_exportBinding->show();
     showHints();
 }

@@ -12,9 +12,12 @@ class AccountBinding;
 class AccountSession;
 class AuthGateView;
 class BatchBinding;
+class CopyBinding;
 class ExportBinding;
 class FileIntake;
 class KeptLook;
+class LocalAIManager;
+class LocalAIService;
 class PanelBinding;
 class PhotoCache;
 class PreferencesStore;
@@ -36,6 +39,8 @@ public:
     MainWindow(StudioSession& session, AccountSession& account,
                const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences);
     ~MainWindow() override;
+    // Shows the engine that runs on this machine; both outlive the window.
+    void setLocalEngine(LocalAIManager& manager, const LocalAIService& service);
 
     StudioShell* shell() const { return m_shell; }
     StudioMenu* menu() const;
@@ -67,6 +72,7 @@ private:
     void connectStage();
     void connectSession();
     void connectAccount();
+    void connectCopy();
 
     bool isGated() const;
     void refuseLink();
@@ -87,6 +93,7 @@ private:
     std::unique_ptr<BatchBinding> m_batchBinding;
     std::unique_ptr<StageBinding> m_stageBinding;
     std::unique_ptr<PanelBinding> m_panelBinding;
+    std::unique_ptr<CopyBinding> m_copyBinding;
     std::unique_ptr<TemplatesBinding> m_templatesBinding;
     FileIntake* m_files;
     std::unique_ptr<ExportBinding> m_exportBinding;

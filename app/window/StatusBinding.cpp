@@ -24,19 +24,30 @@ StatusBinding::StatusBinding(StudioSession& session, StatusLine* line)
     });
     connect(line, &StatusLine::stopRequested, this, &StatusBinding::stop);
     connect(line, &StatusLine::linkRequested, this, &StatusBinding::followLink);
+    connect(line, &StatusLine::actionRequested, &session, &StudioSession::act);
     connect(line, &StatusLine::historyRequested, this, &StatusBinding::showHistory);
     connect(&session, &StudioSession::statusChanged, this, &StatusBinding::show);
     connect(&session, &StudioSession::activityChanged, this, &StatusBinding::followActivity);
+    connect(&session, &StudioSession::copyChanged, this, &StatusBinding::showWaiting);
     show();
+    showWaiting();
 }
 
 void StatusBinding::show()
 {
     const Activity* foremost = m_session.activities().foremost();
     std::optional<Activity> underWay = foremost ? std::optional(*foremost) : std::nullopt;
-    if (underWay && m_closing.isActive())
-        underWay->stop = {};    // hides the stop button: the activity is already being stopped
+    // Hides the stop button of an activity that is already being stopped, and of generation, which
+    // has its button in the compose bar.
+    if (underWay && (m_closing.isActive() || underWay->kind == Activity::Kind::generating))
+        underWay->stop = {};
     m_line->setStatus(m_session.statusLog().current(), underWay);
+}
+
+void StatusBinding::showWaiting()
+{
+    const StudioCopy& copy = m_session.copy();
+    m_line->setWaiting(copy.waiting(), copy.whyWaiting());
 }
 
 void StatusBinding::followActivity()
@@ -60,6 +71,24 @@ bool StatusBinding::canStop() const
     return foremost && foremost->stop && !m_closing.isActive();
 }
 
+QString StatusBinding::stopText() const
+{
+    const Activity* foremost = m_session.activities().foremost();
+    switch (foremost ? foremost->kind : Activity::Kind::importing) {
+    case Activity::Kind::installing:
+        return u"Cancelar la instalación"_s;
+    case Activity::Kind::generating:
+        return u"Cancelar la generación"_s;
+    case Activity::Kind::exporting:
+        return u"Detener la exportación"_s;
+    case Activity::Kind::account:
+    case Activity::Kind::restoring:
+    case Activity::Kind::importing:
+        break;
+    }
+    return u"Detener la importación"_s;
+}
+
 void StatusBinding::stop()
 {
     if (canStop())
@@ -79,7 +108,9 @@ bool StatusBinding::delaysClosing()
     if (!activities.delayingClosing())
         return false;
     m_closing.start();
-    m_session.statusLog().tellStep(kind, u"Terminando la exportación antes de cerrar…"_s);
+    m_session.statusLog().tellStep(kind, kind == Activity::Kind::generating
+                                             ? u"Terminando la generación antes de cerrar…"_s
+                                             : u"Terminando la exportación antes de cerrar…"_s);
     return true;
 }
 

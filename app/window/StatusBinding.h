@@ -17,7 +17,8 @@ public:
 
     void showHistory();
     bool canStop() const;
-    void stop();    // stops the activity that the status line shows
+    QString stopText() const;    // of the command that stops the activity
+    void stop();                 // stops the activity that the status line shows
     // Returns whether the window must not close yet. If so, stops the activity that prevents
     // closing, and emits closeRequested() when it has ended or after the longest wait.
     bool delaysClosing();
@@ -28,6 +29,7 @@ Q_SIGNALS:
 
 private:
     void show();
+    void showWaiting();
     void followActivity();
     void followLink();
 

@@ -5,8 +5,10 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <array>
 #include <optional>
 
+class Badge;
 class Control;
 class IconButton;
 class ProgressBar;
@@ -20,6 +22,8 @@ public:
     // Shows the sentence of `told`. Also shows the progress bar of `underWay`, even if the sentence
     // is about something else.
     void setStatus(const StatusEntry& told, const std::optional<Activity>& underWay = {});
+    // Shows beside the sentence that so many texts wait to be applied; `why` is the tooltip.
+    void setWaiting(int texts, const QString& why);
     void setKeyHints(const QList<KeyHint>& hints);
     // Opens a popup above the line with the sentences of `history`, oldest first. The popup has the
     // keyboard focus until Esc or a click outside closes it.
@@ -32,6 +36,7 @@ public:
 Q_SIGNALS:
     void stopRequested();
     void linkRequested();
+    void actionRequested(StatusAction action);
     void historyRequested();
     void leaveRequested();    // the focused button was hidden: the focus should move
 
@@ -45,9 +50,17 @@ private:
     QSize popoverRoom() const;
     void popUp(QWidget* popover) const;
     void announce();
+    // A button beside the sentence; it opens the link of the sentence, unless it has an action.
+    struct Offer {
+        QString word;
+        std::optional<StatusAction> action;
+    };
+    static QList<Offer> offersOf(const StatusLink& link);
     void showParts();
+    void showOffers();
     void place();
     int sentenceEnd() const;
+    int partsWidth() const;    // of what follows the sentence
     QRect sentenceRect() const;
 
     StatusEntry m_told;
@@ -58,6 +71,8 @@ private:
     QElapsedTimer m_announced;
     ProgressBar* m_bar;
     IconButton* m_stop;
-    Control* m_link;
+    Badge* m_waiting;
+    QList<Offer> m_offers;
+    std::array<Control*, 4> m_links{};    // of m_offers; the others are hidden
     KeyHints* m_hints;
 };

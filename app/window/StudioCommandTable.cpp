@@ -39,7 +39,6 @@ constexpr QStringView fileMenu = u"Archivo", editMenu = u"Edición", viewMenu = 
 QList<MenuCommand> StudioCommands::fileCommands()
 {
     const auto canExport = [this] { return refusalOf(m_parts.exports.offer()).isEmpty(); };
-    const auto isExporting = [this] { return m_session.isExporting(); };
     return {
         {.menu = fileMenu,
          .text = CommandText::importImages.toString(),
@@ -66,14 +65,20 @@ QList<MenuCommand> StudioCommands::fileCommands()
          .isPossible = canExport,
          .wording = [this] { return exportSeveralText(m_parts.exports.offer().selected) + u'…'; }},
         {.menu = fileMenu,
-         .text = u"Detener la importación"_s,
+         .text = CommandText::generate.toString(),
+         .keys = u"Ctrl+Return Ctrl+Enter",
+         .icon = Icon::generate,
+         .startsGroup = true,
+         .run = [this] { m_session.copy().analyzeSelected(); },
+         .isPossible = [this] { return canGenerate(); },
+         .changesImages = true,
+         .repeats = false},
+        {.menu = fileMenu,
+         .text = CommandText::stop.toString(),
          .keys = u"Ctrl+.",
          .run = [this] { m_parts.status.stop(); },
          .isPossible = [this] { return m_parts.status.canStop(); },
-         .wording =
-             [isExporting] {
-                 return isExporting() ? u"Detener la exportación"_s : u"Detener la importación"_s;
-             }},
+         .wording = [this] { return m_parts.status.stopText(); }},
         {.menu = fileMenu,
          .text = u"Importar textos (CSV)…"_s,
          .startsGroup = true,
@@ -147,6 +152,13 @@ QList<MenuCommand> StudioCommands::editCommands()
          .startsGroup = true,
          .run = [this] { editSelected(); },
          .isPossible = [this] { return isTextSelected(); },
+         .changesImages = true,
+         .keepsTyping = true},
+        {.menu = editMenu,
+         .text = u"Otra propuesta"_s,
+         .icon = Icon::refresh,
+         .run = [this] { m_parts.panel.proposeAnother(); },
+         .isPossible = [this] { return isTextSelected() && canGenerate(); },
          .changesImages = true,
          .keepsTyping = true},
         {.menu = editMenu,

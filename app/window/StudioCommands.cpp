@@ -52,6 +52,9 @@ void StudioCommands::connectButtons()
                      m_menu->keyOf(CommandText::exportAll));
     connect(exports, &ExportButtons::currentRequested, this, runs(CommandText::exportCurrent));
     connect(exports, &ExportButtons::severalRequested, this, runs(CommandText::exportAll));
+    ComposeBar* compose = m_parts.shell->composeBar();
+    compose->setKeys(m_menu->keyOf(CommandText::generate), m_menu->keyOf(CommandText::stop));
+    connect(compose, &ComposeBar::generateRequested, this, runs(CommandText::generate));
     const EmptyState* empty = m_parts.shell->emptyState();
     connect(empty, &EmptyState::importImagesRequested, this, runs(CommandText::importImages));
     connect(empty, &EmptyState::importFolderRequested, this, runs(CommandText::importFolder));
@@ -64,6 +67,11 @@ void StudioCommands::connectButtons()
 QList<MenuCommand> StudioCommands::table()
 {
     return fileCommands() + editCommands() + viewCommands() + helpCommands();
+}
+
+bool StudioCommands::canGenerate() const
+{
+    return !m_session.isAnalyzing() && m_session.copy().whyNotGenerate().isEmpty();
 }
 
 bool StudioCommands::hasImage() const
@@ -111,14 +119,20 @@ void StudioCommands::importTexts()
 // edited, puts the focus into the same slot's text of the new image, with all the text selected.
 void StudioCommands::step(int images)
 {
-    const std::optional<CopySlot> slot = m_parts.shell->sidePanel()->textPanel()->editedSlot();
+    const TextPanel* texts = m_parts.shell->sidePanel()->textPanel();
+    const std::optional<CopySlot> slot = texts->editedSlot();
+    const bool isCaption = texts->isCaptionEdited();
     const int before = m_session.batch().selectedIndex;
     if (images < 0)
         m_session.previousItem();
     else
         m_session.nextItem();
-    if (slot && m_session.batch().selectedIndex != before)
+    if (m_session.batch().selectedIndex == before)
+        return;
+    if (slot)
         m_parts.panel.edit(*slot);
+    else if (isCaption)
+        m_parts.panel.editCaption();
 }
 
 // Does nothing while the batch column shows the images of an import instead of the batch.
@@ -167,6 +181,9 @@ void StudioCommands::showTileMenu(int index, QPoint globalPosition)
         connect(action, &QAction::triggered, this, act);
         return action;
     };
+    QAction* generating = add(Icon::generate, CommandText::generate, CommandText::generate,
+                              [this] { m_menu->action(CommandText::generate)->trigger(); });
+    generating->setEnabled(canGenerate());
     QAction* exporting =
         add(Icon::exportCurrent, CommandText::exportCurrent, u"Exportar actual", [this, id] {
             m_parts.focus->endEdits();

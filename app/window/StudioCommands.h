@@ -58,6 +58,7 @@ private:
     QList<MenuCommand> viewCommands();
     QList<MenuCommand> helpCommands();
 
+    bool canGenerate() const;
     bool hasImage() const;
     bool isTextSelected() const;
     bool isShapeSelected() const;

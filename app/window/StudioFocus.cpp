@@ -62,7 +62,7 @@ void StudioFocus::goToRegion(int step)
     const QList<Region> regions{
         {m_shell->topBar(), m_shell->topBar()->focusOrder()},
         {m_shell->batchColumn(), m_shell->batchColumn()->focusOrder()},
-        {m_shell->composeBar(), {m_shell->composeBar()->objectiveEdit()}},
+        {m_shell->composeBar(), m_shell->composeBar()->focusOrder()},
         {m_shell->emptyState(), m_shell->emptyState()->focusOrder()},
         {m_shell->stage(), {m_shell->stage()->canvas()}},
         {m_shell->viewBar(), m_shell->viewBar()->focusOrder()},
@@ -97,7 +97,8 @@ void StudioFocus::endEdits()
 QList<KeyHint> StudioFocus::hints(const Batch& batch) const
 {
     QWidget* focused = m_window->focusWidget();
-    if (m_shell->sidePanel()->textPanel()->editedSlot())
+    const TextPanel* texts = m_shell->sidePanel()->textPanel();
+    if (texts->editedSlot() || texts->isCaptionEdited())
         return {{{u"Av Pág"_s}, u"Imagen siguiente"_s}, {{u"Esc"_s}, u"Volver al lienzo"_s}};
     if (const auto* grid = qobject_cast<PresetGrid*>(focused)) {
         QList<KeyHint> hints{{{u"Intro"_s}, u"Aplicar"_s}};

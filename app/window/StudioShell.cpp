@@ -2,6 +2,7 @@
 
 #include "app/batch/BatchColumn.h"
 #include "app/copy/ComposeBar.h"
+#include "app/copy/EngineRow.h"
 #include "app/layers/SidePanel.h"
 #include "app/stage/EmptyState.h"
 #include "app/stage/StagePanel.h"
@@ -75,12 +76,13 @@ QAccessibleInterface* accessibleShellOf(const QString&, QObject* object)
 StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
     : QWidget(parent), m_topBar(new TopBar(formats, this)), m_composeBar(new ComposeBar),
       m_batchColumn(new BatchColumn), m_stage(new StagePanel), m_viewBar(new ViewBar),
-      m_empty(new EmptyState), m_panel(new SidePanel), m_status(new StatusLine(this)),
-      m_veil(new DropVeil(this)), m_splitter(new QSplitter(Qt::Horizontal, this)),
-      m_stages(new QStackedWidget)
+      m_empty(new EmptyState), m_engineRow(new EngineRow), m_panel(new SidePanel),
+      m_status(new StatusLine(this)), m_veil(new DropVeil(this)),
+      m_splitter(new QSplitter(Qt::Horizontal, this)), m_stages(new QStackedWidget)
 {
     QAccessible::installFactory(accessibleShellOf);
     setMinimumSize(1200, 720);
+    m_panel->setTextHeader(m_engineRow, m_engineRow->focusOrder());
     auto* picture = new QWidget;
     auto* pictureRows = new QVBoxLayout(picture);
     pictureRows->setContentsMargins(0, 0, 0, 0);
@@ -202,7 +204,7 @@ void StudioShell::orderFocus()
 {
     QList<QWidget*> order = m_topBar->focusOrder();
     order += m_batchColumn->focusOrder();
-    order.append(m_composeBar->objectiveEdit());
+    order += m_composeBar->focusOrder();
     order += m_empty->focusOrder();
     order.append(m_stage->canvas());
     order += m_viewBar->focusOrder();

@@ -6,6 +6,7 @@
 class BatchColumn;
 class ComposeBar;
 class DropVeil;
+class EngineRow;
 class EmptyState;
 class QSplitter;
 class QStackedWidget;
@@ -26,6 +27,7 @@ public:
     StagePanel* stage() const { return m_stage; }
     ViewBar* viewBar() const { return m_viewBar; }
     EmptyState* emptyState() const { return m_empty; }
+    EngineRow* engineRow() const { return m_engineRow; }    // in the side panel
     SidePanel* sidePanel() const { return m_panel; }
     StatusLine* statusLine() const { return m_status; }
     DropVeil* dropVeil() const { return m_veil; }
@@ -63,6 +65,7 @@ private:
     StagePanel* m_stage;
     ViewBar* m_viewBar;
     EmptyState* m_empty;
+    EngineRow* m_engineRow;
     SidePanel* m_panel;
     StatusLine* m_status;
     DropVeil* m_veil;

@@ -5,6 +5,8 @@
 #include <QMouseEvent>
 #include <QWidget>
 
+#include <gtest/gtest.h>
+
 // The functions send the events of a user's clicks, keys and pointer straight to a widget.
 inline void press(QWidget& widget, QPoint at, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
@@ -33,4 +35,16 @@ inline void settle()
 {
     for (int i = 0; i < 5; ++i)
         QApplication::processEvents();
+}
+
+// The first control in `parent` with this accessible name; a failure if there is none.
+template <typename Widget>
+Widget* named(QWidget* parent, const QString& name)
+{
+    for (auto* widget : parent->findChildren<Widget*>()) {
+        if (widget->accessibleName() == name)
+            return widget;
+    }
+    ADD_FAILURE() << "no " << qPrintable(name);
+    return nullptr;
 }

@@ -9,7 +9,17 @@
 
 namespace {
 constexpr int trackMargin = 2, iconAir = 2, aloneIconSide = 20, noSegment = -1;
+constexpr int creditsGap = 8, creditsCoin = 14, creditsCoinGap = 4;
+
+int creditsWidth(const Segment& segment)
+{
+    if (!segment.credits)
+        return 0;
+    return creditsGap + creditsCoin + creditsCoinGap +
+           qCeil(textWidth(Type::small, QString::number(*segment.credits)));
 }
+
+}    // namespace
 
 SegmentedControl::SegmentedControl(const QList<Segment>& segments, QWidget* parent)
     : QWidget(parent), m_segments(segments)
@@ -24,6 +34,25 @@ SegmentedControl::SegmentedControl(const QList<Segment>& segments, QWidget* pare
 void SegmentedControl::setSize(SegmentSize size)
 {
     m_size = size;
+    updateGeometry();
+    update();
+}
+
+void SegmentedControl::setSegments(const QList<Segment>& segments)
+{
+    Q_ASSERT(segments.size() == m_segments.size());
+    if (segments == m_segments)
+        return;
+    m_segments = segments;
+    if (m_current != noSegment)
+        setAccessibleName(m_segments[m_current].name);
+    updateGeometry();
+    update();
+}
+
+void SegmentedControl::setLabels(Labels labels)
+{
+    m_labels = labels;
     updateGeometry();
     update();
 }
@@ -64,7 +93,9 @@ void SegmentedControl::setCurrent(std::optional<int> index)
 
 int SegmentedControl::widthOf(const Segment& segment) const
 {
-    const int text = segment.text.isEmpty() ? 0 : qCeil(textWidth(Type::bodyMedium, segment.text));
+    const int text = isIconAlone(segment)
+                         ? 0
+                         : qCeil(textWidth(Type::bodyMedium, segment.text)) + creditsWidth(segment);
     if (segment.icon == Icon::none)
         return 2 * segmentPadding() + text;
     return 2 * segmentPadding() + iconSide() + (text ? text + iconGap() - iconAir : 0);
@@ -104,7 +135,8 @@ int SegmentedControl::segmentAt(QPoint position) const
 
 void SegmentedControl::choose(int index)
 {
-    if (index < 0 || index >= m_segments.size() || index == m_current)
+    if (index < 0 || index >= m_segments.size() || index == m_current ||
+        !m_segments[index].refusal.isEmpty())
         return;
     setCurrent(index);
     Q_EMIT chosen(index);
@@ -133,11 +165,14 @@ bool SegmentedControl::event(QEvent* event)
         const int index = segmentAt(help->pos());
         // If the disabled control has a tooltip of its own, which says why it is disabled, that one
         // is shown instead.
-        if (index >= 0 && (isEnabled() || toolTip().isEmpty()))
-            QToolTip::showText(help->globalPos(), m_segments[index].toolTip, this,
+        if (index >= 0 && (isEnabled() || toolTip().isEmpty())) {
+            const Segment& segment = m_segments[index];
+            QToolTip::showText(help->globalPos(),
+                               segment.refusal.isEmpty() ? segment.toolTip : segment.refusal, this,
                                segmentRect(index));
-        else
+        } else {
             break;
+        }
         return true;
     }
     default:
@@ -156,22 +191,23 @@ void SegmentedControl::paintEvent(QPaintEvent*)
     for (int i = 0; i < m_segments.size(); ++i) {
         const Segment& segment = m_segments[i];
         const QRectF box = segmentRect(i);
-        const bool chosen = i == m_current && isEnabled();
+        const bool chosen = i == m_current;
+        const bool canBeChosen = isEnabled() && segment.refusal.isEmpty();
         if (chosen) {
             if (theme.seg == Qt::white)    // a white segment on a light track needs a shadow
                 fillRounded(painter, box.translated(0, 0.5).adjusted(-0.5, 0, 0.5, 0.5), 7.5,
                             theme.line2);
             fillRounded(painter, box, 7, theme.seg);
-        } else if (i == m_hovered && isEnabled()) {
+        } else if (i == m_hovered && canBeChosen) {
             fillRounded(painter, box, 7, theme.hover);
         }
         QColor ink = chosen || i == m_hovered ? theme.text : theme.text2;
-        if (!isEnabled())
+        if (!canBeChosen)
             ink = theme.dis;
         double left = box.left() + segmentPadding();
         if (m_stretched)
             left += std::max(0.0, (box.width() - widthOf(segment)) / 2);
-        if (segment.text.isEmpty()) {
+        if (isIconAlone(segment)) {
             paintIcon(painter, segment.icon, box, aloneIconSide, ink);
             continue;
         }
@@ -183,6 +219,15 @@ void SegmentedControl::paintEvent(QPaintEvent*)
         }
         paintText(painter, QRectF(left, box.top(), box.right() - left, box.height()), Qt::AlignLeft,
                   Type::bodyMedium, ink, segment.text, Qt::ElideNone);
+        if (!segment.credits)
+            continue;
+        left += std::ceil(textWidth(Type::bodyMedium, segment.text)) + creditsGap;
+        const QColor creditsInk = canBeChosen ? theme.text2 : theme.dis;
+        paintIcon(painter, Icon::coin, QRectF(left, box.top(), creditsCoin, box.height()),
+                  creditsCoin, creditsInk);
+        left += creditsCoin + creditsCoinGap;
+        paintText(painter, QRectF(left, box.top(), box.right() - left, box.height()), Qt::AlignLeft,
+                  Type::small, creditsInk, QString::number(*segment.credits), Qt::ElideNone);
     }
 }
 

@@ -1,4 +1,5 @@
 #pragma once
+#include "app/controls/Button.h"
 #include "app/theme/Icons.h"
 #include "app/theme/Painting.h"
 
@@ -11,7 +12,10 @@ struct Segment {
     Icon icon = Icon::none;
     QString text = {};    // may be empty
     QString toolTip = {};
-    QString name = {};    // for screen readers
+    QString name = {};                     // for screen readers
+    std::optional<qint64> credits = {};    // what the choice costs, shown after the text
+    QString refusal = {};    // why it cannot be chosen, its tooltip then; empty: it can
+    bool operator==(const Segment&) const = default;
 };
 
 enum class SegmentSize { bar, field, large };    // 36, 32, 44 pixels high; `field` has smaller gaps
@@ -24,6 +28,10 @@ public:
     explicit SegmentedControl(const QList<Segment>& segments, QWidget* parent = nullptr);
 
     void setSize(SegmentSize size);
+    // Replaces the segments by as many others; emits nothing.
+    void setSegments(const QList<Segment>& segments);
+    // Labels::hidden: only the icons are shown, without texts and credits.
+    void setLabels(Labels labels);
     // Lets a layout widen the control, whose segments then have equal widths.
     void setStretched(SegmentSize size = SegmentSize::field);
     // Without an index, no segment is chosen and the accessible name stays as it is: the caller
@@ -50,6 +58,10 @@ private:
     int trackHeight() const;
     int segmentPadding() const { return isField() ? 10 : 12; }
     int iconSide() const { return isField() ? 18 : 20; }
+    bool isIconAlone(const Segment& segment) const
+    {
+        return segment.text.isEmpty() || m_labels == Labels::hidden;
+    }
     int iconGap() const { return isField() ? 6 : 8; }
     int widthOf(const Segment& segment) const;
     int segmentAt(QPoint position) const;
@@ -61,4 +73,5 @@ private:
     int m_hovered = -1;
     SegmentSize m_size = SegmentSize::bar;
     bool m_stretched = false;
+    Labels m_labels = Labels::shown;
 };

@@ -11,10 +11,6 @@
 #include <QScrollBar>
 #include <QTextBlock>
 
-namespace {
-constexpr int mostLines = 5;
-}
-
 SlotEditor::SlotEditor(const QString& name, QWidget* parent) : QTextEdit(parent)
 {
     setAccessibleName(name);
@@ -74,10 +70,18 @@ void SlotEditor::setLineHeights()
     cursor.mergeBlockFormat(format);
 }
 
+void SlotEditor::setLines(int least, int most)
+{
+    m_leastLines = least;
+    m_mostLines = most;
+    fit();
+}
+
 void SlotEditor::fit()
 {
     const int line = row(Type::body).lineHeight;
-    const int lines = std::clamp(qRound(document()->size().height() / line), 1, mostLines);
+    const int lines =
+        std::clamp(qRound(document()->size().height() / line), m_leastLines, m_mostLines);
     if (height() == lines * line && maximumHeight() == height())
         return;
     setFixedHeight(lines * line);
@@ -120,8 +124,18 @@ void SlotEditor::keyPressEvent(QKeyEvent* event)
 void SlotEditor::inputMethodEvent(QInputMethodEvent* event)
 {
     const auto kept = text().size() - textCursor().selectedText().size();
-    if (kept + event->commitString().size() <= longestText)
-        QTextEdit::inputMethodEvent(event);
+    if (kept + event->commitString().size() > longestText)
+        return;
+    QTextEdit::inputMethodEvent(event);
+    setComposing(!event->preeditString().isEmpty());
+}
+
+void SlotEditor::setComposing(bool isComposing)
+{
+    if (isComposing == m_isComposing)
+        return;
+    m_isComposing = isComposing;
+    Q_EMIT composingChanged();
 }
 
 void SlotEditor::insertFromMimeData(const QMimeData* source)
@@ -143,6 +157,7 @@ void SlotEditor::focusInEvent(QFocusEvent* event)
 void SlotEditor::focusOutEvent(QFocusEvent* event)
 {
     QTextEdit::focusOutEvent(event);
+    setComposing(false);
     // Does not end the editing: a menu or another window takes the focus only for a while.
     if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason)
         return;

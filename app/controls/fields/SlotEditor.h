@@ -3,9 +3,9 @@
 
 #include <QTextEdit>
 
-// A plain text editor that grows from one line to five and scrolls beyond. Tab moves the focus on.
-// Undo and other keys of the window are left to the window, so the editor has no undo history of
-// its own.
+// A plain text editor that grows from one line to five, unless setLines() says otherwise, and
+// scrolls beyond. Tab moves the focus on. Undo and other keys of the window are left to the window,
+// so the editor has no undo history of its own.
 class SlotEditor : public QTextEdit {
     Q_OBJECT
 public:
@@ -15,6 +15,10 @@ public:
     // selection. If a text is longer than longestText, only its beginning is shown, read-only.
     void setText(const QString& text);
     QString text() const;
+    // How many lines it may be high.
+    void setLines(int least, int most);
+    // Whether it holds letters that the text has not got yet, as input methods do.
+    bool isComposing() const { return m_isComposing; }
     QSize sizeHint() const override { return {280, height()}; }
     QSize minimumSizeHint() const override { return {80, height()}; }
 
@@ -24,6 +28,7 @@ Q_SIGNALS:
     void focused();
     void blurred();
     void leaveRequested();    // Esc was pressed
+    void composingChanged();
 
 protected:
     bool event(QEvent* event) override;
@@ -38,7 +43,10 @@ protected:
 private:
     void fit();
     void setLineHeights();
+    void setComposing(bool isComposing);
 
+    int m_leastLines = 1, m_mostLines = 5;
+    bool m_isComposing = false;
     QString m_shown;    // the text of the last setText() or edited()
     Pace m_pace = Pace::once;
     bool m_showing = false;

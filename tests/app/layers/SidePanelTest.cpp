@@ -1,4 +1,5 @@
 #include "app/layers/SidePanel.h"
+#include "app/controls/Button.h"
 #include "app/controls/fields/LineField.h"
 #include "app/controls/fields/SliderField.h"
 #include "app/controls/fields/SlotEditor.h"
@@ -18,17 +19,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-template <typename Widget>
-Widget* named(QWidget* parent, const QString& name)
-{
-    for (auto* widget : parent->findChildren<Widget*>()) {
-        if (widget->accessibleName() == name)
-            return widget;
-    }
-    ADD_FAILURE() << "no " << qPrintable(name);
-    return nullptr;
-}
 
 struct SidePanelTest : ::testing::Test {
     SidePanelTest()
@@ -264,4 +254,50 @@ TEST_F(SidePanelTest, shapesAreListedFromTheTopAndALineHasNoFill)
     type(*hex, Qt::Key_Return);
     box.fill = {0, 0, 1, 0.5};
     EXPECT_EQ(changes, QList<ShapeLayer>{box});
+}
+
+TEST_F(SidePanelTest, theCaptionKeepsItsHeightUntilItIsEdited)
+{
+    state.caption = u"Una frase larga que necesita varias líneas en el panel. "_s.repeated(12);
+    text->setState(state);
+    SlotEditor* caption = editor(u"Texto de la publicación"_s);
+    const int line = row(Type::body).lineHeight;
+    EXPECT_EQ(caption->height(), 2 * line) << "a low panel";
+    panel.resize(344, 900);
+    settle();
+    EXPECT_EQ(caption->height(), 3 * line);
+    text->editCaption();
+    EXPECT_EQ(caption->height(), 5 * line);
+    caption->clearFocus();
+    EXPECT_EQ(caption->height(), 3 * line);
+    state.caption = u"Corta"_s;
+    text->setState(state);
+    EXPECT_EQ(caption->height(), 3 * line) << "what is below must not move with the image";
+    state.caption = u"x"_s.repeated(2201);
+    text->setState(state);
+    EXPECT_TRUE(caption->accessibleDescription().startsWith(u"2.201 de 2.200"_s));
+}
+
+TEST_F(SidePanelTest, onlyTheSelectedTextOffersAnotherProposal)
+{
+    QList<CopySlot> asked;
+    QObject::connect(text, &TextPanel::proposalRequested,
+                     [&](CopySlot slot) { asked.append(slot); });
+    const auto shown = [this] {
+        QList<IconButton*> buttons;
+        for (auto* button : text->findChildren<IconButton*>()) {
+            if (button->accessibleName() == u"Otra propuesta"_s && button->isVisible())
+                buttons.append(button);
+        }
+        return buttons;
+    };
+    state.selectedLayer = state.layers[2].id;
+    text->setState(state);
+    ASSERT_EQ(shown().size(), 1);
+    shown().first()->click();
+    EXPECT_EQ(asked, QList<CopySlot>{state.layers[2].slot});
+    state.proposalRefusal = u"Espera a que termine la generación."_s;
+    text->setState(state);
+    EXPECT_FALSE(shown().first()->isEnabled());
+    EXPECT_EQ(shown().first()->toolTip(), state.proposalRefusal);
 }

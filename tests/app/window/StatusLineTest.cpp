@@ -1,4 +1,5 @@
 #include "app/window/StatusLine.h"
+#include "app/controls/Badge.h"
 #include "app/controls/Button.h"
 #include "tests/app/Events.h"
 
@@ -65,6 +66,37 @@ TEST(StatusLine, aLinkFollowsTheSentenceAndGoesWithIt)
     line.setStatus(entryOf(StatusKind::note, u"Cambio deshecho."_s));
     EXPECT_FALSE(link->isVisible());
     EXPECT_EQ(left, 1) << "the keyboard would act on whatever comes next";
+}
+
+TEST(StatusLine, actionsFollowTheSentenceAndTextsThatWaitAreTold)
+{
+    StatusLine line;
+    line.resize(900, 28);
+    line.show();
+    settle();
+    QList<StatusAction> done;
+    QObject::connect(&line, &StatusLine::actionRequested,
+                     [&](StatusAction action) { done.append(action); });
+    const QList<StatusAction> offered{StatusAction::retryCopy, StatusAction::recoverTexts};
+    const QString sentence = u"Textos generados para 14 imagen(es)."_s;
+    line.setStatus(entryOf(StatusKind::warning, sentence, {.actions = offered}));
+    line.setWaiting(1, u"Se aplicarán cuando termines de escribir."_s);
+    int end = 0;
+    for (const QString& name : {u"1 texto espera"_s, u"Reintentar"_s, u"Recuperar mis textos"_s}) {
+        const auto* part = named<QWidget>(&line, name);
+        ASSERT_TRUE(part && part->isVisible()) << qPrintable(name);
+        EXPECT_GT(part->x(), end);
+        end = part->geometry().right();
+        EXPECT_TRUE(line.rect().contains(part->geometry()));
+    }
+    for (QWidget* stop : line.focusOrder()) {
+        if (stop->isVisible())
+            press(*stop, stop->rect().center());
+    }
+    EXPECT_EQ(done, offered);
+    line.setWaiting(0, {});
+    line.setStatus(entryOf(StatusKind::note, sentence));
+    EXPECT_FALSE(line.findChild<Badge*>()->isVisible());
 }
 
 // Shows fifty sentences, which need more height than the window has.
