@@ -10,28 +10,18 @@
 //     charge_storm --child FOLDER ADDRESS calm
 //         only loads the photos and refunds what earlier children left open
 
-#include "account/AccountAPI.h"
-#include "account/AccountSession.h"
 #include "account/CreditJournal.h"
 #include "canvas/RenderFingerprint.h"
-#include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
 #include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
+#include "tools/Storm.h"
 
-#include <QCoroTask>
 #include <QDateTime>
-#include <QDir>
-#include <QElapsedTimer>
-#include <QGuiApplication>
-#include <QImage>
-#include <QProcess>
-#include <QRandomGenerator>
 #include <QScopeGuard>
 
 #include <array>
 #include <csignal>
-#include <cstdio>
 #include <iostream>
 #include <map>
 #include <set>
@@ -43,51 +33,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int photoCount = 3;
 constexpr std::array steps{"opened",   "reserved",  "wrote",   "worked",
                            "recorded", "refunding", "refunded"};
-constexpr auto underWay = 2s;
-const QString entryPrefix = u"moltiva.creditReservation."_s;
-
-QSizeF smallSize(SocialFormat format)
-{
-    return exportSize(format) / 10;
-}
-
-ServiceConfiguration configurationOf(const QUrl& address)
-{
-    return {.service = address,
-            .site = address,
-            .siteName = u"Moltiva local"_s,
-            .administratorEmail = {},
-            .problem = {}};
-}
-
-AccountSession::Surroundings withoutBrowser()
-{
-    return {.openInBrowser = [](const QUrl&) { return false; }};
-}
-
-int below(int bound)
-{
-    return QRandomGenerator::global()->bounded(bound);
-}
-
-void say(const QString& line)
-{
-    std::printf("%s\n", qPrintable(line));
-    std::fflush(stdout);
-}
-
-template <typename Done>
-bool turnUntil(Done done, int milliseconds = 60'000)
-{
-    QElapsedTimer watch;
-    for (watch.start(); !done() && watch.elapsed() < milliseconds;)
-        QGuiApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 5);
-    return done();
-}
-
 // Runs in a child process: edits and exports until it is killed.
 class Child {
 public:
@@ -269,22 +216,6 @@ class Judge {
 public:
     Judge(const QString& ledgerFile) : m_ledgerFile(ledgerFile) {}
 
-    bool topUp() const
-    {
-        sqlite3* handle = nullptr;
-        sqlite3_open(m_ledgerFile.toUtf8().constData(), &handle);
-        sqlite3_busy_timeout(handle, 5000);
-        const int result =
-            sqlite3_exec(handle,
-                         "INSERT INTO ledger_entry (account, kind, amount, balance, note, created)"
-                         " SELECT account, 'purchase', 100000000, 100000000 + balance, '', created"
-                         " FROM ledger_entry ORDER BY id DESC LIMIT 1",
-                         nullptr, nullptr, nullptr);
-        const int rows = sqlite3_changes(handle);
-        sqlite3_close(handle);
-        return result == SQLITE_OK && rows == 1;
-    }
-
     // Reads one line of a child's output. Returns whether the child waits for an answer.
     bool hear(const QString& line)
     {
@@ -437,96 +368,15 @@ private:
     int m_freeExports = 0, m_leftEntries = 0, m_inUsersFavour = 0, m_violations = 0;
 };
 
-class Storm {
-public:
-    Storm(const QString& folder, const QString& address, Judge& judge)
-        : m_folder(folder), m_address(address), m_judge(judge)
-    {
-    }
-
-    // Runs a child with the arguments `how` and kills it after `life` milliseconds, if given.
-    // Returns whether the child ended as expected.
-    bool run(const QStringList& how, std::optional<int> life)
-    {
-        QProcess child;
-        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        child.start(QCoreApplication::applicationFilePath(),
-                    QStringList{u"--child"_s, m_folder, m_address} + how);
-        QElapsedTimer watch;
-        watch.start();
-        const int limit = life.value_or(120'000);
-        while (child.state() != QProcess::NotRunning && watch.elapsed() < limit) {
-            child.waitForReadyRead(int(limit - watch.elapsed()));
-            hear(child);
-        }
-        const bool isKilled = child.state() != QProcess::NotRunning;
-        if (isKilled)
-            child.kill();
-        child.waitForFinished();
-        hear(child);
-        if (child.exitStatus() == QProcess::NormalExit)
-            return child.exitCode() == 0;
-        m_judge.childDied(!isKilled);
-        return isKilled == life.has_value();
-    }
-
-private:
-    void hear(QProcess& child)
-    {
-        while (child.canReadLine()) {
-            if (!m_judge.hear(QString::fromUtf8(child.readLine()).trimmed()))
-                continue;
-            m_judge.judge();
-            child.write("go\n");
-            child.waitForBytesWritten();
-        }
-    }
-
-    QString m_folder, m_address;
-    Judge& m_judge;
-};
-
-bool paintPhotos(const QDir& folder)
-{
-    for (const QString& each : {u"photos"_s, u"out"_s, u"service"_s})
-        folder.mkpath(each);
-    for (int i = 0; i < photoCount; ++i) {
-        QImage image(64, 80, QImage::Format_RGB32);
-        image.fill(QColor::fromHsv(90 * i, 200, 200));
-        if (!image.save(folder.filePath(u"photos/%1.png"_s.arg(i))))
-            return false;
-    }
-    return true;
-}
-
-// Registers an account. Its session cookie remains in the preferences file that the children use.
-bool signUp(const QDir& folder, const QString& address)
-{
-    PreferencesStore preferences(folder.filePath(u"moltiva.sqlite"_s));
-    AccountAPI api(configurationOf(QUrl(address)), preferences);
-    AccountSession account(api, withoutBrowser());
-    return QCoro::waitFor(account.registerAccount(u"tormenta@ejemplo.es"_s, u"una-contraseña"_s));
-}
-
 int judgeStorm(const QString& program, const QDir& folder, int kills)
 {
     if (!paintPhotos(folder))
         return 2;
-    QProcess service;
-    service.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    service.start(program, {u"--data"_s, folder.filePath(u"service"_s)});
-    const auto end = qScopeGuard([&service] {
-        service.terminate();
-        service.waitForFinished();
-    });
-    service.waitForReadyRead(30'000);
-    const QString address = QString::fromUtf8(service.readLine()).trimmed();
-    Judge judge(folder.filePath(u"service/servicio.sqlite"_s));
-    if (address.isEmpty() || !signUp(folder, address) || !judge.topUp()) {
-        std::fputs("the service does not answer\n", stderr);
+    const StormService service(program, folder);
+    if (!service.isReady())
         return 1;
-    }
-    Storm storm(folder.path(), address, judge);
+    Judge judge(service.ledgerFile());
+    Storm<Judge> storm(folder.path(), service.address(), judge);
     // Imports the photos in a child of its own. No later child can undo this import, because a
     // child can undo only its own changes. Without the imported batch, the paid renders would be
     // unknown.

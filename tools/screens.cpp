@@ -3,6 +3,7 @@
 //     screens OUT [--photos DIR]                 the main states
 //     screens OUT --photos DIR --designs DIR     each design of a folder, on six photos
 //     screens OUT --account                      signing in, the account and the settings
+//     screens OUT [--photos DIR] --copy          generating texts and the engine that does it
 //
 // Reaches each state through the session and the window, then takes it in both themes and at
 // several sizes. Two runs over the same photos give equal bytes. Without --photos, a painted sample
@@ -35,6 +36,7 @@
 #include "tests/support/ScriptedAccount.h"
 #include "tools/AccountScreens.h"
 #include "tools/ContactSheets.h"
+#include "tools/CopyScreens.h"
 #include "tools/WindowPictures.h"
 
 #include <QApplication>
@@ -129,6 +131,13 @@ public:
         m_session.removeCurrentItem();
         reached &= take(u"discarded"_s);
         return reached;
+    }
+
+    bool takeCopy()
+    {
+        m_session.load({QUrl::fromLocalFile(m_photoFolder)});
+        return WindowPictures::waitFor([this] { return !m_session.batch().items.isEmpty(); }) &&
+               takeCopyScreens({m_session, m_account, m_window, m_pictures});
     }
 
 private:
@@ -358,7 +367,8 @@ int main(int argc, char** argv)
     const QCommandLineOption photos(u"photos"_s, u"folder of photographs"_s, u"dir"_s);
     const QCommandLineOption designs(u"designs"_s, u"folder of template definitions"_s, u"dir"_s);
     const QCommandLineOption account(u"account"_s, u"only the screens of the account"_s);
-    parser.addOptions({photos, designs, account});
+    const QCommandLineOption copy(u"copy"_s, u"only the screens of generated texts"_s);
+    parser.addOptions({photos, designs, account, copy});
     parser.addPositionalArgument(u"out"_s, u"folder for the pictures"_s);
     parser.addHelpOption();
     parser.process(application);
@@ -379,5 +389,7 @@ int main(int argc, char** argv)
     if (parser.isSet(designs))
         return makeContactSheets(out, folder, parser.value(designs)) ? 0 : 1;
     Screens screens(out, QDir(folder).absolutePath());
-    return screens.takeAll() && takeAccountScreens(out) ? 0 : 1;
+    if (parser.isSet(copy))
+        return screens.takeCopy() ? 0 : 1;
+    return screens.takeAll() && screens.takeCopy() && takeAccountScreens(out) ? 0 : 1;
 }
