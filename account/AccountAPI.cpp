@@ -25,8 +25,7 @@ const QString clientIdentifier = u"moltiva-macos"_s;
 const QString checkoutClient = u"macos-native"_s;
 constexpr int mostRedirections = 5;
 
-// The stored session cookie if it belongs to `origin`; empty if not. A cookie without a stored
-// origin, as earlier builds left it, is accepted for any origin.
+// The stored session cookie if it belongs to `origin` or has no stored origin; empty if not.
 QByteArray storedCookie(const PreferencesStore& preferences, const QByteArray& origin)
 {
     if (preferences.value(sessionOriginKey).value_or(origin) != origin)
@@ -55,8 +54,7 @@ QCoro::Task<AccountSummary> confirmed(QCoro::Task<CheckoutConfirmResponse> askin
     co_return summary;
 }
 
-// Awaits a sign-out. An ended session (unauthorized) and an unreadable reply count as signed out;
-// other errors are thrown.
+// Awaits a sign-out. Throws all errors but an ended session and an unreadable reply.
 QCoro::Task<> unlessRefused(QCoro::Task<> signingOut)
 {
     try {

@@ -163,6 +163,8 @@ EngineShown CopyBinding::engineShown() const
     } else if (m_manager->hasFailed()) {
         shown.look = EngineLook::failed;
         shown.sentence = m_manager->installMessage();
+    } else if (!m_manager->needsInstallation()) {
+        shown.sentence = status.detail;    // why the configured engine cannot be used
     } else {
         shown.look = EngineLook::absent;
         shown.sentence = absentSentence(*m_manager);

@@ -125,6 +125,7 @@ TEST_F(CopyWindow, editsMeanwhileLoseNoResult)
     // Texts wait while there is something to redo, and are told beside the sentence.
     session.setText(CopySlot::tagline, u"Mío"_s);
     window.menu()->action(u"Deshacer"_s)->trigger();
+    QCoreApplication::processEvents();    // the undo has ended
     answer();
     answer();
     const auto* chip = named<QWidget>(shell->statusLine(), u"2 textos esperan"_s);
