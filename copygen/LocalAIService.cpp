@@ -87,7 +87,7 @@ private:
     {
         const EndpointQuestion question{m_order.image, prompt(), sampling.temperature,
                                         sampling.seed, m_service.m_limits.generation};
-        // Ends with the service, too.
+        // The question is stopped by the order's stop, and when the service is destroyed.
         std::stop_source stop;
         const auto end = [stop]() mutable { stop.request_stop(); };
         const std::stop_callback onStop(m_order.stop, end);

@@ -28,7 +28,7 @@ StudioCopy::StudioCopy(const CopyServices& services, PreferencesStore& preferenc
 
 StudioCopy::~StudioCopy()
 {
-    // A writer may end inside of this call: its run then finds that nobody waits for it.
+    // A writer may end inside of request_stop(): its run then finds m_isEnding set.
     m_isEnding = true;
     m_stop.request_stop();
 }

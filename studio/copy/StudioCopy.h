@@ -78,7 +78,7 @@ public:
     void recoverOwnTexts();
     void replaceEdited();
 
-    // Call after each change of the batch and each gesture.
+    // Call after each change of the batch and at the end of each gesture.
     void follow();
     // Applies the results that wait if nothing hinders them any more. Called by itself.
     void applyWaiting();

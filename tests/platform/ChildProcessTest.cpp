@@ -83,7 +83,8 @@ TEST(ChildProcess, RunsWhereAndWithWhatItIsGiven)
         shell(u"echo \"$(pwd) $WORD\"; echo err >&2; ls /proc/self/fd | wc -l"_s);
     command.folder = QDir(folder.path()).canonicalPath();
     command.environment.insert(u"WORD"_s, u"ñandú 'x' \"$HOME\""_s);
-    // Held open elsewhere while the program starts; it must not have them.
+    // Another child, whose pipes this process holds open while `command` starts. They must not
+    // be inherited by it.
     const ChildProcess other(shell(u"sleep 1000"_s), {}, hasty);
     const std::string begin = (command.folder + u" ñandú 'x' \"$HOME\"\n"_s).toStdString();
     EXPECT_EQ(ChildProcess(command).wait().output.toStdString(),
