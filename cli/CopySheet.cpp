@@ -2,6 +2,8 @@
 
 #include "platform/AtomicFile.h"
 
+#include <QSet>
+
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -61,16 +63,17 @@ QString CopySheet::readExisting()
         return m_file.errorString();
     m_rows = readTextSheet(whole).rows;
     for (const SheetRow& row : m_rows)
-        m_names.insert(row.name);
+        ++m_rowsToTake[row.name];
     return m_file.seek(whole.size()) ? QString() : m_file.errorString();
 }
 
 QString CopySheet::removeRows(const QStringList& fileNames)
 {
     QSet<QString> removed;
-    for (const QString& name : fileNames)
-        removed.insert(sheetName(name));
-    removed.intersect(m_names);
+    for (const QString& name : fileNames) {
+        if (m_rowsToTake.remove(sheetName(name)))
+            removed.insert(sheetName(name));
+    }
     if (removed.isEmpty() || m_path.isEmpty())
         return {};
     QByteArray kept = textSheetHead();
@@ -84,7 +87,6 @@ QString CopySheet::removeRows(const QStringList& fileNames)
     m_file.close();
     if (const QString error = writeAtomically(m_path, kept); !error.isEmpty())
         return error;
-    m_names.subtract(removed);
     m_rows.removeIf([&](const SheetRow& row) { return removed.contains(row.name); });
     return m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered)
                ? QString()
@@ -95,7 +97,14 @@ QString CopySheet::removeRows(const QStringList& fileNames)
 bool CopySheet::append(const PublicationItem& item)
 {
     const QByteArray row = textSheetRow(item);
-    const bool isWritten = m_file.write(row) == row.size() && m_file.flush();
-    m_names.insert(sheetName(item.url.fileName()));
-    return isWritten;
+    return m_file.write(row) == row.size() && m_file.flush();
+}
+
+bool CopySheet::takeRow(const QString& fileName)
+{
+    const auto left = m_rowsToTake.find(sheetName(fileName));
+    if (left == m_rowsToTake.end() || *left == 0)
+        return false;
+    --*left;
+    return true;
 }

@@ -3,7 +3,7 @@
 #include "studio/sheet/TextSheet.h"
 
 #include <QFile>
-#include <QSet>
+#include <QHash>
 
 // The CSV file that `moltiva generate` writes, a row as soon as it is there; standard output
 // without a path. A file that an earlier command wrote is continued.
@@ -13,7 +13,9 @@ public:
     // success. A row that a killed command left unfinished is removed.
     QString open(const QString& path);
 
-    bool hasRow(const QString& fileName) const { return m_names.contains(sheetName(fileName)); }
+    // Whether an earlier command has written a row for a file of this name. Each row counts once:
+    // photos of several folders may have one name.
+    bool takeRow(const QString& fileName);
     // Removes the rows of these files: others are to be written for them. Returns as open() does.
     QString removeRows(const QStringList& fileNames);
     // Returns whether the row has been written.
@@ -24,6 +26,6 @@ private:
 
     QString m_path;
     QFile m_file;
-    QSet<QString> m_names;    // sheetName()s of the files that have a row
-    QList<SheetRow> m_rows;
+    QList<SheetRow> m_rows;              // of earlier commands
+    QHash<QString, int> m_rowsToTake;    // their numbers, by sheetName()
 };

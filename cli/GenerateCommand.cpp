@@ -7,8 +7,7 @@
 #include "cli/Interrupt.h"
 #include "cli/StoredCopies.h"
 #include "cli/Terminal.h"
-#include "copygen/LocalAIManager.h"
-#include "copygen/LocalAIService.h"
+#include "copygen/LocalEngine.h"
 #include "model/JsonMapping.h"
 #include "model/PlainText.h"
 #include "studio/PhotoImport.h"
@@ -65,13 +64,6 @@ namespace {
 constexpr std::chrono::milliseconds stopLatency{30};
 constexpr qint64 pictureBudget = qint64(1) << 20;    // bytes; no pictures are shown
 constexpr int mostFailuresInRow = 3;
-
-// The engine of this machine.
-struct LocalEngine {
-    EngineProfile profile = engineProfile();
-    LocalAIManager manager{profile};
-    LocalAIService service{profile};
-};
 
 // One run of the command: import, then the copy of each photo in turn.
 class GenerateRun {
@@ -153,17 +145,21 @@ private:
         QStringList others;
         m_outcome.images = int(items.size());
         qint64 missing = 0;
+        PreferencesStore& preferences = m_connection.preferences();
+        const SheetOrder order{m_options.csv, requestOf({})};
+        const bool isOfThisOrder = isLastOrder(preferences, order);
         for (const PublicationItem& item : items) {
-            if (storedCopy(m_connection.preferences(), requestOf(item)))
-                continue;
-            ++missing;
-            others.append(item.url.fileName());
+            const bool isStored = storedCopy(preferences, requestOf(item)).has_value();
+            missing += !isStored;
+            if (!isStored || !isOfThisOrder)
+                others.append(item.url.fileName());
         }
         if (m_sheet) {
             if (const QString problem = m_sheet->removeRows(others); !problem.isEmpty()) {
                 tellOfGeneration(u"no se puede escribir «%1»: %2."_s.arg(m_options.csv, problem));
                 return exitSomeFailed;
             }
+            keepLastOrder(preferences, order);
         }
         if (!isCloud() || missing == 0)
             return {};
@@ -262,8 +258,7 @@ private:
     {
         PublicationItem filled = item;
         applyCopy(filled, copy, textsOf(filled));
-        const bool isThere =
-            isReused && m_sheet && m_sheet->hasRow(item.url.fileName()) && !m_options.csv.isEmpty();
+        const bool isThere = isReused && m_sheet && m_sheet->takeRow(item.url.fileName());
         if (m_sheet && !isThere && !m_sheet->append(filled)) {
             m_outcome.state = CopyOutcome::State::failing;
             m_outcome.reason = u"No se pudo escribir la fila de «%1». Sus textos están guardados: "

@@ -228,7 +228,7 @@ private:
         line.isInstalling = gemma.isInstalling;
         line.canResume = m_manager.canResume();
         line.progress = gemma.progress;
-        line.storedBytes = m_manager.installedSize();
+        line.storedBytes = m_manager.installedSize().result();
         line.downloadSize = m_manager.downloadSize();
         line.licence = m_manager.licenceURL().toString();
         line.freedBytes = freed;

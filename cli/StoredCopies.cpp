@@ -6,12 +6,14 @@
 
 #include <QCryptographicHash>
 #include <QDateTime>
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 const QString storedCopyPrefix = u"moltiva.generatedCopy."_s;
+const QString sheetOrderPrefix = u"moltiva.generatedSheet."_s;
 constexpr qint64 longestKept = 30LL * 24 * 60 * 60 * 1000;    // ms
 
 struct DatedCopy {
@@ -19,15 +21,36 @@ struct DatedCopy {
     qint64 written = 0;    // ms since the epoch
 };
 
-QString keyOf(const CopyRequest& request)
+struct DatedOrder {
+    QString request;    // digestOfRequest()
+    qint64 written = 0;
+};
+
+QByteArray digestOfParts(const QByteArrayList& parts)
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    for (const QByteArray& part : {rawValue(request.mode).toUtf8(), request.photo,
-                                   rawValue(request.format).toUtf8(), request.objective.toUtf8()}) {
+    for (const QByteArray& part : parts) {
         hash.addData(QByteArray::number(part.size()) + ' ');
         hash.addData(part);
     }
-    return storedCopyPrefix + QString::fromLatin1(hash.result().toHex());
+    return hash.result().toHex();
+}
+
+QByteArray digestOfRequest(const CopyRequest& request)
+{
+    return digestOfParts({rawValue(request.mode).toUtf8(), request.photo,
+                          rawValue(request.format).toUtf8(), request.objective.toUtf8()});
+}
+
+QString keyOf(const CopyRequest& request)
+{
+    return storedCopyPrefix + QString::fromLatin1(digestOfRequest(request));
+}
+
+QString keyOf(const SheetOrder& order)
+{
+    const QByteArray path = QFileInfo(order.file).absoluteFilePath().toUtf8();
+    return sheetOrderPrefix + QString::fromLatin1(digestOfParts({path}));
 }
 
 }    // namespace
@@ -38,14 +61,32 @@ struct json::JsonFields<DatedCopy> {
         std::tuple{required("copy", &DatedCopy::copy), required("written", &DatedCopy::written)};
 };
 
+template <>
+struct json::JsonFields<DatedOrder> {
+    static constexpr auto fields = std::tuple{required("request", &DatedOrder::request),
+                                              required("written", &DatedOrder::written)};
+};
+
 namespace {
 
-std::optional<DatedCopy> copyAt(const QString& key, const PreferencesStore& preferences)
+template <typename Dated>
+std::optional<Dated> storedAt(const QString& key, const PreferencesStore& preferences)
 {
-    DatedCopy stored;
+    Dated stored;
     const auto bytes = preferences.value(key);
     return bytes && json::read(json::parsedWithCare(*bytes), stored) ? std::optional(stored)
                                                                      : std::nullopt;
+}
+
+template <typename Dated>
+void removeOld(PreferencesStore& preferences, const QString& prefix)
+{
+    const qint64 oldest = QDateTime::currentMSecsSinceEpoch() - longestKept;
+    for (const QString& key : preferences.keysBeginningWith(prefix)) {
+        const auto stored = storedAt<Dated>(key, preferences);
+        if (!stored || stored->written < oldest)
+            preferences.remove(key);
+    }
 }
 
 }    // namespace
@@ -53,7 +94,7 @@ std::optional<DatedCopy> copyAt(const QString& key, const PreferencesStore& pref
 std::optional<GeneratedCopy> storedCopy(const PreferencesStore& preferences,
                                         const CopyRequest& request)
 {
-    const auto stored = copyAt(keyOf(request), preferences);
+    const auto stored = storedAt<DatedCopy>(keyOf(request), preferences);
     return stored ? std::optional(stored->copy) : std::nullopt;
 }
 
@@ -66,15 +107,24 @@ bool storeCopy(PreferencesStore& preferences, const CopyRequest& request, const 
     });
 }
 
+bool isLastOrder(const PreferencesStore& preferences, const SheetOrder& order)
+{
+    const auto stored = storedAt<DatedOrder>(keyOf(order), preferences);
+    return stored && stored->request.toLatin1() == digestOfRequest(order.request);
+}
+
+void keepLastOrder(PreferencesStore& preferences, const SheetOrder& order)
+{
+    const DatedOrder stored{QString::fromLatin1(digestOfRequest(order.request)),
+                            QDateTime::currentMSecsSinceEpoch()};
+    preferences.setValue(keyOf(order), json::written(stored));
+}
+
 void removeOldCopies(PreferencesStore& preferences)
 {
-    const qint64 oldest = QDateTime::currentMSecsSinceEpoch() - longestKept;
     preferences.transaction([&] {
-        for (const QString& key : preferences.keysBeginningWith(storedCopyPrefix)) {
-            const auto stored = copyAt(key, preferences);
-            if (!stored || stored->written < oldest)
-                preferences.remove(key);
-        }
+        removeOld<DatedCopy>(preferences, storedCopyPrefix);
+        removeOld<DatedOrder>(preferences, sheetOrderPrefix);
         return true;
     });
 }

@@ -24,4 +24,15 @@ std::optional<GeneratedCopy> storedCopy(const PreferencesStore& preferences,
 bool storeCopy(PreferencesStore& preferences, const CopyRequest& request, const GeneratedCopy& copy,
                const Strike& strike = {});
 
+// What the rows of a sheet are for. The photo in `request` is left empty.
+struct SheetOrder {
+    QString file;
+    CopyRequest request;
+};
+
+// Whether the sheet was last written for this order. Another order's rows must not stay in it.
+bool isLastOrder(const PreferencesStore& preferences, const SheetOrder& order);
+void keepLastOrder(PreferencesStore& preferences, const SheetOrder& order);
+
+// Removes what was stored more than thirty days ago.
 void removeOldCopies(PreferencesStore& preferences);

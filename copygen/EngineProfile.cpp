@@ -145,7 +145,7 @@ EngineProfile llamaProfile(const LocalAIInstallation& installation, const LlamaP
 
 EngineProfile configuredProfile(const CopyEndpoint& endpoint)
 {
-    const QString place = endpoint.url.authority();
+    const QString place = endpoint.url.authority().section(u'@', -1);    // shows no password
     EngineProfile profile;
     profile.kind = EngineKind::configured;
     profile.endpoint = endpoint;

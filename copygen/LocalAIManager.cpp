@@ -132,9 +132,12 @@ qint64 LocalAIManager::downloadSize() const
     return 0;
 }
 
-qint64 LocalAIManager::installedSize() const
+QFuture<qint64> LocalAIManager::installedSize() const
 {
-    return needsInstallation() ? directorySize({m_profile.installation.gemmaDirectory()}) : 0;
+    if (!needsInstallation())
+        return QtFuture::makeReadyFuture(qint64(0));
+    return tryOnWorker(
+        [folder = m_profile.installation.gemmaDirectory()] { return directorySize({folder}); });
 }
 
 qint64 LocalAIManager::storedBytes() const
@@ -300,8 +303,8 @@ QCoro::Task<> LocalAIManager::installGemma()
     }
     if (failure.isEmpty()) {
         const QPointer<LocalAIManager> self(this);
-        const QStringList arguments{u"-lc"_s, m_profile.installScript()};
         try {
+            const QStringList arguments{u"-lc"_s, m_profile.installScript()};
             co_await m_runner.run(u"/bin/bash"_s, arguments, longestInstallation);
         } catch (const LocalAIProcessError& error) {
             failure = error.message;

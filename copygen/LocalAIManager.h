@@ -9,6 +9,7 @@
 #include <QCoroTask>
 #include <QElapsedTimer>
 #include <QFileSystemWatcher>
+#include <QFuture>
 #include <QMap>
 #include <QObject>
 #include <QTimer>
@@ -57,9 +58,9 @@ public:
 
     const QString& engineTitle() const { return m_profile.modelName; }
     const QString& engineSubtitle() const { return m_profile.subtitle; }
-    QString machineNote() const;     // a warning about the processor; mostly empty
-    qint64 downloadSize() const;     // bytes of the model
-    qint64 installedSize() const;    // bytes that uninstalling frees; looks at every file
+    QString machineNote() const;              // a warning about the processor; mostly empty
+    qint64 downloadSize() const;              // bytes of the model
+    QFuture<qint64> installedSize() const;    // bytes that uninstalling frees
     qint64 freedBytes() const { return m_freedBytes; }    // by the last uninstallGemma()
     QUrl licenceURL() const { return QUrl(m_profile.licenceURL); }
 

@@ -45,6 +45,9 @@ class PartFile {
 public:
     explicit PartFile(const QString& path) : m_file(path)
     {
+        // Downloads make regular files only. Through a link, another file would be overwritten.
+        if (const QFileInfo there(path); there.isSymLink() || (there.exists() && !there.isFile()))
+            m_file.remove();
         // Unbuffered, so that nothing that was received is lost with a killed process.
         m_isOpen =
             m_file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) && m_digest.addData(&m_file);

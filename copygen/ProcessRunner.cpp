@@ -77,13 +77,16 @@ QCoro::Task<> ProcessRunner::run(QString executable, QStringList arguments,
     const std::stop_token stop = m_stop.get_token();
     const auto runChild = [command, stop] {
         ChildProcess child(command);
-        return child.wait(stop);
+        const ChildOutcome outcome = child.wait(stop);
+        // Here, because nothing resumes below when the program ends meanwhile.
+        if (outcome.isSuccess() || outcome.kind == ChildOutcome::Kind::stopped)
+            QFile::remove(command.log);
+        return outcome;
     };
     auto ended = m_thread.run(runChild);
     const ChildOutcome outcome = co_await ended;
     if (!outcome.isSuccess() && outcome.kind != ChildOutcome::Kind::stopped)
         throw LocalAIProcessError{failureOf(outcome, logFile)};
-    QFile::remove(logFile);
     if (outcome.kind == ChildOutcome::Kind::stopped)
         throw LocalAIProcessError{u"Instalación cancelada."_s};
 }

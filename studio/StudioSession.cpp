@@ -155,7 +155,7 @@ void StudioSession::finishRestore(const std::optional<Batch>& restored)
         setStatus(sentence, StatusKind::done);
     }
     // Copies for a batch that is set aside wait for it.
-    if (!hasWorkspaceAside())
+    if (!hasWorkspaceAside() && !m_workspace.isAsideDue())
         m_copy.dropPaid();
     if (const QString problem = m_workspace.takeProblem(); !problem.isEmpty())
         setStatus(problem, StatusKind::warning);

@@ -28,6 +28,8 @@ public:
     // Whether a document is set aside: a stored batch that could be restored only in part. It
     // remains set aside until it can be restored completely.
     bool hasAside() const;
+    // Whether a document is still to be set aside, because that has failed so far.
+    bool isAsideDue() const { return m_notYetAside.has_value(); }
     void restoreAside();
     // Removes the last document set aside, after it was restored completely. Does nothing if the
     // last save failed.

@@ -33,9 +33,11 @@ public:
     {
         if (isValid() && kind == QAccessible::Name)
             return m_grid->accessibleText(m_index);
-        if (isValid() && kind == QAccessible::Description)
-            return m_grid->tiles()[m_index].warnings.join(u' ');
-        return {};
+        if (!isValid() || kind != QAccessible::Description)
+            return {};
+        const Tile& tile = m_grid->tiles()[m_index];
+        const QStringList answer(tile.answer);
+        return (tile.answer.isEmpty() ? tile.warnings : answer + tile.warnings).join(u' ');
     }
     void setText(QAccessible::Text, const QString&) override {}
     QRect rect() const override

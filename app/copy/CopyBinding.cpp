@@ -35,7 +35,11 @@ CopyBinding::CopyBinding(StudioSession& session, AccountSession& account, Compos
     connectRow();
     connect(&session, &StudioSession::copyChanged, this, &CopyBinding::show);
     connect(&session, &StudioSession::generationModeChanged, this, &CopyBinding::show);
-    connect(&session, &StudioSession::activityChanged, this, &CopyBinding::show);
+    connect(&session, &StudioSession::activityChanged, this, [this](Activity::Kind kind) {
+        if (kind == Activity::Kind::importing)
+            show();
+    });
+    connect(&session.copy(), &StudioCopy::starting, bar, &ComposeBar::finishEdit);
     connect(&account, &AccountSession::changed, this, &CopyBinding::show);
     show();
 }
@@ -43,7 +47,7 @@ CopyBinding::CopyBinding(StudioSession& session, AccountSession& account, Compos
 void CopyBinding::connectBar()
 {
     connect(m_bar, &ComposeBar::modeChosen, &m_session, &StudioSession::setGenerationMode);
-    connect(m_bar, &ComposeBar::cancelRequested, this, &CopyBinding::cancel);
+    connect(m_bar, &ComposeBar::cancelRequested, &m_session.copy(), &StudioCopy::cancel);
 }
 
 void CopyBinding::connectRow()
@@ -71,13 +75,6 @@ void CopyBinding::setLocalEngine(LocalAIManager& manager, const LocalAIService& 
     show();
 }
 
-void CopyBinding::cancel()
-{
-    m_isStopping = true;
-    m_session.copy().cancel();
-    show();
-}
-
 // Tells in the status line how an installation or its removal has ended.
 void CopyBinding::followManager()
 {
@@ -92,7 +89,6 @@ void CopyBinding::followManager()
 
 void CopyBinding::show()
 {
-    m_isStopping = m_isStopping && m_session.isAnalyzing();
     m_bar->setState(composeState());
     const bool isInstalling = m_manager && m_manager->isInstallingGemma();
     if (m_session.generationMode() == CopyGenerationMode::cloud && !isInstalling)
@@ -123,7 +119,7 @@ ComposeState CopyBinding::composeState() const
         state.run = ComposeRun{.position = copy.position(),
                                .finished = copy.finished(),
                                .total = copy.total(),
-                               .isStopping = m_isStopping};
+                               .isStopping = copy.isStopping()};
     }
     return state;
 }

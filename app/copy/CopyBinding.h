@@ -30,7 +30,6 @@ private:
     ComposeState composeState() const;
     EngineShown cloudShown() const;
     EngineShown engineShown() const;
-    void cancel();
     void followManager();
 
     StudioSession& m_session;
@@ -39,6 +38,5 @@ private:
     EngineRow* m_row;
     LocalAIManager* m_manager = nullptr;
     const LocalAIService* m_service = nullptr;
-    bool m_isStopping = false;    // the run has been cancelled and has not ended yet
-    bool m_wasBusy = false;       // an installation or its removal was under way
+    bool m_wasBusy = false;    // an installation or its removal was under way
 };

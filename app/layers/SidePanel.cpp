@@ -40,6 +40,9 @@ SidePanel::SidePanel(QWidget* parent)
     QScrollArea* texts = scrolled(m_text);
     auto* empty = new QWidget;
     m_emptyRows = new PanelLayout(empty);
+    QMargins margins = m_emptyRows->contentsMargins();
+    margins.setRight(margins.left());    // this page has no scroll bar
+    m_emptyRows->setContentsMargins(margins);
     m_emptyRows->addWidget(
         new EmptyNote(
             Icon::slotTitle, u"Aquí editarás los textos"_s,

@@ -3,17 +3,27 @@
 #include "app/settings/LocalAIDetailPanel.h"
 #include "copygen/LocalAIManager.h"
 
+#include <QCoroFuture>
+#include <QPointer>
+
 using namespace Qt::StringLiterals;
 
 LocalAIBinding::LocalAIBinding(LocalAIManager& manager, LocalAIDetailPanel* panel)
     : QObject(panel), m_manager(manager), m_panel(panel)
 {
     connect(&manager, &LocalAIManager::changed, this, &LocalAIBinding::show);
-    connect(panel, &LocalAIDetailPanel::uninstallPressed, this,
-            [this] { m_panel->askUninstall(formatBytes(m_manager.installedSize())); });
+    connect(panel, &LocalAIDetailPanel::uninstallPressed, this, [this] { askUninstall(); });
     connect(panel, &LocalAIDetailPanel::uninstallConfirmed, this,
             [this] { m_manager.uninstallGemma(); });
     show();
+}
+
+QCoro::Task<> LocalAIBinding::askUninstall()
+{
+    const QPointer<LocalAIBinding> self(this);
+    const qint64 size = co_await m_manager.installedSize();
+    if (self)
+        m_panel->askUninstall(formatBytes(size));
 }
 
 void LocalAIBinding::show()

@@ -1,4 +1,5 @@
 #pragma once
+#include <QCoroTask>
 #include <QObject>
 
 class LocalAIDetailPanel;
@@ -15,6 +16,7 @@ public:
 private:
     LocalAIShown shown() const;
     void show();
+    QCoro::Task<> askUninstall();    // tells how many bytes that frees
 
     LocalAIManager& m_manager;
     LocalAIDetailPanel* m_panel;

@@ -282,6 +282,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     // Ends edits before saving, so that text which is still being typed is saved with the batch.
     m_shell->composeBar()->finishEdit();
     m_focus->goToCanvas();
+    m_session.copy().applyBeforeEnd();
     m_session.saveWorkspace();
     m_look->keepGeometry();
     QWidget::closeEvent(event);

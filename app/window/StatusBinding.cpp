@@ -75,8 +75,6 @@ QString StatusBinding::stopText() const
 {
     const Activity* foremost = m_session.activities().foremost();
     switch (foremost ? foremost->kind : Activity::Kind::importing) {
-    case Activity::Kind::installing:
-        return u"Cancelar la instalación"_s;
     case Activity::Kind::generating:
         return u"Cancelar la generación"_s;
     case Activity::Kind::exporting:

@@ -6,8 +6,7 @@
 #include "app/window/SingleInstance.h"
 #include "cli/CommandLine.h"
 #include "cli/ExitStatus.h"
-#include "copygen/LocalAIManager.h"
-#include "copygen/LocalAIService.h"
+#include "copygen/LocalEngine.h"
 #include "platform/EndingSignals.h"
 #include "platform/Memory.h"
 #include "platform/PreferencesStore.h"
@@ -129,16 +128,14 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     const auto photos = std::make_shared<PhotoCache>(thumbnailFolder());
     ConnectedAccount account(configuration, preferences, userDataFolder(),
                              {.openInBrowser = &QDesktopServices::openUrl});
-    const EngineProfile engine = engineProfile();
-    LocalAIManager manager(engine);
-    LocalAIService service(engine);
+    LocalEngine engine;
     StudioSession session(photos, preferences);
     session.setAccountSession(account.session());
     session.setCreditJournal(account.journal(), stagingPlace());
     session.setCloudCopyService({&account.api()});
-    session.setLocalCopyWriter(localCopyWriter(manager, service));
+    session.setLocalCopyWriter(localCopyWriter(engine.manager, engine.service));
     MainWindow window(session, account.session(), photos, preferences);
-    window.setLocalEngine(manager, service);
+    window.setLocalEngine(engine.manager, engine.service);
     QObject::connect(&instance, &SingleInstance::handedOver, &window, [&window](const auto& urls) {
         window.comeForward();
         window.open(urls);

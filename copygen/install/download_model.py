@@ -1,5 +1,6 @@
 """Downloads the model and tells its size: download_model.py REPOSITORY FOLDER"""
 
+import contextlib
 import json
 import os
 import sys
@@ -12,6 +13,8 @@ progress_file = os.environ["PROGRESS_FILE"]
 
 def write_progress(stage, fraction, total_bytes):
     progress = {"stage": stage, "fraction": fraction, "totalBytes": total_bytes}
+    with contextlib.suppress(FileNotFoundError):
+        os.remove(progress_file + ".new")  # a link is not written through
     with open(progress_file + ".new", "w", encoding="utf-8") as file:
         file.write(json.dumps(progress, ensure_ascii=False) + "\n")
     os.replace(progress_file + ".new", progress_file)

@@ -1,6 +1,7 @@
 # Written before this text: set -euo pipefail, and the variables with capital letters.
 
 write_progress() {
+    rm -f "$PROGRESS_FILE.new"    # a link is not written through
     printf '{"stage":"%s","fraction":%s,"totalBytes":%s}\n' "$1" "$2" "$3" > "$PROGRESS_FILE.new"
     mv -f "$PROGRESS_FILE.new" "$PROGRESS_FILE"
 }
@@ -57,7 +58,8 @@ if ! engine_runs; then
         exit 44
     fi
 else
-    rm -f "$ENGINE_ARCHIVE" "$ENGINE_ARCHIVE.part"    # of an interrupted installation
+    # What an interrupted installation left.
+    rm -rf "$ENGINE_ARCHIVE" "$ENGINE_ARCHIVE.part" "$ENGINE_DIRECTORY.new"
 fi
 
 write_progress "Calculando tamaño del modelo" 0.12 0

@@ -1,6 +1,7 @@
 # Written before this text: set -euo pipefail, and the variables with capital letters.
 
 write_progress() {
+    rm -f "$PROGRESS_FILE.new"    # a link is not written through
     printf '{"stage":"%s","fraction":%s,"totalBytes":%s}\n' "$1" "$2" "$3" > "$PROGRESS_FILE.new"
     mv -f "$PROGRESS_FILE.new" "$PROGRESS_FILE"
 }

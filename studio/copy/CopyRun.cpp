@@ -26,6 +26,7 @@ void StudioCopy::start(const QList<Job>& jobs, Offers offers)
 {
     if (m_isRunning)
         return;
+    Q_EMIT starting();
     CopyOutcome outcome;
     outcome.mode = m_mode;
     outcome.images = int(jobs.size());
@@ -60,7 +61,7 @@ void StudioCopy::start(const QList<Job>& jobs, Offers offers)
     m_isWritten = false;
     m_isRunning = true;
     if (m_mode == CopyGenerationMode::local)
-        Q_EMIT working(u"Preparando Gemma 4 E2B local..."_s);
+        Q_EMIT working(u"Preparando %1 local..."_s.arg(m_writer.engineName()));
     Q_EMIT changed();
     runToEnd(this);
 }
@@ -156,8 +157,11 @@ std::optional<StudioCopy::Order> StudioCopy::nextOrder()
 
 QCoro::Task<> StudioCopy::writeHere(QPointer<StudioCopy> self, Order order)
 {
-    Q_EMIT self->working(
-        u"Generando con Gemma %1 de %2"_s.arg(self->position()).arg(self->total()));
+    const auto& gemma = row(LocalAIEngine::gemma4E2B);
+    const QString name = self->m_writer.engineName();
+    Q_EMIT self->working(u"Generando con %1 %2 de %3"_s.arg(
+        name == gemma.title ? gemma.shortTitle.toString() : name, QString::number(self->position()),
+        QString::number(self->total())));
     const CloudCopyOrder& asked = order.copy;
     QCoro::Task<GeneratedCopy> writing =
         self->m_writer.write(asked.photo, asked.objective, asked.format, asked.stop);

@@ -22,7 +22,7 @@ struct LocalCopyWriter {
     std::function<bool(const GeneratedCopy&)> isMissingAnswer;
     // The engine row's detail while the engine cannot write; empty when it can.
     std::function<QString()> whyNotReady;
-    std::function<QString()> engineName;    // for the user
+    std::function<QString()> engineName;    // as the engine row shows it
 };
 
 // Refers to both arguments, which must outlive it.

@@ -58,11 +58,21 @@ int StudioCopy::finished() const
     }));
 }
 
+QSet<QUuid> StudioCopy::presentItems() const
+{
+    QSet<QUuid> items;
+    for (const PublicationItem& item : m_services.batch().items)
+        items.insert(item.id);
+    return items;
+}
+
 int StudioCopy::waiting() const
 {
-    return int(std::ranges::count_if(m_waiting, [this](const Result& result) {
-        return itemWith(m_jobs[result.job].item) != nullptr;
-    }));
+    if (m_waiting.isEmpty())
+        return 0;
+    const QSet<QUuid> items = presentItems();
+    return int(std::ranges::count_if(
+        m_waiting, [&](const Result& result) { return items.contains(m_jobs[result.job].item); }));
 }
 
 QString StudioCopy::whyWaiting() const
@@ -121,12 +131,6 @@ void StudioCopy::analyzeSelected()
     for (const int index : BatchSelection::selectedIndicesForBatch(batch))
         jobs.append(jobOf(batch.items[index]));
     start(jobs, Offers::end);
-}
-
-void StudioCopy::analyzeItem(QUuid item)
-{
-    if (const PublicationItem* const found = itemWith(item))
-        start({jobOf(*found)}, Offers::end);
 }
 
 void StudioCopy::proposeAnother(QUuid item, CopySlot slot)
@@ -190,9 +194,7 @@ void StudioCopy::endQueue()
 // run: an undo may bring it back.
 QList<StudioCopy::Result> StudioCopy::applicable()
 {
-    QSet<QUuid> items;
-    for (const PublicationItem& item : m_services.batch().items)
-        items.insert(item.id);
+    const QSet<QUuid> items = presentItems();
     QList<Result> present, absent;
     for (const Result& result : std::as_const(m_waiting))
         (items.contains(m_jobs[result.job].item) ? present : absent).append(result);
@@ -257,15 +259,35 @@ void StudioCopy::applyWaiting()
     if (!m_waiting.isEmpty() && isHindered) {
         if (hindrance == CopyHindrance::editing)
             m_later.start(pauseBeforeTryingAgain);
-        Q_EMIT changed();
+        showHindrance(hindrance);
         return;
     }
+    m_shownHindrance = CopyHindrance::none;
     if (const QList<Result> results = applicable(); !results.isEmpty())
         apply(results);
     if (m_isWritten)
         finish();
     else
         Q_EMIT changed();
+}
+
+// Receivers of changed() show the whole batch again, so it is not emitted at every attempt.
+void StudioCopy::showHindrance(CopyHindrance hindrance)
+{
+    const int count = waiting();
+    const bool isShown = hindrance == m_shownHindrance && count == m_shownWaiting;
+    m_shownHindrance = hindrance;
+    m_shownWaiting = count;
+    if (!isShown)
+        Q_EMIT changed();
+}
+
+void StudioCopy::applyBeforeEnd()
+{
+    if (!m_isRunning)
+        return;
+    if (const QList<Result> results = applicable(); !results.isEmpty())
+        apply(results);
 }
 
 void StudioCopy::apply(const QList<Result>& results)

@@ -47,6 +47,10 @@ public:
     void setMode(CopyGenerationMode mode) { m_mode = mode; }    // of the next run
 
     bool isAnalyzing() const { return m_isRunning; }
+    bool isStopping() const
+    {
+        return m_isRunning && m_outcome.state == CopyOutcome::State::cancelled;
+    }
     CopyGenerationMode runMode() const { return m_outcome.mode; }    // of the latest run
     CopyState stateOf(QUuid item) const;
     // Why an `unanswered` item has no texts, a sentence; empty for any other.
@@ -64,7 +68,6 @@ public:
 
     // Each starts a run; does nothing during another one.
     void analyzeSelected();
-    void analyzeItem(QUuid item);
     // Writes only the text of `slot`.
     void proposeAnother(QUuid item, CopySlot slot);
     // Ends the run after what has been generated; an image in course ends at once.
@@ -80,6 +83,8 @@ public:
 
     // Call after each change of the batch and at the end of each gesture.
     void follow();
+    // Applies the results that wait, whatever hinders them: the program is about to end.
+    void applyBeforeEnd();
     // Applies the results that wait if nothing hinders them any more. Called by itself.
     void applyWaiting();
     // Applies copies that an earlier run paid for to the items of a restored batch. Returns how
@@ -89,7 +94,8 @@ public:
     void dropPaid();
 
 Q_SIGNALS:
-    void changed();    // anything that the functions above return
+    void starting();    // a run is asked for: receivers end the edit of the objective
+    void changed();     // anything that the functions above return
     void working(const QString& sentence);
     void ended(const CopyOutcome& outcome);
     void told(const QString& sentence);    // what an action has done
@@ -145,7 +151,9 @@ private:
     void stopFailing();
     void setState(qsizetype job, CopyState state);
     void endQueue();
+    QSet<QUuid> presentItems() const;
     QList<Result> applicable();
+    void showHindrance(CopyHindrance hindrance);
     void apply(const QList<Result>& results);
     void note(const CopyMerge& merge);
     void finish();
@@ -174,4 +182,7 @@ private:
     CopyOutcome m_outcome;
     QList<CopyChange> m_replaced, m_kept;
     QTimer m_later;    // tries again while somebody drags or types
+    // What changed() was last emitted for while results could not be applied.
+    CopyHindrance m_shownHindrance = CopyHindrance::none;
+    int m_shownWaiting = 0;
 };

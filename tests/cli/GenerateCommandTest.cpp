@@ -88,6 +88,11 @@ TEST_F(GenerateCommandTest, writesARowPerPhotoAndNeverPaysForOneTwice)
     EXPECT_EQ(runCloud({photo(u"a.png"_s)}, u"Regalar"_s).status, 0);
     EXPECT_EQ(requests(), (QStringList{u"reserve"_s, u"generate"_s}));
     EXPECT_EQ(rows(), QStringList{u"a.png: Dos"_s}) << "another objective has other texts";
+    for (int times = 0; times < 2; ++times) {
+        EXPECT_EQ(runCloud({photo(u"a.png"_s)}).status, 0);
+        EXPECT_EQ(requests(), QStringList());
+        EXPECT_EQ(rows(), QStringList{u"a.png: Uno"_s}) << "the first objective's again";
+    }
 }
 
 TEST_F(GenerateCommandTest, aKilledCommandGoesOnWhereItStopped)

@@ -145,6 +145,7 @@ TEST(InstallScripts, theEngineInThePathOfTheStudioIsEnough)
     const QString archive = trial.installation.gemmaDirectory() + u"/engine.tar.gz"_s;
     writeFile(archive, "left by an interrupted installation");
     writeFile(archive + u".part"_s, "half");
+    writeFile(trial.installation.engineDirectory() + u".new/half"_s, "half");
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", QFile::encodeName(trial.home.path()) + ':' + path);
     const QString script = trial.profile().installScript();

@@ -199,7 +199,7 @@ TEST(LocalAIManager, onlyThePinnedFilesCountAsDownloaded)
     EXPECT_EQ(manager.gemmaStatus().detail,
               u"Runtime instalado, falta descargar el modelo. Pulsa Instalar para continuar."_s);
     EXPECT_FALSE(manager.canResume());
-    EXPECT_GE(manager.installedSize(), 400'000);    // all of it goes
+    EXPECT_GE(manager.installedSize().result(), 400'000);    // all of it goes
     writeFile(trial.modelFile() + u".part"_s, "half");
     manager.refresh();
     EXPECT_EQ(manager.gemmaStatus().detail,

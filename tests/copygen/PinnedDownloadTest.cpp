@@ -53,6 +53,18 @@ TEST(PinnedDownload, aServerWithoutRangesIsReadPastWhatIsStored)
     EXPECT_TRUE(trial.isWhole());
 }
 
+TEST(PinnedDownload, aPartThatIsALinkIsNotWrittenThrough)
+{
+    Download trial;
+    const QString foreign = trial.folder.filePath(u"foreign"_s);
+    writeFile(foreign, "of somebody else");
+    ASSERT_TRUE(QFile::link(foreign, trial.path + u".part"_s));
+    EXPECT_EQ(trial.fetch().status, 0);
+    EXPECT_TRUE(trial.isWhole());
+    EXPECT_FALSE(QFileInfo(trial.path).isSymLink());
+    EXPECT_EQ(contentOf(foreign), "of somebody else");
+}
+
 TEST(PinnedDownload, anotherFileIsRefusedAndADamagedPartIsFetchedAnew)
 {
     Download trial;

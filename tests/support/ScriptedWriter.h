@@ -32,7 +32,7 @@ public:
             .isMissingAnswer =
                 [](const GeneratedCopy& copy) { return copy.title == missing().title; },
             .whyNotReady = [this] { return notReady; },
-            .engineName = [] { return QStringLiteral("Gemma 4 E2B"); }};
+            .engineName = [this] { return engineName; }};
     }
     bool isWriting() const { return !calls.isEmpty() && !calls.last()->isOver; }
     void answer(const GeneratedCopy& copy)
@@ -59,6 +59,7 @@ public:
 
     QList<std::shared_ptr<Call>> calls;
     QString notReady;
+    QString engineName = QStringLiteral("Gemma 4 E2B");
 
 private:
     static QCoro::Task<GeneratedCopy> answerOf(std::shared_ptr<Call> call, std::stop_token stop)

@@ -109,7 +109,13 @@ TEST_F(StudioCopyTest, resultsWaitForGesturesTypingAndWhatCanBeRedone)
     answer(u"2"_s);
     EXPECT_EQ(title(1), placeholderTitle);
     now += std::chrono::milliseconds(700);
-    copy().applyWaiting();
+    int shown = 0;
+    const auto counting =
+        QObject::connect(&copy(), &StudioCopy::changed, &session, [&shown] { ++shown; });
+    for (int attempts = 0; attempts < 3; ++attempts)
+        copy().applyWaiting();
+    QObject::disconnect(counting);
+    EXPECT_EQ(shown, 0) << "attempts that change nothing show nothing";
     EXPECT_EQ(title(1), placeholderTitle) << "another key may still join";
     rest();
     EXPECT_EQ(title(1), u"Título 2"_s);
@@ -133,6 +139,37 @@ TEST_F(StudioCopyTest, resultsWaitForGesturesTypingAndWhatCanBeRedone)
     EXPECT_EQ(title(3), u"Título 4"_s);
     EXPECT_EQ(text(0, CopySlot::subtitle), u"Otra cosa"_s);
     EXPECT_EQ(told(), u"Textos generados para 4 imagen(es)."_s);
+}
+
+TEST_F(StudioCopyTest, whatWaitsIsAppliedBeforeTheProgramEnds)
+{
+    load({u"a"_s, u"b"_s});
+    session.selectAll();
+    copy().analyzeSelected();
+    session.setTyping(true);
+    answer(u"1"_s);
+    EXPECT_EQ(title(0), placeholderTitle);
+    copy().applyBeforeEnd();
+    EXPECT_EQ(titles(), (QStringList{u"Título 1"_s, placeholderTitle}));
+}
+
+TEST_F(StudioCopyTest, theObjectiveThatIsStillTypedAndTheEngineOfTheUserCount)
+{
+    load({u"a"_s});
+    writer.engineName = u"gemma-3-12b-it"_s;
+    QObject::connect(&copy(), &StudioCopy::starting, &session,
+                     [this] { session.setObjective(u"Recién escrito"_s); });
+    QStringList steps;
+    QObject::connect(&copy(), &StudioCopy::working, &session,
+                     [&](const QString& sentence) { steps.append(sentence); });
+    copy().proposeAnother(session.batch().items[0].id, CopySlot::title);
+    ASSERT_TRUE(turnUntil([this] { return writer.isWriting(); }));
+    EXPECT_EQ(writer.calls.last()->objective, u"Recién escrito"_s);
+    EXPECT_EQ(steps, (QStringList{u"Preparando gemma-3-12b-it local..."_s,
+                                  u"Generando con gemma-3-12b-it 1 de 1"_s}));
+    copy().cancel();
+    EXPECT_TRUE(copy().isStopping());
+    EXPECT_TRUE(turnUntil([this] { return !session.isAnalyzing(); }));
 }
 
 TEST_F(StudioCopyTest, ownTextsThatWereReplacedComeBackInOneStep)
