@@ -63,6 +63,7 @@ LocalAIDetailPanel::LocalAIDetailPanel(QWidget* parent)
     rows()->addWidget(m_stages);
     rows()->addWidget(m_state);
     rows()->addWidget(m_failure);
+    m_open->setFlush();
     rows()->addWidget(m_open, 0, Qt::AlignLeft);
     rows()->addStretch(1);
     buildFoot();
@@ -131,6 +132,7 @@ void LocalAIDetailPanel::setShown(const LocalAIShown& shown)
     m_name->setText(shown.name);
     m_badge->setText(badgeOf(presence));
     m_about->setText(shown.about);
+    m_about->setVisible(!shown.about.isEmpty());
     m_work->setVisible(isInstalling);
     m_message->setText(shown.message);
     m_percent->setText(shown.progress ? u"%1 %"_s.arg(qRound(*shown.progress * 100)) : QString());

@@ -9,10 +9,26 @@
 
 namespace {
 constexpr int sidePadding = 8, labelTop = 6;
-}
+
+// Elides its text while it is not being edited. The text starts at the left edge.
+class RestingEdit : public QLineEdit {
+public:
+    using QLineEdit::QLineEdit;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        if (hasFocus() || textWidth(Type::body, text()) <= width())
+            return QLineEdit::paintEvent(event);
+        QPainter painter(this);
+        paintText(painter, rect(), Qt::AlignLeft, Type::body, themeOf(this).text, text());
+    }
+};
+
+}    // namespace
 
 TextField::TextField(const QString& label, const QString& placeholder, QWidget* parent)
-    : QWidget(parent), m_label(label), m_edit(new QLineEdit(this))
+    : QWidget(parent), m_label(label), m_edit(new RestingEdit(this))
 {
     m_edit->setFrame(false);
     m_edit->setTextMargins(-2, 0, 0, 0);    // QLineEdit itself adds a margin of two pixels
