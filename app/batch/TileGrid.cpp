@@ -1,6 +1,7 @@
 #include "app/batch/TileGrid.h"
 
 #include "app/batch/TilePainting.h"
+#include "app/controls/PartsAccessible.h"
 #include "app/theme/Icons.h"
 #include "app/theme/Painting.h"
 
@@ -108,22 +109,15 @@ void TileGrid::setTiles(const QList<Tile>& tiles)
         m_spin.stop();
 
     const int current = currentIndex();
-    const auto tell = [this, current](QAccessible::Event change) {
-        if (!QAccessible::isActive())
-            return;
-        QAccessibleEvent event(this, change);
-        event.setChild(current);
-        QAccessible::updateAccessibility(&event);
-    };
     if (current >= 0 && tiles[current].id != former.id) {
         showCurrent();
         if (hasFocus())
-            tell(QAccessible::Focus);
+            tellPart(this, QAccessible::Focus, current);
     } else if (current >= 0) {
         if (accessibleText(current) != formerName)
-            tell(QAccessible::NameChanged);
-        if (tiles[current].warnings != former.warnings)
-            tell(QAccessible::DescriptionChanged);
+            tellPart(this, QAccessible::NameChanged, current);
+        if (tiles[current].warnings != former.warnings || tiles[current].answer != former.answer)
+            tellPart(this, QAccessible::DescriptionChanged, current);
     }
     forgetDistant();
     wishLater();

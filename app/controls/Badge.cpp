@@ -1,5 +1,6 @@
 #include "app/controls/Badge.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/theme/Painting.h"
 
 namespace {
@@ -8,6 +9,7 @@ constexpr int badgePadding = 6, badgeIconSide = 14, badgeIconGap = 5;
 
 Badge::Badge(const QString& text, QWidget* parent) : QWidget(parent)
 {
+    setAccessibleRole(this, QAccessible::StaticText);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setText(text);
 }

@@ -1,5 +1,6 @@
 #include "app/controls/Caption.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/theme/Painting.h"
 
 #include <QHelpEvent>
@@ -8,6 +9,7 @@
 Caption::Caption(Type type, QColor Theme::*ink, const QString& text, QWidget* parent)
     : QWidget(parent), m_type(type), m_ink(ink)
 {
+    setAccessibleRole(this, QAccessible::StaticText);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setText(text);
 }

@@ -1,6 +1,7 @@
 #include "app/controls/CostChip.h"
 
 #include "account/AccountTexts.h"
+#include "app/controls/AccessibleRole.h"
 #include "app/theme/Icons.h"
 #include "app/theme/Painting.h"
 
@@ -18,6 +19,7 @@ int digitsOf(qint64 number)
 
 CostChip::CostChip(int digits, QWidget* parent) : QWidget(parent), m_digits(digits)
 {
+    setAccessibleRole(this, QAccessible::StaticText);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setAccessibleName(spoken());
 }

@@ -1,5 +1,6 @@
 #include "app/controls/KeyHint.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/theme/Painting.h"
 
 namespace {
@@ -23,6 +24,7 @@ double widthOf(const KeyHint& hint)
 
 KeyHints::KeyHints(const QList<KeyHint>& hints, QWidget* parent) : QWidget(parent)
 {
+    setAccessibleRole(this, QAccessible::StaticText);
     setHints(hints);
 }
 

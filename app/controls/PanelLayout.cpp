@@ -24,9 +24,12 @@ void PanelLayout::addRow(const QList<QWidget*>& widgets, int gapAbove)
     addSpacing(gapAbove);
     auto* row = new QHBoxLayout;
     row->setSpacing(fieldGap);
-    for (QWidget* widget : widgets)
+    for (QWidget* widget : widgets) {
         row->addWidget(widget,
                        widget->sizePolicy().horizontalPolicy() == QSizePolicy::Fixed ? 0 : 1);
+        if (widget->parentWidget())
+            widget->raise();    // screen readers go through widgets in the order of their stack
+    }
     addLayout(row);
 }
 

@@ -1,5 +1,6 @@
 #include "app/controls/Paragraph.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/theme/Painting.h"
 
 #include <QHelpEvent>
@@ -33,6 +34,7 @@ QStringList wrappedRows(const QString& text, Type type, double width, int mostRo
 Paragraph::Paragraph(Type type, QColor Theme::*ink, const QString& text, QWidget* parent)
     : QWidget(parent), m_type(type), m_ink(ink)
 {
+    setAccessibleRole(this, QAccessible::StaticText);
     // Preferred, not Fixed: with Fixed, a layout would always use the height of sizeHint(), which
     // was calculated for another width.
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
@@ -55,7 +57,9 @@ void Paragraph::setText(const QString& text)
 void Paragraph::setSpoken(Spoken spoken)
 {
     m_spoken = spoken;
-    setAccessibleName(spoken == Spoken::byItself ? m_text : QString());
+    const bool isOwn = spoken == Spoken::byItself;
+    setAccessibleRole(this, isOwn ? QAccessible::StaticText : QAccessible::Client);
+    setAccessibleName(isOwn ? m_text : QString());
 }
 
 void Paragraph::setInk(QColor Theme::*ink)

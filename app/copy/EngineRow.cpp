@@ -1,5 +1,6 @@
 #include "app/copy/EngineRow.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/Button.h"
 #include "app/controls/Paragraph.h"
 #include "app/controls/ProgressBar.h"
@@ -7,7 +8,6 @@
 #include "app/theme/Icons.h"
 #include "app/theme/Painting.h"
 
-#include <QAccessibleWidget>
 #include <QHelpEvent>
 #include <QPainterPath>
 #include <QToolTip>
@@ -16,7 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int rowHeight = 44, absentHeight = 116, engineRadius = 10, barHeight = 3;
+constexpr int rowHeight = 44, engineRadius = 10, barHeight = 3;
+constexpr int installMiddle = 88, lowInstallMiddle = 92, belowInstall = 28;
 constexpr int enginePadding = 12, engineIcon = 20, engineSpinner = 18, nameLeft = 42, wideGap = 16,
               asideGap = 8;
 constexpr int mostFailureRows = 6;    // the tooltip tells the rest of a longer message
@@ -68,17 +69,6 @@ protected:
     }
 };
 
-class EngineAccessible : public QAccessibleWidget {
-public:
-    explicit EngineAccessible(EngineRow* row) : QAccessibleWidget(row, QAccessible::Grouping) {}
-};
-
-QAccessibleInterface* accessibleEngineOf(const QString&, QObject* object)
-{
-    auto* row = qobject_cast<EngineRow*>(object);
-    return row ? new EngineAccessible(row) : nullptr;
-}
-
 }    // namespace
 
 EngineRow::EngineRow(QWidget* parent)
@@ -92,7 +82,7 @@ EngineRow::EngineRow(QWidget* parent)
       m_settings(new IconButton(Icon::preferences, u"Ajustes de la IA local"_s, 32, this)),
       m_spinner(new Spinner(engineSpinner, this)), m_bar(new RowBar(this))
 {
-    QAccessible::installFactory(accessibleEngineOf);
+    setAccessibleRole(this, QAccessible::Grouping);
     m_cancel->setFixedSize(28, 32);
     m_cancel->setIconSize(18);
     m_settings->setIconSize(18);
@@ -195,8 +185,8 @@ QRectF EngineRow::asideBox() const
 QRectF EngineRow::sentenceBox() const
 {
     if (m_shown.look == EngineLook::absent)
-        return {enginePadding, 73, std::max(0.0, m_install->x() - asideGap - double(enginePadding)),
-                32};
+        return {enginePadding, 0, std::max(0.0, m_install->x() - asideGap - double(enginePadding)),
+                engineLine};
     const double top = m_shown.look == EngineLook::failed ? failureTop : 23;
     return {nameLeft, top, std::max(0.0, textEnd() - nameLeft), engineLine};
 }
@@ -217,8 +207,7 @@ QList<EngineRow::Line> EngineRow::lines() const
     const QStringList rows = sentenceRows();
     QRectF box = sentenceBox();
     if (m_shown.look == EngineLook::absent)    // in the middle beside the button
-        box.translate(0, (box.height() - double(rows.size()) * engineLine) / 2);
-    box.setHeight(engineLine);
+        box.moveTop(m_install->geometry().center().y() + 1 - double(rows.size()) * engineLine / 2);
     for (const QString& text : rows) {
         lines.append({box, text});
         box.translate(0, engineLine);
@@ -241,17 +230,20 @@ void EngineRow::place()
             QRect(QPoint(width() - fromRight - size.width(), qRound(middle - size.height() / 2.0)),
                   size));
     };
-    put(m_again, enginePadding, 0);    // its width decides how the message breaks
+    // The widths of these buttons decide how the sentence breaks.
+    put(m_again, enginePadding, 0);
+    put(m_install, enginePadding, installMiddle);
+    const auto sentences = int(sentenceRows().size());
+    if (sentences > 2)    // room between the three rows and those above
+        put(m_install, enginePadding, lowInstallMiddle);
     int height = rowHeight;
     if (m_shown.look == EngineLook::absent)
-        height = absentHeight;
+        height = m_install->geometry().center().y() + 1 + belowInstall;
     else if (m_shown.look == EngineLook::failed)
-        height = std::max(rowHeight,
-                          failureTop + int(sentenceRows().size()) * engineLine + failureBottom);
+        height = std::max(rowHeight, failureTop + sentences * engineLine + failureBottom);
     if (height != this->height() || height != maximumHeight())
         setFixedHeight(height);
     put(m_licence, enginePadding - 6, 20);    // a link has a padding of its own
-    put(m_install, enginePadding, 88);
     put(m_again, enginePadding, height / 2.0);
     put(m_cancel, Space::hair, rowHeight / 2.0);
     put(m_settings, Space::hair, rowHeight / 2.0);

@@ -1,6 +1,7 @@
 #include "app/layers/CaptionCard.h"
 
 #include "account/CreditAmounts.h"
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/Grounds.h"
 #include "app/controls/Paragraph.h"
 #include "app/controls/fields/SlotEditor.h"
@@ -29,6 +30,8 @@ CaptionCard::CaptionCard(QWidget* parent)
     setCursor(Qt::IBeamCursor);
     m_info->setCursor(Qt::ArrowCursor);
     m_info->hide();
+    setAccessibleRole(m_info, QAccessible::Graphic);
+    m_info->setAccessibleName(u"Notas"_s);
     m_rest->setSpoken(Spoken::byOwner);
     m_rest->setCursor(Qt::IBeamCursor);
     m_rest->setAttribute(Qt::WA_TransparentForMouseEvents);

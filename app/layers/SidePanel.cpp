@@ -118,6 +118,7 @@ void SidePanel::placeTextHeader()
     else
         m_text->showHeader(m_textHeader);
     m_textHeader->show();
+    m_textHeader->lower();    // the first for screen readers as well
 }
 
 QList<QWidget*> SidePanel::focusOrder() const

@@ -1,5 +1,6 @@
 #include "app/presets/PresetGrid.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/fields/LineField.h"
 #include "app/theme/KeyboardFocus.h"
 
@@ -19,6 +20,7 @@ PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
 {
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setAccessibleRole(this, QAccessible::List);
     setAccessibleName(name);
     hide();    // until there are presets
     m_resting.setSingleShot(true);

@@ -1,5 +1,6 @@
 #include "app/settings/InstallStages.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/theme/Icons.h"
 #include "app/theme/Painting.h"
 
@@ -12,6 +13,7 @@ constexpr int stageSpinner = 16;
 
 InstallStages::InstallStages(QWidget* parent) : CardGround(Look::card, parent), m_turn(this)
 {
+    setAccessibleRole(this, QAccessible::StaticText);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 

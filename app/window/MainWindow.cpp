@@ -7,6 +7,7 @@
 #include "app/account/UserAccountButton.h"
 #include "app/batch/BatchBinding.h"
 #include "app/batch/BatchColumn.h"
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/KeyHint.h"
 #include "app/controls/popovers/FocusRound.h"
 #include "app/copy/ComposeBar.h"
@@ -90,6 +91,7 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
       m_accountBinding(std::make_unique<AccountBinding>(account, session, m_gate,
                                                         m_shell->topBar()->account(), this))
 {
+    setAccessibleRole(this, QAccessible::Window);
     setWindowTitle(u"Moltiva"_s);
     setAcceptDrops(true);
     setMinimumSize(1200, 720);

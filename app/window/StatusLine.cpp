@@ -1,5 +1,6 @@
 #include "app/window/StatusLine.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/Badge.h"
 #include "app/controls/Button.h"
 #include "app/controls/ProgressBar.h"
@@ -88,6 +89,7 @@ StatusLine::StatusLine(QWidget* parent)
                 Q_EMIT linkRequested();
         });
     }
+    setAccessibleRole(this, QAccessible::StatusBar);
     m_waiting->hide();
     setFixedHeight(statusLineHeight);
     m_stop->setIconSize(16);

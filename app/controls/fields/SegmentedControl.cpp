@@ -1,5 +1,6 @@
 #include "app/controls/fields/SegmentedControl.h"
 
+#include "app/controls/PartsAccessible.h"
 #include "app/theme/KeyboardFocus.h"
 
 #include <QHoverEvent>
@@ -86,8 +87,10 @@ void SegmentedControl::setCurrent(std::optional<int> index)
     const QString name = index ? m_segments[current].name : accessibleName();
     if (current == m_current && accessibleName() == name)
         return;
-    m_current = current;
+    const bool moves = std::exchange(m_current, current) != current;
     setAccessibleName(name);
+    if (moves && index && hasFocus())
+        tellPart(this, QAccessible::Focus, current);
     update();
 }
 
@@ -124,6 +127,12 @@ QSize SegmentedControl::sizeHint() const
     return {width, trackHeight()};
 }
 
+QString SegmentedControl::choiceToolTip(int index) const
+{
+    const Segment& segment = m_segments[index];
+    return canBeChosen(index) ? segment.toolTip : segment.refusal;
+}
+
 int SegmentedControl::segmentAt(QPoint position) const
 {
     for (int i = 0; i < m_segments.size(); ++i) {
@@ -135,8 +144,7 @@ int SegmentedControl::segmentAt(QPoint position) const
 
 void SegmentedControl::choose(int index)
 {
-    if (index < 0 || index >= m_segments.size() || index == m_current ||
-        !m_segments[index].refusal.isEmpty())
+    if (index < 0 || index >= m_segments.size() || index == m_current || !canBeChosen(index))
         return;
     setCurrent(index);
     Q_EMIT chosen(index);
@@ -166,10 +174,7 @@ bool SegmentedControl::event(QEvent* event)
         // If the disabled control has a tooltip of its own, which says why it is disabled, that one
         // is shown instead.
         if (index >= 0 && (isEnabled() || toolTip().isEmpty())) {
-            const Segment& segment = m_segments[index];
-            QToolTip::showText(help->globalPos(),
-                               segment.refusal.isEmpty() ? segment.toolTip : segment.refusal, this,
-                               segmentRect(index));
+            QToolTip::showText(help->globalPos(), choiceToolTip(index), this, segmentRect(index));
         } else {
             break;
         }
@@ -192,17 +197,17 @@ void SegmentedControl::paintEvent(QPaintEvent*)
         const Segment& segment = m_segments[i];
         const QRectF box = segmentRect(i);
         const bool chosen = i == m_current;
-        const bool canBeChosen = isEnabled() && segment.refusal.isEmpty();
+        const bool isUsable = isEnabled() && canBeChosen(i);
         if (chosen) {
             if (theme.seg == Qt::white)    // a white segment on a light track needs a shadow
                 fillRounded(painter, box.translated(0, 0.5).adjusted(-0.5, 0, 0.5, 0.5), 7.5,
                             theme.line2);
             fillRounded(painter, box, 7, theme.seg);
-        } else if (i == m_hovered && canBeChosen) {
+        } else if (i == m_hovered && isUsable) {
             fillRounded(painter, box, 7, theme.hover);
         }
         QColor ink = chosen || i == m_hovered ? theme.text : theme.text2;
-        if (!canBeChosen)
+        if (!isUsable)
             ink = theme.dis;
         double left = box.left() + segmentPadding();
         if (m_stretched)
@@ -222,7 +227,7 @@ void SegmentedControl::paintEvent(QPaintEvent*)
         if (!segment.credits)
             continue;
         left += std::ceil(textWidth(Type::bodyMedium, segment.text)) + creditsGap;
-        const QColor creditsInk = canBeChosen ? theme.text2 : theme.dis;
+        const QColor creditsInk = isUsable ? theme.text2 : theme.dis;
         paintIcon(painter, Icon::coin, QRectF(left, box.top(), creditsCoin, box.height()),
                   creditsCoin, creditsInk);
         left += creditsCoin + creditsCoinGap;

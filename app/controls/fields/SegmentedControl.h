@@ -1,5 +1,6 @@
 #pragma once
 #include "app/controls/Button.h"
+#include "app/controls/fields/Choices.h"
 #include "app/theme/Icons.h"
 #include "app/theme/Painting.h"
 
@@ -22,7 +23,7 @@ enum class SegmentSize { bar, field, large };    // 36, 32, 44 pixels high; `fie
 
 // A row of segments, of which one is chosen. The control is a single Tab stop; inside it the arrow
 // keys choose.
-class SegmentedControl : public QWidget {
+class SegmentedControl : public QWidget, public Choices {
     Q_OBJECT
 public:
     explicit SegmentedControl(const QList<Segment>& segments, QWidget* parent = nullptr);
@@ -37,10 +38,18 @@ public:
     // Without an index, no segment is chosen and the accessible name stays as it is: the caller
     // sets it with setAccessibleName().
     void setCurrent(std::optional<int> index);    // emits nothing
-    int current() const { return m_current; }
+    int current() const override { return m_current; }
     QRect segmentRect(int index) const;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
+
+    QAccessible::Role choiceRole() const override { return QAccessible::RadioButton; }
+    int choiceCount() const override { return int(m_segments.size()); }
+    QRect choiceRect(int index) const override { return segmentRect(index); }
+    QString choiceName(int index) const override { return m_segments[index].name; }
+    QString choiceToolTip(int index) const override;
+    bool canBeChosen(int index) const override { return m_segments[index].refusal.isEmpty(); }
+    void choose(int index) override;
 
 Q_SIGNALS:
     void chosen(int index);    // by the user; never emitted for the current segment
@@ -65,7 +74,6 @@ private:
     int iconGap() const { return isField() ? 6 : 8; }
     int widthOf(const Segment& segment) const;
     int segmentAt(QPoint position) const;
-    void choose(int index);
     void setHovered(int index);
 
     QList<Segment> m_segments;

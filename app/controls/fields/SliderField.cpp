@@ -46,8 +46,7 @@ double bounded(double value, SliderRange range)
 
 class SliderAccessible : public QAccessibleWidget, public QAccessibleValueInterface {
 public:
-    explicit SliderAccessible(SliderField* slider)
-        : QAccessibleWidget(slider, QAccessible::Slider, slider->accessibleName())
+    explicit SliderAccessible(SliderField* slider) : QAccessibleWidget(slider, QAccessible::Slider)
     {
     }
 

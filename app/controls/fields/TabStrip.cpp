@@ -1,5 +1,6 @@
 #include "app/controls/fields/TabStrip.h"
 
+#include "app/controls/PartsAccessible.h"
 #include "app/theme/KeyboardFocus.h"
 #include "app/theme/Painting.h"
 
@@ -23,8 +24,10 @@ void TabStrip::setCurrent(int index)
 {
     if (index < 0 || index >= m_tabs.size())
         return;
-    m_current = index;
+    const bool moves = std::exchange(m_current, index) != index;
     setAccessibleName(m_tabs[index].text);
+    if (moves && hasFocus())
+        tellPart(this, QAccessible::Focus, index);
     update();
 }
 

@@ -1,4 +1,5 @@
 #pragma once
+#include "app/controls/fields/Choices.h"
 #include "app/theme/Icons.h"
 
 #include <QWidget>
@@ -10,14 +11,20 @@ struct PanelTab {
 
 // A row of tabs, of which the chosen one is underlined. The strip is a single Tab stop; inside it
 // the arrow keys choose.
-class TabStrip : public QWidget {
+class TabStrip : public QWidget, public Choices {
     Q_OBJECT
 public:
     explicit TabStrip(const QList<PanelTab>& tabs, QWidget* parent = nullptr);
     void setCurrent(int index);    // emits nothing
-    int current() const { return m_current; }
+    int current() const override { return m_current; }
     QRect tabRect(int index) const;
     QSize sizeHint() const override { return {327, 48}; }
+
+    QAccessible::Role choiceRole() const override { return QAccessible::PageTab; }
+    int choiceCount() const override { return int(m_tabs.size()); }
+    QRect choiceRect(int index) const override { return tabRect(index); }
+    QString choiceName(int index) const override { return m_tabs[index].text; }
+    void choose(int index) override;
 
 Q_SIGNALS:
     void chosen(int index);    // by the user; never emitted for the current tab
@@ -32,7 +39,6 @@ protected:
 
 private:
     int tabAt(QPoint position) const;
-    void choose(int index);
 
     QList<PanelTab> m_tabs;
     int m_current = 0;

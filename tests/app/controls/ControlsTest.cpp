@@ -3,7 +3,9 @@
 #include "app/controls/fields/TextField.h"
 #include "tests/app/Events.h"
 
+#include <QAccessible>
 #include <QFocusFrame>
+#include <QLineEdit>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -45,6 +47,43 @@ TEST(SegmentedControl, pressingTheChosenSegmentAsksForNothing)
     press(segments, segments.segmentRect(2).center());
     EXPECT_EQ(segments.current(), 2);
     EXPECT_EQ(asked, 1);
+}
+
+TEST(SegmentedControl, isReadAsChoicesThatCanBePressed)
+{
+    QList<Segment> offered = threeSegments();
+    offered[2].refusal = u"Hoy no"_qs;
+    SegmentedControl segments(offered);
+    QAccessibleInterface* group = QAccessible::queryAccessibleInterface(&segments);
+    ASSERT_EQ(group->childCount(), 3);
+    QAccessibleInterface* second = group->child(1);
+    EXPECT_EQ(second->role(), QAccessible::RadioButton);
+    EXPECT_EQ(second->text(QAccessible::Name), u"Dos"_qs);
+    EXPECT_EQ(second->parent(), group);
+    EXPECT_FALSE(second->state().checked);
+    const QString press = QAccessibleActionInterface::pressAction();
+    second->actionInterface()->doAction(press);
+    EXPECT_TRUE(second->state().checked);
+    QAccessibleInterface* refused = group->child(2);
+    EXPECT_TRUE(refused->state().disabled);
+    EXPECT_EQ(refused->text(QAccessible::Description), u"Hoy no"_qs);
+    refused->actionInterface()->doAction(press);
+    EXPECT_EQ(segments.current(), 1);
+}
+
+TEST(TextField, elidesALongTextThatIsNotBeingEdited)
+{
+    TextField field(u"Campo"_qs, {});
+    field.resize(120, field.height());
+    const auto picture = [&](const QString& text) {
+        field.setText(text);
+        return field.grab().toImage();
+    };
+    const QImage elided = picture(u"Llenar octubre con parejas y familias"_qs);
+    const QString fitting =
+        QFontMetricsF(fontOf(Type::body))
+            .elidedText(field.edit()->text(), Qt::ElideRight, field.edit()->width());
+    EXPECT_EQ(elided, picture(fitting)) << fitting.toStdString();
 }
 
 TEST(Controls, clicksLeaveTheFocusWhereItIs)

@@ -161,6 +161,8 @@ TEST(SliderField, showsAnyNumberInsideItsRangeAndIsReadAsASlider)
     auto* accessible = QAccessible::queryAccessibleInterface(&slider.field);
     EXPECT_EQ(accessible->role(), QAccessible::Slider);
     EXPECT_EQ(accessible->text(QAccessible::Name), u"Opacidad"_s);
+    slider.field.setAccessibleName(u"Opacidad de la caja"_s);
+    EXPECT_EQ(accessible->text(QAccessible::Name), u"Opacidad de la caja"_s);
     ASSERT_TRUE(accessible->valueInterface());
     accessible->valueInterface()->setCurrentValue(0.25);
     EXPECT_EQ(slider.taken(), (QList<Change>{{0.25, Pace::once}}));

@@ -44,6 +44,8 @@ TEST(EngineRow, eachStateHasItsHeightAndItsButtons)
                             "Gemma 4 E2B."_s;
     EngineShown absent = look(EngineLook::absent, u"No instalado. Descarga: 3,40 GB."_s);
     absent.hasLicence = true;
+    EngineShown begun = absent;
+    begun.sentence = u"Modelo incompleto: 2,04 GB descargados. Pulsa Instalar para continuar."_s;
     EngineShown installing = look(EngineLook::installing, u"Descargando Gemma..."_s);
     EngineShown mine = installing;
     mine.canCancel = true;
@@ -54,6 +56,7 @@ TEST(EngineRow, eachStateHasItsHeightAndItsButtons)
     };
     for (const Case& c :
          {Case{look(EngineLook::idle, {}), 44, {}}, Case{absent, 116, {u"licence"_s, u"install"_s}},
+          Case{begun, 120, {u"licence"_s, u"install"_s}},
           Case{look(EngineLook::ready, u"Instalado."_s), 44, {u"settings"_s}},
           Case{mine, 44, {u"cancel"_s}}, Case{installing, 44, {}},
           Case{look(EngineLook::failed, failure), 79, {u"install"_s}},

@@ -484,9 +484,10 @@ TEST_F(MainWindowTest, filesFromOneAfterTheOtherStartMakeOneBatch)
     EXPECT_EQ(session.batch().items[2].filename(), u"f1"_s);
 }
 
-// In the tree that a screen reader walks, every widget that can take the focus has a name. The
-// layers are children of the canvas and can be selected in that tree.
-TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
+// In the tree that a screen reader walks, every widget that can take the focus has a name and a
+// role. The text panel is read from top to bottom. The layers are children of the canvas and can be
+// selected in that tree.
+TEST_F(MainWindowTest, everythingHasANameAndARoleForAScreenReader)
 {
     session.load({photos(2)});
     settle();
@@ -501,8 +502,21 @@ TEST_F(MainWindowTest, everythingHasANameForAScreenReader)
             ASSERT_TRUE(spoken);
             EXPECT_FALSE(spoken->text(QAccessible::Name).isEmpty())
                 << widget->metaObject()->className();
+            EXPECT_NE(spoken->role(), QAccessible::Client) << widget->metaObject()->className();
         }
     }
+    panel()->setTab(SideTab::text);
+    settle();
+    QAccessibleInterface* texts = QAccessible::queryAccessibleInterface(panel()->textPanel());
+    int top = 0;
+    for (int i = 0; i < texts->childCount(); ++i) {
+        const QAccessibleInterface* part = texts->child(i);
+        if (part->state().invisible)
+            continue;
+        EXPECT_GT(part->rect().bottom(), top) << part->text(QAccessible::Name).toStdString();
+        top = part->rect().top();
+    }
+    EXPECT_GT(top, 0);
     QAccessibleInterface* stage = QAccessible::queryAccessibleInterface(canvas());
     ASSERT_EQ(stage->childCount(), 4);
     EXPECT_EQ(stage->text(QAccessible::Name), u"Lienzo, Carrusel / Post vertical, imagen 1 de 2"_s);
