@@ -85,9 +85,10 @@ private:
         sent += count;
         if (m_left >= 0)
             m_left -= count;
-        if (count < wanted && m_how == Stop::holdsConnection)
-            return;
-        socket->disconnectFromHost();
+        // After a whole file the connection stays open: Qt asks once more if it is closed before Qt
+        // has begun to read.
+        if (count < wanted && m_how == Stop::closesConnection)
+            socket->disconnectFromHost();
     }
 
     QHash<QTcpSocket*, QByteArray> m_heads;
