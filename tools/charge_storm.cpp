@@ -63,23 +63,28 @@ public:
     {
         m_session.restoreWorkspaceIfNeeded();
         const qsizetype open = entries().size();
-        if (!QCoro::waitFor(m_account.refresh()) ||
-            !turnUntil([this] { return m_session.didRestoreWorkspace(); }) ||
-            !turnUntil([&] { return m_refunds >= open; }))
-            return false;
+        if (!refreshed(m_account))
+            return complain("the account cannot be read:", m_account.message());
+        if (!turnUntil([this] { return m_session.didRestoreWorkspace(); }))
+            return complain("the batch was not restored:", m_session.status());
+        if (!turnUntil([&] { return m_refunds >= open; })) {
+            return complain("too few refunds:",
+                            u"%1 of %2; %3"_s.arg(m_refunds).arg(open).arg(m_account.message()));
+        }
         if (m_session.batch().items.isEmpty()) {
             m_session.load({QUrl::fromLocalFile(m_folder.filePath(u"photos"_s))});
             turnUntil([this] { return !m_session.isImporting(); });
         }
         tellState();
-        return m_session.batch().items.size() == photoCount;
+        return m_session.batch().items.size() == photoCount ||
+               complain("photos are missing:", m_session.status());
     }
 
     bool waitUntilRefunded()
     {
         const bool isIdle = turnUntil([this] { return entries().isEmpty(); });
         tellState();
-        return isIdle;
+        return isIdle || complain("entries stay open:", m_account.message());
     }
 
     [[noreturn]] void storm()
@@ -324,33 +329,25 @@ public:
 private:
     Ledger readLedger()
     {
+        const auto rows =
+            ledgerRows(m_ledgerFile, "SELECT kind, request_id, amount FROM ledger_entry"
+                                     " WHERE request_id IS NOT NULL ORDER BY id");
+        if (!rows)
+            fail("no judgement", u"without the ledger"_s);
         Ledger ledger;
-        sqlite3* handle = nullptr;
-        sqlite3_stmt* rows = nullptr;
-        sqlite3_open_v2(m_ledgerFile.toUtf8().constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
-        sqlite3_busy_timeout(handle, 5000);
-        sqlite3_prepare_v2(handle,
-                           "SELECT kind, request_id, amount FROM ledger_entry"
-                           " WHERE request_id IS NOT NULL ORDER BY id",
-                           -1, &rows, nullptr);
         m_charges = m_refunds = 0;
-        while (sqlite3_step(rows) == SQLITE_ROW) {
-            const auto text = [rows](int column) {
-                return QString::fromUtf8(
-                    reinterpret_cast<const char*>(sqlite3_column_text(rows, column)));
-            };
-            const bool isReserve = text(0) == u"reserve";
-            const int amount = sqlite3_column_int(rows, 2);
-            Charge& charge = ledger[text(1)];
+        for (const QByteArrayList& row : rows.value_or(QList<QByteArrayList>())) {
+            const QString request = QString::fromUtf8(row[1]);
+            const bool isReserve = row[0] == "reserve";
+            const int amount = row[2].toInt();
+            Charge& charge = ledger[request];
             ++(isReserve ? m_charges : m_refunds);
             if (charge.isOpen == isReserve)
-                fail("charged or given back twice in a row", text(1));
+                fail("charged or given back twice in a row", request);
             if (!isReserve && amount != -charge.amount)
-                fail("another amount came back", text(1));
+                fail("another amount came back", request);
             charge = {isReserve ? amount : charge.amount, isReserve};
         }
-        sqlite3_finalize(rows);
-        sqlite3_close(handle);
         return ledger;
     }
 
@@ -380,21 +377,9 @@ int judgeStorm(const QString& program, const QDir& folder, int kills)
     // Imports the photos in a child of its own. No later child can undo this import, because a
     // child can undo only its own changes. Without the imported batch, the paid renders would be
     // unknown.
-    const QStringList calmly{u"calm"_s};
-    if (!storm.run(calmly, {}))
-        judge.fail("the first run did not end well", {});
-    for (int kill = 0; kill < kills; ++kill) {
-        // Kills at each of the steps as often as at a random moment.
-        const std::size_t kind = std::size_t(kill) % (steps.size() + 1);
-        const bool isAsMeant =
-            kind == steps.size()
-                ? storm.run({}, 1 + below(900))
-                : storm.run({QString::fromLatin1(steps[kind]), QString::number(1 + below(3))}, {});
-        if (!isAsMeant)
-            judge.fail("a run that did not end as it was to", QString::number(kill));
-    }
-    if (!storm.run(calmly, {}))
-        judge.fail("the last run did not settle all", {});
+    storm.runCalmly();
+    storm.killAtEach(steps, kills);
+    storm.runCalmly();
     return judge.finish();
 }
 

@@ -16,6 +16,7 @@
 #include "tests/support/StandInProvider.h"
 #include "tools/Storm.h"
 
+#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QScopeGuard>
 
@@ -72,23 +73,27 @@ public:
     {
         m_session.restoreWorkspaceIfNeeded();
         const qsizetype open = entries().size();
-        if (!QCoro::waitFor(m_account.refresh()) ||
-            !turnUntil([this] { return m_session.didRestoreWorkspace(); }) ||
-            !turnUntil([&] { return m_refunds >= open; }))
-            return false;
+        if (!refreshed(m_account))
+            return complain("the account cannot be read:", m_account.message());
+        if (!turnUntil([this] { return m_session.didRestoreWorkspace(); }))
+            return complain("the batch was not restored:", m_session.status());
+        if (!turnUntil([&] { return m_refunds >= open; })) {
+            return complain("too few refunds:",
+                            u"%1 of %2; %3"_s.arg(m_refunds).arg(open).arg(m_account.message()));
+        }
         tellState();
-        importWhatIsGone();
-        return m_session.batch().items.size() == photoCount;
+        return importWhatIsGone();
     }
 
     bool refundAll()
     {
         const bool isIdle = turnUntil([this] { return entries().isEmpty(); });
         tellState();
-        return isIdle;
+        return isIdle || complain("entries stay open:", m_account.message());
     }
 
-    [[noreturn]] void storm()
+    // Returns only if that has become impossible.
+    void storm()
     {
         while (true) {
             say(u"generate"_s);
@@ -107,20 +112,24 @@ public:
                 QGuiApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
             }
             m_session.endCanvasHistoryEdit({});
-            importWhatIsGone();
+            if (!importWhatIsGone())
+                return;
         }
     }
 
 private:
     QStringList entries() const { return m_preferences.keysBeginningWith(entryPrefix); }
 
-    void importWhatIsGone()
+    // Returns whether all photos are in the batch then.
+    bool importWhatIsGone()
     {
         if (m_session.batch().items.size() == photoCount)
-            return;
+            return true;
         say(u"undo"_s);    // the new images show no copy
         m_session.load({QUrl::fromLocalFile(m_folder.filePath(u"photos"_s))});
         turnUntil([this] { return !m_session.isImporting(); });
+        return m_session.batch().items.size() == photoCount ||
+               complain("photos are missing after an import:", m_session.status());
     }
 
     void reached(const QByteArray& step)
@@ -207,6 +216,7 @@ int runChild(const QStringList& arguments)
     if (isCalm)
         return child.refundAll() ? 0 : 1;
     child.storm();
+    return 1;
 }
 
 class Judge {
@@ -310,30 +320,23 @@ private:
 
     std::map<QString, Charge> readLedger()
     {
+        const auto rows = ledgerRows(
+            m_ledgerFile, "SELECT kind, entry.request_id, amount, reply FROM ledger_entry entry"
+                          " LEFT JOIN copy_result result ON result.request_id = entry.request_id"
+                          " WHERE entry.request_id IS NOT NULL ORDER BY id");
+        if (!rows)
+            fail("no judgement", u"without the ledger"_s);
         std::map<QString, Charge> ledger;
-        sqlite3* handle = nullptr;
-        sqlite3_stmt* rows = nullptr;
-        sqlite3_open_v2(m_ledgerFile.toUtf8().constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
-        sqlite3_busy_timeout(handle, 5000);
-        sqlite3_prepare_v2(handle,
-                           "SELECT kind, entry.request_id, amount, reply FROM ledger_entry entry"
-                           " LEFT JOIN copy_result result ON result.request_id = entry.request_id"
-                           " WHERE entry.request_id IS NOT NULL ORDER BY id",
-                           -1, &rows, nullptr);
-        while (sqlite3_step(rows) == SQLITE_ROW) {
-            const auto text = [rows](int column) {
-                return QByteArray(reinterpret_cast<const char*>(sqlite3_column_text(rows, column)));
-            };
-            Charge& charge = ledger[QString::fromUtf8(text(1))];
-            const bool isReserve = text(0) == "reserve";
+        for (const QByteArrayList& row : rows.value_or(QList<QByteArrayList>())) {
+            const QString request = QString::fromUtf8(row[1]);
+            Charge& charge = ledger[request];
+            const bool isReserve = row[0] == "reserve";
             if (charge.isOpen == isReserve)
-                fail("charged or given back twice in a row", QString::fromUtf8(text(1)));
+                fail("charged or given back twice in a row", request);
             charge.isOpen = isReserve;
-            charge.cost = std::abs(sqlite3_column_int(rows, 2));
-            charge.number = numbersIn(text(3)).value(0);
+            charge.cost = std::abs(row[2].toInt());
+            charge.number = numbersIn(row[3]).value(0);
         }
-        sqlite3_finalize(rows);
-        sqlite3_close(handle);
         return ledger;
     }
 
@@ -361,21 +364,10 @@ int judgeStorm(const QString& program, const QDir& folder, int kills)
     Judge judge(service.ledgerFile(), provider);
     Storm<Judge> storm(folder.path(), service.address(), judge);
     // The first import is in a child of its own: no later child can undo it.
-    const QStringList calmly{u"calm"_s};
-    if (!storm.run(calmly, {}))
-        judge.fail("the first run did not end well", {});
-    for (int kill = 0; kill < kills; ++kill) {
-        const std::size_t kind = std::size_t(kill) % (steps.size() + 1);
-        const bool isAsMeant =
-            kind == steps.size()
-                ? storm.run({}, 1 + below(900))
-                : storm.run({QString::fromLatin1(steps[kind]), QString::number(1 + below(3))}, {});
-        if (!isAsMeant)
-            judge.fail("a run that did not end as it was to", QString::number(kill));
-    }
+    storm.runCalmly();
+    storm.killAtEach(steps, kills);
     provider.set(StandInProvider::Mode::good);
-    if (!storm.run(calmly, {}))
-        judge.fail("the last run did not settle all", {});
+    storm.runCalmly();
     return judge.finish();
 }
 
