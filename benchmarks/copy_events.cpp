@@ -29,7 +29,7 @@ namespace {
 constexpr int answerTime = 40, actionPause = 15;    // milliseconds
 constexpr double frame = 16;                        // milliseconds
 
-// Remembers what the slowest events were.
+// Prints each event that takes longer than a frame.
 class NamingApplication : public TimedApplication {
 public:
     using TimedApplication::TimedApplication;

@@ -78,7 +78,8 @@ QCoro::Task<> ProcessRunner::run(QString executable, QStringList arguments,
     const auto runChild = [command, stop] {
         ChildProcess child(command);
         const ChildOutcome outcome = child.wait(stop);
-        // Here, because nothing resumes below when the program ends meanwhile.
+        // The log is removed on this thread: the coroutine does not resume if the program ends
+        // first.
         if (outcome.isSuccess() || outcome.kind == ChildOutcome::Kind::stopped)
             QFile::remove(command.log);
         return outcome;

@@ -9,6 +9,7 @@
 #include <QTcpSocket>
 
 #include <algorithm>
+#include <functional>
 
 // Serves files on this machine, from any byte on, and stops when and as a test says.
 class FileServer : public QTcpServer {
@@ -43,6 +44,8 @@ public:
     bool hasRanges = true;
     qint64 sent = 0;    // bytes of files
     int requests = 0;
+    // Called for each request with the byte that it begins at.
+    std::function<void(qint64 from)> asked = [](qint64) {};
 
 private:
     void read(QTcpSocket* socket)
@@ -53,6 +56,7 @@ private:
             return;
         ++requests;
         const QByteArray name = head.split(' ').value(1).mid(1);
+        asked(rangeIn(head));
         answer(socket, name, hasRanges ? rangeIn(head) : 0);
         m_heads.remove(socket);
     }

@@ -28,6 +28,9 @@ struct Download {
 TEST(PinnedDownload, aBrokenConnectionGoesOnAndFetchesNoByteTwice)
 {
     Download trial;
+    // Qt may send a request again by itself when its connection ends early, so the bytes that the
+    // server sends are not counted.
+    trial.server.asked = [&](qint64 from) { EXPECT_EQ(from, trial.partSize()); };
     trial.server.stopAfter(30'000, FileServer::Stop::closesConnection);
     EXPECT_EQ(trial.fetch().status, 1);    // the second attempt brings nothing
     EXPECT_EQ(trial.partSize(), 30'000);
@@ -36,7 +39,6 @@ TEST(PinnedDownload, aBrokenConnectionGoesOnAndFetchesNoByteTwice)
     trial.server.letGo();
     EXPECT_EQ(trial.fetch().status, 0);
     EXPECT_TRUE(trial.isWhole());
-    EXPECT_EQ(trial.server.sent, 100'000);
     EXPECT_FALSE(QFile::exists(trial.path + u".part"_s));
 
     const int requests = trial.server.requests;
@@ -122,11 +124,11 @@ TEST(PinnedDownload, aRedirectionIsFollowedFromTheSameByte)
     trial.server.replies["moved"] =
         "HTTP/1.1 302 X\r\nLocation: /file\r\nContent-Length: 4\r\n\r\nhere";
     writeFile(trial.path + u".part"_s, trial.server.files["file"].first(70'000));
+    trial.server.asked = [](qint64 from) { EXPECT_EQ(from, 70'000); };
     PinnedFile pin = pinOf(trial.server, "file");
     pin.url = trial.server.address(u"moved"_s);
     EXPECT_EQ(trial.fetch(pin).status, 0);
     EXPECT_TRUE(trial.isWhole());
-    EXPECT_EQ(trial.server.sent, 30'000);
 }
 
 TEST(PinnedDownload, onlyHttpsLeavesThisMachine)
