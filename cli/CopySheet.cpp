@@ -2,7 +2,7 @@
 
 #include "platform/AtomicFile.h"
 
-#include <QSet>
+#include <QFileInfo>
 
 #include <cstdio>
 
@@ -30,7 +30,6 @@ QByteArray wholeRows(const QByteArray& bytes)
 
 QString CopySheet::open(const QString& path)
 {
-    m_path = path;
     if (path.isEmpty()) {
         const bool isOpen = m_file.open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered);
         m_file.write(textSheetHead());
@@ -39,6 +38,7 @@ QString CopySheet::open(const QString& path)
     m_file.setFileName(path);
     if (!m_file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
         return m_file.errorString();
+    m_path = QFileInfo(path).canonicalFilePath();    // removing rows replaces the file, not a link
     return readExisting();
 }
 
@@ -69,11 +69,23 @@ QString CopySheet::readExisting()
 
 QString CopySheet::removeRows(const QStringList& fileNames)
 {
-    QSet<QString> removed;
+    QSet<QString> names;
     for (const QString& name : fileNames) {
-        if (m_rowsToTake.remove(sheetName(name)))
-            removed.insert(sheetName(name));
+        if (m_rowsToTake.contains(sheetName(name)))
+            names.insert(sheetName(name));
     }
+    return removeNamed(names);
+}
+
+QString CopySheet::removeAllRows()
+{
+    const QStringList names = m_rowsToTake.keys();
+    return removeNamed({names.begin(), names.end()});
+}
+
+// `removed`: names of sheetName().
+QString CopySheet::removeNamed(const QSet<QString>& removed)
+{
     if (removed.isEmpty() || m_path.isEmpty())
         return {};
     QByteArray kept = textSheetHead();
@@ -88,6 +100,7 @@ QString CopySheet::removeRows(const QStringList& fileNames)
     if (const QString error = writeAtomically(m_path, kept); !error.isEmpty())
         return error;
     m_rows.removeIf([&](const SheetRow& row) { return removed.contains(row.name); });
+    m_rowsToTake.removeIf([&](const auto& row) { return removed.contains(row.key()); });
     return m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered)
                ? QString()
                : m_file.errorString();

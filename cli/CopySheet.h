@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QHash>
+#include <QSet>
 
 // The CSV file that `moltiva generate` writes, a row as soon as it is there; standard output
 // without a path. A file that an earlier command wrote is continued.
@@ -16,16 +17,19 @@ public:
     // Whether an earlier command has written a row for a file of this name. Each row counts once:
     // photos of several folders may have one name.
     bool takeRow(const QString& fileName);
-    // Removes the rows of these files: others are to be written for them. Returns as open() does.
+    // Each removes rows that others are to replace, of these files or of all, and returns as open()
+    // does.
     QString removeRows(const QStringList& fileNames);
+    QString removeAllRows();
     // Returns whether the row has been written.
     bool append(const PublicationItem& item);
 
 private:
     QString readExisting();
+    QString removeNamed(const QSet<QString>& names);
 
     QString m_path;
     QFile m_file;
     QList<SheetRow> m_rows;              // of earlier commands
-    QHash<QString, int> m_rowsToTake;    // their numbers, by sheetName()
+    QHash<QString, int> m_rowsToTake;    // how many of m_rows a file has left, by sheetName()
 };

@@ -138,43 +138,56 @@ private:
         return {};
     }
 
-    // Removes rows that were written for another objective, format or photo of the same name, and
-    // compares the price with the balance.
+    // Refuses what the balance does not suffice for, and prepares the sheet.
     Status plan(const PublicationItems& items)
     {
-        QStringList others;
+        QStringList unwritten;
         m_outcome.images = int(items.size());
-        qint64 missing = 0;
-        PreferencesStore& preferences = m_connection.preferences();
-        const SheetOrder order{m_options.csv, requestOf({})};
-        const bool isOfThisOrder = isLastOrder(preferences, order);
         for (const PublicationItem& item : items) {
-            const bool isStored = storedCopy(preferences, requestOf(item)).has_value();
-            missing += !isStored;
-            if (!isStored || !isOfThisOrder)
-                others.append(item.url.fileName());
+            if (!storedCopy(m_connection.preferences(), requestOf(item)))
+                unwritten.append(item.url.fileName());
         }
-        if (m_sheet) {
-            if (const QString problem = m_sheet->removeRows(others); !problem.isEmpty()) {
-                tellOfGeneration(u"no se puede escribir «%1»: %2."_s.arg(m_options.csv, problem));
-                return exitSomeFailed;
-            }
-            keepLastOrder(preferences, order);
+        if (isCloud() && !unwritten.isEmpty() && !canPayFor(unwritten.size())) {
+            m_outcome.state = CopyOutcome::State::refused;
+            return ended();
         }
-        if (!isCloud() || missing == 0)
-            return {};
+        return m_options.csv.isEmpty() ? Status() : preparedSheet(unwritten);
+    }
+
+    bool canPayFor(qint64 images)
+    {
         AccountSession& account = m_connection.session();
-        const qint64 price = missing * account.cloudCopyConfig().costCredits;
+        const qint64 price = images * account.cloudCopyConfig().costCredits;
         m_outcome.reason = whyNoCloudCopy(&account);
         if (m_outcome.reason.isEmpty() && account.balance() < price) {
             m_outcome.reason =
-                u"Necesitas %1 créditos para generar %2 imagen(es)."_s.arg(price).arg(missing);
+                u"Necesitas %1 créditos para generar %2 imagen(es)."_s.arg(price).arg(images);
             m_outcome.remedy = CopyOutcome::Remedy::purchase;
         }
-        if (m_outcome.reason.isEmpty())
-            return {};
-        m_outcome.state = CopyOutcome::State::refused;
-        return ended();
+        return m_outcome.reason.isEmpty();
+    }
+
+    // Removes the rows that were written for another objective, format or photo of the same name.
+    Status preparedSheet(const QStringList& unwritten)
+    {
+        PreferencesStore& preferences = m_connection.preferences();
+        const SheetOrder order{m_options.csv, requestOf({})};
+        const bool isSameOrder = isLastOrder(preferences, order);
+        // A sheet belongs to no order while all its rows are removed: those that a killed command
+        // leaves are not taken for rows of either order.
+        if (!isSameOrder && !forgetLastOrder(preferences, order)) {
+            tellOfGeneration(u"no se puede anotar para qué es «%1»: %2."_s.arg(
+                m_options.csv, preferences.reason()));
+            return exitSomeFailed;
+        }
+        const QString problem =
+            isSameOrder ? m_sheet->removeRows(unwritten) : m_sheet->removeAllRows();
+        if (!problem.isEmpty()) {
+            tellOfGeneration(u"no se puede escribir «%1»: %2."_s.arg(m_options.csv, problem));
+            return exitSomeFailed;
+        }
+        keepLastOrder(preferences, order);
+        return {};
     }
 
     void tellUnreadable(const PublicationItems& items)

@@ -49,7 +49,7 @@ QString keyOf(const CopyRequest& request)
 
 QString keyOf(const SheetOrder& order)
 {
-    const QByteArray path = QFileInfo(order.file).absoluteFilePath().toUtf8();
+    const QByteArray path = QFileInfo(order.file).canonicalFilePath().toUtf8();
     return sheetOrderPrefix + QString::fromLatin1(digestOfParts({path}));
 }
 
@@ -111,6 +111,11 @@ bool isLastOrder(const PreferencesStore& preferences, const SheetOrder& order)
 {
     const auto stored = storedAt<DatedOrder>(keyOf(order), preferences);
     return stored && stored->request.toLatin1() == digestOfRequest(order.request);
+}
+
+bool forgetLastOrder(PreferencesStore& preferences, const SheetOrder& order)
+{
+    return !preferences.value(keyOf(order)) || preferences.remove(keyOf(order));
 }
 
 void keepLastOrder(PreferencesStore& preferences, const SheetOrder& order)

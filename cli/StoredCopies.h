@@ -26,12 +26,15 @@ bool storeCopy(PreferencesStore& preferences, const CopyRequest& request, const 
 
 // What the rows of a sheet are for. The photo in `request` is left empty.
 struct SheetOrder {
-    QString file;
+    QString file;    // exists
     CopyRequest request;
 };
 
 // Whether the sheet was last written for this order. Another order's rows must not stay in it.
 bool isLastOrder(const PreferencesStore& preferences, const SheetOrder& order);
+// Forgets which order the sheet was written for. Returns whether that succeeded.
+bool forgetLastOrder(PreferencesStore& preferences, const SheetOrder& order);
+// Without success, the next command writes the sheet anew.
 void keepLastOrder(PreferencesStore& preferences, const SheetOrder& order);
 
 // Removes what was stored more than thirty days ago.

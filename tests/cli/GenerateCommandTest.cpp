@@ -23,10 +23,11 @@ protected:
                                        R"(","subtitle":"S; \"s\"","tagline":"P","callToAction":)"
                                        R"("Ver","publicationCaption":"C\nc","imageNotes":""}})");
     }
-    Outcome runCloud(const QStringList& photos, const QString& objective = u"Vender"_s)
+    Outcome runCloud(const QStringList& photos, const QString& objective = u"Vender"_s,
+                     const QString& sheet = u"textos.csv"_s)
     {
         return run(QStringList{u"generate"_s, u"--mode"_s, u"cloud"_s, u"--objective"_s, objective,
-                               u"--csv"_s, path(u"textos.csv"_s)} +
+                               u"--csv"_s, path(sheet)} +
                    photos);
     }
     // "reserve", "generate", "refund" of the requests since the last call.
@@ -119,6 +120,16 @@ TEST_F(GenerateCommandTest, aKilledCommandGoesOnWhereItStopped)
     EXPECT_EQ(runCloud(photos).status, 0);
     EXPECT_EQ(requests(), (QStringList{u"refund"_s, u"reserve"_s, u"generate"_s}));
     EXPECT_EQ(rows(), (QStringList{u"a.png: Uno"_s, u"b.png: Dos"_s}));
+
+    // Rows of another order go, also those of photos that this one is not for.
+    write("Tres");
+    ASSERT_TRUE(QFile::link(path(u"textos.csv"_s), path(u"enlace.csv"_s)));
+    EXPECT_EQ(runCloud({photos[0]}, u"Regalar"_s, u"enlace.csv"_s).status, 0);
+    EXPECT_EQ(rows(), QStringList{u"a.png: Tres"_s});
+    EXPECT_EQ(runCloud({photos[1]}).status, 0);
+    EXPECT_EQ(rows(), QStringList{u"b.png: Dos"_s});
+    EXPECT_EQ(runCloud(photos).status, 0);
+    EXPECT_EQ(rows(), (QStringList{u"b.png: Dos"_s, u"a.png: Uno"_s}));
 }
 
 TEST_F(GenerateCommandTest, aFailedPhotoGetsNoRowAndItsCreditsBack)
