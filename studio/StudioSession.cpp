@@ -154,9 +154,8 @@ void StudioSession::finishRestore(const std::optional<Batch>& restored)
         }
         setStatus(sentence, StatusKind::done);
     }
-    // Copies for a batch that is set aside wait for it.
-    if (!hasWorkspaceAside() && !m_workspace.isAsideDue())
-        m_copy.dropPaid();
+    const bool isAside = hasWorkspaceAside() || m_workspace.isAsideDue();
+    m_copy.dropPaid(isAside ? PaidCopies::Others::mayReturn : PaidCopies::Others::areGone);
     if (const QString problem = m_workspace.takeProblem(); !problem.isEmpty())
         setStatus(problem, StatusKind::warning);
     endActivity(Activity::Kind::restoring);

@@ -178,6 +178,7 @@ void StudioCopy::takeLocal(const Order& order, const GeneratedCopy& copy)
 {
     if (!m_writer.isMissingAnswer(copy)) {
         m_failuresInRow = 0;
+        dropAbsent(order.item);
         return take({order.job, copy});
     }
     // The record says on the image itself what is wrong; one text alone cannot.
@@ -227,6 +228,7 @@ CloudCopySteps StudioCopy::stepsOf(const Order& order)
 bool StudioCopy::keepPaid(const Order& order, const GeneratedCopy& copy, const Strike& strike)
 {
     const Job& job = m_jobs[order.job];
+    m_absent.removeIf([&](const Absent& absent) { return absent.item == order.item; });
     const Strike keeping = m_paid.keeping(order.item, {copy, job.asked, job.only}, strike);
     const bool isKept = m_paid.store(keeping);
     if (!isKept)
@@ -260,10 +262,18 @@ void StudioCopy::takeFromCloud(const Order& order, const CloudCopyResult& result
     }
 }
 
+// Drops the paid copy of an earlier run that the item has not got yet: a newer one takes its place.
+void StudioCopy::dropAbsent(QUuid item)
+{
+    if (m_absent.removeIf([item](const Absent& absent) { return absent.item == item; }) > 0)
+        m_services.withNextSave(m_paid.removal({item}));
+}
+
 void StudioCopy::take(const Result& result)
 {
     m_waiting.append(result);
     setState(result.job, CopyState::waiting);
+    m_shownHindrance = CopyHindrance::none;
     applyWaiting();
 }
 

@@ -4,6 +4,8 @@
 #include "studio/batch/Batch.h"
 #include "studio/copy/CopyMerge.h"
 
+#include <QHash>
+
 class PreferencesStore;
 
 // Copies that were paid for and wait to be applied, by item, in the preferences. What a crash
@@ -24,11 +26,16 @@ struct PaidCopy {
 
 class PaidCopies {
 public:
+    // What is known of the items that are not in a batch.
+    enum class Others { areGone, mayReturn };
+
     // `preferences` outlive it.
     explicit PaidCopies(PreferencesStore& preferences) : m_preferences(preferences) {}
 
-    // Makes the function that stores the copy and calls `strike`, in the caller's transaction.
-    Strike keeping(QUuid item, const PaidCopy& copy, const Strike& strike) const;
+    // Makes the function that stores the copy in place of an earlier one of the item and calls
+    // `strike`, in the caller's transaction. A failed save calls such functions late: those made
+    // before the latest keeping() of an item, by removal() too, no longer change its stored copy.
+    Strike keeping(QUuid item, const PaidCopy& copy, const Strike& strike);
     // Makes the function that removes the waiting copies of the items.
     Strike removal(const QList<QUuid>& items) const;
     // Calls `work` in a transaction of its own.
@@ -37,7 +44,12 @@ public:
     // Applies the copies that wait for items of `batch`, and returns those items.
     QList<QUuid> applyTo(Batch& batch) const;
     QList<QUuid> items() const;
+    bool isStored(QUuid item) const;
+    // Removes the copies of items that are not in `batch`. Those of items that may return are kept
+    // for thirty days.
+    void removeOthers(const Batch& batch, Others others);
 
 private:
     PreferencesStore& m_preferences;
+    QHash<QUuid, int> m_kept;    // how often keeping() was called, by item
 };

@@ -207,8 +207,11 @@ QList<StudioCopy::Result> StudioCopy::applicable()
         if (!result.isPaid)
             continue;
         m_absent.append({job.item, {result.copy, job.asked, job.only}});
-        m_outcome.notes.append(
-            u"El texto pagado de «%1» se guarda por si recuperas la imagen."_s.arg(job.name));
+        const QString note =
+            m_paid.isStored(job.item)
+                ? u"El texto pagado de «%1» se guarda por si recuperas la imagen."_s
+                : u"El pago del texto de «%1» no se ha podido anotar."_s;
+        m_outcome.notes.append(note.arg(job.name));
     }
     return present;
 }
@@ -395,12 +398,4 @@ qsizetype StudioCopy::applyPaid(Batch& restored)
     if (!applied.isEmpty())
         m_services.withNextSave(m_paid.removal(applied));
     return applied.size();
-}
-
-void StudioCopy::dropPaid()
-{
-    QList<QUuid> left = m_paid.items();
-    left.removeIf([this](QUuid item) { return itemWith(item) != nullptr; });
-    if (!left.isEmpty())
-        m_paid.store(m_paid.removal(left));
 }

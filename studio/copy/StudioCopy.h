@@ -90,8 +90,8 @@ public:
     // Applies copies that an earlier run paid for to the items of a restored batch. Returns how
     // many there were.
     qsizetype applyPaid(Batch& restored);
-    // Removes the paid copies of images that no batch has any more.
-    void dropPaid();
+    // Removes paid copies of images that are not in the batch.
+    void dropPaid(PaidCopies::Others others) { m_paid.removeOthers(m_services.batch(), others); }
 
 Q_SIGNALS:
     void starting();    // a run is asked for: receivers end the edit of the objective
@@ -145,6 +145,7 @@ private:
     bool keepPaid(const Order& order, const GeneratedCopy& copy, const Strike& strike);
     void takeLocal(const Order& order, const GeneratedCopy& copy);
     void takeFromCloud(const Order& order, const CloudCopyResult& result);
+    void dropAbsent(QUuid item);
     void take(const Result& result);
     void fail(const Order& order, const QString& why);
     void failInRow();
@@ -182,7 +183,8 @@ private:
     CopyOutcome m_outcome;
     QList<CopyChange> m_replaced, m_kept;
     QTimer m_later;    // tries again while somebody drags or types
-    // What changed() was last emitted for while results could not be applied.
+    // The values of the services' hindrance() and of waiting() when showHindrance() last emitted
+    // changed(). `none`: it is to emit changed() again.
     CopyHindrance m_shownHindrance = CopyHindrance::none;
     int m_shownWaiting = 0;
 };

@@ -208,6 +208,66 @@ TEST_F(CloudCopyTest, aPaidTextComesBackWithItsImage)
     EXPECT_EQ(ledger().size(), 1) << "paid once";
 }
 
+TEST_F(CloudCopyTest, aNewerTextReplacesAPaidOneThatHasNotComeBack)
+{
+    session().selectSingleIndex(0);
+    const QUuid item = session().batch().items[0].id;
+    provider.set(StandInProvider::Mode::held);
+    session().copy().analyzeSelected();
+    ASSERT_TRUE(isAsked(1));
+    session().beginCanvasHistoryEdit();
+    provider.set(StandInProvider::Mode::good);
+    ASSERT_TRUE(turnUntil([this] { return session().copy().waiting() == 1; }));
+    session().removeItem(item);
+    session().endCanvasHistoryEdit({});
+    ASSERT_TRUE(turnUntil([this] { return !session().isAnalyzing(); }));
+    session().undo();
+    session().selectItem(0, {});
+
+    provider.set(StandInProvider::Mode::held);
+    session().copy().analyzeSelected();
+    ASSERT_TRUE(isAsked(2));
+    session().beginCanvasHistoryEdit();
+    provider.set(StandInProvider::Mode::good);
+    ASSERT_TRUE(turnUntil([this] { return session().copy().waiting() == 1; }));
+    EXPECT_EQ(paidCopies().size(), 1);
+    session().endCanvasHistoryEdit({});
+    ASSERT_TRUE(turnUntil([this] { return !session().isAnalyzing(); }));
+    EXPECT_EQ(session().status(), u"Textos generados en nube. Coste: 10 créditos."_s);
+    session().setObjective(u"otro"_s);    // nothing can be redone any more
+    QCoreApplication::processEvents();
+    EXPECT_EQ(titles().value(0), u"T-2."_s);
+    EXPECT_TRUE(paidCopies().isEmpty());
+    begin();
+    EXPECT_EQ(titles().value(0), u"T-2."_s);
+}
+
+TEST(PaidCopies, whatAFailedSaveCallsLateLeavesANewerCopy)
+{
+    const QTemporaryDir folder;
+    PreferencesStore preferences(folder.filePath(u"preferences.sqlite"_s));
+    PaidCopies paid(preferences);
+    Batch batch;
+    batch.items.append(PublicationItem::make(QUrl::fromLocalFile(u"/a.png"_s), {}));
+    const QUuid item = batch.items[0].id;
+    const auto copyOf = [&](const QString& title) {
+        PaidCopy copy{GeneratedCopy::placeholder(), textsOf(batch.items[0]), {}};
+        copy.copy.title = title;
+        return copy;
+    };
+    const Strike strike = [] { return true; };
+    const Strike first = paid.keeping(item, copyOf(u"Uno"_s), strike);
+    const Strike removal = paid.removal({item});
+    EXPECT_TRUE(paid.store(paid.keeping(item, copyOf(u"Dos"_s), strike)));
+    EXPECT_TRUE(paid.store(first));
+    EXPECT_TRUE(paid.store(removal));
+    paid.removeOthers({}, PaidCopies::Others::mayReturn);
+    EXPECT_EQ(paid.applyTo(batch), QList{item});
+    EXPECT_EQ(batch.items[0].analysis.title, u"Dos"_s);
+    paid.removeOthers({}, PaidCopies::Others::areGone);
+    EXPECT_TRUE(paid.items().isEmpty());
+}
+
 TEST(CopyOutcome, sentences)
 {
     using State = CopyOutcome::State;

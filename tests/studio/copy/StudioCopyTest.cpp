@@ -160,15 +160,19 @@ TEST_F(StudioCopyTest, theObjectiveThatIsStillTypedAndTheEngineOfTheUserCount)
     QObject::connect(&copy(), &StudioCopy::starting, &session,
                      [this] { session.setObjective(u"Recién escrito"_s); });
     QStringList steps;
-    QObject::connect(&copy(), &StudioCopy::working, &session,
-                     [&](const QString& sentence) { steps.append(sentence); });
+    bool wasStopping = false;
+    QObject::connect(&copy(), &StudioCopy::working, &session, [&](const QString& sentence) {
+        steps.append(sentence);
+        wasStopping = copy().isStopping();
+    });
     copy().proposeAnother(session.batch().items[0].id, CopySlot::title);
     ASSERT_TRUE(turnUntil([this] { return writer.isWriting(); }));
     EXPECT_EQ(writer.calls.last()->objective, u"Recién escrito"_s);
     EXPECT_EQ(steps, (QStringList{u"Preparando gemma-3-12b-it local..."_s,
                                   u"Generando con gemma-3-12b-it 1 de 1"_s}));
     copy().cancel();
-    EXPECT_TRUE(copy().isStopping());
+    EXPECT_EQ(steps.last(), u"Deteniendo la generación…"_s);
+    EXPECT_TRUE(wasStopping);
     EXPECT_TRUE(turnUntil([this] { return !session.isAnalyzing(); }));
 }
 
