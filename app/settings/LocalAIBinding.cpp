@@ -6,6 +6,8 @@
 #include <QCoroFuture>
 #include <QPointer>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 LocalAIBinding::LocalAIBinding(LocalAIManager& manager, LocalAIDetailPanel* panel)
@@ -20,9 +22,14 @@ LocalAIBinding::LocalAIBinding(LocalAIManager& manager, LocalAIDetailPanel* pane
 
 QCoro::Task<> LocalAIBinding::askUninstall()
 {
+    if (std::exchange(m_isAddingUp, true))
+        co_return;
     const QPointer<LocalAIBinding> self(this);
     const qint64 size = co_await m_manager.installedSize();
-    if (self)
+    if (!self)
+        co_return;
+    m_isAddingUp = false;
+    if (m_panel->isVisible() && shown().presence == LocalAIPresence::installed)
         m_panel->askUninstall(formatBytes(size));
 }
 

@@ -16,8 +16,11 @@ public:
 private:
     LocalAIShown shown() const;
     void show();
-    QCoro::Task<> askUninstall();    // tells how many bytes that frees
+    // Asks for a confirmation that tells how many bytes are freed, unless the panel has been left
+    // or the engine is no longer installed when they are added up.
+    QCoro::Task<> askUninstall();
 
     LocalAIManager& m_manager;
     LocalAIDetailPanel* m_panel;
+    bool m_isAddingUp = false;    // the bytes, for askUninstall()
 };
