@@ -112,27 +112,46 @@ private:
     sqlite3* m_handle = nullptr;
 };
 
+// Calls `attempt`, which returns a result code of SQLite, until the ledger is not locked. Reports
+// any other result than `expected`. Returns whether that was the result.
+template <typename Attempt>
+bool onLedger(const QString& path, int flags, int expected, Attempt attempt)
+{
+    int result = SQLITE_BUSY;
+    QString error;
+    tryUntilDone([&] {
+        const LedgerFile ledger(path, flags);
+        result = attempt(ledger.handle());
+        error = ledger.error();
+        return result != SQLITE_BUSY;
+    });
+    return result == expected || complain("the ledger:", error);
+}
+
 // Gives the last account of the ledger more credits than any storm spends.
 inline bool topUp(const QString& ledgerFile)
 {
-    const LedgerFile ledger(ledgerFile, SQLITE_OPEN_READWRITE);
-    const int result =
-        sqlite3_exec(ledger.handle(),
-                     "INSERT INTO ledger_entry (account, kind, amount, balance, note, created)"
-                     " SELECT account, 'purchase', 100000000, 100000000 + balance, '', created"
-                     " FROM ledger_entry ORDER BY id DESC LIMIT 1",
-                     nullptr, nullptr, nullptr);
-    if (result != SQLITE_OK)
-        return complain("the credits could not be added:", ledger.error());
-    return sqlite3_changes(ledger.handle()) == 1;
+    int rows = 0;
+    const auto insert = [&rows](sqlite3* ledger) {
+        const int result =
+            sqlite3_exec(ledger,
+                         "INSERT INTO ledger_entry (account, kind, amount, balance, note, created)"
+                         " SELECT account, 'purchase', 100000000, 100000000 + balance, '', created"
+                         " FROM ledger_entry ORDER BY id DESC LIMIT 1",
+                         nullptr, nullptr, nullptr);
+        rows = sqlite3_changes(ledger);
+        return result;
+    };
+    return onLedger(ledgerFile, SQLITE_OPEN_READWRITE, SQLITE_OK, insert) &&
+           (rows == 1 || complain("the ledger has no account"));
 }
 
 // One attempt to read all rows of `query`. Returns the result code of SQLite.
-inline int readRows(const LedgerFile& ledger, const char* query, QList<QByteArrayList>& rows)
+inline int readRows(sqlite3* ledger, const char* query, QList<QByteArrayList>& rows)
 {
     rows.clear();
     sqlite3_stmt* statement = nullptr;
-    int result = sqlite3_prepare_v2(ledger.handle(), query, -1, &statement, nullptr);
+    int result = sqlite3_prepare_v2(ledger, query, -1, &statement, nullptr);
     if (result != SQLITE_OK)
         return result;
     while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
@@ -151,14 +170,9 @@ inline int readRows(const LedgerFile& ledger, const char* query, QList<QByteArra
 inline std::optional<QList<QByteArrayList>> ledgerRows(const QString& ledgerFile, const char* query)
 {
     QList<QByteArrayList> rows;
-    const bool isRead = tryUntilDone([&] {
-        const LedgerFile ledger(ledgerFile, SQLITE_OPEN_READONLY);
-        const int result = readRows(ledger, query, rows);
-        if (result != SQLITE_DONE && result != SQLITE_BUSY)
-            complain("the ledger cannot be read:", ledger.error());
-        return result == SQLITE_DONE;
-    });
-    return isRead ? std::optional(rows) : std::nullopt;
+    const auto read = [&](sqlite3* ledger) { return readRows(ledger, query, rows); };
+    return onLedger(ledgerFile, SQLITE_OPEN_READONLY, SQLITE_DONE, read) ? std::optional(rows)
+                                                                         : std::nullopt;
 }
 
 // Runs children and kills them. `Judge` has hear(line), judge(), childDied(isByItself) and
@@ -319,8 +333,7 @@ public:
         while (!m_service.canReadLine() && m_service.waitForReadyRead(wait)) {
         }
         m_address = QString::fromUtf8(m_service.readLine()).trimmed();
-        m_isReady = !m_address.isEmpty() && signUp(folder, m_address) &&
-                    tryUntilDone([this] { return topUp(m_ledgerFile); });
+        m_isReady = !m_address.isEmpty() && signUp(folder, m_address) && topUp(m_ledgerFile);
         if (!m_isReady)
             complain("the service does not answer:", m_service.errorString());
     }

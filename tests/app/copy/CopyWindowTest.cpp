@@ -200,3 +200,26 @@ TEST_F(CopyWindow, anotherProposalWritesThatTextAlone)
     EXPECT_FALSE(generate->isEnabled());
     EXPECT_EQ(generate->toolTip(), u"No instalado."_s);
 }
+
+TEST_F(CopyWindow, closingTheWindowStoresTheTextsThatWait)
+{
+    load(2);
+    session.selectAll();
+    QWidget* objective = shell->composeBar()->objectiveEdit();
+    objective->setFocus();
+    QTest::keyClicks(objective, u"Rebajas"_s);
+    session.copy().analyzeSelected();
+    ASSERT_TRUE(waitForWriter());
+    EXPECT_EQ(writer.calls.last()->objective, u"Rebajas"_s) << "the start has ended the edit";
+    session.setText(CopySlot::tagline, u"Mío"_s);
+    session.undo();    // what can be redone makes results wait
+    QCoreApplication::processEvents();
+    answer();
+    EXPECT_EQ(session.copy().waiting(), 1);
+    EXPECT_TRUE(window.close());
+    StudioSession next(photos, preferences);
+    next.restoreWorkspaceIfNeeded();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return next.didRestoreWorkspace(); }, 30'000));
+    ASSERT_EQ(next.batch().items.size(), 2);
+    EXPECT_EQ(next.batch().items[0].layers.first().text, u"Título f0.png"_s);
+}
