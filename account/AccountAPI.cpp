@@ -18,17 +18,19 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString sessionCookieDefaultsKey = u"tallerioSessionCookieHeader"_s;
-const QString sessionOriginKey = u"moltiva.sessionOrigin"_s;    // origin that the cookie belongs to
+const QString sessionOriginKey = u"moltiva.sessionOrigin"_s;    // AccountAPI::m_pair of the cookie
 const QString legacyTokenKey = u"tallerioSessionToken"_s;       // stored by earlier builds
 
 const QString clientIdentifier = u"moltiva-macos"_s;
 const QString checkoutClient = u"macos-native"_s;
 constexpr int mostRedirections = 5;
+constexpr qint64 largestPublishReply = 256 * 1024;
+constexpr qsizetype longestPostAddress = 2'000;
 
-// The stored session cookie if it belongs to `origin` or has no stored origin; empty if not.
-QByteArray storedCookie(const PreferencesStore& preferences, const QByteArray& origin)
+// The stored session cookie if it belongs to `pair` or has no stored pair; empty if not.
+QByteArray storedCookie(const PreferencesStore& preferences, const QByteArray& pair)
 {
-    if (preferences.value(sessionOriginKey).value_or(origin) != origin)
+    if (preferences.value(sessionOriginKey).value_or(pair) != pair)
         return {};
     QByteArray cookie = preferences.value(sessionCookieDefaultsKey).value_or(QByteArray());
     const QByteArray token = preferences.value(legacyTokenKey).value_or(QByteArray());
@@ -37,13 +39,30 @@ QByteArray storedCookie(const PreferencesStore& preferences, const QByteArray& o
     return isHeaderText(cookie) ? cookie : QByteArray();
 }
 
-// "local" for the service on this machine, whose port changes with each start.
-QByteArray originOf(const ServiceConfiguration& configuration)
+// Scheme, host and port; "local" for the service on this machine, whose port changes with each
+// start.
+QByteArray originOf(const std::optional<QUrl>& address)
 {
-    return configuration.service
-               ? configuration.service->adjusted(QUrl::RemovePath | QUrl::RemoveQuery)
-                     .toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment)
-               : QByteArray("local");
+    return address ? address->adjusted(QUrl::RemovePath | QUrl::RemoveQuery)
+                         .toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment)
+                   : QByteArray("local");
+}
+
+// The origin of both if they are one place, so that a cookie of an earlier build, which stored the
+// origin of the service alone, stays valid there.
+QByteArray pairOf(const ServiceConfiguration& configuration)
+{
+    const auto& [service, site] = std::pair(configuration.service, configuration.site);
+    const bool isOnePlace = service && site ? sameOrigin(*service, *site) : !service && !site;
+    return isOnePlace ? originOf(service) : originOf(service) + ' ' + originOf(site);
+}
+
+// Whether a browser may be told to open the address of a post.
+bool isOpenable(const std::optional<QUrl>& address)
+{
+    return address && !address->host().isEmpty() &&
+           (address->scheme() == u"https"_s || address->scheme() == u"http"_s) &&
+           address->toEncoded().size() <= longestPostAddress;
 }
 
 QCoro::Task<AccountSummary> confirmed(QCoro::Task<CheckoutConfirmResponse> asking)
@@ -79,20 +98,23 @@ QCoro::Task<GeneratedCopy> generated(QCoro::Task<SocialCopyGenerateResponse> ask
 struct AccountAPI::Call {
     QByteArray method;
     QByteArray path;
-    std::optional<QByteArray> body = std::nullopt;
+    std::optional<HttpBody> body = std::nullopt;
     Base base = Base::service;
     // `beginsSession`: a cookie in the reply becomes the session, even if that has changed since
     // the request. `endsSession`: an accepted reply ends the session that the request was sent
     // with.
     bool beginsSession = false, endsSession = false;
     std::optional<Session> session = std::nullopt;    // empty: m_session is sent
+    // A request that publishes; see publishSocialPost().
+    bool publishes = false;
+    SentBytes sentBytes = {};
 };
 
 AccountAPI::AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
                        LocalService* local, RequestLimits limits, QObject* parent)
     : QObject(parent), m_configuration(configuration), m_preferences(preferences), m_local(local),
-      m_limits(limits),
-      m_origin(originOf(configuration)), m_session{storedCookie(preferences, m_origin)}
+      m_limits(limits), m_origin(originOf(configuration.service)),
+      m_pair(pairOf(configuration)), m_session{storedCookie(preferences, m_pair)}
 {
 }
 
@@ -123,15 +145,21 @@ HttpRequest AccountAPI::prepared(Call call, const Session& session) const
         request.headers.emplaceBack("Content-Type", "application/json");
     setCookie(request, session.cookie);
     request.body = std::move(call.body);
+    if (call.publishes) {
+        request.largestReply = largestPublishReply;
+        request.cutsLargeReply = request.staysOnceSent = true;
+        request.onSent = std::move(call.sentBytes);
+    }
     return request;
 }
 
-// Follows redirections within the origin. One to another origin is not followed but returned as the
-// reply, so that the cookie is not sent there.
+// Follows redirections within the origin; of those after a post, only the ones that ask for the
+// same request, because the page that another one leads to says nothing about the post. One to
+// another origin is not followed but returned as the reply, so that the cookie is not sent there.
 QCoro::Task<AccountAPI::Answer> AccountAPI::sendFollowing(Call call, std::stop_token stop)
 {
     const QPointer<AccountAPI> self = this;
-    const bool beginsSession = call.beginsSession;
+    const bool beginsSession = call.beginsSession, publishes = call.publishes;
     Answer answer;
     answer.session = *call.session;
     HttpRequest request = prepared(std::move(call), answer.session);
@@ -151,7 +179,9 @@ QCoro::Task<AccountAPI::Answer> AccountAPI::sendFollowing(Call call, std::stop_t
             setCookie(request, cookie);
         }
         const std::optional<QUrl> location = locationIn(answer.reply, request.url);
-        if (!location || !sameOrigin(*location, request.url) || redirections == mostRedirections)
+        const bool isFollowed = location && sameOrigin(*location, request.url) &&
+                                (!publishes || repeatsRequest(answer.reply.status));
+        if (!isFollowed || redirections == mostRedirections)
             break;
         redirect(request, *location, answer.reply.status);
     }
@@ -164,7 +194,7 @@ QCoro::Task<QByteArray> AccountAPI::exchange(Call call, std::stop_token stop)
     co_await locate(stop);
     if (!self)
         throw TransportError::stopped();
-    const bool endsSession = call.endsSession;
+    const bool endsSession = call.endsSession, publishes = call.publishes;
     const Session sent = call.session.value_or(m_session);
     call.session = sent;
     QCoro::Task<Answer> sending = sendFollowing(std::move(call), stop);
@@ -173,8 +203,8 @@ QCoro::Task<QByteArray> AccountAPI::exchange(Call call, std::stop_token stop)
         answer = co_await std::move(sending);
     } catch (const TransportError& error) {
         using Kind = TransportError::Kind;
-        const bool isNoAnswer =
-            error.kind() == Kind::notHttp || (endsSession && error.kind() == Kind::brokenOff);
+        const bool isNoAnswer = (error.kind() == Kind::notHttp && !publishes) ||
+                                (endsSession && error.kind() == Kind::brokenOff);
         if (!isNoAnswer)
             throw;
         if (self && endsSession)
@@ -187,6 +217,8 @@ QCoro::Task<QByteArray> AccountAPI::exchange(Call call, std::stop_token stop)
     const QString siteName = m_configuration.siteName;
     if (isRefused)
         forget(answer.session);
+    if (publishes && leavesOpen(answer.reply))
+        throw AccountError::invalidResponse();
     const QByteArray body = acceptedBody(answer.reply, siteName);
     if (endsSession)
         forget(answer.session);
@@ -231,6 +263,18 @@ QCoro::Task<> AccountAPI::obey(Call call, std::stop_token stop)
     co_await std::move(asking);
 }
 
+QCoro::Task<SocialPublishResponse> AccountAPI::published(Call call, std::stop_token stop)
+{
+    QCoro::Task<QByteArray> exchanging = exchange(std::move(call), stop);
+    const QByteArray body = co_await std::move(exchanging);
+    auto reply = fromWire<SocialPublishResponse>(body);
+    if (!reply || !reply->ok.value_or(true))
+        throw AccountError::invalidResponse();
+    if (!isOpenable(reply->url))
+        reply->url.reset();
+    co_return std::move(*reply);
+}
+
 bool AccountAPI::isStillHeld(const Session& session) const
 {
     return session.generation == m_session.generation;
@@ -249,7 +293,7 @@ void AccountAPI::remember(const QByteArray& cookie)
     hold(cookie);
     const auto store = [&] {
         return m_preferences.setValue(sessionCookieDefaultsKey, cookie) &&
-               m_preferences.setValue(sessionOriginKey, m_origin) &&
+               m_preferences.setValue(sessionOriginKey, m_pair) &&
                m_preferences.remove(legacyTokenKey);
     };
     using Store = PreferencesStore;
@@ -264,14 +308,14 @@ void AccountAPI::forget(const Session& session)
     if (session.cookie.isEmpty() || !isStillHeld(session))
         return;
     const auto remove = [&] {
-        return storedCookie(m_preferences, m_origin) == session.cookie &&
+        return storedCookie(m_preferences, m_pair) == session.cookie &&
                m_preferences.remove(sessionCookieDefaultsKey) &&
                m_preferences.remove(sessionOriginKey) && m_preferences.remove(legacyTokenKey);
     };
     using Store = PreferencesStore;
     m_preferences.transaction(remove, Store::Durability::usual, Store::Traces::erased);
     const QString reason = m_preferences.reason();
-    const bool isKept = storedCookie(m_preferences, m_origin) == session.cookie;
+    const bool isKept = storedCookie(m_preferences, m_pair) == session.cookie;
     m_endedSessionKept = isKept ? std::optional(reason) : std::nullopt;
     if (m_session.cookie == session.cookie)
         hold({});
@@ -302,7 +346,7 @@ QCoro::Task<AccountSummary> AccountAPI::me(std::stop_token stop)
                 throw;
         }
     }
-    const Session other{storedCookie(m_preferences, m_origin), m_session.generation};
+    const Session other{storedCookie(m_preferences, m_pair), m_session.generation};
     QCoro::Task<AccountSummary> asking = meWith(other, stop);
     const AccountSummary summary = co_await std::move(asking);
     if (self && isStillHeld(other))
@@ -312,7 +356,7 @@ QCoro::Task<AccountSummary> AccountAPI::me(std::stop_token stop)
 
 bool AccountAPI::holdsOtherThan(const QByteArray& cookie) const
 {
-    const QByteArray stored = storedCookie(m_preferences, m_origin);
+    const QByteArray stored = storedCookie(m_preferences, m_pair);
     return !stored.isEmpty() && stored != cookie;
 }
 
@@ -463,14 +507,12 @@ QCoro::Task<SocialConnectTokenResponse> AccountAPI::socialConnectToken(const QSt
 }
 
 QCoro::Task<SocialPublishResponse>
-AccountAPI::publishSocialPost(const QString& network, const QString& caption,
-                              QList<SocialPublishImage> images, const QString& requestId,
-                              const QString& placement, std::stop_token stop)
+AccountAPI::publishSocialPost(const QString& request, SentBytes sentBytes, std::stop_token stop)
 {
-    const SocialPublishRequest post{network, caption, std::move(images), requestId, placement};
-    return requestPrepared<SocialPublishResponse>(
-        {"POST", "/api/social/publish", std::nullopt, Base::site},
-        runOnWorker([post] { return toWire(post); }), std::move(stop));
+    Call call{"POST", "/api/social/publish", BodyFile{request}, Base::site};
+    call.publishes = true;
+    call.sentBytes = std::move(sentBytes);
+    return published(std::move(call), std::move(stop));
 }
 
 QUrl AccountAPI::testMailURL() const

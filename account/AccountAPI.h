@@ -10,6 +10,7 @@
 #include <QObject>
 
 #include <chrono>
+#include <functional>
 #include <stop_token>
 
 class LocalService;
@@ -21,6 +22,9 @@ struct RequestLimits {
     std::chrono::milliseconds withoutBody = std::chrono::seconds(35);
     std::chrono::milliseconds withBody = std::chrono::seconds(260);
 };
+
+// Told how many bytes of a request were sent so far.
+using SentBytes = std::function<void(qint64 bytes)>;
 
 // The client of the account service and of the public web site, with one function per endpoint. It
 // sends the session cookie with every request and stores it in the preferences for the next run of
@@ -77,11 +81,12 @@ public:
     QCoro::Task<SocialStatusResponse> socialStatus(std::stop_token stop = {});
     QCoro::Task<SocialConnectTokenResponse> socialConnectToken(const QString& network,
                                                                std::stop_token stop = {});
-    // `placement`: "feed" or "story".
+    // Sends the request that writePublishRequest() has written to the file `request`. A post that
+    // was accepted is a success even without an address; its url is http or https. The request
+    // stops only until it was wholly sent. If it was, the post may have been published in spite of
+    // a TransportError or an unreadable reply.
     QCoro::Task<SocialPublishResponse>
-    publishSocialPost(const QString& network, const QString& caption,
-                      QList<SocialPublishImage> images, const QString& requestId,
-                      const QString& placement = QStringLiteral("feed"), std::stop_token stop = {});
+    publishSocialPost(const QString& request, SentBytes sentBytes = {}, std::stop_token stop = {});
 
     // Starts the local service if an address is not configured. Await it before calling the three
     // functions below, which may need the address of that service.
@@ -92,6 +97,9 @@ public:
     // other service.
     QUrl testMailURL() const;
 
+    const RequestLimits& limits() const { return m_limits; }
+    // Bytes of a request that the web site takes, as far as is known.
+    qint64 largestPost() const { return m_configuration.largestPost; }
     const QString& siteName() const { return m_configuration.siteName; }
     const QString& administratorEmail() const { return m_configuration.administratorEmail; }
     // Scheme, host and port of the service; "local" for the local service, whose port changes with
@@ -127,6 +135,7 @@ private:
     template <typename Reply>
     QCoro::Task<Reply> requestPrepared(Call call, QFuture<QByteArray> body, std::stop_token stop);
     QCoro::Task<> obey(Call call, std::stop_token stop);
+    QCoro::Task<SocialPublishResponse> published(Call call, std::stop_token stop);
     HttpRequest prepared(Call call, const Session& session) const;
 
     QCoro::Task<AccountSummary> meWith(const Session& session, std::stop_token stop);
@@ -141,7 +150,10 @@ private:
     PreferencesStore& m_preferences;
     LocalService* m_local;
     const RequestLimits m_limits;
-    const QByteArray m_origin;    // stored with the cookie, which must not be sent to other origins
+    const QByteArray m_origin;
+    // The origins of service and web site, which share the session. Stored with the cookie, which
+    // must not be sent to another pair.
+    const QByteArray m_pair;
     Session m_session;
     bool m_isSessionKept = true;
     std::optional<QString> m_endedSessionKept;

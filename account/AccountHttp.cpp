@@ -3,6 +3,8 @@
 #include "account/AccountError.h"
 #include "account/AccountRecords.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <array>
 
@@ -14,6 +16,15 @@ bool isRedirection(int status)
 {
     constexpr std::array statuses{301, 302, 303, 307, 308};
     return std::ranges::find(statuses, status) != statuses.end();
+}
+
+// The machine code of the service in a reply; empty if there is none.
+std::optional<QString> codeIn(const HttpReply& reply)
+{
+    static const QRegularExpression code(u"^[a-z0-9_]+$"_s);
+    const auto payload = fromWire<APIErrorPayload>(reply.body).value_or(APIErrorPayload());
+    const bool isCode = payload.error && code.match(*payload.error).hasMatch();
+    return isCode ? payload.error : std::nullopt;
 }
 
 }    // namespace
@@ -39,11 +50,17 @@ QByteArray acceptedBody(const HttpReply& reply, const QString& siteName)
 {
     if (reply.status >= 200 && reply.status <= 299)
         return reply.body;
-    const auto payload = fromWire<APIErrorPayload>(reply.body).value_or(APIErrorPayload());
+    const auto given = codeIn(reply);
     if (reply.status == 401)
-        throw AccountError::unauthorized(payload.error.value_or(QString()));
-    const QString code = payload.error.value_or(u"server_error"_s);
+        throw AccountError::unauthorized(given.value_or(QString()));
+    const QString code = given.value_or(QString());
     throw AccountError::message(userMessage(code, siteName), code);
+}
+
+bool leavesOpen(const HttpReply& reply)
+{
+    const bool leadsElsewhere = reply.status >= 300 && reply.status <= 399;
+    return leadsElsewhere ? !repeatsRequest(reply.status) : reply.status >= 500 && !codeIn(reply);
 }
 
 bool isHeaderText(QByteArrayView text)
@@ -70,6 +87,11 @@ bool sameOrigin(const QUrl& one, const QUrl& other)
         return url.port(url.scheme() == u"https"_s ? 443 : 80);
     };
     return one.scheme() == other.scheme() && one.host() == other.host() && port(one) == port(other);
+}
+
+bool repeatsRequest(int status)
+{
+    return status == 307 || status == 308;
 }
 
 // After a 303, and a 301 or 302 for a POST, the new address is fetched with GET, as browsers do.

@@ -65,8 +65,8 @@ MOLTIVA_FIELDS(SocialPublishImage, required("fileName", &R::fileName),
 MOLTIVA_FIELDS(SocialPublishRequest, required("network", &R::network),
                required("caption", &R::caption), required("images", &R::images),
                required("requestId", &R::requestId), required("placement", &R::placement))
-MOLTIVA_FIELDS(SocialPublishResponse, optional("ok", &R::ok), optional("id", &R::id),
-               optional("status", &R::status), lenient("url", &R::url))
+MOLTIVA_FIELDS(SocialPublishResponse, lenient("ok", &R::ok), lenient("id", &R::id),
+               lenient("status", &R::status), lenient("url", &R::url))
 MOLTIVA_FIELDS(TemplateUploadRequest, required("fileName", &R::fileName),
                optional("oldFileName", &R::oldFileName),
                required("templateJSONBase64", &R::templateJSONBase64))

@@ -141,10 +141,13 @@ QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation o
     ChargeResult result;
     QCoro::Task<QString> freeing = refusalAfterEarlierCharge(key, operation.cost);
     const QString inUse = co_await std::move(freeing);
-    const QString refusal = self && inUse.isEmpty() ? openEntry(key, operation) : inUse;
-    if (!self || !refusal.isEmpty()) {
+    if (!self || !inUse.isEmpty()) {
         const bool isOut = self && m_account.accountKey().isEmpty();
-        result = notReserved(refusal, isOut ? Refusal::signedOut : Refusal::other);
+        result = notReserved(inUse, isOut ? Refusal::signedOut : Refusal::other);
+        co_return std::move(result);
+    }
+    if (const std::optional<ChargeResult> refused = openEntry(key, operation)) {
+        result = *refused;
         co_return std::move(result);
     }
     reached("opened");
@@ -199,7 +202,8 @@ QCoro::Task<QString> CreditJournal::refusalAfterEarlierCharge(QString key, qint6
 
 // Writes the entry of `operation` under `key`. Replaces an entry that an earlier run left open
 // under the same key. Returns why the entry could not be written; empty on success.
-QString CreditJournal::openEntry(const QString& key, const ChargedOperation& operation)
+std::optional<ChargeResult> CreditJournal::openEntry(const QString& key,
+                                                     const ChargedOperation& operation)
 {
     const OpenReservation opened{.requestId = operation.requestId,
                                  .account = m_account.accountKey(),
@@ -214,7 +218,9 @@ QString CreditJournal::openEntry(const QString& key, const ChargedOperation& ope
     bool isOthers = false, isDue = true;
     const auto write = [&] {
         const auto before = entryAt(key, m_preferences);
-        isOthers = (before && !isLeftOpen(key)) || isBeingPaid(operation.covers);
+        isOthers = (before && !isLeftOpen(key)) || isBeingPaid([&](const QString& render) {
+                       return operation.covers.contains(render);
+                   });
         isDue = !operation.isStillDue || operation.isStillDue();
         OpenReservation entry = opened;
         entry.lateBefore = before ? before->lateUntil : 0;
@@ -222,29 +228,30 @@ QString CreditJournal::openEntry(const QString& key, const ChargedOperation& ope
     };
     const bool isOpen = !opened.run.isEmpty() &&
                         m_preferences.transaction(write, PreferencesStore::Durability::onDisk);
-    if (isOthers)
-        return u"Otra orden de Moltiva está pagando lo mismo. Espera a que termine."_s;
-    if (!isDue)
-        return u"Otra orden de Moltiva ha pagado una parte mientras tanto. Vuelve a intentarlo."_s;
+    if (isOthers) {
+        return notReserved(u"Otra orden de Moltiva está pagando lo mismo. Espera a que termine."_s,
+                           Refusal::beingPaid);
+    }
+    if (!isDue) {
+        return notReserved(
+            u"Otra orden de Moltiva ha pagado una parte mientras tanto. Vuelve a intentarlo."_s,
+            Refusal::paidMeanwhile);
+    }
     if (!isOpen) {
-        return u"No se pudo anotar el pago: %1."_s.arg(
+        return notReserved(u"No se pudo anotar el pago: %1."_s.arg(
             opened.run.isEmpty() ? u"no se puede escribir en la carpeta de datos"_s
-                                 : m_preferences.reason());
+                                 : m_preferences.reason()));
     }
     m_ownLeftOpen.remove(key);
     return {};
 }
 
-// Whether a running operation, of this process or another, pays for any of the renders named in
-// `what`.
-bool CreditJournal::isBeingPaid(const QStringList& what) const
+bool CreditJournal::isBeingPaid(const std::function<bool(const QString& render)>& matches) const
 {
     const QStringList keys = m_preferences.keysBeginningWith(keyPrefixOf(m_account.accountKey()));
     return std::ranges::any_of(keys, [&](const QString& key) {
         const auto entry = entryAt(key, m_preferences);
-        return entry && !isLeftOpen(key) && std::ranges::any_of(what, [&](const QString& each) {
-                   return entry->covers.contains(each);
-               });
+        return entry && !isLeftOpen(key) && std::ranges::any_of(entry->covers, matches);
     });
 }
 

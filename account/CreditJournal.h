@@ -12,6 +12,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class CreditAccount;
 class PreferencesStore;
@@ -43,8 +44,16 @@ struct ChargedOperation {
 
 struct ChargeResult {
     enum class State { done, notReserved, failed };
-    // Why the credits were not reserved.
-    enum class Refusal { other, signedOut, tooFewCredits, unreachable };
+    // Why the credits were not reserved. beingPaid: another operation pays for the same renders.
+    // paidMeanwhile: see ChargedOperation::isStillDue.
+    enum class Refusal {
+        other,
+        signedOut,
+        tooFewCredits,
+        unreachable,
+        beingPaid,
+        paidMeanwhile,
+    };
 
     State state = State::done;
     bool isRefundPending = false;    // the refund has failed and is tried again later
@@ -90,6 +99,14 @@ public:
 
     QCoro::Task<ChargeResult> run(ChargedOperation operation);
 
+    // Whether a running operation of the signed-in account, in this process or another, pays for a
+    // render that `matches`, or gives back what it paid. The renders have the names of
+    // ChargedOperation::covers.
+    bool isBeingPaid(const std::function<bool(const QString& render)>& matches) const;
+
+    // This run of the program.
+    ProgramRun& programRun() { return m_run; }
+
     // Refunds the signed-in account's open entries: those of processes that have ended, and those
     // that this one failed to refund. The journal itself calls it after each sign-in and at
     // intervals. A call during another one only waits for that one to end.
@@ -120,8 +137,7 @@ private:
     void accountChanged();
     QCoro::Task<ChargeResult> reserve(QString key, ChargedOperation operation);
     QCoro::Task<QString> refusalAfterEarlierCharge(QString key, qint64 cost);
-    QString openEntry(const QString& key, const ChargedOperation& operation);
-    bool isBeingPaid(const QStringList& what) const;
+    std::optional<ChargeResult> openEntry(const QString& key, const ChargedOperation& operation);
     template <typename Change>
     bool changeEntry(const QString& key, Change change);
     void noteReserved(const QString& key);

@@ -97,6 +97,9 @@ ServiceConfiguration takenConfiguration(QStringList& arguments, const QString& f
         made.siteName = made.site ? capitalized(made.site->host()) : u"Moltiva local"_s;
     made.administratorEmail =
         settings.value(u"administrator"_s, u"administracion@moltiva.local"_s).toString();
+    const double megabytes = settings.value(u"largestPost"_s).toDouble();
+    if (megabytes > 0 && megabytes < 1'000'000)
+        made.largestPost = qint64(megabytes * 1'000'000);
     return made;
 }
 

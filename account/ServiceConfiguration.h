@@ -12,6 +12,8 @@ struct ServiceConfiguration {
     std::optional<QUrl> service, site;
     QString siteName;    // for messages; made from the site's host if not configured
     QString administratorEmail;
+    qint64 largestPost =
+        100'000'000;    // bytes of a request to publish, above which it is warned of
     QString problem;    // why the addresses cannot be used, for the user; empty when they can
 };
 
@@ -23,6 +25,7 @@ struct ServiceConfiguration {
 //     site=https://…
 //     siteName=…
 //     administrator=…
+//     largestPost=… megabytes
 ServiceConfiguration takenConfiguration(QStringList& arguments, const QString& file);
 
 // Path of the user's configuration file.

@@ -10,6 +10,9 @@
 #include <QCoreApplication>
 #include <QDir>
 
+#include <algorithm>
+#include <array>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -22,6 +25,15 @@ QString modelPage(const QString& repository)
     return u"https://huggingface.co/"_s + repository;
 }
 
+// Texts of a missing answer; see isOfMissingAnswer().
+constexpr QStringView gemmaIsSilent = u"Gemma no respondió";
+constexpr QStringView modelIsSilent = u"El modelo no respondió";
+constexpr QStringView gemmaDidNotStart = u"No se ha podido iniciar Gemma 4 E2B local desde la app.";
+constexpr QStringView gaveNoAnswer = u" no ha dado una respuesta en ";
+constexpr QStringView checkEngine = u"Revisar IA local", tryAgain = u"Reintentar";
+constexpr QStringView noCaption =
+    u"No se ha podido generar el texto completo de la publicación porque ";
+
 EngineProfile gemma(EngineKind kind, const LocalAIInstallation& installation)
 {
     EngineProfile profile;
@@ -33,12 +45,13 @@ EngineProfile gemma(EngineKind kind, const LocalAIInstallation& installation)
 #else
     profile.readyDetail = u"Instalado en este equipo. 0 créditos."_s;
 #endif
-    profile.noAnswer = GeneratedCopy(
-        u"Gemma no respondió"_s, u"No se ha podido iniciar Gemma 4 E2B local desde la app."_s,
-        u"Revisar IA local"_s, u"Reintentar"_s,
-        u"No se ha podido generar el texto completo de la publicación porque Gemma 4 E2B local no "
-        "respondió. Revisa la instalación local y vuelve a intentarlo."_s,
-        u"La generación local usa solo Gemma 4 E2B."_s);
+    profile.noAnswer =
+        GeneratedCopy(gemmaIsSilent.toString(), gemmaDidNotStart.toString(), checkEngine.toString(),
+                      tryAgain.toString(),
+                      noCaption.toString() +
+                          u"Gemma 4 E2B local no respondió. Revisa la instalación local y vuelve a "
+                          "intentarlo."_s,
+                      u"La generación local usa solo Gemma 4 E2B."_s);
     return profile;
 }
 
@@ -158,15 +171,21 @@ EngineProfile configuredProfile(const CopyEndpoint& endpoint)
     profile.wording = {.engine = profile.modelName + u" local"_s,
                        .imageNotes = u"Analizado con %1 local."_s.arg(profile.modelName),
                        .closesCutAnswers = true};
-    profile.noAnswer =
-        GeneratedCopy(u"El modelo no respondió"_s,
-                      u"%1 no ha dado una respuesta en %2."_s.arg(profile.modelName, place),
-                      u"Revisar IA local"_s, u"Reintentar"_s,
-                      u"No se ha podido generar el texto completo de la publicación porque %1 no "
-                      "respondió en %2. Revisa que siga en marcha y vuelve a intentarlo."_s.arg(
-                          profile.modelName, place),
-                      u"La generación local usa solo %1."_s.arg(profile.modelName));
+    profile.noAnswer = GeneratedCopy(
+        modelIsSilent.toString(), profile.modelName + gaveNoAnswer.toString() + place + u'.',
+        checkEngine.toString(), tryAgain.toString(),
+        noCaption.toString() + u"%1 no respondió en %2. Revisa que siga en marcha y vuelve a "
+                               "intentarlo."_s.arg(profile.modelName, place),
+        u"La generación local usa solo %1."_s.arg(profile.modelName));
     return profile;
+}
+
+bool isOfMissingAnswer(const QString& text)
+{
+    constexpr std::array whole{gemmaIsSilent, modelIsSilent, gemmaDidNotStart, checkEngine,
+                               tryAgain};
+    return std::ranges::find(whole, QStringView(text).trimmed()) != whole.end() ||
+           text.startsWith(noCaption) || text.contains(gaveNoAnswer);
 }
 
 EngineProfile engineProfile()

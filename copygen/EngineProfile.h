@@ -64,3 +64,6 @@ EngineProfile configuredProfile(const CopyEndpoint& endpoint);
 
 // The profile for this machine and its configuration.
 EngineProfile engineProfile();
+
+// Whether the text is one of EngineProfile::noAnswer, of any engine.
+bool isOfMissingAnswer(const QString& text);

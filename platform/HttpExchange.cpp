@@ -1,5 +1,7 @@
 #include "platform/HttpExchange.h"
 
+#include <QBuffer>
+#include <QFile>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
@@ -9,36 +11,61 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// A request body that can be read only once, so that Qt cannot repeat the request. Qt would do that
-// if the server closes the connection before it answers, but the server may already have acted on
-// the body.
-class OnceReadable final : public QIODevice {
+// The body of a request. It can be read only once, so that Qt cannot repeat the request. Qt would
+// do that if the server closes the connection before it answers, but the server may already have
+// acted on the body.
+class RequestBody final : public QIODevice {
 public:
-    OnceReadable(const QByteArray& data, QObject* parent) : QIODevice(parent), m_data(data)
+    RequestBody(const HttpBody& body, std::function<void(qint64 bytes)> onSent, QObject* parent)
+        : QIODevice(parent), m_onSent(std::move(onSent))
     {
+        if (const auto* file = std::get_if<BodyFile>(&body)) {
+            m_source = new QFile(file->path, this);
+        } else {
+            auto* bytes = new QBuffer(this);
+            bytes->setData(std::get<QByteArray>(body));
+            m_source = bytes;
+        }
+        m_isIntact = m_source->open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+        m_size = m_source->size();
         open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     }
     bool isSequential() const override { return true; }
     bool reset() override { return m_read == 0; }
-    qint64 bytesAvailable() const override { return m_data.size() - m_read; }
+    qint64 size() const override { return m_size; }
+    qint64 bytesAvailable() const override { return m_size - m_read; }
     bool atEnd() const override { return bytesAvailable() == 0; }
+
+    bool isIntact() const { return m_isIntact; }
+    // Whether Qt has taken all of it. The last bytes may still be in a buffer of Qt or the system.
+    bool isSent() const { return m_isIntact && atEnd(); }
+    QString reason() const { return m_source->errorString(); }
 
 protected:
     qint64 readData(char* to, qint64 most) override
     {
-        const qint64 count = qMin(most, bytesAvailable());
-        std::copy_n(m_data.constData() + m_read, count, to);
+        const qint64 wanted = qMin(most, bytesAvailable());
+        const qint64 count = m_source->read(to, wanted);
+        m_isIntact = m_isIntact && (count > 0 || wanted == 0);
+        if (!m_isIntact)
+            return -1;
         m_read += count;
+        if (m_onSent && (atEnd() || m_read - m_told >= sentStep))
+            m_onSent(m_told = m_read);
         return count;
     }
     qint64 writeData(const char*, qint64) override { return -1; }
 
 private:
-    const QByteArray m_data;
-    qint64 m_read = 0;
+    static constexpr qint64 sentStep = 64 * 1024;
+
+    const std::function<void(qint64 bytes)> m_onSent;
+    QIODevice* m_source;
+    bool m_isIntact = false;
+    qint64 m_size = 0, m_read = 0, m_told = 0;
 };
+
+namespace {
 
 // Uses the system's proxies, but none for this machine itself.
 class SystemProxies final : public QNetworkProxyFactory {
@@ -72,7 +99,6 @@ constexpr std::array sentences{
              u"No hay conexión. Comprueba la red de este equipo."},
     Sentence{QNetworkReply::UnknownNetworkError,
              u"No se ha podido conectar con el servidor. Comprueba tu conexión a internet."},
-    Sentence{QNetworkReply::ProtocolFailure, u"No se ha podido leer la respuesta del servidor."},
 };
 
 }    // namespace
@@ -90,7 +116,7 @@ TransportError transportErrorOf(const QNetworkReply& reply)
     case QNetworkReply::ProtocolFailure:
     case QNetworkReply::ProtocolUnknownError:
     case QNetworkReply::ProtocolInvalidOperationError:
-        return {Kind::notHttp, text};
+        return {Kind::notHttp, u"No se ha podido leer la respuesta del servidor."_s};
     case QNetworkReply::RemoteHostClosedError:
     case QNetworkReply::ContentReSendError:
         return {Kind::brokenOff, text};
@@ -137,7 +163,7 @@ HttpHeaders headersOf(const QNetworkReply& reply)
     return headers;
 }
 
-QNetworkRequest prepared(const HttpRequest& request)
+QNetworkRequest prepared(const HttpRequest& request, const RequestBody* body)
 {
     QNetworkRequest network(request.url);
     for (const auto& [name, value] : request.headers)
@@ -153,32 +179,44 @@ QNetworkRequest prepared(const HttpRequest& request)
     network.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::ManualRedirectPolicy);
     network.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    if (request.body) {
+    if (body) {
         network.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
-        network.setHeader(QNetworkRequest::ContentLengthHeader, request.body->size());
+        network.setHeader(QNetworkRequest::ContentLengthHeader, body->size());
     }
     return network;
+}
+
+TransportError unreadableBody(const QString& reason)
+{
+    return {TransportError::Kind::unreadableBody,
+            u"No se ha podido leer lo que se envía: %1."_s.arg(reason)};
 }
 
 }    // namespace
 
 HttpExchange::HttpExchange(const HttpRequest& request, std::stop_token stop, QObject* parent)
-    : QObject(parent), m_largest(request.largestReply), m_manager(new QNetworkAccessManager(this))
+    : QObject(parent), m_largest(request.largestReply), m_cutsLargeReply(request.cutsLargeReply),
+      m_staysOnceSent(request.staysOnceSent), m_manager(new QNetworkAccessManager(this))
 {
     m_manager->setProxyFactory(systemProxies().release());    // the manager takes ownership
     if (stop.stop_requested()) {
         finish(TransportError::stopped());
         return;
     }
-    QIODevice* upload = request.body ? new OnceReadable(*request.body, this) : nullptr;
-    m_reply = m_manager->sendCustomRequest(prepared(request), request.method, upload);
+    if (request.body)
+        m_upload = new RequestBody(*request.body, request.onSent, this);
+    if (m_upload && !m_upload->isIntact()) {
+        finish(unreadableBody(m_upload->reason()));
+        return;
+    }
+    m_reply = m_manager->sendCustomRequest(prepared(request, m_upload), request.method, m_upload);
     m_reply->setParent(this);
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpExchange::receive);
     connect(m_reply, &QNetworkReply::finished, this, &HttpExchange::conclude);
     m_timer.setSingleShot(true);
     m_timer.callOnTimeout(this, [this] { finish(TransportError::timedOut()); });
     m_timer.start(qMax(std::chrono::milliseconds(0), request.timeout));
-    m_onStop.emplace(std::move(stop), [this] { this->stop(); });
+    m_onStop.emplace(std::move(stop), [this] { stopUnlessSent(); });
 }
 
 HttpExchange::~HttpExchange()
@@ -193,10 +231,21 @@ void HttpExchange::stop()
     finish(TransportError::stopped());
 }
 
+void HttpExchange::stopUnlessSent()
+{
+    if (!m_staysOnceSent || !m_upload || !m_upload->isSent())
+        stop();
+}
+
 void HttpExchange::receive()
 {
     m_body += m_reply->readAll();
-    if (m_body.size() > m_largest) {
+    if (m_body.size() <= m_largest)
+        return;
+    if (m_cutsLargeReply) {
+        m_body.truncate(m_largest);
+        answer();
+    } else {
         finish(TransportError(TransportError::Kind::tooLarge,
                               u"La respuesta del servidor es demasiado grande."_s));
     }
@@ -207,10 +256,16 @@ void HttpExchange::conclude()
     receive();
     if (m_outcome)
         return;
-    if (!isAnswer(*m_reply)) {
+    if (m_upload && !m_upload->isIntact())
+        finish(unreadableBody(m_upload->reason()));
+    else if (!isAnswer(*m_reply))
         finish(transportErrorOf(*m_reply));
-        return;
-    }
+    else
+        answer();
+}
+
+void HttpExchange::answer()
+{
     const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     finish(HttpReply{status, headersOf(*m_reply), std::move(m_body)});
 }
@@ -220,6 +275,9 @@ void HttpExchange::finish(Outcome outcome)
     if (m_outcome)
         return;
     m_outcome = std::move(outcome);
+    if (auto* failure = std::get_if<TransportError>(&*m_outcome);
+        failure && m_upload && m_upload->isSent())
+        failure->setSent();
     m_timer.stop();
     if (m_reply) {
         m_reply->disconnect(this);

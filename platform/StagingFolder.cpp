@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QUuid>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 void StagingFolder::removeLeftovers(const QString& place)
@@ -29,6 +31,11 @@ StagingFolder::StagingFolder(const QString& place) : m_run(place)
 
 StagingFolder::~StagingFolder()
 {
+    remove();
+}
+
+void StagingFolder::remove()
+{
     if (isUsable())
-        QDir(m_path).removeRecursively();
+        QDir(std::exchange(m_path, {})).removeRecursively();
 }

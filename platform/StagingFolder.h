@@ -14,6 +14,8 @@ public:
     StagingFolder& operator=(const StagingFolder&) = delete;
 
     static void removeLeftovers(const QString& place);
+    // Removes the folder with its contents now, whoever still refers to this object.
+    void remove();
     bool isUsable() const { return !m_path.isEmpty(); }
     // The name of the ProgramRun that owns this folder.
     QString runName() { return m_run.name(); }

@@ -16,7 +16,7 @@ namespace {
 constexpr const char* connectedLink = "moltiva://social-connected?status=ok";
 constexpr const char* notConnectedLink = "moltiva://social-connected?status=cancelled";
 
-QString titleOf(SocialNetwork network)
+QString titleOf(SocialPublishNetwork network)
 {
     return row(network).title.toString();
 }
@@ -40,7 +40,7 @@ Html buttons()
                {{"class", u"acciones"_s}});
 }
 
-ServiceReply connected(const Visit& visit, SocialNetwork network)
+ServiceReply connected(const Visit& visit, SocialPublishNetwork network)
 {
     return deepLinkPage(visit, u"%1 conectada"_s.arg(titleOf(network)),
                         u"Ya puedes volver a la ventana de publicar."_s, u"Volver a Moltiva"_s,
@@ -61,8 +61,8 @@ bool isCancelled(const Visit& visit)
 constexpr auto wrongName = "Escribe un nombre de hasta 80 caracteres.";
 
 // Returns false when the name is refused.
-bool connect(Transaction& transaction, qint64 account, SocialNetwork network, const QString& name,
-             qint64 now)
+bool connect(Transaction& transaction, qint64 account, SocialPublishNetwork network,
+             const QString& name, qint64 now)
 {
     try {
         connectNetwork(transaction, account, network, name, now);
@@ -74,7 +74,7 @@ bool connect(Transaction& transaction, qint64 account, SocialNetwork network, co
 
 struct Invitation {
     qint64 account = 0;
-    SocialNetwork network = SocialNetwork::instagram;
+    SocialPublishNetwork network = SocialPublishNetwork::instagram;
 };
 
 std::optional<Invitation> invitation(Visit& visit, Transaction& transaction)
@@ -93,7 +93,7 @@ ServiceReply expired(const Visit& visit)
                         "pulsar «Conectar» en Moltiva."_s);
 }
 
-ServiceReply connectForm(Visit& visit, SocialNetwork network, const QString& sentence = {})
+ServiceReply connectForm(Visit& visit, SocialPublishNetwork network, const QString& sentence = {})
 {
     const Html fields = nameField(visit.request.form.value(u"nombre"_s)) + buttons();
     const Html content =
@@ -104,7 +104,7 @@ ServiceReply connectForm(Visit& visit, SocialNetwork network, const QString& sen
 
 // The form for a connection without an invitation. It asks for the account's password, because the
 // browser has no session of the account.
-ServiceReply basicForm(Visit& visit, SocialNetwork network, const QString& sentence = {})
+ServiceReply basicForm(Visit& visit, SocialPublishNetwork network, const QString& sentence = {})
 {
     const auto& sent = visit.request.form;
     const Html fields =
@@ -183,7 +183,7 @@ ServiceReply basicConnectPage(Visit& visit)
 
 ServiceReply basicConnectSent(Visit& visit)
 {
-    const SocialNetwork network = knownNetwork(visit.request.form.value(u"red"_s));
+    const SocialPublishNetwork network = knownNetwork(visit.request.form.value(u"red"_s));
     if (isCancelled(visit))
         return cancelled(visit);
     const auto account = credentialsAccount(visit);
@@ -200,6 +200,27 @@ ServiceReply basicConnectSent(Visit& visit)
     return connected(visit, network);
 }
 
+namespace {
+
+// The images in the order in which they were sent. Several have their number below.
+Html imagesOf(const Visit& visit, const SocialPost& post, bool isStory)
+{
+    const qsizetype count = post.imageTypes.size();
+    Html figures;
+    for (qsizetype i = 1; i <= count; ++i) {
+        const QString place = u"%1 de %2"_s.arg(i).arg(count);
+        const Html image = tag(
+            "img", {},
+            {{"src", u"%1/%2"_s.arg(visit.request.path).arg(i)}, {"alt", u"Imagen "_s + place}});
+        const Html number =
+            count > 1 ? tag("figcaption", text(isStory ? u"Story "_s + place : place)) : Html();
+        figures = figures + tag("figure", image + number);
+    }
+    return count > 1 ? tag("div", figures, {{"class", u"imagenes"_s}}) : figures;
+}
+
+}    // namespace
+
 ServiceReply postPage(Visit& visit)
 {
     const SocialPost post = wantedPost(visit, lastSegment(visit));
@@ -212,14 +233,11 @@ ServiceReply postPage(Visit& visit)
                                             .toString(QDateTime::fromMSecsSinceEpoch(post.created),
                                                       QLocale::ShortFormat)),
                   u"nota"_s);
-    for (qsizetype i = 0; i < post.imageTypes.size(); ++i)
-        content =
-            content + tag("img", {},
-                          {{"src", u"%1/%2"_s.arg(visit.request.path).arg(i + 1)},
-                           {"alt", u"Imagen %1 de %2"_s.arg(i + 1).arg(post.imageTypes.size())}});
+    content = content + imagesOf(visit, post, isStory);
     // Stories have no caption.
     if (!isStory && !post.caption.isEmpty())
-        content = content + tag("pre", text(post.caption), {{"class", u"texto"_s}});
+        content =
+            content + tag("pre", text(post.caption), {{"class", u"texto"_s}, {"dir", u"auto"_s}});
     return pageReply(visit, u"Publicación en %1"_s.arg(titleOf(post.network)), content);
 }
 

@@ -67,7 +67,10 @@ pre {
     overflow-wrap: anywhere; font: 13px/20px ui-monospace, monospace;
 }
 .copia { user-select: all; }
-.texto { font: inherit; }
+.texto { font: inherit; unicode-bidi: plaintext; }
+figure { margin: 0; }
+figcaption { color: var(--text3); font-size: 13px; margin: -6px 0 12px; }
+.imagenes { display: grid; grid-template-columns: repeat(auto-fill, minmax(150px, 1fr)); gap: 0 12px; align-items: start; }
 dl { display: grid; grid-template-columns: max-content 1fr; gap: 6px 24px; margin: 0 0 16px; }
 dt { color: var(--text3); }
 dd { margin: 0; overflow-wrap: anywhere; }

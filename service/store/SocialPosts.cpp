@@ -101,15 +101,15 @@ QString typesOf(const QList<SocialPublishImage>& images)
 
 }    // namespace
 
-SocialNetwork knownNetwork(const QString& name)
+SocialPublishNetwork knownNetwork(const QString& name)
 {
-    const auto network = fromRawValue<SocialNetwork>(name.toLower());
+    const auto network = fromRawValue<SocialPublishNetwork>(name.toLower());
     if (!network)
         throw Refusal(400, "invalid_social_network");
     return *network;
 }
 
-void connectNetwork(Transaction& transaction, qint64 account, SocialNetwork network,
+void connectNetwork(Transaction& transaction, qint64 account, SocialPublishNetwork network,
                     const QString& displayName, qint64 now)
 {
     const auto name = lineOfText(displayName, longestDisplayName);
@@ -125,7 +125,7 @@ QList<SocialNetworkConnection> connections(Transaction& transaction, qint64 acco
                                            const QString& base)
 {
     QList<SocialNetworkConnection> all;
-    for (const auto& network : Vocabulary<SocialNetwork>::rows) {
+    for (const auto& network : Vocabulary<SocialPublishNetwork>::rows) {
         const QString name = network.rawValue.toString();
         SocialNetworkConnection one{
             .network = name,
@@ -187,7 +187,8 @@ std::optional<SocialPost> postWithId(Transaction& transaction, const QString& id
     Rows found = transaction.rows("SELECT network, display_name, placement, caption, image_types,"
                                   " created FROM social_post WHERE id = ?",
                                   {id});
-    const auto network = found.next() ? fromRawValue<SocialNetwork>(found.text(0)) : std::nullopt;
+    const auto network =
+        found.next() ? fromRawValue<SocialPublishNetwork>(found.text(0)) : std::nullopt;
     if (!network)
         return std::nullopt;
     return SocialPost{id,

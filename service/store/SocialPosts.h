@@ -1,7 +1,7 @@
 #pragma once
 
 #include "account/AccountRecords.h"
-#include "service/store/SocialNetwork.h"
+#include "model/SocialPublishNetwork.h"
 
 #include <QDir>
 #include <QStringList>
@@ -16,7 +16,7 @@ class Transaction;
 
 struct SocialPost {
     QString id;    // cannot be guessed
-    SocialNetwork network = SocialNetwork::instagram;
+    SocialPublishNetwork network = SocialPublishNetwork::instagram;
     QString displayName, placement, caption;
     QStringList imageTypes;    // MIME types of the images in their order: "image/png"
     qint64 created = 0;
@@ -28,10 +28,10 @@ struct PostFolders {
 };
 
 // The network that a request names. Throws Refusal for an unknown one.
-SocialNetwork knownNetwork(const QString& name);
+SocialPublishNetwork knownNetwork(const QString& name);
 
 // Throws Refusal for a name that is empty, too long or holds control characters.
-void connectNetwork(Transaction& transaction, qint64 account, SocialNetwork network,
+void connectNetwork(Transaction& transaction, qint64 account, SocialPublishNetwork network,
                     const QString& displayName, qint64 now);
 QList<SocialNetworkConnection> connections(Transaction& transaction, qint64 account,
                                            const QString& base);

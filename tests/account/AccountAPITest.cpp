@@ -1,6 +1,7 @@
 #include "account/AccountAPI.h"
 #include "account/AccountError.h"
 #include "account/AccountHttp.h"
+#include "account/PublishRequest.h"
 #include "platform/PreferencesStore.h"
 #include "tests/account/Awaited.h"
 #include "tests/account/ScriptedServer.h"
@@ -29,6 +30,21 @@ protected:
     std::unique_ptr<AccountAPI> client(RequestLimits limits = {})
     {
         return std::make_unique<AccountAPI>(server.configuration(), preferences, nullptr, limits);
+    }
+    // The file of a request that publishes an image of `bytes` bytes.
+    QString publishRequest(qsizetype bytes = 2)
+    {
+        const QString image = folder.filePath(u"image"_s), path = folder.filePath(u"request"_s);
+        QFile file(image);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes == 2 ? QByteArray("\0\1", 2) : QByteArray(bytes, 'x'));
+        file.close();
+        const SocialPublishRequest request{
+            u"instagram"_s, u"c"_s, {{u"f"_s, u"image/png"_s, {}}}, u"r"_s};
+        QFile::remove(path);
+        const auto written = writePublishRequest(request, {image}, path);
+        EXPECT_EQ(written.bytes, sizeOfPublishRequest(request, {bytes}));
+        return path;
     }
     void answer(const QByteArray& bytes)
     {
@@ -141,12 +157,7 @@ TEST_F(AccountAPITest, EachEndpointAsksAndReadsAsTheServiceExpects)
         {"POST /api/social/publish",
          R"({"network":"instagram","caption":"c","images":[{"fileName":"f","mimeType":"image/png","dataBase64":"AAE="}],"requestId":"r","placement":"feed"})",
          R"({"url":"https://p.es/1"})",
-         [&] {
-             const QList<SocialPublishImage> images{
-                 {u"f"_s, u"image/png"_s, QByteArray("\0\1", 2)}};
-             return awaited(api->publishSocialPost(u"instagram"_s, u"c"_s, images, u"r"_s))
-                 .url->toString();
-         }},
+         [&] { return awaited(api->publishSocialPost(publishRequest())).url->toString(); }},
     };
     const QStringList read{u"7"_s,  u"7"_s,      u"7"_s,
                            {},      u"a@b.es"_s, {},
@@ -384,6 +395,63 @@ TEST_F(AccountAPITest, ASessionIsOfTheServiceThatGaveItAlone)
     EXPECT_EQ(server.requests.last().header("Cookie"), "tallerio_session=mine");
 }
 
+TEST_F(AccountAPITest, APairOfServiceAndSiteSharesOneSession)
+{
+    ScriptedServer site, otherSite;
+    const QByteArray none = R"({"ok":true,"networks":[]})";
+    const auto serving = [&](ScriptedServer& one, int status, const QByteArray& cookie = {}) {
+        const QByteArray header =
+            cookie.isEmpty() ? cookie : "Set-Cookie: tallerio_session=" + cookie + "\r\n";
+        one.setAnswer([=](const auto& request) {
+            const bool isSite = request.target == "/api/social/status";
+            return ScriptedServer::reply(status, isSite ? none : summary, header);
+        });
+    };
+    const auto pair = [&](const QUrl& other) {
+        ServiceConfiguration configuration = server.configuration();
+        configuration.site = other;
+        return std::make_unique<AccountAPI>(configuration, preferences);
+    };
+    serving(server, 200, "first");
+    serving(site, 200, "second");
+    serving(otherSite, 200);
+    auto api = pair(site.url());
+    outcome(api->login(u"a"_s, u"b"_s));
+    EXPECT_EQ(outcome(api->socialStatus()), QString());
+    EXPECT_EQ(site.requests.last().header("Cookie"), "tallerio_session=first");
+    outcome(pair(site.url())->me());
+    EXPECT_EQ(server.requests.last().header("Cookie"), "tallerio_session=second") << "renewed";
+
+    outcome(pair(otherSite.url())->socialStatus());
+    EXPECT_EQ(otherSite.requests.last().header("Cookie"), "") << "of another pair";
+    outcome(client()->me());
+    EXPECT_EQ(server.requests.last().header("Cookie"), "") << "of the service alone";
+    outcome(pair(site.url())->me());
+    EXPECT_EQ(server.requests.last().header("Cookie"), "") << "of the service alone, to the pair";
+}
+
+TEST_F(AccountAPITest, EitherOfAPairEndsItsSessionAndOnePlaceKeepsTheOldOne)
+{
+    ScriptedServer site([](const auto&) { return ScriptedServer::reply(401, "{}"); });
+    ServiceConfiguration configuration = server.configuration();
+    configuration.site = site.url();
+    answer(200, summary, "Set-Cookie: tallerio_session=a\r\n");
+    AccountAPI api(configuration, preferences);
+    outcome(api.me());
+    EXPECT_TRUE(preferences.contains(cookieKey));
+    EXPECT_NE(outcome(api.socialStatus()), QString());
+    EXPECT_FALSE(preferences.contains(cookieKey) || api.holdsSession());
+
+    // Earlier builds stored the service's origin.
+    const QByteArray origin = server.url().toEncoded();
+    preferences.setValue(cookieKey, "tallerio_session=old");
+    preferences.setValue(u"moltiva.sessionOrigin"_s, origin);
+    EXPECT_FALSE(AccountAPI(configuration, preferences).holdsSession());
+    EXPECT_TRUE(client()->holdsSession());
+    configuration.site = QUrl(server.url().toString() + u"/web?x"_s);
+    EXPECT_TRUE(AccountAPI(configuration, preferences).holdsSession());
+}
+
 TEST_F(AccountAPITest, ASignOutForgetsTheSessionAlsoWhereItHadEnded)
 {
     for (const int status : {200, 401}) {
@@ -465,6 +533,211 @@ TEST_F(AccountAPITest, AConnectionThatDropsIsAFailureAndNothingIsAskedTwice)
     }
     answer(whole);
     EXPECT_EQ(outcome(api->me()), QString());
+}
+
+namespace {
+
+// Reads a request up to a given byte of its body, sends an answer and closes the connection.
+class ClosingServer : public QTcpServer {
+public:
+    qint64 bodyBytes = 0;    // -1: closes before it reads anything
+    QByteArray answer;
+
+    explicit ClosingServer()
+    {
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            QTcpSocket* socket = nextPendingConnection();
+            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+            m_received.clear();
+            if (bodyBytes < 0) {
+                socket->abort();
+                return;
+            }
+            connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
+        });
+    }
+    ServiceConfiguration configuration() const
+    {
+        const QUrl url(u"http://127.0.0.1:%1"_s.arg(serverPort()));
+        ServiceConfiguration made;
+        made.service = made.site = url;
+        return made;
+    }
+
+private:
+    void read(QTcpSocket* socket)
+    {
+        m_received += socket->readAll();
+        const qsizetype head = m_received.indexOf("\r\n\r\n");
+        if (head < 0 || m_received.size() - head - 4 < bodyBytes)
+            return;
+        m_received.clear();
+        socket->write(answer);
+        socket->flush();
+        socket->disconnectFromHost();
+    }
+
+    QByteArray m_received;
+};
+
+}    // namespace
+
+TEST_F(AccountAPITest, APostThatMayHaveBeenPublishedIsTold)
+{
+    constexpr qsizetype image = 12'000'000;    // more than the buffers of the system hold
+    const QString large = publishRequest(image);
+    const qint64 whole = QFileInfo(large).size();
+    const QByteArray accepted = ScriptedServer::reply(200, R"({"url":"https://p.es/1"})");
+    struct Row {
+        const char* label;
+        qint64 bodyBytes;
+        QByteArray answer;
+        bool wasSent;
+    };
+    const QList<Row> rows{
+        {"at once", -1, "", false},
+        {"after the head", 0, "", false},
+        {"in the middle of the body", whole / 4, "", false},
+        {"after the body", whole, "", true},
+        {"after half an answer", whole, accepted.left(10), true},
+        {"in the body of the answer", whole, accepted.chopped(3), true},
+        {"after something else", whole, "no HTTP at all\r\n\r\n", true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.label);
+        ClosingServer closing;
+        closing.bodyBytes = row.bodyBytes;
+        closing.answer = row.answer;
+        AccountAPI api(closing.configuration(), preferences);
+        qint64 sent = 0;
+        try {
+            awaited(api.publishSocialPost(large, [&](qint64 bytes) { sent = bytes; }));
+            ADD_FAILURE();
+        } catch (const TransportError& error) {
+            EXPECT_EQ(error.wasSent(), row.wasSent);
+            EXPECT_EQ(sent == whole, row.wasSent);
+        }
+    }
+}
+
+TEST_F(AccountAPITest, APublicationStopsUntilItsLastByteHasLeft)
+{
+    const QString large = publishRequest(12'000'000);
+    const qint64 whole = QFileInfo(large).size();
+    ClosingServer closing;
+    closing.bodyBytes = whole;
+    closing.answer = ScriptedServer::reply(200, R"({"url":"https://p.es/1"})");
+    AccountAPI api(closing.configuration(), preferences);
+    for (const qint64 stopAt : {qint64(1), whole / 2, whole}) {
+        SCOPED_TRACE(stopAt);
+        std::stop_source stop;
+        qint64 sent = 0;
+        const auto stopThere = [&](qint64 bytes) {
+            EXPECT_GE(bytes, sent);
+            sent = bytes;
+            if (bytes >= stopAt)
+                QTimer::singleShot(0, [&stop] { stop.request_stop(); });
+        };
+        QCoro::Task<SocialPublishResponse> posting =
+            api.publishSocialPost(large, stopThere, stop.get_token());
+        if (stopAt < whole)
+            EXPECT_EQ(transportFailure(std::move(posting)), TransportError::Kind::stopped);
+        else
+            EXPECT_EQ(awaited(std::move(posting)).url, QUrl(u"https://p.es/1"_s));
+        EXPECT_EQ(sent == whole, stopAt == whole);
+    }
+}
+
+TEST_F(AccountAPITest, ARequestThatCannotBeReadIsNeverSent)
+{
+    const auto api = client();
+    EXPECT_EQ(transportFailure(api->publishSocialPost(folder.filePath(u"none"_s))),
+              TransportError::Kind::unreadableBody);
+    EXPECT_TRUE(server.requests.isEmpty());
+    const QString large = publishRequest(12'000'000);
+    const auto cut = [&](qint64) { QFile::resize(large, 100); };
+    EXPECT_EQ(transportFailure(api->publishSocialPost(large, cut)),
+              TransportError::Kind::unreadableBody);
+    EXPECT_TRUE(server.requests.isEmpty());
+
+    const SocialPublishRequest request{u"instagram"_s, {}, {{u"f"_s, u"image/png"_s, {}}}, u"r"_s};
+    const QString image = folder.filePath(u"image"_s), path = folder.filePath(u"written"_s);
+    EXPECT_FALSE(
+        writePublishRequest(request, {folder.filePath(u"none"_s)}, path).problem.isEmpty());
+    EXPECT_FALSE(writePublishRequest(request, {image}, u"/dev/full/x"_s).problem.isEmpty());
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_TRUE(writePublishRequest(request, {image}, path, stop.get_token()).isStopped);
+    EXPECT_FALSE(QFile::exists(path));
+}
+
+TEST_F(AccountAPITest, AnAcceptedPostIsASuccessWhateverItsAddress)
+{
+    const QByteArray longAddress = "https://p.es/" + QByteArray(100'000, 'a');
+    const QList<QByteArray> answers{
+        "{}",
+        R"({"id":7,"status":{},"url":7})",
+        R"({"ok":7})",
+        R"({"url":"javascript:alert`1`"})",
+        R"({"url":"file:///etc/passwd"})",
+        R"({"url":"/publicacion/1"})",
+        R"({"url":"https://"})",
+        R"({"url":"ftp://p.es/1"})",
+        "{\"url\":\"" + longAddress + "\"}",
+    };
+    const QString request = publishRequest();
+    const auto api = client();
+    for (const QByteArray& body : answers) {
+        SCOPED_TRACE(body.left(60).toStdString());
+        answer(201, body);
+        EXPECT_EQ(awaited(api->publishSocialPost(request)).url, std::nullopt);
+    }
+    answer(200, R"({"id":7,"url":"https://p.es/1"})");
+    EXPECT_EQ(awaited(api->publishSocialPost(request)).url, QUrl(u"https://p.es/1"_s));
+}
+
+TEST_F(AccountAPITest, OnlyTheServiceTellsWhatBecameOfAPost)
+{
+    struct Row {
+        int status;
+        QByteArray body;
+        bool isRefusal;    // else the post may have been published
+    };
+    const QList<Row> rows{
+        {200, "", false},
+        {200, "<html>", false},
+        {200, "[]", false},
+        {201, QByteArray(70 << 20, '{'), false},
+        {200, R"({"ok":false,"url":"https://p.es/1"})", false},
+        {301, "", false},
+        {302, "", false},
+        {303, R"({"url":"https://p.es/1"})", false},
+        {502, "<html>502 Bad Gateway</html>", false},
+        {504, R"({"error":"Gateway Timeout"})", false},
+        {500, QByteArray(70 << 20, '{'), false},
+        {500, R"({"error":"social_provider_publish_failed"})", true},
+        {413, "<html>", true},
+        {429, "", true},
+    };
+    const QString request = publishRequest();
+    const auto api = client();
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.status);
+        server.requests.clear();
+        server.setAnswer([&](const ScriptedServer::Request& asked) {
+            return asked.method == "POST"
+                       ? ScriptedServer::reply(row.status, row.body, "Location: /there\r\n")
+                       : ScriptedServer::reply(200, R"({"url":"https://p.es/2"})");
+        });
+        try {
+            awaited(api->publishSocialPost(request));
+            ADD_FAILURE();
+        } catch (const AccountError& error) {
+            EXPECT_EQ(error.kind() == AccountError::Kind::message, row.isRefusal);
+        }
+        EXPECT_EQ(server.requests.size(), 1) << "no other page is asked";
+    }
 }
 
 TEST_F(AccountAPITest, WaitsNoLongerThanItsLimitsAndTakesNoMoreThanItsMemory)

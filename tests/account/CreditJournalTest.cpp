@@ -206,7 +206,12 @@ TEST_F(CreditJournalTest, ALiveProgramIsLeftAlone)
         ChargedOperation part = other.operation(&succeed);
         part.requestId = u"de otra cosa más"_s;
         part.covers = {u"b"_s, u"c"_s};
-        EXPECT_EQ(awaited(other.journal.run(part)).error, refused.error);
+        EXPECT_EQ(awaited(other.journal.run(part)).refusal, ChargeResult::Refusal::beingPaid);
+        const auto isPaying = [&](const QString& render) {
+            return other.journal.isBeingPaid([&](const QString& each) { return each == render; });
+        };
+        EXPECT_TRUE(isPaying(u"b"_s));
+        EXPECT_FALSE(isPaying(u"c"_s));
         return succeed();
     });
     EXPECT_EQ(paid.state, ChargeResult::State::done);

@@ -14,12 +14,15 @@ TEST(ServiceConfiguration, TheNearestSourceWinsAndFlagsLeaveTheArguments)
     const QString path = folder.filePath(u"moltiva.conf"_s);
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("service=https://file.es\nsite=https://web.file.es\nadministrator=a@b.es\n");
+    file.write("service=https://file.es\nsite=https://web.file.es\nadministrator=a@b.es\n"
+               "largestPost=2.5\n");
     file.close();
     const auto quiet = qScopeGuard([] { qunsetenv("MOLTIVA_SERVICE_URL"); });
 
     QStringList none;
     EXPECT_FALSE(takenConfiguration(none, folder.filePath(u"absent"_s)).service);
+    EXPECT_EQ(takenConfiguration(none, folder.filePath(u"absent"_s)).largestPost, 100'000'000);
+    EXPECT_EQ(takenConfiguration(none, path).largestPost, 2'500'000);
     EXPECT_EQ(takenConfiguration(none, path).service, QUrl(u"https://file.es"_s));
     EXPECT_EQ(takenConfiguration(none, path).siteName, u"Web.file.es"_s);
     EXPECT_EQ(takenConfiguration(none, path).administratorEmail, u"a@b.es"_s);

@@ -21,6 +21,7 @@ public:
 
     AccountSession& session() { return m_session; }
     CreditJournal& journal() { return m_journal; }
+    AccountAPI& api() { return m_api; }
     QString address() const { return m_address; }    // of the scripted service
     // Sets the answer to a request, such as "POST /api/auth/login". All other requests get status
     // 404.

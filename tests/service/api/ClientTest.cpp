@@ -1,5 +1,7 @@
 #include "account/AccountAPI.h"
 #include "account/AccountError.h"
+#include "account/PublishRequest.h"
+#include "model/SocialPublishNetwork.h"
 #include "platform/PreferencesStore.h"
 #include "tests/account/Awaited.h"
 #include "tests/service/TestService.h"
@@ -40,6 +42,14 @@ protected:
     {
         const std::string path = page.path().toStdString();
         EXPECT_LT(service.fill(path, path, {{"accion", "pagar"}}).status, 400);
+    }
+
+    void connect(SocialPublishNetwork network)
+    {
+        const QUrl page = awaited(api.socialConnectToken(rawValue(network))).url;
+        const std::string path = page.path().toStdString();
+        EXPECT_EQ(service.fill(path, path, {{"accion", "conectar"}, {"nombre", "Ana"}}).status,
+                  200);
     }
 
     TestService service;
@@ -111,11 +121,28 @@ TEST_F(ClientTest, WritesTextsAndPublishes)
     EXPECT_EQ(awaited(api.socialStatus()).networks.size(), 3);
     EXPECT_EQ(refusal(api.socialConnectToken(u"otra"_s)), u"invalid_social_network"_s);
     EXPECT_EQ(awaited(api.socialConnectToken(u"facebook"_s)).url.scheme(), u"http"_s);
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QList<SocialPublishImage> images{{u"a.png"_s, u"image/png"_s, file.readAll()}};
-    EXPECT_EQ(refusal(api.publishSocialPost(u"facebook"_s, u"hola"_s, images, u"p"_s)),
-              u"social_account_not_connected"_s);
+    SocialPublishRequest post{u"instagram"_s, u"¡Hola! 🌲\n#otoño \"سلام\""_s, {}, u"p"_s};
+    for (int i = 1; i <= 10; ++i)
+        post.images.append({u"%1-moltiva.png"_s.arg(i), u"image/png"_s, {}});
+    const QString request = folder.filePath(u"request"_s);
+    const QStringList files(post.images.size(), path);
+    const qint64 bytes = writePublishRequest(post, files, request).bytes;
+    EXPECT_EQ(bytes, sizeOfPublishRequest(
+                         post, QList<qint64>(post.images.size(), QFileInfo(path).size())));
+    EXPECT_EQ(refusal(api.publishSocialPost(request)), u"social_account_not_connected"_s);
+    connect(SocialPublishNetwork::instagram);
+    qint64 sent = 0;
+    const auto url = awaited(api.publishSocialPost(request, [&](qint64 now) { sent = now; })).url;
+    EXPECT_EQ(sent, bytes);
+    EXPECT_EQ(awaited(api.publishSocialPost(request)).url, url) << "published once";
+    ASSERT_TRUE(url);
+    const std::string page = service.get(url->path().toStdString()).body;
+    EXPECT_NE(page.find("¡Hola! 🌲\n#otoño &quot;سلام&quot;"), std::string::npos);
+    size_t at = 0;
+    for (int i = 1; i <= 10; ++i) {
+        at = page.find(u"/%1\" alt=\"Imagen %1 de 10\""_s.arg(i).toStdString(), at + 1);
+        EXPECT_NE(at, std::string::npos) << "image " << i << " in its order";
+    }
 
     EXPECT_EQ(refusal(api.uploadTemplate(u"a.json"_s, "{}", std::nullopt)), u"admin_required"_s);
     awaited(api.registerAccount(u"jefa@ejemplo.es"_s, u"una-contraseña"_s));
