@@ -8,3 +8,7 @@
 // of the time of Qt's encoder and gives smaller files. Empty when the image is null or memory is
 // short.
 QByteArray encodePng(const QImage& image);
+
+// Encodes an opaque image as an RGB PNG with the same pixels, a sixth to a quarter smaller than
+// encodePng() does, but takes ten to forty times as long. Empty also when the image has opacity.
+QByteArray encodeSmallPng(const QImage& image);

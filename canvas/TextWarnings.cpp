@@ -1,5 +1,7 @@
 #include "canvas/TextWarnings.h"
 
+#include "canvas/SafeZone.h"
+
 #include <array>
 #include <cmath>
 #include <vector>
@@ -60,6 +62,21 @@ bool isBlank(const QString& text)
     return std::ranges::all_of(text, [](QChar c) { return c.isSpace(); });
 }
 
+bool isStory(QSize canvas)
+{
+    return std::abs(canvas.width() / double(canvas.height()) -
+                    row(SocialFormat::storyReel).aspectRatio) < 0.01;
+}
+
+bool isOutsideSafeZone(const LaidOutTextLayer& layer, QSize canvas)
+{
+    if (!isStory(canvas))
+        return false;
+    const QRectF used = layer.text.usedRect().translated(layer.textPosition);
+    return used.top() < safeZoneTop * canvas.height() ||
+           used.bottom() > (1 - safeZoneBottom) * canvas.height();
+}
+
 }    // namespace
 
 double leastContrast(const LaidOutText& text, double designScale)
@@ -113,11 +130,13 @@ JudgedPicture judgedItem(const ItemLayout& layout, QSize pixels, const QImage& p
                             .overflows = layer.overflows,
                             .lacksGlyphs = layer.text.lacksGlyphs(),
                             .contrast = std::nullopt,
-                            .leastContrast = leastContrast(layer.text, layout.scale)};
+                            .leastContrast = leastContrast(layer.text, layout.scale),
+                            .isOutsideSafeZone = isOutsideSafeZone(layer, layout.canvas)};
         const auto contrast = contrasts.constFind(&layer);
         if (contrast != contrasts.cend() && *contrast < warning.leastContrast)
             warning.contrast = std::floor(*contrast * 10) / 10;
-        if (warning.overflows || warning.lacksGlyphs || warning.contrast)
+        if (warning.overflows || warning.lacksGlyphs || warning.contrast ||
+            warning.isOutsideSafeZone)
             judged.warnings.append(warning);
     }
     return judged;

@@ -10,6 +10,8 @@ struct TextWarning {
     bool lacksGlyphs = false;          // the text has a character that no installed font has
     std::optional<double> contrast;    // set only when it is too low; rounded down to tenths
     double leastContrast = 0;          // the contrast that the text should reach
+    // The text reaches into a part of a story that the network covers. Only told when publishing.
+    bool isOutsideSafeZone = false;
     bool operator==(const TextWarning&) const = default;
 };
 

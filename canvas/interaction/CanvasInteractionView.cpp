@@ -1,5 +1,6 @@
 #include "canvas/interaction/CanvasInteractionView.h"
 
+#include "canvas/SafeZone.h"
 #include "canvas/interaction/CanvasOverlay.h"
 #include "platform/Workers.h"
 
@@ -18,8 +19,6 @@ namespace {
 
 // Milliseconds without movement after which a moved photo is resampled.
 constexpr int restTime = 60;
-// Fractions of a story's height that the social network's own buttons may cover.
-constexpr double safeZoneTop = 250.0 / 1920, safeZoneBottom = 340.0 / 1920;
 // Largest coordinate that is converted to int, in logical pixels. For a larger one the whole view
 // is repainted.
 constexpr double farAway = 1e6;

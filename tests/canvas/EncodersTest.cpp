@@ -52,6 +52,21 @@ TEST(PngEncoder, decodesToTheSamePixels)
     EXPECT_TRUE(encodePng(QImage()).isEmpty());
 }
 
+TEST(PngEncoder, theSmallFileHasTheSamePixels)
+{
+    for (const QSize size : {QSize(1, 1), QSize(3, 2), QSize(67, 41), QSize(200, 200)}) {
+        for (const auto& paint : {pattern, noisyPattern}) {
+            const QImage image = paint(size, QImage::Format_RGB32);
+            const QByteArray small = encodeSmallPng(image);
+            EXPECT_EQ(QImage::fromData(small).convertToFormat(QImage::Format_RGB32), image)
+                << size.width();
+            EXPECT_LE(small.size(), encodePng(image).size());
+        }
+    }
+    EXPECT_TRUE(encodeSmallPng(QImage()).isEmpty());
+    EXPECT_TRUE(encodeSmallPng(pattern({3, 2}, QImage::Format_ARGB32_Premultiplied)).isEmpty());
+}
+
 TEST(PngEncoder, writesEightBitRgbaAndOnlyTheNecessaryChunks)
 {
     const QByteArray png = encodePng(pattern({20, 10}, QImage::Format_RGB32));

@@ -1,5 +1,7 @@
 #include "canvas/TextWarnings.h"
 
+#include "canvas/WarningSentences.h"
+
 #include <QFontDatabase>
 #include <QPainter>
 
@@ -157,6 +159,34 @@ TEST(TextWarnings, aCharacterThatNoFontHasIsTold)
     for (const QString& text : {u"mmmm 🎉 1️⃣ ❤️ ☝🏽 🏳️‍🌈 ¡ñandú!"_s,
                                 u"un\u00adi\u200bd\u200do\ufe0f\tdos\r\ntres\u2060"_s})
         EXPECT_FALSE(lacksGlyphs(text)) << qPrintable(text);
+}
+
+TEST(TextWarnings, aTextOfAStoryMustStayClearOfTheNetworksControls)
+{
+    struct Case {
+        SocialFormat format;
+        double y;    // of the box
+        bool isOutside;
+    };
+    const QList<Case> cases{
+        {SocialFormat::storyReel, 0.02, true}, {SocialFormat::storyReel, 0.14, false},
+        {SocialFormat::storyReel, 0.7, false}, {SocialFormat::storyReel, 0.84, true},
+        {SocialFormat::square, 0.02, false},   {SocialFormat::carouselPortrait, 0.84, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.y);
+        TextLayer layer = smallText();
+        layer.hasBox = true;
+        layer.backgroundOpacity = 1;
+        layer.frame = {0.1, c.y, 0.8, 0.12};
+        PublicationItem item = itemWith(layer);
+        const ItemLayout layout = layOut(item, exportSize(c.format), designSize(c.format));
+        const auto warnings =
+            judgedItem(layout, exportSize(c.format).toSize() / 8, ground(0)).warnings;
+        EXPECT_EQ(std::ranges::any_of(warnings, &TextWarning::isOutsideSafeZone), c.isOutside);
+        EXPECT_EQ(warnings.isEmpty(), !c.isOutside);
+        EXPECT_TRUE(warningSentences(warnings).isEmpty()) << "only told when publishing";
+    }
 }
 
 TEST(TextWarnings, judgingLeavesNoTraceInThePicture)
