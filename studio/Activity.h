@@ -9,7 +9,7 @@
 // A long operation, with all that the window needs to show it, to stop it and to wait for its end.
 struct Activity {
     // In ascending order of importance; see Activities::foremost().
-    enum class Kind { account, restoring, importing, generating, exporting };
+    enum class Kind { account, restoring, importing, generating, exporting, publishing };
     static constexpr qsizetype unknown = -1;
 
     Kind kind = Kind::account;

@@ -7,6 +7,7 @@
 #include "platform/StagingFolder.h"
 #include "platform/Workers.h"
 #include "studio/batch/BatchSelection.h"
+#include "studio/publish/PublishChecks.h"
 
 #include <QFileInfo>
 
@@ -70,6 +71,7 @@ StudioExports::~StudioExports()
     m_control->stop = true;
     m_control->progressed = {};
     m_control->charging = {};
+    m_control->waiting = {};
     m_control->staging.reset();
 }
 
@@ -209,6 +211,10 @@ void StudioExports::start(ExportKind kind, const QList<int>& indices,
     m_control->charging = [this](qint64 cost) {
         Q_EMIT working(u"Descontando %1 créditos..."_s.arg(cost));
     };
+    m_control->waiting = [this] { Q_EMIT working(waitsForPayment); };
+    const QString notice = noticeOfExport(request.items);
+    if (request.price != 0 && !notice.isEmpty())
+        Q_EMIT told(notice, StatusKind::warning, {});
     showProgress({ExportProgress::Stage::rendering, 0, request.items.size()});
     runToEnd(this, request, services, m_control);
 }

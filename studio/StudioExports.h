@@ -32,6 +32,7 @@ public:
     std::optional<qint64> displayedExportAllCost() const { return m_displayedExportAllCost; }
     // Whether exporting the item in its present state is already paid for.
     bool isPaid(QUuid item) const { return m_costs.isPaid(item); }
+    const RenderCosts& costs() const { return m_costs; }
     bool areCostsUpToDate() const { return m_costs.isUpToDate(); }
 
     // Indices of the items that an export of several would include: the selected ones if there are

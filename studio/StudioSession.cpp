@@ -36,7 +36,8 @@ StatusKind kindOf(const CopyOutcome& outcome)
 StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStore& preferences,
                              Clock clock, const OutputSize& outputSize)
     : m_log(clock), m_editing(clock), m_workspace(photos, preferences), m_imports(photos, clock),
-      m_exports(photos, outputSize, chargeServices()), m_copy(copyServices(), preferences)
+      m_exports(photos, outputSize, chargeServices()), m_copy(copyServices(), preferences),
+      m_publish(photos, outputSize, chargeServices(), m_exports.costs(), preferences)
 {
     setStatus(u"Importa una imagen o una carpeta para empezar."_s);
     connect(&m_log, &StatusLog::changed, this, &StudioSession::statusChanged);
@@ -89,6 +90,14 @@ StudioSession::StudioSession(std::shared_ptr<PhotoCache> photos, PreferencesStor
     connect(&m_copy, &StudioCopy::ended, this, &StudioSession::finishCopy);
     connect(&m_copy, &StudioCopy::told, this,
             [this](const QString& sentence) { setStatus(sentence, StatusKind::done, copyLink()); });
+
+    connect(&m_publish, &StudioPublish::changed, this, &StudioSession::publishChanged);
+    connect(&m_publish, &StudioPublish::changed, this, &StudioSession::followPublish);
+    connect(&m_publish, &StudioPublish::progressed, this, &StudioSession::followPublish);
+    connect(&m_publish, &StudioPublish::working, this, [this](const QString& sentence) {
+        m_log.tellStep(Activity::Kind::publishing, sentence);
+    });
+    connect(&m_publish, &StudioPublish::told, this, &StudioSession::setStatus);
 }
 
 StudioSession::~StudioSession()
@@ -258,6 +267,23 @@ void StudioSession::followExport()
                  .delaysClosing = true});
 }
 
+void StudioSession::followPublish()
+{
+    if (!m_publish.isPublishing()) {
+        if (m_activities.find(Activity::Kind::publishing))
+            endActivity(Activity::Kind::publishing);
+        return;
+    }
+    const PublishProgress progress = m_publish.progress().value_or(PublishProgress());
+    Activity activity{.kind = Activity::Kind::publishing, .delaysClosing = true};
+    activity.done = progress.done;
+    if (progress.total > 0)
+        activity.total = progress.total;
+    if (progress.canStop)
+        activity.stop = [this] { m_publish.stop(); };
+    setActivity(activity);
+}
+
 void StudioSession::setAccountPanel(std::optional<AccountPanelDestination> panel)
 {
     if (std::exchange(m_accountPanel, panel) != panel)
@@ -298,12 +324,14 @@ void StudioSession::setAccountSession(AccountSession& account)
     m_accountSession = &account;
     m_exports.setAccount(account);
     m_copy.setAccount(account);
+    m_publish.setAccount(account);
 }
 
 void StudioSession::setCreditJournal(CreditJournal& journal, const QString& stagingPlace)
 {
     m_exports.setJournal(journal, stagingPlace);
     m_copy.setJournal(journal);
+    m_publish.setJournal(journal, stagingPlace);
 }
 
 ChargeServices StudioSession::chargeServices()

@@ -7,6 +7,7 @@
 #include "studio/StatusLog.h"
 #include "studio/StudioExports.h"
 #include "studio/StudioImports.h"
+#include "studio/StudioPublish.h"
 #include "studio/Workspace.h"
 #include "studio/batch/LayerEdits.h"
 #include "studio/batch/StyleClipboard.h"
@@ -99,6 +100,9 @@ public:
 
     void selectItem(int index, Qt::KeyboardModifiers modifiers);
     void selectSingleIndex(int index);
+    // Makes an item current and selects a layer of it, if `layer` is one. Items that are selected
+    // together with it stay selected.
+    void goTo(QUuid item, QUuid layer);
     void selectAll();
     // Selects a layer of the current item, or none if `layer` is null. Ignores other ids.
     void selectLayer(QUuid layer);
@@ -171,6 +175,10 @@ public:
     void setLocalCopyWriter(const LocalCopyWriter& writer) { m_copy.setLocalWriter(writer); }
     void setCloudCopyService(const CloudAIService& service) { m_copy.setCloudService(service); }
     bool isAnalyzing() const { return m_copy.isAnalyzing(); }
+    // Publishes the selected items, one post at a time.
+    StudioPublish& publish() { return m_publish; }
+    const StudioPublish& publish() const { return m_publish; }
+    void setPublishService(AccountAPI& api) { m_publish.setService(api); }
     // Told by editors that hold text which the batch has not got yet: results of a run wait for it.
     void setTyping(bool isTyping);
     // Does what a status sentence offers.
@@ -196,6 +204,7 @@ Q_SIGNALS:
     void activityChanged(Activity::Kind kind);    // it began, progressed or ended
     void costsChanged();                          // prices changed, or which items are paid
     void copyChanged();                           // anything that copy() returns
+    void publishChanged();    // anything that publish() returns, but the progress
 
 private:
     void followChange(Editing::Outcome outcome, Pace pace);
@@ -204,6 +213,7 @@ private:
     void finishImport(const std::optional<PhotoImport::Imported>& imported, const QString& failure);
     void followExport();
     void followCopy();
+    void followPublish();
     StatusLink copyLink() const;
     void finishCopy(const CopyOutcome& outcome);
     void finishRestore(const std::optional<Batch>& restored);
@@ -227,6 +237,7 @@ private:
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;
     StudioExports m_exports;
     StudioCopy m_copy;
+    StudioPublish m_publish;
     bool m_isTyping = false;
     Payments m_payments;
 };

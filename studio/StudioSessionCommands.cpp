@@ -61,6 +61,17 @@ void StudioSession::selectSingleIndex(int index)
     m_editing.change([&](Batch& batch) { BatchSelection::selectSingleIndex(batch, index); });
 }
 
+void StudioSession::goTo(QUuid item, QUuid layer)
+{
+    Q_EMIT aboutToMove();
+    m_editing.change([&](Batch& batch) {
+        const auto found = std::ranges::find(batch.items, item, &PublicationItem::id);
+        BatchSelection::goTo(batch, int(found - batch.items.begin()));
+        if (batch.currentItem() && batch.currentItem()->hasLayer(layer))
+            batch.selectedLayerID = layer;
+    });
+}
+
 void StudioSession::selectAll()
 {
     Q_EMIT aboutToMove();

@@ -61,6 +61,16 @@ void BatchSelection::selectSingleIndex(Batch& batch, int index)
     keepInvariants(batch);
 }
 
+void BatchSelection::goTo(Batch& batch, int index)
+{
+    if (index < 0 || index >= batch.items.size())
+        return;
+    if (!batch.selectedItemIDs.contains(batch.items[index].id))
+        return selectSingleIndex(batch, index);
+    batch.selectedIndex = index;
+    keepInvariants(batch);
+}
+
 void BatchSelection::selectAll(Batch& batch)
 {
     for (const PublicationItem& item : batch.items)

@@ -13,6 +13,8 @@ namespace BatchSelection {
 // it; with Ctrl (Command on macOS), toggles it. At least one item always stays selected.
 void selectItem(Batch& batch, int index, Qt::KeyboardModifiers modifiers);
 void selectSingleIndex(Batch& batch, int index);
+// Makes an item current. If it is one of several selected items, they stay selected.
+void goTo(Batch& batch, int index);
 void selectAll(Batch& batch);
 
 // Indices of the items that batch operations act on, in ascending order: the selected ones, or that

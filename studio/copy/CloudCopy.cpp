@@ -54,6 +54,8 @@ CopyOutcome::Remedy remedyOf(ChargeResult::Refusal refusal)
         return CopyOutcome::Remedy::purchase;
     case ChargeResult::Refusal::other:
     case ChargeResult::Refusal::unreachable:
+    case ChargeResult::Refusal::beingPaid:
+    case ChargeResult::Refusal::paidMeanwhile:
         return CopyOutcome::Remedy::none;
     }
     Q_UNREACHABLE();

@@ -1,7 +1,6 @@
 #include "studio/export/ExportOperation.h"
 
 #include "platform/AtomicFile.h"
-#include "platform/Memory.h"
 #include "platform/StagingFolder.h"
 #include "platform/Workers.h"
 #include "studio/export/RenderLanes.h"
@@ -27,6 +26,7 @@ struct ExportRun {
     std::shared_ptr<ExportControl> control;
     ExportOutcome outcome;
     QList<PendingExport> pending;
+    bool isWaiting = false;    // for another operation
 
     bool isStopped() const { return control->stop; }
     qsizetype total(ExportProgress::Stage stage) const
@@ -99,11 +99,7 @@ void address(ExportRun& run, const RenderedItems& rendered)
 // Renders all items into a new staging folder. Unless that fails, `outcome.state` remains `done`.
 QCoro::Task<> renderAll(SharedRun run)
 {
-    const QString place = run->services.stagingPlace;
-    QFuture<std::shared_ptr<StagingFolder>> staging = runOnWorker([place] {
-        releaseFreedMemory();    // memory of the import, about as much as the export needs
-        return std::make_shared<StagingFolder>(place);
-    });
+    QFuture<std::shared_ptr<StagingFolder>> staging = stagingFor(run->services.stagingPlace);
     run->control->staging = co_await staging;
     QFuture<void> clearing = cleared(run);
     co_await clearing;
@@ -179,11 +175,21 @@ bool isWanted(const ExportRun& run, qint64 cost)
     return true;
 }
 
+bool waitsForOthers(ExportRun& run)
+{
+    if (run.isStopped())
+        return false;
+    if (!std::exchange(run.isWaiting, true) && run.control->waiting)
+        run.control->waiting();
+    return true;
+}
+
 RenderAction actionOf(const SharedRun& run)
 {
     return {.name = u"download"_s,
             .what = u"una exportación"_s,
             .isWanted = [run](qint64 cost) { return isWanted(*run, cost); },
+            .waits = [run] { return waitsForOthers(*run); },
             .work = [run] { return writeAll(run); }};
 }
 
@@ -215,13 +221,6 @@ QCoro::Task<> chargeAndWrite(SharedRun run)
     run->outcome.state = stateOf(*run, charge.state);
 }
 
-// Deletes the staging folder on a worker, because deleting a thousand files takes a while.
-QFuture<void> emptied(const std::shared_ptr<ExportControl>& control)
-{
-    return runOnWorker(
-        [staging = std::exchange(control->staging, nullptr)]() mutable { staging.reset(); });
-}
-
 QCoro::Task<ExportOutcome> runShared(SharedRun run)
 {
     const qint64 price = run->request.price.value_or(0);
@@ -238,7 +237,7 @@ QCoro::Task<ExportOutcome> runShared(SharedRun run)
         QCoro::Task<> charging = chargeAndWrite(run);
         co_await std::move(charging);
     }
-    QFuture<void> emptying = emptied(run->control);
+    QFuture<void> emptying = emptied(std::exchange(run->control->staging, nullptr));
     co_await emptying;
     const ExportOutcome ended = run->outcome;
     co_return ended;
@@ -254,11 +253,6 @@ QString onePicture(bool isSingle)
 QString ExportOutcome::sentence() const
 {
     const bool isSingle = kind == ExportKind::single;
-    QString refund;
-    if (isCharged && isRefundPending)
-        refund = u" Los %1 créditos se devolverán al recuperar la conexión."_s.arg(cost);
-    else if (isCharged)
-        refund = u" Se han devuelto los %1 créditos."_s.arg(cost);
     const QString unrecorded = isRecorded ? QString() : u" El pago no se ha podido anotar."_s;
     switch (state) {
     case State::done:
@@ -276,16 +270,13 @@ QString ExportOutcome::sentence() const
     case State::tooFewCredits:
         return u"Necesitas %1 créditos para descargar %2."_s.arg(cost).arg(onePicture(isSingle));
     case State::notReserved:
-        if (!isRefundPending)
-            return reason;
-        return reason + u" Si se habían descontado, los %1 créditos se devolverán al recuperar la "
-                        "conexión."_s.arg(cost);
+        return reservationNotice();
     case State::notWritten:
         return (isSingle ? u"No se pudo guardar el archivo."_s
                          : u"No se pudieron guardar todas las imágenes."_s) +
-               refund;
+               refundNotice();
     case State::stopped:
-        return u"Exportación detenida."_s + refund;
+        return u"Exportación detenida."_s + refundNotice();
     }
     Q_UNREACHABLE();
 }

@@ -43,6 +43,8 @@ struct ExportControl {
     std::atomic_bool stop = false;
     std::function<void(const ExportProgress&)> progressed;
     std::function<void(qint64 cost)> charging;    // called before credits are reserved
+    // Called when the export begins to wait for another operation that pays for the same images.
+    std::function<void()> waiting;
     // Called after rendering with the destination of each item that could not be rendered; the
     // other items are exported. If `leftOut` is empty, nothing is exported in that case.
     std::function<void(const QString& file)> leftOut;

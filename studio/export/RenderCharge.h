@@ -31,6 +31,9 @@ struct RenderAction {
     // Called with the final price in credits before charging; returns false to end the operation
     // without a charge. May be empty.
     std::function<bool(qint64 cost)> isWanted;
+    // Called now and then while another operation pays for some of the renders; returns false to
+    // end the operation without a charge. May be empty.
+    std::function<bool()> waits;
     std::function<QCoro::Task<bool>()> work;    // see ChargedOperation::work
     std::function<bool()> alsoStore = {};       // see ChargedOperation::alsoStore
 };
@@ -42,7 +45,17 @@ struct Charge {
     bool isRecorded = true;          // false: the payment is not stored yet
     QString reason;    // for the user: why nothing was reserved, or the error in the work
     ChargeResult::Refusal refusal = ChargeResult::Refusal::other;
+
+    // What became of the credits after the work failed, as a sentence that follows another one;
+    // empty if nothing was charged.
+    QString refundNotice() const;
+    // The reason why nothing was reserved, for the user.
+    QString reservationNotice() const;
 };
+
+// For the user, while RenderAction::waits is called.
+inline const QString waitsForPayment =
+    QStringLiteral("Esperando a que termine otro pago de las mismas imágenes…");
 
 struct RenderCharge : Charge {
     enum class State { done, tooFewCredits, notReserved, notWanted, failed };
@@ -54,6 +67,7 @@ struct RenderCharge : Charge {
 // be paid. `price`: the price shown to the user, in credits.
 QCoro::Task<bool> isOutOfReach(PublicationItems items, qint64 price, ChargeServices services);
 
-// Charges for the unpaid ones among `outputs`, then runs `action.work`.
+// Charges for the unpaid ones among `outputs`, then runs `action.work`. While another operation
+// pays for some of them, waits for its end and determines the price anew.
 QCoro::Task<RenderCharge> chargeRenders(QList<RenderedOutput> outputs, RenderAction action,
                                         ChargeServices services);

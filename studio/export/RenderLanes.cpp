@@ -1,6 +1,7 @@
 #include "studio/export/RenderLanes.h"
 
 #include "platform/Memory.h"
+#include "platform/StagingFolder.h"
 #include "platform/Workers.h"
 #include "platform/photo/PhotoCache.h"
 
@@ -96,6 +97,22 @@ QCoro::Task<RenderedItems> renderShared(SharedLaneRun run)
 }
 
 }    // namespace
+
+QFuture<std::shared_ptr<StagingFolder>> stagingFor(const QString& place)
+{
+    return runOnWorker([place] {
+        releaseFreedMemory();    // memory of the import, about as much as the rendering needs
+        return std::make_shared<StagingFolder>(place);
+    });
+}
+
+QFuture<void> emptied(std::shared_ptr<StagingFolder> staging)
+{
+    return runOnWorker([staging = std::move(staging)] {
+        if (staging)
+            staging->remove();
+    });
+}
 
 QCoro::Task<RenderedItems> renderItems(RenderOrder order, std::shared_ptr<PhotoCache> photos,
                                        RenderWatch watch)

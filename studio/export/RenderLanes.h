@@ -3,11 +3,14 @@
 #include "studio/export/RenderedOutput.h"
 
 #include <QCoroTask>
+#include <QFuture>
 
 #include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
+
+class StagingFolder;
 
 // A request to render items, several at once.
 struct RenderOrder {
@@ -32,6 +35,11 @@ struct RenderedItems {
     std::optional<RenderFailure> failure;
     QString failedPhoto;
 };
+
+// Makes a folder for rendered pictures on a worker.
+QFuture<std::shared_ptr<StagingFolder>> stagingFor(const QString& place);
+// Deletes the folder on a worker, because deleting a thousand files takes a while.
+QFuture<void> emptied(std::shared_ptr<StagingFolder> staging);
 
 QCoro::Task<RenderedItems> renderItems(RenderOrder order, std::shared_ptr<PhotoCache> photos,
                                        RenderWatch watch);
