@@ -1,7 +1,7 @@
 #include "app/batch/BatchBinding.h"
 
 #include "app/batch/BatchColumn.h"
-#include "app/batch/WarningSentences.h"
+#include "canvas/WarningSentences.h"
 #include "studio/StudioSession.h"
 
 #include <QTimer>
@@ -61,14 +61,26 @@ void BatchBinding::wish(const QList<QUuid>& ids)
     ask();
 }
 
+void BatchBinding::watch(const QList<QUuid>& items)
+{
+    if (std::exchange(m_watched, items) != items)
+        ask();
+}
+
 void BatchBinding::ask()
 {
     QList<PublicationItem> items;
-    const PublicationItem* current = m_session.batch().currentItem();
+    QList<QUuid> judged = m_watched;
     // The current item is drawn even while its tile is out of view: the side panel shows its
     // warnings.
-    if (current && !isJudged(*current) && !columnAsksFor(current->id))
-        items.append(*current);
+    if (const PublicationItem* current = m_session.batch().currentItem();
+        current && !judged.contains(current->id))
+        judged.prepend(current->id);
+    for (const QUuid& id : std::as_const(judged)) {
+        const PublicationItem* item = find(id);
+        if (item && !isJudged(*item) && !columnAsksFor(id))
+            items.append(*item);
+    }
     if (m_column->grid()->isVisible()) {
         for (const QUuid& id : m_wished) {
             if (const PublicationItem* item = find(id))

@@ -28,6 +28,8 @@ public:
     // Warnings found when the item's picture was last drawn. Whatever shows warnings of an item
     // takes them from here.
     QList<TextWarning> warningsOf(QUuid item) const;
+    // Has these items judged as well while their tiles are out of view.
+    void watch(const QList<QUuid>& items);
 
 Q_SIGNALS:
     void warningsChanged(QUuid item);
@@ -66,5 +68,6 @@ private:
     // Items with generated texts, and those of them whose tile still shows a tick for it.
     QSet<QUuid> m_generated, m_ticked;
     QHash<QUuid, Judgement> m_judgements;    // by item id
+    QList<QUuid> m_watched;
     QList<QUuid> m_wished;    // items whose pictures the column wants and that are not drawn yet
 };

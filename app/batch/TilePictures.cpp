@@ -16,19 +16,30 @@ struct TileDrawing {
     PhotoState photo = PhotoState::shown;
 };
 
-TileDrawing drawn(const TileRequest& request, PhotoCache& photos)
+QImage photoFor(const TileRequest& request, PhotoCache& photos, PhotoDetail detail)
 {
-    const PublicationItem& item = request.item;
-    const QImage thumbnail = photos.thumbnail({item.image.path, item.image.digest});
-    return {judgedItem(layOut(item, exportSize(request.format), designSize(request.format)),
-                       request.pixels, thumbnail),
-            thumbnail.isNull() ? PhotoState::missing : PhotoState::shown};
+    const PhotoHandle& photo = request.item.image;
+    const PhotoId id{photo.path, photo.digest};
+    if (detail == PhotoDetail::thumbnail)
+        return photos.thumbnail(id);
+    const QSizeF canvas = exportSize(request.format);
+    const double shown = request.pixels.width() / canvas.width();
+    return photos.proxy(
+        id, ExportCanvasRenderer::photoLevel(photo, request.item.placement, canvas, shown));
+}
+
+TileDrawing drawn(const TileRequest& request, PhotoCache& photos, PhotoDetail detail)
+{
+    const QImage photo = photoFor(request, photos, detail);
+    return {judgedItem(layOut(request.item, exportSize(request.format), designSize(request.format)),
+                       request.pixels, photo),
+            photo.isNull() ? PhotoState::missing : PhotoState::shown};
 }
 
 }    // namespace
 
-TilePictures::TilePictures(std::shared_ptr<PhotoCache> photos, QObject* parent)
-    : QObject(parent), m_photos(std::move(photos))
+TilePictures::TilePictures(std::shared_ptr<PhotoCache> photos, QObject* parent, PhotoDetail detail)
+    : QObject(parent), m_photos(std::move(photos)), m_detail(detail)
 {
 }
 
@@ -50,15 +61,15 @@ void TilePictures::startNext()
     while (m_running.size() < tilesAtOnce && !m_wanted.isEmpty()) {
         const TileRequest request = m_wanted.takeFirst();
         m_running.append(request);
-        draw(this, request, m_photos);
+        draw(this, request, m_photos, m_detail);
     }
 }
 
 QCoro::Task<> TilePictures::draw(QPointer<TilePictures> self, TileRequest request,
-                                 std::shared_ptr<PhotoCache> photos)
+                                 std::shared_ptr<PhotoCache> photos, PhotoDetail detail)
 {
     QFuture<TileDrawing> drawing =
-        tryOnWorker([request, photos] { return drawn(request, *photos); });
+        tryOnWorker([request, photos, detail] { return drawn(request, *photos, detail); });
     const TileDrawing tile = co_await drawing;
     if (!self)
         co_return;

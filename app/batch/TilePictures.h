@@ -24,12 +24,17 @@ struct TileRequest {
 // Whether an item's picture shows the item's photo.
 enum class PhotoState { shown, missing };
 
-// Draws pictures of items for the batch column on worker threads, from thumbnails. Each want()
+// What pictures are drawn from: thumbnails suffice for small ones; `decoded` are photos decoded at
+// the level that the size of the picture needs.
+enum class PhotoDetail { thumbnail, decoded };
+
+// Draws pictures of items on worker threads, such as those of the batch column. Each want()
 // replaces the one before: a picture that it does not ask for again is not begun.
 class TilePictures : public QObject {
     Q_OBJECT
 public:
-    explicit TilePictures(std::shared_ptr<PhotoCache> photos, QObject* parent = nullptr);
+    explicit TilePictures(std::shared_ptr<PhotoCache> photos, QObject* parent = nullptr,
+                          PhotoDetail detail = PhotoDetail::thumbnail);
 
     // `items`: most urgent first. `pixels`: the size of each picture. Drawing begins in the next
     // turn of the event loop.
@@ -44,9 +49,10 @@ Q_SIGNALS:
 private:
     void startNext();
     static QCoro::Task<> draw(QPointer<TilePictures> self, TileRequest request,
-                              std::shared_ptr<PhotoCache> photos);
+                              std::shared_ptr<PhotoCache> photos, PhotoDetail detail);
 
     std::shared_ptr<PhotoCache> m_photos;
+    const PhotoDetail m_detail;
     QList<TileRequest> m_wanted;    // requests that are not begun yet
     QList<TileRequest> m_running;
 };

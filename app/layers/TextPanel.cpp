@@ -1,6 +1,5 @@
 #include "app/layers/TextPanel.h"
 
-#include "app/batch/WarningSentences.h"
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
 #include "app/controls/PanelLayout.h"
@@ -14,6 +13,7 @@
 #include "app/layers/SlotCard.h"
 #include "app/presets/StyleHeader.h"
 #include "app/presets/StyleShelf.h"
+#include "canvas/WarningSentences.h"
 
 using namespace Qt::StringLiterals;
 

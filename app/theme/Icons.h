@@ -84,7 +84,14 @@ enum class Icon {
     openOutside,
     refresh,
     signOut,
-    coin
+    coin,
+    publish,
+    history,
+    copy,
+    link,
+    networkInstagram,
+    networkFacebook,
+    networkLinkedIn
 };
 struct IconRow {
     Icon icon;
@@ -164,6 +171,13 @@ inline constexpr std::array icons{
     IconRow{Icon::refresh, u"refresh"},
     IconRow{Icon::signOut, u"sign-out"},
     IconRow{Icon::coin, u"coin"},
+    IconRow{Icon::publish, u"publish"},
+    IconRow{Icon::history, u"history"},
+    IconRow{Icon::copy, u"copy"},
+    IconRow{Icon::link, u"link"},
+    IconRow{Icon::networkInstagram, u"network-instagram"},
+    IconRow{Icon::networkFacebook, u"network-facebook"},
+    IconRow{Icon::networkLinkedIn, u"network-linkedin"},
 };
 constexpr const IconRow& row(Icon icon)
 {

@@ -7,8 +7,9 @@ namespace CommandText {
 inline constexpr QStringView importImages = u"Importar imágenes…",
                              importFolder = u"Importar carpeta…",
                              exportCurrent = u"Exportar actual…", exportAll = u"Exportar todo…",
-                             generate = u"Generar textos", stop = u"Detener la importación",
-                             undo = u"Deshacer", redo = u"Rehacer", copyStyle = u"Copiar estilo",
+                             publish = u"Publicar…", generate = u"Generar textos",
+                             stop = u"Detener la importación", undo = u"Deshacer",
+                             redo = u"Rehacer", copyStyle = u"Copiar estilo",
                              pasteStyle = u"Pegar estilo",
                              selectAll = u"Seleccionar todas las imágenes",
                              discard = u"Descartar imagen";

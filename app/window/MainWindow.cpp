@@ -17,12 +17,14 @@
 #include "app/layers/SidePanel.h"
 #include "app/layers/TextPanel.h"
 #include "app/presets/TemplatesBinding.h"
+#include "app/publish/PublishBinding.h"
 #include "app/settings/AppSettingsWindow.h"
 #include "app/settings/LocalAIBinding.h"
 #include "app/stage/EmptyState.h"
 #include "app/stage/StageBinding.h"
 #include "app/stage/StagePanel.h"
 #include "app/stage/ViewBar.h"
+#include "app/window/CommandText.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
 #include "app/window/StatusBinding.h"
@@ -82,11 +84,14 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
       m_files(new FileIntake(session, preferences, this)),
       m_exportBinding(std::make_unique<ExportBinding>(
           session, account, *m_batchBinding, m_shell->topBar()->exports(), preferences, this)),
+      m_publishBinding(
+          std::make_unique<PublishBinding>(session, account, *m_batchBinding, photos, this)),
       m_statusBinding(std::make_unique<StatusBinding>(session, m_shell->statusLine())),
       m_focus(new StudioFocus(m_shell, this)), m_look(new KeptLook(m_shell, preferences, this)),
       m_commands(new StudioCommands({session, account, m_shell, *m_batchBinding, *m_stageBinding,
                                      *m_panelBinding, *m_templatesBinding, *m_exportBinding,
-                                     *m_statusBinding, m_files, m_focus, m_look, this})),
+                                     *m_publishBinding, *m_statusBinding, m_files, m_focus, m_look,
+                                     this})),
       m_gate(new AuthGateView(this)),
       m_accountBinding(std::make_unique<AccountBinding>(account, session, m_gate,
                                                         m_shell->topBar()->account(), this))
@@ -102,6 +107,7 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     connectSession();
     connectAccount();
     connectCopy();
+    connectPublish();
     m_look->restore();
     m_hasImported = preferences.value(importedKey) == yes;
     m_focus->goToCanvas();    // otherwise the first button takes the focus and the arrow keys
@@ -115,6 +121,7 @@ MainWindow::~MainWindow()
 {
     disconnect(&m_session, nullptr, this, nullptr);
     disconnect(&m_session, nullptr, m_focus, nullptr);
+    m_publishBinding.reset();    // its sheet too reports to this window
     m_accountBinding.reset();
     disconnect(qApp, nullptr, this, nullptr);
 }
@@ -127,7 +134,8 @@ StudioMenu* MainWindow::menu() const
 bool MainWindow::isIdle() const
 {
     return m_session.didRestoreWorkspace() && !m_session.isImporting() &&
-           m_batchBinding->isIdle() && m_stageBinding->isIdle() && m_templatesBinding->isIdle();
+           m_batchBinding->isIdle() && m_stageBinding->isIdle() && m_templatesBinding->isIdle() &&
+           m_publishBinding->isIdle();
 }
 
 void MainWindow::connectPanels()
@@ -198,7 +206,10 @@ void MainWindow::connectAccount()
         m_focus->goToCanvas();
         openWaiting();
     });
-    connect(m_accountBinding.get(), &AccountBinding::gateClosed, this, &MainWindow::lockStudio);
+    connect(m_accountBinding.get(), &AccountBinding::gateClosed, this, [this] {
+        m_publishBinding->close();
+        lockStudio();
+    });
     connect(m_accountBinding.get(), &AccountBinding::sheetChanged, this, &MainWindow::lockStudio);
     connect(m_accountBinding.get(), &AccountBinding::textPanelRequested, this,
             [this] { m_look->showTab(SideTab::text); });
@@ -225,6 +236,16 @@ void MainWindow::connectCopy()
     connect(m_shell->composeBar(), &ComposeBar::leaveRequested, m_focus, &StudioFocus::goToCanvas);
 }
 
+void MainWindow::connectPublish()
+{
+    connect(m_publishBinding.get(), &PublishBinding::sheetChanged, this, &MainWindow::lockStudio);
+    connect(m_publishBinding.get(), &PublishBinding::imageRequested, this, [this](QUuid layer) {
+        m_focus->goToCanvas();
+        if (!layer.isNull())
+            m_panelBinding->follow(layer);
+    });
+}
+
 void MainWindow::setLocalEngine(LocalAIManager& manager, const LocalAIService& service)
 {
     m_copyBinding->setLocalEngine(manager, service);
@@ -240,11 +261,16 @@ bool MainWindow::isGated() const
     return m_gate->state() != Gate::open;
 }
 
+bool MainWindow::isSheetPresented() const
+{
+    return m_accountBinding->isSheetPresented() || m_publishBinding->isSheetPresented();
+}
+
 // Disables the menu and its keys while the sign-in gate or a sheet covers the studio. Also disables
 // the shell under the gate, because otherwise Tab and screen readers could reach it.
 void MainWindow::lockStudio()
 {
-    const bool isLocked = isGated() || m_accountBinding->isSheetPresented();
+    const bool isLocked = isGated() || isSheetPresented();
     if (isLocked)
         m_focus->endEdits();
     m_commands->menu()->setLocked(isLocked);
@@ -352,7 +378,7 @@ void MainWindow::resizeEvent(QResizeEvent*)
 // Receives only keys that the focused widget did not use. A text field uses the arrow keys.
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
-    if (isGated() || m_accountBinding->isSheetPresented())
+    if (isGated() || isSheetPresented())
         return;
     // Ignores Enter and Esc while they repeat: the user may still hold the key that closed a file
     // dialog.
@@ -389,7 +415,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     const QList<QUrl> files = FileIntake::localFiles(event->mimeData());
-    if (files.isEmpty() || m_accountBinding->isSheetPresented())
+    if (files.isEmpty() || isSheetPresented())
         return;
     if (!isGated())
         m_shell->dropVeil()->offer(m_files->offerOf(files));
@@ -444,6 +470,8 @@ void MainWindow::showStage()
     } else {
         m_shell->emptyState()->setImport(std::nullopt);
     }
+    m_shell->topBar()->setPublishing(m_publishBinding->refusal(),
+                                     menu()->keyOf(CommandText::publish));
     m_shell->setStage(isImporting || isEmpty ? StudioShell::Stage::empty
                                              : StudioShell::Stage::picture);
     if (!isGated() && (!focusWidget() || !focusWidget()->isVisibleTo(this)))
@@ -468,8 +496,7 @@ void MainWindow::greetFirstImport()
 
 void MainWindow::showHints()
 {
-    const bool isLocked =
-        isGated() || m_accountBinding->isSheetPresented();    // the keys of the studio do nothing
+    const bool isLocked = isGated() || isSheetPresented();    // the keys of the studio do nothing
     m_shell->statusLine()->setKeyHints(isLocked ? QList<KeyHint>()
                                                 : m_focus->hints(m_session.batch()));
 }

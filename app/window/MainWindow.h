@@ -21,6 +21,7 @@ class LocalAIService;
 class PanelBinding;
 class PhotoCache;
 class PreferencesStore;
+class PublishBinding;
 class StageBinding;
 class StatusBinding;
 class StudioCommands;
@@ -73,8 +74,10 @@ private:
     void connectSession();
     void connectAccount();
     void connectCopy();
+    void connectPublish();
 
     bool isGated() const;
+    bool isSheetPresented() const;
     void refuseLink();
     void lockStudio();
     void showWaiting();
@@ -97,6 +100,7 @@ private:
     std::unique_ptr<TemplatesBinding> m_templatesBinding;
     FileIntake* m_files;
     std::unique_ptr<ExportBinding> m_exportBinding;
+    std::unique_ptr<PublishBinding> m_publishBinding;
     std::unique_ptr<StatusBinding> m_statusBinding;
     StudioFocus* m_focus;
     KeptLook* m_look;

@@ -79,6 +79,8 @@ QString StatusBinding::stopText() const
         return u"Cancelar la generación"_s;
     case Activity::Kind::exporting:
         return u"Detener la exportación"_s;
+    case Activity::Kind::publishing:
+        return u"Detener la publicación"_s;
     case Activity::Kind::account:
     case Activity::Kind::restoring:
     case Activity::Kind::importing:
@@ -106,9 +108,10 @@ bool StatusBinding::delaysClosing()
     if (!activities.delayingClosing())
         return false;
     m_closing.start();
-    m_session.statusLog().tellStep(kind, kind == Activity::Kind::generating
-                                             ? u"Terminando la generación antes de cerrar…"_s
-                                             : u"Terminando la exportación antes de cerrar…"_s);
+    const QString what = kind == Activity::Kind::generating   ? u"la generación"_s
+                         : kind == Activity::Kind::publishing ? u"la publicación"_s
+                                                              : u"la exportación"_s;
+    m_session.statusLog().tellStep(kind, u"Terminando %1 antes de cerrar…"_s.arg(what));
     return true;
 }
 

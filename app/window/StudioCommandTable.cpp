@@ -7,6 +7,7 @@
 #include "app/layers/SidePanel.h"
 #include "app/layers/TextPanel.h"
 #include "app/presets/TemplatesBinding.h"
+#include "app/publish/PublishBinding.h"
 #include "app/stage/EmptyState.h"
 #include "app/stage/StageBinding.h"
 #include "app/theme/Icons.h"
@@ -64,6 +65,13 @@ QList<MenuCommand> StudioCommands::fileCommands()
          .run = [this] { m_parts.exports.exportSeveral(); },
          .isPossible = canExport,
          .wording = [this] { return exportSeveralText(m_parts.exports.offer().selected) + u'…'; }},
+        {.menu = fileMenu,
+         .text = CommandText::publish.toString(),
+         .keys = u"Ctrl+P",
+         .icon = Icon::publish,
+         .run = [this] { m_parts.publish.open(); },
+         .isPossible = [this] { return m_parts.publish.refusal().isEmpty(); },
+         .repeats = false},
         {.menu = fileMenu,
          .text = CommandText::generate.toString(),
          .keys = u"Ctrl+Return Ctrl+Enter",

@@ -52,6 +52,7 @@ void StudioCommands::connectButtons()
                      m_menu->keyOf(CommandText::exportAll));
     connect(exports, &ExportButtons::currentRequested, this, runs(CommandText::exportCurrent));
     connect(exports, &ExportButtons::severalRequested, this, runs(CommandText::exportAll));
+    connect(top, &TopBar::publishRequested, this, runs(CommandText::publish));
     ComposeBar* compose = m_parts.shell->composeBar();
     compose->setKeys(m_menu->keyOf(CommandText::generate), m_menu->keyOf(CommandText::stop));
     connect(compose, &ComposeBar::generateRequested, this, runs(CommandText::generate));

@@ -9,6 +9,7 @@ class ExportBinding;
 class FileIntake;
 class KeptLook;
 class PanelBinding;
+class PublishBinding;
 class StageBinding;
 class StatusBinding;
 class StudioFocus;
@@ -29,6 +30,7 @@ struct CommandParts {
     PanelBinding& panel;
     TemplatesBinding& templates;
     ExportBinding& exports;
+    PublishBinding& publish;
     StatusBinding& status;
     FileIntake* files;
     StudioFocus* focus;

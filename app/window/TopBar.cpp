@@ -63,7 +63,10 @@ TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
       m_undo(new IconButton(Icon::undo, u"Deshacer"_qs, 36, this)),
       m_redo(new IconButton(Icon::redo, u"Rehacer"_qs, 36, this)),
       m_formats(new SegmentedControl(segmentsOf(formats), this)),
-      m_exports(new ExportButtons(this)), m_account(new UserAccountButton(this))
+      m_exports(new ExportButtons(this)),
+      m_publish(new PushButton(Icon::publish, u"Publicar"_qs, ButtonKind::soft, ButtonSize::regular,
+                               this)),
+      m_account(new UserAccountButton(this))
 {
     setFixedHeight(topBarHeight);
     setUndo(false);
@@ -77,6 +80,7 @@ TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
     connect(m_undo, &IconButton::clicked, this, &TopBar::undoRequested);
     connect(m_redo, &IconButton::clicked, this, &TopBar::redoRequested);
     connect(m_formats, &SegmentedControl::chosen, this, &TopBar::formatChosen);
+    connect(m_publish, &PushButton::clicked, this, &TopBar::publishRequested);
     connect(m_exports, &ExportButtons::widthChanged, this, &TopBar::place);
     connect(m_account, &UserAccountButton::widthChanged, this, &TopBar::place);
 }
@@ -103,10 +107,18 @@ void TopBar::setRedo(bool possible)
     m_redo->setToolTip(possible ? u"Rehacer"_qs : u"Nada que rehacer"_qs);
 }
 
+// `refusal`: why nothing can be published; empty if something can. `key`: of the command.
+void TopBar::setPublishing(const QString& refusal, const QString& key)
+{
+    m_publish->setEnabled(refusal.isEmpty());
+    m_publishTip = refusal.isEmpty() ? u"Publicar · %1"_qs.arg(key) : refusal;
+    m_publish->setToolTip(m_publishTip);
+}
+
 QList<QWidget*> TopBar::focusOrder() const
 {
     return QList<QWidget*>{m_mark, m_images, m_folder, m_undo, m_redo, m_formats} +
-           m_exports->focusOrder() + QList<QWidget*>{m_account};
+           m_exports->focusOrder() + QList<QWidget*>{m_publish, m_account};
 }
 
 void TopBar::resizeEvent(QResizeEvent*)
@@ -131,14 +143,24 @@ void TopBar::place()
     left = put(m_undo, m_divider + topBarGap + 3);
     left = put(m_redo, left);
 
-    int right = width() - topBarSide + 6 - m_account->sizeHint().width();
-    put(m_account, right);
-    m_accountDivider = right - topBarGap;
-    right = m_accountDivider - topBarGap - m_exports->sizeHint().width();
-    put(m_exports, right);
-    right -= Space::small;
-    // Centres the formats in the bar if they fit there, otherwise between their neighbours.
+    const int account = width() - topBarSide + 6 - m_account->sizeHint().width();
+    put(m_account, account);
+    m_accountDivider = account - topBarGap;
     const int formats = m_formats->sizeHint().width();
+    int right = 0;
+    // Without its word the publish button leaves room for the formats.
+    for (const Labels labels : {Labels::shown, Labels::hidden}) {
+        m_publish->setLabels(labels);
+        right = m_accountDivider - topBarGap - m_publish->sizeHint().width();
+        put(m_publish, right);
+        right -= Space::small + m_exports->sizeHint().width();
+        put(m_exports, right);
+        right -= Space::small;
+        if (right - left >= formats + Space::small)
+            break;
+    }
+    m_publish->setToolTip(m_publishTip);
+    // Centres the formats in the bar if they fit there, otherwise between their neighbours.
     const int middle = (width() - formats) / 2;
     const bool alone = middle > left + topBarGap && middle + formats < right - topBarGap;
     put(m_formats, alone ? middle : left + (right - left - formats) / 2);

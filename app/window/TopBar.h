@@ -30,6 +30,7 @@ public:
     void setFormat(int index);    // shows the format; emits nothing
     void setUndo(bool possible);
     void setRedo(bool possible);
+    void setPublishing(const QString& refusal, const QString& key);    // of its button
     UserAccountButton* account() const { return m_account; }
     ExportButtons* exports() const { return m_exports; }
 
@@ -42,6 +43,7 @@ Q_SIGNALS:
     void undoRequested();
     void redoRequested();
     void formatChosen(int index);
+    void publishRequested();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -58,7 +60,9 @@ private:
     IconButton* m_redo;
     SegmentedControl* m_formats;
     ExportButtons* m_exports;
+    PushButton* m_publish;
     UserAccountButton* m_account;
     QMenu* m_menu = nullptr;
+    QString m_publishTip;    // its tooltip, with or without its word
     int m_divider = 0, m_accountDivider = 0;
 };

@@ -133,6 +133,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     session.setAccountSession(account.session());
     session.setCreditJournal(account.journal(), stagingPlace());
     session.setCloudCopyService({&account.api()});
+    session.setPublishService(account.api());
     session.setLocalCopyWriter(localCopyWriter(engine.manager, engine.service));
     MainWindow window(session, account.session(), photos, preferences);
     window.setLocalEngine(engine.manager, engine.service);

@@ -11,7 +11,8 @@
 #include <QScrollBar>
 #include <QTextBlock>
 
-SlotEditor::SlotEditor(const QString& name, QWidget* parent) : QTextEdit(parent)
+SlotEditor::SlotEditor(const QString& name, QWidget* parent)
+    : QTextEdit(parent), m_longest(longestText)
 {
     setAccessibleName(name);
     setAcceptRichText(false);
@@ -28,9 +29,11 @@ SlotEditor::SlotEditor(const QString& name, QWidget* parent) : QTextEdit(parent)
     connect(document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged, this,
             &SlotEditor::fit);
     connect(this, &QTextEdit::textChanged, this, [this] {
-        if (m_showing)
+        const QString now = text();
+        // A highlighter changes only the look, which Qt also reports as a change of the text.
+        if (m_showing || now == m_shown.left(m_longest))
             return;
-        m_shown = text();
+        m_shown = now;
         Q_EMIT edited(m_shown, m_pace);
     });
     fit();
@@ -43,12 +46,28 @@ void SlotEditor::setText(const QString& text)
     m_shown = text;
     m_showing = true;
     const int at = textCursor().position();
-    setPlainText(text.left(longestText));
-    setReadOnly(text.size() > longestText);
+    setUndoRedoEnabled(false);    // the history begins with the text as it is shown
+    setPlainText(text.left(m_longest));
+    setReadOnly(text.size() > m_longest);
     setLineHeights();
+    setUndoRedoEnabled(m_isStandalone);
     QTextCursor cursor = textCursor();
     cursor.setPosition(hasFocus() ? std::min(at, document()->characterCount() - 1) : 0);
     setTextCursor(cursor);
+    m_showing = false;
+}
+
+void SlotEditor::replaceText(const QString& text)
+{
+    if (text == m_shown)
+        return;
+    if (isReadOnly() || text.size() > m_longest)
+        return setText(text);
+    m_shown = text;
+    m_showing = true;
+    QTextCursor cursor(document());
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(text);
     m_showing = false;
 }
 
@@ -68,6 +87,18 @@ void SlotEditor::setLineHeights()
     QTextCursor cursor(document());
     cursor.select(QTextCursor::Document);
     cursor.mergeBlockFormat(format);
+}
+
+void SlotEditor::setStandalone(int longest)
+{
+    m_longest = longest;
+    m_isStandalone = true;
+    setUndoRedoEnabled(true);
+}
+
+bool SlotEditor::leavesToWindow(const QKeyEvent* event) const
+{
+    return !m_isStandalone && belongsToWindow(event);
 }
 
 void SlotEditor::setLines(int least, int most)
@@ -91,7 +122,7 @@ void SlotEditor::fit()
 bool SlotEditor::event(QEvent* event)
 {
     if (event->type() == QEvent::ShortcutOverride &&
-        belongsToWindow(static_cast<QKeyEvent*>(event))) {
+        leavesToWindow(static_cast<QKeyEvent*>(event))) {
         event->ignore();
         return true;
     }
@@ -100,17 +131,17 @@ bool SlotEditor::event(QEvent* event)
 
 void SlotEditor::keyPressEvent(QKeyEvent* event)
 {
-    if (belongsToWindow(event))
+    if (leavesToWindow(event))
         return event->ignore();
     if (event->key() == Qt::Key_Escape) {
         clearFocus();
         Q_EMIT leaveRequested();
         return;
     }
-    // Accepts no more than longestText characters: setText() would show a longer text read-only.
+    // Accepts no more than m_longest characters: setText() would show a longer text read-only.
     const QString typed = event->text();
     const bool adds = !typed.isEmpty() && (typed[0].isPrint() || typed[0] == u'\r');
-    if (adds && !textCursor().hasSelection() && text().size() >= longestText)
+    if (adds && !textCursor().hasSelection() && text().size() >= m_longest)
         return;
     m_pace = event->isAutoRepeat() ? Pace::held : Pace::once;
     QTextEdit::keyPressEvent(event);
@@ -124,7 +155,7 @@ void SlotEditor::keyPressEvent(QKeyEvent* event)
 void SlotEditor::inputMethodEvent(QInputMethodEvent* event)
 {
     const auto kept = text().size() - textCursor().selectedText().size();
-    if (kept + event->commitString().size() > longestText)
+    if (kept + event->commitString().size() > m_longest)
         return;
     QTextEdit::inputMethodEvent(event);
     setComposing(!event->preeditString().isEmpty());
@@ -140,7 +171,7 @@ void SlotEditor::setComposing(bool isComposing)
 
 void SlotEditor::insertFromMimeData(const QMimeData* source)
 {
-    const auto room = longestText - (text().size() - textCursor().selectedText().size());
+    const auto room = m_longest - (text().size() - textCursor().selectedText().size());
     if (source->hasText() && room > 0)
         textCursor().insertText(plainText(source->text()).left(room));
     ensureCursorVisible();

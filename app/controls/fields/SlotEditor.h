@@ -12,9 +12,15 @@ public:
     explicit SlotEditor(const QString& name, QWidget* parent = nullptr);
 
     // Shows a text; emits nothing. Setting the current text again does not change cursor or
-    // selection. If a text is longer than longestText, only its beginning is shown, read-only.
+    // selection. If a text is longer than longestText, or the limit of setStandalone(), only its
+    // beginning is shown, read-only.
     void setText(const QString& text);
+    // As setText(), but in a standalone editor its undo brings back what stood there.
+    void replaceText(const QString& text);
     QString text() const;
+    // For a text that is no layer's: it may have `longest` characters, and its undo and the other
+    // keys of the window act in the editor.
+    void setStandalone(int longest);
     // How many lines it may be high.
     void setLines(int least, int most);
     // Whether it holds letters that the text has not got yet, as input methods do.
@@ -43,9 +49,12 @@ protected:
 private:
     void fit();
     void setLineHeights();
+    bool leavesToWindow(const QKeyEvent* event) const;
     void setComposing(bool isComposing);
 
     int m_leastLines = 1, m_mostLines = 5;
+    int m_longest;    // characters
+    bool m_isStandalone = false;
     bool m_isComposing = false;
     QString m_shown;    // the text of the last setText() or edited()
     Pace m_pace = Pace::once;

@@ -18,13 +18,12 @@ namespace {
 
 constexpr int sheetWindowMargin = 24, riseTime = 180;    // riseTime in ms
 constexpr double riseFrom = 0.98;
-constexpr int sheetColumnWidth = 216, columnSide = 12, columnTop = 20;
 constexpr int contentSide = 32, contentTop = 22, contentBottom = 24;
 
 // Paints the background of the sheet's box and of its column.
 class Box : public QWidget {
 public:
-    using QWidget::QWidget;
+    Box(int columnWidth, QWidget* parent) : QWidget(parent), m_columnWidth(columnWidth) {}
 
 protected:
     void paintEvent(QPaintEvent*) override
@@ -33,11 +32,14 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         fillRounded(painter, rect(), Radius::sheet, theme.panel);
-        fillRounded(painter, QRectF(0, 0, sheetColumnWidth, height()), Corners{Radius::sheet, 0},
+        fillRounded(painter, QRectF(0, 0, m_columnWidth, height()), Corners{Radius::sheet, 0},
                     theme.bg);
-        painter.fillRect(QRectF(sheetColumnWidth, 0, 1, height()), theme.line);
+        painter.fillRect(QRectF(m_columnWidth, 0, 1, height()), theme.line);
         strokeRounded(painter, rect(), Radius::sheet, theme.line2);
     }
+
+private:
+    const int m_columnWidth;
 };
 
 // Tells screen readers that the sheet is modal.
@@ -60,8 +62,8 @@ QAccessibleInterface* accessibleSheetOf(const QString&, QObject* object)
 
 }    // namespace
 
-Sheet::Sheet(const QString& title, QSize size, QWidget* window)
-    : QWidget(window), m_size(size), m_box(new Box(this)), m_column(new QVBoxLayout),
+Sheet::Sheet(const QString& title, QSize size, QWidget* window, const SheetColumn& column)
+    : QWidget(window), m_size(size), m_box(new Box(column.width, this)), m_column(new QVBoxLayout),
       m_content(new QVBoxLayout), m_close(new IconButton(Icon::close, u"Cerrar"_s, 32, m_box))
 {
     QAccessible::installFactory(accessibleSheetOf);
@@ -72,13 +74,13 @@ Sheet::Sheet(const QString& title, QSize size, QWidget* window)
     columns->setContentsMargins(0, 0, 0, 0);
     columns->setSpacing(0);
     auto* left = new QWidget;
-    left->setFixedWidth(sheetColumnWidth);
+    left->setFixedWidth(column.width);
     left->setLayout(m_column);
-    m_column->setContentsMargins(columnSide, columnTop, columnSide, columnTop);
+    m_column->setContentsMargins(column.side, column.top, column.side, column.top);
     m_column->setSpacing(2);
     auto* heading = new Caption(Type::sheetTitle, &Theme::text, title);
     auto* headingRow = new QHBoxLayout;
-    headingRow->setContentsMargins(10, 0, 0, 10);
+    headingRow->setContentsMargins(column.headingGap, 0, 0, column.headingGap);
     headingRow->addWidget(heading);
     m_column->addLayout(headingRow);
     m_content->setContentsMargins(contentSide, contentTop, contentSide, contentBottom);

@@ -9,6 +9,12 @@ class QHBoxLayout;
 class QVBoxLayout;
 enum class Type;
 
+// The column at the left of a sheet, in pixels.
+struct SheetColumn {
+    int width = 216, side = 12, top = 20;
+    int headingGap = 10;    // at the left of the title and below it
+};
+
 // Covers the whole window, with a large box in the middle. While the sheet is presented, neither
 // clicks nor the focus reach the window behind it. Esc and the close button emit closeRequested();
 // dismiss() gives the focus back. The box contains a column at the left, and the content.
@@ -16,7 +22,7 @@ class Sheet : public QWidget {
     Q_OBJECT
 public:
     // `size`: of the box, which becomes smaller if the window is too small for it.
-    Sheet(const QString& title, QSize size, QWidget* window);
+    Sheet(const QString& title, QSize size, QWidget* window, const SheetColumn& column = {});
 
     void present();    // gives the focus to the widget of setFirstFocus()
     void dismiss();

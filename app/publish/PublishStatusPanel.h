@@ -1,0 +1,53 @@
+#pragma once
+#include "app/publish/PublishShown.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <QWidget>
+
+class Caption;
+class Paragraph;
+class ProgressBar;
+class PushButton;
+class QVBoxLayout;
+class Spinner;
+
+// What was told about the publication: its state, its price, how far it is sent, the page of the
+// published post, and the checks of the post.
+class PublishStatusPanel : public QWidget {
+    Q_OBJECT
+public:
+    explicit PublishStatusPanel(QWidget* parent = nullptr);
+    void setReport(const PublishReport& report);
+    QList<QWidget*> focusOrder() const;
+
+Q_SIGNALS:
+    void stopRequested();
+    void pageRequested();
+    void followRequested(const PublishCheck& check);    // its link was pressed
+    void leaveRequested();                              // the focused button was hidden
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void showChecks(const CheckedPost& checks);
+    void announce();
+
+    PublishReport m_report;
+    bool m_isSet = false;
+    Spinner* m_spinner;
+    Paragraph* m_sentence;
+    Paragraph* m_cost;
+    Caption* m_amount;
+    ProgressBar* m_bar;
+    PushButton* m_stop;
+    PushButton* m_page;
+    QWidget* m_summary;
+    Caption* m_warnings;
+    Caption* m_passed;
+    QWidget* m_rows;                     // of the checks
+    QList<QWidget*> m_lines, m_links;    // one line for each check; those of their links
+    QTimer m_announceLater;
+    QElapsedTimer m_announced;
+};
