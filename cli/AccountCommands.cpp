@@ -2,12 +2,10 @@
 
 #include "account/AccountChecks.h"
 #include "account/PurchaseTexts.h"
+#include "cli/AccountCommand.h"
 #include "cli/AccountConnection.h"
-#include "cli/ExitStatus.h"
-#include "cli/Terminal.h"
 #include "model/JsonMapping.h"
 
-#include <QCommandLineParser>
 #include <QCoroTask>
 #include <QStringDecoder>
 
@@ -46,67 +44,6 @@ struct json::JsonFields<PurchaseLine> {
 
 namespace {
 
-// Parser, messages and exit statuses of one account command.
-class AccountCommand {
-public:
-    AccountCommand(const QString& name, const QString& description,
-                   const ServiceConfiguration& configuration)
-        : m_name(name), m_configurationProblem(configuration.problem)
-    {
-        m_parser.setApplicationDescription(description);
-        m_parser.addOption(m_help);
-    }
-
-    QCommandLineParser& parser() { return m_parser; }
-
-    // Returns the exit status if the command ends here; nothing if it goes on.
-    std::optional<int> parse(const QStringList& arguments)
-    {
-        if (!m_parser.parse(QStringList{u"moltiva "_s + m_name} + arguments))
-            return wrongUse(m_parser.errorText());
-        if (m_parser.isSet(m_help)) {
-            QString text = m_parser.helpText();
-            text.replace(0, text.indexOf(u'\n'), u"Uso: moltiva %1 [opciones]"_s.arg(m_name));
-            print(stdout, text.trimmed());
-            return exitDone;
-        }
-        if (!m_parser.positionalArguments().isEmpty()) {
-            return wrongUse(
-                u"no espero «%1»."_s.arg(printable(m_parser.positionalArguments().first())));
-        }
-        if (!m_configurationProblem.isEmpty())
-            return wrongUse(m_configurationProblem);
-        return std::nullopt;
-    }
-
-    int wrongUse(const QString& sentence) const { return failed(sentence, exitWrongUse); }
-    int failed(const QString& sentence, int status = exitSomeFailed) const
-    {
-        print(stderr, u"moltiva %1: %2"_s.arg(m_name, sentence));
-        return status;
-    }
-    // Prints why an action of the session failed; returns the exit status.
-    int failed(const AccountSession& session) const
-    {
-        return failed(session.outcome(), session.isUnreachable() ? exitNoNetwork
-                                         : session.needsSignIn() ? exitNotSignedIn
-                                                                 : exitSomeFailed);
-    }
-    // Prints the outcome of an action of the session; returns the exit status.
-    int ended(const AccountSession& session, bool done) const
-    {
-        if (!done)
-            return failed(session);
-        print(stdout, session.outcome());
-        return exitDone;
-    }
-
-private:
-    QString m_name, m_configurationProblem;
-    QCommandLineParser m_parser;
-    const QCommandLineOption m_help{{u"h"_s, u"help"_s}, u"muestra esta ayuda"_s};
-};
-
 enum class SecretUse { known, chosen };
 
 // Reads a password. On a terminal, where it is not shown, a newly chosen one must be typed twice.
@@ -130,11 +67,6 @@ std::optional<QString> askedPassword(const AccountCommand& command, SecretUse us
         return std::nullopt;
     }
     return text;
-}
-
-void tellOfRefund(const QString& sentence)
-{
-    print(stderr, sentence);
 }
 
 using SignIn = QCoro::Task<bool> (AccountSession::*)(const QString&, const QString&);

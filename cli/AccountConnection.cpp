@@ -1,5 +1,7 @@
 #include "cli/AccountConnection.h"
 
+#include "account/AccountAPI.h"
+#include "account/AccountError.h"
 #include "cli/Terminal.h"
 
 #include <QCoroTask>
@@ -43,6 +45,31 @@ std::optional<AccountConnection::SignInRefusal> AccountConnection::signIn()
                          session().message()};
 }
 
+namespace {
+
+// Must not throw: QCoro::waitFor() would wait for ever.
+QCoro::Task<AccountConnection::Networks> askedNetworks(AccountAPI* api)
+{
+    AccountConnection::Networks networks;
+    QCoro::Task<SocialStatusResponse> asking = api->socialStatus();
+    try {
+        const SocialStatusResponse status = co_await std::move(asking);
+        networks.all = status.networks;
+    } catch (const std::exception& error) {
+        const auto refusal = isUnreachable(error) ? ChargeResult::Refusal::unreachable
+                                                  : ChargeResult::Refusal::other;
+        networks.refusal = {refusal, u"No se han podido consultar las conexiones."_s};
+    }
+    co_return networks;
+}
+
+}    // namespace
+
+AccountConnection::Networks AccountConnection::networks()
+{
+    return QCoro::waitFor(askedNetworks(&api()));
+}
+
 ExitStatus statusOf(ChargeResult::Refusal refusal)
 {
     switch (refusal) {
@@ -53,6 +80,8 @@ ExitStatus statusOf(ChargeResult::Refusal refusal)
     case ChargeResult::Refusal::unreachable:
         return exitNoNetwork;
     case ChargeResult::Refusal::other:
+    case ChargeResult::Refusal::beingPaid:
+    case ChargeResult::Refusal::paidMeanwhile:
         return exitSomeFailed;
     }
     Q_UNREACHABLE();

@@ -30,6 +30,12 @@ public:
     // Resumes the stored session. Nothing when somebody is signed in.
     std::optional<SignInRefusal> signIn();
 
+    struct Networks {
+        QList<SocialNetworkConnection> all;
+        std::optional<SignInRefusal> refusal;    // set if they could not be asked for
+    };
+    Networks networks();
+
     // Waits until the credits that earlier commands left reserved have been refunded, as far as
     // that is possible.
     void refundLeftOpen();

@@ -6,6 +6,8 @@
 #include "cli/ExportCommand.h"
 #include "cli/GenerateCommand.h"
 #include "cli/LocalCommand.h"
+#include "cli/NetworkCommands.h"
+#include "cli/PublishCommand.h"
 #include "cli/Terminal.h"
 
 #include <QCoreApplication>
@@ -26,6 +28,9 @@ struct Command {
 constexpr std::array commands{
     Command{u"export", u"exporta fotos como publicaciones PNG", &runExport},
     Command{u"generate", u"escribe los textos de las fotos con una IA", &runGenerate},
+    Command{u"publish", u"publica fotos en una red social", &runPublish},
+    Command{u"networks", u"las redes y su conexión", &runNetworks},
+    Command{u"connect", u"conecta una red en el navegador", &runConnect},
     Command{u"local", u"instala o quita la IA que escribe textos en este equipo", &runLocal},
     Command{u"login", u"inicia sesión con un email y su contraseña", &runLogin},
     Command{u"register", u"crea una cuenta", &runRegister},

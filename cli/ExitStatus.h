@@ -1,6 +1,6 @@
 #pragma once
 
-// Exit statuses of all commands; `moltiva export --help` explains them.
+// Exit statuses of all commands; `moltiva publish --help` explains them.
 enum ExitStatus {
     exitDone = 0,
     exitSomeFailed = 1,
@@ -8,5 +8,6 @@ enum ExitStatus {
     exitNotSignedIn = 3,
     exitTooFewCredits = 4,
     exitNoNetwork = 5,
+    exitUnknown = 6,    // whether a post was published
     exitInterrupted = 130,
 };

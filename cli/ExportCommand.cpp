@@ -1,8 +1,8 @@
 #include "cli/ExportCommand.h"
 
 #include "account/ServiceConfiguration.h"
-#include "canvas/RenderFingerprint.h"
 #include "cli/AccountConnection.h"
+#include "cli/CommandBatch.h"
 #include "cli/ExitStatus.h"
 #include "cli/ExportOptions.h"
 #include "cli/ExportReport.h"
@@ -14,6 +14,7 @@
 #include "platform/Workers.h"
 #include "studio/PhotoImport.h"
 #include "studio/export/ExportPaths.h"
+#include "studio/publish/PublishChecks.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -23,14 +24,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Gives a photo the same item id in every run of the command, because the request identifiers of
-// charges depend on it. `occurrence`: how many times the same file occurs earlier in the list.
-QUuid itemId(const QString& file, int occurrence)
-{
-    const QUuid space = QUuid::fromString(u"{a3a31d52-6a5e-4d0c-9d0c-3f0a4d5f7c21}"_s);
-    return QUuid::createUuidV5(space, file + u'\n' + QString::number(occurrence));
-}
 
 // The readable photos, with the files they are exported to.
 struct PreparedBatch {
@@ -103,6 +96,9 @@ public:
             ended({}, {});
             return exitSomeFailed;
         }
+        const QString notice = noticeOfExport(batch.items);
+        if (price->unpaid > 0 && !notice.isEmpty())
+            m_report.tell(notice);
         m_report.price(*price);
         return exported(batch, *price);
     }
@@ -168,67 +164,37 @@ private:
         return true;
     }
 
-    // Matches texts and output names with all photos, readable or not, so that an unreadable photo
-    // does not change the texts and names of the others.
+    // Output names follow from all photos, readable or not, so that an unreadable photo does not
+    // change the names of the others.
     PreparedBatch prepared(const PublicationItems& accepted)
     {
-        const QList<QUrl>& photos = m_options.photos;
-        const QStringList paths = exportPaths(photos, m_options.folder);
+        const QStringList paths = exportPaths(m_options.photos, m_options.folder);
         m_payer = m_connection.session().accountKey();
-        const QSet<QString> paid = paidRenders(m_connection.preferences(), m_payer);
-        PublicationItems asked;
-        for (const QUrl& photo : photos)
-            asked.append(PublicationItem::make(photo, {}));
-        const TextSheet sheet = m_options.texts.value_or(TextSheet());
-        const SheetMatch texts = matchRows(sheet, asked);
-        for (const RowProblem& problem : texts.problems)
-            m_report.rowFailed(problem);
-
-        for (const QString& photo : m_options.unreachable)
-            m_report.unreadable(photo);
-
+        const CommandBatch found = commandBatch(
+            m_options, accepted, paidRenders(m_connection.preferences(), m_payer),
+            {.unreadable = [this](const QString& photo) { m_report.unreadable(photo); },
+             .rowFailed = [this](const RowProblem& problem) { m_report.rowFailed(problem); }});
         PreparedBatch batch;
-        batch.lacksTexts = m_options.texts.has_value();
-        QHash<QString, int> occurrences;    // by file
-        qsizetype next = 0;    // index in `accepted`, which is in the order of `photos`
-        for (qsizetype i = 0; i < photos.size(); ++i) {
-            const QString photo = photos[i].toLocalFile();
-            if (next == accepted.size() || accepted[next].url != photos[i]) {
-                m_report.unreadable(photo);
-                continue;
-            }
-            PublicationItem item = accepted[next++];
-            const QString file = QFileInfo(photo).canonicalFilePath();
-            item.id = itemId(file, occurrences[file]++);
-            item.paidRenderFingerprints = paid;
-            if (const auto row = texts.rowOfImage[i]) {
-                fillTexts(item, sheet.rows[*row]);
-                batch.lacksTexts = false;
-            }
-            if (m_options.design)
-                m_options.design(item);
-            if (!paths[i].endsWith(filenameOf(photos[i]) + u"-publicacion.png"_s))
-                m_report.renamed(photo, paths[i]);
-            batch.items.append(item);
-            batch.destinations.append(paths[i]);
+        batch.items = found.items;
+        batch.lacksTexts = found.lacksTexts;
+        for (const qsizetype index : found.photos) {
+            const QUrl& photo = m_options.photos[index];
+            if (!paths[index].endsWith(filenameOf(photo) + u"-publicacion.png"_s))
+                m_report.renamed(photo.toLocalFile(), paths[index]);
+            batch.destinations.append(paths[index]);
         }
         return batch;
     }
 
     // The price as known before drawing; it falls if an image turns out to have the same pixels as
-    // a paid one. Takes a while, because it lays out the texts. Returns nothing when interrupted.
+    // a paid one. Returns nothing when interrupted.
     std::optional<ExportPrice> priceOf(const PublicationItems& items) const
     {
-        const QSizeF size = exportSizeOf(m_options.format),
-                     reference = designSize(m_options.format);
-        ExportPrice price{.images = items.size(), .unpaid = items.size()};
-        for (const PublicationItem& item : items) {
-            if (m_interrupt->flag())
-                return {};
-            price.unpaid -= isRenderAmong(item.paidRenderFingerprints,
-                                          {item, item.image.digest, size, reference});
-        }
-        return price;
+        const auto unpaid =
+            unpaidRenders(items, m_options.format, [this] { return m_interrupt->flag().load(); });
+        if (!unpaid)
+            return {};
+        return ExportPrice{.images = items.size(), .unpaid = *unpaid};
     }
 
     int exported(PreparedBatch& batch, const ExportPrice& price)
@@ -260,6 +226,7 @@ private:
             if (batch.items.size() < price.images)
                 m_report.price({batch.items.size(), credits / exportCreditCost});
         };
+        m_export->waiting = [this] { m_report.tell(waitsForPayment); };
         m_export->wrote = [this, &batch](const QString& file, const QString& reason) {
             const qsizetype index = batch.destinations.indexOf(file);
             const QString photo = batch.items[index].image.path;

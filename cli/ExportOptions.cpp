@@ -2,14 +2,10 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/OutputFolder.h"
-#include "cli/PhotoArguments.h"
 #include "cli/SampleBatch.h"
 #include "cli/Terminal.h"
-#include "model/PlainText.h"
 #include "studio/PhotoFolder.h"
 #include "studio/export/RenderedOutput.h"
-#include "studio/sheet/TextSheetFile.h"
-#include "templates/TemplateDefinition.h"
 
 #include <QCommandLineParser>
 #include <QDir>
@@ -36,9 +32,8 @@ public:
         m_parser.setApplicationDescription(
             u"Exporta cada foto con sus textos de partida como «<nombre>-publicacion.png». Cada "
             "imagen cuesta %1 créditos de la cuenta, una sola vez."_s.arg(exportCreditCost));
-        m_parser.addOptions(
-            {m_help, m_format, m_out, m_design, m_texts, m_jobs, m_dryRun, m_json, m_sample});
-        m_parser.addPositionalArgument(u"foto|carpeta…"_s, u"fotos, o carpetas de fotos"_s);
+        m_parser.addOptions({m_help, m_out, m_jobs, m_dryRun, m_json, m_sample});
+        m_batch.addTo(m_parser);
     }
 
     std::variant<ExportOptions, int> read(const QStringList& arguments)
@@ -49,8 +44,7 @@ public:
             print(stdout, helpText().trimmed());
             return exitDone;
         }
-        for (const auto step : {&ExportArguments::readFormat, &ExportArguments::readJobs,
-                                &ExportArguments::readDesign, &ExportArguments::readTexts,
+        for (const auto step : {&ExportArguments::readLooks, &ExportArguments::readJobs,
                                 &ExportArguments::readPhotos, &ExportArguments::readFolder}) {
             if (const auto status = (this->*step)())
                 return *status;
@@ -77,16 +71,10 @@ private:
                       "  130  interrumpido\n"_s;
     }
 
-    Failure readFormat()
+    Failure readLooks()
     {
-        const QString key = m_parser.value(m_format);
-        const auto chosen = fromTemplateKey(key);
-        if (!chosen) {
-            return wrongUse(
-                u"no conozco el formato «%1»; los formatos son %2."_s.arg(key, formatKeys()));
-        }
-        m_options.format = *chosen;
-        return {};
+        const QString problem = m_batch.readLooks(m_parser, m_options, tellOfExport);
+        return problem.isEmpty() ? Failure() : wrongUse(problem);
     }
 
     Failure readJobs()
@@ -100,35 +88,6 @@ private:
         return {};
     }
 
-    Failure readDesign()
-    {
-        if (!m_parser.isSet(m_design))
-            return {};
-        const DefinitionFile file = readDefinitionFile(m_parser.value(m_design));
-        if (!file.definition)
-            return wrongUse(u"la plantilla «%1» %2."_s.arg(m_parser.value(m_design), file.error));
-        m_options.design = file.definition->application();
-        if (!m_parser.isSet(m_format))
-            m_options.format = file.definition->socialFormat();
-        else if (!file.definition->matches(m_options.format))
-            tellOfExport(u"la plantilla «%1» está hecha para el formato %2."_s.arg(
-                file.definition->name, rawValue(file.definition->socialFormat())));
-        return {};
-    }
-
-    Failure readTexts()
-    {
-        if (!m_parser.isSet(m_texts))
-            return {};
-        const TextSheet texts = readTextSheetFile(m_parser.value(m_texts));
-        if (!texts.error.isEmpty()) {
-            return wrongUse(u"no se pudieron leer los textos de %1: %2."_s.arg(
-                m_parser.value(m_texts), texts.error));
-        }
-        m_options.texts = texts;
-        return {};
-    }
-
     Failure readPhotos()
     {
         if (m_parser.isSet(m_sample)) {
@@ -137,11 +96,9 @@ private:
                 return wrongUse(u"no se pudo preparar el lote de muestra."_s);
             m_options.photos.append(photosInFolder(m_options.sample->path()));
         }
-        const PhotoArguments found = photoArguments(m_parser.positionalArguments(), tellOfExport);
-        if (!found.problem.isEmpty())
-            return wrongUse(found.problem);
-        m_options.photos.append(found.photos);
-        m_options.unreachable.append(found.unreachable);
+        const QString problem = BatchArguments::readPhotos(m_parser, m_options, tellOfExport);
+        if (!problem.isEmpty())
+            return wrongUse(problem);
         if (!m_parser.isSet(m_sample) && m_parser.positionalArguments().isEmpty())
             return wrongUse(u"falta decir qué fotos. Prueba «moltiva export --help»."_s);
         if (m_options.photos.isEmpty() && m_options.unreachable.isEmpty())
@@ -159,8 +116,6 @@ private:
     }
 
     const QCommandLineOption m_help{{u"h"_s, u"help"_s}, u"muestra esta ayuda"_s};
-    const QCommandLineOption m_format{u"format"_s, u"formato: %1"_s.arg(formatKeys()), u"formato"_s,
-                                      row(SocialFormat::carouselPortrait).templateKey.toString()};
     const QCommandLineOption m_out{u"out"_s, u"carpeta de destino; se crea si no existe"_s,
                                    u"carpeta"_s, u"."_s};
     const QCommandLineOption m_jobs{
@@ -171,11 +126,7 @@ private:
                                       "nada"_s};
     const QCommandLineOption m_json{u"json"_s, u"un objeto JSON por archivo y un resumen"_s};
     const QCommandLineOption m_sample{u"sample"_s, u"exporta un lote de muestra en vez de fotos"_s};
-    const QCommandLineOption m_texts{u"texts"_s, u"textos de cada foto, de un archivo CSV"_s,
-                                     u"archivo.csv"_s};
-    const QCommandLineOption m_design{
-        u"template"_s, u"plantilla de todas las fotos; sin --format, también su formato"_s,
-        u"archivo.json"_s};
+    const BatchArguments m_batch;
     QCommandLineParser m_parser;
     ExportOptions m_options;
 };

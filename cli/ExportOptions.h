@@ -1,26 +1,18 @@
 #pragma once
 
-#include "model/SocialFormat.h"
-#include "studio/sheet/TextSheet.h"
-#include "templates/VisualTemplate.h"
+#include "cli/BatchOptions.h"
 
 #include <QTemporaryDir>
-#include <QUrl>
 
 #include <memory>
 #include <variant>
 
 // The parsed arguments of `moltiva export`.
-struct ExportOptions {
-    SocialFormat format = SocialFormat::carouselPortrait;
+struct ExportOptions : BatchOptions {
     QString folder;
     int jobs = 0;    // images rendered at once, at most one per core; 0: one per core
     bool isJson = false;
     bool isDryRun = false;
-    std::optional<TextSheet> texts;
-    TemplateApplication design;    // applies a template; empty: the photos keep the standard design
-    QList<QUrl> photos;            // URLs of local files
-    QStringList unreachable;       // paths that no URL can hold: these photos cannot be opened
     // Folder of the sample photos; deleted with the last copy of the options.
     std::shared_ptr<QTemporaryDir> sample;
 };

@@ -191,8 +191,7 @@ void ExportReport::priceAlone(const ExportPrice& price, qint64 balance)
 
 void ExportReport::end(const ExportOutcome& outcome, double seconds, qint64 peakBytes)
 {
-    clearBar();
-    m_bar.clear();
+    close();
     const QString sentence = outcome.sentence();
     QString line = sentence;
     if (outcome.isDone())
@@ -212,6 +211,12 @@ void ExportReport::end(const ExportOutcome& outcome, double seconds, qint64 peak
                               .peakMemoryBytes = double(peakBytes),
                               .interrupted = outcome.state == ExportOutcome::State::stopped});
     }
+}
+
+void ExportReport::close()
+{
+    clearBar();
+    m_bar.clear();
 }
 
 void ExportReport::fail(const QString& photo, const QString& name, const QString& error)

@@ -33,6 +33,8 @@ public:
     // `peakBytes`: the largest memory use of the process.
     void end(const ExportOutcome& outcome, double seconds, qint64 peakBytes);
 
+    void close();    // removes the progress bar
+
     bool isAnyFailed() const { return m_failed > 0; }
 
 private:
