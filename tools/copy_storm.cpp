@@ -118,7 +118,7 @@ public:
     }
 
 private:
-    QStringList entries() const { return m_preferences.keysBeginningWith(entryPrefix); }
+    QStringList entries() const { return m_preferences.keysBeginningWith(entryPrefix.toString()); }
 
     // Returns whether all photos are in the batch then.
     bool importWhatIsGone()

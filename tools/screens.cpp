@@ -4,6 +4,7 @@
 //     screens OUT --photos DIR --designs DIR     each design of a folder, on six photos
 //     screens OUT --account                      signing in, the account and the settings
 //     screens OUT [--photos DIR] --copy          generating texts and the engine that does it
+//     screens OUT [--photos DIR] --publish       the publish sheet
 //
 // Reaches each state through the session and the window, then takes it in both themes and at
 // several sizes. Two runs over the same photos give equal bytes. Without --photos, a painted sample
@@ -37,6 +38,7 @@
 #include "tools/AccountScreens.h"
 #include "tools/ContactSheets.h"
 #include "tools/CopyScreens.h"
+#include "tools/PublishScreens.h"
 #include "tools/WindowPictures.h"
 
 #include <QApplication>
@@ -138,6 +140,13 @@ public:
         m_session.load({QUrl::fromLocalFile(m_photoFolder)});
         return WindowPictures::waitFor([this] { return !m_session.batch().items.isEmpty(); }) &&
                takeCopyScreens({m_session, m_account, m_window, m_pictures});
+    }
+
+    bool takePublish()
+    {
+        m_session.load({QUrl::fromLocalFile(m_photoFolder)});
+        return WindowPictures::waitFor([this] { return !m_session.batch().items.isEmpty(); }) &&
+               takePublishScreens({m_session, m_window, m_pictures});
     }
 
 private:
@@ -368,7 +377,8 @@ int main(int argc, char** argv)
     const QCommandLineOption designs(u"designs"_s, u"folder of template definitions"_s, u"dir"_s);
     const QCommandLineOption account(u"account"_s, u"only the screens of the account"_s);
     const QCommandLineOption copy(u"copy"_s, u"only the screens of generated texts"_s);
-    parser.addOptions({photos, designs, account, copy});
+    const QCommandLineOption publish(u"publish"_s, u"only the screens of publishing"_s);
+    parser.addOptions({photos, designs, account, copy, publish});
     parser.addPositionalArgument(u"out"_s, u"folder for the pictures"_s);
     parser.addHelpOption();
     parser.process(application);
@@ -391,5 +401,8 @@ int main(int argc, char** argv)
     Screens screens(out, QDir(folder).absolutePath());
     if (parser.isSet(copy))
         return screens.takeCopy() ? 0 : 1;
-    return screens.takeAll() && screens.takeCopy() && takeAccountScreens(out) ? 0 : 1;
+    if (parser.isSet(publish))
+        return screens.takePublish() ? 0 : 1;
+    const bool reached = screens.takeAll() && screens.takeCopy() && screens.takePublish();
+    return reached && takeAccountScreens(out) ? 0 : 1;
 }
