@@ -25,8 +25,8 @@ const QList<Room>& rooms()
         below + QStringList{u"copygen/text"_qs, u"copygen"_qs, u"studio/batch"_qs};
     static const QStringList batch = below + QStringList{u"studio/batch"_qs};
     static const QStringList session =
-        writing +
-        QStringList{u"studio/sheet"_qs, u"studio/export"_qs, u"studio/copy"_qs, u"studio"_qs};
+        writing + QStringList{u"studio/sheet"_qs, u"studio/export"_qs, u"studio/copy"_qs,
+                              u"studio/publish"_qs, u"studio"_qs};
     static const QStringList ofService{u"service"_qs, u"service/store"_qs, u"account"_qs,
                                        u"model"_qs,   u"platform"_qs,      u"copygen/text"_qs};
     // Each list from here to `part` contains the list before it.
@@ -37,9 +37,9 @@ const QList<Room>& rooms()
     static const QStringList popovers = fields + QStringList{u"app/controls/popovers"_qs};
     static const QStringList part =
         popovers + session + QStringList{u"app/forms"_qs, u"canvas/interaction"_qs};
-    static const QStringList parts{u"app/batch"_qs,    u"app/stage"_qs,  u"app/presets"_qs,
-                                   u"app/layers"_qs,   u"app/export"_qs, u"app/copy"_qs,
-                                   u"app/settings"_qs, u"app/account"_qs};
+    static const QStringList parts{u"app/batch"_qs,   u"app/stage"_qs,    u"app/presets"_qs,
+                                   u"app/layers"_qs,  u"app/export"_qs,   u"app/copy"_qs,
+                                   u"app/publish"_qs, u"app/settings"_qs, u"app/account"_qs};
     static const QStringList everything =
         part + parts + QStringList{u"app/window"_qs, u"cli"_qs, u"tests/support"_qs};
     static const QList<Room> table{
@@ -57,6 +57,7 @@ const QList<Room>& rooms()
         {u"studio/sheet"_qs, {u"studio/batch"_qs, u"model"_qs, u"platform"_qs}},
         {u"studio/export"_qs, batch},
         {u"studio/copy"_qs, writing},
+        {u"studio/publish"_qs, writing + QStringList{u"studio/export"_qs}},
         {u"studio"_qs, session},
         {u"cli"_qs, session},
         {u"app/theme"_qs, {}, true},
@@ -70,6 +71,7 @@ const QList<Room>& rooms()
         {u"app/layers"_qs, part + QStringList{u"app/batch"_qs, u"app/presets"_qs}, true},
         {u"app/export"_qs, part + QStringList{u"app/batch"_qs}, true},
         {u"app/copy"_qs, part, true},
+        {u"app/publish"_qs, part + QStringList{u"app/batch"_qs}, true},
         {u"app/settings"_qs, part, true},
         {u"app/account"_qs, part + QStringList{u"app/settings"_qs}, true},
         {u"app/window"_qs, part + parts + QStringList{u"cli"_qs}, true},

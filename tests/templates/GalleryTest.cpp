@@ -1,6 +1,7 @@
 #include "templates/BuiltInTemplateLibrary.h"
 
 #include "canvas/ItemLayout.h"
+#include "canvas/SafeZone.h"
 #include "canvas/TextFitting.h"
 
 #include <QDir>
@@ -78,7 +79,8 @@ TEST(Gallery, UsesInstalledFontsAlone)
 // be there.
 TEST(Gallery, KeepsTheTextsOfStoriesInTheSafeZone)
 {
-    constexpr double top = 250, bottom = 1920 - 340;
+    const double height = exportSize(SocialFormat::storyReel).height();
+    const double top = safeZoneTop * height, bottom = (1 - safeZoneBottom) * height;
     for (const JSONVisualTemplateDefinition& design :
          BuiltInTemplateLibrary().definitions(SocialFormat::storyReel)) {
         PublicationItem item = PublicationItem::make({}, {});
