@@ -2,8 +2,8 @@
 
 #include "account/AccountChecks.h"
 #include "account/PurchaseTexts.h"
-#include "cli/AccountCommand.h"
-#include "cli/AccountConnection.h"
+#include "cli/shared/AccountCommand.h"
+#include "cli/shared/AccountConnection.h"
 #include "model/JsonMapping.h"
 
 #include <QCoroTask>

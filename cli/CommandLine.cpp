@@ -1,5 +1,5 @@
 #include "cli/CommandLine.h"
-#include "cli/ExitStatus.h"
+#include "cli/shared/ExitStatus.h"
 
 #include "account/ServiceConfiguration.h"
 #include "cli/AccountCommands.h"
@@ -8,7 +8,7 @@
 #include "cli/LocalCommand.h"
 #include "cli/NetworkCommands.h"
 #include "cli/PublishCommand.h"
-#include "cli/Terminal.h"
+#include "cli/shared/Terminal.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -1,14 +1,14 @@
 #include "cli/ExportCommand.h"
 
 #include "account/ServiceConfiguration.h"
-#include "cli/AccountConnection.h"
-#include "cli/CommandBatch.h"
-#include "cli/ExitStatus.h"
 #include "cli/ExportOptions.h"
 #include "cli/ExportReport.h"
-#include "cli/Interrupt.h"
-#include "cli/OutputFolder.h"
-#include "cli/PaidRenders.h"
+#include "cli/shared/AccountConnection.h"
+#include "cli/shared/CommandBatch.h"
+#include "cli/shared/ExitStatus.h"
+#include "cli/shared/Interrupt.h"
+#include "cli/shared/OutputFolder.h"
+#include "cli/shared/PaidRenders.h"
 #include "platform/Memory.h"
 #include "platform/UserFolders.h"
 #include "platform/Workers.h"
@@ -214,7 +214,7 @@ private:
         request.price = price.credits();
         const ExportServices services{.photos = m_photos,
                                       .stagingPlace = stagingPlace(),
-                                      .charge = chargeServices(batch.items)};
+                                      .charge = chargeServices(m_connection, m_payer, batch.items)};
         m_export->progressed = [this](const ExportProgress& progress) { show(progress); };
         m_export->leftOut = [this, &batch](const QString& file) {
             const qsizetype index = batch.destinations.indexOf(file);
@@ -237,21 +237,6 @@ private:
         };
         const ExportOutcome outcome = QCoro::waitFor(runExport(request, services, m_export));
         return ended(outcome, notReached(outcome, batch));
-    }
-
-    ChargeServices chargeServices(const PublicationItems& items)
-    {
-        PreferencesStore& preferences = m_connection.preferences();
-        return {
-            .account = &m_connection.session(),
-            .journal = &m_connection.journal(),
-            .payer = m_payer,
-            .payments = [this, &preferences,
-                         items] { return paymentsOf(items, paidRenders(preferences, m_payer)); },
-            .record =
-                [this, &preferences](const QList<RenderedOutput>& outputs, const Strike& strike) {
-                    return addPaidRenders(preferences, m_payer, outputs, strike);
-                }};
     }
 
     // The photos that the export did not reach. If the staging folder was full, reports them itself

@@ -1,9 +1,9 @@
 #include "cli/ExportOptions.h"
 
-#include "cli/ExitStatus.h"
-#include "cli/OutputFolder.h"
 #include "cli/SampleBatch.h"
-#include "cli/Terminal.h"
+#include "cli/shared/ExitStatus.h"
+#include "cli/shared/OutputFolder.h"
+#include "cli/shared/Terminal.h"
 #include "studio/PhotoFolder.h"
 #include "studio/export/RenderedOutput.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/BatchOptions.h"
+#include "cli/shared/BatchOptions.h"
 
 #include <QTemporaryDir>
 

@@ -1,6 +1,6 @@
 #include "cli/ExportReport.h"
 
-#include "cli/Terminal.h"
+#include "cli/shared/Terminal.h"
 #include "model/JsonMapping.h"
 #include "model/PlainText.h"
 

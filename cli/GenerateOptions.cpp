@@ -1,8 +1,8 @@
 #include "cli/GenerateOptions.h"
 
-#include "cli/ExitStatus.h"
-#include "cli/PhotoArguments.h"
-#include "cli/Terminal.h"
+#include "cli/shared/ExitStatus.h"
+#include "cli/shared/PhotoArguments.h"
+#include "cli/shared/Terminal.h"
 
 #include <QCommandLineParser>
 

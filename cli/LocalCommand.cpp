@@ -1,8 +1,8 @@
 #include "cli/LocalCommand.h"
 
-#include "cli/ExitStatus.h"
-#include "cli/Interrupt.h"
-#include "cli/Terminal.h"
+#include "cli/shared/ExitStatus.h"
+#include "cli/shared/Interrupt.h"
+#include "cli/shared/Terminal.h"
 #include "copygen/LocalAIManager.h"
 #include "copygen/PinnedDownload.h"
 #include "model/JsonMapping.h"

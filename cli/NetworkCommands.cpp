@@ -2,9 +2,9 @@
 
 #include "account/AccountAPI.h"
 #include "account/AccountError.h"
-#include "cli/AccountCommand.h"
-#include "cli/AccountConnection.h"
 #include "cli/PublishOptions.h"
+#include "cli/shared/AccountCommand.h"
+#include "cli/shared/AccountConnection.h"
 #include "model/JsonMapping.h"
 #include "studio/publish/PublishSentences.h"
 

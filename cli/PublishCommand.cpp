@@ -1,14 +1,14 @@
 #include "cli/PublishCommand.h"
 
 #include "account/AccountAPI.h"
-#include "cli/AccountConnection.h"
-#include "cli/CommandBatch.h"
-#include "cli/ExitStatus.h"
 #include "cli/ExportReport.h"
-#include "cli/Interrupt.h"
-#include "cli/PaidRenders.h"
 #include "cli/PublishOptions.h"
-#include "cli/Terminal.h"
+#include "cli/shared/AccountConnection.h"
+#include "cli/shared/CommandBatch.h"
+#include "cli/shared/ExitStatus.h"
+#include "cli/shared/Interrupt.h"
+#include "cli/shared/PaidRenders.h"
+#include "cli/shared/Terminal.h"
 #include "model/JsonMapping.h"
 #include "platform/Memory.h"
 #include "platform/UserFolders.h"
@@ -315,16 +315,7 @@ private:
         PublishServices services;
         services.photos = m_photos;
         services.stagingPlace = stagingPlace();
-        services.charge.account = &m_connection.session();
-        services.charge.journal = &m_connection.journal();
-        services.charge.payer = m_payer;
-        services.charge.payments = [this, &preferences] {
-            return paymentsOf(m_items, paidRenders(preferences, m_payer));
-        };
-        services.charge.record = [this, &preferences](const QList<RenderedOutput>& outputs,
-                                                      const Strike& strike) {
-            return addPaidRenders(preferences, m_payer, outputs, strike);
-        };
+        services.charge = chargeServices(m_connection, m_payer, m_items);
         services.records = std::make_shared<PublishRecords>(preferences, m_payer,
                                                             m_connection.journal().programRun());
         services.send = sendThrough(&m_connection.api());

@@ -1,7 +1,7 @@
 #include "cli/PublishOptions.h"
 
-#include "cli/ExitStatus.h"
-#include "cli/Terminal.h"
+#include "cli/shared/ExitStatus.h"
+#include "cli/shared/Terminal.h"
 #include "model/PlainText.h"
 #include "studio/publish/PublishCaptions.h"
 

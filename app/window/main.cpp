@@ -5,7 +5,7 @@
 #include "app/window/MainWindow.h"
 #include "app/window/SingleInstance.h"
 #include "cli/CommandLine.h"
-#include "cli/ExitStatus.h"
+#include "cli/shared/ExitStatus.h"
 #include "copygen/LocalEngine.h"
 #include "platform/EndingSignals.h"
 #include "platform/Memory.h"

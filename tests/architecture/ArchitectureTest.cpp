@@ -41,7 +41,8 @@ const QList<Room>& rooms()
                                    u"app/layers"_qs,  u"app/export"_qs,   u"app/copy"_qs,
                                    u"app/publish"_qs, u"app/settings"_qs, u"app/account"_qs};
     static const QStringList everything =
-        part + parts + QStringList{u"app/window"_qs, u"cli"_qs, u"tests/support"_qs};
+        part + parts +
+        QStringList{u"app/window"_qs, u"cli"_qs, u"cli/shared"_qs, u"tests/support"_qs};
     static const QList<Room> table{
         {u"platform"_qs, {}},
         {u"platform/photo"_qs, {u"platform"_qs}},
@@ -59,7 +60,8 @@ const QList<Room>& rooms()
         {u"studio/copy"_qs, writing},
         {u"studio/publish"_qs, writing + QStringList{u"studio/export"_qs}},
         {u"studio"_qs, session},
-        {u"cli"_qs, session},
+        {u"cli/shared"_qs, session},
+        {u"cli"_qs, session + QStringList{u"cli/shared"_qs}},
         {u"app/theme"_qs, {}, true},
         {u"app/controls"_qs, looks, true},
         {u"app/controls/fields"_qs, controls, true},
@@ -74,7 +76,7 @@ const QList<Room>& rooms()
         {u"app/publish"_qs, part + QStringList{u"app/batch"_qs}, true},
         {u"app/settings"_qs, part, true},
         {u"app/account"_qs, part + QStringList{u"app/settings"_qs}, true},
-        {u"app/window"_qs, part + parts + QStringList{u"cli"_qs}, true},
+        {u"app/window"_qs, part + parts + QStringList{u"cli"_qs, u"cli/shared"_qs}, true},
         {u"service/store"_qs, {u"account"_qs, u"model"_qs, u"platform"_qs, u"platform/photo"_qs}},
         {u"service"_qs, ofService},
         {u"service/api"_qs, ofService},

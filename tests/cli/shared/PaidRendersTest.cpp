@@ -1,4 +1,4 @@
-#include "cli/PaidRenders.h"
+#include "cli/shared/PaidRenders.h"
 
 #include "platform/PreferencesStore.h"
 

@@ -1,4 +1,4 @@
-#include "cli/OutputFolder.h"
+#include "cli/shared/OutputFolder.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,6 +1,8 @@
-#include "cli/CommandBatch.h"
+#include "cli/shared/CommandBatch.h"
 
 #include "canvas/RenderFingerprint.h"
+#include "cli/shared/AccountConnection.h"
+#include "cli/shared/PaidRenders.h"
 #include "studio/export/RenderedOutput.h"
 
 #include <QFileInfo>
@@ -71,4 +73,19 @@ std::optional<qint64> unpaidRenders(const PublicationItems& items, SocialFormat 
             isRenderAmong(item.paidRenderFingerprints, {item, item.image.digest, size, reference});
     }
     return unpaid;
+}
+
+ChargeServices chargeServices(AccountConnection& connection, const QString& payer,
+                              const PublicationItems& items)
+{
+    PreferencesStore& preferences = connection.preferences();
+    return {.account = &connection.session(),
+            .journal = &connection.journal(),
+            .payer = payer,
+            .payments = [&preferences, payer,
+                         items] { return paymentsOf(items, paidRenders(preferences, payer)); },
+            .record =
+                [&preferences, payer](const QList<RenderedOutput>& outputs, const Strike& strike) {
+                    return addPaidRenders(preferences, payer, outputs, strike);
+                }};
 }

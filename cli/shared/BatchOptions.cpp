@@ -1,6 +1,6 @@
-#include "cli/BatchOptions.h"
+#include "cli/shared/BatchOptions.h"
 
-#include "cli/PhotoArguments.h"
+#include "cli/shared/PhotoArguments.h"
 #include "studio/sheet/TextSheetFile.h"
 #include "templates/TemplateDefinition.h"
 

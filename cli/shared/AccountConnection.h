@@ -1,7 +1,7 @@
 #pragma once
 
 #include "account/ConnectedAccount.h"
-#include "cli/ExitStatus.h"
+#include "cli/shared/ExitStatus.h"
 #include "platform/PreferencesStore.h"
 #include "platform/UserFolders.h"
 

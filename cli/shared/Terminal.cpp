@@ -1,4 +1,4 @@
-#include "cli/Terminal.h"
+#include "cli/shared/Terminal.h"
 
 #include "model/PlainText.h"
 

@@ -1,8 +1,8 @@
-#include "cli/AccountConnection.h"
+#include "cli/shared/AccountConnection.h"
 
 #include "account/AccountAPI.h"
 #include "account/AccountError.h"
-#include "cli/Terminal.h"
+#include "cli/shared/Terminal.h"
 
 #include <QCoroTask>
 

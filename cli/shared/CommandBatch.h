@@ -1,7 +1,10 @@
 #pragma once
 
-#include "cli/BatchOptions.h"
+#include "cli/shared/BatchOptions.h"
+#include "studio/export/RenderCharge.h"
 #include "studio/sheet/SheetMatch.h"
+
+class AccountConnection;
 
 // The readable photos of a command, as items.
 struct CommandBatch {
@@ -27,3 +30,8 @@ CommandBatch commandBatch(const BatchOptions& options, const PublicationItems& a
 // texts. Returns nothing when `isStopped` returns true.
 std::optional<qint64> unpaidRenders(const PublicationItems& items, SocialFormat format,
                                     const std::function<bool()>& isStopped);
+
+// Charges the account `payer` for renders of the items, and stores what is paid with those of
+// other commands. The connection must outlive the services.
+ChargeServices chargeServices(AccountConnection& connection, const QString& payer,
+                              const PublicationItems& items);

@@ -1,4 +1,4 @@
-#include "cli/PhotoArguments.h"
+#include "cli/shared/PhotoArguments.h"
 
 #include "model/PlainText.h"
 #include "model/SocialFormat.h"

@@ -2,8 +2,8 @@
 
 #include "account/AccountSession.h"
 #include "account/ServiceConfiguration.h"
-#include "cli/ExitStatus.h"
-#include "cli/Terminal.h"
+#include "cli/shared/ExitStatus.h"
+#include "cli/shared/Terminal.h"
 
 #include <QCommandLineParser>
 
