@@ -4,6 +4,7 @@
 #include <QUuid>
 
 class AccountSession;
+class Appearance;
 class BatchBinding;
 class ExportBinding;
 class FileIntake;
@@ -35,6 +36,7 @@ struct CommandParts {
     FileIntake* files;
     StudioFocus* focus;
     KeptLook* look;
+    Appearance& appearance;
     QWidget* window;
 };
 
@@ -48,6 +50,9 @@ public:
     void removeLayer();
     void editSelected();
 
+Q_SIGNALS:
+    void keysRequested();    // to show the list of keys
+
 private:
     void connectButtons();
     void run(const MenuCommand& command);
@@ -55,10 +60,13 @@ private:
     // selected.
     void showTileMenu(int index, QPoint globalPosition);
     QList<MenuCommand> table();
+    QList<MenuCommand> importCommands();
+    QList<MenuCommand> recentCommands();
     QList<MenuCommand> fileCommands();
     QList<MenuCommand> editCommands();
     QList<MenuCommand> viewCommands();
     QList<MenuCommand> helpCommands();
+    QList<MenuCommand> otherKeys();
 
     bool canGenerate() const;
     bool hasImage() const;

@@ -10,6 +10,7 @@
 #include "platform/EndingSignals.h"
 #include "platform/Memory.h"
 #include "platform/PreferencesStore.h"
+#include "platform/SessionDesktop.h"
 #include "platform/UserFolders.h"
 #include "platform/Workers.h"
 #include "platform/photo/PhotoCache.h"
@@ -17,6 +18,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QLibraryInfo>
 #include <QScopeGuard>
 #include <QTranslator>
@@ -54,6 +56,9 @@ public:
     }
 };
 
+// Names the plug-in that adapts Qt to the desktop.
+constexpr const char* platformTheme = "QT_QPA_PLATFORMTHEME";
+
 QString programName()
 {
     return u"moltiva"_s;
@@ -83,13 +88,28 @@ bool hasDisplay()
 #endif
 }
 
+// Lets Qt show the file dialogs of the desktop if there are any, unless the user chose something
+// else for Qt. To be called while there is a QCoreApplication, before the QApplication.
+void useDesktopFileDialogs()
+{
+    if (qEnvironmentVariableIsSet(platformTheme))
+        return;
+    const QString plugin = QLibraryInfo::path(QLibraryInfo::PluginsPath) +
+                           u"/platformthemes/libqxdgdesktopportal.so"_s;
+    if (QFileInfo::exists(plugin) && desktopOffersFileDialogs())
+        qputenv(platformTheme, "xdgdesktopportal");
+}
+
 // Uses a short-lived QCoreApplication instead of the QApplication: if the user's window is already
 // open, this process ends without connecting to the display.
 InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 {
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(programName());
-    return claimInstance(userDataFolder(), toOpen);
+    InstanceClaim claimed = claimInstance(userDataFolder(), toOpen);
+    if (claimed.outcome == InstanceClaim::Outcome::first)
+        useDesktopFileDialogs();
+    return claimed;
 }
 
 // Opens the window with the files and folders that the command line names. If another process
@@ -102,6 +122,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
         return exitWrongUse;
     }
     const QList<QUrl> toOpen = addressesOf(arguments);
+    const bool isThemeOurs = !qEnvironmentVariableIsSet(platformTheme);
     InstanceClaim claimed = claim(argc, argv, toOpen);
     if (claimed.outcome == InstanceClaim::Outcome::handedOver)
         return exitDone;
@@ -119,6 +140,8 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     // Static, so that the lock is released even when Qt calls exit() because the display is lost.
     static const std::unique_ptr<SystemLock> lock = std::move(claimed.lock);
     QApplication application(argc, argv);
+    if (isThemeOurs)
+        qunsetenv(platformTheme);    // of no concern to programs that are started from here
     // Waits for the workers before `application` is destroyed: drawing without it would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
@@ -135,7 +158,9 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     session.setCloudCopyService({&account.api()});
     session.setPublishService(account.api());
     session.setLocalCopyWriter(localCopyWriter(engine.manager, engine.service));
+    const std::unique_ptr<Desktop> desktop = sessionDesktop();
     MainWindow window(session, account.session(), photos, preferences);
+    window.setDesktop(*desktop);
     window.setLocalEngine(engine.manager, engine.service);
     QObject::connect(&instance, &SingleInstance::handedOver, &window, [&window](const auto& urls) {
         window.comeForward();
