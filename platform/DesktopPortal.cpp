@@ -1,11 +1,11 @@
 #include "platform/DesktopPortal.h"
 
-#include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusReply>
 #include <QDBusServiceWatcher>
+#include <QDBusVariant>
 
 #include <utility>
 
@@ -30,7 +30,7 @@ DesktopPortal::DesktopPortal(const QDBusConnection& bus) : m_bus(bus)
 {
     qDBusRegisterMetaType<SettingGroups>();
     m_bus.connect(portalService, portalPath, settingsInterface, u"SettingChanged"_s, this,
-                  SLOT(take(QString, QString, QDBusVariant)));
+                  SLOT(takeChange(QDBusMessage)));
     m_bus.connect(noticeService, noticePath, noticeService, u"ActivationToken"_s, this,
                   SLOT(keepToken(uint, QString)));
     m_bus.connect(noticeService, noticePath, noticeService, u"ActionInvoked"_s, this,
@@ -59,13 +59,19 @@ void DesktopPortal::takeAll(QDBusPendingCallWatcher* reply)
     const SettingGroups groups = answer.value();
     for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
         for (auto setting = group->cbegin(); setting != group->cend(); ++setting)
-            take(group.key(), setting.key(), QDBusVariant(setting.value()));
+            take(group.key(), setting.key(), setting.value());
     }
 }
 
-void DesktopPortal::take(const QString& group, const QString& key, const QDBusVariant& value)
+void DesktopPortal::takeChange(const QDBusMessage& change)
 {
-    const QVariant& told = value.variant();
+    const QVariantList told = change.arguments();
+    if (told.size() == 3)
+        take(told[0].toString(), told[1].toString(), told[2].value<QDBusVariant>().variant());
+}
+
+void DesktopPortal::take(const QString& group, const QString& key, const QVariant& told)
+{
     if (group == appearance && key == u"color-scheme"_s) {
         const uint scheme = told.toUInt();
         m_scheme = scheme == 1   ? ColorScheme::dark

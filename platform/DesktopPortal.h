@@ -3,7 +3,7 @@
 #include "platform/Desktop.h"
 
 #include <QDBusConnection>
-#include <QDBusVariant>
+#include <QDBusMessage>
 
 class QDBusPendingCallWatcher;
 
@@ -19,12 +19,13 @@ public:
     static bool offersFileDialogs(const QDBusConnection& bus);
 
 private Q_SLOTS:
-    void take(const QString& group, const QString& key, const QDBusVariant& value);
+    void takeChange(const QDBusMessage& change);
     void keepToken(uint notice, const QString& token);
     void press(uint notice, const QString& action);
 
 private:
     void ask();
+    void take(const QString& group, const QString& key, const QVariant& told);
     void takeAll(QDBusPendingCallWatcher* reply);
     void show();
 

@@ -2,6 +2,7 @@
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusMetaType>
+#include <QDBusVariant>
 #include <QProcess>
 #include <QStandardPaths>
 
