@@ -59,6 +59,7 @@ void printHelp()
         u"\nOpciones:\n"
         "  -h, --help                   muestra esta ayuda; con una orden, la suya\n"
         "  -v, --version                muestra la versión\n"
+        "  --verbose                    cuenta en la salida de errores lo que hace\n"
         "  --service URL, --site URL    el servicio de cuentas y el sitio web, si no son los de "
         "este equipo\n"_s;
     std::fputs(text.toUtf8().constData(), stdout);
