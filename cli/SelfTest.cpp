@@ -126,7 +126,7 @@ QString problemOfEmoji()
     QImage image(side, side, QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
-    QFont font(u"Inter"_s);
+    QFont font(u"Noto Color Emoji"_s);    // as texts on the canvas
     font.setPixelSize(side * 2 / 3);
     painter.setFont(font);
     painter.drawText(image.rect(), Qt::AlignCenter, u"😀"_s);

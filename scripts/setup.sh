@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Shared by ./run, ./test and scripts/package: installs what packages.txt lists for the given uses.
 
 # install_packages USE…: the packages of these uses that are not installed yet.
