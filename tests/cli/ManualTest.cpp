@@ -159,7 +159,7 @@ protected:
     {
         const QString script =
             u"service=$2 words=($2 $3 '') CURRENT=$#words\n"
-            "_arguments() { print -rl -- \"$@\" }\n_describe() { print -rl -- ${(P)2} }\n"
+            "_arguments() { print -rl -- \"$@\" }\n_describe() { print -rl -- ${(P)4} }\n"
             "complete() { source $1 }\ncomplete $1"_s;
         const QString file = QStringLiteral(MOLTIVA_SOURCE_DIR "/packaging/completion/_moltiva");
         QStringList arguments{u"-fc"_s, script, u"zsh"_s, file, program};
@@ -267,6 +267,7 @@ TEST_F(ManualTest, CommandsTakeTheirOptionsAndEndWithTheirStatuses)
 {
     m_account.answer("GET /api/auth/me", R"({"error":"unauthorized"})", 401);
     const QString picture = photo(u"foto.png"_s);
+    const QStringList nowhere{u"--service"_s, u"http://127.0.0.1:1"_s};
     const QMap<QString, QStringList> uses{
         {u"export"_s, {picture}},
         {u"generate"_s, {u"--mode"_s, u"cloud"_s, picture}},
@@ -283,11 +284,11 @@ TEST_F(ManualTest, CommandsTakeTheirOptionsAndEndWithTheirStatuses)
             continue;
         EXPECT_EQ(run(command + allOptions(m_help[each.key()]) + QStringList{u"--help"_s}).status,
                   0);
-        if (each.value().statuses.contains(3)) {
+        if (each.value().statuses.contains(3))
             EXPECT_EQ(run(use).status, 3);
-            const QStringList nowhere{u"--service"_s, u"http://127.0.0.1:1"_s};
+        // The commands with an e-mail address would ask for a password first.
+        if (each.value().statuses.contains(5) && !each.value().options.contains(u"--email"_s))
             EXPECT_EQ(run(use + nowhere).status, 5);
-        }
     }
     const QString help = runOther(serviceProgram(), {u"--help"_s}).second;
     EXPECT_EQ(runOther(serviceProgram(), allOptions(help) + QStringList{u"--help"_s}).first, 0);
