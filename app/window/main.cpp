@@ -116,6 +116,8 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     // Waits for the workers before `application` is destroyed: drawing without it would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
+    // The name of the desktop entry, by which the desktop knows the window's icon and title.
+    QGuiApplication::setDesktopFileName(programName());
     const SingleInstance instance(userDataFolder());
     dress(application, darkTheme());
     PreferencesStore preferences(userDataFolder() + u"/moltiva.sqlite"_s);
