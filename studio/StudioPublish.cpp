@@ -112,10 +112,10 @@ void StudioPublish::followAccount()
             std::make_shared<PublishRecords>(m_preferences, key, m_payment.journal->programRun());
     if (key != m_accountKey && !m_accountKey.isEmpty())
         m_connections.forget();
-    m_accountKey = key;
-    if (!key.isEmpty())
+    if (std::exchange(m_accountKey, key) != key && !key.isEmpty()) {
         m_captions.setAccount(key);
-    fillCaption();
+        fillCaption();
+    }
     findEarlier();
     const int token = account.socialConnectionRefreshToken();
     if (std::exchange(m_refreshToken, token) != token)
