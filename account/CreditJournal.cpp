@@ -206,7 +206,7 @@ QCoro::Task<QString> CreditJournal::refusalAfterEarlierCharge(QString key, qint6
 }
 
 // Writes the entry of `operation` under `key`. Replaces an entry that an earlier run left open
-// under the same key. Returns why the entry could not be written; empty on success.
+// under the same key. Returns the refusal if it could not be written; nothing on success.
 std::optional<ChargeResult> CreditJournal::openEntry(const QString& key,
                                                      const ChargedOperation& operation)
 {

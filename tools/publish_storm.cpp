@@ -110,22 +110,6 @@ class Judge : public RenderJudge {
 public:
     using RenderJudge::RenderJudge;
 
-    // Reads one line of a child's output. Returns whether the child waits for an answer.
-    bool hear(const QString& line)
-    {
-        const QStringList words = line.split(u' ');
-        const QString& word = words[0];
-        hearState(words);
-        if (word == u"plan")
-            plan(words.value(1), words.mid(2));
-        else if (word == u"post")
-            m_records[words.value(1)] = {PublishRecord::State(words.value(2).toInt()),
-                                         words.mid(3)};
-        else if (word == u"ended")
-            m_ended += words.value(1).toInt();
-        return word == u"settled";
-    }
-
     void childDied(bool isByItself)
     {
         countKill(isByItself);
@@ -174,6 +158,17 @@ public:
     }
 
 private:
+    void follow(const QStringList& words) override
+    {
+        if (words[0] == u"plan")
+            plan(words.value(1), words.mid(2));
+        else if (words[0] == u"post")
+            m_records[words.value(1)] = {PublishRecord::State(words.value(2).toInt()),
+                                         words.mid(3)};
+        else if (words[0] == u"ended")
+            m_ended += words.value(1).toInt();
+    }
+
     struct Record {
         PublishRecord::State state = PublishRecord::State::sending;
         QStringList renders;
