@@ -114,6 +114,21 @@ TEST_F(MainWindowTest, exportsAreOfferedForWhatIsSelected)
     EXPECT_TRUE(entry(u"Pegar estilo"_s)->isEnabled());
 }
 
+TEST_F(MainWindowTest, textsThatWereNeverWrittenAreToldBeforeAnExportIsCharged)
+{
+    session.load({photos(2)});
+    settle();
+    answerReservations();
+    session.exportItem(session.batch().items[1].id, m_data.filePath(u"f1.png"_s));
+    const QString notice = noticeOfExport(session.batch().items.mid(1, 1));
+    EXPECT_FALSE(notice.isEmpty());
+    EXPECT_EQ(session.status(), notice);
+    EXPECT_FALSE(told().contains(u"Descontando 50 créditos..."_s));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !session.isExporting(); }, 30000));
+    EXPECT_TRUE(session.exports().isPaid(session.batch().items[1].id));
+    EXPECT_TRUE(told().contains(notice));
+}
+
 TEST_F(MainWindowTest, stoppingWhileItIsPaidGivesTheCreditsBack)
 {
     session.load({photos(3)});
