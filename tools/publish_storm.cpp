@@ -178,29 +178,11 @@ private:
     int m_ended = 0, m_doubts = 0;
 };
 
-// Connects the last account with all networks.
-bool connectNetworks(const StormService& service)
-{
-    sqlite3* handle = nullptr;
-    sqlite3_open(service.ledgerFile().toUtf8().constData(), &handle);
-    sqlite3_busy_timeout(handle, 5000);
-    bool isConnected = true;
-    for (const auto& network : Vocabulary<SocialPublishNetwork>::rows) {
-        const QString insertion =
-            u"INSERT INTO social_connection (account, network, display_name, connected)"
-            " SELECT account, '%1', 'Tormenta', 1 FROM ledger_entry ORDER BY id DESC LIMIT 1"_s.arg(
-                network.rawValue.toString());
-        isConnected = sqlite3_exec(handle, insertion.toUtf8().constData(), nullptr, nullptr,
-                                   nullptr) == SQLITE_OK &&
-                      isConnected;
-    }
-    sqlite3_close(handle);
-    return isConnected;
-}
-
 }    // namespace
 
 int main(int argc, char** argv)
 {
-    return payingStormMain<Child, Judge>(argc, argv, steps, &connectNetworks);
+    return payingStormMain<Child, Judge>(argc, argv, steps, [](const StormService& service) {
+        return connectNetworks(service.ledgerFile());
+    });
 }
