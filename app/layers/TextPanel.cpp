@@ -172,10 +172,19 @@ void TextPanel::buildStyle()
     layout->addRow({sectionTitle(u"Caja"_s, this), m_box}, 8);
     layout->addRow({m_boxColor, m_boxOpacity, m_boxRadius}, 8);
     layout->addRow(sectionTitle(u"Sombra"_s, this), 12);
-    layout->addRow({m_shadowColor, m_shadowOpacity, m_shadowBlur}, 10);
+    m_shadowRow = layout->addRow({m_shadowColor, m_shadowOpacity, m_shadowBlur}, 10);
+    m_blurRow = layout->addRow(QList<QWidget*>{}, 0);
     layout->addRow({m_shadowDistance, m_shadowAngle}, 8);
     layout->addRow(m_styles, 8);
     layout->addStretch(1);
+}
+
+// Beside a swatch in a compact window, a field is too narrow for the label of the blur.
+void TextPanel::setClass(WindowClass windowClass)
+{
+    const bool isCompact = windowClass == WindowClass::compact;
+    (isCompact ? m_blurRow : m_shadowRow)->addWidget(m_shadowBlur, 1);
+    m_blurRow->setContentsMargins(0, isCompact ? Space::small : 0, 0, 0);
 }
 
 template <typename Change>

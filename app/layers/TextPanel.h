@@ -1,5 +1,6 @@
 #pragma once
 #include "app/controls/popovers/ColorPopover.h"
+#include "app/theme/WindowClass.h"
 #include "canvas/TextWarnings.h"
 #include "model/Pace.h"
 #include "model/TextLayer.h"
@@ -13,6 +14,7 @@ class SegmentedControl;
 class SliderField;
 class SlotCard;
 class SlotEditor;
+class QHBoxLayout;
 class StyleHeader;
 class StyleShelf;
 class Swatch;
@@ -51,6 +53,8 @@ public:
     const QWidget* selectedCard() const;    // null if no text is selected
     StyleShelf* styles() const { return m_styles; }
     QList<QWidget*> focusOrder() const;
+
+    void setClass(WindowClass windowClass);
 
 Q_SIGNALS:
     void textEdited(CopySlot slot, const QString& text, Pace pace);
@@ -100,6 +104,8 @@ private:
     Swatch* m_shadowColor;
     SliderField* m_shadowOpacity;
     SliderField* m_shadowBlur;
+    QHBoxLayout* m_shadowRow;
+    QHBoxLayout* m_blurRow;    // empty unless m_shadowRow has no room for the blur
     SliderField* m_shadowDistance;
     SliderField* m_shadowAngle;
     StyleShelf* m_styles;

@@ -4,9 +4,9 @@
 #include "app/controls/Button.h"
 #include "app/controls/Caption.h"
 #include "app/controls/Grounds.h"
+#include "app/desktop/AppVersion.h"
 #include "app/forms/AccountForm.h"
 #include "app/forms/InfoCard.h"
-#include "app/settings/AppVersion.h"
 #include "app/theme/Icons.h"
 
 #include <QVBoxLayout>

@@ -10,12 +10,16 @@
 
 class AccountBinding;
 class AccountSession;
+class Appearance;
 class AuthGateView;
 class BatchBinding;
 class CopyBinding;
+class Desktop;
+class DesktopNotices;
 class ExportBinding;
 class FileIntake;
 class KeptLook;
+class KeysSheet;
 class LocalAIManager;
 class LocalAIService;
 class PanelBinding;
@@ -42,6 +46,10 @@ public:
     ~MainWindow() override;
     // Shows the engine that runs on this machine; both outlive the window.
     void setLocalEngine(LocalAIManager& manager, const LocalAIService& service);
+
+    // Follows the preferences of the desktop, which outlives the window, and tells it of work that
+    // has ended. Call before setLocalEngine().
+    void setDesktop(Desktop& desktop);
 
     StudioShell* shell() const { return m_shell; }
     StudioMenu* menu() const;
@@ -77,9 +85,13 @@ private:
     void connectAccount();
     void connectCopy();
     void connectPublish();
+    void connectAppearance();
+    void connectRecent();
 
     bool isGated() const;
     bool isSheetPresented() const;
+    void showKeys();
+    void hideKeys();
     void refuseLink();
     void save();
     void lockStudio();
@@ -107,7 +119,10 @@ private:
     std::unique_ptr<StatusBinding> m_statusBinding;
     StudioFocus* m_focus;
     KeptLook* m_look;
+    Appearance* m_appearance;
+    DesktopNotices* m_notices = nullptr;    // null without a desktop
     StudioCommands* m_commands;
+    KeysSheet* m_keys = nullptr;    // made when it is first shown
     AuthGateView* m_gate;
     std::unique_ptr<AccountBinding> m_accountBinding;
     // Files that wait until somebody signs in. m_waitingOpened: opened by another program.

@@ -2,6 +2,8 @@
 #include "app/window/StudioCommands.h"
 
 #include "account/AccountSession.h"
+#include "app/desktop/Appearance.h"
+#include "app/desktop/RecentPlaces.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
 #include "app/layers/SidePanel.h"
@@ -33,8 +35,9 @@ namespace {
 constexpr double zoomStep = 0.1;
 
 constexpr QStringView fileMenu = u"Archivo", editMenu = u"Edición", viewMenu = u"Ver",
-                      helpMenu = u"Ayuda", shapeMenu = u"Edición/Añadir forma",
-                      formatMenu = u"Ver/Formato", themeMenu = u"Ver/Tema";
+                      helpMenu = u"Ayuda", recentMenu = u"Archivo/Recientes",
+                      shapeMenu = u"Edición/Añadir forma", formatMenu = u"Ver/Formato",
+                      themeMenu = u"Ver/Tema";
 
 }    // namespace
 
@@ -43,18 +46,9 @@ QList<MenuCommand> StudioCommands::fileCommands()
     const auto canExport = [this] { return refusalOf(m_parts.exports.offer()).isEmpty(); };
     return {
         {.menu = fileMenu,
-         .text = CommandText::importImages.toString(),
-         .keys = u"Ctrl+O",
-         .icon = Icon::importImages,
-         .run = [this] { m_parts.files->choosePhotos(); }},
-        {.menu = fileMenu,
-         .text = CommandText::importFolder.toString(),
-         .keys = u"Ctrl+Shift+O",
-         .icon = Icon::importFolder,
-         .run = [this] { m_parts.files->chooseFolder(); }},
-        {.menu = fileMenu,
          .text = CommandText::exportCurrent.toString(),
          .keys = u"Ctrl+E",
+         .topic = KeyTopic::output,
          .icon = Icon::exportCurrent,
          .startsGroup = true,
          .run = [this] { m_parts.exports.exportCurrent(); },
@@ -62,6 +56,8 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = CommandText::exportAll.toString(),
          .keys = u"Ctrl+Shift+E",
+         .topic = KeyTopic::output,
+         .keyText = u"Exportar varias",
          .icon = Icon::exportAll,
          .run = [this] { m_parts.exports.exportSeveral(); },
          .isPossible = canExport,
@@ -69,6 +65,7 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = CommandText::publish.toString(),
          .keys = u"Ctrl+P",
+         .topic = KeyTopic::output,
          .icon = Icon::publish,
          .run = [this] { m_parts.publish.open(); },
          .isPossible = [this] { return m_parts.publish.refusal().isEmpty(); },
@@ -76,6 +73,7 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = CommandText::generate.toString(),
          .keys = u"Ctrl+Return Ctrl+Enter",
+         .topic = KeyTopic::output,
          .icon = Icon::generate,
          .startsGroup = true,
          .run = [this] { m_session.copy().analyzeSelected(); },
@@ -85,6 +83,8 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = CommandText::stop.toString(),
          .keys = u"Ctrl+.",
+         .topic = KeyTopic::output,
+         .keyText = u"Cancelar lo que está en curso",
          .run = [this] { m_parts.status.stop(); },
          .isPossible = [this] { return m_parts.status.canStop(); },
          .wording = [this] { return m_parts.status.stopText(); }},
@@ -117,6 +117,7 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = u"Ajustes de Moltiva"_s,
          .keys = u"Ctrl+,",
+         .topic = KeyTopic::window,
          .icon = Icon::preferences,
          .run = [this] { m_session.setAppSettingsPresented(true); }},
         {.menu = fileMenu,
@@ -131,10 +132,43 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = u"Salir"_s,
          .keys = u"Ctrl+Q",
+         .topic = KeyTopic::window,
          .startsGroup = true,
          .run = [this] { m_parts.window->close(); },
          .isAlwaysUsable = true},
     };
+}
+
+QList<MenuCommand> StudioCommands::importCommands()
+{
+    return {
+        {.menu = fileMenu,
+         .text = CommandText::importImages.toString(),
+         .keys = u"Ctrl+O",
+         .topic = KeyTopic::images,
+         .icon = Icon::importImages,
+         .run = [this] { m_parts.files->choosePhotos(); }},
+        {.menu = fileMenu,
+         .text = CommandText::importFolder.toString(),
+         .keys = u"Ctrl+Shift+O",
+         .topic = KeyTopic::images,
+         .icon = Icon::importFolder,
+         .run = [this] { m_parts.files->chooseFolder(); }},
+    };
+}
+
+QList<MenuCommand> StudioCommands::recentCommands()
+{
+    QList<MenuCommand> commands;
+    for (qsizetype i = 0; i < RecentPlaces::most; ++i) {
+        const auto place = [this, i] { return m_parts.files->recent().places().value(i); };
+        commands.append({.menu = recentMenu,
+                         .text = u"Reciente %1"_s.arg(i + 1),
+                         .run = [this, place] { m_parts.files->openRecent(place().path); },
+                         .isPossible = [place] { return !place().path.isEmpty(); },
+                         .wording = [place] { return inMenu(place().name()); }});
+    }
+    return commands;
 }
 
 QList<MenuCommand> StudioCommands::editCommands()
@@ -144,6 +178,7 @@ QList<MenuCommand> StudioCommands::editCommands()
         {.menu = editMenu,
          .text = CommandText::undo.toString(),
          .keys = u"Ctrl+Z",
+         .topic = KeyTopic::edit,
          .icon = Icon::undo,
          .run = [this] { m_session.undo(); },
          .isPossible = [this] { return m_session.canUndo(); },
@@ -151,6 +186,7 @@ QList<MenuCommand> StudioCommands::editCommands()
         {.menu = editMenu,
          .text = CommandText::redo.toString(),
          .keys = u"Ctrl+Shift+Z Ctrl+Y",
+         .topic = KeyTopic::edit,
          .icon = Icon::redo,
          .run = [this] { m_session.redo(); },
          .isPossible = [this] { return m_session.canRedo(); },
@@ -158,6 +194,7 @@ QList<MenuCommand> StudioCommands::editCommands()
         {.menu = editMenu,
          .text = u"Editar el texto"_s,
          .shownKey = u"Intro",
+         .topic = KeyTopic::layers,
          .startsGroup = true,
          .run = [this] { editSelected(); },
          .isPossible = [this] { return isTextSelected(); },
@@ -173,18 +210,21 @@ QList<MenuCommand> StudioCommands::editCommands()
         {.menu = editMenu,
          .text = u"Ocultar texto o eliminar forma"_s,
          .shownKey = u"Supr",
+         .topic = KeyTopic::layers,
          .run = [this] { removeLayer(); },
          .isPossible = isLayerSelected,
          .changesImages = true},
         {.menu = editMenu,
          .text = CommandText::copyStyle.toString(),
          .keys = u"Ctrl+Alt+C",
+         .topic = KeyTopic::layers,
          .run = [this] { m_session.copyStyle(); },
          .isPossible = isLayerSelected,
          .changesImages = true},
         {.menu = editMenu,
          .text = CommandText::pasteStyle.toString(),
          .keys = u"Ctrl+Alt+V",
+         .topic = KeyTopic::layers,
          .run = [this] { m_session.pasteStyle(); },
          .isPossible = [this] { return m_session.canPasteStyle(); },
          .changesImages = true},
@@ -212,6 +252,7 @@ QList<MenuCommand> StudioCommands::editCommands()
                                          {.menu = editMenu,
                                           .text = CommandText::selectAll.toString(),
                                           .keys = u"Ctrl+A",
+                                          .topic = KeyTopic::images,
                                           .icon = Icon::selectAll,
                                           .startsGroup = true,
                                           .run = [this] { selectAll(); },
@@ -219,6 +260,7 @@ QList<MenuCommand> StudioCommands::editCommands()
                                          {.menu = editMenu,
                                           .text = CommandText::discard.toString(),
                                           .keys = u"Ctrl+Shift+D",
+                                          .topic = KeyTopic::images,
                                           .icon = Icon::discard,
                                           .run = [this] { discardCurrent(); },
                                           .isPossible = [this] { return hasImage(); },
@@ -232,6 +274,8 @@ QList<MenuCommand> StudioCommands::viewCommands()
         {.menu = viewMenu,
          .text = u"Imagen anterior"_s,
          .keys = u"PgUp",
+         .topic = KeyTopic::images,
+         .keyText = u"Anterior y siguiente, también al escribir",
          .icon = Icon::previous,
          .run = [this] { step(-1); },
          .isPossible = [this] { return m_session.batch().selectedIndex > 0; },
@@ -240,6 +284,8 @@ QList<MenuCommand> StudioCommands::viewCommands()
         {.menu = viewMenu,
          .text = u"Imagen siguiente"_s,
          .keys = u"PgDown",
+         .topic = KeyTopic::images,
+         .keyText = u"Anterior y siguiente, también al escribir",
          .icon = Icon::next,
          .run = [this] { step(1); },
          .isPossible =
@@ -256,6 +302,8 @@ QList<MenuCommand> StudioCommands::viewCommands()
             {.menu = formatMenu,
              .text = rawValue(format),
              .keys = keys[std::size_t(format)],
+             .topic = KeyTopic::places,
+             .keyText = u"Formato",
              .run = [this, format] { m_session.setFormat(format); },
              .isChecked = [this, format] { return m_session.batch().format == format; }});
     }
@@ -277,16 +325,19 @@ QList<MenuCommand> StudioCommands::viewCommands()
         {.menu = viewMenu,
          .text = u"Foto al 100 %"_s,
          .keys = u"Ctrl+0",
+         .topic = KeyTopic::photo,
          .run = [this] { m_parts.stage.setZoom(1); },
          .isPossible = possible},
         {.menu = viewMenu,
          .text = u"Acercar"_s,
          .keys = u"Ctrl++ Ctrl+=",
+         .topic = KeyTopic::photo,
          .run = [this] { m_parts.stage.zoomBy(zoomStep); },
          .isPossible = possible},
         {.menu = viewMenu,
          .text = u"Alejar"_s,
          .keys = u"Ctrl+-",
+         .topic = KeyTopic::photo,
          .run = [this] { m_parts.stage.zoomBy(-zoomStep); },
          .isPossible = possible},
         {.menu = viewMenu,
@@ -307,6 +358,9 @@ QList<MenuCommand> StudioCommands::viewCommands()
         commands.append({.menu = viewMenu,
                          .text = text,
                          .keys = keys,
+
+                         .topic = KeyTopic::places,
+                         .keyText = u"Texto, Formas, Plantillas",
                          .startsGroup = tab == SideTab::text,
                          .run = [this, tab = tab] { m_parts.look->showTab(tab); }});
     }
@@ -324,28 +378,60 @@ QList<MenuCommand> StudioCommands::viewCommands()
         {.menu = viewMenu,
          .text = u"Zona siguiente"_s,
          .keys = u"F6",
+         .topic = KeyTopic::window,
          .run = [this] { m_parts.focus->goToRegion(1); }},
         {.menu = viewMenu,
          .text = u"Zona anterior"_s,
          .keys = u"Shift+F6",
+         .topic = KeyTopic::window,
          .run = [this] { m_parts.focus->goToRegion(-1); }},
-        {.menu = themeMenu,
-         .text = u"Oscuro"_s,
-         .run = [look] { look->setLight(false); },
-         .isChecked = [look] { return !look->isLight(); },
-         .isAlwaysUsable = true},
-        {.menu = themeMenu,
-         .text = u"Claro"_s,
-         .run = [look] { look->setLight(true); },
-         .isChecked = [look] { return look->isLight(); },
-         .isAlwaysUsable = true},
     };
+    Appearance& appearance = m_parts.appearance;
+    for (const ThemeChoiceRow& theme : Vocabulary<ThemeChoice>::rows) {
+        commands.append(
+            {.menu = themeMenu,
+             .text = theme.title.toString(),
+             .run = [&appearance, choice = theme.value] { appearance.choose(choice); },
+             .isChecked = [&appearance,
+                           choice = theme.value] { return appearance.choice() == choice; },
+             .isAlwaysUsable = true});
+    }
     return commands;
+}
+
+// Keys of the whole window and of its text editors, which are no commands of the menu.
+QList<MenuCommand> StudioCommands::otherKeys()
+{
+    return {
+        {.menu = {},
+         .text = u"Imagen anterior, siguiente"_s,
+         .shownKey = u"← →",
+         .topic = KeyTopic::images},
+        {.menu = {},
+         .text = u"Editar el texto: otra tecla"_s,
+         .shownKey = u"F2",
+         .topic = KeyTopic::layers,
+         .keyText = u"Editar el texto"},
+        {.menu = {},
+         .text = u"Volver al lienzo, deseleccionar"_s,
+         .shownKey = u"Esc",
+         .topic = KeyTopic::layers},
+        {.menu = {},
+         .text = u"Cerrar diálogo o menú"_s,
+         .shownKey = u"Esc",
+         .topic = KeyTopic::window},
+    };
 }
 
 QList<MenuCommand> StudioCommands::helpCommands()
 {
     return {
+        {.menu = helpMenu,
+         .text = CommandText::keys.toString(),
+         .keys = u"Ctrl+?",
+         .topic = KeyTopic::window,
+         .icon = Icon::keyboard,
+         .run = [this] { Q_EMIT keysRequested(); }},
         {.menu = helpMenu,
          .text = u"Últimos avisos"_s,
          .run = [this] { m_parts.status.showHistory(); }},

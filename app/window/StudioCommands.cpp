@@ -4,6 +4,7 @@
 #include "app/batch/BatchBinding.h"
 #include "app/batch/BatchColumn.h"
 #include "app/copy/ComposeBar.h"
+#include "app/desktop/Appearance.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
 #include "app/layers/SidePanel.h"
@@ -39,6 +40,7 @@ StudioCommands::StudioCommands(const CommandParts& parts)
     connect(m_menu, &StudioMenu::chosen, this,
             [this](const MenuCommand& command) { run(command); });
     connect(m_parts.look, &KeptLook::changed, m_menu, &StudioMenu::showChecks);
+    connect(&m_parts.appearance, &Appearance::changed, m_menu, &StudioMenu::showChecks);
     connectButtons();
     connectDiagnostics();
 }
@@ -73,6 +75,7 @@ void StudioCommands::connectButtons()
     const EmptyState* empty = m_parts.shell->emptyState();
     connect(empty, &EmptyState::importImagesRequested, this, runs(CommandText::importImages));
     connect(empty, &EmptyState::importFolderRequested, this, runs(CommandText::importFolder));
+    connect(empty, &EmptyState::placeRequested, m_parts.files, &FileIntake::openRecent);
     const BatchColumn* column = m_parts.shell->batchColumn();
     connect(column, &BatchColumn::selectAllRequested, this, runs(CommandText::selectAll));
     connect(column, &BatchColumn::discardRequested, this, runs(CommandText::discard));
@@ -81,7 +84,8 @@ void StudioCommands::connectButtons()
 
 QList<MenuCommand> StudioCommands::table()
 {
-    return fileCommands() + editCommands() + viewCommands() + helpCommands();
+    return importCommands() + recentCommands() + fileCommands() + editCommands() + viewCommands() +
+           helpCommands() + otherKeys();
 }
 
 bool StudioCommands::canGenerate() const

@@ -4,6 +4,7 @@
 #include <QUuid>
 
 class AccountSession;
+class Appearance;
 class BatchBinding;
 class Diagnostics;
 class ExportBinding;
@@ -36,6 +37,7 @@ struct CommandParts {
     FileIntake* files;
     StudioFocus* focus;
     KeptLook* look;
+    Appearance& appearance;
     QWidget* window;
 };
 
@@ -49,6 +51,9 @@ public:
     void removeLayer();
     void editSelected();
 
+Q_SIGNALS:
+    void keysRequested();    // to show the list of keys
+
 private:
     void connectButtons();
     void connectDiagnostics();
@@ -57,10 +62,13 @@ private:
     // selected.
     void showTileMenu(int index, QPoint globalPosition);
     QList<MenuCommand> table();
+    QList<MenuCommand> importCommands();
+    QList<MenuCommand> recentCommands();
     QList<MenuCommand> fileCommands();
     QList<MenuCommand> editCommands();
     QList<MenuCommand> viewCommands();
     QList<MenuCommand> helpCommands();
+    QList<MenuCommand> otherKeys();
 
     bool canGenerate() const;
     bool hasImage() const;

@@ -1,10 +1,10 @@
 #include "account/ConnectedAccount.h"
 #include "account/ServiceConfiguration.h"
+#include "app/desktop/SingleInstance.h"
 #include "app/settings/AppVersion.h"
 #include "app/theme/StudioStyle.h"
 #include "app/theme/Theme.h"
 #include "app/window/MainWindow.h"
-#include "app/window/SingleInstance.h"
 #include "app/window/StartUpNotes.h"
 #include "cli/CommandLine.h"
 #include "cli/shared/ExitStatus.h"
@@ -13,6 +13,7 @@
 #include "platform/Log.h"
 #include "platform/Memory.h"
 #include "platform/PreferencesStore.h"
+#include "platform/SessionDesktop.h"
 #include "platform/UserFolders.h"
 #include "platform/Workers.h"
 #include "platform/photo/PhotoCache.h"
@@ -20,6 +21,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QLibraryInfo>
 #include <QScopeGuard>
 #include <QTranslator>
@@ -47,6 +49,9 @@ public:
         return qstrcmp(context, "QShortcut") == 0 ? names.value(source) : QString();
     }
 };
+
+// Names the plug-in that adapts Qt to the desktop.
+constexpr const char* platformTheme = "QT_QPA_PLATFORMTHEME";
 
 QString programName()
 {
@@ -77,13 +82,28 @@ bool hasDisplay()
 #endif
 }
 
+// Lets Qt show the file dialogs of the desktop if there are any, unless the user chose something
+// else for Qt. To be called while there is a QCoreApplication, before the QApplication.
+void useDesktopFileDialogs()
+{
+    if (qEnvironmentVariableIsSet(platformTheme))
+        return;
+    const QString plugin = QLibraryInfo::path(QLibraryInfo::PluginsPath) +
+                           u"/platformthemes/libqxdgdesktopportal.so"_s;
+    if (QFileInfo::exists(plugin) && desktopOffersFileDialogs())
+        qputenv(platformTheme, "xdgdesktopportal");
+}
+
 // Uses a short-lived QCoreApplication instead of the QApplication: if the user's window is already
 // open, this process ends without connecting to the display.
 InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 {
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(programName());
-    return claimInstance(userDataFolder(), toOpen);
+    InstanceClaim claimed = claimInstance(userDataFolder(), toOpen);
+    if (claimed.outcome == InstanceClaim::Outcome::first)
+        useDesktopFileDialogs();
+    return claimed;
 }
 
 // Opens the window with the files and folders that the command line names. If another process
@@ -96,6 +116,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
         return exitWrongUse;
     }
     const QList<QUrl> toOpen = addressesOf(arguments);
+    const bool isThemeOurs = !qEnvironmentVariableIsSet(platformTheme);
     InstanceClaim claimed = claim(argc, argv, toOpen);
     if (claimed.outcome == InstanceClaim::Outcome::handedOver)
         return exitDone;
@@ -113,6 +134,8 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     // Static, so that the lock is released even when Qt calls exit() because the display is lost.
     static const std::unique_ptr<SystemLock> lock = std::move(claimed.lock);
     QApplication application(argc, argv);
+    if (isThemeOurs)
+        qunsetenv(platformTheme);    // of no concern to programs that are started from here
     // Waits for the workers before `application` is destroyed: drawing without it would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
@@ -131,7 +154,9 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     session.setCloudCopyService({&account.api()});
     session.setPublishService(account.api());
     session.setLocalCopyWriter(localCopyWriter(engine.manager, engine.service));
+    const std::unique_ptr<Desktop> desktop = sessionDesktop();
     MainWindow window(session, account.session(), photos, preferences);
+    window.setDesktop(*desktop);
     window.setLocalEngine(engine.manager, engine.service);
     QObject::connect(&instance, &SingleInstance::handedOver, &window, [&window](const auto& urls) {
         window.comeForward();

@@ -36,7 +36,8 @@ const QList<Room>& rooms()
     static const QStringList fields = controls + QStringList{u"app/controls/fields"_qs};
     static const QStringList popovers = fields + QStringList{u"app/controls/popovers"_qs};
     static const QStringList part =
-        popovers + session + QStringList{u"app/forms"_qs, u"canvas/interaction"_qs};
+        popovers + session +
+        QStringList{u"app/forms"_qs, u"app/desktop"_qs, u"canvas/interaction"_qs};
     static const QStringList parts{u"app/batch"_qs,   u"app/stage"_qs,    u"app/presets"_qs,
                                    u"app/layers"_qs,  u"app/export"_qs,   u"app/copy"_qs,
                                    u"app/publish"_qs, u"app/settings"_qs, u"app/account"_qs};
@@ -67,6 +68,7 @@ const QList<Room>& rooms()
         {u"app/controls/fields"_qs, controls, true},
         {u"app/controls/popovers"_qs, fields, true},
         {u"app/forms"_qs, popovers, true},
+        {u"app/desktop"_qs, popovers + session, true},
         {u"app/batch"_qs, part, true},
         {u"app/stage"_qs, part, true},
         {u"app/presets"_qs, part, true},

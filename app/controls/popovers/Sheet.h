@@ -9,7 +9,7 @@ class QHBoxLayout;
 class QVBoxLayout;
 enum class Type;
 
-// The column at the left of a sheet, in pixels.
+// The column at the left of a sheet, in pixels. A sheet without a column has the width 0.
 struct ColumnMeasures {
     int width = 216, side = 12, top = 20;
     int headingGap = 10;    // at the left of the title and below it

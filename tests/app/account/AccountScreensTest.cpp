@@ -14,7 +14,7 @@
 #include "app/controls/CopyButton.h"
 #include "app/controls/Notice.h"
 #include "app/controls/fields/FormField.h"
-#include "app/settings/AppVersion.h"
+#include "app/desktop/AppVersion.h"
 #include "app/settings/UpdatesDetailPanel.h"
 #include "app/window/MainWindow.h"
 #include "app/window/StatusLine.h"

@@ -294,4 +294,21 @@ TEST_F(MainWindowTest, closingDoesNotWaitForEver)
     EXPECT_TRUE(QTest::qWaitFor([this] { return !session.isExporting(); }, 30000));
 }
 
+TEST_F(MainWindowTest, aLogoutSavesAndWaitsForWhatIsBeingPaid)
+{
+    session.load({photos(3)});
+    settle();
+    objective()->setFocus();
+    QTest::keyClicks(objective(), u"Otoño"_s);
+    session.exportAll(m_data.path());
+    ASSERT_TRUE(session.isExporting());
+    window.settleBeforeLogout();
+    EXPECT_FALSE(session.isExporting());
+    EXPECT_TRUE(window.isVisible()) << "the logout may be called off";
+    StudioSession next(m_photos, preferences);
+    next.restoreWorkspaceIfNeeded();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return next.didRestoreWorkspace(); }, 30000));
+    EXPECT_EQ(next.batch().objective, u"Otoño"_s);
+}
+
 #include "WindowExportTest.moc"

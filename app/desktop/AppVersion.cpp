@@ -1,4 +1,4 @@
-#include "app/settings/AppVersion.h"
+#include "app/desktop/AppVersion.h"
 
 #include <QCoreApplication>
 

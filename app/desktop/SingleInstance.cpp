@@ -1,4 +1,4 @@
-#include "app/window/SingleInstance.h"
+#include "app/desktop/SingleInstance.h"
 
 #include "platform/PrivateSocket.h"
 
