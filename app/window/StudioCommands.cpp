@@ -67,7 +67,7 @@ void StudioCommands::connectButtons()
 
 QList<MenuCommand> StudioCommands::table()
 {
-    return fileCommands() + editCommands() + viewCommands() + helpCommands();
+    return fileCommands() + editCommands() + layerCommands() + viewCommands() + helpCommands();
 }
 
 bool StudioCommands::canGenerate() const

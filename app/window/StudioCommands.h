@@ -57,6 +57,7 @@ private:
     QList<MenuCommand> table();
     QList<MenuCommand> fileCommands();
     QList<MenuCommand> editCommands();
+    QList<MenuCommand> layerCommands();
     QList<MenuCommand> viewCommands();
     QList<MenuCommand> helpCommands();
 

@@ -27,10 +27,11 @@ struct MenuCommand {
     std::function<bool()> isPossible = {};    // empty: always
     std::function<bool()> isChecked = {};     // empty: no check mark
     std::function<QString()> wording = {};    // gives the text to show; empty: `text`
-    bool changesImages = false;               // refused while the batch column shows an import
-    bool keepsTyping = false;                 // lets the user go on typing in a text field
-    bool repeats = true;                      // runs again while the key is held
-    bool isAlwaysUsable = false;              // usable even while the menu is locked
+    QWidget* place = nullptr;       // where the keys work while it has the focus; null: everywhere
+    bool changesImages = false;     // refused while the batch column shows an import
+    bool keepsTyping = false;       // lets the user go on typing in a text field
+    bool repeats = true;            // runs again while the key is held
+    bool isAlwaysUsable = false;    // usable even while the menu is locked
 };
 
 // The main menu, with each command once. Keys also run commands while the menu is closed.
