@@ -84,8 +84,8 @@ void StudioCommands::connectButtons()
 
 QList<MenuCommand> StudioCommands::table()
 {
-    return importCommands() + recentCommands() + fileCommands() + editCommands() + viewCommands() +
-           helpCommands() + otherKeys();
+    return importCommands() + recentCommands() + fileCommands() + editCommands() + layerCommands() +
+           viewCommands() + helpCommands() + otherKeys();
 }
 
 bool StudioCommands::canGenerate() const

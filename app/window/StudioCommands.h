@@ -66,6 +66,7 @@ private:
     QList<MenuCommand> recentCommands();
     QList<MenuCommand> fileCommands();
     QList<MenuCommand> editCommands();
+    QList<MenuCommand> layerCommands();
     QList<MenuCommand> viewCommands();
     QList<MenuCommand> helpCommands();
     QList<MenuCommand> otherKeys();

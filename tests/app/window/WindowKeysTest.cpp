@@ -55,6 +55,65 @@ TEST_F(MainWindowTest, keysChangeTheImageUnlessAFieldHasThem)
     EXPECT_EQ(session.batch().items.size(), 2);
 }
 
+// The pointer, the keys and the fields of the panel end with the same frame.
+TEST_F(MainWindowTest, aLayerGoesToTheSamePlaceByPointerKeysAndNumbers)
+{
+    session.load({photos(2)});
+    settle();
+    window.activateWindow();
+    session.selectAll();
+    session.selectLayer(current().layers[0].id);
+    canvas()->setFocus();
+    const CodableRect start{0.05, 0.1, 0.4, 0.2};
+    session.setLayerFrame(start, Pace::once);
+    const auto frames = [this] {
+        return std::pair(current().layers[0].frame, session.batch().items[1].layers[0].frame);
+    };
+    CanvasInteraction& gestures = canvas()->interaction();
+    const QSizeF size = gestures.canvasSize();
+    const QSizeF pixel(size.width() / 1080, size.height() / 1350);
+    const QPointF inside(0.2 * size.width(), 0.2 * size.height());
+    gestures.press(inside);
+    gestures.drag(inside + QPointF(11 * pixel.width(), -1 * pixel.height()));
+    gestures.release();
+    const auto dragged = frames();
+    session.setLayerFrame(start, Pace::once);
+    QTest::keyClick(canvas(), Qt::Key_Right, Qt::AltModifier | Qt::ShiftModifier);
+    QTest::keyClick(canvas(), Qt::Key_Right, Qt::AltModifier);
+    QTest::keyClick(canvas(), Qt::Key_Up, Qt::AltModifier);
+    const auto pressed = frames();
+    session.setLayerFrame(start, Pace::once);
+    const auto field = [this](const QString& name) {
+        SliderField* found = nullptr;
+        for (SliderField* each : panel()->textPanel()->findChildren<SliderField*>())
+            found = each->accessibleName() == name ? each : found;
+        return found;
+    };
+    EXPECT_EQ(field(u"Posición horizontal"_s)->valueText(), u"54"_s);
+    field(u"Posición horizontal"_s)->enter(54 + 11);
+    field(u"Posición vertical"_s)->enter(135 - 1);
+    const auto typed = frames();
+    for (const auto& [name, got] :
+         {std::pair("pointer", dragged), std::pair("keys", pressed), std::pair("fields", typed)}) {
+        EXPECT_NEAR(got.first.x, start.x + 11 / 1080.0, 1e-9) << name;
+        EXPECT_NEAR(got.first.y, start.y - 1 / 1350.0, 1e-9) << name;
+        EXPECT_EQ(got.first, got.second) << name;
+    }
+    QTest::keyClick(canvas(), Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_NEAR(current().layers[0].frame.height, start.height + 1 / 1350.0, 1e-9);
+    EXPECT_EQ(field(u"Alto"_s)->valueText(), u"271"_s);
+    EXPECT_EQ(session.batch().selectedIndex, 0) << "no other image";
+
+    // Elsewhere these keys keep their own meaning.
+    const auto rest = frames();
+    objective()->setFocus();
+    QTest::keyClicks(objective(), u"uno dos"_s);
+    QTest::keyClick(objective(), Qt::Key_Left, Qt::ControlModifier | Qt::ShiftModifier);
+    QTest::keyClick(objective(), Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(objective()->selectedText(), u"dos"_s);
+    EXPECT_EQ(frames(), rest);
+}
+
 TEST_F(MainWindowTest, anEditorKeepsItsKeysAndFollowsTheImage)
 {
     session.load({photos(3)});
