@@ -76,7 +76,8 @@ int printProgramHelp(const QStringList&)
     text += u"\nOpciones:\n"_s;
     for (const ProgramOption& option : programOptions)
         text += u"  %1  %2\n"_s.arg(option.shown, -27).arg(option.summary);
-    text += u"  --service URL, --site URL    el servicio de cuentas y el sitio web, si no son los "
+    text += u"  --verbose                    cuenta en la salida de errores lo que hace\n"
+            "  --service URL, --site URL    el servicio de cuentas y el sitio web, si no son los "
             "de este equipo\n"_s;
     text += exitStatusHelp({{exitDone, u"la ventana se ha cerrado, o estaba abierta y ha recibido "
                                        "lo que había que abrir"_s},

@@ -146,6 +146,11 @@ QString PublishTexts::passed(const CheckedPost& checks)
     return counted(checks.passed, u"comprobación correcta", u"comprobaciones correctas");
 }
 
+QString PublishTexts::checking()
+{
+    return u"Comprobando las imágenes…"_s;
+}
+
 QString PublishTexts::origin(const QString& name, qsizetype position)
 {
     return position > 0 ? u"De la imagen %1, %2"_s.arg(position).arg(name)

@@ -57,6 +57,8 @@ public:
     // a program once for each file.
     void open(const QList<QUrl>& addresses);
     void comeForward();
+    // Saves, and asks work that must not be cut off to end, for which it waits some seconds.
+    void settleBeforeLogout();
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -79,6 +81,7 @@ private:
     bool isGated() const;
     bool isSheetPresented() const;
     void refuseLink();
+    void save();
     void lockStudio();
     void showWaiting();
     void openWaiting();

@@ -12,6 +12,7 @@
 #include "app/stage/StageBinding.h"
 #include "app/theme/Icons.h"
 #include "app/window/CommandText.h"
+#include "app/window/Diagnostics.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
 #include "app/window/StatusBinding.h"
@@ -348,6 +349,14 @@ QList<MenuCommand> StudioCommands::helpCommands()
         {.menu = helpMenu,
          .text = u"Últimos avisos"_s,
          .run = [this] { m_parts.status.showHistory(); }},
+        {.menu = helpMenu,
+         .text = u"Copiar diagnóstico"_s,
+         .run =
+             [this] {
+                 m_session.setStatus(u"Preparando el diagnóstico…"_s);
+                 m_diagnostics->gather();
+             },
+         .isAlwaysUsable = true},
         {.menu = helpMenu,
          .text = u"Buscar actualizaciones..."_s,
          .run = [] {},

@@ -5,6 +5,7 @@
 
 class AccountSession;
 class BatchBinding;
+class Diagnostics;
 class ExportBinding;
 class FileIntake;
 class KeptLook;
@@ -50,6 +51,7 @@ public:
 
 private:
     void connectButtons();
+    void connectDiagnostics();
     void run(const MenuCommand& command);
     // Opens the context menu of the tile at `index`. Selects the tile first unless it is already
     // selected.
@@ -73,4 +75,5 @@ private:
     const CommandParts m_parts;
     StudioSession& m_session;
     StudioMenu* m_menu;
+    Diagnostics* m_diagnostics;
 };

@@ -40,7 +40,7 @@ _moltiva()
             ;;
     esac
     options+=' --help'
-    [[ $command == --self-test ]] || options+=' --service --site'
+    [[ $command == --self-test ]] || options+=' --service --site --verbose'
 
     case $previous in
         --format) words='story-reel horizontal carousel-portrait square' options='' files='' ;;

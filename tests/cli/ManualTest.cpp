@@ -205,7 +205,7 @@ QSet<QString> namesOf(const ToldOfCommands& told)
     return QSet<QString>(told.keyBegin(), told.keyEnd());
 }
 
-const QSet<QString> everywhere{u"--help"_s}, addresses{u"--service"_s, u"--site"_s};
+const QSet<QString> everywhere{u"--help"_s}, addresses{u"--service"_s, u"--site"_s, u"--verbose"_s};
 
 }    // namespace
 
