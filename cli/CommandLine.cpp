@@ -59,8 +59,8 @@ constexpr std::array programOptions{
     ProgramOption{u"-h", u"--help", u"-h, --help", u"muestra esta ayuda; con una orden, la suya",
                   &printProgramHelp},
     ProgramOption{u"-v", u"--version", u"-v, --version", u"muestra la versión", &printVersion},
-    ProgramOption{u"", u"--self-test", u"--self-test [--json]",
-                  u"comprueba que no falta nada para trabajar", &runSelfTest},
+    ProgramOption{u"", u"--self-test", u"--self-test", u"comprueba que no falta nada para trabajar",
+                  &runSelfTest},
 };
 
 int printProgramHelp(const QStringList&)
