@@ -1,6 +1,7 @@
 #pragma once
 #include "app/controls/popovers/ColorPopover.h"
 #include "app/theme/WindowClass.h"
+#include "canvas/LayerFrame.h"
 #include "canvas/TextWarnings.h"
 #include "model/Pace.h"
 #include "model/TextLayer.h"
@@ -10,6 +11,7 @@
 class Caption;
 class CaptionCard;
 class FontField;
+class FrameFields;
 class SegmentedControl;
 class SliderField;
 class SlotCard;
@@ -30,6 +32,7 @@ struct TextPanelState {
     QUuid selectedLayer = {};                // id of a text or a shape; null: none
     std::optional<double> sizeLimit = {};    // font scale at which the selected text fills its box
     int reachedImages = 1;                   // number of images that a change of style reaches
+    QSizeF output = {};                      // of the exported picture in pixels
     bool canPaste = false;
     ColorOffers colors = {};
     bool operator==(const TextPanelState&) const = default;
@@ -64,6 +67,8 @@ Q_SIGNALS:
     void visibilityToggled(CopySlot slot);
     void slotFocused(CopySlot slot);
     void layerEdited(const TextLayer& changed, Pace pace);
+    void frameEdited(const CodableRect& frame, Pace pace);    // of the selected layer
+    void alignmentRequested(LayerAlignment alignment);
     void colorUsed(const QColor& color);
     void copyStyleRequested();
     void pasteStyleRequested();
@@ -97,6 +102,7 @@ private:
     Caption* m_sizeNote;
     Swatch* m_color;
     SegmentedControl* m_alignment;
+    FrameFields* m_frame;
     Switch* m_box;
     Swatch* m_boxColor;
     SliderField* m_boxOpacity;

@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize keysSheetSize(1120, 716);
-constexpr SheetColumn noColumn{.width = 0, .side = 0, .top = 0};
+constexpr ColumnMeasures noColumn{.width = 0, .side = 0, .top = 0};
 constexpr int keyColumns = 3, keyColumnGap = 40, keyRowHeight = 32, keyCapHeight = 22,
               keyCapPadding = 7, keyCapGap = 6, groupGap = 16, groupTitleHeight = 28;
 constexpr int searchWidth = 280, besideCross = 48;

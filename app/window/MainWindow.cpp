@@ -48,6 +48,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDeadlineTimer>
 #include <QDragEnterEvent>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
@@ -58,6 +59,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int narrowWindow = 1280;
+constexpr std::chrono::seconds longestWaitAtLogout{5};
 const QString importedKey = u"moltiva.hasImported"_s;
 const QByteArray yes = "yes";
 
@@ -374,13 +376,33 @@ void MainWindow::closeEvent(QCloseEvent* event)
 {
     if (m_statusBinding->delaysClosing())
         return event->ignore();
+    save();
+    QWidget::closeEvent(event);
+}
+
+void MainWindow::save()
+{
     // Ends edits before saving, so that text which is still being typed is saved with the batch.
     m_shell->composeBar()->finishEdit();
     m_focus->goToCanvas();
     m_session.copy().applyBeforeEnd();
     m_session.saveWorkspace();
     m_look->keepGeometry();
-    QWidget::closeEvent(event);
+}
+
+// The desktop may call the logout off, so the window stays open.
+void MainWindow::settleBeforeLogout()
+{
+    const QDeadlineTimer patience(longestWaitAtLogout);
+    while (const Activity* delaying = m_session.activities().delayingClosing()) {
+        if (patience.hasExpired())
+            break;
+        m_session.activities().stop(delaying->kind);
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
+                                            QEventLoop::WaitForMoreEvents,
+                                        int(patience.remainingTime()));
+    }
+    save();
 }
 
 void MainWindow::open(const QList<QUrl>& addresses)

@@ -65,6 +65,8 @@ public:
     // a program once for each file.
     void open(const QList<QUrl>& addresses);
     void comeForward();
+    // Saves, and asks work that must not be cut off to end, for which it waits some seconds.
+    void settleBeforeLogout();
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -91,6 +93,7 @@ private:
     void showKeys();
     void hideKeys();
     void refuseLink();
+    void save();
     void lockStudio();
     void showWaiting();
     void openWaiting();

@@ -14,6 +14,7 @@
 #include "app/stage/StageBinding.h"
 #include "app/theme/Icons.h"
 #include "app/window/CommandText.h"
+#include "app/window/Diagnostics.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
 #include "app/window/StatusBinding.h"
@@ -35,6 +36,8 @@ constexpr double zoomStep = 0.1;
 
 constexpr QStringView fileMenu = u"Archivo", editMenu = u"Edición", viewMenu = u"Ver",
                       helpMenu = u"Ayuda", recentMenu = u"Archivo/Recientes",
+                      moveMenu = u"Edición/Mover capa",
+                      sizeMenu = u"Edición/Ancho y alto de la capa",
                       shapeMenu = u"Edición/Añadir forma", formatMenu = u"Ver/Formato",
                       themeMenu = u"Ver/Tema";
 
@@ -266,6 +269,59 @@ QList<MenuCommand> StudioCommands::editCommands()
                                           .repeats = false}};
 }
 
+QList<MenuCommand> StudioCommands::layerCommands()
+{
+    struct LayerKey {
+        QStringView move, size;    // texts of the commands
+        QStringView moveKey, sizeKey;
+        int right, down;    // pixels of the exported picture
+        bool startsGroup = false;
+    };
+    static constexpr std::array layerKeys{
+        LayerKey{u"Mover a la izquierda 1 px", u"Estrechar 1 px", u"Alt+Left", u"Ctrl+Shift+Left",
+                 -1, 0},
+        LayerKey{u"Mover a la derecha 1 px", u"Ensanchar 1 px", u"Alt+Right", u"Ctrl+Shift+Right",
+                 1, 0},
+        LayerKey{u"Mover hacia arriba 1 px", u"Acortar 1 px", u"Alt+Up", u"Ctrl+Shift+Up", 0, -1},
+        LayerKey{u"Mover hacia abajo 1 px", u"Alargar 1 px", u"Alt+Down", u"Ctrl+Shift+Down", 0, 1},
+        LayerKey{u"Mover a la izquierda 10 px", u"Estrechar 10 px", u"Alt+Shift+Left",
+                 u"Ctrl+Alt+Shift+Left", -10, 0, true},
+        LayerKey{u"Mover a la derecha 10 px", u"Ensanchar 10 px", u"Alt+Shift+Right",
+                 u"Ctrl+Alt+Shift+Right", 10, 0},
+        LayerKey{u"Mover hacia arriba 10 px", u"Acortar 10 px", u"Alt+Shift+Up",
+                 u"Ctrl+Alt+Shift+Up", 0, -10},
+        LayerKey{u"Mover hacia abajo 10 px", u"Alargar 10 px", u"Alt+Shift+Down",
+                 u"Ctrl+Alt+Shift+Down", 0, 10},
+    };
+    const auto isPossible = [this] { return isTextSelected() || isShapeSelected(); };
+    QList<MenuCommand> moves, sizes;
+    for (const LayerKey& row : layerKeys) {
+        const int right = row.right, down = row.down, pixels = std::abs(right + down);
+        moves.append({.menu = moveMenu,
+                      .text = row.move.toString(),
+                      .keys = row.moveKey,
+                      .topic = KeyTopic::layers,
+                      .keyText = pixels == 1 ? u"Mover 1 píxel" : u"Mover 10 píxeles",
+                      .startsGroup = row.startsGroup,
+                      .run = [this, right, down] { m_session.moveLayer(right, down); },
+                      .isPossible = isPossible,
+                      .place = m_parts.stage.canvas(),
+                      .changesImages = true});
+        sizes.append(
+            {.menu = sizeMenu,
+             .text = row.size.toString(),
+             .keys = row.sizeKey,
+             .topic = KeyTopic::layers,
+             .keyText = pixels == 1 ? u"Ancho y alto, 1 píxel" : u"Ancho y alto, 10 píxeles",
+             .startsGroup = row.startsGroup,
+             .run = [this, right, down] { m_session.resizeLayer(right, down); },
+             .isPossible = isPossible,
+             .place = m_parts.stage.canvas(),
+             .changesImages = true});
+    }
+    return moves + sizes;
+}
+
 QList<MenuCommand> StudioCommands::viewCommands()
 {
     const auto possible = [this] { return hasImage(); };
@@ -434,6 +490,14 @@ QList<MenuCommand> StudioCommands::helpCommands()
         {.menu = helpMenu,
          .text = u"Últimos avisos"_s,
          .run = [this] { m_parts.status.showHistory(); }},
+        {.menu = helpMenu,
+         .text = u"Copiar diagnóstico"_s,
+         .run =
+             [this] {
+                 m_session.setStatus(u"Preparando el diagnóstico…"_s);
+                 m_diagnostics->gather();
+             },
+         .isAlwaysUsable = true},
         {.menu = helpMenu,
          .text = u"Buscar actualizaciones..."_s,
          .run = [] {},

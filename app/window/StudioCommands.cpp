@@ -14,29 +14,43 @@
 #include "app/stage/StageBinding.h"
 #include "app/theme/Icons.h"
 #include "app/window/CommandText.h"
+#include "app/window/Diagnostics.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
 #include "app/window/StudioFocus.h"
 #include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"
 #include "canvas/interaction/CanvasInteractionView.h"
+#include "platform/UserFolders.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
 
 #include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QMenu>
 
 using namespace Qt::StringLiterals;
 
 StudioCommands::StudioCommands(const CommandParts& parts)
     : QObject(parts.window), m_parts(parts), m_session(parts.session),
-      m_menu(new StudioMenu(table(), parts.window))
+      m_menu(new StudioMenu(table(), parts.window)),
+      m_diagnostics(new Diagnostics(QCoreApplication::applicationFilePath(), logFile(), this))
 {
     connect(m_menu, &StudioMenu::chosen, this,
             [this](const MenuCommand& command) { run(command); });
     connect(m_parts.look, &KeptLook::changed, m_menu, &StudioMenu::showChecks);
     connect(&m_parts.appearance, &Appearance::changed, m_menu, &StudioMenu::showChecks);
     connectButtons();
+    connectDiagnostics();
+}
+
+void StudioCommands::connectDiagnostics()
+{
+    connect(m_diagnostics, &Diagnostics::gathered, this, [this](const QString& text) {
+        QGuiApplication::clipboard()->setText(text);
+        m_session.setStatus(u"Diagnóstico copiado en el portapapeles."_s, StatusKind::done);
+    });
 }
 
 void StudioCommands::connectButtons()
@@ -70,8 +84,8 @@ void StudioCommands::connectButtons()
 
 QList<MenuCommand> StudioCommands::table()
 {
-    return importCommands() + recentCommands() + fileCommands() + editCommands() + viewCommands() +
-           helpCommands() + otherKeys();
+    return importCommands() + recentCommands() + fileCommands() + editCommands() + layerCommands() +
+           viewCommands() + helpCommands() + otherKeys();
 }
 
 bool StudioCommands::canGenerate() const

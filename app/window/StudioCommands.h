@@ -6,6 +6,7 @@
 class AccountSession;
 class Appearance;
 class BatchBinding;
+class Diagnostics;
 class ExportBinding;
 class FileIntake;
 class KeptLook;
@@ -55,6 +56,7 @@ Q_SIGNALS:
 
 private:
     void connectButtons();
+    void connectDiagnostics();
     void run(const MenuCommand& command);
     // Opens the context menu of the tile at `index`. Selects the tile first unless it is already
     // selected.
@@ -64,6 +66,7 @@ private:
     QList<MenuCommand> recentCommands();
     QList<MenuCommand> fileCommands();
     QList<MenuCommand> editCommands();
+    QList<MenuCommand> layerCommands();
     QList<MenuCommand> viewCommands();
     QList<MenuCommand> helpCommands();
     QList<MenuCommand> otherKeys();
@@ -81,4 +84,5 @@ private:
     const CommandParts m_parts;
     StudioSession& m_session;
     StudioMenu* m_menu;
+    Diagnostics* m_diagnostics;
 };

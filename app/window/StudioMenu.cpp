@@ -69,7 +69,10 @@ void StudioMenu::add(qsizetype index, QWidget* window)
         showChecks();
     });
     menu->addAction(action);
-    window->addAction(action);    // makes the command's key work while the menu is closed
+    if (command.place)
+        action->setShortcutContext(Qt::WidgetShortcut);
+    // Makes the command's key work while the menu is closed.
+    (command.place ? command.place : window)->addAction(action);
     m_actions.append(action);
 }
 

@@ -35,6 +35,7 @@ struct MenuCommand {
     std::function<bool()> isChecked = {};     // empty: no check mark
     // Gives the text to show; an entry without a text is hidden. Without the function, `text`.
     std::function<QString()> wording = {};
+    QWidget* place = nullptr;       // where the keys work while it has the focus; null: everywhere
     bool changesImages = false;     // refused while the batch column shows an import
     bool keepsTyping = false;       // lets the user go on typing in a text field
     bool repeats = true;            // runs again while the key is held

@@ -60,7 +60,7 @@ TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
     : QWidget(parent), m_mark(new MarkButton(this)),
       m_images(new PushButton(Icon::importImages, u"Imágenes"_qs)),
       m_folder(new PushButton(Icon::importFolder, u"Carpeta"_qs)),
-      m_import(new JoinedButtons(m_images, m_folder, this)),
+      m_import(new JoinedButtons({m_images, m_folder}, this)),
       m_undo(new IconButton(Icon::undo, u"Deshacer"_qs, 36, this)),
       m_redo(new IconButton(Icon::redo, u"Rehacer"_qs, 36, this)),
       m_formats(new SegmentedControl(segmentsOf(formats), this)),

@@ -1,13 +1,16 @@
 #include "account/ConnectedAccount.h"
 #include "account/ServiceConfiguration.h"
 #include "app/desktop/SingleInstance.h"
+#include "app/settings/AppVersion.h"
 #include "app/theme/StudioStyle.h"
 #include "app/theme/Theme.h"
 #include "app/window/MainWindow.h"
+#include "app/window/StartUpNotes.h"
 #include "cli/CommandLine.h"
 #include "cli/shared/ExitStatus.h"
 #include "copygen/LocalEngine.h"
 #include "platform/EndingSignals.h"
+#include "platform/Log.h"
 #include "platform/Memory.h"
 #include "platform/PreferencesStore.h"
 #include "platform/SessionDesktop.h"
@@ -29,15 +32,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Drops all messages of Qt except fatal ones, unless MOLTIVA_DEBUG is set: warnings about broken
-// files would mix with the output of a command.
-void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& text)
-{
-    static const bool wanted = qEnvironmentVariableIsSet("MOLTIVA_DEBUG");
-    if (wanted || type == QtFatalMsg)
-        std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
-}
 
 // Names the keys as Spanish keyboards do. Qt's own translation of Ctrl+Shift is
 // "Control+Mayúsculas".
@@ -115,7 +109,7 @@ InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 // Opens the window with the files and folders that the command line names. If another process
 // already shows the window, passes them on to that process.
 int runWindow(int& argc, char** argv, const QStringList& arguments,
-              const ServiceConfiguration& configuration)
+              const ServiceConfiguration& configuration, const QElapsedTimer& sinceStart)
 {
     if (!configuration.problem.isEmpty()) {
         std::fprintf(stderr, "moltiva: %s\n", configuration.problem.toUtf8().constData());
@@ -145,6 +139,8 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     // Waits for the workers before `application` is destroyed: drawing without it would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
+    // The name of the desktop entry, by which the desktop knows the window's icon and title.
+    QGuiApplication::setDesktopFileName(programName());
     const SingleInstance instance(userDataFolder());
     dress(application, darkTheme());
     PreferencesStore preferences(userDataFolder() + u"/moltiva.sqlite"_s);
@@ -167,6 +163,11 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
         window.open(urls);
     });
     onEndingSignals(application, &QCoreApplication::quit);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &window,
+                     &MainWindow::settleBeforeLogout);
+    qCInfo(logProgram).noquote() << "window of" << AppVersion::display() << "on"
+                                 << QGuiApplication::platformName();
+    const StartUpNotes notes(window, sinceStart);
     window.show();
     session.restoreWorkspaceIfNeeded();
     window.open(toOpen);
@@ -177,14 +178,16 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
 
 int main(int argc, char** argv)
 {
+    QElapsedTimer sinceStart;
+    sinceStart.start();
     fixAllocatorThresholds();
     ignoreRelativeFolders();
-    qInstallMessageHandler(quietMessages);
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
 
     QCoreApplication::setApplicationName(programName());
+    startLog(logFile(), arguments.removeAll(u"--verbose"_s) > 0);
     const ServiceConfiguration configuration = takenConfiguration(arguments, configurationFile());
     if (isCommandLine(arguments)) {
         // Prevents Qt from ending the process when there is no display.
@@ -198,5 +201,5 @@ int main(int argc, char** argv)
                    stderr);
         return exitWrongUse;
     }
-    return runWindow(argc, argv, arguments, configuration);
+    return runWindow(argc, argv, arguments, configuration, sinceStart);
 }

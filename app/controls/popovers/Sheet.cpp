@@ -65,7 +65,7 @@ QAccessibleInterface* accessibleSheetOf(const QString&, QObject* object)
 
 }    // namespace
 
-Sheet::Sheet(const QString& title, QSize size, QWidget* window, const SheetColumn& column)
+Sheet::Sheet(const QString& title, QSize size, QWidget* window, const ColumnMeasures& column)
     : QWidget(window), m_size(size), m_box(new Box(column.width, this)), m_column(new QVBoxLayout),
       m_content(new QVBoxLayout), m_close(new IconButton(Icon::close, u"Cerrar"_s, 32, m_box))
 {
