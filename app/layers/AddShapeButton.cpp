@@ -24,7 +24,7 @@ void AddShapeButton::paintEvent(QPaintEvent*)
     strokeRounded(painter, rect(), addShapeRadius, theme.line);
     const QColor ink = isEnabled() ? mixed(theme.text2, theme.text, hovered()) : theme.dis;
     paintIcon(painter, m_icon, QRectF(0, iconMiddle - 10, width(), 20), addShapeIconSide, ink);
-    const QRectF label(2, labelMiddle - 10, width() - 4, 20);
+    const QRectF label(0, labelMiddle - 10, width(), 20);
     const bool narrow = textWidth(Type::small, text()) > label.width();
     paintText(painter, label, Qt::AlignHCenter, narrow ? Type::caption : Type::small, ink, text());
 }

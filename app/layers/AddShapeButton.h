@@ -8,7 +8,7 @@ class AddShapeButton : public Control {
 public:
     explicit AddShapeButton(ShapeKind kind, QWidget* parent = nullptr);
     QSize sizeHint() const override { return {72, 68}; }
-    QSize minimumSizeHint() const override { return {60, 68}; }
+    QSize minimumSizeHint() const override { return {56, 68}; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

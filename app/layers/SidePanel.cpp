@@ -78,6 +78,7 @@ void SidePanel::setClass(WindowClass windowClass)
     for (PanelLayout* page : findChildren<PanelLayout*>())
         page->setClass(windowClass);
     m_text->setClass(windowClass);
+    m_templates->setClass(windowClass);
 }
 
 void SidePanel::setTab(SideTab tab)

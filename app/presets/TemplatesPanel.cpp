@@ -101,6 +101,11 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
     show(m_state);
 }
 
+void TemplatesPanel::setClass(WindowClass windowClass)
+{
+    m_save->setLabels(windowClass == WindowClass::compact ? Labels::hidden : Labels::shown);
+}
+
 void TemplatesPanel::setState(const TemplatesPanelState& state)
 {
     if (state == m_state)

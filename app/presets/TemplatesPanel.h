@@ -1,5 +1,6 @@
 #pragma once
 #include "app/presets/PresetTile.h"
+#include "app/theme/WindowClass.h"
 #include "model/SocialFormat.h"
 
 class Badge;
@@ -24,6 +25,7 @@ class TemplatesPanel : public QWidget {
 public:
     explicit TemplatesPanel(QWidget* parent = nullptr);
 
+    void setClass(WindowClass windowClass);
     void setState(const TemplatesPanelState& state);
     PresetGrid* own() const { return m_own; }
     PresetGrid* packaged() const { return m_packaged; }

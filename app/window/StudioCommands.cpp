@@ -84,8 +84,8 @@ void StudioCommands::connectButtons()
 
 QList<MenuCommand> StudioCommands::table()
 {
-    return importCommands() + recentCommands() + fileCommands() + editCommands() + layerCommands() +
-           viewCommands() + helpCommands() + otherKeys();
+    return otherKeys() + importCommands() + recentCommands() + fileCommands() + editCommands() +
+           layerCommands() + viewCommands() + helpCommands();
 }
 
 bool StudioCommands::canGenerate() const

@@ -5,7 +5,6 @@
 #include "app/controls/fields/TabStrip.h"
 #include "app/copy/ComposeBar.h"
 #include "app/layers/SidePanel.h"
-#include "app/layers/TextPanel.h"
 #include "app/stage/EmptyState.h"
 #include "app/stage/StagePanel.h"
 #include "app/stage/ViewBar.h"
@@ -41,6 +40,18 @@ struct Shell : StudioShell {
         settle();
     }
 };
+
+// Nothing that is seen may reach beyond the right edge of `panel`.
+void expectInside(const QWidget* panel, const std::string& label)
+{
+    for (const QWidget* part : panel->findChildren<QWidget*>()) {
+        if (!part->isVisible())
+            continue;
+        const int right = part->mapTo(panel, QPoint(part->width(), 0)).x();
+        EXPECT_LE(right, panel->width()) << label << " " << part->metaObject()->className() << " "
+                                         << qPrintable(part->accessibleName());
+    }
+}
 
 }    // namespace
 
@@ -87,10 +98,10 @@ TEST(StudioShell, aSmallWindowHasTheCompactLayoutAsLongAsItIsSmall)
             EXPECT_EQ(shell.stage()->canvasRect().size(), QSize(310, 388));
             EXPECT_EQ(shell.batchColumn()->grid()->tileRect(0).width(), 62);
         }
-        for (const QWidget* part : shell.sidePanel()->textPanel()->findChildren<QWidget*>()) {
-            const int right = part->mapTo(shell.sidePanel(), QPoint(part->width(), 0)).x();
-            EXPECT_LE(right, shell.sidePanel()->width())
-                << label << part->metaObject()->className() << qPrintable(part->accessibleName());
+        for (const SideTab tab : {SideTab::text, SideTab::shapes, SideTab::templates}) {
+            shell.sidePanel()->setTab(tab);
+            settle();
+            expectInside(shell.sidePanel(), label);
         }
     }
 }
