@@ -1,4 +1,6 @@
 #pragma once
+#include "app/controls/Announcer.h"
+
 #include <QPixmap>
 #include <QWidget>
 
@@ -43,5 +45,6 @@ private:
     PushButton* m_folder;
     KeyHints* m_hints;
     Spinner* m_spinner;
+    Announcer m_announcer{[this] { nameState(); }, this};
     std::optional<ImportShown> m_import;    // empty while no import runs
 };
