@@ -64,7 +64,7 @@ void FileIntake::chooseFolder()
 void FileIntake::choose(const QString& title, QFileDialog::FileMode mode)
 {
     auto* dialog = new QFileDialog(m_window, title, m_folder.begin(), imageFilter());
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    disposeOf(dialog);
     dialog->setFileMode(mode);
     // Connects to accepted(): native dialogs and Qt's own emit different signals with the files.
     connect(dialog, &QFileDialog::accepted, this, [this, dialog] { load(dialog->selectedUrls()); });
@@ -77,7 +77,7 @@ void FileIntake::chooseTexts(QFileDialog::AcceptMode mode)
     auto* dialog =
         new QFileDialog(m_window, isSaving ? u"Exportar textos"_s : u"Importar textos"_s,
                         m_folder.begin(), u"Textos (*.csv *.CSV);;Todos los archivos (*)"_s);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    disposeOf(dialog);
     dialog->setAcceptMode(mode);
     dialog->setFileMode(isSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     if (isSaving) {

@@ -554,6 +554,9 @@ void MainWindow::showStage()
     // item of the old batch beside them.
     const Activity* import = m_session.activities().find(Activity::Kind::importing);
     const bool isImporting = import && (isEmpty || m_batchBinding->showsIncoming());
+    // The stage comes first, so that the focus does not stop at a button that is about to hide.
+    m_shell->setStage(isImporting || isEmpty ? StudioShell::Stage::empty
+                                             : StudioShell::Stage::picture);
     if (isImporting) {
         m_shell->emptyState()->setImport({{int(import->done), int(import->total)}});
     } else {
@@ -561,8 +564,6 @@ void MainWindow::showStage()
     }
     m_shell->topBar()->setPublishing(m_publishBinding->refusal(),
                                      menu()->keyOf(CommandText::publish));
-    m_shell->setStage(isImporting || isEmpty ? StudioShell::Stage::empty
-                                             : StudioShell::Stage::picture);
     if (!isGated() && (!focusWidget() || !focusWidget()->isVisibleTo(this)))
         m_focus->goToCanvas();
     if (isEmpty)
