@@ -2,6 +2,7 @@
 #include "app/window/StudioCommands.h"
 
 #include "account/AccountSession.h"
+#include "app/desktop/CheckForUpdatesView.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
 #include "app/layers/SidePanel.h"
@@ -19,6 +20,7 @@
 #include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"
 #include "canvas/interaction/CanvasInteractionView.h"
+#include "platform/NotificationCenter.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
 
@@ -145,6 +147,7 @@ QList<MenuCommand> StudioCommands::editCommands()
          .keys = u"Ctrl+Z",
          .icon = Icon::undo,
          .run = [this] { m_session.undo(); },
+         .notification = Notification::undoRequested,
          .isPossible = [this] { return m_session.canUndo(); },
          .changesImages = true},
         {.menu = editMenu,
@@ -152,6 +155,7 @@ QList<MenuCommand> StudioCommands::editCommands()
          .keys = u"Ctrl+Shift+Z Ctrl+Y",
          .icon = Icon::redo,
          .run = [this] { m_session.redo(); },
+         .notification = Notification::redoRequested,
          .isPossible = [this] { return m_session.canRedo(); },
          .changesImages = true},
         {.menu = editMenu,
@@ -349,8 +353,8 @@ QList<MenuCommand> StudioCommands::helpCommands()
          .text = u"Últimos avisos"_s,
          .run = [this] { m_parts.status.showHistory(); }},
         {.menu = helpMenu,
-         .text = u"Buscar actualizaciones..."_s,
-         .run = [] {},
-         .isPossible = [] { return false; }},
+         .text = CheckForUpdatesView::title.toString(),
+         .run = [this] { CheckForUpdatesView{m_parts.updates}.press(); },
+         .isPossible = [this] { return CheckForUpdatesView{m_parts.updates}.isEnabled(); }},
     };
 }

@@ -17,6 +17,7 @@ class StudioMenu;
 class StudioSession;
 class StudioShell;
 class TemplatesBinding;
+class UpdateController;
 enum class ShapeKind;
 struct MenuCommand;
 
@@ -32,6 +33,7 @@ struct CommandParts {
     ExportBinding& exports;
     PublishBinding& publish;
     StatusBinding& status;
+    UpdateController& updates;
     FileIntake* files;
     StudioFocus* focus;
     KeptLook* look;
@@ -45,12 +47,18 @@ public:
     explicit StudioCommands(const CommandParts& parts);
 
     StudioMenu* menu() const { return m_menu; }
+    // In the batch or, while a sheet, a dialog or the sign-in gate covers the studio, in the
+    // focused text field.
+    void undo();
+    void redo();
     void removeLayer();
     void editSelected();
 
 private:
     void connectButtons();
+    void choose(const MenuCommand& command);
     void run(const MenuCommand& command);
+    void runForBatch(QStringView text, const char* slotOfField);
     // Opens the context menu of the tile at `index`. Selects the tile first unless it is already
     // selected.
     void showTileMenu(int index, QPoint globalPosition);

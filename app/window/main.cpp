@@ -1,6 +1,11 @@
 #include "account/ConnectedAccount.h"
 #include "account/ServiceConfiguration.h"
+#include "app/desktop/AppDelegate.h"
+#include "app/desktop/LinkRegistration.h"
+#include "app/desktop/ResourceCheck.h"
 #include "app/desktop/SingleInstance.h"
+#include "app/desktop/UpdateController.h"
+#include "app/desktop/WindowActivation.h"
 #include "app/theme/StudioStyle.h"
 #include "app/theme/Theme.h"
 #include "app/window/MainWindow.h"
@@ -89,7 +94,7 @@ InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 {
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(programName());
-    return claimInstance(userDataFolder(), toOpen);
+    return claimInstance(userDataFolder(), {toOpen, activationToken()});
 }
 
 // Opens the window with the files and folders that the command line names. If another process
@@ -122,6 +127,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     // Waits for the workers before `application` is destroyed: drawing without it would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
+    requireResources();
     const SingleInstance instance(userDataFolder());
     dress(application, darkTheme());
     PreferencesStore preferences(userDataFolder() + u"/moltiva.sqlite"_s);
@@ -137,14 +143,19 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     session.setLocalCopyWriter(localCopyWriter(engine.manager, engine.service));
     MainWindow window(session, account.session(), photos, preferences);
     window.setLocalEngine(engine.manager, engine.service);
-    QObject::connect(&instance, &SingleInstance::handedOver, &window, [&window](const auto& urls) {
-        window.comeForward();
-        window.open(urls);
-    });
+    const auto links = platformLinkRegistration();
+    AppDelegate delegate(window, *links);
+    QObject::connect(&delegate, &AppDelegate::filesReceived, &window, &MainWindow::open);
+    QObject::connect(&instance, &SingleInstance::handedOver, &delegate,
+                     [&delegate](const OpenRequest& request) {
+                         delegate.applicationOpen(request.toOpen, request.activationToken);
+                     });
     onEndingSignals(application, &QCoreApplication::quit);
     window.show();
+    delegate.applicationDidFinishLaunching();
+    window.updates().checkDaily();
     session.restoreWorkspaceIfNeeded();
-    window.open(toOpen);
+    delegate.applicationOpen(toOpen);
     return QApplication::exec();
 }
 

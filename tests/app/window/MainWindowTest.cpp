@@ -20,6 +20,7 @@
 #include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"
 #include "canvas/interaction/CanvasInteractionView.h"
+#include "platform/NotificationCenter.h"
 #include "platform/PreferencesStore.h"
 #include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
@@ -333,6 +334,28 @@ TEST_F(MainWindowTest, droppedFilesAreImported)
     QApplication::sendEvent(&window, &drop);
     EXPECT_TRUE(QTest::qWaitFor([this] { return current().layers[0].text == u"Uno"_s; }, 30000));
 
+    settle();
+
+    // Other spellings of a file of this machine.
+    data.setData(u"text/uri-list"_s,
+                 "file://localhost" + QFile::encodeName(m_folder.filePath(u"f0.png"_s)) + "\r\n" +
+                     QFile::encodeName(m_folder.filePath(u"f1.png"_s)) + "\r\n");
+    QApplication::sendEvent(&window, &drop);
+    settle();
+    EXPECT_EQ(session.batch().items.size(), 2) << qPrintable(told().join(u'|'));
+
+    // Files that only the desktop's portal can tell; there is none here.
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    data.clear();
+    data.setData(u"application/vnd.portal.filetransfer"_s, QByteArray("123456\0", 7));
+    enter.ignore();
+    QApplication::sendEvent(&window, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QApplication::sendEvent(&window, &drop);
+    EXPECT_TRUE(QTest::qWaitFor([this] {
+        return told().last() == u"El escritorio no ha entregado los archivos que has soltado."_s;
+    }));
+
     QMimeData text;
     text.setText(u"hola"_s);
     QDragEnterEvent refused({600, 400}, Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
@@ -418,6 +441,70 @@ TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
     EXPECT_EQ(editor->text(), before);
 }
 
+// As AppDelegate posts them for the keys.
+TEST_F(MainWindowTest, undoingIsAskedForByNotificationsAndReachesOpenFieldsElse)
+{
+    session.load({photos(2)});
+    settle();
+    window.activateWindow();
+    session.setFormat(SocialFormat::square);
+    notificationCenter().post(Notification::undoRequested);
+    EXPECT_EQ(session.batch().format, SocialFormat::carouselPortrait);
+    notificationCenter().post(Notification::redoRequested);
+    EXPECT_EQ(session.batch().format, SocialFormat::square);
+
+    session.setAppSettingsPresented(true);
+    notificationCenter().post(Notification::undoRequested);
+    EXPECT_EQ(session.batch().format, SocialFormat::square) << "a sheet covers the studio";
+    session.setAppSettingsPresented(false);
+
+    session.setAccountPanel(AccountPanelDestination::account);
+    QLineEdit* typed = nullptr;
+    for (QLineEdit* edit : window.findChildren<QLineEdit*>()) {
+        if (edit->accessibleName() == u"Nombre"_s && edit->isVisible())
+            typed = edit;
+    }
+    ASSERT_TRUE(typed);
+    typed->setFocus();
+    const QString before = typed->text();
+    QTest::keyClicks(typed, u"X"_s);
+    notificationCenter().post(Notification::undoRequested);
+    EXPECT_EQ(typed->text(), before);
+    EXPECT_EQ(session.batch().format, SocialFormat::square);
+}
+
+TEST_F(MainWindowTest, aLinkToAnotherAccountIsAQuestionThatStaysUntilItIsAnswered)
+{
+    window.activateWindow();
+    const auto post = [](const QString& link) {
+        notificationCenter().post(Notification::deepLinkReceived, QUrl(link));
+    };
+    const auto current = [this] { return session.statusLog().current().sentence; };
+    const QString question = u"¿Cambiar de cuenta con este enlace?"_s;
+    post(u"moltiva://auth?token=t"_s);
+    EXPECT_EQ(current(), question);
+    session.setStatus(u"Otra cosa."_s);
+    EXPECT_EQ(current(), question);
+    const auto answer = [this](const QString& name) {
+        for (QWidget* stop : window.shell()->statusLine()->focusOrder()) {
+            if (stop->accessibleName() == name && stop->isVisible()) {
+                stop->setFocus(Qt::TabFocusReason);
+                QTest::keyClick(stop, Qt::Key_Space);
+                return true;
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(answer(u"No cambiar"_s));
+    EXPECT_EQ(current(), u"El enlace no se ha usado: sigues con tu cuenta."_s);
+    post(u"moltiva://auth?token=t"_s);
+    account.answer("POST /api/auth/desktop/exchange", ScriptedAccount::summary("Otra Persona"));
+    EXPECT_TRUE(answer(u"Cambiar de cuenta"_s));
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return account.session().displayName() == u"Otra Persona"_s; }));
+    EXPECT_EQ(current(), u"Sesión iniciada con Google."_s);
+}
+
 TEST_F(MainWindowTest, tabGoesFromTheBarThroughTheColumnAndTheCanvasToThePanel)
 {
     session.load({photos(2)});
@@ -477,7 +564,7 @@ TEST_F(MainWindowTest, filesFromOneAfterTheOtherStartMakeOneBatch)
 {
     photos(3);
     window.open({QUrl::fromLocalFile(m_folder.filePath(u"f2.png"_s))});
-    window.open({QUrl::fromLocalFile(m_folder.filePath(u"f0.png"_s)), QUrl(u"moltiva://x"_s)});
+    window.open({QUrl::fromLocalFile(m_folder.filePath(u"f0.png"_s))});
     window.open({QUrl::fromLocalFile(m_folder.filePath(u"f1.png"_s))});
     settle();
     ASSERT_EQ(session.batch().items.size(), 3);
@@ -724,7 +811,7 @@ TEST_F(MainWindowTest, theMenuOffersWhatCanBeDoneAndMarksWhatHolds)
                        u"Deshacer"_s, u"Rehacer"_s, u"Editar el texto"_s,
                        u"Ocultar texto o eliminar forma"_s, u"Copiar estilo"_s, u"Pegar estilo"_s,
                        u"Línea"_s, u"Imagen anterior"_s, u"Imagen siguiente"_s, u"Acercar"_s,
-                       u"Zona segura"_s, u"Buscar actualizaciones..."_s});
+                       u"Zona segura"_s});
     };
     const auto checked = [&] {
         return marked(&QAction::isChecked,
