@@ -25,7 +25,6 @@ const QString clientIdentifier = u"moltiva-macos"_s;
 const QString checkoutClient = u"macos-native"_s;
 constexpr int mostRedirections = 5;
 constexpr qint64 largestPublishReply = 256 * 1024;
-constexpr qsizetype longestPostAddress = 2'000;
 
 // The stored session cookie if it belongs to `pair` or has no stored pair; empty if not.
 QByteArray storedCookie(const PreferencesStore& preferences, const QByteArray& pair)
@@ -55,14 +54,6 @@ QByteArray pairOf(const ServiceConfiguration& configuration)
     const auto& [service, site] = std::pair(configuration.service, configuration.site);
     const bool isOnePlace = service && site ? sameOrigin(*service, *site) : !service && !site;
     return isOnePlace ? originOf(service) : originOf(service) + ' ' + originOf(site);
-}
-
-// Whether a browser may be told to open the address of a post.
-bool isOpenable(const std::optional<QUrl>& address)
-{
-    return address && !address->host().isEmpty() &&
-           (address->scheme() == u"https"_s || address->scheme() == u"http"_s) &&
-           address->toEncoded().size() <= longestPostAddress;
 }
 
 QCoro::Task<AccountSummary> confirmed(QCoro::Task<CheckoutConfirmResponse> asking)
@@ -270,8 +261,7 @@ QCoro::Task<SocialPublishResponse> AccountAPI::published(Call call, std::stop_to
     auto reply = fromWire<SocialPublishResponse>(body);
     if (!reply || !reply->ok.value_or(true))
         throw AccountError::invalidResponse();
-    if (!isOpenable(reply->url))
-        reply->url.reset();
+    reply->url = pageOfPost(reply->url);
     co_return std::move(*reply);
 }
 

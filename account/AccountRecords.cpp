@@ -133,3 +133,12 @@ MOLTIVA_WIRE_RECORD(PurchaseHistoryResponse)
 MOLTIVA_WIRE_RECORD(PurchaseDocumentLinkResponse)
 
 #undef MOLTIVA_WIRE_RECORD
+
+std::optional<QUrl> pageOfPost(const std::optional<QUrl>& url)
+{
+    constexpr qsizetype longest = 2'000;
+    const bool isPage = url && url->isValid() && !url->host().isEmpty() &&
+                        (url->scheme() == u"https" || url->scheme() == u"http") &&
+                        url->toEncoded().size() <= longest;
+    return isPage ? url : std::nullopt;
+}

@@ -163,6 +163,8 @@ struct SocialPublishResponse {
     std::optional<QString> id, status;
     std::optional<QUrl> url;
 };
+// The address if a browser may open it as the page of a post.
+std::optional<QUrl> pageOfPost(const std::optional<QUrl>& url);
 
 struct TemplateUploadRequest {
     QString fileName;

@@ -1,24 +1,13 @@
 #include "account/ConnectedAccount.h"
 
-#include <QCoreApplication>
 #include <QDir>
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// The local service's executable, installed beside this program.
-QString serviceProgram()
-{
-    return QDir(QCoreApplication::applicationDirPath()).filePath(u"moltiva-service"_s);
-}
-
-}    // namespace
-
 ConnectedAccount::ConnectedAccount(const ServiceConfiguration& configuration,
                                    PreferencesStore& preferences, const QString& dataFolder,
                                    AccountSession::Surroundings surroundings)
-    : m_local({.program = serviceProgram(),
+    : m_local({.program = localServiceProgram(),
                .data = QDir(dataFolder).filePath(u"service"_s),
                .administrator = configuration.administratorEmail}),
       m_api(configuration, preferences, &m_local), m_session(m_api, std::move(surroundings)),

@@ -4,6 +4,7 @@
 #include "account/CreditAccount.h"
 #include "account/JournalEntry.h"
 #include "platform/HttpClient.h"
+#include "platform/Log.h"
 #include "platform/PreferencesStore.h"
 
 #include <QDateTime>
@@ -124,6 +125,8 @@ QCoro::Task<ChargeResult> CreditJournal::run(ChargedOperation operation)
     if (isDone) {
         reached("worked");
         result.isRecorded = isRecorded(operation, entry);
+        if (!entry.isEmpty())
+            qCInfo(logWork) << "paid" << operation.cost << "credits; stored:" << result.isRecorded;
         reached("recorded");
         co_return std::move(result);
     }
@@ -158,6 +161,8 @@ QCoro::Task<ChargeResult> CreditJournal::reserve(QString key, ChargedOperation o
     } catch (const std::exception& error) {
         result = notReserved(readable(error), refusalOf(error));
     }
+    qCInfo(logWork) << "reserving" << operation.cost << "credits:"
+                    << (result.state == ChargeResult::State::done ? "done" : "not reserved");
     if (!self)
         co_return std::move(result);
     if (result.state == ChargeResult::State::done) {
@@ -201,7 +206,7 @@ QCoro::Task<QString> CreditJournal::refusalAfterEarlierCharge(QString key, qint6
 }
 
 // Writes the entry of `operation` under `key`. Replaces an entry that an earlier run left open
-// under the same key. Returns why the entry could not be written; empty on success.
+// under the same key. Returns the refusal if it could not be written; nothing on success.
 std::optional<ChargeResult> CreditJournal::openEntry(const QString& key,
                                                      const ChargedOperation& operation)
 {
@@ -349,6 +354,8 @@ QCoro::Task<CreditJournal::Refund> CreditJournal::askBack(QString key)
     if (refund == Refund::neverReserved && entry->isReserved)
         refund = afterDenial(key, *entry, asked);
     reached("refunded");
+    qCInfo(logWork) << "refunding" << entry->cost
+                    << "credits:" << (isPending(refund) ? "later" : "settled");
     // A reservation request that reaches the service after this refund needs another refund, so the
     // entry stays until `late`.
     const double late = std::min(entry->lateUntil, soon());    // the clock may have been set back

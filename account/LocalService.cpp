@@ -4,6 +4,7 @@
 #include "platform/HttpClient.h"
 #include "platform/UserFolders.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -49,6 +50,11 @@ bool hasEnded(qint64 process)
 }
 
 }    // namespace
+
+QString localServiceProgram()
+{
+    return QDir(QCoreApplication::applicationDirPath()).filePath(u"moltiva-service"_s);
+}
 
 LocalService::LocalService(Place place, QObject* parent)
     : QObject(parent), m_place(std::move(place))

@@ -13,6 +13,9 @@
 #include <memory>
 #include <stop_token>
 
+// The local service's executable, which is installed beside this program.
+QString localServiceProgram();
+
 // Finds or starts the account service on this machine. All processes with the same data folder
 // share one service, which ends after the last of them.
 class LocalService : public QObject {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <vector>
 
 inline void turnFor(int milliseconds)
@@ -81,3 +82,43 @@ public:
 private:
     int m_depth = 0;
 };
+
+inline constexpr double frame = 16;    // milliseconds
+
+// The processor time that this thread has used, in milliseconds. On a busy machine it tells what an
+// event costs better than the clock does.
+inline double processorTime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+}
+
+// Prints each event that takes longer than a frame.
+class NamingApplication : public TimedApplication {
+public:
+    using TimedApplication::TimedApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        const char* name = receiver->metaObject()->className();
+        const int type = event->type();
+        const std::size_t before = milliseconds.size();
+        const double begin = processorTime();
+        const bool done = TimedApplication::notify(receiver, event);
+        if (milliseconds.size() > before && milliseconds.back() > frame) {
+            std::printf("  %5.1f ms, %5.1f of them working: event %d of %s\n", milliseconds.back(),
+                        processorTime() - begin, type, name);
+        }
+        return done;
+    }
+};
+
+// Prints how many of the events took longer than a frame, and forgets them.
+inline void tellEvents(const char* what, std::vector<double>& events)
+{
+    const auto slow = std::ranges::count_if(events, [](double time) { return time > frame; });
+    std::printf("%s: %zu events, %lld over %.0f ms\n", what, events.size(), qlonglong(slow), frame);
+    report("  one event", events);
+    events.clear();
+}

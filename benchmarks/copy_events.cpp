@@ -27,24 +27,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int answerTime = 40, actionPause = 15;    // milliseconds
-constexpr double frame = 16;                        // milliseconds
-
-// Prints each event that takes longer than a frame.
-class NamingApplication : public TimedApplication {
-public:
-    using TimedApplication::TimedApplication;
-
-    bool notify(QObject* receiver, QEvent* event) override
-    {
-        const char* name = receiver->metaObject()->className();
-        const int type = event->type();
-        const std::size_t before = milliseconds.size();
-        const bool done = TimedApplication::notify(receiver, event);
-        if (milliseconds.size() > before && milliseconds.back() > frame)
-            std::printf("  %5.1f ms: event %d of %s\n", milliseconds.back(), type, name);
-        return done;
-    }
-};
 
 // Does one of the things that a user does meanwhile, in turn.
 class Meddler {
@@ -94,14 +76,6 @@ private:
     int m_step = 0;
 };
 
-void tell(const char* what, std::vector<double>& events)
-{
-    const auto slow = std::ranges::count_if(events, [](double time) { return time > frame; });
-    std::printf("%s: %zu events, %lld over %.0f ms\n", what, events.size(), qlonglong(slow), frame);
-    report("  one event", events);
-    events.clear();
-}
-
 }    // namespace
 
 int main(int argc, char** argv)
@@ -146,12 +120,12 @@ int main(int argc, char** argv)
     application.milliseconds.clear();
     session.copy().analyzeSelected();
     turnUntil([&] { return !session.isAnalyzing(); });
-    tell("run alone", application.milliseconds);
+    tellEvents("run alone", application.milliseconds);
 
     session.copy().analyzeSelected();
     acting.start(actionPause);
     turnUntil([&] { return !session.isAnalyzing(); });
-    tell("run with edits, drags and undo", application.milliseconds);
+    tellEvents("run with edits, drags and undo", application.milliseconds);
 
     session.selectAll();
     session.copy().analyzeSelected();
@@ -160,7 +134,7 @@ int main(int argc, char** argv)
     turnUntil([&] { return !session.isAnalyzing() && !session.isImporting(); });
     acting.stop();
     turnUntil([&] { return window.isIdle(); });
-    tell("run with edits and an import", application.milliseconds);
+    tellEvents("run with edits and an import", application.milliseconds);
     std::printf("%lld photos; peak memory %.0f MB\n", qlonglong(session.batch().items.size()),
                 double(peakMemory()) / 1e6);
     return 0;

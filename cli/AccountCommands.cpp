@@ -136,7 +136,7 @@ int runLogout(const QStringList& arguments, const ServiceConfiguration& configur
 int runAccount(const QStringList& arguments, const ServiceConfiguration& configuration)
 {
     AccountCommand command(u"account"_s, u"Muestra el nombre y los créditos de la cuenta."_s,
-                           configuration);
+                           configuration, AccountCommand::Needs::signIn);
     const QCommandLineOption json(u"json"_s, u"como objeto JSON"_s);
     command.parser().addOption(json);
     if (const auto status = command.parse(arguments))
@@ -161,7 +161,8 @@ int runAccount(const QStringList& arguments, const ServiceConfiguration& configu
 
 int runHistory(const QStringList& arguments, const ServiceConfiguration& configuration)
 {
-    AccountCommand command(u"history"_s, u"Muestra las compras de la cuenta."_s, configuration);
+    AccountCommand command(u"history"_s, u"Muestra las compras de la cuenta."_s, configuration,
+                           AccountCommand::Needs::signIn);
     const QCommandLineOption json(u"json"_s, u"un objeto JSON por compra"_s);
     command.parser().addOption(json);
     if (const auto status = command.parse(arguments))

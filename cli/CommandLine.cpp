@@ -1,5 +1,4 @@
 #include "cli/CommandLine.h"
-#include "cli/shared/ExitStatus.h"
 
 #include "account/ServiceConfiguration.h"
 #include "cli/AccountCommands.h"
@@ -8,6 +7,8 @@
 #include "cli/LocalCommand.h"
 #include "cli/NetworkCommands.h"
 #include "cli/PublishCommand.h"
+#include "cli/SelfTest.h"
+#include "cli/shared/CommandHelp.h"
 #include "cli/shared/Terminal.h"
 
 #include <QCoreApplication>
@@ -45,7 +46,24 @@ const Command* commandNamed(const QString& name)
     return found == commands.end() ? nullptr : &*found;
 }
 
-void printHelp()
+int printProgramHelp(const QStringList& arguments);
+int printVersion(const QStringList& arguments);
+
+// An option of the program itself, which is the first argument.
+struct ProgramOption {
+    QStringView shortName, name, shown, summary;
+    int (*run)(const QStringList& arguments);
+};
+
+constexpr std::array programOptions{
+    ProgramOption{u"-h", u"--help", u"-h, --help", u"muestra esta ayuda; con una orden, la suya",
+                  &printProgramHelp},
+    ProgramOption{u"-v", u"--version", u"-v, --version", u"muestra la versión", &printVersion},
+    ProgramOption{u"", u"--self-test", u"--self-test", u"comprueba que no falta nada para trabajar",
+                  &runSelfTest},
+};
+
+int printProgramHelp(const QStringList&)
 {
     QString text = u"Moltiva, el estudio para preparar publicaciones por lotes.\n\n"
                    "Uso:\n"
@@ -55,16 +73,25 @@ void printHelp()
                    "Órdenes:\n"_s;
     for (const Command& command : commands)
         text += u"  %1  %2\n"_s.arg(command.name, -27).arg(command.summary);
-    text +=
-        u"\nOpciones:\n"
-        "  -h, --help                   muestra esta ayuda; con una orden, la suya\n"
-        "  -v, --version                muestra la versión\n"
-        "  --service URL, --site URL    el servicio de cuentas y el sitio web, si no son los de "
-        "este equipo\n"_s;
+    text += u"\nOpciones:\n"_s;
+    for (const ProgramOption& option : programOptions)
+        text += u"  %1  %2\n"_s.arg(option.shown, -27).arg(option.summary);
+    text += u"  --verbose                    cuenta en la salida de errores lo que hace\n"
+            "  --service URL, --site URL    el servicio de cuentas y el sitio web, si no son los "
+            "de este equipo\n"_s;
+    text += exitStatusHelp({{exitDone, u"la ventana se ha cerrado, o estaba abierta y ha recibido "
+                                       "lo que había que abrir"_s},
+                            {exitSomeFailed, u"la ventana que ya está abierta no responde"_s},
+                            {exitWrongUse, u"mal uso, o no hay pantalla"_s}});
     std::fputs(text.toUtf8().constData(), stdout);
+    return exitDone;
 }
 
-const QStringList helpOptions{u"-h"_s, u"--help"_s}, versionOptions{u"-v"_s, u"--version"_s};
+int printVersion(const QStringList&)
+{
+    std::printf("moltiva %s\n", qPrintable(QCoreApplication::applicationVersion()));
+    return exitDone;
+}
 
 }    // namespace
 
@@ -85,14 +112,11 @@ int runNamed(const QStringList& arguments, const ServiceConfiguration& configura
     const QString first = arguments.value(0);
     if (const Command* command = commandNamed(first))
         return command->run(arguments.mid(1), configuration);
-    if (helpOptions.contains(first)) {
-        printHelp();
-        return exitDone;
-    }
-    if (versionOptions.contains(first)) {
-        std::printf("moltiva %s\n", qPrintable(QCoreApplication::applicationVersion()));
-        return exitDone;
-    }
+    const auto option = std::ranges::find_if(programOptions, [&first](const ProgramOption& each) {
+        return first == each.name || (!first.isEmpty() && first == each.shortName);
+    });
+    if (option != programOptions.end())
+        return option->run(arguments.mid(1));
     print(stderr, u"moltiva: no conozco «%1». Prueba «moltiva --help»."_s.arg(first));
     return exitWrongUse;
 }

@@ -1,7 +1,7 @@
 #include "cli/ExportOptions.h"
 
 #include "cli/SampleBatch.h"
-#include "cli/shared/ExitStatus.h"
+#include "cli/shared/CommandHelp.h"
 #include "cli/shared/OutputFolder.h"
 #include "cli/shared/Terminal.h"
 #include "studio/PhotoFolder.h"
@@ -41,7 +41,7 @@ public:
         if (!m_parser.parse(QStringList{u"moltiva export"_s} + arguments))
             return wrongUse(m_parser.errorText());
         if (m_parser.isSet(m_help)) {
-            print(stdout, helpText().trimmed());
+            printHelp();
             return exitDone;
         }
         for (const auto step : {&ExportArguments::readLooks, &ExportArguments::readJobs,
@@ -56,19 +56,16 @@ public:
 private:
     using Failure = std::optional<int>;    // the exit status after a failure; empty: success
 
-    QString helpText() const
+    void printHelp() const
     {
-        // Replaces the first line, in which QCommandLineParser leaves out the command.
-        QString text = m_parser.helpText();
-        text.replace(0, text.indexOf(u'\n'), u"Uso: moltiva export [opciones] foto|carpeta…"_s);
-        return text + u"\nEstado de salida:\n"
-                      "  0    todo exportado\n"
-                      "  1    algo no se pudo leer o guardar\n"
-                      "  2    mal uso\n"
-                      "  3    nadie ha iniciado sesión\n"
-                      "  4    no hay créditos suficientes\n"
-                      "  5    no hay conexión con el servicio de cuentas\n"
-                      "  130  interrumpido\n"_s;
+        printCommandHelp(m_parser, u"export [opciones] foto|carpeta…"_s,
+                         {{exitDone, u"todo exportado"_s},
+                          {exitSomeFailed, u"algo no se pudo leer o guardar"_s},
+                          {exitWrongUse},
+                          {exitNotSignedIn},
+                          {exitTooFewCredits},
+                          {exitNoNetwork},
+                          {exitInterrupted}});
     }
 
     Failure readLooks()

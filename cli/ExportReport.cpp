@@ -3,6 +3,7 @@
 #include "cli/shared/Terminal.h"
 #include "model/JsonMapping.h"
 #include "model/PlainText.h"
+#include "studio/export/RenderLanes.h"
 
 #include <QFileInfo>
 
@@ -151,8 +152,7 @@ void ExportReport::unwritten(const QString& photo, const QString& path, const QS
 
 void ExportReport::unprepared(const QStringList& photos, const QString& place)
 {
-    const QString error = u"No se pudo escribir en «%1», donde se preparan las imágenes. ¿Queda "
-                          "espacio en el disco?"_s.arg(place);
+    const QString error = stagingFailure(place);
     tell(error);
     printFailures(photos, error);
 }

@@ -1,6 +1,6 @@
 #include "cli/GenerateOptions.h"
 
-#include "cli/shared/ExitStatus.h"
+#include "cli/shared/CommandHelp.h"
 #include "cli/shared/PhotoArguments.h"
 #include "cli/shared/Terminal.h"
 
@@ -16,19 +16,17 @@ int refused(const QString& sentence)
     return exitWrongUse;
 }
 
-QString helpOf(const QCommandLineParser& parser)
+void printHelpOfGeneration(const QCommandLineParser& parser)
 {
-    // Replaces the first line, in which QCommandLineParser leaves out the command.
-    QString text = parser.helpText();
-    text.replace(0, text.indexOf(u'\n'), u"Uso: moltiva generate [opciones] foto|carpeta…"_s);
-    return text + u"\nEstado de salida:\n"
-                  "  0    todos los textos están\n"
-                  "  1    alguna foto se quedó sin textos\n"
-                  "  2    mal uso\n"
-                  "  3    nadie ha iniciado sesión (solo en la nube)\n"
-                  "  4    no hay créditos suficientes (solo en la nube)\n"
-                  "  5    no hay conexión con el servicio de cuentas (solo en la nube)\n"
-                  "  130  interrumpido"_s;
+    printCommandHelp(
+        parser, u"generate [opciones] foto|carpeta…"_s,
+        {{exitDone, u"todos los textos están"_s},
+         {exitSomeFailed, u"alguna foto se quedó sin textos"_s},
+         {exitWrongUse},
+         {exitNotSignedIn, u"nadie ha iniciado sesión (solo en la nube)"_s},
+         {exitTooFewCredits, u"no hay créditos suficientes (solo en la nube)"_s},
+         {exitNoNetwork, u"no hay conexión con el servicio de cuentas (solo en la nube)"_s},
+         {exitInterrupted}});
 }
 
 }    // namespace
@@ -63,7 +61,7 @@ std::variant<GenerateOptions, int> generateOptions(const QStringList& arguments)
     if (!parser.parse(QStringList{u"moltiva generate"_s} + arguments))
         return refused(parser.errorText());
     if (parser.isSet(help)) {
-        print(stdout, helpOf(parser).trimmed());
+        printHelpOfGeneration(parser);
         return exitDone;
     }
     GenerateOptions options;

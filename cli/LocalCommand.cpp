@@ -1,13 +1,12 @@
 #include "cli/LocalCommand.h"
 
-#include "cli/shared/ExitStatus.h"
+#include "cli/shared/CommandHelp.h"
 #include "cli/shared/Interrupt.h"
 #include "cli/shared/Terminal.h"
 #include "copygen/LocalAIManager.h"
 #include "copygen/PinnedDownload.h"
 #include "model/JsonMapping.h"
 
-#include <QCommandLineParser>
 #include <QEventLoop>
 
 #include <array>
@@ -268,16 +267,13 @@ constexpr std::array localActions{
     LocalAction{u"uninstall", u"la borra de este equipo", &LocalRun::uninstall},
 };
 
-void printLocalHelp()
+QString localDescription()
 {
-    QString text = u"Uso: moltiva local ACCIÓN [--json]\n\nLa IA que escribe los textos en este "
-                   "equipo, sin créditos.\n\nAcciones:\n"_s;
+    QString text = u"La IA que escribe los textos en este equipo, sin créditos. Ctrl+C detiene la "
+                   "instalación; la siguiente sigue donde se quedó.\n\nAcciones:"_s;
     for (const LocalAction& action : localActions)
-        text += u"  %1  %2\n"_s.arg(action.name, -12).arg(action.summary);
-    text += u"\nOpciones:\n  --json        un objeto JSON como resultado\n"
-            "  -h, --help    muestra esta ayuda\n\n"
-            "Ctrl+C detiene la instalación; la siguiente sigue donde se quedó.\n"_s;
-    std::fputs(text.toUtf8().constData(), stdout);
+        text += u"\n  %1  %2"_s.arg(action.name, -12).arg(action.summary);
+    return text;
 }
 
 }    // namespace
@@ -287,7 +283,9 @@ int runLocal(const QStringList& arguments, const ServiceConfiguration&)
     if (arguments.value(0) == u"fetch"_s)
         return runFetch(arguments.mid(1));
     QCommandLineParser parser;
-    const QCommandLineOption help(QStringList{u"h"_s, u"help"_s}), json(u"json"_s);
+    parser.setApplicationDescription(localDescription());
+    const QCommandLineOption help({u"h"_s, u"help"_s}, u"muestra esta ayuda"_s);
+    const QCommandLineOption json(u"json"_s, u"un objeto JSON como resultado"_s);
     parser.addOptions({help, json});
     const auto wrongUse = [](const QString& sentence) {
         tellOfEngine(sentence);
@@ -296,7 +294,11 @@ int runLocal(const QStringList& arguments, const ServiceConfiguration&)
     if (!parser.parse(QStringList{u"moltiva local"_s} + arguments))
         return wrongUse(parser.errorText());
     if (parser.isSet(help)) {
-        printLocalHelp();
+        printCommandHelp(parser, u"local ACCIÓN [--json]"_s,
+                         {{exitDone, u"está instalada (o borrada)"_s},
+                          {exitSomeFailed, u"no lo está"_s},
+                          {exitWrongUse},
+                          {exitInterrupted}});
         return exitDone;
     }
     const QStringList names = parser.positionalArguments();

@@ -84,7 +84,7 @@ bool isWebPage(const QUrl& page)
 int runNetworks(const QStringList& arguments, const ServiceConfiguration& configuration)
 {
     AccountCommand command(u"networks"_s, u"Muestra las redes en las que se puede publicar."_s,
-                           configuration);
+                           configuration, AccountCommand::Needs::signIn);
     const QCommandLineOption isJson(u"json"_s, u"un objeto JSON por red"_s);
     command.parser().addOption(isJson);
     if (const auto status = command.parse(arguments))
@@ -113,7 +113,7 @@ int runNetworks(const QStringList& arguments, const ServiceConfiguration& config
 int runConnect(const QStringList& arguments, const ServiceConfiguration& configuration)
 {
     AccountCommand command(u"connect"_s, u"Abre la página en la que se conecta una red."_s,
-                           configuration);
+                           configuration, AccountCommand::Needs::signIn);
     command.parser().addPositionalArgument(u"red"_s, u"la red"_s);
     if (const auto status = command.parse(arguments, 1))
         return *status;

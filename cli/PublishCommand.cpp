@@ -174,6 +174,8 @@ public:
         if (!looked)
             return stopped();
         m_payer = m_connection.session().accountKey();
+        m_records = std::make_shared<PublishRecords>(m_connection.preferences(), m_payer,
+                                                     m_connection.journal().programRun());
         const CommandBatch batch = commandBatch(
             m_options, looked->items, paidRenders(m_connection.preferences(), m_payer),
             {.unreadable = [this](const QString& photo) { m_report.unreadable(photo); },
@@ -200,6 +202,11 @@ public:
             return m_report.isAnyFailed() ? exitSomeFailed : exitDone;
         }
         m_report.tell(price);
+        if (m_again) {
+            m_line.cost = 0;
+            end(wordOf(PublishState::unconfirmed), withWayOn(m_again->sentence), stderr);
+            return exitSomeFailed;
+        }
         return published();
     }
 
@@ -244,26 +251,29 @@ private:
         subject.network = m_options.network;
         subject.placement = m_options.placement;
         subject.caption = m_caption;
-        if (m_options.isDryRun)    // else it is looked for once the images are rendered
-            subject.published = earlierPost(subject.items);
-        take(checkedPost(subject).found);
-        for (const CheckLine& check : std::as_const(m_line.checks))
-            m_report.tell(check.sentence);
+        const QStringList renders = fingerprintsOf(subject.items, m_options.format, exportSizeOf);
+        if (const PublishRecord* const earlier =
+                m_records->sent(renders, m_options.network, m_options.placement)) {
+            subject.published = *earlier;
+            if (!m_options.isDryRun && !m_options.isConfirmed &&
+                !isSameAttempt(*earlier, renders, m_caption, QDateTime::currentDateTimeUtc()))
+                m_again = checkOfPublished(*earlier);
+        }
+        const QList<PublishCheck> found = checkedPost(subject).found;
+        take(found);
+        for (const PublishCheck& check : found) {
+            if (check != m_again)    // the command ends with that
+                m_report.tell(check.sentence);
+        }
     }
 
-    std::optional<PublishRecord> earlierPost(const QList<PublicationItem>& items)
-    {
-        const PublishRecords records(m_connection.preferences(), m_payer,
-                                     m_connection.journal().programRun());
-        const PublishRecord* const found =
-            records.sent(fingerprintsOf(items, m_options.format, exportSizeOf), m_options.network,
-                         m_options.placement);
-        return found ? std::optional(*found) : std::nullopt;
-    }
-
+    // Notes the checks for the JSON output. They are told in another place.
     void take(const QList<PublishCheck>& found)
     {
         for (const PublishCheck& check : found) {
+            if (m_found.contains(check))
+                continue;
+            m_found.append(check);
             const auto item = std::ranges::find(m_items, check.item, &PublicationItem::id);
             m_line.checks.append(
                 {wordOf(check.kind), check.sentence, check.isWarning,
@@ -275,7 +285,7 @@ private:
     bool confirm(const QList<PublishCheck>& found)
     {
         for (const PublishCheck& check : found) {
-            if (m_options.isConfirmed)
+            if (m_options.isConfirmed && !m_found.contains(check))
                 m_report.tell(check.sentence);
         }
         return m_options.isConfirmed;
@@ -295,18 +305,21 @@ private:
         m_publish->confirms = [this](const QList<PublishCheck>& found) { return confirm(found); };
         const PublishOutcome outcome = QCoro::waitFor(runPublish(request, services(), m_publish));
         take(outcome.found);
-        if (!outcome.failedPhoto.isEmpty())
-            m_report.unreadable(outcome.failedPhoto);
         m_line.cost = outcome.isDone() && outcome.isCharged ? outcome.cost : 0;
         m_line.balance = m_connection.session().account().balance;
         m_line.refundPending = outcome.isRefundPending || !outcome.isRecorded;
         if (outcome.url)
             m_line.url = outcome.url->toString(QUrl::FullyEncoded);
-        QString sentence = outcome.sentence();
-        if (outcome.state == PublishState::unconfirmed)
-            sentence += u" Para publicar de todos modos, añade --again."_s;
-        end(wordOf(outcome.state), sentence, outcome.isDone() ? stdout : stderr);
+        const bool isUnconfirmed = outcome.state == PublishState::unconfirmed;
+        const QString sentence = outcome.sentence();
+        end(wordOf(outcome.state), isUnconfirmed ? withWayOn(sentence) : sentence,
+            outcome.isDone() ? stdout : stderr);
         return statusAfter(outcome);
+    }
+
+    static QString withWayOn(const QString& sentence)
+    {
+        return sentence + u" Para publicar de todos modos, añade --again."_s;
     }
 
     PublishServices services()
@@ -316,11 +329,11 @@ private:
         services.photos = m_photos;
         services.stagingPlace = stagingPlace();
         services.charge = chargeServices(m_connection, m_payer, m_items);
-        services.records = std::make_shared<PublishRecords>(preferences, m_payer,
-                                                            m_connection.journal().programRun());
+        services.records = m_records;
         services.send = sendThrough(&m_connection.api());
         services.largestPost = m_connection.api().largestPost();
         services.timeLimit = m_connection.api().limits().withBody;
+        services.preferences = &preferences;
         return services;
     }
 
@@ -403,6 +416,9 @@ private:
     bool m_isStopping = false;
     PublicationItems m_items;
     QString m_caption, m_payer;
+    std::shared_ptr<PublishRecords> m_records;    // of m_payer
+    QList<PublishCheck> m_found;                  // so far
+    std::optional<PublishCheck> m_again;          // only --again publishes in spite of it
     PublishLine m_line;
 };
 

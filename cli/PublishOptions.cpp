@@ -1,6 +1,6 @@
 #include "cli/PublishOptions.h"
 
-#include "cli/shared/ExitStatus.h"
+#include "cli/shared/CommandHelp.h"
 #include "cli/shared/Terminal.h"
 #include "model/PlainText.h"
 #include "studio/publish/PublishCaptions.h"
@@ -29,21 +29,17 @@ int refusedPublishing(const QString& sentence)
     return exitWrongUse;
 }
 
-QString helpOfPublishing(const QCommandLineParser& parser)
+void printHelpOfPublishing(const QCommandLineParser& parser)
 {
-    // Replaces the first line, in which QCommandLineParser leaves out the command.
-    QString text = parser.helpText();
-    text.replace(0, text.indexOf(u'\n'),
-                 u"Uso: moltiva publish --network RED [opciones] foto|carpeta…"_s);
-    return text + u"\nEstado de salida:\n"
-                  "  0    publicado\n"
-                  "  1    no se ha publicado, o alguna foto no se pudo leer\n"
-                  "  2    mal uso\n"
-                  "  3    nadie ha iniciado sesión\n"
-                  "  4    no hay créditos suficientes\n"
-                  "  5    no hay conexión con el servicio de cuentas\n"
-                  "  6    no se sabe si se ha publicado\n"
-                  "  130  interrumpido"_s;
+    printCommandHelp(parser, u"publish --network RED [opciones] foto|carpeta…"_s,
+                     {{exitDone, u"publicado"_s},
+                      {exitSomeFailed, u"no se ha publicado, o alguna foto no se pudo leer"_s},
+                      {exitWrongUse},
+                      {exitNotSignedIn},
+                      {exitTooFewCredits},
+                      {exitNoNetwork},
+                      {exitUnknown, u"no se sabe si se ha publicado"_s},
+                      {exitInterrupted}});
 }
 
 // Returns why the file cannot be read, as the end of a sentence; empty on success.
@@ -110,7 +106,7 @@ std::variant<PublishOptions, int> publishOptions(const QStringList& arguments)
     if (!parser.parse(QStringList{u"moltiva publish"_s} + arguments))
         return refusedPublishing(parser.errorText());
     if (parser.isSet(help)) {
-        print(stdout, helpOfPublishing(parser).trimmed());
+        printHelpOfPublishing(parser);
         return exitDone;
     }
     PublishOptions options;

@@ -1,5 +1,5 @@
 # Everything found here is a Debian package of packages.txt.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Widgets Network Sql Svg)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network Sql Svg DBus)
 find_package(QCoro6 REQUIRED COMPONENTS Core DBus)
 find_package(nlohmann_json REQUIRED)
 find_package(ICU REQUIRED COMPONENTS uc)

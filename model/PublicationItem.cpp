@@ -56,6 +56,15 @@ TextLayer* PublicationItem::layer(CopySlot slot)
     return found == layers.end() ? nullptr : &*found;
 }
 
+QString PublicationItem::layerName(QUuid layerId) const
+{
+    const auto text = std::ranges::find(layers, layerId, &TextLayer::id);
+    if (text != layers.end())
+        return row(text->slot).displayName.toString();
+    const auto shape = std::ranges::find(shapeLayers, layerId, &ShapeLayer::id);
+    return shape == shapeLayers.end() ? QString() : rawValue(shape->kind);
+}
+
 bool PublicationItem::hasLayer(QUuid layerId) const
 {
     const auto isIt = [layerId](const auto& candidate) { return candidate.id == layerId; };

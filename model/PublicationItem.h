@@ -37,6 +37,8 @@ struct PublicationItem {
     // The first layer with this slot; null if there is none.
     TextLayer* layer(CopySlot slot);
     bool hasLayer(QUuid layerId) const;    // looks among the text layers and the shapes
+    // What the user calls a text or a shape; empty for another id.
+    QString layerName(QUuid layerId) const;
 
     bool operator==(const PublicationItem&) const = default;
 };

@@ -1,5 +1,6 @@
 #include "platform/UserFolders.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QStandardPaths>
 #include <QStorageInfo>
@@ -17,8 +18,8 @@ QString cachePlace(const QString& name)
 
 void ignoreRelativeFolders()
 {
-    for (const char* name :
-         {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"}) {
+    for (const char* name : {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME",
+                             "XDG_RUNTIME_DIR"}) {
         if (!qgetenv(name).startsWith('/'))
             qunsetenv(name);
     }
@@ -29,6 +30,22 @@ QString userDataFolder()
     QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     QDir().mkpath(folder);
     return folder;
+}
+
+QString userStateFolder()
+{
+    QString base = qEnvironmentVariable("XDG_STATE_HOME");
+    if (base.isEmpty())
+        base = QDir::homePath() + u"/.local/state"_s;
+    const QString folder = base + u'/' + QCoreApplication::applicationName();
+    QDir().mkpath(base);
+    QDir().mkdir(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return folder;
+}
+
+QString logFile()
+{
+    return userStateFolder() + u"/moltiva.log"_s;
 }
 
 QString whyNotWritable(const QString& folder, const QString& otherwise)

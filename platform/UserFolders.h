@@ -9,6 +9,12 @@ void ignoreRelativeFolders();
 // Returns the folder for the user's data, and creates it if it is missing.
 QString userDataFolder();
 
+// Returns the folder for what the program notes about itself, such as its log, and creates it,
+// private to the user, if it is missing.
+QString userStateFolder();
+
+QString logFile();    // in that folder
+
 // Says why files cannot be written to `folder`, as the end of a Spanish sentence: the disk is
 // read-only or full; in all other cases, `otherwise`.
 QString whyNotWritable(const QString& folder,

@@ -5,7 +5,7 @@ cd "$(dirname "$0")/.."
 git rev-parse --is-inside-work-tree >/dev/null 2>&1 || { echo "Not a git checkout: style is not checked." >&2; exit 0; }
 
 git ls-files -z --cached --others --exclude-standard '*.cpp' '*.h' |
-    xargs -0 -r sh -c 'for f; do [ -e "$f" ] && printf "%s\0" "$f"; done' sh |
+    while IFS= read -r -d '' f; do [ ! -e "$f" ] || printf '%s\0' "$f"; done |
     xargs -0 -r clang-format --dry-run --Werror
 
 mapfile -t changed < <(git diff --name-only --diff-filter=d HEAD -- '*.cpp' 2>/dev/null

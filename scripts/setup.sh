@@ -1,4 +1,5 @@
-# Shared by ./run and ./test: installs what packages.txt lists for the given uses.
+# shellcheck shell=bash
+# Shared by ./run, ./test and scripts/package: installs what packages.txt lists for the given uses.
 
 # install_packages USE…: the packages of these uses that are not installed yet.
 install_packages() {
@@ -6,7 +7,7 @@ install_packages() {
     wanted=$(awk -v uses=" $* " '!/^#/ && NF == 2 && index(uses, " " $2 " ") { print $1 }' packages.txt)
     if ! command -v apt-get >/dev/null; then
         echo "This system has no apt-get. Install the equivalents of these Debian 12 packages yourself:" >&2
-        echo $wanted >&2
+        echo "${wanted//$'\n'/ }" >&2
         return 0
     fi
     for package in $wanted; do

@@ -1,12 +1,50 @@
 #include "studio/Activity.h"
 
+#include "platform/Log.h"
+
 #include <algorithm>
+
+namespace {
+
+const char* notedName(Activity::Kind kind)
+{
+    switch (kind) {
+    case Activity::Kind::account:
+        return "account";
+    case Activity::Kind::restoring:
+        return "restoring";
+    case Activity::Kind::importing:
+        return "importing";
+    case Activity::Kind::generating:
+        return "generating";
+    case Activity::Kind::exporting:
+        return "exporting";
+    case Activity::Kind::publishing:
+        break;
+    }
+    return "publishing";
+}
+
+}    // namespace
 
 std::optional<double> Activity::fraction() const
 {
     if (total == unknown)
         return std::nullopt;
     return total > 0 ? double(done) / double(total) : 0.0;
+}
+
+void Activities::set(const Activity& activity)
+{
+    if (m_running.insert_or_assign(activity.kind, activity).second)
+        m_began[activity.kind].start();
+}
+
+void Activities::end(Activity::Kind kind)
+{
+    if (m_running.erase(kind) > 0)
+        qCInfo(logWork).noquote() << notedName(kind) << "ended after" << m_began[kind].elapsed()
+                                  << "ms";
 }
 
 const Activity* Activities::find(Activity::Kind kind) const

@@ -2,6 +2,8 @@
 
 #include "model/PublicationItem.h"
 
+#include <QElapsedTimer>
+
 #include <functional>
 #include <map>
 #include <optional>
@@ -25,8 +27,8 @@ struct Activity {
 // The activities under way, at most one of each kind.
 class Activities {
 public:
-    void set(const Activity& activity) { m_running[activity.kind] = activity; }
-    void end(Activity::Kind kind) { m_running.erase(kind); }
+    void set(const Activity& activity);
+    void end(Activity::Kind kind);
 
     // Null when no activity of this kind is under way.
     const Activity* find(Activity::Kind kind) const;
@@ -39,4 +41,5 @@ public:
 
 private:
     std::map<Activity::Kind, Activity> m_running;
+    std::map<Activity::Kind, QElapsedTimer> m_began;    // for the log
 };

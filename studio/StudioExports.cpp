@@ -212,10 +212,11 @@ void StudioExports::start(ExportKind kind, const QList<int>& indices,
         Q_EMIT working(u"Descontando %1 créditos..."_s.arg(cost));
     };
     m_control->waiting = [this] { Q_EMIT working(waitsForPayment); };
+    showProgress({ExportProgress::Stage::rendering, 0, request.items.size()});
+    // After the first step, which would hide it.
     const QString notice = noticeOfExport(request.items);
     if (request.price != 0 && !notice.isEmpty())
         Q_EMIT told(notice, StatusKind::warning, {});
-    showProgress({ExportProgress::Stage::rendering, 0, request.items.size()});
     runToEnd(this, request, services, m_control);
 }
 

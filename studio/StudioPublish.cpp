@@ -20,23 +20,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString rateKey = u"moltiva.publishRate"_s;    // bytes a second at the last sending
-
 QString titleOf(SocialPublishNetwork network)
 {
     return row(network).title.toString();
-}
-
-QString connectionSentence(const QList<SocialNetworkConnection>& networks, const QString& siteName)
-{
-    const auto connected = std::ranges::count_if(networks, &SocialNetworkConnection::isConnected);
-    const auto missing = std::ranges::count_if(
-        networks, [](const auto& network) { return !network.isProviderConfigured(); });
-    if (connected > 0)
-        return u"%1 red(es) conectada(s). Puedes publicar o conectar otra cuenta."_s.arg(connected);
-    if (missing > 0)
-        return u"%1 red(es) pendiente(s) de activar en el servidor de Moltiva."_s.arg(missing);
-    return u"Conecta una red en %1 para poder publicar desde la app."_s.arg(siteName);
 }
 
 StatusKind kindOf(const PublishOutcome& outcome)
@@ -59,12 +45,6 @@ StatusKind kindOf(const PublishOutcome& outcome)
     Q_UNREACHABLE();
 }
 
-std::optional<double> storedRate(const PreferencesStore& preferences)
-{
-    const double rate = preferences.value(rateKey).value_or(QByteArray()).toDouble();
-    return std::isfinite(rate) && rate > 0 ? std::optional(rate) : std::nullopt;
-}
-
 }    // namespace
 
 StudioPublish::StudioPublish(std::shared_ptr<PhotoCache> photos, const OutputSize& outputSize,
@@ -74,6 +54,7 @@ StudioPublish::StudioPublish(std::shared_ptr<PhotoCache> photos, const OutputSiz
       m_preferences(preferences), m_captions(preferences), m_payment(payment)
 {
     connect(&costs, &RenderCosts::changed, this, &StudioPublish::followCosts);
+    connect(&m_connections, &SocialConnections::changed, this, &StudioPublish::changed);
 }
 
 StudioPublish::~StudioPublish()
@@ -95,6 +76,7 @@ bool StudioPublish::isGone(const QPointer<StudioPublish>& self)
 void StudioPublish::setAccount(AccountSession& account)
 {
     m_payment.account = &account;
+    m_connections.setAccount(account);
     m_refreshToken = account.socialConnectionRefreshToken();
     connect(&account, &AccountSession::changed, this, &StudioPublish::followAccount);
     followAccount();
@@ -110,6 +92,7 @@ void StudioPublish::setJournal(CreditJournal& journal, const QString& stagingPla
 void StudioPublish::setService(AccountAPI& api)
 {
     m_api = &api;
+    m_connections.setService(api);
 }
 
 void StudioPublish::setTextWarnings(const QHash<QUuid, QList<TextWarning>>& warnings)
@@ -127,11 +110,12 @@ void StudioPublish::followAccount()
     else if (!m_records || m_records->account() != key)
         m_records =
             std::make_shared<PublishRecords>(m_preferences, key, m_payment.journal->programRun());
-    if (key != m_accountKey && !m_accountKey.isEmpty()) {
-        m_networks.clear();
-        ++m_statusQuestion;    // an answer under way is about somebody else's networks
+    if (key != m_accountKey && !m_accountKey.isEmpty())
+        m_connections.forget();
+    if (std::exchange(m_accountKey, key) != key && !key.isEmpty()) {
+        m_captions.setAccount(key);
+        fillCaption();
     }
-    m_accountKey = key;
     findEarlier();
     const int token = account.socialConnectionRefreshToken();
     if (std::exchange(m_refreshToken, token) != token)
@@ -208,14 +192,6 @@ void StudioPublish::fillCaption()
 {
     if (const PublicationItem* const item = m_costs.batch().currentItem(); item && m_isPresented)
         m_captions.fill(m_network, *item);
-}
-
-const SocialNetworkConnection* StudioPublish::connection(SocialPublishNetwork network) const
-{
-    const auto found = std::ranges::find_if(m_networks, [&](const SocialNetworkConnection& each) {
-        return each.network.compare(row(network).rawValue, Qt::CaseInsensitive) == 0;
-    });
-    return found == m_networks.end() ? nullptr : &*found;
 }
 
 qint64 StudioPublish::balance() const
@@ -356,37 +332,16 @@ void StudioPublish::closePublishWindow()
     Q_EMIT changed();
 }
 
-QCoro::Task<bool> StudioPublish::loadNetworks(QPointer<StudioPublish> self)
-{
-    if (!self->m_api)
-        co_return false;
-    const int question = ++self->m_statusQuestion;
-    SocialStatusResponse status;
-    QCoro::Task<SocialStatusResponse> asking = self->m_api->socialStatus();
-    try {
-        status = co_await std::move(asking);
-    } catch (const std::exception&) {
-        co_return false;
-    }
-    if (isGone(self))
-        co_return false;
-    if (question == self->m_statusQuestion) {    // else a newer question is under way
-        self->m_networks = status.networks;
-        Q_EMIT self->changed();
-    }
-    co_return true;
-}
-
 QCoro::Task<> StudioPublish::refreshSocialStatus()
 {
     const QPointer<StudioPublish> self = this;
-    QCoro::Task<bool> loading = loadNetworks(self);
+    QCoro::Task<bool> loading = m_connections.load();
     const bool isLoaded = co_await std::move(loading);
     if (isGone(self))
         co_return;
     if (!m_control) {
         if (isLoaded)
-            tell(connectionSentence(m_networks, siteName()), StatusKind::note);
+            tell(m_connections.sentence(), StatusKind::note);
         else
             tell(u"No se han podido consultar las conexiones."_s, StatusKind::warning);
     }
@@ -395,70 +350,19 @@ QCoro::Task<> StudioPublish::refreshSocialStatus()
 
 QCoro::Task<> StudioPublish::refreshSocialConnectionsOnly()
 {
-    const QPointer<StudioPublish> self = this;
-    QCoro::Task<bool> loading = loadNetworks(self);
+    QCoro::Task<bool> loading = m_connections.load();
     co_await std::move(loading);
 }
 
 QCoro::Task<> StudioPublish::connectSocialNetwork(SocialPublishNetwork network)
 {
-    return openConnection(this, network);
-}
-
-QCoro::Task<> StudioPublish::openConnection(QPointer<StudioPublish> self,
-                                            SocialPublishNetwork network)
-{
-    if (self->m_control || !self->m_api || !self->m_payment.account)
+    const QPointer<StudioPublish> self = this;
+    if (m_control)
         co_return;
-    const QString name = rawValue(network), title = titleOf(network);
-    QUrl page;
-    std::optional<QString> refusal;
-    QCoro::Task<SocialConnectTokenResponse> asking = self->m_api->socialConnectToken(name);
-    try {
-        const SocialConnectTokenResponse response = co_await std::move(asking);
-        page = response.url;
-    } catch (const AccountError& error) {
-        if (error.kind() == AccountError::Kind::unauthorized)
-            refusal = PublishSentences::signInBeforeConnecting(network);
-        else if (error.text().contains(u"publicador") || error.text().contains(u"OAuth"))
-            refusal = error.text();
-    } catch (const std::exception&) {
-    }
-    if (isGone(self) || self->m_control)
-        co_return;
-    if (refusal) {
-        self->tell(*refusal, StatusKind::warning);
-    } else if (page.isEmpty()) {
-        QCoro::Task<> opening = openPlainConnection(self, network);
-        co_await std::move(opening);
-    } else if (self->m_payment.account->openPage(page)) {
-        self->tell(u"Abriendo %1 para conectar %2. El enlace caduca en unos minutos."_s.arg(
-                       self->siteName(), title),
-                   StatusKind::note);
-    } else {
-        self->tell(self->m_payment.account->message(), StatusKind::warning);
-    }
-}
-
-QCoro::Task<> StudioPublish::openPlainConnection(QPointer<StudioPublish> self,
-                                                 SocialPublishNetwork network)
-{
-    std::optional<QString> failure;
-    QCoro::Task<> locating = self->m_api->locate();
-    try {
-        co_await std::move(locating);
-    } catch (const std::exception& error) {
-        failure = readable(error);
-    }
-    if (isGone(self) || !self->m_api || !self->m_payment.account)
-        co_return;
-    if (!failure &&
-        !self->m_payment.account->openPage(self->m_api->socialConnectionURL(rawValue(network))))
-        failure = self->m_payment.account->message();
-    if (failure)
-        self->tell(*failure, StatusKind::warning);
-    else
-        self->tell(u"Abriendo conexión básica en %1."_s.arg(self->siteName()), StatusKind::note);
+    QCoro::Task<SocialConnections::Opening> opening = m_connections.open(network);
+    const SocialConnections::Opening told = co_await std::move(opening);
+    if (!isGone(self) && !m_control && !told.sentence.isEmpty())
+        tell(told.sentence, told.isOpened ? StatusKind::note : StatusKind::warning);
 }
 
 QCoro::Task<> StudioPublish::preparePublish(SocialPublishNetwork network,
@@ -474,7 +378,7 @@ QCoro::Task<> StudioPublish::preparePublish(SocialPublishNetwork network,
     if (known && !known->isProviderConfigured()) {
         tell(PublishSentences::inactiveProvider(network), StatusKind::warning);
     } else if (!known || !known->isConnected) {
-        QCoro::Task<> connecting = openConnection(self, network);
+        QCoro::Task<> connecting = connectSocialNetwork(network);
         co_await std::move(connecting);
     } else {
         QCoro::Task<> publishing = publish(self);
@@ -523,7 +427,7 @@ PublishServices StudioPublish::servicesNow()
     services.send = sendThrough(m_api);
     services.largestPost = m_api->largestPost();
     services.timeLimit = m_api->limits().withBody;
-    services.rate = storedRate(m_preferences);
+    services.preferences = &m_preferences;
     return services;
 }
 
@@ -594,8 +498,6 @@ void StudioPublish::finish(const PublishOutcome& outcome, const QString& caption
     const bool isUnconfirmed = outcome.state == PublishOutcome::State::unconfirmed;
     m_told = isUnconfirmed ? outcome.found : QList<PublishCheck>();
     m_foundPrepared = outcome.found;
-    if (outcome.rate)
-        m_preferences.setValue(rateKey, QByteArray::number(*outcome.rate));
     if (outcome.isDone()) {
         m_foundPrepared.clear();
         m_publishedPost = {outcome.network, outcome.placement, outcome.url};

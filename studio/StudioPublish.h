@@ -1,12 +1,12 @@
 #pragma once
 
-#include "account/AccountRecords.h"
 #include "studio/StatusLog.h"
 #include "studio/batch/Batch.h"
 #include "studio/export/RenderCosts.h"
 #include "studio/publish/PublishCaptions.h"
 #include "studio/publish/PublishChecks.h"
 #include "studio/publish/PublishOperation.h"
+#include "studio/publish/SocialConnections.h"
 
 #include <QCoroTask>
 #include <QMap>
@@ -57,9 +57,12 @@ public:
 
     const QString& publishStatus() const { return m_status; }
     StatusKind publishStatusKind() const { return m_statusKind; }
-    const QList<SocialNetworkConnection>& socialNetworks() const { return m_networks; }
+    const QList<SocialNetworkConnection>& socialNetworks() const { return m_connections.all(); }
     // Null while unknown.
-    const SocialNetworkConnection* connection(SocialPublishNetwork network) const;
+    const SocialNetworkConnection* connection(SocialPublishNetwork network) const
+    {
+        return m_connections.of(network);
+    }
     bool isPublishing() const { return m_control != nullptr; }
     const std::optional<PublishProgress>& progress() const { return m_progress; }
     const std::optional<PublishedPost>& publishedPost() const { return m_publishedPost; }
@@ -97,10 +100,6 @@ private:
     };
 
     static bool isGone(const QPointer<StudioPublish>& self);
-    static QCoro::Task<bool> loadNetworks(QPointer<StudioPublish> self);
-    static QCoro::Task<> openConnection(QPointer<StudioPublish> self, SocialPublishNetwork network);
-    static QCoro::Task<> openPlainConnection(QPointer<StudioPublish> self,
-                                             SocialPublishNetwork network);
     static QCoro::Task<> publish(QPointer<StudioPublish> self);
     static QCoro::Task<> runToEnd(QPointer<StudioPublish> self, PublishRequest request,
                                   PublishServices services,
@@ -123,15 +122,15 @@ private:
     const OutputSize m_outputSize;
     const RenderCosts& m_costs;
     PreferencesStore& m_preferences;
+    SocialConnections m_connections;
     PublishCaptions m_captions;
     ChargeServices m_payment;
     QString m_stagingPlace;
     QPointer<AccountAPI> m_api;
     std::shared_ptr<PublishRecords> m_records;    // null while nobody is signed in
     QHash<QUuid, QList<TextWarning>> m_warnings;
-    QString m_accountKey;        // AccountSession::accountKey()
-    int m_refreshToken = 0;      // AccountSession::socialConnectionRefreshToken()
-    int m_statusQuestion = 0;    // number of the last request for m_networks
+    QString m_accountKey;      // AccountSession::accountKey()
+    int m_refreshToken = 0;    // AccountSession::socialConnectionRefreshToken()
 
     bool m_isEnding = false;
     bool m_isPresented = false;
@@ -139,7 +138,6 @@ private:
     SocialPublishPlacement m_placement = SocialPublishPlacement::feed;
     QString m_status;
     StatusKind m_statusKind = StatusKind::note;
-    QList<SocialNetworkConnection> m_networks;
     QMap<SocialPublishNetwork, qint64> m_prices;
     std::optional<PublishedPost> m_publishedPost;
     std::shared_ptr<PublishControl> m_control;    // null: nothing is being published

@@ -122,6 +122,13 @@ public:
     void editLayer(const TextLayer& layer, LayerEdits::Copied copied = LayerEdits::Copied::style,
                    Pace pace = Pace::once);
     void editShape(const ShapeLayer& shape, Pace pace = Pace::once);
+    // These four change the frame of the selected layer within the limits that gestures have, and
+    // copy it to the other selected items. Distances are in pixels of the exported picture. Moves
+    // and changes of size in rapid succession are one undo step.
+    void moveLayer(double right, double down);
+    void resizeLayer(double wider, double taller);
+    void setLayerFrame(const CodableRect& frame, Pace pace);
+    void alignLayer(LayerAlignment alignment);
     void setPlacement(const ImagePlacement& placement, Pace pace = Pace::once);
     void addShape(ShapeKind kind);
     void deleteSelectedLayer();
@@ -207,6 +214,7 @@ Q_SIGNALS:
     void publishChanged();    // anything that publish() returns, but the progress
 
 private:
+    void changeFrame(const LayerEdits::FrameChange& change, const Step& step, Pace pace);
     void followChange(Editing::Outcome outcome, Pace pace);
     void showImport(const PhotoImport::Progress& progress);
     void stopImport();

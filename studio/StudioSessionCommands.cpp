@@ -164,6 +164,56 @@ void StudioSession::editShape(const ShapeLayer& shape, Pace pace)
                      pace);
 }
 
+void StudioSession::moveLayer(double right, double down)
+{
+    const QSizeF output = exportSize(batch().format);
+    changeFrame(
+        [&](const CodableRect& frame, SmallestFrame) {
+            return LayerFrame::moved(frame, right / output.width(), down / output.height());
+        },
+        Step::joined(), Pace::held);
+}
+
+void StudioSession::resizeLayer(double wider, double taller)
+{
+    const QSizeF output = exportSize(batch().format);
+    changeFrame(
+        [&](const CodableRect& frame, SmallestFrame smallest) {
+            return LayerFrame::resized(frame, wider / output.width(), taller / output.height(),
+                                       smallest);
+        },
+        Step::joined(), Pace::held);
+}
+
+void StudioSession::setLayerFrame(const CodableRect& frame, Pace pace)
+{
+    changeFrame([&](const CodableRect&, SmallestFrame) { return frame; }, Step::joined(), pace);
+}
+
+void StudioSession::alignLayer(LayerAlignment alignment)
+{
+    changeFrame([alignment](const CodableRect& frame,
+                            SmallestFrame) { return LayerFrame::aligned(frame, alignment); },
+                Step::own(), Pace::once);
+}
+
+void StudioSession::changeFrame(const LayerEdits::FrameChange& change, const Step& step, Pace pace)
+{
+    const PublicationItem* item = batch().currentItem();
+    const QString name = item ? item->layerName(batch().selectedLayerID) : QString();
+    if (name.isEmpty())
+        return setStatus(u"Selecciona una capa para moverla o cambiar su tamaño."_s);
+    Batch changed = batch();
+    LayerEdits::changeSelectedFrame(changed, change);
+    if (changed == batch())
+        return m_editing.change([](Batch&) {}, step, pace);
+    const qsizetype images = selectedIndicesForBatch().size();
+    setStatus(images > 1 ? u"%1: posición y tamaño en %2 imágenes."_s.arg(name).arg(images)
+                         : u"%1: posición y tamaño cambiados."_s.arg(name),
+              StatusKind::done);
+    m_editing.change([&](Batch& batch) { batch = changed; }, step, pace);
+}
+
 void StudioSession::setPlacement(const ImagePlacement& placement, Pace pace)
 {
     m_editing.change(

@@ -169,6 +169,9 @@ private:
         if (auto* sheet = m_window.findChild<AppSettingsWindow*>())
             sheet->setDestination(AppSettingsDestination::localAI);
         take(u"local-ai"_s);
+        if (auto* sheet = m_window.findChild<AppSettingsWindow*>())
+            sheet->setDestination(AppSettingsDestination::appearance);
+        take(u"appearance"_s);
         m_session.setAppSettingsPresented(false);
         return reached;
     }

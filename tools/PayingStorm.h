@@ -149,6 +149,21 @@ using StormLedger = std::map<QString, StormCharge>;
 class RenderJudge {
 public:
     explicit RenderJudge(const QString& ledgerFile) : m_ledgerFile(ledgerFile) {}
+    virtual ~RenderJudge() = default;
+
+    // Reads one line of a child's output. Returns whether the child waits for an answer.
+    bool hear(const QString& line)
+    {
+        const QStringList words = line.split(QLatin1Char(' '));
+        if (words[0] == QStringLiteral("paid"))
+            m_paid.insert(words.value(1));
+        else if (words[0] == QStringLiteral("open"))
+            m_left.insert(words.value(1));
+        else if (words[0] == QStringLiteral("step"))
+            m_step = words.value(1);
+        follow(words);
+        return words[0] == QStringLiteral("settled");
+    }
 
     void fail(const char* what, const QString& about)
     {
@@ -160,16 +175,7 @@ protected:
     // The renders that a request pays for.
     void plan(const QString& request, const QStringList& renders) { m_plans[request] = renders; }
 
-    // Reads one line of a child's output.
-    void hearState(const QStringList& words)
-    {
-        if (words[0] == QStringLiteral("paid"))
-            m_paid.insert(words.value(1));
-        else if (words[0] == QStringLiteral("open"))
-            m_left.insert(words.value(1));
-        else if (words[0] == QStringLiteral("step"))
-            m_step = words.value(1);
-    }
+    virtual void follow(const QStringList& words) = 0;    // of each line that is heard
 
     void countKill(bool isByItself)
     {

@@ -142,6 +142,9 @@ private:
             7};
         m_shown.images[1].hasWarning = m_shown.images[2].hasWarning = true;
         bool reached = take(u"publish-checks"_s);
+        m_shown.report.isChecking = true;
+        reached &= take(u"publish-checking"_s);
+        m_shown.report.isChecking = false;
         m_shown.isConfirming = true;
         m_shown.report.kind = StatusKind::warning;
         m_shown.report.sentence = u"Ya se publicó en este destino el 12 nov. Pulsa otra vez para "

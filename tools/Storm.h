@@ -6,6 +6,7 @@
 #include "account/AccountSession.h"
 #include "account/JournalEntry.h"
 #include "model/SocialFormat.h"
+#include "model/SocialPublishNetwork.h"
 #include "platform/PreferencesStore.h"
 
 #include <QCoroTask>
@@ -144,6 +145,28 @@ inline bool topUp(const QString& ledgerFile)
     };
     return onLedger(ledgerFile, SQLITE_OPEN_READWRITE, SQLITE_OK, insert) &&
            (rows == 1 || complain("the ledger has no account"));
+}
+
+// Connects the last account of the ledger with all networks.
+inline bool connectNetworks(const QString& ledgerFile)
+{
+    const auto insert = [](sqlite3* ledger) {
+        int result = SQLITE_OK;
+        for (const auto& network : Vocabulary<SocialPublishNetwork>::rows) {
+            const QString insertion =
+                QStringLiteral("INSERT OR IGNORE INTO social_connection"
+                               " (account, network, display_name, connected)"
+                               " SELECT account, '%1', 'Tormenta', 1 FROM ledger_entry"
+                               " ORDER BY id DESC LIMIT 1")
+                    .arg(network.rawValue.toString());
+            result =
+                sqlite3_exec(ledger, insertion.toUtf8().constData(), nullptr, nullptr, nullptr);
+            if (result != SQLITE_OK)
+                break;
+        }
+        return result;
+    };
+    return onLedger(ledgerFile, SQLITE_OPEN_READWRITE, SQLITE_OK, insert);
 }
 
 // One attempt to read all rows of `query`. Returns the result code of SQLite.

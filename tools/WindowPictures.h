@@ -17,7 +17,7 @@ public:
     // `isIdle` returns whether the window shows everything that it has requested.
     WindowPictures(const QDir& out, QWidget& window, std::function<bool()> isIdle);
 
-    static constexpr QSize sizes[] = {{1200, 720}, {1440, 900}, {2560, 1440}};
+    static constexpr QSize sizes[] = {{1093, 614}, {1200, 720}, {1440, 900}, {2560, 1440}};
 
     // Runs the event loop until `reached` returns true. Returns false after a minute.
     static bool waitFor(const std::function<bool()>& reached);

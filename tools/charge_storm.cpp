@@ -90,33 +90,6 @@ class Judge : public RenderJudge {
 public:
     using RenderJudge::RenderJudge;
 
-    // Reads one line of a child's output. Returns whether the child waits for an answer.
-    bool hear(const QString& line)
-    {
-        const QStringList words = line.split(u' ');
-        const QString& word = words[0];
-        hearState(words);
-        if (word == u"plan") {
-            m_files = words.value(1).toInt();
-            m_written = 0;
-            m_request = words.value(2);
-            m_isFree = m_request.isEmpty();
-            if (!m_request.isEmpty())
-                plan(m_request, words.mid(3));
-        } else if (word == u"step") {
-            m_written += m_step == u"wrote";
-            if (m_step == u"recorded")
-                m_request.clear();
-        } else if (word == u"ended") {
-            const bool isDone = words.value(1).toInt() == int(StatusKind::done);
-            m_exports += isDone;
-            m_freeExports += isDone && m_isFree;
-            m_request.clear();
-            m_step = u"none"_s;
-        }
-        return word == u"settled";
-    }
-
     void childDied(bool isByItself)
     {
         countKill(isByItself);
@@ -145,6 +118,28 @@ public:
     }
 
 private:
+    void follow(const QStringList& words) override
+    {
+        if (words[0] == u"plan") {
+            m_files = words.value(1).toInt();
+            m_written = 0;
+            m_request = words.value(2);
+            m_isFree = m_request.isEmpty();
+            if (!m_request.isEmpty())
+                plan(m_request, words.mid(3));
+        } else if (words[0] == u"step") {
+            m_written += m_step == u"wrote";
+            if (m_step == u"recorded")
+                m_request.clear();
+        } else if (words[0] == u"ended") {
+            const bool isDone = words.value(1).toInt() == int(StatusKind::done);
+            m_exports += isDone;
+            m_freeExports += isDone && m_isFree;
+            m_request.clear();
+            m_step = u"none"_s;
+        }
+    }
+
     // Ids of requests whose files were all written, but whose payment was not recorded.
     std::set<QString> m_unrecorded;
     QString m_request;    // of the export under way

@@ -110,22 +110,6 @@ class Judge : public RenderJudge {
 public:
     using RenderJudge::RenderJudge;
 
-    // Reads one line of a child's output. Returns whether the child waits for an answer.
-    bool hear(const QString& line)
-    {
-        const QStringList words = line.split(u' ');
-        const QString& word = words[0];
-        hearState(words);
-        if (word == u"plan")
-            plan(words.value(1), words.mid(2));
-        else if (word == u"post")
-            m_records[words.value(1)] = {PublishRecord::State(words.value(2).toInt()),
-                                         words.mid(3)};
-        else if (word == u"ended")
-            m_ended += words.value(1).toInt();
-        return word == u"settled";
-    }
-
     void childDied(bool isByItself)
     {
         countKill(isByItself);
@@ -174,6 +158,17 @@ public:
     }
 
 private:
+    void follow(const QStringList& words) override
+    {
+        if (words[0] == u"plan")
+            plan(words.value(1), words.mid(2));
+        else if (words[0] == u"post")
+            m_records[words.value(1)] = {PublishRecord::State(words.value(2).toInt()),
+                                         words.mid(3)};
+        else if (words[0] == u"ended")
+            m_ended += words.value(1).toInt();
+    }
+
     struct Record {
         PublishRecord::State state = PublishRecord::State::sending;
         QStringList renders;
@@ -183,29 +178,11 @@ private:
     int m_ended = 0, m_doubts = 0;
 };
 
-// Connects the last account with all networks.
-bool connectNetworks(const StormService& service)
-{
-    sqlite3* handle = nullptr;
-    sqlite3_open(service.ledgerFile().toUtf8().constData(), &handle);
-    sqlite3_busy_timeout(handle, 5000);
-    bool isConnected = true;
-    for (const auto& network : Vocabulary<SocialPublishNetwork>::rows) {
-        const QString insertion =
-            u"INSERT INTO social_connection (account, network, display_name, connected)"
-            " SELECT account, '%1', 'Tormenta', 1 FROM ledger_entry ORDER BY id DESC LIMIT 1"_s.arg(
-                network.rawValue.toString());
-        isConnected = sqlite3_exec(handle, insertion.toUtf8().constData(), nullptr, nullptr,
-                                   nullptr) == SQLITE_OK &&
-                      isConnected;
-    }
-    sqlite3_close(handle);
-    return isConnected;
-}
-
 }    // namespace
 
 int main(int argc, char** argv)
 {
-    return payingStormMain<Child, Judge>(argc, argv, steps, &connectNetworks);
+    return payingStormMain<Child, Judge>(argc, argv, steps, [](const StormService& service) {
+        return connectNetworks(service.ledgerFile());
+    });
 }

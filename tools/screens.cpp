@@ -15,6 +15,7 @@
 #include "app/controls/Button.h"
 #include "app/controls/popovers/FontField.h"
 #include "app/controls/popovers/Swatch.h"
+#include "app/desktop/RecentPlaces.h"
 #include "app/layers/ShapesPanel.h"
 #include "app/layers/SidePanel.h"
 #include "app/layers/TextPanel.h"
@@ -24,7 +25,9 @@
 #include "app/theme/StudioStyle.h"
 #include "app/theme/Theme.h"
 #include "app/window/DropVeil.h"
+#include "app/window/KeysSheet.h"
 #include "app/window/MainWindow.h"
+#include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"
 #include "cli/SampleBatch.h"
 #include "platform/Memory.h"
@@ -111,6 +114,7 @@ public:
         m_window.shell()->dropVeil()->offer({.images = 24, .folder = false, .replaces = false});
         reached &= take(u"drop"_s);
         m_window.shell()->dropVeil()->hide();
+        reached &= takeRecent();
 
         m_session.load({QUrl::fromLocalFile(m_folder.path())});
         reached &= take(u"nothing-found"_s);
@@ -132,6 +136,9 @@ public:
         m_session.selectSingleIndex(last);
         m_session.removeCurrentItem();
         reached &= take(u"discarded"_s);
+        m_window.menu()->action(u"Atajos de teclado")->trigger();
+        reached &= take(u"keys"_s);
+        Q_EMIT m_window.findChild<KeysSheet*>()->closeRequested();
         return reached;
     }
 
@@ -159,6 +166,20 @@ private:
     void select(CopySlot slot)
     {
         m_session.selectLayer(std::ranges::find(current().layers, slot, &TextLayer::slot)->id);
+    }
+
+    // Takes a picture of the empty window with recent places, of which one is lost.
+    bool takeRecent()
+    {
+        auto* recent = m_window.findChild<RecentPlaces*>();
+        const QDir folder(m_folder.path());
+        for (const QString& name : {u"otoño 2026"_s, u"perros bienvenidos"_s, u"hayedo"_s}) {
+            folder.mkpath(name);
+            recent->remember({QUrl::fromLocalFile(folder.filePath(name))});
+        }
+        recent->remember({QUrl::fromLocalFile(folder.filePath(u"salon-tarde.jpg"_s))});
+        recent->look();
+        return take(u"empty-recent"_s);
     }
 
     // Takes a picture of an import that waits for one of the first photos; all others are done.

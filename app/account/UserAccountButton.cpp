@@ -9,6 +9,7 @@ namespace {
 constexpr int accountBarHeight = 40, accountPadding = 6, accountAvatarSide = 28, accountGap = 9,
               chevron = 16, widestName = 150;
 constexpr int accountLeastDigits = 4, accountCoin = 12, accountCoinGap = 4;
+constexpr int loneCoin = 14;    // beside a balance without a name
 }    // namespace
 
 UserAccountButton::UserAccountButton(QWidget* parent) : Control(parent)
@@ -48,6 +49,10 @@ QString UserAccountButton::shownName() const
 double UserAccountButton::textRoom() const
 {
     const int digits = int(QString::number(m_balance).size());
+    if (m_form == NameForm::none)
+        return std::ceil(loneCoin + accountCoinGap +
+                         digitsWidth(Type::bodyMedium, std::max(accountLeastDigits, digits))) +
+               1;
     const double balance = accountCoin + accountCoinGap +
                            digitsWidth(Type::caption, std::max(accountLeastDigits, digits)) +
                            textWidth(Type::caption, u" créditos"_s);
@@ -73,13 +78,20 @@ void UserAccountButton::paintEvent(QPaintEvent*)
     paintAvatar(painter, QRectF(accountPadding, top, accountAvatarSide, accountAvatarSide), theme,
                 initialsOf(m_name));
     const QRectF text(accountPadding + accountAvatarSide + accountGap, 0, textRoom(), height());
-    paintText(painter, QRectF(text.left(), 4, text.width(), 17), Qt::AlignLeft, Type::heading,
-              theme.text, shownName());
-    paintIcon(painter, Icon::coin, QRectF(text.left(), 22, accountCoin, accountCoin), accountCoin,
-              theme.accentText);
-    const double left = text.left() + accountCoin + accountCoinGap;
-    paintText(painter, QRectF(left, 21, text.right() - left, 14), Qt::AlignLeft, Type::caption,
-              theme.text2, creditsText(m_balance));
+    if (m_form == NameForm::none) {
+        paintIcon(painter, Icon::coin, QRectF(text.left(), 0, loneCoin, height()), loneCoin,
+                  theme.text);
+        paintText(painter, text.adjusted(loneCoin + accountCoinGap, 0, 0, 0), Qt::AlignLeft,
+                  Type::bodyMedium, theme.text, QString::number(m_balance));
+    } else {
+        paintText(painter, QRectF(text.left(), 4, text.width(), 17), Qt::AlignLeft, Type::heading,
+                  theme.text, shownName());
+        paintIcon(painter, Icon::coin, QRectF(text.left(), 22, accountCoin, accountCoin),
+                  accountCoin, theme.accentText);
+        const double left = text.left() + accountCoin + accountCoinGap;
+        paintText(painter, QRectF(left, 21, text.right() - left, 14), Qt::AlignLeft, Type::caption,
+                  theme.text2, creditsText(m_balance));
+    }
     paintIcon(painter, Icon::unfold,
               QRectF(width() - accountPadding - chevron, 0, chevron, height()), chevron,
               mixed(theme.text2, theme.text, hovered()));

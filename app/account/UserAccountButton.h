@@ -1,7 +1,7 @@
 #pragma once
 #include "app/controls/Button.h"
 
-enum class NameForm { whole, first };
+enum class NameForm { whole, first, none };
 
 // The button in the top bar with the user's name and balance.
 class UserAccountButton final : public Control {

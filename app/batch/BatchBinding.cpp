@@ -77,9 +77,8 @@ void BatchBinding::ask()
         current && !judged.contains(current->id))
         judged.prepend(current->id);
     for (const QUuid& id : std::as_const(judged)) {
-        const PublicationItem* item = find(id);
-        if (item && !isJudged(*item) && !columnAsksFor(id))
-            items.append(*item);
+        if (isUnasked(id))
+            items.append(*find(id));
     }
     if (m_column->grid()->isVisible()) {
         for (const QUuid& id : m_wished) {
@@ -98,11 +97,24 @@ bool BatchBinding::columnAsksFor(QUuid item) const
            });
 }
 
+bool BatchBinding::isJudged(QUuid item) const
+{
+    const PublicationItem* found = find(item);
+    return found && isJudged(*found);
+}
+
 bool BatchBinding::isJudged(const PublicationItem& item) const
 {
     const auto known = m_judgements.constFind(item.id);
     return known != m_judgements.cend() && known->of.item == item &&
            known->of.format == m_session.batch().format;
+}
+
+// Whether the item is to be judged, and no tile in view has it drawn.
+bool BatchBinding::isUnasked(QUuid item) const
+{
+    const PublicationItem* found = find(item);
+    return found && !isJudged(*found) && !columnAsksFor(item);
 }
 
 QList<TextWarning> BatchBinding::warningsOf(QUuid item) const
@@ -135,12 +147,13 @@ void BatchBinding::judge(const TileRequest& request, const QList<TextWarning>& w
     const QUuid id = request.item.id;
     Judgement& known = m_judgements[id];
     known.of = request;
-    if (known.warnings == warnings)
-        return;
-    known.warnings = warnings;
-    known.sentences = warningSentences(warnings);
-    show();
-    Q_EMIT warningsChanged(id);
+    if (known.warnings != warnings) {
+        known.warnings = warnings;
+        known.sentences = warningSentences(warnings);
+        show();
+        Q_EMIT warningsChanged(id);
+    }
+    Q_EMIT judged(id);
 }
 
 void BatchBinding::forgetGone()
@@ -287,7 +300,8 @@ void BatchBinding::show()
     m_knownFormat = batch.format;
     if (m_names.size() > 2 * items.size() + 100)
         m_names.clear();
+    const auto isWaiting = [this](QUuid id) { return isUnasked(id); };
     const PublicationItem* current = batch.currentItem();
-    if (current && !isJudged(*current) && !columnAsksFor(current->id))
+    if ((current && isWaiting(current->id)) || std::ranges::any_of(m_watched, isWaiting))
         ask();
 }

@@ -28,11 +28,14 @@ public:
     // Warnings found when the item's picture was last drawn. Whatever shows warnings of an item
     // takes them from here.
     QList<TextWarning> warningsOf(QUuid item) const;
+    // Whether these are the warnings of the item as it is now.
+    bool isJudged(QUuid item) const;
     // Has these items judged as well while their tiles are out of view.
     void watch(const QList<QUuid>& items);
 
 Q_SIGNALS:
     void warningsChanged(QUuid item);
+    void judged(QUuid item);    // also if its warnings are the same as before
 
 private:
     struct Judgement {
@@ -47,6 +50,7 @@ private:
     void ask();
     bool columnAsksFor(QUuid item) const;
     bool isJudged(const PublicationItem& item) const;
+    bool isUnasked(QUuid item) const;
     void showPicture(const TileRequest& request, const QImage& picture, PhotoState photo,
                      const QList<TextWarning>& warnings);
     void judge(const TileRequest& request, const QList<TextWarning>& warnings);

@@ -7,9 +7,10 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-constexpr int batchHeaderHeight = 40, footerHeight = 44, batchColumnSide = 16;
-constexpr int narrowestBatch = 111,
-              widestBatch = 479;    // both without the hairline at the right
+constexpr int batchHeaderHeight = 40, footerHeight = 44, batchColumnSide = 16, badgeGap = 6;
+// Widths without the hairline at the right.
+constexpr int narrowestBatch = 111, widestBatch = 479, compactBatch = 87;
+constexpr int compactHeaderHeight = 32, countTop = 12, compactCountTop = 8;
 
 // A screen reader that is already running asks for the grid's interface as soon as the grid has a
 // name, so the interface must be known before.
@@ -23,6 +24,7 @@ TileGrid* newTileGrid(QWidget* parent)
 
 BatchColumn::BatchColumn(QWidget* parent)
     : QWidget(parent), m_grid(newTileGrid(this)), m_count(new Badge(QString(), this)),
+      m_selectedCount(new Badge(BadgeKind::accent, Icon::none, this)),
       m_selectAll(new IconButton(Icon::selectAll, u"Seleccionar todas las imágenes"_qs, 32, this)),
       m_discard(new IconButton(Icon::discard, u"Descartar imagen"_qs, 32, this))
 {
@@ -47,6 +49,8 @@ void BatchColumn::setTiles(const QList<Tile>& tiles)
     m_selectAll->setEnabled(!tiles.isEmpty());
     m_discard->setEnabled(!tiles.isEmpty());
     m_selected = selected;
+    m_selectedCount->setText(QString::number(selected));
+    m_selectedCount->setAccessibleName(u"%1 seleccionadas"_qs.arg(selected));
     place();
     update(0, height() - footerHeight, width(), footerHeight);
 }
@@ -66,6 +70,17 @@ void BatchColumn::pictureOutdated(QUuid id)
     m_grid->pictureOutdated(id);
 }
 
+void BatchColumn::setClass(WindowClass windowClass)
+{
+    m_class = windowClass;
+    const bool isCompact = windowClass == WindowClass::compact;
+    setMinimumWidth(isCompact ? compactBatch : narrowestBatch);
+    setMaximumWidth(isCompact ? compactBatch : widestBatch);
+    m_grid->setClass(windowClass);
+    place();
+    update();
+}
+
 QList<QWidget*> BatchColumn::focusOrder() const
 {
     return {m_grid, m_selectAll, m_discard};
@@ -83,10 +98,21 @@ void BatchColumn::resizeEvent(QResizeEvent*)
 
 void BatchColumn::place()
 {
-    m_grid->setGeometry(0, batchHeaderHeight, width(), height() - batchHeaderHeight - footerHeight);
-    const QSize badge = m_count->sizeHint();
-    const int title = qCeil(textWidth(Type::heading, u"Lote"_qs));
-    m_count->setGeometry(batchColumnSide + title + 6, 12, badge.width(), badge.height());
+    const bool isCompact = m_class == WindowClass::compact;
+    const int header = isCompact ? compactHeaderHeight : batchHeaderHeight;
+    m_grid->setGeometry(0, header, width(), height() - header - footerHeight);
+    const QSize badge = m_count->sizeHint(), selected = m_selectedCount->sizeHint();
+    m_selectedCount->setVisible(isCompact && m_selected > 1);
+    if (isCompact) {
+        const int beside = m_selected > 1 ? badgeGap + selected.width() : 0;
+        const int left = (width() - badge.width() - beside) / 2;
+        m_count->setGeometry(QRect(QPoint(left, compactCountTop), badge));
+        m_selectedCount->setGeometry(
+            QRect(QPoint(left + badge.width() + badgeGap, compactCountTop), selected));
+    } else {
+        const int title = qCeil(textWidth(Type::heading, u"Lote"_qs));
+        m_count->setGeometry(QRect(QPoint(batchColumnSide + title + badgeGap, countTop), badge));
+    }
     const int top = height() - footerHeight + 7;
     const int pair = 2 * 32 + 2;
     const int left = narrow() ? (width() - pair) / 2 : width() - 8 - pair;
@@ -99,8 +125,9 @@ void BatchColumn::paintEvent(QPaintEvent*)
     const Theme& theme = themeOf(this);
     QPainter painter(this);
     painter.fillRect(rect(), theme.panel);
-    paintText(painter, QRectF(batchColumnSide, 12, width(), 20), Qt::AlignLeft, Type::heading,
-              theme.text, u"Lote"_qs);
+    if (m_class == WindowClass::roomy)
+        paintText(painter, QRectF(batchColumnSide, countTop, width(), 20), Qt::AlignLeft,
+                  Type::heading, theme.text, u"Lote"_qs);
     const QRect footer(0, height() - footerHeight, width(), footerHeight);
     painter.fillRect(footer.left(), footer.top(), footer.width(), 1, theme.line);
     if (narrow())

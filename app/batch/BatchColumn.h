@@ -1,5 +1,6 @@
 #pragma once
 #include "app/batch/TileGrid.h"
+#include "app/theme/WindowClass.h"
 
 class Badge;
 class IconButton;
@@ -15,6 +16,7 @@ public:
     void setRatio(double ratio);    // width / height of a tile's picture
     void setPicture(QUuid id, const QImage& picture);
     void pictureOutdated(QUuid id);
+    void setClass(WindowClass windowClass);
     TileGrid* grid() const { return m_grid; }
     QList<QWidget*> focusOrder() const;
 
@@ -35,7 +37,9 @@ private:
 
     TileGrid* m_grid;
     Badge* m_count;
+    Badge* m_selectedCount;    // instead of the words in the footer
     IconButton* m_selectAll;
     IconButton* m_discard;
+    WindowClass m_class = WindowClass::roomy;
     qsizetype m_selected = -1;    // number of selected tiles; -1 before the first setTiles
 };

@@ -18,7 +18,8 @@ namespace {
 
 // Paddings around the tiles. The right one is small because the scroll bar lies beside it, but the
 // outline of the current tile fits in it.
-constexpr int leftPadding = 16, rightPadding = 4, topPadding = 8, tileGap = 10;
+constexpr int leftPadding = 16, compactLeftPadding = 9, rightPadding = 4, topPadding = 8,
+              tileGap = 10;
 constexpr int tileRowGap = 12, bottomPadding = 4;
 constexpr int columnUnit = 92;    // least width of a column with its gap
 constexpr int ringReach = 5, tileFrameTime = 33, tileTurnTime = 1000;
@@ -61,7 +62,8 @@ protected:
 
 }    // namespace
 
-TileGrid::TileGrid(QWidget* parent) : QAbstractScrollArea(parent), m_ring(new GridRing(this))
+TileGrid::TileGrid(QWidget* parent)
+    : QAbstractScrollArea(parent), m_leftPadding(leftPadding), m_ring(new GridRing(this))
 {
     setAccessibleName(u"Lote"_qs);
     setFrameShape(QFrame::NoFrame);
@@ -134,6 +136,15 @@ void TileGrid::setRatio(double ratio)
     wishLater();
 }
 
+void TileGrid::setClass(WindowClass windowClass)
+{
+    m_leftPadding = windowClass == WindowClass::compact ? compactLeftPadding : leftPadding;
+    fitScrollBar();
+    showCurrent();
+    viewport()->update();
+    wishLater();
+}
+
 void TileGrid::setPicture(QUuid id, const QImage& picture)
 {
     const auto tile = std::ranges::find(m_tiles, id, &Tile::id);
@@ -155,7 +166,7 @@ void TileGrid::pictureOutdated(QUuid id)
 
 QSize TileGrid::tileSize() const
 {
-    const int inner = std::max(1, viewport()->width() - leftPadding - rightPadding);
+    const int inner = std::max(1, viewport()->width() - m_leftPadding - rightPadding);
     // Rounds the width up, so that a gap is never wider than tileGap, though it may be a pixel
     // narrower.
     const int width = std::max(1, (inner - (columns() - 1) * tileGap + columns() - 1) / columns());
@@ -164,7 +175,7 @@ QSize TileGrid::tileSize() const
 
 int TileGrid::columns() const
 {
-    const int inner = viewport()->width() - leftPadding - rightPadding;
+    const int inner = viewport()->width() - m_leftPadding - rightPadding;
     return std::max(1, (inner + tileGap) / columnUnit);
 }
 
@@ -189,11 +200,11 @@ QRect TileGrid::tileRect(int index) const
 {
     const int count = columns();
     const QSize size = tileSize();
-    const int inner = viewport()->width() - leftPadding - rightPadding;
+    const int inner = viewport()->width() - m_leftPadding - rightPadding;
     // Spreads the rounding of the tile width over all gaps between the columns.
     const int column = index % count;
     const int left = count == 1 ? 0 : column * (inner - size.width()) / (count - 1);
-    return {QPoint(leftPadding + left,
+    return {QPoint(m_leftPadding + left,
                    topPadding + index / count * rowPitch() - verticalScrollBar()->value()),
             size};
 }

@@ -1,5 +1,6 @@
 #pragma once
 #include "app/batch/Tile.h"
+#include "app/theme/WindowClass.h"
 
 #include <QAbstractScrollArea>
 #include <QHash>
@@ -21,6 +22,7 @@ public:
     void setTiles(const QList<Tile>& tiles);
     const QList<Tile>& tiles() const { return m_tiles; }
     void setRatio(double ratio);    // width / height of a tile's picture
+    void setClass(WindowClass windowClass);
     // Shows `picture` scaled if its size is not picturePixels(). Drops pictures far outside the
     // view.
     void setPicture(QUuid id, const QImage& picture);
@@ -75,6 +77,7 @@ private:
 
     QList<Tile> m_tiles;
     double m_ratio = 0.8;
+    int m_leftPadding;    // pixels beside the tiles
     QHash<QUuid, Picture> m_pictures;
     QTimer m_wishLater;
     QList<QUuid> m_wished;

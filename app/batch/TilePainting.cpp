@@ -12,6 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QColor darkDisc(12, 13, 15, 220), lightDisc(250, 250, 251);    // behind icons on a picture
+constexpr int narrowestNamed = 70;    // pixels; a narrower tile shows its number alone
 
 // Elides the middle of `text`. Qt keeps equally many letters on both sides of the ellipsis, which
 // may waste the width of a letter: adds one before the ellipsis if it fits.
@@ -129,6 +130,8 @@ void paintCaption(QPainter& painter, const Theme& theme, const TileLook& look)
     const QString number = QString::number(look.number);
     paintText(painter, line, Qt::AlignLeft, Type::captionSemibold,
               tile.current ? theme.text : theme.text2, number, Qt::ElideNone);
+    if (look.box.width() < narrowestNamed)
+        return;
     line.setLeft(line.left() + std::ceil(textWidth(Type::captionSemibold, number)) + 5);
     paintText(painter, line, Qt::AlignLeft, Type::caption, tile.current ? theme.text : theme.text3,
               middleElided(Type::caption, tile.name, line.width()), Qt::ElideNone);

@@ -216,10 +216,11 @@ void PushButton::paintEvent(QPaintEvent*)
     }
     const ButtonSizeRow& size = row(m_size);
     const double inner = 2;
-    fillRounded(painter, rect(),
-                Corners{m_joined == Joined::right ? inner : size.radius,
-                        m_joined == Joined::left ? inner : size.radius},
-                fill);
+    fillRounded(
+        painter, rect(),
+        Corners{m_joined == Joined::right || m_joined == Joined::middle ? inner : size.radius,
+                m_joined == Joined::left || m_joined == Joined::middle ? inner : size.radius},
+        fill);
     if (m_kind == ButtonKind::outlined)
         strokeRounded(painter, rect(), size.radius, theme.line2);
     if (m_labels == Labels::hidden)
@@ -280,21 +281,30 @@ void IconButton::paintEvent(QPaintEvent*)
     paintIcon(painter, m_icon, rect(), m_iconSize, ink);
 }
 
-JoinedButtons::JoinedButtons(PushButton* left, PushButton* right, QWidget* parent)
-    : QWidget(parent), m_left(left), m_right(right)
+JoinedButtons::JoinedButtons(const QList<PushButton*>& buttons, QWidget* parent)
+    : QWidget(parent), m_buttons(buttons)
 {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(1);
-    layout->addWidget(left);
-    layout->addWidget(right);
-    left->setJoined(Joined::left);
-    right->setJoined(Joined::right);
+    for (PushButton* button : buttons) {
+        layout->addWidget(button);
+        button->setJoined(Joined::middle);
+    }
+    buttons.first()->setJoined(Joined::left);
+    buttons.last()->setJoined(Joined::right);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
 void JoinedButtons::setLabels(Labels labels)
 {
-    m_left->setLabels(labels);
-    m_right->setLabels(labels);
+    for (PushButton* button : m_buttons)
+        button->setLabels(labels);
+}
+
+void JoinedButtons::setStretched()
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    for (PushButton* button : m_buttons)
+        button->setStretched();
 }

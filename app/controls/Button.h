@@ -50,7 +50,7 @@ constexpr const ButtonSizeRow& row(ButtonSize size)
 }
 static_assert(std::ranges::all_of(buttonSizes, [](const auto& r) { return &row(r.size) == &r; }));
 
-enum class Joined { no, left, right };    // the side in a pair of JoinedButtons
+enum class Joined { no, left, middle, right };    // the place in a row of JoinedButtons
 enum class Labels { shown, hidden };
 
 // A button with an icon and a text, which is also the accessible name.
@@ -112,14 +112,14 @@ private:
     int m_iconSize = 20;
 };
 
-// Two buttons side by side that look like one.
+// Buttons side by side that look like one.
 class JoinedButtons : public QWidget {
     Q_OBJECT
 public:
-    JoinedButtons(PushButton* left, PushButton* right, QWidget* parent = nullptr);
+    explicit JoinedButtons(const QList<PushButton*>& buttons, QWidget* parent = nullptr);
     void setLabels(Labels labels);
+    void setStretched();    // lets a layout widen the buttons
 
 private:
-    PushButton* m_left;
-    PushButton* m_right;
+    QList<PushButton*> m_buttons;
 };

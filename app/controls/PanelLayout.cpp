@@ -5,21 +5,32 @@
 #include <QScrollArea>
 
 namespace {
-constexpr int panelSide = 16, top = 10, panelBottom = 16, panelScrollBar = 12, fieldGap = 8;
+constexpr int panelSide = 16, compactPanelSide = 12, top = 10, panelBottom = 16,
+              panelScrollBar = 12, fieldGap = 8;
 }
 
-PanelLayout::PanelLayout(QWidget* page) : QVBoxLayout(page)
+PanelLayout::PanelLayout(QWidget* page, Beside beside) : QVBoxLayout(page), m_beside(beside)
 {
-    setContentsMargins(panelSide, top, panelSide - panelScrollBar, panelBottom);
+    setContentsMargins(0, top, 0, panelBottom);
     setSpacing(0);
+    setClass(WindowClass::roomy);
 }
 
-void PanelLayout::addRow(QWidget* widget, int gapAbove)
+void PanelLayout::setClass(WindowClass windowClass)
 {
-    addRow(QList<QWidget*>{widget}, gapAbove);
+    const int side = windowClass == WindowClass::compact ? compactPanelSide : panelSide;
+    QMargins margins = contentsMargins();
+    margins.setLeft(side);
+    margins.setRight(m_beside == Beside::scrollBar ? side - panelScrollBar : side);
+    setContentsMargins(margins);
 }
 
-void PanelLayout::addRow(const QList<QWidget*>& widgets, int gapAbove)
+QHBoxLayout* PanelLayout::addRow(QWidget* widget, int gapAbove)
+{
+    return addRow(QList<QWidget*>{widget}, gapAbove);
+}
+
+QHBoxLayout* PanelLayout::addRow(const QList<QWidget*>& widgets, int gapAbove)
 {
     addSpacing(gapAbove);
     auto* row = new QHBoxLayout;
@@ -31,6 +42,7 @@ void PanelLayout::addRow(const QList<QWidget*>& widgets, int gapAbove)
             widget->raise();    // screen readers go through widgets in the order of their stack
     }
     addLayout(row);
+    return row;
 }
 
 QScrollArea* scrolled(QWidget* page)

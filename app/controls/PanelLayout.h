@@ -1,16 +1,25 @@
 #pragma once
+#include "app/theme/WindowClass.h"
+
 #include <QVBoxLayout>
 
+class QHBoxLayout;
 class QScrollArea;
 class QString;
 
-// The layout of a page of the side panel, with its margins and gaps. The right margin is smaller by
-// the width of the scroll bar, which scrolled() always reserves.
+// The layout of a page of the side panel, with its margins and gaps. Beside the scroll bar, which
+// scrolled() always reserves, the right margin is smaller by its width.
 class PanelLayout : public QVBoxLayout {
+    Q_OBJECT
 public:
-    explicit PanelLayout(QWidget* page);
-    void addRow(QWidget* widget, int gapAbove);
-    void addRow(const QList<QWidget*>& widgets, int gapAbove);
+    enum class Beside { scrollBar, nothing };
+    explicit PanelLayout(QWidget* page, Beside beside = Beside::scrollBar);
+    QHBoxLayout* addRow(QWidget* widget, int gapAbove);
+    QHBoxLayout* addRow(const QList<QWidget*>& widgets, int gapAbove);
+    void setClass(WindowClass windowClass);
+
+private:
+    Beside m_beside;
 };
 
 // Makes the title of a group of rows.

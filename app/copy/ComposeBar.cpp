@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int composeHeight = 52, objectiveLeft = 38, objectiveTop = 4, composeEdge = 8;
+constexpr int composeHeight = 52, compactComposeHeight = 48, objectiveLeft = 38, composeEdge = 8;
 constexpr int modesGap = 12, cancelGap = 8;
 constexpr int leastObjective = 140;    // what gives way below it: credits, then words
 constexpr std::array modeIcons{Icon::modeLocal, Icon::modeCloud};
@@ -91,6 +91,11 @@ void ComposeBar::showRun()
         Q_EMIT leaveRequested();
 }
 
+void ComposeBar::setClass(WindowClass windowClass)
+{
+    setFixedHeight(windowClass == WindowClass::compact ? compactComposeHeight : composeHeight);
+}
+
 QWidget* ComposeBar::objectiveEdit() const
 {
     return m_objective->edit();
@@ -157,8 +162,8 @@ void ComposeBar::place()
         put(m_generate, modesGap);
     }
     put(m_modes, modesGap);
-    m_objective->setGeometry(objectiveLeft, objectiveTop, std::max(0, right - objectiveLeft),
-                             m_objective->height());
+    m_objective->setGeometry(objectiveLeft, (height() - m_objective->height()) / 2,
+                             std::max(0, right - objectiveLeft), m_objective->height());
 }
 
 void ComposeBar::resizeEvent(QResizeEvent*)
@@ -173,5 +178,5 @@ void ComposeBar::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     fillRounded(painter, rect(), Radius::card, theme.panel);
     strokeRounded(painter, rect(), Radius::card, theme.line);
-    paintIcon(painter, Icon::objective, QRectF(14, 16, 20, 20), 20, theme.text2);
+    paintIcon(painter, Icon::objective, QRectF(14, 0, 20, height()), 20, theme.text2);
 }

@@ -1,5 +1,6 @@
 #pragma once
 #include "app/copy/GenerateButton.h"
+#include "app/theme/WindowClass.h"
 #include "model/CopyGenerationMode.h"
 
 #include <array>
@@ -36,6 +37,7 @@ public:
     void setObjective(const QString& objective);                     // emits nothing
     void setState(const ComposeState& state);                        // emits nothing
     void setKeys(const QString& generate, const QString& cancel);    // shown in the tooltips
+    void setClass(WindowClass windowClass);
     QWidget* objectiveEdit() const;
     void finishEdit();    // ends the edit under way, which may emit objectiveEdited()
     QList<QWidget*> focusOrder() const;

@@ -16,7 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int rowHeight = 44, engineRadius = 10, barHeight = 3;
+constexpr int narrowRow = 280;    // pixels
+constexpr int rowHeight = 44, settingsSide = 32, engineRadius = 10, barHeight = 3;
 constexpr int installMiddle = 88, lowInstallMiddle = 92, belowInstall = 28;
 constexpr int enginePadding = 12, engineIcon = 20, engineSpinner = 18, nameLeft = 42, wideGap = 16,
               asideGap = 8;
@@ -69,6 +70,19 @@ protected:
     }
 };
 
+// In a narrow row the button is the whole row, which paints itself.
+class SettingsButton : public IconButton {
+public:
+    using IconButton::IconButton;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        if (width() < parentWidget()->width())
+            IconButton::paintEvent(event);
+    }
+};
+
 }    // namespace
 
 EngineRow::EngineRow(QWidget* parent)
@@ -79,7 +93,7 @@ EngineRow::EngineRow(QWidget* parent)
       m_again(
           new PushButton(Icon::none, u"Instalar"_s, ButtonKind::neutral, ButtonSize::small, this)),
       m_cancel(new IconButton(Icon::close, u"Cancelar instalación"_s, 28, this)),
-      m_settings(new IconButton(Icon::preferences, u"Ajustes de la IA local"_s, 32, this)),
+      m_settings(new SettingsButton(Icon::preferences, u"Ajustes de la IA local"_s, 32, this)),
       m_spinner(new Spinner(engineSpinner, this)), m_bar(new RowBar(this))
 {
     setAccessibleRole(this, QAccessible::Grouping);
@@ -142,7 +156,7 @@ double EngineRow::textEnd() const
 {
     switch (m_shown.look) {
     case EngineLook::ready:
-        return m_settings->x() - Space::hair;
+        return isNarrow() ? width() - enginePadding : m_settings->x() - Space::hair;
     case EngineLook::failed:
         return m_again->x() - wideGap;
     case EngineLook::installing:
@@ -156,9 +170,20 @@ double EngineRow::textEnd() const
     Q_UNREACHABLE();
 }
 
+bool EngineRow::isNarrow() const
+{
+    return width() < narrowRow;
+}
+
+// A narrow row of an engine that is ready tells this in the tooltip alone.
+QString EngineRow::shownAside() const
+{
+    return isNarrow() && m_shown.look == EngineLook::ready ? QString() : m_shown.aside;
+}
+
 QRectF EngineRow::nameBox() const
 {
-    const double end = m_shown.aside.isEmpty() ? textEnd() : asideBox().left() - double(asideGap);
+    const double end = shownAside().isEmpty() ? textEnd() : asideBox().left() - double(asideGap);
     double top = 6;
     if (m_shown.look == EngineLook::absent)
         top = 11;
@@ -176,7 +201,7 @@ QRectF EngineRow::iconBox() const
 
 QRectF EngineRow::asideBox() const
 {
-    const double text = std::ceil(textWidth(Type::caption, m_shown.aside));
+    const double text = std::ceil(textWidth(Type::caption, shownAside()));
     const double widest = (textEnd() - nameLeft) * 0.6;
     const double width = std::min(text, widest);
     return {textEnd() - width, 6, width, nameHeight};
@@ -225,7 +250,8 @@ QList<EngineRow::Line> EngineRow::lines() const
 void EngineRow::place()
 {
     const auto put = [this](QWidget* button, int fromRight, double middle) {
-        const QSize size = button->sizeHint().expandedTo(button->minimumSize());
+        const QSize size =
+            button->sizeHint().expandedTo(button->minimumSize()).boundedTo(button->maximumSize());
         button->setGeometry(
             QRect(QPoint(width() - fromRight - size.width(), qRound(middle - size.height() / 2.0)),
                   size));
@@ -246,7 +272,14 @@ void EngineRow::place()
     put(m_licence, enginePadding - 6, 20);    // a link has a padding of its own
     put(m_again, enginePadding, height / 2.0);
     put(m_cancel, Space::hair, rowHeight / 2.0);
-    put(m_settings, Space::hair, rowHeight / 2.0);
+    if (isNarrow())
+        m_settings->setFixedSize(size());
+    else
+        m_settings->setFixedSize(settingsSide, settingsSide);
+    put(m_settings, isNarrow() ? 0 : Space::hair, rowHeight / 2.0);
+    QStringList told{isNarrow() ? m_shown.aside : QString(), m_settings->accessibleName()};
+    told.removeAll(QString());
+    m_settings->setToolTip(plainToolTip(told.join(u'\n')));
     m_spinner->move(enginePadding + (engineIcon - engineSpinner) / 2,
                     (rowHeight - engineSpinner) / 2);
     m_bar->setGeometry(0, height - barHeight, width(), barHeight);
@@ -287,7 +320,7 @@ void EngineRow::paintEvent(QPaintEvent*)
     strokeRounded(painter, rect(), engineRadius, theme.line);
     paintIcon(painter, look.icon, iconBox(), engineIcon, theme.*look.iconInk);
     paintText(painter, nameBox(), Qt::AlignLeft, Type::heading, theme.text, m_shown.name);
-    paintText(painter, asideBox(), Qt::AlignRight, Type::caption, theme.text3, m_shown.aside);
+    paintText(painter, asideBox(), Qt::AlignRight, Type::caption, theme.text3, shownAside());
     for (const Line& line : lines())
         paintText(painter, line.box, Qt::AlignLeft, Type::caption, theme.*look.ink, line.text);
 }

@@ -57,6 +57,8 @@ private:
     QRectF nameBox() const;
     QRectF asideBox() const;
     QRectF sentenceBox() const;
+    bool isNarrow() const;
+    QString shownAside() const;
     double textEnd() const;    // where the buttons begin
     QStringList sentenceRows() const;
     QList<Line> lines() const;

@@ -10,8 +10,12 @@ constexpr int seam = 1;
 constexpr int exportButtonsLeastDigits = 3;    // an image count with so many digits always fits
 constexpr int currentDigits = 2, severalDigits = 5;
 
-QString severalText(qsizetype selected, ExportButtons::Wording wording)
+QString severalText(const ExportOffer& offer, ExportButtons::Wording wording)
 {
+    const qsizetype selected = offer.selected;
+    if (wording == ExportButtons::Wording::number)
+        return offer.images == 0 ? QString()
+                                 : QString::number(selected < 2 ? offer.images : selected);
     const bool isBrief = wording == ExportButtons::Wording::brief;
     if (selected < 2)
         return isBrief ? u"Todo"_s : u"Exportar todo"_s;
@@ -22,7 +26,7 @@ QString severalText(qsizetype selected, ExportButtons::Wording wording)
 
 QString exportSeveralText(qsizetype selected)
 {
-    return severalText(selected, ExportButtons::Wording::whole);
+    return severalText({.selected = selected}, ExportButtons::Wording::whole);
 }
 
 QString refusalOf(const ExportOffer& offer)
@@ -78,16 +82,15 @@ void ExportButtons::setWording(Wording wording)
 
 void ExportButtons::word()
 {
-    m_current->setWording(m_wording == Wording::brief ? u"Actual"_s : u"Exportar actual"_s,
-                          u"Exportar actual"_s);
-    m_several->setWording(severalText(m_offer.selected, m_wording),
-                          exportSeveralText(m_offer.selected));
+    static const std::array words{u"Exportar actual"_s, u"Actual"_s, QString()};
+    m_current->setWording(words[std::size_t(m_wording)], words.front());
+    m_several->setWording(severalText(m_offer, m_wording), exportSeveralText(m_offer.selected));
     const Type type = row(ButtonSize::regular).type;
-    const int digits =
-        std::max(exportButtonsLeastDigits, int(QString::number(m_offer.images).size()));
-    QString several = severalText(2, m_wording);
+    const int least = m_wording == Wording::number ? 2 : exportButtonsLeastDigits;
+    const int digits = std::max(least, int(QString::number(m_offer.images).size()));
+    QString several = severalText({.images = 2, .selected = 2}, m_wording);
     several.chop(1);
-    m_several->setTextRoom(qCeil(std::max(textWidth(type, severalText(0, m_wording)),
+    m_several->setTextRoom(qCeil(std::max(textWidth(type, severalText({}, m_wording)),
                                           textWidth(type, several) + digitsWidth(type, digits))));
 }
 

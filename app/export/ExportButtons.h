@@ -30,7 +30,8 @@ public:
     void setOffer(const ExportOffer& offer);
     const ExportOffer& offer() const { return m_offer; }
     void setKeys(const QString& current, const QString& several);    // shown in the tooltips
-    enum class Wording { whole, brief };
+    // `number`: no words, and of the right button only how many images it exports.
+    enum class Wording { whole, brief, number };
     void setWording(Wording wording);
     CostButton* current() const { return m_current; }
     CostButton* several() const { return m_several; }

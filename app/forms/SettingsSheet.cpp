@@ -2,9 +2,16 @@
 
 #include "app/controls/RowButton.h"
 #include "app/forms/SettingsPanel.h"
+#include "app/theme/Theme.h"
 
+#include <QApplication>
+#include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+namespace {
+constexpr int pageRing = 4;
+}
 
 SettingsSheet::SettingsSheet(const QString& title, QSize size, QWidget* window)
     : Sheet(title, size, window), m_pages(new QStackedWidget), m_group(new QWidget)
@@ -14,7 +21,23 @@ SettingsSheet::SettingsSheet(const QString& title, QSize size, QWidget* window)
     rows->setSpacing(2);
     column()->addWidget(m_group);
     column()->addStretch(1);
-    content()->addWidget(m_pages);
+    auto* area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setWidgetResizable(true);
+    area->setWidget(m_pages);
+    area->viewport()->setAutoFillBackground(false);
+    m_pages->setAutoFillBackground(false);
+    // Room for focus rings, which the scroll area would clip.
+    const QMargins ring(pageRing, pageRing, pageRing, pageRing);
+    m_pages->setContentsMargins(ring);
+    content()->setContentsMargins(content()->contentsMargins() - ring);
+    content()->addWidget(area);
+    connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
+        if (now && area->isAncestorOf(now))
+            area->ensureWidgetVisible(now, 0, Space::small);
+    });
 }
 
 void SettingsSheet::addPage(Icon icon, const QString& title, SettingsPanel* panel)

@@ -94,6 +94,8 @@ void PanelBinding::connectTexts()
     connect(texts, &TextPanel::layerEdited, this, [this](const TextLayer& layer, Pace pace) {
         m_session.editLayer(layer, LayerEdits::Copied::style, pace);
     });
+    connect(texts, &TextPanel::frameEdited, &m_session, &StudioSession::setLayerFrame);
+    connect(texts, &TextPanel::alignmentRequested, &m_session, &StudioSession::alignLayer);
     connect(texts, &TextPanel::colorUsed, this, &PanelBinding::remember);
     connect(texts, &TextPanel::copyStyleRequested, &m_session, &StudioSession::copyStyle);
     connect(texts, &TextPanel::pasteStyleRequested, &m_session, &StudioSession::pasteStyle);
@@ -106,6 +108,8 @@ void PanelBinding::connectShapes()
     connect(shapes, &ShapesPanel::addRequested, &m_session, &StudioSession::addShape);
     connect(shapes, &ShapesPanel::shapeSelected, &m_session, &StudioSession::selectLayer);
     connect(shapes, &ShapesPanel::shapeEdited, &m_session, &StudioSession::editShape);
+    connect(shapes, &ShapesPanel::frameEdited, &m_session, &StudioSession::setLayerFrame);
+    connect(shapes, &ShapesPanel::alignmentRequested, &m_session, &StudioSession::alignLayer);
     connect(shapes, &ShapesPanel::deleteRequested, &m_session, &StudioSession::deleteShape);
     connect(shapes, &ShapesPanel::colorUsed, this, &PanelBinding::remember);
     connect(shapes, &ShapesPanel::copyStyleRequested, &m_session, &StudioSession::copyStyle);
@@ -133,12 +137,14 @@ void PanelBinding::show()
                  .selectedLayer = batch.selectedLayerID,
                  .sizeLimit = sizeLimit(*item),
                  .reachedImages = reached,
+                 .output = exportSize(batch.format),
                  .canPaste = canPaste,
                  .colors = offers};
         shapes = {.hasImage = true,
                   .shapes = item->shapeLayers,
                   .selectedLayer = batch.selectedLayerID,
                   .reachedImages = reached,
+                  .output = exportSize(batch.format),
                   .canPaste = canPaste,
                   .colors = offers};
     }

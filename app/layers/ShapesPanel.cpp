@@ -7,6 +7,7 @@
 #include "app/controls/fields/SliderField.h"
 #include "app/controls/popovers/Swatch.h"
 #include "app/layers/AddShapeButton.h"
+#include "app/layers/FrameFields.h"
 #include "app/layers/ShapeRow.h"
 #include "app/presets/StyleHeader.h"
 
@@ -30,7 +31,7 @@ ShapesPanel::ShapesPanel(QWidget* parent)
       m_stroke(new Swatch(u"Color del trazo"_s, this)),
       m_strokeOpacity(new SliderField(u"Opacidad"_s, shapesPercent, this)),
       m_strokeWidth(new SliderField(u"Grosor"_s, widthRange, this)),
-      m_radius(new SliderField(u"Radio"_s, shapesRadiusRange, this))
+      m_radius(new SliderField(u"Radio"_s, shapesRadiusRange, this)), m_frame(new FrameFields(this))
 {
     m_fillHex->setMaxLength(7);
     m_fillOpacity->setAccessibleName(u"Opacidad del relleno"_s);
@@ -82,6 +83,7 @@ void ShapesPanel::build()
     layout->addRow({m_stroke, m_strokeOpacity, m_strokeWidth}, 10);
     layout->addRow(sectionTitle(u"Esquinas"_s, this), 12);
     layout->addRow(m_radius, 10);
+    layout->addRow(m_frame, 16);
     layout->addStretch(1);
 }
 
@@ -134,6 +136,8 @@ void ShapesPanel::connectStyle()
         }
         showStyle();    // also replaces a typed text that is no colour
     });
+    connect(m_frame, &FrameFields::frameEdited, this, &ShapesPanel::frameEdited);
+    connect(m_frame, &FrameFields::alignmentRequested, this, &ShapesPanel::alignmentRequested);
     connect(m_header, &StyleHeader::copyRequested, this, &ShapesPanel::copyStyleRequested);
     connect(m_header, &StyleHeader::pasteRequested, this, &ShapesPanel::pasteStyleRequested);
 }
@@ -158,7 +162,7 @@ QList<QWidget*> ShapesPanel::focusOrder() const
     }
     order += m_header->focusOrder();
     order += {m_fill, m_fillHex, m_fillOpacity, m_stroke, m_strokeOpacity, m_strokeWidth, m_radius};
-    return order;
+    return order + m_frame->focusOrder();
 }
 
 const ShapeLayer* ShapesPanel::selected() const
@@ -254,6 +258,11 @@ void ShapesPanel::showStyle()
     showNumber(m_strokeOpacity, &ShapeLayer::strokeOpacity);
     showNumber(m_strokeWidth, &ShapeLayer::strokeWidth);
     showNumber(m_radius, &ShapeLayer::cornerRadius);
+    m_frame->setState(
+        {.frame = shape ? std::optional(shape->frame) : std::nullopt,
+         .smallest = smallestFrameOf(shown.kind),
+         .output = m_state.output,
+         .refusal = shape ? QString() : u"Selecciona una forma para cambiar su posición."_s});
     m_fillHex->setShown(hasFill ? shown.fill.hexRGB() : QString());
     for (Swatch* swatch : {m_fill, m_stroke})
         swatch->setOffers(m_state.colors);

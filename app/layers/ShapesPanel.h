@@ -1,5 +1,6 @@
 #pragma once
 #include "app/controls/popovers/ColorPopover.h"
+#include "canvas/LayerFrame.h"
 #include "model/Pace.h"
 #include "model/ShapeLayer.h"
 
@@ -8,6 +9,7 @@
 class AddShapeButton;
 class Badge;
 class Caption;
+class FrameFields;
 class LineField;
 class ShapeRow;
 class SliderField;
@@ -19,6 +21,7 @@ struct ShapesPanelState {
     QList<ShapeLayer> shapes = {};    // in drawing order
     QUuid selectedLayer = {};         // id of a shape or a text; null: none
     int reachedImages = 1;            // number of images that a change of style reaches
+    QSizeF output = {};               // of the exported picture in pixels
     bool canPaste = false;
     ColorOffers colors = {};
     bool operator==(const ShapesPanelState&) const = default;
@@ -37,6 +40,8 @@ Q_SIGNALS:
     void shapeSelected(QUuid shape);
     void shapeEdited(const ShapeLayer& changed, Pace pace);
     void deleteRequested(QUuid shape);
+    void frameEdited(const CodableRect& frame, Pace pace);    // of the selected layer
+    void alignmentRequested(LayerAlignment alignment);
     void colorUsed(const QColor& color);
     void copyStyleRequested();
     void pasteStyleRequested();
@@ -68,4 +73,5 @@ private:
     SliderField* m_strokeOpacity;
     SliderField* m_strokeWidth;
     SliderField* m_radius;
+    FrameFields* m_frame;
 };

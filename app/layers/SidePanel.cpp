@@ -20,10 +20,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int narrowestPanel = 319,
-              widestPanel = 439;    // pixels, without the hairline at the left
-constexpr int lowPanel = 816;       // in a lower panel the caption shows fewer lines
-constexpr int tabsTop = 4, tabsSide = 8, tabsHeight = 48;
+// Widths in pixels, without the hairline at the left.
+constexpr int narrowestPanel = 319, widestPanel = 439, compactPanel = 279;
+constexpr int lowPanel = 816;    // in a lower panel the caption shows fewer lines
+constexpr int tabsTop = 4, tabsSide = 8;
 
 }    // namespace
 
@@ -39,10 +39,7 @@ SidePanel::SidePanel(QWidget* parent)
     setMaximumWidth(widestPanel);
     QScrollArea* texts = scrolled(m_text);
     auto* empty = new QWidget;
-    m_emptyRows = new PanelLayout(empty);
-    QMargins margins = m_emptyRows->contentsMargins();
-    margins.setRight(margins.left());    // this page has no scroll bar
-    m_emptyRows->setContentsMargins(margins);
+    m_emptyRows = new PanelLayout(empty, PanelLayout::Beside::nothing);
     m_emptyRows->addWidget(
         new EmptyNote(
             Icon::slotTitle, u"Aquí editarás los textos"_s,
@@ -70,6 +67,17 @@ SidePanel::SidePanel(QWidget* parent)
     connect(m_text, &TextPanel::scrollToRequested, texts, follow, Qt::QueuedConnection);
     connect(m_text->styles(), &StyleShelf::scrollToRequested, texts, follow);
     setContent(Content::none);
+}
+
+void SidePanel::setClass(WindowClass windowClass)
+{
+    const bool isCompact = windowClass == WindowClass::compact;
+    setMinimumWidth(isCompact ? compactPanel : narrowestPanel);
+    setMaximumWidth(isCompact ? compactPanel : widestPanel);
+    m_tabs->setClass(windowClass);
+    for (PanelLayout* page : findChildren<PanelLayout*>())
+        page->setClass(windowClass);
+    m_text->setClass(windowClass);
 }
 
 void SidePanel::setTab(SideTab tab)
@@ -137,5 +145,5 @@ void SidePanel::paintEvent(QPaintEvent*)
     const Theme& theme = themeOf(this);
     QPainter painter(this);
     painter.fillRect(rect(), theme.panel);
-    painter.fillRect(0, tabsHeight - 1, width(), 1, theme.line);
+    painter.fillRect(0, m_tabs->geometry().bottom(), width(), 1, theme.line);
 }

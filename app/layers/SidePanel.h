@@ -1,4 +1,6 @@
 #pragma once
+#include "app/theme/WindowClass.h"
+
 #include <QWidget>
 
 class QStackedWidget;
@@ -24,6 +26,7 @@ public:
     // Shows `row` above the texts, and above the note that stands there without images. `stops`:
     // the controls of the row in the order of Tab.
     void setTextHeader(QWidget* row, const QList<QWidget*>& stops);
+    void setClass(WindowClass windowClass);
     void setTab(SideTab tab);    // shows the tab; emits nothing
     void endEdits();    // ends the dragging of sliders and closes the popovers of the panel
     SideTab tab() const;

@@ -10,6 +10,7 @@
 #include "app/controls/popovers/FontField.h"
 #include "app/controls/popovers/Swatch.h"
 #include "app/layers/CaptionCard.h"
+#include "app/layers/FrameFields.h"
 #include "app/layers/SlotCard.h"
 #include "app/presets/StyleHeader.h"
 #include "app/presets/StyleShelf.h"
@@ -42,8 +43,8 @@ TextPanel::TextPanel(QWidget* parent)
       m_font(new FontField(this)), m_size(new SliderField(u"Tamaño"_s, sizeRange, this)),
       m_sizeNote(new Caption(Type::caption, &Theme::warn, {}, this)),
       m_color(new Swatch(u"Color del texto"_s, this)),
-      m_alignment(new SegmentedControl(alignments(), this)), m_box(new Switch(u"Caja"_s, this)),
-      m_boxColor(new Swatch(u"Color de la caja"_s, this)),
+      m_alignment(new SegmentedControl(alignments(), this)), m_frame(new FrameFields(this)),
+      m_box(new Switch(u"Caja"_s, this)), m_boxColor(new Swatch(u"Color de la caja"_s, this)),
       m_boxOpacity(new SliderField(u"Opacidad"_s, textPercent, this)),
       m_boxRadius(new SliderField(u"Radio"_s, textRadiusRange, this)),
       m_shadowColor(new Swatch(u"Color de la sombra"_s, this)),
@@ -169,13 +170,23 @@ void TextPanel::buildStyle()
     layout->addRow({m_font, m_size}, 6);
     layout->addRow(m_sizeNote, 2);
     layout->addRow({m_color, m_alignment}, 2);
+    layout->addRow(m_frame, 12);
     layout->addRow({sectionTitle(u"Caja"_s, this), m_box}, 8);
     layout->addRow({m_boxColor, m_boxOpacity, m_boxRadius}, 8);
     layout->addRow(sectionTitle(u"Sombra"_s, this), 12);
-    layout->addRow({m_shadowColor, m_shadowOpacity, m_shadowBlur}, 10);
+    m_shadowRow = layout->addRow({m_shadowColor, m_shadowOpacity, m_shadowBlur}, 10);
+    m_blurRow = layout->addRow(QList<QWidget*>{}, 0);
     layout->addRow({m_shadowDistance, m_shadowAngle}, 8);
     layout->addRow(m_styles, 8);
     layout->addStretch(1);
+}
+
+// Beside a swatch in a compact window, a field is too narrow for the label of the blur.
+void TextPanel::setClass(WindowClass windowClass)
+{
+    const bool isCompact = windowClass == WindowClass::compact;
+    (isCompact ? m_blurRow : m_shadowRow)->addWidget(m_shadowBlur, 1);
+    m_blurRow->setContentsMargins(0, isCompact ? Space::small : 0, 0, 0);
 }
 
 template <typename Change>
@@ -228,6 +239,8 @@ void TextPanel::connectStyle()
     });
     connect(m_box, &Switch::clicked, this,
             [this](bool on) { edit(Pace::once, [&](TextLayer& layer) { layer.hasBox = on; }); });
+    connect(m_frame, &FrameFields::frameEdited, this, &TextPanel::frameEdited);
+    connect(m_frame, &FrameFields::alignmentRequested, this, &TextPanel::alignmentRequested);
     connect(m_header, &StyleHeader::copyRequested, this, &TextPanel::copyStyleRequested);
     connect(m_header, &StyleHeader::pasteRequested, this, &TextPanel::pasteStyleRequested);
 }
@@ -255,9 +268,10 @@ QList<QWidget*> TextPanel::focusOrder() const
     for (const SlotCard* card : m_cards)
         order += {card->proposal(), card->eye()};
     order += m_header->focusOrder();
-    order += {m_font,       m_size,           m_color,      m_alignment,   m_box,
-              m_boxColor,   m_boxOpacity,     m_boxRadius,  m_shadowColor, m_shadowOpacity,
-              m_shadowBlur, m_shadowDistance, m_shadowAngle};
+    order += {m_font, m_size, m_color, m_alignment};
+    order += m_frame->focusOrder();
+    order += {m_box,           m_boxColor,   m_boxOpacity,     m_boxRadius,  m_shadowColor,
+              m_shadowOpacity, m_shadowBlur, m_shadowDistance, m_shadowAngle};
     return order + m_styles->focusOrder();
 }
 
@@ -312,6 +326,10 @@ void TextPanel::showStyle()
     m_alignment->setCurrent(layer ? std::optional(int(shown.alignment)) : std::nullopt);
     if (!layer)
         m_alignment->setAccessibleName(u"Alineación"_s);
+    m_frame->setState(
+        {.frame = layer ? std::optional(layer->frame) : std::nullopt,
+         .output = m_state.output,
+         .refusal = layer ? QString() : u"Selecciona un texto para cambiar su posición."_s});
     m_box->setChecked(layer && shown.hasBox);
     const QString limit = m_state.sizeLimit && layer ? u"La caja limita el tamaño"_s : QString();
     m_size->setLimit(layer ? m_state.sizeLimit : std::nullopt);

@@ -1,5 +1,7 @@
 #pragma once
 #include "app/controls/popovers/ColorPopover.h"
+#include "app/theme/WindowClass.h"
+#include "canvas/LayerFrame.h"
 #include "canvas/TextWarnings.h"
 #include "model/Pace.h"
 #include "model/TextLayer.h"
@@ -9,10 +11,12 @@
 class Caption;
 class CaptionCard;
 class FontField;
+class FrameFields;
 class SegmentedControl;
 class SliderField;
 class SlotCard;
 class SlotEditor;
+class QHBoxLayout;
 class StyleHeader;
 class StyleShelf;
 class Swatch;
@@ -28,6 +32,7 @@ struct TextPanelState {
     QUuid selectedLayer = {};                // id of a text or a shape; null: none
     std::optional<double> sizeLimit = {};    // font scale at which the selected text fills its box
     int reachedImages = 1;                   // number of images that a change of style reaches
+    QSizeF output = {};                      // of the exported picture in pixels
     bool canPaste = false;
     ColorOffers colors = {};
     bool operator==(const TextPanelState&) const = default;
@@ -52,6 +57,8 @@ public:
     StyleShelf* styles() const { return m_styles; }
     QList<QWidget*> focusOrder() const;
 
+    void setClass(WindowClass windowClass);
+
 Q_SIGNALS:
     void textEdited(CopySlot slot, const QString& text, Pace pace);
     void captionEdited(const QString& caption, Pace pace);
@@ -60,6 +67,8 @@ Q_SIGNALS:
     void visibilityToggled(CopySlot slot);
     void slotFocused(CopySlot slot);
     void layerEdited(const TextLayer& changed, Pace pace);
+    void frameEdited(const CodableRect& frame, Pace pace);    // of the selected layer
+    void alignmentRequested(LayerAlignment alignment);
     void colorUsed(const QColor& color);
     void copyStyleRequested();
     void pasteStyleRequested();
@@ -93,6 +102,7 @@ private:
     Caption* m_sizeNote;
     Swatch* m_color;
     SegmentedControl* m_alignment;
+    FrameFields* m_frame;
     Switch* m_box;
     Swatch* m_boxColor;
     SliderField* m_boxOpacity;
@@ -100,6 +110,8 @@ private:
     Swatch* m_shadowColor;
     SliderField* m_shadowOpacity;
     SliderField* m_shadowBlur;
+    QHBoxLayout* m_shadowRow;
+    QHBoxLayout* m_blurRow;    // empty unless m_shadowRow has no room for the blur
     SliderField* m_shadowDistance;
     SliderField* m_shadowAngle;
     StyleShelf* m_styles;

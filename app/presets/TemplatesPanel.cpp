@@ -64,8 +64,9 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
     m_note->setFixedHeight(noteHeight);
     auto* page = new QWidget;
     auto* layout = new PanelLayout(page);
-    layout->setContentsMargins(layout->contentsMargins() -
-                               QMargins(0, layout->contentsMargins().top(), 0, 0));
+    QMargins margins = layout->contentsMargins();
+    margins.setTop(0);
+    layout->setContentsMargins(margins);
     layout->addRow(heading(u"Mis plantillas"_s, {m_count}, m_more), 8);
     layout->addRow(m_own, 4);
     layout->addRow(m_note, 0);
@@ -75,10 +76,10 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
     layout->addStretch(1);
     m_area = scrolled(page);
     auto* fixed = new QWidget;
-    auto* fixedLayout = new PanelLayout(fixed);
-    // The search has no scroll bar beside it, so its right margin equals the left one.
-    const QMargins beside = fixedLayout->contentsMargins();
-    fixedLayout->setContentsMargins(beside.left(), beside.top(), beside.left(), 0);
+    auto* fixedLayout = new PanelLayout(fixed, PanelLayout::Beside::nothing);
+    QMargins fixedMargins = fixedLayout->contentsMargins();
+    fixedMargins.setBottom(0);
+    fixedLayout->setContentsMargins(fixedMargins);
     fixedLayout->addRow({m_search, m_save}, 4);
     auto* content = new QVBoxLayout(m_content);
     content->setContentsMargins(0, 0, 0, 0);

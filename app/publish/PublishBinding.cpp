@@ -84,7 +84,11 @@ PublishBinding::PublishBinding(StudioSession& session, AccountSession& account,
             m_reportLater.start(reportEvery);
     });
     connect(&session, &StudioSession::batchChanged, this, &PublishBinding::show);
-    connect(&column, &BatchBinding::warningsChanged, this, &PublishBinding::tellWarnings);
+    connect(&column, &BatchBinding::judged, this, [this] {
+        tellWarnings();
+        showReport();
+        resumePress();
+    });
     connect(m_small, &TilePictures::ready, this,
             [this](const TileRequest& request, const QImage& picture) {
                 m_drawn.insert(request.item.id, request);
@@ -212,6 +216,7 @@ void PublishBinding::present()
     } else if (m_sheet) {
         m_sheet->dismiss();
         m_column.watch({});
+        m_pressed.reset();
         m_drawn.clear();
         m_previewed.reset();
     }
@@ -238,7 +243,7 @@ void PublishBinding::show()
     if (!m_sheet || !m_publish.isPublishPresented() || m_isClosed)
         return;
     if (std::exchange(m_status, m_publish.publishStatus()) != m_publish.publishStatus())
-        m_failure.clear();
+        m_notice.clear();
     QList<QUuid> sent;
     for (const PublicationItem& item : m_publish.sentItems())
         sent.append(item.id);
@@ -248,6 +253,7 @@ void PublishBinding::show()
     showHistory();
     askStrip();
     askPreview();
+    resumePress();
 }
 
 void PublishBinding::showHistory()
@@ -371,13 +377,19 @@ PublishReport PublishBinding::report() const
                          .isShort = cost && *cost > balance,
                          .isPublished = post.has_value(),
                          .hasPage = post && pageOfPost(post->url)};
-    if (!m_failure.isEmpty()) {
+    if (!m_notice.isEmpty()) {
         report.kind = StatusKind::warning;
-        report.sentence = m_failure;
+        report.sentence = m_notice;
+    }
+    if (m_pressed) {
+        report.kind = StatusKind::working;
+        report.sentence = PublishTexts::checking();
     }
     // A post under way or just published leaves nothing to check.
-    if (!m_publish.isPublishing() && !post)
+    if (!m_publish.isPublishing() && !post) {
         report.checks = m_publish.checks();
+        report.isChecking = !areTextsJudged();
+    }
     for (PublishCheck& check : report.checks.found) {
         if (check.isWarning && check.link.isEmpty() && isOfCaption(check))
             check.link = u"Ver el texto"_s;
@@ -401,10 +413,13 @@ PublishReport PublishBinding::report() const
 }
 
 // Publishes on `network`. If that is not the network shown, and its caption or its checks tell
-// something that the user has not seen, only shows it.
+// something that the user has not seen, only shows it. Waits until the texts of the images are
+// judged.
 void PublishBinding::publish(SocialPublishNetwork network)
 {
     QGuiApplication::inputMethod()->commit();
+    m_pressed.reset();
+    m_notice.clear();
     if (network != m_publish.network()) {
         const QString caption = m_publish.publishCaption();
         m_publish.choose(network);
@@ -413,7 +428,46 @@ void PublishBinding::publish(SocialPublishNetwork network)
         if (m_publish.publishCaption() != caption || hasWarning)
             return;
     }
-    m_publish.preparePublish(network, m_publish.placement());
+    if (areTextsJudged()) {
+        m_publish.preparePublish(network, m_publish.placement());
+        return;
+    }
+    m_pressed = postShown();
+    m_seen = m_publish.checks().found;
+    showReport();
+}
+
+PublishBinding::Pressed PublishBinding::postShown() const
+{
+    return {.network = m_publish.network(),
+            .placement = m_publish.placement(),
+            .caption = m_publish.publishCaption(),
+            .items = m_publish.sentItems(),
+            .format = m_publish.format()};
+}
+
+bool PublishBinding::areTextsJudged() const
+{
+    return std::ranges::all_of(m_publish.sentItems(), [this](const PublicationItem& item) {
+        return m_column.isJudged(item.id);
+    });
+}
+
+// Publishes what the user has pressed once its texts are judged, unless there is something by then
+// that he could not see.
+void PublishBinding::resumePress()
+{
+    if (!m_pressed || !areTextsJudged())
+        return;
+    const Pressed pressed = *std::exchange(m_pressed, std::nullopt);
+    const auto isSeen = [this](const PublishCheck& check) { return m_seen.contains(check); };
+    if (pressed != postShown())
+        m_notice = u"La publicación ha cambiado. Pulsa otra vez para publicar."_s;
+    else if (!std::ranges::all_of(m_publish.checks().found, isSeen))
+        m_notice = u"Hay avisos nuevos. Pulsa otra vez para publicar."_s;
+    else
+        m_publish.preparePublish(pressed.network, pressed.placement);
+    showReport();
 }
 
 void PublishBinding::follow(const PublishCheck& check)
@@ -444,11 +498,11 @@ const PublishRecord* PublishBinding::record(QUuid id) const
 void PublishBinding::openPage(const std::optional<QUrl>& url)
 {
     const std::optional<QUrl> page = pageOfPost(url);
-    m_failure = page && m_account.openPage(*page) ? QString()
-                : page                            ? m_account.message()
-                                                  : u"La publicación no tiene una página que se "
-                         "pueda abrir."_s;
-    if (!m_failure.isEmpty() && m_sheet->page() == PublishSheet::Page::history)
+    m_notice = page && m_account.openPage(*page) ? QString()
+               : page                            ? m_account.message()
+                                                 : u"La publicación no tiene una página que se "
+                        "pueda abrir."_s;
+    if (!m_notice.isEmpty() && m_sheet->page() == PublishSheet::Page::history)
         m_sheet->setPage(PublishSheet::Page::publish);    // where it is told
     show();
 }

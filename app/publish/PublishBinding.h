@@ -47,6 +47,18 @@ private:
     QList<PublishImage> images() const;
     NetworkShown network(SocialPublishNetwork network) const;
     bool isAwaitingAnswer() const;
+    // A post that the user has pressed to publish, as he saw it.
+    struct Pressed {
+        SocialPublishNetwork network = SocialPublishNetwork::instagram;
+        SocialPublishPlacement placement = SocialPublishPlacement::feed;
+        QString caption;
+        QList<PublicationItem> items;
+        SocialFormat format = SocialFormat::carouselPortrait;
+        bool operator==(const Pressed&) const = default;
+    };
+    Pressed postShown() const;
+    bool areTextsJudged() const;    // of the images that would be sent
+    void resumePress();
     void leave();                  // the user closes the sheet
     QSet<QUuid> marked() const;    // images that a warning speaks of
     CaptionShown caption() const;
@@ -78,6 +90,9 @@ private:
     QTimer m_reportLater;              // progress is shown at most so often
     bool m_isTyping = false;           // the caption is being edited
     bool m_isClosed = false;           // by close(), until open()
-    QString m_failure;                 // why a page could not be opened; until the next status
-    QString m_status;                  // when m_failure was told
+    // The press that waits until the texts are judged, and the checks that it had seen.
+    std::optional<Pressed> m_pressed;
+    QList<PublishCheck> m_seen;
+    QString m_notice;    // a warning told in the place of the status, until that is another one
+    QString m_status;    // when m_notice was told
 };

@@ -25,7 +25,8 @@ namespace {
 
 constexpr QSize publishSheetSize(1020, 820);
 constexpr int columnRing = 6;    // for the ring of the first small picture
-constexpr SheetColumn publishColumn{.width = 372, .side = 26, .top = 20, .headingGap = columnRing};
+constexpr ColumnMeasures publishColumn{
+    .width = 372, .side = 26, .top = 20, .headingGap = columnRing};
 // Left of the content, of which the page inside keeps the width of a focus ring free.
 constexpr int contentLeft = 24, contentTop = 18, contentRight = 12, contentBottom = 16;
 constexpr int ringRoom = 4, barRoom = 12, closeRoom = 60;

@@ -104,7 +104,8 @@ PublishStatusPanel::PublishStatusPanel(QWidget* parent)
       m_page(new PushButton(Icon::openOutside, u"Abrir la publicación"_s, ButtonKind::link,
                             ButtonSize::small)),
       m_summary(new QWidget), m_warnings(new Caption(Type::heading, &Theme::text)),
-      m_passed(new Caption(Type::small, &Theme::text2)), m_rows(new QWidget)
+      m_passedMark(new PassedMark), m_passed(new Caption(Type::small, &Theme::text2)),
+      m_rows(new QWidget)
 {
     setAccessibleRole(this, QAccessible::StatusBar);
     m_sentence->setMostRows(4);
@@ -122,7 +123,7 @@ PublishStatusPanel::PublishStatusPanel(QWidget* parent)
     summary->setSpacing(4);
     summary->addWidget(m_warnings);
     summary->addStretch(1);
-    summary->addWidget(new PassedMark);
+    summary->addWidget(m_passedMark);
     summary->addWidget(m_passed);
     auto* inside = new QVBoxLayout;
     inside->setContentsMargins(markSide + markGap, 0, 0, 0);
@@ -151,7 +152,8 @@ void PublishStatusPanel::setReport(const PublishReport& report)
 {
     const bool isSame = m_isSet && report.sentence == m_report.sentence;
     const bool sameChecks = m_isSet && report.checks.found == m_report.checks.found &&
-                            report.checks.passed == m_report.checks.passed;
+                            report.checks.passed == m_report.checks.passed &&
+                            report.isChecking == m_report.isChecking;
     const QWidget* focused = window()->focusWidget();
     const bool hadFocus = focused && isAncestorOf(focused);
     m_report = report;
@@ -176,7 +178,7 @@ void PublishStatusPanel::setReport(const PublishReport& report)
     }
     m_page->setVisible(report.isPublished && report.hasPage);
     if (!sameChecks)
-        showChecks(report.checks);
+        showChecks(report.checks, report.isChecking);
     // Screen readers hear the steps of a publication at most once in three seconds, and its end
     // at once.
     if (!isSame) {
@@ -200,7 +202,7 @@ void PublishStatusPanel::announce()
     setAccessibleDescription(m_report.cost);
 }
 
-void PublishStatusPanel::showChecks(const CheckedPost& checks)
+void PublishStatusPanel::showChecks(const CheckedPost& checks, bool isChecking)
 {
     m_links.clear();
     for (QWidget* line : std::as_const(m_lines)) {
@@ -221,7 +223,8 @@ void PublishStatusPanel::showChecks(const CheckedPost& checks)
         m_links.append(line->link);
     }
     m_warnings->setText(PublishTexts::warnings(checks));
-    m_passed->setText(PublishTexts::passed(checks));
+    m_passedMark->setVisible(!isChecking);
+    m_passed->setText(isChecking ? PublishTexts::checking() : PublishTexts::passed(checks));
     m_summary->setVisible(checks.passed > 0 || !checks.found.isEmpty());
     m_rows->setVisible(!checks.found.isEmpty());
 }

@@ -31,7 +31,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void showChecks(const CheckedPost& checks);
+    void showChecks(const CheckedPost& checks, bool isChecking);
     void announce();
 
     PublishReport m_report;
@@ -45,6 +45,7 @@ private:
     PushButton* m_page;
     QWidget* m_summary;
     Caption* m_warnings;
+    QWidget* m_passedMark;
     Caption* m_passed;
     QWidget* m_rows;                     // of the checks
     QList<QWidget*> m_lines, m_links;    // one line for each check; those of their links

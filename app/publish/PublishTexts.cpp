@@ -22,7 +22,8 @@ bool isSentBefore(const CheckedPost& checks)
     });
 }
 
-QString megabytes(qint64 bytes)
+// Always with one decimal, so that a running figure keeps its length.
+QString runningMegabytes(qint64 bytes)
 {
     return QString::number(double(bytes) / 1e6, 'f', 1).replace(u'.', u',') + u" MB"_s;
 }
@@ -146,6 +147,11 @@ QString PublishTexts::passed(const CheckedPost& checks)
     return counted(checks.passed, u"comprobación correcta", u"comprobaciones correctas");
 }
 
+QString PublishTexts::checking()
+{
+    return u"Comprobando las imágenes…"_s;
+}
+
 QString PublishTexts::origin(const QString& name, qsizetype position)
 {
     return position > 0 ? u"De la imagen %1, %2"_s.arg(position).arg(name)
@@ -168,7 +174,7 @@ QString PublishTexts::date(const QDateTime& local, const QDate& today)
 
 QString PublishTexts::amount(qint64 sent, qint64 total)
 {
-    return u"%1 de %2"_s.arg(megabytes(sent), megabytes(total));
+    return u"%1 de %2"_s.arg(runningMegabytes(sent), runningMegabytes(total));
 }
 
 QString PublishTexts::kept(qsizetype posts)

@@ -28,6 +28,7 @@ QString cost(SocialPublishNetwork network, std::optional<qint64> cost, qint64 ba
 QString paidNote(qsizetype paid, qsizetype sent);
 QString warnings(const CheckedPost& checks);    // "3 avisos antes de publicar"; may be empty
 QString passed(const CheckedPost& checks);      // "7 comprobaciones correctas"
+QString checking();                             // while not all checks are done
 QString origin(const QString& name, qsizetype position);    // counted from 1; 0: not in the batch
 
 QString place(SocialPublishNetwork network, SocialPublishPlacement placement);

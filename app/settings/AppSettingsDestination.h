@@ -3,7 +3,7 @@
 #include "model/Vocabulary.h"
 
 // The pages of the program's own settings.
-enum class AppSettingsDestination { updates, localAI };
+enum class AppSettingsDestination { updates, localAI, appearance };
 
 struct AppSettingsRow {
     AppSettingsDestination value;
@@ -17,6 +17,8 @@ struct Vocabulary<AppSettingsDestination> {
         AppSettingsRow{AppSettingsDestination::updates, u"updates", u"Actualizaciones",
                        Icon::updates},
         AppSettingsRow{AppSettingsDestination::localAI, u"localAI", u"IA local", Icon::localEngine},
+        AppSettingsRow{AppSettingsDestination::appearance, u"appearance", u"Apariencia",
+                       Icon::appearance},
     };
 };
 static_assert(rowsAreInOrder<AppSettingsDestination>());

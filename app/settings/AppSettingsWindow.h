@@ -2,6 +2,7 @@
 #include "app/forms/SettingsSheet.h"
 #include "app/settings/AppSettingsDestination.h"
 
+class AppearanceDetailPanel;
 class LocalAIDetailPanel;
 class UpdatesDetailPanel;
 
@@ -13,8 +14,10 @@ public:
     void setDestination(AppSettingsDestination destination) { setPage(int(destination)); }
     UpdatesDetailPanel* updatesPanel() const { return m_updates; }
     LocalAIDetailPanel* localAIPanel() const { return m_localAI; }
+    AppearanceDetailPanel* appearancePanel() const { return m_appearance; }
 
 private:
     UpdatesDetailPanel* m_updates;
     LocalAIDetailPanel* m_localAI;
+    AppearanceDetailPanel* m_appearance;
 };

@@ -5,19 +5,120 @@
 #include "app/controls/Spinner.h"
 #include "app/stage/SampleCards.h"
 #include "app/theme/KeyboardFocus.h"
+#include "app/theme/Painting.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 // Pixels from the top of the block of cards, texts and buttons. The block is vertically centred in
-// the dashed frame.
-constexpr int cardsMiddle = 104, titleTop = 250, sentenceTop = 290, buttonsTop = 333,
-              hintsTop = 398, blockHeight = 414;
+// the dashed frame, above the recent places.
+constexpr int cardsMiddle = 104, cardsHeight = 250, titleTop = 250, sentenceTop = 290,
+              buttonsTop = 333, hintsTop = 398, wholeBlock = 414;
+constexpr int placesTitle = 18, placesGap = 10, placesHeight = placesTitle + placesGap + 28,
+              placesSide = 40, placesBottom = 28, leastAboveBlock = 12;
 constexpr int emptySpinnerSide = 32, spinnerTop = 196;
 constexpr int frameSide = 24, frameTop = 14, frameBottom = 12;
 
+// A folder or file imported before.
+class PlaceChip : public Control {
+public:
+    PlaceChip(const RecentPlace& place, QWidget* parent) : Control(parent), m_place(place)
+    {
+        setAccessibleName(place.name());
+        setToolTip(plainToolTip(place.isLost ? place.path + u"\nNo se encuentra"_qs : place.path));
+        setAccessibleDescription(toolTip());
+        setProperty("focusRadius", Radius::field);
+    }
+    QSize sizeHint() const override
+    {
+        const int text = qCeil(textWidth(Type::small, m_place.name()));
+        return {std::min(text, widestText) + 2 * padding + icon + gap, chipHeight};
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        const Theme& theme = themeOf(this);
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        fillRounded(painter, rect(), Radius::field, mixed(theme.raised, theme.hover, hovered()));
+        const QColor ink = m_place.isLost ? theme.text3 : theme.text2;
+        paintIcon(painter, m_place.isFolder ? Icon::openFolder : Icon::importImages,
+                  QRectF(padding, 0, icon, height()), icon, m_place.isLost ? theme.dis : ink);
+        const int left = padding + icon + gap;
+        QRectF line(left, 0, width() - left - padding, height());
+        paintText(painter, line, Qt::AlignLeft, Type::small, ink, m_place.name(), Qt::ElideMiddle);
+        if (m_place.isLost) {
+            const double text = std::min(textWidth(Type::small, m_place.name()), line.width());
+            painter.fillRect(QRectF(line.left(), height() / 2.0, text, 1), ink);
+        }
+    }
+
+private:
+    static constexpr int chipHeight = 28, padding = 10, icon = 16, gap = 7, widestText = 180;
+    const RecentPlace m_place;
+};
+
 }    // namespace
+
+// The recent places in one line, as many as fit, below their title.
+class PlaceChips : public QWidget {
+public:
+    // `before`: what comes before the chips in the order of Tab.
+    PlaceChips(QWidget* before, EmptyState* state)
+        : QWidget(state), m_before(before), m_state(state)
+    {
+        setAccessibleName(u"Carpetas y archivos recientes"_qs);
+    }
+    void setPlaces(const QList<RecentPlace>& places)
+    {
+        if (places == m_places)
+            return;
+        m_places = places;
+        for (PlaceChip* chip : std::exchange(m_chips, {})) {
+            chip->hide();
+            chip->deleteLater();    // it may be the one that was pressed just now
+        }
+        QWidget* before = m_before;
+        for (const RecentPlace& each : places) {
+            auto* chip = new PlaceChip(each, this);
+            m_chips.append(chip);
+            setTabOrder(before, chip);
+            before = chip;
+            connect(chip, &Control::clicked, m_state,
+                    [state = m_state, path = each.path] { Q_EMIT state->placeRequested(path); });
+        }
+        arrange();
+    }
+    bool isEmpty() const { return m_chips.isEmpty(); }
+
+protected:
+    void resizeEvent(QResizeEvent*) override { arrange(); }
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        paintText(painter, QRectF(0, 0, width(), placesTitle), Qt::AlignLeft, Type::heading,
+                  themeOf(this).text, accessibleName());
+    }
+
+private:
+    void arrange()
+    {
+        int left = 0;
+        for (PlaceChip* chip : std::as_const(m_chips)) {
+            const QSize size = chip->sizeHint();
+            chip->setGeometry(QRect(QPoint(left, placesTitle + placesGap), size));
+            chip->setVisible(left + size.width() <= width());
+            left += size.width() + Space::small;
+        }
+    }
+
+    QWidget* m_before;
+    EmptyState* m_state;
+    QList<RecentPlace> m_places;
+    QList<PlaceChip*> m_chips;
+};
 
 EmptyState::EmptyState(QWidget* parent)
     : QWidget(parent), m_images(new PushButton(Icon::importImages, u"Importar imágenes"_qs,
@@ -27,9 +128,10 @@ EmptyState::EmptyState(QWidget* parent)
       m_hints(new KeyHints({{{u"Ctrl"_qs, u"O"_qs}, u"imágenes"_qs},
                             {{u"Ctrl"_qs, u"Mayús"_qs, u"O"_qs}, u"carpeta"_qs}},
                            this)),
-      m_spinner(new Spinner(emptySpinnerSide, this))
+      m_places(new PlaceChips(m_folder, this)), m_spinner(new Spinner(emptySpinnerSide, this))
 {
     m_spinner->hide();
+    m_places->hide();
     nameState();
     connect(m_images, &PushButton::clicked, this, &EmptyState::importImagesRequested);
     connect(m_folder, &PushButton::clicked, this, &EmptyState::importFolderRequested);
@@ -61,10 +163,32 @@ void EmptyState::setImport(const std::optional<ImportShown>& import)
                           static_cast<QWidget*>(m_hints)})
         part->setVisible(!import);
     m_spinner->setVisible(import.has_value());
+    m_places->setVisible(showsPlaces());
+    place();
     nameState();
     if (!import && hasFocus())
         takeFocus(KeyboardFocus::reason());
     update();
+}
+
+void EmptyState::setPlaces(const QList<RecentPlace>& places)
+{
+    m_places->setPlaces(places);
+    m_places->setVisible(showsPlaces());
+    place();
+    update();
+}
+
+bool EmptyState::showsPlaces() const
+{
+    return !m_import && !m_places->isEmpty();
+}
+
+// The cards give way to the recent places in a low window.
+bool EmptyState::showsCards() const
+{
+    const int room = height() - frameTop - frameBottom - placesHeight - placesBottom;
+    return !showsPlaces() || room >= wholeBlock + leastAboveBlock;
 }
 
 void EmptyState::nameState()
@@ -81,11 +205,22 @@ void EmptyState::nameState()
 
 int EmptyState::blockTop() const
 {
-    return frameTop + (height() - frameTop - frameBottom - blockHeight) / 2;
+    const int below = showsPlaces() ? placesHeight + placesBottom : 0;
+    const int hidden = showsCards() ? 0 : cardsHeight;
+    const int room = height() - frameTop - frameBottom - below;
+    return frameTop + (room - (wholeBlock - hidden)) / 2 - hidden;
 }
 
 void EmptyState::resizeEvent(QResizeEvent*)
 {
+    place();
+}
+
+void EmptyState::place()
+{
+    m_places->setGeometry(frameSide + placesSide,
+                          height() - frameBottom - placesBottom - placesHeight,
+                          std::max(0, width() - 2 * (frameSide + placesSide)), placesHeight);
     const int top = blockTop();
     const QSize images = m_images->sizeHint();
     const QSize folder = m_folder->sizeHint();
@@ -123,7 +258,8 @@ void EmptyState::paintInvitation(QPainter& painter)
     painter.drawRoundedRect(QRectF(rect()).adjusted(frameSide + 0.5, frameTop + 0.5,
                                                     -frameSide - 0.5, -frameBottom - 0.5),
                             Radius::sheet, Radius::sheet);
-    paintCards(painter, QPointF(width() / 2.0, blockTop() + cardsMiddle));
+    if (showsCards())
+        paintCards(painter, QPointF(width() / 2.0, blockTop() + cardsMiddle));
 }
 
 void EmptyState::paintCards(QPainter& painter, const QPointF& middle)

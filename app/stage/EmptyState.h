@@ -1,10 +1,13 @@
 #pragma once
+#include "app/desktop/RecentPlaces.h"
+
 #include <QPixmap>
 #include <QWidget>
 
 #include <optional>
 
 class KeyHints;
+class PlaceChips;
 class PushButton;
 class Spinner;
 
@@ -22,19 +25,24 @@ public:
     explicit EmptyState(QWidget* parent = nullptr);
     QList<QWidget*> focusOrder() const;
     void setImport(const std::optional<ImportShown>& import);
+    void setPlaces(const QList<RecentPlace>& places);
     // Focuses the first button, or this widget during an import.
     void takeFocus(Qt::FocusReason reason);
 
 Q_SIGNALS:
     void importImagesRequested();
     void importFolderRequested();
+    void placeRequested(const QString& path);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    bool showsCards() const;
+    bool showsPlaces() const;
     int blockTop() const;
+    void place();
     void nameState();
     void paintInvitation(QPainter& painter);
     void paintCards(QPainter& painter, const QPointF& middle);
@@ -42,6 +50,7 @@ private:
     PushButton* m_images;
     PushButton* m_folder;
     KeyHints* m_hints;
+    PlaceChips* m_places;
     Spinner* m_spinner;
     std::optional<ImportShown> m_import;    // empty while no import runs
 };

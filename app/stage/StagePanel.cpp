@@ -11,7 +11,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int canvasSide = 24, chipTop = 14, canvasTop = 42, canvasBottom = 12;
+struct StageMargins {
+    int side, chipTop, top, bottom;    // pixels between the canvas and the edges of the stage
+};
+constexpr StageMargins compactMargins{12, 8, 36, 10}, roomyMargins{24, 14, 42, 12};
 
 // A screen reader that is already running may ask for the canvas's interface at once, so the
 // interface must be known before.
@@ -42,6 +45,12 @@ void StagePanel::setFormat(const QString& title, const QString& ratio, QSize exp
     fit();
     m_ground = {};
     update();
+}
+
+void StagePanel::setClass(WindowClass windowClass)
+{
+    m_class = windowClass;
+    fit();
 }
 
 void StagePanel::setPosition(int current, int count)
@@ -88,7 +97,8 @@ void StagePanel::resizeEvent(QResizeEvent*)
 
 void StagePanel::fit()
 {
-    const QRect room = rect().adjusted(canvasSide, canvasTop, -canvasSide, -canvasBottom);
+    const StageMargins& margins = m_class == WindowClass::compact ? compactMargins : roomyMargins;
+    const QRect room = rect().adjusted(margins.side, margins.top, -margins.side, -margins.bottom);
     if (m_exportPixels.isEmpty() || room.isEmpty())
         return;
     const double ratio = devicePixelRatioF();
@@ -100,7 +110,7 @@ void StagePanel::fit()
     m_canvas = QRect(QPoint(room.left() + (room.width() - logical.width()) / 2,
                             room.top() + (room.height() - logical.height()) / 2),
                      logical);
-    m_ratio->move(m_canvas.left(), m_canvas.top() - canvasTop + chipTop);
+    m_ratio->move(m_canvas.left(), m_canvas.top() - margins.top + margins.chipTop);
     m_view->setCanvasRect(m_canvas, wanted);
     m_ground = {};
     update();

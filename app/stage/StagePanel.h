@@ -1,4 +1,6 @@
 #pragma once
+#include "app/theme/WindowClass.h"
+
 #include <QPixmap>
 #include <QWidget>
 
@@ -14,6 +16,7 @@ public:
     // The view covers the whole panel; the canvas within it is canvasRect().
     CanvasInteractionView* canvas() const { return m_view; }
 
+    void setClass(WindowClass windowClass);
     void setFormat(const QString& title, const QString& ratio, QSize exportPixels);
     // Tells screen readers which image of the batch is shown; `current` counts from 0.
     void setPosition(int current, int count);
@@ -36,6 +39,7 @@ private:
     void paintGround(QPainter& painter) const;
     void nameCanvas();
 
+    WindowClass m_class = WindowClass::roomy;
     QString m_title;
     QString m_position;
     bool m_isPreviewed = false;

@@ -10,7 +10,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int viewBarHeight = 52, viewBarSide = 12, buttonSide = 32, numberGap = 8;
+constexpr int viewBarHeight = 52, compactViewBarHeight = 44, viewBarSide = 12, buttonSide = 32,
+              numberGap = 8;
 constexpr int modesGap = 14, sliderGap = 8, percentGap = 6, groupGap = 16;
 constexpr int smallestPercent = 100, largestPercent = 300, percentStep = 10;
 
@@ -108,6 +109,15 @@ void ViewBar::setLabels(Labels labels)
     place();
 }
 
+void ViewBar::setClass(WindowClass windowClass)
+{
+    m_class = windowClass;
+    const bool isCompact = windowClass == WindowClass::compact;
+    setFixedHeight(isCompact ? compactViewBarHeight : viewBarHeight);
+    m_modes->setLabels(isCompact ? Labels::hidden : Labels::shown);
+    place();
+}
+
 void ViewBar::enable()
 {
     const bool any = m_count > 0;
@@ -145,7 +155,7 @@ void ViewBar::resizeEvent(QResizeEvent*)
 
 void ViewBar::place()
 {
-    const auto top = [](int height) { return (viewBarHeight - height) / 2 + 1; };
+    const auto top = [this](int part) { return (height() - part) / 2 + 1; };
     m_previous->move(viewBarSide, top(buttonSide));
     const double label = numberWidth() + textWidth(Type::body, u" de "_qs) +
                          digitsWidth(Type::body, int(QString::number(m_count).size()));
@@ -161,7 +171,7 @@ void ViewBar::place()
         m_safeZone->setLabels(labels);
         return width() - viewBarSide - m_safeZone->sizeHint().width() - groupGap - left;
     };
-    int room = roomBeside(m_labels);
+    int room = roomBeside(m_class == WindowClass::compact ? Labels::hidden : m_labels);
     if (whole > room)
         room = roomBeside(Labels::hidden);
     m_safeZone->resize(m_safeZone->sizeHint());
@@ -184,7 +194,7 @@ void ViewBar::place()
     if (showsSlider)
         put(m_zoom, slider, sliderGap);
     put(m_zoomIn, button, showsNumber ? percentGap : 0);
-    m_percentBox = showsNumber ? QRect(x, 1, percent, viewBarHeight - 1) : QRect();
+    m_percentBox = showsNumber ? QRect(x, 1, percent, height() - 1) : QRect();
     if (showsNumber)
         x += percent + percentGap;
     put(m_centre, button, 0);

@@ -1,5 +1,6 @@
 #pragma once
 #include "app/controls/Button.h"
+#include "app/theme/WindowClass.h"
 #include "model/ImagePlacement.h"
 #include "model/SocialFormat.h"
 
@@ -23,6 +24,7 @@ public:
     void setSafeZone(bool shown);
     // Whether the safe zone's button may show its label; a narrow window has no space for it.
     void setLabels(Labels labels);
+    void setClass(WindowClass windowClass);
     void endEdits();    // ends a drag or a held key on the zoom slider
     QList<QWidget*> focusOrder() const;
     QSize sizeHint() const override { return {400, 52}; }
@@ -57,6 +59,7 @@ private:
     ToggleButton* m_safeZone;
     QRect m_percentBox;    // empty when there is no space for the percentage
     Labels m_labels = Labels::shown;
+    WindowClass m_class = WindowClass::roomy;
     bool m_hasPosition = false;
     int m_current = 0;
     int m_count = 0;

@@ -61,7 +61,7 @@ void paintIcon(QPainter& painter, Icon icon, const QRectF& box, int size, const 
 QIcon menuIcon(Icon icon)
 {
     QIcon result;
-    for (const qreal ratio : {1.0, 2.0})
+    for (const qreal ratio : {1.0, 1.25, 1.5, 1.75, 2.0, 3.0})
         result.addPixmap(iconPixmap(icon, 20, Qt::black, ratio));
     return result;
 }

@@ -255,6 +255,12 @@ int StudioStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
     }
 }
 
+void setMotion(Motion motion)
+{
+    if (auto* style = qobject_cast<StudioStyle*>(QApplication::style()))
+        style->setMotion(motion);
+}
+
 void dress(QApplication& application, const Theme& theme, Motion motion)
 {
     application.setStyle(new StudioStyle(motion));    // setStyle() takes ownership

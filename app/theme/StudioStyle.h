@@ -32,10 +32,14 @@ public:
     // reduced motion.
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override;
+    void setMotion(Motion motion) { m_motion = motion; }
 
 private:
-    const Motion m_motion;
+    Motion m_motion;
 };
+
+// Sets the motion of the program's StudioStyle.
+void setMotion(Motion motion);
 
 // Sets the program's style to a StudioStyle, its font and its theme, and starts
 // KeyboardFocus::watch().

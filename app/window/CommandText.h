@@ -12,5 +12,5 @@ inline constexpr QStringView importImages = u"Importar imágenes…",
                              redo = u"Rehacer", copyStyle = u"Copiar estilo",
                              pasteStyle = u"Pegar estilo",
                              selectAll = u"Seleccionar todas las imágenes",
-                             discard = u"Descartar imagen";
+                             discard = u"Descartar imagen", keys = u"Atajos de teclado";
 }

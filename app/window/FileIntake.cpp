@@ -1,6 +1,7 @@
 #include "app/window/FileIntake.h"
 
 #include "app/desktop/LocalFile.h"
+#include "app/desktop/RecentPlaces.h"
 #include "platform/PortalFileTransfer.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
@@ -41,7 +42,8 @@ bool isTextSheet(const QList<QUrl>& files)
 }    // namespace
 
 FileIntake::FileIntake(StudioSession& session, PreferencesStore& preferences, QWidget* window)
-    : QObject(window), m_session(session), m_window(window), m_folder(preferences, importFolderKey)
+    : QObject(window), m_session(session), m_window(window), m_folder(preferences, importFolderKey),
+      m_recent(new RecentPlaces(preferences, this))
 {
     m_forgetOpened.setSingleShot(true);
     connect(&m_forgetOpened, &QTimer::timeout, this, [this] {
@@ -103,7 +105,17 @@ void FileIntake::load(const QList<QUrl>& filesAndFolders)
     m_recentlyOpened.clear();
     const QFileInfo first(filesAndFolders.first().toLocalFile());
     m_folder.remember(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
+    m_recent->remember(filesAndFolders);
     m_session.load(filesAndFolders);
+}
+
+void FileIntake::openRecent(const QString& path)
+{
+    if (QFileInfo::exists(path))
+        return load({QUrl::fromLocalFile(path)});
+    m_session.setStatus(u"No se encuentra «%1»."_s.arg(QFileInfo(path).fileName()),
+                        StatusKind::warning);
+    m_recent->look();
 }
 
 QList<QUrl> FileIntake::localFiles(const QMimeData* data)

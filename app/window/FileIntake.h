@@ -10,6 +10,7 @@
 
 class PreferencesStore;
 class QMimeData;
+class RecentPlaces;
 class StudioSession;
 
 // Imports files into the session: chosen in a dialog, dropped on the window or opened by another
@@ -23,6 +24,9 @@ public:
     void choosePhotos();
     void chooseFolder();
     void chooseTexts(QFileDialog::AcceptMode mode);
+
+    RecentPlaces& recent() const { return *m_recent; }
+    void openRecent(const QString& path);
 
     // The local files and folders in `data`.
     static QList<QUrl> localFiles(const QMimeData* data);
@@ -47,6 +51,7 @@ private:
     StudioSession& m_session;
     QWidget* m_window;
     ChooserFolder m_folder;
+    RecentPlaces* m_recent;
     // Files of recent open() calls, imported again together with the files of the next call.
     QList<QUrl> m_recentlyOpened;
     QTimer m_forgetOpened;    // clears m_recentlyOpened after a pause in the calls of open()

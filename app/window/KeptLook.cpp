@@ -2,7 +2,6 @@
 
 #include "app/batch/BatchColumn.h"
 #include "app/layers/SidePanel.h"
-#include "app/theme/Theme.h"
 #include "app/window/StudioShell.h"
 #include "platform/PreferencesStore.h"
 
@@ -10,13 +9,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString themeKey = u"moltiva.theme"_s;
 const QString batchWidthKey = u"moltiva.batchColumnWidth"_s;
 const QString panelWidthKey = u"moltiva.sidePanelWidth"_s;
 const QString batchHiddenKey = u"moltiva.batchColumnHidden"_s;
 const QString panelHiddenKey = u"moltiva.sidePanelHidden"_s;
 const QString geometryKey = u"moltiva.windowGeometry"_s;
-const QByteArray lightName = "light", darkName = "dark", hiddenName = "yes", seenName = "no";
+const QByteArray hiddenName = "yes", seenName = "no";
 
 }    // namespace
 
@@ -33,7 +31,6 @@ KeptLook::KeptLook(StudioShell* shell, PreferencesStore& preferences, QWidget* w
 
 void KeptLook::restore()
 {
-    setLight(isLight());
     const auto number = [this](const QString& key) -> std::optional<int> {
         const auto stored = m_preferences.value(key);
         return stored && stored->toInt() > 0 ? std::optional(stored->toInt()) : std::nullopt;
@@ -49,18 +46,6 @@ void KeptLook::restore()
 void KeptLook::keepGeometry()
 {
     m_preferences.setValue(geometryKey, m_window->saveGeometry());
-}
-
-bool KeptLook::isLight() const
-{
-    return m_preferences.value(themeKey) == lightName;
-}
-
-void KeptLook::setLight(bool light)
-{
-    applyTheme(light ? lightTheme() : darkTheme());
-    m_preferences.setValue(themeKey, light ? lightName : darkName);
-    Q_EMIT changed();
 }
 
 bool KeptLook::isBatchColumnSeen() const

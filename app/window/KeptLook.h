@@ -5,8 +5,8 @@ class PreferencesStore;
 class StudioShell;
 enum class SideTab;
 
-// Stores the look of the window in the preferences and restores it: the theme, which columns are
-// visible and how wide, and the geometry of the window.
+// Stores the look of the window in the preferences and restores it: which columns are visible and
+// how wide, and the geometry of the window.
 class KeptLook : public QObject {
     Q_OBJECT
 public:
@@ -16,8 +16,6 @@ public:
     void restore();
     void keepGeometry();
 
-    bool isLight() const;
-    void setLight(bool light);
     bool isBatchColumnSeen() const;
     void setBatchColumnSeen(bool seen);
     bool isSidePanelSeen() const;

@@ -9,10 +9,15 @@
 #include "app/batch/BatchColumn.h"
 #include "app/controls/AccessibleRole.h"
 #include "app/controls/KeyHint.h"
+#include "app/controls/fields/LineField.h"
 #include "app/controls/popovers/FocusRound.h"
 #include "app/copy/ComposeBar.h"
 #include "app/copy/CopyBinding.h"
+#include "app/desktop/Appearance.h"
+#include "app/desktop/DesktopNotices.h"
+#include "app/desktop/RecentPlaces.h"
 #include "app/desktop/UpdateController.h"
+#include "app/desktop/WindowActivation.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
 #include "app/layers/SidePanel.h"
@@ -20,6 +25,7 @@
 #include "app/presets/TemplatesBinding.h"
 #include "app/publish/PublishBinding.h"
 #include "app/settings/AppSettingsWindow.h"
+#include "app/settings/AppearanceDetailPanel.h"
 #include "app/settings/LocalAIBinding.h"
 #include "app/settings/UpdatesBinding.h"
 #include "app/stage/EmptyState.h"
@@ -29,6 +35,7 @@
 #include "app/window/CommandText.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
+#include "app/window/KeysSheet.h"
 #include "app/window/StatusBinding.h"
 #include "app/window/StatusLine.h"
 #include "app/window/StudioCommands.h"
@@ -38,6 +45,7 @@
 #include "app/window/TopBar.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "copygen/LocalAIManager.h"
+#include "platform/Desktop.h"
 #include "platform/NotificationCenter.h"
 #include "platform/PortalFileTransfer.h"
 #include "platform/PreferencesStore.h"
@@ -45,6 +53,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDeadlineTimer>
 #include <QDragEnterEvent>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
@@ -55,6 +64,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int narrowWindow = 1280;
+constexpr std::chrono::seconds longestWaitAtLogout{5};
 const QString importedKey = u"moltiva.hasImported"_s;
 const QByteArray yes = "yes";
 
@@ -93,10 +103,11 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
       m_statusBinding(std::make_unique<StatusBinding>(session, m_shell->statusLine())),
       m_updates(std::make_unique<UpdateController>(account, preferences)),
       m_focus(new StudioFocus(m_shell, this)), m_look(new KeptLook(m_shell, preferences, this)),
+      m_appearance(new Appearance(preferences, this)),
       m_commands(new StudioCommands({session, account, m_shell, *m_batchBinding, *m_stageBinding,
                                      *m_panelBinding, *m_templatesBinding, *m_exportBinding,
                                      *m_publishBinding, *m_statusBinding, *m_updates, m_files,
-                                     m_focus, m_look, this})),
+                                     m_focus, m_look, *m_appearance, this})),
       m_gate(new AuthGateView(this)),
       m_accountBinding(std::make_unique<AccountBinding>(account, session, m_gate,
                                                         m_shell->topBar()->account(), this))
@@ -104,7 +115,7 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     setAccessibleRole(this, QAccessible::Window);
     setWindowTitle(u"Moltiva"_s);
     setAcceptDrops(true);
-    setMinimumSize(1200, 720);
+    setMinimumSize(smallestWindow);
     // Leaves 40 pixels of the height of a small screen for the frame of the window.
     resize(QSize(1440, 900).boundedTo(screen()->availableSize() - QSize(0, 40)));
     connectPanels();
@@ -115,6 +126,8 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     connectPublish();
     connectUpdates();
     followNotifications();
+    connectAppearance();
+    connectRecent();
     m_look->restore();
     m_hasImported = preferences.value(importedKey) == yes;
     m_focus->goToCanvas();    // otherwise the first button takes the focus and the arrow keys
@@ -168,6 +181,7 @@ void MainWindow::connectPanels()
             &StudioFocus::goToCanvas);
     connect(m_shell->statusLine(), &StatusLine::leaveRequested, m_focus, &StudioFocus::goToCanvas);
     m_shell->topBar()->setMenu(menu()->menu());
+    connect(m_commands, &StudioCommands::keysRequested, this, &MainWindow::showKeys);
     connect(qApp, &QApplication::focusChanged, this, &MainWindow::showHints);
 }
 
@@ -216,7 +230,7 @@ void MainWindow::connectAccount()
     });
     connect(m_accountBinding.get(), &AccountBinding::gateClosed, this, [this] {
         m_publishBinding->close();
-        lockStudio();
+        hideKeys();
     });
     connect(m_accountBinding.get(), &AccountBinding::sheetChanged, this, &MainWindow::lockStudio);
     connect(m_accountBinding.get(), &AccountBinding::textPanelRequested, this,
@@ -285,9 +299,44 @@ void MainWindow::followNotifications()
     });
 }
 
+void MainWindow::connectRecent()
+{
+    RecentPlaces& recent = m_files->recent();
+    const auto show = [this, &recent] { m_shell->emptyState()->setPlaces(recent.places()); };
+    connect(&recent, &RecentPlaces::changed, this, show);
+    show();
+    recent.look();
+}
+
+void MainWindow::connectAppearance()
+{
+    connect(m_accountBinding.get(), &AccountBinding::appSettingsMade, this,
+            [this](AppSettingsWindow* settings) {
+                AppearanceDetailPanel* panel = settings->appearancePanel();
+                const auto show = [this, panel] {
+                    panel->setTheme(m_appearance->choice(), m_appearance->isSchemeKnown());
+                };
+                show();
+                connect(m_appearance, &Appearance::changed, panel, show);
+                connect(panel, &AppearanceDetailPanel::themeChosen, m_appearance,
+                        &Appearance::choose);
+            });
+}
+
+void MainWindow::setDesktop(Desktop& desktop)
+{
+    m_appearance->follow(desktop);
+    const auto isInFront = [] { return QApplication::applicationState() == Qt::ApplicationActive; };
+    m_notices = new DesktopNotices(desktop, isInFront, &std::chrono::steady_clock::now, this);
+    m_notices->follow(m_session);
+    connect(&desktop, &Desktop::noticePressed, this, [this] { comeForward(*this, {}); });
+}
+
 void MainWindow::setLocalEngine(LocalAIManager& manager, const LocalAIService& service)
 {
     m_copyBinding->setLocalEngine(manager, service);
+    if (m_notices)
+        m_notices->follow(manager);
     connect(&manager, &LocalAIManager::changed, m_panelBinding.get(), &PanelBinding::show);
     connect(m_accountBinding.get(), &AccountBinding::appSettingsMade, this,
             [&manager](AppSettingsWindow* settings) {
@@ -302,7 +351,26 @@ bool MainWindow::isGated() const
 
 bool MainWindow::isSheetPresented() const
 {
-    return m_accountBinding->isSheetPresented() || m_publishBinding->isSheetPresented();
+    return m_accountBinding->isSheetPresented() || m_publishBinding->isSheetPresented() ||
+           (m_keys && m_keys->isPresented());
+}
+
+void MainWindow::showKeys()
+{
+    if (!m_keys) {
+        m_keys = new KeysSheet(keyGroups(menu()->commands()), this);
+        connect(m_keys, &Sheet::closeRequested, this, &MainWindow::hideKeys);
+    }
+    m_keys->search()->clear();
+    m_keys->present();
+    lockStudio();
+}
+
+void MainWindow::hideKeys()
+{
+    if (m_keys)
+        m_keys->dismiss();
+    lockStudio();
 }
 
 // Disables the menu and its keys while the sign-in gate or a sheet covers the studio. Also disables
@@ -338,21 +406,43 @@ void MainWindow::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
     // While the window was inactive, another program may have moved or changed the photos.
-    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
         m_session.exports().lookAtPhotos();
+        m_files->recent().look();
+    }
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     if (m_statusBinding->delaysClosing())
         return event->ignore();
+    save();
+    QWidget::closeEvent(event);
+}
+
+void MainWindow::save()
+{
     // Ends edits before saving, so that text which is still being typed is saved with the batch.
     m_shell->composeBar()->finishEdit();
     m_focus->goToCanvas();
     m_session.copy().applyBeforeEnd();
     m_session.saveWorkspace();
     m_look->keepGeometry();
-    QWidget::closeEvent(event);
+}
+
+// The desktop may call the logout off, so the window stays open.
+void MainWindow::settleBeforeLogout()
+{
+    const QDeadlineTimer patience(longestWaitAtLogout);
+    while (const Activity* delaying = m_session.activities().delayingClosing()) {
+        if (patience.hasExpired())
+            break;
+        m_session.activities().stop(delaying->kind);
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
+                                            QEventLoop::WaitForMoreEvents,
+                                        int(patience.remainingTime()));
+    }
+    save();
 }
 
 void MainWindow::open(const QList<QUrl>& files)

@@ -10,12 +10,16 @@
 
 class AccountBinding;
 class AccountSession;
+class Appearance;
 class AuthGateView;
 class BatchBinding;
 class CopyBinding;
+class Desktop;
+class DesktopNotices;
 class ExportBinding;
 class FileIntake;
 class KeptLook;
+class KeysSheet;
 class LocalAIManager;
 class LocalAIService;
 class PanelBinding;
@@ -44,6 +48,10 @@ public:
     // Shows the engine that runs on this machine; both outlive the window.
     void setLocalEngine(LocalAIManager& manager, const LocalAIService& service);
 
+    // Follows the preferences of the desktop, which outlives the window, and tells it of work that
+    // has ended. Call before setLocalEngine().
+    void setDesktop(Desktop& desktop);
+
     StudioShell* shell() const { return m_shell; }
     StudioMenu* menu() const;
     StudioCommands& commands() const { return *m_commands; }
@@ -58,6 +66,8 @@ public:
     // each file.
     void open(const QList<QUrl>& files);
     UpdateController& updates() { return *m_updates; }
+    // Saves, and asks work that must not be cut off to end, for which it waits some seconds.
+    void settleBeforeLogout();
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -78,9 +88,14 @@ private:
     void connectPublish();
     void connectUpdates();
     void followNotifications();
+    void connectAppearance();
+    void connectRecent();
 
     bool isGated() const;
     bool isSheetPresented() const;
+    void showKeys();
+    void hideKeys();
+    void save();
     void lockStudio();
     void showWaiting();
     void openWaiting();
@@ -108,7 +123,10 @@ private:
     std::unique_ptr<UpdateController> m_updates;
     StudioFocus* m_focus;
     KeptLook* m_look;
+    Appearance* m_appearance;
+    DesktopNotices* m_notices = nullptr;    // null without a desktop
     StudioCommands* m_commands;
+    KeysSheet* m_keys = nullptr;    // made when it is first shown
     AuthGateView* m_gate;
     std::unique_ptr<AccountBinding> m_accountBinding;
     // Files that wait until somebody signs in. m_waitingOpened: opened by another program.

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int statusLineHeight = 28, statusSide = 16;
+constexpr int statusLineHeight = 28, compactStatusHeight = 24, statusSide = 16;
 constexpr int sentenceLeft = statusSide + 24, linkGap = 8, linkToLink = 4, chipToSentence = 12;
 constexpr int widestHistory = 720;
 constexpr int announcePause = 3000, statusTurnTime = 1000, statusFrameTime = 33;    // ms
@@ -131,6 +131,11 @@ void StatusLine::setStatus(const StatusEntry& told, const std::optional<Activity
     }
     place();
     update();
+}
+
+void StatusLine::setClass(WindowClass windowClass)
+{
+    setFixedHeight(windowClass == WindowClass::compact ? compactStatusHeight : statusLineHeight);
 }
 
 void StatusLine::showParts()

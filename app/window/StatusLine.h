@@ -1,5 +1,6 @@
 #pragma once
 #include "app/controls/KeyHint.h"
+#include "app/theme/WindowClass.h"
 #include "studio/StatusLog.h"
 
 #include <QElapsedTimer>
@@ -30,6 +31,7 @@ public:
     void showHistory(const QList<StatusEntry>& history);
     // Opens a popup with `details`, the names of the files that the sentence only counts.
     void showDetails(const QStringList& details);
+    void setClass(WindowClass windowClass);
     QList<QWidget*> focusOrder() const;
     QSize sizeHint() const override { return {600, 28}; }
 

@@ -201,9 +201,8 @@ public:
         list->setUniformItemSizes(true);
         list->setTextElideMode(Qt::ElideMiddle);
         list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        QPalette colors = list->palette();
+        QPalette colors;    // all else as in the program's, also after a change of the theme
         colors.setColor(QPalette::Base, Qt::transparent);
-        colors.setColor(QPalette::Text, themeOf(this).text);
         list->setPalette(colors);
         double widest = 200;
         for (const QString& detail : details) {

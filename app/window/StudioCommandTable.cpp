@@ -2,7 +2,9 @@
 #include "app/window/StudioCommands.h"
 
 #include "account/AccountSession.h"
+#include "app/desktop/Appearance.h"
 #include "app/desktop/CheckForUpdatesView.h"
+#include "app/desktop/RecentPlaces.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
 #include "app/layers/SidePanel.h"
@@ -13,6 +15,7 @@
 #include "app/stage/StageBinding.h"
 #include "app/theme/Icons.h"
 #include "app/window/CommandText.h"
+#include "app/window/Diagnostics.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
 #include "app/window/StatusBinding.h"
@@ -34,8 +37,11 @@ namespace {
 constexpr double zoomStep = 0.1;
 
 constexpr QStringView fileMenu = u"Archivo", editMenu = u"Edición", viewMenu = u"Ver",
-                      helpMenu = u"Ayuda", shapeMenu = u"Edición/Añadir forma",
-                      formatMenu = u"Ver/Formato", themeMenu = u"Ver/Tema";
+                      helpMenu = u"Ayuda", recentMenu = u"Archivo/Recientes",
+                      moveMenu = u"Edición/Mover capa",
+                      sizeMenu = u"Edición/Ancho y alto de la capa",
+                      shapeMenu = u"Edición/Añadir forma", formatMenu = u"Ver/Formato",
+                      themeMenu = u"Ver/Tema";
 
 }    // namespace
 
@@ -44,18 +50,9 @@ QList<MenuCommand> StudioCommands::fileCommands()
     const auto canExport = [this] { return refusalOf(m_parts.exports.offer()).isEmpty(); };
     return {
         {.menu = fileMenu,
-         .text = CommandText::importImages.toString(),
-         .keys = u"Ctrl+O",
-         .icon = Icon::importImages,
-         .run = [this] { m_parts.files->choosePhotos(); }},
-        {.menu = fileMenu,
-         .text = CommandText::importFolder.toString(),
-         .keys = u"Ctrl+Shift+O",
-         .icon = Icon::importFolder,
-         .run = [this] { m_parts.files->chooseFolder(); }},
-        {.menu = fileMenu,
          .text = CommandText::exportCurrent.toString(),
          .keys = u"Ctrl+E",
+         .topic = KeyTopic::output,
          .icon = Icon::exportCurrent,
          .startsGroup = true,
          .run = [this] { m_parts.exports.exportCurrent(); },
@@ -63,6 +60,8 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = CommandText::exportAll.toString(),
          .keys = u"Ctrl+Shift+E",
+         .topic = KeyTopic::output,
+         .keyText = u"Exportar varias",
          .icon = Icon::exportAll,
          .run = [this] { m_parts.exports.exportSeveral(); },
          .isPossible = canExport,
@@ -70,6 +69,7 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = CommandText::publish.toString(),
          .keys = u"Ctrl+P",
+         .topic = KeyTopic::output,
          .icon = Icon::publish,
          .run = [this] { m_parts.publish.open(); },
          .isPossible = [this] { return m_parts.publish.refusal().isEmpty(); },
@@ -77,6 +77,7 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = CommandText::generate.toString(),
          .keys = u"Ctrl+Return Ctrl+Enter",
+         .topic = KeyTopic::output,
          .icon = Icon::generate,
          .startsGroup = true,
          .run = [this] { m_session.copy().analyzeSelected(); },
@@ -86,6 +87,8 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = CommandText::stop.toString(),
          .keys = u"Ctrl+.",
+         .topic = KeyTopic::output,
+         .keyText = u"Cancelar lo que está en curso",
          .run = [this] { m_parts.status.stop(); },
          .isPossible = [this] { return m_parts.status.canStop(); },
          .wording = [this] { return m_parts.status.stopText(); }},
@@ -118,6 +121,7 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = u"Ajustes de Moltiva"_s,
          .keys = u"Ctrl+,",
+         .topic = KeyTopic::window,
          .icon = Icon::preferences,
          .run = [this] { m_session.setAppSettingsPresented(true); }},
         {.menu = fileMenu,
@@ -132,10 +136,43 @@ QList<MenuCommand> StudioCommands::fileCommands()
         {.menu = fileMenu,
          .text = u"Salir"_s,
          .keys = u"Ctrl+Q",
+         .topic = KeyTopic::window,
          .startsGroup = true,
          .run = [this] { m_parts.window->close(); },
          .isAlwaysUsable = true},
     };
+}
+
+QList<MenuCommand> StudioCommands::importCommands()
+{
+    return {
+        {.menu = fileMenu,
+         .text = CommandText::importImages.toString(),
+         .keys = u"Ctrl+O",
+         .topic = KeyTopic::images,
+         .icon = Icon::importImages,
+         .run = [this] { m_parts.files->choosePhotos(); }},
+        {.menu = fileMenu,
+         .text = CommandText::importFolder.toString(),
+         .keys = u"Ctrl+Shift+O",
+         .topic = KeyTopic::images,
+         .icon = Icon::importFolder,
+         .run = [this] { m_parts.files->chooseFolder(); }},
+    };
+}
+
+QList<MenuCommand> StudioCommands::recentCommands()
+{
+    QList<MenuCommand> commands;
+    for (qsizetype i = 0; i < RecentPlaces::most; ++i) {
+        const auto place = [this, i] { return m_parts.files->recent().places().value(i); };
+        commands.append({.menu = recentMenu,
+                         .text = u"Reciente %1"_s.arg(i + 1),
+                         .run = [this, place] { m_parts.files->openRecent(place().path); },
+                         .isPossible = [place] { return !place().path.isEmpty(); },
+                         .wording = [place] { return inMenu(place().name()); }});
+    }
+    return commands;
 }
 
 QList<MenuCommand> StudioCommands::editCommands()
@@ -145,6 +182,7 @@ QList<MenuCommand> StudioCommands::editCommands()
         {.menu = editMenu,
          .text = CommandText::undo.toString(),
          .keys = u"Ctrl+Z",
+         .topic = KeyTopic::edit,
          .icon = Icon::undo,
          .run = [this] { m_session.undo(); },
          .notification = Notification::undoRequested,
@@ -153,6 +191,7 @@ QList<MenuCommand> StudioCommands::editCommands()
         {.menu = editMenu,
          .text = CommandText::redo.toString(),
          .keys = u"Ctrl+Shift+Z Ctrl+Y",
+         .topic = KeyTopic::edit,
          .icon = Icon::redo,
          .run = [this] { m_session.redo(); },
          .notification = Notification::redoRequested,
@@ -161,6 +200,7 @@ QList<MenuCommand> StudioCommands::editCommands()
         {.menu = editMenu,
          .text = u"Editar el texto"_s,
          .shownKey = u"Intro",
+         .topic = KeyTopic::layers,
          .startsGroup = true,
          .run = [this] { editSelected(); },
          .isPossible = [this] { return isTextSelected(); },
@@ -176,18 +216,21 @@ QList<MenuCommand> StudioCommands::editCommands()
         {.menu = editMenu,
          .text = u"Ocultar texto o eliminar forma"_s,
          .shownKey = u"Supr",
+         .topic = KeyTopic::layers,
          .run = [this] { removeLayer(); },
          .isPossible = isLayerSelected,
          .changesImages = true},
         {.menu = editMenu,
          .text = CommandText::copyStyle.toString(),
          .keys = u"Ctrl+Alt+C",
+         .topic = KeyTopic::layers,
          .run = [this] { m_session.copyStyle(); },
          .isPossible = isLayerSelected,
          .changesImages = true},
         {.menu = editMenu,
          .text = CommandText::pasteStyle.toString(),
          .keys = u"Ctrl+Alt+V",
+         .topic = KeyTopic::layers,
          .run = [this] { m_session.pasteStyle(); },
          .isPossible = [this] { return m_session.canPasteStyle(); },
          .changesImages = true},
@@ -215,6 +258,7 @@ QList<MenuCommand> StudioCommands::editCommands()
                                          {.menu = editMenu,
                                           .text = CommandText::selectAll.toString(),
                                           .keys = u"Ctrl+A",
+                                          .topic = KeyTopic::images,
                                           .icon = Icon::selectAll,
                                           .startsGroup = true,
                                           .run = [this] { selectAll(); },
@@ -222,10 +266,64 @@ QList<MenuCommand> StudioCommands::editCommands()
                                          {.menu = editMenu,
                                           .text = CommandText::discard.toString(),
                                           .keys = u"Ctrl+Shift+D",
+                                          .topic = KeyTopic::images,
                                           .icon = Icon::discard,
                                           .run = [this] { discardCurrent(); },
                                           .isPossible = [this] { return hasImage(); },
                                           .repeats = false}};
+}
+
+QList<MenuCommand> StudioCommands::layerCommands()
+{
+    struct LayerKey {
+        QStringView move, size;    // texts of the commands
+        QStringView moveKey, sizeKey;
+        int right, down;    // pixels of the exported picture
+        bool startsGroup = false;
+    };
+    static constexpr std::array layerKeys{
+        LayerKey{u"Mover a la izquierda 1 px", u"Estrechar 1 px", u"Alt+Left", u"Ctrl+Shift+Left",
+                 -1, 0},
+        LayerKey{u"Mover a la derecha 1 px", u"Ensanchar 1 px", u"Alt+Right", u"Ctrl+Shift+Right",
+                 1, 0},
+        LayerKey{u"Mover hacia arriba 1 px", u"Acortar 1 px", u"Alt+Up", u"Ctrl+Shift+Up", 0, -1},
+        LayerKey{u"Mover hacia abajo 1 px", u"Alargar 1 px", u"Alt+Down", u"Ctrl+Shift+Down", 0, 1},
+        LayerKey{u"Mover a la izquierda 10 px", u"Estrechar 10 px", u"Alt+Shift+Left",
+                 u"Ctrl+Alt+Shift+Left", -10, 0, true},
+        LayerKey{u"Mover a la derecha 10 px", u"Ensanchar 10 px", u"Alt+Shift+Right",
+                 u"Ctrl+Alt+Shift+Right", 10, 0},
+        LayerKey{u"Mover hacia arriba 10 px", u"Acortar 10 px", u"Alt+Shift+Up",
+                 u"Ctrl+Alt+Shift+Up", 0, -10},
+        LayerKey{u"Mover hacia abajo 10 px", u"Alargar 10 px", u"Alt+Shift+Down",
+                 u"Ctrl+Alt+Shift+Down", 0, 10},
+    };
+    const auto isPossible = [this] { return isTextSelected() || isShapeSelected(); };
+    QList<MenuCommand> moves, sizes;
+    for (const LayerKey& row : layerKeys) {
+        const int right = row.right, down = row.down, pixels = std::abs(right + down);
+        moves.append({.menu = moveMenu,
+                      .text = row.move.toString(),
+                      .keys = row.moveKey,
+                      .topic = KeyTopic::layers,
+                      .keyText = pixels == 1 ? u"Mover 1 píxel" : u"Mover 10 píxeles",
+                      .startsGroup = row.startsGroup,
+                      .run = [this, right, down] { m_session.moveLayer(right, down); },
+                      .isPossible = isPossible,
+                      .place = m_parts.stage.canvas(),
+                      .changesImages = true});
+        sizes.append(
+            {.menu = sizeMenu,
+             .text = row.size.toString(),
+             .keys = row.sizeKey,
+             .topic = KeyTopic::layers,
+             .keyText = pixels == 1 ? u"Ancho y alto, 1 píxel" : u"Ancho y alto, 10 píxeles",
+             .startsGroup = row.startsGroup,
+             .run = [this, right, down] { m_session.resizeLayer(right, down); },
+             .isPossible = isPossible,
+             .place = m_parts.stage.canvas(),
+             .changesImages = true});
+    }
+    return moves + sizes;
 }
 
 QList<MenuCommand> StudioCommands::viewCommands()
@@ -235,6 +333,8 @@ QList<MenuCommand> StudioCommands::viewCommands()
         {.menu = viewMenu,
          .text = u"Imagen anterior"_s,
          .keys = u"PgUp",
+         .topic = KeyTopic::images,
+         .keyText = u"Anterior y siguiente, también al escribir",
          .icon = Icon::previous,
          .run = [this] { step(-1); },
          .isPossible = [this] { return m_session.batch().selectedIndex > 0; },
@@ -243,6 +343,8 @@ QList<MenuCommand> StudioCommands::viewCommands()
         {.menu = viewMenu,
          .text = u"Imagen siguiente"_s,
          .keys = u"PgDown",
+         .topic = KeyTopic::images,
+         .keyText = u"Anterior y siguiente, también al escribir",
          .icon = Icon::next,
          .run = [this] { step(1); },
          .isPossible =
@@ -259,6 +361,8 @@ QList<MenuCommand> StudioCommands::viewCommands()
             {.menu = formatMenu,
              .text = rawValue(format),
              .keys = keys[std::size_t(format)],
+             .topic = KeyTopic::places,
+             .keyText = u"Formato",
              .run = [this, format] { m_session.setFormat(format); },
              .isChecked = [this, format] { return m_session.batch().format == format; }});
     }
@@ -280,16 +384,19 @@ QList<MenuCommand> StudioCommands::viewCommands()
         {.menu = viewMenu,
          .text = u"Foto al 100 %"_s,
          .keys = u"Ctrl+0",
+         .topic = KeyTopic::photo,
          .run = [this] { m_parts.stage.setZoom(1); },
          .isPossible = possible},
         {.menu = viewMenu,
          .text = u"Acercar"_s,
          .keys = u"Ctrl++ Ctrl+=",
+         .topic = KeyTopic::photo,
          .run = [this] { m_parts.stage.zoomBy(zoomStep); },
          .isPossible = possible},
         {.menu = viewMenu,
          .text = u"Alejar"_s,
          .keys = u"Ctrl+-",
+         .topic = KeyTopic::photo,
          .run = [this] { m_parts.stage.zoomBy(-zoomStep); },
          .isPossible = possible},
         {.menu = viewMenu,
@@ -310,6 +417,9 @@ QList<MenuCommand> StudioCommands::viewCommands()
         commands.append({.menu = viewMenu,
                          .text = text,
                          .keys = keys,
+
+                         .topic = KeyTopic::places,
+                         .keyText = u"Texto, Formas, Plantillas",
                          .startsGroup = tab == SideTab::text,
                          .run = [this, tab = tab] { m_parts.look->showTab(tab); }});
     }
@@ -327,31 +437,71 @@ QList<MenuCommand> StudioCommands::viewCommands()
         {.menu = viewMenu,
          .text = u"Zona siguiente"_s,
          .keys = u"F6",
+         .topic = KeyTopic::window,
          .run = [this] { m_parts.focus->goToRegion(1); }},
         {.menu = viewMenu,
          .text = u"Zona anterior"_s,
          .keys = u"Shift+F6",
+         .topic = KeyTopic::window,
          .run = [this] { m_parts.focus->goToRegion(-1); }},
-        {.menu = themeMenu,
-         .text = u"Oscuro"_s,
-         .run = [look] { look->setLight(false); },
-         .isChecked = [look] { return !look->isLight(); },
-         .isAlwaysUsable = true},
-        {.menu = themeMenu,
-         .text = u"Claro"_s,
-         .run = [look] { look->setLight(true); },
-         .isChecked = [look] { return look->isLight(); },
-         .isAlwaysUsable = true},
     };
+    Appearance& appearance = m_parts.appearance;
+    for (const ThemeChoiceRow& theme : Vocabulary<ThemeChoice>::rows) {
+        commands.append(
+            {.menu = themeMenu,
+             .text = theme.title.toString(),
+             .run = [&appearance, choice = theme.value] { appearance.choose(choice); },
+             .isChecked = [&appearance,
+                           choice = theme.value] { return appearance.choice() == choice; },
+             .isAlwaysUsable = true});
+    }
     return commands;
+}
+
+// Keys of the whole window and of its text editors, which are no commands of the menu.
+QList<MenuCommand> StudioCommands::otherKeys()
+{
+    return {
+        {.menu = {},
+         .text = u"Imagen anterior, siguiente"_s,
+         .shownKey = u"← →",
+         .topic = KeyTopic::images},
+        {.menu = {},
+         .text = u"Editar el texto: otra tecla"_s,
+         .shownKey = u"F2",
+         .topic = KeyTopic::layers,
+         .keyText = u"Editar el texto"},
+        {.menu = {},
+         .text = u"Volver al lienzo, deseleccionar"_s,
+         .shownKey = u"Esc",
+         .topic = KeyTopic::layers},
+        {.menu = {},
+         .text = u"Cerrar diálogo o menú"_s,
+         .shownKey = u"Esc",
+         .topic = KeyTopic::window},
+    };
 }
 
 QList<MenuCommand> StudioCommands::helpCommands()
 {
     return {
         {.menu = helpMenu,
+         .text = CommandText::keys.toString(),
+         .keys = u"Ctrl+?",
+         .topic = KeyTopic::window,
+         .icon = Icon::keyboard,
+         .run = [this] { Q_EMIT keysRequested(); }},
+        {.menu = helpMenu,
          .text = u"Últimos avisos"_s,
          .run = [this] { m_parts.status.showHistory(); }},
+        {.menu = helpMenu,
+         .text = u"Copiar diagnóstico"_s,
+         .run =
+             [this] {
+                 m_session.setStatus(u"Preparando el diagnóstico…"_s);
+                 m_diagnostics->gather();
+             },
+         .isAlwaysUsable = true},
         {.menu = helpMenu,
          .text = CheckForUpdatesView::title.toString(),
          .run = [this] { CheckForUpdatesView{m_parts.updates}.press(); },

@@ -4,6 +4,7 @@
 #include "app/batch/BatchBinding.h"
 #include "app/batch/BatchColumn.h"
 #include "app/copy/ComposeBar.h"
+#include "app/desktop/Appearance.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
 #include "app/layers/SidePanel.h"
@@ -13,6 +14,7 @@
 #include "app/stage/StageBinding.h"
 #include "app/theme/Icons.h"
 #include "app/window/CommandText.h"
+#include "app/window/Diagnostics.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
 #include "app/window/StudioFocus.h"
@@ -20,23 +22,36 @@
 #include "app/window/StudioShell.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "platform/NotificationCenter.h"
+#include "platform/UserFolders.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QMenu>
 
 using namespace Qt::StringLiterals;
 
 StudioCommands::StudioCommands(const CommandParts& parts)
     : QObject(parts.window), m_parts(parts), m_session(parts.session),
-      m_menu(new StudioMenu(table(), parts.window))
+      m_menu(new StudioMenu(table(), parts.window)),
+      m_diagnostics(new Diagnostics(QCoreApplication::applicationFilePath(), logFile(), this))
 {
     connect(m_menu, &StudioMenu::chosen, this,
             [this](const MenuCommand& command) { choose(command); });
     connect(m_parts.look, &KeptLook::changed, m_menu, &StudioMenu::showChecks);
+    connect(&m_parts.appearance, &Appearance::changed, m_menu, &StudioMenu::showChecks);
     connectButtons();
+    connectDiagnostics();
+}
+
+void StudioCommands::connectDiagnostics()
+{
+    connect(m_diagnostics, &Diagnostics::gathered, this, [this](const QString& text) {
+        QGuiApplication::clipboard()->setText(text);
+        m_session.setStatus(u"Diagnóstico copiado en el portapapeles."_s, StatusKind::done);
+    });
 }
 
 void StudioCommands::connectButtons()
@@ -61,6 +76,7 @@ void StudioCommands::connectButtons()
     const EmptyState* empty = m_parts.shell->emptyState();
     connect(empty, &EmptyState::importImagesRequested, this, runs(CommandText::importImages));
     connect(empty, &EmptyState::importFolderRequested, this, runs(CommandText::importFolder));
+    connect(empty, &EmptyState::placeRequested, m_parts.files, &FileIntake::openRecent);
     const BatchColumn* column = m_parts.shell->batchColumn();
     connect(column, &BatchColumn::selectAllRequested, this, runs(CommandText::selectAll));
     connect(column, &BatchColumn::discardRequested, this, runs(CommandText::discard));
@@ -69,7 +85,8 @@ void StudioCommands::connectButtons()
 
 QList<MenuCommand> StudioCommands::table()
 {
-    return fileCommands() + editCommands() + viewCommands() + helpCommands();
+    return importCommands() + recentCommands() + fileCommands() + editCommands() + layerCommands() +
+           viewCommands() + helpCommands() + otherKeys();
 }
 
 bool StudioCommands::canGenerate() const

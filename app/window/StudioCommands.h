@@ -4,7 +4,9 @@
 #include <QUuid>
 
 class AccountSession;
+class Appearance;
 class BatchBinding;
+class Diagnostics;
 class ExportBinding;
 class FileIntake;
 class KeptLook;
@@ -37,6 +39,7 @@ struct CommandParts {
     FileIntake* files;
     StudioFocus* focus;
     KeptLook* look;
+    Appearance& appearance;
     QWidget* window;
 };
 
@@ -54,19 +57,27 @@ public:
     void removeLayer();
     void editSelected();
 
+Q_SIGNALS:
+    void keysRequested();    // to show the list of keys
+
 private:
     void connectButtons();
     void choose(const MenuCommand& command);
+    void connectDiagnostics();
     void run(const MenuCommand& command);
     void runForBatch(QStringView text, const char* slotOfField);
     // Opens the context menu of the tile at `index`. Selects the tile first unless it is already
     // selected.
     void showTileMenu(int index, QPoint globalPosition);
     QList<MenuCommand> table();
+    QList<MenuCommand> importCommands();
+    QList<MenuCommand> recentCommands();
     QList<MenuCommand> fileCommands();
     QList<MenuCommand> editCommands();
+    QList<MenuCommand> layerCommands();
     QList<MenuCommand> viewCommands();
     QList<MenuCommand> helpCommands();
+    QList<MenuCommand> otherKeys();
 
     bool canGenerate() const;
     bool hasImage() const;
@@ -81,4 +92,5 @@ private:
     const CommandParts m_parts;
     StudioSession& m_session;
     StudioMenu* m_menu;
+    Diagnostics* m_diagnostics;
 };

@@ -34,6 +34,7 @@ QList<KeyHint> hintsOnCanvas(const Batch& batch)
     QList<KeyHint> hints;
     if (batch.items.size() > 1)
         hints.append({{u"←"_s, u"→"_s}, u"Cambiar imagen"_s});
+    hints.append({{u"Alt"_s, u"flechas"_s}, u"Mover 1 px"_s});
     hints.append({{u"Supr"_s}, isShape ? u"Eliminar forma"_s : u"Ocultar capa"_s});
     return hints;
 }

@@ -51,6 +51,10 @@ QMenu* StudioMenu::menuAt(QStringView path)
 void StudioMenu::add(qsizetype index, QWidget* window)
 {
     const MenuCommand& command = m_commands[index];
+    if (command.menu.isEmpty()) {
+        m_actions.append(new QAction(command.text, m_menu));
+        return;
+    }
     QMenu* menu = menuAt(command.menu);
     if (command.startsGroup)
         menu->addSeparator();
@@ -65,7 +69,10 @@ void StudioMenu::add(qsizetype index, QWidget* window)
         showChecks();
     });
     menu->addAction(action);
-    window->addAction(action);    // makes the command's key work while the menu is closed
+    if (command.place)
+        action->setShortcutContext(Qt::WidgetShortcut);
+    // Makes the command's key work while the menu is closed.
+    (command.place ? command.place : window)->addAction(action);
     m_actions.append(action);
 }
 
@@ -90,10 +97,16 @@ void StudioMenu::showState()
 {
     for (qsizetype i = 0; i < m_commands.size(); ++i) {
         const MenuCommand& command = m_commands[i];
-        if (command.wording)
+        if (command.wording) {
             m_actions[i]->setText(entryOf(command));
+            m_actions[i]->setVisible(!m_actions[i]->text().isEmpty());
+        }
         m_actions[i]->setEnabled((!m_isLocked || command.isAlwaysUsable) &&
                                  (!command.isPossible || command.isPossible()));
+    }
+    for (QMenu* submenu : std::as_const(m_submenus)) {
+        const QList<QAction*> entries = submenu->actions();
+        submenu->setEnabled(std::ranges::any_of(entries, &QAction::isVisible));
     }
     showChecks();
 }

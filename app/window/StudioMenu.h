@@ -11,14 +11,21 @@ class QAction;
 class QMenu;
 class QWidget;
 
+// The groups of the list of keys; `none`: not listed.
+enum class KeyTopic { none, images, output, layers, photo, edit, places, window };
+
 // One command of the window: its place in the menu, its keys, what it does and when it is possible.
 struct MenuCommand {
-    QStringView menu;         // path of the submenu, such as "Edición/Añadir forma"
+    // Path of the submenu, such as "Edición/Añadir forma". Empty: not in the menu, only in the list
+    // of keys.
+    QStringView menu;
     QString text;             // shown in the menu; identifies the command
     QStringView keys = {};    // separated by spaces; the menu shows the first
     // A key that the menu shows but does not register, because text fields use it. MainWindow
     // handles the key if the focused widget has not used it.
     QStringView shownKey = {};
+    KeyTopic topic = KeyTopic::none;
+    QStringView keyText = {};    // in the list of keys; empty: `text`
     Icon icon = Icon::none;
     bool startsGroup = false;
     std::function<void()> run = {};
@@ -29,11 +36,13 @@ struct MenuCommand {
     // isPossible().
     std::function<bool()> isPossible = {};    // empty: always
     std::function<bool()> isChecked = {};     // empty: no check mark
-    std::function<QString()> wording = {};    // gives the text to show; empty: `text`
-    bool changesImages = false;               // refused while the batch column shows an import
-    bool keepsTyping = false;                 // lets the user go on typing in a text field
-    bool repeats = true;                      // runs again while the key is held
-    bool isAlwaysUsable = false;              // usable even while the menu is locked
+    // Gives the text to show; an entry without a text is hidden. Without the function, `text`.
+    std::function<QString()> wording = {};
+    QWidget* place = nullptr;       // where the keys work while it has the focus; null: everywhere
+    bool changesImages = false;     // refused while the batch column shows an import
+    bool keepsTyping = false;       // lets the user go on typing in a text field
+    bool repeats = true;            // runs again while the key is held
+    bool isAlwaysUsable = false;    // usable even while the menu is locked
 };
 
 // The main menu, with each command once. Keys also run commands while the menu is closed.
@@ -44,6 +53,7 @@ public:
     StudioMenu(const QList<MenuCommand>& commands, QWidget* window);
 
     QMenu* menu() const { return m_menu; }
+    const QList<MenuCommand>& commands() const { return m_commands; }
     // `text`, here and below: of an existing command.
     QAction* action(QStringView text) const;
     const MenuCommand& command(QStringView text) const;

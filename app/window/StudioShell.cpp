@@ -29,6 +29,8 @@ constexpr std::array widthClasses{
     WidthClass{1800, 304, 376},
     WidthClass{2560, 400, 376},
 };
+constexpr WidthClass compactWidths{0, 88, 280};
+
 const WidthClass& widthClassOf(int window)
 {
     const auto next =
@@ -78,10 +80,11 @@ StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
       m_batchColumn(new BatchColumn), m_stage(new StagePanel), m_viewBar(new ViewBar),
       m_empty(new EmptyState), m_engineRow(new EngineRow), m_panel(new SidePanel),
       m_status(new StatusLine(this)), m_veil(new DropVeil(this)),
-      m_splitter(new QSplitter(Qt::Horizontal, this)), m_stages(new QStackedWidget)
+      m_splitter(new QSplitter(Qt::Horizontal, this)), m_stages(new QStackedWidget),
+      m_stageRows(new QVBoxLayout), m_composeRow(new QHBoxLayout)
 {
     QAccessible::installFactory(accessibleShellOf);
-    setMinimumSize(1200, 720);
+    setMinimumSize(smallestWindow);
     m_panel->setTextHeader(m_engineRow, m_engineRow->focusOrder());
     auto* picture = new QWidget;
     auto* pictureRows = new QVBoxLayout(picture);
@@ -93,14 +96,13 @@ StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
     m_stages->addWidget(picture);
 
     auto* ground = new Ground;
-    auto* stageRows = new QVBoxLayout(ground);
-    stageRows->setContentsMargins(0, Space::medium, 0, 0);
-    stageRows->setSpacing(0);
-    auto* compose = new QHBoxLayout;
-    compose->setContentsMargins(Space::column, 0, Space::column, 0);
-    compose->addWidget(m_composeBar);
-    stageRows->addLayout(compose);
-    stageRows->addWidget(m_stages, 1);
+    ground->setLayout(m_stageRows);
+    m_stageRows->setContentsMargins(0, Space::medium, 0, 0);
+    m_stageRows->setSpacing(0);
+    m_composeRow->setContentsMargins(Space::column, 0, Space::column, 0);
+    m_composeRow->addWidget(m_composeBar);
+    m_stageRows->addLayout(m_composeRow);
+    m_stageRows->addWidget(m_stages, 1);
 
     m_splitter->setHandleWidth(1);
     m_splitter->setChildrenCollapsible(false);
@@ -167,12 +169,32 @@ void StudioShell::setPanelVisible(bool visible)
 
 void StudioShell::resizeEvent(QResizeEvent*)
 {
+    setClass(windowClassOf(size()));
     fitColumns();
+}
+
+void StudioShell::setClass(WindowClass windowClass)
+{
+    if (std::exchange(m_class, windowClass) == windowClass)
+        return;
+    m_topBar->setClass(windowClass);
+    m_composeBar->setClass(windowClass);
+    m_batchColumn->setClass(windowClass);
+    m_stage->setClass(windowClass);
+    m_viewBar->setClass(windowClass);
+    m_panel->setClass(windowClass);
+    m_status->setClass(windowClass);
+    const bool isCompact = windowClass == WindowClass::compact;
+    const int side = isCompact ? Space::medium : Space::column;
+    m_composeRow->setContentsMargins(side, 0, side, 0);
+    m_stageRows->setContentsMargins(0, isCompact ? Space::small : Space::medium, 0, 0);
+    layout()->activate();    // the new heights of the bars, before the window is painted
 }
 
 void StudioShell::fitColumns()
 {
-    const WidthClass& usual = widthClassOf(width());
+    const WidthClass& usual =
+        m_class == WindowClass::compact ? compactWidths : widthClassOf(width());
     const int line = m_splitter->handleWidth();
     const auto wanted = [line](const QWidget* column, int width) {
         if (column->isHidden())

@@ -1,4 +1,5 @@
 #pragma once
+#include "app/theme/WindowClass.h"
 #include "app/window/TopBar.h"
 
 #include <optional>
@@ -8,8 +9,10 @@ class ComposeBar;
 class DropVeil;
 class EngineRow;
 class EmptyState;
+class QHBoxLayout;
 class QSplitter;
 class QStackedWidget;
+class QVBoxLayout;
 class SidePanel;
 class StagePanel;
 class StatusLine;
@@ -55,6 +58,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void setClass(WindowClass windowClass);
     void fitColumns();
     void tellDragged(int divider);
     void orderFocus();
@@ -72,5 +76,8 @@ private:
     QSplitter* m_splitter;
     QStackedWidget* m_stages;
     std::optional<int> m_batchWidth, m_panelWidth;
+    QVBoxLayout* m_stageRows;
+    QHBoxLayout* m_composeRow;
+    WindowClass m_class = WindowClass::roomy;
     bool m_isCovered = false;
 };

@@ -12,7 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int topBarHeight = 56, topBarSide = 14, topBarGap = 12, fullLabelsFrom = 1400;
+constexpr int topBarHeight = 56, topBarSide = 14, topBarGap = 12, fullLabelsFrom = 1400,
+              compactSide = 10;
 
 class MarkButton : public Control {
 public:
@@ -59,7 +60,7 @@ TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
     : QWidget(parent), m_mark(new MarkButton(this)),
       m_images(new PushButton(Icon::importImages, u"Imágenes"_qs)),
       m_folder(new PushButton(Icon::importFolder, u"Carpeta"_qs)),
-      m_import(new JoinedButtons(m_images, m_folder, this)),
+      m_import(new JoinedButtons({m_images, m_folder}, this)),
       m_undo(new IconButton(Icon::undo, u"Deshacer"_qs, 36, this)),
       m_redo(new IconButton(Icon::redo, u"Rehacer"_qs, 36, this)),
       m_formats(new SegmentedControl(segmentsOf(formats), this)),
@@ -88,6 +89,12 @@ TopBar::TopBar(const QList<FormatChoice>& formats, QWidget* parent)
 void TopBar::setMenu(QMenu* menu)
 {
     m_menu = menu;
+}
+
+void TopBar::setClass(WindowClass windowClass)
+{
+    m_class = windowClass;
+    place();
 }
 
 void TopBar::setFormat(int index)
@@ -134,24 +141,32 @@ void TopBar::place()
         return left + size.width();
     };
     const bool isNarrow = width() < fullLabelsFrom;
+    const bool isCompact = m_class == WindowClass::compact;
     m_import->setLabels(isNarrow ? Labels::hidden : Labels::shown);
-    m_exports->setWording(isNarrow ? ExportButtons::Wording::brief : ExportButtons::Wording::whole);
-    m_account->setNameForm(isNarrow ? NameForm::first : NameForm::whole);
-    m_mark->move(topBarSide, (topBarHeight - m_mark->height()) / 2);
-    int left = put(m_import, topBarSide + m_mark->width() + topBarGap);
-    m_divider = left + topBarGap + 1;
-    left = put(m_undo, m_divider + topBarGap + 3);
+    using Wording = ExportButtons::Wording;
+    m_exports->setWording(isCompact ? Wording::number : isNarrow ? Wording::brief : Wording::whole);
+    m_account->setNameForm(isCompact  ? NameForm::none
+                           : isNarrow ? NameForm::first
+                                      : NameForm::whole);
+    const int side = isCompact ? compactSide : topBarSide;
+    m_mark->move(side, (topBarHeight - m_mark->height()) / 2);
+    int left = put(m_import, side + m_mark->width() + (isCompact ? Space::small : topBarGap));
+    m_divider = isCompact ? 0 : left + topBarGap + 1;
+    left = put(m_undo, isCompact ? left + Space::small : m_divider + topBarGap + 3);
     left = put(m_redo, left);
 
-    const int account = width() - topBarSide + 6 - m_account->sizeHint().width();
+    const int account = width() - side + 6 - m_account->sizeHint().width();
     put(m_account, account);
-    m_accountDivider = account - topBarGap;
+    m_accountDivider = isCompact ? 0 : account - topBarGap;
+    const int publishEnd = isCompact ? account - Space::hair : m_accountDivider - topBarGap;
     const int formats = m_formats->sizeHint().width();
     int right = 0;
     // Without its word the publish button leaves room for the formats.
     for (const Labels labels : {Labels::shown, Labels::hidden}) {
+        if (isCompact && labels == Labels::shown)
+            continue;
         m_publish->setLabels(labels);
-        right = m_accountDivider - topBarGap - m_publish->sizeHint().width();
+        right = publishEnd - m_publish->sizeHint().width();
         put(m_publish, right);
         right -= Space::small + m_exports->sizeHint().width();
         put(m_exports, right);
@@ -173,6 +188,8 @@ void TopBar::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.fillRect(rect(), theme.panel);
     painter.fillRect(0, height() - 1, width(), 1, theme.line);
-    for (const int divider : {m_divider, m_accountDivider})
-        painter.fillRect(divider, 16, 1, 24, theme.line2);
+    for (const int divider : {m_divider, m_accountDivider}) {
+        if (divider > 0)
+            painter.fillRect(divider, 16, 1, 24, theme.line2);
+    }
 }

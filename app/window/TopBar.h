@@ -1,4 +1,6 @@
 #pragma once
+#include "app/theme/WindowClass.h"
+
 #include <QList>
 #include <QSize>
 #include <QWidget>
@@ -27,6 +29,7 @@ public:
     explicit TopBar(const QList<FormatChoice>& formats, QWidget* parent = nullptr);
 
     void setMenu(QMenu* menu);    // not owned
+    void setClass(WindowClass windowClass);
     void setFormat(int index);    // shows the format; emits nothing
     void setUndo(bool possible);
     void setRedo(bool possible);
@@ -64,5 +67,7 @@ private:
     UserAccountButton* m_account;
     QMenu* m_menu = nullptr;
     QString m_publishTip;    // its tooltip, with or without its word
+    // Where the dividers are; 0: there is none.
     int m_divider = 0, m_accountDivider = 0;
+    WindowClass m_class = WindowClass::roomy;
 };

@@ -1,6 +1,7 @@
 #include "account/ConnectedAccount.h"
 #include "account/ServiceConfiguration.h"
 #include "app/desktop/AppDelegate.h"
+#include "app/desktop/AppVersion.h"
 #include "app/desktop/LinkRegistration.h"
 #include "app/desktop/ResourceCheck.h"
 #include "app/desktop/SingleInstance.h"
@@ -9,12 +10,15 @@
 #include "app/theme/StudioStyle.h"
 #include "app/theme/Theme.h"
 #include "app/window/MainWindow.h"
+#include "app/window/StartUpNotes.h"
 #include "cli/CommandLine.h"
 #include "cli/shared/ExitStatus.h"
 #include "copygen/LocalEngine.h"
 #include "platform/EndingSignals.h"
+#include "platform/Log.h"
 #include "platform/Memory.h"
 #include "platform/PreferencesStore.h"
+#include "platform/SessionDesktop.h"
 #include "platform/UserFolders.h"
 #include "platform/Workers.h"
 #include "platform/photo/PhotoCache.h"
@@ -22,6 +26,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QLibraryInfo>
 #include <QScopeGuard>
 #include <QTranslator>
@@ -32,15 +37,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Drops all messages of Qt except fatal ones, unless MOLTIVA_DEBUG is set: warnings about broken
-// files would mix with the output of a command.
-void quietMessages(QtMsgType type, const QMessageLogContext&, const QString& text)
-{
-    static const bool wanted = qEnvironmentVariableIsSet("MOLTIVA_DEBUG");
-    if (wanted || type == QtFatalMsg)
-        std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
-}
 
 // Names the keys as Spanish keyboards do. Qt's own translation of Ctrl+Shift is
 // "Control+Mayúsculas".
@@ -58,6 +54,9 @@ public:
         return qstrcmp(context, "QShortcut") == 0 ? names.value(source) : QString();
     }
 };
+
+// Names the plug-in that adapts Qt to the desktop.
+constexpr const char* platformTheme = "QT_QPA_PLATFORMTHEME";
 
 QString programName()
 {
@@ -88,25 +87,41 @@ bool hasDisplay()
 #endif
 }
 
+// Lets Qt show the file dialogs of the desktop if there are any, unless the user chose something
+// else for Qt. To be called while there is a QCoreApplication, before the QApplication.
+void useDesktopFileDialogs()
+{
+    if (qEnvironmentVariableIsSet(platformTheme))
+        return;
+    const QString plugin = QLibraryInfo::path(QLibraryInfo::PluginsPath) +
+                           u"/platformthemes/libqxdgdesktopportal.so"_s;
+    if (QFileInfo::exists(plugin) && desktopOffersFileDialogs())
+        qputenv(platformTheme, "xdgdesktopportal");
+}
+
 // Uses a short-lived QCoreApplication instead of the QApplication: if the user's window is already
 // open, this process ends without connecting to the display.
 InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 {
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(programName());
-    return claimInstance(userDataFolder(), {toOpen, activationToken()});
+    InstanceClaim claimed = claimInstance(userDataFolder(), {toOpen, activationToken()});
+    if (claimed.outcome == InstanceClaim::Outcome::first)
+        useDesktopFileDialogs();
+    return claimed;
 }
 
 // Opens the window with the files and folders that the command line names. If another process
 // already shows the window, passes them on to that process.
 int runWindow(int& argc, char** argv, const QStringList& arguments,
-              const ServiceConfiguration& configuration)
+              const ServiceConfiguration& configuration, const QElapsedTimer& sinceStart)
 {
     if (!configuration.problem.isEmpty()) {
         std::fprintf(stderr, "moltiva: %s\n", configuration.problem.toUtf8().constData());
         return exitWrongUse;
     }
     const QList<QUrl> toOpen = addressesOf(arguments);
+    const bool isThemeOurs = !qEnvironmentVariableIsSet(platformTheme);
     InstanceClaim claimed = claim(argc, argv, toOpen);
     if (claimed.outcome == InstanceClaim::Outcome::handedOver)
         return exitDone;
@@ -124,9 +139,13 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     // Static, so that the lock is released even when Qt calls exit() because the display is lost.
     static const std::unique_ptr<SystemLock> lock = std::move(claimed.lock);
     QApplication application(argc, argv);
+    if (isThemeOurs)
+        qunsetenv(platformTheme);    // of no concern to programs that are started from here
     // Waits for the workers before `application` is destroyed: drawing without it would crash.
     const auto finish = qScopeGuard(&finishWorkers);
     prepare(application);
+    // The name of the desktop entry, by which the desktop knows the window's icon and title.
+    QGuiApplication::setDesktopFileName(programName());
     requireResources();
     const SingleInstance instance(userDataFolder());
     dress(application, darkTheme());
@@ -141,7 +160,9 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     session.setCloudCopyService({&account.api()});
     session.setPublishService(account.api());
     session.setLocalCopyWriter(localCopyWriter(engine.manager, engine.service));
+    const std::unique_ptr<Desktop> desktop = sessionDesktop();
     MainWindow window(session, account.session(), photos, preferences);
+    window.setDesktop(*desktop);
     window.setLocalEngine(engine.manager, engine.service);
     const auto links = platformLinkRegistration();
     AppDelegate delegate(window, *links);
@@ -151,6 +172,11 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
                          delegate.applicationOpen(request.toOpen, request.activationToken);
                      });
     onEndingSignals(application, &QCoreApplication::quit);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &window,
+                     &MainWindow::settleBeforeLogout);
+    qCInfo(logProgram).noquote() << "window of" << AppVersion::display() << "on"
+                                 << QGuiApplication::platformName();
+    const StartUpNotes notes(window, sinceStart);
     window.show();
     delegate.applicationDidFinishLaunching();
     window.updates().checkDaily();
@@ -163,14 +189,16 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
 
 int main(int argc, char** argv)
 {
+    QElapsedTimer sinceStart;
+    sinceStart.start();
     fixAllocatorThresholds();
     ignoreRelativeFolders();
-    qInstallMessageHandler(quietMessages);
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
 
     QCoreApplication::setApplicationName(programName());
+    startLog(logFile(), arguments.removeAll(u"--verbose"_s) > 0);
     const ServiceConfiguration configuration = takenConfiguration(arguments, configurationFile());
     if (isCommandLine(arguments)) {
         // Prevents Qt from ending the process when there is no display.
@@ -184,5 +212,5 @@ int main(int argc, char** argv)
                    stderr);
         return exitWrongUse;
     }
-    return runWindow(argc, argv, arguments, configuration);
+    return runWindow(argc, argv, arguments, configuration, sinceStart);
 }

@@ -9,8 +9,6 @@
 namespace {
 
 constexpr double snapDistance = 0.018;
-constexpr double smallestWidth = 0.16, smallestHeight = 0.06;
-constexpr double smallestLineWidth = 0.08, smallestLineHeight = 0.01;
 constexpr double smallestZoom = 1, largestZoom = 3, zoomPerPixel = 0.01;
 
 // Gives `highest` if the limits cross, and `lowest` for NaN.
@@ -33,22 +31,6 @@ static bool isSameButForPayments(PublicationItem item, const PublicationItem& ot
 {
     item.paidRenderFingerprints = other.paidRenderFingerprints;
     return item == other;
-}
-
-double CanvasInteraction::minimumVisibleOrigin(double size)
-{
-    return -std::max(size - minimumVisibleLayerFraction, 0.0);
-}
-
-double CanvasInteraction::maximumVisibleOrigin(double)
-{
-    return 1 - minimumVisibleLayerFraction;
-}
-
-// Allows a layer to extend far beyond the right or bottom edge of the canvas.
-double CanvasInteraction::maximumOverflowSize(double origin)
-{
-    return std::max(minimumVisibleLayerFraction, (1 - origin) + maximumVisibleOrigin(0));
 }
 
 std::optional<DragMode> CanvasInteraction::dragMode() const
@@ -139,10 +121,12 @@ void CanvasInteraction::drag(QPointF point, Qt::KeyboardModifiers modifiers)
     const double dy = (point.y() - m_gesture->startPoint.y()) / std::max(m_canvas.height(), 1.0);
     switch (m_gesture->mode) {
     case DragMode::move:
-        apply(snapped(moved(dx, dy)), *m_gesture->target, *m_item);
+        apply(snapped(LayerFrame::moved(m_gesture->startFrame, dx, dy)), *m_gesture->target,
+              *m_item);
         break;
     case DragMode::resize: {
-        CodableRect frame = resized(dx, dy);
+        CodableRect frame =
+            LayerFrame::resized(m_gesture->startFrame, dx, dy, smallestFrame(*m_gesture->target));
         if (modifiers & Qt::ShiftModifier)
             frame = proportionalResize(frame, *m_gesture->target);
         apply(snapped(frame), *m_gesture->target, *m_item);
@@ -159,25 +143,10 @@ void CanvasInteraction::drag(QPointF point, Qt::KeyboardModifiers modifiers)
     }
 }
 
-CodableRect CanvasInteraction::moved(double dx, double dy) const
+SmallestFrame CanvasInteraction::smallestFrame(DragTarget target) const
 {
-    CodableRect frame = m_gesture->startFrame;
-    frame.x =
-        clamp(frame.x + dx, minimumVisibleOrigin(frame.width), maximumVisibleOrigin(frame.width));
-    frame.y =
-        clamp(frame.y + dy, minimumVisibleOrigin(frame.height), maximumVisibleOrigin(frame.height));
-    return frame;
-}
-
-CodableRect CanvasInteraction::resized(double dx, double dy) const
-{
-    const bool line = isShapeLine(*m_gesture->target);
-    CodableRect frame = m_gesture->startFrame;
-    frame.width = clamp(frame.width + dx, line ? smallestLineWidth : smallestWidth,
-                        maximumOverflowSize(frame.x));
-    frame.height = clamp(frame.height + dy, line ? smallestLineHeight : smallestHeight,
-                         maximumOverflowSize(frame.y));
-    return frame;
+    return target.kind == LayerKind::shape ? smallestFrameOf(m_item->shapeLayers[target.index].kind)
+                                           : SmallestFrame();
 }
 
 CodableRect CanvasInteraction::proportionalResize(CodableRect frame, DragTarget target) const
@@ -186,7 +155,7 @@ CodableRect CanvasInteraction::proportionalResize(CodableRect frame, DragTarget 
         return frame;
     const CodableRect& start = m_gesture->startFrame;
     const double ratio = start.width / std::max(start.height, 0.001);
-    const double tallest = maximumOverflowSize(frame.y);
+    const double tallest = LayerFrame::maximumOverflowSize(frame.y);
     frame.height = frame.width / ratio;
     if (frame.height > tallest) {
         frame.height = tallest;
@@ -202,11 +171,11 @@ CodableRect CanvasInteraction::snapped(CodableRect frame)
         .horizontal = std::abs(frame.y + frame.height / 2 - 0.5) <= snapDistance,
     };
     if (m_activeSnapGuides.vertical)
-        frame.x = clamp(0.5 - frame.width / 2, minimumVisibleOrigin(frame.width),
-                        maximumVisibleOrigin(frame.width));
+        frame.x = clamp(0.5 - frame.width / 2, LayerFrame::minimumVisibleOrigin(frame.width),
+                        LayerFrame::maximumVisibleOrigin(frame.width));
     if (m_activeSnapGuides.horizontal)
-        frame.y = clamp(0.5 - frame.height / 2, minimumVisibleOrigin(frame.height),
-                        maximumVisibleOrigin(frame.height));
+        frame.y = clamp(0.5 - frame.height / 2, LayerFrame::minimumVisibleOrigin(frame.height),
+                        LayerFrame::maximumVisibleOrigin(frame.height));
     return frame;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "canvas/LayerFrame.h"
 #include "model/PublicationItem.h"
 #include "model/SocialFormat.h"
 
@@ -46,9 +47,6 @@ public:
     std::function<void()> onEditingBegan;    // called at the first movement of a drag
     std::function<void()> onEditingEnded;    // called once for each onEditingBegan
 
-    // The part of every layer that must stay inside the canvas, as a fraction of the canvas' width
-    // or height.
-    static constexpr double minimumVisibleLayerFraction = 0.08;
     // Side of the square resize handle, in logical pixels.
     static constexpr double resizeHandleSide = 26;
 
@@ -92,10 +90,6 @@ public:
     QRectF absoluteRect(const CodableRect& frame) const;
     static QRectF resizeHandleRect(const QRectF& layerRect);
 
-    static double minimumVisibleOrigin(double size);
-    static double maximumVisibleOrigin(double size);
-    static double maximumOverflowSize(double origin);
-
 private:
     struct Gesture {
         DragMode mode = DragMode::panImage;
@@ -117,8 +111,7 @@ private:
     const CodableRect& frameOf(DragTarget target) const;
     std::optional<DragTarget> layerAt(QPointF point) const;
     bool isShapeLine(DragTarget target) const;
-    CodableRect moved(double dx, double dy) const;
-    CodableRect resized(double dx, double dy) const;
+    SmallestFrame smallestFrame(DragTarget target) const;
     CodableRect proportionalResize(CodableRect frame, DragTarget target) const;
     CodableRect snapped(CodableRect frame);
     static void apply(const CodableRect& frame, DragTarget target, PublicationItem& item);

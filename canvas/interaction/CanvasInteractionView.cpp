@@ -438,15 +438,8 @@ bool CanvasInteractionView::isText(QUuid layer) const
 
 QString CanvasInteractionView::nameOf(QUuid layer) const
 {
-    if (const auto& item = m_interaction.item()) {
-        const auto text = std::ranges::find(item->layers, layer, &TextLayer::id);
-        if (text != item->layers.end())
-            return row(text->slot).displayName.toString();
-        const auto shape = std::ranges::find(item->shapeLayers, layer, &ShapeLayer::id);
-        if (shape != item->shapeLayers.end())
-            return rawValue(shape->kind);
-    }
-    return {};
+    const auto& item = m_interaction.item();
+    return item ? item->layerName(layer) : QString();
 }
 
 QString CanvasInteractionView::accessibleText(QUuid layer) const

@@ -2,17 +2,17 @@
 
 #include "account/AccountSession.h"
 #include "account/ServiceConfiguration.h"
-#include "cli/shared/ExitStatus.h"
+#include "cli/shared/CommandHelp.h"
 #include "cli/shared/Terminal.h"
-
-#include <QCommandLineParser>
 
 // Parser, messages and exit statuses of one account command.
 class AccountCommand {
 public:
+    enum class Needs { nothing, signIn };
+
     AccountCommand(const QString& name, const QString& description,
-                   const ServiceConfiguration& configuration)
-        : m_name(name), m_configurationProblem(configuration.problem)
+                   const ServiceConfiguration& configuration, Needs needs = Needs::nothing)
+        : m_name(name), m_configurationProblem(configuration.problem), m_needs(needs)
     {
         m_parser.setApplicationDescription(description);
         m_parser.addOption(m_help);
@@ -27,9 +27,11 @@ public:
         if (!m_parser.parse(QStringList{u"moltiva "_s + m_name} + arguments))
             return wrongUse(m_parser.errorText());
         if (m_parser.isSet(m_help)) {
-            QString text = m_parser.helpText();
-            text.replace(0, text.indexOf(u'\n'), u"Uso: moltiva %1 [opciones]"_s.arg(m_name));
-            print(stdout, text.trimmed());
+            QList<ExitMeaning> statuses{
+                {exitDone}, {exitSomeFailed}, {exitWrongUse}, {exitNoNetwork}, {exitInterrupted}};
+            if (m_needs == Needs::signIn)
+                statuses.insert(3, {exitNotSignedIn});
+            printCommandHelp(m_parser, m_name + u" [opciones]"_s, statuses);
             return exitDone;
         }
         if (m_parser.positionalArguments().size() > mostPositional) {
@@ -65,6 +67,7 @@ public:
 
 private:
     QString m_name, m_configurationProblem;
+    Needs m_needs;
     QCommandLineParser m_parser;
     const QCommandLineOption m_help{{QStringLiteral("h"), QStringLiteral("help")},
                                     QStringLiteral("muestra esta ayuda")};

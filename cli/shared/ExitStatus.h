@@ -1,6 +1,6 @@
 #pragma once
 
-// Exit statuses of all commands; `moltiva publish --help` explains them.
+// Exit statuses of all commands. Each explains its own in its help; see printCommandHelp().
 enum ExitStatus {
     exitDone = 0,
     exitSomeFailed = 1,

@@ -18,14 +18,19 @@ extern "C" void onSignal(int signal)
 Interrupt::Interrupt()
 {
     raised = false;
-    std::signal(SIGINT, onSignal);
-    std::signal(SIGTERM, onSignal);
+    for (const int signal : {SIGINT, SIGTERM})
+        std::signal(signal, onSignal);
+    // Stays ignored when the command was started to outlive its terminal.
+    if (std::signal(SIGHUP, onSignal) == SIG_IGN)
+        std::signal(SIGHUP, SIG_IGN);
 }
 
 Interrupt::~Interrupt()
 {
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
+    for (const int signal : {SIGINT, SIGTERM})
+        std::signal(signal, SIG_DFL);
+    if (std::signal(SIGHUP, SIG_DFL) == SIG_IGN)
+        std::signal(SIGHUP, SIG_IGN);
 }
 
 const std::atomic_bool& Interrupt::flag() const

@@ -17,6 +17,7 @@
 #include <QStandardPaths>
 #include <QThread>
 
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <memory>
@@ -55,62 +56,94 @@ struct Options {
 
 enum class Wish { run, help, version, wrong };
 
+struct OptionRow {
+    QStringView name, value, standard;    // `standard`: the value without the option
+    QStringView help;
+    QStringView letter = {};    // its short form
+};
+constexpr OptionRow dataOption{
+    u"data", u"DIR", {}, u"carpeta de los datos; sin ella, la de Moltiva"};
+constexpr OptionRow portOption{u"port", u"N", u"0",
+                               u"puerto; 0 o nada: el de la última vez o uno libre"};
+constexpr OptionRow hostOption{u"host", u"DIRECCIÓN", u"127.0.0.1",
+                               u"dónde escucha; sin ella, 127.0.0.1"};
+constexpr OptionRow untilUnusedOption{
+    u"until-unused", {}, {}, u"solo para programas de este usuario; termina cuando ninguno lo usa"};
+constexpr OptionRow administratorOption{
+    u"administrator", u"EMAIL", {}, u"con --until-unused: la cuenta que puede subir plantillas"};
+constexpr OptionRow nameAdministratorOption{
+    u"name-administrator",
+    u"EMAIL",
+    {},
+    u"da ese permiso, en vez de a la de antes, a una cuenta que ya existe, y termina; el servicio "
+    "puede estar en marcha"};
+constexpr OptionRow helpOption{u"help", {}, {}, u"muestra esta ayuda", u"h"};
+constexpr OptionRow versionOption{u"version", {}, {}, u"muestra la versión"};
+constexpr std::array optionRows{dataOption,        portOption,          hostOption,
+                                untilUnusedOption, administratorOption, nameAdministratorOption,
+                                helpOption,        versionOption};
+
+struct ExitRow {
+    ExitCode code;
+    QStringView meaning;
+};
+constexpr std::array exitRows{
+    ExitRow{exitDone, u"ha terminado porque se lo han pedido o nadie lo usa"},
+    ExitRow{exitFailed, u"no puede arrancar"},
+    ExitRow{exitWrongUse, u"mal uso"},
+    ExitRow{exitRunning, u"ya hay un servicio en marcha con esos datos"},
+};
+
 QString usage()
 {
-    return uR"(Uso: moltiva-service [opciones]
-
-Servicio de cuentas y sitio web de Moltiva en este equipo.
-
-  --data DIR             carpeta de los datos; sin ella, la de Moltiva
-  --port N               puerto; 0 o nada: el de la última vez o uno libre
-  --host DIRECCIÓN       dónde escucha; sin ella, 127.0.0.1
-  --until-unused         solo para programas de este usuario; termina cuando
-                         ninguno lo usa
-  --administrator EMAIL  con --until-unused: la cuenta que puede subir
-                         plantillas
-  --name-administrator EMAIL
-                         da ese permiso, en vez de a la de antes, a una cuenta
-                         que ya existe, y termina; el servicio puede estar en
-                         marcha
-  --help, --version
-)"_s;
+    QString text = u"Uso: moltiva-service [opciones]\n\n"
+                   "Servicio de cuentas y sitio web de Moltiva en este equipo.\n\n"_s;
+    for (const OptionRow& row : optionRows) {
+        const QString letter = row.letter.isEmpty() ? QString() : u"-%1, "_s.arg(row.letter);
+        const QString call = u"--%1 %2"_s.arg(row.name, row.value).trimmed();
+        text += u"  %1%2\n      %3\n"_s.arg(letter, call, row.help);
+    }
+    text += u"\nEstado de salida:\n"_s;
+    for (const auto& [code, meaning] : exitRows)
+        text += u"  %1  %2\n"_s.arg(QString::number(code), meaning);
+    return text;
 }
 
 Wish readOptions(const QStringList& arguments, Options& options)
 {
     QCommandLineParser parser;
-    const QString port = u"port"_s, data = u"data"_s, host = u"host"_s;
-    const QString administrator = u"administrator"_s, untilUnused = u"until-unused"_s;
-    const QString nameAdministrator = u"name-administrator"_s;
-    const QString help = u"help"_s, version = u"version"_s;
-    parser.addOptions({{data, {}, u"DIR"_s},
-                       {port, {}, u"N"_s, u"0"_s},
-                       {host, {}, u"ADDR"_s, u"127.0.0.1"_s},
-                       {administrator, {}, u"EMAIL"_s},
-                       {nameAdministrator, {}, u"EMAIL"_s},
-                       {untilUnused, {}},
-                       {{u"h"_s, help}, {}},
-                       {version, {}}});
+    for (const OptionRow& row : optionRows) {
+        QStringList names{row.name.toString()};
+        if (!row.letter.isEmpty())
+            names.append(row.letter.toString());
+        parser.addOption({names, {}, row.value.toString(), row.standard.toString()});
+    }
     if (!parser.parse(arguments) || !parser.positionalArguments().isEmpty())
         return Wish::wrong;
-    if (parser.isSet(help))
+    const auto isSet = [&parser](const OptionRow& row) {
+        return parser.isSet(row.name.toString());
+    };
+    const auto value = [&parser](const OptionRow& row) {
+        return parser.value(row.name.toString());
+    };
+    if (isSet(helpOption))
         return Wish::help;
-    if (parser.isSet(version))
+    if (isSet(versionOption))
         return Wish::version;
     bool isNumber = false;
-    options.port = parser.value(port).toInt(&isNumber);
-    options.data = parser.value(data);
-    options.host = parser.value(host);
-    options.administrator = parser.value(administrator);
-    options.namedAdministrator = parser.value(nameAdministrator);
-    options.untilUnused = parser.isSet(untilUnused);
-    if (options.data.isEmpty() && !parser.isSet(data))
+    options.port = value(portOption).toInt(&isNumber);
+    options.data = value(dataOption);
+    options.host = value(hostOption);
+    options.administrator = value(administratorOption);
+    options.namedAdministrator = value(nameAdministratorOption);
+    options.untilUnused = isSet(untilUnusedOption);
+    if (options.data.isEmpty() && !isSet(dataOption))
         options.data =
             QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + u"/service"_s;
     const bool isRight = isNumber && options.port >= 0 && options.port <= 65535 &&
                          !options.data.isEmpty() && !options.host.isEmpty() &&
                          (options.administrator.isEmpty() || options.untilUnused) &&
-                         parser.isSet(nameAdministrator) != options.namedAdministrator.isEmpty();
+                         isSet(nameAdministratorOption) != options.namedAdministrator.isEmpty();
     return isRight ? Wish::run : Wish::wrong;
 }
 

@@ -132,6 +132,19 @@ void LayerEdits::syncCurrentCanvasEditsToSelectedItems(Batch& batch, QUuid moved
         applyShapeChangeToSelectedItems(batch, *shape, Copied::frame);
 }
 
+void LayerEdits::changeSelectedFrame(Batch& batch, const FrameChange& change)
+{
+    if (!batch.currentItem())
+        return;
+    PublicationItem& current = batch.items.edit(batch.selectedIndex);
+    if (TextLayer* text = find(current.layers, batch.selectedLayerID)) {
+        text->frame = change(text->frame, SmallestFrame());
+    } else if (ShapeLayer* shape = find(current.shapeLayers, batch.selectedLayerID)) {
+        shape->frame = change(shape->frame, smallestFrameOf(shape->kind));
+    }
+    syncCurrentCanvasEditsToSelectedItems(batch, batch.selectedLayerID);
+}
+
 void LayerEdits::addShape(Batch& batch, ShapeKind kind)
 {
     if (!batch.currentItem())

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "canvas/LayerFrame.h"
 #include "studio/batch/Batch.h"
+
+#include <functional>
 
 // Edits layers of the current item and copies the edits to the other selected items. The functions
 // change nothing but `batch`.
@@ -35,6 +38,12 @@ void commitCanvasItem(Batch& batch, const PublicationItem& item);
 // Copies the frame of `movedLayer`, which a gesture on the canvas has moved, to the corresponding
 // layers of the other selected items.
 void syncCurrentCanvasEditsToSelectedItems(Batch& batch, QUuid movedLayer);
+
+// What becomes of a frame; `smallest` applies to the layer whose frame it is.
+using FrameChange = std::function<CodableRect(const CodableRect& frame, SmallestFrame smallest)>;
+// Changes the frame of the selected layer in the current item, and copies it to the other selected
+// items, as a gesture on the canvas does.
+void changeSelectedFrame(Batch& batch, const FrameChange& change);
 
 // Adds a new shape to the middle of every selected item, with one id in all of them, and selects
 // it.

@@ -6,9 +6,12 @@
 #include "platform/photo/PhotoCache.h"
 
 #include <QCoroFuture>
+#include <QFileInfo>
 #include <QScopeGuard>
 
 #include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -123,4 +126,12 @@ QCoro::Task<RenderedItems> renderItems(RenderOrder order, std::shared_ptr<PhotoC
     run->photos = std::move(photos);
     run->watch = std::move(watch);
     return renderShared(run);
+}
+
+QString stagingFailure(const QString& place)
+{
+    const QFileInfo folder(place);
+    const bool isForbidden = folder.exists() && !folder.isWritable();
+    return u"No se pudo escribir en «%1», donde se preparan las imágenes. %2"_s.arg(
+        place, isForbidden ? u"Falta permiso para escribir ahí." : u"¿Queda espacio en el disco?");
 }

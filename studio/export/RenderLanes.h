@@ -43,3 +43,6 @@ QFuture<void> emptied(std::shared_ptr<StagingFolder> staging);
 
 QCoro::Task<RenderedItems> renderItems(RenderOrder order, std::shared_ptr<PhotoCache> photos,
                                        RenderWatch watch);
+
+// What the user reads when the pictures cannot be written to the staging folder at `place`.
+QString stagingFailure(const QString& place);

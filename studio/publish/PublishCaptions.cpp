@@ -3,13 +3,20 @@
 #include "model/GuardedJson.h"
 #include "platform/PreferencesStore.h"
 
+#include <QUrl>
+
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
-QString captionKey(SocialPublishNetwork network)
+// `account`: empty for nobody's caption.
+QString captionKey(const QString& account, SocialPublishNetwork network)
 {
-    return u"moltiva.publishCaption."_s + rawValue(network);
+    const QString owner = QString::fromLatin1(QUrl::toPercentEncoding(account));
+    return u"moltiva.publishCaption."_s + (owner.isEmpty() ? owner : owner + u' ') +
+           rawValue(network);
 }
 
 struct StoredCaption {
@@ -28,15 +35,38 @@ struct json::JsonFields<StoredCaption> {
 
 PublishCaptions::PublishCaptions(PreferencesStore& preferences) : m_preferences(preferences)
 {
+    for (const auto network : allCases<SocialPublishNetwork>())
+        load(network);
+}
+
+void PublishCaptions::setAccount(const QString& account)
+{
+    if (account == m_account)
+        return;
+    const auto before = std::exchange(m_drafts, {});
+    const bool wereNobodys = m_account.isEmpty();
+    m_account = account;
     for (const auto network : allCases<SocialPublishNetwork>()) {
-        const auto bytes = preferences.value(captionKey(network));
-        StoredCaption stored;
-        if (!bytes || !json::read(json::parsedWithCare(*bytes), stored) || stored.text.isEmpty())
+        load(network);
+        if (!wereNobodys || !draft(network).text.isEmpty())
             continue;
-        draft(network).text = stored.text;
-        draft(network).origin = {QUuid::fromString(stored.item), stored.name};
-        draft(network).isEdited = true;
+        draft(network) = before[std::size_t(network)];
+        store(network);
+        const QString nobodys = captionKey({}, network);
+        if (m_preferences.contains(nobodys))
+            m_preferences.remove(nobodys);
     }
+}
+
+void PublishCaptions::load(SocialPublishNetwork network)
+{
+    const auto bytes = m_preferences.value(captionKey(m_account, network));
+    StoredCaption stored;
+    if (!bytes || !json::read(json::parsedWithCare(*bytes), stored) || stored.text.isEmpty())
+        return;
+    draft(network).text = stored.text;
+    draft(network).origin = {QUuid::fromString(stored.item), stored.name};
+    draft(network).isEdited = true;
 }
 
 void PublishCaptions::fill(SocialPublishNetwork network, const PublicationItem& item)
@@ -87,7 +117,7 @@ void PublishCaptions::dropUnedited()
 void PublishCaptions::store(SocialPublishNetwork network)
 {
     const Draft& kept = draft(network);
-    const QString key = captionKey(network);
+    const QString key = captionKey(m_account, network);
     if (kept.isEdited && !kept.text.isEmpty()) {
         const StoredCaption stored{
             kept.text, kept.origin.item.isNull() ? QString() : kept.origin.item.toString(),

@@ -17,12 +17,15 @@ struct CaptionOrigin {
     bool operator==(const CaptionOrigin&) const = default;
 };
 
-// The captions of the next posts, one for each network. Those that the user edited are stored in
-// the preferences until they are published.
+// The captions of the next posts of one account, one for each network. Those that the user edited
+// are stored in the preferences until they are published.
 class PublishCaptions {
 public:
-    // `preferences` outlive it.
+    // Has the captions that were written while nobody was signed in. `preferences` outlive it.
     explicit PublishCaptions(PreferencesStore& preferences);
+    // Has those of the account (CreditAccount::accountKey()) from now on. Each of nobody's goes to
+    // the account unless that has one of its own.
+    void setAccount(const QString& account);
 
     const QString& text(SocialPublishNetwork network) const { return draft(network).text; }
     const CaptionOrigin& origin(SocialPublishNetwork network) const
@@ -54,8 +57,10 @@ private:
         return m_drafts[std::size_t(network)];
     }
     Draft& draft(SocialPublishNetwork network) { return m_drafts[std::size_t(network)]; }
+    void load(SocialPublishNetwork network);
     void store(SocialPublishNetwork network);
 
     PreferencesStore& m_preferences;
+    QString m_account;    // empty: nobody's captions
     std::array<Draft, Vocabulary<SocialPublishNetwork>::rows.size()> m_drafts;
 };

@@ -246,7 +246,7 @@ QList<Kind> kindsFor(const PublishSubject& subject)
 
 // In megabytes with a decimal comma, rounded up, so that a size above a limit does not read like
 // the limit.
-QString megabytes(qint64 bytes)
+QString roundedUpMegabytes(qint64 bytes)
 {
     QString text = QString::number(std::ceil(double(bytes) / 100'000) / 10, 'f', 1);
     if (text.endsWith(u".0"_s))
@@ -393,15 +393,15 @@ QList<PublishCheck> checksOfPrepared(const PreparedPost& post, SocialPublishNetw
         if (post.bytes[i] > limits.largestImage) {
             found.append(checkOfImage(
                 Kind::imageBytes, {post.items.value(i), i, post.bytes.size()},
-                u"pesa %1 y %2 admite %3."_s.arg(megabytes(post.bytes[i]), limits.title,
-                                                 megabytes(limits.largestImage))));
+                u"pesa %1 y %2 admite %3."_s.arg(roundedUpMegabytes(post.bytes[i]), limits.title,
+                                                 roundedUpMegabytes(limits.largestImage))));
         }
     }
     if (post.requestBytes > post.mostRequestBytes) {
         PublishCheck check;
         check.kind = Kind::requestBytes;
         check.sentence = u"La publicación ocupa %1 y el límite es de %2."_s.arg(
-            megabytes(post.requestBytes), megabytes(post.mostRequestBytes));
+            roundedUpMegabytes(post.requestBytes), roundedUpMegabytes(post.mostRequestBytes));
         found.append(check);
     }
     using Seconds = std::chrono::duration<double>;

@@ -8,6 +8,7 @@
 #include "platform/Workers.h"
 #include "studio/export/RenderLanes.h"
 #include "studio/publish/FileToSend.h"
+#include "studio/publish/SendingRate.h"
 
 #include <QBuffer>
 #include <QCoroFuture>
@@ -42,6 +43,7 @@ struct PublishRun {
     bool isGoingOn = false;    // the service has told that it works on an earlier request
     qint64 sent = 0;           // bytes
     QElapsedTimer sending;
+    std::optional<double> rate;    // bytes a second, if enough were sent to measure it
 
     bool isStopped() const { return control->stop.stop_requested(); }
     QString title() const { return row(request.network).title.toString(); }
@@ -122,8 +124,10 @@ QCoro::Task<> renderForPost(SharedPublish run)
     } else {
         rendered.failure = RenderFailure::file;
     }
-    run->outcome.failedPhoto = rendered.failedPhoto;
-    run->outcome.isStagingFailed = rendered.failure == RenderFailure::file;
+    if (rendered.failure == RenderFailure::file)
+        run->outcome.reason = stagingFailure(run->services.stagingPlace);
+    else if (rendered.failure)
+        run->outcome.reason = u"No se ha podido leer la foto «%1»."_s.arg(rendered.failedPhoto);
     if (run->isStopped() || rendered.failure)
         run->outcome.state = run->isStopped() ? PublishState::stopped : PublishState::notPrepared;
     else
@@ -140,7 +144,7 @@ void judge(PublishRun& run, const QList<qint64>& bytes)
     prepared.bytes = bytes;
     prepared.requestBytes = run.postBytes;
     prepared.mostRequestBytes = run.services.largestPost;
-    prepared.rate = run.services.rate;
+    prepared.rate = lastSendingRate(*run.services.preferences);
     prepared.timeLimit = run.services.timeLimit;
     run.outcome.found = checksOfPrepared(prepared, run.request.network);
     const PublishRecord& record = run.record;
@@ -234,7 +238,8 @@ QCoro::Task<> prepare(SharedPublish run)
         run->outcome.state = PublishState::stopped;
     else if (!written.problem.isEmpty())
         run->outcome.state = PublishState::notPrepared;
-    run->outcome.isStagingFailed = !written.problem.isEmpty();
+    if (!written.problem.isEmpty())
+        run->outcome.reason = stagingFailure(run->services.stagingPlace);
 }
 
 void followSending(PublishRun& run, qint64 sent)
@@ -247,7 +252,7 @@ void followSending(PublishRun& run, qint64 sent)
     constexpr qint64 leastToMeasure = 1'000'000;
     const qint64 milliseconds = run.sending.elapsed();
     if (sent >= leastToMeasure && milliseconds > 0)
-        run.outcome.rate = double(sent) * 1000 / double(milliseconds);
+        run.rate = double(sent) * 1000 / double(milliseconds);
 }
 
 // Nothing was published: forgets the attempt, but not an earlier one that may have been.
@@ -478,6 +483,8 @@ QCoro::Task<PublishOutcome> publishAndTidy(SharedPublish run)
     } catch (...) {
         failure = std::current_exception();
     }
+    if (run->rate)
+        storeSendingRate(*run->services.preferences, *run->rate);
     QFuture<void> emptying = emptied(std::exchange(run->control->staging, nullptr));
     co_await emptying;
     if (failure)
@@ -503,35 +510,6 @@ bool isSameAttempt(const PublishRecord& earlier, const QStringList& renders, con
 {
     return earlier.state != PublishRecord::State::published && earlier.renders == renders &&
            earlier.caption == caption && isRecent(earlier.time, now);
-}
-
-QString PublishOutcome::sentence() const
-{
-    switch (state) {
-    case State::done:
-        return u"Publicación enviada a %1. "_s.arg(row(network).title.toString()) +
-               (isCharged ? u"Coste: %1 créditos."_s.arg(cost) : u"Sin coste adicional."_s) +
-               (isRecorded ? QString() : u" El pago no se ha podido anotar."_s);
-    case State::notPrepared:
-        return u"No se han podido preparar las imágenes finales para publicar."_s;
-    case State::unconfirmed: {
-        QStringList sentences;
-        for (const PublishCheck& check : found)
-            sentences.append(check.sentence);
-        return sentences.join(u' ') + refundNotice();
-    }
-    case State::tooFewCredits:
-        return u"Necesitas %1 créditos para publicar estas imágenes."_s.arg(cost);
-    case State::notReserved:
-        return reservationNotice();
-    case State::failed:
-        return reason + refundNotice();
-    case State::unknown:
-        return reason + u" Puede que se haya publicado."_s + refundNotice();
-    case State::stopped:
-        return u"Publicación detenida."_s + refundNotice();
-    }
-    Q_UNREACHABLE();
 }
 
 QCoro::Task<PublishOutcome> runPublish(PublishRequest request, PublishServices services,

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "account/AccountAPI.h"
-#include "studio/export/RenderCharge.h"
-#include "studio/publish/PublishChecks.h"
-#include "studio/publish/PublishRecords.h"
+#include "studio/publish/PublishOutcome.h"
 
 #include <QCoroTask>
 
@@ -12,6 +10,7 @@
 #include <stop_token>
 
 class PhotoCache;
+class PreferencesStore;
 class StagingFolder;
 
 // How far a publication is.
@@ -48,7 +47,7 @@ struct PublishServices {
     SendPost send;
     qint64 largestPost = 100'000'000;    // bytes of a request that the web site takes
     std::chrono::milliseconds timeLimit = std::chrono::seconds(260);    // of sending
-    std::optional<double> rate;    // bytes a second at the last sending
+    PreferencesStore* preferences = nullptr;    // hold the rate of sending; outlive the publication
     // Pause before the service is asked again for the outcome of an earlier attempt.
     std::chrono::milliseconds pause = std::chrono::seconds(4);
     std::function<QDateTime()> now = &QDateTime::currentDateTimeUtc;
@@ -64,36 +63,6 @@ struct PublishControl {
     // found. Empty: no.
     std::function<bool(const QList<PublishCheck>& found)> confirms;
     std::shared_ptr<StagingFolder> staging;    // null before and after the publication
-};
-
-struct PublishOutcome : Charge {
-    enum class State {
-        done,
-        notPrepared,    // an image could not be rendered
-        unconfirmed,    // the user must know of `found` first; what was charged is refunded
-        tooFewCredits,
-        notReserved,
-        failed,     // nothing was published
-        unknown,    // the post may have been published
-        stopped,
-    };
-
-    State state = State::done;
-    SocialPublishNetwork network = SocialPublishNetwork::instagram;
-    SocialPublishPlacement placement = SocialPublishPlacement::feed;
-    qsizetype images = 0;
-    std::optional<QUrl> url;         // of the post
-    QList<PublishCheck> found;       // warnings first
-    QString failedPhoto;             // path of the photo that could not be rendered
-    bool isStagingFailed = false;    // the staging folder could not be written to
-    std::optional<double> rate;      // bytes a second, if enough were sent to measure it
-
-    bool isDone() const { return state == State::done; }
-    bool isShortOfCredits() const
-    {
-        return state == State::tooFewCredits || refusal == ChargeResult::Refusal::tooFewCredits;
-    }
-    QString sentence() const;    // for the user
 };
 
 // Sends requests through `api`, which may be destroyed while one is under way.

@@ -1,5 +1,6 @@
 #include "studio/publish/PublishRecords.h"
 
+#include "account/AccountRecords.h"
 #include "model/GuardedJson.h"
 #include "platform/PreferencesStore.h"
 #include "platform/ProgramRun.h"
@@ -100,15 +101,6 @@ std::optional<StoredRecord> storedAt(const PreferencesStore& preferences, const 
 }
 
 }    // namespace
-
-std::optional<QUrl> pageOfPost(const std::optional<QUrl>& url)
-{
-    constexpr qsizetype longest = 2'000;
-    const bool isPage = url && url->isValid() && !url->host().isEmpty() &&
-                        (url->scheme() == u"https" || url->scheme() == u"http") &&
-                        url->toEncoded().size() <= longest;
-    return isPage ? url : std::nullopt;
-}
 
 PublishRecords::PublishRecords(PreferencesStore& preferences, const QString& account,
                                ProgramRun& run)

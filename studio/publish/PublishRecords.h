@@ -41,9 +41,6 @@ struct PublishRecord {
     bool operator==(const PublishRecord&) const = default;
 };
 
-// The address if a browser may open it as the page of a post.
-std::optional<QUrl> pageOfPost(const std::optional<QUrl>& url);
-
 // The posts of one account, newest first, stored in the preferences.
 class PublishRecords {
 public:

@@ -87,7 +87,7 @@ const QList<Room>& rooms()
         {u"service/program"_qs, ofService + QStringList{u"service/http"_qs}},
         {u"tests/support"_qs, {u"account"_qs, u"model"_qs, u"platform"_qs, u"studio/copy"_qs}},
         {u"tools"_qs, everything + QStringList{u"service"_qs}, true},
-        {u"benchmarks"_qs, everything, true},
+        {u"benchmarks"_qs, everything + QStringList{u"tools"_qs}, true},
     };
     return table;
 }

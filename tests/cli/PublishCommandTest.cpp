@@ -1,7 +1,9 @@
+#include "studio/publish/SendingRate.h"
 #include "tests/cli/CommandTest.h"
 #include "tests/service/TestService.h"
 
 #include <QJsonArray>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
@@ -35,6 +37,15 @@ protected:
     Outcome publish(const QString& network, const QStringList& arguments)
     {
         return run(QStringList{u"publish"_s, u"--network"_s, network} + arguments);
+    }
+    // A photo that does not compress.
+    QString noise(const QString& name, quint32 seed)
+    {
+        QImage image(1080, 1350, QImage::Format_RGB32);
+        QRandomGenerator random(seed);
+        random.fillRange(reinterpret_cast<quint32*>(image.bits()), image.sizeInBytes() / 4);
+        EXPECT_TRUE(image.save(path(name)));
+        return path(name);
     }
     int balance() { return int(service.get("/api/auth/me").json().value("balance", -1)); }
     // The caption on the page of the post that the command has told, and the number of its images.
@@ -125,6 +136,58 @@ TEST_F(PublishCommandTest, theChecksAndTheLimitsAreThoseOfTheWindow)
     EXPECT_EQ(note[u"kind"_s].toString(), u"manyHashtags"_s);
     EXPECT_FALSE(note[u"warning"_s].toBool(true));
     EXPECT_EQ(balance(), 10'000);
+}
+
+TEST_F(PublishCommandTest, whatIsKnownBeforeRenderingIsToldBeforeAnythingIsCharged)
+{
+    connectNetwork(u"instagram"_s);
+    const QString texts =
+        holding(u"t.csv"_s, "archivo;titulo;subtitulo;cta\na.jpg;" +
+                                QByteArray("Palabra ").repeated(150) + ";Gemma no respondió;Ver\n");
+    const QString caption = u"#a "_s.repeated(31) + u"@b "_s.repeated(21) + QString(2'200, u'c');
+    const QString one = photo(u"a.jpg"_s);
+    const auto publishOne = [&](const QStringList& more) {
+        return publish(u"instagram"_s,
+                       QStringList{u"--texts"_s, texts, u"--json"_s, u"--caption"_s, caption, one} +
+                           more);
+    };
+    const auto told = [&](const QStringList& more) {
+        const Outcome sent = publishOne(more);
+        EXPECT_EQ(sent.status, 0) << qPrintable(sent.err);
+        QStringList kinds;
+        for (const QJsonValue& each : objectsIn(sent).value(0)[u"checks"_s].toArray()) {
+            kinds.append(each[u"kind"_s].toString());
+            const qsizetype at = sent.err.indexOf(each[u"sentence"_s].toString());
+            EXPECT_TRUE(at >= 0 && at < sent.err.indexOf(u"Descontando "_s))
+                << qPrintable(sent.err);
+        }
+        return kinds.join(u' ').toStdString();
+    };
+    EXPECT_EQ(told({u"--format"_s, u"story-reel"_s}),
+              "format captionLength tags tags missingAnswer");
+    EXPECT_EQ(told({u"--placement"_s, u"story"_s}), "format missingAnswer overflow");
+
+    const int before = balance();
+    const Outcome again = publishOne({u"--placement"_s, u"story"_s});
+    EXPECT_EQ(again.status, 1);
+    EXPECT_EQ(again.err.count(u"Ya se publicó el "_s), 1) << qPrintable(again.err);
+    EXPECT_EQ(objectsIn(again).value(0)[u"outcome"_s].toString(), u"unconfirmed"_s);
+    EXPECT_EQ(balance(), before);
+}
+
+TEST_F(PublishCommandTest, theRateOfTheLastSendingIsKeptAndJudgesTheNext)
+{
+    connectNetwork(u"facebook"_s);
+    EXPECT_EQ(publish(u"facebook"_s, {noise(u"a.png"_s, 1)}).status, 0);
+    PreferencesStore preferences(path(u"home/moltiva/moltiva.sqlite"_s));
+    EXPECT_GT(lastSendingRate(preferences).value_or(0), 1'000);
+    storeSendingRate(preferences, 1'000);
+    const int before = balance();
+    const Outcome slow = publish(u"facebook"_s, {noise(u"b.png"_s, 2)});
+    EXPECT_EQ(slow.status, 1);
+    EXPECT_TRUE(slow.err.contains(u"A la velocidad del último envío tardaría "_s))
+        << qPrintable(slow.err);
+    EXPECT_EQ(balance(), before);
 }
 
 TEST_F(PublishCommandTest, wrongUseIsToldBeforeAnything)

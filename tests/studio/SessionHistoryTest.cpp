@@ -177,6 +177,57 @@ TEST_F(SessionHistoryTest, aGestureIsOneStepThatReachesTheSelection)
     EXPECT_EQ(batch(), before);
 }
 
+TEST_F(SessionHistoryTest, keysAndNumbersPlaceALayerAsAGestureDoes)
+{
+    session->setFormat(SocialFormat::square);    // 1080 pixels each way
+    session->selectAll();
+    session->selectLayer(title().id);
+    now += 1s;
+    const CodableRect start{0.1, 0.2, 0.5, 0.3};
+    session->setLayerFrame(start, Pace::once);
+    now += 1s;
+    const Batch before = batch();
+    for (int press = 0; press < 10; ++press) {
+        session->moveLayer(3, 0);
+        session->resizeLayer(0, -1);
+        now += 500ms;
+    }
+    const CodableRect placed = title().frame;
+    EXPECT_NEAR(placed.x, start.x + 30 / 1080.0, 1e-9);
+    EXPECT_NEAR(placed.height, start.height - 10 / 1080.0, 1e-9);
+    EXPECT_EQ(batch().items[2].layers[0].frame, placed);
+    EXPECT_EQ(session->status(), u"Título: posición y tamaño en 3 imágenes."_s);
+    session->alignLayer(LayerAlignment::right);
+    EXPECT_EQ(title().frame.x + title().frame.width, 1);
+    EXPECT_EQ(title().frame.y, placed.y);
+    session->alignLayer(LayerAlignment::verticalCentre);
+    EXPECT_EQ(batch().items[1].layers[0].frame.y, 0.5 - placed.height / 2);
+    undo();
+    undo();
+    EXPECT_EQ(title().frame, placed);
+    undo();
+    EXPECT_EQ(batch(), before) << "presses in rapid succession are one step";
+
+    // A part of the layer stays on the canvas, and a smallest size is kept.
+    session->moveLayer(9999, -9999);
+    session->resizeLayer(-9999, 0);
+    EXPECT_EQ(title().frame.x, 0.92);
+    EXPECT_NEAR(title().frame.y, 0.08 - title().frame.height, 1e-12);
+    EXPECT_EQ(title().frame.width, 0.16);
+    session->selectLayer({});
+    const Batch rest = batch();
+    session->moveLayer(1, 0);
+    EXPECT_EQ(batch(), rest);
+    EXPECT_EQ(session->status(), u"Selecciona una capa para moverla o cambiar su tamaño."_s);
+
+    session->addShape(ShapeKind::line);
+    session->resizeLayer(-9999, -9999);
+    session->alignLayer(LayerAlignment::bottom);
+    const CodableRect line = batch().items[2].shapeLayers[0].frame;
+    EXPECT_EQ(QSizeF(line.width, line.height), QSizeF(0.08, 0.01));
+    EXPECT_EQ(line.y + line.height, 1);
+}
+
 // Receivers of batchChanged() call canUndo(), so it must be true already when they are called.
 TEST_F(SessionHistoryTest, theFirstGestureCanBeUndoneWhenItIsTold)
 {

@@ -31,6 +31,7 @@ constexpr std::array units{
     UnitRow{SliderUnit::percent, 100, 0, 0.01, 0.01, u" %"},
     UnitRow{SliderUnit::multiplier, 1, 2, 0.05, 0.01, u"×"},
     UnitRow{SliderUnit::degrees, 1, 0, 1, 1, u"°"},
+    UnitRow{SliderUnit::pixels, 1, 0, 1, 1, u""},
 };
 constexpr const UnitRow& row(SliderUnit unit)
 {
@@ -81,7 +82,7 @@ QAccessibleInterface* accessibleSliderOf(const QString&, QObject* object)
 }    // namespace
 
 SliderField::SliderField(const QString& label, SliderRange range, QWidget* parent)
-    : QWidget(parent), m_label(label), m_range(range), m_value(range.from), m_default(range.from),
+    : QWidget(parent), m_label(label), m_range(range), m_value(range.from),
       m_edit(new LineField(label, {}, Icon::none, this))
 {
     QAccessible::installFactory(accessibleSliderOf);
@@ -113,6 +114,13 @@ void SliderField::setValue(double value)
         QAccessibleValueChangeEvent event(this, shown);
         QAccessible::updateAccessibility(&event);
     }
+}
+
+void SliderField::setValue(double value, double from, double to)
+{
+    m_range.from = from;
+    m_range.to = to;
+    setValue(value);
 }
 
 void SliderField::setDefault(double value)
@@ -201,7 +209,8 @@ void SliderField::finishGesture()
 
 void SliderField::restoreDefault()
 {
-    enter(m_default);
+    if (m_default)
+        enter(*m_default);
 }
 
 void SliderField::openEdit(Qt::FocusReason reason)
@@ -228,7 +237,8 @@ bool SliderField::eventFilter(QObject* object, QEvent* event)
     switch (event->type()) {
     case QEvent::MouseButtonDblClick:
         // The first click of a double click has opened the edit, which therefore gets the second.
-        if (m_opened.elapsed() < QGuiApplication::styleHints()->mouseDoubleClickInterval()) {
+        if (m_default &&
+            m_opened.elapsed() < QGuiApplication::styleHints()->mouseDoubleClickInterval()) {
             m_edit->setText(valueText());
             m_edit->clearFocus();
             restoreDefault();
@@ -282,8 +292,10 @@ void SliderField::paintEvent(QPaintEvent*)
     const bool lively = hasFocus() || m_press == Press::drag;
     const QColor ink = !isEnabled() ? theme.dis : lively ? theme.accentLine : theme.text3;
     const double reached = m_blank ? 0 : share(m_value);
-    fillBar(width(), isEnabled() ? theme.fill : mixed(theme.panel, theme.fill, 0.5));
-    if (reached > 0)
+    const bool hasBar = m_range.unit != SliderUnit::pixels;
+    if (hasBar)
+        fillBar(width(), isEnabled() ? theme.fill : mixed(theme.panel, theme.fill, 0.5));
+    if (hasBar && reached > 0)
         fillBar(std::max(2.0, reached * width()), m_limit ? mixed(theme.fill, ink, 0.4) : ink);
     if (m_limit) {
         const double end = std::clamp(share(*m_limit) * width(), 4.0, width() - 4.0);
@@ -329,7 +341,8 @@ void SliderField::mouseMoveEvent(QMouseEvent* event)
         return;
     }
     const double speed = event->modifiers() & Qt::ShiftModifier ? fineSpeed : 1;
-    const double perPixel = (m_range.to - m_range.from) / std::max(1, width());
+    const double perPixel =
+        m_range.unit == SliderUnit::pixels ? 1 : (m_range.to - m_range.from) / std::max(1, width());
     m_dragged = bounded(m_dragged + (x - m_pressX) * perPixel * speed, m_range);
     m_pressX = x;
     hold(snapped(m_dragged));

@@ -9,7 +9,8 @@
 class LineField;
 
 // The unit of a slider's value: decides how the value is written and in what steps it changes.
-enum class SliderUnit { plain, percent, multiplier, degrees };
+// With `pixels`, a drag changes the value by one for each pixel, and no bar shows the range.
+enum class SliderUnit { plain, percent, multiplier, degrees, pixels };
 
 struct SliderRange {
     SliderUnit unit = SliderUnit::plain;
@@ -26,7 +27,9 @@ public:
 
     // Shows a value; emits nothing. A value out of range is shown as the nearest bound.
     void setValue(double value);
-    void setDefault(double value);
+    void setDefault(double value);    // without it, a double click restores nothing
+    // The value of a field whose bounds depend on what else is set; emits nothing.
+    void setValue(double value, double from, double to);
     // Shows no value, for when nothing is selected that has one.
     void setBlank(bool blank);
     bool isBlank() const { return m_blank; }
@@ -75,7 +78,7 @@ private:
     QString m_label;
     SliderRange m_range;
     double m_value = 0;
-    double m_default = 0;
+    std::optional<double> m_default;
     bool m_blank = false;
     std::optional<double> m_limit;
     bool m_holding = false;

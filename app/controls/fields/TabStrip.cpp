@@ -8,7 +8,8 @@
 #include <QKeyEvent>
 
 namespace {
-constexpr int stripHeight = 44, textHeight = 40, tabIconSide = 20, tabIconGap = 8, lineInset = 14;
+constexpr int stripHeight = 44, compactStripHeight = 36, tabIconSide = 20, tabIconGap = 8,
+              lineInset = 14, textAboveLine = 4;
 }
 
 TabStrip::TabStrip(const QList<PanelTab>& tabs, QWidget* parent) : QWidget(parent), m_tabs(tabs)
@@ -18,6 +19,13 @@ TabStrip::TabStrip(const QList<PanelTab>& tabs, QWidget* parent) : QWidget(paren
     setFixedHeight(stripHeight);
     setProperty("focusRadius", Radius::button);
     setCurrent(0);
+}
+
+void TabStrip::setClass(WindowClass windowClass)
+{
+    m_class = windowClass;
+    setFixedHeight(windowClass == WindowClass::compact ? compactStripHeight : stripHeight);
+    update();
 }
 
 void TabStrip::setCurrent(int index)
@@ -83,12 +91,15 @@ void TabStrip::paintEvent(QPaintEvent*)
         const QColor ink = chosen || i == m_hovered ? theme.text : theme.text2;
         const Type type = chosen ? Type::heading : Type::bodyMedium;
         const double text = textWidth(type, m_tabs[i].text);
-        const double left = box.center().x() - (tabIconSide + tabIconGap + text) / 2;
+        const int textHeight = height() - textAboveLine;
+        const int icon = m_class == WindowClass::compact ? 0 : tabIconSide + tabIconGap;
+        const double left = box.center().x() - (icon + text) / 2;
         const QRectF line(left, 0, box.width(), textHeight);
-        paintIcon(painter, m_tabs[i].icon, QRectF(left, 0, tabIconSide, textHeight), tabIconSide,
-                  ink);
-        paintText(painter, line.adjusted(tabIconSide + tabIconGap, 0, 0, 0), Qt::AlignLeft, type,
-                  ink, m_tabs[i].text, Qt::ElideNone);
+        if (icon > 0)
+            paintIcon(painter, m_tabs[i].icon, QRectF(left, 0, tabIconSide, textHeight),
+                      tabIconSide, ink);
+        paintText(painter, line.adjusted(icon, 0, 0, 0), Qt::AlignLeft, type, ink, m_tabs[i].text,
+                  Qt::ElideNone);
         if (chosen)
             fillRounded(
                 painter,

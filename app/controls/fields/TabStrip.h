@@ -1,6 +1,7 @@
 #pragma once
 #include "app/controls/fields/Choices.h"
 #include "app/theme/Icons.h"
+#include "app/theme/WindowClass.h"
 
 #include <QWidget>
 
@@ -16,6 +17,8 @@ class TabStrip : public QWidget, public Choices {
 public:
     explicit TabStrip(const QList<PanelTab>& tabs, QWidget* parent = nullptr);
     void setCurrent(int index);    // emits nothing
+    // Labels without icons, in a lower strip.
+    void setClass(WindowClass windowClass);
     int current() const override { return m_current; }
     QRect tabRect(int index) const;
     QSize sizeHint() const override { return {327, 48}; }
@@ -43,4 +46,5 @@ private:
     QList<PanelTab> m_tabs;
     int m_current = 0;
     int m_hovered = -1;
+    WindowClass m_class = WindowClass::roomy;
 };

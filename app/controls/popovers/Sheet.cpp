@@ -5,6 +5,7 @@
 #include "app/controls/popovers/FocusRound.h"
 #include "app/theme/KeyboardFocus.h"
 #include "app/theme/PointerEvents.h"
+#include "app/theme/WindowClass.h"
 
 #include <QAccessibleWidget>
 #include <QApplication>
@@ -16,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int sheetWindowMargin = 24, riseTime = 180;    // riseTime in ms
+constexpr int sheetWindowMargin = 24, compactSheetMargin = 12, riseTime = 180;    // riseTime in ms
 constexpr double riseFrom = 0.98;
 constexpr int contentSide = 32, contentTop = 22, contentBottom = 24;
 
@@ -32,9 +33,11 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         fillRounded(painter, rect(), Radius::sheet, theme.panel);
-        fillRounded(painter, QRectF(0, 0, m_columnWidth, height()), Corners{Radius::sheet, 0},
-                    theme.bg);
-        painter.fillRect(QRectF(m_columnWidth, 0, 1, height()), theme.line);
+        if (m_columnWidth > 0) {
+            fillRounded(painter, QRectF(0, 0, m_columnWidth, height()), Corners{Radius::sheet, 0},
+                        theme.bg);
+            painter.fillRect(QRectF(m_columnWidth, 0, 1, height()), theme.line);
+        }
         strokeRounded(painter, rect(), Radius::sheet, theme.line2);
     }
 
@@ -62,7 +65,7 @@ QAccessibleInterface* accessibleSheetOf(const QString&, QObject* object)
 
 }    // namespace
 
-Sheet::Sheet(const QString& title, QSize size, QWidget* window, const SheetColumn& column)
+Sheet::Sheet(const QString& title, QSize size, QWidget* window, const ColumnMeasures& column)
     : QWidget(window), m_size(size), m_box(new Box(column.width, this)), m_column(new QVBoxLayout),
       m_content(new QVBoxLayout), m_close(new IconButton(Icon::close, u"Cerrar"_s, 32, m_box))
 {
@@ -75,6 +78,7 @@ Sheet::Sheet(const QString& title, QSize size, QWidget* window, const SheetColum
     columns->setSpacing(0);
     auto* left = new QWidget;
     left->setFixedWidth(column.width);
+    left->setVisible(column.width > 0);
     left->setLayout(m_column);
     m_column->setContentsMargins(column.side, column.top, column.side, column.top);
     m_column->setSpacing(2);
@@ -145,7 +149,9 @@ void Sheet::finishRise()
 void Sheet::place()
 {
     setGeometry(parentWidget()->rect());
-    const QSize room(width() - 2 * sheetWindowMargin, height() - 2 * sheetWindowMargin);
+    const bool isCompact = windowClassOf(size()) == WindowClass::compact;
+    const int margin = 2 * (isCompact ? compactSheetMargin : sheetWindowMargin);
+    const QSize room = size() - QSize(margin, margin);
     QRect box(QPoint(), m_size.boundedTo(room));
     box.moveCenter(rect().center());
     if (m_rise.state() == QAbstractAnimation::Running)

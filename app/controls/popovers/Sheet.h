@@ -9,8 +9,8 @@ class QHBoxLayout;
 class QVBoxLayout;
 enum class Type;
 
-// The column at the left of a sheet, in pixels.
-struct SheetColumn {
+// The column at the left of a sheet, in pixels. A sheet without a column has the width 0.
+struct ColumnMeasures {
     int width = 216, side = 12, top = 20;
     int headingGap = 10;    // at the left of the title and below it
 };
@@ -22,7 +22,7 @@ class Sheet : public QWidget {
     Q_OBJECT
 public:
     // `size`: of the box, which becomes smaller if the window is too small for it.
-    Sheet(const QString& title, QSize size, QWidget* window, const SheetColumn& column = {});
+    Sheet(const QString& title, QSize size, QWidget* window, const ColumnMeasures& column = {});
 
     void present();    // gives the focus to the widget of setFirstFocus()
     void dismiss();

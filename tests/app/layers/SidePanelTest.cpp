@@ -11,6 +11,7 @@
 #include "app/layers/TextPanel.h"
 #include "canvas/ItemLayout.h"
 #include "model/PublicationItem.h"
+#include "model/SocialFormat.h"
 #include "tests/app/Events.h"
 
 #include <QtTest/QTest>

@@ -1,5 +1,6 @@
 #include "app/account/AuthGateView.h"
 #include "app/controls/Button.h"
+#include "app/controls/Caption.h"
 #include "app/controls/fields/SlotEditor.h"
 #include "app/publish/HistoryPage.h"
 #include "app/publish/NetworkCard.h"
@@ -12,6 +13,7 @@
 #include "platform/PreferencesStore.h"
 #include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
+#include "studio/TextTransfer.h"
 #include "tests/app/Events.h"
 #include "tests/support/ScriptedAccount.h"
 
@@ -72,6 +74,15 @@ struct PublishWindow : ::testing::Test {
         EXPECT_TRUE(
             waitFor([this] { return publish().connection(SocialPublishNetwork::facebook); }));
         EXPECT_TRUE(waitFor([this] { return publish().publishStatusKind() == StatusKind::note; }));
+    }
+    // Imports texts from a spreadsheet.
+    void writeTexts(const QByteArray& csv)
+    {
+        QFile file(data.filePath(u"textos.csv"_s));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(csv);
+        file.close();
+        importTexts(&session, file.fileName());
     }
     PublishSheet* sheet() { return window.findChild<PublishSheet*>(); }
     StudioPublish& publish() { return session.publish(); }
@@ -186,6 +197,42 @@ TEST_F(PublishWindow, anotherNetworkIsShownFirstWhenItsCaptionIsAnother)
     QTest::keyClick(caption, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(caption->text(), ofFacebook);
     EXPECT_EQ(publish().publishCaption(), ofFacebook) << "the typed text is lost";
+}
+
+TEST_F(PublishWindow, aPressWaitsUntilTheTextsAreJudgedAndTellsTheirWarningsFirst)
+{
+    load(40);
+    session.selectSingleIndex(39);    // so that the first ones, which are sent, are out of view
+    session.selectAll();
+    open();
+    const auto sees = [this](const QString& text) {
+        const auto captions = sheet()->findChildren<Caption*>();
+        return std::ranges::any_of(captions, [&](const Caption* caption) {
+            return caption->isVisible() && caption->text().contains(text);
+        });
+    };
+    const QString checking = u"Comprobando las imágenes…"_s, passed = u"correctas"_s;
+    const auto isChecked = [&] { return sees(passed) && !sees(checking); };
+    ASSERT_TRUE(waitFor(isChecked));
+    account.answer(reserving, R"({"ok":false,"error":"No."})", 500);
+    session.setFormat(SocialFormat::square);
+    EXPECT_TRUE(sees(checking) && !sees(passed)) << "nothing is known of the new shape";
+    button(u"Publicar en Feed (500 créditos)"_s)->click();
+    EXPECT_FALSE(publish().isPublishing());
+    EXPECT_TRUE(waitFor([this] { return publish().publishStatus().startsWith(u"No."_s); }))
+        << qPrintable(publish().publishStatus());
+    ASSERT_TRUE(waitFor(isChecked));
+
+    const QByteArray text = QByteArray("Palabra ").repeated(200);
+    writeTexts("archivo,subtitulo\nf0.png," + text + '\n');
+    EXPECT_TRUE(waitFor([&] { return sees(checking); }));
+    const qsizetype sent = account.log().size();
+    button(u"Publicar en Feed (500 créditos)"_s)->click();
+    ASSERT_TRUE(waitFor(isChecked)) << "nobody has the changed image judged";
+    EXPECT_TRUE(std::ranges::count(publish().checks().found, PublishCheckKind::overflow,
+                                   &PublishCheck::kind));
+    EXPECT_FALSE(publish().isPublishing());
+    EXPECT_EQ(account.log().size(), sent);
 }
 
 TEST_F(PublishWindow, aPostIsPublishedToldAndKeptAndAHostilePageIsNeverOpened)

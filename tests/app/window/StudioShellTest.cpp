@@ -2,10 +2,13 @@
 #include "app/batch/BatchColumn.h"
 #include "app/controls/Button.h"
 #include "app/controls/fields/SegmentedControl.h"
+#include "app/controls/fields/TabStrip.h"
 #include "app/copy/ComposeBar.h"
 #include "app/layers/SidePanel.h"
+#include "app/layers/TextPanel.h"
 #include "app/stage/EmptyState.h"
 #include "app/stage/StagePanel.h"
+#include "app/stage/ViewBar.h"
 #include "app/theme/Theme.h"
 #include "app/window/DropVeil.h"
 #include "app/window/StatusLine.h"
@@ -53,6 +56,42 @@ TEST(StudioShell, columnsFollowTheWidthOfTheWindow)
         EXPECT_EQ(shell.batchColumn()->grid()->columns(), c.tiles) << c.window;
         EXPECT_EQ(shell.sidePanel()->width() + 1, c.panel) << c.window;
         EXPECT_EQ(shell.width(), c.window) << "does not fit";
+    }
+}
+
+TEST(StudioShell, aSmallWindowHasTheCompactLayoutAsLongAsItIsSmall)
+{
+    Shell shell({1440, 900});
+    shell.setBatchWidth(300);
+    shell.sidePanel()->setContent(SidePanel::Content::image);
+    struct Case {
+        QSize window;
+        int batch, panel, compose, viewBar, status, tabs;
+    };
+    for (const Case& c :
+         {Case{{1093, 614}, 88, 280, 48, 44, 24, 36}, Case{{1080, 580}, 88, 280, 48, 44, 24, 36},
+          Case{{1199, 900}, 88, 280, 48, 44, 24, 36}, Case{{1920, 719}, 88, 280, 48, 44, 24, 36},
+          Case{{1200, 720}, 300, 320, 52, 52, 28, 44}}) {
+        shell.resize(c.window);
+        settle();
+        const std::string label =
+            std::to_string(c.window.width()) + " x " + std::to_string(c.window.height());
+        EXPECT_EQ(shell.size(), c.window) << label << ": something needs more room";
+        EXPECT_EQ(shell.batchColumn()->width() + 1, c.batch) << label;
+        EXPECT_EQ(shell.sidePanel()->width() + 1, c.panel) << label;
+        EXPECT_EQ(shell.composeBar()->height(), c.compose) << label;
+        EXPECT_EQ(shell.viewBar()->height(), c.viewBar) << label;
+        EXPECT_EQ(shell.statusLine()->height(), c.status) << label;
+        EXPECT_EQ(shell.findChild<TabStrip*>()->height(), c.tabs) << label;
+        if (c.window == QSize(1093, 614)) {
+            EXPECT_EQ(shell.stage()->canvasRect().size(), QSize(310, 388));
+            EXPECT_EQ(shell.batchColumn()->grid()->tileRect(0).width(), 62);
+        }
+        for (const QWidget* part : shell.sidePanel()->textPanel()->findChildren<QWidget*>()) {
+            const int right = part->mapTo(shell.sidePanel(), QPoint(part->width(), 0)).x();
+            EXPECT_LE(right, shell.sidePanel()->width())
+                << label << part->metaObject()->className() << qPrintable(part->accessibleName());
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/photo/PhotoCache.h"
 #include "templates/BuiltInTemplateLibrary.h"
+#include "tests/studio/publish/BadPosts.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -16,190 +17,11 @@ using CheckKind = PublishCheckKind;
 using Network = SocialPublishNetwork;
 using Placement = SocialPublishPlacement;
 
-// A post of written images to the feed of Instagram.
-PublishSubject ordinaryPost(int images = 1)
-{
-    PublishSubject post;
-    for (int i = 0; i < images; ++i) {
-        const GeneratedCopy copy(u"Respira otoño en los Picos"_s,
-                                 u"Casas rurales con chimenea, a un paso del sendero."_s,
-                                 u"Dos noches, desayuno y leña incluida."_s, u"Ver más"_s, {}, {});
-        PublicationItem item = PublicationItem::make({}, {});
-        item.analysis = copy;
-        item.layers = PublicationItem::defaultLayers(copy);
-        post.items.append(item);
-    }
-    post.caption = u"Hay fines de semana que se recuerdan por lo que no hiciste. En octubre, los "
-                   "Picos se quedan en silencio: hayedos encendidos y leña preparada.\n\n"
-                   "#PicosDeEuropa #CasaRural #Otoño"_s;
-    return post;
-}
-
-QString repeated(const QString& text, int times)
-{
-    return text.repeated(times).trimmed();
-}
-
-struct BadPost {
-    const char* label;
-    std::function<void(PublishSubject&)> spoil;
-    CheckKind kind;
-    QString sentence;
-    bool isWarning = true;
-};
-
-TextWarning warningOf(const PublicationItem& item, int layer)
-{
-    TextWarning warning;
-    warning.layer = item.layers[layer].id;
-    warning.slot = item.layers[layer].slot;
-    return warning;
-}
-
 }    // namespace
 
-// The network or the user would refuse each of these posts, or get something that was not meant.
 TEST(PublishChecks, TellWhatIsWrongWithAPost)
 {
-    const auto setText = [](int item, int layer, const QString& text) {
-        return [=](PublishSubject& post) { post.items[item].layers[layer].text = text; };
-    };
-    const auto setCaption = [](Network network, const QString& caption) {
-        return [=](PublishSubject& post) {
-            post.network = network;
-            post.caption = caption;
-        };
-    };
-    const auto setFormat = [](Placement placement, SocialFormat format) {
-        return [=](PublishSubject& post) {
-            post.placement = placement;
-            post.format = format;
-        };
-    };
-    const auto mark = [](Placement placement, int layer, const auto& set) {
-        return [=](PublishSubject& post) {
-            post.placement = placement;
-            if (placement == Placement::story)
-                post.format = SocialFormat::storyReel;
-            TextWarning warning = warningOf(post.items[1], layer);
-            set(warning);
-            post.warnings.insert(post.items[1].id, {warning});
-        };
-    };
-    const auto published = [](PublishRecord::State state, int year = QDate::currentDate().year()) {
-        return [=](PublishSubject& post) {
-            post.published = PublishRecord();
-            post.published->state = state;
-            post.published->time = QDateTime(QDate(year, 11, 12), QTime(9, 5));
-        };
-    };
-    const GeneratedCopy& example = GeneratedCopy::placeholder();
-    const QString noCaption =
-        u"No se ha podido generar el texto completo de la publicación porque el modelo no quiso."_s;
-    const auto toStory = [&](SocialFormat format) { return setFormat(Placement::story, format); };
-    const QList<BadPost> rows{
-        {"title", setText(1, 0, example.title), CheckKind::placeholder,
-         u"Imagen 2: el título sigue siendo el de ejemplo."_s},
-        {"subtitle", setText(0, 1, example.subtitle), CheckKind::placeholder,
-         u"Imagen 1: el subtítulo sigue siendo el de ejemplo."_s},
-        {"shown tagline",
-         [&](PublishSubject& post) {
-             post.items[0].layers[2].isVisible = true;
-             post.items[0].layers[2].text = example.tagline;
-         },
-         CheckKind::placeholder, u"Imagen 1: el párrafo sigue siendo el de ejemplo."_s},
-        {"call to action beside texts that somebody typed",
-         [](PublishSubject& post) { post.items[1].analysis = GeneratedCopy::placeholder(); },
-         CheckKind::placeholder, u"Imagen 2: el CTA sigue siendo el de ejemplo."_s},
-        {"new image", [](PublishSubject& post) { post.items[1] = PublicationItem::make({}, {}); },
-         CheckKind::placeholder,
-         u"Imagen 2: el título, el subtítulo y el CTA siguen siendo los de ejemplo."_s},
-        {"new image alone",
-         [](PublishSubject& post) { post.items = {PublicationItem::make({}, {})}; },
-         CheckKind::placeholder,
-         u"El título, el subtítulo y el CTA siguen siendo los de ejemplo."_s},
-        {"white space", setText(0, 0, example.title + u"\n "_s), CheckKind::placeholder,
-         u"Imagen 1: el título sigue siendo el de ejemplo."_s},
-        {"caption", setCaption(Network::facebook, example.publicationCaption),
-         CheckKind::placeholder, u"El texto de la publicación sigue siendo el de ejemplo."_s},
-        {"no answer", setText(1, 0, u"Gemma no respondió"_s), CheckKind::missingAnswer,
-         u"Imagen 2: el título dice que el modelo no respondió."_s},
-        {"no answer of a configured model", setText(0, 0, u"El modelo no respondió"_s),
-         CheckKind::missingAnswer, u"Imagen 1: el título dice que el modelo no respondió."_s},
-        {"no answer, named", setText(0, 1, u"qwen no ha dado una respuesta en 127.0.0.1."_s),
-         CheckKind::missingAnswer, u"Imagen 1: el subtítulo dice que el modelo no respondió."_s},
-        {"no answer in two texts",
-         [](PublishSubject& post) {
-             post.items[0].layers[0].text = u"Gemma no respondió"_s;
-             post.items[0].layers[3].text = u"Reintentar"_s;
-         },
-         CheckKind::missingAnswer,
-         u"Imagen 1: el título y el CTA dicen que el modelo no respondió."_s},
-        {"no answer in the caption", setCaption(Network::linkedIn, noCaption),
-         CheckKind::missingAnswer,
-         u"El texto de la publicación dice que el modelo no respondió."_s},
-        {"story to the feed", setFormat(Placement::feed, SocialFormat::storyReel),
-         CheckKind::format,
-         u"Instagram rechaza el formato Story / Reel en el feed: admite de 4:5 a 1,91:1."_s},
-        {"horizontal story", toStory(SocialFormat::horizontal), CheckKind::format,
-         u"El formato Horizontal no llena una story: se verá con bandas."_s},
-        {"square story", toStory(SocialFormat::square), CheckKind::format,
-         u"El formato Post cuadrado no llena una story: se verá con bandas."_s},
-        {"portrait story", toStory(SocialFormat::carouselPortrait), CheckKind::format,
-         u"El formato Carrusel / Post vertical no llena una story: se verá con bandas."_s},
-        {"one too many", setCaption(Network::instagram, QString(2'201, u'a')),
-         CheckKind::captionLength,
-         u"Al texto de la publicación le sobra 1 carácter: Instagram admite 2200."_s},
-        {"too long for Instagram", setCaption(Network::instagram, QString(2'310, u'a')),
-         CheckKind::captionLength,
-         u"Al texto de la publicación le sobran 110 caracteres: Instagram admite 2200."_s},
-        {"emoji take two", setCaption(Network::instagram, u"🌲"_s.repeated(1'101)),
-         CheckKind::captionLength,
-         u"Al texto de la publicación le sobran 2 caracteres: Instagram admite 2200."_s},
-        {"too long for LinkedIn", setCaption(Network::linkedIn, QString(3'005, u'a')),
-         CheckKind::captionLength,
-         u"Al texto de la publicación le sobran 5 caracteres: LinkedIn admite 3000."_s},
-        {"too long for Facebook", setCaption(Network::facebook, QString(63'207, u'a')),
-         CheckKind::captionLength,
-         u"Al texto de la publicación le sobra 1 carácter: Facebook admite 63206."_s},
-        {"hashtags", setCaption(Network::instagram, repeated(u"#otoño "_s, 31)), CheckKind::tags,
-         u"31 hashtags: Instagram admite 30."_s},
-        {"hashtags of another script", setCaption(Network::instagram, repeated(u"#日本 "_s, 40)),
-         CheckKind::tags, u"40 hashtags: Instagram admite 30."_s},
-        {"hashtags in a row", setCaption(Network::instagram, repeated(u"a #é_1, "_s, 34)),
-         CheckKind::tags, u"34 hashtags: Instagram admite 30."_s},
-        {"mentions", setCaption(Network::instagram, repeated(u"@ana "_s, 21)), CheckKind::tags,
-         u"21 menciones: Instagram admite 20."_s},
-        {"six hashtags", setCaption(Network::instagram, repeated(u"#sol "_s, 6)),
-         CheckKind::manyHashtags, u"6 hashtags. Con 5 o menos suele ir mejor."_s, false},
-        {"many hashtags elsewhere", setCaption(Network::linkedIn, repeated(u"#sol "_s, 31)),
-         CheckKind::manyHashtags, u"31 hashtags. Con 5 o menos suele ir mejor."_s, false},
-        {"published", published(PublishRecord::State::published), CheckKind::published,
-         u"Ya se publicó el 12 de noviembre a las 9:05."_s},
-        {"published long ago", published(PublishRecord::State::published, 2019),
-         CheckKind::published, u"Ya se publicó el 12 de noviembre de 2019 a las 9:05."_s},
-        {"perhaps published", published(PublishRecord::State::unknown), CheckKind::published,
-         u"Puede que ya se publicara el 12 de noviembre a las 9:05."_s},
-        {"outside the safe zone",
-         mark(Placement::story, 0, [](TextWarning& one) { one.isOutsideSafeZone = true; }),
-         CheckKind::safeZone, u"Imagen 2. Título: fuera de la zona segura."_s},
-        {"overflow", mark(Placement::feed, 1, [](TextWarning& one) { one.overflows = true; }),
-         CheckKind::overflow, u"Imagen 2. Subtítulo: no cabe en su caja."_s},
-        {"overflow of a story",
-         mark(Placement::story, 3, [](TextWarning& one) { one.overflows = true; }),
-         CheckKind::overflow, u"Imagen 2. CTA: no cabe en su caja."_s},
-        {"glyphs", mark(Placement::feed, 0, [](TextWarning& one) { one.lacksGlyphs = true; }),
-         CheckKind::glyphs,
-         u"Imagen 2. Título: alguno de sus signos no está en ninguna fuente instalada."_s},
-        {"contrast",
-         mark(Placement::feed, 0,
-              [](TextWarning& one) {
-                  one.contrast = 3.4;
-                  one.leastContrast = 4.5;
-              }),
-         CheckKind::contrast, u"Imagen 2. Título: contraste bajo (3,4; lo mínimo es 4,5)."_s},
-    };
-    for (const BadPost& bad : rows) {
+    for (const BadPost& bad : badPosts()) {
         SCOPED_TRACE(bad.label);
         PublishSubject post = ordinaryPost(2);
         bad.spoil(post);
@@ -345,7 +167,7 @@ TEST(PublishChecks, SayNothingOfOrdinaryPosts)
     const auto isTold = [](PublishSubject post, Placement placement) {
         post.format = SocialFormat::storyReel;
         post.placement = placement;
-        post.caption = repeated(u"@ana #sol "_s, 500);
+        post.caption = repeatedText(u"@ana #sol "_s, 500);
         return checkedPost(post).found.size() > 1;
     };
     EXPECT_TRUE(isTold(ordinaryPost(), Placement::feed));

@@ -2,12 +2,14 @@
 
 #include "account/AccountError.h"
 #include "platform/photo/PhotoCache.h"
+#include "studio/publish/SendingRate.h"
 #include "tests/FullDisk.h"
 #include "tests/studio/PayingStudio.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRandomGenerator>
 
 #include <gtest/gtest.h>
 
@@ -103,6 +105,7 @@ protected:
         services.send = [this](const QString& file, SentBytes sentBytes, std::stop_token stop) {
             return answered(&site, file, sentBytes, stop);
         };
+        services.preferences = &studio.preferences;
         services.pause = 0ms;
         services.now = [this] { return now; };
     }
@@ -382,7 +385,7 @@ TEST_F(PublishOperationTest, WhatTheChecksFindIsToldBeforeAnythingIsReserved)
         return found;
     };
     services.largestPost = 100;
-    services.rate = 0.5;
+    storeSendingRate(studio.preferences, 0.5);
     const PublishOutcome slow = publish();
     EXPECT_EQ(slow.state, State::unconfirmed);
     EXPECT_EQ(kinds(slow), (QList{Kind::requestBytes, Kind::requestTime}));
@@ -391,6 +394,26 @@ TEST_F(PublishOperationTest, WhatTheChecksFindIsToldBeforeAnythingIsReserved)
     EXPECT_TRUE(site.requests.isEmpty() && !stored());
     isConfirmed = true;
     EXPECT_EQ(publish().state, State::done) << "no check refuses anything";
+}
+
+TEST_F(PublishOperationTest, AnImageThatIsTooLargeIsToldBeforeAnythingIsReserved)
+{
+    // Noise, which no recompression makes smaller.
+    QImage noise(1900, 2375, QImage::Format_RGB32);
+    QRandomGenerator random(7);
+    random.fillRange(reinterpret_cast<quint32*>(noise.bits()), noise.sizeInBytes() / 4);
+    EXPECT_TRUE(noise.save(world.file(u"fotos/a.png"_s)));
+    studio.load({QUrl::fromLocalFile(world.file(u"fotos/a.png"_s))});
+    request.items = {studio.session.batch().items.last()};
+    request.outputSize = [](SocialFormat) { return QSizeF(1900, 2375); };
+    for (const auto network : allCases<SocialPublishNetwork>()) {
+        request.network = network;
+        const PublishOutcome large = publish();
+        EXPECT_EQ(large.state, State::unconfirmed);
+        EXPECT_TRUE(large.sentence().startsWith(u"Pesa 1"_s)) << qPrintable(large.sentence());
+        EXPECT_TRUE(large.sentence().contains(row(network).title));
+        EXPECT_TRUE(moves().isEmpty() && site.requests.isEmpty());
+    }
 }
 
 TEST_F(PublishOperationTest, AStopCostsNothing)
@@ -435,9 +458,17 @@ TEST_F(PublishOperationTest, WhatCannotBePreparedPaidOrNotedIsNotSent)
     EXPECT_EQ(unnoted.sentence(),
               u"No se ha podido anotar la publicación antes de enviarla. Se han "
               "devuelto los 50 créditos."_s);
+    const QString unprepared = u"No se han podido preparar las imágenes finales para publicar."_s;
+    const QString place =
+        std::exchange(services.stagingPlace, world.photo(u"c.png"_s).toLocalFile());
+    EXPECT_EQ(publish().sentence(), unprepared + u" No se pudo escribir en «"_s +
+                                        services.stagingPlace +
+                                        u"», donde se preparan las imágenes. ¿Queda espacio en el "
+                                        "disco?"_s);
+    services.stagingPlace = place;
     QFile::remove(world.file(u"fotos/a.png"_s));
-    EXPECT_EQ(publish().sentence(),
-              u"No se han podido preparar las imágenes finales para publicar."_s);
+    EXPECT_EQ(publish().sentence(), unprepared + u" No se ha podido leer la foto «"_s +
+                                        world.file(u"fotos/a.png"_s) + u"»."_s);
     EXPECT_TRUE(site.requests.isEmpty());
     EXPECT_EQ(world.charged(), 0);
 }

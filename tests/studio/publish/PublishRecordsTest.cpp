@@ -175,6 +175,30 @@ TEST_F(PublishRecordsTest, EachNetworkKeepsTheCaptionThatTheUserEditedUntilItIsP
     EXPECT_TRUE(captions.text(facebook).isEmpty());
 }
 
+TEST(PublishCaptions, AreThoseOfTheAccount)
+{
+    using enum SocialPublishNetwork;
+    const QTemporaryDir folder;
+    PreferencesStore preferences(folder.filePath(u"p.sqlite"_s));
+    PublishCaptions captions(preferences);
+    captions.edit(facebook, u"De nadie"_s);
+    captions.setAccount(u"ana"_s);
+    EXPECT_EQ(captions.text(facebook), u"De nadie"_s) << "it was written before signing in";
+    captions.edit(facebook, u"De Ana"_s);
+    captions.setAccount(u"eva luna"_s);
+    EXPECT_TRUE(captions.text(facebook).isEmpty());
+    captions.edit(facebook, u"De Eva"_s);
+
+    PublishCaptions later(preferences);
+    EXPECT_TRUE(later.text(facebook).isEmpty()) << "it went to the first account";
+    later.edit(facebook, u"De nadie"_s);
+    later.setAccount(u"ana"_s);
+    EXPECT_EQ(later.text(facebook), u"De Ana"_s);
+    later.setAccount(u"eva luna"_s);
+    EXPECT_EQ(later.text(facebook), u"De Eva"_s);
+    EXPECT_EQ(PublishCaptions(preferences).text(facebook), u"De nadie"_s) << "it is not lost";
+}
+
 TEST(SocialPublishing, WhatIsSelectedIsPublishedUpToTheLimitOfTheNetwork)
 {
     PublicationItems items;

@@ -1,5 +1,8 @@
+#include "platform/photo/PhotoCache.h"
+#include "studio/publish/SendingRate.h"
 #include "tests/studio/FaultyProxy.h"
 #include "tests/studio/PayingStudio.h"
+#include "tests/studio/publish/BadPosts.h"
 #include "tests/support/ScriptedAccount.h"
 
 #include <gtest/gtest.h>
@@ -143,7 +146,7 @@ TEST_F(StudioPublishTest, ASecondPostOfTheSameRendersWantsASecondPress)
     EXPECT_TRUE(published(instagram).startsWith(u"Ya se publicó el "_s));
     EXPECT_TRUE(publish().isConfirming());
     // The next press confirms what was told, but not what is found only then.
-    studio->preferences.setValue(u"moltiva.publishRate"_s, "0.5");
+    storeSendingRate(studio->preferences, 0.5);
     const QString more = published(instagram);
     EXPECT_TRUE(more.startsWith(u"Ya se publicó el "_s)) << qPrintable(more);
     EXPECT_TRUE(more.contains(u" A la velocidad del último envío "_s)) << qPrintable(more);
@@ -247,6 +250,79 @@ TEST_F(StudioPublishTest, WhatAnEndedRunLeftIsInDoubtAndTheEditedCaptionIsStillT
     EXPECT_EQ(publish().publishCaption(), u"Otro propio"_s);
     publish().choose(instagram);
     EXPECT_TRUE(publish().publishCaption().isEmpty()) << "it was not edited";
+}
+
+// What the user reads comes before the journal opens the entry of a charge.
+TEST_F(StudioPublishTest, EveryBadPostIsToldBeforeAReservationIsSent)
+{
+    start();
+    load(2);
+    for (const auto network : allCases<SocialPublishNetwork>())
+        connect(network);
+    const auto photos = std::make_shared<PhotoCache>(world.file(u"miniaturas"_s));
+    ChargeServices payment;
+    payment.payments = [] { return Payments(); };
+    payment.record = [](const QList<RenderedOutput>&, const Strike& strike) { return strike(); };
+    RenderCosts costs(photos, &PayingStudio::smallSize);
+    StudioPublish sheet(photos, &PayingStudio::smallSize, payment, costs, studio->preferences);
+    sheet.setAccount(studio->account);
+    sheet.setJournal(studio->journal, world.file(u"espera"_s));
+    sheet.setService(studio->api);
+    PublishRecords records(studio->preferences, studio->account.accountKey(),
+                           studio->journal.programRun());
+    for (const BadPost& bad : badPosts()) {
+        SCOPED_TRACE(bad.label);
+        PublishSubject post = ordinaryPost(2);
+        bad.spoil(post);
+        Batch batch;
+        batch.format = post.format;
+        for (PublicationItem& item : post.items) {
+            item.image = session().batch().items[batch.items.size()].image;
+            batch.items.append(item);
+            batch.selectedItemIDs.insert(item.id);
+        }
+        if (post.published) {
+            post.published->id = QUuid::createUuid();
+            post.published->renders =
+                fingerprintsOf(post.items, post.format, &PayingStudio::smallSize);
+            records.keep(*post.published);
+        }
+        costs.scheduleRenderCostRefresh(batch, std::chrono::milliseconds(0));
+        sheet.choose(post.network);
+        sheet.choose(post.placement);
+        sheet.setPublishCaption(post.caption);
+        sheet.setTextWarnings(post.warnings);
+        sheet.openPublishWindow();
+        const auto isTold = [&] {
+            return std::ranges::count(sheet.checks().found, bad.sentence,
+                                      &PublishCheck::sentence) == 1;
+        };
+        EXPECT_TRUE(turnUntil(
+            [&] { return isTold() && sheet.publishStatusKind() != StatusKind::working; }));
+        int opened = 0;
+        studio->journal.stepReached = [&, before = world.ledger().size()](const char* step) {
+            if (QByteArrayView(step) != "opened")
+                return;
+            ++opened;
+            EXPECT_TRUE(isTold());
+            EXPECT_EQ(world.ledger().size(), before) << "nothing is reserved yet";
+            sheet.stop();
+        };
+        awaited(sheet.preparePublish(post.network, post.placement));
+        if (post.published) {
+            EXPECT_EQ(opened, 0);
+            EXPECT_EQ(sheet.publishStatus(), bad.sentence);
+            awaited(sheet.preparePublish(post.network, post.placement));
+            records.remove(post.published->id);
+        }
+        EXPECT_EQ(opened, 1);
+        EXPECT_EQ(sheet.publishStatus(),
+                  u"Publicación detenida. Se han devuelto los %1 créditos."_s.arg(
+                      batch.items.size() * exportCreditCost));
+        studio->journal.stepReached = {};
+        sheet.closePublishWindow();
+    }
+    EXPECT_EQ(world.charged(), 0);
 }
 
 // Whichever comes first pays; the other one waits for it and has nothing left to pay.

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+
+#include <chrono>
+#include <functional>
+
+class Desktop;
+class LocalAIManager;
+class StudioSession;
+
+// Tells the user through the desktop that long work has ended while another program is in front.
+// The notice says only what has ended, because a locked screen may show it too.
+class DesktopNotices : public QObject {
+    Q_OBJECT
+public:
+    using Clock = std::function<std::chrono::steady_clock::time_point()>;
+    static constexpr std::chrono::seconds longWork{10};
+
+    // The arguments outlive this object. `isInFront`: whether the program has the focus.
+    DesktopNotices(Desktop& desktop, std::function<bool()> isInFront,
+                   Clock clock = &std::chrono::steady_clock::now, QObject* parent = nullptr);
+    void follow(const StudioSession& session);
+    void follow(const LocalAIManager& manager);
+
+private:
+    enum class Work { generation, exporting, publication, installation };
+    void see(Work work, bool isRunning);
+
+    Desktop& m_desktop;
+    const std::function<bool()> m_isInFront;
+    const Clock m_clock;
+    QHash<Work, std::chrono::steady_clock::time_point> m_begun;    // of the work under way
+};

@@ -1,0 +1,124 @@
+#include "app/account/UserAccountButton.h"
+#include "app/controls/fields/LineField.h"
+#include "app/stage/EmptyState.h"
+#include "app/window/KeysSheet.h"
+#include "app/window/StudioMenu.h"
+#include "tests/app/window/MainWindowFixture.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QWindow>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The smallest rectangle around all pixels that differ.
+QRect difference(const QImage& one, const QImage& other)
+{
+    QRect around;
+    for (int y = 0; y < one.height(); ++y) {
+        for (int x = 0; x < one.width(); ++x) {
+            if (one.pixel(x, y) != other.pixel(x, y))
+                around |= QRect(x, y, 1, 1);
+        }
+    }
+    return around;
+}
+
+}    // namespace
+
+// Compares a window that was dark with one that was light from the beginning.
+TEST_F(MainWindowTest, aChangeOfThemeReachesEverything)
+{
+    const auto expectSame = [this](const char* state, const auto& prepare) {
+        window.menu()->action(u"Oscuro")->trigger();
+        prepare(window);
+        settle();
+        const QImage dark = window.grab().toImage();
+        window.menu()->action(u"Claro")->trigger();
+        MainWindow other(session, account.session(), m_photos, preferences);
+        other.resize(window.size());
+        other.show();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return other.gate()->state() == Gate::open; }));
+        prepare(other);
+        settle();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return other.isIdle(); }, 30000));
+        EXPECT_NE(window.grab().toImage(), dark) << state;
+        const QRect different = difference(window.grab().toImage(), other.grab().toImage());
+        EXPECT_EQ(different, QRect()) << state << ", from " << different.x() << " " << different.y()
+                                      << ", " << different.width() << " x " << different.height();
+    };
+    expectSame("empty", [](MainWindow&) {});
+    session.load({photos(3)});
+    settle();
+    expectSame("texts", [](MainWindow&) {});
+    expectSame("shapes",
+               [](MainWindow& shown) { shown.shell()->sidePanel()->setTab(SideTab::shapes); });
+    expectSame("templates",
+               [](MainWindow& shown) { shown.shell()->sidePanel()->setTab(SideTab::templates); });
+    expectSame("account", [](MainWindow& shown) {
+        press(*shown.shell()->topBar()->account(), {8, 8});
+    });
+    session.setAppSettingsPresented(true);
+    expectSame("settings", [](MainWindow&) {});
+    session.setAppSettingsPresented(false);
+    window.menu()->action(u"Oscuro")->trigger();
+}
+
+TEST_F(MainWindowTest, everyKeyIsInTheListOfKeys)
+{
+    for (const MenuCommand& command : window.menu()->commands()) {
+        const bool hasKey = !command.keys.isEmpty() || !command.shownKey.isEmpty();
+        EXPECT_EQ(command.topic != KeyTopic::none, hasKey) << qPrintable(command.text);
+    }
+    window.menu()->action(u"Atajos de teclado"_s)->trigger();
+    auto* keys = window.findChild<KeysSheet*>();
+    ASSERT_TRUE(keys && keys->isPresented());
+    EXPECT_FALSE(window.menu()->action(u"Importar imágenes…"_s)->isEnabled());
+    type(*keys->search(), Qt::Key_Escape);
+    EXPECT_FALSE(keys->isPresented());
+    EXPECT_TRUE(window.menu()->action(u"Importar imágenes…"_s)->isEnabled());
+}
+
+TEST_F(MainWindowTest, whatWasImportedIsOfferedAgain)
+{
+    const QUrl folder = photos(2);
+    window.open({folder});
+    settle();
+    Q_EMIT window.menu()->menu()->aboutToShow();
+    QAction* first = window.menu()->action(u"Reciente 1"_s);
+    EXPECT_EQ(first->text(), QFileInfo(folder.toLocalFile()).fileName());
+    EXPECT_FALSE(window.menu()->action(u"Reciente 2"_s)->isVisible());
+    session.removeCurrentItem();
+    settle();
+    first->trigger();
+    settle();
+    EXPECT_EQ(session.batch().items.size(), 2);
+
+    auto* chip = named<Control>(window.shell()->emptyState(), first->text());
+    ASSERT_TRUE(chip);
+    EXPECT_EQ(chip->toolTip(), folder.toLocalFile());
+    ASSERT_TRUE(QDir(folder.toLocalFile()).removeRecursively());
+    chip->click();
+    EXPECT_EQ(told().last(), u"No se encuentra «%1»."_s.arg(first->text()));
+    EXPECT_EQ(session.batch().items.size(), 2);
+    const auto isMarked = [this] {
+        auto* now = window.shell()->emptyState()->findChildren<Control*>().last();
+        return now->toolTip().endsWith(u"No se encuentra"_s);
+    };
+    EXPECT_TRUE(QTest::qWaitFor(isMarked));
+}
+
+TEST_F(MainWindowTest, aWindowOnAScreenWithMorePixelsIsDrawnAnew)
+{
+    ASSERT_EQ(QGuiApplication::screens().size(), 2);
+    session.load({photos(2)});
+    settle();
+    const QSize tile = grid()->picturePixels(), canvas = window.shell()->stage()->pictureSize();
+    window.windowHandle()->setScreen(QGuiApplication::screens().last());
+    ASSERT_EQ(window.devicePixelRatioF(), 2);
+    settle();
+    EXPECT_EQ(grid()->picturePixels(), tile * 2);
+    EXPECT_EQ(window.shell()->stage()->pictureSize().width() / 2, canvas.width());
+}
