@@ -29,6 +29,10 @@ QString wordOf(StatusAction action)
         return u"Recuperar mis textos"_s;
     case StatusAction::replaceEdited:
         return u"Sustituir también"_s;
+    case StatusAction::changeAccount:
+        return u"Cambiar de cuenta"_s;
+    case StatusAction::keepAccount:
+        return u"No cambiar"_s;
     }
     Q_UNREACHABLE();
 }
