@@ -6,6 +6,7 @@
 #include "tests/app/Events.h"
 #include "tests/app/window/MainWindowFixture.h"
 
+#include <QAction>
 #include <QDesktopServices>
 #include <QListWidget>
 #include <QMenu>
