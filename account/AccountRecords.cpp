@@ -21,12 +21,14 @@ MOLTIVA_FIELDS(StorageSummary, required("limitMb", &R::limitMb), required("perce
                required("usedMb", &R::usedMb))
 MOLTIVA_FIELDS(AccountSummary, required("balance", &R::balance), optional("profile", &R::profile),
                optional("storage", &R::storage))
-// An unreadable macDownloadURL counts as missing.
+// An unreadable address of a download counts as missing.
 MOLTIVA_FIELDS(CloudCopyConfig, required("enabled", &R::enabled), optional("modelId", &R::modelId),
                required("providerLabel", &R::providerLabel), optional("endpoint", &R::endpoint),
                required("costCredits", &R::costCredits),
                optional("latestMacVersion", &R::latestMacVersion),
-               lenient("macDownloadURL", &R::macDownloadURL))
+               lenient("macDownloadURL", &R::macDownloadURL),
+               lenient("latestLinuxVersion", &R::latestLinuxVersion),
+               lenient("linuxDownloadURL", &R::linuxDownloadURL))
 MOLTIVA_FIELDS(BasicOK, optional("ok", &R::ok))
 template <>
 struct JsonFields<EmptyRequest> {

@@ -44,6 +44,8 @@ struct CloudCopyConfig {
     int costCredits = 10;    // per image
     std::optional<QString> latestMacVersion;
     std::optional<QUrl> macDownloadURL;
+    std::optional<QString> latestLinuxVersion;
+    std::optional<QUrl> linuxDownloadURL;
     bool operator==(const CloudCopyConfig&) const = default;
 
     // The settings used while the service has sent none.

@@ -3,6 +3,7 @@
 #include "account/AccountAPI.h"
 #include "account/AccountError.h"
 #include "account/WebAuthentication.h"
+#include "platform/NotificationCenter.h"
 
 #include <QPointer>
 
@@ -44,6 +45,12 @@ AccountSession::AccountSession(AccountAPI& api, Surroundings surroundings, QObje
 {
     m_balanceSync.setInterval(m_surroundings.balanceSyncInterval);
     m_balanceSync.callOnTimeout(this, [this] { refreshSilently(); });
+    notificationCenter().subscribe(Notification::deepLinkReceived, this,
+                                   [this](const QVariant& link) { handleDeepLink(link.toUrl()); });
+    notificationCenter().subscribe(
+        Notification::googleAuthenticationFinished, this, [this](const QVariant& result) {
+            handleGoogleAuthenticationResult(result.value<GoogleAuthenticationResult>());
+        });
 }
 
 // Coroutines that await a request resume inside request_stop(), with an exception, while the
@@ -133,12 +140,14 @@ QCoro::Task<bool> AccountSession::bootstrap()
     if (!self || ended.stop_requested())
         co_return false;
     m_isLoading = false;
-    if (failure && signIn == m_signIn) {    // not if a link signed somebody in meanwhile
+    m_isChecked = true;
+    if (failure && signIn == m_signIn) {    // not if somebody signed in meanwhile
         changeUser({});
         tell(*failure, told);
     } else {
         Q_EMIT changed();
     }
+    actOnLinks();
     co_return !failure;
 }
 
@@ -161,22 +170,36 @@ QCoro::Task<> AccountSession::check()
 // fallback settings.
 QCoro::Task<> AccountSession::configure()
 {
+    co_await askConfiguration(CloudCopyConfig::fallback());
+}
+
+QCoro::Task<QString> AccountSession::refreshConfiguration()
+{
+    return askConfiguration(m_cloudCopyConfig);
+}
+
+// Sets the settings to `otherwise` if the service does not answer, and returns why.
+QCoro::Task<QString> AccountSession::askConfiguration(CloudCopyConfig otherwise)
+{
     const QPointer<AccountSession> self = this;
     const std::stop_token ended = m_stop.get_token();
     const int question = ++m_configurationQuestion;
-    CloudCopyConfig configuration = CloudCopyConfig::fallback();
+    CloudCopyConfig configuration = otherwise;
+    QString failure;
     QCoro::Task<CloudCopyConfig> asking = m_api.socialCopyConfig(ended);
     try {
         configuration = co_await std::move(asking);
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        failure = readable(error);
     }
-    // If `question` is no longer the last one, configure() was called again, and that call's reply
-    // is newer.
-    if (!self || ended.stop_requested() || question != m_configurationQuestion ||
-        m_cloudCopyConfig == configuration)
-        co_return;
-    m_cloudCopyConfig = configuration;
-    Q_EMIT changed();
+    // If `question` is no longer the last one, this function was called again, and that call's
+    // reply is newer.
+    if (self && !ended.stop_requested() && question == m_configurationQuestion &&
+        m_cloudCopyConfig != configuration) {
+        m_cloudCopyConfig = configuration;
+        Q_EMIT changed();
+    }
+    co_return failure;
 }
 
 QCoro::Task<bool> AccountSession::refresh()
@@ -274,6 +297,10 @@ void AccountSession::changeUser(const AccountSummary& account)
 {
     if (account.profile || isAuthenticated())
         ++m_signIn;
+    m_isGoogleLoginPending =
+        false;    // an answer that still comes is no longer what the user wants
+    if (!account.profile)
+        m_askedToken.reset();
     if (!account.profile || userOf(account) != userOf(m_account)) {
         m_pendingCheckout.reset();
         m_purchaseHistory.clear();

@@ -16,6 +16,8 @@ class AccountAPI;
 class WebAuthentication;
 struct GoogleAuthenticationResult;
 
+enum class LinkAnswer { changeAccount, keepAccount };
+
 // The signed-in account and the actions that the screens offer on it. message() tells the user
 // about their results. Emits changed() whenever a screen may have to be updated. Lives on the
 // interface thread.
@@ -102,9 +104,23 @@ public:
     // Opens `url` in a browser and returns whether that worked; message() tells only of a failure.
     bool openPage(const QUrl& url);
 
-    // Acts on a link of the scheme "moltiva" and returns true; ignores any other link.
+    // Whether handleDeepLink() acts on the link.
+    static bool isDeepLink(const QUrl& url);
+    // Acts on a link of the scheme "moltiva" and returns true; ignores any other link. Links are
+    // acted on in their order, after the first bootstrap() and after a sign-in that is under way.
+    // Anybody can make a link: one that would replace the signed-in account is only acted on once
+    // the user agrees, unless openGoogleLogin() awaits it.
     bool handleDeepLink(const QUrl& url);
+    // Whether a link awaits answerLink(), because it would replace the signed-in account.
+    bool asksToChangeAccount() const { return m_askedToken.has_value(); }
+    void answerLink(LinkAnswer answer);
+    // Posts the notification with which handleGoogleAuthenticationResult() gets the result.
+    static void postGoogleAuthenticationResult(const GoogleAuthenticationResult& result);
     void handleGoogleAuthenticationResult(const GoogleAuthenticationResult& result);
+
+    // Asks for the settings of the service and for the newest version. Returns why that failed, for
+    // the user, and then keeps the settings; empty if cloudCopyConfig() has just come.
+    QCoro::Task<QString> refreshConfiguration();
 
     void startBalanceSync();
     void stopBalanceSync();
@@ -132,6 +148,7 @@ private:
     QCoro::Task<> startGoogleLogin();
     QCoro::Task<> moveCredits(Move move, qint64 cost, QString requestId);
     QCoro::Task<> configure();
+    QCoro::Task<QString> askConfiguration(CloudCopyConfig otherwise);
 
     void receive(const AccountSummary& account);
     void changeUser(const AccountSummary& account);
@@ -141,7 +158,9 @@ private:
     void tell(const QString& message, Told told = Told::info);
     static Told toldOf(const std::exception& failure);
     void openInBrowser(const QUrl& url);    // throws AccountError on failure
+    void actOnLinks();
     void handleAuthCallback(const QUrl& url);
+    void exchange(const QString& token);
     void handleSocialConnectionCallback(const QUrl& url);
 
     AccountAPI& m_api;
@@ -151,6 +170,11 @@ private:
     int m_configurationQuestion = 0;    // number of the last request for m_cloudCopyConfig
     int m_signIn = 0;                   // rises whenever somebody signs in or out
     bool m_isLoading = false, m_isSigningInOverWindow = false;
+    bool m_isChecked = false;               // bootstrap() has ended
+    bool m_isGoogleLoginPending = false;    // openGoogleLogin() awaits its link
+    int m_signInsUnderWay = 0;
+    QList<QUrl> m_links;    // received, but not acted on yet
+    std::optional<QString> m_askedToken;
     int m_actions = 0, m_creditMoves = 0;    // number under way
     QString m_message, m_outcome;
     Told m_told = Told::info;    // kind of m_outcome

@@ -4,7 +4,9 @@
 #include "account/AccountError.h"
 #include "account/AccountSession.h"
 #include "account/WebAuthentication.h"
+#include "platform/NotificationCenter.h"
 
+#include <QScopeGuard>
 #include <QUrlQuery>
 
 using namespace Qt::StringLiterals;
@@ -12,6 +14,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString linkScheme = u"moltiva"_s;
+constexpr qsizetype longestLink = 4096;    // bytes
+constexpr qsizetype mostLinks = 1000;      // that wait
 
 QString oauthMessage(const QString& code)
 {
@@ -56,6 +60,14 @@ QCoro::Task<bool> AccountSession::registerAccount(const QString& email, const QS
 
 QCoro::Task<> AccountSession::enter(QCoro::Task<AccountSummary> signingIn, QString told)
 {
+    const std::stop_token ended = m_stop.get_token();
+    ++m_signInsUnderWay;
+    const auto end = qScopeGuard([this, ended] {
+        --m_signInsUnderWay;
+        // Queued, so that this sign-in is told before the next link is acted on.
+        if (!ended.stop_requested())
+            QMetaObject::invokeMethod(this, &AccountSession::actOnLinks, Qt::QueuedConnection);
+    });
     const AccountSummary account = co_await std::move(signingIn);
     changeUser(account);
     tell(told);
@@ -137,11 +149,8 @@ QCoro::Task<> AccountSession::startGoogleLogin()
         co_return;
     const QUrl url = m_api.googleOAuthURL();
     WebAuthentication* overWindow = m_surroundings.webAuthentication;
-    const auto completed = [self](const GoogleAuthenticationResult& result) {
-        if (self)
-            self->handleGoogleAuthenticationResult(result);
-    };
-    if (overWindow && overWindow->start(url, linkScheme, completed)) {
+    m_isGoogleLoginPending = true;
+    if (overWindow && overWindow->start(url, linkScheme, &postGoogleAuthenticationResult)) {
         m_isSigningInOverWindow = true;
         co_return;
     }
@@ -149,10 +158,17 @@ QCoro::Task<> AccountSession::startGoogleLogin()
     tell(u"Completa el acceso con Google en el navegador."_s);
 }
 
+void AccountSession::postGoogleAuthenticationResult(const GoogleAuthenticationResult& result)
+{
+    notificationCenter().post(Notification::googleAuthenticationFinished,
+                              QVariant::fromValue(result));
+}
+
 void AccountSession::handleGoogleAuthenticationResult(const GoogleAuthenticationResult& result)
 {
     using Failure = GoogleAuthenticationResult::Failure;
     m_isSigningInOverWindow = false;
+    m_isGoogleLoginPending = m_isGoogleLoginPending && !result.error;
     Q_EMIT changed();
     if (result.error == Failure::cancelled)
         tell(u"Acceso con Google cancelado."_s);
@@ -162,34 +178,69 @@ void AccountSession::handleGoogleAuthenticationResult(const GoogleAuthentication
         handleDeepLink(*result.callbackURL);
 }
 
+bool AccountSession::isDeepLink(const QUrl& url)
+{
+    return url.scheme() == linkScheme &&
+           (url.host() == u"auth"_s || url.host() == u"social-connected"_s) &&
+           url.toEncoded().size() <= longestLink;
+}
+
 bool AccountSession::handleDeepLink(const QUrl& url)
 {
-    if (url.scheme() != linkScheme)
+    if (!isDeepLink(url))
         return false;
-    if (url.host() == u"auth"_s)
-        handleAuthCallback(url);
-    else if (url.host() == u"social-connected"_s)
-        handleSocialConnectionCallback(url);
-    else
-        return false;
+    if (m_links.size() < mostLinks)
+        m_links.append(url);
+    actOnLinks();
     return true;
+}
+
+void AccountSession::actOnLinks()
+{
+    while (!m_links.isEmpty() && m_isChecked && !m_isLoading && m_signInsUnderWay == 0) {
+        const QUrl url = m_links.takeFirst();
+        if (url.host() == u"auth"_s)
+            handleAuthCallback(url);
+        else
+            handleSocialConnectionCallback(url);
+    }
 }
 
 void AccountSession::handleAuthCallback(const QUrl& url)
 {
-    if (const auto code = queryItem(url, u"error"_s)) {
-        tell(oauthMessage(*code), Told::problem);
-        return;
-    }
+    const auto code = queryItem(url, u"error"_s);
     const auto token = queryItem(url, u"token"_s);
-    if (!token) {
-        tell(oauthMessage({}), Told::problem);
-        return;
+    if (code || !token) {
+        m_isGoogleLoginPending = false;
+        tell(oauthMessage(code.value_or(QString())), Told::problem);
+    } else if (!isAuthenticated() || m_isGoogleLoginPending) {
+        exchange(*token);
+    } else if (!m_askedToken) {
+        m_askedToken = token;
+        Q_EMIT changed();
+    } else if (m_askedToken != token) {
+        tell(u"Otro enlace para cambiar de cuenta no se ha usado: responde antes al primero."_s,
+             Told::problem);
     }
+}
+
+void AccountSession::exchange(const QString& token)
+{
     perform([this, token] {
-        return enter(m_api.exchangeDesktopAuthToken(*token, m_stop.get_token()),
+        return enter(m_api.exchangeDesktopAuthToken(token, m_stop.get_token()),
                      u"Sesión iniciada con Google."_s);
     });
+}
+
+void AccountSession::answerLink(LinkAnswer answer)
+{
+    const std::optional<QString> token = std::exchange(m_askedToken, {});
+    if (!token)
+        return;
+    if (answer == LinkAnswer::changeAccount)
+        exchange(*token);
+    else
+        tell(u"El enlace no se ha usado: sigues con tu cuenta."_s);
 }
 
 void AccountSession::handleSocialConnectionCallback(const QUrl& url)

@@ -1,11 +1,11 @@
 # Everything found here is a Debian package of packages.txt.
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network Sql Svg DBus)
-find_package(QCoro6 REQUIRED COMPONENTS Core)
+find_package(QCoro6 REQUIRED COMPONENTS Core DBus)
 find_package(nlohmann_json REQUIRED)
 find_package(ICU REQUIRED COMPONENTS uc)
 find_package(Threads REQUIRED)
 find_package(PkgConfig REQUIRED)
-foreach(module IN ITEMS libheif libdeflate libwebpdemux lcms2 cpp-httplib libsodium sqlite3)
+foreach(module IN ITEMS libheif libdeflate libwebpdemux lcms2 cpp-httplib libsodium sqlite3 xcb)
     pkg_check_modules(${module} REQUIRED IMPORTED_TARGET ${module})
 endforeach()
 

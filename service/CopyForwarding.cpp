@@ -4,6 +4,7 @@
 #include "copygen/text/CopyAnswer.h"
 #include "copygen/text/CopyPrompt.h"
 #include "platform/Http.h"
+#include "service/ConfiguredValue.h"
 #include "service/Http.h"
 #include "service/store/Turns.h"
 
@@ -11,8 +12,6 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QSettings>
-#include <QStandardPaths>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -83,15 +82,9 @@ private:
 
 CopyProvider configuredCopyProvider()
 {
-    const QSettings file(QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) +
-                             u"/moltiva.conf"_s,
-                         QSettings::IniFormat);
-    const auto value = [&](const char* variable, const QString& key) {
-        const QString own = qEnvironmentVariable(variable);
-        return own.isEmpty() ? file.value(u"copy/"_s + key).toString() : own;
-    };
-    return {value("MOLTIVA_COPY_URL", u"url"_s), value("MOLTIVA_COPY_KEY", u"key"_s),
-            value("MOLTIVA_COPY_MODEL", u"model"_s)};
+    return {configuredValue("MOLTIVA_COPY_URL", u"copy/url"_s),
+            configuredValue("MOLTIVA_COPY_KEY", u"copy/key"_s),
+            configuredValue("MOLTIVA_COPY_MODEL", u"copy/model"_s)};
 }
 
 std::optional<GeneratedCopy> copyFromAnswer(QByteArrayView answer)

@@ -2,6 +2,7 @@
 
 #include "service/Attempts.h"
 #include "service/CopyForwarding.h"
+#include "service/OfferedProgram.h"
 #include "service/store/Database.h"
 
 #include <QDir>
@@ -23,6 +24,7 @@ struct ServiceSettings {
     // because anybody could register that address first.
     QString administrator = {};
     std::function<CopyProvider()> copyProvider = configuredCopyProvider;
+    std::function<OfferedProgram()> offeredProgram = configuredProgram;
     std::function<qint64()> now;    // milliseconds since 1970; the system's clock when empty
 };
 
@@ -40,6 +42,7 @@ public:
     Database& database() { return m_database; }
     qint64 now() const { return m_settings.now(); }
     CopyProvider copyProvider() const { return m_settings.copyProvider(); }
+    OfferedProgram offeredProgram() const { return m_settings.offeredProgram(); }
     ServiceAudience audience() const { return m_settings.audience; }
     bool isAdministrator(Transaction& transaction, const Account& account) const;
     const QByteArray& formKey() const { return m_formKey; }

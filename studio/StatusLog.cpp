@@ -17,6 +17,8 @@ StatusLog::StatusLog(Clock clock, Calendar calendar)
 
 const StatusEntry& StatusLog::current() const
 {
+    if (m_question)
+        return *m_question;
     static const StatusEntry nothing;
     const auto newest = std::find_if(m_entries.crbegin(), m_entries.crend(),
                                      [](const StatusEntry& entry) { return !entry.isOutdated; });
@@ -59,6 +61,21 @@ void StatusLog::tell(const QString& sentence, StatusKind kind, const StatusLink&
     Q_EMIT changed();
     if (!sentence.isEmpty())
         Q_EMIT told({.kind = kind, .sentence = sentence, .link = link});
+}
+
+void StatusLog::ask(const QString& question, const StatusLink& link)
+{
+    append({.kind = StatusKind::warning, .sentence = question, .link = link, .isOutdated = true});
+    m_question = m_entries.last();
+    Q_EMIT changed();
+}
+
+void StatusLog::endQuestion()
+{
+    if (!m_question)
+        return;
+    m_question.reset();
+    Q_EMIT changed();
 }
 
 void StatusLog::tellStep(Activity::Kind activity, const QString& sentence)

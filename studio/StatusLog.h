@@ -13,8 +13,8 @@
 // asked for has failed. `working`: progress of an activity, outdated when the activity ends.
 enum class StatusKind { note, done, warning, error, working };
 
-// What a sentence about generated copy offers to do.
-enum class StatusAction { retryCopy, recoverTexts, replaceEdited };
+// What a sentence offers to do: about generated copy, or in answer to a question.
+enum class StatusAction { retryCopy, recoverTexts, replaceEdited, changeAccount, keepAccount };
 
 // What the buttons beside a status sentence open or do.
 struct StatusLink {
@@ -48,7 +48,8 @@ public:
     // be set back.
     explicit StatusLog(Clock clock, Calendar calendar = &QDateTime::currentDateTime);
 
-    // The newest sentence that is not outdated; an empty entry if there is none.
+    // The question that awaits an answer, else the newest sentence that is not outdated; an empty
+    // entry if there is none.
     const StatusEntry& current() const;
     // The last fifty, oldest first. Each activity has only one entry, for its latest step.
     const QList<StatusEntry>& entries() const { return m_entries; }
@@ -57,6 +58,10 @@ public:
     // is not added, but outdates as well.
     void tell(const QString& sentence, StatusKind kind = StatusKind::note,
               const StatusLink& link = {});
+    // Asks a question, whose answers are the actions of `link`. It stays whatever is told, until
+    // endQuestion(). Only one at a time: another one replaces it.
+    void ask(const QString& question, const StatusLink& link);
+    void endQuestion();
     // Adds a sentence on the progress of an activity, in place of the previous one about it.
     void tellStep(Activity::Kind activity, const QString& sentence);
     // Outdates the step of an activity that has ended.
@@ -82,5 +87,6 @@ private:
     Clock m_clock;
     Calendar m_calendar;
     QList<StatusEntry> m_entries;
+    std::optional<StatusEntry> m_question;
     bool m_isToldInThisTurn = false;
 };

@@ -1,5 +1,6 @@
 #include "studio/StudioSession.h"
 
+#include "account/AccountSession.h"
 #include "model/PlainText.h"
 #include "studio/batch/BatchSelection.h"
 
@@ -322,9 +323,23 @@ void StudioSession::exportAll(const QString& folder)
 void StudioSession::setAccountSession(AccountSession& account)
 {
     m_accountSession = &account;
+    connect(&account, &AccountSession::changed, this, &StudioSession::askAboutLink);
     m_exports.setAccount(account);
     m_copy.setAccount(account);
     m_publish.setAccount(account);
+}
+
+// Asks the user about a link that would replace the signed-in account, until it is answered.
+void StudioSession::askAboutLink()
+{
+    const bool asks = m_accountSession->asksToChangeAccount();
+    if (asks == std::exchange(m_isAskingAboutLink, asks))
+        return;
+    if (asks)
+        m_log.ask(u"¿Cambiar de cuenta con este enlace?"_s,
+                  {.actions = {StatusAction::keepAccount, StatusAction::changeAccount}});
+    else
+        m_log.endQuestion();
 }
 
 void StudioSession::setCreditJournal(CreditJournal& journal, const QString& stagingPlace)
@@ -428,5 +443,9 @@ void StudioSession::act(StatusAction action)
         return m_copy.recoverOwnTexts();
     case StatusAction::replaceEdited:
         return m_copy.replaceEdited();
+    case StatusAction::changeAccount:
+        return m_accountSession->answerLink(LinkAnswer::changeAccount);
+    case StatusAction::keepAccount:
+        return m_accountSession->answerLink(LinkAnswer::keepAccount);
     }
 }

@@ -221,6 +221,7 @@ private:
     void finishImport(const std::optional<PhotoImport::Imported>& imported, const QString& failure);
     void followExport();
     void followCopy();
+    void askAboutLink();
     void followPublish();
     StatusLink copyLink() const;
     void finishCopy(const CopyOutcome& outcome);
@@ -240,6 +241,7 @@ private:
     StyleClipboard m_copiedStyle;
     QList<QUrl> m_loadAfterRestore;
     AccountSession* m_accountSession = nullptr;
+    bool m_isAskingAboutLink = false;
     std::optional<AccountPanelDestination> m_accountPanel;
     bool m_isAppSettingsPresented = false;
     CopyGenerationMode m_generationMode = CopyGenerationMode::local;

@@ -2,6 +2,7 @@
 
 #include "app/theme/Theme.h"
 #include "platform/Workers.h"
+#include "tools/ContrastCheck.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -79,8 +80,16 @@ bool WindowPictures::waitUntilCalm()
 void WindowPictures::grab(const QString& name, const QString& theme)
 {
     const QString file = u"%1-%2-%3.png"_s.arg(name, theme, QString::number(m_window.width()));
-    if (m_window.grab().save(m_out.filePath(file)))
+    const QPixmap picture = m_window.grab();
+    if (picture.save(m_out.filePath(file)))
         std::printf("%s\n", qPrintable(file));
+    // One size is enough: the colours are the same in all of them.
+    if (m_window.size() != sizes[1])
+        return;
+    for (const FaintInk& faint : faintInks(picture.toImage(), exceptedFromContrast(m_window))) {
+        std::printf("%s: contrast %.2f of %.1f at %d,%d, %d x %d\n", qPrintable(file), faint.ratio,
+                    faint.needed, faint.at.x(), faint.at.y(), faint.at.width(), faint.at.height());
+    }
 }
 
 bool WindowPictures::take(const QString& name)

@@ -6,6 +6,8 @@
 //     screens OUT [--photos DIR] --copy          generating texts and the engine that does it
 //     screens OUT [--photos DIR] --publish       the publish sheet
 //
+// Also prints each text and icon of the pictures 1440 pixels wide whose contrast is too low.
+//
 // Reaches each state through the session and the window, then takes it in both themes and at
 // several sizes. Two runs over the same photos give equal bytes. Without --photos, a painted sample
 // batch is used.

@@ -13,7 +13,6 @@
 #include "app/forms/AccountShown.h"
 #include "app/settings/AppSettingsWindow.h"
 #include "app/settings/LocalAIDetailPanel.h"
-#include "app/settings/UpdatesDetailPanel.h"
 #include "studio/StudioSession.h"
 
 #include <QGuiApplication>
@@ -103,10 +102,6 @@ void AccountBinding::show()
     if (m_accountSettings) {
         m_accountSettings->setAccount(account);
         m_accountSettings->purchasesPanel()->setPurchases(m_account.purchaseHistory());
-    }
-    if (m_appSettings) {
-        const CloudCopyConfig& config = m_account.cloudCopyConfig();
-        m_appSettings->updatesPanel()->setLatest(config.latestMacVersion, config.macDownloadURL);
     }
     showGate();
     tell();
@@ -257,11 +252,6 @@ AppSettingsWindow* AccountBinding::appSettings()
     if (m_appSettings)
         return m_appSettings;
     m_appSettings = new AppSettingsWindow(m_window);
-    connect(m_appSettings->updatesPanel(), &UpdatesDetailPanel::downloadRequested, this,
-            [this](const QUrl& address) {
-                if (!m_account.openPage(address))
-                    m_appSettings->updatesPanel()->tellProblem(shownText(m_account.message()));
-            });
     connect(m_appSettings->localAIPanel(), &LocalAIDetailPanel::textPanelRequested, this, [this] {
         m_studio.setAppSettingsPresented(false);
         Q_EMIT textPanelRequested();

@@ -1,6 +1,7 @@
 #include "app/account/AuthGateView.h"
 
 #include "app/account/LoginView.h"
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/Caption.h"
 #include "app/controls/Mark.h"
 #include "app/controls/Spinner.h"
@@ -39,6 +40,8 @@ QWidget* checkingPage()
 AuthGateView::AuthGateView(QWidget* window)
     : QWidget(window), m_pages(new QStackedWidget(this)), m_login(new LoginView)
 {
+    setAccessibleRole(this, QAccessible::Pane);
+    setAccessibleName(u"Acceso a Moltiva"_s);
     setFocusPolicy(Qt::ClickFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     m_pages->addWidget(checkingPage());

@@ -1,5 +1,6 @@
 #include "app/account/SignInWall.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/Paragraph.h"
 #include "app/theme/Painting.h"
 
@@ -14,6 +15,7 @@ constexpr double leastShare = 0.8;    // of the wall's height; the picture cover
 SignInWall::SignInWall(QWidget* parent) : QWidget(parent)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleRole(this, QAccessible::Graphic);
     setAccessibleName(u"De una carpeta de fotos a una campaña lista para publicar."_s);
 }
 

@@ -2,7 +2,20 @@
 
 #include "platform/PreferencesStore.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QFileDialog>
+
+void disposeOf(QFileDialog* dialog)
+{
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(dialog, &QDialog::finished, dialog, [] {
+        while (QWidget* popup = QApplication::activePopupWidget()) {
+            if (!popup->close())
+                break;
+        }
+    });
+}
 
 QString usualFolder(QStandardPaths::StandardLocation kind)
 {

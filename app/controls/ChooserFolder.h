@@ -2,6 +2,12 @@
 #include <QStandardPaths>
 
 class PreferencesStore;
+class QFileDialog;
+
+// Deletes the dialog when it closes, and closes the list of names under its field with it: while
+// such a popup is open, Qt ignores that the window behind the dialog becomes active again, and the
+// window stays without the keyboard focus.
+void disposeOf(QFileDialog* dialog);
 
 // The user's folder of `kind`, such as Pictures; the home folder if that folder does not exist.
 QString usualFolder(QStandardPaths::StandardLocation kind);

@@ -1,5 +1,6 @@
 #include "app/controls/EmptyNote.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/theme/Painting.h"
 
 #include <QTextLayout>
@@ -12,6 +13,7 @@ constexpr int emptyNoteLineHeight = 18, emptyNoteIconSide = 24, titleGap = 12, t
 EmptyNote::EmptyNote(Icon icon, const QString& title, const QString& sentence, QWidget* parent)
     : QWidget(parent), m_icon(icon), m_title(title), m_sentence(sentence)
 {
+    setAccessibleRole(this, QAccessible::StaticText);
     setAccessibleName(title.isEmpty() ? sentence : title);
     setAccessibleDescription(sentence);
 }

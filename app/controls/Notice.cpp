@@ -1,5 +1,6 @@
 #include "app/controls/Notice.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/CopyButton.h"
 #include "app/controls/Paragraph.h"
 
@@ -54,6 +55,7 @@ Notice::Notice(int rows, Qt::Alignment place, QWidget* parent)
     : QWidget(parent), m_rows(rows), m_text(new Paragraph(Type::small, &Theme::text2)),
       m_copy(new CopyButton(u"Copiar dirección"_s))
 {
+    setAccessibleRole(this, QAccessible::StatusBar);
     const int rowHeight = row(Type::small).lineHeight;
     setMinimumHeight(rows * rowHeight);
     m_text->setMostRows(rows);

@@ -22,8 +22,16 @@ public:
     }
     QVariant currentValue() const override
     {
-        const auto value = static_cast<const ProgressBar*>(object())->value();
+        const auto* bar = qobject_cast<const ProgressBar*>(object());
+        const auto value = bar ? bar->value() : std::nullopt;
         return value ? QVariant(qRound(*value * 100)) : QVariant();
+    }
+    QString text(QAccessible::Text kind) const override
+    {
+        const QVariant value = currentValue();
+        return kind == QAccessible::Description && value.isValid()
+                   ? QStringLiteral("%1 %").arg(value.toInt())
+                   : QAccessibleWidget::text(kind);
     }
     void setCurrentValue(const QVariant&) override {}
     QVariant maximumValue() const override { return 100; }
@@ -65,6 +73,8 @@ void ProgressBar::setValue(std::optional<double> value)
     const double from = m_shown;
     const bool forward = m_value && value && *value > from;
     m_value = value;
+    if (m_value)
+        m_announcer.tellStep();
     m_glide.stop();
     m_shown = value.value_or(0);
     const bool moves = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
@@ -76,6 +86,14 @@ void ProgressBar::setValue(std::optional<double> value)
     }
     animate();
     update();
+}
+
+void ProgressBar::tellValue()
+{
+    if (!QAccessible::isActive() || !isVisible() || !m_value)
+        return;
+    QAccessibleValueChangeEvent event(this, qRound(*m_value * 100));
+    QAccessible::updateAccessibility(&event);
 }
 
 void ProgressBar::animate()

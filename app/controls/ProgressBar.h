@@ -1,5 +1,6 @@
 #pragma once
-#include <QTimer>
+#include "app/controls/Announcer.h"
+
 #include <QVariantAnimation>
 #include <QWidget>
 
@@ -23,7 +24,9 @@ protected:
 
 private:
     void animate();
+    void tellValue();
 
+    Announcer m_announcer{[this] { tellValue(); }, this};
     std::optional<double> m_value;
     double m_shown = 0;
     double m_phase = 0;    // how far the cycle of the animation without a value is, 0 to 1

@@ -78,8 +78,10 @@ void ComposeBar::showRun()
     if (isRunning) {
         const ComposeRun& run = *m_state.run;
         m_cancel->setWorking(run.isStopping);
-        m_pill->setText(run.isStopping ? u"Cancelando…"_s
-                                       : u"Generando %1 de %2"_s.arg(run.position).arg(run.total));
+        if (run.isStopping)
+            m_pill->setLastText(u"Cancelando…"_s);
+        else
+            m_pill->setText(u"Generando %1 de %2"_s.arg(run.position).arg(run.total));
         m_pill->setValue(run.total > 0 ? double(run.finished) / double(run.total) : 0);
     }
     if (!takesTurn)

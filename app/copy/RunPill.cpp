@@ -4,6 +4,8 @@
 
 #include <QPainterPath>
 
+#include <utility>
+
 namespace {
 constexpr int pillWidth = 178, pillHeight = 36, pillPadding = 12, pillSpinner = 16, pillGap = 8;
 constexpr double pillFill = 0.35;    // of the accent over the soft ground
@@ -16,11 +18,20 @@ RunPill::RunPill(QWidget* parent) : ProgressBar(parent), m_turn(this)
 
 void RunPill::setText(const QString& text)
 {
-    if (text == m_text)
-        return;
-    m_text = text;
-    setAccessibleName(text);
+    if (change(text))
+        m_announcer.tellStep();
+}
+
+void RunPill::setLastText(const QString& text)
+{
+    if (change(text))
+        m_announcer.tellNow();
+}
+
+bool RunPill::change(const QString& text)
+{
     update();
+    return std::exchange(m_text, text) != text;
 }
 
 void RunPill::showEvent(QShowEvent* event)

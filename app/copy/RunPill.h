@@ -7,7 +7,8 @@ class RunPill : public ProgressBar {
     Q_OBJECT
 public:
     explicit RunPill(QWidget* parent);
-    void setText(const QString& text);
+    void setText(const QString& text);        // a screen reader hears it at a measured pace
+    void setLastText(const QString& text);    // it hears this one at once
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -15,6 +16,9 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    bool change(const QString& text);
+
     QString m_text;
+    Announcer m_announcer{[this] { setAccessibleName(m_text); }, this};
     SpinnerTurn m_turn;
 };

@@ -6,6 +6,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// ASCII digits alone, whatever the locale.
+bool isVersionDigit(QChar c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
 QStringView withoutZeros(QStringView digits)
 {
     while (digits.size() > 1 && digits.front() == u'0')
@@ -18,8 +24,7 @@ QStringView withoutZeros(QStringView digits)
 QStringView takePart(QStringView& text)
 {
     qsizetype length = 0;
-    const auto isDigit = [](QChar c) { return c >= u'0' && c <= u'9'; };
-    while (length < text.size() && isDigit(text[length]) == isDigit(text.front()))
+    while (length < text.size() && isVersionDigit(text[length]) == isVersionDigit(text.front()))
         ++length;
     const QStringView part = text.left(length);
     text = text.mid(length);
@@ -32,7 +37,7 @@ int compareVersions(QStringView left, QStringView right)
 {
     while (!left.isEmpty() && !right.isEmpty()) {
         const QStringView a = withoutZeros(takePart(left)), b = withoutZeros(takePart(right));
-        const bool areNumbers = a.front().isDigit() && b.front().isDigit();
+        const bool areNumbers = isVersionDigit(a.front()) && isVersionDigit(b.front());
         if (areNumbers && a.size() != b.size())
             return a.size() < b.size() ? -1 : 1;
         if (const int order = a.compare(b, Qt::CaseInsensitive); order != 0)

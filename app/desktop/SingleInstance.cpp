@@ -37,7 +37,7 @@ QString socketPath(const QString& dataFolder)
                              folder);
 }
 
-bool handOver(const QString& path, const QList<QUrl>& toOpen)
+bool handOver(const QString& path, const OpenRequest& request)
 {
     QLocalSocket socket;
     socket.connectToServer(path);
@@ -45,7 +45,7 @@ bool handOver(const QString& path, const QList<QUrl>& toOpen)
         return false;
     QByteArray message;
     QDataStream writer(&message, QIODevice::WriteOnly);
-    writer << toOpen;
+    writer << request.toOpen << request.activationToken;
     QDataStream stream(&socket);
     stream << message;
     while (socket.bytesToWrite() > 0) {
@@ -57,7 +57,7 @@ bool handOver(const QString& path, const QList<QUrl>& toOpen)
 
 }    // namespace
 
-InstanceClaim claimInstance(const QString& dataFolder, const QList<QUrl>& toOpen)
+InstanceClaim claimInstance(const QString& dataFolder, const OpenRequest& request)
 {
     using enum InstanceClaim::Outcome;
     const QString socket = socketPath(dataFolder);
@@ -66,7 +66,7 @@ InstanceClaim claimInstance(const QString& dataFolder, const QList<QUrl>& toOpen
         auto lock = std::make_unique<SystemLock>(lockPath(dataFolder));
         if (lock->isOurs())
             return {first, std::move(lock)};
-        if (!socket.isEmpty() && handOver(socket, toOpen))
+        if (!socket.isEmpty() && handOver(socket, request))
             return {handedOver, nullptr};
         // The lock file cannot be made, for example on a full disk. A second window is better than
         // none.
@@ -128,11 +128,11 @@ void SingleInstance::read(QLocalSocket* socket)
     stream >> message;
     if (!stream.commitTransaction())
         return;    // incomplete: the rest is still on its way
-    QList<QUrl> toOpen;
+    OpenRequest request;
     QDataStream reader(message);
-    reader >> toOpen;
+    reader >> request.toOpen >> request.activationToken;
     received.clear();
     socket->write(answer);
     socket->disconnectFromServer();
-    Q_EMIT handedOver(toOpen);
+    Q_EMIT handedOver(request);
 }

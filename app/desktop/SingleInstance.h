@@ -11,6 +11,12 @@
 class QLocalServer;
 class QLocalSocket;
 
+// What a start of the program asks for.
+struct OpenRequest {
+    QList<QUrl> toOpen = {};            // empty: only the window
+    QByteArray activationToken = {};    // lets the window come to the front; may be empty
+};
+
 // Tells whether this process may show a window: only one process per user does. The first process
 // holds a lock in the data folder. A later process sends the first, over a socket, what to open,
 // and ends.
@@ -27,10 +33,10 @@ struct InstanceClaim {
     std::unique_ptr<SystemLock> lock;
 };
 
-// Makes this process the first, or sends `toOpen` to the first and waits some seconds for its
+// Makes this process the first, or sends `request` to the first and waits some seconds for its
 // answer. Of several processes that start at the same moment, exactly one becomes the first. Needs
 // a QCoreApplication, but no display. `dataFolder` exists and belongs to the user.
-InstanceClaim claimInstance(const QString& dataFolder, const QList<QUrl>& toOpen);
+InstanceClaim claimInstance(const QString& dataFolder, const OpenRequest& request);
 
 // Turns command-line arguments into URLs: paths become file URLs, and URLs stay as they are.
 QList<QUrl> addressesOf(const QStringList& arguments);
@@ -43,8 +49,7 @@ public:
     explicit SingleInstance(const QString& dataFolder, QObject* parent = nullptr);
 
 Q_SIGNALS:
-    // A later process sent `toOpen`, which is empty if that process was started without arguments.
-    void handedOver(const QList<QUrl>& toOpen);
+    void handedOver(const OpenRequest& request);    // a later process was started
 
 private:
     void greet(QLocalSocket* socket);

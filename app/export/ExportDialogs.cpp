@@ -54,7 +54,7 @@ void ExportDialogs::askForFile(QUuid item, const QString& name)
 {
     auto* dialog = new QFileDialog(m_window, u"Exportar imagen"_s, m_folder.begin(),
                                    u"Imagen PNG (*.png *.PNG)"_s);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    disposeOf(dialog);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setDefaultSuffix(u"png"_s);
@@ -88,7 +88,7 @@ void ExportDialogs::takeFile(QUuid item, const QString& path)
 void ExportDialogs::chooseFolder(const QList<QUuid>& items)
 {
     auto* dialog = new QFileDialog(m_window, u"Exportar imágenes"_s, m_folder.begin());
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    disposeOf(dialog);
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
     dialog->setLabelText(QFileDialog::Accept, u"Exportar aquí"_s);

@@ -1,5 +1,6 @@
 #include "app/forms/SettingsPanel.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/Caption.h"
 #include "app/controls/Notice.h"
 #include "app/controls/Paragraph.h"
@@ -16,6 +17,7 @@ SettingsPanel::SettingsPanel(const QString& title, const QString& sentence, QWid
       m_footNotice(new QVBoxLayout), m_notice(new Notice(2, Qt::AlignVCenter)),
       m_form(new AccountForm(m_notice, this))
 {
+    setAccessibleRole(this, QAccessible::Grouping);
     setAccessibleName(title);
     m_rows->setSpacing(Space::medium);
     m_foot->setSpacing(Space::medium);

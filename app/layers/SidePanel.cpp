@@ -60,7 +60,7 @@ SidePanel::SidePanel(QWidget* parent)
     rows->addLayout(tabs);
     rows->addWidget(m_pages, 1);
     connect(m_tabs, &TabStrip::chosen, this, [this](int index) {
-        m_pages->setCurrentIndex(index);
+        showPage(index);
         Q_EMIT tabChosen(SideTab(index));
     });
     const auto follow = [texts](QWidget* wanted) { showIn(texts, wanted); };
@@ -84,7 +84,20 @@ void SidePanel::setClass(WindowClass windowClass)
 void SidePanel::setTab(SideTab tab)
 {
     m_tabs->setCurrent(int(tab));
-    m_pages->setCurrentIndex(int(tab));
+    showPage(int(tab));
+}
+
+void SidePanel::showPage(int index)
+{
+    QWidget* const focused = window()->focusWidget();
+    const bool hadFocus =
+        focused && index != m_pages->currentIndex() && m_pages->isAncestorOf(focused);
+    // Qt would give the focus of the hidden page to any other control.
+    if (hadFocus)
+        focused->clearFocus();
+    m_pages->setCurrentIndex(index);
+    if (hadFocus)
+        Q_EMIT m_text->leaveRequested();
 }
 
 void SidePanel::endEdits()

@@ -42,6 +42,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void showPage(int index);
     void placeTextHeader();
 
     TabStrip* m_tabs;

@@ -399,7 +399,7 @@ void TemplatesBinding::chooseDefinition()
 {
     auto* dialog = new QFileDialog(m_panel->window(), u"Importar plantilla"_s, beginning(),
                                    u"Plantillas (*.json);;Todos los archivos (*)"_s);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    disposeOf(dialog);
     dialog->setFileMode(QFileDialog::ExistingFiles);
     connect(dialog, &QFileDialog::accepted, this, [this, dialog] {
         for (const QString& path : dialog->selectedFiles())
@@ -422,7 +422,7 @@ void TemplatesBinding::chooseExport(QUuid id)
     auto* dialog =
         new QFileDialog(m_panel->window(), u"Exportar plantilla"_s,
                         QDir(beginning()).filePath(name + u".json"_s), u"Plantillas (*.json)"_s);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    disposeOf(dialog);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(u"json"_s);
     connect(dialog, &QFileDialog::accepted, this,

@@ -126,6 +126,7 @@ void NetworkCard::word()
     m_change->setVisible(isConnected && isChecked());
     m_connect->setEnabled(!isPending && m_shown.state != ConnectionState::asking);
     wordButton(m_connect, isPending ? u"Pendiente de activar"_s : u"Conectar"_s);
+    m_connect->setAccessibleName(u"%1 %2"_s.arg(m_connect->text(), row(m_shown.network).title));
     m_connect->setToolTip(isPending ? QString() : PublishTexts::connecting(m_site));
     m_publish->setVisible(isConnected && !isChecked());
     wordButton(m_publish, PublishTexts::action(m_shown, m_placement));

@@ -15,7 +15,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int reportSide = 14, reportTop = 11, markSide = 20, markGap = 10, checkRow = 32;
-constexpr int announceEvery = 3000;    // ms
 
 struct ReportMark {
     Icon icon;
@@ -141,8 +140,6 @@ PublishStatusPanel::PublishStatusPanel(QWidget* parent)
     rows->setSpacing(0);
     rows->addLayout(inside);
     rows->addWidget(m_rows);
-    m_announceLater.setSingleShot(true);
-    connect(&m_announceLater, &QTimer::timeout, this, &PublishStatusPanel::announce);
     connect(m_stop, &PushButton::clicked, this, &PublishStatusPanel::stopRequested);
     connect(m_page, &PushButton::clicked, this, &PublishStatusPanel::pageRequested);
     setReport({});
@@ -179,14 +176,11 @@ void PublishStatusPanel::setReport(const PublishReport& report)
     m_page->setVisible(report.isPublished && report.hasPage);
     if (!sameChecks)
         showChecks(report.checks, report.isChecking);
-    // Screen readers hear the steps of a publication at most once in three seconds, and its end
-    // at once.
     if (!isSame) {
-        const qint64 since = m_announced.isValid() ? m_announced.elapsed() : announceEvery;
-        if (report.kind == StatusKind::working && since < announceEvery)
-            m_announceLater.start(int(announceEvery - since));
+        if (report.kind == StatusKind::working)
+            m_announcer.tellStep();
         else
-            announce();
+            m_announcer.tellNow();
     }
     if (hadFocus && (!focused->isVisibleTo(this) || !focused->isEnabled()))
         Q_EMIT leaveRequested();
@@ -196,8 +190,6 @@ void PublishStatusPanel::setReport(const PublishReport& report)
 
 void PublishStatusPanel::announce()
 {
-    m_announceLater.stop();
-    m_announced.start();
     setAccessibleName(m_report.sentence);
     setAccessibleDescription(m_report.cost);
 }

@@ -1,8 +1,7 @@
 #pragma once
+#include "app/controls/Announcer.h"
 #include "app/publish/PublishShown.h"
 
-#include <QElapsedTimer>
-#include <QTimer>
 #include <QWidget>
 
 class Caption;
@@ -49,6 +48,5 @@ private:
     Caption* m_passed;
     QWidget* m_rows;                     // of the checks
     QList<QWidget*> m_lines, m_links;    // one line for each check; those of their links
-    QTimer m_announceLater;
-    QElapsedTimer m_announced;
+    Announcer m_announcer{[this] { announce(); }, this};
 };

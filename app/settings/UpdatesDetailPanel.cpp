@@ -53,10 +53,13 @@ UpdatesDetailPanel::UpdatesDetailPanel(QWidget* parent)
     rows()->addSpacing(Space::hair);
     rows()->addLayout(buttons);
     rows()->addStretch(1);
-    for (PushButton* button : {m_install, m_check}) {
-        button->setEnabled(false);
-        button->setToolTip(u"Esta copia de Moltiva no se actualiza por sí sola."_s);
-    }
+    m_install->setEnabled(false);
+    m_install->setToolTip(u"Esta copia de Moltiva no se actualiza por sí sola."_s);
+    connect(m_check, &PushButton::clicked, this, [this] {
+        form()->clearNotice();
+        form()->attend(m_check);
+        Q_EMIT checkRequested();
+    });
     connect(m_direct, &PushButton::clicked, this, [this] {
         form()->clearNotice();
         form()->attend(m_direct);
@@ -88,8 +91,12 @@ void UpdatesDetailPanel::setLatest(const std::optional<QString>& version,
             u"Cuando publiques una nueva versión desde Tallerio, aparecerá aquí para descargarla."_s);
     m_install->setVisible(isNewer);
     m_download = download.value_or(QUrl());
-    const bool isWeb = m_download.isValid() && !m_download.host().isEmpty() &&
-                       (m_download.scheme() == u"https"_s || m_download.scheme() == u"http"_s);
-    m_direct->setEnabled(isWeb);
-    m_direct->setToolTip(isWeb ? QString() : u"Tallerio no ofrece ninguna descarga ahora."_s);
+    const bool isOffered = m_download.isValid();
+    m_direct->setEnabled(isOffered);
+    m_direct->setToolTip(isOffered ? QString() : u"Tallerio no ofrece ninguna descarga ahora."_s);
+}
+
+void UpdatesDetailPanel::setChecking(bool isChecking)
+{
+    m_check->setWorking(isChecking);
 }

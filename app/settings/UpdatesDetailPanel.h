@@ -13,12 +13,14 @@ class UpdatesDetailPanel : public SettingsPanel {
     Q_OBJECT
 public:
     explicit UpdatesDetailPanel(QWidget* parent = nullptr);
-    // Shows the latest version that the service knows of. `download` is offered only if it is an
-    // http or https address.
+    // Shows the latest version that the service knows of, and offers `download`.
     void setLatest(const std::optional<QString>& version, const std::optional<QUrl>& download);
+    // Shows that the service is being asked.
+    void setChecking(bool isChecking);
     void tellProblem(const QString& sentence);
 
 Q_SIGNALS:
+    void checkRequested();
     void downloadRequested(const QUrl& address);
 
 private:

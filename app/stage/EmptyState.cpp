@@ -1,11 +1,14 @@
 #include "app/stage/EmptyState.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/Button.h"
 #include "app/controls/KeyHint.h"
 #include "app/controls/Spinner.h"
 #include "app/stage/SampleCards.h"
 #include "app/theme/KeyboardFocus.h"
 #include "app/theme/Painting.h"
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -130,6 +133,7 @@ EmptyState::EmptyState(QWidget* parent)
                            this)),
       m_places(new PlaceChips(m_folder, this)), m_spinner(new Spinner(emptySpinnerSide, this))
 {
+    setAccessibleRole(this, QAccessible::Grouping);
     m_spinner->hide();
     m_places->hide();
     nameState();
@@ -158,14 +162,17 @@ void EmptyState::setImport(const std::optional<ImportShown>& import)
     // beside the stage.
     if (import && (m_images->hasFocus() || m_folder->hasFocus()))
         setFocus(Qt::OtherFocusReason);
-    m_import = import;
+    const bool wasImporting = std::exchange(m_import, import).has_value();
     for (QWidget* part : {static_cast<QWidget*>(m_images), static_cast<QWidget*>(m_folder),
                           static_cast<QWidget*>(m_hints)})
         part->setVisible(!import);
     m_spinner->setVisible(import.has_value());
     m_places->setVisible(showsPlaces());
     place();
-    nameState();
+    if (wasImporting && import)
+        m_announcer.tellStep();
+    else
+        m_announcer.tellNow();
     if (!import && hasFocus())
         takeFocus(KeyboardFocus::reason());
     update();

@@ -1,4 +1,5 @@
 #pragma once
+#include "app/controls/Announcer.h"
 #include "app/desktop/RecentPlaces.h"
 
 #include <QPixmap>
@@ -52,5 +53,6 @@ private:
     KeyHints* m_hints;
     PlaceChips* m_places;
     Spinner* m_spinner;
+    Announcer m_announcer{[this] { nameState(); }, this};
     std::optional<ImportShown> m_import;    // empty while no import runs
 };

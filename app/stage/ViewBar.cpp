@@ -1,5 +1,6 @@
 #include "app/stage/ViewBar.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/fields/SegmentedControl.h"
 #include "app/controls/fields/ToggleButton.h"
 #include "app/controls/fields/ZoomSlider.h"
@@ -39,6 +40,7 @@ ViewBar::ViewBar(QWidget* parent)
       m_centre(new IconButton(Icon::centerPhoto, u"Centrar foto"_qs, buttonSide, this)),
       m_safeZone(new ToggleButton(Icon::safeZone, u"Zona segura"_qs, this))
 {
+    setAccessibleRole(this, QAccessible::ToolBar);
     setFixedHeight(viewBarHeight);
     m_modes->setSize(SegmentSize::field);
     m_zoom->setAccessibleName(u"Zoom de la foto"_qs);

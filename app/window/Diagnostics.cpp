@@ -1,6 +1,6 @@
 #include "app/window/Diagnostics.h"
 
-#include "app/settings/AppVersion.h"
+#include "app/desktop/AppVersion.h"
 #include "platform/ChildProcess.h"
 #include "platform/Log.h"
 

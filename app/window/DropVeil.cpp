@@ -32,6 +32,8 @@ QString DropVeil::sentence() const
         return u"Suelta para importar la carpeta"_qs;
     if (m_offer.texts)
         return u"Suelta para importar los textos"_qs;
+    if (m_offer.images == 0)
+        return u"Suelta para importar"_qs;
     if (m_offer.images == 1)
         return u"Suelta para importar 1 imagen"_qs;
     return u"Suelta para importar %1 imágenes"_qs.arg(m_offer.images);

@@ -3,7 +3,7 @@
 
 // What a drop would import.
 struct DropOffer {
-    int images = 0;
+    int images = 0;           // 0: not known before the drop
     bool folder = false;      // a folder is dragged; its images are not counted yet
     bool replaces = false;    // the images would replace an existing batch
     bool texts = false;       // a single CSV file with texts is dragged

@@ -1,11 +1,14 @@
 #include "app/window/FileIntake.h"
 
+#include "app/desktop/LocalFile.h"
 #include "app/desktop/RecentPlaces.h"
+#include "platform/PortalFileTransfer.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
 
 #include <QFileInfo>
 #include <QMimeData>
+#include <QPointer>
 
 using namespace Qt::StringLiterals;
 
@@ -64,7 +67,7 @@ void FileIntake::chooseFolder()
 void FileIntake::choose(const QString& title, QFileDialog::FileMode mode)
 {
     auto* dialog = new QFileDialog(m_window, title, m_folder.begin(), imageFilter());
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    disposeOf(dialog);
     dialog->setFileMode(mode);
     // Connects to accepted(): native dialogs and Qt's own emit different signals with the files.
     connect(dialog, &QFileDialog::accepted, this, [this, dialog] { load(dialog->selectedUrls()); });
@@ -77,7 +80,7 @@ void FileIntake::chooseTexts(QFileDialog::AcceptMode mode)
     auto* dialog =
         new QFileDialog(m_window, isSaving ? u"Exportar textos"_s : u"Importar textos"_s,
                         m_folder.begin(), u"Textos (*.csv *.CSV);;Todos los archivos (*)"_s);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    disposeOf(dialog);
     dialog->setAcceptMode(mode);
     dialog->setFileMode(isSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     if (isSaving) {
@@ -117,9 +120,41 @@ void FileIntake::openRecent(const QString& path)
 
 QList<QUrl> FileIntake::localFiles(const QMimeData* data)
 {
-    QList<QUrl> files = data->urls();
-    files.removeIf([](const QUrl& url) { return !url.isLocalFile(); });
+    QList<QUrl> files;
+    for (const QUrl& url : data->urls()) {
+        const QUrl file = onThisMachine(url);
+        if (file.isLocalFile())
+            files.append(file);
+    }
     return files;
+}
+
+// Prefers the list of files to the portal, which only a program in a sandbox needs: the paths in
+// its list may not exist outside.
+void FileIntake::receive(const QMimeData& data)
+{
+    const QList<QUrl> files = localFiles(&data);
+    const QByteArray key = portalTransferKey(data);
+    const bool allExist = !files.isEmpty() && std::ranges::all_of(files, [](const QUrl& file) {
+        return QFileInfo::exists(file.toLocalFile());
+    });
+    if (key.isEmpty() || allExist)
+        Q_EMIT received(files);
+    else
+        receiveThroughPortal(key);
+}
+
+QCoro::Task<> FileIntake::receiveThroughPortal(QByteArray key)
+{
+    const QPointer<FileIntake> self = this;
+    const auto files = co_await portalFiles(key);
+    if (!self)
+        co_return;
+    if (files)
+        Q_EMIT received(*files);
+    else
+        m_session.setStatus(u"El escritorio no ha entregado los archivos que has soltado."_s,
+                            StatusKind::error);
 }
 
 DropOffer FileIntake::offerOf(const QList<QUrl>& files) const

@@ -2,6 +2,7 @@
 #include "app/controls/ChooserFolder.h"
 #include "app/window/DropVeil.h"
 
+#include <QCoroTask>
 #include <QFileDialog>
 #include <QList>
 #include <QTimer>
@@ -30,13 +31,20 @@ public:
     // The local files and folders in `data`.
     static QList<QUrl> localFiles(const QMimeData* data);
     DropOffer offerOf(const QList<QUrl>& files) const;
+    // Emits received() with the files of a drop, at once or when the desktop's portal has made them
+    // readable.
+    void receive(const QMimeData& data);
     void drop(const QList<QUrl>& files);
 
     // Imports files that another program opens. Calls in quick succession make one batch, because
     // file managers start a program once for each file.
     void open(const QList<QUrl>& files);
 
+Q_SIGNALS:
+    void received(const QList<QUrl>& files);
+
 private:
+    QCoro::Task<> receiveThroughPortal(QByteArray key);
     void choose(const QString& title, QFileDialog::FileMode mode);
     void load(const QList<QUrl>& filesAndFolders);
 

@@ -16,6 +16,8 @@
 #include "app/desktop/Appearance.h"
 #include "app/desktop/DesktopNotices.h"
 #include "app/desktop/RecentPlaces.h"
+#include "app/desktop/UpdateController.h"
+#include "app/desktop/WindowActivation.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
 #include "app/layers/SidePanel.h"
@@ -25,6 +27,7 @@
 #include "app/settings/AppSettingsWindow.h"
 #include "app/settings/AppearanceDetailPanel.h"
 #include "app/settings/LocalAIBinding.h"
+#include "app/settings/UpdatesBinding.h"
 #include "app/stage/EmptyState.h"
 #include "app/stage/StageBinding.h"
 #include "app/stage/StagePanel.h"
@@ -43,6 +46,8 @@
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "copygen/LocalAIManager.h"
 #include "platform/Desktop.h"
+#include "platform/NotificationCenter.h"
+#include "platform/PortalFileTransfer.h"
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 
@@ -96,12 +101,13 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
       m_publishBinding(
           std::make_unique<PublishBinding>(session, account, *m_batchBinding, photos, this)),
       m_statusBinding(std::make_unique<StatusBinding>(session, m_shell->statusLine())),
+      m_updates(std::make_unique<UpdateController>(account, preferences)),
       m_focus(new StudioFocus(m_shell, this)), m_look(new KeptLook(m_shell, preferences, this)),
       m_appearance(new Appearance(preferences, this)),
       m_commands(new StudioCommands({session, account, m_shell, *m_batchBinding, *m_stageBinding,
                                      *m_panelBinding, *m_templatesBinding, *m_exportBinding,
-                                     *m_publishBinding, *m_statusBinding, m_files, m_focus, m_look,
-                                     *m_appearance, this})),
+                                     *m_publishBinding, *m_statusBinding, *m_updates, m_files,
+                                     m_focus, m_look, *m_appearance, this})),
       m_gate(new AuthGateView(this)),
       m_accountBinding(std::make_unique<AccountBinding>(account, session, m_gate,
                                                         m_shell->topBar()->account(), this))
@@ -118,6 +124,8 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     connectAccount();
     connectCopy();
     connectPublish();
+    connectUpdates();
+    followNotifications();
     connectAppearance();
     connectRecent();
     m_look->restore();
@@ -168,6 +176,7 @@ void MainWindow::connectPanels()
             [this] { m_shell->sidePanel()->setTab(SideTab::templates); });
     connect(m_panelBinding.get(), &PanelBinding::leaveRequested, m_focus, &StudioFocus::goToCanvas);
     connect(m_statusBinding.get(), &StatusBinding::closeRequested, this, &QWidget::close);
+    connect(m_files, &FileIntake::received, this, &MainWindow::drop);
     connect(m_exportBinding.get(), &ExportBinding::leaveRequested, m_focus,
             &StudioFocus::goToCanvas);
     connect(m_shell->statusLine(), &StatusLine::leaveRequested, m_focus, &StudioFocus::goToCanvas);
@@ -259,6 +268,37 @@ void MainWindow::connectPublish()
     });
 }
 
+void MainWindow::connectUpdates()
+{
+    connect(m_updates.get(), &UpdateController::told, this,
+            [this](const QString& sentence, bool isProblem) {
+                m_session.setStatus(sentence, isProblem ? StatusKind::warning : StatusKind::done);
+            });
+    connect(m_accountBinding.get(), &AccountBinding::appSettingsMade, this,
+            [this](const AppSettingsWindow* settings) {
+                new UpdatesBinding(*m_updates, m_accountSession, settings->updatesPanel());
+            });
+}
+
+void MainWindow::followNotifications()
+{
+    setShortcuts({.onLeft = [this] { m_session.previousItem(); },
+                  .onRight = [this] { m_session.nextItem(); },
+                  .onDelete = [this] { m_commands->removeLayer(); },
+                  .onUndo = [this] { m_commands->undo(); },
+                  .onRedo = [this] { m_commands->redo(); }});
+    NotificationCenter& center = notificationCenter();
+    center.subscribe(Notification::undoRequested, this,
+                     [this](const QVariant&) { shortcuts().onUndo(); });
+    center.subscribe(Notification::redoRequested, this,
+                     [this](const QVariant&) { shortcuts().onRedo(); });
+    center.subscribe(Notification::deepLinkReceived, this, [this](const QVariant& link) {
+        if (!AccountSession::isDeepLink(link.toUrl()))
+            m_session.setStatus(u"Moltiva no reconoce el enlace que se ha abierto."_s,
+                                StatusKind::warning);
+    });
+}
+
 void MainWindow::connectRecent()
 {
     RecentPlaces& recent = m_files->recent();
@@ -289,7 +329,7 @@ void MainWindow::setDesktop(Desktop& desktop)
     const auto isInFront = [] { return QApplication::applicationState() == Qt::ApplicationActive; };
     m_notices = new DesktopNotices(desktop, isInFront, &std::chrono::steady_clock::now, this);
     m_notices->follow(m_session);
-    connect(&desktop, &Desktop::noticePressed, this, &MainWindow::comeForward);
+    connect(&desktop, &Desktop::noticePressed, this, [this] { comeForward(*this, {}); });
 }
 
 void MainWindow::setLocalEngine(LocalAIManager& manager, const LocalAIService& service)
@@ -405,32 +445,12 @@ void MainWindow::settleBeforeLogout()
     save();
 }
 
-void MainWindow::open(const QList<QUrl>& addresses)
+void MainWindow::open(const QList<QUrl>& files)
 {
-    QList<QUrl> files;
-    for (const QUrl& address : addresses) {
-        if (address.isLocalFile())
-            files.append(address);
-        else if (!m_accountSession.handleDeepLink(address))
-            refuseLink();
-    }
     if (!isGated())
         return m_files->open(files);
     m_waitingOpened += files;
     showWaiting();
-}
-
-void MainWindow::refuseLink()
-{
-    m_session.setStatus(u"Moltiva no reconoce el enlace que se ha abierto."_s, StatusKind::warning);
-}
-
-void MainWindow::comeForward()
-{
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
-    raise();
-    activateWindow();
 }
 
 // Areas that a popover opened by `owner`, in the side panel, should not cover: `owner` itself, the
@@ -483,13 +503,6 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
     if (event->modifiers() & ~Qt::KeypadModifier || m_batchBinding->showsIncoming())
         return QWidget::keyPressEvent(event);
     switch (event->key()) {
-    case Qt::Key_Left:
-        return m_session.previousItem();
-    case Qt::Key_Right:
-        return m_session.nextItem();
-    case Qt::Key_Backspace:
-    case Qt::Key_Delete:
-        return m_commands->removeLayer();
     case Qt::Key_Return:
     case Qt::Key_Enter:
     case Qt::Key_F2:
@@ -497,14 +510,14 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Escape:
         return m_focus->goToCanvas();
     default:
-        QWidget::keyPressEvent(event);
+        ShortcutView::keyPressEvent(event);
     }
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     const QList<QUrl> files = FileIntake::localFiles(event->mimeData());
-    if (files.isEmpty() || isSheetPresented())
+    if ((files.isEmpty() && portalTransferKey(*event->mimeData()).isEmpty()) || isSheetPresented())
         return;
     if (!isGated())
         m_shell->dropVeil()->offer(m_files->offerOf(files));
@@ -520,7 +533,11 @@ void MainWindow::dropEvent(QDropEvent* event)
 {
     m_shell->dropVeil()->hide();
     event->acceptProposedAction();
-    const QList<QUrl> files = FileIntake::localFiles(event->mimeData());
+    m_files->receive(*event->mimeData());
+}
+
+void MainWindow::drop(const QList<QUrl>& files)
+{
     if (!isGated())
         return m_files->drop(files);
     m_dropped += files;
@@ -554,6 +571,9 @@ void MainWindow::showStage()
     // item of the old batch beside them.
     const Activity* import = m_session.activities().find(Activity::Kind::importing);
     const bool isImporting = import && (isEmpty || m_batchBinding->showsIncoming());
+    // The stage comes first, so that the focus does not stop at a button that is about to hide.
+    m_shell->setStage(isImporting || isEmpty ? StudioShell::Stage::empty
+                                             : StudioShell::Stage::picture);
     if (isImporting) {
         m_shell->emptyState()->setImport({{int(import->done), int(import->total)}});
     } else {
@@ -561,8 +581,6 @@ void MainWindow::showStage()
     }
     m_shell->topBar()->setPublishing(m_publishBinding->refusal(),
                                      menu()->keyOf(CommandText::publish));
-    m_shell->setStage(isImporting || isEmpty ? StudioShell::Stage::empty
-                                             : StudioShell::Stage::picture);
     if (!isGated() && (!focusWidget() || !focusWidget()->isVisibleTo(this)))
         m_focus->goToCanvas();
     if (isEmpty)

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "app/controls/popovers/KeptClear.h"
+#include "app/desktop/ShortcutView.h"
 
 #include <QList>
 #include <QUrl>
-#include <QWidget>
 
 #include <memory>
 
@@ -34,10 +34,11 @@ class StudioMenu;
 class StudioSession;
 class StudioShell;
 class TemplatesBinding;
+class UpdateController;
 
 // The window of the studio: connects panels, session and account, and handles keys, opened and
 // dropped files, and closing.
-class MainWindow : public QWidget, public KeptClear {
+class MainWindow : public ShortcutView, public KeptClear {
     Q_OBJECT
 public:
     // `session`, `account` and `preferences` outlive the window.
@@ -60,11 +61,11 @@ public:
     // Whether the stored batch is restored, no import runs, and no picture is being drawn.
     bool isIdle() const;
 
-    // Opens files, folders and account links that another program passes on. Files wait until
-    // somebody is signed in. Calls in quick succession make one batch, because file managers start
-    // a program once for each file.
-    void open(const QList<QUrl>& addresses);
-    void comeForward();
+    // Opens files and folders that another program passes on. They wait until somebody is signed
+    // in. Calls in quick succession make one batch, because file managers start a program once for
+    // each file.
+    void open(const QList<QUrl>& files);
+    UpdateController& updates() { return *m_updates; }
     // Saves, and asks work that must not be cut off to end, for which it waits some seconds.
     void settleBeforeLogout();
 
@@ -85,6 +86,8 @@ private:
     void connectAccount();
     void connectCopy();
     void connectPublish();
+    void connectUpdates();
+    void followNotifications();
     void connectAppearance();
     void connectRecent();
 
@@ -92,11 +95,11 @@ private:
     bool isSheetPresented() const;
     void showKeys();
     void hideKeys();
-    void refuseLink();
     void save();
     void lockStudio();
     void showWaiting();
     void openWaiting();
+    void drop(const QList<QUrl>& files);
 
     void showBatch();
     void showStage();
@@ -117,6 +120,7 @@ private:
     std::unique_ptr<ExportBinding> m_exportBinding;
     std::unique_ptr<PublishBinding> m_publishBinding;
     std::unique_ptr<StatusBinding> m_statusBinding;
+    std::unique_ptr<UpdateController> m_updates;
     StudioFocus* m_focus;
     KeptLook* m_look;
     Appearance* m_appearance;

@@ -18,7 +18,7 @@ namespace {
 constexpr int statusLineHeight = 28, compactStatusHeight = 24, statusSide = 16;
 constexpr int sentenceLeft = statusSide + 24, linkGap = 8, linkToLink = 4, chipToSentence = 12;
 constexpr int widestHistory = 720;
-constexpr int announcePause = 3000, statusTurnTime = 1000, statusFrameTime = 33;    // ms
+constexpr int statusTurnTime = 1000, statusFrameTime = 33;    // ms
 
 QString wordOf(StatusAction action)
 {
@@ -29,6 +29,10 @@ QString wordOf(StatusAction action)
         return u"Recuperar mis textos"_s;
     case StatusAction::replaceEdited:
         return u"Sustituir también"_s;
+    case StatusAction::changeAccount:
+        return u"Cambiar de cuenta"_s;
+    case StatusAction::keepAccount:
+        return u"No cambiar"_s;
     }
     Q_UNREACHABLE();
 }
@@ -95,9 +99,8 @@ StatusLine::StatusLine(QWidget* parent)
     m_stop->setIconSize(16);
     m_stop->hide();
     m_bar->hide();
+    m_bar->setAccessibleName(u"Progreso"_qs);
     m_spin.setInterval(statusFrameTime);
-    m_announceLater.setSingleShot(true);
-    connect(&m_announceLater, &QTimer::timeout, this, &StatusLine::announce);
     connect(m_stop, &IconButton::clicked, this, &StatusLine::stopRequested);
     connect(&m_spin, &QTimer::timeout, this, [this] {
         m_turn = std::fmod(m_turn + double(statusFrameTime) / statusTurnTime, 1.0);
@@ -117,13 +120,10 @@ void StatusLine::setStatus(const StatusEntry& told, const std::optional<Activity
     else
         m_spin.stop();
     if (!isSame) {
-        // Announces at most one step every three seconds: fast work would make a screen reader talk
-        // without end.
-        const qint64 since = m_announced.isValid() ? m_announced.elapsed() : announcePause;
-        if (isStep && since < announcePause)
-            m_announceLater.start(int(announcePause - since));
+        if (isStep)
+            m_announcer.tellStep();
         else
-            announce();
+            m_announcer.tellNow();
     }
     place();
     update();
@@ -185,13 +185,6 @@ QList<QWidget*> StatusLine::focusOrder() const
 {
     QList<QWidget*> order(m_links.begin(), m_links.end());
     return order << m_stop;
-}
-
-void StatusLine::announce()
-{
-    m_announceLater.stop();
-    m_announced.start();
-    setAccessibleName(m_told.sentence);
 }
 
 void StatusLine::setKeyHints(const QList<KeyHint>& hints)

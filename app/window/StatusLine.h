@@ -1,10 +1,11 @@
 #pragma once
+#include "app/controls/Announcer.h"
 #include "app/controls/KeyHint.h"
 #include "app/theme/WindowClass.h"
 #include "studio/StatusLog.h"
 
-#include <QElapsedTimer>
 #include <QTimer>
+#include <QWidget>
 
 #include <array>
 #include <optional>
@@ -51,7 +52,6 @@ protected:
 private:
     QSize popoverRoom() const;
     void popUp(QWidget* popover) const;
-    void announce();
     // A button beside the sentence; it opens the link of the sentence, unless it has an action.
     struct Offer {
         QString word;
@@ -69,8 +69,7 @@ private:
     std::optional<Activity> m_underWay;
     QTimer m_spin;
     double m_turn = 0;
-    QTimer m_announceLater;
-    QElapsedTimer m_announced;
+    Announcer m_announcer{[this] { setAccessibleName(m_told.sentence); }, this};
     ProgressBar* m_bar;
     IconButton* m_stop;
     Badge* m_waiting;

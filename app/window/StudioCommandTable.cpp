@@ -3,6 +3,7 @@
 
 #include "account/AccountSession.h"
 #include "app/desktop/Appearance.h"
+#include "app/desktop/CheckForUpdatesView.h"
 #include "app/desktop/RecentPlaces.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
@@ -22,6 +23,7 @@
 #include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"
 #include "canvas/interaction/CanvasInteractionView.h"
+#include "platform/NotificationCenter.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
 
@@ -183,6 +185,7 @@ QList<MenuCommand> StudioCommands::editCommands()
          .topic = KeyTopic::edit,
          .icon = Icon::undo,
          .run = [this] { m_session.undo(); },
+         .notification = Notification::undoRequested,
          .isPossible = [this] { return m_session.canUndo(); },
          .changesImages = true},
         {.menu = editMenu,
@@ -191,6 +194,7 @@ QList<MenuCommand> StudioCommands::editCommands()
          .topic = KeyTopic::edit,
          .icon = Icon::redo,
          .run = [this] { m_session.redo(); },
+         .notification = Notification::redoRequested,
          .isPossible = [this] { return m_session.canRedo(); },
          .changesImages = true},
         {.menu = editMenu,
@@ -499,8 +503,8 @@ QList<MenuCommand> StudioCommands::helpCommands()
              },
          .isAlwaysUsable = true},
         {.menu = helpMenu,
-         .text = u"Buscar actualizaciones..."_s,
-         .run = [] {},
-         .isPossible = [] { return false; }},
+         .text = CheckForUpdatesView::title.toString(),
+         .run = [this] { CheckForUpdatesView{m_parts.updates}.press(); },
+         .isPossible = [this] { return CheckForUpdatesView{m_parts.updates}.isEnabled(); }},
     };
 }

@@ -21,13 +21,14 @@
 #include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"
 #include "canvas/interaction/CanvasInteractionView.h"
+#include "platform/NotificationCenter.h"
 #include "platform/UserFolders.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
 #include <QMenu>
 
 using namespace Qt::StringLiterals;
@@ -38,7 +39,7 @@ StudioCommands::StudioCommands(const CommandParts& parts)
       m_diagnostics(new Diagnostics(QCoreApplication::applicationFilePath(), logFile(), this))
 {
     connect(m_menu, &StudioMenu::chosen, this,
-            [this](const MenuCommand& command) { run(command); });
+            [this](const MenuCommand& command) { choose(command); });
     connect(m_parts.look, &KeptLook::changed, m_menu, &StudioMenu::showChecks);
     connect(&m_parts.appearance, &Appearance::changed, m_menu, &StudioMenu::showChecks);
     connectButtons();
@@ -108,6 +109,35 @@ bool StudioCommands::isShapeSelected() const
 bool StudioCommands::isTextSelected() const
 {
     return hasImage() && !m_session.batch().selectedLayerID.isNull() && !isShapeSelected();
+}
+
+void StudioCommands::choose(const MenuCommand& command)
+{
+    if (command.notification.isEmpty())
+        run(command);
+    else
+        notificationCenter().post(command.notification);
+}
+
+void StudioCommands::undo()
+{
+    runForBatch(CommandText::undo, "undo");
+}
+
+void StudioCommands::redo()
+{
+    runForBatch(CommandText::redo, "redo");
+}
+
+// Runs a command of the menu or, if it is locked, calls the slot of the focused text field.
+void StudioCommands::runForBatch(QStringView text, const char* slotOfField)
+{
+    if (m_menu->action(text)->isEnabled() && !QApplication::activeModalWidget())
+        return run(m_menu->command(text));
+    QWidget* field = QApplication::focusWidget();
+    const QByteArray signature = QByteArray(slotOfField) + "()";
+    if (field && field->metaObject()->indexOfSlot(signature.constData()) >= 0)
+        QMetaObject::invokeMethod(field, slotOfField);
 }
 
 void StudioCommands::run(const MenuCommand& command)

@@ -19,6 +19,7 @@ class StudioMenu;
 class StudioSession;
 class StudioShell;
 class TemplatesBinding;
+class UpdateController;
 enum class ShapeKind;
 struct MenuCommand;
 
@@ -34,6 +35,7 @@ struct CommandParts {
     ExportBinding& exports;
     PublishBinding& publish;
     StatusBinding& status;
+    UpdateController& updates;
     FileIntake* files;
     StudioFocus* focus;
     KeptLook* look;
@@ -48,6 +50,10 @@ public:
     explicit StudioCommands(const CommandParts& parts);
 
     StudioMenu* menu() const { return m_menu; }
+    // In the batch or, while a sheet, a dialog or the sign-in gate covers the studio, in the
+    // focused text field.
+    void undo();
+    void redo();
     void removeLayer();
     void editSelected();
 
@@ -56,8 +62,10 @@ Q_SIGNALS:
 
 private:
     void connectButtons();
+    void choose(const MenuCommand& command);
     void connectDiagnostics();
     void run(const MenuCommand& command);
+    void runForBatch(QStringView text, const char* slotOfField);
     // Opens the context menu of the tile at `index`. Selects the tile first unless it is already
     // selected.
     void showTileMenu(int index, QPoint globalPosition);

@@ -76,11 +76,16 @@ void StudioMenu::add(qsizetype index, QWidget* window)
     m_actions.append(action);
 }
 
-QAction* StudioMenu::action(QStringView text) const
+const MenuCommand& StudioMenu::command(QStringView text) const
 {
     const auto found = std::ranges::find(m_commands, text, &MenuCommand::text);
     Q_ASSERT(found != m_commands.end());
-    return m_actions[found - m_commands.begin()];
+    return *found;
+}
+
+QAction* StudioMenu::action(QStringView text) const
+{
+    return m_actions[&command(text) - m_commands.data()];
 }
 
 QString StudioMenu::keyOf(QStringView text) const

@@ -29,6 +29,9 @@ struct MenuCommand {
     Icon icon = Icon::none;
     bool startsGroup = false;
     std::function<void()> run = {};
+    // Posted when the command is chosen, so that other parts of the program can ask for it too.
+    // Whoever posts it has the command run.
+    QString notification = {};
     // The menu calls these functions when it opens. A key runs the command without calling
     // isPossible().
     std::function<bool()> isPossible = {};    // empty: always
@@ -51,7 +54,9 @@ public:
 
     QMenu* menu() const { return m_menu; }
     const QList<MenuCommand>& commands() const { return m_commands; }
-    QAction* action(QStringView text) const;    // `text`: of an existing command
+    // `text`, here and below: of an existing command.
+    QAction* action(QStringView text) const;
+    const MenuCommand& command(QStringView text) const;
     QString keyOf(QStringView text) const;    // as shown in menus; empty if the command has no key
     // Locking disables all commands except those with isAlwaysUsable. Used while a sheet or the
     // sign-in gate covers the studio.

@@ -126,6 +126,14 @@ StudioShell::StudioShell(const QList<FormatChoice>& formats, QWidget* parent)
 
 void StudioShell::setStage(Stage stage)
 {
+    QWidget* const focused = window()->focusWidget();
+    const bool hadFocus = focused && m_stages->isAncestorOf(focused);
+    if (isStage(stage))
+        return;
+    // Qt would give the focus of the hidden page to the next control of the window, which a screen
+    // reader would tell.
+    if (hadFocus)
+        focused->clearFocus();
     m_stages->setCurrentIndex(stage == Stage::empty ? 0 : 1);
 }
 

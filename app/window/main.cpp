@@ -1,7 +1,12 @@
 #include "account/ConnectedAccount.h"
 #include "account/ServiceConfiguration.h"
+#include "app/desktop/AppDelegate.h"
+#include "app/desktop/AppVersion.h"
+#include "app/desktop/LinkRegistration.h"
+#include "app/desktop/ResourceCheck.h"
 #include "app/desktop/SingleInstance.h"
-#include "app/settings/AppVersion.h"
+#include "app/desktop/UpdateController.h"
+#include "app/desktop/WindowActivation.h"
 #include "app/theme/StudioStyle.h"
 #include "app/theme/Theme.h"
 #include "app/window/MainWindow.h"
@@ -100,7 +105,7 @@ InstanceClaim claim(int& argc, char** argv, const QList<QUrl>& toOpen)
 {
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(programName());
-    InstanceClaim claimed = claimInstance(userDataFolder(), toOpen);
+    InstanceClaim claimed = claimInstance(userDataFolder(), {toOpen, activationToken()});
     if (claimed.outcome == InstanceClaim::Outcome::first)
         useDesktopFileDialogs();
     return claimed;
@@ -141,6 +146,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     prepare(application);
     // The name of the desktop entry, by which the desktop knows the window's icon and title.
     QGuiApplication::setDesktopFileName(programName());
+    requireResources();
     const SingleInstance instance(userDataFolder());
     dress(application, darkTheme());
     PreferencesStore preferences(userDataFolder() + u"/moltiva.sqlite"_s);
@@ -158,10 +164,13 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     MainWindow window(session, account.session(), photos, preferences);
     window.setDesktop(*desktop);
     window.setLocalEngine(engine.manager, engine.service);
-    QObject::connect(&instance, &SingleInstance::handedOver, &window, [&window](const auto& urls) {
-        window.comeForward();
-        window.open(urls);
-    });
+    const auto links = platformLinkRegistration();
+    AppDelegate delegate(window, *links);
+    QObject::connect(&delegate, &AppDelegate::filesReceived, &window, &MainWindow::open);
+    QObject::connect(&instance, &SingleInstance::handedOver, &delegate,
+                     [&delegate](const OpenRequest& request) {
+                         delegate.applicationOpen(request.toOpen, request.activationToken);
+                     });
     onEndingSignals(application, &QCoreApplication::quit);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &window,
                      &MainWindow::settleBeforeLogout);
@@ -169,8 +178,10 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
                                  << QGuiApplication::platformName();
     const StartUpNotes notes(window, sinceStart);
     window.show();
+    delegate.applicationDidFinishLaunching();
+    window.updates().checkDaily();
     session.restoreWorkspaceIfNeeded();
-    window.open(toOpen);
+    delegate.applicationOpen(toOpen);
     return QApplication::exec();
 }
 

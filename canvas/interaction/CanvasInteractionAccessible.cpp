@@ -33,7 +33,10 @@ public:
     QAccessible::Role role() const override { return QAccessible::Graphic; }
     QString text(QAccessible::Text kind) const override
     {
-        return isValid() && kind == QAccessible::Name ? m_view->accessibleText(m_layer) : QString();
+        if (isValid() && kind == QAccessible::Name)
+            return m_view->accessibleText(m_layer);
+        return isValid() && kind == QAccessible::Description ? m_view->placeInWords(m_layer)
+                                                             : QString();
     }
     void setText(QAccessible::Text, const QString&) override {}
     QRect rect() const override { return isValid() ? m_view->screenRect(m_layer) : QRect(); }

@@ -57,8 +57,21 @@ void CanvasInteractionView::setItem(const std::optional<PublicationItem>& item, 
     if (std::exchange(m_format, format) != format)
         m_interaction.setItem(std::nullopt);
     m_interaction.setFormat(format);
+    const QString place = placeInWords(m_toldSelection);
     m_interaction.setItem(item);
     refresh();
+    tellPlace(place);
+}
+
+// Tells screen readers where the selected layer is now, if it is the same one as `before`.
+void CanvasInteractionView::tellPlace(const QString& before)
+{
+    const qsizetype child = layers().indexOf(m_toldSelection);
+    if (child < 0 || !QAccessible::isActive() || placeInWords(m_toldSelection) == before)
+        return;
+    QAccessibleEvent event(this, QAccessible::DescriptionChanged);
+    event.setChild(int(child));
+    QAccessible::updateAccessibility(&event);
 }
 
 void CanvasInteractionView::setSelectedLayerID(QUuid id)
@@ -69,7 +82,7 @@ void CanvasInteractionView::setSelectedLayerID(QUuid id)
     updateMarks();
     updateCursor();
     if (const qsizetype child = layers().indexOf(id);
-        isOther && child >= 0 && QAccessible::isActive()) {
+        isOther && child >= 0 && hasFocus() && QAccessible::isActive()) {
         QAccessibleEvent event(this, QAccessible::Focus);
         event.setChild(int(child));
         QAccessible::updateAccessibility(&event);
@@ -449,6 +462,19 @@ QString CanvasInteractionView::accessibleText(QUuid layer) const
         return name;
     const auto& texts = m_interaction.item()->layers;
     return u"%1: %2"_s.arg(name, std::ranges::find(texts, layer, &TextLayer::id)->text);
+}
+
+QString CanvasInteractionView::placeInWords(QUuid layer) const
+{
+    const auto rect = m_interaction.layerRect(layer);
+    const QSizeF canvas = m_interaction.canvasSize(), output = exportSize(m_format);
+    if (!rect || canvas.isEmpty())
+        return {};
+    const double across = output.width() / canvas.width(), down = output.height() / canvas.height();
+    return u"X %1, Y %2, ancho %3, alto %4"_s.arg(qRound(rect->x() * across))
+        .arg(qRound(rect->y() * down))
+        .arg(qRound(rect->width() * across))
+        .arg(qRound(rect->height() * down));
 }
 
 QRect CanvasInteractionView::screenRect(QUuid layer) const

@@ -46,7 +46,8 @@ public:
     // The layers that a screen reader finds, topmost first; hidden texts included.
     QList<QUuid> layers() const;
     QString accessibleText(QUuid layer) const;
-    QRect screenRect(QUuid layer) const;    // global; empty for a hidden layer
+    QString placeInWords(QUuid layer) const;    // in pixels of the exported picture
+    QRect screenRect(QUuid layer) const;        // global; empty for a hidden layer
     void selectLayer(QUuid layer);
     // Hides the selected text or removes the selected shape, as the Delete key does.
     void hideSelectedLayer();
@@ -84,6 +85,7 @@ private:
     };
 
     void refresh();
+    void tellPlace(const QString& before);
     void updatePicture(const QRect& pixels);
     Marks currentMarks() const;
     QRegion regionOf(const Marks& marks) const;

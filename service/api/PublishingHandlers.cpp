@@ -59,6 +59,11 @@ ServiceReply showCopyConfig(Visit& visit)
     config.providerLabel = u"Servicio local"_s;
     if (!model.isEmpty())
         config.modelId = model;
+    const OfferedProgram program = visit.service.offeredProgram();
+    if (!program.version.isEmpty())
+        config.latestLinuxVersion = program.version;
+    if (!program.download.isEmpty())
+        config.linuxDownloadURL = QUrl(program.download);
     return wireReply(config);
 }
 

@@ -2,6 +2,7 @@
 #include "account/AccountAPI.h"
 #include "account/AccountError.h"
 #include "account/WebAuthentication.h"
+#include "platform/NotificationCenter.h"
 #include "platform/PreferencesStore.h"
 #include "tests/FullDisk.h"
 #include "tests/account/Awaited.h"
@@ -300,16 +301,59 @@ TEST_F(AccountSessionTest, LinksSignInConnectNetworksOrAreLeftAlone)
     EXPECT_EQ(one.socialConnectionRefreshToken(), 1);
     EXPECT_EQ(one.message(), u"Red social conectada. Ya puedes volver a la ventana de publicar."_s);
 
-    EXPECT_TRUE(one.handleDeepLink(QUrl(u"moltiva://auth?token=a%2Bb%26c"_s)));
-    while (one.isWorking())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_FALSE(one.handleDeepLink(QUrl(u"moltiva://auth?token="_s + QString(5000, u'x'))));
+    for (int i = 0; i < 49; ++i)
+        notificationCenter().post(Notification::deepLinkReceived,
+                                  QUrl(u"moltiva://social-connected?status=ok"_s));
+    EXPECT_EQ(one.socialConnectionRefreshToken(), 50);
+}
+
+// Anybody can make a link with a token: of an account of theirs, for instance.
+TEST_F(AccountSessionTest, ALinkReplacesNoSignedInAccountUnlessTheUserAgrees)
+{
+    AccountSession& one = started();
+    const QUrl link(u"moltiva://auth?token=a%2Bb%26c"_s);
+    const auto exchanged = [this] { return asked("/api/auth/desktop/exchange"); };
+    const auto isQuiet = [&] { return turnUntil([&] { return !one.isWorking(); }); };
+    answers["/api/auth/desktop/exchange"] = R"({"balance":5,"profile":{"id":"2"}})";
+    notificationCenter().post(Notification::deepLinkReceived, link);
+    EXPECT_TRUE(one.asksToChangeAccount());
+    one.handleDeepLink(link);
+    EXPECT_TRUE(one.message().isEmpty()) << "the same link again";
+    one.handleDeepLink(QUrl(u"moltiva://auth?token=otro"_s));
+    EXPECT_TRUE(one.message().startsWith(u"Otro enlace"_s));
+    one.answerLink(LinkAnswer::keepAccount);
+    EXPECT_FALSE(one.asksToChangeAccount() || one.isWorking());
+    EXPECT_EQ(one.message(), u"El enlace no se ha usado: sigues con tu cuenta."_s);
+    EXPECT_EQ(exchanged(), 0);
+
+    one.handleDeepLink(link);
+    one.answerLink(LinkAnswer::changeAccount);
+    EXPECT_TRUE(isQuiet());
     EXPECT_EQ(one.message(), u"Sesión iniciada con Google."_s);
+    EXPECT_EQ(one.account().balance, 5);
     EXPECT_TRUE(std::ranges::any_of(server.requests, [](const auto& request) {
         return request.body == R"({"token":"a+b&c"})";
     }));
+
+    // The link that the user's own sign-in awaits needs no question.
+    awaited(one.openGoogleLogin());
+    AccountSession::postGoogleAuthenticationResult({.callbackURL = link, .error = {}});
+    EXPECT_TRUE(isQuiet());
+    EXPECT_EQ(exchanged(), 2);
+    one.handleDeepLink(link);
+    EXPECT_TRUE(one.asksToChangeAccount()) << "but the next one does";
+
+    // Signing out answers it. Of two links that come together the first signs in, the second asks.
+    awaited(one.logout());
+    EXPECT_FALSE(one.asksToChangeAccount());
+    one.handleDeepLink(link);
+    one.handleDeepLink(QUrl(u"moltiva://auth?token=otro"_s));
+    EXPECT_TRUE(turnUntil([&] { return one.asksToChangeAccount(); }));
+    EXPECT_EQ(exchanged(), 3);
 }
 
-TEST_F(AccountSessionTest, ALinkSignsInWhileTheStartIsCheckedAndTakesNothingOfAnotherUserAlong)
+TEST_F(AccountSessionTest, ALinkWaitsForTheCheckAtTheStartAndTakesNothingOfAnotherUserAlong)
 {
     AccountSession& one = started();
     awaited(one.refreshPurchaseHistory());
@@ -319,10 +363,11 @@ TEST_F(AccountSessionTest, ALinkSignsInWhileTheStartIsCheckedAndTakesNothingOfAn
     answers["/api/auth/me"] = "401";
     QCoro::Task<bool> check = one.bootstrap();
     one.handleDeepLink(QUrl(u"moltiva://auth?token=t"_s));
-    while (one.isWorking())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_FALSE(one.isWorking());
     server.release();
     awaited(std::move(check));
+    EXPECT_TRUE(turnUntil([&] { return !one.isWorking(); }));
+    EXPECT_EQ(asked("/api/auth/desktop/exchange"), 1);
     EXPECT_EQ(one.account().balance, 5);
     EXPECT_TRUE(one.isBalanceSyncRunning());
     EXPECT_FALSE(one.pendingCheckoutSessionId());

@@ -33,6 +33,7 @@ public:
                      .audience = audience,
                      .administrator = QStringLiteral("Jefa@Ejemplo.es"),
                      .copyProvider = [this] { return provider; },
+                     .offeredProgram = [this] { return offered; },
                      .now = [this] { return now.load(); }}),
           m_server(m_service, host)
     {
@@ -83,6 +84,7 @@ public:
     std::map<std::string, std::string> cookies;    // by name; received and sent as a browser does
     std::atomic<qint64> now = 1'800'000'000'000;
     CopyProvider provider;
+    OfferedProgram offered;
     static constexpr const char* password = "una-contraseña";
 
 private:

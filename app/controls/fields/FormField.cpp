@@ -40,7 +40,7 @@ FormEdit::FormEdit(const QString& name, FieldKind kind, FieldSize size, Icon ico
     const int left = icon == Icon::none ? padding : padding + formFieldIconSide + row(size).iconGap;
     int right = padding;
     if (kind == FieldKind::password) {
-        m_eye = new IconButton(Icon::visible, u"Mostrar contraseña"_s, eyeSide, this);
+        m_eye = new IconButton(Icon::visible, {}, eyeSide, this);
         m_eye->setIconSize(18);
         m_eye->setCursor(Qt::ArrowCursor);
         connect(m_eye, &IconButton::clicked, this,
@@ -73,8 +73,10 @@ void FormEdit::setProblem(bool problem)
 void FormEdit::setRevealed(bool revealed)
 {
     setEchoMode(revealed ? QLineEdit::Normal : QLineEdit::Password);
-    m_eye->setMeaning(revealed ? Icon::hidden : Icon::visible,
-                      revealed ? u"Ocultar contraseña"_s : u"Mostrar contraseña"_s);
+    const QString name = revealed ? u"Ocultar contraseña"_s : u"Mostrar contraseña"_s;
+    m_eye->setMeaning(revealed ? Icon::hidden : Icon::visible, name);
+    // A form may have several passwords.
+    m_eye->setAccessibleName(u"%1: %2"_s.arg(name, accessibleName()));
 }
 
 // While the password is hidden, QLineEdit copies nothing, not even by selecting with the mouse, and

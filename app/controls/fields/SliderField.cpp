@@ -58,18 +58,38 @@ public:
     }
     QString text(QAccessible::Text kind) const override
     {
-        return kind == QAccessible::Value ? slider()->valueText() : QAccessibleWidget::text(kind);
+        if (kind == QAccessible::Value)
+            return slider()->valueText();
+        const QString text = QAccessibleWidget::text(kind);
+        if (kind != QAccessible::Description || slider()->isBlank())
+            return text;
+        // The accessibility bus passes the value on without its unit.
+        QStringList parts{spokenValue(), text};
+        if (text == slider()->accessibleName())    // of the tooltip
+            parts.removeLast();
+        parts.removeAll(QString());
+        return parts.join(u". "_s);
     }
+    // The numbers are those that the user sees.
     QVariant currentValue() const override
     {
-        return slider()->isBlank() ? QVariant() : QVariant(slider()->value());
+        return slider()->isBlank() ? QVariant() : QVariant(slider()->value() * factor());
     }
-    void setCurrentValue(const QVariant& value) override { slider()->enter(value.toDouble()); }
-    QVariant maximumValue() const override { return slider()->range().to; }
-    QVariant minimumValue() const override { return slider()->range().from; }
-    QVariant minimumStepSize() const override { return slider()->step(); }
+    void setCurrentValue(const QVariant& value) override
+    {
+        slider()->enter(value.toDouble() / factor());
+    }
+    QVariant maximumValue() const override { return slider()->range().to * factor(); }
+    QVariant minimumValue() const override { return slider()->range().from * factor(); }
+    QVariant minimumStepSize() const override { return slider()->step() * factor(); }
 
 private:
+    double factor() const { return row(slider()->range().unit).factor; }
+    QString spokenValue() const
+    {
+        const bool arePixels = slider()->range().unit == SliderUnit::pixels;
+        return slider()->valueText() + (arePixels ? u" píxeles"_s : QString());
+    }
     SliderField* slider() const { return static_cast<SliderField*>(object()); }
 };
 
@@ -111,8 +131,10 @@ void SliderField::setValue(double value)
     m_value = shown;
     update();
     if (QAccessible::isActive()) {
-        QAccessibleValueChangeEvent event(this, shown);
+        QAccessibleValueChangeEvent event(this, shown * row(m_range.unit).factor);
         QAccessible::updateAccessibility(&event);
+        QAccessibleEvent words(this, QAccessible::DescriptionChanged);
+        QAccessible::updateAccessibility(&words);
     }
 }
 

@@ -10,6 +10,8 @@
 
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr double zoomTrackHeight = 4, knobRadius = 7;
 }
@@ -22,7 +24,10 @@ ZoomSlider::ZoomSlider(int lowest, int highest, QWidget* parent) : QAbstractSlid
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setProperty("focusRadius", Radius::field);
+    // Screen readers do not get the unit with the value.
+    setAccessibleDescription(u"%1 %"_s.arg(value()));
     connect(this, &QAbstractSlider::valueChanged, this, [this](int value) {
+        setAccessibleDescription(u"%1 %"_s.arg(value));
         if (m_quiet)
             return;
         m_toldHeld |= m_held;

@@ -1,10 +1,13 @@
 #include "app/controls/popovers/ColorPlane.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/theme/KeyboardFocus.h"
 #include "app/theme/Painting.h"
 
 #include <QKeyEvent>
 #include <QPainterPath>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 constexpr double planeMarkSide = 14;
@@ -13,7 +16,9 @@ constexpr double planeMarkSide = 14;
 ColorPlane::ColorPlane(ColorPlaneKind kind, const QString& name, QWidget* parent)
     : QWidget(parent), m_kind(kind)
 {
+    setAccessibleRole(this, QAccessible::Slider);
     setAccessibleName(name);
+    nameMark();
     setFocusPolicy(Qt::TabFocus);
     setCursor(Qt::CrossCursor);
     setProperty("focusRadius", Radius::field);
@@ -25,9 +30,21 @@ void ColorPlane::setHue(double hue)
     update();
 }
 
+void ColorPlane::nameMark()
+{
+    const auto percent = [](double share) { return qRound(share * 100); };
+    const QString words = m_kind == ColorPlaneKind::hue
+                              ? u"%1°"_s.arg(qRound(m_mark.x() * 360))
+                              : u"Saturación %1 %, brillo %2 %"_s.arg(percent(m_mark.x()))
+                                    .arg(percent(1 - m_mark.y()));
+    if (words != accessibleDescription())
+        setAccessibleDescription(words);
+}
+
 void ColorPlane::setMark(QPointF mark)
 {
     m_mark = mark;
+    nameMark();
     update();
 }
 
@@ -36,6 +53,7 @@ void ColorPlane::moveTo(QPointF mark)
     m_mark = {std::clamp(mark.x(), 0.0, 1.0),
               m_kind == ColorPlaneKind::hue ? 0.5 : std::clamp(mark.y(), 0.0, 1.0)};
     m_holding = true;
+    nameMark();
     update();
     Q_EMIT moved(m_mark, Pace::held);
 }

@@ -34,6 +34,7 @@ protected:
 
 private:
     void moveTo(QPointF mark);
+    void nameMark();    // says in words where the mark is
     void finishGesture();
 
     ColorPlaneKind m_kind;

@@ -1,5 +1,6 @@
 #include "app/controls/popovers/Popover.h"
 
+#include "app/controls/AccessibleRole.h"
 #include "app/controls/popovers/FocusRound.h"
 #include "app/controls/popovers/KeptClear.h"
 #include "app/theme/Painting.h"
@@ -16,6 +17,7 @@ constexpr int shadowRoom = 28, popoverGap = 6, popoverWindowMargin = 8;
 
 Popover::Popover(QWidget* owner) : QWidget(owner->window()), m_owner(owner)
 {
+    setAccessibleRole(this, QAccessible::Dialog);
     setAttribute(Qt::WA_DeleteOnClose);
     hide();
     connect(owner, &QObject::destroyed, this, [this] {

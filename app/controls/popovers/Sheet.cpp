@@ -73,6 +73,7 @@ Sheet::Sheet(const QString& title, QSize size, QWidget* window, const ColumnMeas
     hide();
     setFocusPolicy(Qt::ClickFocus);
     setAccessibleName(title);
+    m_close->setAccessibleName(u"Cerrar la hoja"_s);    // a sheet may have a button "Cerrar", too
     auto* columns = new QHBoxLayout(m_box);
     columns->setContentsMargins(0, 0, 0, 0);
     columns->setSpacing(0);

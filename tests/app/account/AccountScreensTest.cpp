@@ -20,6 +20,7 @@
 #include "app/window/StatusLine.h"
 #include "app/window/StudioMenu.h"
 #include "app/window/StudioShell.h"
+#include "platform/NotificationCenter.h"
 #include "platform/PreferencesStore.h"
 #include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
@@ -366,7 +367,7 @@ TEST_F(AccountScreensTest, OutcomesAreToldWhereNoScreenShowsThem)
 {
     show();
     ASSERT_TRUE(isAt(Gate::signedOut));
-    window.open({QUrl(u"moltiva://nada"_s)});
+    notificationCenter().post(Notification::deepLinkReceived, QUrl(u"moltiva://nada"_s));
     EXPECT_EQ(notice(), u"Moltiva no reconoce el enlace que se ha abierto."_s);
     account.answer("POST /api/auth/login", ScriptedAccount::summary());
     account.session().login(u"a@b.es"_s, u"x"_s);
@@ -378,7 +379,8 @@ TEST_F(AccountScreensTest, OutcomesAreToldWhereNoScreenShowsThem)
         ASSERT_TRUE(isDone());
         EXPECT_TRUE(isTold(account.session().message()));
     }
-    window.open({QUrl(u"moltiva://social-connected?status=no"_s)});
+    notificationCenter().post(Notification::deepLinkReceived,
+                              QUrl(u"moltiva://social-connected?status=no"_s));
     EXPECT_TRUE(isTold(u"No se ha completado la conexión de la red social."_s));
 }
 

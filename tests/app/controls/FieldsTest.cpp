@@ -164,9 +164,10 @@ TEST(SliderField, showsAnyNumberInsideItsRangeAndIsReadAsASlider)
     slider.field.setAccessibleName(u"Opacidad de la caja"_s);
     EXPECT_EQ(accessible->text(QAccessible::Name), u"Opacidad de la caja"_s);
     ASSERT_TRUE(accessible->valueInterface());
-    accessible->valueInterface()->setCurrentValue(0.25);
+    accessible->valueInterface()->setCurrentValue(25);
     EXPECT_EQ(slider.taken(), (QList<Change>{{0.25, Pace::once}}));
     EXPECT_EQ(accessible->text(QAccessible::Value), u"25 %"_s);
+    EXPECT_EQ(accessible->text(QAccessible::Description), u"25 %"_s);
 }
 
 TEST(SlotEditor, leavesToTheWindowWhatIsTheWindows)

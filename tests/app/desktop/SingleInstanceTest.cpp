@@ -53,18 +53,22 @@ TEST_F(SingleInstanceTest, startsAtOnceEndAsOneWithEverythingHandedOver)
         starts.emplace_back([&, i] {
             const QList<QUrl> own{QUrl::fromLocalFile(u"/fotos/%1.jpg"_s.arg(i)),
                                   QUrl(u"moltiva://pago?n=%1"_s.arg(i))};
-            handed += claimInstance(folder.path(), own).outcome == Outcome::handedOver;
+            handed += claimInstance(folder.path(), {own, "ficha"}).outcome == Outcome::handedOver;
         });
     }
     QTest::qSleep(100);    // the starts wait until `first` listens
     SingleInstance first(folder.path());
     QSet<QUrl> opened;
-    QObject::connect(&first, &SingleInstance::handedOver,
-                     [&](const QList<QUrl>& urls) { opened += QSet(urls.begin(), urls.end()); });
+    int tokens = 0;
+    QObject::connect(&first, &SingleInstance::handedOver, [&](const OpenRequest& request) {
+        opened += QSet(request.toOpen.begin(), request.toOpen.end());
+        tokens += request.activationToken == "ficha";
+    });
     EXPECT_TRUE(QTest::qWaitFor([&] { return handed == 10; }, 20000));
     for (std::thread& start : starts)
         start.join();
     EXPECT_EQ(opened.size(), 20);
+    EXPECT_EQ(tokens, 10);
     EXPECT_EQ(QFile::permissions(socketIn(folder)) &
                   (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
               QFile::Permissions());
@@ -81,7 +85,7 @@ TEST_F(SingleInstanceTest, nothingIsHandedToAnotherUserWhoListensThere)
     }();
     NobodyListening stranger(path.toLocal8Bit().constData(), "1");
     auto later = std::async(std::launch::async, [&] {
-        return claimInstance(folder.path(), {QUrl(u"moltiva://auth?token=secreto"_s)}).outcome;
+        return claimInstance(folder.path(), {{QUrl(u"moltiva://auth?token=secreto"_s)}}).outcome;
     });
     EXPECT_EQ(stranger.heardBytes(), 0);
     claim.lock.reset();

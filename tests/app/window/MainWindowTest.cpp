@@ -4,6 +4,7 @@
 #include "app/layers/SlotCard.h"
 #include "app/window/StatusLine.h"
 #include "app/window/StudioMenu.h"
+#include "platform/NotificationCenter.h"
 #include "tests/app/window/MainWindowFixture.h"
 
 #include <QListWidget>
@@ -160,6 +161,27 @@ TEST_F(MainWindowTest, droppedFilesAreImported)
     QApplication::sendEvent(&window, &drop);
     EXPECT_TRUE(QTest::qWaitFor([this] { return current().layers[0].text == u"Uno"_s; }, 30000));
 
+    // Other spellings of a file of this machine.
+    data.setData(u"text/uri-list"_s,
+                 "file://localhost" + QFile::encodeName(m_folder.filePath(u"f0.png"_s)) + "\r\n" +
+                     QFile::encodeName(m_folder.filePath(u"f1.png"_s)) + "\r\n");
+    QApplication::sendEvent(&window, &enter);
+    QApplication::sendEvent(&window, &drop);
+    settle();
+    EXPECT_EQ(session.batch().items.size(), 2);
+
+    // Files that only the desktop's portal can tell; there is none here.
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    data.clear();
+    data.setData(u"application/vnd.portal.filetransfer"_s, QByteArray("123456\0", 7));
+    enter.ignore();
+    QApplication::sendEvent(&window, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QApplication::sendEvent(&window, &drop);
+    EXPECT_TRUE(QTest::qWaitFor([this] {
+        return told().last() == u"El escritorio no ha entregado los archivos que has soltado."_s;
+    }));
+
     QMimeData text;
     text.setText(u"hola"_s);
     QDragEnterEvent refused({600, 400}, Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
@@ -168,11 +190,43 @@ TEST_F(MainWindowTest, droppedFilesAreImported)
     EXPECT_FALSE(refused.isAccepted());
 }
 
+TEST_F(MainWindowTest, aLinkToAnotherAccountIsAQuestionThatStaysUntilItIsAnswered)
+{
+    window.activateWindow();
+    const auto post = [](const QString& link) {
+        notificationCenter().post(Notification::deepLinkReceived, QUrl(link));
+    };
+    const auto current = [this] { return session.statusLog().current().sentence; };
+    const QString question = u"¿Cambiar de cuenta con este enlace?"_s;
+    post(u"moltiva://auth?token=t"_s);
+    EXPECT_EQ(current(), question);
+    session.setStatus(u"Otra cosa."_s);
+    EXPECT_EQ(current(), question);
+    const auto answer = [this](const QString& name) {
+        for (QWidget* stop : window.shell()->statusLine()->focusOrder()) {
+            if (stop->accessibleName() == name && stop->isVisible()) {
+                stop->setFocus(Qt::TabFocusReason);
+                QTest::keyClick(stop, Qt::Key_Space);
+                return true;
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(answer(u"No cambiar"_s));
+    EXPECT_EQ(current(), u"El enlace no se ha usado: sigues con tu cuenta."_s);
+    post(u"moltiva://auth?token=t"_s);
+    account.answer("POST /api/auth/desktop/exchange", ScriptedAccount::summary("Otra Persona"));
+    EXPECT_TRUE(answer(u"Cambiar de cuenta"_s));
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return account.session().displayName() == u"Otra Persona"_s; }));
+    EXPECT_EQ(current(), u"Sesión iniciada con Google."_s);
+}
+
 TEST_F(MainWindowTest, filesFromOneAfterTheOtherStartMakeOneBatch)
 {
     photos(3);
     window.open({QUrl::fromLocalFile(m_folder.filePath(u"f2.png"_s))});
-    window.open({QUrl::fromLocalFile(m_folder.filePath(u"f0.png"_s)), QUrl(u"moltiva://x"_s)});
+    window.open({QUrl::fromLocalFile(m_folder.filePath(u"f0.png"_s))});
     window.open({QUrl::fromLocalFile(m_folder.filePath(u"f1.png"_s))});
     settle();
     ASSERT_EQ(session.batch().items.size(), 3);

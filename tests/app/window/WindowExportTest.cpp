@@ -7,6 +7,7 @@
 #include "tests/app/window/MainWindowFixture.h"
 
 #include <QDesktopServices>
+#include <QListWidget>
 #include <QMenu>
 
 using namespace Qt::StringLiterals;
@@ -75,6 +76,14 @@ TEST_F(MainWindowTest, aKeyThatClosedAChooserAndIsStillHeldDoesNothing)
 {
     session.load({photos(1)});
     settle();
+    // The list of names that typing into a chooser opens goes with it: it would keep the focus.
+    window.menu()->action(u"Importar carpeta…"_s)->trigger();
+    auto* names = new QListWidget(chooser());
+    names->setWindowFlag(Qt::Popup);
+    names->show();
+    EXPECT_EQ(QApplication::activePopupWidget(), names);
+    chooser()->reject();
+    EXPECT_FALSE(QApplication::activePopupWidget());
     session.selectLayer(current().layers[0].id);
     window.activateWindow();
     canvas()->setFocus();

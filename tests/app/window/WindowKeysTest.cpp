@@ -4,6 +4,7 @@
 #include "app/layers/SlotCard.h"
 #include "app/layers/TextPanel.h"
 #include "app/window/StudioMenu.h"
+#include "platform/NotificationCenter.h"
 #include "tests/app/Events.h"
 #include "tests/app/window/MainWindowFixture.h"
 
@@ -189,6 +190,38 @@ TEST_F(MainWindowTest, undoingActsOnTheBatchAlsoInsideFields)
     QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(current().layers[0].text, before);
     EXPECT_EQ(editor->text(), before);
+}
+
+// As AppDelegate posts them for the keys.
+TEST_F(MainWindowTest, undoingIsAskedForByNotificationsAndReachesOpenFieldsElse)
+{
+    session.load({photos(2)});
+    settle();
+    window.activateWindow();
+    session.setFormat(SocialFormat::square);
+    notificationCenter().post(Notification::undoRequested);
+    EXPECT_EQ(session.batch().format, SocialFormat::carouselPortrait);
+    notificationCenter().post(Notification::redoRequested);
+    EXPECT_EQ(session.batch().format, SocialFormat::square);
+
+    session.setAppSettingsPresented(true);
+    notificationCenter().post(Notification::undoRequested);
+    EXPECT_EQ(session.batch().format, SocialFormat::square) << "a sheet covers the studio";
+    session.setAppSettingsPresented(false);
+
+    session.setAccountPanel(AccountPanelDestination::account);
+    QLineEdit* typed = nullptr;
+    for (QLineEdit* edit : window.findChildren<QLineEdit*>()) {
+        if (edit->accessibleName() == u"Nombre"_s && edit->isVisible())
+            typed = edit;
+    }
+    ASSERT_TRUE(typed);
+    typed->setFocus();
+    const QString before = typed->text();
+    QTest::keyClicks(typed, u"X"_s);
+    notificationCenter().post(Notification::undoRequested);
+    EXPECT_EQ(typed->text(), before);
+    EXPECT_EQ(session.batch().format, SocialFormat::square);
 }
 
 TEST_F(MainWindowTest, tabGoesFromTheBarThroughTheColumnAndTheCanvasToThePanel)
@@ -409,7 +442,7 @@ TEST_F(MainWindowTest, theMenuOffersWhatCanBeDoneAndMarksWhatHolds)
                        u"Deshacer"_s, u"Rehacer"_s, u"Editar el texto"_s,
                        u"Ocultar texto o eliminar forma"_s, u"Copiar estilo"_s, u"Pegar estilo"_s,
                        u"Línea"_s, u"Imagen anterior"_s, u"Imagen siguiente"_s, u"Acercar"_s,
-                       u"Zona segura"_s, u"Buscar actualizaciones..."_s});
+                       u"Zona segura"_s});
     };
     const auto checked = [&] {
         return marked(&QAction::isChecked,

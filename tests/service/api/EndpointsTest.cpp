@@ -84,6 +84,11 @@ TEST(Endpoints, withoutASessionOnlySigningInIsOpen)
     EXPECT_EQ(service.post("/api/auth/logout", Json::object()).status, 200);
     const Json config = service.get("/api/publicaciones/config").json();
     EXPECT_TRUE(config["enabled"] == true && config["costCredits"] == 10);
+    EXPECT_FALSE(config.contains("latestLinuxVersion") || config.contains("linuxDownloadURL"));
+    service.offered = {u"2.0"_s, u"https://e.es/m.deb"_s};
+    const Json offering = service.get("/api/publicaciones/config").json();
+    EXPECT_EQ(offering["latestLinuxVersion"], "2.0");
+    EXPECT_EQ(offering["linuxDownloadURL"], "https://e.es/m.deb");
 }
 
 TEST(Endpoints, accountFromSignUpToSignOut)

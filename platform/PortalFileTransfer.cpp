@@ -1,0 +1,48 @@
+#include "platform/PortalFileTransfer.h"
+
+#include <QCoroDBusPendingCall>
+
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QDBusPendingReply>
+#include <QMimeData>
+#include <QVariantMap>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int longestPortalWait = 10'000;    // ms
+constexpr qsizetype longestKey = 256;
+
+}    // namespace
+
+QByteArray portalTransferKey(const QMimeData& data)
+{
+    for (const QString& format :
+         {u"application/vnd.portal.filetransfer"_s, u"application/vnd.portal.files"_s}) {
+        QByteArray key = data.data(format);
+        while (key.endsWith('\0') || key.endsWith('\n'))
+            key.chop(1);
+        if (!key.isEmpty() && key.size() <= longestKey)
+            return key;
+    }
+    return {};
+}
+
+QCoro::Task<std::optional<QList<QUrl>>> portalFiles(QByteArray key, QDBusConnection bus)
+{
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        u"org.freedesktop.portal.Documents"_s, u"/org/freedesktop/portal/documents"_s,
+        u"org.freedesktop.portal.FileTransfer"_s, u"RetrieveFiles"_s);
+    question << QString::fromUtf8(key) << QVariantMap();
+    const QDBusPendingCall asking = bus.asyncCall(question, longestPortalWait);
+    const QDBusMessage answer = co_await asking;
+    const QDBusPendingReply<QStringList> reply(answer);
+    if (reply.isError())
+        co_return std::nullopt;
+    QList<QUrl> files;
+    for (const QString& path : reply.value())
+        files.append(QUrl::fromLocalFile(path));
+    co_return files;
+}
