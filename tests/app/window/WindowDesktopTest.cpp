@@ -3,6 +3,7 @@
 #include "app/stage/EmptyState.h"
 #include "app/window/KeysSheet.h"
 #include "app/window/StudioMenu.h"
+#include "tests/app/Events.h"
 #include "tests/app/window/MainWindowFixture.h"
 
 #include <QAction>
