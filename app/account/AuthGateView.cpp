@@ -4,12 +4,15 @@
 #include "app/controls/AccessibleRole.h"
 #include "app/controls/Caption.h"
 #include "app/controls/Mark.h"
+#include "app/controls/PanelLayout.h"
 #include "app/controls/Spinner.h"
 #include "app/controls/popovers/FocusRound.h"
 #include "app/theme/Painting.h"
 #include "app/theme/PointerEvents.h"
 
+#include <QApplication>
 #include <QKeyEvent>
+#include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -45,7 +48,14 @@ AuthGateView::AuthGateView(QWidget* window)
     setFocusPolicy(Qt::ClickFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     m_pages->addWidget(checkingPage());
-    m_pages->addWidget(m_login);
+    // A small window has no room for all fields of a new account.
+    QScrollArea* area = scrolled(m_login);
+    area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_pages->addWidget(area);
+    connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
+        if (now && area->isAncestorOf(now))
+            showIn(area, now);
+    });
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_pages);

@@ -3,6 +3,7 @@
 #include "app/stage/EmptyState.h"
 #include "app/window/KeysSheet.h"
 #include "app/window/StudioMenu.h"
+#include "tests/app/Events.h"
 #include "tests/app/window/MainWindowFixture.h"
 
 #include <QAction>
@@ -31,11 +32,19 @@ QRect difference(const QImage& one, const QImage& other)
 // Compares a window that was dark with one that was light from the beginning.
 TEST_F(MainWindowTest, aChangeOfThemeReachesEverything)
 {
-    const auto expectSame = [this](const char* state, const auto& prepare) {
+    QApplication::setCursorFlashTime(0);
+    // Each in front: the key hints are those of the focus.
+    const auto picture = [](MainWindow& shown) {
+        shown.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&shown));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return shown.isIdle(); }, 30000));
+        return shown.grab().toImage();
+    };
+    const auto expectSame = [&](const char* state, const auto& prepare) {
         window.menu()->action(u"Oscuro")->trigger();
         prepare(window);
         settle();
-        const QImage dark = window.grab().toImage();
+        const QImage dark = picture(window);
         window.menu()->action(u"Claro")->trigger();
         MainWindow other(session, account.session(), m_photos, preferences);
         other.resize(window.size());
@@ -44,8 +53,9 @@ TEST_F(MainWindowTest, aChangeOfThemeReachesEverything)
         prepare(other);
         settle();
         ASSERT_TRUE(QTest::qWaitFor([&] { return other.isIdle(); }, 30000));
-        EXPECT_NE(window.grab().toImage(), dark) << state;
-        const QRect different = difference(window.grab().toImage(), other.grab().toImage());
+        const QImage light = picture(window);
+        EXPECT_NE(light, dark) << state;
+        const QRect different = difference(light, picture(other));
         EXPECT_EQ(different, QRect()) << state << ", from " << different.x() << " " << different.y()
                                       << ", " << different.width() << " x " << different.height();
     };
