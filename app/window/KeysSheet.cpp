@@ -18,7 +18,7 @@ namespace {
 constexpr QSize keysSheetSize(1120, 716);
 constexpr ColumnMeasures noColumn{.width = 0, .side = 0, .top = 0};
 constexpr int keyColumns = 3, keyColumnGap = 40, keyRowHeight = 32, keyCapHeight = 22,
-              keyCapPadding = 7, keyCapGap = 6, groupGap = 16, groupTitleHeight = 28;
+              keyCapPadding = 7, keyCapGap = 6, keyGroupGap = 16, groupTitleHeight = 28;
 constexpr int searchWidth = 280, besideCross = 48;
 
 double keyCapWidth(const QString& key)
@@ -64,7 +64,7 @@ private:
 
 int heightOf(const KeyGroup& group)
 {
-    return groupTitleHeight + int(group.rows.size()) * keyRowHeight + groupGap;
+    return groupTitleHeight + int(group.rows.size()) * keyRowHeight + keyGroupGap;
 }
 
 // Puts the groups into columns of like height, in their order.
@@ -92,7 +92,7 @@ QWidget* columnsOf(const QList<KeyGroup>& groups)
         column->addWidget(title);
         for (const KeyRow& row : group.rows)
             column->addWidget(new KeyLine(row));
-        column->addSpacing(groupGap);
+        column->addSpacing(keyGroupGap);
         before += heightOf(group);
     }
     for (QVBoxLayout* column : rows)
