@@ -10,7 +10,7 @@ namespace {
 // Leaves out the query, which may hold tokens, and the leading slash, which would look like a file.
 QString notedName(const HttpRequest& request)
 {
-    return QString::fromLatin1(request.method) + u' ' + request.url.path().mid(1);
+    return QString::fromLatin1(request.method) + u' ' + request.url.path(QUrl::FullyEncoded).mid(1);
 }
 
 void noteOutcome(const QString& name, const HttpExchange::Outcome& outcome, qint64 milliseconds)

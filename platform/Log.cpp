@@ -22,6 +22,7 @@ Q_LOGGING_CATEGORY(logNetwork, "moltiva.network", QtInfoMsg)
 namespace {
 
 constexpr qint64 longestFile = 1 << 20;    // bytes
+constexpr qsizetype longestMessage = 2000;
 
 struct LogTarget {
     QByteArray file;
@@ -91,12 +92,15 @@ void writeMessage(QtMsgType type, const QMessageLogContext& context, const QStri
 {
     static std::mutex writing;
     const LogTarget& target = logTarget();
-    QString message = withoutPersonalData(text);
-    message.replace(u'\n', u' ');
+    QString message = withoutPersonalData(text.left(longestMessage));
+    for (QChar& character : message) {
+        if (character.category() == QChar::Other_Control)
+            character = u' ';    // among them those that command a terminal
+    }
     const QString line =
         u"%1 %2 %3 %4: %5\n"_s.arg(QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs))
             .arg(::getpid())
-            .arg(levelName(type), QString::fromLatin1(context.category), message.left(2000));
+            .arg(levelName(type), QString::fromLatin1(context.category), message);
     const std::scoped_lock lock(writing);
     if (target.isVerbose || type == QtFatalMsg)
         std::fputs(line.toLocal8Bit(), stderr);
@@ -133,12 +137,17 @@ QString withoutPersonalData(QString text)
 {
     static const QRegularExpression email(u"[^\\s<>\"'=:;,()]+@[^\\s<>\"',;()]+"_s),
         query(u"([?#])[^\\s\"'<>]+"_s),
-        secret(u"(cookie|session|token|password|contraseña|authorization|key|secret)"
+        // The rest of the line, because such a header may hold several words or cookies.
+        header(u"((?:cookie|authorization)\"?\\s*[:=]).*"_s,
+               QRegularExpression::CaseInsensitiveOption),
+        secret(u"(session|token|password|contraseña|key|secret)"
                "(\"?\\s*[:=]\\s*\"?)[^\\s\",;]+"_s,
                QRegularExpression::CaseInsensitiveOption),
-        // Up to the end of the quotation or line, because names of files may contain spaces.
-        path(u"(?<![\\w:/.])(file://)?/[^\"\\n]*"_s);
+        // Up to the end of the quotation or line, because names of files may contain spaces. The
+        // two slashes after a scheme begin no path, but for file:.
+        path(u"(?:file://|(?<![\\w/.]))/(?!/)[^\"\\n]*"_s);
     text.replace(email, u"<email>"_s);
+    text.replace(header, u"\\1 <secret>"_s);
     text.replace(secret, u"\\1\\2<secret>"_s);
     text.replace(query, u"\\1…"_s);
     text.replace(path, u"<path>"_s);

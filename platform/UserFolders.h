@@ -13,7 +13,7 @@ QString userDataFolder();
 // private to the user, if it is missing.
 QString userStateFolder();
 
-QString logFile();    // in that folder
+QString logFile();    // in userStateFolder()
 
 // Says why files cannot be written to `folder`, as the end of a Spanish sentence: the disk is
 // read-only or full; in all other cases, `otherwise`.

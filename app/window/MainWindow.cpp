@@ -53,8 +53,8 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDeadlineTimer>
 #include <QDragEnterEvent>
+#include <QEventLoop>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
 #include <QScreen>
@@ -433,14 +433,21 @@ void MainWindow::save()
 // The desktop may call the logout off, so the window stays open.
 void MainWindow::settleBeforeLogout()
 {
-    const QDeadlineTimer patience(longestWaitAtLogout);
-    while (const Activity* delaying = m_session.activities().delayingClosing()) {
-        if (patience.hasExpired())
-            break;
-        m_session.activities().stop(delaying->kind);
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
-                                            QEventLoop::WaitForMoreEvents,
-                                        int(patience.remainingTime()));
+    QEventLoop waiting;
+    const auto endWhenSettled = [this, &waiting] {
+        if (!m_session.activities().delayingClosing())
+            waiting.quit();
+    };
+    for (const Activity::Kind kind :
+         {Activity::Kind::generating, Activity::Kind::exporting, Activity::Kind::publishing}) {
+        const Activity* running = m_session.activities().find(kind);
+        if (running && running->delaysClosing)
+            m_session.activities().stop(kind);
+    }
+    if (m_session.activities().delayingClosing()) {
+        connect(&m_session, &StudioSession::activityChanged, &waiting, endWhenSettled);
+        QTimer::singleShot(longestWaitAtLogout, &waiting, &QEventLoop::quit);
+        waiting.exec(QEventLoop::ExcludeUserInputEvents);
     }
     save();
 }

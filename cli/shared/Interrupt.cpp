@@ -1,8 +1,11 @@
 #include "cli/shared/Interrupt.h"
 
+#include <array>
 #include <csignal>
 
 namespace {
+
+constexpr std::array endingSignals{SIGINT, SIGTERM, SIGHUP};
 
 std::atomic_bool raised = false;
 static_assert(std::atomic_bool::is_always_lock_free, "a signal handler may not wait");
@@ -18,19 +21,19 @@ extern "C" void onSignal(int signal)
 Interrupt::Interrupt()
 {
     raised = false;
-    for (const int signal : {SIGINT, SIGTERM})
-        std::signal(signal, onSignal);
-    // Stays ignored when the command was started to outlive its terminal.
-    if (std::signal(SIGHUP, onSignal) == SIG_IGN)
-        std::signal(SIGHUP, SIG_IGN);
+    for (const int signal : endingSignals) {
+        // Stays ignored when the command was started to outlive its terminal.
+        if (std::signal(signal, onSignal) == SIG_IGN)
+            std::signal(signal, SIG_IGN);
+    }
 }
 
 Interrupt::~Interrupt()
 {
-    for (const int signal : {SIGINT, SIGTERM})
-        std::signal(signal, SIG_DFL);
-    if (std::signal(SIGHUP, SIG_DFL) == SIG_IGN)
-        std::signal(SIGHUP, SIG_IGN);
+    for (const int signal : endingSignals) {
+        if (std::signal(signal, SIG_DFL) == SIG_IGN)
+            std::signal(signal, SIG_IGN);
+    }
 }
 
 const std::atomic_bool& Interrupt::flag() const

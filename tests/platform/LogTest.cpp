@@ -29,12 +29,16 @@ TEST_F(LogTest, takesWhatIsWorthKnowingAndNamesNobody)
     qCDebug(logNetwork) << "a detail";
     qCInfo(logWork).noquote()
         << "exporting for ana.perez@ejemplo.es\nin /home/ana/Mis fotos/gato 1.jpg";
-    qWarning("moltiva_session=abc, Cookie: xyz=1; moltiva://auth?token=T0K3N and token=S3CR3T");
+    qWarning("moltiva_session=abc; moltiva://auth?token=T0K3N and token=S3CR3T, Cookie: xyz=1");
+    qWarning("Cookie: a=ONE; b=TWO");
+    qWarning("Authorization: Bearer THREE");
+    qWarning("open:/home/ana/x and \x1b[31m");
     const QString text = lastLogLines(file, 10).join(u'\n');
-    EXPECT_EQ(text.count(u'\n'), 1) << qPrintable(text);
+    EXPECT_EQ(text.count(u'\n'), 4) << qPrintable(text);
     EXPECT_TRUE(text.contains(u"info moltiva.work: exporting for <email> in <path>"_s));
     EXPECT_TRUE(text.contains(u"warning default: "_s));
-    for (const char* personal : {"ana", "gato", "T0K3N", "S3CR3T", "xyz", "abc", "a detail"})
+    for (const char* personal : {"ana", "gato", "T0K3N", "S3CR3T", "xyz", "abc", "ONE", "TWO",
+                                 "THREE", "\x1b", "a detail"})
         EXPECT_FALSE(text.contains(QLatin1StringView(personal))) << personal << qPrintable(text);
     EXPECT_EQ(QFileInfo(file).permissions() & (QFile::ReadOther | QFile::ReadGroup), 0);
 }
