@@ -40,26 +40,26 @@ FrameFields::FrameFields(QWidget* parent)
 {
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
-    rows->setSpacing(frameFieldGap);
-    const auto addRow = [&] {
+    rows->setSpacing(0);
+    const auto addRow = [&](int gapAbove) {
         auto* row = new QHBoxLayout;
         row->setSpacing(frameFieldGap);
+        row->setContentsMargins(0, gapAbove, 0, 0);
         rows->addLayout(row);
         return row;
     };
-    QHBoxLayout* title = addRow();
+    QHBoxLayout* title = addRow(0);
     title->addWidget(sectionTitle(u"Posición y tamaño"_s, this));
     title->addStretch(1);
     title->addWidget(new Caption(Type::small, &Theme::text3, u"píxeles de salida"_s, this));
-    QHBoxLayout* fields = addRow();
+    m_fieldRows = {addRow(frameFieldGap), addRow(0)};
     for (const auto& [field, name] :
          {std::pair(m_x, u"Posición horizontal"_s), std::pair(m_y, u"Posición vertical"_s),
           std::pair(m_width, u"Ancho"_s), std::pair(m_height, u"Alto"_s)}) {
         field->setAccessibleName(name);
-        fields->addWidget(field, 1);
         field->raise();    // screen readers go through widgets in the order of their stack
     }
-    QHBoxLayout* groups = addRow();
+    m_groupRows = {addRow(frameFieldGap), addRow(0)};
     QList<PushButton*> group;
     for (const AlignmentRow& row : alignmentRows) {
         auto* button = new PushButton(row.icon, row.name.toString(), ButtonKind::neutral,
@@ -73,10 +73,26 @@ FrameFields::FrameFields(QWidget* parent)
         auto* joined = new JoinedButtons(std::exchange(group, {}), this);
         joined->setLabels(Labels::hidden);
         joined->setStretched();
-        groups->addWidget(joined, 1);
+        m_groups.append(joined);
     }
+    setClass(WindowClass::roomy);
     connectFields();
     setState({});
+}
+
+// In a compact window a row has room for two fields, or for one group of buttons.
+void FrameFields::setClass(WindowClass windowClass)
+{
+    const bool isCompact = windowClass == WindowClass::compact;
+    for (QWidget* field : {m_x, m_y})
+        m_fieldRows.first()->addWidget(field, 1);
+    for (QWidget* field : {m_width, m_height})
+        m_fieldRows[isCompact ? 1 : 0]->addWidget(field, 1);
+    m_groupRows.first()->addWidget(m_groups.first(), 1);
+    m_groupRows[isCompact ? 1 : 0]->addWidget(m_groups.last(), 1);
+    // An empty row would still have the gap above it.
+    for (QHBoxLayout* row : {m_fieldRows.last(), m_groupRows.last()})
+        row->setContentsMargins(0, isCompact ? frameFieldGap : 0, 0, 0);
 }
 
 void FrameFields::connectFields()

@@ -1,4 +1,5 @@
 #pragma once
+#include "app/theme/WindowClass.h"
 #include "canvas/LayerFrame.h"
 #include "model/Pace.h"
 
@@ -8,6 +9,7 @@
 #include <optional>
 
 class PushButton;
+class QHBoxLayout;
 class SliderField;
 
 struct FrameFieldsState {
@@ -24,6 +26,7 @@ class FrameFields : public QWidget {
     Q_OBJECT
 public:
     explicit FrameFields(QWidget* parent);
+    void setClass(WindowClass windowClass);
     void setState(const FrameFieldsState& state);    // emits nothing
     QList<QWidget*> focusOrder() const;
 
@@ -36,6 +39,8 @@ private:
     void connectFields();
 
     FrameFieldsState m_state;
+    QList<QHBoxLayout*> m_fieldRows, m_groupRows;    // the second of each is used if compact
+    QList<QWidget*> m_groups;
     SliderField* m_x;
     SliderField* m_y;
     SliderField* m_width;

@@ -6,6 +6,7 @@
 #include "app/controls/fields/TabStrip.h"
 #include "app/controls/popovers/FontField.h"
 #include "app/controls/popovers/Swatch.h"
+#include "app/layers/FrameFields.h"
 #include "app/layers/ShapesPanel.h"
 #include "app/layers/TextPanel.h"
 #include "app/presets/StyleShelf.h"
@@ -77,6 +78,8 @@ void SidePanel::setClass(WindowClass windowClass)
     m_tabs->setClass(windowClass);
     for (PanelLayout* page : findChildren<PanelLayout*>())
         page->setClass(windowClass);
+    for (FrameFields* fields : findChildren<FrameFields*>())
+        fields->setClass(windowClass);
     m_text->setClass(windowClass);
     m_templates->setClass(windowClass);
 }

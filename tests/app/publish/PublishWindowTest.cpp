@@ -219,7 +219,8 @@ TEST_F(PublishWindow, aPressWaitsUntilTheTextsAreJudgedAndTellsTheirWarningsFirs
     EXPECT_TRUE(sees(checking) && !sees(passed)) << "nothing is known of the new shape";
     button(u"Publicar en Feed (500 créditos)"_s)->click();
     EXPECT_FALSE(publish().isPublishing());
-    EXPECT_TRUE(waitFor([this] { return publish().publishStatus().startsWith(u"No."_s); }))
+    const QString refused = u"No se ha podido completar la operación."_s;
+    EXPECT_TRUE(waitFor([&] { return publish().publishStatus().startsWith(refused); }))
         << qPrintable(publish().publishStatus());
     ASSERT_TRUE(waitFor(isChecked));
 

@@ -2,6 +2,7 @@
 #include "app/controls/CostButton.h"
 #include "app/export/ExportButtons.h"
 #include "app/layers/SlotCard.h"
+#include "app/layers/TextPanel.h"
 #include "app/window/StatusLine.h"
 #include "app/window/StudioMenu.h"
 #include "platform/NotificationCenter.h"

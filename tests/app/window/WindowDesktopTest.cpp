@@ -56,6 +56,8 @@ TEST_F(MainWindowTest, aChangeOfThemeReachesEverything)
         const QImage light = picture(window);
         EXPECT_NE(light, dark) << state;
         const QRect different = difference(light, picture(other));
+        window.grab().toImage().save(u"/tmp/lead/A-%1.png"_s.arg(QLatin1StringView(state)));
+        other.grab().toImage().save(u"/tmp/lead/B-%1.png"_s.arg(QLatin1StringView(state)));
         EXPECT_EQ(different, QRect()) << state << ", from " << different.x() << " " << different.y()
                                       << ", " << different.width() << " x " << different.height();
     };

@@ -309,7 +309,7 @@ TEST_F(MainWindowTest, aLogoutSavesAndWaitsForWhatIsBeingPaid)
     session.load({photos(3)});
     settle();
     objective()->setFocus();
-    QTest::keyClicks(objective(), u"Otoño"_s);
+    QTest::keyClicks(objective(), u"Verano"_s);
     session.exportAll(m_data.path());
     ASSERT_TRUE(session.isExporting());
     window.settleBeforeLogout();
@@ -318,7 +318,7 @@ TEST_F(MainWindowTest, aLogoutSavesAndWaitsForWhatIsBeingPaid)
     StudioSession next(m_photos, preferences);
     next.restoreWorkspaceIfNeeded();
     EXPECT_TRUE(QTest::qWaitFor([&] { return next.didRestoreWorkspace(); }, 30000));
-    EXPECT_EQ(next.batch().objective, u"Otoño"_s);
+    EXPECT_EQ(next.batch().objective, u"Verano"_s);
 }
 
 #include "WindowExportTest.moc"

@@ -368,7 +368,7 @@ protected:
         session.setAccountSession(account.session());
         session.setCreditJournal(account.journal(), folder.filePath(u"espera"_s));
         session.setPublishService(account.api());
-        awaited(account.session().refresh());
+        awaited(account.session().bootstrap());
     }
     StudioPublish& publish() { return session.publish(); }
     void scriptNetworks(const QByteArray& networks)
