@@ -27,7 +27,6 @@ private:
     void ask();
     void take(const QString& group, const QString& key, const QVariant& told);
     void takeAll(QDBusPendingCallWatcher* reply);
-    void show();
 
     QDBusConnection m_bus;
     // What the portal told: of the appearance, and of GNOME's switch for animations.

@@ -4,11 +4,14 @@
 #include "platform/Desktop.h"
 #include "platform/PreferencesStore.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 const QString themeKey = u"moltiva.theme"_s;
+const QString schemeKey = u"moltiva.desktopScheme"_s;
 
 ThemeChoice storedChoice(const PreferencesStore& preferences)
 {
@@ -16,10 +19,20 @@ ThemeChoice storedChoice(const PreferencesStore& preferences)
     return fromRawValue<ThemeChoice>(QString::fromUtf8(stored)).value_or(ThemeChoice::dark);
 }
 
+// What the desktop preferred when the program last ran.
+ColorScheme storedScheme(const PreferencesStore& preferences)
+{
+    const QByteArray stored = preferences.value(schemeKey).value_or(QByteArray());
+    return stored == "light"  ? ColorScheme::light
+           : stored == "dark" ? ColorScheme::dark
+                              : ColorScheme::unknown;
+}
+
 }    // namespace
 
 Appearance::Appearance(PreferencesStore& preferences, QObject* parent)
-    : QObject(parent), m_preferences(preferences), m_choice(storedChoice(preferences))
+    : QObject(parent), m_preferences(preferences), m_scheme(storedScheme(preferences)),
+      m_choice(storedChoice(preferences))
 {
     apply();
 }
@@ -27,7 +40,12 @@ Appearance::Appearance(PreferencesStore& preferences, QObject* parent)
 void Appearance::follow(const Desktop& desktop)
 {
     m_desktop = &desktop;
-    connect(&desktop, &Desktop::preferencesChanged, this, &Appearance::apply);
+    connect(&desktop, &Desktop::preferencesChanged, this, [this] {
+        keepScheme();
+        apply();
+    });
+    if (isSchemeKnown())
+        keepScheme();
     apply();
 }
 
@@ -43,11 +61,22 @@ bool Appearance::isSchemeKnown() const
     return m_desktop && m_desktop->preferences().scheme != ColorScheme::unknown;
 }
 
+void Appearance::keepScheme()
+{
+    const ColorScheme scheme = m_desktop->preferences().scheme;
+    if (std::exchange(m_scheme, scheme) == scheme)
+        return;
+    const QByteArray name = scheme == ColorScheme::light  ? "light"
+                            : scheme == ColorScheme::dark ? "dark"
+                                                          : "unknown";
+    m_preferences.setValue(schemeKey, name);
+}
+
 void Appearance::apply()
 {
     const DesktopPreferences wishes = m_desktop ? m_desktop->preferences() : DesktopPreferences();
     const bool isLight = m_choice == ThemeChoice::light ||
-                         (m_choice == ThemeChoice::system && wishes.scheme == ColorScheme::light);
+                         (m_choice == ThemeChoice::system && m_scheme == ColorScheme::light);
     applyTheme(isLight ? lightTheme() : darkTheme());
     if (m_desktop)
         setMotion(wishes.reducesMotion ? Motion::reduced : Motion::full);

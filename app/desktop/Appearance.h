@@ -5,6 +5,7 @@
 
 class Desktop;
 class PreferencesStore;
+enum class ColorScheme;
 
 enum class ThemeChoice { system, light, dark };
 
@@ -24,7 +25,8 @@ struct Vocabulary<ThemeChoice> {
 static_assert(rowsAreInOrder<ThemeChoice>());
 
 // Dresses the whole program in the theme that the user chose, which the preferences store keeps,
-// and moves as much as the desktop wishes. Dark until the user chooses.
+// and moves as much as the desktop wishes. Dark until the user chooses. Until the desktop has told
+// its scheme, ThemeChoice::system follows the one that it told last.
 class Appearance : public QObject {
     Q_OBJECT
 public:
@@ -43,8 +45,10 @@ Q_SIGNALS:
 
 private:
     void apply();
+    void keepScheme();
 
     PreferencesStore& m_preferences;
     const Desktop* m_desktop = nullptr;
+    ColorScheme m_scheme;    // told last, maybe to an earlier run of the program
     ThemeChoice m_choice;
 };

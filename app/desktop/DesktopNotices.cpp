@@ -6,10 +6,9 @@
 
 using namespace Qt::StringLiterals;
 
-DesktopNotices::DesktopNotices(Desktop& desktop, std::function<bool()> isInFront, Clock clock,
+DesktopNotices::DesktopNotices(Desktop& desktop, std::function<bool()> isQuiet, Clock clock,
                                QObject* parent)
-    : QObject(parent), m_desktop(desktop), m_isInFront(std::move(isInFront)),
-      m_clock(std::move(clock))
+    : QObject(parent), m_desktop(desktop), m_isQuiet(std::move(isQuiet)), m_clock(std::move(clock))
 {
 }
 
@@ -44,7 +43,7 @@ void DesktopNotices::see(Work work, bool isRunning)
         return;
     const bool wasLong = m_clock() - *begun > longWork;
     m_begun.erase(begun);
-    if (!wasLong || m_isInFront())
+    if (!wasLong || m_isQuiet())
         return;
     static const std::array titles{
         u"La generación de textos ha terminado"_s, u"La exportación ha terminado"_s,

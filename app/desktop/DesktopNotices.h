@@ -18,8 +18,9 @@ public:
     using Clock = std::function<std::chrono::steady_clock::time_point()>;
     static constexpr std::chrono::seconds longWork{10};
 
-    // The arguments outlive this object. `isInFront`: whether the program has the focus.
-    DesktopNotices(Desktop& desktop, std::function<bool()> isInFront,
+    // The arguments outlive this object. `isQuiet`: whether notices are unwanted, because the
+    // program has the focus or is closing.
+    DesktopNotices(Desktop& desktop, std::function<bool()> isQuiet,
                    Clock clock = &std::chrono::steady_clock::now, QObject* parent = nullptr);
     void follow(const StudioSession& session);
     void follow(const LocalAIManager& manager);
@@ -29,7 +30,7 @@ private:
     void see(Work work, bool isRunning);
 
     Desktop& m_desktop;
-    const std::function<bool()> m_isInFront;
+    const std::function<bool()> m_isQuiet;
     const Clock m_clock;
     QHash<Work, std::chrono::steady_clock::time_point> m_begun;    // of the work under way
 };

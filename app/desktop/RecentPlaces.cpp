@@ -1,20 +1,23 @@
 #include "app/desktop/RecentPlaces.h"
 
 #include "platform/PreferencesStore.h"
-#include "platform/Workers.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QPointer>
+
+#include <mutex>
+#include <thread>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 const QString recentKey = u"moltiva.recentPlaces"_s;
+// Of the files imported at once, which are looked at while the user waits.
+constexpr qsizetype mostLookedAt = 50;
 
 QList<RecentPlace> storedPlaces(const PreferencesStore& preferences)
 {
@@ -40,6 +43,12 @@ RecentPlace placeOf(const QUrl& imported, bool isAlone)
 
 }    // namespace
 
+// Who takes what a thread has found. The thread may outlive it on a folder that does not answer.
+struct RecentPlaces::Receiver {
+    std::mutex mutex;
+    RecentPlaces* places;    // guarded by `mutex`; null: gone
+};
+
 QString RecentPlace::name() const
 {
     const QString last = QFileInfo(path).fileName();
@@ -47,8 +56,16 @@ QString RecentPlace::name() const
 }
 
 RecentPlaces::RecentPlaces(PreferencesStore& preferences, QObject* parent)
-    : QObject(parent), m_preferences(preferences), m_places(storedPlaces(preferences))
+    : QObject(parent), m_preferences(preferences), m_places(storedPlaces(preferences)),
+      m_receiver(std::make_shared<Receiver>())
 {
+    m_receiver->places = this;
+}
+
+RecentPlaces::~RecentPlaces()
+{
+    const std::scoped_lock lock(m_receiver->mutex);
+    m_receiver->places = nullptr;
 }
 
 void RecentPlaces::remember(const QList<QUrl>& imported)
@@ -59,7 +76,7 @@ void RecentPlaces::remember(const QList<QUrl>& imported)
             std::ranges::find(places, place.path, &RecentPlace::path) == places.end())
             places.append(place);
     };
-    for (const QUrl& each : imported)
+    for (const QUrl& each : imported.first(std::min(imported.size(), mostLookedAt)))
         add(placeOf(each, imported.size() == 1));
     for (const RecentPlace& place : std::as_const(m_places))
         add(place);
@@ -74,17 +91,20 @@ void RecentPlaces::look()
 {
     if (m_places.isEmpty())
         return;
-    startOnWorker([self = QPointer(this), places = m_places]() mutable {
-        for (RecentPlace& place : places)
+    if (m_isLooking) {
+        m_looksAgain = true;
+        return;
+    }
+    m_isLooking = true;
+    // Nobody waits for this thread: a network folder may never answer.
+    std::thread([receiver = m_receiver, looked = m_places]() mutable {
+        for (RecentPlace& place : looked)
             place.isLost = !QFileInfo::exists(place.path);
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [self, places] {
-                if (self)
-                    self->take(places);
-            },
-            Qt::QueuedConnection);
-    });
+        const std::scoped_lock lock(receiver->mutex);
+        if (RecentPlaces* places = receiver->places)
+            QMetaObject::invokeMethod(
+                places, [places, looked] { places->take(looked); }, Qt::QueuedConnection);
+    }).detach();
 }
 
 // Takes over what is lost. Other places may have been remembered meanwhile.
@@ -96,7 +116,10 @@ void RecentPlaces::take(const QList<RecentPlace>& looked)
         if (found != looked.end())
             place.isLost = found->isLost;
     }
+    m_isLooking = false;
     show(places);
+    if (std::exchange(m_looksAgain, false))
+        look();
 }
 
 void RecentPlaces::show(const QList<RecentPlace>& places)

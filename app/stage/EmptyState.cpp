@@ -33,10 +33,16 @@ public:
         setAccessibleDescription(toolTip());
         setProperty("focusRadius", Radius::field);
     }
+    const QString& path() const { return m_place.path; }
     QSize sizeHint() const override
     {
         const int text = qCeil(textWidth(Type::small, m_place.name()));
-        return {std::min(text, widestText) + 2 * padding + icon + gap, chipHeight};
+        return {std::min(text, widestText) + besideText, chipHeight};
+    }
+    // Narrower than sizeHint(), the chip elides the name.
+    QSize minimumSizeHint() const override
+    {
+        return {std::min(sizeHint().width(), narrowestText + besideText), chipHeight};
     }
 
 protected:
@@ -59,19 +65,23 @@ protected:
     }
 
 private:
-    static constexpr int chipHeight = 28, padding = 10, icon = 16, gap = 7, widestText = 180;
+    static constexpr int chipHeight = 28, padding = 10, icon = 16, gap = 7,
+                         besideText = 2 * padding + icon + gap, widestText = 180,
+                         narrowestText = 60;
     const RecentPlace m_place;
 };
 
 }    // namespace
 
-// The recent places in one line, as many as fit, below their title.
+// The recent places in one line below their title. Names that are too long together are narrowed;
+// what does not fit even so is hidden.
 class PlaceChips : public QWidget {
 public:
     // `before`: what comes before the chips in the order of Tab.
     PlaceChips(QWidget* before, EmptyState* state)
         : QWidget(state), m_before(before), m_state(state)
     {
+        setAccessibleRole(this, QAccessible::Grouping);
         setAccessibleName(u"Carpetas y archivos recientes"_qs);
     }
     void setPlaces(const QList<RecentPlace>& places)
@@ -79,6 +89,15 @@ public:
         if (places == m_places)
             return;
         m_places = places;
+        QString focused;    // path of the chip that has the focus
+        for (const PlaceChip* chip : std::as_const(m_chips)) {
+            if (chip == window()->focusWidget())
+                focused = chip->path();
+        }
+        // Moves the focus away before its chip is hidden: Qt would move it to another part of the
+        // window.
+        if (!focused.isEmpty())
+            m_before->setFocus(Qt::OtherFocusReason);
         for (PlaceChip* chip : std::exchange(m_chips, {})) {
             chip->hide();
             chip->deleteLater();    // it may be the one that was pressed just now
@@ -93,6 +112,10 @@ public:
                     [state = m_state, path = each.path] { Q_EMIT state->placeRequested(path); });
         }
         arrange();
+        for (PlaceChip* chip : std::as_const(m_chips)) {
+            if (chip->path() == focused && !chip->isHidden())
+                chip->setFocus(Qt::OtherFocusReason);
+        }
     }
     bool isEmpty() const { return m_chips.isEmpty(); }
 
@@ -108,13 +131,34 @@ protected:
 private:
     void arrange()
     {
+        const int widest = widestChip();
         int left = 0;
         for (PlaceChip* chip : std::as_const(m_chips)) {
-            const QSize size = chip->sizeHint();
+            const QSize size = chip->sizeHint()
+                                   .boundedTo({widest, chip->sizeHint().height()})
+                                   .expandedTo(chip->minimumSizeHint());
             chip->setGeometry(QRect(QPoint(left, placesTitle + placesGap), size));
             chip->setVisible(left + size.width() <= width());
             left += size.width() + Space::small;
         }
+    }
+
+    // The width that chips may have at most so that all fit.
+    int widestChip() const
+    {
+        QList<int> widths;
+        for (const PlaceChip* chip : m_chips)
+            widths.append(chip->sizeHint().width());
+        std::ranges::sort(widths);
+        int room = width() - Space::small * std::max(0, int(widths.size()) - 1);
+        // Narrow chips leave what they do not need to the wider ones.
+        for (qsizetype i = 0; i < widths.size(); ++i) {
+            const int share = room / int(widths.size() - i);
+            if (widths[i] > share)
+                return share;
+            room -= widths[i];
+        }
+        return width();
     }
 
     QWidget* m_before;
@@ -158,9 +202,9 @@ void EmptyState::setImport(const std::optional<ImportShown>& import)
 {
     if (import == m_import)
         return;
-    // Moves the focus here before the button that has it is hidden: Qt would move it to the panel
-    // beside the stage.
-    if (import && (m_images->hasFocus() || m_folder->hasFocus()))
+    // Moves the focus here before the button or chip that has it is hidden: Qt would move it to the
+    // panel beside the stage.
+    if (import && isAncestorOf(window()->focusWidget()))
         setFocus(Qt::OtherFocusReason);
     const bool wasImporting = std::exchange(m_import, import).has_value();
     for (QWidget* part : {static_cast<QWidget*>(m_images), static_cast<QWidget*>(m_folder),

@@ -5,6 +5,7 @@
 #include "platform/Log.h"
 
 #include <QGuiApplication>
+#include <QLocale>
 #include <QPointer>
 #include <QScreen>
 #include <QSysInfo>
@@ -22,7 +23,7 @@ QString platformLines()
     for (const QScreen* screen : connected) {
         screens.append(u"%1 × %2 a %3"_s.arg(screen->size().width())
                            .arg(screen->size().height())
-                           .arg(screen->devicePixelRatio()));
+                           .arg(QLocale().toString(screen->devicePixelRatio())));
     }
     return u"Moltiva %1\nQt %2, %3\n%4, %5\nPantallas: %6\n"_s.arg(
         AppVersion::display(), QString::fromLatin1(qVersion()), QGuiApplication::platformName(),

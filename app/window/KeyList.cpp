@@ -28,6 +28,7 @@ struct SharedKeys {
     QString text;
     QStringList held;       // the same for each
     QStringList pressed;    // one for each
+    QStringList found;      // as in KeyRow
 };
 
 QString capOf(int key)
@@ -79,9 +80,14 @@ QStringList shownCaps(const SharedKeys& keys)
 void append(QList<SharedKeys>& rows, const MenuCommand& command)
 {
     QStringList caps = command.shownKey.toString().split(u' ', Qt::SkipEmptyParts);
-    if (!command.keys.isEmpty())
-        caps = capsOf(
-            QKeySequence(command.keys.split(u' ').first().toString(), QKeySequence::PortableText));
+    QStringList found = caps;
+    for (const QStringView key : command.keys.split(u' ', Qt::SkipEmptyParts)) {
+        const QStringList keyCaps =
+            capsOf(QKeySequence(key.toString(), QKeySequence::PortableText));
+        if (caps.isEmpty())
+            caps = keyCaps;
+        found.append(keyCaps.join(u'+'));
+    }
     QString text = command.keyText.isEmpty() ? command.text : command.keyText.toString();
     if (text.endsWith(u'…'))
         text.chop(1);
@@ -90,9 +96,9 @@ void append(QList<SharedKeys>& rows, const MenuCommand& command)
     const auto same = std::ranges::find_if(
         rows, [&](const SharedKeys& row) { return row.text == text && row.held == held; });
     if (same == rows.end())
-        rows.append({text, held, pressed});
-    else
-        same->pressed += pressed;
+        return rows.append({text, held, pressed, found});
+    same->pressed += pressed;
+    same->found += found;
 }
 
 }    // namespace
@@ -102,14 +108,16 @@ QList<KeyGroup> keyGroups(const QList<MenuCommand>& commands)
     QList<KeyGroup> groups;
     for (const TopicRow& topic : topics) {
         QList<SharedKeys> rows;
-        for (const MenuCommand& command : commands) {
-            const bool hasKey = !command.keys.isEmpty() || !command.shownKey.isEmpty();
-            if (hasKey && command.topic == topic.topic)
-                append(rows, command);
+        for (const bool leads : {true, false}) {
+            for (const MenuCommand& command : commands) {
+                const bool hasKey = !command.keys.isEmpty() || !command.shownKey.isEmpty();
+                if (hasKey && command.topic == topic.topic && command.leadsTopic == leads)
+                    append(rows, command);
+            }
         }
         KeyGroup group{topic.title.toString(), {}};
         for (const SharedKeys& keys : rows)
-            group.rows.append({keys.text, shownCaps(keys)});
+            group.rows.append({keys.text, shownCaps(keys), keys.found});
         if (!group.rows.isEmpty())
             groups.append(group);
     }
@@ -122,10 +130,11 @@ QList<KeyGroup> matchingKeys(const QList<KeyGroup>& groups, const QString& searc
     QList<KeyGroup> found;
     for (KeyGroup group : groups) {
         group.rows.removeIf([&](const KeyRow& row) {
-            const QString keys = row.caps.join(u'+');
-            return !foldedForSearch(row.text).contains(wanted) &&
-                   !foldedForSearch(keys).contains(wanted) &&
-                   !foldedForSearch(row.caps.join(u' ')).contains(wanted);
+            const QStringList places =
+                QStringList{row.text, row.caps.join(u'+'), row.caps.join(u' ')} + row.found;
+            return std::ranges::none_of(places, [&](const QString& place) {
+                return foldedForSearch(place).contains(wanted);
+            });
         });
         if (!group.rows.isEmpty())
             found.append(group);

@@ -5,10 +5,14 @@
 
 struct MenuCommand;
 
+// Stands between two keys of which either will do.
+inline constexpr QStringView keyOr = u"o";
+
 // One line of the list of keys.
 struct KeyRow {
     QString text;
-    QStringList caps;    // names of keys
+    QStringList caps;          // names of keys; may contain keyOr
+    QStringList found = {};    // each key as the search finds it, such as "Ctrl+2"
     bool operator==(const KeyRow&) const = default;
 };
 
@@ -21,5 +25,6 @@ struct KeyGroup {
 // The keys of the commands. Commands with the same keyText share a line: Ctrl+1 to Ctrl+3 are shown
 // as "Ctrl", "1 a 3".
 QList<KeyGroup> keyGroups(const QList<MenuCommand>& commands);
-// The lines whose text or keys contain `search`; groups without such a line are left out.
+// The lines whose text or keys, also those not shown, contain `search`; groups without such a line
+// are left out.
 QList<KeyGroup> matchingKeys(const QList<KeyGroup>& groups, const QString& search);

@@ -8,7 +8,9 @@
 #include "app/theme/Painting.h"
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -18,11 +20,13 @@ namespace {
 constexpr QSize keysSheetSize(1120, 716);
 constexpr ColumnMeasures noColumn{.width = 0, .side = 0, .top = 0};
 constexpr int keyColumns = 3, keyColumnGap = 40, keyRowHeight = 32, keyCapHeight = 22,
-              keyCapPadding = 7, keyCapGap = 6, keyGroupGap = 16, groupTitleHeight = 28;
+              keyCapPadding = 6, keyCapGap = 5, keyGroupGap = 16, groupTitleHeight = 28;
 constexpr int searchWidth = 280, besideCross = 48;
 
 double keyCapWidth(const QString& key)
 {
+    if (key == keyOr)
+        return std::ceil(textWidth(Type::caption, key));
     return std::max(double(keyCapHeight),
                     std::ceil(textWidth(Type::caption, key)) + 2 * keyCapPadding);
 }
@@ -49,16 +53,30 @@ protected:
             const double capWidth = keyCapWidth(*key);
             left -= capWidth;
             const QRectF cap(left, (height() - keyCapHeight) / 2.0, capWidth, keyCapHeight);
-            fillRounded(painter, cap, Radius::chip, theme.control);
-            paintText(painter, cap, Qt::AlignHCenter, Type::caption, theme.text, *key,
-                      Qt::ElideNone);
+            if (*key != keyOr)
+                fillRounded(painter, cap, Radius::chip, theme.control);
+            paintText(painter, cap, Qt::AlignHCenter, Type::caption,
+                      *key == keyOr ? theme.text2 : theme.text, *key, Qt::ElideNone);
             left -= keyCapGap;
         }
-        paintText(painter, QRectF(0, 0, std::max(0.0, left - keyCapGap), height()), Qt::AlignLeft,
-                  Type::body, theme.text, m_row.text);
+        paintText(painter, QRectF(0, 0, roomForText(), height()), Qt::AlignLeft, Type::body,
+                  theme.text, m_row.text);
+    }
+    void resizeEvent(QResizeEvent*) override
+    {
+        const bool isElided = textWidth(Type::body, m_row.text) > roomForText();
+        setToolTip(isElided ? plainToolTip(m_row.text) : QString());
     }
 
 private:
+    double roomForText() const
+    {
+        double room = width() - keyCapGap;
+        for (const QString& key : m_row.caps)
+            room -= keyCapWidth(key) + keyCapGap;
+        return std::max(0.0, room);
+    }
+
     const KeyRow m_row;
 };
 
@@ -116,6 +134,7 @@ KeysSheet::KeysSheet(const QList<KeyGroup>& groups, QWidget* window)
     content()->addSpacing(Space::column);
     m_area->setFrameShape(QFrame::NoFrame);
     m_area->setFocusPolicy(Qt::NoFocus);
+    m_area->verticalScrollBar()->setSingleStep(keyRowHeight);
     m_area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_area->setWidgetResizable(true);
     m_area->viewport()->setAutoFillBackground(false);
@@ -139,6 +158,24 @@ KeysSheet::KeysSheet(const QList<KeyGroup>& groups, QWidget* window)
 QList<KeyGroup> KeysSheet::shown() const
 {
     return matchingKeys(m_groups, m_search->text());
+}
+
+// Scrolls the list: the search has no use for these keys.
+void KeysSheet::keyPressEvent(QKeyEvent* event)
+{
+    QScrollBar* bar = m_area->verticalScrollBar();
+    switch (event->key()) {
+    case Qt::Key_Up:
+        return bar->triggerAction(QAbstractSlider::SliderSingleStepSub);
+    case Qt::Key_Down:
+        return bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    case Qt::Key_PageUp:
+        return bar->triggerAction(QAbstractSlider::SliderPageStepSub);
+    case Qt::Key_PageDown:
+        return bar->triggerAction(QAbstractSlider::SliderPageStepAdd);
+    default:
+        Sheet::keyPressEvent(event);
+    }
 }
 
 void KeysSheet::showMatching()

@@ -13,6 +13,9 @@ public:
     LineField* search() const { return m_search; }
     QList<KeyGroup> shown() const;
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void showMatching();
 

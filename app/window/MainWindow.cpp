@@ -56,6 +56,7 @@
 #include <QDragEnterEvent>
 #include <QEventLoop>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QScopedValueRollback>
 #include <QScreen>
 
@@ -326,10 +327,14 @@ void MainWindow::connectAppearance()
 void MainWindow::setDesktop(Desktop& desktop)
 {
     m_appearance->follow(desktop);
-    const auto isInFront = [] { return QApplication::applicationState() == Qt::ApplicationActive; };
-    m_notices = new DesktopNotices(desktop, isInFront, &std::chrono::steady_clock::now, this);
+    const auto isQuiet = [status = QPointer(m_statusBinding.get())] {
+        return !status || status->isClosing() ||
+               QApplication::applicationState() == Qt::ApplicationActive;
+    };
+    m_notices = new DesktopNotices(desktop, isQuiet, &std::chrono::steady_clock::now, this);
     m_notices->follow(m_session);
-    connect(&desktop, &Desktop::noticePressed, this, [this] { comeForward(*this, {}); });
+    connect(&desktop, &Desktop::noticePressed, this,
+            [this](const QByteArray& token) { comeForward(*this, token); });
 }
 
 void MainWindow::setLocalEngine(LocalAIManager& manager, const LocalAIService& service)

@@ -97,6 +97,7 @@ void StatusBinding::stop()
 
 bool StatusBinding::delaysClosing()
 {
+    m_isClosing = true;
     const Activities& activities = m_session.activities();
     const Activity* delaying = activities.delayingClosing();
     if (!delaying || m_hasWaited)

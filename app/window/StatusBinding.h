@@ -22,6 +22,8 @@ public:
     // Returns whether the window must not close yet. If so, stops the activity that prevents
     // closing, and emits closeRequested() when it has ended or after the longest wait.
     bool delaysClosing();
+    // Whether the user has asked to close the window.
+    bool isClosing() const { return m_isClosing; }
     void setLongestWait(std::chrono::milliseconds wait) { m_closing.setInterval(wait); }
 
 Q_SIGNALS:
@@ -36,5 +38,5 @@ private:
     StudioSession& m_session;
     StatusLine* m_line;
     QTimer m_closing;    // runs while the window waits to close
-    bool m_hasWaited = false;
+    bool m_hasWaited = false, m_isClosing = false;
 };

@@ -34,7 +34,6 @@ QList<KeyHint> hintsOnCanvas(const Batch& batch)
     QList<KeyHint> hints;
     if (batch.items.size() > 1)
         hints.append({{u"←"_s, u"→"_s}, u"Cambiar imagen"_s});
-    hints.append({{u"Alt"_s, u"flechas"_s}, u"Mover 1 px"_s});
     hints.append({{u"Supr"_s}, isShape ? u"Eliminar forma"_s : u"Ocultar capa"_s});
     return hints;
 }
@@ -89,7 +88,9 @@ void StudioFocus::goToRegion(int step)
 void StudioFocus::endEdits()
 {
     m_shell->stage()->canvas()->interaction().cancel();
-    if (qobject_cast<LineField*>(m_window->focusWidget()))
+    // A sheet that covers the studio keeps the focus in its own fields.
+    const auto* field = qobject_cast<LineField*>(m_window->focusWidget());
+    if (field && m_shell->isAncestorOf(field))
         goToCanvas();
     m_shell->sidePanel()->endEdits();
     m_shell->viewBar()->endEdits();

@@ -51,7 +51,7 @@ QMenu* StudioMenu::menuAt(QStringView path)
 void StudioMenu::add(qsizetype index, QWidget* window)
 {
     const MenuCommand& command = m_commands[index];
-    if (command.menu.isEmpty()) {
+    if (command.menu.isEmpty()) {    // the action keeps m_actions parallel to m_commands
         m_actions.append(new QAction(command.text, m_menu));
         return;
     }

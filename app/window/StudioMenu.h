@@ -26,6 +26,7 @@ struct MenuCommand {
     QStringView shownKey = {};
     KeyTopic topic = KeyTopic::none;
     QStringView keyText = {};    // in the list of keys; empty: `text`
+    bool leadsTopic = false;     // listed before the other keys of its topic
     Icon icon = Icon::none;
     bool startsGroup = false;
     std::function<void()> run = {};

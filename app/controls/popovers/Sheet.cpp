@@ -111,10 +111,10 @@ void Sheet::present()
     place();
     show();
     raise();
-    QWidget* first = m_firstFocus ? m_firstFocus.data() : m_close;
-    first->setFocus(KeyboardFocus::reason());
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget*, QWidget* now) { keepFocus(now); });
+    QWidget* first = m_firstFocus ? m_firstFocus.data() : m_close;
+    first->setFocus(KeyboardFocus::reason());
     if (style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0 &&
         window()->isVisible()) {
         // During the animation paintEvent() paints a picture of the box. The box itself is placed
@@ -162,10 +162,20 @@ void Sheet::place()
     m_close->raise();
 }
 
-// Takes the focus back from a widget behind the sheet.
+// Takes the focus back from a widget behind the sheet, and takes it when no widget has it any more:
+// otherwise keys would not reach the sheet.
 void Sheet::keepFocus(QWidget* now)
 {
-    if (!now || now->window() != window() || !isVisible())
+    if (!now) {
+        // Queued, because the widget that loses the focus may be on its way out or hand it on.
+        const auto take = [this] {
+            if (m_isPresented && window()->isActiveWindow() && !window()->focusWidget())
+                setFocus(Qt::OtherFocusReason);
+        };
+        QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
+        return;
+    }
+    if (now->window() != window() || !isVisible())
         return;
     if (isAncestorOf(now))
         m_last = now;

@@ -59,8 +59,14 @@ TEST_F(AppearanceTest, isDarkUntilChosenAndFollowsTheDesktopOnlyIfWanted)
     Appearance next(preferences);
     EXPECT_EQ(next.choice(), ThemeChoice::system);
     EXPECT_FALSE(next.isSchemeKnown());
-    EXPECT_FALSE(isProgramLight()) << "a desktop that tells nothing";
+    EXPECT_TRUE(isProgramLight()) << "as the desktop was last";
     next.follow(desktop);
+    EXPECT_TRUE(isProgramLight());
+    desktop.prefer({});
+    EXPECT_FALSE(isProgramLight()) << "a desktop that prefers nothing";
+    EXPECT_FALSE(Appearance(preferences).isSchemeKnown());
+    EXPECT_FALSE(isProgramLight()) << "also at the next start";
+    desktop.prefer({.scheme = ColorScheme::light});
     EXPECT_TRUE(isProgramLight());
     next.choose(ThemeChoice::dark);
     EXPECT_FALSE(isProgramLight());

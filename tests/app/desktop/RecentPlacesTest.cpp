@@ -74,6 +74,7 @@ TEST_F(RecentPlacesTest, whatIsGoneIsMarkedUntilItIsBack)
                    recent.places().value(1).isLost == second;
         });
     };
+    recent.look();    // what it has found may be outdated by the next call
     ASSERT_TRUE(QDir().rmdir(gone.toLocalFile()));
     EXPECT_TRUE(areLost(true, false));
     folder(u"se va"_s);

@@ -4,6 +4,10 @@
 #include "app/window/StudioMenu.h"
 #include "tests/app/Events.h"
 
+#include <QScrollArea>
+#include <QScrollBar>
+
+#include <QtTest/QTest>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -48,7 +52,7 @@ QList<MenuCommand> commands()
         {.menu = u"Ver", .text = u"Sin tecla"_s, .topic = KeyTopic::layers},
         {.menu = {},
          .text = u"Editar también"_s,
-         .shownKey = u"F2",
+         .shownKey = u"o F2",
          .topic = KeyTopic::layers,
          .keyText = u"Editar"}};
 }
@@ -60,7 +64,7 @@ TEST(KeysSheet, linesAreThoseOfTheCommandsAndTheSearchFindsActionsAndKeys)
     const QStringList whole{u"Lote e imágenes"_s,
                             u"Importar imágenes: Ctrl O"_s,
                             u"Textos y formas"_s,
-                            u"Editar: Intro F2"_s,
+                            u"Editar: Intro o F2"_s,
                             u"Foto"_s,
                             u"Acercar: Ctrl +"_s,
                             u"Formato y panel"_s,
@@ -77,13 +81,20 @@ TEST(KeysSheet, linesAreThoseOfTheCommandsAndTheSearchFindsActionsAndKeys)
     };
     for (const Case& c :
          {Case{u"IMAGENES"_s, {u"Lote e imágenes"_s, u"Importar imágenes: Ctrl O"_s}},
-          Case{u"f2"_s, {u"Textos y formas"_s, u"Editar: Intro F2"_s}},
+          Case{u"f2"_s, {u"Textos y formas"_s, u"Editar: Intro o F2"_s}},
+          Case{u"Ctrl+2"_s, {u"Formato y panel"_s, u"Ficha: Ctrl 1 a 3"_s}},
+          Case{u"ctrl+="_s, {u"Foto"_s, u"Acercar: Ctrl +"_s}},
           Case{u"ctrl+o"_s, {u"Lote e imágenes"_s, u"Importar imágenes: Ctrl O"_s}},
           Case{u" ctrl  o "_s, {u"Lote e imágenes"_s, u"Importar imágenes: Ctrl O"_s}},
           Case{u"nada"_s, {}}, Case{QString(), whole}}) {
         sheet.search()->setText(c.search);
         EXPECT_EQ(linesOf(sheet.shown()), c.found) << qPrintable(c.search);
     }
+    const auto* bar = sheet.findChild<QScrollArea*>()->verticalScrollBar();
+    window.resize(1200, 240);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return bar->maximum() > 0; }));
+    type(*sheet.search(), Qt::Key_PageDown);
+    EXPECT_GT(bar->value(), 0);
     sheet.search()->setText(u"nada"_s);
     EXPECT_TRUE(named<QWidget>(&sheet, u"Ninguna tecla coincide."_s));
 

@@ -84,9 +84,22 @@ TEST_F(MainWindowTest, everyKeyIsInTheListOfKeys)
         const bool hasKey = !command.keys.isEmpty() || !command.shownKey.isEmpty();
         EXPECT_EQ(command.topic != KeyTopic::none, hasKey) << qPrintable(command.text);
     }
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     window.menu()->action(u"Atajos de teclado"_s)->trigger();
     auto* keys = window.findChild<KeysSheet*>();
     ASSERT_TRUE(keys && keys->isPresented());
+    EXPECT_EQ(window.focusWidget(), keys->search());
+    const QList<KeyRow> images = keys->shown().first().rows;
+    EXPECT_EQ(images.value(0).text, u"Imagen anterior, siguiente"_s);
+    EXPECT_EQ(images.value(1).text, u"Desde cualquier sitio"_s);
+    type(*keys->search(), Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.focusWidget() == keys; }));
+    type(*keys, Qt::Key_Escape);
+    EXPECT_FALSE(keys->isPresented());
+
+    window.menu()->action(u"Atajos de teclado"_s)->trigger();
+    EXPECT_TRUE(keys->isPresented());
     EXPECT_FALSE(window.menu()->action(u"Importar imágenes…"_s)->isEnabled());
     type(*keys->search(), Qt::Key_Escape);
     EXPECT_FALSE(keys->isPresented());
