@@ -118,6 +118,7 @@ QCoro::Task<bool> AccountSession::perform(Work work)
             tell(*failure, told);
         else
             Q_EMIT changed();
+        actOnLinksLater();
     }
     co_return !failure;
 }
@@ -170,21 +171,21 @@ QCoro::Task<> AccountSession::check()
 // fallback settings.
 QCoro::Task<> AccountSession::configure()
 {
-    co_await askConfiguration(CloudCopyConfig::fallback());
+    co_await askConfiguration(WithoutReply::useFallback);
 }
 
 QCoro::Task<QString> AccountSession::refreshConfiguration()
 {
-    return askConfiguration(m_cloudCopyConfig);
+    return askConfiguration(WithoutReply::keep);
 }
 
-// Sets the settings to `otherwise` if the service does not answer, and returns why.
-QCoro::Task<QString> AccountSession::askConfiguration(CloudCopyConfig otherwise)
+// Requests the settings. Returns why there is no reply; empty if there is one.
+QCoro::Task<QString> AccountSession::askConfiguration(WithoutReply withoutReply)
 {
     const QPointer<AccountSession> self = this;
     const std::stop_token ended = m_stop.get_token();
     const int question = ++m_configurationQuestion;
-    CloudCopyConfig configuration = otherwise;
+    std::optional<CloudCopyConfig> configuration;
     QString failure;
     QCoro::Task<CloudCopyConfig> asking = m_api.socialCopyConfig(ended);
     try {
@@ -192,11 +193,17 @@ QCoro::Task<QString> AccountSession::askConfiguration(CloudCopyConfig otherwise)
     } catch (const std::exception& error) {
         failure = readable(error);
     }
-    // If `question` is no longer the last one, this function was called again, and that call's
-    // reply is newer.
-    if (self && !ended.stop_requested() && question == m_configurationQuestion &&
-        m_cloudCopyConfig != configuration) {
-        m_cloudCopyConfig = configuration;
+    if (!self || ended.stop_requested())
+        co_return failure;
+    // Requests overlap. A reply counts unless that to a later request has come before it; a failure
+    // counts only of the last request.
+    if (configuration && question > m_configurationVersion) {
+        m_configurationVersion = question;
+        m_cloudCopyConfig = *configuration;
+        Q_EMIT changed();
+    } else if (!configuration && question == m_configurationQuestion &&
+               withoutReply == WithoutReply::useFallback) {
+        m_cloudCopyConfig = CloudCopyConfig::fallback();
         Q_EMIT changed();
     }
     co_return failure;
@@ -230,9 +237,12 @@ QCoro::Task<bool> AccountSession::refreshSilently()
             receive(account);
         if (!m_balanceSync.isActive())
             syncWhileSignedIn();
+        actOnLinksLater();
         co_return true;
     } catch (const std::exception&) {
     }
+    if (!stop.stop_requested())
+        actOnLinksLater();
     co_return false;
 }
 
@@ -297,8 +307,8 @@ void AccountSession::changeUser(const AccountSummary& account)
 {
     if (account.profile || isAuthenticated())
         ++m_signIn;
-    m_isGoogleLoginPending =
-        false;    // an answer that still comes is no longer what the user wants
+    // An answer that still comes is no longer what the user wants.
+    m_isGoogleLoginPending = false;
     if (!account.profile)
         m_askedToken.reset();
     if (!account.profile || userOf(account) != userOf(m_account)) {

@@ -64,6 +64,8 @@ public:
     // without a pending checkout.
     QUrl checkoutPage() const { return m_pendingCheckout ? m_checkoutPage : QUrl(); }
     const CloudCopyConfig& cloudCopyConfig() const { return m_cloudCopyConfig; }
+    // Rises whenever the service has sent its settings.
+    int configurationVersion() const { return m_configurationVersion; }
     const QList<PurchaseHistoryItem>& purchaseHistory() const { return m_purchaseHistory; }
     // Rises by one whenever a social network was connected.
     int socialConnectionRefreshToken() const { return m_socialConnectionRefreshToken; }
@@ -127,7 +129,8 @@ public:
 
 private:
     enum class Told { info, problem, unreachable, signedOut };
-    enum class Move { reserve, refund };    // what moveCredits() does
+    enum class Move { reserve, refund };              // what moveCredits() does
+    enum class WithoutReply { keep, useFallback };    // what becomes of the settings
 
     // Runs an action of the user: counts it in m_actions, reports its failure and returns whether
     // it succeeded. The coroutine of `work` may use `this` whenever it resumes after a request: the
@@ -148,7 +151,7 @@ private:
     QCoro::Task<> startGoogleLogin();
     QCoro::Task<> moveCredits(Move move, qint64 cost, QString requestId);
     QCoro::Task<> configure();
-    QCoro::Task<QString> askConfiguration(CloudCopyConfig otherwise);
+    QCoro::Task<QString> askConfiguration(WithoutReply withoutReply);
 
     void receive(const AccountSummary& account);
     void changeUser(const AccountSummary& account);
@@ -159,6 +162,7 @@ private:
     static Told toldOf(const std::exception& failure);
     void openInBrowser(const QUrl& url);    // throws AccountError on failure
     void actOnLinks();
+    void actOnLinksLater();
     void handleAuthCallback(const QUrl& url);
     void exchange(const QString& token);
     void handleSocialConnectionCallback(const QUrl& url);
@@ -167,8 +171,9 @@ private:
     const Surroundings m_surroundings;
     AccountSummary m_account;
     int m_accountVersion = 0;    // rises with every change; replies to earlier requests are stale
-    int m_configurationQuestion = 0;    // number of the last request for m_cloudCopyConfig
-    int m_signIn = 0;                   // rises whenever somebody signs in or out
+    // Numbers of the last request for m_cloudCopyConfig, and of that whose reply it is.
+    int m_configurationQuestion = 0, m_configurationVersion = 0;
+    int m_signIn = 0;    // rises whenever somebody signs in or out
     bool m_isLoading = false, m_isSigningInOverWindow = false;
     bool m_isChecked = false;               // bootstrap() has ended
     bool m_isGoogleLoginPending = false;    // openGoogleLogin() awaits its link

@@ -64,9 +64,8 @@ QCoro::Task<> AccountSession::enter(QCoro::Task<AccountSummary> signingIn, QStri
     ++m_signInsUnderWay;
     const auto end = qScopeGuard([this, ended] {
         --m_signInsUnderWay;
-        // Queued, so that this sign-in is told before the next link is acted on.
         if (!ended.stop_requested())
-            QMetaObject::invokeMethod(this, &AccountSession::actOnLinks, Qt::QueuedConnection);
+            actOnLinksLater();
     });
     const AccountSummary account = co_await std::move(signingIn);
     changeUser(account);
@@ -143,13 +142,19 @@ QCoro::Task<> AccountSession::startGoogleLogin()
 {
     const QPointer<AccountSession> self = this;
     m_isSigningInOverWindow = false;
+    m_isGoogleLoginPending = true;
     tell(u"Completa el acceso con Google."_s);
-    co_await m_api.locate();
+    try {
+        co_await m_api.locate();
+    } catch (const std::exception&) {
+        if (self)
+            m_isGoogleLoginPending = false;
+        throw;
+    }
     if (!self)
         co_return;
     const QUrl url = m_api.googleOAuthURL();
     WebAuthentication* overWindow = m_surroundings.webAuthentication;
-    m_isGoogleLoginPending = true;
     if (overWindow && overWindow->start(url, linkScheme, &postGoogleAuthenticationResult)) {
         m_isSigningInOverWindow = true;
         co_return;
@@ -198,12 +203,22 @@ bool AccountSession::handleDeepLink(const QUrl& url)
 void AccountSession::actOnLinks()
 {
     while (!m_links.isEmpty() && m_isChecked && !m_isLoading && m_signInsUnderWay == 0) {
+        const bool isAuth = m_links.first().host() == u"auth"_s;
+        // Whether the link may replace an account is known only once the service has answered.
+        if (isAuth && mayBeSignedIn() && !m_isGoogleLoginPending)
+            return;
         const QUrl url = m_links.takeFirst();
-        if (url.host() == u"auth"_s)
+        if (isAuth)
             handleAuthCallback(url);
         else
             handleSocialConnectionCallback(url);
     }
+}
+
+// Queued, so that what has just ended is told before the next link is acted on.
+void AccountSession::actOnLinksLater()
+{
+    QMetaObject::invokeMethod(this, &AccountSession::actOnLinks, Qt::QueuedConnection);
 }
 
 void AccountSession::handleAuthCallback(const QUrl& url)

@@ -69,6 +69,7 @@ int printProgramHelp(const QStringList&)
                    "Uso:\n"
                    "  moltiva                      abre la ventana\n"
                    "  moltiva FOTO|CARPETA…        abre la ventana con esas fotos\n"
+                   "  moltiva ENLACE               abre en la ventana un enlace moltiva:\n"
                    "  moltiva ORDEN [opciones]     trabaja sin ventana\n\n"
                    "Órdenes:\n"_s;
     for (const Command& command : commands)

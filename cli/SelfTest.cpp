@@ -59,7 +59,8 @@ QByteArray embedded(const QString& name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// A small photo of each format: red above, blue below, and upright only where the file says how.
+// A small photo of each format, red above blue. The pixels of the JPEG file are stored turned, with
+// the orientation that sets them upright.
 struct SamplePhoto {
     QStringView check, title, file;
 };
@@ -76,9 +77,12 @@ constexpr QSize sampleSize{16, 24};
 
 QString problemOfPhoto(const SamplePhoto& sample, const QString& folder)
 {
+    const QByteArray bytes = embedded(sample.file.toString());
+    if (bytes.isEmpty())
+        return u"falta la foto de prueba del programa."_s;
     // The decoder reads files, not resources.
     QFile file(folder + u'/' + sample.file.toString());
-    if (!file.open(QIODevice::WriteOnly) || file.write(embedded(sample.file.toString())) <= 0)
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
         return u"no se puede escribir en la carpeta temporal."_s;
     file.close();
     const std::optional<QImage> photo = decodePhoto(file.fileName(), PhotoLevel::full);

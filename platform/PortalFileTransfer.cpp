@@ -8,6 +8,8 @@
 #include <QMimeData>
 #include <QVariantMap>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -15,12 +17,23 @@ namespace {
 constexpr int longestPortalWait = 10'000;    // ms
 constexpr qsizetype longestKey = 256;
 
+QStringList transferFormats()
+{
+    return {u"application/vnd.portal.filetransfer"_s, u"application/vnd.portal.files"_s};
+}
+
 }    // namespace
+
+bool offersPortalFiles(const QMimeData& data)
+{
+    const QStringList formats = transferFormats();
+    return std::ranges::any_of(formats,
+                               [&data](const QString& format) { return data.hasFormat(format); });
+}
 
 QByteArray portalTransferKey(const QMimeData& data)
 {
-    for (const QString& format :
-         {u"application/vnd.portal.filetransfer"_s, u"application/vnd.portal.files"_s}) {
+    for (const QString& format : transferFormats()) {
         QByteArray key = data.data(format);
         while (key.endsWith('\0') || key.endsWith('\n'))
             key.chop(1);

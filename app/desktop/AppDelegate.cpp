@@ -9,8 +9,6 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 // Posts the notification for Ctrl+Z or Ctrl+Shift+Z wherever the focus is, and consumes the key, so

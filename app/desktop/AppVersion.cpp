@@ -31,6 +31,16 @@ QStringView takePart(QStringView& text)
     return part;
 }
 
+// What follows a whole version: positive if it makes that version newer, negative if it marks one
+// that comes before it, as in "1.0-rc1".
+int orderOfRest(QStringView rest)
+{
+    if (rest.isEmpty())
+        return 0;
+    const QChar first = rest.front();
+    return first == u'-' || first == u'~' || first.isLetter() ? -1 : 1;
+}
+
 // Negative if `left` is older than `right`, 0 if equal, positive if newer. Numbers may have any
 // length.
 int compareVersions(QStringView left, QStringView right)
@@ -43,7 +53,7 @@ int compareVersions(QStringView left, QStringView right)
         if (const int order = a.compare(b, Qt::CaseInsensitive); order != 0)
             return order;
     }
-    return int(!left.isEmpty()) - int(!right.isEmpty());
+    return orderOfRest(left) - orderOfRest(right);
 }
 
 }    // namespace
@@ -66,6 +76,9 @@ QString AppVersion::display()
 
 bool AppVersion::isRemoteVersionNewer(const std::optional<QString>& remote)
 {
-    const QString version = remote.value_or(QString()).trimmed();
-    return !version.isEmpty() && compareVersions(version, current()) > 0;
+    QString version = remote.value_or(QString()).trimmed();
+    if (version.startsWith(u'v'))
+        version.remove(0, 1);
+    return !version.isEmpty() && isVersionDigit(version.front()) &&
+           compareVersions(version, current()) > 0;
 }

@@ -10,8 +10,8 @@ namespace AppVersion {
 QString current();
 QString build();      // rises with every release of the same version
 QString display();    // version and build
-// Compares digits as numbers and other characters alphabetically, part by part. False without a
-// remote version.
+// Compares digits as numbers and other characters alphabetically, part by part. A version that goes
+// on with "-" or a letter comes before the one without. False for what is no version.
 bool isRemoteVersionNewer(const std::optional<QString>& remote);
 
 }    // namespace AppVersion

@@ -11,6 +11,7 @@
 #include <QIODevice>
 #include <QLocalServer>
 #include <QLocalSocket>
+#include <QRegularExpression>
 #include <QThread>
 #include <QTimer>
 
@@ -80,12 +81,13 @@ InstanceClaim claimInstance(const QString& dataFolder, const OpenRequest& reques
 
 QList<QUrl> addressesOf(const QStringList& arguments)
 {
+    static const QRegularExpression scheme(u"^[A-Za-z][A-Za-z0-9+.-]+:"_s);
     QList<QUrl> addresses;
     for (const QString& argument : arguments) {
         const QFileInfo file(argument);
-        const QUrl address(argument, QUrl::StrictMode);
-        const bool isAddress = !file.exists() && address.isValid() && address.scheme().size() > 1;
-        addresses.append(isAddress ? address : QUrl::fromLocalFile(file.absoluteFilePath()));
+        const bool isAddress = !file.exists() && scheme.match(argument).hasMatch();
+        addresses.append(isAddress ? QUrl(argument, QUrl::TolerantMode)
+                                   : QUrl::fromLocalFile(file.absoluteFilePath()));
     }
     return addresses;
 }

@@ -13,8 +13,8 @@ using namespace std::chrono_literals;
 namespace {
 
 const QString lastCheckKey = u"moltiva.lastUpdateCheck"_s;    // time of the last daily question
-constexpr auto firstWait = 15s;    // leaves the start to what the user waits for
-constexpr auto lookingPause = 1h;
+constexpr auto firstWait = 15s;      // from the start, so as not to slow it down
+constexpr auto lookingPause = 1h;    // between two looks whether the daily question is due
 
 OfferedVersion versionForThisPlatform(const CloudCopyConfig& config)
 {
@@ -49,12 +49,17 @@ UpdateController::UpdateController(AccountSession& account, PreferencesStore& pr
 
 OfferedVersion UpdateController::offered() const
 {
-    if (m_hasFailed)
+    if (hasFailed())
         return {};
     OfferedVersion offered = versionForThisPlatform(m_account.cloudCopyConfig());
     if (!isSafe(offered.download))
         offered.download.reset();
     return offered;
+}
+
+bool UpdateController::hasFailed() const
+{
+    return m_failedVersion == m_account.configurationVersion();
 }
 
 void UpdateController::checkForUpdates()
@@ -86,11 +91,12 @@ QCoro::Task<> UpdateController::check(Occasion occasion)
     const QPointer<UpdateController> self = this;
     m_isChecking = true;
     Q_EMIT changed();
+    const int before = m_account.configurationVersion();
     const QString failure = co_await m_account.refreshConfiguration();
     if (!self)
         co_return;
     m_isChecking = false;
-    m_hasFailed = !failure.isEmpty();
+    m_failedVersion = failure.isEmpty() ? std::nullopt : std::optional(before);
     Q_EMIT changed();
     const OfferedVersion newest = offered();
     const QString version = shownLine(newest.version.value_or(QString()));
@@ -102,7 +108,7 @@ QCoro::Task<> UpdateController::check(Occasion occasion)
                       .arg(version)
                 : u"Hay una versión nueva de Moltiva, la %1, todavía sin descarga."_s.arg(version),
             false);
-    else if (wasAsked && m_hasFailed)
+    else if (wasAsked && hasFailed())
         Q_EMIT told(u"No se ha podido saber si hay una versión nueva. %1"_s.arg(failure), true);
     else if (wasAsked && version.isEmpty())
         Q_EMIT told(

@@ -30,7 +30,7 @@ public:
                      Calendar calendar = &QDateTime::currentDateTimeUtc);
 
     // What the service has sent, for the platform of this program. Nothing after a question that
-    // failed, until the next one.
+    // failed, until the service sends it again.
     OfferedVersion offered() const;
     bool isChecking() const { return m_isChecking; }
     // Asks now, and tells what came of it. Does nothing while a question is under way.
@@ -46,10 +46,13 @@ Q_SIGNALS:
 private:
     enum class Occasion { userAsked, daily };
     QCoro::Task<> check(Occasion occasion);
+    bool hasFailed() const;
 
     AccountSession& m_account;
     PreferencesStore& m_preferences;
     const Calendar m_calendar;
     QTimer m_daily;
-    bool m_isChecking = false, m_hasFailed = false;
+    bool m_isChecking = false;
+    // The account's configurationVersion() before the last question, if that failed.
+    std::optional<int> m_failedVersion;
 };

@@ -38,9 +38,9 @@ public:
     // Asks the window manager to activate the window, for an action of the user at `time`.
     void activate(xcb_window_t window, xcb_timestamp_t time) const
     {
-        const auto usual = 1u;    // the source of the request is a program, not a taskbar
+        constexpr uint32_t sourceProgram = 1;    // not a taskbar or pager
         xcb_client_message_event_t message = messageTo(window, "_NET_ACTIVE_WINDOW", 32);
-        message.data.data32[0] = usual;
+        message.data.data32[0] = sourceProgram;
         message.data.data32[1] = time;
         send(message, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
     }
@@ -119,8 +119,8 @@ void comeForward(QWidget& window, const QByteArray& token)
     if (!token.isEmpty())
         qputenv(waylandVariable, token);
     window.activateWindow();
-    qunsetenv(
-        waylandVariable);    // used up: programs that are started from here have no part in it
+    // A token serves once; programs that are started from here must not inherit it.
+    qunsetenv(waylandVariable);
 #if defined(Q_OS_LINUX)
     activateUnderX11(window, token);
 #endif

@@ -15,7 +15,7 @@ namespace {
 const QString linkType = u"x-scheme-handler/moltiva"_s;
 const QString installedEntry = u"moltiva.desktop"_s, ownEntry = u"moltiva-user.desktop"_s;
 const QString defaultsGroup = u"Default Applications"_s;
-constexpr qint64 largestFile = 1 << 20;    // bytes; a larger one is none of the desktop's files
+constexpr qint64 largestFile = 1 << 20;    // bytes; larger files are not read
 
 // The lines of a file; nothing if it cannot be read as a whole.
 std::optional<QList<QByteArray>> linesOf(const QString& path)
@@ -23,9 +23,17 @@ std::optional<QList<QByteArray>> linesOf(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile)
         return std::nullopt;
+    const qint64 size = file.size();
+    const QByteArray text = file.read(largestFile + 1);
+    if (file.error() != QFileDevice::NoError || text.size() != size)
+        return std::nullopt;
     QList<QByteArray> lines;
-    while (!file.atEnd())
-        lines.append(file.readLine());
+    for (qsizetype start = 0; start < text.size();) {
+        const qsizetype end = text.indexOf('\n', start);
+        const qsizetype next = end < 0 ? text.size() : end + 1;
+        lines.append(text.mid(start, next - start));
+        start = next;
+    }
     return lines;
 }
 
@@ -164,8 +172,8 @@ bool writeOwnEntry(const XdgFolders& folders, const QString& program)
            writeWhole(folders.data.first() + u"/applications/"_s + ownEntry, text.toUtf8());
 }
 
-// Puts `entry` first among the programs that the user has chosen for the links, and leaves every
-// other line of the file as it is.
+// Puts `entry` first among the programs that the user has chosen for the links, takes the user's
+// own entry away if it is another, and leaves every other line of the file as it is.
 void choose(const XdgFolders& folders, const QString& entry)
 {
     const QString path = folders.config.first() + u"/mimeapps.list"_s;
@@ -176,6 +184,7 @@ void choose(const XdgFolders& folders, const QString& entry)
     const QList<KeyLine> keys = keysIn(kept);
     QStringList entries = valueOf(keys, defaultsGroup, linkType).split(u';', Qt::SkipEmptyParts);
     entries.removeAll(entry);
+    entries.removeAll(ownEntry);
     entries.prepend(entry);
     const QByteArray line = (linkType + u'=' + entries.join(u';') + u";\n"_s).toUtf8();
     const auto old = std::ranges::find_if(keys, [](const KeyLine& each) {
@@ -247,14 +256,13 @@ QString linkHandler(const XdgFolders& folders)
 
 void registerLinkHandler(const XdgFolders& folders, const QString& program)
 {
-    const bool isInstalled = serves(folders, installedEntry, program);
-    if (isInstalled && programOfEntry(folders, ownEntry).isEmpty())
+    const QString handler = linkHandler(folders);
+    const bool isServed = !handler.isEmpty() && serves(folders, handler, program);
+    if (serves(folders, installedEntry, program)) {
+        if (!isServed || handler == ownEntry)
+            choose(folders, installedEntry);
         QFile::remove(folders.data.value(0) + u"/applications/"_s + ownEntry);
-    if (const QString handler = linkHandler(folders);
-        !handler.isEmpty() && serves(folders, handler, program))
-        return;
-    if (isInstalled)
-        choose(folders, installedEntry);
-    else if (!folders.data.isEmpty() && writeOwnEntry(folders, program))
+    } else if (!isServed && !folders.data.isEmpty() && writeOwnEntry(folders, program)) {
         choose(folders, ownEntry);
+    }
 }

@@ -53,18 +53,19 @@ UpdatesDetailPanel::UpdatesDetailPanel(QWidget* parent)
     rows()->addSpacing(Space::hair);
     rows()->addLayout(buttons);
     rows()->addStretch(1);
-    m_install->setEnabled(false);
-    m_install->setToolTip(u"Esta copia de Moltiva no se actualiza por sí sola."_s);
     connect(m_check, &PushButton::clicked, this, [this] {
         form()->clearNotice();
         form()->attend(m_check);
         Q_EMIT checkRequested();
     });
-    connect(m_direct, &PushButton::clicked, this, [this] {
-        form()->clearNotice();
-        form()->attend(m_direct);
-        Q_EMIT downloadRequested(m_download);
-    });
+    // Nothing installs itself: both open the download in the browser.
+    for (PushButton* button : {m_install, m_direct}) {
+        connect(button, &PushButton::clicked, this, [this, button] {
+            form()->clearNotice();
+            form()->attend(button);
+            Q_EMIT downloadRequested(m_download);
+        });
+    }
     setLatest({}, {});
 }
 
@@ -92,8 +93,10 @@ void UpdatesDetailPanel::setLatest(const std::optional<QString>& version,
     m_install->setVisible(isNewer);
     m_download = download.value_or(QUrl());
     const bool isOffered = m_download.isValid();
-    m_direct->setEnabled(isOffered);
-    m_direct->setToolTip(isOffered ? QString() : u"Tallerio no ofrece ninguna descarga ahora."_s);
+    for (PushButton* button : {m_install, m_direct}) {
+        button->setEnabled(isOffered);
+        button->setToolTip(isOffered ? QString() : u"Tallerio no ofrece ninguna descarga ahora."_s);
+    }
 }
 
 void UpdatesDetailPanel::setChecking(bool isChecking)

@@ -294,9 +294,13 @@ void MainWindow::followNotifications()
     center.subscribe(Notification::redoRequested, this,
                      [this](const QVariant&) { shortcuts().onRedo(); });
     center.subscribe(Notification::deepLinkReceived, this, [this](const QVariant& link) {
-        if (!AccountSession::isDeepLink(link.toUrl()))
-            m_session.setStatus(u"Moltiva no reconoce el enlace que se ha abierto."_s,
-                                StatusKind::warning);
+        const QUrl url = link.toUrl();
+        if (AccountSession::isDeepLink(url))
+            return;
+        const bool isElsewhere = url.isValid() && url.scheme() != u"moltiva"_s;
+        m_session.setStatus(isElsewhere ? u"Moltiva solo abre fotos que están en este equipo."_s
+                                        : u"Moltiva no reconoce el enlace que se ha abierto."_s,
+                            StatusKind::warning);
     });
 }
 
@@ -389,6 +393,8 @@ void MainWindow::lockStudio()
     m_shell->setEnabled(!isGated());
     m_shell->setCovered(isLocked);
     showHints();
+    if (!isLocked && !m_dropped.isEmpty())
+        openWaiting();
 }
 
 void MainWindow::openWaiting()
@@ -529,7 +535,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     const QList<QUrl> files = FileIntake::localFiles(event->mimeData());
-    if ((files.isEmpty() && portalTransferKey(*event->mimeData()).isEmpty()) || isSheetPresented())
+    if ((files.isEmpty() && !offersPortalFiles(*event->mimeData())) || isSheetPresented())
         return;
     if (!isGated())
         m_shell->dropVeil()->offer(m_files->offerOf(files));
@@ -548,9 +554,10 @@ void MainWindow::dropEvent(QDropEvent* event)
     m_files->receive(*event->mimeData());
 }
 
+// The files of a drop may come late, when a sheet has been opened meanwhile.
 void MainWindow::drop(const QList<QUrl>& files)
 {
-    if (!isGated())
+    if (!isGated() && !isSheetPresented())
         return m_files->drop(files);
     m_dropped += files;
     showWaiting();

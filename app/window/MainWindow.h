@@ -130,7 +130,7 @@ private:
     AuthGateView* m_gate;
     std::unique_ptr<AccountBinding> m_accountBinding;
     // Files that wait until somebody signs in. m_waitingOpened: opened by another program.
-    // m_dropped: dropped on the window.
+    // m_dropped: dropped on the window; these also wait until no sheet is presented.
     QList<QUrl> m_waitingOpened, m_dropped;
     // m_hasImported: whether photos were imported, in this run of the program or an earlier one.
     // m_wasEmpty: whether the window has been without images in this run.

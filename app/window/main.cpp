@@ -29,6 +29,7 @@
 #include <QFileInfo>
 #include <QLibraryInfo>
 #include <QScopeGuard>
+#include <QSessionManager>
 #include <QTranslator>
 
 #include <cstdio>
@@ -146,7 +147,6 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     prepare(application);
     // The name of the desktop entry, by which the desktop knows the window's icon and title.
     QGuiApplication::setDesktopFileName(programName());
-    requireResources();
     const SingleInstance instance(userDataFolder());
     dress(application, darkTheme());
     PreferencesStore preferences(userDataFolder() + u"/moltiva.sqlite"_s);
@@ -174,6 +174,13 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     onEndingSignals(application, &QCoreApplication::quit);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &window,
                      &MainWindow::settleBeforeLogout);
+    // Restarted by a session manager, the program would get arguments that it does not know.
+    for (const auto request :
+         {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest}) {
+        QObject::connect(&application, request, &window, [](QSessionManager& manager) {
+            manager.setRestartHint(QSessionManager::RestartNever);
+        });
+    }
     qCInfo(logProgram).noquote() << "window of" << AppVersion::display() << "on"
                                  << QGuiApplication::platformName();
     const StartUpNotes notes(window, sinceStart);
@@ -199,6 +206,7 @@ int main(int argc, char** argv)
 
     QCoreApplication::setApplicationName(programName());
     startLog(logFile(), arguments.removeAll(u"--verbose"_s) > 0);
+    requireResources();
     const ServiceConfiguration configuration = takenConfiguration(arguments, configurationFile());
     if (isCommandLine(arguments)) {
         // Prevents Qt from ending the process when there is no display.

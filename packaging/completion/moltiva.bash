@@ -3,12 +3,25 @@
 _moltiva()
 {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
-    local command=${COMP_WORDS[1]} options='' words='' files=''
+    local command='' at=1 options='' words='' files=''
     # Photographs as the program reads them.
     local photos='!*.@(jpg|jpeg|png|heic|heif|tif|tiff|webp|bmp|gif|JPG|JPEG|PNG|HEIC|HEIF|TIF|TIFF|WEBP|BMP|GIF)'
     COMPREPLY=()
-    # bash takes the colon of an address for a word of its own.
-    [[ $COMP_CWORD -eq 1 ]] && command=''
+    # Options that every command takes may stand before it. bash takes the colon of an address for a word of its own.
+    while [[ $at -lt $COMP_CWORD ]]; do
+        case ${COMP_WORDS[at]} in
+            --verbose) ((at += 1)) ;;
+            --service | --site)
+                ((at += 2))
+                while [[ ${COMP_WORDS[at]} == : ]]; do ((at += 2)); done
+                ;;
+            *)
+                command=${COMP_WORDS[at]}
+                break
+                ;;
+        esac
+    done
+    [[ $at -gt $COMP_CWORD ]] && return
 
     case $command in
         export)
@@ -34,7 +47,7 @@ _moltiva()
         --self-test) options='--json' ;;
         *)
             options='--version --self-test'
-            [[ $COMP_CWORD -eq 1 ]] &&
+            [[ -z $command ]] &&
                 words='export generate publish networks connect local login register logout account history'
             files=$photos
             ;;

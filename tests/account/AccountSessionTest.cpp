@@ -353,6 +353,22 @@ TEST_F(AccountSessionTest, ALinkReplacesNoSignedInAccountUnlessTheUserAgrees)
     EXPECT_EQ(exchanged(), 3);
 }
 
+TEST_F(AccountSessionTest, ALinkReplacesNoSessionThatTheServiceHasNotConfirmedYet)
+{
+    preferences.setValue(u"tallerioSessionCookieHeader"_s, "tallerio_session=abc");
+    AccountAPI holding(server.configuration(), preferences);
+    AccountSession one(holding, surroundings());
+    const QByteArray signedIn = std::exchange(answers["/api/auth/me"], "503");
+    EXPECT_FALSE(awaited(one.bootstrap()));
+    ASSERT_TRUE(one.mayBeSignedIn());
+    one.handleDeepLink(QUrl(u"moltiva://auth?token=t"_s));
+    EXPECT_FALSE(one.isWorking());
+    answers["/api/auth/me"] = signedIn;
+    awaited(one.refresh());
+    EXPECT_TRUE(turnUntil([&] { return one.asksToChangeAccount(); }));
+    EXPECT_EQ(asked("/api/auth/desktop/exchange"), 0);
+}
+
 TEST_F(AccountSessionTest, ALinkWaitsForTheCheckAtTheStartAndTakesNothingOfAnotherUserAlong)
 {
     AccountSession& one = started();

@@ -2,6 +2,7 @@
 #include "model/SocialPublishNetwork.h"
 #include "tests/cli/CommandTest.h"
 
+#include <QDirIterator>
 #include <QMimeDatabase>
 #include <QRegularExpression>
 #include <QSet>
@@ -56,6 +57,30 @@ QString sourceText(const QString& path)
     QFile file(QStringLiteral(MOLTIVA_SOURCE_DIR "/packaging/") + path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
     return QString::fromUtf8(file.readAll());
+}
+
+QSet<QString> variablesIn(const QString& text, const QString& pattern)
+{
+    QSet<QString> found;
+    for (const auto& match : QRegularExpression(pattern).globalMatch(text))
+        found.insert(match.captured(1));
+    return found;
+}
+
+// The environment variables of ours that the sources in these folders name as texts.
+QSet<QString> variablesOfSources(const QStringList& folders)
+{
+    QSet<QString> found;
+    for (const QString& folder : folders) {
+        QDirIterator files(QStringLiteral(MOLTIVA_SOURCE_DIR "/") + folder, {u"*.cpp"_s},
+                           QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            QFile file(files.next());
+            EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
+            found += variablesIn(QString::fromUtf8(file.readAll()), u"\"(MOLTIVA_[A-Z_]+)\""_s);
+        }
+    }
+    return found;
 }
 
 // Reads the help of one command. An option stands at the beginning of its line, before its meaning.
@@ -236,6 +261,22 @@ TEST_F(ManualTest, ThePagesNameTheOptionsAndExitStatusesOfEveryHelp)
     EXPECT_EQ(listed(help.statuses), "0 1 2 3");
 }
 
+TEST_F(ManualTest, ThePagesNameTheVariablesThatTheProgramsRead)
+{
+    const QStringList ofProgram{u"account"_s, u"app"_s,      u"cli"_s,
+                                u"copygen"_s, u"platform"_s, u"studio"_s};
+    const std::string program = listed(variablesOfSources(ofProgram));
+    const std::string service = listed(variablesOfSources({u"service"_s}));
+    for (const QString& folder : {u"man/"_s, u"man/es/"_s}) {
+        const auto named = [&folder](const QString& page) {
+            return listed(variablesIn(sourceText(folder + page), u"\\b(MOLTIVA_[A-Z_]+)"_s));
+        };
+        EXPECT_EQ(named(u"moltiva.1"_s), program);
+        EXPECT_EQ(named(u"moltiva-service.1"_s), service);
+    }
+    EXPECT_FALSE(program.empty() || service.empty());
+}
+
 TEST_F(ManualTest, CompletionProposesTheOptionsOfEveryHelp)
 {
     const bool hasZsh = !QStandardPaths::findExecutable(u"zsh"_s).isEmpty();
@@ -269,6 +310,9 @@ TEST_F(ManualTest, CompletionProposesTheOptionsOfEveryHelp)
     EXPECT_EQ(listed(proposed({u"export"_s, u"--format"_s, QString()})), listed(keysOfFormats()));
     EXPECT_EQ(listed(proposed({u"publish"_s, u"--network"_s, QString()})), listed(networks));
     EXPECT_EQ(listed(proposed({u"connect"_s, QString()})), listed(networks));
+    EXPECT_EQ(listed(proposed({u"--verbose"_s, u"--service"_s, u"http"_s, u":"_s, u"//a.es"_s,
+                               u"connect"_s, QString()})),
+              listed(networks));
     for (const QString& action : proposed({u"local"_s, QString()}))
         EXPECT_TRUE(m_help[u"local"_s].contains(u"\n  %1 "_s.arg(action))) << action.toStdString();
     EXPECT_EQ(proposed({u"local"_s, QString()}).size(), 3);

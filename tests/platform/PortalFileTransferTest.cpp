@@ -61,9 +61,11 @@ TEST(PortalFileTransfer, theFilesOfAKeyAreAskedOfTheDesktop)
 {
     QMimeData data;
     EXPECT_EQ(portalTransferKey(data), QByteArray());
+    EXPECT_FALSE(offersPortalFiles(data));
     data.setData(u"application/vnd.portal.filetransfer"_s, QByteArray("123456\0", 7));
     const QByteArray key = portalTransferKey(data);
     EXPECT_EQ(key, "123456");
+    EXPECT_TRUE(offersPortalFiles(data));
     data.setData(u"application/vnd.portal.filetransfer"_s, QByteArray(100'000, 'x'));
     EXPECT_EQ(portalTransferKey(data), QByteArray());
 

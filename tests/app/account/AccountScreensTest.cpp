@@ -130,12 +130,15 @@ TEST(AppVersion, ComparesNumbersNotText)
     EXPECT_EQ(AppVersion::current(), u"1.0.1"_s);
     QCoreApplication::setApplicationVersion(u"1.9.2"_s);
     for (const QString& newer : {u"1.10"_s, u" 1.9.2.1 "_s, u"2"_s, u"1.9.10"_s,
-                                 u"1.99999999999999999999999"_s, u"1.9.2b"_s})
+                                 u"1.99999999999999999999999"_s, u"v1.10"_s})
         EXPECT_TRUE(AppVersion::isRemoteVersionNewer(newer)) << qPrintable(newer);
     for (const QString& notNewer :
-         {u""_s, u"  "_s, u"1.9.2"_s, u"1.09.2"_s, u"1.9"_s, u"1.8.9"_s, u"."_s, u"0000"_s})
+         {u""_s, u"  "_s, u"1.9.2"_s, u"1.09.2"_s, u"1.9"_s, u"1.8.9"_s, u"."_s, u"0000"_s,
+          u"1.9.2b"_s, u"1.9.2-rc1"_s, u"v1.9.2"_s, u"v"_s, u"vv2"_s, u"nueva"_s, u"~2"_s})
         EXPECT_FALSE(AppVersion::isRemoteVersionNewer(notNewer)) << qPrintable(notNewer);
     EXPECT_FALSE(AppVersion::isRemoteVersionNewer(std::nullopt));
+    QCoreApplication::setApplicationVersion(u"1.9.2-rc1"_s);
+    EXPECT_TRUE(AppVersion::isRemoteVersionNewer(u"1.9.2"_s));
     QCoreApplication::setApplicationVersion(before);
 }
 
@@ -369,6 +372,8 @@ TEST_F(AccountScreensTest, OutcomesAreToldWhereNoScreenShowsThem)
     ASSERT_TRUE(isAt(Gate::signedOut));
     notificationCenter().post(Notification::deepLinkReceived, QUrl(u"moltiva://nada"_s));
     EXPECT_EQ(notice(), u"Moltiva no reconoce el enlace que se ha abierto."_s);
+    notificationCenter().post(Notification::deepLinkReceived, QUrl(u"sftp://e.es/a.jpg"_s));
+    EXPECT_EQ(notice(), u"Moltiva solo abre fotos que están en este equipo."_s);
     account.answer("POST /api/auth/login", ScriptedAccount::summary());
     account.session().login(u"a@b.es"_s, u"x"_s);
     EXPECT_TRUE(isTold(u"Sesión iniciada."_s));

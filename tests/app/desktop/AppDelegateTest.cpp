@@ -82,11 +82,14 @@ TEST_F(AppDelegateTest, eachLinkIsPostedInItsPlaceAndFilesGoTogether)
                      [&](const QList<QUrl>& received) { files += received; });
     delegate.applicationOpen({QUrl(u"moltiva://auth?token=1"_s), QUrl(u"file:///a.jpg"_s),
                               QUrl(u"otro:cosa"_s), QUrl(u"file://localhost/b.jpg"_s),
-                              QUrl(u"moltiva://auth?token=1"_s)});
+                              QUrl(u"moltiva://auth?token=1"_s), QUrl(u"/c#1?.jpg"_s),
+                              QUrl(u"/d?e#f.jpg"_s)});
     EXPECT_EQ(taken(), (QStringList{u"moltivaDeepLinkReceivedmoltiva://auth?token=1"_s,
                                     u"moltivaDeepLinkReceivedotro:cosa"_s,
                                     u"moltivaDeepLinkReceivedmoltiva://auth?token=1"_s}));
-    EXPECT_EQ(files, (QList<QUrl>{QUrl(u"file:///a.jpg"_s), QUrl(u"file:///b.jpg"_s)}));
+    EXPECT_EQ(files, (QList<QUrl>{QUrl(u"file:///a.jpg"_s), QUrl(u"file:///b.jpg"_s),
+                                  QUrl::fromLocalFile(u"/c#1?.jpg"_s),
+                                  QUrl::fromLocalFile(u"/d?e#f.jpg"_s)}));
 }
 
 TEST(ResourceCheck, aProgramWithoutItsFilesEndsAndNamesThem)

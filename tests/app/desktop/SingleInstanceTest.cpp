@@ -110,11 +110,14 @@ TEST(SingleInstance, argumentsAreFilesUnlessTheyAreAddresses)
     const QTemporaryDir folder;
     QDir::setCurrent(folder.path());
     QFile(folder.filePath(u"a:b.jpg"_s)).open(QIODevice::WriteOnly);
-    const QList<QUrl> urls = addressesOf(
-        {u"foto 1.jpg"_s, u"a:b.jpg"_s, u"moltiva://pago?ok=1"_s, u"file:///tmp/x%20y.jpg"_s});
+    const QList<QUrl> urls = addressesOf({u"foto 1.jpg"_s, u"a:b.jpg"_s, u"moltiva://pago?ok=1"_s,
+                                          u"file:///tmp/x%20y.jpg"_s,
+                                          u"moltiva://auth?token=a b|c%"_s, u"moltiva://[auth"_s});
     const QString here = QDir::currentPath();
     EXPECT_EQ(urls[0], QUrl::fromLocalFile(here + u"/foto 1.jpg"_s));
     EXPECT_EQ(urls[1], QUrl::fromLocalFile(here + u"/a:b.jpg"_s));
     EXPECT_EQ(urls[2].scheme(), u"moltiva"_s);
     EXPECT_EQ(urls[3].toLocalFile(), u"/tmp/x y.jpg"_s);
+    EXPECT_EQ(urls[4].scheme(), u"moltiva"_s);
+    EXPECT_FALSE(urls[5].isValid() || urls[5].isLocalFile());
 }

@@ -75,13 +75,14 @@ TEST_F(XdgLinkHandlerTest, theUsersOwnEntryIsWrittenOnlyWhereNoInstalledOneServe
     registerLinkHandler(folders, program(u"tercera/moltiva"_s));
     EXPECT_EQ(text(ownFile), before);
 
-    // The package comes, and the copy of the entry goes.
-    QFile::remove(moved);
+    // The package comes, and the user's own entry goes, though its program is still there.
     install(u"moltiva.desktop"_s, u"moltiva"_s);
     const QString packaged = program(u"bin/moltiva"_s);
     registerLinkHandler(folders, packaged);
     EXPECT_EQ(linkHandler(folders), u"moltiva.desktop"_s);
     EXPECT_FALSE(QFile::exists(at(ownFile)));
+    EXPECT_EQ(text(chosen), u"[Default Applications]\n"
+                            "x-scheme-handler/moltiva=moltiva.desktop;\n"_s);
 }
 
 TEST_F(XdgLinkHandlerTest, nothingIsWrittenWhileThePackageServes)

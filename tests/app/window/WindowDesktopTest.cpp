@@ -1,6 +1,7 @@
 #include "app/account/UserAccountButton.h"
 #include "app/controls/fields/LineField.h"
 #include "app/stage/EmptyState.h"
+#include "app/window/FileIntake.h"
 #include "app/window/KeysSheet.h"
 #include "app/window/StudioMenu.h"
 #include "tests/app/Events.h"
@@ -104,6 +105,16 @@ TEST_F(MainWindowTest, everyKeyIsInTheListOfKeys)
     type(*keys->search(), Qt::Key_Escape);
     EXPECT_FALSE(keys->isPresented());
     EXPECT_TRUE(window.menu()->action(u"Importar imágenes…"_s)->isEnabled());
+}
+
+TEST_F(MainWindowTest, filesOfADropThatComeUnderASheetWaitUntilItCloses)
+{
+    window.menu()->action(u"Atajos de teclado"_s)->trigger();
+    Q_EMIT window.findChild<FileIntake*>()->received({photos(2)});
+    EXPECT_FALSE(session.isImporting());
+    type(*window.findChild<KeysSheet*>()->search(), Qt::Key_Escape);
+    settle();
+    EXPECT_EQ(session.batch().items.size(), 2);
 }
 
 TEST_F(MainWindowTest, whatWasImportedIsOfferedAgain)
