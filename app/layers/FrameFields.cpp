@@ -13,6 +13,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int frameFieldGap = 8;
+constexpr int narrowestFrameField = 64;    // has room for "An" and four digits
 constexpr SliderRange pixelRange{SliderUnit::pixels, 0, 0};
 
 struct AlignmentRow {
@@ -57,6 +58,7 @@ FrameFields::FrameFields(QWidget* parent)
          {std::pair(m_x, u"Posición horizontal"_s), std::pair(m_y, u"Posición vertical"_s),
           std::pair(m_width, u"Ancho"_s), std::pair(m_height, u"Alto"_s)}) {
         field->setAccessibleName(name);
+        field->setMinimumWidth(narrowestFrameField);
         field->raise();    // screen readers go through widgets in the order of their stack
     }
     m_groupRows = {addRow(frameFieldGap), addRow(0)};

@@ -4,6 +4,7 @@
 #include "platform/ChildProcess.h"
 #include "platform/Log.h"
 
+#include <QCoroFuture>
 #include <QGuiApplication>
 #include <QLocale>
 #include <QPointer>
