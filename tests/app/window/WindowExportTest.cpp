@@ -135,7 +135,8 @@ TEST_F(MainWindowTest, textsThatWereNeverWrittenAreToldBeforeAnExportIsCharged)
     EXPECT_EQ(session.status(), notice);
     EXPECT_FALSE(told().contains(u"Descontando 50 créditos..."_s));
     EXPECT_TRUE(QTest::qWaitFor([this] { return !session.isExporting(); }, 30000));
-    EXPECT_TRUE(session.exports().isPaid(session.batch().items[1].id));
+    const QUuid exported = session.batch().items[1].id;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return session.exports().isPaid(exported); }, 30000));
     EXPECT_TRUE(told().contains(notice));
 }
 
