@@ -1,4 +1,3 @@
-#include "app/account/UserAccountButton.h"
 #include "app/controls/fields/LineField.h"
 #include "app/stage/EmptyState.h"
 #include "app/window/FileIntake.h"
