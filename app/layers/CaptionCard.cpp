@@ -150,7 +150,15 @@ void CaptionCard::paintEvent(QPaintEvent*)
     header.setRight(width() - captionPadding);
     paintText(painter, header, Qt::AlignLeft, Type::small, ink, m_editor->accessibleName());
     const bool isLong = m_count > captionGuide;
-    const QString counter = groupedThousands(m_count) + u" / "_s + groupedThousands(captionGuide);
+    QString counter = groupedThousands(m_count);
+    const QString ofGuide = counter + u" / "_s + groupedThousands(captionGuide);
+    const bool hasInfo = !m_info->isHidden();
+    const int named = hasInfo ? m_info->geometry().right()
+                              : captionPadding + captionIconSide + captionIconGap +
+                                    qCeil(textWidth(Type::small, m_editor->accessibleName()));
+    const double alert = isLong ? alertGap + alertSide : 0;
+    if (named + captionIconGap + alert + textWidth(Type::caption, ofGuide) <= header.right())
+        counter = ofGuide;
     const QColor counterInk = isLong ? theme.warn : theme.text3;
     paintText(painter, header, Qt::AlignRight, Type::caption, counterInk, counter, Qt::ElideNone);
     if (isLong)

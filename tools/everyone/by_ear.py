@@ -133,12 +133,6 @@ class Listener:
     def edit(self):
         program = self.program
         program.write("text", "Título", "Un fin de semana distinto")
-        program.press("page tab", "Formas")
-        program.press("push button", ".*Rectángulo")
-        self.screen("Formas")
-        program.press("page tab", "Plantillas")
-        self.screen("Plantillas")
-        program.press("page tab", "Texto")
         for name, title in (("Color del texto.*", "Colores"), ("(Fuente|Tipo de letra).*", "Fuentes")):
             try:
                 program.press("", name, 3)
@@ -146,6 +140,12 @@ class Listener:
                 program.key("Escape")
             except NotFound as missing:
                 self.failures.append(f"{title}: {missing}")
+        program.press("page tab", "Formas")
+        program.press("push button", ".*Rectángulo")
+        self.screen("Formas")
+        program.press("page tab", "Plantillas")
+        self.screen("Plantillas")
+        program.press("page tab", "Texto")
         program.press("push button", "Seleccionar todas las imágenes")
 
     def generate(self):
