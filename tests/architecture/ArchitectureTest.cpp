@@ -25,7 +25,7 @@ const QList<Room>& rooms()
         below + QStringList{u"copygen/text"_qs, u"copygen"_qs, u"studio/batch"_qs};
     static const QStringList batch = below + QStringList{u"studio/batch"_qs};
     static const QStringList session =
-        writing + QStringList{u"studio/sheet"_qs, u"studio/export"_qs, u"studio/copy"_qs,
+        writing + QStringList{u"studio/sheet"_qs,   u"studio/export"_qs,    u"studio/copy"_qs,
                               u"studio/publish"_qs, u"studio/templates"_qs, u"studio"_qs};
     static const QStringList ofService{u"service"_qs, u"service/store"_qs, u"account"_qs,
                                        u"model"_qs,   u"platform"_qs,      u"copygen/text"_qs};
