@@ -66,9 +66,13 @@ void FileIntake::chooseFolder()
 
 void FileIntake::choose(const QString& title, QFileDialog::FileMode mode)
 {
-    auto* dialog = new QFileDialog(m_window, title, m_folder.begin(), imageFilter());
+    auto* dialog = new QFileDialog(m_window, title, m_folder.begin());
     disposeOf(dialog);
     dialog->setFileMode(mode);
+    // Without a filter for folders: the portal's dialog would let none be chosen but those whose
+    // names end as images do.
+    if (mode != QFileDialog::Directory)
+        dialog->setNameFilter(imageFilter());
     // Connects to accepted(): native dialogs and Qt's own emit different signals with the files.
     connect(dialog, &QFileDialog::accepted, this, [this, dialog] { load(dialog->selectedUrls()); });
     dialog->open();
@@ -130,18 +134,27 @@ QList<QUrl> FileIntake::localFiles(const QMimeData* data)
 }
 
 // Prefers the list of files to the portal, which only a program in a sandbox needs: the paths in
-// its list may not exist outside.
+// its list may not exist outside. Does not even ask for the key if the list serves: the window
+// stands still until the other program answers, and some never do.
 void FileIntake::receive(const QMimeData& data)
 {
     const QList<QUrl> files = localFiles(&data);
-    const QByteArray key = portalTransferKey(data);
     const bool allExist = !files.isEmpty() && std::ranges::all_of(files, [](const QUrl& file) {
         return QFileInfo::exists(file.toLocalFile());
     });
-    if (key.isEmpty() || allExist)
+    const QByteArray key = allExist ? QByteArray() : portalTransferKey(data);
+    if (!key.isEmpty())
+        receiveThroughPortal(key);
+    else if (!files.isEmpty())
         Q_EMIT received(files);
     else
-        receiveThroughPortal(key);
+        tellNothingCame();
+}
+
+void FileIntake::tellNothingCame()
+{
+    m_session.setStatus(u"El escritorio no ha entregado los archivos que has soltado."_s,
+                        StatusKind::error);
 }
 
 QCoro::Task<> FileIntake::receiveThroughPortal(QByteArray key)
@@ -153,8 +166,7 @@ QCoro::Task<> FileIntake::receiveThroughPortal(QByteArray key)
     if (files)
         Q_EMIT received(*files);
     else
-        m_session.setStatus(u"El escritorio no ha entregado los archivos que has soltado."_s,
-                            StatusKind::error);
+        tellNothingCame();
 }
 
 DropOffer FileIntake::offerOf(const QList<QUrl>& files) const

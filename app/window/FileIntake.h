@@ -45,6 +45,7 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> receiveThroughPortal(QByteArray key);
+    void tellNothingCame();
     void choose(const QString& title, QFileDialog::FileMode mode);
     void load(const QList<QUrl>& filesAndFolders);
 
