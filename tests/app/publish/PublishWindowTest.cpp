@@ -270,7 +270,7 @@ TEST_F(PublishWindow, aPressWaitsUntilItIsKnownWhetherTheSameWasPublished)
     ASSERT_TRUE(waitFor([this] { return publish().publishedPost().has_value(); }));
     select(1);    // its renders are named in place of those of the first image
     bool isPressed = false;
-    connect(&publish(), &StudioPublish::changed, sheet(), [&] {
+    QObject::connect(&publish(), &StudioPublish::changed, sheet(), [&] {
         if (!publish().isComparing() || std::exchange(isPressed, true))
             return;
         press();
