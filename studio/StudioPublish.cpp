@@ -278,12 +278,13 @@ void StudioPublish::findEarlier()
     m_earlier.reset();
     if (isComparable && m_rendered != subject) {
         m_rendered = subject;
-        m_renders.clear();
+        m_renders.reset();
         nameRenders(this, subject);
-    } else if (isComparable) {
-        const PublishRecord* const sent = m_records->sent(m_renders, m_network, placement());
+    } else if (isComparable && m_renders) {
+        const PublishRecord* const sent = m_records->sent(*m_renders, m_network, placement());
         m_earlier = sent ? std::optional(*sent) : std::nullopt;
     }
+    m_isComparing = isComparable && !m_renders;
     showChecks();
 }
 
@@ -297,7 +298,7 @@ QCoro::Task<> StudioPublish::nameRenders(QPointer<StudioPublish> self, Rendered 
     try {
         names = co_await naming;
     } catch (const std::exception&) {
-        co_return;    // out of memory: what is found after rendering is still told
+        names.clear();    // out of memory: what is found after rendering is still told
     }
     if (isGone(self) || self->m_rendered != rendered)
         co_return;
@@ -391,7 +392,7 @@ QCoro::Task<> StudioPublish::preparePublish(SocialPublishNetwork network,
 bool StudioPublish::asksForConfirmation()
 {
     if (!m_earlier ||
-        isSameAttempt(*m_earlier, m_renders, publishCaption(), QDateTime::currentDateTimeUtc()))
+        isSameAttempt(*m_earlier, *m_renders, publishCaption(), QDateTime::currentDateTimeUtc()))
         return false;
     const PublishCheck check = checkOfPublished(*m_earlier);
     if (m_told.contains(check))

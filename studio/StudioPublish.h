@@ -72,6 +72,8 @@ public:
     QString siteName() const;
     // What the status panel lists while the sheet is open; those found after rendering included.
     const CheckedPost& checks() const { return m_checks; }
+    // Whether checks() may still miss that the same renders were published: a worker names them.
+    bool isComparing() const { return m_isComparing; }
     // The next press publishes although a check that asks for a second press stands.
     bool isConfirming() const { return !m_told.isEmpty(); }
     const QList<PublishRecord>& history() const;    // of the signed-in account, newest first
@@ -148,6 +150,7 @@ private:
     QList<PublishCheck> m_told;    // checks that the next press confirms
     Rendered m_subject;            // of the attempt that m_told and m_foundPrepared come from
     std::optional<Rendered> m_rendered;
-    QStringList m_renders;                     // fingerprints of m_rendered, in order
+    std::optional<QStringList> m_renders;      // fingerprints of m_rendered; null: not yet known
     std::optional<PublishRecord> m_earlier;    // the newest with the same renders
+    bool m_isComparing = false;
 };

@@ -1,6 +1,7 @@
 #include "app/publish/PostStrip.h"
 
 #include "app/controls/AccessibleRole.h"
+#include "app/controls/fields/Choices.h"
 #include "app/theme/Icons.h"
 #include "app/theme/KeyboardFocus.h"
 #include "app/theme/Painting.h"
@@ -170,23 +171,11 @@ void PostStrip::wheelEvent(QWheelEvent* event)
 
 void PostStrip::keyPressEvent(QKeyEvent* event)
 {
-    const qsizetype last = m_images.size() - 1;
-    const auto choose = [&](qsizetype index) {
-        if (index >= 0 && index <= last && index != m_current)
-            Q_EMIT chosen(m_images[index].id);
-    };
-    switch (event->key()) {
-    case Qt::Key_Left:
-        return choose(m_current - 1);
-    case Qt::Key_Right:
-        return choose(m_current + 1);
-    case Qt::Key_Home:
-        return choose(0);
-    case Qt::Key_End:
-        return choose(last);
-    default:
+    const auto index = choiceByKey(event->key(), int(m_current), int(m_images.size()));
+    if (!index)
         QWidget::keyPressEvent(event);
-    }
+    else if (*index != m_current)
+        Q_EMIT chosen(m_images[*index].id);
 }
 
 void PostStrip::focusInEvent(QFocusEvent* event)

@@ -388,7 +388,7 @@ PublishReport PublishBinding::report() const
     // A post under way or just published leaves nothing to check.
     if (!m_publish.isPublishing() && !post) {
         report.checks = m_publish.checks();
-        report.isChecking = !areTextsJudged();
+        report.isChecking = !isChecked();
     }
     for (PublishCheck& check : report.checks.found) {
         if (check.isWarning && check.link.isEmpty() && isOfCaption(check))
@@ -413,8 +413,7 @@ PublishReport PublishBinding::report() const
 }
 
 // Publishes on `network`. If that is not the network shown, and its caption or its checks tell
-// something that the user has not seen, only shows it. Waits until the texts of the images are
-// judged.
+// something that the user has not seen, only shows it. Waits until the post is checked.
 void PublishBinding::publish(SocialPublishNetwork network)
 {
     QGuiApplication::inputMethod()->commit();
@@ -428,45 +427,28 @@ void PublishBinding::publish(SocialPublishNetwork network)
         if (m_publish.publishCaption() != caption || hasWarning)
             return;
     }
-    if (areTextsJudged()) {
-        m_publish.preparePublish(network, m_publish.placement());
-        return;
-    }
-    m_pressed = postShown();
-    m_seen = m_publish.checks().found;
+    m_pressed.emplace(m_publish);
+    resumePress();
     showReport();
 }
 
-PublishBinding::Pressed PublishBinding::postShown() const
+bool PublishBinding::isChecked() const
 {
-    return {.network = m_publish.network(),
-            .placement = m_publish.placement(),
-            .caption = m_publish.publishCaption(),
-            .items = m_publish.sentItems(),
-            .format = m_publish.format()};
+    return !m_publish.isComparing() &&
+           std::ranges::all_of(m_publish.sentItems(), [this](const PublicationItem& item) {
+               return m_column.isJudged(item.id);
+           });
 }
 
-bool PublishBinding::areTextsJudged() const
-{
-    return std::ranges::all_of(m_publish.sentItems(), [this](const PublicationItem& item) {
-        return m_column.isJudged(item.id);
-    });
-}
-
-// Publishes what the user has pressed once its texts are judged, unless there is something by then
-// that he could not see.
+// Publishes what the user has pressed once it is checked, unless there is something by then that he
+// could not see.
 void PublishBinding::resumePress()
 {
-    if (!m_pressed || !areTextsJudged())
+    if (!m_pressed || !isChecked())
         return;
-    const Pressed pressed = *std::exchange(m_pressed, std::nullopt);
-    const auto isSeen = [this](const PublishCheck& check) { return m_seen.contains(check); };
-    if (pressed != postShown())
-        m_notice = u"La publicación ha cambiado. Pulsa otra vez para publicar."_s;
-    else if (!std::ranges::all_of(m_publish.checks().found, isSeen))
-        m_notice = u"Hay avisos nuevos. Pulsa otra vez para publicar."_s;
-    else
-        m_publish.preparePublish(pressed.network, pressed.placement);
+    m_notice = std::exchange(m_pressed, std::nullopt)->refusal(m_publish);
+    if (m_notice.isEmpty())
+        m_publish.preparePublish(m_publish.network(), m_publish.placement());
     showReport();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 #include "app/batch/TilePictures.h"
+#include "app/publish/PressedPost.h"
 #include "app/publish/PublishShown.h"
 #include "studio/publish/PublishRecords.h"
 
@@ -47,17 +48,7 @@ private:
     QList<PublishImage> images() const;
     NetworkShown network(SocialPublishNetwork network) const;
     bool isAwaitingAnswer() const;
-    // A post that the user has pressed to publish, as he saw it.
-    struct Pressed {
-        SocialPublishNetwork network = SocialPublishNetwork::instagram;
-        SocialPublishPlacement placement = SocialPublishPlacement::feed;
-        QString caption;
-        QList<PublicationItem> items;
-        SocialFormat format = SocialFormat::carouselPortrait;
-        bool operator==(const Pressed&) const = default;
-    };
-    Pressed postShown() const;
-    bool areTextsJudged() const;    // of the images that would be sent
+    bool isChecked() const;    // the checks of the post are made
     void resumePress();
     void leave();                  // the user closes the sheet
     QSet<QUuid> marked() const;    // images that a warning speaks of
@@ -85,14 +76,12 @@ private:
     TilePictures* m_large;
     QHash<QUuid, TileRequest> m_drawn;
     std::optional<TileRequest> m_previewed;
-    QList<PublishRecord> m_history;    // that the sheet shows
-    QSet<QUuid> m_marked;              // likewise
-    QTimer m_reportLater;              // progress is shown at most so often
-    bool m_isTyping = false;           // the caption is being edited
-    bool m_isClosed = false;           // by close(), until open()
-    // The press that waits until the texts are judged, and the checks that it had seen.
-    std::optional<Pressed> m_pressed;
-    QList<PublishCheck> m_seen;
+    QList<PublishRecord> m_history;          // that the sheet shows
+    QSet<QUuid> m_marked;                    // likewise
+    QTimer m_reportLater;                    // progress is shown at most so often
+    bool m_isTyping = false;                 // the caption is being edited
+    bool m_isClosed = false;                 // by close(), until open()
+    std::optional<PressedPost> m_pressed;    // that waits until it is checked
     QString m_notice;    // a warning told in the place of the status, until that is another one
     QString m_status;    // when m_notice was told
 };

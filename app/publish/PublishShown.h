@@ -66,7 +66,7 @@ struct PublishReport {
     bool isPublished = false;
     bool hasPage = false;    // the published post has a page that can be opened
     CheckedPost checks = {};
-    bool isChecking = false;    // texts of the images are still being judged
+    bool isChecking = false;    // some checks are still being made
 };
 
 struct PublishHistoryEntry {

@@ -3,12 +3,15 @@
 #include "app/desktop/LocalFile.h"
 #include "app/desktop/RecentPlaces.h"
 #include "platform/PortalFileTransfer.h"
+#include "platform/Workers.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
 
+#include <QCoroFuture>
 #include <QFileInfo>
 #include <QMimeData>
-#include <QPointer>
+
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -107,6 +110,7 @@ void FileIntake::load(const QList<QUrl>& filesAndFolders)
     if (filesAndFolders.isEmpty())
         return;
     m_recentlyOpened.clear();
+    m_soughtPlace.clear();
     const QFileInfo first(filesAndFolders.first().toLocalFile());
     m_folder.remember(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
     m_recent->remember(filesAndFolders);
@@ -115,11 +119,31 @@ void FileIntake::load(const QList<QUrl>& filesAndFolders)
 
 void FileIntake::openRecent(const QString& path)
 {
-    if (QFileInfo::exists(path))
-        return load({QUrl::fromLocalFile(path)});
-    m_session.setStatus(u"No se encuentra «%1»."_s.arg(QFileInfo(path).fileName()),
-                        StatusKind::warning);
-    m_recent->look();
+    if (m_soughtPlace == path)
+        return;
+    m_soughtPlace = path;
+    m_session.setStatus(u"Buscando «%1»…"_s.arg(QFileInfo(path).fileName()));
+    openWhenFound(this, path);
+}
+
+QCoro::Task<> FileIntake::openWhenFound(QPointer<FileIntake> self, QString path)
+{
+    // Nobody waits for this thread, not even the end of the program: a network folder may never
+    // answer.
+    QFuture<bool> looking =
+        futureOf([path] { return QFileInfo::exists(path); },
+                 [](std::function<void()> look) { std::thread(std::move(look)).detach(); });
+    const bool isFound = co_await looking;
+    if (!self || self->m_soughtPlace != path)
+        co_return;    // the user has meanwhile imported or sought something else
+    self->m_soughtPlace.clear();
+    if (isFound) {
+        self->load({QUrl::fromLocalFile(path)});
+        co_return;
+    }
+    self->m_session.setStatus(u"No se encuentra «%1»."_s.arg(QFileInfo(path).fileName()),
+                              StatusKind::warning);
+    self->m_recent->look();
 }
 
 QList<QUrl> FileIntake::localFiles(const QMimeData* data)

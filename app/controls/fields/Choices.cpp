@@ -2,6 +2,8 @@
 
 #include "app/controls/PartsAccessible.h"
 
+#include <algorithm>
+
 namespace {
 
 // Null once the destructor of the class with the choices has run: a screen reader can still ask.
@@ -112,4 +114,22 @@ QAccessibleInterface* accessibleChoicesOf(const QString&, QObject* object)
 Choices::Choices()
 {
     QAccessible::installFactory(accessibleChoicesOf);
+}
+
+std::optional<int> choiceByKey(int key, int current, int count)
+{
+    if (count == 0)
+        return std::nullopt;
+    switch (key) {
+    case Qt::Key_Left:
+        return std::max(current - 1, 0);
+    case Qt::Key_Right:
+        return std::min(current + 1, count - 1);
+    case Qt::Key_Home:
+        return 0;
+    case Qt::Key_End:
+        return count - 1;
+    default:
+        return std::nullopt;
+    }
 }

@@ -3,6 +3,8 @@
 #include <QRect>
 #include <QString>
 
+#include <optional>
+
 // A widget that paints several choices side by side, of which one is chosen. Screen readers see
 // each choice as a child of the widget.
 class Choices {
@@ -22,3 +24,6 @@ public:
     Choices(const Choices&) = delete;
     Choices& operator=(const Choices&) = delete;
 };
+
+// Which of `count` choices side by side a key goes to from the current one; none for another key.
+std::optional<int> choiceByKey(int key, int current, int count);

@@ -116,18 +116,10 @@ void TabStrip::mousePressEvent(QMouseEvent* event)
 
 void TabStrip::keyPressEvent(QKeyEvent* event)
 {
-    switch (event->key()) {
-    case Qt::Key_Left:
-        return choose(m_current - 1);
-    case Qt::Key_Right:
-        return choose(m_current + 1);
-    case Qt::Key_Home:
-        return choose(0);
-    case Qt::Key_End:
-        return choose(int(m_tabs.size()) - 1);
-    default:
+    if (const auto index = choiceByKey(event->key(), m_current, choiceCount()))
+        choose(*index);
+    else
         QWidget::keyPressEvent(event);
-    }
 }
 
 void TabStrip::focusInEvent(QFocusEvent* event)

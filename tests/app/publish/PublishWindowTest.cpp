@@ -98,6 +98,14 @@ struct PublishWindow : ::testing::Test {
         return found;
     }
 
+    // Sees to it that every image costs 50 credits and is published.
+    void acceptPosts()
+    {
+        account.answer(reserving, R"({"ok":true,"balance":4230,"cost":50})");
+        account.answer("GET /api/auth/me", ScriptedAccount::summary("Lucía Ferrer", 4230));
+        account.answer(publishing, R"({"ok":true,"url":"https://posts.es/1"})");
+    }
+
     QTemporaryDir photoFolder, data;
     std::shared_ptr<PhotoCache> photos = std::make_shared<PhotoCache>(data.filePath(u"cache"_s));
     PreferencesStore preferences{data.filePath(u"p.sqlite"_s)};
@@ -241,12 +249,47 @@ TEST_F(PublishWindow, aPressWaitsUntilTheTextsAreJudgedAndTellsTheirWarningsFirs
     EXPECT_EQ(account.log().size(), sent);
 }
 
+TEST_F(PublishWindow, aPressWaitsUntilItIsKnownWhetherTheSameWasPublished)
+{
+    load(2);
+    acceptPosts();
+    open();
+    const auto select = [this](int index) {
+        session.selectSingleIndex(index);
+        EXPECT_TRUE(waitFor([&] {
+            const QList<PublicationItem> sent = publish().sentItems();
+            return sent.size() == 1 && sent[0].id == session.batch().items[index].id &&
+                   !publish().isComparing() && window.isIdle();
+        }));
+    };
+    const auto press = [this] {
+        Q_EMIT sheet()->publishRequested(SocialPublishNetwork::instagram);
+    };
+    select(0);
+    press();
+    ASSERT_TRUE(waitFor([this] { return publish().publishedPost().has_value(); }));
+    select(1);    // its renders are named in place of those of the first image
+    bool isPressed = false;
+    QObject::connect(&publish(), &StudioPublish::changed, sheet(), [&] {
+        if (!publish().isComparing() || std::exchange(isPressed, true))
+            return;
+        press();
+        EXPECT_FALSE(publish().isPublishing()) << "it may have been published before";
+    });
+    select(0);
+    EXPECT_TRUE(isPressed);
+    EXPECT_TRUE(waitFor([this] { return publish().isConfirming(); }));
+    EXPECT_TRUE(publish().publishStatus().startsWith(u"Ya se publicó el "_s))
+        << qPrintable(publish().publishStatus());
+    EXPECT_EQ(publish().history().size(), 1);
+    press();
+    EXPECT_TRUE(waitFor([this] { return publish().history().size() == 2; }));
+}
+
 TEST_F(PublishWindow, aPostIsPublishedToldAndKeptAndAHostilePageIsNeverOpened)
 {
     load(1);
-    account.answer(reserving, R"({"ok":true,"balance":4230,"cost":50})");
-    account.answer("GET /api/auth/me", ScriptedAccount::summary("Lucía Ferrer", 4230));
-    account.answer(publishing, R"({"ok":true,"url":"https://posts.es/1"})");
+    acceptPosts();
     open();
     const auto isSent = [this] {
         return std::ranges::any_of(account.log(), [](const QByteArray& request) {

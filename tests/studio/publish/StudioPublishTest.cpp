@@ -153,6 +153,14 @@ TEST_F(StudioPublishTest, ASecondPostOfTheSameRendersWantsASecondPress)
     EXPECT_EQ(publish().history().size(), 1);
     EXPECT_EQ(published(instagram), u"Publicación enviada a Instagram. Sin coste adicional."_s);
     EXPECT_EQ(publish().history().size(), 2);
+
+    start();
+    session().selectAll();
+    publish().openPublishWindow();
+    EXPECT_TRUE(publish().isComparing()) << "a new run has named no renders yet";
+    EXPECT_FALSE(isToldOf());
+    EXPECT_TRUE(turnUntil([this] { return !publish().isComparing(); }));
+    EXPECT_TRUE(isToldOf());
 }
 
 TEST_F(StudioPublishTest, NoPictureIsLeftWhenTheProgramEndsWhilePublishing)
