@@ -19,13 +19,17 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString manifestName = u"pack.json"_s;
-constexpr qint64 largestManifest = qint64(512) << 10, largestDefinition = qint64(16) << 20;
+// A pack of mostFiles files with the longest names and tags has a manifest of less than 6 MB.
+constexpr qint64 largestManifest = qint64(6) << 20, largestDefinition = qint64(16) << 20;
+constexpr qsizetype longestFileName = 200;
+// What a .zip file may list: files, folders and the manifest.
+constexpr qsizetype mostZipEntries = 2 * TemplatePack::mostFiles;
 // The directory of a .zip file of mostFiles files takes far less; libzip needs some memory for each
 // entry that it may contain.
 constexpr qint64 largestDirectory = qint64(4) << 20;
 // Of all designs together, so that the memory of a pack is bounded: 2,000 designs of 20 layers.
 constexpr qsizetype mostLayersOfPack = 40'000;
-constexpr int mostTags = 12, longestTag = 30;
+constexpr int mostTags = 12, mostTagsOfPack = 60, longestTag = 30;
 
 // Why a pack is refused, as the end of a Spanish sentence.
 struct Refusal {
@@ -58,7 +62,8 @@ struct Manifest {
     QHash<QString, QStringList> tags;    // by file name
 };
 
-QStringList tagsFrom(const json::Value& value)
+// Adds new tags to `known`, as long as there is room for them.
+QStringList tagsFrom(const json::Value& value, QSet<QString>& known)
 {
     QStringList tags;
     for (const json::Value& each : value) {
@@ -66,8 +71,11 @@ QStringList tagsFrom(const json::Value& value)
         if (!json::read(each, text))
             continue;
         const QString tag = templateName(text).left(longestTag).trimmed().toLower();
-        if (!tag.isEmpty() && !tags.contains(tag) && tags.size() < mostTags)
-            tags.append(tag);
+        const bool hasRoom = known.contains(tag) || known.size() < mostTagsOfPack;
+        if (tag.isEmpty() || tags.contains(tag) || tags.size() >= mostTags || !hasRoom)
+            continue;
+        known.insert(tag);
+        tags.append(tag);
     }
     return tags;
 }
@@ -88,8 +96,9 @@ std::optional<Manifest> readManifest(const QByteArray& bytes)
     if (value.contains("order") && value["order"].is_array())
         json::read(value["order"], manifest.order);
     if (value.contains("tags") && value["tags"].is_object()) {
+        QSet<QString> known;
         for (const auto& entry : value["tags"].items())
-            manifest.tags[QString::fromStdString(entry.key())] = tagsFrom(entry.value());
+            manifest.tags[QString::fromStdString(entry.key())] = tagsFrom(entry.value(), known);
     }
     return manifest;
 }
@@ -107,6 +116,8 @@ public:
                 leaveOut(name, u"no se entiende"_s);
             return;
         }
+        if (name.size() > longestFileName)
+            return leaveOut(name, u"tiene un nombre demasiado largo"_s);
         DefinitionFile read = readDefinition(bytes);
         if (!read.definition) {
             leaveOut(name, read.error);
@@ -193,7 +204,7 @@ TemplatePack packFromFolder(const QString& path)
             throw hasLink(file.fileName());
         if (file.isDir())
             continue;
-        if (++count > TemplatePack::mostFiles)
+        if (file.fileName() != manifestName && ++count > TemplatePack::mostFiles)
             throw tooManyFiles();
         if (isDefinitionName(file.fileName()))
             names.append(file.fileName());
@@ -239,7 +250,7 @@ void checkDirectory(QFile& file)
         hasEnd = true;
         if (at >= locatorSize && begins(end - locatorSize, "PK\6\7"))
             throw Refusal{u"usa la variante Zip64, que Moltiva no lee"_s};
-        if (qFromLittleEndian<quint16>(end + 10) > TemplatePack::mostFiles)
+        if (qFromLittleEndian<quint16>(end + 10) > mostZipEntries)
             throw tooManyFiles();
         if (qFromLittleEndian<quint32>(end + 12) > largestDirectory)
             throw Refusal{damaged()};
@@ -308,8 +319,9 @@ bool isOutside(const QString& name)
 QList<ZipEntry> checkedEntries(zip_t* archive)
 {
     const zip_int64_t count = zip_get_num_entries(archive, 0);
-    if (count > TemplatePack::mostFiles)
+    if (count > mostZipEntries)
         throw tooManyFiles();
+    qsizetype files = 0;
     QList<ZipEntry> entries;
     for (zip_uint64_t i = 0; i < zip_uint64_t(count); ++i) {
         zip_stat_t stat;
@@ -331,6 +343,9 @@ QList<ZipEntry> checkedEntries(zip_t* archive)
             throw Refusal{u"está protegido con contraseña"_s};
         const auto slash = path.lastIndexOf(u'/');
         const ZipEntry entry{i, path.left(slash + 1), path.mid(slash + 1)};
+        if (!entry.name.isEmpty() && entry.name != manifestName &&
+            ++files > TemplatePack::mostFiles)
+            throw tooManyFiles();
         if (!isDefinitionName(entry.name) || entry.folder.startsWith(u"__MACOSX/"_s))
             continue;
         // Other decoders may need far more memory than they give bytes.
@@ -410,7 +425,7 @@ QByteArray manifestBytes(const TemplatePack& pack)
                                {"order", order},
                                {"tags", tags}};
     return QByteArray::fromStdString(
-        manifest.dump(2, ' ', false, json::Value::error_handler_t::replace));
+        manifest.dump(-1, ' ', false, json::Value::error_handler_t::replace));
 }
 
 QByteArray contentsOf(zip_source_t* source)

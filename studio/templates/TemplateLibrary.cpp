@@ -18,7 +18,7 @@ namespace {
 
 const QString ownKey = u"own"_s, teamKey = u"team"_s, programKey = u"moltiva"_s;
 const QString packPrefix = u"pack:"_s;
-constexpr qsizetype mostRecent = 5;
+constexpr qsizetype mostRecent = 5, mostTags = 60;
 
 QString countedTemplates(qsizetype count)
 {
@@ -80,6 +80,7 @@ struct TemplateLibrary::Contents {
     BuiltInTemplateLibrary gallery;
     Shelf program;
     QList<Pack> packs;
+    QList<TemplatePack> removed;
     QStringList damaged;
 };
 
@@ -125,6 +126,7 @@ QCoro::Task<> TemplateLibrary::runLoading(Self self)
             TemplatePacks::Installed installed = disk.read();
             for (const TemplatePack& pack : std::as_const(installed.packs))
                 read.packs.append(packOf(pack));
+            read.removed = installed.removed;
             read.damaged = installed.damaged;
             return read;
         });
@@ -135,6 +137,7 @@ QCoro::Task<> TemplateLibrary::runLoading(Self self)
     if (read) {
         self->m_gallery = read->gallery;
         self->m_program = read->program;
+        self->m_removed = read->removed;
         // A pack that was installed meanwhile is newer than what was read.
         const QList<Pack> installed = std::exchange(self->m_packs, read->packs);
         for (const Pack& pack : installed)
@@ -240,12 +243,16 @@ void TemplateLibrary::arrange()
         m_shelves.append(pack.shelf);
 
     m_places.clear();
+    QHash<QUuid, int> repeated;    // how often an id was found again
     for (qsizetype i = 0; i < m_shelves.size(); ++i) {
         QList<Entry>& entries = m_shelves[i].entries;
         for (qsizetype k = 0; k < entries.size(); ++k) {
-            QUuid id = entries[k].definitionId;
-            while (m_places.contains(id))
-                id = QUuid::createUuidV5(id, m_shelves[i].key);
+            const QUuid own = entries[k].definitionId;
+            QUuid id = own;
+            while (m_places.contains(id)) {
+                id =
+                    QUuid::createUuidV5(own, u"%1 %2"_s.arg(m_shelves[i].key).arg(++repeated[own]));
+            }
             entries[k].design.id = id;
             m_places.insert(id, {i, k});
         }
@@ -350,9 +357,13 @@ QStringList TemplateLibrary::tags(SocialFormat format) const
         for (const QString& tag : entry.design.tags)
             ++uses[tag];
     });
-    QStringList tags = uses.keys();
-    std::ranges::sort(
-        tags, {}, [&](const QString& tag) { return std::pair(-uses[tag], foldedForSearch(tag)); });
+    QList<std::tuple<int, QString, QString>> sorted;
+    for (auto use = uses.cbegin(); use != uses.cend(); ++use)
+        sorted.append({-use.value(), foldedForSearch(use.key()), use.key()});
+    std::ranges::sort(sorted);
+    QStringList tags;
+    for (const auto& [negativeUses, folded, tag] : sorted.first(std::min(sorted.size(), mostTags)))
+        tags.append(tag);
     return tags;
 }
 
@@ -393,6 +404,13 @@ void TemplateLibrary::noteUsed(QUuid id)
     Q_EMIT changed();
 }
 
+void TemplateLibrary::keepRemoved(const TemplatePack& pack)
+{
+    m_removed.append(pack);
+    if (m_removed.size() > TemplatePacks::mostRemoved)
+        m_removed.removeFirst();
+}
+
 QString TemplateLibrary::lastRemovedPack() const
 {
     return m_removed.isEmpty() ? QString() : m_removed.last().name;
@@ -426,7 +444,7 @@ QCoro::Task<> TemplateLibrary::runInstalling(Self self, QString path)
                                            [](const Pack& each) { return each.shelf.key; });
     const bool isNew = earlier == self->m_packs.end();
     if (!isNew)
-        self->m_removed.append(earlier->pack);
+        self->keepRemoved(earlier->pack);
     self->put(*installed.pack);
     self->arrange();
     Q_EMIT self->changed();
@@ -460,7 +478,7 @@ QCoro::Task<> TemplateLibrary::runRemoving(Self self, QString sectionKey)
         Q_EMIT self->told(u"No se pudo quitar el paquete «%1»: %2."_s.arg(name, failure), true);
         co_return;
     }
-    self->m_removed.append(removed->pack);
+    self->keepRemoved(removed->pack);
     self->m_packs.erase(removed);
     self->arrange();
     Q_EMIT self->changed();
@@ -477,11 +495,17 @@ QCoro::Task<> TemplateLibrary::runCallingBack(Self self)
     if (self->m_removed.isEmpty())
         co_return;
     const TemplatePack pack = self->m_removed.takeLast();
-    QFuture<Installation> writing = tryOnWorker([disk = self->m_disk, pack]() -> Installation {
+    const QString shelf = packPrefix + TemplatePacks::keyOf(pack);
+    const bool isReplacing = std::ranges::any_of(
+        self->m_packs, [&](const Pack& each) { return each.shelf.key == shelf; });
+    const auto write = [disk = self->m_disk, pack, isReplacing]() -> Installation {
         const QString failure = disk.write(pack);
+        if (failure.isEmpty() && !isReplacing)
+            disk.forgetRemoved(TemplatePacks::keyOf(pack));
         return failure.isEmpty() ? Installation{packOf(pack), {}}
                                  : Installation{std::nullopt, failure};
-    });
+    };
+    QFuture<Installation> writing = tryOnWorker(write);
     const Installation written = co_await writing;
     if (!self)
         co_return;
@@ -495,7 +519,7 @@ QCoro::Task<> TemplateLibrary::runCallingBack(Self self)
     const auto newer = std::ranges::find(self->m_packs, written.pack->shelf.key,
                                          [](const Pack& each) { return each.shelf.key; });
     if (newer != self->m_packs.end())
-        self->m_removed.append(newer->pack);
+        self->keepRemoved(newer->pack);
     self->put(*written.pack);
     self->arrange();
     Q_EMIT self->changed();

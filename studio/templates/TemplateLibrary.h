@@ -81,7 +81,8 @@ public:
     QCoro::Task<> installPack(QString path);
     QCoro::Task<> removePack(QString sectionKey);
     QCoro::Task<> callBackPack();
-    // The name of the pack that callBackPack() would bring back; empty if there is none.
+    // The name of the pack that callBackPack() would bring back, also one that was removed in an
+    // earlier run; empty if there is none.
     QString lastRemovedPack() const;
     // Writes all templates of the user to a .zip file.
     QCoro::Task<> exportOwn(QString path);
@@ -119,6 +120,7 @@ private:
     void readTeam();
     void arrange();
     void put(const Pack& pack);
+    void keepRemoved(const TemplatePack& pack);
     const BuiltInTemplateLibrary& gallery() const;
     template <typename Visit>
     void visit(SocialFormat format, Visit visit) const;

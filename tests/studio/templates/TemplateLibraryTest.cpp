@@ -92,10 +92,13 @@ TEST_F(TemplateLibraryTest, InstallsPacksAndBringsThemBack)
     EXPECT_EQ(titles(*library).size(), 3);
     EXPECT_EQ(titles(*opened()).size(), 3);
     EXPECT_EQ(library->lastRemovedPack(), u"Mercado"_s);
+    library = opened();
+    EXPECT_EQ(library->lastRemovedPack(), u"Mercado"_s) << "removed in an earlier run";
     QCoro::waitFor(library->callBackPack());
     EXPECT_EQ(titles(*library), both);
     EXPECT_EQ(titles(*opened()), both);
     EXPECT_EQ(library->lastRemovedPack(), QString());
+    EXPECT_EQ(opened()->lastRemovedPack(), QString());
 
     // A newer version of a pack replaces it, and can be exchanged for the earlier one.
     pack(u"Mercado"_s, {u"Tres"_s});
@@ -111,6 +114,19 @@ TEST_F(TemplateLibraryTest, InstallsPacksAndBringsThemBack)
     EXPECT_EQ(titles(*opened()).size(), 3);
     EXPECT_EQ(told, QStringList{u"! El paquete «Mercado» está dañado y no se puede leer. Instálalo "
                                 "otra vez."_s});
+}
+
+TEST_F(TemplateLibraryTest, APackOfAsManyFilesAsItMayHaveIsThereInTheNextRun)
+{
+    const QString first = pack(u"Lleno"_s, {u"Uno"_s});
+    const QString file = QDir(first).entryInfoList({u"*.json"_s}).first().filePath();
+    for (int i = 1; i < TemplatePack::mostFiles; ++i)
+        EXPECT_TRUE(QFile::copy(file, u"%1/%2.json"_s.arg(first).arg(i)));
+    QCoro::waitFor(opened()->installPack(first));
+    EXPECT_TRUE(told.isEmpty() || !told.last().startsWith(u'!')) << qPrintable(told.last());
+    auto library = opened();
+    EXPECT_EQ(titles(*library).last(), u"Lleno 2000"_s);
+    EXPECT_EQ(library->found({}, {}, false, square).size(), 15 + TemplatePack::mostFiles);
 }
 
 TEST_F(TemplateLibraryTest, FindsDesignsAndKeepsMarks)
