@@ -343,6 +343,7 @@ void AccountSession::setBalance(qint64 balance)
 void AccountSession::tell(const QString& message, Told told)
 {
     m_message = m_outcome = message;
+    ++m_outcomes;
     m_told = told;
     Q_EMIT changed();
 }

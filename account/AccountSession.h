@@ -49,6 +49,8 @@ public:
     // The last sentence about an action that a screen or a link started. Leaves out those about
     // credits reserved or refunded, which the code that charges them reports itself.
     const QString& outcome() const { return m_outcome; }
+    // How many outcomes there have been: two in succession may read the same.
+    int outcomes() const { return m_outcomes; }
     // Whether outcome() reports a failure. While nobody is signed in, a required sign-in does not
     // count as one.
     bool isProblem() const
@@ -182,6 +184,7 @@ private:
     std::optional<QString> m_askedToken;
     int m_actions = 0, m_creditMoves = 0;    // number under way
     QString m_message, m_outcome;
+    int m_outcomes = 0;
     Told m_told = Told::info;    // kind of m_outcome
     std::optional<QString> m_pendingCheckout;
     QUrl m_checkoutPage;

@@ -11,7 +11,8 @@ endfunction()
 moltiva_precompiled(moltiva_pch_gui Qt6::Gui ${CMAKE_SOURCE_DIR}/cmake/PrecompiledGui.h)
 moltiva_precompiled(moltiva_pch_widgets Qt6::Widgets ${CMAKE_SOURCE_DIR}/cmake/PrecompiledWidgets.h)
 
-# Most of the time that a sanitizer build takes goes into optimizing, so only the rooms that compute are optimized there.
+# Most of the time that a sanitizer build takes goes into optimizing, so only the rooms that compute for long are
+# optimized there.
 set(doNotOptimize $<$<CONFIG:Sanitized>:-O0>)
 target_compile_options(moltiva_pch_widgets PRIVATE ${doNotOptimize})
 set(pchOfTheRest moltiva_pch_gui)

@@ -241,6 +241,7 @@ QString LocalAIManager::whatIsMissing() const
 void LocalAIManager::beginFollowing()
 {
     m_hasFailed = false;
+    m_isCancelled = false;
     m_sentence.clear();
     m_stage.clear();
     m_message = {u"Preparando instalación de Gemma..."_s, {}};
@@ -291,7 +292,6 @@ QCoro::Task<> LocalAIManager::installGemma()
     if (!needsInstallation() || m_isUninstalling || isInstallingGemma())
         co_return;
     m_isInstallingHere = true;
-    m_isCancelled = false;
     beginFollowing();
     refresh();
     QString failure = prepareInstallation();

@@ -44,7 +44,8 @@ public:
     bool isUninstalling() const { return m_isUninstalling; }
     // No for an engine that already runs on this machine.
     bool needsInstallation() const { return m_profile.kind != EngineKind::configured; }
-    bool hasFailed() const { return m_hasFailed; }    // installMessage() says why
+    bool hasFailed() const { return m_hasFailed; }                    // installMessage() says why
+    bool isInstallationCancelled() const { return m_isCancelled; }    // the latest one, here
     bool canResume() const;    // an installation that was interrupted can go on
 
     // While installing, what is done; else how the last operation ended.

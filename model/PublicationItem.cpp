@@ -50,6 +50,19 @@ QString filenameOf(const QUrl& url)
     return dot > 0 ? name.left(dot) : name;
 }
 
+QString shapeName(const QList<ShapeLayer>& shapes, QUuid shapeId)
+{
+    const auto shape = std::ranges::find(shapes, shapeId, &ShapeLayer::id);
+    if (shape == shapes.end())
+        return {};
+    const auto isAlike = [shape](const ShapeLayer& other) { return other.kind == shape->kind; };
+    const QString kind = rawValue(shape->kind);
+    if (std::ranges::count_if(shapes, isAlike) == 1)
+        return kind;
+    const auto number = std::count_if(shapes.begin(), std::next(shape), isAlike);
+    return QStringLiteral("%1 %2").arg(kind).arg(number);
+}
+
 TextLayer* PublicationItem::layer(CopySlot slot)
 {
     const auto found = std::ranges::find(layers, slot, &TextLayer::slot);
@@ -61,8 +74,7 @@ QString PublicationItem::layerName(QUuid layerId) const
     const auto text = std::ranges::find(layers, layerId, &TextLayer::id);
     if (text != layers.end())
         return row(text->slot).displayName.toString();
-    const auto shape = std::ranges::find(shapeLayers, layerId, &ShapeLayer::id);
-    return shape == shapeLayers.end() ? QString() : rawValue(shape->kind);
+    return shapeName(shapeLayers, layerId);
 }
 
 bool PublicationItem::hasLayer(QUuid layerId) const

@@ -14,6 +14,10 @@
 // The name of the file at `url` without its last extension.
 QString filenameOf(const QUrl& url);
 
+// What the user calls a shape: its kind, with a number if several in `shapes` are of that kind.
+// Empty for another id.
+QString shapeName(const QList<ShapeLayer>& shapes, QUuid shapeId);
+
 // One photo of the batch with everything laid over it.
 struct PublicationItem {
     QUuid id;    // never changes

@@ -3,11 +3,12 @@
 #include <QObject>
 #include <QString>
 
-enum class ColorScheme { unknown, dark, light };
+// `unknown`: the desktop has not told yet whether it has a preference.
+enum class ColorScheme { unknown, noPreference, dark, light };
 
 // What the user prefers in all programs.
 struct DesktopPreferences {
-    ColorScheme scheme = ColorScheme::unknown;
+    ColorScheme scheme = ColorScheme::noPreference;
     bool reducesMotion = false;
     bool operator==(const DesktopPreferences&) const = default;
 };

@@ -20,7 +20,7 @@ const QString noticeService = u"org.freedesktop.Notifications"_s;
 const QString noticePath = u"/org/freedesktop/Notifications"_s;
 const QString appearance = u"org.freedesktop.appearance"_s;
 const QString gnomeInterface = u"org.gnome.desktop.interface"_s;
-constexpr int answerTime = 500;    // ms that offersFileDialogs() waits
+constexpr int answerTime = 100;    // ms that offersFileDialogs() waits
 
 using SettingGroups = QMap<QString, QVariantMap>;
 
@@ -29,6 +29,7 @@ using SettingGroups = QMap<QString, QVariantMap>;
 DesktopPortal::DesktopPortal(const QDBusConnection& bus) : m_bus(bus)
 {
     qDBusRegisterMetaType<SettingGroups>();
+    show();
     m_bus.connect(portalService, portalPath, settingsInterface, u"SettingChanged"_s, this,
                   SLOT(takeChange(QDBusMessage)));
     m_bus.connect(noticeService, noticePath, noticeService, u"ActivationToken"_s, this,
@@ -54,13 +55,15 @@ void DesktopPortal::takeAll(QDBusPendingCallWatcher* reply)
 {
     reply->deleteLater();
     const QDBusPendingReply<SettingGroups> answer = *reply;
-    if (answer.isError())
-        return;
-    const SettingGroups groups = answer.value();
+    const SettingGroups groups = answer.isError() ? SettingGroups() : answer.value();
     for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
         for (auto setting = group->cbegin(); setting != group->cend(); ++setting)
             take(group.key(), setting.key(), setting.value());
     }
+    // Neither a desktop without a portal nor one that does not tell its scheme has a preference.
+    if (m_scheme == ColorScheme::unknown)
+        m_scheme = ColorScheme::noPreference;
+    show();
 }
 
 void DesktopPortal::takeChange(const QDBusMessage& change)
@@ -68,6 +71,7 @@ void DesktopPortal::takeChange(const QDBusMessage& change)
     const QVariantList told = change.arguments();
     if (told.size() == 3)
         take(told[0].toString(), told[1].toString(), told[2].value<QDBusVariant>().variant());
+    show();
 }
 
 void DesktopPortal::take(const QString& group, const QString& key, const QVariant& told)
@@ -76,12 +80,16 @@ void DesktopPortal::take(const QString& group, const QString& key, const QVarian
         const uint scheme = told.toUInt();
         m_scheme = scheme == 1   ? ColorScheme::dark
                    : scheme == 2 ? ColorScheme::light
-                                 : ColorScheme::unknown;
+                                 : ColorScheme::noPreference;
     } else if (group == appearance && key == u"reduced-motion"_s) {
         m_asksForLessMotion = told.toUInt() == 1;
     } else if (group == gnomeInterface && key == u"enable-animations"_s) {
         m_hasAnimations = told.toBool();
     }
+}
+
+void DesktopPortal::show()
+{
     setPreferences({.scheme = m_scheme, .reducesMotion = m_asksForLessMotion || !m_hasAnimations});
 }
 

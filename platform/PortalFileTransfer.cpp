@@ -31,16 +31,19 @@ bool offersPortalFiles(const QMimeData& data)
                                [&data](const QString& format) { return data.hasFormat(format); });
 }
 
+// Asks for one format: they hold the same key, and a program that does not answer for one lets the
+// window wait for the other too.
 QByteArray portalTransferKey(const QMimeData& data)
 {
-    for (const QString& format : transferFormats()) {
-        QByteArray key = data.data(format);
-        while (key.endsWith('\0') || key.endsWith('\n'))
-            key.chop(1);
-        if (!key.isEmpty() && key.size() <= longestKey)
-            return key;
-    }
-    return {};
+    const QStringList formats = transferFormats();
+    const auto offered = std::ranges::find_if(
+        formats, [&data](const QString& format) { return data.hasFormat(format); });
+    if (offered == formats.end())
+        return {};
+    QByteArray key = data.data(*offered);
+    while (key.endsWith('\0') || key.endsWith('\n'))
+        key.chop(1);
+    return key.size() <= longestKey ? key : QByteArray();
 }
 
 QCoro::Task<std::optional<QList<QUrl>>> portalFiles(QByteArray key, QDBusConnection bus)

@@ -83,8 +83,7 @@ void WindowPictures::grab(const QString& name, const QString& theme)
     const QPixmap picture = m_window.grab();
     if (picture.save(m_out.filePath(file)))
         std::printf("%s\n", qPrintable(file));
-    // One size is enough: the colours are the same in all of them.
-    if (m_window.size() != sizes[1])
+    if (m_window.size() != contrastSize)
         return;
     for (const FaintInk& faint : faintInks(picture.toImage(), exceptedFromContrast(m_window))) {
         std::printf("%s: contrast %.2f of %.1f at %d,%d, %d x %d\n", qPrintable(file), faint.ratio,
@@ -105,11 +104,23 @@ bool WindowPictures::take(const QString& name)
 bool WindowPictures::takeAtThisSize(const QString& name)
 {
     bool reached = true;
-    for (const auto& [theme, label] :
-         {std::pair(&darkTheme(), u"dark"_s), std::pair(&lightTheme(), u"light"_s)}) {
+    const std::array themes{std::pair(&darkTheme(), u"dark"_s),
+                            std::pair(&lightTheme(), u"light"_s)};
+    for (const auto& [theme, label] : themes) {
         applyTheme(*theme);
         reached &= waitUntilCalm();
         grab(name, label);
+    }
+    // The focus can select what it reaches, so this follows the pictures.
+    for (const auto& [theme, label] : themes) {
+        if (m_window.size() != contrastSize)
+            break;
+        applyTheme(*theme);
+        reached &= waitUntilCalm();
+        for (const FaintMark& faint : faintMarks(m_window))
+            std::printf("%s-%s: contrast %.2f of 3.0 at %d,%d, %d x %d: %s\n", qPrintable(name),
+                        qPrintable(label), faint.ratio, faint.at.x(), faint.at.y(),
+                        faint.at.width(), faint.at.height(), qPrintable(faint.what));
     }
     if (!reached)
         std::fprintf(stderr, "%s: not reached after %d s\n", qPrintable(name), longestWait / 1000);

@@ -19,6 +19,10 @@ public:
 
     static constexpr QSize sizes[] = {{1093, 614}, {1200, 720}, {1440, 900}, {2560, 1440}};
 
+    // The contrast is computed in one size, because the colours are the same in all of them. In the
+    // largest, most controls are seen whole.
+    static constexpr QSize contrastSize = sizes[3];
+
     // Runs the event loop until `reached` returns true. Returns false after a minute.
     static bool waitFor(const std::function<bool()>& reached);
 

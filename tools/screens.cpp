@@ -6,7 +6,8 @@
 //     screens OUT [--photos DIR] --copy          generating texts and the engine that does it
 //     screens OUT [--photos DIR] --publish       the publish sheet
 //
-// Also prints each text and icon of the pictures 1440 pixels wide whose contrast is too low.
+// Also prints each text, icon, focus ring, tick and state of a control whose contrast is too low,
+// in the largest of the sizes.
 //
 // Reaches each state through the session and the window, then takes it in both themes and at
 // several sizes. Two runs over the same photos give equal bytes. Without --photos, a painted sample
@@ -306,13 +307,13 @@ private:
                 continue;
             swatch->click();
             m_pictures.waitUntilCalm();
-            m_pictures.takeNow(u"panel-color"_s);
+            m_pictures.takeAtThisSize(u"panel-color"_s);
             swatch->click();
         }
         auto* font = panel->textPanel()->findChild<FontField*>();
         font->click();
         m_pictures.waitUntilCalm();
-        m_pictures.takeNow(u"panel-fonts"_s);
+        m_pictures.takeAtThisSize(u"panel-fonts"_s);
         m_window.setFocus();
         font->click();
         TextLayer unreadable =

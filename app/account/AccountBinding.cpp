@@ -118,15 +118,15 @@ void AccountBinding::tell()
     const bool isWorking = m_account.isActing();
     const bool isDone = m_wasWorking && !isWorking && !m_isLoadingPurchases;
     const bool begins = isWorking && !m_wasWorking;
-    const bool isOutcome = isDone || m_account.outcome() != m_message;
-    m_message = m_account.outcome();
+    const bool isOutcome = isDone || m_account.outcomes() != m_outcomes;
+    m_outcomes = m_account.outcomes();
     m_wasWorking = isWorking;
     if (begins && !isAccountSeen()) {
         m_toldWorking = true;
         Q_EMIT working();
     } else if (!isWorking && (m_toldWorking || (isOutcome && !isAccountSeen()))) {
         m_toldWorking = false;
-        Q_EMIT told(shownText(m_message), m_account.isProblem());
+        Q_EMIT told(shownText(m_account.outcome()), m_account.isProblem());
     }
 }
 

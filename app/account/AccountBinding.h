@@ -67,8 +67,7 @@ private:
     QPointer<AccountSettingsWindow> m_accountSettings;
     QPointer<AppSettingsWindow> m_appSettings;
     bool m_didBootstrap = false;
-    // AccountSession::outcome() at the last call of tell().
-    QString m_message;
+    int m_outcomes = 0;    // AccountSession::outcomes() at the last call of tell()
     bool m_wasWorking = false, m_toldWorking = false;
     bool m_isLoadingPurchases = false;    // the mere end of loading emits no told()
 };

@@ -155,7 +155,7 @@ QWidget* PurchasesDetailPanel::rowOf(const PurchaseHistoryItem& purchase)
     if (purchase.hasDocument()) {
         auto* document =
             new PushButton(Icon::none, u"Ver factura"_s, ButtonKind::neutral, ButtonSize::small);
-        document->setAccessibleDescription(row->accessibleName());
+        document->setAccessibleName(u"%1: %2"_s.arg(document->text(), row->accessibleName()));
         placed->addWidget(document, 0, Qt::AlignRight);
         m_documents.append(document);
         connect(document, &PushButton::clicked, this, [this, document, id = purchase.id] {

@@ -10,7 +10,8 @@ void paintRadio(QPainter& painter, const QRectF& box, const Theme& theme, bool c
                 bool enabled)
 {
     if (!checked)
-        return strokeRounded(painter, box, box.width() / 2, enabled ? theme.dis : theme.line2, 1.5);
+        return strokeRounded(painter, box, box.width() / 2, enabled ? theme.text3 : theme.line2,
+                             1.5);
     fillRounded(painter, box, box.width() / 2, enabled ? theme.accent : theme.dis);
     paintIcon(painter, Icon::check, box, 14, Qt::white);
 }

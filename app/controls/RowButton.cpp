@@ -2,7 +2,8 @@
 
 namespace {
 constexpr int height36 = 36, rowButtonPadding = 10, rowButtonIconSide = 20, rowButtonIconGap = 10;
-}
+constexpr double rowLineWidth = 3, rowLineInset = 9;    // of the line beside the chosen row
+}    // namespace
 
 RowButton::RowButton(Icon icon, const QString& text, QWidget* parent)
     : Control(parent), m_icon(icon)
@@ -33,6 +34,9 @@ void RowButton::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     fillRounded(painter, rect(), Radius::field,
                 isChecked() ? theme.control : withOpacity(theme.hover, hovered()));
+    if (isChecked())
+        fillRounded(painter, QRectF(0, rowLineInset, rowLineWidth, height() - 2 * rowLineInset),
+                    rowLineWidth / 2, isEnabled() ? theme.accentLine : theme.dis);
     QColor ink = isChecked() ? theme.text : mixed(theme.text2, theme.text, hovered());
     if (!isEnabled())
         ink = theme.dis;

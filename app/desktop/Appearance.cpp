@@ -25,7 +25,7 @@ ColorScheme storedScheme(const PreferencesStore& preferences)
     const QByteArray stored = preferences.value(schemeKey).value_or(QByteArray());
     return stored == "light"  ? ColorScheme::light
            : stored == "dark" ? ColorScheme::dark
-                              : ColorScheme::unknown;
+                              : ColorScheme::noPreference;
 }
 
 }    // namespace
@@ -44,8 +44,7 @@ void Appearance::follow(const Desktop& desktop)
         keepScheme();
         apply();
     });
-    if (isSchemeKnown())
-        keepScheme();
+    keepScheme();
     apply();
 }
 
@@ -58,17 +57,17 @@ void Appearance::choose(ThemeChoice choice)
 
 bool Appearance::isSchemeKnown() const
 {
-    return m_desktop && m_desktop->preferences().scheme != ColorScheme::unknown;
+    return m_scheme != ColorScheme::noPreference;
 }
 
 void Appearance::keepScheme()
 {
     const ColorScheme scheme = m_desktop->preferences().scheme;
-    if (std::exchange(m_scheme, scheme) == scheme)
+    if (scheme == ColorScheme::unknown || std::exchange(m_scheme, scheme) == scheme)
         return;
     const QByteArray name = scheme == ColorScheme::light  ? "light"
                             : scheme == ColorScheme::dark ? "dark"
-                                                          : "unknown";
+                                                          : "none";
     m_preferences.setValue(schemeKey, name);
 }
 

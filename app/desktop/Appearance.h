@@ -25,8 +25,9 @@ struct Vocabulary<ThemeChoice> {
 static_assert(rowsAreInOrder<ThemeChoice>());
 
 // Dresses the whole program in the theme that the user chose, which the preferences store keeps,
-// and moves as much as the desktop wishes. Dark until the user chooses. Until the desktop has told
-// its scheme, ThemeChoice::system follows the one that it told last.
+// and moves as much as the desktop wishes. Dark until the user chooses. ThemeChoice::system is dark
+// too where the desktop has no preference; until the desktop has told its scheme, it follows the
+// one that was told last.
 class Appearance : public QObject {
     Q_OBJECT
 public:
@@ -49,6 +50,6 @@ private:
 
     PreferencesStore& m_preferences;
     const Desktop* m_desktop = nullptr;
-    ColorScheme m_scheme;    // told last, maybe to an earlier run of the program
+    ColorScheme m_scheme;    // told last, maybe to an earlier run of the program; never `unknown`
     ThemeChoice m_choice;
 };

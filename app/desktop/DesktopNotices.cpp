@@ -1,8 +1,11 @@
 #include "app/desktop/DesktopNotices.h"
 
+#include "account/AccountTexts.h"
 #include "copygen/LocalAIManager.h"
 #include "platform/Desktop.h"
 #include "studio/StudioSession.h"
+
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -15,38 +18,62 @@ DesktopNotices::DesktopNotices(Desktop& desktop, std::function<bool()> isQuiet, 
 void DesktopNotices::follow(const StudioSession& session)
 {
     connect(&session, &StudioSession::activityChanged, this, [this, &session](Activity::Kind kind) {
-        const bool isRunning = session.activities().find(kind);
+        if (!session.activities().find(kind))
+            return;
         if (kind == Activity::Kind::generating)
-            see(Work::generation, isRunning);
+            begin(Work::generation);
         else if (kind == Activity::Kind::exporting)
-            see(Work::exporting, isRunning);
+            begin(Work::exporting);
         else if (kind == Activity::Kind::publishing)
-            see(Work::publication, isRunning);
+            begin(Work::publication);
     });
+    connect(&session.copy(), &StudioCopy::ended, this, [this](const CopyOutcome& outcome) {
+        const bool isStopped = outcome.state == CopyOutcome::State::cancelled;
+        end(Work::generation, isStopped ? End::stopped : End::own, outcome.sentence());
+    });
+    // Exports and publications that the user has stopped are told as a note.
+    const auto endOf = [](StatusKind kind) {
+        return kind == StatusKind::note ? End::stopped : End::own;
+    };
+    connect(&session.exports(), &StudioExports::told, this,
+            [this, &session, endOf](const QString& sentence, StatusKind kind) {
+                if (!session.exports().progress())    // not a warning at the start
+                    end(Work::exporting, endOf(kind), sentence);
+            });
+    connect(&session.publish(), &StudioPublish::told, this,
+            [this, endOf](const QString& sentence, StatusKind kind) {
+                end(Work::publication, endOf(kind), sentence);
+            });
 }
 
 void DesktopNotices::follow(const LocalAIManager& manager)
 {
-    connect(&manager, &LocalAIManager::changed, this,
-            [this, &manager] { see(Work::installation, manager.isInstallingGemma()); });
+    connect(&manager, &LocalAIManager::changed, this, [this, &manager] {
+        if (manager.isInstallingGemma())
+            return begin(Work::installation);
+        const QString sentence = shownLine(manager.installMessage());
+        // Another program's installation leaves no sentence, but a state of the engine.
+        end(Work::installation, manager.isInstallationCancelled() ? End::stopped : End::own,
+            sentence.isEmpty() ? manager.gemmaStatus().detail : sentence);
+    });
 }
 
-void DesktopNotices::see(Work work, bool isRunning)
+void DesktopNotices::begin(Work work)
 {
-    if (isRunning) {
-        if (!m_begun.contains(work))
-            m_begun.insert(work, m_clock());
-        return;
-    }
+    if (!m_begun.contains(work))
+        m_begun.insert(work, m_clock());
+}
+
+void DesktopNotices::end(Work work, End how, const QString& sentence)
+{
     const auto begun = m_begun.constFind(work);
     if (begun == m_begun.constEnd())
         return;
     const bool wasLong = m_clock() - *begun > longWork;
     m_begun.erase(begun);
-    if (!wasLong || m_isQuiet())
+    if (!wasLong || how == End::stopped || m_isQuiet())
         return;
-    static const std::array titles{
-        u"La generación de textos ha terminado"_s, u"La exportación ha terminado"_s,
-        u"La publicación ha terminado"_s, u"La instalación de la IA local ha terminado"_s};
-    m_desktop.notify({titles[std::size_t(work)], u"Abre Moltiva para ver el resultado."_s});
+    static const std::array titles{u"Generación de textos"_s, u"Exportación"_s, u"Publicación"_s,
+                                   u"Instalación de la IA local"_s};
+    m_desktop.notify({titles[std::size_t(work)], sentence});
 }

@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QString>
 
 #include <chrono>
 #include <functional>
@@ -10,8 +11,8 @@ class Desktop;
 class LocalAIManager;
 class StudioSession;
 
-// Tells the user through the desktop that long work has ended while another program is in front.
-// The notice says only what has ended, because a locked screen may show it too.
+// Tells the user through the desktop how long work has ended while another program is in front, in
+// the sentence of the status line. Says nothing of work that the user has stopped himself.
 class DesktopNotices : public QObject {
     Q_OBJECT
 public:
@@ -27,7 +28,9 @@ public:
 
 private:
     enum class Work { generation, exporting, publication, installation };
-    void see(Work work, bool isRunning);
+    enum class End { own, stopped };
+    void begin(Work work);    // does nothing while the work is under way
+    void end(Work work, End how, const QString& sentence);
 
     Desktop& m_desktop;
     const std::function<bool()> m_isQuiet;

@@ -173,20 +173,6 @@ const ShapeLayer* ShapesPanel::selected() const
 
 // The name of the kind. If the image has several shapes of the same kind, the name ends in a
 // number, counted from the bottommost shape.
-QString ShapesPanel::nameOf(const ShapeLayer& shape) const
-{
-    int count = 0, number = 0;
-    for (const ShapeLayer& other : m_state.shapes) {
-        if (other.kind != shape.kind)
-            continue;
-        ++count;
-        if (other.id == shape.id)
-            number = count;
-    }
-    const QString kind = rawValue(shape.kind);
-    return count > 1 ? u"%1 %2"_s.arg(kind).arg(number) : kind;
-}
-
 void ShapesPanel::showRows()
 {
     const auto count = m_state.shapes.size();
@@ -220,7 +206,7 @@ void ShapesPanel::showRows()
             continue;
         // Shows the topmost shape, which is drawn last, in the first row.
         const ShapeLayer& shape = m_state.shapes[count - 1 - i];
-        m_rows[i]->setShape(shape, nameOf(shape),
+        m_rows[i]->setShape(shape, shapeName(m_state.shapes, shape.id),
                             shape.id == m_state.selectedLayer ? ShapeRow::Mark::selected
                                                               : ShapeRow::Mark::none);
     }
@@ -237,7 +223,8 @@ void ShapesPanel::showStyle()
 {
     const ShapeLayer* shape = selected();
     const ShapeLayer shown = shape ? *shape : ShapeLayer({}, ShapeKind::rectangle, {});
-    m_header->setTitle(shape ? u"Estilo de %1"_s.arg(nameOf(*shape)) : u"Estilo"_s);
+    m_header->setTitle(shape ? u"Estilo de %1"_s.arg(shapeName(m_state.shapes, shape->id))
+                             : u"Estilo"_s);
     const int reached = shape ? m_state.reachedImages : 1;
     m_header->setReached(
         reached,

@@ -48,7 +48,6 @@ Q_SIGNALS:
 
 private:
     const ShapeLayer* selected() const;
-    QString nameOf(const ShapeLayer& shape) const;
     void build();
     void connectStyle();
     template <typename Change>

@@ -26,7 +26,6 @@ constexpr QSize historyPicture(36, 45);
 constexpr int pictureGap = 4, mostPictures = 3, moreRoom = 30;
 constexpr qsizetype entriesAtOnce = 30;
 const QString allNetworks = u"Todas las redes"_s;
-const QString copyLinkName = u"Copiar enlace"_s;
 
 // A stored picture; null unless it is of the kind and size that the records have.
 QImage storedPicture(QByteArray encoded)
@@ -46,7 +45,7 @@ class HistoryRow : public QWidget {
 public:
     HistoryRow(const PublishHistoryEntry& entry, const QList<QImage>& pictures)
         : m_entry(entry), m_pictures(pictures),
-          copyLink(new IconButton(Icon::link, copyLinkName, 32, this)),
+          copyLink(new IconButton(Icon::link, u"Copiar enlace"_s, 32, this)),
           open(new PushButton(Icon::openOutside, u"Abrir"_s, ButtonKind::neutral, ButtonSize::small,
                               this))
     {
@@ -54,12 +53,19 @@ public:
         setFixedHeight(historyRow);
         const QString told = entry.isUnknown ? u"Puede que se haya publicado."_s : entry.line;
         setAccessibleName(u"%1, %2. %3"_s.arg(entry.title, entry.date, told));
-        copyLink->setAccessibleDescription(accessibleName());
-        open->setAccessibleDescription(accessibleName());
+        open->setAccessibleName(u"%1: %2"_s.arg(open->text(), accessibleName()));
+        showCopied(false);
         copyLink->setVisible(entry.hasPage);
         open->setVisible(entry.hasPage);
     }
     QUuid id() const { return m_entry.id; }
+    void showCopied(bool isCopied)    // whether the link is on the clipboard
+    {
+        const QString meaning = isCopied ? u"Enlace copiado"_s : u"Copiar enlace"_s;
+        copyLink->setMeaning(isCopied ? Icon::check : Icon::link,
+                             u"%1: %2"_s.arg(meaning, accessibleName()));
+        copyLink->setToolTip(meaning);
+    }
 
 protected:
     bool event(QEvent* event) override
@@ -270,12 +276,8 @@ void HistoryPage::list()
 
 void HistoryPage::tellCopied(QUuid entry)
 {
-    for (HistoryRow* shown : std::as_const(m_rows)) {
-        if (shown->id() == entry)
-            shown->copyLink->setMeaning(Icon::check, u"Enlace copiado"_s);
-        else
-            shown->copyLink->setMeaning(Icon::link, copyLinkName);
-    }
+    for (HistoryRow* shown : std::as_const(m_rows))
+        shown->showCopied(shown->id() == entry);
 }
 
 QList<QWidget*> HistoryPage::focusOrder() const

@@ -56,7 +56,7 @@ public:
             link->setFlush();
             link->setCursor(Qt::PointingHandCursor);
             link->setFixedHeight(24);
-            link->setAccessibleDescription(check.sentence);
+            link->setAccessibleName(u"%1: %2"_s.arg(check.link, check.sentence));
             line->addWidget(link);
         }
         m_sentence->setAccessibleName(
@@ -107,6 +107,7 @@ PublishStatusPanel::PublishStatusPanel(QWidget* parent)
       m_rows(new QWidget)
 {
     setAccessibleRole(this, QAccessible::StatusBar);
+    m_bar->setAccessibleName(u"Progreso de la publicación"_s);
     m_sentence->setMostRows(4);
     m_sentence->setSpoken(Spoken::byOwner);
     m_spinner->move(reportSide + 2, reportTop + 1);

@@ -3,12 +3,15 @@
 #include "app/desktop/LocalFile.h"
 #include "app/desktop/RecentPlaces.h"
 #include "platform/PortalFileTransfer.h"
+#include "platform/Workers.h"
 #include "studio/StudioSession.h"
 #include "studio/TextTransfer.h"
 
+#include <QCoroFuture>
 #include <QFileInfo>
 #include <QMimeData>
-#include <QPointer>
+
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -66,9 +69,13 @@ void FileIntake::chooseFolder()
 
 void FileIntake::choose(const QString& title, QFileDialog::FileMode mode)
 {
-    auto* dialog = new QFileDialog(m_window, title, m_folder.begin(), imageFilter());
+    auto* dialog = new QFileDialog(m_window, title, m_folder.begin());
     disposeOf(dialog);
     dialog->setFileMode(mode);
+    // Without a filter for folders: the portal's dialog would let none be chosen but those whose
+    // names end as images do.
+    if (mode != QFileDialog::Directory)
+        dialog->setNameFilter(imageFilter());
     // Connects to accepted(): native dialogs and Qt's own emit different signals with the files.
     connect(dialog, &QFileDialog::accepted, this, [this, dialog] { load(dialog->selectedUrls()); });
     dialog->open();
@@ -103,6 +110,7 @@ void FileIntake::load(const QList<QUrl>& filesAndFolders)
     if (filesAndFolders.isEmpty())
         return;
     m_recentlyOpened.clear();
+    m_soughtPlace.clear();
     const QFileInfo first(filesAndFolders.first().toLocalFile());
     m_folder.remember(first.isDir() ? first.absoluteFilePath() : first.absolutePath());
     m_recent->remember(filesAndFolders);
@@ -111,11 +119,31 @@ void FileIntake::load(const QList<QUrl>& filesAndFolders)
 
 void FileIntake::openRecent(const QString& path)
 {
-    if (QFileInfo::exists(path))
-        return load({QUrl::fromLocalFile(path)});
-    m_session.setStatus(u"No se encuentra «%1»."_s.arg(QFileInfo(path).fileName()),
-                        StatusKind::warning);
-    m_recent->look();
+    if (m_soughtPlace == path)
+        return;
+    m_soughtPlace = path;
+    m_session.setStatus(u"Buscando «%1»…"_s.arg(QFileInfo(path).fileName()));
+    openWhenFound(this, path);
+}
+
+QCoro::Task<> FileIntake::openWhenFound(QPointer<FileIntake> self, QString path)
+{
+    // Nobody waits for this thread, not even the end of the program: a network folder may never
+    // answer.
+    QFuture<bool> looking =
+        futureOf([path] { return QFileInfo::exists(path); },
+                 [](std::function<void()> look) { std::thread(std::move(look)).detach(); });
+    const bool isFound = co_await looking;
+    if (!self || self->m_soughtPlace != path)
+        co_return;    // the user has meanwhile imported or sought something else
+    self->m_soughtPlace.clear();
+    if (isFound) {
+        self->load({QUrl::fromLocalFile(path)});
+        co_return;
+    }
+    self->m_session.setStatus(u"No se encuentra «%1»."_s.arg(QFileInfo(path).fileName()),
+                              StatusKind::warning);
+    self->m_recent->look();
 }
 
 QList<QUrl> FileIntake::localFiles(const QMimeData* data)
@@ -130,18 +158,27 @@ QList<QUrl> FileIntake::localFiles(const QMimeData* data)
 }
 
 // Prefers the list of files to the portal, which only a program in a sandbox needs: the paths in
-// its list may not exist outside.
+// its list may not exist outside. Does not even ask for the key if the list serves: the window
+// stands still until the other program answers, and some never do.
 void FileIntake::receive(const QMimeData& data)
 {
     const QList<QUrl> files = localFiles(&data);
-    const QByteArray key = portalTransferKey(data);
     const bool allExist = !files.isEmpty() && std::ranges::all_of(files, [](const QUrl& file) {
         return QFileInfo::exists(file.toLocalFile());
     });
-    if (key.isEmpty() || allExist)
+    const QByteArray key = allExist ? QByteArray() : portalTransferKey(data);
+    if (!key.isEmpty())
+        receiveThroughPortal(key);
+    else if (!files.isEmpty())
         Q_EMIT received(files);
     else
-        receiveThroughPortal(key);
+        tellNothingCame();
+}
+
+void FileIntake::tellNothingCame()
+{
+    m_session.setStatus(u"El escritorio no ha entregado los archivos que has soltado."_s,
+                        StatusKind::error);
 }
 
 QCoro::Task<> FileIntake::receiveThroughPortal(QByteArray key)
@@ -153,8 +190,7 @@ QCoro::Task<> FileIntake::receiveThroughPortal(QByteArray key)
     if (files)
         Q_EMIT received(*files);
     else
-        m_session.setStatus(u"El escritorio no ha entregado los archivos que has soltado."_s,
-                            StatusKind::error);
+        tellNothingCame();
 }
 
 DropOffer FileIntake::offerOf(const QList<QUrl>& files) const

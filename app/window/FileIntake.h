@@ -5,6 +5,7 @@
 #include <QCoroTask>
 #include <QFileDialog>
 #include <QList>
+#include <QPointer>
 #include <QTimer>
 #include <QUrl>
 
@@ -26,6 +27,7 @@ public:
     void chooseTexts(QFileDialog::AcceptMode mode);
 
     RecentPlaces& recent() const { return *m_recent; }
+    // Imports a recent place once it has been found, which may take long on a network.
     void openRecent(const QString& path);
 
     // The local files and folders in `data`.
@@ -45,6 +47,8 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> receiveThroughPortal(QByteArray key);
+    void tellNothingCame();
+    static QCoro::Task<> openWhenFound(QPointer<FileIntake> self, QString path);
     void choose(const QString& title, QFileDialog::FileMode mode);
     void load(const QList<QUrl>& filesAndFolders);
 
@@ -52,6 +56,7 @@ private:
     QWidget* m_window;
     ChooserFolder m_folder;
     RecentPlaces* m_recent;
+    QString m_soughtPlace;    // what openRecent() looks for; empty: nothing
     // Files of recent open() calls, imported again together with the files of the next call.
     QList<QUrl> m_recentlyOpened;
     QTimer m_forgetOpened;    // clears m_recentlyOpened after a pause in the calls of open()

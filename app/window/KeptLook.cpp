@@ -5,6 +5,11 @@
 #include "app/window/StudioShell.h"
 #include "platform/PreferencesStore.h"
 
+#include <QGuiApplication>
+#include <QRegion>
+#include <QScreen>
+#include <QStyle>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -17,6 +22,29 @@ const QString geometryKey = u"moltiva.windowGeometry"_s;
 const QByteArray hiddenName = "yes", seenName = "no";
 
 }    // namespace
+
+QRect broughtOnto(const QList<QRect>& screens, const QRect& window, int title)
+{
+    QRegion hidden(window);
+    QRect best = screens.value(0);
+    qint64 most = 0;    // pixels
+    for (const QRect& screen : screens) {
+        const QRect seen = screen & window;
+        const qint64 area = qint64(seen.width()) * seen.height();
+        if (area > most) {
+            best = screen;
+            most = area;
+        }
+        hidden -= screen;
+    }
+    if (best.isEmpty() || hidden.isEmpty())
+        return window;
+    best.setTop(best.top() + title);
+    QRect whole(window.topLeft(), window.size().boundedTo(best.size()));
+    whole.moveLeft(std::clamp(whole.x(), best.x(), best.x() + best.width() - whole.width()));
+    whole.moveTop(std::clamp(whole.y(), best.y(), best.y() + best.height() - whole.height()));
+    return whole;
+}
 
 KeptLook::KeptLook(StudioShell* shell, PreferencesStore& preferences, QWidget* window)
     : QObject(window), m_shell(shell), m_preferences(preferences), m_window(window)
@@ -39,8 +67,17 @@ void KeptLook::restore()
     m_shell->setPanelWidth(number(panelWidthKey));
     setBatchColumnSeen(m_preferences.value(batchHiddenKey) != hiddenName);
     setSidePanelSeen(m_preferences.value(panelHiddenKey) != hiddenName);
-    if (const auto geometry = m_preferences.value(geometryKey))
-        m_window->restoreGeometry(*geometry);
+    const auto geometry = m_preferences.value(geometryKey);
+    if (!geometry || !m_window->restoreGeometry(*geometry))
+        return;
+    if (m_window->windowState().testAnyFlags(Qt::WindowMaximized | Qt::WindowFullScreen))
+        return;
+    // Qt is content if a part of the window can be seen.
+    QList<QRect> screens;
+    for (const QScreen* screen : QGuiApplication::screens())
+        screens.append(screen->availableGeometry());
+    const int title = m_window->style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    m_window->setGeometry(broughtOnto(screens, m_window->geometry(), title));
 }
 
 void KeptLook::keepGeometry()

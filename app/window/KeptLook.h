@@ -1,9 +1,15 @@
 #pragma once
+#include <QList>
 #include <QObject>
+#include <QRect>
 
 class PreferencesStore;
 class StudioShell;
 enum class SideTab;
+
+// Where `window` is to stand: where it is if the `screens` show all of it, else whole on the one
+// that shows most of it, or on the first, with room for a `title` bar above; smaller if it must be.
+QRect broughtOnto(const QList<QRect>& screens, const QRect& window, int title);
 
 // Stores the look of the window in the preferences and restores it: which columns are visible and
 // how wide, and the geometry of the window.

@@ -1,6 +1,5 @@
 #include "app/window/MainWindow.h"
 
-#include "account/AccountSession.h"
 #include "app/account/AccountBinding.h"
 #include "app/account/AuthGateView.h"
 #include "app/account/LoginView.h"
@@ -13,10 +12,7 @@
 #include "app/controls/popovers/FocusRound.h"
 #include "app/copy/ComposeBar.h"
 #include "app/copy/CopyBinding.h"
-#include "app/desktop/Appearance.h"
-#include "app/desktop/DesktopNotices.h"
 #include "app/desktop/RecentPlaces.h"
-#include "app/desktop/UpdateController.h"
 #include "app/desktop/WindowActivation.h"
 #include "app/export/ExportBinding.h"
 #include "app/layers/PanelBinding.h"
@@ -25,14 +21,14 @@
 #include "app/presets/TemplatesBinding.h"
 #include "app/publish/PublishBinding.h"
 #include "app/settings/AppSettingsWindow.h"
-#include "app/settings/AppearanceDetailPanel.h"
 #include "app/settings/LocalAIBinding.h"
-#include "app/settings/UpdatesBinding.h"
 #include "app/stage/EmptyState.h"
 #include "app/stage/StageBinding.h"
 #include "app/stage/StagePanel.h"
 #include "app/stage/ViewBar.h"
 #include "app/window/CommandText.h"
+#include "app/window/DesktopBinding.h"
+#include "app/window/FileArrivals.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeptLook.h"
 #include "app/window/KeysSheet.h"
@@ -45,18 +41,14 @@
 #include "app/window/TopBar.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "copygen/LocalAIManager.h"
-#include "platform/Desktop.h"
 #include "platform/NotificationCenter.h"
-#include "platform/PortalFileTransfer.h"
 #include "platform/PreferencesStore.h"
 #include "studio/StudioSession.h"
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDragEnterEvent>
 #include <QEventLoop>
 #include <QKeyEvent>
-#include <QPointer>
 #include <QScopedValueRollback>
 #include <QScreen>
 
@@ -84,7 +76,7 @@ QList<FormatChoice> formatChoices()
 
 MainWindow::MainWindow(StudioSession& session, AccountSession& account,
                        const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences)
-    : m_session(session), m_accountSession(account), m_preferences(preferences),
+    : m_session(session), m_preferences(preferences),
       m_shell(new StudioShell(formatChoices(), this)),
       m_batchBinding(std::make_unique<BatchBinding>(session, m_shell->batchColumn(), photos)),
       m_stageBinding(
@@ -102,14 +94,17 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
       m_publishBinding(
           std::make_unique<PublishBinding>(session, account, *m_batchBinding, photos, this)),
       m_statusBinding(std::make_unique<StatusBinding>(session, m_shell->statusLine())),
-      m_updates(std::make_unique<UpdateController>(account, preferences)),
+      m_desktop(std::make_unique<DesktopBinding>(session, account, preferences, *m_statusBinding)),
       m_focus(new StudioFocus(m_shell, this)), m_look(new KeptLook(m_shell, preferences, this)),
-      m_appearance(new Appearance(preferences, this)),
       m_commands(new StudioCommands({session, account, m_shell, *m_batchBinding, *m_stageBinding,
                                      *m_panelBinding, *m_templatesBinding, *m_exportBinding,
-                                     *m_publishBinding, *m_statusBinding, *m_updates, m_files,
-                                     m_focus, m_look, *m_appearance, this})),
+                                     *m_publishBinding, *m_statusBinding, m_desktop->updates(),
+                                     m_files, m_focus, m_look, m_desktop->appearance(), this})),
       m_gate(new AuthGateView(this)),
+      m_arrivals(new FileArrivals(m_files, m_shell->dropVeil(), m_gate->login(),
+                                  {.isGated = [this] { return isGated(); },
+                                   .isSheetPresented = [this] { return isSheetPresented(); }},
+                                  this)),
       m_accountBinding(std::make_unique<AccountBinding>(account, session, m_gate,
                                                         m_shell->topBar()->account(), this))
 {
@@ -125,10 +120,8 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
     connectAccount();
     connectCopy();
     connectPublish();
-    connectUpdates();
-    followNotifications();
-    connectAppearance();
-    connectRecent();
+    connectKeys();
+    connectDesktop();
     m_look->restore();
     m_hasImported = preferences.value(importedKey) == yes;
     m_focus->goToCanvas();    // otherwise the first button takes the focus and the arrow keys
@@ -177,7 +170,6 @@ void MainWindow::connectPanels()
             [this] { m_shell->sidePanel()->setTab(SideTab::templates); });
     connect(m_panelBinding.get(), &PanelBinding::leaveRequested, m_focus, &StudioFocus::goToCanvas);
     connect(m_statusBinding.get(), &StatusBinding::closeRequested, this, &QWidget::close);
-    connect(m_files, &FileIntake::received, this, &MainWindow::drop);
     connect(m_exportBinding.get(), &ExportBinding::leaveRequested, m_focus,
             &StudioFocus::goToCanvas);
     connect(m_shell->statusLine(), &StatusLine::leaveRequested, m_focus, &StudioFocus::goToCanvas);
@@ -227,7 +219,7 @@ void MainWindow::connectAccount()
     connect(m_accountBinding.get(), &AccountBinding::gateOpened, this, [this] {
         lockStudio();
         m_focus->goToCanvas();
-        openWaiting();
+        m_arrivals->openWaiting();
     });
     connect(m_accountBinding.get(), &AccountBinding::gateClosed, this, [this] {
         m_publishBinding->close();
@@ -269,19 +261,7 @@ void MainWindow::connectPublish()
     });
 }
 
-void MainWindow::connectUpdates()
-{
-    connect(m_updates.get(), &UpdateController::told, this,
-            [this](const QString& sentence, bool isProblem) {
-                m_session.setStatus(sentence, isProblem ? StatusKind::warning : StatusKind::done);
-            });
-    connect(m_accountBinding.get(), &AccountBinding::appSettingsMade, this,
-            [this](const AppSettingsWindow* settings) {
-                new UpdatesBinding(*m_updates, m_accountSession, settings->updatesPanel());
-            });
-}
-
-void MainWindow::followNotifications()
+void MainWindow::connectKeys()
 {
     setShortcuts({.onLeft = [this] { m_session.previousItem(); },
                   .onRight = [this] { m_session.nextItem(); },
@@ -293,59 +273,26 @@ void MainWindow::followNotifications()
                      [this](const QVariant&) { shortcuts().onUndo(); });
     center.subscribe(Notification::redoRequested, this,
                      [this](const QVariant&) { shortcuts().onRedo(); });
-    center.subscribe(Notification::deepLinkReceived, this, [this](const QVariant& link) {
-        const QUrl url = link.toUrl();
-        if (AccountSession::isDeepLink(url))
-            return;
-        const bool isElsewhere = url.isValid() && url.scheme() != u"moltiva"_s;
-        m_session.setStatus(isElsewhere ? u"Moltiva solo abre fotos que están en este equipo."_s
-                                        : u"Moltiva no reconoce el enlace que se ha abierto."_s,
-                            StatusKind::warning);
-    });
 }
 
-void MainWindow::connectRecent()
+void MainWindow::connectDesktop()
 {
-    RecentPlaces& recent = m_files->recent();
-    const auto show = [this, &recent] { m_shell->emptyState()->setPlaces(recent.places()); };
-    connect(&recent, &RecentPlaces::changed, this, show);
-    show();
-    recent.look();
-}
-
-void MainWindow::connectAppearance()
-{
-    connect(m_accountBinding.get(), &AccountBinding::appSettingsMade, this,
-            [this](AppSettingsWindow* settings) {
-                AppearanceDetailPanel* panel = settings->appearancePanel();
-                const auto show = [this, panel] {
-                    panel->setTheme(m_appearance->choice(), m_appearance->isSchemeKnown());
-                };
-                show();
-                connect(m_appearance, &Appearance::changed, panel, show);
-                connect(panel, &AppearanceDetailPanel::themeChosen, m_appearance,
-                        &Appearance::choose);
-            });
+    m_desktop->showRecent(m_files->recent(), m_shell->emptyState());
+    connect(m_accountBinding.get(), &AccountBinding::appSettingsMade, m_desktop.get(),
+            &DesktopBinding::connectSettings);
+    connect(m_desktop.get(), &DesktopBinding::noticePressed, this,
+            [this](const QByteArray& token) { comeForward(*this, token); });
 }
 
 void MainWindow::setDesktop(Desktop& desktop)
 {
-    m_appearance->follow(desktop);
-    const auto isQuiet = [status = QPointer(m_statusBinding.get())] {
-        return !status || status->isClosing() ||
-               QApplication::applicationState() == Qt::ApplicationActive;
-    };
-    m_notices = new DesktopNotices(desktop, isQuiet, &std::chrono::steady_clock::now, this);
-    m_notices->follow(m_session);
-    connect(&desktop, &Desktop::noticePressed, this,
-            [this](const QByteArray& token) { comeForward(*this, token); });
+    m_desktop->follow(desktop);
 }
 
 void MainWindow::setLocalEngine(LocalAIManager& manager, const LocalAIService& service)
 {
     m_copyBinding->setLocalEngine(manager, service);
-    if (m_notices)
-        m_notices->follow(manager);
+    m_desktop->follow(manager);
     connect(&manager, &LocalAIManager::changed, m_panelBinding.get(), &PanelBinding::show);
     connect(m_accountBinding.get(), &AccountBinding::appSettingsMade, this,
             [&manager](AppSettingsWindow* settings) {
@@ -393,24 +340,8 @@ void MainWindow::lockStudio()
     m_shell->setEnabled(!isGated());
     m_shell->setCovered(isLocked);
     showHints();
-    if (!isLocked && !m_dropped.isEmpty())
-        openWaiting();
-}
-
-void MainWindow::openWaiting()
-{
-    const QList<QUrl> given = std::exchange(m_waitingOpened, {});
-    const QList<QUrl> dropped = std::exchange(m_dropped, {});
-    showWaiting();
-    if (given.isEmpty() && !dropped.isEmpty())
-        m_files->drop(dropped);
-    else
-        m_files->open(given + dropped);
-}
-
-void MainWindow::showWaiting()
-{
-    m_gate->login()->setWaitingFiles(int(m_waitingOpened.size() + m_dropped.size()));
+    if (!isLocked)
+        m_arrivals->openDropped();
 }
 
 void MainWindow::changeEvent(QEvent* event)
@@ -465,10 +396,12 @@ void MainWindow::settleBeforeLogout()
 
 void MainWindow::open(const QList<QUrl>& files)
 {
-    if (!isGated())
-        return m_files->open(files);
-    m_waitingOpened += files;
-    showWaiting();
+    m_arrivals->open(files);
+}
+
+UpdateController& MainWindow::updates()
+{
+    return m_desktop->updates();
 }
 
 // Areas that a popover opened by `owner`, in the side panel, should not cover: `owner` itself, the
@@ -534,33 +467,17 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    const QList<QUrl> files = FileIntake::localFiles(event->mimeData());
-    if ((files.isEmpty() && !offersPortalFiles(*event->mimeData())) || isSheetPresented())
-        return;
-    if (!isGated())
-        m_shell->dropVeil()->offer(m_files->offerOf(files));
-    event->acceptProposedAction();
+    m_arrivals->dragEntered(event);
 }
 
 void MainWindow::dragLeaveEvent(QDragLeaveEvent*)
 {
-    m_shell->dropVeil()->hide();
+    m_arrivals->dragLeft();
 }
 
 void MainWindow::dropEvent(QDropEvent* event)
 {
-    m_shell->dropVeil()->hide();
-    event->acceptProposedAction();
-    m_files->receive(*event->mimeData());
-}
-
-// The files of a drop may come late, when a sheet has been opened meanwhile.
-void MainWindow::drop(const QList<QUrl>& files)
-{
-    if (!isGated() && !isSheetPresented())
-        return m_files->drop(files);
-    m_dropped += files;
-    showWaiting();
+    m_arrivals->dropped(event);
 }
 
 void MainWindow::showBatch()

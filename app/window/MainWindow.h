@@ -10,13 +10,13 @@
 
 class AccountBinding;
 class AccountSession;
-class Appearance;
 class AuthGateView;
 class BatchBinding;
 class CopyBinding;
 class Desktop;
-class DesktopNotices;
+class DesktopBinding;
 class ExportBinding;
+class FileArrivals;
 class FileIntake;
 class KeptLook;
 class KeysSheet;
@@ -36,8 +36,8 @@ class StudioShell;
 class TemplatesBinding;
 class UpdateController;
 
-// The window of the studio: connects panels, session and account, and handles keys, opened and
-// dropped files, and closing.
+// The window of the studio: connects panels, session, account and desktop, and handles keys and
+// closing.
 class MainWindow : public ShortcutView, public KeptClear {
     Q_OBJECT
 public:
@@ -65,7 +65,7 @@ public:
     // in. Calls in quick succession make one batch, because file managers start a program once for
     // each file.
     void open(const QList<QUrl>& files);
-    UpdateController& updates() { return *m_updates; }
+    UpdateController& updates();
     // Saves, and asks work that must not be cut off to end, for which it waits some seconds.
     void settleBeforeLogout();
 
@@ -86,10 +86,8 @@ private:
     void connectAccount();
     void connectCopy();
     void connectPublish();
-    void connectUpdates();
-    void followNotifications();
-    void connectAppearance();
-    void connectRecent();
+    void connectKeys();
+    void connectDesktop();
 
     bool isGated() const;
     bool isSheetPresented() const;
@@ -97,9 +95,6 @@ private:
     void hideKeys();
     void save();
     void lockStudio();
-    void showWaiting();
-    void openWaiting();
-    void drop(const QList<QUrl>& files);
 
     void showBatch();
     void showStage();
@@ -107,7 +102,6 @@ private:
     void showHints();
 
     StudioSession& m_session;
-    AccountSession& m_accountSession;
     PreferencesStore& m_preferences;
     StudioShell* m_shell;
     // The bindings refer to child widgets. Being members, they are destroyed before those.
@@ -120,18 +114,14 @@ private:
     std::unique_ptr<ExportBinding> m_exportBinding;
     std::unique_ptr<PublishBinding> m_publishBinding;
     std::unique_ptr<StatusBinding> m_statusBinding;
-    std::unique_ptr<UpdateController> m_updates;
+    std::unique_ptr<DesktopBinding> m_desktop;
     StudioFocus* m_focus;
     KeptLook* m_look;
-    Appearance* m_appearance;
-    DesktopNotices* m_notices = nullptr;    // null without a desktop
     StudioCommands* m_commands;
     KeysSheet* m_keys = nullptr;    // made when it is first shown
     AuthGateView* m_gate;
+    FileArrivals* m_arrivals;
     std::unique_ptr<AccountBinding> m_accountBinding;
-    // Files that wait until somebody signs in. m_waitingOpened: opened by another program.
-    // m_dropped: dropped on the window; these also wait until no sheet is presented.
-    QList<QUrl> m_waitingOpened, m_dropped;
     // m_hasImported: whether photos were imported, in this run of the program or an earlier one.
     // m_wasEmpty: whether the window has been without images in this run.
     bool m_hasImported = false, m_wasEmpty = false;

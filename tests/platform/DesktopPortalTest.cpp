@@ -139,7 +139,7 @@ TEST_F(DesktopPortalTest, preferencesAreReadAndFollowed)
     const qsizetype before = changes.count();
     change(u"org.freedesktop.appearance"_s, u"accent-color"_s, u"pink"_s);
     change(u"org.freedesktop.appearance"_s, u"color-scheme"_s, 99u);
-    EXPECT_TRUE(becomes(ColorScheme::unknown, true));
+    EXPECT_TRUE(becomes(ColorScheme::noPreference, true));
     EXPECT_EQ(changes.count(), before + 1) << "told of what has no meaning here";
 }
 
@@ -147,9 +147,16 @@ TEST_F(DesktopPortalTest, aPortalThatComesLaterIsAsked)
 {
     settings.groups = {{u"org.freedesktop.appearance"_s, {{u"color-scheme"_s, 2u}}}};
     DesktopPortal portal(m_program);
+    const auto becomes = [](const DesktopPortal& asking, ColorScheme scheme) {
+        return QTest::qWaitFor([&] { return asking.preferences().scheme == scheme; });
+    };
+    EXPECT_EQ(portal.preferences().scheme, ColorScheme::unknown);
+    EXPECT_TRUE(becomes(portal, ColorScheme::noPreference)) << "there is no portal";
     portal.notify({u"Nadie"_s, u"lo muestra"_s});
     offerSettings();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return portal.preferences().scheme == ColorScheme::light; }));
+    EXPECT_TRUE(becomes(portal, ColorScheme::light));
+    settings.groups.clear();
+    EXPECT_TRUE(becomes(DesktopPortal(m_program), ColorScheme::noPreference)) << "tells no scheme";
 }
 
 TEST_F(DesktopPortalTest, fileDialogsAreAskedFor)

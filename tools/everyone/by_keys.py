@@ -15,7 +15,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
 from by_ear import Listener  # noqa: E402
-from heard import STATE, NotFound, box_of, has, line_of, name_of, role_of  # noqa: E402
+from heard import NotFound, attempt, box_of, line_of, name_of, role_of  # noqa: E402
 
 WIDTH, HEIGHT = 1440, 900
 RINGS = ((0x5B, 0x78, 0xFF), (0x47, 0x65, 0xF0))    # accentLine of the two themes
@@ -28,6 +28,12 @@ def picture():
 
 def near(data, at):
     return any(all(abs(data[at + i] - ring[i]) < 40 for i in range(3)) for ring in RINGS)
+
+
+def ringed(node):
+    """What the ring goes around: for a layer, the canvas that it is part of."""
+    parent = attempt(node.get_parent, None)
+    return parent if parent and role_of(parent) == "canvas" else node
 
 
 def ring_around(before, after, box):
@@ -82,7 +88,7 @@ class Typist(Listener):
             if place == first:
                 break
             first = first or place
-            count = ring_around(before, after, box)
+            count = ring_around(before, after, box_of(ringed(node)))
             # A text in a card of its own is outlined with its card.
             self.stops.append(f"{count:5} {line_of(node)}")
             if count < LEAST:

@@ -157,6 +157,7 @@ void FormEdit::hideEvent(QHideEvent* event)
 
 void FormEdit::paintEvent(QPaintEvent* event)
 {
+    constexpr double problemWidth = 2;    // pixels
     const Theme& theme = themeOf(this);
     {
         QPainter painter(this);
@@ -166,11 +167,14 @@ void FormEdit::paintEvent(QPaintEvent* event)
         fillRounded(painter, rect(), size.radius,
                     lively ? theme.control : mixed(theme.panel, theme.control, 0.65));
         if (m_problem)
-            strokeRounded(painter, rect(), size.radius, theme.err, 1.5);
-        else if (hasFocus() && lively)
-            strokeRounded(painter, rect(), size.radius, theme.accentLine, 1.5);
-        else if (m_size == FieldSize::large)
+            strokeRounded(painter, rect(), size.radius, theme.err, problemWidth);
+        else if (m_size == FieldSize::large && !hasFocus())
             strokeRounded(painter, rect(), size.radius, theme.line2);
+        if (hasFocus()) {
+            const double inset = m_problem ? problemWidth : 0;
+            strokeRounded(painter, QRectF(rect()).adjusted(inset, inset, -inset, -inset),
+                          size.radius - inset, theme.accentLine, 1.5);
+        }
         paintIcon(painter, m_icon, QRectF(size.padding, 0, formFieldIconSide, height()), size.icon,
                   lively ? theme.text2 : theme.dis);
     }

@@ -10,6 +10,7 @@
 
 namespace {
 constexpr int trackMargin = 2, iconAir = 2, aloneIconSide = 20, noSegment = -1;
+constexpr int segmentLineInset = 10, segmentLine = 2;    // of the line below the chosen segment
 constexpr int creditsGap = 8, creditsCoin = 14, creditsCoinGap = 4;
 
 int creditsWidth(const Segment& segment)
@@ -203,6 +204,10 @@ void SegmentedControl::paintEvent(QPaintEvent*)
                 fillRounded(painter, box.translated(0, 0.5).adjusted(-0.5, 0, 0.5, 0.5), 7.5,
                             theme.line2);
             fillRounded(painter, box, 7, theme.seg);
+            fillRounded(painter,
+                        QRectF(box.left() + segmentLineInset, box.bottom() - segmentLine,
+                               box.width() - 2 * segmentLineInset, segmentLine),
+                        1, isUsable ? theme.accentText : theme.dis);
         } else if (i == m_hovered && isUsable) {
             fillRounded(painter, box, 7, theme.hover);
         }

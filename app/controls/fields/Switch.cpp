@@ -19,8 +19,9 @@ void Switch::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF track(0, (height() - switchTrackHeight) / 2, width(), switchTrackHeight);
-    QColor ground = isChecked() ? mixed(theme.accent, theme.accentHover, hovered())
-                                : mixed(theme.line2, theme.fill, hovered());
+    // A grey from which the white knob stands out, and which stands out from the panel.
+    const QColor off = mixed(theme.dis, theme.text3, 0.6 + 0.1 * hovered());
+    QColor ground = isChecked() ? mixed(theme.accent, theme.accentHover, hovered()) : off;
     if (!isEnabled())
         ground = mixed(theme.panel, ground, 0.5);
     fillRounded(painter, track, switchTrackHeight / 2, ground);

@@ -67,6 +67,8 @@ void ToggleButton::paintEvent(QPaintEvent*)
     if (isDown())
         fill = on ? fill : theme.seg;
     fillRounded(painter, rect(), Radius::field, fill);
+    if (on)
+        strokeRounded(painter, rect(), Radius::field, theme.accentLine, 1.5);
     QColor ink = on ? theme.accentText : mixed(theme.text2, theme.text, hovered());
     if (!isEnabled())
         ink = theme.dis;

@@ -58,8 +58,14 @@ TEST_F(AppearanceTest, isDarkUntilChosenAndFollowsTheDesktopOnlyIfWanted)
     }
     Appearance next(preferences);
     EXPECT_EQ(next.choice(), ThemeChoice::system);
-    EXPECT_FALSE(next.isSchemeKnown());
     EXPECT_TRUE(isProgramLight()) << "as the desktop was last";
+    EXPECT_TRUE(next.isSchemeKnown());
+    FakeDesktop late;
+    late.prefer({.scheme = ColorScheme::unknown});
+    next.follow(late);
+    EXPECT_TRUE(isProgramLight()) << "until the desktop tells";
+    late.prefer({.scheme = ColorScheme::noPreference});
+    EXPECT_FALSE(isProgramLight()) << "the preference was given up while the program was closed";
     next.follow(desktop);
     EXPECT_TRUE(isProgramLight());
     desktop.prefer({});

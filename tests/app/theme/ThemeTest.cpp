@@ -1,4 +1,5 @@
 #include "app/theme/Theme.h"
+#include "app/controls/fields/Switch.h"
 #include "app/theme/Icons.h"
 
 #include <QMenu>
@@ -36,12 +37,32 @@ TEST(Theme, everyTextIsReadableOnEveryGround)
                                        theme->ok, theme->warn, theme->err})
                 EXPECT_GE(contrast(text, ground), 4.5)
                     << qPrintable(text.name()) << " on " << qPrintable(ground.name());
+            EXPECT_GE(contrast(theme->accentLine, ground), 3.0)
+                << "focus and selection on " << qPrintable(ground.name());
         }
         EXPECT_GE(contrast(Qt::white, theme->accent), 4.5);
         EXPECT_GE(contrast(Qt::white, theme->accentHover), 4.5);
         EXPECT_GE(contrast(theme->accentText, theme->accentSoft), 4.5);
         EXPECT_GE(contrast(theme->text2, theme->seg), 4.5);
-        EXPECT_GE(contrast(theme->accentLine, theme->panel), 3.0) << "the focus ring";
+        EXPECT_GE(contrast(theme->accentText, theme->seg), 3.0) << "below the chosen segment";
+    }
+}
+
+TEST(Theme, aSwitchIsSeenOnAndOff)
+{
+    Switch box(u"Caja"_s);
+    for (const Theme* theme : {&darkTheme(), &lightTheme()}) {
+        box.setPalette(paletteOf(*theme));
+        for (const bool on : {false, true}) {
+            box.setChecked(on);
+            const QImage picture = box.grab().toImage();
+            const QColor left = picture.pixelColor(9, 12), right = picture.pixelColor(23, 12);
+            EXPECT_EQ(on ? right : left, QColor(Qt::white));
+            const QColor track = on ? left : right;
+            EXPECT_GE(contrast(track, Qt::white), 3.0) << on;
+            for (const QColor& ground : {theme->panel, theme->card})
+                EXPECT_GE(contrast(track, ground), 3.0) << on << qPrintable(ground.name());
+        }
     }
 }
 

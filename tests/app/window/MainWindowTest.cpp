@@ -13,6 +13,33 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// What a file manager drops: the list of files and the portal's key, which not all of them give
+// when they are asked for it.
+class FileManagerData : public QMimeData {
+public:
+    explicit FileManagerData(const QUrl& file)
+    {
+        setUrls({file});
+        setData(u"application/vnd.portal.filetransfer"_s, {});
+        setData(u"application/vnd.portal.files"_s, {});
+    }
+    int keysAsked() const { return m_keysAsked; }
+
+protected:
+    QVariant retrieveData(const QString& format, QMetaType type) const override
+    {
+        m_keysAsked += format.startsWith(u"application/vnd.portal."_s) ? 1 : 0;
+        return QMimeData::retrieveData(format, type);
+    }
+
+private:
+    mutable int m_keysAsked = 0;
+};
+
+}    // namespace
+
 TEST_F(MainWindowTest, anImportFillsTheColumnAndTheStage)
 {
     session.load({photos(5)});
@@ -183,6 +210,18 @@ TEST_F(MainWindowTest, droppedFilesAreImported)
         return told().last() == u"El escritorio no ha entregado los archivos que has soltado."_s;
     }));
 
+    // The key is asked for only if the list does not serve, and once.
+    for (const auto& [name, timesAsked] : {std::pair(u"f0.png"_s, 0), std::pair(u"no.png"_s, 1)}) {
+        const FileManagerData both(QUrl::fromLocalFile(m_folder.filePath(name)));
+        QDragEnterEvent entered({600, 400}, Qt::CopyAction, &both, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&window, &entered);
+        QDropEvent dropped({600, 400}, Qt::CopyAction, &both, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&window, &dropped);
+        EXPECT_EQ(both.keysAsked(), timesAsked);
+        settle();
+        EXPECT_EQ(session.batch().items.size(), 1);
+    }
+
     QMimeData text;
     text.setText(u"hola"_s);
     QDragEnterEvent refused({600, 400}, Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
@@ -241,8 +280,10 @@ TEST_F(MainWindowTest, theNextStartHasThePlacesOfThisOne)
     Q_EMIT window.shell()->panelWidthDragged(410);
     window.close();
     MainWindow next(session, account.session(), m_photos, preferences);
+    // As large as the screen of 800 × 800 and the smallest window allow.
+    EXPECT_EQ(next.size(), QSize(1080, 776));
+    next.resize(1330, 815);
     next.show();
-    EXPECT_EQ(next.size(), QSize(1330, 815));
     EXPECT_NEAR(next.shell()->batchColumn()->width(), 310, 1);
     EXPECT_NEAR(next.shell()->sidePanel()->width(), 410, 1);
 }

@@ -10,6 +10,7 @@
 #include "app/stage/ViewBar.h"
 #include "app/theme/Theme.h"
 #include "app/window/DropVeil.h"
+#include "app/window/KeptLook.h"
 #include "app/window/StatusLine.h"
 #include "canvas/interaction/CanvasInteractionView.h"
 #include "tests/app/Events.h"
@@ -54,6 +55,21 @@ void expectInside(const QWidget* panel, const std::string& label)
 }
 
 }    // namespace
+
+TEST(KeptLook, aWindowIsWholeOnTheScreensThatThereAre)
+{
+    const QRect left(0, 0, 1600, 1000), right(1600, 100, 1200, 800);
+    constexpr int title = 20;
+    const QRect onTheRight(1650, 150, 1100, 700);
+    for (const QRect& seen : {QRect(100, 0, 1300, 850), QRect(1000, 150, 1300, 700), onTheRight})
+        EXPECT_EQ(broughtOnto({left, right}, seen, title), seen);
+    EXPECT_EQ(broughtOnto({left}, onTheRight, title), QRect(500, 150, 1100, 700))
+        << "its screen is gone";
+    EXPECT_EQ(broughtOnto({left, right}, {2700, 850, 1100, 600}, title),
+              QRect(1700, 300, 1100, 600));
+    EXPECT_EQ(broughtOnto({left}, {-50, -20, 2000, 1200}, title), QRect(0, 20, 1600, 980));
+    EXPECT_EQ(broughtOnto({}, onTheRight, title), onTheRight);
+}
 
 TEST(StudioShell, columnsFollowTheWidthOfTheWindow)
 {

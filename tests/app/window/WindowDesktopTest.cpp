@@ -1,4 +1,6 @@
 #include "app/controls/fields/LineField.h"
+#include "app/presets/PresetGrid.h"
+#include "app/presets/TemplatesPanel.h"
 #include "app/stage/EmptyState.h"
 #include "app/window/FileIntake.h"
 #include "app/window/KeysSheet.h"
@@ -8,6 +10,7 @@
 
 #include <QAction>
 #include <QMenu>
+#include <QSignalSpy>
 #include <QWindow>
 
 using namespace Qt::StringLiterals;
@@ -124,22 +127,34 @@ TEST_F(MainWindowTest, whatWasImportedIsOfferedAgain)
     EXPECT_FALSE(window.menu()->action(u"Reciente 2"_s)->isVisible());
     session.removeCurrentItem();
     settle();
+    const auto holds = [this](int images) {
+        return QTest::qWaitFor([&] { return session.batch().items.size() == images; }, 30000);
+    };
     first->trigger();
-    settle();
-    EXPECT_EQ(session.batch().items.size(), 2);
+    EXPECT_FALSE(session.isImporting()) << "the disk was waited for";
+    EXPECT_TRUE(holds(2));
 
     auto* chip = named<Control>(window.shell()->emptyState(), first->text());
     ASSERT_TRUE(chip);
     EXPECT_EQ(chip->toolTip(), folder.toLocalFile());
     ASSERT_TRUE(QDir(folder.toLocalFile()).removeRecursively());
     chip->click();
-    EXPECT_EQ(told().last(), u"No se encuentra «%1»."_s.arg(first->text()));
+    const QString lost = u"No se encuentra «%1»."_s.arg(first->text());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told().last() == lost; }));
     EXPECT_EQ(session.batch().items.size(), 2);
     const auto isMarked = [this] {
         auto* now = window.shell()->emptyState()->findChildren<Control*>().last();
         return now->toolTip().endsWith(u"No se encuentra"_s);
     };
     EXPECT_TRUE(QTest::qWaitFor(isMarked));
+
+    const QString other = m_data.filePath(u"otra.png"_s);
+    ASSERT_TRUE(QImage(40, 40, QImage::Format_RGB32).save(other));
+    chip->click();
+    window.open({QUrl::fromLocalFile(other)});
+    EXPECT_TRUE(holds(1));
+    settle();
+    EXPECT_EQ(told().count(lost), 1) << "told of a place that nobody waits for any more";
 }
 
 TEST_F(MainWindowTest, aWindowOnAScreenWithMorePixelsIsDrawnAnew)
@@ -147,10 +162,15 @@ TEST_F(MainWindowTest, aWindowOnAScreenWithMorePixelsIsDrawnAnew)
     ASSERT_EQ(QGuiApplication::screens().size(), 2);
     session.load({photos(2)});
     settle();
+    PresetGrid* templates = panel()->templatesPanel()->packaged();
     const QSize tile = grid()->picturePixels(), canvas = window.shell()->stage()->pictureSize();
+    const QSize preset = templates->picturePixels();
+    QSignalSpy drawnAnew(templates, &PresetGrid::pictureWanted);
     window.windowHandle()->setScreen(QGuiApplication::screens().last());
     ASSERT_EQ(window.devicePixelRatioF(), 2);
     settle();
     EXPECT_EQ(grid()->picturePixels(), tile * 2);
     EXPECT_EQ(window.shell()->stage()->pictureSize().width() / 2, canvas.width());
+    EXPECT_EQ(templates->picturePixels(), preset * 2);
+    EXPECT_GE(drawnAnew.size(), 4) << "the templates that are seen";
 }

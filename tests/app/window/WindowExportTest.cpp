@@ -79,6 +79,8 @@ TEST_F(MainWindowTest, aKeyThatClosedAChooserAndIsStillHeldDoesNothing)
     settle();
     // The list of names that typing into a chooser opens goes with it: it would keep the focus.
     window.menu()->action(u"Importar carpeta…"_s)->trigger();
+    EXPECT_TRUE(chooser()->nameFilters().filter(u"png"_s).isEmpty())
+        << "the desktop's dialog filters folders too";
     auto* names = new QListWidget(chooser());
     names->setWindowFlag(Qt::Popup);
     names->show();

@@ -375,6 +375,13 @@ TEST_F(ViewTest, aScreenReaderFindsTheLayersTopmostFirst)
     title->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_EQ(selected(), m_item.layers[0].id);
     EXPECT_TRUE(title->state().selected);
+    m_item.shapeLayers.append(ShapeLayer(QUuid::createUuid(), ShapeKind::rectangle, {}));
+    m_item.shapeLayers.append(ShapeLayer(QUuid::createUuid(), ShapeKind::line, {}));
+    m_view.setItem(m_item, SocialFormat::carouselPortrait);
+    QStringList shapes;
+    for (int i = 4; i < canvas->childCount(); ++i)
+        shapes.append(canvas->child(i)->text(QAccessible::Name));
+    EXPECT_EQ(shapes, (QStringList{u"Línea"_s, u"Rectángulo 2"_s, u"Rectángulo 1"_s}));
     m_item.shapeLayers.clear();
     m_view.setItem(m_item, SocialFormat::carouselPortrait);
     EXPECT_EQ(canvas->childCount(), 4);

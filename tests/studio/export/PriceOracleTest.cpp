@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // The environment variable MOLTIVA_PRICE_SEQUENCES replaces `sequenceCount`.
-constexpr int sequenceCount = 30, rounds = 12;
+constexpr int sequenceCount = 12, rounds = 12;
 
 class PriceOracle {
 public:
