@@ -208,7 +208,7 @@ private:
         if (!awaitLine(child, "copying"))
             return fault(u"a child did not begin to copy"_s);
         const bool isChanging = below(2) == 0;
-        const QDeadlineTimer end(std::chrono::milliseconds(below(m_wholeTime)));
+        const QDeadlineTimer end(std::chrono::milliseconds(below(4 * m_wholeTime)));
         turnUntil([&] { return end.hasExpired() || (isChanging && !m_administrator.change()); });
         child.kill();
         finish(child);
@@ -277,7 +277,7 @@ private:
     CatalogueCopy m_copy;
     QByteArray m_heard;
     bool m_isCopying = false, m_hadCopy = false;
-    int m_wholeTime = 1;    // ms that copying everything took
+    int m_wholeTime = 1;    // ms that copying took at most while nothing else went on
     QList<CatalogueEntry> m_last;
     int m_kills = 0, m_idleKills = 0, m_judged = 0, m_advanced = 0, m_faults = 0;
 };
