@@ -241,7 +241,7 @@ QString CatalogueCopy::makeFolder() const
 template <typename Work>
 QString CatalogueCopy::locked(Work work) const
 {
-    if (const QString problem = makeFolder(); !problem.isEmpty())
+    if (QString problem = makeFolder(); !problem.isEmpty())
         return problem;
     constexpr int attempts = 1000;
     for (int attempt = 0; attempt < attempts; ++attempt) {
@@ -272,8 +272,7 @@ QString CatalogueCopy::replace(CatalogueList list) const
         // Another program may have removed a file that its own list does not contain.
         if (list.entries.removeIf(isMissing) > 0)
             list.version.clear();
-        if (const QString problem = writeAtomically(listPath(), listBytes(list));
-            !problem.isEmpty())
+        if (QString problem = writeAtomically(listPath(), listBytes(list)); !problem.isEmpty())
             return problem;
         QSet<QString> wanted{listPath(), m_folder + u'/' + lockName};
         for (const CatalogueEntry& entry : list.entries)

@@ -36,11 +36,13 @@ int runChild(const QDir& folder, const QUrl& address, bool isCalm)
     AccountAPI api(configurationOf(address), preferences);
     AccountSession account(api, withoutBrowser());
     SharedTemplates shared(api, account, folder.path());
-    do {
+    while (true) {
         say(u"copying"_s);
         QCoro::waitFor(shared.refreshed());
         say(u"copied"_s);
-    } while (!isCalm);
+        if (isCalm)
+            break;
+    }
     workers().waitForDone();
     return shared.state() == CatalogueState::upToDate ? 0 : 1;
 }
