@@ -181,7 +181,7 @@ TEST(Architecture, includesOfOursAreWrittenFromTheTopFolder)
 // A unit is a header together with its source file.
 TEST(Architecture, noUnitNeedsItselfThroughOthers)
 {
-    const auto unitOf = [](QString file) { return file.section(u'.', 0, 0); };
+    const auto unitOf = [](const QString& file) { return file.section(u'.', 0, 0); };
     QHash<QString, QSet<QString>> needs;
     for (const Room& room : rooms()) {
         for (const Include& include : includesOf(room.folder)) {
