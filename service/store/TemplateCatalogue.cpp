@@ -42,6 +42,12 @@ void markWithdrawn(Transaction& transaction, const QString& name, qint64 now)
                     {name, now});
 }
 
+bool isKnown(Database& database, const QString& name)
+{
+    Transaction transaction(database);
+    return transaction.rows("SELECT 1 FROM template WHERE name = ?", {name}).next();
+}
+
 void needRoom(Transaction& transaction)
 {
     Rows all = transaction.rows(
@@ -72,14 +78,16 @@ void storeTemplate(Database& database, const TemplateUploadRequest& upload, qint
     transaction.run("INSERT INTO template_version (name, sha256, content) VALUES (?, ?, ?)"
                     " ON CONFLICT DO NOTHING",
                     {name, digest, content});
+    // Ten remain: the version that everybody has seen until now, and the newest.
+    transaction.run("DELETE FROM template_version WHERE name = ? AND number NOT IN"
+                    " (SELECT number FROM template_version WHERE name = ?"
+                    "  ORDER BY number IS (SELECT current FROM template WHERE name = ?) DESC,"
+                    "  number DESC LIMIT 10)",
+                    {name, name, name});
     transaction.run("UPDATE template SET current ="
                     " (SELECT number FROM template_version WHERE name = ? AND sha256 = ?)"
                     " WHERE name = ?",
                     {name, digest, name});
-    transaction.run("DELETE FROM template_version WHERE name = ? AND number NOT IN"
-                    " (SELECT number FROM template_version WHERE name = ?"
-                    "  ORDER BY number DESC LIMIT 10)",
-                    {name, name});
     if (upload.oldFileName && *upload.oldFileName != name)
         markWithdrawn(transaction, *upload.oldFileName, now);
     needRoom(transaction);
@@ -152,7 +160,9 @@ void takeInTemplateFiles(Database& database, const QDir& folder, qint64 now)
         if (!file.open(QIODevice::ReadOnly))
             continue;
         try {
-            storeTemplate(database, {name, std::nullopt, file.read(largestTemplate + 1)}, now);
+            // A file that could not be removed must not undo what has happened since.
+            if (!isKnown(database, name))
+                storeTemplate(database, {name, std::nullopt, file.read(largestTemplate + 1)}, now);
         } catch (const Refusal&) {
             continue;
         }

@@ -176,10 +176,9 @@ void SharedTemplates::settle(CatalogueState state, const QString& problem)
 
 void SharedTemplates::fail(const std::exception& error)
 {
+    // Only a change of the account stops a question; it has told what holds now.
     const auto* transport = dynamic_cast<const TransportError*>(&error);
-    if (transport && transport->kind() == TransportError::Kind::stopped)
-        settle(CatalogueState::offline, m_problem);
-    else
+    if (!transport || transport->kind() != TransportError::Kind::stopped)
         settle(::isUnreachable(error) ? CatalogueState::offline : CatalogueState::refused,
                readable(error));
 }
@@ -318,10 +317,8 @@ QCoro::Task<bool> SharedTemplates::copyAll(Self self, TemplateManifest manifest,
         co_await lane;
     if (!self)
         co_return false;
-    if (stop.stop_requested()) {
-        self->settle(CatalogueState::offline, {});
+    if (stop.stop_requested())
         co_return false;
-    }
     const auto write = [disk = self->m_disk, list = plan.list, before = self->m_copy.list,
                         failed = download->failed] {
         return std::optional(written(disk, list, before, failed));
@@ -519,9 +516,12 @@ QCoro::Task<QString> SharedTemplates::restoreFor(Self self, QString fileName)
     const Fetched fetched = co_await std::move(fetching);
     if (!fetched.problem.isEmpty())
         co_return QString(fetched.problem);
-    const QList<SharedDesign>& designs = self->m_copy.designs;
-    const auto shown = std::ranges::find(designs, fileName, &SharedDesign::fileName);
-    if (shown != designs.end() && shown->keptVersions == 0)
+    // The copy may be older than what the service has. A withdrawn template has no current version.
+    QCoro::Task<Fetched> asking = fetch(self, fileName, AccountAPI::SharedVersion::current);
+    const Fetched current = co_await std::move(asking);
+    if (!self)
+        co_return QString(lost);
+    if (current.problem.isEmpty() && current.bytes == fetched.bytes)
         co_return u"No hay ninguna versión anterior guardada."_s;
     QCoro::Task<QString> uploading = self->upload(fileName, fetched.bytes);
     co_return co_await std::move(uploading);

@@ -8,9 +8,9 @@
 #include "tests/account/Awaited.h"
 #include "tests/service/TestService.h"
 #include "tests/studio/FaultyProxy.h"
+#include "tests/studio/PayingStudio.h"
 #include "tests/support/ScriptedAccount.h"
 
-#include <QCoroSignal>
 #include <QCryptographicHash>
 #include <QTemporaryDir>
 
@@ -201,8 +201,7 @@ TEST_F(SharedTemplatesTest, TheLibraryShowsWhatIsSharedAndHidesWhatIsWithdrawn)
                 sections.append(u"%1 %2"_s.arg(section.title).arg(section.designs.size()));
             return sections;
         };
-        while (shown() != expected)
-            QCoro::waitFor(qCoro(&library, &TemplateLibrary::changed));
+        EXPECT_TRUE(turnUntil([&] { return shown() == expected; }));
     };
     listed({u"Mis plantillas 0"_s, u"De Moltiva 15"_s});
     chief.enter(u"jefa@ejemplo.es"_s);

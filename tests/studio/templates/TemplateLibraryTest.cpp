@@ -2,8 +2,8 @@
 
 #include "platform/PreferencesStore.h"
 #include "platform/photo/PhotoCache.h"
+#include "tests/studio/PayingStudio.h"
 
-#include <QCoroSignal>
 #include <QCoroTask>
 #include <QDir>
 #include <QFile>
@@ -28,8 +28,7 @@ protected:
                              told.append((isWarning ? u"! "_s : QString()) + sentence);
                          });
         library->load();
-        while (!library->isLoaded())
-            QCoro::waitFor(qCoro(library.get(), &TemplateLibrary::changed));
+        EXPECT_TRUE(turnUntil([&] { return library->isLoaded(); }));
         return library;
     }
     QString pack(const QString& name, const QStringList& designs)
