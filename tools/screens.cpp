@@ -22,7 +22,7 @@
 #include "app/layers/ShapesPanel.h"
 #include "app/layers/SidePanel.h"
 #include "app/layers/TextPanel.h"
-#include "app/presets/PresetGrid.h"
+#include "app/presets/TemplateGallery.h"
 #include "app/presets/TemplatesBinding.h"
 #include "app/presets/TemplatesPanel.h"
 #include "app/theme/StudioStyle.h"
@@ -350,14 +350,14 @@ private:
         }
         panel->setTab(SideTab::templates);
         bool reached = take(u"panel-templates"_s);
-        PresetGrid* packaged = panel->templatesPanel()->packaged();
-        const QUuid last = packaged->presets().last().id;
-        Q_EMIT packaged->previewWanted(last);
+        TemplateGallery* gallery = panel->templatesPanel()->gallery();
+        const QUuid last = gallery->sections().last().tiles.last().id;
+        Q_EMIT gallery->previewWanted(last);
         reached &= take(u"template-preview"_s);
-        Q_EMIT packaged->previewEnded();
-        packaged->tile(last)->click();
+        Q_EMIT gallery->previewEnded();
+        Q_EMIT gallery->chosen(last);
         reached &= take(u"template-applied"_s);
-        panel->templatesPanel()->rename(saved.templates().entries().first().id);
+        gallery->rename(saved.templates().entries().first().id);
         reached &= take(u"template-renamed"_s);
         m_window.setFocus();
         m_session.setFormat(SocialFormat::storyReel);

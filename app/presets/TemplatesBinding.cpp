@@ -1,24 +1,26 @@
 #include "app/presets/TemplatesBinding.h"
 
 #include "app/controls/ChooserFolder.h"
+#include "app/presets/DesignMenu.h"
+#include "app/presets/GalleryPictures.h"
 #include "app/presets/PresetDrawing.h"
 #include "app/presets/PresetGrid.h"
 #include "app/presets/PresetPictures.h"
 #include "app/presets/StyleShelf.h"
 #include "app/presets/TemplateFiles.h"
+#include "app/presets/TemplateGallery.h"
 #include "app/presets/TemplatesPanel.h"
+#include "model/SearchText.h"
 #include "studio/StudioSession.h"
 
 #include <QDir>
 #include <QFileDialog>
-#include <QMenu>
+#include <QRandomGenerator>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int restBeforeRedrawing = 120;    // ms
 
 QString beginning()
 {
@@ -41,13 +43,12 @@ TemplatesBinding::TemplatesBinding(StudioSession& session, TemplatesPanel* panel
                                    PreferencesStore& preferences)
     : m_session(session), m_panel(panel), m_shelf(shelf), m_photos(photos),
       m_saved(preferences, photos), m_files(new TemplateFiles(m_saved, this)),
-      m_pictures(new PresetPictures(this))
+      m_gallery(new GalleryPictures(
+          session, panel->gallery(), photos, [this](QUuid id) { return application(id); }, this)),
+      m_stylePictures(new PresetPictures(this))
 {
     connectTemplates();
     connectStyles();
-    m_redrawLater.setSingleShot(true);
-    m_redrawLater.setInterval(restBeforeRedrawing);
-    connect(&m_redrawLater, &QTimer::timeout, this, &TemplatesBinding::redraw);
     connect(&m_saved, &SavedTemplates::storingFailed, this, [this] {
         Q_EMIT told(u"No se pudieron guardar tus plantillas. ¿Queda espacio en el disco? Se vuelve "
                     "a intentar con el próximo cambio."_s,
@@ -76,10 +77,15 @@ void TemplatesBinding::connectTemplates()
         Q_EMIT told(u"Plantilla «%1» recuperada."_s.arg(name), StatusKind::done);
         m_saved.callBackTemplate();
     });
-    connect(&m_saved, &SavedTemplates::templatesChanged, this, &TemplatesBinding::show);
-    connect(m_panel->own(), &PresetGrid::renamed, this,
+    connect(&m_saved, &SavedTemplates::templatesChanged, this, [this] {
+        m_panel->gallery()->forgetApplied();
+        show();
+    });
+    connect(m_panel, &TemplatesPanel::filterChanged, this, &TemplatesBinding::showTemplates);
+    TemplateGallery* gallery = m_panel->gallery();
+    connect(gallery, &TemplateGallery::renamed, this,
             [this](QUuid id, const QString& name) { m_saved.renameTemplate(id, name); });
-    connect(m_panel->own(), &PresetGrid::renameEnded, this, [this](QUuid id, RenameEnd end) {
+    connect(gallery, &TemplateGallery::renameEnded, this, [this](QUuid id, RenameEnd end) {
         const bool isNew = wasNew(id);
         if (isNew && end == RenameEnd::abandoned) {
             Q_EMIT told(u"Plantilla descartada."_s, StatusKind::note);
@@ -88,20 +94,28 @@ void TemplatesBinding::connectTemplates()
             Q_EMIT told(u"Plantilla «%1» guardada."_s.arg(nameOf(id)), StatusKind::done);
         }
     });
-    connect(m_panel->own(), &PresetGrid::removeRequested, this, &TemplatesBinding::remove);
-    for (const auto& [grid, owner] : {std::pair(m_panel->own(), PresetOwner::user),
-                                      std::pair(m_panel->packaged(), PresetOwner::program)}) {
-        connect(grid, &PresetGrid::chosen, this, &TemplatesBinding::apply);
-        connect(grid, &PresetGrid::previewWanted, this, &TemplatesBinding::preview);
-        connect(grid, &PresetGrid::previewEnded, this, [this] { preview({}); });
-        connect(grid, &PresetGrid::pictureWanted, this,
-                [this, grid = grid](QUuid id) { drawTemplate(grid, id); });
-        connect(grid, &PresetGrid::menuRequested, this,
-                [this, owner = owner](QUuid id, QPoint position) {
-                    showTemplateMenu(owner, id, position);
-                });
-        connect(m_pictures, &PresetPictures::ready, grid, &PresetGrid::setPicture);
-    }
+    connect(gallery, &TemplateGallery::removeRequested, this, &TemplatesBinding::remove);
+    connect(gallery, &TemplateGallery::chosen, this, &TemplatesBinding::apply);
+    connect(gallery, &TemplateGallery::previewWanted, this, &TemplatesBinding::preview);
+    connect(gallery, &TemplateGallery::previewEnded, this, &TemplatesBinding::endPreview);
+    connect(gallery, &TemplateGallery::largePreviewWanted, this,
+            [this](QUuid id) { m_gallery->openLarge(id, nameOf(id)); });
+    connect(gallery, &TemplateGallery::largePreviewToggled, this, [this](QUuid id) {
+        if (m_gallery->largeDesign() == id)
+            m_gallery->closeLarge();
+        else
+            m_gallery->openLarge(id, nameOf(id));
+    });
+    connect(gallery, &TemplateGallery::randomRequested, this, &TemplatesBinding::tryAnother);
+    connect(gallery, &TemplateGallery::menuRequested, this, &TemplatesBinding::showMenu);
+    connect(gallery, &TemplateGallery::foldRequested, this,
+            [this](const QString& key, bool folded) {
+                if (folded)
+                    m_folded.insert(key);
+                else
+                    m_folded.remove(key);
+                showTemplates();
+            });
 }
 
 void TemplatesBinding::connectStyles()
@@ -155,12 +169,12 @@ void TemplatesBinding::connectStyles()
             m_session.applyStyle(*style);
     });
     connect(m_shelf->grid(), &PresetGrid::pictureWanted, this, &TemplatesBinding::drawStyle);
-    connect(m_pictures, &PresetPictures::ready, m_shelf->grid(), &PresetGrid::setPicture);
+    connect(m_stylePictures, &PresetPictures::ready, m_shelf->grid(), &PresetGrid::setPicture);
 }
 
 bool TemplatesBinding::isIdle() const
 {
-    return m_pictures->isIdle() && !m_redrawLater.isActive();
+    return m_gallery->isIdle() && m_stylePictures->isIdle();
 }
 
 const BuiltInTemplateLibrary& TemplatesBinding::library()
@@ -181,25 +195,11 @@ void TemplatesBinding::show()
     // Pictures of styles depend only on the photo of the item.
     if (m_shelf->isVisible() && m_drawnPhoto != item->image) {
         m_drawnPhoto = item->image;
-        redraw();
+        m_stylePictures->dropWishes();    // the wanted pictures show the former photo
+        m_shelf->grid()->outdatePictures();
     }
-    const SocialFormat format = m_session.batch().format;
-    if (!m_panel->isVisible() || (m_drawn == *item && m_drawnFormat == format))
-        return;
-    // Draws at once if another item is current. While an item is edited, waits until the edits
-    // pause.
-    const bool isOther = !m_drawn || m_drawn->id != item->id;
-    m_drawn = *item;
-    m_drawnFormat = format;
-    m_redrawLater.start(isOther ? 0 : restBeforeRedrawing);
-}
-
-// Outdates all pictures; each is drawn when its tile is painted.
-void TemplatesBinding::redraw()
-{
-    m_pictures->dropWishes();    // the wanted pictures show the item's former state
-    for (PresetGrid* grid : {m_panel->packaged(), m_panel->own(), m_shelf->grid()})
-        grid->outdatePictures();
+    if (m_panel->isVisible())
+        m_gallery->show();
 }
 
 void TemplatesBinding::showTemplates()
@@ -207,23 +207,42 @@ void TemplatesBinding::showTemplates()
     if (!m_panel->isVisible())
         return;
     const PublicationItem* item = m_session.batch().currentItem();
+    m_panel->setState({.hasImage = item != nullptr,
+                       .format = m_session.batch().format,
+                       .sections = item ? sections() : QList<GallerySection>(),
+                       .recoverable = m_saved.templates().lastRemoved()});
+}
+
+QList<GallerySection> TemplatesBinding::sections()
+{
     const SocialFormat format = m_session.batch().format;
-    TemplatesPanelState state{.hasImage = item != nullptr,
-                              .format = format,
-                              .own = {},
-                              .packaged = {},
-                              .recoverable = m_saved.templates().lastRemoved()};
-    if (item) {
-        for (const VisualTemplate& own : m_saved.templates().entries()) {
-            const auto apply = [&own](PublicationItem& changed) { own.apply(changed); };
-            if (own.suits(format))
-                state.own.append({own.id, own.name, isApplied(apply, *item)});
-        }
-        for (const JSONVisualTemplateDefinition& design : library().definitions(format)) {
-            state.packaged.append({design.id, design.name, isApplied(design.application(), *item)});
-        }
+    const QString search = foldedForSearch(m_panel->filter().search.trimmed());
+    const auto isFound = [&](const QString& name) {
+        return foldedForSearch(name).contains(search);
+    };
+    GallerySection own{.key = u"own"_s, .title = u"Mis plantillas"_s};
+    for (const VisualTemplate& saved : m_saved.templates().entries()) {
+        if (saved.suits(format) && isFound(saved.name))
+            own.tiles.append(
+                {.id = saved.id, .name = saved.name, .canRename = true, .canRemove = true});
     }
-    m_panel->setState(state);
+    if (m_saved.templates().entries().isEmpty() && search.isEmpty())
+        own.note = u"Guarda esta composición para reutilizarla en otras fotos."_s;
+    GallerySection packaged{
+        .key = u"moltiva"_s, .title = u"De Moltiva"_s, .badge = rawValue(format)};
+    for (const JSONVisualTemplateDefinition& design : library().definitions(format)) {
+        if (isFound(design.name))
+            packaged.tiles.append({.id = design.id, .name = design.name});
+    }
+    QList<GallerySection> shown;
+    for (GallerySection& section : QList{own, packaged}) {
+        section.isFolded = m_folded.contains(section.key);
+        if (!section.tiles.isEmpty() || !section.note.isEmpty())
+            shown.append(section);
+    }
+    if (!shown.isEmpty())
+        shown.first().offersRandom = true;
+    return shown;
 }
 
 const TextLayer* TemplatesBinding::selectedText() const
@@ -299,15 +318,34 @@ void TemplatesBinding::apply(QUuid id)
         m_session.applyTemplate(nameOf(id), design);
 }
 
+void TemplatesBinding::tryAnother()
+{
+    if (!m_session.batch().currentItem() || refusesWhileImporting())
+        return;
+    QList<QUuid> designs;
+    for (const GallerySection& section : sections()) {
+        for (const GalleryTile& tile : section.tiles) {
+            if (tile.id != m_tried)
+                designs.append(tile.id);
+        }
+    }
+    if (designs.isEmpty()) {
+        Q_EMIT told(u"No hay otra plantilla que probar."_s, StatusKind::note);
+        return;
+    }
+    m_tried = designs[QRandomGenerator::global()->bounded(designs.size())];
+    m_session.tryTemplate(nameOf(m_tried), application(m_tried));
+}
+
 void TemplatesBinding::preview(QUuid id)
 {
     const PublicationItem* item = m_session.batch().currentItem();
     // During an import the canvas does not show the current item, so there is no preview.
     const TemplateApplication design =
         id.isNull() || m_session.isImporting() ? TemplateApplication() : application(id);
-    for (PresetGrid* grid : {m_panel->own(), m_panel->packaged()})
-        grid->setPreviewed(item && design ? id : QUuid());
+    m_panel->gallery()->setPreviewed(item && design ? id : QUuid());
     if (!item || !design) {
+        m_gallery->closeLarge();
         if (std::exchange(m_isPreviewing, false))
             Q_EMIT previewChanged(std::nullopt);
         return;
@@ -316,19 +354,8 @@ void TemplatesBinding::preview(QUuid id)
     design(previewed);
     m_isPreviewing = true;
     Q_EMIT previewChanged(previewed);
-}
-
-void TemplatesBinding::drawTemplate(PresetGrid* grid, QUuid id)
-{
-    const PublicationItem* item = m_session.batch().currentItem();
-    const TemplateApplication design = application(id);
-    if (!item || !design)
-        return;
-    PublicationItem changed = *item;
-    design(changed);
-    m_pictures->want(id,
-                     [changed, format = m_session.batch().format, pixels = grid->picturePixels(),
-                      photos = m_photos] { return drawnItem(changed, format, pixels, *photos); });
+    if (m_gallery->isLargeOpen() && m_gallery->largeDesign() != id)
+        m_gallery->openLarge(id, nameOf(id));
 }
 
 void TemplatesBinding::drawStyle(QUuid id)
@@ -338,28 +365,39 @@ void TemplatesBinding::drawStyle(QUuid id)
     if (!item || !style)
         return;
     const QSize pixels = m_shelf->grid()->picturePixels();
-    m_pictures->want(id, [image = item->image, design = style->style, pixels, photos = m_photos] {
-        return drawnStyle(image, design, pixels, *photos);
-    });
+    m_stylePictures->want(id,
+                          [image = item->image, design = style->style, pixels, photos = m_photos] {
+                              return drawnStyle(image, design, pixels, *photos);
+                          });
 }
 
-void TemplatesBinding::showTemplateMenu(PresetOwner owner, QUuid id, QPoint globalPosition)
+void TemplatesBinding::showMenu(QUuid id, QPoint globalPosition)
 {
-    auto* menu = new QMenu(m_panel);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    const auto add = [&](const QString& text, auto act) {
-        connect(menu->addAction(text), &QAction::triggered, this, act);
-    };
-    if (owner == PresetOwner::user) {
-        add(u"Renombrar"_s, [this, id] { m_panel->rename(id); });
-        add(u"Actualizar con esta composición"_s, [this, id] { update(id); });
+    auto* menu = new DesignMenu(m_panel);
+    menu->add(Icon::fitFill, u"Vista previa grande"_s, u"Espacio"_s,
+              [this, id] { m_gallery->openLarge(id, nameOf(id)); });
+    menu->addSeparator();
+    const bool isOwn = m_saved.templates().find(id);
+    if (isOwn) {
+        menu->add(Icon::slotTitle, u"Renombrar"_s, u"F2"_s, [this, id] { rename(id); });
+        menu->add(Icon::refresh, u"Actualizar con esta composición"_s, {},
+                  [this, id] { update(id); });
     }
-    add(u"Exportar plantilla…"_s, [this, id] { chooseExport(id); });
-    if (owner == PresetOwner::user) {
+    menu->add(Icon::exportCurrent, u"Exportar plantilla…"_s, {}, [this, id] { chooseExport(id); });
+    if (isOwn) {
         menu->addSeparator();
-        add(u"Eliminar"_s, [this, id] { remove(id); });
+        menu->add(Icon::discard, u"Eliminar"_s, u"Supr"_s, [this, id] { remove(id); });
     }
     menu->popup(globalPosition);
+}
+
+// Lets the user type a name on the tile, which neither a filter nor a folded section may hide.
+void TemplatesBinding::rename(QUuid id)
+{
+    m_panel->clearFilter();
+    m_folded.remove(u"own"_s);
+    showTemplates();
+    m_panel->rename(id);
 }
 
 void TemplatesBinding::saveTemplate()
@@ -371,7 +409,7 @@ void TemplatesBinding::saveTemplate()
     // Told before saving, so that the message of a failed save replaces this one.
     Q_EMIT told(u"Plantilla guardada. Ponle nombre."_s, StatusKind::done);
     m_new = m_saved.saveTemplate(*item, m_session.batch().format);
-    m_panel->rename(m_new);
+    rename(m_new);
 }
 
 void TemplatesBinding::update(QUuid id)
@@ -382,7 +420,7 @@ void TemplatesBinding::update(QUuid id)
     const QString name = nameOf(id);
     Q_EMIT told(u"Plantilla «%1» actualizada con esta composición."_s.arg(name), StatusKind::done);
     m_saved.updateTemplate(id, *item, m_session.batch().format);
-    m_panel->own()->outdatePicture(id);
+    m_panel->gallery()->outdatePicture(id);
 }
 
 void TemplatesBinding::remove(QUuid id)

@@ -1,13 +1,11 @@
 #pragma once
-#include "app/presets/PresetTile.h"
+#include "app/presets/Gallery.h"
 #include "model/PublicationItem.h"
 #include "templates/SavedTemplates.h"
 
-#include <QTimer>
-
 #include <optional>
 
-class PresetGrid;
+class GalleryPictures;
 class PresetPictures;
 class StyleShelf;
 class StudioSession;
@@ -34,6 +32,8 @@ public:
 
     // Saves the current item's composition as a template; the user then types its name in the grid.
     void saveTemplate();
+    // Tries another design of those that the panel shows.
+    void tryAnother();
     void chooseDefinition();
     void importDefinition(const QString& path);
     void exportDefinition(QUuid id, const QString& path);
@@ -49,7 +49,6 @@ private:
     void connectStyles();
     void showTemplates();
     void showStyles();
-    void redraw();
     const BuiltInTemplateLibrary& library();
     std::optional<JSONVisualTemplateDefinition> packaged(QUuid id);
     QString nameOf(QUuid id);
@@ -58,9 +57,10 @@ private:
     bool refusesWhileImporting();    // tells the user why if it returns true
     void apply(QUuid id);
     void preview(QUuid id);
-    void drawTemplate(PresetGrid* grid, QUuid id);
     void drawStyle(QUuid id);
-    void showTemplateMenu(PresetOwner owner, QUuid id, QPoint globalPosition);
+    QList<GallerySection> sections();
+    void showMenu(QUuid id, QPoint globalPosition);
+    void rename(QUuid id);
     void chooseExport(QUuid id);
     void update(QUuid id);
     void remove(QUuid id);
@@ -73,14 +73,11 @@ private:
     SavedTemplates m_saved;
     std::optional<BuiltInTemplateLibrary> m_library;    // made at its first use
     TemplateFiles* m_files;
-    PresetPictures* m_pictures;
-    // What the pictures of the tiles show: m_drawnPhoto under the styles, m_drawn with the
-    // templates applied. While the user edits the item, templates are drawn again only when the
-    // edits pause.
-    PhotoHandle m_drawnPhoto;
-    std::optional<PublicationItem> m_drawn;
-    SocialFormat m_drawnFormat{};
-    QTimer m_redrawLater;
+    GalleryPictures* m_gallery;
+    PresetPictures* m_stylePictures;
+    PhotoHandle m_drawnPhoto;    // under the styles in the pictures of the shelf
+    QSet<QString> m_folded;      // keys of sections
     bool m_isPreviewing = false;
-    QUuid m_new;    // the template or style saved last, until the user has named it
+    QUuid m_tried;    // the design tried last by tryAnother()
+    QUuid m_new;      // the template or style saved last, until the user has named it
 };
