@@ -25,6 +25,8 @@ const QString clientIdentifier = u"moltiva-macos"_s;
 const QString checkoutClient = u"macos-native"_s;
 constexpr int mostRedirections = 5;
 constexpr qint64 largestPublishReply = 256 * 1024;
+// A manifest of 2,000 templates has half a megabyte; a definition of 16 MB has 22 in base64.
+constexpr qint64 largestManifest = 4 << 20, largestTemplateFile = 23 << 20;
 
 // The stored session cookie if it belongs to `pair` or has no stored pair; empty if not.
 QByteArray storedCookie(const PreferencesStore& preferences, const QByteArray& pair)
@@ -99,6 +101,7 @@ struct AccountAPI::Call {
     // A request that publishes; see publishSocialPost().
     bool publishes = false;
     SentBytes sentBytes = {};
+    std::optional<qint64> largestReply = std::nullopt;    // bytes
 };
 
 AccountAPI::AccountAPI(const ServiceConfiguration& configuration, PreferencesStore& preferences,
@@ -136,6 +139,7 @@ HttpRequest AccountAPI::prepared(Call call, const Session& session) const
         request.headers.emplaceBack("Content-Type", "application/json");
     setCookie(request, session.cookie);
     request.body = std::move(call.body);
+    request.largestReply = call.largestReply.value_or(request.largestReply);
     if (call.publishes) {
         request.largestReply = largestPublishReply;
         request.cutsLargeReply = request.staysOnceSent = true;
@@ -480,6 +484,26 @@ QCoro::Task<> AccountAPI::deleteTemplate(const QString& fileName, std::stop_toke
     const TemplateDeleteRequest deletion{fileName};
     Call call{"POST", "/api/publicaciones/templates/delete", toWire(deletion)};
     return obey(std::move(call), std::move(stop));
+}
+
+QCoro::Task<TemplateManifest> AccountAPI::templateManifest(const QString& since,
+                                                           std::stop_token stop)
+{
+    Call call{"GET", "/api/publicaciones/templates"};
+    if (!since.isEmpty())
+        call.path += "?since=" + QUrl::toPercentEncoding(since);
+    call.largestReply = largestManifest;
+    return request<TemplateManifest>(std::move(call), std::move(stop));
+}
+
+QCoro::Task<TemplateFileResponse>
+AccountAPI::templateFile(const QString& fileName, SharedVersion version, std::stop_token stop)
+{
+    Call call{"GET", "/api/publicaciones/templates/file?name=" + QUrl::toPercentEncoding(fileName)};
+    if (version == SharedVersion::previous)
+        call.path += "&version=previous";
+    call.largestReply = largestTemplateFile;
+    return request<TemplateFileResponse>(std::move(call), std::move(stop));
 }
 
 QCoro::Task<SocialStatusResponse> AccountAPI::socialStatus(std::stop_token stop)

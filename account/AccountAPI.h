@@ -78,6 +78,16 @@ public:
                                  std::stop_token stop = {});
     QCoro::Task<> deleteTemplate(const QString& fileName, std::stop_token stop = {});
 
+    // The templates that the team shares. `since`: version of the manifest that is known already;
+    // may be empty.
+    QCoro::Task<TemplateManifest> templateManifest(const QString& since, std::stop_token stop = {});
+    // `previous`: the version before the current one, which for a withdrawn template is the one
+    // that was current last. The digest in the reply is not checked.
+    enum class SharedVersion { current, previous };
+    QCoro::Task<TemplateFileResponse> templateFile(const QString& fileName,
+                                                   SharedVersion version = SharedVersion::current,
+                                                   std::stop_token stop = {});
+
     QCoro::Task<SocialStatusResponse> socialStatus(std::stop_token stop = {});
     QCoro::Task<SocialConnectTokenResponse> socialConnectToken(const QString& network,
                                                                std::stop_token stop = {});

@@ -48,6 +48,10 @@ constexpr std::array sentences{
     Sentence{u"admin_required", u"Solo una cuenta administradora puede actualizar plantillas."},
     Sentence{u"invalid_template", u"La plantilla no es válida."},
     Sentence{u"template_upload_failed", u"No se ha podido subir la plantilla al servidor."},
+    Sentence{u"template_not_found", u"Esa plantilla ya no está en el catálogo del equipo."},
+    Sentence{
+        u"template_catalogue_full",
+        u"El catálogo del equipo está lleno. Retira alguna plantilla antes de compartir otra."},
 };
 
 }    // namespace

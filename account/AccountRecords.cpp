@@ -73,6 +73,13 @@ MOLTIVA_FIELDS(TemplateUploadRequest, required("fileName", &R::fileName),
                optional("oldFileName", &R::oldFileName),
                required("templateJSONBase64", &R::templateJSONBase64))
 MOLTIVA_FIELDS(TemplateDeleteRequest, required("fileName", &R::fileName))
+MOLTIVA_FIELDS(SharedTemplateFile, required("fileName", &R::fileName),
+               required("sha256", &R::sha256), required("bytes", &R::bytes),
+               optional("updatedAt", &R::updatedAt), lenient("versions", &R::versions))
+MOLTIVA_FIELDS(TemplateManifest, required("version", &R::version),
+               optional("templates", &R::templates), optional("deleted", &R::deleted))
+MOLTIVA_FIELDS(TemplateFileResponse, required("fileName", &R::fileName),
+               required("sha256", &R::sha256), required("jsonBase64", &R::jsonBase64))
 MOLTIVA_FIELDS(APIErrorPayload, lenient("error", &R::error), lenient("reason", &R::reason))
 MOLTIVA_FIELDS(PurchaseHistoryItem, required("id", &R::id), required("kind", &R::kind),
                optional("orderIndex", &R::orderIndex), optional("orderNumber", &R::orderNumber),
@@ -128,6 +135,8 @@ MOLTIVA_WIRE_RECORD(SocialPublishRequest)
 MOLTIVA_WIRE_RECORD(SocialPublishResponse)
 MOLTIVA_WIRE_RECORD(TemplateUploadRequest)
 MOLTIVA_WIRE_RECORD(TemplateDeleteRequest)
+MOLTIVA_WIRE_RECORD(TemplateManifest)
+MOLTIVA_WIRE_RECORD(TemplateFileResponse)
 MOLTIVA_WIRE_RECORD(APIErrorPayload)
 MOLTIVA_WIRE_RECORD(PurchaseHistoryResponse)
 MOLTIVA_WIRE_RECORD(PurchaseDocumentLinkResponse)

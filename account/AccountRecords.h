@@ -176,6 +176,28 @@ struct TemplateDeleteRequest {
     QString fileName;
 };
 
+// A template that the team shares, as the list of them shows it.
+struct SharedTemplateFile {
+    QString fileName, sha256;    // hexadecimal
+    qint64 bytes = 0;
+    QString updatedAt;
+    std::optional<int> versions;    // how many others than this one the service stores
+    bool operator==(const SharedTemplateFile&) const = default;
+};
+
+// All templates that the team shares and the names of those that it has withdrawn. Both lists are
+// missing if nothing is newer than the version that was asked about.
+struct TemplateManifest {
+    QString version;
+    std::optional<QList<SharedTemplateFile>> templates;
+    std::optional<QList<QString>> deleted;
+};
+
+struct TemplateFileResponse {
+    QString fileName, sha256;
+    QByteArray jsonBase64;    // raw bytes of the file, base64 only in the JSON
+};
+
 // `error` is a machine code, `reason` an explanation for developers.
 struct APIErrorPayload {
     std::optional<QString> error, reason;

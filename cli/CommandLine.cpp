@@ -8,6 +8,7 @@
 #include "cli/NetworkCommands.h"
 #include "cli/PublishCommand.h"
 #include "cli/SelfTest.h"
+#include "cli/TemplatesCommand.h"
 #include "cli/shared/CommandHelp.h"
 #include "cli/shared/Terminal.h"
 
@@ -32,6 +33,7 @@ constexpr std::array commands{
     Command{u"publish", u"publica fotos en una red social", &runPublish},
     Command{u"networks", u"las redes y su conexión", &runNetworks},
     Command{u"connect", u"conecta una red en el navegador", &runConnect},
+    Command{u"templates", u"las plantillas que comparte el equipo", &runTemplates},
     Command{u"local", u"instala o quita la IA que escribe textos en este equipo", &runLocal},
     Command{u"login", u"inicia sesión con un email y su contraseña", &runLogin},
     Command{u"register", u"crea una cuenta", &runRegister},

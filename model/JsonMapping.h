@@ -132,6 +132,8 @@ bool read(const Value& value, E& out)
 
 template <Mapped Record>
 bool read(const Value& value, Record& out);
+template <typename T>
+bool read(const Value& value, QList<T>& out);
 
 template <typename T>
 bool read(const Value& value, std::optional<T>& out)
@@ -239,6 +241,8 @@ void append(QByteArray& text, E value)
 
 template <Mapped Record>
 void append(QByteArray& text, const Record& record);
+template <typename T>
+void append(QByteArray& text, const QList<T>& values);
 
 template <typename T>
 void append(QByteArray& text, const std::optional<T>& value)

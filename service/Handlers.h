@@ -23,6 +23,8 @@ ServiceReply showPurchaseLink(Visit& visit);
 
 ServiceReply showCopyConfig(Visit& visit);
 ServiceReply generateCopy(Visit& visit);
+ServiceReply showTemplates(Visit& visit);
+ServiceReply showTemplateFile(Visit& visit);
 ServiceReply uploadTemplate(Visit& visit);
 ServiceReply deleteTemplate(Visit& visit);
 ServiceReply showConnections(Visit& visit);

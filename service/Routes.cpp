@@ -38,6 +38,8 @@ constexpr std::array routes{
 
     Route{get, u"/api/publicaciones/config", nothing, noBody, showCopyConfig},
     Route{post, u"/api/publicaciones/generate", session, largeBody, generateCopy},
+    Route{get, u"/api/publicaciones/templates", session, noBody, showTemplates},
+    Route{get, u"/api/publicaciones/templates/file", session, noBody, showTemplateFile},
     Route{post, u"/api/publicaciones/templates/update", administrator, largeBody, uploadTemplate},
     Route{post, u"/api/publicaciones/templates/delete", administrator, smallBody, deleteTemplate},
     Route{get, u"/api/social/status", session, noBody, showConnections},

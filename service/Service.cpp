@@ -6,6 +6,7 @@
 #include "service/store/Schema.h"
 #include "service/store/Secrets.h"
 #include "service/store/SocialPosts.h"
+#include "service/store/TemplateCatalogue.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -50,12 +51,15 @@ Service::Service(const ServiceSettings& settings)
     // Removes temporary pictures that a crash may have left.
     const QDir data(m_settings.dataFolder);
     QDir(data.filePath(u"temporal"_s)).removeRecursively();
-    Transaction transaction(m_database);
-    if (!ledgerAddsUp(transaction))
-        throw DatabaseError(DatabaseError::Kind::wrongSums, "the ledger does not add up");
-    m_formKey = keptFormKey(transaction);
-    dropUnrecordedPosts(transaction, QDir(data.filePath(u"publicaciones"_s)));
-    transaction.commit();
+    {
+        Transaction transaction(m_database);
+        if (!ledgerAddsUp(transaction))
+            throw DatabaseError(DatabaseError::Kind::wrongSums, "the ledger does not add up");
+        m_formKey = keptFormKey(transaction);
+        dropUnrecordedPosts(transaction, QDir(data.filePath(u"publicaciones"_s)));
+        transaction.commit();
+    }
+    takeInTemplateFiles(m_database, QDir(data.filePath(u"plantillas"_s)), now());
 }
 
 bool Service::isAdministrator(Transaction& transaction, const Account& account) const

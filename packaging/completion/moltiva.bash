@@ -38,6 +38,11 @@ _moltiva()
             ;;
         networks | account | history) options='--json' ;;
         connect) words='instagram facebook linkedin' ;;
+        templates)
+            options='--json'
+            words='list pull push rename remove restore'
+            [[ " ${COMP_WORDS[*]} " == *' push '* ]] && words='' files='!*.@(json|JSON)'
+            ;;
         local)
             options='--json'
             words='status install uninstall'
@@ -48,7 +53,7 @@ _moltiva()
         *)
             options='--version --self-test'
             [[ -z $command ]] &&
-                words='export generate publish networks connect local login register logout account history'
+                words='export generate publish networks connect templates local login register logout account history'
             files=$photos
             ;;
     esac

@@ -6,7 +6,7 @@
 #include "service/store/Ledger.h"
 #include "service/store/Sessions.h"
 #include "service/store/SocialPosts.h"
-#include "service/store/TemplateFiles.h"
+#include "service/store/TemplateCatalogue.h"
 
 using namespace Qt::StringLiterals;
 
@@ -95,17 +95,33 @@ ServiceReply generateCopy(Visit& visit)
     return {.body = kept};
 }
 
+ServiceReply showTemplates(Visit& visit)
+{
+    Transaction transaction(visit.service.database());
+    return wireReply(templateManifest(transaction, visit.request.query.value(u"since"_s)));
+}
+
+ServiceReply showTemplateFile(Visit& visit)
+{
+    const auto version = visit.request.query.value(u"version"_s) == u"previous"
+                             ? TemplateVersion::previous
+                             : TemplateVersion::current;
+    Transaction transaction(visit.service.database());
+    return wireReply(templateFile(transaction, visit.request.query.value(u"name"_s), version));
+}
+
 ServiceReply uploadTemplate(Visit& visit)
 {
-    storeTemplate(visit.service.folder(u"plantillas"_s),
-                  wireBody<TemplateUploadRequest>(visit, "invalid_template"));
+    storeTemplate(visit.service.database(),
+                  wireBody<TemplateUploadRequest>(visit, "invalid_template"), visit.service.now());
     return okReply();
 }
 
 ServiceReply deleteTemplate(Visit& visit)
 {
-    removeTemplate(visit.service.folder(u"plantillas"_s),
-                   wireBody<TemplateDeleteRequest>(visit, "invalid_template").fileName);
+    withdrawTemplate(visit.service.database(),
+                     wireBody<TemplateDeleteRequest>(visit, "invalid_template").fileName,
+                     visit.service.now());
     return okReply();
 }
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int schemaVersion = 3;
+constexpr int schemaVersion = 4;
 
 // Times are milliseconds since 1970. Tokens of sessions and passes are stored as hashes. The
 // identifiers of pages (checkout, invoice, post) are secrets too, but are stored as they are,
@@ -79,6 +79,15 @@ constexpr std::array copyTables{
     "CREATE INDEX copy_result_age ON copy_result (created)",
 };
 
+constexpr std::array templateTables{
+    // `current`: number of a version; null for a name that was withdrawn, but never uploaded.
+    "CREATE TABLE template (name TEXT PRIMARY KEY, current INTEGER, is_withdrawn INTEGER NOT NULL,"
+    " updated INTEGER NOT NULL) STRICT, WITHOUT ROWID",
+    "CREATE TABLE template_version (number INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " name TEXT NOT NULL REFERENCES template, sha256 TEXT NOT NULL, content BLOB NOT NULL,"
+    " UNIQUE (name, sha256)) STRICT",
+};
+
 // Versions before 3 limited a balance to 2,000,000,000. These statements move their entries to a
 // table without that limit.
 constexpr std::array ledgerAside{"ALTER TABLE ledger_entry RENAME TO narrow_entry"};
@@ -110,11 +119,14 @@ void bringUpToDate(Transaction& transaction)
         take(accountTables);
     if (found < 2)
         take(copyTables);
-    if (found > 0)
-        take(ledgerAside);
-    take(ledgerTable);
-    if (found > 0)
-        take(ledgerBack);
-    take(ledgerRules);
-    transaction.run("PRAGMA user_version = 3");
+    if (found < 3) {
+        if (found > 0)
+            take(ledgerAside);
+        take(ledgerTable);
+        if (found > 0)
+            take(ledgerBack);
+        take(ledgerRules);
+    }
+    take(templateTables);
+    transaction.run("PRAGMA user_version = 4");
 }

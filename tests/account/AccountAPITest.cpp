@@ -144,6 +144,27 @@ TEST_F(AccountAPITest, EachEndpointAsksAndReadsAsTheServiceExpects)
          [&] { return outcome(api->uploadTemplate(u"a.json"_s, "{}", std::nullopt)); }},
         {"POST /api/publicaciones/templates/delete", R"({"fileName":"a.json"})", ok,
          [&] { return outcome(api->deleteTemplate(u"a.json"_s)); }},
+        {"GET /api/publicaciones/templates", "", R"({"version":"2"})",
+         [&] {
+             const TemplateManifest manifest = awaited(api->templateManifest({}));
+             return manifest.templates || manifest.deleted ? QString() : manifest.version;
+         }},
+        {"GET /api/publicaciones/templates?since=a%2Fb", "",
+         R"({"version":"2","templates":[{"fileName":"a.json","sha256":"f","bytes":3,"versions":"x"},
+             {"fileName":"no digest"},7],"deleted":["b.json",8]})",
+         [&] {
+             const TemplateManifest manifest = awaited(api->templateManifest(u"a/b"_s));
+             EXPECT_EQ(manifest.deleted, QStringList{u"b.json"_s});
+             return manifest.templates->size() == 1 ? manifest.templates->first().fileName
+                                                    : QString();
+         }},
+        {"GET /api/publicaciones/templates/file?name=..%2Fa.json&version=previous", "",
+         R"({"fileName":"a.json","sha256":"f","jsonBase64":"e30="})",
+         [&] {
+             return QString::fromUtf8(
+                 awaited(api->templateFile(u"../a.json"_s, AccountAPI::SharedVersion::previous))
+                     .jsonBase64);
+         }},
         {"GET /api/social/status", "",
          R"({"ok":true,"networks":[{"network":"instagram","name":"I","provider":"p",
              "isConnected":true,"connectURL":"https://c.es"}]})",
@@ -165,6 +186,7 @@ TEST_F(AccountAPITest, EachEndpointAsksAndReadsAsTheServiceExpects)
                            u"12"_s, u"1"_s,      u"https://f.es/1"_s,
                            u"3"_s,  u"3"_s,      u"9"_s,
                            u"t"_s,  {},          {},
+                           u"2"_s,  u"a.json"_s, u"{}"_s,
                            u"I"_s,  u"300"_s,    u"https://p.es/1"_s};
     ASSERT_EQ(rows.size(), read.size());
     for (qsizetype i = 0; i < rows.size(); ++i) {

@@ -26,7 +26,7 @@ const QList<Room>& rooms()
     static const QStringList batch = below + QStringList{u"studio/batch"_qs};
     static const QStringList session =
         writing + QStringList{u"studio/sheet"_qs, u"studio/export"_qs, u"studio/copy"_qs,
-                              u"studio/publish"_qs, u"studio"_qs};
+                              u"studio/publish"_qs, u"studio/templates"_qs, u"studio"_qs};
     static const QStringList ofService{u"service"_qs, u"service/store"_qs, u"account"_qs,
                                        u"model"_qs,   u"platform"_qs,      u"copygen/text"_qs};
     // Each list from here to `part` contains the list before it.
@@ -60,6 +60,7 @@ const QList<Room>& rooms()
         {u"studio/export"_qs, batch},
         {u"studio/copy"_qs, writing},
         {u"studio/publish"_qs, writing + QStringList{u"studio/export"_qs}},
+        {u"studio/templates"_qs, below},
         {u"studio"_qs, session},
         {u"cli/shared"_qs, session},
         {u"cli"_qs, session + QStringList{u"cli/shared"_qs}},

@@ -316,10 +316,15 @@ TEST_F(ManualTest, CompletionProposesTheOptionsOfEveryHelp)
     for (const QString& action : proposed({u"local"_s, QString()}))
         EXPECT_TRUE(m_help[u"local"_s].contains(u"\n  %1 "_s.arg(action))) << action.toStdString();
     EXPECT_EQ(proposed({u"local"_s, QString()}).size(), 3);
+    for (const QString& action : proposed({u"templates"_s, QString()}))
+        EXPECT_TRUE(m_help[u"templates"_s].contains(u"\n  %1 "_s.arg(action)));
+    EXPECT_EQ(proposed({u"templates"_s, QString()}).size(), 6);
     photo(u"empty/una foto.JPG"_s);
+    textFile(u"empty/una plantilla.json"_s);
     textFile(u"empty/textos.csv"_s);
     EXPECT_EQ(listed(proposed({u"export"_s, QString()})), "una foto.JPG");
     EXPECT_EQ(listed(proposed({u"export"_s, u"--texts"_s, QString()})), "textos.csv");
+    EXPECT_EQ(listed(proposed({u"templates"_s, u"push"_s, QString()})), "una plantilla.json");
 }
 
 TEST_F(ManualTest, CommandsTakeTheirOptionsAndEndWithTheirStatuses)
@@ -333,6 +338,7 @@ TEST_F(ManualTest, CommandsTakeTheirOptionsAndEndWithTheirStatuses)
         {u"generate"_s, {u"--mode"_s, u"cloud"_s, picture}},
         {u"publish"_s, {u"--network"_s, u"instagram"_s, picture}},
         {u"connect"_s, {u"instagram"_s}},
+        {u"templates"_s, {u"list"_s}},
     };
     for (auto each = m_told.cbegin(); each != m_told.cend(); ++each) {
         SCOPED_TRACE(each.key().toStdString());

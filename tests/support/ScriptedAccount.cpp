@@ -95,7 +95,8 @@ void ScriptedAccount::read(QTcpSocket* socket)
 
 void ScriptedAccount::reply(QTcpSocket* socket, const QByteArray& request)
 {
-    const Answer answer = m_answers.value(request.split('?').first());
+    const QByteArray path = request.split('?').first();
+    const Answer answer = m_answers.value(m_answers.contains(request) ? request : path);
     // Sends no session cookie with a refused request or with one that needs no account, like the
     // service.
     const bool opensSession = answer.status == 200 && request.contains(" /api/auth/");

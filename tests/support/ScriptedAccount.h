@@ -23,8 +23,8 @@ public:
     CreditJournal& journal() { return m_journal; }
     AccountAPI& api() { return m_api; }
     QString address() const { return m_address; }    // of the scripted service
-    // Sets the answer to a request, such as "POST /api/auth/login". All other requests get status
-    // 404.
+    // Sets the answer to a request, such as "POST /api/auth/login", with any query or with the one
+    // that is given. All other requests get status 404.
     void answer(const QByteArray& request, const QByteArray& json, int status = 200);
     static QByteArray summary(const QByteArray& fullName = "Lucía Ferrer", qint64 balance = 4280);
     // Holds back the answers to requests that begin with `requests`, until release() or drop().

@@ -3,8 +3,10 @@
 #include "model/GeneratedCopy.h"
 #include "service/Routes.h"
 #include "service/store/Accounts.h"
+#include "service/store/TemplateCatalogue.h"
 
 #include <QBuffer>
+#include <QCryptographicHash>
 #include <QImage>
 
 #include <gtest/gtest.h>
@@ -77,8 +79,10 @@ TEST(Endpoints, withoutASessionOnlySigningInIsOpen)
           "/api/publicaciones/generate", upload, "/api/publicaciones/templates/delete",
           "/api/social/connect-token", publish, "/api/auth/password"})
         EXPECT_EQ(service.post(path, Json::object()).error(), "unauthorized") << path;
-    for (const char* path : {"/api/auth/me", "/api/account/purchases", "/api/social/status",
-                             "/api/account/purchases/link?purchaseId=1"})
+    for (const char* path :
+         {"/api/auth/me", "/api/account/purchases", "/api/social/status",
+          "/api/account/purchases/link?purchaseId=1", "/api/publicaciones/templates",
+          "/api/publicaciones/templates/file?name=a.json"})
         EXPECT_EQ(service.get(path).status, 401) << path;
     EXPECT_EQ(service.patch("/api/auth/profile", Json::object()).status, 401);
     EXPECT_EQ(service.post("/api/auth/logout", Json::object()).status, 200);
@@ -449,11 +453,118 @@ TEST(Endpoints, templatesAreTheAdministrators)
     }
     renamed["oldFileName"] = "a.json";
     EXPECT_EQ(service.post(upload, renamed).status, 200);
-    const QDir stored(service.folder().filePath(u"plantillas"_s));
-    EXPECT_EQ(stored.entryList(QDir::Files), QStringList{u"b.json"_s});
     for (int i = 0; i < 2; ++i)
         EXPECT_EQ(
             service.post("/api/publicaciones/templates/delete", {{"fileName", "b.json"}}).status,
             200);
-    EXPECT_TRUE(stored.isEmpty());
+}
+
+TEST(Endpoints, theCatalogueListsWhatIsSharedAndKeepsTenVersions)
+{
+    TestService service;
+    service.signUp("jefa@ejemplo.es");
+    const auto share = [&](const std::string& name, const std::string& text,
+                           const std::string& oldName = {}) {
+        service.now += 1000;
+        Json body{{"fileName", name},
+                  {"templateJSONBase64", QByteArray::fromStdString(text).toBase64().toStdString()}};
+        if (!oldName.empty())
+            body["oldFileName"] = oldName;
+        return service.post(upload, body).status;
+    };
+    const auto withdraw = [&](const char* name) {
+        return service.post("/api/publicaciones/templates/delete", {{"fileName", name}}).status;
+    };
+    const auto manifest = [&](const std::string& since = {}) {
+        return service.get("/api/publicaciones/templates?since=" + since).json();
+    };
+    const auto file = [&](const std::string& name, const char* more = "") {
+        const auto reply = service.get("/api/publicaciones/templates/file?name=" + name + more);
+        return reply.status != 200
+                   ? reply.error()
+                   : QByteArray::fromBase64(
+                         QByteArray::fromStdString(reply.json()["jsonBase64"].get<std::string>()))
+                         .toStdString();
+    };
+    const auto previous = [&](const std::string& name) { return file(name, "&version=previous"); };
+
+    const Json empty = manifest();
+    EXPECT_TRUE(empty["templates"].empty() && empty["deleted"].empty()) << empty;
+    share("a.json", R"({"n":1})");
+    share("b.json", "{}");
+    const Json two = manifest(empty["version"].get<std::string>());
+    EXPECT_EQ(two["templates"][0],
+              Json({{"fileName", "a.json"},
+                    {"sha256", QCryptographicHash::hash(R"({"n":1})", QCryptographicHash::Sha256)
+                                   .toHex()
+                                   .toStdString()},
+                    {"bytes", 7},
+                    {"updatedAt", "2027-01-15T08:00:01.000Z"},
+                    {"versions", 0}}));
+    const std::string version = two["version"].get<std::string>();
+    EXPECT_EQ(manifest(version), Json({{"version", version}})) << "nothing is newer";
+
+    share("c.json", R"({"c":1})", "b.json");
+    EXPECT_EQ(manifest(version)["deleted"], Json({"b.json"})) << "renamed";
+    EXPECT_EQ(file("b.json"), "template_not_found");
+    EXPECT_EQ(previous("b.json"), "{}");
+    share("b.json", "{}");
+    EXPECT_TRUE(manifest()["deleted"].empty()) << "an upload leaves the list of deletions";
+
+    for (int n = 2; n <= 11; ++n)
+        share("a.json", R"({"n":)" + std::to_string(n) + "}");
+    EXPECT_EQ(manifest()["templates"][0]["versions"], 9);
+    EXPECT_EQ(file("a.json"), R"({"n":11})");
+    EXPECT_EQ(previous("a.json"), R"({"n":10})");
+    for (int n = 10; n >= 2; --n) {
+        const std::string earlier = previous("a.json");
+        EXPECT_EQ(earlier, R"({"n":)" + std::to_string(n) + "}");
+        share("a.json", earlier);
+    }
+    EXPECT_EQ(manifest()["templates"][0]["versions"], 9) << "what is kept is no new version";
+    EXPECT_EQ(previous("a.json"), R"({"n":11})") << "the first one is gone; it begins again";
+
+    EXPECT_EQ(withdraw("a.json"), 200);
+    EXPECT_EQ(withdraw("z.json"), 200) << "a design that comes with the program";
+    EXPECT_EQ(manifest()["deleted"], Json({"a.json", "z.json"}));
+    EXPECT_EQ(previous("a.json"), R"({"n":2})") << "the one that was withdrawn";
+    EXPECT_EQ(previous("z.json"), "template_not_found");
+    EXPECT_EQ(file("../servicio.sqlite"), "template_not_found");
+    share("a.json", previous("a.json"));
+    EXPECT_EQ(manifest()["deleted"], Json({"z.json"}));
+
+    {
+        Transaction transaction(service.service().database());
+        const char* numbers = "WITH RECURSIVE n(i) AS (VALUES (1004) UNION ALL"
+                              " SELECT i + 1 FROM n WHERE i < 2999) ";
+        transaction.run(
+            (QByteArray(numbers) + "INSERT INTO template SELECT 'x' || i, i, 0, 0 FROM n")
+                .constData());
+        transaction.run((QByteArray(numbers) +
+                         "INSERT INTO template_version SELECT i, 'x' || i, '', x'7b7d' FROM n")
+                            .constData());
+        transaction.commit();
+    }
+    EXPECT_EQ(share("full.json", "{}"), 200);
+    EXPECT_EQ(share("more.json", "{}"), 409);
+    EXPECT_EQ(file("more.json"), "template_not_found") << "what is refused changes nothing";
+}
+
+TEST(Endpoints, templatesStoredAsFilesAreTakenIntoTheCatalogue)
+{
+    const QTemporaryDir folder;
+    const QDir files(folder.filePath(u"plantillas"_s));
+    files.mkpath(u"."_s);
+    const auto write = [&](const QString& name, const QByteArray& text) {
+        QFile file(files.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+    };
+    write(u"a.json"_s, "{}");
+    write(u"damaged.json"_s, "{");
+    const Service service({.dataFolder = folder.path(), .now = {}});
+    Service again({.dataFolder = folder.path(), .now = {}});
+    Transaction transaction(again.database());
+    EXPECT_EQ(templateManifest(transaction, {}).templates->size(), 1);
+    EXPECT_EQ(templateFile(transaction, u"a.json"_s, TemplateVersion::current).jsonBase64, "{}");
+    EXPECT_EQ(files.entryList(QDir::Files), QStringList{u"damaged.json"_s});
 }

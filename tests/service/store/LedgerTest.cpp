@@ -99,6 +99,8 @@ TEST_F(LedgerTest, balancesGrowBeyondWhatAnOlderFileAllowed)
         transaction.run("PRAGMA writable_schema = ON");
         transaction.run("UPDATE sqlite_schema SET sql = replace(sql, 'balance >= 0',"
                         " 'balance BETWEEN 0 AND 2000000000')");
+        transaction.run("DROP TABLE template_version");
+        transaction.run("DROP TABLE template");
         transaction.run("PRAGMA user_version = 2");
         transaction.commit();
     }
