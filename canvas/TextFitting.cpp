@@ -207,6 +207,21 @@ DesignFont ExportCanvasRenderer::nsFont(const TextLayer& layer, double size)
     return {atDesignSize(QFont(u"Inter"_s, -1, typeOf(layer.slot).weight)), size};
 }
 
+bool ExportCanvasRenderer::isInstalled(const QString& fontName)
+{
+    return fontName == "System"_L1 || namedFont(fontName);
+}
+
+QString ExportCanvasRenderer::familyOf(const QString& fontName)
+{
+    for (auto space = fontName.indexOf(u' '); space > 0;
+         space = fontName.indexOf(u' ', space + 1)) {
+        if (faceStyle(withoutSpaces(QStringView(fontName).mid(space))))
+            return fontName.left(space);
+    }
+    return fontName;
+}
+
 StyledText ExportCanvasRenderer::styledText(const TextLayer& layer, double size)
 {
     return {layer.text, nsFont(layer, size), layer.alignment};

@@ -25,6 +25,12 @@ constexpr double clamp(double value, double lower, double upper)
 // layer's slot.
 DesignFont nsFont(const TextLayer& layer, double size);
 
+// Whether nsFont() gives the font that `fontName` names. True for "System".
+bool isInstalled(const QString& fontName);
+// The family of a full font name, as far as the name tells without the font: the words before those
+// that describe a style.
+QString familyOf(const QString& fontName);
+
 // baseFontSize() depends only on the slot and the area; it is not clamped. wantedFontSize() is
 // baseFontSize() times layer.fontScale, clamped to the allowed sizes.
 double baseFontSize(CopySlot slot, QSizeF area);

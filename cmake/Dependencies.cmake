@@ -5,7 +5,7 @@ find_package(nlohmann_json REQUIRED)
 find_package(ICU REQUIRED COMPONENTS uc)
 find_package(Threads REQUIRED)
 find_package(PkgConfig REQUIRED)
-foreach(module IN ITEMS libheif libdeflate libwebpdemux lcms2 cpp-httplib libsodium sqlite3 xcb)
+foreach(module IN ITEMS libheif libdeflate libwebpdemux lcms2 cpp-httplib libsodium sqlite3 libzip xcb)
     pkg_check_modules(${module} REQUIRED IMPORTED_TARGET ${module})
 endforeach()
 

@@ -10,6 +10,8 @@ namespace json {
 // bytes in the tree.
 class Guard final : public nlohmann::json_sax<Value> {
 public:
+    explicit Guard(qsizetype mostKeys) : m_mostKeys(mostKeys) {}
+
     bool null() override { return count(); }
     bool boolean(bool) override { return count(); }
     bool number_integer(number_integer_t) override { return count(); }
@@ -22,7 +24,7 @@ public:
         m_keys.append(0);
         return count() && m_keys.size() <= deepest;
     }
-    bool key(string_t&) override { return ++m_keys.last() <= mostKeys; }
+    bool key(string_t&) override { return ++m_keys.last() <= m_mostKeys; }
     bool end_object() override
     {
         m_keys.removeLast();
@@ -42,16 +44,17 @@ public:
 private:
     bool count() { return ++m_values <= mostValues; }
 
-    static constexpr int mostKeys = 200, deepest = 100, mostValues = 200'000;
-    QList<int> m_keys;    // for each open object, the number of its keys
+    static constexpr int deepest = 100, mostValues = 200'000;
+    qsizetype m_mostKeys;
+    QList<qsizetype> m_keys;    // for each open object, the number of its keys
     int m_arrays = 0, m_values = 0;
 };
 
 // Parses JSON of unknown origin. Returns a value whose is_discarded() is true for bytes that are
-// not JSON or that Guard refuses.
-inline Value parsedWithCare(QByteArrayView bytes)
+// not JSON or that Guard refuses. `mostKeys`: of one object.
+inline Value parsedWithCare(QByteArrayView bytes, qsizetype mostKeys = 200)
 {
-    Guard guard;
+    Guard guard(mostKeys);
     if (!Value::sax_parse(bytes.begin(), bytes.end(), &guard))
         return Value(Value::value_t::discarded);
     return Value::parse(bytes.begin(), bytes.end(), nullptr, false);

@@ -1,23 +1,17 @@
 #include "templates/BuiltInTemplateLibrary.h"
 
-#include <QDir>
-
-using namespace Qt::StringLiterals;
-
 BuiltInTemplateLibrary::BuiltInTemplateLibrary(const QString& folder)
+    : m_pack(readPack(folder).pack.value_or(TemplatePack()))
 {
-    for (const QFileInfo& file : QDir(folder).entryInfoList({u"*.json"_s}, QDir::Files)) {
-        if (const DefinitionFile read = readDefinitionFile(file.filePath()); read.definition)
-            m_definitions.append(*read.definition);
-    }
-    std::ranges::stable_sort(m_definitions, {}, &JSONVisualTemplateDefinition::order);
 }
 
 QList<JSONVisualTemplateDefinition> BuiltInTemplateLibrary::definitions(SocialFormat format) const
 {
     QList<JSONVisualTemplateDefinition> found;
-    std::ranges::copy_if(m_definitions, std::back_inserter(found),
-                         [format](const auto& definition) { return definition.matches(format); });
+    for (const PackDesign& design : m_pack.designs) {
+        if (design.definition.matches(format))
+            found.append(design.definition);
+    }
     return found;
 }
 
@@ -39,10 +33,6 @@ JSONVisualTemplateDefinition BuiltInTemplateLibrary::templateDefinition(const Vi
         definition.textLayers.append(JSONTextLayer(text));
     for (const ShapeLayerSnapshot& shape : from.shapeLayers)
         definition.shapeLayers.append(JSONShapeLayer(shape));
-    if (from.previewPNG && isWebPData(*from.previewPNG))
-        definition.previewWebPBase64 = from.previewPNG;
-    else
-        definition.previewPNGBase64 = from.previewPNG;
     return definition;
 }
 

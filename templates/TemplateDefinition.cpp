@@ -13,7 +13,7 @@ namespace {
 
 constexpr qint64 largestFile = qint64(16) << 20;
 // Limits far above what any design needs, but low enough for fast painting.
-constexpr qsizetype mostLayers = 500, longestFontName = 200;
+constexpr qsizetype mostLayers = 500, longestFontName = 200, longestWord = 40;
 
 template <typename T>
 void take(T& field, const std::optional<T>& value)
@@ -26,6 +26,29 @@ void takeColor(CodableColor& field, const std::optional<QString>& hex)
 {
     if (hex)
         take(field, CodableColor::fromHexRGB(*hex));
+}
+
+void dropLonger(std::optional<QString>& text, qsizetype longest)
+{
+    if (text && text->size() > longest)
+        text.reset();
+}
+
+// Drops texts that are too long to mean anything, so that a definition takes little memory.
+void dropLongTexts(JSONVisualTemplateDefinition& definition)
+{
+    dropLonger(definition.format, longestWord);
+    definition.textLayers.removeIf(
+        [](const JSONTextLayer& text) { return text.slot.size() > longestWord; });
+    for (JSONTextLayer& text : definition.textLayers) {
+        dropLonger(text.fontName, longestFontName);
+        for (auto* color : {&text.foreground, &text.background, &text.shadowColor})
+            dropLonger(*color, longestWord);
+    }
+    for (JSONShapeLayer& shape : definition.shapeLayers) {
+        shape.fill.truncate(longestWord);
+        dropLonger(shape.stroke, longestWord);
+    }
 }
 
 }    // namespace
@@ -108,8 +131,7 @@ std::optional<TextLayer> JSONTextLayer::textLayer(const PublicationItem& item) c
     take(layer.isVisible, visible);
     take(layer.alignment, alignment);
     takeColor(layer.foreground, foreground);
-    if (fontName && fontName->size() <= longestFontName)
-        layer.fontName = *fontName;
+    take(layer.fontName, fontName);
     take(layer.fontScale, fontScale);
     take(layer.hasBox, hasBox);
     takeColor(layer.background, background);
@@ -213,8 +235,9 @@ DefinitionFile readDefinition(QByteArrayView bytes)
     }
     JSONVisualTemplateDefinition definition;
     json::read(value, definition);
+    dropLongTexts(definition);
     if (definition.id.isNull())
-        definition.id = QUuid::createUuid();
+        definition.id = QUuid::createUuidV5(QUuid(), bytes.toByteArray());
     definition.name = templateName(definition.name);
     if (definition.name.isEmpty())
         definition.name = u"Sin nombre"_s;

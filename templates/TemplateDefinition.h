@@ -84,7 +84,8 @@ struct DefinitionFile {
     QString error;
 };
 
-// Accepts any bytes. A missing name or id is made up; layers that cannot be read are left out.
+// Accepts any bytes. A missing name or id is made up, the id from the bytes; layers that cannot be
+// read are left out.
 DefinitionFile readDefinition(QByteArrayView bytes);
 DefinitionFile readDefinitionFile(const QString& path);
 

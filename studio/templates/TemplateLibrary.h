@@ -8,6 +8,8 @@
 #include <QHash>
 #include <QPointer>
 
+#include <variant>
+
 class SharedTemplates;
 
 enum class DesignOrigin { user, team, program, pack };
@@ -87,4 +89,59 @@ public:
 Q_SIGNALS:
     void changed();
     void told(const QString& sentence, bool isWarning);
+
+private:
+    using Self = QPointer<TemplateLibrary>;
+    struct Entry {
+        LibraryDesign design;
+        QUuid definitionId;
+        QString folded;    // what a search looks at, from foldedForSearch()
+        std::variant<VisualTemplate, JSONVisualTemplateDefinition> source;
+    };
+    struct Shelf {
+        QString key;
+        DesignOrigin origin = DesignOrigin::user;
+        QString title;
+        QList<Entry> entries;
+    };
+    struct Pack {
+        TemplatePack pack;
+        Shelf shelf;
+    };
+    struct Contents;
+    struct Installation;
+
+    static Entry entryOf(const VisualTemplate& own);
+    static Shelf shelfOf(const QString& key, DesignOrigin origin, const QString& title,
+                         const QList<PackDesign>& designs);
+    static Pack packOf(const TemplatePack& pack);
+    void readOwn();
+    void readTeam();
+    void arrange();
+    void put(const Pack& pack);
+    const BuiltInTemplateLibrary& gallery() const;
+    template <typename Visit>
+    void visit(SocialFormat format, Visit visit) const;
+    const Entry* entry(QUuid id) const;
+
+    static QCoro::Task<> runLoading(Self self);
+    static QCoro::Task<> runReadingTeam(Self self, int number, QList<PackDesign> designs);
+    static QCoro::Task<> runInstalling(Self self, QString path);
+    static QCoro::Task<> runRemoving(Self self, QString sectionKey);
+    static QCoro::Task<> runCallingBack(Self self);
+    static QCoro::Task<> runExporting(Self self, QString path);
+
+    SavedTemplates& m_saved;
+    SharedTemplates* m_shared;
+    LibraryMarks m_marks;
+    TemplatePacks m_disk;
+    mutable std::optional<BuiltInTemplateLibrary> m_gallery;    // read by load() or its first use
+    Shelf m_own, m_team, m_program;                             // with all their designs
+    QList<Pack> m_packs;                                        // by name
+    QList<TemplatePack> m_removed;                              // for callBackPack()
+    bool m_isLoading = false, m_isLoaded = false;
+    int m_teamNumber = 0;    // of the last reading of the catalogue
+    // What sections() shows, for all formats, and where each design is in it.
+    QList<Shelf> m_shelves;
+    QHash<QUuid, std::pair<qsizetype, qsizetype>> m_places;
 };

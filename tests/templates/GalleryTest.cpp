@@ -5,7 +5,11 @@
 #include "canvas/TextFitting.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFontInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <gtest/gtest.h>
 
@@ -50,7 +54,30 @@ TEST(Gallery, HoldsWholeDesignsForEveryFormat)
         EXPECT_EQ(names.size(), orders.size()) << "two of one name";
     }
     EXPECT_EQ(ids.size(), count);
-    EXPECT_EQ(count, QDir(u":/templates/gallery"_s).entryList({u"*.json"_s}).size());
+    EXPECT_TRUE(library.pack().unread.isEmpty());
+    EXPECT_EQ(count + 1, QDir(u":/templates/gallery"_s).entryList({u"*.json"_s}).size());
+}
+
+// The manifest must give every design its place and its tags, and name no file that is missing.
+TEST(Gallery, TagsEveryDesign)
+{
+    QFile file(u":/templates/gallery/pack.json"_s);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QJsonObject manifest = QJsonDocument::fromJson(file.readAll()).object();
+    const QStringList tagged = manifest[u"tags"_s].toObject().keys();
+    QStringList ordered, files;
+    for (const QJsonValue& name : manifest[u"order"_s].toArray())
+        ordered.append(name.toString());
+    const BuiltInTemplateLibrary library;
+    for (const PackDesign& design : library.pack().designs) {
+        files.append(design.fileName);
+        EXPECT_GE(design.tags.size(), 2) << design.fileName.toStdString();
+        EXPECT_LE(design.tags.size(), 4) << design.fileName.toStdString();
+    }
+    EXPECT_EQ(ordered, files);
+    files.sort();
+    EXPECT_EQ(tagged, files);
+    EXPECT_EQ(library.pack().name, u"De Moltiva"_s);
 }
 
 // A font that is not installed would silently become the system font.

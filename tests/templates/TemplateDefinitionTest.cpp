@@ -122,7 +122,8 @@ TEST(TemplateDefinition, ComesBackFromItsFileAsItWas)
     const BuiltInTemplateLibrary library(folder.path());
     ASSERT_EQ(library.definitions(SocialFormat::square).size(), 1);
 
-    const VisualTemplate saved = VisualTemplate::of(item, u"«Mía»\n"_s, SocialFormat::square);
+    VisualTemplate saved = VisualTemplate::of(item, u"«Mía»\n"_s, SocialFormat::square);
+    saved.previewPNG = "una foto de la usuaria";
     const auto written = library.templateDefinition(saved, u"Mía"_s, SocialFormat::square);
     EXPECT_EQ(written.order, 4);    // follows the order 3 of the definition in `folder`
     EXPECT_EQ(library.templateDefinition(saved, {}, SocialFormat::horizontal).order, 0);
@@ -134,6 +135,7 @@ TEST(TemplateDefinition, ComesBackFromItsFileAsItWas)
     EXPECT_EQ(ShapeLayer::preservingID(saved.shapeLayers[0].id, back.shapeLayers[0]),
               saved.shapeLayers[0]);
     EXPECT_EQ(back.name, u"Mía"_s);
+    EXPECT_FALSE(back.previewPNG);
 
     const auto fromFile = readDefinitionFile(folder.filePath(u"uno.json"_s));
     ASSERT_TRUE(fromFile.definition);

@@ -123,14 +123,6 @@ QString drawnFace(const QString& storedName)
                : withoutFoundry(drawn.familyName()) + u' ' + drawn.styleName();
 }
 
-bool isInstalled(const QString& storedName)
-{
-    // Compares the fonts drawn for two slots: the substitute for a missing font has the weight of
-    // the slot, an installed font is the same for both.
-    return storedName == "System"_L1 ||
-           drawnFont(storedName, CopySlot::title) == drawnFont(storedName, CopySlot::subtitle);
-}
-
 QFont fontOfStored(const QString& storedName, int pixels)
 {
     QFont font = drawnFont(storedName, CopySlot::subtitle);

@@ -37,7 +37,5 @@ bool isForWords(const QString& family);    // false for fonts of symbols or form
 // The full name of the face that is drawn for a stored name, such as "Bebas Neue Book" for "Bebas
 // Neue".
 QString drawnFace(const QString& storedName);
-// Whether the font with this stored name is installed. If not, another font is drawn instead.
-bool isInstalled(const QString& storedName);
 // The font that is drawn for a stored name, `pixels` high.
 QFont fontOfStored(const QString& storedName, int pixels);

@@ -2,6 +2,7 @@
 
 #include "app/controls/popovers/FontCatalog.h"
 #include "app/controls/popovers/FontPopover.h"
+#include "canvas/TextFitting.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,7 +24,7 @@ void FontField::setFontName(const QString& storedName)
     if (storedName == m_fontName)
         return;
     m_fontName = storedName;
-    m_missing = !storedName.isEmpty() && !isInstalled(storedName);
+    m_missing = !storedName.isEmpty() && !ExportCanvasRenderer::isInstalled(storedName);
     setText(storedName == "System"_L1 ? u"Sistema"_s : storedName);
     setAccessibleName(u"Fuente %1"_s.arg(text()).trimmed());
     const QString problem = u"No está instalada; se dibuja con otra."_s;

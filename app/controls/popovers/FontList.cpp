@@ -1,5 +1,7 @@
 #include "app/controls/popovers/FontList.h"
 
+#include "canvas/TextFitting.h"
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -14,7 +16,9 @@ bool matches(const QString& name, const QStringList& words)
 
 FontList::FontList(const QString& current, QObject* parent)
     : QAbstractListModel(parent), m_current(current),
-      m_drawn(current == "System"_L1 || !isInstalled(current) ? current : drawnFace(current))
+      m_drawn(current == "System"_L1 || !ExportCanvasRenderer::isInstalled(current)
+                  ? current
+                  : drawnFace(current))
 {
     // Unfolds the family of the current face, unless the row of the family itself stands for that
     // face.
@@ -55,7 +59,7 @@ void FontList::build()
         if (matches(row.name, words))
             m_rows.append(row);
     };
-    if (!isInstalled(m_current))
+    if (!ExportCanvasRenderer::isInstalled(m_current))
         add({FontRowKind::missing, m_current, m_current});
     add({FontRowKind::system, u"Sistema"_s, u"System"_s});
     for (const QString& family : m_catalog.families()) {

@@ -3,6 +3,7 @@
 #include "app/controls/popovers/FontField.h"
 #include "app/controls/popovers/FontPopover.h"
 #include "app/controls/popovers/KeptClear.h"
+#include "canvas/TextFitting.h"
 #include "tests/app/Events.h"
 
 #include <QListView>
@@ -72,7 +73,7 @@ TEST(FontList, showsFacesUnderTheirFamilyAndFindsThem)
     EXPECT_EQ(names.count(u"Inter Regular"_s), 2) << "the family and its face";
     EXPECT_TRUE(names.contains(u"Inter Black Italic"_s));
     for (const QString& name : names)
-        EXPECT_TRUE(isInstalled(name)) << qPrintable(name);
+        EXPECT_TRUE(ExportCanvasRenderer::isInstalled(name)) << qPrintable(name);
 
     fonts.setUnfolded(u"Inter"_s, false);
     fonts.setFilter(u" black INTER dis "_s);
