@@ -76,7 +76,7 @@ Written written(const CatalogueCopy& disk, CatalogueList list, const CatalogueLi
 }
 
 // The sentence for a number of designs: `one` with one, else `many`, in which %1 is the number.
-QString counted(qsizetype number, const QString& one, const QString& many)
+QString oneOrMany(qsizetype number, const QString& one, const QString& many)
 {
     return number == 1 ? one : many.arg(number);
 }
@@ -85,14 +85,14 @@ QString sentenceAbout(const CatalogueCopy::Contents& contents)
 {
     if (contents.damaged > 0) {
         return contents.isThere
-                   ? counted(contents.damaged,
-                             u"Una plantilla de la copia del catálogo estaba dañada."_s,
-                             u"%1 plantillas de la copia del catálogo estaban dañadas."_s)
+                   ? oneOrMany(contents.damaged,
+                               u"Una plantilla de la copia del catálogo estaba dañada."_s,
+                               u"%1 plantillas de la copia del catálogo estaban dañadas."_s)
                    : u"La copia del catálogo del equipo estaba dañada."_s;
     }
     return contents.unreadable > 0
-               ? counted(contents.unreadable, u"Una plantilla del equipo no se puede leer."_s,
-                         u"%1 plantillas del equipo no se pueden leer."_s)
+               ? oneOrMany(contents.unreadable, u"Una plantilla del equipo no se puede leer."_s,
+                           u"%1 plantillas del equipo no se pueden leer."_s)
                : QString();
 }
 
@@ -342,7 +342,7 @@ QCoro::Task<bool> SharedTemplates::copyAll(Self self, TemplateManifest manifest,
             CatalogueState::refused,
             u"La copia del catálogo del equipo no se ha podido guardar: %1."_s.arg(result.problem));
     } else if (!download->failed.isEmpty()) {
-        const QString failures = counted(
+        const QString failures = oneOrMany(
             download->failed.size(),
             u"Una plantilla del equipo no se ha podido descargar y queda como estaba."_s,
             u"%1 plantillas del equipo no se han podido descargar y quedan como estaban."_s);
@@ -351,9 +351,9 @@ QCoro::Task<bool> SharedTemplates::copyAll(Self self, TemplateManifest manifest,
     } else if (plan.tooMany > 0) {
         self->settle(
             CatalogueState::refused,
-            counted(plan.tooMany,
-                    u"El catálogo del equipo es demasiado grande: falta una plantilla."_s,
-                    u"El catálogo del equipo es demasiado grande: faltan %1 plantillas."_s));
+            oneOrMany(plan.tooMany,
+                      u"El catálogo del equipo es demasiado grande: falta una plantilla."_s,
+                      u"El catálogo del equipo es demasiado grande: faltan %1 plantillas."_s));
     } else {
         self->settle(CatalogueState::upToDate, sentenceAbout(result.contents));
     }

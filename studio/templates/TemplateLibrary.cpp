@@ -3,6 +3,7 @@
 #include "model/PlainText.h"
 #include "platform/AtomicFile.h"
 #include "platform/Workers.h"
+#include "studio/templates/SharedTemplates.h"
 #include "templates/MissingFonts.h"
 #include "templates/TemplateName.h"
 #include "templates/TemplateSearch.h"
@@ -10,11 +11,6 @@
 #include <QCoroFuture>
 #include <QFileInfo>
 #include <QRandomGenerator>
-
-#if __has_include("studio/templates/SharedTemplates.h")
-#include "studio/templates/SharedTemplates.h"
-#define HAS_CATALOGUE
-#endif
 
 using namespace Qt::StringLiterals;
 
@@ -100,10 +96,8 @@ TemplateLibrary::TemplateLibrary(SavedTemplates& saved, SharedTemplates* shared,
         arrange();
         Q_EMIT changed();
     });
-#ifdef HAS_CATALOGUE
     if (shared)
         connect(shared, &SharedTemplates::changed, this, &TemplateLibrary::readTeam);
-#endif
     readOwn();
     arrange();
 }
@@ -157,14 +151,12 @@ QCoro::Task<> TemplateLibrary::runLoading(Self self)
 // Reads the team's catalogue on a worker, because looking up its fonts takes time.
 void TemplateLibrary::readTeam()
 {
-#ifdef HAS_CATALOGUE
     if (!m_shared)
         return;
     QList<PackDesign> designs;
     for (const SharedDesign& shared : m_shared->designs())
         designs.append({shared.fileName, shared.definition, {}});
     runReadingTeam(this, ++m_teamNumber, designs);
-#endif
 }
 
 QCoro::Task<> TemplateLibrary::runReadingTeam(Self self, int number, QList<PackDesign> designs)
@@ -231,18 +223,14 @@ void TemplateLibrary::readOwn()
 void TemplateLibrary::arrange()
 {
     m_shelves = {m_own};
-#ifdef HAS_CATALOGUE
     if (m_shared && m_shared->state() != CatalogueState::none)
         m_shelves.append({teamKey, DesignOrigin::team, u"Del equipo"_s, m_team.entries});
-#endif
     m_shelves.append(m_program);
-#ifdef HAS_CATALOGUE
     if (m_shared) {
         m_shelves.last().entries.removeIf([this](const Entry& entry) {
             return m_shared->withdrawn().contains(entry.definitionId);
         });
     }
-#endif
     for (const Pack& pack : std::as_const(m_packs))
         m_shelves.append(pack.shelf);
 

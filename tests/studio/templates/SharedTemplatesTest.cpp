@@ -3,11 +3,14 @@
 #include "account/AccountSession.h"
 #include "platform/PreferencesStore.h"
 #include "platform/Workers.h"
+#include "platform/photo/PhotoCache.h"
+#include "studio/templates/TemplateLibrary.h"
 #include "tests/account/Awaited.h"
 #include "tests/service/TestService.h"
 #include "tests/studio/FaultyProxy.h"
 #include "tests/support/ScriptedAccount.h"
 
+#include <QCoroSignal>
 #include <QCryptographicHash>
 #include <QTemporaryDir>
 
@@ -181,6 +184,47 @@ TEST_F(SharedTemplatesTest, WhatAnAdministratorDoesReachesEverybodyAndCanBeTaken
     EXPECT_TRUE(member.shared.withdrawn().isEmpty());
     EXPECT_EQ(awaited(chief.shared.restore(chief.shared.designs().last().fileName)),
               u"No hay ninguna versión anterior guardada."_s);
+}
+
+TEST_F(SharedTemplatesTest, TheLibraryShowsWhatIsSharedAndHidesWhatIsWithdrawn)
+{
+    Program chief(home(u"jefa"_s), m_proxy.url());
+    SavedTemplates saved(chief.preferences,
+                         std::make_shared<PhotoCache>(home(u"jefa"_s) + u"/thumbnails"_s));
+    TemplateLibrary library(saved, &chief.shared, chief.preferences, home(u"jefa"_s));
+    library.load();
+    constexpr SocialFormat format = SocialFormat::square;
+    const auto listed = [&](const QStringList& expected) {
+        const auto shown = [&] {
+            QStringList sections;
+            for (const LibrarySection& section : library.sections(format))
+                sections.append(u"%1 %2"_s.arg(section.title).arg(section.designs.size()));
+            return sections;
+        };
+        while (shown() != expected)
+            QCoro::waitFor(qCoro(&library, &TemplateLibrary::changed));
+    };
+    listed({u"Mis plantillas 0"_s, u"De Moltiva 15"_s});
+    chief.enter(u"jefa@ejemplo.es"_s);
+
+    // The user's own template is shared, and changes afterwards: both have the same id.
+    const PublicationItem item = PublicationItem::make({}, {});
+    const VisualTemplate own = VisualTemplate::of(item, u"Mía"_s, format);
+    saved.addTemplate(own);
+    EXPECT_EQ(awaited(chief.shared.share(*library.definition(own.id, format))), QString());
+    saved.renameTemplate(own.id, u"Otra"_s);
+    listed({u"Mis plantillas 1"_s, u"Del equipo 1"_s, u"De Moltiva 15"_s});
+    const LibraryDesign team = library.sections(format)[1].designs.first();
+    EXPECT_EQ(team.fileName, catalogueFileName(own.id));
+    EXPECT_EQ(library.find(team.id)->name, u"Mía"_s);
+    EXPECT_EQ(library.find(own.id)->name, u"Otra"_s);
+
+    const QUuid packaged = library.sections(format)[2].designs.first().id;
+    auto withdrawn = library.definition(packaged, format);
+    EXPECT_EQ(awaited(chief.shared.share(*withdrawn)), QString());
+    EXPECT_EQ(awaited(chief.shared.withdraw(catalogueFileName(packaged))), QString());
+    listed({u"Mis plantillas 1"_s, u"Del equipo 1"_s, u"De Moltiva 14"_s});
+    EXPECT_FALSE(library.find(packaged));
 }
 
 TEST_F(SharedTemplatesTest, OfTwoAdministratorsTheLaterWinsAndTheEarlierComesBack)
