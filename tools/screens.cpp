@@ -5,6 +5,7 @@
 //     screens OUT --account                      signing in, the account and the settings
 //     screens OUT [--photos DIR] --copy          generating texts and the engine that does it
 //     screens OUT [--photos DIR] --publish       the publish sheet
+//     screens OUT [--photos DIR] --library       the template library
 //
 // Also prints each text, icon, focus ring, tick and state of a control whose contrast is too low,
 // in the largest of the sizes.
@@ -44,6 +45,7 @@
 #include "tools/AccountScreens.h"
 #include "tools/ContactSheets.h"
 #include "tools/CopyScreens.h"
+#include "tools/LibraryScreens.h"
 #include "tools/PublishScreens.h"
 #include "tools/WindowPictures.h"
 
@@ -150,6 +152,13 @@ public:
         m_session.load({QUrl::fromLocalFile(m_photoFolder)});
         return WindowPictures::waitFor([this] { return !m_session.batch().items.isEmpty(); }) &&
                takeCopyScreens({m_session, m_account, m_window, m_pictures});
+    }
+
+    bool takeLibrary()
+    {
+        m_session.load({QUrl::fromLocalFile(m_photoFolder)});
+        return WindowPictures::waitFor([this] { return !m_session.batch().items.isEmpty(); }) &&
+               takeLibraryScreens({m_session, m_window, m_pictures});
     }
 
     bool takePublish()
@@ -402,7 +411,8 @@ int main(int argc, char** argv)
     const QCommandLineOption account(u"account"_s, u"only the screens of the account"_s);
     const QCommandLineOption copy(u"copy"_s, u"only the screens of generated texts"_s);
     const QCommandLineOption publish(u"publish"_s, u"only the screens of publishing"_s);
-    parser.addOptions({photos, designs, account, copy, publish});
+    const QCommandLineOption library(u"library"_s, u"only the screens of the template library"_s);
+    parser.addOptions({photos, designs, account, copy, publish, library});
     parser.addPositionalArgument(u"out"_s, u"folder for the pictures"_s);
     parser.addHelpOption();
     parser.process(application);
@@ -427,6 +437,9 @@ int main(int argc, char** argv)
         return screens.takeCopy() ? 0 : 1;
     if (parser.isSet(publish))
         return screens.takePublish() ? 0 : 1;
-    const bool reached = screens.takeAll() && screens.takeCopy() && screens.takePublish();
+    if (parser.isSet(library))
+        return screens.takeLibrary() ? 0 : 1;
+    const bool reached =
+        screens.takeAll() && screens.takeCopy() && screens.takePublish() && screens.takeLibrary();
     return reached && takeAccountScreens(out) ? 0 : 1;
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int galleryGap = 10, galleryRowGap = 12, recentGap = 8;
 constexpr int belowHeading = 8, belowSection = 16, belowFolded = 8, galleryBottom = 16;
-constexpr int galleryNoteHeight = 84, headingButtonGap = 4;
+constexpr int galleryNoteHeight = 84, headingButtonGap = 8;
 constexpr int widePanel = 327;    // content without margins, from which a row holds one tile more
 constexpr double narrowRatio = 0.7, broadRatio = 1.2;
 

@@ -3,7 +3,6 @@
 #include "app/controls/PartsAccessible.h"
 #include "app/controls/fields/LineField.h"
 #include "app/presets/PresetGrid.h"
-#include "app/presets/TemplateGalleryAccessible.h"
 #include "app/theme/Painting.h"
 
 #include <QApplication>
@@ -28,7 +27,6 @@ constexpr qsizetype mostPictureBytes = qsizetype(32) << 20;
 TemplateGallery::TemplateGallery(QWidget* parent)
     : QAbstractScrollArea(parent), m_left(gallerySide), m_pictures(mostPictureBytes)
 {
-    makeTemplateGalleriesAccessible();
     setAccessibleName(u"Plantillas"_s);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::TabFocus);
@@ -106,7 +104,7 @@ void TemplateGallery::setAppliedTest(const std::function<bool(QUuid)>& isApplied
 
 void TemplateGallery::forgetApplied()
 {
-    const QString before = accessibleText(m_marked);
+    const QString before = hasFocus() ? accessibleText(m_marked) : QString();
     m_applied.clear();
     viewport()->update();
     if (hasFocus() && accessibleText(m_marked) != before)
@@ -393,9 +391,8 @@ void TemplateGallery::showMenu(int part)
     const QPoint scrolled(0, verticalScrollBar()->value());
     const GallerySection& section = m_sections[shown.section];
     if (const GalleryTile* design = tile(part)) {
-        const QRect below = section.look == GalleryLook::recent ? shown.rect : moreOf(shown);
         const QUuid id = design->id;
-        const QPoint at = viewport()->mapToGlobal(below.bottomLeft() - scrolled);
+        const QRect at(viewport()->mapToGlobal(shown.rect.topLeft() - scrolled), shown.rect.size());
         leave();
         Q_EMIT menuRequested(id, at);
     } else if (section.hasMenu) {
@@ -518,7 +515,7 @@ void TemplateGallery::contextMenuEvent(QContextMenuEvent* event)
     if (const GalleryTile* shown = tile(part)) {
         const QUuid id = shown->id;
         leave();
-        Q_EMIT menuRequested(id, event->globalPos());
+        Q_EMIT menuRequested(id, {event->globalPos(), QSize()});
     } else if (part >= 0 && m_sections[m_layout.parts[part].section].hasMenu) {
         Q_EMIT sectionMenuRequested(m_sections[m_layout.parts[part].section].key,
                                     event->globalPos());

@@ -72,7 +72,8 @@ Q_SIGNALS:
     void largePreviewWanted(QUuid id);    // the pointer has stayed longer
     void previewEnded();
     void largePreviewToggled(QUuid id);    // by Space
-    void menuRequested(QUuid id, QPoint globalPosition);
+    // `at`: global; the tile, or a point without a size where the pointer was pressed.
+    void menuRequested(QUuid id, const QRect& at);
     void sectionMenuRequested(const QString& key, QPoint globalPosition);
     void favouriteToggled(QUuid id);
     void foldRequested(const QString& key, bool folded);

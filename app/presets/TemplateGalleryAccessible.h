@@ -1,4 +1,5 @@
 #pragma once
 
-// Lets screen readers see every TemplateGallery as a list of its parts.
+// Makes screen readers see each TemplateGallery as a list of its parts. Call it before the first
+// one is shown to them.
 void makeTemplateGalleriesAccessible();

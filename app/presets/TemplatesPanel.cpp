@@ -6,6 +6,7 @@
 #include "app/controls/PanelLayout.h"
 #include "app/controls/fields/LineField.h"
 #include "app/presets/TemplateGallery.h"
+#include "app/presets/TemplateGalleryAccessible.h"
 
 #include <QHBoxLayout>
 #include <QMenu>
@@ -40,6 +41,7 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
       m_chips(new TagChips), m_nothingFound(new Caption(Type::small, &Theme::text3)),
       m_gallery(new TemplateGallery)
 {
+    makeTemplateGalleriesAccessible();
     auto* fixed = new QWidget;
     auto* fixedLayout = new PanelLayout(fixed, PanelLayout::Beside::nothing);
     QMargins margins = fixedLayout->contentsMargins();
@@ -129,14 +131,16 @@ void TemplatesPanel::showMenu()
     add(Icon::templates, u"Importar plantilla…"_s, &TemplatesPanel::importRequested);
     if (m_state.hasOwn)
         add(Icon::exportAll, u"Exportar mis plantillas"_s, &TemplatesPanel::exportOwnRequested);
-    if (!m_state.recoverable.isEmpty() || !m_state.recoverablePack.isEmpty())
-        menu->addSeparator();
+    menu->addSeparator();
     if (!m_state.recoverable.isEmpty())
         add(Icon::undo, u"Recuperar «%1»"_s.arg(inMenu(m_state.recoverable)),
             &TemplatesPanel::callBackRequested);
     if (!m_state.recoverablePack.isEmpty())
         add(Icon::undo, u"Recuperar el paquete «%1»"_s.arg(inMenu(m_state.recoverablePack)),
             &TemplatesPanel::callBackPackRequested);
+    if (!m_state.recoverableShared.isEmpty())
+        add(Icon::undo, u"Recuperar «%1» del equipo"_s.arg(inMenu(m_state.recoverableShared)),
+            &TemplatesPanel::callBackSharedRequested);
     connect(menu, &QObject::destroyed, m_more, &Control::lookForPointer);
     menu->popup(m_more->mapToGlobal(m_more->rect().bottomLeft()));
 }

@@ -17,8 +17,9 @@ struct TemplatesPanelState {
     QList<GallerySection> sections = {};    // those that pass the filter
     QStringList tags = {};                  // in use, most used first
     bool hasOwn = false;                    // whether the user has templates to export
-    QString recoverable = {};        // name of the template that was removed last; empty: none
-    QString recoverablePack = {};    // the same of a pack
+    QString recoverable = {};          // name of the template that was removed last; empty: none
+    QString recoverablePack = {};      // the same of a pack
+    QString recoverableShared = {};    // the same of a template of the team
     bool operator==(const TemplatesPanelState&) const = default;
 };
 
@@ -48,6 +49,7 @@ Q_SIGNALS:
     void exportOwnRequested();
     void callBackRequested();
     void callBackPackRequested();
+    void callBackSharedRequested();
 
 protected:
     void showEvent(QShowEvent* event) override;

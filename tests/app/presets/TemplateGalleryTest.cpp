@@ -1,4 +1,5 @@
 #include "app/presets/TemplateGallery.h"
+#include "app/presets/TemplateGalleryAccessible.h"
 #include "app/presets/TagChips.h"
 #include "tests/app/Events.h"
 
@@ -188,6 +189,7 @@ TEST(TemplateGallery, isUsedByKeys)
 
 TEST(TemplateGallery, isReadAsAListOfNamedParts)
 {
+    makeTemplateGalleriesAccessible();
     Gallery gallery;
     GallerySection team = section(u"Del equipo"_s, 3);
     team.state = u"Al día"_s;

@@ -7,6 +7,7 @@
 #include "app/presets/PresetDrawing.h"
 #include "app/presets/PresetGrid.h"
 #include "app/presets/StyleShelf.h"
+#include "app/presets/TagChips.h"
 #include "app/presets/TemplateGallery.h"
 #include "app/presets/TemplatesBinding.h"
 #include "app/presets/TemplatesPanel.h"
@@ -18,10 +19,15 @@
 #include "platform/PreferencesStore.h"
 #include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
+#include "studio/templates/SharedTemplates.h"
+#include "studio/templates/TemplateLibrary.h"
 #include "tests/app/Events.h"
 #include "tests/support/ScriptedAccount.h"
 
 #include <QApplication>
+#include <QCryptographicHash>
+#include <QMenu>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QWheelEvent>
@@ -38,6 +44,10 @@ class TemplatesTest : public ::testing::Test {
 protected:
     TemplatesTest()
     {
+        // Before the window is shown, which asks for the account.
+        account.answer("GET /api/auth/me", ScriptedAccount::summary().replace(
+                                               R"("id":"1")", R"("id":"1","isAdmin":true)"));
+        window.setSharedTemplates(shared);
         session.restoreWorkspaceIfNeeded();
         window.resize(1280, 800);
         window.show();
@@ -69,6 +79,39 @@ protected:
     }
     QList<GalleryTile> own() { return tiles(u"own"_s); }
     QList<GalleryTile> packaged() { return tiles(u"moltiva"_s); }
+    // What the service lists as the team's: this design or, without one, nothing.
+    void share(const std::optional<JSONVisualTemplateDefinition>& design, const QByteArray& version)
+    {
+        QByteArray entries;
+        if (design) {
+            const QByteArray bytes = definitionBytes(*design);
+            const QByteArray name = design->id.toString(QUuid::WithoutBraces).toLatin1() + ".json";
+            const QByteArray digest =
+                QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
+            entries = R"({"fileName":")" + name + R"(","sha256":")" + digest + R"(","bytes":)" +
+                      QByteArray::number(bytes.size()) + R"(,"updatedAt":"","versions":3})";
+            account.answer("GET /api/publicaciones/templates/file",
+                           R"({"fileName":")" + name + R"(","sha256":")" + digest +
+                               R"(","jsonBase64":")" + bytes.toBase64() + R"("})");
+        }
+        account.answer("GET /api/publicaciones/templates", R"({"version":")" + version +
+                                                               R"(","templates":[)" + entries +
+                                                               R"(],"deleted":[]})");
+    }
+    QMenu* menuOf(QUuid id)
+    {
+        gallery()->showMenu(gallery()->partOf(id));
+        return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    }
+    static QStringList textsOf(const QMenu* menu)
+    {
+        QStringList texts;
+        for (const QAction* action : menu->actions()) {
+            if (!action->text().isEmpty())
+                texts.append(action->text());
+        }
+        return texts;
+    }
     void point(QUuid id)
     {
         const QPointF at = gallery()->partRect(gallery()->partOf(id)).center();
@@ -101,6 +144,7 @@ protected:
     PreferencesStore preferences{m_data.filePath(u"preferences.sqlite"_s)};
     StudioSession session{m_photos, preferences};
     ScriptedAccount account{preferences, Scripted::signedIn};
+    SharedTemplates shared{account.api(), account.session(), m_data.path()};
     MainWindow window{session, account.session(), m_photos, preferences};
 };
 
@@ -305,6 +349,81 @@ TEST_F(TemplatesTest, AnotherIsTriedByOneKey)
     EXPECT_EQ(session.status(), u"No hay otra plantilla que probar."_s);
 }
 
+TEST_F(TemplatesTest, AreMarkedAndFiltered)
+{
+    const QUuid first = packaged()[0].id, second = packaged()[1].id;
+    click(second);
+    settle();
+    EXPECT_EQ(gallery()->sections().first().title, u"Usadas hace poco"_s);
+    EXPECT_EQ(tiles(u"recent"_s).first().id, second);
+    const GalleryPart part = gallery()->layoutOfParts().parts[gallery()->partOf(first)];
+    press(*gallery()->viewport(),
+          discOf(part).center() - QPoint(0, gallery()->verticalScrollBar()->value()));
+    EXPECT_TRUE(packaged()[0].isFavourite);
+
+    auto* chips = side()->templatesPanel()->findChild<TagChips*>();
+    chips->choose(1);    // favourites
+    ASSERT_EQ(gallery()->sections().size(), 1);
+    EXPECT_EQ(packaged().size(), 1);
+    EXPECT_TRUE(gallery()->sections().first().offersRandom);
+    chips->choose(0);
+    Q_EMIT gallery()->foldRequested(u"moltiva"_s, true);
+    EXPECT_TRUE(gallery()->sections().last().isFolded);
+    EXPECT_EQ(gallery()->partOf(first), -1);
+    side()->templatesPanel()->findChild<LineField*>()->setText(packaged()[0].name);
+    EXPECT_GE(gallery()->partOf(first), 0) << "what is found is not hidden in a folded section";
+}
+
+TEST_F(TemplatesTest, OfTheTeamAreAdministered)
+{
+    EXPECT_TRUE(tiles(u"team"_s).isEmpty());
+    JSONVisualTemplateDefinition design =
+        BuiltInTemplateLibrary().definitions(session.batch().format).first();
+    design.id = QUuid::createUuid();
+    design.name = u"Ladera azul"_s;
+    share(design, "1");
+    shared.refresh();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return tiles(u"team"_s).size() == 1; }, 20000));
+    const QUuid id = tiles(u"team"_s).first().id;
+    const auto state = [&] {
+        return gallery()->sections()[1].key == u"team" ? gallery()->sections()[1].state : QString();
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return state() == u"Al día"_s; }, 20000));
+    EXPECT_TRUE(tiles(u"team"_s).first().canRename);
+    click(id);
+    EXPECT_TRUE(gallery()->isApplied(id));
+
+    QPointer<QMenu> menu = menuOf(id);
+    ASSERT_TRUE(menu);
+    EXPECT_EQ(textsOf(menu),
+              (QStringList{u"Vista previa grande\tEspacio"_s, u"Añadir a favoritas"_s,
+                           u"Renombrar\tF2"_s, u"Sustituir por la composición actual"_s,
+                           u"Recuperar versión anterior\t3 guardadas"_s, u"Retirar"_s}));
+    const auto isAsked = [&] {
+        return std::ranges::any_of(account.log(), [](const QByteArray& request) {
+            return request.startsWith("POST /api/publicaciones/templates/delete");
+        });
+    };
+    menu->setActiveAction(menu->actions().last());
+    QTest::keyClick(menu, Qt::Key_Return);
+    ASSERT_TRUE(menu && menu->isVisible());
+    EXPECT_EQ(textsOf(menu).last(), u"¿Retirar para todos?"_s);
+    EXPECT_FALSE(isAsked());
+    account.answer("POST /api/publicaciones/templates/delete", "{}");
+    share(std::nullopt, "2");
+    QTest::keyClick(menu, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return tiles(u"team"_s).isEmpty(); }, 20000));
+    EXPECT_TRUE(isAsked());
+    EXPECT_TRUE(session.status().contains(u"«Ladera azul» retirada"_s))
+        << session.status().toStdString();
+
+    saved().saveTemplate(current(), session.batch().format);
+    menu = menuOf(own().first().id);
+    ASSERT_TRUE(menu);
+    EXPECT_TRUE(textsOf(menu).contains(u"Compartir con el equipo"_s));
+    menu->close();
+}
+
 TEST_F(TemplatesTest, GoOutAndComeInAsFiles)
 {
     const QString file = m_data.filePath(u"plantilla.json"_s);
@@ -385,7 +504,7 @@ TEST_F(TemplatesTest, AFailedStoreIsTheLastWord)
 {
     PreferencesStore nowhere(u"/proc/moltiva/p.sqlite"_s);
     TemplatesBinding templates(session, side()->templatesPanel(), side()->textPanel()->styles(),
-                               m_photos, nowhere);
+                               m_photos, nowhere, m_data.path());
     QString told;
     QObject::connect(&templates, &TemplatesBinding::told, &templates,
                      [&](const QString& sentence) { told = sentence; });
