@@ -100,8 +100,11 @@ std::optional<QString> styleNamed(const QString& family, const QString& wanted)
 std::optional<QFont> lookUpNamedFont(const QString& name)
 {
     // A full name is a family followed by one of its styles. As nothing marks where the style
-    // begins, every space is tried.
-    for (auto space = name.indexOf(u' '); space != -1; space = name.indexOf(u' ', space + 1)) {
+    // begins, every space is tried, but no family has more words than these: each try searches the
+    // list of installed fonts, and a file may contain any name.
+    int wordsLeft = 8;
+    for (auto space = name.indexOf(u' '); space != -1 && wordsLeft > 0;
+         space = name.indexOf(u' ', space + 1), --wordsLeft) {
         const QString family = name.left(space);
         if (!QFontDatabase::hasFamily(family))
             continue;

@@ -96,7 +96,7 @@ public:
         if (m_shared.designs().isEmpty() && !m_isJson)
             print(stdout, u"Sin plantillas del equipo"_s);
         if (m_shared.state() == CatalogueState::offline)
-            m_command.failed(u"sin conexión: copia del %1."_s.arg(day()));
+            m_command.failed(u"%1 Se muestra la copia del %2."_s.arg(m_shared.problem(), day()));
         else if (!m_shared.problem().isEmpty())
             return m_command.failed(m_shared.problem());
         return exitDone;

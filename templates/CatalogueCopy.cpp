@@ -17,6 +17,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype mostEntries = 2000, mostWithdrawn = 20'000, longestVersion = 200;
+// In all designs together: a layer takes several times as much memory as its text in a file.
+constexpr qsizetype mostLayersInAll = 100'000;
 constexpr qint64 largestCopy = qint64(64) << 20, largestEntry = qint64(16) << 20;
 constexpr qint64 largestList = qint64(4) << 20;
 constexpr auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
@@ -187,6 +189,7 @@ CatalogueCopy::Contents CatalogueCopy::readOnce(const QByteArray& bytes) const
         return contents;
     }
     contents.isThere = true;
+    qsizetype layers = 0;
     for (const CatalogueEntry& entry : list->entries) {
         const auto file = plainFile(pathOf(entry), entry.bytes);
         if (!file || !isWhole(entry, *file)) {
@@ -194,7 +197,9 @@ CatalogueCopy::Contents CatalogueCopy::readOnce(const QByteArray& bytes) const
             continue;
         }
         DefinitionFile read = readDefinition(*file);
-        if (!read.definition) {
+        if (read.definition)
+            layers += read.definition->textLayers.size() + read.definition->shapeLayers.size();
+        if (!read.definition || layers > mostLayersInAll) {
             ++contents.unreadable;
             continue;
         }
@@ -236,7 +241,7 @@ QString CatalogueCopy::makeFolder() const
 template <typename Work>
 QString CatalogueCopy::locked(Work work) const
 {
-    if (const QString problem = makeFolder(); !problem.isEmpty())
+    if (QString problem = makeFolder(); !problem.isEmpty())
         return problem;
     constexpr int attempts = 1000;
     for (int attempt = 0; attempt < attempts; ++attempt) {
@@ -267,8 +272,7 @@ QString CatalogueCopy::replace(CatalogueList list) const
         // Another program may have removed a file that its own list does not contain.
         if (list.entries.removeIf(isMissing) > 0)
             list.version.clear();
-        if (const QString problem = writeAtomically(listPath(), listBytes(list));
-            !problem.isEmpty())
+        if (QString problem = writeAtomically(listPath(), listBytes(list)); !problem.isEmpty())
             return problem;
         QSet<QString> wanted{listPath(), m_folder + u'/' + lockName};
         for (const CatalogueEntry& entry : list.entries)

@@ -52,7 +52,7 @@ public:
         CatalogueList list;
         QList<SharedDesign> designs;    // in their `order`
         int damaged = 0;                // files that are missing or not what the list says
-        int unreadable = 0;             // whole files that are no definitions
+        int unreadable = 0;    // whole files that are no definitions, or have too many layers
     };
     Contents read() const;
 

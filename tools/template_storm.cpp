@@ -14,6 +14,8 @@
 #include "studio/templates/SharedTemplates.h"
 #include "tools/Storm.h"
 
+#include <QElapsedTimer>
+
 #include <map>
 #include <set>
 
@@ -34,11 +36,13 @@ int runChild(const QDir& folder, const QUrl& address, bool isCalm)
     AccountAPI api(configurationOf(address), preferences);
     AccountSession account(api, withoutBrowser());
     SharedTemplates shared(api, account, folder.path());
-    do {
+    while (true) {
         say(u"copying"_s);
         QCoro::waitFor(shared.refreshed());
         say(u"copied"_s);
-    } while (!isCalm);
+        if (isCalm)
+            break;
+    }
     workers().waitForDone();
     return shared.state() == CatalogueState::upToDate ? 0 : 1;
 }
@@ -149,16 +153,12 @@ public:
             if (!m_administrator.change())
                 return 1;
         }
+        copyAll();
         while (m_kills < kills && m_faults == 0) {
             killOne();
             judge();
         }
-        QProcess calm;
-        start(calm, {u"calm"_s});
-        finish(calm);
-        if (calm.exitStatus() != QProcess::NormalExit || calm.exitCode() != 0)
-            fault(u"a child that was left alone could not copy"_s);
-        judge();
+        copyAll();
         std::set<QString> digests;
         Files files;
         for (const CatalogueEntry& entry : m_copy.read().list.entries) {
@@ -184,18 +184,34 @@ public:
     }
 
 private:
+    // Runs a child until it has copied the catalogue.
+    void copyAll()
+    {
+        QProcess child;
+        start(child, {u"calm"_s});
+        const bool isBegun = awaitLine(child, "copying");
+        QElapsedTimer watch;
+        watch.start();
+        if (!isBegun || !awaitLine(child, "copied"))
+            fault(u"a child that was left alone did not copy"_s);
+        m_wholeTime = std::max<int>(m_wholeTime, int(watch.elapsed()));
+        finish(child);
+        if (child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0)
+            fault(u"a child that was left alone could not copy all"_s);
+        judge();
+    }
+
     void killOne()
     {
-        for (int changes = below(6); changes > 0; --changes)
+        for (int changes = 1 + below(20); changes > 0; --changes)
             m_administrator.change();
         QProcess child;
         start(child, {});
         if (!awaitLine(child, "copying"))
             return fault(u"a child did not begin to copy"_s);
-        if (below(2) == 0)
-            m_administrator.change();
-        const QDeadlineTimer end(std::chrono::milliseconds(below(150)));
-        turnUntil([&] { return end.hasExpired(); });
+        const bool isChanging = below(2) == 0;
+        const QDeadlineTimer end(std::chrono::milliseconds(below(4 * m_wholeTime)));
+        turnUntil([&] { return end.hasExpired() || (isChanging && !m_administrator.change()); });
         child.kill();
         finish(child);
         hear(child);
@@ -263,6 +279,7 @@ private:
     CatalogueCopy m_copy;
     QByteArray m_heard;
     bool m_isCopying = false, m_hadCopy = false;
+    int m_wholeTime = 1;    // ms that copying took at most while nothing else went on
     QList<CatalogueEntry> m_last;
     int m_kills = 0, m_idleKills = 0, m_judged = 0, m_advanced = 0, m_faults = 0;
 };

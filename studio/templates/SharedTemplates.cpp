@@ -307,7 +307,7 @@ QCoro::Task<bool> SharedTemplates::copyAll(Self self, TemplateManifest manifest,
         self->settle(CatalogueState::refused, lost);
         co_return false;
     }
-    const Plan plan = *found;
+    const Plan& plan = *found;
     const auto download = std::make_shared<Download>();
     download->wanted = plan.missing;
     download->stop = stop;
@@ -334,7 +334,7 @@ QCoro::Task<bool> SharedTemplates::copyAll(Self self, TemplateManifest manifest,
         self->settle(CatalogueState::refused, lost);
         co_return false;
     }
-    const Written result = *ended;
+    const Written& result = *ended;
     const bool isComplete = result.contents.list.version == plan.list.version;
     self->show(result.contents);
     if (!result.problem.isEmpty()) {
@@ -456,7 +456,7 @@ QCoro::Task<QString> SharedTemplates::share(JSONVisualTemplateDefinition definit
     return upload(fileName, definitionBytes(definition));
 }
 
-QCoro::Task<QString> SharedTemplates::rename(QString fileName, QString name)
+QCoro::Task<QString> SharedTemplates::rename(const QString& fileName, const QString& name)
 {
     return renameFor(this, fileName, templateName(name));
 }
@@ -479,8 +479,8 @@ QCoro::Task<QString> SharedTemplates::renameFor(Self self, QString fileName, QSt
     co_return co_await std::move(uploading);
 }
 
-QCoro::Task<QString> SharedTemplates::replaceWith(QString fileName,
-                                                  JSONVisualTemplateDefinition definition)
+QCoro::Task<QString> SharedTemplates::replaceWith(const QString& fileName,
+                                                  const JSONVisualTemplateDefinition& definition)
 {
     return replaceFor(this, fileName, definition);
 }
@@ -503,12 +503,12 @@ QCoro::Task<QString> SharedTemplates::replaceFor(Self self, QString fileName,
     co_return co_await std::move(uploading);
 }
 
-QCoro::Task<QString> SharedTemplates::withdraw(QString fileName)
+QCoro::Task<QString> SharedTemplates::withdraw(const QString& fileName)
 {
     return ended(this, m_api.deleteTemplate(fileName));
 }
 
-QCoro::Task<QString> SharedTemplates::restore(QString fileName)
+QCoro::Task<QString> SharedTemplates::restore(const QString& fileName)
 {
     return restoreFor(this, fileName);
 }

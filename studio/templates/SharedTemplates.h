@@ -54,12 +54,13 @@ public:
     // What administrators do. Each ends in a Spanish sentence about its failure, or in an empty
     // text; then the service is asked for what is new.
     QCoro::Task<QString> share(JSONVisualTemplateDefinition definition);
-    QCoro::Task<QString> rename(QString fileName, QString name);
+    QCoro::Task<QString> rename(const QString& fileName, const QString& name);
     // Takes layers and format from the definition; id, name and order remain.
-    QCoro::Task<QString> replaceWith(QString fileName, JSONVisualTemplateDefinition definition);
-    QCoro::Task<QString> withdraw(QString fileName);
+    QCoro::Task<QString> replaceWith(const QString& fileName,
+                                     const JSONVisualTemplateDefinition& definition);
+    QCoro::Task<QString> withdraw(const QString& fileName);
     // Makes the version before the current one current; brings a withdrawn design back.
-    QCoro::Task<QString> restore(QString fileName);
+    QCoro::Task<QString> restore(const QString& fileName);
 
 Q_SIGNALS:
     void changed();

@@ -62,6 +62,11 @@ bool suits(const LibraryDesign& design, SocialFormat format)
     return design.format.value_or(format) == format;
 }
 
+QString noMemory()
+{
+    return u"no hay memoria"_s;
+}
+
 // What `path` ends in, as a name in a sentence.
 QString fileName(const QString& path)
 {
@@ -81,7 +86,7 @@ struct TemplateLibrary::Contents {
 // How installing a pack ended.
 struct TemplateLibrary::Installation {
     std::optional<Pack> pack;
-    QString problem;
+    QString problem = noMemory();    // why there is no pack
 };
 
 TemplateLibrary::TemplateLibrary(SavedTemplates& saved, SharedTemplates* shared,
@@ -138,7 +143,7 @@ QCoro::Task<> TemplateLibrary::runLoading(Self self)
     }
     Q_EMIT self->changed();
     if (!read) {
-        Q_EMIT self->told(u"No se pueden leer las plantillas: no hay memoria."_s, true);
+        Q_EMIT self->told(u"No se pueden leer las plantillas: %1."_s.arg(noMemory()), true);
         co_return;
     }
     for (const QString& name : read->damaged) {
@@ -412,9 +417,8 @@ QCoro::Task<> TemplateLibrary::runInstalling(Self self, QString path)
     if (!self)
         co_return;
     if (!installed.pack) {
-        const QString reason =
-            installed.problem.isEmpty() ? u"no hay memoria"_s : installed.problem;
-        Q_EMIT self->told(u"No se puede instalar «%1»: %2."_s.arg(fileName(path), reason), true);
+        Q_EMIT self->told(
+            u"No se puede instalar «%1»: %2."_s.arg(fileName(path), installed.problem), true);
         co_return;
     }
     const TemplatePack& pack = installed.pack->pack;
@@ -522,11 +526,12 @@ QCoro::Task<> TemplateLibrary::runExporting(Self self, QString path)
                           true);
         co_return;
     }
-    QFuture<QString> writing = runOnWorker([path, pack] {
+    QFuture<std::optional<QString>> writing = tryOnWorker([path, pack]() -> std::optional<QString> {
         const QByteArray bytes = packBytes(pack);
-        return bytes.isEmpty() ? u"no hay memoria"_s : writeAtomically(path, bytes);
+        return bytes.isEmpty() ? std::nullopt : std::optional(writeAtomically(path, bytes));
     });
-    const QString failure = co_await writing;
+    const std::optional<QString> written = co_await writing;
+    const QString failure = written.value_or(noMemory());
     if (!self)
         co_return;
     if (failure.isEmpty()) {

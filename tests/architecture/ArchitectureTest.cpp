@@ -25,7 +25,7 @@ const QList<Room>& rooms()
         below + QStringList{u"copygen/text"_qs, u"copygen"_qs, u"studio/batch"_qs};
     static const QStringList batch = below + QStringList{u"studio/batch"_qs};
     static const QStringList session =
-        writing + QStringList{u"studio/sheet"_qs, u"studio/export"_qs, u"studio/copy"_qs,
+        writing + QStringList{u"studio/sheet"_qs,   u"studio/export"_qs,    u"studio/copy"_qs,
                               u"studio/publish"_qs, u"studio/templates"_qs, u"studio"_qs};
     static const QStringList ofService{u"service"_qs, u"service/store"_qs, u"account"_qs,
                                        u"model"_qs,   u"platform"_qs,      u"copygen/text"_qs};
@@ -181,7 +181,7 @@ TEST(Architecture, includesOfOursAreWrittenFromTheTopFolder)
 // A unit is a header together with its source file.
 TEST(Architecture, noUnitNeedsItselfThroughOthers)
 {
-    const auto unitOf = [](QString file) { return file.section(u'.', 0, 0); };
+    const auto unitOf = [](const QString& file) { return file.section(u'.', 0, 0); };
     QHash<QString, QSet<QString>> needs;
     for (const Room& room : rooms()) {
         for (const Include& include : includesOf(room.folder)) {

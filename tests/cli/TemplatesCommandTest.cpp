@@ -97,7 +97,8 @@ TEST_F(TemplatesCommandTest, WithoutAConnectionTheCopyIsListed)
     const Outcome listed = templates({u"list"_s, u"--json"_s});
     EXPECT_EQ(listed.status, 0);
     EXPECT_EQ(names(listed), "Gran oferta");
-    EXPECT_TRUE(listed.err.startsWith(u"moltiva templates: sin conexión: copia del "_s))
+    EXPECT_TRUE(listed.err.startsWith(u"moltiva templates: No se ha podido conectar"_s) &&
+                listed.err.contains(u" Se muestra la copia del "_s))
         << listed.err.toStdString();
     EXPECT_EQ(templates({u"push"_s, path(u"a.json"_s)}).status, 5);
 }

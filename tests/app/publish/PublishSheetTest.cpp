@@ -308,7 +308,7 @@ TEST_F(SmallSheetTest, theRightSideScrollsAboveTheFooter)
             s.report.checks.found.append(checkWith(u"Aviso"_s, u"Ver %1"_s.arg(i)));
     });
     PushButton* primary = button(u"Publicar en Feed (150 créditos)"_s);
-    PushButton* last = button(u"Ver 11"_s);
+    PushButton* last = button(u"Ver 11: Aviso"_s);
     auto* area = sheet.findChild<QScrollArea*>();
     const auto isSeen = [&](QWidget* widget) {
         return widget->visibleRegion().boundingRect() == widget->rect();

@@ -372,4 +372,18 @@ TEST_F(HostileCatalogueTest, AHostileListChangesNothingOutsideTheCopy)
     EXPECT_EQ(m_shared->withdrawn(), QSet{catalogueId(QString::fromLatin1(nameA))});
     EXPECT_EQ(m_shared->state(), CatalogueState::upToDate);
     EXPECT_EQ(everything(), before);
+
+    m_account.answer("POST /api/auth/logout", R"({"ok":true})");
+    m_account.hold("GET /api/publicaciones/templates/file");
+    list(R"({"version":"4","templates":[)" + entry(nameA, designA2) + ',' + entry(nameB, designB) +
+         R"(],"deleted":[]})");
+    file(nameA, designA2);
+    m_shared->refresh();
+    while (!m_account.log().last().startsWith("GET /api/publicaciones/templates/file"))
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_TRUE(awaited(m_account.session().logout()));
+    m_account.release();
+    EXPECT_EQ(names(), QStringList{u"B"_s}) << "signing out stops what is under way";
+    EXPECT_EQ(m_shared->state(), CatalogueState::refused);
+    EXPECT_EQ(m_shared->problem(), u"Necesitas iniciar sesión."_s);
 }
