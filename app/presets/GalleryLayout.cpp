@@ -12,7 +12,8 @@ namespace {
 constexpr int galleryGap = 10, galleryRowGap = 12, recentGap = 8;
 constexpr int belowHeading = 8, belowSection = 16, belowFolded = 8, galleryBottom = 16;
 constexpr int galleryNoteHeight = 84, headingButtonGap = 8;
-constexpr int widePanel = 327;    // content without margins, from which a row holds one tile more
+constexpr int widePanel = 327;     // content without margins, from which a row holds one tile more
+constexpr int roomForKey = 270;    // likewise, from which "Otra al azar" shows its key
 constexpr double narrowRatio = 0.7, broadRatio = 1.2;
 
 int columnsFor(int inner, double ratio)
@@ -25,12 +26,6 @@ int columnsFor(int inner, double ratio)
 QSize pictureSize(int width, double ratio)
 {
     return {std::max(1, width), std::max(1, qRound(width / ratio))};
-}
-
-int linkWidth()
-{
-    constexpr int icon = 16 + 6, cap = 6 + 18;
-    return icon + qCeil(textWidth(Type::body, u"Otra al azar"_s)) + cap;
 }
 
 // Adds parts below one another.
@@ -58,7 +53,7 @@ public:
         if (section.canRefresh)
             take(GalleryPart::Kind::refresh, galleryHeadingHeight);
         if (section.offersRandom)
-            take(GalleryPart::Kind::random, linkWidth());
+            take(GalleryPart::Kind::random, randomLinkWidth(m_inner >= roomForKey));
         m_layout.parts += buttons;
         const QRect box(m_left, m_top, std::max(0, right - m_left), galleryHeadingHeight);
         m_layout.parts[heading].rect = m_layout.parts[heading].whole = box;
@@ -185,6 +180,12 @@ GalleryLayout laidOut(const QList<GallerySection>& sections, const GalleryShape&
     }
     layout.height = rows.bottomOf();
     return layout;
+}
+
+int randomLinkWidth(bool withKey)
+{
+    constexpr int icon = 16 + 6, key = 6 + 18;
+    return icon + qCeil(textWidth(Type::body, u"Otra al azar"_s)) + (withKey ? key : 0);
 }
 
 QRect captionOf(const GalleryPart& tile)

@@ -34,6 +34,9 @@ inline constexpr int recentTiles = 5;
 
 GalleryLayout laidOut(const QList<GallerySection>& sections, const GalleryShape& shape);
 
+// Of the link that tries another design, with or without its key.
+int randomLinkWidth(bool withKey);
+
 // Where the caption of a tile and its parts lie, in the gallery's content.
 QRect captionOf(const GalleryPart& tile);
 QRect moreOf(const GalleryPart& tile);

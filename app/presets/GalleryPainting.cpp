@@ -85,10 +85,10 @@ void paintRandomLink(QPainter& painter, const Theme& theme, const QRect& box, bo
     const QColor ink = isHovered ? theme.accentLine : theme.accentText;
     paintIcon(painter, Icon::random, QRectF(box.left(), box.top(), galleryIcon, box.height()),
               galleryIcon, ink);
-    paintText(
-        painter,
-        QRectF(box).adjusted(galleryIcon + randomLinkGap, 0, -randomKeyCap - randomLinkGap, 0),
-        Qt::AlignLeft, Type::body, ink, u"Otra al azar"_s, Qt::ElideNone);
+    paintText(painter, QRectF(box).adjusted(galleryIcon + randomLinkGap, 0, 0, 0), Qt::AlignLeft,
+              Type::body, ink, u"Otra al azar"_s, Qt::ElideNone);
+    if (box.width() < randomLinkWidth(true))
+        return;
     const QRectF cap(box.right() + 1 - randomKeyCap, box.center().y() - randomKeyCap / 2 + 1,
                      randomKeyCap, randomKeyCap);
     fillRounded(painter, cap, 5, theme.control);
