@@ -153,6 +153,9 @@ public:
     // Applies the design to every selected item, as one undo step. `name` is for the status
     // sentence.
     void applyTemplate(const QString& name, const TemplateApplication& design);
+    // The same to try a design: a try that directly follows another one of the same items replaces
+    // it, in the items and as their undo step.
+    void tryTemplate(const QString& name, const TemplateApplication& design);
     // Applies the style to the selected text, and to the text of its slot in the other selected
     // items.
     void applyStyle(const DesignTemplate& style);
@@ -239,6 +242,9 @@ private:
     Workspace m_workspace;
     StudioImports m_imports;
     StyleClipboard m_copiedStyle;
+    // Of the last tryTemplate(): its undo step, and the items that it reached.
+    Step m_try = Step::run();
+    QSet<QUuid> m_triedOn;
     QList<QUrl> m_loadAfterRestore;
     AccountSession* m_accountSession = nullptr;
     bool m_isAskingAboutLink = false;

@@ -324,6 +324,34 @@ void StudioSession::applyTemplate(const QString& name, const TemplateApplication
         Step::own());
 }
 
+void StudioSession::tryTemplate(const QString& name, const TemplateApplication& design)
+{
+    const QList<int> reached = selectedIndicesForBatch();
+    if (reached.isEmpty())
+        return;
+    Q_EMIT aboutToMove();
+    QSet<QUuid> items;
+    for (const int index : reached)
+        items.insert(batch().items[index].id);
+    if (std::exchange(m_triedOn, items) != items)
+        m_try = Step::run();
+    setStatus(u"Al azar: «%1» en %2. Pulsa R para probar otra."_s.arg(
+                  name, counted(reached.size(), u"imagen", u"imágenes")),
+              StatusKind::done);
+    const StudioHistorySnapshot* before = m_editing.history().beforeRun(m_try);
+    const PublicationItems untried = before ? before->items : batch().items;
+    m_editing.change(
+        [&](Batch& batch) {
+            for (const int index : reached) {
+                PublicationItem& item = batch.items.edit(index);
+                item = untried[index];
+                design(item);
+            }
+            BatchSelection::keepInvariants(batch);
+        },
+        m_try);
+}
+
 void StudioSession::applyStyle(const DesignTemplate& style)
 {
     const PublicationItem* item = batch().currentItem();

@@ -322,6 +322,7 @@ QRegion exceptedFromContrast(const QWidget& window)
     constexpr std::array pictures{"CanvasInteractionView",
                                   "TileGrid",
                                   "PresetGrid",
+                                  "TemplateGallery",
                                   "SignInWall",
                                   "PostPreview",
                                   "PostStrip",

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QPainter>
 #include <QTimer>
 #include <QWidget>
 
@@ -80,7 +81,9 @@ bool WindowPictures::waitUntilCalm()
 void WindowPictures::grab(const QString& name, const QString& theme)
 {
     const QString file = u"%1-%2-%3.png"_s.arg(name, theme, QString::number(m_window.width()));
-    const QPixmap picture = m_window.grab();
+    QPixmap picture = m_window.grab();
+    if (QWidget* popup = QApplication::activePopupWidget())
+        QPainter(&picture).drawPixmap(m_window.mapFromGlobal(popup->pos()), popup->grab());
     if (picture.save(m_out.filePath(file)))
         std::printf("%s\n", qPrintable(file));
     if (m_window.size() != contrastSize)

@@ -5,6 +5,7 @@
 //     screens OUT --account                      signing in, the account and the settings
 //     screens OUT [--photos DIR] --copy          generating texts and the engine that does it
 //     screens OUT [--photos DIR] --publish       the publish sheet
+//     screens OUT [--photos DIR] --library       the template library
 //
 // Also prints each text, icon, focus ring, tick and state of a control whose contrast is too low,
 // in the largest of the sizes.
@@ -22,7 +23,7 @@
 #include "app/layers/ShapesPanel.h"
 #include "app/layers/SidePanel.h"
 #include "app/layers/TextPanel.h"
-#include "app/presets/PresetGrid.h"
+#include "app/presets/TemplateGallery.h"
 #include "app/presets/TemplatesBinding.h"
 #include "app/presets/TemplatesPanel.h"
 #include "app/theme/StudioStyle.h"
@@ -44,6 +45,7 @@
 #include "tools/AccountScreens.h"
 #include "tools/ContactSheets.h"
 #include "tools/CopyScreens.h"
+#include "tools/LibraryScreens.h"
 #include "tools/PublishScreens.h"
 #include "tools/WindowPictures.h"
 
@@ -150,6 +152,13 @@ public:
         m_session.load({QUrl::fromLocalFile(m_photoFolder)});
         return WindowPictures::waitFor([this] { return !m_session.batch().items.isEmpty(); }) &&
                takeCopyScreens({m_session, m_account, m_window, m_pictures});
+    }
+
+    bool takeLibrary()
+    {
+        m_session.load({QUrl::fromLocalFile(m_photoFolder)});
+        return WindowPictures::waitFor([this] { return !m_session.batch().items.isEmpty(); }) &&
+               takeLibraryScreens({m_session, m_window, m_pictures});
     }
 
     bool takePublish()
@@ -350,14 +359,14 @@ private:
         }
         panel->setTab(SideTab::templates);
         bool reached = take(u"panel-templates"_s);
-        PresetGrid* packaged = panel->templatesPanel()->packaged();
-        const QUuid last = packaged->presets().last().id;
-        Q_EMIT packaged->previewWanted(last);
+        TemplateGallery* gallery = panel->templatesPanel()->gallery();
+        const QUuid last = gallery->sections().last().tiles.last().id;
+        Q_EMIT gallery->previewWanted(last);
         reached &= take(u"template-preview"_s);
-        Q_EMIT packaged->previewEnded();
-        packaged->tile(last)->click();
+        Q_EMIT gallery->previewEnded();
+        Q_EMIT gallery->chosen(last);
         reached &= take(u"template-applied"_s);
-        panel->templatesPanel()->rename(saved.templates().entries().first().id);
+        gallery->rename(saved.templates().entries().first().id);
         reached &= take(u"template-renamed"_s);
         m_window.setFocus();
         m_session.setFormat(SocialFormat::storyReel);
@@ -402,7 +411,8 @@ int main(int argc, char** argv)
     const QCommandLineOption account(u"account"_s, u"only the screens of the account"_s);
     const QCommandLineOption copy(u"copy"_s, u"only the screens of generated texts"_s);
     const QCommandLineOption publish(u"publish"_s, u"only the screens of publishing"_s);
-    parser.addOptions({photos, designs, account, copy, publish});
+    const QCommandLineOption library(u"library"_s, u"only the screens of the template library"_s);
+    parser.addOptions({photos, designs, account, copy, publish, library});
     parser.addPositionalArgument(u"out"_s, u"folder for the pictures"_s);
     parser.addHelpOption();
     parser.process(application);
@@ -427,6 +437,9 @@ int main(int argc, char** argv)
         return screens.takeCopy() ? 0 : 1;
     if (parser.isSet(publish))
         return screens.takePublish() ? 0 : 1;
-    const bool reached = screens.takeAll() && screens.takeCopy() && screens.takePublish();
+    if (parser.isSet(library))
+        return screens.takeLibrary() ? 0 : 1;
+    const bool reached =
+        screens.takeAll() && screens.takeCopy() && screens.takePublish() && screens.takeLibrary();
     return reached && takeAccountScreens(out) ? 0 : 1;
 }

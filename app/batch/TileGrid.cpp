@@ -24,23 +24,6 @@ constexpr int tileRowGap = 12, bottomPadding = 4;
 constexpr int columnUnit = 92;    // least width of a column with its gap
 constexpr int ringReach = 5, tileFrameTime = 33, tileTurnTime = 1000;
 
-// Makes the corners of a picture transparent: square ones would stick out of the rounded tile.
-QImage rounded(const QImage& picture, double radius)
-{
-    QImage image = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    QImage mask(image.size(), QImage::Format_ARGB32_Premultiplied);
-    mask.fill(Qt::transparent);
-    QPainter maskPainter(&mask);
-    maskPainter.setRenderHint(QPainter::Antialiasing);
-    fillRounded(maskPainter, mask.rect(), radius, Qt::white);
-    maskPainter.end();
-    image.setDevicePixelRatio(1);
-    QPainter painter(&image);
-    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-    painter.drawImage(0, 0, mask);
-    return image;
-}
-
 // The focus ring around the grid. A widget above the viewport, because the ring also covers a part
 // of the scroll bar, where the viewport cannot paint.
 class GridRing : public QWidget {
@@ -150,7 +133,7 @@ void TileGrid::setPicture(QUuid id, const QImage& picture)
     const auto tile = std::ranges::find(m_tiles, id, &Tile::id);
     if (tile == m_tiles.end())
         return;
-    m_pictures.insert(id, {rounded(picture, Radius::thumbnail * devicePixelRatioF())});
+    m_pictures.insert(id, {roundedPicture(picture, Radius::thumbnail * devicePixelRatioF())});
     updateTile(int(tile - m_tiles.begin()));
     forgetDistant();
 }

@@ -1,6 +1,7 @@
 #include "app/presets/PresetDrawing.h"
 
 #include "app/theme/Theme.h"
+#include "canvas/ExportCanvasRenderer.h"
 #include "canvas/TextWarnings.h"
 #include "platform/photo/PhotoCache.h"
 
@@ -14,6 +15,17 @@ QImage drawnItem(const PublicationItem& item, SocialFormat format, QSize pixels,
 {
     return paintedItem(layOut(item, exportSize(format), designSize(format)), pixels,
                        photos.thumbnail({item.image.path, item.image.digest}));
+}
+
+QImage drawnLarge(const PublicationItem& item, SocialFormat format, QSize pixels,
+                  PhotoCache& photos)
+{
+    const QSizeF canvas = exportSize(format);
+    const PhotoId photo{item.image.path, item.image.digest};
+    const double shown = pixels.width() / canvas.width();
+    return paintedItem(layOut(item, canvas, designSize(format)), pixels,
+                       photos.proxy(photo, ExportCanvasRenderer::photoLevel(
+                                               item.image, item.placement, canvas, shown)));
 }
 
 QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize pixels,

@@ -12,6 +12,9 @@ class PhotoCache;
 
 QImage drawnItem(const PublicationItem& item, SocialFormat format, QSize pixels,
                  PhotoCache& photos);
+// The same from the photo itself, decoded as large as the picture needs.
+QImage drawnLarge(const PublicationItem& item, SocialFormat format, QSize pixels,
+                  PhotoCache& photos);
 // Draws "Aa" in `style` over the middle of the photo.
 QImage drawnStyle(const PhotoHandle& photo, const TextLayerDesign& style, QSize pixels,
                   PhotoCache& photos);

@@ -11,26 +11,16 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-// In pixels; previewAfter in milliseconds.
-constexpr int columnGap = 10, presetRowGap = 12, narrowestName = 80, previewAfter = 300;
+constexpr int columnGap = 10, presetRowGap = 12, narrowestName = 80;    // pixels
 }    // namespace
 
-PresetGrid::PresetGrid(const QString& name, PresetOwner owner, QWidget* parent)
-    : QWidget(parent), m_title(name), m_owner(owner)
+PresetGrid::PresetGrid(const QString& name, QWidget* parent) : QWidget(parent), m_title(name)
 {
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAccessibleRole(this, QAccessible::List);
     setAccessibleName(name);
     hide();    // until there are presets
-    m_resting.setSingleShot(true);
-    m_resting.setInterval(previewAfter);
-    connect(&m_resting, &QTimer::timeout, this, [this] {
-        if (m_restedOn.isNull())
-            return leave();
-        setPreviewed(m_restedOn);
-        Q_EMIT previewWanted(m_previewed);
-    });
 }
 
 void PresetGrid::setShape(int columns, double ratio)
@@ -77,13 +67,6 @@ void PresetGrid::setPresets(const QList<Preset>& presets)
         tellMarked();
 }
 
-void PresetGrid::setPreviewed(QUuid id)
-{
-    m_previewed = id;
-    for (PresetTile* each : std::as_const(m_tiles))
-        each->setPreviewed(each->preset().id == id);
-}
-
 void PresetGrid::setRefusal(const QString& reason)
 {
     m_refusal = reason;
@@ -94,23 +77,14 @@ void PresetGrid::setRefusal(const QString& reason)
 
 PresetTile* PresetGrid::newTile()
 {
-    auto* tile = new PresetTile(m_owner, this);
+    auto* tile = new PresetTile(this);
     tile->show();
-    connect(tile, &PresetTile::clicked, this, [this, tile] {
-        leave();
-        // Emitted even with a refusal: the receiver tells the user why.
-        Q_EMIT chosen(tile->preset().id);
-    });
-    connect(tile, &PresetTile::pointedAt, this, [this, tile] { rest(tile->preset().id); });
-    // Waits before it ends the preview: meanwhile the pointer may reach the next tile, whose
-    // preview then replaces this one.
-    connect(tile, &PresetTile::pointerLeft, this, [this] { rest({}); });
+    // Emitted even with a refusal: the receiver tells the user why.
+    connect(tile, &PresetTile::clicked, this, [this, tile] { Q_EMIT chosen(tile->preset().id); });
     connect(tile, &PresetTile::pictureWanted, this,
             [this, tile] { Q_EMIT pictureWanted(tile->preset().id); });
-    connect(tile, &PresetTile::menuRequested, this, [this, tile](QPoint position) {
-        leave();
-        Q_EMIT menuRequested(tile->preset().id, position);
-    });
+    connect(tile, &PresetTile::menuRequested, this,
+            [this, tile](QPoint position) { Q_EMIT menuRequested(tile->preset().id, position); });
     return tile;
 }
 
@@ -147,7 +121,7 @@ void PresetGrid::outdatePictures()
 void PresetGrid::rename(QUuid id)
 {
     const PresetTile* shown = tile(id);
-    if (!shown || m_owner == PresetOwner::program)
+    if (!shown)
         return;
     if (m_name) {
         m_name->clearFocus();    // makes m_name emit edited() with the name typed so far
@@ -221,23 +195,8 @@ void PresetGrid::resizeEvent(QResizeEvent*)
     place();
 }
 
-void PresetGrid::rest(QUuid id)
-{
-    m_restedOn = id;
-    m_resting.start();
-}
-
-void PresetGrid::leave()
-{
-    m_resting.stop();
-    if (m_previewed.isNull())
-        return;
-    setPreviewed({});
-    Q_EMIT previewEnded();
-}
-
-// Marks a tile as the one that the keyboard is on: shows the focus ring there, tells screen
-// readers, and starts the preview after a moment.
+// Marks a tile as the one that the keyboard is on: shows the focus ring there, and tells screen
+// readers.
 void PresetGrid::mark(int index)
 {
     if (index < 0 || index >= m_tiles.size())
@@ -248,7 +207,6 @@ void PresetGrid::mark(int index)
     const QFocusEvent byKeyboard(QEvent::FocusIn, Qt::TabFocusReason);
     KeyboardFocus::entered(shown, &byKeyboard);
     tellMarked();
-    rest(shown->preset().id);
     bringIntoView(shown->preset().id);
 }
 
@@ -331,13 +289,7 @@ void PresetGrid::focusInEvent(QFocusEvent* event)
 
 void PresetGrid::focusOutEvent(QFocusEvent* event)
 {
-    leave();
     // The focus ring stays on the tile while a menu or another window has the focus.
     if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
         unmark();
-}
-
-void PresetGrid::leaveEvent(QEvent*)
-{
-    leave();
 }

@@ -2,7 +2,6 @@
 #include "app/presets/PresetTile.h"
 
 #include <QPointer>
-#include <QTimer>
 
 class LineField;
 
@@ -13,14 +12,12 @@ enum class RenameEnd { kept, abandoned };
 class PresetGrid : public QWidget {
     Q_OBJECT
 public:
-    PresetGrid(const QString& name, PresetOwner owner, QWidget* parent = nullptr);
+    explicit PresetGrid(const QString& name, QWidget* parent = nullptr);
 
     // `ratio`: width / height of the tiles' pictures.
     void setShape(int columns, double ratio);
     void setPresets(const QList<Preset>& presets);
     const QList<Preset>& presets() const { return m_presets; }
-    // Marks the preset that the canvas previews; null: none.
-    void setPreviewed(QUuid id);
     // `reason`: why no preset can be chosen now; empty if presets can be chosen.
     void setRefusal(const QString& reason);
     // Size of a tile's picture in device pixels.
@@ -32,13 +29,10 @@ public:
     void outdatePictures();
     // Opens a field over the preset's caption, in which the user types a name.
     void rename(QUuid id);
-    PresetOwner owner() const { return m_owner; }
     PresetTile* tile(QUuid id) const;
 
 Q_SIGNALS:
     void chosen(QUuid id);
-    void previewWanted(QUuid id);    // the pointer or the keyboard has stayed on its tile
-    void previewEnded();
     void pictureWanted(QUuid id);
     void menuRequested(QUuid id, QPoint globalPosition);
     void renamed(QUuid id, const QString& name);
@@ -52,13 +46,10 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
-    void leaveEvent(QEvent* event) override;
 
 private:
     PresetTile* newTile();
     void place();
-    void rest(QUuid id);
-    void leave();
     void placeName();
     void endRename(RenameEnd end);
     void mark(int index);
@@ -67,7 +58,6 @@ private:
     void tellMarked();
 
     QString m_title;
-    PresetOwner m_owner;
     int m_columns = 2;
     double m_ratio = 1;
     QList<Preset> m_presets;
@@ -77,6 +67,4 @@ private:
     LineField* m_name = nullptr;    // null unless a preset is being renamed
     QUuid m_renamed;
     QPointer<QWidget> m_focusBefore;    // had the focus before m_name took it
-    QTimer m_resting;
-    QUuid m_restedOn, m_previewed;
 };

@@ -13,7 +13,19 @@ void PresetPictures::want(QUuid id, const Draw& draw)
 {
     m_wishes.removeIf([id](const Wish& wish) { return wish.id == id; });
     m_latest.insert(id, ++m_count);
-    m_wishes.append({id, draw, m_count});
+    m_wishes.append({id, [draw](QUuid) { return draw; }, m_count});
+    startNext();
+}
+
+void PresetPictures::wantOnly(const QList<QUuid>& ids, const std::function<Draw(QUuid)>& drawOf)
+{
+    m_wishes.clear();
+    for (const QUuid& id : ids) {
+        if (m_running.contains(id) && m_running.value(id) == m_latest.value(id))
+            continue;
+        m_latest.insert(id, ++m_count);
+        m_wishes.append({id, drawOf, m_count});
+    }
     startNext();
 }
 
@@ -25,16 +37,21 @@ void PresetPictures::dropWishes()
 
 void PresetPictures::startNext()
 {
-    while (m_running < atOnce && !m_wishes.isEmpty()) {
-        ++m_running;
+    while (m_drawing < atOnce && !m_wishes.isEmpty()) {
         const Wish wish = m_wishes.takeFirst();
-        run(this, wish);
+        const Draw draw = wish.drawOf(wish.id);
+        if (!draw)
+            continue;
+        ++m_drawing;
+        m_running.insert(wish.id, wish.number);
+        run(this, wish.id, wish.number, draw);
     }
 }
 
-QCoro::Task<> PresetPictures::run(QPointer<PresetPictures> self, Wish wish)
+QCoro::Task<> PresetPictures::run(QPointer<PresetPictures> self, QUuid id, quint64 number,
+                                  Draw draw)
 {
-    QFuture<QImage> drawing = runOnWorker([draw = wish.draw] {
+    QFuture<QImage> drawing = runOnWorker([draw] {
         try {
             return draw();
         } catch (const std::exception&) {
@@ -44,9 +61,11 @@ QCoro::Task<> PresetPictures::run(QPointer<PresetPictures> self, Wish wish)
     const QImage picture = co_await drawing;
     if (!self)
         co_return;
-    --self->m_running;
-    if (self->m_latest.value(wish.id) == wish.number)
-        Q_EMIT self->ready(wish.id, picture);
+    --self->m_drawing;
+    if (self->m_running.value(id) == number)
+        self->m_running.remove(id);
+    if (self->m_latest.value(id) == number)
+        Q_EMIT self->ready(id, picture);
     if (self)
         self->startNext();
 }

@@ -9,17 +9,15 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr int presetCaptionGap = 4, presetCaptionHeight = 20, moreSide = 20, tickSide = 16,
               narrowTile = 88, roomForMore = 80;
-constexpr double ringWidth = 2, chipHeight = 18, chipPadding = 6, chipInset = 5;
+constexpr double ringWidth = 2;
 }    // namespace
 
-PresetTile::PresetTile(PresetOwner owner, QWidget* parent) : Control(parent), m_owner(owner)
+PresetTile::PresetTile(QWidget* parent)
+    : Control(parent), m_more(new IconButton(Icon::more, u"Más acciones"_s, moreSide, this))
 {
     // The grid takes the keyboard focus, and shows the focus ring on one of its tiles.
     setFocusPolicy(Qt::NoFocus);
     setProperty("focusRadius", Radius::thumbnail);
-    if (owner == PresetOwner::program)
-        return;
-    m_more = new IconButton(Icon::more, u"Más acciones"_s, moreSide, this);
     m_more->setIconSize(16);
     m_more->setFocusPolicy(Qt::NoFocus);
     connect(m_more, &IconButton::clicked, this, &PresetTile::showMenu);
@@ -53,15 +51,12 @@ void PresetTile::nameParts()
     QString name = m_preset.name;
     if (m_preset.chosen)
         name += u", aplicada"_s;
-    else if (m_isPreviewed)
-        name += u", vista previa"_s;
     setAccessibleName(name);
     setAccessibleDescription(m_refusal);
     // Escapes the name: it may come from a file and look like markup.
     setToolTip(
         u"<qt>%1</qt>"_s.arg((m_refusal.isEmpty() ? m_preset.name : m_refusal).toHtmlEscaped()));
-    if (m_more)
-        m_more->setAccessibleName(u"Más acciones de %1"_s.arg(m_preset.name));
+    m_more->setAccessibleName(u"Más acciones de %1"_s.arg(m_preset.name));
 }
 
 QRect PresetTile::pictureRect() const
@@ -93,21 +88,11 @@ void PresetTile::outdatePicture()
     update();
 }
 
-void PresetTile::setPreviewed(bool previewed)
-{
-    if (previewed == m_isPreviewed)
-        return;
-    m_isPreviewed = previewed;
-    nameParts();
-    update();
-}
-
 // In a narrow tile the name needs the width: the menu button is visible only while the pointer is
 // on the tile.
 void PresetTile::showMore()
 {
-    if (m_more)
-        m_more->setVisible(width() >= roomForMore || underMouse());
+    m_more->setVisible(width() >= roomForMore || underMouse());
     update();
 }
 
@@ -137,20 +122,18 @@ bool PresetTile::hasTick() const
 
 double PresetTile::captionRoom() const
 {
-    const bool hasMore = m_more && m_more->isVisible();
-    return width() - (hasMore ? moreSide + 2 : 0) - (hasTick() ? tickSide + 2 : 0);
+    return width() - (m_more->isVisible() ? moreSide + 2 : 0) - (hasTick() ? tickSide + 2 : 0);
 }
 
 void PresetTile::showMenu()
 {
-    const QPoint below = m_more ? m_more->geometry().bottomLeft() : pictureRect().center();
-    askForMenu(mapToGlobal(below));
+    askForMenu(mapToGlobal(m_more->geometry().bottomLeft()));
 }
 
 void PresetTile::askForMenu(QPoint globalPosition)
 {
     Q_EMIT menuRequested(globalPosition);
-    if (QWidget* menu = m_more ? QApplication::activePopupWidget() : nullptr) {
+    if (QWidget* menu = QApplication::activePopupWidget()) {
         connect(menu, &QObject::destroyed, m_more, &Control::lookForPointer);
         connect(menu, &QObject::destroyed, this, &PresetTile::showMore);
         connect(menu, &QObject::destroyed, this, &Control::lookForPointer);
@@ -159,20 +142,15 @@ void PresetTile::askForMenu(QPoint globalPosition)
 
 bool PresetTile::event(QEvent* event)
 {
-    if (event->type() == QEvent::HoverEnter)
-        Q_EMIT pointedAt();
-    else if (event->type() == QEvent::HoverLeave || event->type() == QEvent::Hide)
-        Q_EMIT pointerLeft();
-    else if (event->type() == QEvent::ToolTip && m_refusal.isEmpty() &&
-             textWidth(Type::small, m_preset.name) <= captionRoom())
+    if (event->type() == QEvent::ToolTip && m_refusal.isEmpty() &&
+        textWidth(Type::small, m_preset.name) <= captionRoom())
         return true;    // no tooltip: the whole name can be read below the picture
     return Control::event(event);
 }
 
 void PresetTile::resizeEvent(QResizeEvent*)
 {
-    if (m_more)
-        m_more->move(width() - moreSide, height() - presetCaptionHeight);
+    m_more->move(width() - moreSide, height() - presetCaptionHeight);
     showMore();
 }
 
@@ -218,16 +196,6 @@ void PresetTile::paintEvent(QPaintEvent*)
         strokeRounded(painter, box, Radius::thumbnail, theme.accentLine, ringWidth);
         strokeRounded(painter, box.adjusted(ringWidth, ringWidth, -ringWidth, -ringWidth),
                       Radius::thumbnail - ringWidth, theme.panel, 1);
-    }
-    if (m_isPreviewed && !m_preset.chosen) {
-        const QString label = box.width() < narrowTile ? u"Previa"_s : u"Vista previa"_s;
-        const QSizeF chip(textWidth(Type::captionSemibold, label) + 2 * chipPadding, chipHeight);
-        const QRectF at(QPointF(box.left() + chipInset, box.bottom() - chipInset - chipHeight),
-                        chip);
-        strokeRounded(painter, box, Radius::thumbnail, theme.accentLine, 1.5);
-        fillRounded(painter, at, Radius::chip, theme.accent);
-        paintText(painter, at, Qt::AlignHCenter, Type::captionSemibold, Qt::white, label,
-                  Qt::ElideNone);
     }
     QRectF caption = captionRect();
     caption.setWidth(captionRoom());

@@ -4,7 +4,7 @@
 #include <QImage>
 #include <QUuid>
 
-// A template or a text style, as a tile shows it.
+// A saved text style, as a tile shows it.
 struct Preset {
     QUuid id;
     QString name;
@@ -12,13 +12,11 @@ struct Preset {
     bool operator==(const Preset&) const = default;
 };
 
-enum class PresetOwner { user, program };
-
-// A preset's picture with its name below. The user's own presets have a menu button.
+// A preset's picture with its name and a menu button below.
 class PresetTile : public Control {
     Q_OBJECT
 public:
-    PresetTile(PresetOwner owner, QWidget* parent);
+    explicit PresetTile(QWidget* parent);
 
     static int heightFor(int width, double ratio);
     void setPreset(const Preset& preset);
@@ -27,16 +25,13 @@ public:
     const Preset& preset() const { return m_preset; }
     QSize picturePixels() const;
     void setPicture(const QImage& picture);
-    void outdatePicture();                // emits pictureWanted() when the tile is painted next
-    void setPreviewed(bool previewed);    // whether the canvas shows the preset without applying it
+    void outdatePicture();    // emits pictureWanted() when the tile is painted next
     QRect captionRect() const;
     void showMenu();    // emits menuRequested
 
 Q_SIGNALS:
     void pictureWanted();    // the tile was painted without an up-to-date picture
     void menuRequested(QPoint globalPosition);
-    void pointedAt();
-    void pointerLeft();
 
 protected:
     bool event(QEvent* event) override;
@@ -57,9 +52,7 @@ private:
 
     Preset m_preset;
     QString m_refusal;
-    PresetOwner m_owner;
     QImage m_picture;
     bool m_isOutdated = true, m_isAwaited = false;
-    bool m_isPreviewed = false;
-    IconButton* m_more = nullptr;    // null for the program's presets
+    IconButton* m_more;
 };

@@ -19,7 +19,7 @@ StyleShelf::StyleShelf(QWidget* parent)
     : QWidget(parent), m_save(new PushButton(Icon::zoomIn, u"Guardar estilo"_s, ButtonKind::link,
                                              ButtonSize::small, this)),
       m_callBack(new PushButton(Icon::undo, {}, ButtonKind::link, ButtonSize::small, this)),
-      m_grid(new PresetGrid(u"Estilos guardados"_s, PresetOwner::user, this)),
+      m_grid(new PresetGrid(u"Estilos guardados"_s, this)),
       m_note(new Caption(Type::small, &Theme::text3,
                          u"Guarda el estilo de un texto para usarlo en otros."_s, this))
 {

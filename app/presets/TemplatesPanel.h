@@ -1,25 +1,29 @@
 #pragma once
-#include "app/presets/PresetTile.h"
+#include "app/presets/Gallery.h"
+#include "app/presets/TagChips.h"
 #include "app/theme/WindowClass.h"
 #include "model/SocialFormat.h"
 
-class Badge;
 class Caption;
 class EmptyNote;
+class IconButton;
 class LineField;
-class PresetGrid;
 class PushButton;
-class QScrollArea;
+class TemplateGallery;
 
 struct TemplatesPanelState {
     bool hasImage = false;
     SocialFormat format = SocialFormat::carouselPortrait;
-    QList<Preset> own, packaged;    // those that suit `format`: from the user, from the program
-    QString recoverable;            // name of the template that was removed last; empty: none
+    QList<GallerySection> sections = {};    // those that pass the filter
+    QStringList tags = {};                  // in use, most used first
+    bool hasOwn = false;                    // whether the user has templates to export
+    QString recoverable = {};          // name of the template that was removed last; empty: none
+    QString recoverablePack = {};      // the same of a pack
+    QString recoverableShared = {};    // the same of a template of the team
     bool operator==(const TemplatesPanelState&) const = default;
 };
 
-// Templates to apply to the selected images: the user's own, and those that come with the program.
+// Templates to apply to the selected images, with a search field and filters.
 class TemplatesPanel : public QWidget {
     Q_OBJECT
 public:
@@ -27,37 +31,44 @@ public:
 
     void setClass(WindowClass windowClass);
     void setState(const TemplatesPanelState& state);
-    PresetGrid* own() const { return m_own; }
-    PresetGrid* packaged() const { return m_packaged; }
-    // Lets the user type the template's name on its tile. Clears the search, which may hide the
-    // tile.
+    TemplateGallery* gallery() const { return m_gallery; }
+    const GalleryFilter& filter() const { return m_filter; }
+    // Without a signal.
+    void clearFilter();
+    // Lets the user type the template's name on its tile.
     void rename(QUuid id);
     QList<QWidget*> focusOrder() const;
 
 Q_SIGNALS:
     void shown();
+    void hidden();
+    void filterChanged();
     void saveRequested();
     void importRequested();
+    void installRequested();
+    void exportOwnRequested();
     void callBackRequested();
+    void callBackPackRequested();
+    void callBackSharedRequested();
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void show(const TemplatesPanelState& state);
+    void setFilter(const GalleryFilter& filter);
     void showMenu();
 
     TemplatesPanelState m_state;
+    GalleryFilter m_filter;
     EmptyNote* m_empty;
     QWidget* m_content;
-    QScrollArea* m_area;    // scrolls all that is below the search field
     LineField* m_search;
     PushButton* m_save;
-    Badge* m_count;
     IconButton* m_more;
-    PresetGrid* m_own;
-    QWidget* m_note;
-    Badge* m_format;
-    PresetGrid* m_packaged;
+    TagChips* m_chips;
     Caption* m_nothingFound;
+    TemplateGallery* m_gallery;
 };

@@ -40,6 +40,22 @@ QRegion roundedRegion(const QRect& rect, double radius)
     return QRegion(mask).translated(rect.topLeft());
 }
 
+QImage roundedPicture(const QImage& picture, double radius)
+{
+    QImage image = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QImage mask(image.size(), QImage::Format_ARGB32_Premultiplied);
+    mask.fill(Qt::transparent);
+    QPainter maskPainter(&mask);
+    maskPainter.setRenderHint(QPainter::Antialiasing);
+    fillRounded(maskPainter, mask.rect(), radius, Qt::white);
+    maskPainter.end();
+    image.setDevicePixelRatio(1);
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.drawImage(0, 0, mask);
+    return image;
+}
+
 void strokeRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color,
                    double width)
 {

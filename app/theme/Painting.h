@@ -27,6 +27,9 @@ QRegion roundedRegion(const QRect& rect, double radius);
 void strokeRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color,
                    double width = 1);
 
+// `picture` with transparent corners, for painting it in a rounded box. `radius`: in its pixels.
+QImage roundedPicture(const QImage& picture, double radius);
+
 // Paints one line of text, vertically centred, elided when it is wider than `rect`.
 void paintText(QPainter& painter, const QRectF& rect, Qt::Alignment alignment, Type type,
                const QColor& color, const QString& text, Qt::TextElideMode elide = Qt::ElideRight);

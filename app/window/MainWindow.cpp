@@ -43,6 +43,7 @@
 #include "copygen/LocalAIManager.h"
 #include "platform/NotificationCenter.h"
 #include "platform/PreferencesStore.h"
+#include "platform/UserFolders.h"
 #include "studio/StudioSession.h"
 
 #include <QApplication>
@@ -87,7 +88,7 @@ MainWindow::MainWindow(StudioSession& session, AccountSession& account,
                                                   m_shell->engineRow())),
       m_templatesBinding(std::make_unique<TemplatesBinding>(
           session, m_shell->sidePanel()->templatesPanel(),
-          m_shell->sidePanel()->textPanel()->styles(), photos, preferences)),
+          m_shell->sidePanel()->textPanel()->styles(), photos, preferences, userDataFolder())),
       m_files(new FileIntake(session, preferences, this)),
       m_exportBinding(std::make_unique<ExportBinding>(
           session, account, *m_batchBinding, m_shell->topBar()->exports(), preferences, this)),
@@ -287,6 +288,11 @@ void MainWindow::connectDesktop()
 void MainWindow::setDesktop(Desktop& desktop)
 {
     m_desktop->follow(desktop);
+}
+
+void MainWindow::setSharedTemplates(SharedTemplates& shared)
+{
+    m_templatesBinding->setSharedTemplates(shared);
 }
 
 void MainWindow::setLocalEngine(LocalAIManager& manager, const LocalAIService& service)

@@ -26,6 +26,7 @@ class PanelBinding;
 class PhotoCache;
 class PreferencesStore;
 class PublishBinding;
+class SharedTemplates;
 class StageBinding;
 class StatusBinding;
 class StudioCommands;
@@ -45,6 +46,8 @@ public:
     MainWindow(StudioSession& session, AccountSession& account,
                const std::shared_ptr<PhotoCache>& photos, PreferencesStore& preferences);
     ~MainWindow() override;
+    // Shows the templates of the team too. `shared` outlives the window. Call before it is shown.
+    void setSharedTemplates(SharedTemplates& shared);
     // Shows the engine that runs on this machine; both outlive the window.
     void setLocalEngine(LocalAIManager& manager, const LocalAIService& service);
 

@@ -7,6 +7,7 @@
 #include "app/layers/SidePanel.h"
 #include "app/layers/TextPanel.h"
 #include "app/presets/PresetGrid.h"
+#include "app/presets/TemplateGallery.h"
 #include "app/stage/EmptyState.h"
 #include "app/stage/StagePanel.h"
 #include "app/stage/ViewBar.h"
@@ -102,13 +103,16 @@ QList<KeyHint> StudioFocus::hints(const Batch& batch) const
     const TextPanel* texts = m_shell->sidePanel()->textPanel();
     if (texts->editedSlot() || texts->isCaptionEdited())
         return {{{u"Av Pág"_s}, u"Imagen siguiente"_s}, {{u"Esc"_s}, u"Volver al lienzo"_s}};
-    if (const auto* grid = qobject_cast<PresetGrid*>(focused)) {
-        QList<KeyHint> hints{{{u"Intro"_s}, u"Aplicar"_s}};
-        if (grid->owner() == PresetOwner::user)
-            hints += {{{u"F2"_s}, u"Renombrar"_s}, {{u"Supr"_s}, u"Eliminar"_s}};
-        return hints;
-    }
-    if (focused && qobject_cast<PresetGrid*>(focused->parentWidget()))
+    if (qobject_cast<PresetGrid*>(focused))
+        return {{{u"Intro"_s}, u"Aplicar"_s},
+                {{u"F2"_s}, u"Renombrar"_s},
+                {{u"Supr"_s}, u"Eliminar"_s}};
+    if (qobject_cast<TemplateGallery*>(focused))
+        return {{{u"R"_s}, u"Otra al azar"_s}, {{u"Espacio"_s}, u"Vista previa grande"_s}};
+    const QWidget* around = focused ? focused->parentWidget() : nullptr;
+    const bool isName = qobject_cast<const PresetGrid*>(around) ||
+                        (around && qobject_cast<TemplateGallery*>(around->parentWidget()));
+    if (isName)
         return {{{u"Intro"_s}, u"Guardar el nombre"_s}, {{u"Esc"_s}, u"Cancelar"_s}};
     if (qobject_cast<QLineEdit*>(focused))
         return {{{u"Esc"_s}, u"Volver al lienzo"_s}};

@@ -23,6 +23,7 @@
 #include "platform/Workers.h"
 #include "platform/photo/PhotoCache.h"
 #include "studio/StudioSession.h"
+#include "studio/templates/SharedTemplates.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -154,6 +155,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     ConnectedAccount account(configuration, preferences, userDataFolder(),
                              {.openInBrowser = &QDesktopServices::openUrl});
     LocalEngine engine;
+    SharedTemplates sharedTemplates(account.api(), account.session(), userDataFolder());
     StudioSession session(photos, preferences);
     session.setAccountSession(account.session());
     session.setCreditJournal(account.journal(), stagingPlace());
@@ -163,6 +165,7 @@ int runWindow(int& argc, char** argv, const QStringList& arguments,
     const std::unique_ptr<Desktop> desktop = sessionDesktop();
     MainWindow window(session, account.session(), photos, preferences);
     window.setDesktop(*desktop);
+    window.setSharedTemplates(sharedTemplates);
     window.setLocalEngine(engine.manager, engine.service);
     const auto links = platformLinkRegistration();
     AppDelegate delegate(window, *links);

@@ -25,6 +25,12 @@ bool StudioHistory::isStepOpen(Time now) const
            now - *m_lastCoalescedUndoDate < coalescingWindow;
 }
 
+const StudioHistorySnapshot* StudioHistory::beforeRun(const Step& run) const
+{
+    const bool isOpen = run == m_lastStep && m_lastCoalescedUndoDate && !m_undoStack.isEmpty();
+    return isOpen ? &m_undoStack.last() : nullptr;
+}
+
 void StudioHistory::endJoinedStep()
 {
     if (m_lastStep.isJoined())

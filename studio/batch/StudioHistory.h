@@ -27,6 +27,9 @@ public:
                       const Step& step, Time now);
     // Whether a joined change at `now` would join the last step.
     bool isStepOpen(Time now) const;
+    // The state before the step of this run, if a change at this moment would join it; else null.
+    // Valid until the next change.
+    const StudioHistorySnapshot* beforeRun(const Step& run) const;
     // Prevents the next change from joining the last step. The second one exempts a step of a run,
     // which all results of the run belong to.
     void endStep() { m_lastCoalescedUndoDate.reset(); }

@@ -496,6 +496,35 @@ TEST_F(SessionHistoryTest, aStyleIsCopiedWithoutItsTextAndPlace)
     EXPECT_EQ(batch(), untouched);
 }
 
+TEST_F(SessionHistoryTest, aTryReplacesTheOneBefore)
+{
+    const auto scaled = [](double scale) {
+        return [scale](PublicationItem& item) { item.layers[0].fontScale *= scale; };
+    };
+    const PublicationItem before = *batch().currentItem();
+    session->tryTemplate(u"Uno"_s, scaled(2));
+    now += 1h;
+    session->tryTemplate(u"Dos"_s, scaled(3));
+    EXPECT_EQ(title().fontScale, before.layers[0].fontScale * 3) << "not upon the first try";
+    EXPECT_EQ(session->status(), u"Al azar: «Dos» en 1 imagen. Pulsa R para probar otra."_s);
+    undo();
+    EXPECT_EQ(*batch().currentItem(), before);
+
+    // A try of another image, and one after an edit, are steps of their own.
+    session->tryTemplate(u"Uno"_s, scaled(2));
+    session->selectSingleIndex(1);
+    session->tryTemplate(u"Uno"_s, scaled(2));
+    restyle(0.9);
+    session->tryTemplate(u"Dos"_s, scaled(2));
+    EXPECT_EQ(title().fontScale, 1.8);
+    undo();
+    EXPECT_EQ(title().fontScale, 0.9);
+    undo();
+    undo();
+    EXPECT_EQ(batch().items[1].layers[0].fontScale, 1.0);
+    EXPECT_EQ(batch().items[0].layers[0].fontScale, before.layers[0].fontScale * 2);
+}
+
 TEST_F(SessionHistoryTest, theTextsOfASheetAreOneStepAndGoOutAgain)
 {
     const QString path = m_folder.filePath(u"textos.csv"_s);

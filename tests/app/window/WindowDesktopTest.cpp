@@ -1,5 +1,5 @@
 #include "app/controls/fields/LineField.h"
-#include "app/presets/PresetGrid.h"
+#include "app/presets/TemplateGallery.h"
 #include "app/presets/TemplatesPanel.h"
 #include "app/stage/EmptyState.h"
 #include "app/window/FileIntake.h"
@@ -162,15 +162,17 @@ TEST_F(MainWindowTest, aWindowOnAScreenWithMorePixelsIsDrawnAnew)
     ASSERT_EQ(QGuiApplication::screens().size(), 2);
     session.load({photos(2)});
     settle();
-    PresetGrid* templates = panel()->templatesPanel()->packaged();
+    TemplateGallery* templates = panel()->templatesPanel()->gallery();
     const QSize tile = grid()->picturePixels(), canvas = window.shell()->stage()->pictureSize();
     const QSize preset = templates->picturePixels();
-    QSignalSpy drawnAnew(templates, &PresetGrid::pictureWanted);
+    QSignalSpy drawnAnew(templates, &TemplateGallery::picturesWanted);
     window.windowHandle()->setScreen(QGuiApplication::screens().last());
     ASSERT_EQ(window.devicePixelRatioF(), 2);
     settle();
     EXPECT_EQ(grid()->picturePixels(), tile * 2);
     EXPECT_EQ(window.shell()->stage()->pictureSize().width() / 2, canvas.width());
     EXPECT_EQ(templates->picturePixels(), preset * 2);
-    EXPECT_GE(drawnAnew.size(), 4) << "the templates that are seen";
+    ASSERT_FALSE(drawnAnew.isEmpty());
+    EXPECT_GE(drawnAnew.first().first().value<QList<QUuid>>().size(), 4)
+        << "the templates that are seen";
 }
