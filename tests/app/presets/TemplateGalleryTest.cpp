@@ -1,6 +1,6 @@
 #include "app/presets/TemplateGallery.h"
-#include "app/presets/TemplateGalleryAccessible.h"
 #include "app/presets/TagChips.h"
+#include "app/presets/TemplateGalleryAccessible.h"
 #include "tests/app/Events.h"
 
 #include <QAccessible>
