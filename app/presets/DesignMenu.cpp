@@ -3,6 +3,7 @@
 #include "app/controls/Caption.h"
 #include "app/theme/Icons.h"
 
+#include <QAccessible>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -16,6 +17,10 @@ DesignMenu::DesignMenu(QWidget* parent) : QMenu(parent)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setMinimumWidth(designMenuWidth);
+    connect(this, &QMenu::hovered, this, [this](QAction* entry) {
+        if (entry != m_confirmed && std::exchange(m_isAsked, false))
+            m_confirmed->setText(m_unasked);
+    });
 }
 
 QAction* DesignMenu::newEntry(Icon icon, const QString& text, const QString& beside)
@@ -41,17 +46,31 @@ bool DesignMenu::ask()
 {
     if (std::exchange(m_isAsked, true))
         return true;
+    m_unasked = m_confirmed->text();
     m_confirmed->setText(m_question);
+    // Lets a screen reader read the question.
+    QAccessibleEvent read(this, QAccessible::Focus);
+    read.setChild(int(actions().indexOf(m_confirmed)));
+    QAccessible::updateAccessibility(&read);
     return false;
 }
 
 // A menu closes before it triggers an entry: the first press must not get so far.
 void DesignMenu::mouseReleaseEvent(QMouseEvent* event)
 {
+    if (std::exchange(m_isDoubleClick, false))
+        return;
     if (m_confirmed && !m_isAsked && actionAt(event->position().toPoint()) == m_confirmed)
         ask();
     else
         QMenu::mouseReleaseEvent(event);
+}
+
+// A double click is one press: it does not confirm what it asks.
+void DesignMenu::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    m_isDoubleClick = m_confirmed && actionAt(event->position().toPoint()) == m_confirmed;
+    QMenu::mouseDoubleClickEvent(event);
 }
 
 void DesignMenu::keyPressEvent(QKeyEvent* event)

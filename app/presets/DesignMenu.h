@@ -31,6 +31,7 @@ public:
 
 protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
@@ -38,6 +39,6 @@ private:
     bool ask();
 
     QAction* m_confirmed = nullptr;
-    QString m_question;
-    bool m_isAsked = false;
+    QString m_question, m_unasked;    // the texts of that entry
+    bool m_isAsked = false, m_isDoubleClick = false;
 };

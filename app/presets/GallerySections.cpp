@@ -11,10 +11,10 @@ namespace {
 
 QString teamState(const SharedTemplates& shared)
 {
-    const QString copy =
-        shared.copied().isValid()
-            ? u"copia del %1"_s.arg(QLocale().toString(shared.copied().date(), u"d MMM"_s))
-            : QString();
+    const QString copy = shared.copied().isValid()
+                             ? u"copia del %1"_s.arg(QLocale().toString(
+                                   shared.copied().toLocalTime().date(), u"d MMM"_s))
+                             : QString();
     switch (shared.state()) {
     case CatalogueState::none:
         return {};

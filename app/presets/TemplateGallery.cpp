@@ -60,11 +60,17 @@ void TemplateGallery::setSections(const QList<GallerySection>& sections)
         return;
     const int fixed = m_pointed.part >= 0 ? m_pointed.part : (hasFocus() ? m_marked : -1);
     const PartName fixedName = nameOf(fixed), markedName = nameOf(m_marked);
+    const PartName pressedName = nameOf(m_pressed.part);
     const int height = fixed >= 0 ? partRect(fixed).top() : 0;
     const int formerMarked = m_marked;
-    m_pointed = m_pressed = {};
+    const QString formerText = hasFocus() ? accessibleText(m_marked) : QString();
+    m_pointed = {};
     m_sections = sections;
     lay();
+    // The button may be released after this: the press still counts.
+    m_pressed.part = partNamed(pressedName);
+    if (m_pressed.part < 0)
+        m_pressed = {};
     if (const int part = partNamed(fixedName); part >= 0) {
         QScrollBar* bar = verticalScrollBar();
         bar->setValue(bar->value() + partRect(part).top() - height);
@@ -74,7 +80,7 @@ void TemplateGallery::setSections(const QList<GallerySection>& sections)
         m_marked = std::min(formerMarked, int(m_layout.parts.size()) - 1);
     if (m_marked < 0 || m_layout.parts[m_marked].kind == GalleryPart::Kind::note)
         m_marked = startOfKeys();
-    if (hasFocus())
+    if (hasFocus() && (m_marked != formerMarked || accessibleText(m_marked) != formerText))
         tellMarked();
     if (m_name && partOf(m_renamed) < 0)
         endRename(RenameEnd::kept);

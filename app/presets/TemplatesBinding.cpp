@@ -89,6 +89,7 @@ TemplateLibrary& TemplatesBinding::library()
     if (m_library)
         return *m_library;
     m_library = std::make_unique<TemplateLibrary>(m_saved, m_shared, m_preferences, m_dataFolder);
+    connect(m_library.get(), &TemplateLibrary::marksChanged, this, &TemplatesBinding::showChanged);
     connect(m_library.get(), &TemplateLibrary::changed, this, [this] {
         m_panel->gallery()->outdatePictures();    // a design may have another look now
         showChanged();
@@ -527,9 +528,7 @@ void TemplatesBinding::replaceInTeam(QUuid id)
         return;
     const SocialFormat format = m_session.batch().format;
     const VisualTemplate composed = VisualTemplate::of(*item, design->name, format);
-    m_team->replaceWith(
-        design->fileName, design->name,
-        BuiltInTemplateLibrary().templateDefinition(composed, design->name, format));
+    m_team->replaceWith(design->fileName, design->name, library().definitionOf(composed, format));
 }
 
 void TemplatesBinding::remove(QUuid id)

@@ -27,6 +27,13 @@ QString nothingFound(const GalleryFilter& filter)
                              : u"Ninguna plantilla coincide."_s;
 }
 
+// Qt asks for the role of a gallery as soon as it has a name.
+TemplateGallery* newGallery()
+{
+    makeTemplateGalleriesAccessible();
+    return new TemplateGallery;
+}
+
 }    // namespace
 
 TemplatesPanel::TemplatesPanel(QWidget* parent)
@@ -39,9 +46,8 @@ TemplatesPanel::TemplatesPanel(QWidget* parent)
                             ButtonSize::small)),
       m_more(new IconButton(Icon::more, u"Paquetes y archivos de plantillas"_s, panelMoreSide)),
       m_chips(new TagChips), m_nothingFound(new Caption(Type::small, &Theme::text3)),
-      m_gallery(new TemplateGallery)
+      m_gallery(newGallery())
 {
-    makeTemplateGalleriesAccessible();
     auto* fixed = new QWidget;
     auto* fixedLayout = new PanelLayout(fixed, PanelLayout::Beside::nothing);
     QMargins margins = fixedLayout->contentsMargins();

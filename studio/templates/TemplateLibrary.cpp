@@ -3,7 +3,6 @@
 #include "model/PlainText.h"
 #include "platform/AtomicFile.h"
 #include "platform/Workers.h"
-#include "studio/templates/SharedTemplates.h"
 #include "templates/MissingFonts.h"
 #include "templates/TemplateName.h"
 #include "templates/TemplateSearch.h"
@@ -161,8 +160,16 @@ void TemplateLibrary::readTeam()
 {
     if (!m_shared)
         return;
+    // Most changes are those of the state: the catalogue is being asked, or is up to date.
+    const bool hasTeam = m_shared->state() != CatalogueState::none;
+    if (m_teamNumber > 0 && m_teamRead.isSharedWith(m_shared->designs()) &&
+        m_withdrawn == m_shared->withdrawn() && m_hasTeam == hasTeam)
+        return;
+    m_teamRead = m_shared->designs();
+    m_withdrawn = m_shared->withdrawn();
+    m_hasTeam = hasTeam;
     QList<PackDesign> designs;
-    for (const SharedDesign& shared : m_shared->designs())
+    for (const SharedDesign& shared : std::as_const(m_teamRead))
         designs.append({shared.fileName, shared.definition, {}});
     runReadingTeam(this, ++m_teamNumber, designs);
 }
@@ -329,11 +336,15 @@ TemplateLibrary::definition(QUuid id, SocialFormat otherwise) const
     const Entry* found = entry(id);
     if (!found)
         return std::nullopt;
-    if (const auto* own = std::get_if<VisualTemplate>(&found->source)) {
-        return gallery().templateDefinition(*own, own->name,
-                                            found->design.format.value_or(otherwise));
-    }
+    if (const auto* own = std::get_if<VisualTemplate>(&found->source))
+        return definitionOf(*own, otherwise);
     return std::get<JSONVisualTemplateDefinition>(found->source);
+}
+
+JSONVisualTemplateDefinition TemplateLibrary::definitionOf(const VisualTemplate& own,
+                                                           SocialFormat otherwise) const
+{
+    return gallery().templateDefinition(own, own.name, suitedFormat(own).value_or(otherwise));
 }
 
 QList<QUuid> TemplateLibrary::found(const QString& search, const QString& tag, bool onlyFavourites,
@@ -395,13 +406,13 @@ std::optional<QUuid> TemplateLibrary::anyOther(QUuid notThis, SocialFormat forma
 void TemplateLibrary::setFavourite(QUuid id, bool favourite)
 {
     m_marks.setFavourite(id, favourite);
-    Q_EMIT changed();
+    Q_EMIT marksChanged();
 }
 
 void TemplateLibrary::noteUsed(QUuid id)
 {
     m_marks.noteUsed(id);
-    Q_EMIT changed();
+    Q_EMIT marksChanged();
 }
 
 void TemplateLibrary::keepRemoved(const TemplatePack& pack)

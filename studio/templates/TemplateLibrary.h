@@ -1,6 +1,7 @@
 #pragma once
 
 #include "studio/templates/LibraryMarks.h"
+#include "studio/templates/SharedTemplates.h"
 #include "templates/SavedTemplates.h"
 #include "templates/TemplatePacks.h"
 
@@ -9,8 +10,6 @@
 #include <QPointer>
 
 #include <variant>
-
-class SharedTemplates;
 
 enum class DesignOrigin { user, team, program, pack };
 
@@ -57,6 +56,9 @@ public:
     // `otherwise` is the format of a design that suits every format.
     std::optional<JSONVisualTemplateDefinition> definition(QUuid id, SocialFormat otherwise) const;
 
+    JSONVisualTemplateDefinition definitionOf(const VisualTemplate& own,
+                                              SocialFormat otherwise) const;
+
     // The designs whose name, tags and pack contain all words of `search`, with the tag (empty:
     // any), in the order of sections().
     QList<QUuid> found(const QString& search, const QString& tag, bool onlyFavourites,
@@ -88,7 +90,8 @@ public:
     QCoro::Task<> exportOwn(QString path);
 
 Q_SIGNALS:
-    void changed();
+    void changed();         // other designs, or other contents
+    void marksChanged();    // favourites, and those used last
     void told(const QString& sentence, bool isWarning);
 
 private:
@@ -143,6 +146,10 @@ private:
     QList<TemplatePack> m_removed;                              // for callBackPack()
     bool m_isLoading = false, m_isLoaded = false;
     int m_teamNumber = 0;    // of the last reading of the catalogue
+    // What that reading began with.
+    QList<SharedDesign> m_teamRead;
+    QSet<QUuid> m_withdrawn;
+    bool m_hasTeam = false;
     // What sections() shows, for all formats, and where each design is in it.
     QList<Shelf> m_shelves;
     QHash<QUuid, std::pair<qsizetype, qsizetype>> m_places;

@@ -399,13 +399,13 @@ TEST_F(PublishOperationTest, WhatTheChecksFindIsToldBeforeAnythingIsReserved)
 TEST_F(PublishOperationTest, AnImageThatIsTooLargeIsToldBeforeAnythingIsReserved)
 {
     // Noise, which no recompression makes smaller.
-    QImage noise(1640, 2050, QImage::Format_RGB32);
+    QImage noise(1900, 2375, QImage::Format_RGB32);
     QRandomGenerator random(7);
     random.fillRange(reinterpret_cast<quint32*>(noise.bits()), noise.sizeInBytes() / 4);
     EXPECT_TRUE(noise.save(world.file(u"fotos/a.png"_s)));
     studio.load({QUrl::fromLocalFile(world.file(u"fotos/a.png"_s))});
     request.items = {studio.session.batch().items.last()};
-    request.outputSize = [](SocialFormat) { return QSizeF(1640, 2050); };
+    request.outputSize = [](SocialFormat) { return QSizeF(1900, 2375); };
     for (const auto network : allCases<SocialPublishNetwork>()) {
         request.network = network;
         const PublishOutcome large = publish();

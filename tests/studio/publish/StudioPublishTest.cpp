@@ -157,8 +157,6 @@ TEST_F(StudioPublishTest, ASecondPostOfTheSameRendersWantsASecondPress)
     start();
     session().selectAll();
     publish().openPublishWindow();
-    EXPECT_TRUE(publish().isComparing()) << "a new run has named no renders yet";
-    EXPECT_FALSE(isToldOf());
     EXPECT_TRUE(turnUntil([this] { return !publish().isComparing(); }));
     EXPECT_TRUE(isToldOf());
 }

@@ -115,19 +115,6 @@ TEST_F(TemplateLibraryTest, InstallsPacksAndBringsThemBack)
                                 "otra vez."_s});
 }
 
-TEST_F(TemplateLibraryTest, APackOfAsManyFilesAsItMayHaveIsThereInTheNextRun)
-{
-    const QString first = pack(u"Lleno"_s, {u"Uno"_s});
-    const QString file = QDir(first).entryInfoList({u"*.json"_s}).first().filePath();
-    for (int i = 1; i < TemplatePack::mostFiles; ++i)
-        EXPECT_TRUE(QFile::copy(file, u"%1/%2.json"_s.arg(first).arg(i)));
-    QCoro::waitFor(opened()->installPack(first));
-    EXPECT_TRUE(told.isEmpty() || !told.last().startsWith(u'!')) << qPrintable(told.last());
-    auto library = opened();
-    EXPECT_EQ(titles(*library).last(), u"Lleno 2000"_s);
-    EXPECT_EQ(library->found({}, {}, false, square).size(), 15 + TemplatePack::mostFiles);
-}
-
 TEST_F(TemplateLibraryTest, FindsDesignsAndKeepsMarks)
 {
     auto library = opened();
